@@ -1,0 +1,106 @@
+#pragma once
+
+#include <mutex>
+#include <string>
+
+#include "common/ATSC3Type.h"
+#include "platform/Api.h"
+
+/// Handle on the process-wide store of broadcast services that the SLT parser fills. The first
+/// handle's Create makes the store, the last one's Destroy frees it with every service.
+///
+/// A service is an opaque pointer, good until RemoveService or the end of the store. IPv4 addresses
+/// are numbers: a.b.c.d is a x 2^24 + b x 2^16 + c x 2^8 + d; 0xFFFFFFFF stands for "not set", as
+/// 0xFFFF does for ports.
+///
+/// Threads: AddService may be called from several at once; of the other operations on the store only
+/// one may run at a time, and nothing may be removed while a list is walked. Handles are created and
+/// destroyed on one thread.
+///
+/// A handle that is not created is asserted ("m"), a null service too ("obj"); the result is then
+/// false or null, and outputs are untouched. A mutex that cannot be locked throws std::system_error.
+class VYR_API CChannelMap {
+  public:
+    /// What a caller registers. Called after a service was added or announced again, on the thread
+    /// that added it and outside the store's lock: it may call back into the map.
+    struct SCallback {
+        void* userData;
+        void (*fn)(void* userData, void* service);
+    };
+
+    CChannelMap();
+    /// Destroy comes first, else "!m" is asserted.
+    ~CChannelMap();
+    CChannelMap(const CChannelMap&) = delete;
+    CChannelMap& operator=(const CChannelMap&) = delete;
+
+    /// Joins the store, making it if this is the first handle. False when created already (asserted).
+    bool Create();
+    /// Takes back the callback and leaves the store; the last handle frees it.
+    void Destroy();
+    /// Registers a copy of `callback` in place of the one this handle registered before; null only
+    /// takes that one back. True when one is registered now.
+    bool SetCallback(const SCallback* callback);
+
+    /// Adds a service, or finds the one with the same nine values (all but `existed`), whose other
+    /// fields stay as they are. Both are notified. `existed` may be null.
+    /// `channel` is the caller's transport context, `groupId` the LLS_group_id that announced the
+    /// service; the numbers are serviceId, majorChannelNo, minorChannelNo and the SimulcastTSID
+    /// fields of the SLT (ATSC A/331 table 6.2).
+    void* AddService(void* channel, unsigned char groupId, int serviceId, int majorChannel, int minorChannel,
+                     int simulcastTsid, int simulcastMajor, int simulcastMinor, bool broadbandAccessRequired,
+                     bool* existed);
+    /// Removes and frees a service; false when the store has no such service. Nobody is notified.
+    bool RemoveService(void* service);
+    /// Calls `fn` for every service in the order they were added.
+    bool GetServiceList(void (*fn)(void* userData, void* service), void* userData);
+
+    /// The channel context given to AddService.
+    void* Channel(void* service);
+    /// The numbers given to AddService, each through its pointer unless that is null.
+    bool GetServiceNumber(void* service, unsigned char* groupId, int* serviceId, int* major, int* minor,
+                          int* simulcastTsid, int* simulcastMajor, int* simulcastMinor);
+
+    /// Destination address and UDP port of the service's signalling.
+    bool SetDestination(void* service, unsigned int address, unsigned short port);
+    bool GetDestination(void* service, unsigned int* address, unsigned short* port);
+    /// Source address of the service's signalling.
+    bool SetSource(void* service, unsigned int address);
+    bool GetSource(void* service, unsigned int* address);
+    /// Whether components of the service are protected (encrypted).
+    bool SetProtected(void* service, bool isProtected);
+    bool GetProtected(void* service, bool* isProtected);
+    /// Internet URL of the service. A null service gives false without an assertion in the setter.
+    bool SetSvcInetUrl(void* service, const char* url);
+    bool GetSvcInetUrl(void* service, std::string& url);
+    bool SetSvcInetUrlType(void* service, EATSC3UrlType type);
+    bool GetSvcInetUrlType(void* service, EATSC3UrlType* type);
+    /// globalServiceID, `size` bytes; more than 999,999 are refused.
+    bool SetGlobalServiceId(void* service, const char* id, int size);
+    bool GetGlobalServiceId(void* service, std::string& id);
+    /// shortServiceName, exactly `size` bytes.
+    bool SetServiceName(void* service, const char* name, int size);
+    /// Copies the name without a terminating zero. `length` is the buffer's room before and the bytes
+    /// copied after; a name that does not leave room for one byte more is cut to `length` bytes.
+    bool GetServiceName(void* service, unsigned char* buffer, unsigned short& length);
+    /// serviceCategory (ATSC A/331 table 6.4: 1 linear A/V, 2 audio, 3 application, 4 ESG, 5 EAS,
+    /// 6 DRM data; -1 when never set) and two flags. Required: the setter overwrites the
+    /// broadbandAccessRequired that AddService was given.
+    bool SetServiceCategory(void* service, int category, bool broadbandAccessRequired, bool hidden);
+    bool GetServiceCategory(void* service, int* category, bool* broadbandAccessRequired, bool* hidden);
+    bool SetProtocolType(void* service, EATSC3ProtocolType type);
+    bool GetProtocolType(void* service, EATSC3ProtocolType* type);
+    bool SetDrmSystemID(void* service, std::string id);
+    bool GetDrmSystemID(void* service, std::string& id);
+
+    /// Copy of a service outside the store, to be freed with DeleteClonedService; null when one of its
+    /// texts is longer than 1,000,000 bytes.
+    void* CloneService(void* service);
+    /// Frees a copy made by CloneService (and nothing else).
+    bool DeleteClonedService(void* service);
+
+  private:
+    struct SRegistration;
+    SRegistration* m;
+    std::mutex m_mutex;
+};

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "common/XML.h"
+#include "platform/Api.h"
+
+/// Base of every parser of an XML signalling document or of one element inside such a document.
+/// Life: construct, Create, Parse any number of times, Destroy, delete. A document is kept from a
+/// successful Parse to the next Parse or Destroy. An object is used by one thread at a time.
+class VYR_API XMLBase {
+  public:
+    XMLBase();
+
+  private:
+    virtual bool m_ProcessParse(void* root) = 0;
+
+  public:
+    /// Does not call Destroy: the owner does.
+    virtual ~XMLBase();
+    XMLBase(const XMLBase&) = delete;
+    XMLBase& operator=(const XMLBase&) = delete;
+
+    /// Makes the parser ready; a second call is asserted: false.
+    virtual bool Create() = 0;
+    /// Frees everything; the object can be created anew. Subclasses end by calling this level's own,
+    /// which lets go of the document if one is held.
+    virtual void Destroy() = 0;
+
+    /// Parses a document in memory with the object's default `compressed` flag (false at first).
+    virtual bool Parse(const char* buffer, unsigned int length);
+    /// Parses a document in memory. False: not a document of this kind; no document is held then,
+    /// and what an earlier parse left stays unless the class says otherwise.
+    virtual bool Parse(const char* buffer, unsigned int length, bool compressed);
+    /// Parses the element `root` of a document that somebody else holds and keeps alive.
+    virtual bool Parse(void* doc, void* root);
+
+  protected:
+    CXML t_xml;
+    bool t_compressed;  ///< the default flag of the two-argument Parse
+};

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <string>
+
+#include "common/Parse.h"
+#include "platform/Api.h"
+
+/// Base of the low-level signalling table parsers: reads the four-byte LLS header (ATSC A/331 6.1:
+/// LLS_table_id, LLS_group_id, group_count_minus1, LLS_table_version), drops a table that it has just
+/// seen and hands the payload to the table's parser.
+class VYR_API TCParseLLS : public IParse {
+  public:
+    TCParseLLS();
+    ~TCParseLLS() override;
+
+    /// Takes one whole LLS table, one UDP payload of the LLS stream, from the item's cursor on. True:
+    /// the table was new and was handed on, whether or not it then parsed. False: its header equals
+    /// that of the last table taken, or the item holds no whole header (asserted). Only the one last
+    /// header is remembered, and remembered before the payload is parsed.
+    bool Parse(IParse::SItem* item) override;
+    /// Frees all that was parsed; the object can be created anew.
+    virtual void Destroy() = 0;
+
+    /// With `skip`: a repeated table of this table id, or of this group id, counts as new from now on.
+    /// Without: repeats are dropped again. The id 0xFF stands for none.
+    void SkipCheckVersion(unsigned char tableId, unsigned char groupId, bool skip);
+
+    /// Whether XML payloads are gzip-compressed, for every parser in the process; true at first. To
+    /// be set once, at start.
+    static void SetDecompressLLS(bool decompress);
+
+    /// Separates the CMSSignedData element from an XML table; `data` is a whole LLS table of `length`
+    /// bytes, header included. True: `xml` is the text without the element, `cms` the part of the
+    /// element that begins behind "<CMSSignedData" and is as long as the way from there to the end
+    /// tag's first byte plus 14: required to run 14 characters into the end tag. False: no such
+    /// element, or not a whole one of useful length; the outputs are untouched. No signature is verified.
+    bool CheckCMS(const unsigned char* data, int length, std::string& xml, std::string& cms);
+
+  protected:
+    /// Parses the payload behind the header.
+    virtual bool t_Parse(IParse::SItem* item) = 0;
+    /// The process-wide compression switch.
+    bool t_DecompressLLS() const;
+
+  private:
+    bool m_CheckVersion(unsigned char tableId, unsigned char groupId, unsigned char groupCountMinus1,
+                        unsigned char version);
+
+    static bool m_decompressLLS;
+    unsigned char m_lastTableId;
+    unsigned char m_lastGroupId;
+    unsigned char m_lastGroupCountMinus1;
+    unsigned char m_lastVersion;
+    unsigned char m_skipTableId;
+    unsigned char m_skipGroupId;
+};

@@ -1,0 +1,159 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "common/ATSC3Type.h"
+#include "lls/ParseLLS.h"
+#include "platform/Api.h"
+
+class CChannelMap;
+
+/// Records of the service list table.
+struct SParseSLT {
+    /// A URL of the whole table: sltInetUrl (ATSC A/331 table 6.2).
+    struct SSltInetUrl {
+        std::string url;
+        int urlType;  ///< -1: absent
+    };
+
+    /// One service of the table: the Service element (ATSC A/331 table 6.2). Numbers that the table
+    /// does not give are 0, addresses are a x 2^24 + b x 2^16 + c x 2^8 + d.
+    struct SService {
+        struct SSvcInetUrl {
+            std::string url;
+            int urlType;  ///< -1: absent
+            bool present;
+        };
+
+        void* service;                               ///< the service in the channel map
+        unsigned char groupId;                       ///< LLS group that announced it
+        unsigned short serviceId;
+        std::optional<std::string> globalServiceId;  ///< globalServiceID, else globalServiceId
+        int sltSvcSeqNum;
+        bool isProtected;
+        int majorChannelNo;
+        int minorChannelNo;
+        int simulcastTsid;
+        int simulcastMajorChannelNo;
+        int simulcastMinorChannelNo;
+        int serviceCategory;
+        std::optional<std::string> shortServiceName;
+        bool hidden;
+        bool broadbandAccessRequired;
+        std::optional<std::string> svcCapabilities;
+        bool hasBroadcastSvcSignaling;
+        std::string drmSystemID;
+        int slsProtocol;                             ///< EATSC3ProtocolType, any number
+        int slsMajorProtocolVersion;
+        int slsMinorProtocolVersion;
+        unsigned int slsDestinationIpAddress;
+        int slsDestinationUdpPort;
+        unsigned int slsSourceIpAddress;
+        SSvcInetUrl svcInetUrl;
+    };
+};
+
+/// Parser of the service list table (SLT, LLS_table_id 1; ATSC A/331 6.3). Every service it accepts
+/// is published in the channel map. Required: tables pile up. The services of each new table join
+/// those already held, and all of them are offered to the channel map again; only Destroy lets go.
+///
+/// An object that is not created is asserted ("m"); results are then false, 0 or empty.
+class VYR_API CParseSLT : public TCParseLLS {
+  public:
+    /// Told after each table that parsed, with the number 1.
+    struct SCallback {
+        void* userData;
+        void (*fn)(void* userData, int result);
+    };
+
+    /// Why a Service element did not become a service.
+    enum EDropReason {
+        DROP_NO_PROTECTED,           ///< the attribute "protected" is missing
+        DROP_NO_HIDDEN,              ///< the attribute "hidden" is missing
+        DROP_NO_BROADBAND,           ///< the attribute "broadbandAccessRequired" is missing
+        DROP_MAJOR_CHANNEL,          ///< category 1 to 3, majorChannelNo outside 1 to 999
+        DROP_MINOR_CHANNEL,          ///< category 1 to 3, minorChannelNo outside 1 to 999
+        DROP_BROADBAND_UNSUPPORTED,  ///< category 1 to 3 needs broadband, and the settings have none
+        DROP_DUPLICATE               ///< removed by the rule for equal services
+    };
+    /// Told of each service that is dropped; the service is good during the call only, and holds what
+    /// was read before it was dropped.
+    struct SDropCallback {
+        void* userData;
+        void (*fn)(void* userData, const SParseSLT::SService* service, EDropReason reason);
+    };
+
+    CParseSLT();
+    /// Destroy comes first, else "!m" is asserted.
+    ~CParseSLT() override;
+
+    /// `channelMap` is a created handle that outlives the parser's Destroy; without one (asserted) the
+    /// result is false. `callback` is copied and may be null.
+    bool Create(CChannelMap* channelMap, const CParseSLT::SCallback* callback);
+    void Destroy() override;
+
+    /// Gives the channel context that every later AddService carries.
+    bool Start(void* channel);
+    bool Stop();
+    /// Gives the LLS group that the services of the next tables belong to.
+    bool AddLLSGroupId(unsigned char groupId);
+
+    /// Extension, off by default: a Service without "protected", "hidden" or "broadbandAccessRequired"
+    /// takes the default false that ATSC A/331 gives these attributes, in place of being dropped.
+    void SetLenient(bool lenient);
+    /// Extension: tells why services are dropped. Copied; null takes it back.
+    void SetDropCallback(const SDropCallback* callback);
+
+    /// Number of services held.
+    int ServiceCount() const;
+    /// Broadcast stream id of the last table; 0 before the first.
+    int Bsid() const;
+    /// Lowest minorChannelNo (1 or more) of the services that are not hidden; 1000 without any.
+    int LowestMinorChannelNo() const;
+    /// Number of SLT-level URLs held.
+    int SltInetUrlCount() const;
+    /// sltCapabilities of the last table that had one; false before Create.
+    bool GetSltCapability(std::string& capability) const;
+    /// False, outputs untouched, for an index outside 0 to SltInetUrlCount() - 1.
+    bool GetSltInetUrl(int index, std::string& url, EATSC3UrlType& type) const;
+    /// Gives the channel map's service of the index-th service; false, and nothing changed, outside
+    /// the range.
+    bool GetService(int index, void*& service) const;
+    /// Calls `fn(userData, service, index)` once per service, in order.
+    bool GetService(void (*fn)(void* userData, void* service, int index), void* userData) const;
+    /// Extension: all that was read of the index-th service, null outside the range; good until the
+    /// next Parse or Destroy.
+    const SParseSLT::SService* GetServiceInfo(int index) const;
+    /// The LLS groups given so far.
+    std::set<unsigned char> GetLLSGroupIDs() const;
+    /// The first bsid seen per LLS group.
+    std::map<unsigned char, int> GetBsidByLLSGroupID() const;
+
+  protected:
+    bool t_Parse(IParse::SItem* item) override;
+    bool t_CreateCallback();
+    void t_DestroyCallback();
+    void t_RemoveDuplicateServices();
+
+  private:
+    struct SSLT;
+    struct SDuplicates;
+
+    bool m_ProcessParseSLT(void* root);
+    void m_ReadAddresses(void* node);
+    bool m_ReadRequired(void* node);
+    void m_Publish(SParseSLT::SService* service);
+    void m_RemoveSLT();
+    void m_DumpSLT() const;
+
+    static void sm_CbSltInetUrl(CParseSLT* parser, void* node);
+    static void sm_CbService(CParseSLT* parser, void* node);
+    static void sm_CbSimulcastTSID(CParseSLT* parser, void* node);
+    static void sm_CbBroadcastSvcSignaling(CParseSLT* parser, void* node);
+    static void sm_CbSvcInetUrl(CParseSLT* parser, void* node);
+
+    SSLT* m;
+};

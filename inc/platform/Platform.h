@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdarg>
+
+#include "platform/Api.h"
+
+/// Priorities of log messages, ascending. A message is shown when its priority is at least the
+/// lowest one set with SetLogPriority.
+enum ELogPriority { LOG_PRIORITY_DEBUG = 3, LOG_PRIORITY_INFO = 4, LOG_PRIORITY_ERROR = 6, LOG_PRIORITY_SILENT = 8 };
+
+/// What the library needs from the system it runs on. Both functions may be called from every
+/// thread that calls the library.
+struct SPlatform {
+    /// Prints one message. The format already carries the prefix (tag, function, line); `tag` is
+    /// given again for systems that keep it apart. `arguments` is valid during the call only.
+    /// Null: messages are dropped.
+    void (*log)(int priority, const char* tag, const char* format, va_list arguments);
+    /// Reads the integer setting `key` into `*value`; false: no such key (`*value` untouched).
+    /// Null: there are no settings.
+    bool (*getInt)(const char* key, int* value);
+};
+
+/// Replaces the platform. The record is copied; null restores the default (syslog(3), settings from
+/// the `key=value` file that the environment variable VYR_SETTINGS names, else /etc/vyr-atsc30.conf).
+/// To be called while no other thread is inside the library.
+VYR_API void SetPlatform(const SPlatform* platform);
+
+/// Sets the lowest priority that is shown; messages below it are never formatted and cost one
+/// comparison. At start it is info, or what the environment variable VYR_LOG names (`debug`, `info`,
+/// `error`, `silent`). May be called at any time, from any thread.
+VYR_API void SetLogPriority(ELogPriority lowest);
