@@ -28,8 +28,8 @@ struct SParseSLT {
             bool present;
         };
 
-        void* service;                               ///< the service in the channel map
-        unsigned char groupId;                       ///< LLS group that announced it
+        void* service;          ///< the service in the channel map
+        unsigned char groupId;  ///< LLS group that announced it
         unsigned short serviceId;
         std::optional<std::string> globalServiceId;  ///< globalServiceID, else globalServiceId
         int sltSvcSeqNum;
@@ -46,7 +46,7 @@ struct SParseSLT {
         std::optional<std::string> svcCapabilities;
         bool hasBroadcastSvcSignaling;
         std::string drmSystemID;
-        int slsProtocol;                             ///< EATSC3ProtocolType, any number
+        int slsProtocol;  ///< EATSC3ProtocolType, any number
         int slsMajorProtocolVersion;
         int slsMinorProtocolVersion;
         unsigned int slsDestinationIpAddress;
@@ -134,17 +134,13 @@ class VYR_API CParseSLT : public TCParseLLS {
 
   protected:
     bool t_Parse(IParse::SItem* item) override;
-    bool t_CreateCallback();
-    void t_DestroyCallback();
-    void t_RemoveDuplicateServices();
 
   private:
     struct SSLT;
-    struct SDuplicates;
 
+    bool t_CreateCallback();
     bool m_ProcessParseSLT(void* root);
-    void m_ReadAddresses(void* node);
-    bool m_ReadRequired(void* node);
+    void t_RemoveDuplicateServices();
     void m_Publish(SParseSLT::SService* service);
     void m_RemoveSLT();
     void m_DumpSLT() const;

@@ -1,0 +1,156 @@
+#include "common/CoreOS/PtrArray.h"
+
+#include <algorithm>
+#include <climits>
+
+#include "common/Log.h"
+
+CCPtrArray::CCPtrArray(void (*cbRemove)(void*, void*), void* context)
+    : m_slots(m_inline),
+      m_inline{},
+      m_size(0),
+      m_capacity(k_inlineSlots),
+      m_context(context),
+      m_callback{cbRemove},
+      m_validCount(0)
+{
+}
+
+CCPtrArray::~CCPtrArray()
+{
+    RemoveAll();
+    if (m_slots != m_inline) {
+        delete[] m_slots;
+    }
+}
+
+/// Moves the slots to a new array of `capacity`, the rest of it null.
+void CCPtrArray::m_Move(int capacity)
+{
+    void** slots = new void*[static_cast<std::size_t>(capacity)];
+    std::fill(std::copy(m_slots, m_slots + m_capacity, slots), slots + capacity, nullptr);
+    if (m_slots != m_inline) {
+        delete[] m_slots;
+    }
+    m_slots = slots;
+    m_capacity = capacity;
+}
+
+void CCPtrArray::m_Grow()
+{
+    if (m_size == m_capacity) {
+        m_Move(m_capacity + k_step);
+    }
+}
+
+bool CCPtrArray::Add(void* p)
+{
+    m_Grow();
+    m_slots[m_size++] = p;
+    return true;
+}
+
+bool CCPtrArray::Insert(int index, void* p)
+{
+    if (!VYR_ASSERT(0 <= index && index <= m_size, "0 <= index && index <= m_size")) {
+        return false;
+    }
+    m_Grow();
+    std::copy_backward(m_slots + index, m_slots + m_size, m_slots + m_size + 1);
+    m_slots[index] = p;
+    ++m_size;
+    return true;
+}
+
+bool CCPtrArray::Set(int index, void* p)
+{
+    if (!VYR_ASSERT(0 <= index && index <= INT_MAX - k_step, "0 <= index")) {
+        return false;
+    }
+    if (index >= m_capacity) {
+        m_Move((index + k_step) & ~(k_step - 1));
+    }
+    void* old = m_slots[index];
+    if (!old) {
+        ++m_validCount;
+    } else if (m_callback.cbRemove) {
+        m_callback.cbRemove(m_context, old);
+    }
+    m_slots[index] = p;
+    m_size = std::max(m_size, index + 1);
+    return true;
+}
+
+bool CCPtrArray::GetAt(int index, void** out) const
+{
+    if (index < 0 || index >= m_size) {
+        return false;
+    }
+    if (out) {
+        *out = m_slots[index];
+    }
+    return true;
+}
+
+void* CCPtrArray::Data(int index) const
+{
+    if (!VYR_ASSERT(0 <= index && index < m_size, "0 <= index && index < m_size")) {
+        return nullptr;
+    }
+    return m_slots[index];
+}
+
+bool CCPtrArray::RemoveAt(int index)
+{
+    if (!VYR_ASSERT(0 <= index && index < m_size, "0 <= index && index < m_size")) {
+        return false;
+    }
+    if (m_callback.cbRemove) {
+        m_callback.cbRemove(m_context, m_slots[index]);
+    }
+    std::copy(m_slots + index + 1, m_slots + m_size, m_slots + index);
+    m_slots[--m_size] = nullptr;
+    return true;
+}
+
+int CCPtrArray::RemoveIf(bool (*drop)(void* user, int index), void* user)
+{
+    int kept = 0;
+    for (int i = 0; i < m_size; ++i) {
+        if (!drop(user, i)) {
+            m_slots[kept++] = m_slots[i];
+        } else if (m_callback.cbRemove) {
+            m_callback.cbRemove(m_context, m_slots[i]);
+        }
+    }
+    const int removed = m_size - kept;
+    std::fill(m_slots + kept, m_slots + m_size, nullptr);
+    m_size = kept;
+    return removed;
+}
+
+bool CCPtrArray::RemoveAll()
+{
+    if (m_size < 1) {
+        return true;
+    }
+    if (!VYR_ASSERT(m_callback.cbRemove, "m_callback.cbRemove")) {
+        return false;
+    }
+    for (int i = 0; i < m_size; ++i) {
+        if (m_slots[i]) {
+            m_callback.cbRemove(m_context, m_slots[i]);
+        }
+    }
+    if (m_slots != m_inline) {
+        delete[] m_slots;
+    }
+    m_slots = m_inline;
+    std::fill(m_inline, m_inline + k_inlineSlots, nullptr);
+    m_size = 0;
+    m_capacity = k_inlineSlots;
+    m_validCount = 0;
+    return true;
+}
+
+void CCPtrArray::DummyCallback(void* /*context*/, void* /*element*/) {}

@@ -1,0 +1,150 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+
+#include "common/CoreOS/StringHash.h"
+#include "common/Log.h"
+#include "common/XmlNode.h"
+
+// The one way from element names to handlers. A parser class has
+//   - one table of rows, a static array: SElementHandler<CParser> k_handlers[] = {...};
+//   - a CCStringHash `hashCallback` in its state, filled from the table and emptied by the functions
+//     below, each called from the class's Create, t_CreateCallback, t_DestroyCallback;
+//   - DispatchChildren wherever it walks an element.
+// A child element with structure of its own becomes an object of another class through BuildChild.
+
+namespace vyr {
+
+/// One row: the element's local name, the handler, and the handler's name as the log shows it.
+template <class TParser>
+struct SElementHandler {
+    const char* name;
+    void (*handler)(TParser* parser, void* node);
+    const char* handlerName;
+};
+
+/// Takes every row back.
+inline void RemoveHandlers(CCStringHash& hashCallback)
+{
+    while (hashCallback.SetPosition(CCStringHash::POS_HEAD, 0)) {
+        hashCallback.Remove();
+    }
+}
+
+/// Adds every row; when one cannot be added, logs it as the failed step and takes all of them back.
+template <class TParser, std::size_t N>
+bool AddHandlers(CCStringHash& hashCallback, const SElementHandler<TParser> (&table)[N], const SHere& here)
+{
+    for (const SElementHandler<TParser>& row : table) {
+        if (!hashCallback.Add(row.name, &row)) {
+            char text[128];
+            std::snprintf(text, sizeof text, "m->hashCallback.Add(\"%s\", (const void*)%s)", row.name, row.handlerName);
+            RemoveHandlers(hashCallback);
+            return CheckFailed(here, text);
+        }
+    }
+    return true;
+}
+
+/// Makes the hash of a parser's Create with `buckets` buckets; a failure is logged as that step.
+inline bool CreateHandlers(CCStringHash& hashCallback, unsigned int buckets, const SHere& here)
+{
+    if (hashCallback.Create(buckets, ~0u)) {
+        return true;
+    }
+    char text[64];
+    std::snprintf(text, sizeof text, "m->hashCallback.Create(%u)", buckets);
+    return CheckFailed(here, text);
+}
+
+/// Empties and destroys the hash of a parser's Destroy.
+inline void DestroyHandlers(CCStringHash& hashCallback)
+{
+    if (hashCallback.FlagCreate()) {
+        RemoveHandlers(hashCallback);
+        hashCallback.Destroy();
+    }
+}
+
+/// Which child elements a walk logs by name.
+enum EChildLog { LOG_ALL_CHILDREN, LOG_HANDLED_CHILDREN, LOG_NO_CHILDREN };
+
+/// Calls the handler of each child element of `node` that has one, in document order; the others, and
+/// whatever is not an element, are skipped. `here.function` and `where`, the text in square brackets,
+/// appear in the log.
+template <class TParser>
+void DispatchChildren(TParser* parser, CCStringHash& hashCallback, void* node, EChildLog log, const char* where,
+                      const SHere& here)
+{
+    const bool shown = LogEnabled(LOG_PRIORITY_DEBUG);
+    for (void* child = FirstElement(node); child; child = NextElement(child)) {
+        const char* name = NodeName(child);
+        const bool handled = hashCallback.Find(name);
+        if (shown && (log == LOG_ALL_CHILDREN || (handled && log == LOG_HANDLED_CHILDREN))) {
+            Print(LOG_PRIORITY_DEBUG, here, "[%s] Name[%s]", where, name);
+        }
+        if (handled) {
+            const auto* row = static_cast<const SElementHandler<TParser>*>(hashCallback.Data());
+            row->handler(parser, child);
+        }
+    }
+}
+
+/// Frees a child parser: Destroy, then delete.
+struct SDestroy {
+    template <class TChild>
+    void operator()(TChild* child) const
+    {
+        child->Destroy();
+        delete child;
+    }
+};
+
+/// Deletes an element of a CCPtrArray of child parsers; the array's release callback.
+template <class TChild>
+void RemoveChild(void* /*context*/, void* element)
+{
+    SDestroy()(static_cast<TChild*>(element));
+}
+
+/// Texts of the steps of building a child, as the log shows them when one fails.
+struct SChildSteps {
+    const char* create;
+    const char* parse;
+};
+
+/// Builds a child parser on the parent's document: new, `create(child)`, `prepare(child)` (hands over
+/// what the child must know; false after logging its own failed step), `parse(child)`. Returns the
+/// child, which the caller owns, or null after logging the failed step and freeing the child.
+template <class TChild, class TCreate, class TPrepare, class TParse>
+std::unique_ptr<TChild, SDestroy> BuildChild(const SChildSteps& steps, const SHere& here, TCreate create,
+                                             TPrepare prepare, TParse parse)
+{
+    auto fresh = std::make_unique<TChild>();
+    if (!create(*fresh)) {
+        CheckFailed(here, steps.create);
+        return nullptr;
+    }
+    std::unique_ptr<TChild, SDestroy> child(fresh.release());
+    if (!prepare(*child)) {
+        return nullptr;
+    }
+    if (!parse(*child)) {
+        CheckFailed(here, steps.parse);
+        return nullptr;
+    }
+    return child;
+}
+
+/// The same for a child that is an XMLBase: Create(), `prepare(child)`, Parse(document, node).
+template <class TChild, class TPrepare>
+std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, const SChildSteps& steps, const SHere& here,
+                                                TPrepare prepare)
+{
+    return BuildChild<TChild>(
+        steps, here, [](TChild& child) { return child.Create(); }, prepare,
+        [document, node](TChild& child) { return child.Parse(document, node); });
+}
+
+}  // namespace vyr

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+namespace vyr {
+
+/// Bytes of an inflated stream.
+struct SInflated {
+    std::unique_ptr<char[]> data;
+    std::size_t size = 0;
+};
+
+/// Whether the bytes begin with the gzip magic 1F 8B.
+bool HasGzipMagic(const void* data, std::size_t size);
+
+/// Inflates one gzip or zlib stream of at most `limit` bytes. Only the end of the stream, trailer
+/// included, is success; what follows it is not looked at. On failure `out` is untouched.
+bool Inflate(const void* data, std::size_t size, std::size_t limit, SInflated& out);
+
+}  // namespace vyr

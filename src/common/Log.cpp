@@ -1,0 +1,22 @@
+#include "common/Log.h"
+
+namespace vyr {
+
+bool CheckFailed(const SHere& here, const char* text)
+{
+    if (LogEnabled(LOG_PRIORITY_DEBUG)) {
+        Print(LOG_PRIORITY_DEBUG, here, "_CHECK FAIL: %s:%d, %s", here.file, here.line, text);
+    }
+    return false;
+}
+
+bool AssertFailed(const SHere& here, const char* text)
+{
+    if (LogEnabled(LOG_PRIORITY_ERROR)) {
+        Print(LOG_PRIORITY_ERROR, here, "ASSERT!, Func:%s, Line:%d, Failed: %s", here.function, here.line, text);
+    }
+    _TCParserAssert(text, here.file, static_cast<unsigned>(here.line));
+    return false;
+}
+
+}  // namespace vyr

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+
+#include "platform/BaseParser.h"
+#include "platform/Platform.h"
+
+// The one way to log and to fail. VYR_CHECK and VYR_ASSERT are conditions: true when all is well,
+// else they have logged and are false. Their text is given, not taken from the code: it is what the
+// log shows, and a search for a logged text ends at its line.
+
+namespace vyr {
+
+/// Where a message comes from.
+struct SHere {
+    const char* file;  ///< path below src/, without ending
+    const char* function;
+    int line;
+};
+
+/// "…/src/common/XML.cpp" cut to "src/common/XML" while compiling.
+template <std::size_t N>
+struct SSourcePath {
+    char text[N] = {};
+
+    constexpr explicit SSourcePath(const char (&file)[N])
+    {
+        std::size_t begin = 0;
+        std::size_t end = N - 1;
+        for (std::size_t i = 0; i + 4 < N; ++i) {
+            if (file[i] == 's' && file[i + 1] == 'r' && file[i + 2] == 'c' && file[i + 3] == '/' &&
+                (i == 0 || file[i - 1] == '/')) {
+                begin = i;
+            }
+        }
+        for (std::size_t i = begin; i < N - 1; ++i) {
+            if (file[i] == '/') {
+                end = N - 1;
+            } else if (file[i] == '.') {
+                end = i;
+            }
+        }
+        for (std::size_t i = begin; i < end; ++i) {
+            text[i - begin] = file[i];
+        }
+    }
+};
+
+// The file being compiled, not this header: a mechanism of a shared header speaks for its user.
+[[maybe_unused]] static constexpr SSourcePath k_source(__BASE_FILE__);
+
+extern std::atomic<int> g_lowestPriority;
+
+/// Whether messages of this priority are shown.
+inline bool LogEnabled(ELogPriority priority)
+{
+    return priority >= g_lowestPriority.load(std::memory_order_relaxed);
+}
+
+/// Hands a message to the platform, behind the prefix "tag: function(line) > "; callers ask
+/// LogEnabled first.
+void Print(ELogPriority priority, const SHere& here, const char* format, ...) __attribute__((format(printf, 3, 4)));
+/// Logs the "_CHECK FAIL" line; false.
+bool CheckFailed(const SHere& here, const char* text);
+/// Logs the "ASSERT!" line and tells the assertion sink; false.
+bool AssertFailed(const SHere& here, const char* text);
+/// Integer setting of the platform.
+bool GetSetting(const char* key, int* value);
+
+}  // namespace vyr
+
+#define VYR_HERE (::vyr::SHere{::vyr::k_source.text, __func__, __LINE__})
+
+#define VYR_LOG(priority, ...)                             \
+    do {                                                   \
+        if (::vyr::LogEnabled(priority)) {                 \
+            ::vyr::Print(priority, VYR_HERE, __VA_ARGS__); \
+        }                                                  \
+    } while (0)
+
+#define VYR_CHECK(expression, text) ((expression) ? true : ::vyr::CheckFailed(VYR_HERE, text))
+
+#define VYR_ASSERT(expression, text) ((expression) ? true : ::vyr::AssertFailed(VYR_HERE, text))

@@ -1,0 +1,137 @@
+#include "common/Parse.h"
+
+#include <cstdint>
+#include <cstring>
+#include <new>
+
+#include "common/Log.h"
+
+namespace {
+
+/// The entry checks of every reader but the alignment: false when there is nothing to read from.
+bool Readable(const IParse::SItem* item, const vyr::SHere& here)
+{
+    if (!item) {
+        return vyr::AssertFailed(here, "item");
+    }
+    if (!item->buffer) {
+        return vyr::AssertFailed(here, "item->buffer");
+    }
+    return item->valid;
+}
+
+/// True when `bits` more bits end at or before `limit`, and inside a 32-bit cursor's reach.
+bool Fits(IParse::SItem* item, std::uint64_t bits, std::uint64_t limit)
+{
+    const std::uint64_t end = item->bitpos + bits;
+    item->valid = end <= limit && end <= UINT32_MAX;
+    return item->valid;
+}
+
+std::uint64_t SizeInBits(const IParse::SItem* item)
+{
+    return static_cast<std::uint64_t>(item->size) * 8;
+}
+
+std::uint32_t Assemble(const unsigned char* p, unsigned int bytes)
+{
+    std::uint32_t value = 0;
+    for (unsigned int i = 0; i < bytes; ++i) {
+        value = value << 8 | p[i];
+    }
+    return value;
+}
+
+/// The low 64 bits of a field of any width at any bit, taken byte by byte.
+std::uint64_t Gather(const unsigned char* buffer, std::uint64_t bitpos, std::uint64_t bits)
+{
+    if (bits > 64) {
+        bitpos += bits - 64;
+        bits = 64;
+    }
+    if (bits == 0) {
+        return 0;
+    }
+    const std::uint64_t last = bitpos + bits - 1;
+    const unsigned char* p = buffer + bitpos / 8;
+    const unsigned char* end = buffer + last / 8;
+    std::uint64_t value = *p & (0xFFu >> bitpos % 8);
+    while (p + 1 < end) {
+        value = value << 8 | *++p;
+    }
+    const unsigned int tail = static_cast<unsigned int>(last % 8) + 1;
+    if (p == end) {
+        return value >> (8 - tail);
+    }
+    return value << tail | static_cast<unsigned int>(*end >> (8 - tail));
+}
+
+}  // namespace
+
+IParse::~IParse() = default;
+
+unsigned int IParse::t_Value(SItem* item, unsigned int bits)
+{
+    if (!Readable(item, VYR_HERE)) {
+        return 0;
+    }
+    // bitsize is the bound; a bitsize beyond the bytes is a caller's mistake that reads nothing.
+    const std::uint64_t bytes = SizeInBits(item);
+    if (!Fits(item, bits, item->bitsize < bytes ? item->bitsize : bytes)) {
+        return 0;
+    }
+    const std::uint32_t position = item->bitpos;
+    item->bitpos += bits;
+    if (position % 8 == 0 && bits % 8 == 0 && bits <= 32) {
+        return Assemble(item->buffer + position / 8, bits / 8);
+    }
+    return static_cast<unsigned int>(Gather(item->buffer, position, bits));
+}
+
+unsigned long long IParse::t_Value64(SItem* item, unsigned int bits)
+{
+    if (!Readable(item, VYR_HERE) || !Fits(item, bits, SizeInBits(item))) {
+        return 0;
+    }
+    const std::uint32_t position = item->bitpos;
+    item->bitpos += bits;
+    if (position % 8 == 0 && bits % 8 == 0 && bits <= 64) {
+        // Required: an aligned wide read yields the field's last four bytes only.
+        const unsigned int bytes = bits / 8;
+        const unsigned int skipped = bytes > 4 ? bytes - 4 : 0;
+        return Assemble(item->buffer + position / 8 + skipped, bytes - skipped);
+    }
+    return Gather(item->buffer, position, bits);
+}
+
+const unsigned char* IParse::t_Byte(SItem* item, unsigned int count)
+{
+    const bool readable = Readable(item, VYR_HERE);
+    if (!item || !item->buffer || !VYR_ASSERT(item->bitpos % 8 == 0, "item->bitpos % 8 == 0")) {
+        return nullptr;
+    }
+    if (!readable || !Fits(item, static_cast<std::uint64_t>(count) * 8, SizeInBits(item))) {
+        return nullptr;
+    }
+    const unsigned char* bytes = item->buffer + item->bitpos / 8;
+    item->bitpos += count * 8;
+    return bytes;
+}
+
+unsigned char* IParse::t_AllocAndCopy(SItem* item, unsigned int count)
+{
+    if (!Readable(item, VYR_HERE)) {
+        return nullptr;
+    }
+    const unsigned char* bytes = t_Byte(item, count);
+    if (!bytes) {
+        return nullptr;
+    }
+    const std::size_t length = count;
+    unsigned char* copy = new (std::nothrow) unsigned char[length + 1];
+    if (copy) {
+        std::memcpy(copy, bytes, length);
+        copy[length] = 0;
+    }
+    return copy;
+}

@@ -1,0 +1,579 @@
+#include "lls/ParseSLT.h"
+
+#include <arpa/inet.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "common/ChannelMap.h"
+#include "common/CoreOS/PtrArray.h"
+#include "common/ElementHandlers.h"
+#include "common/Log.h"
+#include "common/SeededHash.h"
+#include "common/XML.h"
+#include "common/XmlNode.h"
+
+using vyr::CNodeText;
+
+namespace {
+
+typedef SParseSLT::SService SService;
+
+constexpr int k_noMinorChannel = 1000;
+constexpr int k_maxChannel = 999;
+constexpr char k_broadbandSetting[] = "db/menu/broadcasting/atsc3_bb_option";
+
+void g_CbRemoveService(void* /*context*/, void* element)
+{
+    delete static_cast<SService*>(element);
+}
+
+void g_CbRemoveSltInetUrl(void* /*context*/, void* element)
+{
+    delete static_cast<SParseSLT::SSltInetUrl*>(element);
+}
+
+int Number(void* node, const char* name)
+{
+    return CNodeText::Attribute(node, name).Int(0);
+}
+
+/// Dotted IPv4 text as a number in host order; absent: 0.
+std::uint32_t Address(void* node, const char* name)
+{
+    const CNodeText text = CNodeText::Attribute(node, name);
+    return text.Found() ? ntohl(inet_addr(text.Text())) : 0;
+}
+
+std::optional<std::string> Text(void* node, const char* name)
+{
+    const CNodeText text = CNodeText::Attribute(node, name);
+    return text.Found() ? std::optional<std::string>(text.Text()) : std::nullopt;
+}
+
+/// What the rule for equal services compares.
+struct SEqual {
+    bool operator()(const SService* a, const SService* b) const
+    {
+        return a->slsProtocol == b->slsProtocol && a->slsMajorProtocolVersion == b->slsMajorProtocolVersion &&
+               a->slsMinorProtocolVersion == b->slsMinorProtocolVersion &&
+               a->slsDestinationIpAddress == b->slsDestinationIpAddress &&
+               a->slsDestinationUdpPort == b->slsDestinationUdpPort && a->slsSourceIpAddress == b->slsSourceIpAddress &&
+               a->serviceId == b->serviceId && a->sltSvcSeqNum == b->sltSvcSeqNum &&
+               a->majorChannelNo == b->majorChannelNo && a->minorChannelNo == b->minorChannelNo &&
+               a->serviceCategory == b->serviceCategory;
+    }
+};
+
+struct SEqualHash {
+    std::size_t operator()(const SService* service) const
+    {
+        vyr::CSeededHash hash;
+        hash.Add(service->slsDestinationIpAddress).Add(service->slsSourceIpAddress).Add(service->serviceId);
+        for (const int value : {service->slsProtocol, service->slsMajorProtocolVersion,
+                                service->slsMinorProtocolVersion, service->slsDestinationUdpPort, service->sltSvcSeqNum,
+                                service->majorChannelNo, service->minorChannelNo, service->serviceCategory}) {
+            hash.Add(static_cast<unsigned int>(value));
+        }
+        return hash.Value();
+    }
+};
+
+/// Removal by index out of the list 0 .. n-1, where each index is near the one before: the elements
+/// on both sides of the last place are kept on two stacks.
+class CRemovals {
+  public:
+    explicit CRemovals(int n) : m_removed(static_cast<std::size_t>(n))
+    {
+        for (int i = n; i-- > 0;) {
+            m_behind.push_back(i);
+        }
+    }
+
+    /// Removes the element that now has this index.
+    void RemoveAt(std::size_t index)
+    {
+        while (m_before.size() < index) {
+            m_before.push_back(m_behind.back());
+            m_behind.pop_back();
+        }
+        while (m_before.size() > index) {
+            m_behind.push_back(m_before.back());
+            m_before.pop_back();
+        }
+        m_removed[static_cast<std::size_t>(m_behind.back())] = true;
+        m_behind.pop_back();
+    }
+
+    bool Removed(int i) const { return m_removed[static_cast<std::size_t>(i)]; }
+
+  private:
+    std::vector<int> m_before;
+    std::vector<int> m_behind;
+    std::vector<bool> m_removed;
+};
+
+}  // namespace
+
+struct CParseSLT::SSLT {
+    unsigned char groupId = 0;
+    std::set<unsigned char> groupIds;
+    int bsid = 0;
+    std::map<unsigned char, int> bsidByGroup;
+    std::string capabilities;
+    int lowestMinorChannelNo = k_noMinorChannel;
+    CXML xml;
+    CCStringHash hashCallback;
+    CCPtrArray services{g_CbRemoveService, nullptr};
+    CCPtrArray sltInetUrls{g_CbRemoveSltInetUrl, nullptr};
+    SService* current = nullptr;
+    void* channel = nullptr;
+    CChannelMap* channelMap = nullptr;
+    SCallback callback{};
+    bool lenient = false;
+    SDropCallback dropCallback{};
+
+    SService* Service(int index) const { return static_cast<SService*>(services.Data(index)); }
+
+    void Drop(const SService* service, EDropReason reason) const
+    {
+        if (dropCallback.fn) {
+            dropCallback.fn(dropCallback.userData, service, reason);
+        }
+    }
+};
+
+CParseSLT::CParseSLT() : m(nullptr) {}
+
+CParseSLT::~CParseSLT()
+{
+    VYR_ASSERT(!m, "!m");
+}
+
+bool CParseSLT::Create(CChannelMap* channelMap, const CParseSLT::SCallback* callback)
+{
+    if (!VYR_ASSERT(!m, "!m") || !VYR_ASSERT(channelMap, "channelMap")) {
+        return false;
+    }
+    m = new SSLT;
+    m->channelMap = channelMap;
+    if (callback) {
+        m->callback = *callback;
+    }
+    if (!vyr::CreateHandlers(m->hashCallback, 7, VYR_HERE) || !VYR_CHECK(t_CreateCallback(), "t_CreateCallback()")) {
+        vyr::DestroyHandlers(m->hashCallback);
+        delete m;
+        m = nullptr;
+        return false;
+    }
+    return true;
+}
+
+bool CParseSLT::t_CreateCallback()
+{
+    static constexpr vyr::SElementHandler<CParseSLT> k_handlers[] = {
+        {"sltInetUrl", sm_CbSltInetUrl, "sm_CbSltInetUrl"},
+        {"SLTInetUrl", sm_CbSltInetUrl, "sm_CbSltInetUrl"},
+        {"Service", sm_CbService, "sm_CbService"},
+        {"SimulcastTSID", sm_CbSimulcastTSID, "sm_CbSimulcastTSID"},
+        {"BroadcastSvcSignaling", sm_CbBroadcastSvcSignaling, "sm_CbBroadcastSvcSignaling"},
+        {"svcInetUrl", sm_CbSvcInetUrl, "sm_CbSvcInetUrl"},
+        {"SvcInetUrl", sm_CbSvcInetUrl, "sm_CbSvcInetUrl"},
+    };
+    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+}
+
+void CParseSLT::Destroy()
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return;
+    }
+    vyr::DestroyHandlers(m->hashCallback);
+    m_RemoveSLT();
+    if (m->xml.FlagCreate()) {
+        m->xml.Destroy();
+    }
+    delete m;
+    m = nullptr;
+}
+
+void CParseSLT::m_RemoveSLT()
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::m_RemoveSLT]");
+    m->bsidByGroup.clear();
+    m->groupIds.clear();
+    m->services.RemoveAll();
+    m->sltInetUrls.RemoveAll();
+}
+
+bool CParseSLT::Start(void* channel)
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    m->channel = channel;
+    return true;
+}
+
+bool CParseSLT::Stop()
+{
+    return VYR_ASSERT(m, "m");
+}
+
+bool CParseSLT::AddLLSGroupId(unsigned char groupId)
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    m->groupId = groupId;
+    m->groupIds.insert(groupId);
+    return true;
+}
+
+void CParseSLT::SetLenient(bool lenient)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->lenient = lenient;
+    }
+}
+
+void CParseSLT::SetDropCallback(const SDropCallback* callback)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->dropCallback = callback ? *callback : SDropCallback{};
+    }
+}
+
+int CParseSLT::ServiceCount() const
+{
+    return VYR_ASSERT(m, "m") ? m->services.Size() : 0;
+}
+
+int CParseSLT::Bsid() const
+{
+    return VYR_ASSERT(m, "m") ? m->bsid : 0;
+}
+
+int CParseSLT::LowestMinorChannelNo() const
+{
+    return VYR_ASSERT(m, "m") ? m->lowestMinorChannelNo : 0;
+}
+
+int CParseSLT::SltInetUrlCount() const
+{
+    return VYR_ASSERT(m, "m") ? m->sltInetUrls.Size() : 0;
+}
+
+bool CParseSLT::GetSltCapability(std::string& capability) const
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    capability = m->capabilities;
+    return true;
+}
+
+bool CParseSLT::GetSltInetUrl(int index, std::string& url, EATSC3UrlType& type) const
+{
+    void* element = nullptr;
+    if (!VYR_ASSERT(m, "m") || !m->sltInetUrls.GetAt(index, &element)) {
+        return false;
+    }
+    const auto* record = static_cast<const SParseSLT::SSltInetUrl*>(element);
+    url = record->url;
+    type = static_cast<EATSC3UrlType>(record->urlType);
+    return true;
+}
+
+const SParseSLT::SService* CParseSLT::GetServiceInfo(int index) const
+{
+    void* element = nullptr;
+    return VYR_ASSERT(m, "m") && m->services.GetAt(index, &element) ? static_cast<SService*>(element) : nullptr;
+}
+
+bool CParseSLT::GetService(int index, void*& service) const
+{
+    const SService* record = GetServiceInfo(index);
+    if (record) {
+        service = record->service;
+    }
+    return record != nullptr;
+}
+
+bool CParseSLT::GetService(void (*fn)(void*, void*, int), void* userData) const
+{
+    if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(fn, "fn")) {
+        return false;
+    }
+    for (int i = 0; i < m->services.Size(); ++i) {
+        fn(userData, m->Service(i)->service, i);
+    }
+    return true;
+}
+
+std::set<unsigned char> CParseSLT::GetLLSGroupIDs() const
+{
+    return VYR_ASSERT(m, "m") ? m->groupIds : std::set<unsigned char>();
+}
+
+std::map<unsigned char, int> CParseSLT::GetBsidByLLSGroupID() const
+{
+    return VYR_ASSERT(m, "m") ? m->bsidByGroup : std::map<unsigned char, int>();
+}
+
+bool CParseSLT::t_Parse(IParse::SItem* item)
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    if (m->xml.FlagCreate()) {
+        m->xml.Destroy();
+    }
+    const int size = item->size <= INT_MAX ? static_cast<int>(item->size) : -1;
+    if (!VYR_CHECK(m->xml.Create(reinterpret_cast<const char*>(item->buffer), size, t_DecompressLLS()),
+                   "m->xml.Create((const char*)buffer, size, t_DecompressLLS())")) {
+        return false;
+    }
+    void* root = nullptr;
+    if (!VYR_CHECK(m->xml.MoveRoot(&root), "m->xml.MoveRoot(&root)") ||
+        !VYR_CHECK(m_ProcessParseSLT(root), "m_ProcessParseSLT(root)")) {
+        m->xml.Destroy();
+        return false;
+    }
+    t_RemoveDuplicateServices();
+    m->lowestMinorChannelNo = k_noMinorChannel;
+    for (int i = 0; i < m->services.Size(); ++i) {
+        const SService* service = m->Service(i);
+        if (!service->hidden && service->minorChannelNo >= 1 && service->minorChannelNo < m->lowestMinorChannelNo) {
+            m->lowestMinorChannelNo = service->minorChannelNo;
+        }
+    }
+    // Required: services of earlier tables are offered again.
+    for (int i = 0; i < m->services.Size(); ++i) {
+        m_Publish(m->Service(i));
+    }
+    if (m->callback.fn) {
+        m->callback.fn(m->callback.userData, 1);
+    }
+    m_DumpSLT();
+    return true;
+}
+
+bool CParseSLT::m_ProcessParseSLT(void* root)
+{
+    if (!m->xml.Compare(root, "SLT")) {
+        return false;
+    }
+    m->bsid = Number(root, "bsid");
+    m->bsidByGroup.emplace(m->groupId, m->bsid);
+    if (!CNodeText::Attribute(root, "sltCapabilities").CopyTo(m->capabilities)) {
+        CNodeText::Attribute(root, "SLTCapabilities").CopyTo(m->capabilities);
+    }
+    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_ALL_CHILDREN, "CParseSLT::m_ProcessParseSLT", VYR_HERE);
+    return true;
+}
+
+/// Offers a service to the channel map and hands over what the map keeps of it.
+void CParseSLT::m_Publish(SParseSLT::SService* service)
+{
+    CChannelMap* map = m->channelMap;
+    void* entry = map->AddService(m->channel, service->groupId, service->serviceId, service->majorChannelNo,
+                                  service->minorChannelNo, service->simulcastTsid, service->simulcastMajorChannelNo,
+                                  service->simulcastMinorChannelNo, service->broadbandAccessRequired, nullptr);
+    service->service = entry;
+    if (!entry) {
+        return;
+    }
+    if (service->globalServiceId) {
+        map->SetGlobalServiceId(entry, service->globalServiceId->c_str(),
+                                static_cast<int>(service->globalServiceId->size()));
+    }
+    if (service->shortServiceName) {
+        map->SetServiceName(entry, service->shortServiceName->c_str(),
+                            static_cast<int>(service->shortServiceName->size()));
+    }
+    map->SetServiceCategory(entry, service->serviceCategory, service->broadbandAccessRequired, service->hidden);
+    map->SetProtected(entry, service->isProtected);
+    if (service->hasBroadcastSvcSignaling) {
+        map->SetDestination(entry, service->slsDestinationIpAddress,
+                            static_cast<unsigned short>(service->slsDestinationUdpPort));
+        map->SetSource(entry, service->slsSourceIpAddress);
+        map->SetProtocolType(entry, static_cast<EATSC3ProtocolType>(service->slsProtocol));
+    }
+    if (service->svcInetUrl.present) {
+        map->SetSvcInetUrl(entry, service->svcInetUrl.url.c_str());
+        map->SetSvcInetUrlType(entry, static_cast<EATSC3UrlType>(service->svcInetUrl.urlType));
+    }
+    if (!service->drmSystemID.empty()) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::t_Parse] systemID[%s]", service->drmSystemID.c_str());
+        map->SetDrmSystemID(entry, service->drmSystemID);
+    }
+}
+
+void CParseSLT::sm_CbService(CParseSLT* parser, void* node)
+{
+    SSLT* m = parser->m;
+    auto service = std::make_unique<SService>();
+    const auto drop = [m, &service](EDropReason reason) { m->Drop(service.get(), reason); };
+    service->groupId = m->groupId;
+    service->serviceId = static_cast<unsigned short>(Number(node, "serviceId"));
+    service->globalServiceId = Text(node, "globalServiceID");
+    if (!service->globalServiceId) {
+        service->globalServiceId = Text(node, "globalServiceId");
+    }
+    service->sltSvcSeqNum = Number(node, "sltSvcSeqNum");
+
+    const CNodeText protected1 = CNodeText::Attribute(node, "protected");
+    if (!m->lenient && !VYR_ASSERT(protected1.Found(), "protected1 != nullptr")) {
+        return drop(DROP_NO_PROTECTED);
+    }
+    service->isProtected = protected1.Bool();
+    const CNodeText hidden1 = CNodeText::Attribute(node, "hidden");
+    if (!m->lenient && !VYR_ASSERT(hidden1.Found(), "hidden1 != nullptr")) {
+        return drop(DROP_NO_HIDDEN);
+    }
+    service->hidden = hidden1.Bool();
+    const CNodeText broadbandAccessRequired1 = CNodeText::Attribute(node, "broadbandAccessRequired");
+    if (!m->lenient && !VYR_ASSERT(broadbandAccessRequired1.Found(), "broadbandAccessRequired1 != nullptr")) {
+        return drop(DROP_NO_BROADBAND);
+    }
+    service->broadbandAccessRequired = broadbandAccessRequired1.Bool();
+
+    service->majorChannelNo = Number(node, "majorChannelNo");
+    service->minorChannelNo = Number(node, "minorChannelNo");
+    service->serviceCategory = Number(node, "serviceCategory");
+    service->shortServiceName = Text(node, "shortServiceName");
+    CNodeText::Attribute(node, "drmSystemID").CopyTo(service->drmSystemID);
+    if (service->serviceCategory >= 1 && service->serviceCategory <= 3) {
+        if (service->majorChannelNo < 1 || service->majorChannelNo > k_maxChannel) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbService] mojor channel number ERROR major[%d]",
+                    service->majorChannelNo);
+            return drop(DROP_MAJOR_CHANNEL);
+        }
+        if (service->minorChannelNo < 1 || service->minorChannelNo > k_maxChannel) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbService] minor channel number ERROR minor[%d]",
+                    service->minorChannelNo);
+            return drop(DROP_MINOR_CHANNEL);
+        }
+        int supported = 0;
+        if (service->broadbandAccessRequired && (!vyr::GetSetting(k_broadbandSetting, &supported) || supported == 0)) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbService] Broadband service is NOT supported !!!");
+            return drop(DROP_BROADBAND_UNSUPPORTED);
+        }
+    }
+    service->svcCapabilities = Text(node, "svcCapabilities");
+
+    m->current = service.get();
+    vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    m->current = nullptr;
+    m->services.Add(service.release());
+}
+
+void CParseSLT::sm_CbSimulcastTSID(CParseSLT* parser, void* node)
+{
+    SService* service = parser->m->current;
+    if (VYR_ASSERT(service, "m->current")) {
+        service->simulcastTsid = Number(node, "SimulcastTSID");
+        service->simulcastMajorChannelNo = Number(node, "simulcastMajorChannelNo");
+        service->simulcastMinorChannelNo = Number(node, "simulcastMinorChannelNo");
+    }
+}
+
+void CParseSLT::sm_CbBroadcastSvcSignaling(CParseSLT* parser, void* node)
+{
+    SService* service = parser->m->current;
+    if (VYR_ASSERT(service, "m->current")) {
+        service->hasBroadcastSvcSignaling = true;
+        service->slsProtocol = Number(node, "slsProtocol");
+        service->slsMajorProtocolVersion = Number(node, "slsMajorProtocolVersion");
+        service->slsMinorProtocolVersion = Number(node, "slsMinorProtocolVersion");
+        service->slsDestinationUdpPort = Number(node, "slsDestinationUdpPort");
+        service->slsDestinationIpAddress = Address(node, "slsDestinationIpAddress");
+        service->slsSourceIpAddress = Address(node, "slsSourceIpAddress");
+    }
+}
+
+void CParseSLT::sm_CbSltInetUrl(CParseSLT* parser, void* node)
+{
+    const int type = CNodeText::Attribute(node, "urlType").Int(-1);
+    const CNodeText url = CNodeText::Content(node);
+    if (!url.HasText()) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSltInetUrl] sltInetUrl value is not exist !!!");
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSltInetUrl] sltUrl[%s], sltUrlType[%d]", url.Text(), type);
+    parser->m->sltInetUrls.Add(new SParseSLT::SSltInetUrl{url.Text(), type});
+}
+
+void CParseSLT::sm_CbSvcInetUrl(CParseSLT* parser, void* node)
+{
+    SService* service = parser->m->current;
+    if (!VYR_ASSERT(service, "m->current")) {
+        return;
+    }
+    const int type = CNodeText::Attribute(node, "urlType").Int(-1);
+    const CNodeText url = CNodeText::Content(node);
+    if (!url.HasText()) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSvcInetUrl] svcInetUrl value is not exist !!!");
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSvcInetUrl] svcUrl[%s], svcUrlType[%d]", url.Text(), type);
+    service->svcInetUrl = {url.Text(), type, true};
+}
+
+/// Every pair of equal services lists the index of its later one; the list in ascending order, its
+/// k-th entry (from 0) removes the element that stands at (index - k) by then. Required as it is: of
+/// two equal services the first stays, of three none does, and in longer runs the array refuses the
+/// indices below zero. Refusals beyond one per service held are passed over in silence.
+void CParseSLT::t_RemoveDuplicateServices()
+{
+    const int count = m->services.Size();
+    std::unordered_map<const SService*, int, SEqualHash, SEqual> seen(static_cast<std::size_t>(count));
+    CRemovals removals(count);
+    std::int64_t k = 0;
+    int refusals = 0;
+    for (int index = 0; index < count; ++index) {
+        const std::int64_t entries = seen[m->Service(index)]++;
+        const std::int64_t last = k + entries;
+        for (; k < last && k <= index; ++k) {
+            removals.RemoveAt(static_cast<std::size_t>(index - k));
+        }
+        for (; k < last && refusals < count; ++k) {
+            m->services.RemoveAt(static_cast<int>(std::max<std::int64_t>(index - k, INT_MIN)));
+            ++refusals;
+        }
+        k = last;
+    }
+    if (k == 0) {
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        if (removals.Removed(i)) {
+            m->Drop(m->Service(i), DROP_DUPLICATE);
+        }
+    }
+    m->services.RemoveIf([](void* user, int i) { return static_cast<CRemovals*>(user)->Removed(i); }, &removals);
+}
+
+void CParseSLT::m_DumpSLT() const
+{
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::m_DumpSLT] bsid[%d], capabilities[%s], services[%d], urls[%d]", m->bsid,
+            m->capabilities.c_str(), m->services.Size(), m->sltInetUrls.Size());
+    for (int i = 0; i < m->services.Size(); ++i) {
+        const SService* service = m->Service(i);
+        VYR_LOG(LOG_PRIORITY_DEBUG,
+                "[CParseSLT::m_DumpSLT] service[%d] id[%d] channel[%d-%d] category[%d] name[%s] protocol[%d] "
+                "destination[%08x:%d] hidden[%d] protected[%d]",
+                i, service->serviceId, service->majorChannelNo, service->minorChannelNo, service->serviceCategory,
+                service->shortServiceName ? service->shortServiceName->c_str() : "", service->slsProtocol,
+                service->slsDestinationIpAddress, service->slsDestinationUdpPort, service->hidden,
+                service->isProtected);
+    }
+}
