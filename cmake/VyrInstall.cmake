@@ -13,5 +13,6 @@ install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/vyr-atsc30-parser-config-version.cmake
   DESTINATION ${package_dir})
 
+file(RELATIVE_PATH VYR_PC_PREFIX "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 configure_file(cmake/vyr-atsc30-parser.pc.in vyr-atsc30-parser.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vyr-atsc30-parser.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,20 @@
+# Tests of the repository itself: headers, exported symbols, the installed tree.
+
+file(GLOB_RECURSE headers RELATIVE ${PROJECT_SOURCE_DIR}/inc CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/inc/*.h)
+set(header_sources)
+foreach(header IN LISTS headers)
+  string(MAKE_C_IDENTIFIER ${header} name)
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/headers/${name}.cpp)
+  file(CONFIGURE OUTPUT ${source} CONTENT "#include \"${header}\"\n#include \"${header}\"\n")
+  list(APPEND header_sources ${source})
+endforeach()
+add_library(vyr-headers-alone OBJECT ${header_sources})
+target_include_directories(vyr-headers-alone PRIVATE ${PROJECT_SOURCE_DIR}/inc)
+vyr_warnings(vyr-headers-alone)
+
+if(NOT VYR_SANITIZE)
+  add_test(NAME exported-symbols
+    COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-symbols $<TARGET_FILE:vyr-atsc30-parser>)
+  add_test(NAME installed-tree
+    COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-install ${PROJECT_BINARY_DIR} ${CMAKE_CXX_COMPILER})
+endif()

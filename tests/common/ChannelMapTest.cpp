@@ -1,0 +1,263 @@
+#include "common/ChannelMap.h"
+
+#include <thread>
+
+#include "support/Recorder.h"
+
+namespace {
+
+/// The nine values that AddService tells services apart by.
+struct SNine {
+    void* channel = nullptr;
+    unsigned char group = 1;
+    int numbers[6] = {2, 3, 4, 5, 6, 7};
+    bool broadband = false;
+};
+
+void* Add(CChannelMap& map, const SNine& nine, bool* existed = nullptr)
+{
+    const int* n = nine.numbers;
+    return map.AddService(nine.channel, nine.group, n[0], n[1], n[2], n[3], n[4], n[5], nine.broadband, existed);
+}
+
+class ChannelMapTest : public CRecorder {
+  protected:
+    void SetUp() override
+    {
+        CRecorder::SetUp();
+        ASSERT_TRUE(m_map.Create());
+    }
+
+    void TearDown() override
+    {
+        m_map.Destroy();
+        CRecorder::TearDown();
+    }
+
+    static int Count(CChannelMap& map)
+    {
+        int count = 0;
+        EXPECT_TRUE(map.GetServiceList([](void* user, void*) { ++*static_cast<int*>(user); }, &count));
+        return count;
+    }
+
+    CChannelMap m_map;
+};
+
+TEST_F(ChannelMapTest, ServicesAreToldApartByAllNineValues)
+{
+    std::vector<SNine> all(10);
+    all[1].channel = this;
+    all[2].group = 9;
+    for (std::size_t i = 0; i < 6; ++i) {
+        all[3 + i].numbers[i] = 99;
+    }
+    all[9].broadband = true;
+    std::vector<void*> services;
+    bool existed = true;
+    for (const SNine& nine : all) {
+        services.push_back(Add(m_map, nine, &existed));
+        EXPECT_FALSE(existed);
+    }
+    EXPECT_EQ(Count(m_map), 10);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        EXPECT_EQ(Add(m_map, all[i], &existed), services[i]);
+        EXPECT_TRUE(existed);
+    }
+    EXPECT_EQ(Count(m_map), 10);
+    EXPECT_EQ(m_map.Channel(services[1]), this);
+    unsigned char group = 0;
+    int n[6];
+    EXPECT_TRUE(m_map.GetServiceNumber(services[2], &group, n, n + 1, n + 2, n + 3, n + 4, n + 5));
+    EXPECT_TRUE(m_map.GetServiceNumber(services[2], nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(group, 9);
+    EXPECT_EQ(std::vector<int>(n, n + 6), (std::vector<int>{2, 3, 4, 5, 6, 7}));
+
+    EXPECT_TRUE(m_map.RemoveService(services[4]));
+    EXPECT_FALSE(m_map.RemoveService(services[4]));
+    EXPECT_FALSE(m_map.RemoveService(this));
+    EXPECT_EQ(Count(m_map), 9);
+    EXPECT_NE(Add(m_map, all[4], &existed), nullptr);
+    EXPECT_FALSE(existed);
+}
+
+TEST_F(ChannelMapTest, TheCategorySetterChangesWhatIsMatched)
+{
+    SNine nine;
+    void* first = Add(m_map, nine);
+    EXPECT_TRUE(m_map.SetServiceCategory(first, 3, true, true));
+    bool existed = true;
+    void* second = Add(m_map, nine, &existed);
+    EXPECT_FALSE(existed);
+    EXPECT_TRUE(m_map.SetServiceCategory(second, 1, true, false));
+    nine.broadband = true;
+    EXPECT_EQ(Add(m_map, nine), first);  // of two that match, the older
+    EXPECT_TRUE(m_map.RemoveService(first));
+    EXPECT_EQ(Add(m_map, nine), second);
+}
+
+TEST_F(ChannelMapTest, FieldsAndTheirDefaults)
+{
+    void* service = Add(m_map, SNine());
+    unsigned int address = 0;
+    unsigned short port = 0;
+    int category = 0;
+    bool broadband = true, hidden = true, isProtected = true;
+    EATSC3ProtocolType protocol = ATSC3_PROTOCOL_MMTP;
+    std::string text = "x";
+    EXPECT_TRUE(m_map.GetDestination(service, &address, &port));
+    EXPECT_EQ(address, 0xFFFFFFFF);
+    EXPECT_EQ(port, 0xFFFF);
+    EXPECT_TRUE(m_map.GetSource(service, &address));
+    EXPECT_EQ(address, 0xFFFFFFFF);
+    EXPECT_TRUE(m_map.GetServiceCategory(service, &category, &broadband, &hidden));
+    EXPECT_TRUE(m_map.GetProtected(service, &isProtected));
+    EXPECT_TRUE(m_map.GetProtocolType(service, &protocol));
+    EXPECT_TRUE(category == -1 && !broadband && !hidden && !isProtected && protocol == 0);
+    EXPECT_TRUE(m_map.GetDrmSystemID(service, text));
+    EXPECT_EQ(text, "");
+
+    EXPECT_TRUE(m_map.SetDestination(service, 0xE000173C, 4937));
+    EXPECT_EQ(Logged("address: 224.0.23.60, port: 4937"), 1);
+    EXPECT_TRUE(
+        m_map.SetSource(service, 7) && m_map.SetProtected(service, true) && m_map.SetDrmSystemID(service, "drm") &&
+        m_map.SetSvcInetUrl(service, "http://u") && m_map.SetProtocolType(service, ATSC3_PROTOCOL_MMTP) &&
+        m_map.SetSvcInetUrlType(service, ATSC3_URL_ESG_SERVER) && m_map.SetServiceCategory(service, 4, true, true));
+    // A copy keeps all of it after the service is gone.
+    void* clone = m_map.CloneService(service);
+    EXPECT_TRUE(m_map.RemoveService(service));
+    EXPECT_EQ(Count(m_map), 0);
+    EATSC3UrlType type = ATSC3_URL_NONE;
+    EXPECT_TRUE(m_map.GetDestination(clone, &address, &port) && address == 0xE000173C && port == 4937);
+    EXPECT_TRUE(m_map.GetSource(clone, &address) && address == 7);
+    EXPECT_TRUE(m_map.GetProtected(clone, &isProtected) && isProtected);
+    EXPECT_TRUE(m_map.GetDrmSystemID(clone, text) && text == "drm");
+    EXPECT_TRUE(m_map.GetSvcInetUrl(clone, text) && text == "http://u");
+    EXPECT_TRUE(m_map.GetSvcInetUrlType(clone, &type) && type == ATSC3_URL_ESG_SERVER);
+    EXPECT_TRUE(m_map.GetProtocolType(clone, &protocol) && protocol == ATSC3_PROTOCOL_MMTP);
+    EXPECT_TRUE(m_map.GetServiceCategory(clone, &category, &broadband, &hidden) && category == 4 && broadband &&
+                hidden);
+    EXPECT_FALSE(m_map.RemoveService(clone));
+    EXPECT_TRUE(m_map.DeleteClonedService(clone));
+}
+
+TEST_F(ChannelMapTest, TextLimits)
+{
+    void* service = Add(m_map, SNine());
+    const std::string big(1000001, 'x');
+    EXPECT_FALSE(m_map.SetGlobalServiceId(service, big.data(), 1000000));
+    EXPECT_EQ(Logged("[CChannelMapST::SetGlobalServiceId] string size is too big size[1000000]"), 1);
+    EXPECT_TRUE(m_map.SetGlobalServiceId(service, big.data(), 999999));
+    std::string text;
+    EXPECT_TRUE(m_map.GetGlobalServiceId(service, text));
+    EXPECT_EQ(text.size(), 999999u);
+
+    static const struct {
+        int stored;
+        unsigned short room, length;
+    } k_cases[] = {{10, 4, 4}, {10, 10, 10}, {10, 11, 10}, {0, 5, 0}, {0, 0, 0}, {65540, 10, 4}, {65540, 4, 4}};
+    for (const auto& c : k_cases) {
+        SCOPED_TRACE(testing::Message() << c.stored << " bytes into " << c.room);
+        EXPECT_TRUE(m_map.SetServiceName(service, big.data(), c.stored));
+        std::vector<unsigned char> buffer(c.room + 1u, '#');
+        unsigned short length = c.room;
+        EXPECT_TRUE(m_map.GetServiceName(service, buffer.data(), length));
+        EXPECT_EQ(length, c.length);
+        EXPECT_EQ(std::string(buffer.begin(), buffer.end()),
+                  std::string(length, 'x') + std::string(c.room + 1u - length, '#'));
+    }
+    EXPECT_EQ(Logged("!! ERROR service name is too long length = ["), 4);
+
+    EXPECT_TRUE(m_map.SetServiceName(service, big.data(), 1000000));
+    void* clone = m_map.CloneService(service);
+    EXPECT_NE(clone, nullptr);
+    EXPECT_TRUE(m_map.DeleteClonedService(clone));
+    EXPECT_TRUE(m_map.SetServiceName(service, big.data(), 1000001));
+    EXPECT_EQ(m_map.CloneService(service), nullptr);
+}
+
+TEST_F(ChannelMapTest, NotificationsComeOutsideTheLock)
+{
+    struct SHost {
+        CChannelMap* map;
+        std::vector<void*> told;
+    } host{&m_map, {}};
+    const CChannelMap::SCallback callback = {&host, [](void* user, void* service) {
+                                                 SHost* h = static_cast<SHost*>(user);
+                                                 h->told.push_back(service);
+                                                 if (h->told.size() == 1) {
+                                                     SNine other;
+                                                     other.group = 77;
+                                                     Add(*h->map, other);  // would deadlock under the lock
+                                                 } else if (h->told.size() == 2) {
+                                                     h->map->SetCallback(nullptr);
+                                                 }
+                                             }};
+    CChannelMap second;
+    ASSERT_TRUE(second.Create());
+    EXPECT_TRUE(m_map.SetCallback(&callback));
+    EXPECT_TRUE(m_map.SetCallback(&callback));  // replaces, does not add
+    void* service = Add(m_map, SNine());
+    ASSERT_EQ(host.told.size(), 2u);
+    EXPECT_EQ(host.told[0], service);
+    EXPECT_FALSE(m_map.SetCallback(nullptr));
+    Add(m_map, SNine());
+    EXPECT_EQ(host.told.size(), 2u);
+
+    // One record through two handles is told twice, of a repeat too; a destroyed handle is told no more.
+    EXPECT_TRUE(m_map.SetCallback(&callback));
+    EXPECT_TRUE(second.SetCallback(&callback));
+    Add(m_map, SNine());
+    EXPECT_EQ(host.told.size(), 4u);
+    second.Destroy();
+    Add(m_map, SNine());
+    EXPECT_EQ(host.told.size(), 5u);
+}
+
+TEST_F(ChannelMapTest, TheLastHandleFreesTheStore)
+{
+    CChannelMap second;
+    ASSERT_TRUE(second.Create());
+    void* service = Add(second, SNine());
+    m_map.Destroy();
+    EXPECT_EQ(Count(second), 1);
+    EXPECT_EQ(Logged("m->refCnt[1]"), 2);
+    second.Destroy();
+    EXPECT_EQ(Logged("m->refCnt[0]"), 1);
+    EXPECT_EQ(Add(m_map, SNine()), nullptr);
+    EXPECT_FALSE(m_map.RemoveService(service) || m_map.SetCallback(nullptr));
+    m_map.Destroy();
+    EXPECT_EQ(s_assertions.back().file, "src/common/ChannelMap");
+    EXPECT_EQ(TakeAssertions(), "m; m; m; m");
+    ASSERT_TRUE(m_map.Create());
+    EXPECT_EQ(Count(m_map), 0);
+    EXPECT_FALSE(m_map.Create());
+    EXPECT_EQ(TakeAssertions(), "!m");
+    std::string text;
+    EXPECT_FALSE(m_map.GetDrmSystemID(nullptr, text) || m_map.RemoveService(nullptr) ||
+                 m_map.SetProtected(nullptr, true));
+    EXPECT_FALSE(m_map.SetSvcInetUrl(nullptr, "u"));
+    EXPECT_EQ(s_assertions.back().file, "src/common/ChannelMapST");
+    EXPECT_EQ(TakeAssertions(), "obj; obj; obj");
+}
+
+TEST_F(ChannelMapTest, ServicesMayBeAddedFromSeveralThreads)
+{
+    SetLogPriority(LOG_PRIORITY_SILENT);  // the recorder itself takes no lock
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([this] {
+            for (int i = 0; i < 500; ++i) {
+                SNine nine;
+                nine.numbers[0] = i;
+                Add(m_map, nine);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(Count(m_map), 500);
+}
+
+}  // namespace

@@ -1,0 +1,124 @@
+#include "common/CoreOS/PtrArray.h"
+
+#include "support/Recorder.h"
+
+namespace {
+
+std::vector<void*> g_removed;
+
+void Remove(void* context, void* element)
+{
+    EXPECT_EQ(context, &g_removed);
+    g_removed.push_back(element);
+}
+
+class PtrArrayTest : public CRecorder {
+  protected:
+    void SetUp() override
+    {
+        CRecorder::SetUp();
+        g_removed.clear();
+    }
+
+    void Fill(int n)
+    {
+        for (int i = 0; i < n; ++i) {
+            EXPECT_TRUE(m_array.Add(m_things + i));
+        }
+    }
+
+    std::vector<int> Held() const
+    {
+        std::vector<int> held;
+        void* p = nullptr;
+        for (int i = 0; m_array.GetAt(i, &p); ++i) {
+            held.push_back(p ? static_cast<int>(static_cast<const char*>(p) - m_things) : -1);
+        }
+        return held;
+    }
+
+    char m_things[32];
+    CCPtrArray m_array{Remove, &g_removed};
+};
+
+TEST_F(PtrArrayTest, GrowsPastTheInlineSlotsAndInsertsInOrder)
+{
+    EXPECT_FALSE(m_array.GetAt(0, nullptr));
+    Fill(4);
+    EXPECT_TRUE(m_array.Insert(0, m_things + 20));
+    EXPECT_TRUE(m_array.Insert(5, m_things + 21));
+    EXPECT_TRUE(m_array.Insert(2, nullptr));
+    EXPECT_EQ(Held(), (std::vector<int>{20, 0, -1, 1, 2, 3, 21}));
+    for (int i = 7; i < 13; ++i) {
+        m_array.Add(m_things + i);
+    }
+    EXPECT_EQ(m_array.Size(), 13);
+    EXPECT_EQ(m_array.Data(12), m_things + 12);
+    EXPECT_EQ(m_array.ValidCount(), 0);
+}
+
+TEST_F(PtrArrayTest, SetFillsWithNullAndReplaces)
+{
+    EXPECT_TRUE(m_array.Set(9, m_things));
+    EXPECT_EQ(m_array.Size(), 10);
+    EXPECT_EQ(m_array.Data(8), nullptr);
+    EXPECT_EQ(m_array.ValidCount(), 1);
+    EXPECT_TRUE(m_array.Set(9, m_things + 1));
+    EXPECT_EQ(g_removed, std::vector<void*>{m_things});
+    EXPECT_EQ(m_array.ValidCount(), 1);
+    EXPECT_TRUE(m_array.Set(2, nullptr));
+    EXPECT_EQ(m_array.ValidCount(), 2);
+    EXPECT_EQ(m_array.Size(), 10);
+    EXPECT_TRUE(m_array.RemoveAt(9));
+    EXPECT_EQ(m_array.ValidCount(), 2);
+    EXPECT_TRUE(m_array.RemoveAll());
+    EXPECT_EQ(m_array.ValidCount(), 0);
+    EXPECT_EQ(g_removed.size(), 2u);  // null slots are passed over
+}
+
+TEST_F(PtrArrayTest, RemovalCallsBackForNullAndClosesTheGap)
+{
+    Fill(3);
+    m_array.Add(nullptr);
+    EXPECT_TRUE(m_array.RemoveAt(3));
+    EXPECT_TRUE(m_array.RemoveAt(0));
+    EXPECT_EQ(g_removed, (std::vector<void*>{nullptr, m_things}));
+    EXPECT_EQ(Held(), (std::vector<int>{1, 2}));
+    // The slots given up are empty again.
+    EXPECT_TRUE(m_array.Set(3, m_things + 9));
+    EXPECT_EQ(Held(), (std::vector<int>{1, 2, -1, 9}));
+    EXPECT_EQ(m_array.RemoveIf([](void*, int index) { return index != 1; }, nullptr), 3);
+    EXPECT_EQ(Held(), std::vector<int>{2});
+    EXPECT_EQ(g_removed.size(), 5u);
+}
+
+TEST_F(PtrArrayTest, MisuseIsAssertedAndChangesNothing)
+{
+    EXPECT_TRUE(m_array.RemoveAll());
+    EXPECT_EQ(m_array.Data(0), nullptr);
+    EXPECT_FALSE(m_array.RemoveAt(0));
+    EXPECT_EQ(TakeAssertions(), "0 <= index && index < m_size; 0 <= index && index < m_size");
+    Fill(2);
+    EXPECT_FALSE(m_array.RemoveAt(-1));
+    EXPECT_FALSE(m_array.Insert(3, m_things));
+    EXPECT_FALSE(m_array.Set(-1, m_things));
+    EXPECT_FALSE(m_array.Set(0x7FFFFFFF, m_things));
+    EXPECT_EQ(s_assertions.size(), 4u);
+    EXPECT_EQ(s_assertions[0].file, "src/common/CoreOS/PtrArray");
+    s_assertions.clear();
+    EXPECT_EQ(Held(), (std::vector<int>{0, 1}));
+
+    {
+        CCPtrArray borrowed(nullptr, nullptr);
+        for (int i = 0; i < 6; ++i) {
+            borrowed.Add(m_things);
+        }
+        EXPECT_FALSE(borrowed.RemoveAll());
+        EXPECT_EQ(borrowed.Size(), 6);
+        EXPECT_EQ(TakeAssertions(), "m_callback.cbRemove");
+        EXPECT_TRUE(borrowed.RemoveAt(0));
+    }
+    EXPECT_EQ(TakeAssertions(), "m_callback.cbRemove");
+}
+
+}  // namespace

@@ -1,0 +1,24 @@
+// A program outside the tree, built against what was installed.
+#include <common/ChannelMap.h>
+#include <lls/ParseSLT.h>
+
+#include <cstdio>
+#include <cstring>
+
+int main()
+{
+    const char table[] =
+        "\1\1\1\1<SLT bsid='801'><Service serviceId='7' protected='false' hidden='false' "
+        "broadbandAccessRequired='false'/></SLT>";
+    const unsigned int size = static_cast<unsigned int>(std::strlen(table));
+    IParse::SItem item = {reinterpret_cast<const unsigned char*>(table), size, size * 8, 0, true};
+
+    CChannelMap map;
+    CParseSLT slt;
+    const bool good = map.Create() && slt.Create(&map, nullptr) && slt.AddLLSGroupId(1) && slt.Parse(&item) &&
+                      slt.Bsid() == 801 && slt.ServiceCount() == 1;
+    std::printf("bsid %d, %d service(s)\n", slt.Bsid(), slt.ServiceCount());
+    slt.Destroy();
+    map.Destroy();
+    return good ? 0 : 1;
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/Platform.h"
+
+/// One call of the assertion sink.
+struct SAssertion {
+    std::string expression;
+    std::string file;
+    unsigned line;
+};
+
+/// Fixture of every test: records what the library logs and asserts, and serves its settings. A test
+/// whose assertions were not all taken fails.
+class CRecorder : public testing::Test {
+  public:
+    static std::vector<std::string> s_log;  ///< formatted messages, all priorities
+    static std::vector<SAssertion> s_assertions;
+    static std::map<std::string, int> s_settings;
+
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    /// Number of messages that contain the text.
+    static int Logged(const std::string& text);
+    /// The expressions asserted since the last call, joined with "; ".
+    static std::string TakeAssertions();
+};
+
+/// Bytes of a file of tests/data.
+std::string ReadData(const std::string& name);
+
+/// The bytes in a heap block of exactly their size, so that a read past the end is seen.
+std::vector<unsigned char> Exact(const std::string& bytes);
+
+/// The text as a gzip stream.
+std::string Gzip(const std::string& text);

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Bytes.h"
+#include "Report.h"
+
+struct pcap;
+
+namespace vyr::inspect {
+
+/// What is wrong with an input.
+class CInputError : public std::runtime_error {
+  public:
+    CInputError(EFault code, const std::string& message) : std::runtime_error(message), m_code(code) {}
+    EFault Code() const { return m_code; }
+
+  private:
+    EFault m_code;
+};
+
+struct SPacket {
+    SBytes bytes;  ///< good until the next packet
+    bool cut = false;
+    std::optional<STime> time;
+};
+
+/// One input, known by its first bytes: a capture, read packet by packet as it grows, or one raw
+/// table.
+class CInput {
+  public:
+    /// Opens a file, or standard input for "-". Throws CInputError.
+    explicit CInput(const std::string& name);
+    ~CInput();
+    CInput(const CInput&) = delete;
+    CInput& operator=(const CInput&) = delete;
+
+    bool IsCapture() const { return m_capture != nullptr; }
+    /// DLT number of a capture.
+    int LinkType() const;
+    std::string LinkTypeText() const;
+    /// Next packet of a capture; false at its end. Throws CInputError for a damaged capture.
+    bool Next(SPacket& packet);
+    /// Bytes of a raw table.
+    SBytes Table() const { return {m_table.data(), m_table.size()}; }
+
+    /// Ends every input at the bytes read so far; for signal handlers.
+    static void Stop();
+
+  private:
+    struct SFile;
+    static constexpr std::size_t k_maxTable = 1048576;
+
+    void m_OpenCapture();
+    void m_ReadTable();
+
+    std::unique_ptr<SFile> m_file;
+    pcap* m_capture = nullptr;
+    std::vector<unsigned char> m_table;
+};
+
+}  // namespace vyr::inspect

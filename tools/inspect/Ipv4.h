@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <vector>
+
+#include "Bytes.h"
+
+namespace vyr::inspect {
+
+/// What the packets of a capture were.
+struct SPacketCounts {
+    std::uint64_t packets = 0;
+    std::uint64_t cut = 0;                  ///< captured shorter than they were
+    std::uint64_t otherProtocol = 0;        ///< not IPv4 over this link, or IPv4 without UDP
+    std::uint64_t otherLinkPackets = 0;     ///< link-layer packets of another kind than IPv4
+    std::uint64_t malformed = 0;            ///< headers that contradict themselves or the packet's length
+    std::uint64_t fragments = 0;            ///< IPv4 and link-layer pieces
+    std::uint64_t datagrams = 0;            ///< whole UDP datagrams
+    std::uint64_t incompleteDatagrams = 0;  ///< pieces that never became whole
+
+    SPacketCounts& operator+=(const SPacketCounts& other);
+};
+
+struct SDatagram {
+    std::uint32_t source = 0;
+    std::uint32_t destination = 0;
+    std::uint16_t sourcePort = 0;
+    std::uint16_t destinationPort = 0;
+    SBytes payload;
+};
+
+/// Finds the UDP datagrams in IPv4 packets and puts fragmented ones together in bounded memory.
+/// Checksums are not verified: captures of a sender with checksum offload have none.
+class CIpv4Decoder {
+  public:
+    /// The sink's datagram is good during the call only.
+    CIpv4Decoder(SPacketCounts& counts, std::function<void(const SDatagram&)> sink);
+
+    /// `cut`: the capture may hold less of the packet than its header announces.
+    void Decode(SBytes packet, bool cut);
+    /// No more packets come: what is still open counts as incomplete.
+    void Finish();
+
+  private:
+    static constexpr std::size_t k_maxOpen = 64;
+    static constexpr std::size_t k_maxDatagram = 65535;
+    static constexpr std::uint64_t k_duplicateDistance = 64;
+
+    struct SAssembly {
+        std::uint32_t source;
+        std::uint32_t destination;
+        std::uint16_t id;
+        std::vector<unsigned char> bytes;
+        std::vector<bool> blocks;  ///< which 8-byte blocks are there
+        std::size_t total = 0;     ///< 0 until the last fragment has come
+        std::uint64_t completedAt = 0;
+    };
+
+    void m_Fragment(SBytes packet, SBytes data, unsigned flagsAndOffset);
+    bool m_Put(SAssembly& assembly, SBytes data, std::size_t offset, bool more);
+    void m_Udp(std::uint32_t source, std::uint32_t destination, SBytes data);
+    void m_Drop(std::list<SAssembly>::iterator assembly);
+
+    SPacketCounts& m_counts;
+    std::function<void(const SDatagram&)> m_sink;
+    std::list<SAssembly> m_open;
+    std::uint64_t m_decoded = 0;
+};
+
+}  // namespace vyr::inspect

@@ -1,0 +1,137 @@
+#include "LibraryPort.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "Text.h"
+#include "platform/BaseParser.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr std::size_t k_maxAssertions = 16;
+
+ELogPriority g_lowest = LOG_PRIORITY_SILENT;
+std::map<std::string, int> g_settings;
+CRefusalListener* g_listener = nullptr;
+std::vector<SAssertion> g_assertions;
+
+bool TellsOfRefusal(const char* format)
+{
+    return std::strstr(format, "[Xml Error Info]") != nullptr || std::strstr(format, "refused: ") != nullptr ||
+           std::strstr(format, "XML Create Fail") != nullptr || std::strstr(format, "_CHECK FAIL") != nullptr;
+}
+
+void Log(int priority, const char*, const char* format, va_list arguments)
+{
+    const bool heard = g_listener != nullptr && TellsOfRefusal(format);
+    const bool shown = priority >= g_lowest;
+    if (!heard && !shown) {
+        return;
+    }
+    char message[4096];
+    std::vsnprintf(message, sizeof message, format, arguments);
+    if (heard) {
+        g_listener->Hear(message);
+    }
+    if (shown) {
+        std::fprintf(stderr, "%s\n", Printable(message).c_str());
+    }
+}
+
+bool GetInt(const char* key, int* value)
+{
+    const auto setting = g_settings.find(key);
+    if (setting == g_settings.end()) {
+        return false;
+    }
+    *value = setting->second;
+    return true;
+}
+
+std::string After(const std::string& text, const char* mark)
+{
+    const std::size_t at = text.find(mark);
+    return at == std::string::npos ? std::string() : text.substr(at + std::strlen(mark));
+}
+
+void HearAssertion(const char* expression, const char* file, unsigned line)
+{
+    if (g_assertions.size() == k_maxAssertions) {
+        g_assertions.erase(g_assertions.begin());
+    }
+    g_assertions.push_back({expression, std::string(file) + ':' + std::to_string(line)});
+}
+
+}  // namespace
+
+void InstallPlatform(ELogPriority log, const std::map<std::string, int>& settings)
+{
+    g_lowest = log;
+    g_settings = settings;
+    const SPlatform platform = {Log, GetInt};
+    SetPlatform(&platform);
+    SetLogPriority(log);
+}
+
+CRefusalListener::CRefusalListener()
+{
+    g_listener = this;
+    SetLogPriority(LOG_PRIORITY_DEBUG);
+}
+
+CRefusalListener::~CRefusalListener()
+{
+    g_listener = nullptr;
+    SetLogPriority(g_lowest);
+}
+
+/// libxml2 tells one error in several messages; its pieces are put together again.
+void CRefusalListener::Hear(const std::string& message)
+{
+    const std::string xmlError = After(message, "[Xml Error Info]");
+    if (message.find("[Xml Error Info]") != std::string::npos) {
+        if (m_xmlErrors.size() + xmlError.size() <= k_maxText) {
+            m_xmlErrors += xmlError;
+        }
+    } else if (message.find("_CHECK FAIL") != std::string::npos) {
+        m_failedCheck = message;
+    } else {
+        m_refusal = After(message, " > ");
+    }
+}
+
+std::string CRefusalListener::Reason() const
+{
+    // "Entity: line 3: parser error : xmlParseEntityRef: no name\n", then the offending line.
+    const std::size_t line = m_xmlErrors.find("line ");
+    const std::size_t error = m_xmlErrors.find("error : ", line);
+    if (line != std::string::npos && error != std::string::npos) {
+        const std::string where = m_xmlErrors.substr(line, m_xmlErrors.find(':', line) - line);
+        const std::size_t what = error + std::strlen("error : ");
+        return where + ": " + m_xmlErrors.substr(what, m_xmlErrors.find('\n', what) - what);
+    }
+    const std::string refused = After(m_refusal, "refused: ");
+    if (!refused.empty()) {
+        return refused;
+    }
+    if (!m_refusal.empty()) {
+        return m_refusal;
+    }
+    return m_failedCheck.find("m_ProcessParse") != std::string::npos ? "the root element is another" : std::string();
+}
+
+std::vector<SAssertion> TakeAssertions()
+{
+    std::vector<SAssertion> taken;
+    taken.swap(g_assertions);
+    return taken;
+}
+
+}  // namespace vyr::inspect
+
+void _TCParserAssert(const char* expression, const char* file, unsigned line)
+{
+    vyr::inspect::HearAssertion(expression, file, line);
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Report.h"
+#include "common/ChannelMap.h"
+
+namespace vyr::inspect {
+
+/// Follows one LLS stream: tells of each table what is new about it, and keeps the services of the
+/// current service list of each LLS group in the channel map.
+class CLlsFollower {
+  public:
+    /// `stream` names the stream in the report; all references outlive the follower.
+    CLlsFollower(std::string stream, bool lenient, CChannelMap& channelMap, CReport& report);
+    /// Takes its services out of the channel map.
+    ~CLlsFollower();
+    CLlsFollower(const CLlsFollower&) = delete;
+    CLlsFollower& operator=(const CLlsFollower&) = delete;
+
+    /// Takes one LLS table: one UDP payload of the stream.
+    void Take(SBytes table, const SSource& source);
+
+    std::uint64_t Tables() const { return m_taken; }
+    bool SawSlt() const { return m_sawSlt; }
+    /// Services in the lists that hold now.
+    std::size_t Services() const;
+
+  private:
+    static constexpr std::size_t k_maxServices = 16384;
+
+    /// The services of one list; its address is their channel in the channel map.
+    struct SCurrentSlt {
+        std::vector<void*> services;
+    };
+    struct SState {
+        SLlsHeader header;
+        std::size_t size = 0;
+        std::uint64_t hash = 0;
+        std::optional<STime> lastSeen;
+    };
+    struct SOutcome {
+        std::optional<SSlt> slt;
+        std::string reason;  ///< why there is none
+        std::vector<SFault> faults;
+    };
+
+    EStatus m_Compare(const SLlsHeader& header, SBytes payload, STable& table, const SSource& source);
+    SOutcome m_ParseSlt(SBytes bytes, const STable& table);
+    void m_Read(CParseSLT& parser, SBytes bytes, const STable& table, SOutcome& outcome);
+    void m_Hold(unsigned char groupId, std::unique_ptr<SCurrentSlt> current, const STable& table, SOutcome& outcome);
+    void m_Release(unsigned char groupId);
+
+    const std::string m_stream;
+    const bool m_lenient;
+    CChannelMap& m_channelMap;
+    CReport& m_report;
+    std::map<unsigned, SState> m_states;  ///< by table id and group id
+    std::map<unsigned char, std::unique_ptr<SCurrentSlt>> m_current;
+    std::list<unsigned char> m_groups;  ///< of m_current, oldest list first
+    std::uint64_t m_taken = 0;
+    bool m_sawSlt = false;
+};
+
+}  // namespace vyr::inspect

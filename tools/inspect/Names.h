@@ -1,0 +1,15 @@
+#pragma once
+
+#include "lls/ParseSLT.h"
+
+namespace vyr::inspect {
+
+/// Names of the numbers of the standards; null where a number has none.
+const char* TableName(unsigned tableId);
+const char* ServiceCategoryName(int category);
+const char* ProtocolName(int protocol);
+const char* UrlTypeName(int urlType);
+/// The attribute on whose account a service was dropped; null: none alone.
+const char* DropAttribute(CParseSLT::EDropReason reason);
+
+}  // namespace vyr::inspect

@@ -1,0 +1,111 @@
+#include "Options.h"
+
+#include <arpa/inet.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <iostream>
+
+#include "ExitStatus.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr char k_footer[] =
+    "Exit status: 0 all input is fine, 1 the input has faults, 2 the tool could not do its work.\n"
+    "\n"
+    "Examples:\n"
+    "  vyr-atsc30-inspect capture.pcapng\n"
+    "  vyr-atsc30-inspect --json capture.pcap | jq 'select(.type == \"service\")'\n"
+    "  tcpdump -i eth1 -w - udp | vyr-atsc30-inspect -";
+
+template <typename TNumber>
+bool ReadNumber(const std::string& text, TNumber& number)
+{
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size();
+}
+
+std::pair<std::uint32_t, std::uint16_t> ReadEndpoint(const std::string& text)
+{
+    const std::size_t colon = text.rfind(':');
+    in_addr address{};
+    std::uint16_t port = 0;
+    if (colon == std::string::npos || inet_pton(AF_INET, text.substr(0, colon).c_str(), &address) != 1 ||
+        !ReadNumber(text.substr(colon + 1), port) || port == 0) {
+        throw CLI::ValidationError("--lls", "'" + text + "' is not ADDRESS:PORT");
+    }
+    return {ntohl(address.s_addr), port};
+}
+
+std::pair<std::string, int> ReadSetting(const std::string& text)
+{
+    const std::size_t equals = text.find('=');
+    int value = 0;
+    if (equals == std::string::npos || equals == 0 || !ReadNumber(text.substr(equals + 1), value)) {
+        throw CLI::ValidationError("--set", "'" + text + "' is not KEY=NUMBER");
+    }
+    return {text.substr(0, equals), value};
+}
+
+}  // namespace
+
+bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exitStatus)
+{
+    CLI::App app("Shows the ATSC 3.0 signalling in packet captures and raw table files.", "vyr-atsc30-inspect");
+    app.footer(k_footer);
+    app.set_help_flag("-h,--help", "Show this help and end");
+    app.set_version_flag("--version", "vyr-atsc30-inspect " VYR_INSPECT_VERSION
+                                      "\nlibvyr-atsc30-parser " VYR_INSPECT_VERSION,
+                         "Show the versions of the tool and of the library and end");
+    std::vector<std::string> streams;
+    std::vector<std::string> settings;
+    bool progress = false;
+    bool noProgress = false;
+    app.add_option("INPUT", options.inputs, "pcap or pcapng capture, raw LLS table, or - for standard input")
+        ->required()
+        ->type_name("");
+    app.add_flag("--json", options.json, "Write one JSON object per line in place of text");
+    app.add_option("--lls", streams, "LLS stream to read in place of 224.0.23.60:4937; may be repeated")
+        ->type_name("ADDRESS:PORT")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    app.add_flag("--strict", options.strict, "Drop services that leave out protected, hidden or broadbandAccessRequired");
+    app.add_option("--set", settings, "Receiver setting that the library asks for; may be repeated")
+        ->type_name("KEY=VALUE")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    const std::map<std::string, ELogPriority> levels = {{"debug", LOG_PRIORITY_DEBUG},
+                                                        {"info", LOG_PRIORITY_INFO},
+                                                        {"error", LOG_PRIORITY_ERROR},
+                                                        {"silent", LOG_PRIORITY_SILENT}};
+    app.add_option("--log", options.log, "Library messages to show on stderr: debug, info, error, silent (default)")
+        ->type_name("LEVEL")
+        ->transform(CLI::Transformer(levels).description(""))
+        ->check(CLI::IsMember({LOG_PRIORITY_DEBUG, LOG_PRIORITY_INFO, LOG_PRIORITY_ERROR, LOG_PRIORITY_SILENT})
+                    .description(""));
+    app.add_flag("-q,--quiet", options.quiet, "Report faults only, and show no progress");
+    app.add_flag("--progress", progress, "Show progress even when stderr is not a terminal");
+    app.add_flag("--no-progress", noProgress, "Show no progress");
+    try {
+        app.parse(argc, argv);
+        for (const std::string& text : streams) {
+            options.llsStreams.insert(ReadEndpoint(text));
+        }
+        for (const std::string& text : settings) {
+            options.settings.insert_or_assign(ReadSetting(text).first, ReadSetting(text).second);
+        }
+    } catch (const CLI::ParseError& error) {
+        *exitStatus = app.exit(error, std::cout, std::cerr) == 0 ? EXIT_FINE : EXIT_FAILED;
+        return false;
+    }
+    if (options.llsStreams.empty()) {
+        options.llsStreams.insert({0xE000173C, 4937});
+    }
+    options.progress = !options.quiet && !noProgress && (progress || isatty(STDERR_FILENO) != 0);
+    return true;
+}
+
+}  // namespace vyr::inspect

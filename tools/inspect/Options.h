@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/Platform.h"
+
+namespace vyr::inspect {
+
+struct SOptions {
+    std::vector<std::string> inputs;
+    std::set<std::pair<std::uint32_t, std::uint16_t>> llsStreams;  ///< address and port
+    std::map<std::string, int> settings;
+    ELogPriority log = LOG_PRIORITY_SILENT;
+    bool strict = false;
+    bool json = false;
+    bool quiet = false;
+    bool progress = false;
+};
+
+/// Reads the command line. False: all is said (help, version, or what is wrong with it), and the
+/// program ends with `*exitStatus`.
+bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exitStatus);
+
+}  // namespace vyr::inspect

@@ -1,0 +1,106 @@
+#include "Report.h"
+
+namespace vyr::inspect {
+
+const char* FaultName(EFault code)
+{
+    switch (code) {
+        case EFault::INPUT_MISSING:
+            return "input-missing";
+        case EFault::INPUT_UNREADABLE:
+            return "input-unreadable";
+        case EFault::INPUT_DIRECTORY:
+            return "input-directory";
+        case EFault::INPUT_EMPTY:
+            return "input-empty";
+        case EFault::INPUT_UNKNOWN:
+            return "input-unknown";
+        case EFault::INPUT_TOO_LARGE:
+            return "input-too-large";
+        case EFault::CAPTURE_DAMAGED:
+            return "capture-damaged";
+        case EFault::LINK_TYPE:
+            return "link-type";
+        case EFault::PACKETS_CUT:
+            return "packets-cut";
+        case EFault::PACKETS_MALFORMED:
+            return "packets-malformed";
+        case EFault::TABLE_TOO_SHORT:
+            return "table-too-short";
+        case EFault::TABLE_NOT_PARSED:
+            return "table-not-parsed";
+        case EFault::CHANGED_WITHOUT_VERSION:
+            return "changed-without-version";
+        case EFault::SERVICE_DROPPED:
+            return "service-dropped";
+        case EFault::BAD_ADDRESS:
+            return "bad-address";
+        case EFault::TOO_MANY_SERVICES:
+            return "too-many-services";
+        case EFault::ASSERTION:
+            return "assertion";
+        case EFault::NO_LLS:
+            return "no-lls";
+        case EFault::NO_SLT:
+            return "no-slt";
+    }
+    return "";
+}
+
+const char* StatusName(EStatus status)
+{
+    switch (status) {
+        case EStatus::NEW:
+            return "new";
+        case EStatus::CHANGED:
+            return "changed";
+        case EStatus::REPEATED:
+            return "repeated";
+        case EStatus::CHANGED_WITHOUT_VERSION:
+            return "changed-without-version";
+        case EStatus::NEW_VERSION_SAME_CONTENT:
+            return "new-version-same-content";
+    }
+    return "";
+}
+
+bool IsInputFault(EFault code)
+{
+    return code <= EFault::INPUT_TOO_LARGE;
+}
+
+CReport::CReport(IReportWriter& writer, bool quiet) : m_writer(writer), m_quiet(quiet) {}
+
+void CReport::Table(const STable& table)
+{
+    STableCounts& counts = m_summary.tables[table.header.tableId];
+    ++counts.byStatus[static_cast<std::size_t>(table.status)];
+    counts.notParsed += table.parserExists && !table.slt && table.status != EStatus::REPEATED ? 1 : 0;
+    if (table.interval) {
+        ++counts.intervals;
+        counts.intervalSum += *table.interval;
+    }
+    m_summary.servicesDropped += table.slt ? table.slt->dropped : 0;
+    if (!m_quiet) {
+        m_writer.Table(table);
+    }
+}
+
+void CReport::Fault(const SFault& fault)
+{
+    ++m_summary.faults;
+    ++m_summary.faultsByCode[fault.code];
+    if (m_summary.firstFaults.size() < k_firstFaults) {
+        m_summary.firstFaults.push_back(fault);
+    }
+    m_writer.Fault(fault);
+}
+
+void CReport::Finish()
+{
+    if (!m_quiet) {
+        m_writer.Summary(m_summary);
+    }
+}
+
+}  // namespace vyr::inspect

@@ -1,0 +1,105 @@
+#include "Text.h"
+
+#include <cstdio>
+
+namespace vyr::inspect {
+
+namespace {
+
+struct SCodePoint {
+    unsigned value;
+    std::size_t length;  ///< 0: the bytes are not UTF-8
+};
+
+SCodePoint Decode(const std::string& text, std::size_t at)
+{
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned first = byte(at);
+    if (first < 0x80) {
+        return {first, 1};
+    }
+    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    if (first < 0xC2 || first > 0xF4 || at + length > text.size()) {
+        return {0, 0};
+    }
+    unsigned value = first & (0xFFu >> (length + 1));
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(at + i) & 0xC0) != 0x80) {
+            return {0, 0};
+        }
+        value = value << 6 | (byte(at + i) & 0x3Fu);
+    }
+    constexpr unsigned k_least[] = {0, 0, 0x80, 0x800, 0x10000};
+    const bool surrogate = value >= 0xD800 && value <= 0xDFFF;
+    return value < k_least[length] || value > 0x10FFFF || surrogate ? SCodePoint{0, 0} : SCodePoint{value, length};
+}
+
+bool Invisible(unsigned value)
+{
+    return value < 0x20 || (value >= 0x7F && value < 0xA0) || (value >= 0x200B && value <= 0x200F) ||
+           (value >= 0x2028 && value <= 0x202E) || (value >= 0x2060 && value <= 0x206F) || value == 0xFEFF;
+}
+
+}  // namespace
+
+std::string Printable(const std::string& text)
+{
+    std::string out;
+    char escape[16];
+    for (std::size_t at = 0; at < text.size();) {
+        const SCodePoint point = Decode(text, at);
+        if (point.length == 0) {
+            std::snprintf(escape, sizeof escape, "\\x%02X", static_cast<unsigned char>(text[at]));
+            out += escape;
+            ++at;
+            continue;
+        }
+        if (Invisible(point.value)) {
+            std::snprintf(escape, sizeof escape, point.value < 0x100 ? "\\x%02X" : "\\u%04X", point.value);
+            out += escape;
+        } else {
+            out.append(text, at, point.length);
+        }
+        at += point.length;
+    }
+    return out;
+}
+
+std::size_t DisplayWidth(const std::string& text)
+{
+    std::size_t width = 0;
+    for (const char c : text) {
+        width += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
+    }
+    return width;
+}
+
+std::string Hex(SBytes bytes)
+{
+    constexpr char k_digits[] = "0123456789abcdef";
+    std::string out;
+    out.reserve(bytes.size * 2);
+    for (std::size_t i = 0; i < bytes.size; ++i) {
+        out += k_digits[bytes[i] >> 4];
+        out += k_digits[bytes[i] & 0x0F];
+    }
+    return out;
+}
+
+std::string Ipv4Text(std::uint32_t address)
+{
+    return std::to_string(address >> 24) + '.' + std::to_string(address >> 16 & 0xFF) + '.' +
+           std::to_string(address >> 8 & 0xFF) + '.' + std::to_string(address & 0xFF);
+}
+
+std::string EndpointText(std::uint32_t address, unsigned port)
+{
+    return Ipv4Text(address) + ':' + std::to_string(port);
+}
+
+std::string Counted(std::uint64_t count, const std::string& singular)
+{
+    return std::to_string(count) + ' ' + singular + (count == 1 ? "" : "s");
+}
+
+}  // namespace vyr::inspect
