@@ -64,6 +64,7 @@ struct SServiceRecord {
     int category = -1;
     EATSC3ProtocolType protocolType = ATSC3_PROTOCOL_NONE;
     EATSC3UrlType svcInetUrlType = ATSC3_URL_NONE;
+    SServiceRecord* nextSame = nullptr;  // the next younger record of the store with an equal key
 };
 
 SServiceRecord* Record(void* service)
@@ -86,7 +87,7 @@ unsigned int SChannelMap::refCnt = 0;
 
 struct CChannelMapST::SState {
     std::vector<SServiceRecord*> list;  // in the order they were added; indices survive changes on the way
-    std::unordered_map<SKey, std::vector<SServiceRecord*>, SKeyHash> index;
+    std::unordered_map<SKey, SServiceRecord*, SKeyHash> index;  // the oldest record of a key
     std::set<const CChannelMap::SCallback*, std::less<>> callbacks;
     std::mutex mutex;
 };
@@ -160,23 +161,21 @@ void* CChannelMapST::AddService(void* channel, unsigned char groupId, int servic
     bool found = false;
     {
         const std::lock_guard<std::mutex> lock(m->mutex);
-        std::vector<SServiceRecord*>& same = m->index[key];
+        SServiceRecord** same = &m->index[key];
         // Oldest first. The flag is compared as it stands: SetServiceCategory changes it.
-        const auto match =
-            std::find_if(same.begin(), same.end(), [broadbandAccessRequired](const SServiceRecord* other) {
-                return other->broadbandAccessRequired == broadbandAccessRequired;
-            });
-        found = match != same.end();
-        if (found) {
-            record = *match;
-        } else {
+        while (*same && (*same)->broadbandAccessRequired != broadbandAccessRequired) {
+            same = &(*same)->nextSame;
+        }
+        record = *same;
+        found = record != nullptr;
+        if (!found) {
             record = new SServiceRecord(key, broadbandAccessRequired);
             VYR_LOG(LOG_PRIORITY_DEBUG,
                     "[CChannelMapST::AddService] channel: %p, groupId: %d, service: %p, SID: %d, CN:%d-%d, simulcast "
                     "TSID:%d CN:%d-%d broadbandAccessRequired: %d",
                     channel, groupId, static_cast<void*>(record), serviceId, majorChannel, minorChannel, simulcastTsid,
                     simulcastMajor, simulcastMinor, broadbandAccessRequired);
-            same.push_back(record);
+            *same = record;
             m->list.push_back(record);
         }
     }
@@ -202,10 +201,14 @@ bool CChannelMapST::RemoveService(void* service)
     }
     SServiceRecord* record = *place;
     m->list.erase(place);
-    const auto same = m->index.find(record->key);
-    same->second.erase(std::find(same->second.begin(), same->second.end(), record));
-    if (same->second.empty()) {
-        m->index.erase(same);
+    const auto oldest = m->index.find(record->key);
+    SServiceRecord** same = &oldest->second;
+    while (*same != record) {
+        same = &(*same)->nextSame;
+    }
+    *same = record->nextSame;
+    if (!oldest->second) {
+        m->index.erase(oldest);
     }
     delete record;
     return true;

@@ -197,7 +197,7 @@ CNodeText CNodeText::Attribute(void* node, const char* name)
         return {nullptr, false};
     }
     for (xmlAttrPtr attribute = element->properties; attribute; attribute = attribute->next) {
-        if (std::strcmp(AsText(attribute->name), name) != 0) {
+        if (*AsText(attribute->name) != *name || std::strcmp(AsText(attribute->name), name) != 0) {
             continue;
         }
         const xmlNodePtr value = attribute->children;

@@ -1,7 +1,5 @@
 #include "lls/ParseSLT.h"
 
-#include <arpa/inet.h>
-
 #include <algorithm>
 #include <climits>
 #include <cstdint>
@@ -12,6 +10,7 @@
 #include "common/ChannelMap.h"
 #include "common/CoreOS/PtrArray.h"
 #include "common/ElementHandlers.h"
+#include "common/Ipv4.h"
 #include "common/Log.h"
 #include "common/SeededHash.h"
 #include "common/XML.h"
@@ -46,7 +45,7 @@ int Number(void* node, const char* name)
 std::uint32_t Address(void* node, const char* name)
 {
     const CNodeText text = CNodeText::Attribute(node, name);
-    return text.Found() ? ntohl(inet_addr(text.Text())) : 0;
+    return text.Found() ? vyr::Ipv4Address(text.Text()) : 0;
 }
 
 std::optional<std::string> Text(void* node, const char* name)

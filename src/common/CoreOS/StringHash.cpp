@@ -16,6 +16,20 @@ struct SStringHashEntry {
     unsigned int bucket;
 };
 
+/// An entry and its key copy behind it, in one block.
+SStringHashEntry* NewEntry(const void* key, std::size_t bytes, const void* data, unsigned int bucket)
+{
+    unsigned char* block = new unsigned char[sizeof(SStringHashEntry) + bytes];
+    unsigned char* copy = block + sizeof(SStringHashEntry);
+    std::memcpy(copy, key, bytes);
+    return new (block) SStringHashEntry{copy, nullptr, nullptr, data, bucket};
+}
+
+void DeleteEntry(SStringHashEntry* entry)
+{
+    delete[] reinterpret_cast<unsigned char*>(entry);
+}
+
 /// h = h x 33 + byte over the key's bytes, unsigned, modulo 2^32.
 unsigned int _StringHashKey(const unsigned char* key, std::size_t length)
 {
@@ -143,9 +157,7 @@ bool CCStringHash::Add(const void* key, const void* data)
     }
     const std::size_t length = m->Length(key);
     const std::size_t bytes = m->keyLength == -1 ? length + 1 : length;
-    SStringHashEntry* entry =
-        new SStringHashEntry{new unsigned char[bytes], nullptr, nullptr, data, m->Bucket(key, length)};
-    std::memcpy(entry->key, key, bytes);
+    SStringHashEntry* entry = NewEntry(key, bytes, data, m->Bucket(key, length));
     SStringHashEntry*& run = m->table[entry->bucket];
     m->LinkBefore(entry, run ? run : m->NextRun(entry->bucket));
     run = entry;
@@ -212,8 +224,7 @@ bool CCStringHash::Remove()
     m->dummy.previous = entry->previous;
     m->dummy.next = entry->next;
     m->Unlink(entry);
-    delete[] entry->key;
-    delete entry;
+    DeleteEntry(entry);
     --m->size;
     m->cur = &m->dummy;
     return true;
