@@ -17,8 +17,12 @@ std::size_t TrailerSize(const void* data, std::size_t size)
     if (!HasGzipMagic(data, size) || size < 18) {
         return SIZE_MAX;
     }
-    const unsigned char* end = static_cast<const unsigned char*>(data) + size;
-    return (end[-4] | end[-3] << 8 | end[-2] << 16 | static_cast<std::size_t>(end[-1]) << 24) + 1;
+    const unsigned char* bytes = static_cast<const unsigned char*>(data);
+    std::size_t told = 0;
+    for (std::size_t i = size; i > size - 4; --i) {
+        told = told << 8 | bytes[i - 1];
+    }
+    return told + 1;
 }
 
 }  // namespace

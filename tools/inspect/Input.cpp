@@ -17,6 +17,7 @@ namespace vyr::inspect {
 namespace {
 
 constexpr std::size_t k_magic = 4;
+constexpr std::int64_t k_endOfTime = 253402300800;  // the year 10000
 volatile std::sig_atomic_t g_stop = 0;
 
 bool IsCaptureMagic(SBytes start)
@@ -155,8 +156,9 @@ bool CInput::Next(SPacket& packet)
     packet.bytes = {bytes, header->caplen};
     packet.cut = header->caplen < header->len;
     packet.time.reset();
-    // In captures without time stamps they are 0.
-    if (header->ts.tv_sec != 0 && header->ts.tv_usec >= 0 && header->ts.tv_usec < 1000000000) {
+    // In captures without time stamps they are 0; damaged ones have any number.
+    if (header->ts.tv_sec > 0 && header->ts.tv_sec < k_endOfTime && header->ts.tv_usec >= 0 &&
+        header->ts.tv_usec < 1000000000) {
         packet.time = STime{header->ts.tv_sec, static_cast<std::int32_t>(header->ts.tv_usec)};
     }
     return true;
@@ -190,8 +192,8 @@ void CInput::m_ReadTable()
     while ((count = m_file->Read(reinterpret_cast<char*>(chunk), sizeof chunk)) > 0) {
         m_table.insert(m_table.end(), chunk, chunk + count);
         if (m_table.size() > k_maxTable) {
-            throw CInputError(EFault::INPUT_TOO_LARGE, "larger than any LLS table: more than " +
-                                                           std::to_string(k_maxTable) + " bytes");
+            throw CInputError(EFault::INPUT_TOO_LARGE,
+                              "larger than any LLS table: more than " + std::to_string(k_maxTable) + " bytes");
         }
     }
     if (m_file->error != 0) {

@@ -100,8 +100,8 @@ void CIpv4Decoder::m_Fragment(SBytes packet, SBytes data, unsigned flagsAndOffse
     }
     if (assembly == m_open.end()) {
         if (m_open.size() == k_maxOpen) {
-            const auto done = std::find_if(m_open.begin(), m_open.end(),
-                                           [](const SAssembly& open) { return open.completedAt != 0; });
+            const auto done =
+                std::find_if(m_open.begin(), m_open.end(), [](const SAssembly& open) { return open.completedAt != 0; });
             m_Drop(done != m_open.end() ? done : m_open.begin());
         }
         assembly = m_open.insert(m_open.end(), SAssembly{source, destination, id, {}, {}});

@@ -119,7 +119,8 @@ std::string CRefusalListener::Reason() const
     if (!m_refusal.empty()) {
         return m_refusal;
     }
-    return m_failedCheck.find("m_ProcessParse") != std::string::npos ? "the root element is another" : std::string();
+    return m_failedCheck.find("m_ProcessParse") != std::string::npos ? "its root element belongs to another table"
+                                                                     : std::string();
 }
 
 std::vector<SAssertion> TakeAssertions()

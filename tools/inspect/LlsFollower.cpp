@@ -60,16 +60,18 @@ std::string Title(const SLlsHeader& header)
 
 std::string DropText(const SParseSLT::SService& service, CParseSLT::EDropReason reason)
 {
-    const auto range = [](int value) { return std::to_string(value) + " is outside 1 to 999"; };
+    const auto range = [](int value) {
+        return value == 0 ? std::string(" is missing or 0") : ' ' + std::to_string(value) + " is outside 1 to 999";
+    };
     switch (reason) {
         case CParseSLT::DROP_NO_PROTECTED:
         case CParseSLT::DROP_NO_HIDDEN:
         case CParseSLT::DROP_NO_BROADBAND:
             return std::string("the attribute ") + DropAttribute(reason) + " is missing";
         case CParseSLT::DROP_MAJOR_CHANNEL:
-            return "majorChannelNo " + range(service.majorChannelNo);
+            return "majorChannelNo" + range(service.majorChannelNo);
         case CParseSLT::DROP_MINOR_CHANNEL:
-            return "minorChannelNo " + range(service.minorChannelNo);
+            return "minorChannelNo" + range(service.minorChannelNo);
         case CParseSLT::DROP_BROADBAND_UNSUPPORTED:
             return "broadbandAccessRequired is true, and the setting db/menu/broadcasting/atsc3_bb_option is off";
         case CParseSLT::DROP_DUPLICATE:
@@ -95,10 +97,10 @@ void HearDrop(void* userData, const SParseSLT::SService* service, CParseSLT::EDr
     drops.assertions.insert(drops.assertions.end(), assertions.begin(), assertions.end());
     const std::string name = service->shortServiceName ? " \"" + *service->shortServiceName + '"' : std::string();
     const char* attribute = DropAttribute(reason);
-    drops.faults.push_back({EFault::SERVICE_DROPPED,
-                            "service " + std::to_string(service->serviceId) + name + " dropped: " +
-                                DropText(*service, reason),
-                            drops.table.source, drops.table.header, service->serviceId, attribute ? attribute : ""});
+    drops.faults.push_back(
+        {EFault::SERVICE_DROPPED,
+         "service " + std::to_string(service->serviceId) + name + " dropped: " + DropText(*service, reason),
+         drops.table.source, drops.table.header, service->serviceId, attribute ? attribute : ""});
 }
 
 void HearParsed(void* userData, int)
@@ -224,8 +226,8 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& tabl
     }
     outcome.faults = std::move(drops.faults);
     if (parsed) {
+        outcome.slt.emplace().dropped = static_cast<unsigned>(outcome.faults.size());
         m_Read(parser, bytes, table, outcome);
-        outcome.slt->dropped = static_cast<unsigned>(outcome.faults.size());
         for (const SParseSLT::SService& service : outcome.slt->services) {
             current->services.push_back(service.service);
         }
@@ -253,7 +255,7 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& tabl
 
 void CLlsFollower::m_Read(CParseSLT& parser, SBytes bytes, const STable& table, SOutcome& outcome)
 {
-    SSlt& slt = outcome.slt.emplace();
+    SSlt& slt = *outcome.slt;
     slt.bsid = parser.Bsid();
     parser.GetSltCapability(slt.capabilities);
     for (int i = 0; i < parser.SltInetUrlCount(); ++i) {
@@ -287,7 +289,8 @@ void CLlsFollower::m_Hold(unsigned char groupId, std::unique_ptr<SCurrentSlt> cu
     m_groups.push_back(groupId);
     while (m_groups.size() > 1 && Services() > k_maxServices) {
         outcome.faults.push_back({EFault::TOO_MANY_SERVICES,
-                                  "more than " + std::to_string(k_maxServices) + " services are announced: those of LLS group " +
+                                  "more than " + std::to_string(k_maxServices) +
+                                      " services are announced: those of LLS group " +
                                       std::to_string(m_groups.front()) + " are let go",
                                   table.source, table.header});
         m_Release(m_groups.front());

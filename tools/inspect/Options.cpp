@@ -40,6 +40,19 @@ std::pair<std::uint32_t, std::uint16_t> ReadEndpoint(const std::string& text)
     return {ntohl(address.s_addr), port};
 }
 
+ELogPriority ReadLevel(const std::string& text)
+{
+    const std::map<std::string, ELogPriority> levels = {{"debug", LOG_PRIORITY_DEBUG},
+                                                        {"info", LOG_PRIORITY_INFO},
+                                                        {"error", LOG_PRIORITY_ERROR},
+                                                        {"silent", LOG_PRIORITY_SILENT}};
+    const auto level = levels.find(text);
+    if (level == levels.end()) {
+        throw CLI::ValidationError("--log", "'" + text + "' is not debug, info, error or silent");
+    }
+    return level->second;
+}
+
 std::pair<std::string, int> ReadSetting(const std::string& text)
 {
     const std::size_t equals = text.find('=');
@@ -57,8 +70,8 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     CLI::App app("Shows the ATSC 3.0 signalling in packet captures and raw table files.", "vyr-atsc30-inspect");
     app.footer(k_footer);
     app.set_help_flag("-h,--help", "Show this help and end");
-    app.set_version_flag("--version", "vyr-atsc30-inspect " VYR_INSPECT_VERSION
-                                      "\nlibvyr-atsc30-parser " VYR_INSPECT_VERSION,
+    app.set_version_flag("--version",
+                         "vyr-atsc30-inspect " VYR_INSPECT_VERSION "\nlibvyr-atsc30-parser " VYR_INSPECT_VERSION,
                          "Show the versions of the tool and of the library and end");
     std::vector<std::string> streams;
     std::vector<std::string> settings;
@@ -72,30 +85,27 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         ->type_name("ADDRESS:PORT")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    app.add_flag("--strict", options.strict, "Drop services that leave out protected, hidden or broadbandAccessRequired");
+    app.add_flag("--strict", options.strict,
+                 "Drop services that leave out protected, hidden or broadbandAccessRequired");
     app.add_option("--set", settings, "Receiver setting that the library asks for; may be repeated")
         ->type_name("KEY=VALUE")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    const std::map<std::string, ELogPriority> levels = {{"debug", LOG_PRIORITY_DEBUG},
-                                                        {"info", LOG_PRIORITY_INFO},
-                                                        {"error", LOG_PRIORITY_ERROR},
-                                                        {"silent", LOG_PRIORITY_SILENT}};
-    app.add_option("--log", options.log, "Library messages to show on stderr: debug, info, error, silent (default)")
-        ->type_name("LEVEL")
-        ->transform(CLI::Transformer(levels).description(""))
-        ->check(CLI::IsMember({LOG_PRIORITY_DEBUG, LOG_PRIORITY_INFO, LOG_PRIORITY_ERROR, LOG_PRIORITY_SILENT})
-                    .description(""));
+    std::string log = "silent";
+    app.add_option("--log", log, "Library messages to show on stderr: debug, info, error, silent (default)")
+        ->type_name("LEVEL");
     app.add_flag("-q,--quiet", options.quiet, "Report faults only, and show no progress");
     app.add_flag("--progress", progress, "Show progress even when stderr is not a terminal");
     app.add_flag("--no-progress", noProgress, "Show no progress");
     try {
         app.parse(argc, argv);
+        options.log = ReadLevel(log);
         for (const std::string& text : streams) {
             options.llsStreams.insert(ReadEndpoint(text));
         }
         for (const std::string& text : settings) {
-            options.settings.insert_or_assign(ReadSetting(text).first, ReadSetting(text).second);
+            const auto [key, value] = ReadSetting(text);
+            options.settings[key] = value;
         }
     } catch (const CLI::ParseError& error) {
         *exitStatus = app.exit(error, std::cout, std::cerr) == 0 ? EXIT_FINE : EXIT_FAILED;

@@ -14,7 +14,7 @@
 namespace vyr::inspect {
 
 struct STime {
-    std::int64_t seconds = 0;  ///< since 1970, UTC
+    std::int64_t seconds = 0;  ///< since 1970, UTC; before the year 10000
     std::int32_t nanoseconds = 0;
 };
 
@@ -95,12 +95,6 @@ const char* FaultName(EFault code);
 const char* StatusName(EStatus status);
 /// Whether the input itself could not be inspected.
 bool IsInputFault(EFault code);
-
-struct SDestinationCount {
-    std::uint32_t address = 0;
-    unsigned port = 0;
-    std::uint64_t datagrams = 0;
-};
 
 struct STableCounts {
     std::array<std::uint64_t, k_statuses> byStatus{};

@@ -1,0 +1,350 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "Packets.h"
+
+namespace {
+
+using namespace packets;
+
+struct SResult {
+    std::string out;
+    std::string err;
+    int status = -1;
+};
+
+std::string ReadFile(const std::string& name)
+{
+    std::ifstream file(name, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+/// A file of the test's own, gone with it.
+class CTemporary {
+  public:
+    explicit CTemporary(const std::string& bytes = {}) : m_name(testing::TempDir() + "vyr-inspect-XXXXXX")
+    {
+        close(mkstemp(m_name.data()));
+        std::ofstream(m_name, std::ios::binary) << bytes;
+    }
+    ~CTemporary() { std::remove(m_name.c_str()); }
+    CTemporary(const CTemporary&) = delete;
+    CTemporary& operator=(const CTemporary&) = delete;
+    const std::string& Name() const { return m_name; }
+
+  private:
+    std::string m_name;
+};
+
+std::string Command(const std::string& arguments)
+{
+    return "cd '" VYR_TEST_DATA "' && exec '" VYR_INSPECT "' " + arguments;
+}
+
+/// Runs the tool among the test data, with `input` on standard input.
+SResult Inspect(const std::string& arguments, const std::string& input = {})
+{
+    const CTemporary in(input);
+    const CTemporary err;
+    SResult result;
+    FILE* pipe = popen(Command(arguments + " < '" + in.Name() + "' 2> '" + err.Name() + "'").c_str(), "r");
+    char chunk[4096];
+    for (std::size_t count = 0; (count = fread(chunk, 1, sizeof chunk, pipe)) > 0;) {
+        result.out.append(chunk, count);
+    }
+    const int status = pclose(pipe);
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    result.err = ReadFile(err.Name());
+    return result;
+}
+
+std::string Slt(const std::string& services, unsigned version, unsigned group = 0, unsigned groups = 1)
+{
+    return Number(1, 1) + Number(group, 1) + Number(groups - 1, 1) + Number(version, 1) + "<SLT bsid=\"5\">" +
+           services + "</SLT>";
+}
+
+std::string Service(int id, const std::string& attributes = {})
+{
+    return "<Service serviceId=\"" + std::to_string(id) + "\" serviceCategory=\"4\" " + attributes + "/>";
+}
+
+/// Everything that a stream can do to its tables.
+std::string Changes()
+{
+    CCapture capture(1);
+    capture.AddLls(Slt(Service(1), 1)).AddLls(Slt(Service(1), 1)).AddLls(Slt(Service(2), 1));
+    capture.AddLls(Slt(Service(2), 2)).AddLls(Slt(Service(2) + Service(3), 3)).AddLls(Slt(Service(3), 255, 4, 2));
+    capture.AddLls(Slt(Service(2) + Service(3), 3, 0, 2)).AddLls(Slt("<Service", 4)).AddLls(Slt("<Service", 4));
+    capture.AddLls("\x01\x05").AddLls(std::string("\x01\x06\x00\x01", 4)).AddLls(std::string("\x07\x00\x00\x01?", 5));
+    capture.AddLls(std::string("\x01\x07\x00\x01", 4) + "<AEAT/>");
+    capture.AddLls(std::string("\x01\x08\x00\x01\x1f\x8b\x08\x00\xff\xff\xff\xff", 12));
+    return capture.Bytes();
+}
+
+/// Values that use what the samples do not have, some of them hostile.
+std::string Peculiar()
+{
+    const std::string table =
+        "<SLT bsid=\"5\" sltCapabilities=\"caps\"><SLTInetUrl urlType=\"2\">http://esg.example/</SLTInetUrl>"
+        "<SLTInetUrl>no type</SLTInetUrl>"
+        "<Service serviceId=\"1\" serviceCategory=\"9\" shortServiceName=\"&#x9b;&#x202e;\" drmSystemID=\"drm\" "
+        "protected=\"true\" svcCapabilities=\"c\" globalServiceID=\"urn:g\" sltSvcSeqNum=\"7\">"
+        "<SimulcastTSID simulcastMajorChannelNo=\"8\" simulcastMinorChannelNo=\"9\" SimulcastTSID=\"10\"/>"
+        "<BroadcastSvcSignaling slsProtocol=\"3\" slsMajorProtocolVersion=\"1\" slsMinorProtocolVersion=\"2\" "
+        "slsDestinationIpAddress=\"none\" slsDestinationUdpPort=\"70000\" slsSourceIpAddress=\"10.0.0.1\"/>"
+        "<SvcInetUrl urlType=\"1\">http://sls.example/</SvcInetUrl></Service>"
+        "<Service serviceId=\"2\" serviceCategory=\"1\" majorChannelNo=\"999\" minorChannelNo=\"1000\"/>"
+        "<Service serviceId=\"3\" serviceCategory=\"4\"/><Service serviceId=\"3\" serviceCategory=\"4\"/></SLT>";
+    return CCapture(1).AddLls(std::string("\x01\x00\x00\x01", 4) + table).Bytes();
+}
+
+const std::string k_lineup = "lls/lineup-bsid2090-slt.bin";
+
+struct SGolden {
+    const char* name;
+    std::string arguments;
+    int status;
+    std::string input = {};
+};
+
+std::vector<SGolden> Goldens()
+{
+    const std::string raw =
+        "lls/gpac-a13-unescaped-name-slt.bin lls/gpac-a2-multi-service-systemtime.bin lls/lineup-bsid10017-slt.bin "
+        "lls/openssl-signedmultitable.bin lls/openssl-slt-with-cms.bin lls/recompressed-pigz-zlib-slt.bin "
+        "lls/recompressed-plain-slt.bin";
+    const std::string lls = Slt(Service(1), 1);
+    const std::string elsewhere = Ethernet(Ipv4(Udp(lls, 5000)));
+    const std::string systemTime = Number(3, 1) + lls.substr(1);
+    return {
+        {"three-services", "pcap/gpac-a2-multi-service.pcap", 0},
+        {"three-services-json", "--json pcap/gpac-a2-multi-service.pcap", 0},
+        {"accented-name", "pcap/gpac-a12-nonascii-name.pcap", 0},
+        {"not-well-formed", "pcap/gpac-a13-unescaped-name.pcap", 1},
+        {"two-captures", "pcap/gpac-a8-nrt-files.pcap pcap/gpac-a12-nonascii-name.pcap", 0},
+        {"raw-tables", raw, 1},
+        {"raw-tables-json", "--json " + raw, 1},
+        {"lenient", k_lineup, 1},
+        {"strict", "--strict " + k_lineup, 1},
+        {"broadband", "--set db/menu/broadcasting/atsc3_bb_option=1 " + k_lineup, 1},
+        {"quiet", "--quiet " + k_lineup, 1},
+        {"changes", "-", 1, Changes()},
+        {"changes-json", "--json -", 1, Changes()},
+        {"peculiar", "-", 1, Peculiar()},
+        {"peculiar-json", "--json -", 1, Peculiar()},
+        {"cut", "-", 1, CCapture(1, 60).AddLls(lls).AddLls(lls).Bytes()},
+        {"damaged", "-", 1, CCapture(1).AddLls(lls).AddLls(lls).Bytes().substr(0, 240)},
+        {"no-lls", "-", 1, CCapture(1).Add(elsewhere).Add(Ethernet("", {0x0806})).Bytes()},
+        {"other-stream", "--lls 224.0.23.60:5000 --lls 224.0.23.60:5001 -", 1, CCapture(1).Add(elsewhere).Bytes()},
+        {"no-slt", "-", 1, CCapture(1).AddLls(systemTime).Bytes()},
+        {"link-type", "-", 1, CCapture(105).AddLls(lls).Bytes()},
+    };
+}
+
+TEST(Inspect, Goldens)
+{
+    for (const SGolden& golden : Goldens()) {
+        SCOPED_TRACE(golden.name);
+        const std::string file = std::string(VYR_TEST_DATA "/inspect/") + golden.name + ".txt";
+        const SResult result = Inspect(golden.arguments, golden.input);
+        EXPECT_EQ(result.status, golden.status);
+        EXPECT_EQ(result.err, "");
+        if (std::getenv("VYR_RECORD") != nullptr) {
+            std::ofstream(file, std::ios::binary) << result.out;
+        }
+        EXPECT_EQ(result.out, ReadFile(file));
+    }
+}
+
+std::vector<nlohmann::json> Lines(const std::string& text)
+{
+    std::vector<nlohmann::json> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(nlohmann::json::parse(line));
+    }
+    return lines;
+}
+
+TEST(Inspect, EveryJsonLineStandsAlone)
+{
+    for (const SGolden& golden : Goldens()) {
+        SCOPED_TRACE(golden.name);
+        const SResult result = Inspect("--json " + golden.arguments, golden.input);
+        const std::vector<nlohmann::json> lines = Lines(result.out);
+        ASSERT_FALSE(lines.empty());
+        for (const nlohmann::json& line : lines) {
+            EXPECT_EQ(line["schema_version"], 1);
+            EXPECT_TRUE(line["type"] == "summary" || line["source"].contains("file")) << line;
+        }
+        EXPECT_EQ(lines.back()["type"] == "summary", golden.arguments.find("--quiet") == std::string::npos);
+    }
+}
+
+TEST(Inspect, EveryFormOfCapture)
+{
+    const std::string ip = Ipv4(Udp(Slt(Service(1), 1)));
+    const struct {
+        const char* name;
+        std::string bytes;
+        const char* time;
+    } cases[] = {
+        {"microseconds", CCapture(1).AddLls("").AddLls(Slt(Service(1), 1)).Bytes(), "2027-01-15T08:00:00.250000Z"},
+        {"microseconds, little-endian", CCapture(1, 65535, false, true).AddLls("").Add(Ethernet(ip)).Bytes(),
+         "2027-01-15T08:00:00.250000Z"},
+        {"nanoseconds", CCapture(1, 65535, true).AddLls("").Add(Ethernet(ip)).Bytes(), "2027-01-15T08:00:00.250000Z"},
+        {"nanoseconds, little-endian", CCapture(1, 65535, true, true).AddLls("").Add(Ethernet(ip)).Bytes(),
+         "2027-01-15T08:00:00.250000Z"},
+        {"pcapng", PcapNg(Ethernet(ip)), "1970-01-01T00:00:02.000000Z"},
+        {"raw IP", CCapture(101).Add(ip).Bytes(), "2027-01-15T08:00:00.000000Z"},
+        {"cooked 2", CCapture(276).Add(Number(0x0800, 2) + std::string(18, '\0') + ip).Bytes(),
+         "2027-01-15T08:00:00.000000Z"},
+        {"ALP", CCapture(289).Add(Number(ip.size(), 2) + ip).Bytes(), "2027-01-15T08:00:00.000000Z"},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        bool found = false;
+        for (const nlohmann::json& line : Lines(Inspect("--json -", test.bytes).out)) {
+            if (line["type"] == "service") {
+                found = true;
+                EXPECT_EQ(line["source"]["time"], test.time);
+            }
+        }
+        EXPECT_TRUE(found);
+    }
+}
+
+TEST(Inspect, InputsThatAreNone)
+{
+    const struct {
+        const char* name;
+        std::string arguments;
+        std::string input;
+        int status;
+        std::string err;
+        std::string code;
+    } cases[] = {
+        {"empty", "-", "", 1, "-: is empty", "input-empty"},
+        {"three bytes", "-", "\x01\x01\x01", 1, "-: not a capture and not an LLS table", "input-unknown"},
+        {"unknown table", "-", "\x07\x01\x01\x01", 1, "-: not a capture and not an LLS table", "input-unknown"},
+        {"text", "inspect/cut.txt", "", 1, "inspect/cut.txt: not a capture and not an LLS table", "input-unknown"},
+        {"directory", "inspect", "", 2, "inspect: is a directory", "input-directory"},
+        {"missing", "missing.pcap", "", 2, "missing.pcap: No such file or directory", "input-missing"},
+        {"hostile name", "'\x1B[2J'", "", 2, "\\x1B[2J: No such file or directory", "input-missing"},
+        {"too large", "-", std::string(1048577, '\x01'), 1, "-: larger than any LLS table: more than 1048576 bytes",
+         "input-too-large"},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        const SResult text = Inspect(test.arguments, test.input);
+        EXPECT_EQ(text.status, test.status);
+        EXPECT_EQ(text.out, "");
+        EXPECT_EQ(text.err, "vyr-atsc30-inspect: " + test.err + '\n');
+        const SResult json = Inspect("--json " + test.arguments, test.input);
+        EXPECT_EQ(json.status, test.status);
+        EXPECT_EQ(json.err, text.err);
+        const std::vector<nlohmann::json> lines = Lines(json.out);
+        ASSERT_EQ(lines.size(), 2u);
+        EXPECT_EQ(lines[0]["type"], "fault");
+        EXPECT_EQ(lines[0]["code"], test.code);
+        EXPECT_EQ(lines[1]["faultsByCode"][test.code], 1);
+    }
+    EXPECT_EQ(Inspect("-", std::string(1048576, '\x02')).status, 0) << "the largest raw table";
+    EXPECT_EQ(Inspect("missing " + k_lineup).status, 2) << "a fault hides no failure";
+    EXPECT_NE(Inspect("missing " + k_lineup).out.find("KLAS"), std::string::npos);
+}
+
+TEST(Inspect, UsageErrors)
+{
+    for (const char* arguments : {"", "--nonsense x", "--lls 1.2.3.4 x", "--lls 1.2.3:5 x", "--lls 1.2.3.4:0 x",
+                                  "--lls 1.2.3.4:65536 x", "--set a x", "--set =1 x", "--set a=1x x", "--log loud x"}) {
+        const SResult result = Inspect(arguments);
+        EXPECT_EQ(result.status, 2) << arguments;
+        EXPECT_EQ(result.out, "") << arguments;
+        EXPECT_NE(result.err, "") << arguments;
+    }
+    EXPECT_EQ(Inspect("--version").status, 0);
+    EXPECT_NE(Inspect("--version").out.find("libvyr-atsc30-parser"), std::string::npos);
+}
+
+TEST(Inspect, GuideAndManPageKnowEveryOption)
+{
+    const SResult help = Inspect("--help");
+    EXPECT_EQ(help.status, 0);
+    const std::string guide = ReadFile(VYR_DOCS "/inspect.md");
+    const std::string manual = std::regex_replace(ReadFile(VYR_DOCS "/vyr-atsc30-inspect.1"), std::regex("\\\\-"), "-");
+    const std::regex option("--[a-z-]+");
+    int options = 0;
+    for (std::sregex_iterator at(help.out.begin(), help.out.end(), option), end; at != end; ++at, ++options) {
+        EXPECT_NE(guide.find(at->str()), std::string::npos) << at->str();
+        EXPECT_NE(manual.find(at->str()), std::string::npos) << at->str();
+    }
+    EXPECT_GE(options, 10);
+}
+
+TEST(Inspect, LogAndProgressGoToStandardError)
+{
+    const std::string capture = "pcap/gpac-a13-unescaped-name.pcap";
+    const SResult plain = Inspect(capture);
+    const SResult log = Inspect("--log debug " + capture);
+    EXPECT_EQ(log.out, plain.out);
+    EXPECT_NE(log.err.find("[TCParseLLS::Parse] TableId[1]"), std::string::npos);
+    EXPECT_EQ(Inspect("--log info " + capture).err, "");
+    EXPECT_NE(Inspect("--strict --log error " + k_lineup).err.find("protected1"), std::string::npos);
+    const SResult progress = Inspect("--progress pcap/gpac-a2-multi-service.pcap");
+    EXPECT_NE(progress.err.find("64 packets"), std::string::npos);
+    EXPECT_EQ(Inspect("--progress --quiet pcap/gpac-a2-multi-service.pcap").err, "");
+}
+
+TEST(Inspect, AReaderThatHasGoneIsNoError)
+{
+    const CTemporary err;
+    const CTemporary status;
+    // The reader is gone before the first line is written.
+    const std::string command = "cd '" VYR_TEST_DATA "'; (sleep 0.2; '" VYR_INSPECT
+                                "' pcap/gpac-a2-multi-service.pcap 2> '" +
+                                err.Name() + "'; echo $? > '" + status.Name() + "') | true";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    EXPECT_EQ(ReadFile(err.Name()), "");
+    EXPECT_EQ(ReadFile(status.Name()), "0\n");
+    EXPECT_EQ(Inspect("pcap/gpac-a2-multi-service.pcap > /dev/full").status, 2);
+}
+
+TEST(Inspect, AStreamIsReportedAsItComes)
+{
+    const CTemporary fifo;
+    std::remove(fifo.Name().c_str());
+    ASSERT_EQ(mkfifo(fifo.Name().c_str(), 0600), 0);
+    const std::string command = "timeout --preserve-status -s INT 2 '" VYR_INSPECT "' - < '" + fifo.Name() + "'";
+    FILE* out = popen(command.c_str(), "r");
+    const int in = open(fifo.Name().c_str(), O_WRONLY);
+    const std::string bytes = CCapture(1).AddLls(Slt(Service(1), 1)).Bytes();
+    ASSERT_EQ(write(in, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    pollfd ready = {fileno(out), POLLIN, 0};
+    EXPECT_EQ(poll(&ready, 1, 1500), 1) << "the table comes while the stream goes on";
+    std::string text;
+    for (int c = 0; (c = fgetc(out)) != EOF;) {
+        text += static_cast<char>(c);
+    }
+    close(in);
+    EXPECT_EQ(pclose(out), 0);
+    EXPECT_NE(text.find("SLT (1) version 1 group 0: new"), std::string::npos);
+    EXPECT_NE(text.find("\nsummary\n"), std::string::npos) << "an interrupt ends the input, not the report";
+}
+
+}  // namespace

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// Builders of packets; all numbers big-endian.
+namespace packets {
+
+inline std::string Number(std::uint64_t value, int bytes)
+{
+    std::string text;
+    for (int i = bytes - 1; i >= 0; --i) {
+        text += static_cast<char>(value >> (8 * i) & 0xFF);
+    }
+    return text;
+}
+
+constexpr std::uint32_t k_lls = 0xE000173C;
+
+inline std::string Udp(const std::string& payload, unsigned port = 4937)
+{
+    return Number(40000, 2) + Number(port, 2) + Number(payload.size() + 8, 2) + Number(0, 2) + payload;
+}
+
+struct SIpv4 {
+    unsigned id = 7;
+    unsigned flagsAndOffset = 0;
+    unsigned protocol = 17;
+    std::string options = {};
+    std::uint32_t destination = k_lls;
+};
+
+inline std::string Ipv4(const std::string& data, const SIpv4& fields = {})
+{
+    const std::size_t header = 20 + fields.options.size();
+    return Number(0x40 | header / 4, 1) + Number(0, 1) + Number(header + data.size(), 2) + Number(fields.id, 2) +
+           Number(fields.flagsAndOffset, 2) + Number(64, 1) + Number(fields.protocol, 1) + Number(0, 2) +
+           Number(0xC000020A, 4) + Number(fields.destination, 4) + fields.options + data;
+}
+
+/// Ethernet frame with the types of its VLAN tags and of what it carries.
+inline std::string Ethernet(const std::string& data, std::initializer_list<unsigned> types = {0x0800})
+{
+    std::string frame(12, '\x02');
+    bool tagged = false;
+    for (const unsigned type : types) {
+        frame += (tagged ? Number(100, 2) : std::string()) + Number(type, 2);
+        tagged = true;
+    }
+    return frame + data;
+}
+
+/// Capture in pcap form; `cutTo` shortens what is captured of every packet.
+class CCapture {
+  public:
+    explicit CCapture(unsigned linkType, std::size_t cutTo = 65535, bool nanoseconds = false, bool littleEndian = false)
+        : m_cutTo(cutTo),
+          m_unit(nanoseconds ? 1000 : 1),
+          m_littleEndian(littleEndian),
+          m_bytes(m_Field(nanoseconds ? 0xA1B23C4D : 0xA1B2C3D4, 4) + m_Field(2, 2) + m_Field(4, 2) + m_Field(0, 8) +
+                  m_Field(65535, 4) + m_Field(linkType, 4))
+    {
+    }
+    /// The packet comes a quarter of a second after the one before.
+    CCapture& Add(const std::string& packet)
+    {
+        const std::string captured = packet.substr(0, m_cutTo);
+        m_bytes += m_Field(1800000000 + m_count / 4, 4) + m_Field(m_count % 4 * 250000 * m_unit, 4) +
+                   m_Field(captured.size(), 4) + m_Field(packet.size(), 4) + captured;
+        ++m_count;
+        return *this;
+    }
+    CCapture& AddLls(const std::string& table) { return Add(Ethernet(Ipv4(Udp(table)))); }
+    const std::string& Bytes() const { return m_bytes; }
+
+  private:
+    std::string m_Field(std::uint64_t value, int bytes) const
+    {
+        const std::string text = Number(value, bytes);
+        return m_littleEndian ? std::string(text.rbegin(), text.rend()) : text;
+    }
+
+    std::size_t m_cutTo;
+    std::uint64_t m_unit;
+    bool m_littleEndian;
+    std::string m_bytes;
+    std::uint64_t m_count = 0;
+};
+
+/// Capture in pcapng form of one packet, two seconds after 1970 in microseconds.
+inline std::string PcapNg(const std::string& packet)
+{
+    const auto block = [](unsigned type, const std::string& body) {
+        const std::string padded = body + std::string((4 - body.size() % 4) % 4, '\0');
+        return Number(type, 4) + Number(padded.size() + 12, 4) + padded + Number(padded.size() + 12, 4);
+    };
+    return block(0x0A0D0D0A, Number(0x1A2B3C4D, 4) + Number(1, 2) + Number(0, 2) + Number(~0ull, 8)) +
+           block(1, Number(1, 2) + Number(0, 2) + Number(65535, 4)) +
+           block(6, Number(0, 4) + Number(2000000, 8) + Number(packet.size(), 4) + Number(packet.size(), 4) + packet);
+}
+
+}  // namespace packets

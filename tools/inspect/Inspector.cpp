@@ -1,0 +1,170 @@
+#include "Inspector.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+#include "LibraryPort.h"
+#include "LinkLayer.h"
+#include "Text.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr std::size_t k_busiest = 3;
+
+std::string Busiest(const std::map<std::pair<std::uint32_t, std::uint16_t>, std::uint64_t>& destinations)
+{
+    std::vector<std::pair<std::uint64_t, std::string>> sorted;
+    for (const auto& [endpoint, count] : destinations) {
+        sorted.emplace_back(count, EndpointText(endpoint.first, endpoint.second));
+    }
+    std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::string text;
+    for (std::size_t i = 0; i < sorted.size() && i < k_busiest; ++i) {
+        text += (i == 0 ? "" : ", ") + sorted[i].second + " (" + std::to_string(sorted[i].first) + ')';
+    }
+    return text;
+}
+
+}  // namespace
+
+CInspector::CInspector(const SOptions& options, CReport& report, const COutput& output, CProgress& progress)
+    : m_options(options), m_report(report), m_output(output), m_progress(progress)
+{
+    InstallPlatform(options.log, options.settings);
+    TCParseLLS::SetDecompressLLS(true);
+    m_channelMap.Create();
+}
+
+CInspector::~CInspector()
+{
+    m_channelMap.Destroy();
+}
+
+EExitStatus CInspector::Run()
+{
+    for (const std::string& name : m_options.inputs) {
+        ++m_report.Summary().inputs;
+        try {
+            m_Inspect(name);
+        } catch (const CInputError& error) {
+            m_progress.Clear();
+            if (IsInputFault(error.Code())) {
+                std::fprintf(stderr, "vyr-atsc30-inspect: %s: %s\n", Printable(name).c_str(), error.what());
+            }
+            m_failed = m_failed || error.Code() <= EFault::INPUT_DIRECTORY;
+            m_report.Fault({error.Code(), error.what(), {name, 0, {}}});
+        }
+        if (m_output.Error() != 0) {
+            break;
+        }
+    }
+    m_report.Finish();
+    m_progress.Clear();
+    return m_failed ? EXIT_FAILED : m_report.Summary().faults != 0 ? EXIT_FAULTS : EXIT_FINE;
+}
+
+void CInspector::m_Inspect(const std::string& name)
+{
+    CInput input(name);
+    if (input.IsCapture()) {
+        ++m_report.Summary().captures;
+        m_Capture(input, name);
+    } else {
+        ++m_report.Summary().rawTables;
+        m_RawTable(input.Table(), name);
+    }
+}
+
+void CInspector::m_Capture(CInput& input, const std::string& name)
+{
+    if (!CPacketDecoder::Knows(input.LinkType())) {
+        throw CInputError(EFault::LINK_TYPE, "packets of link type " + input.LinkTypeText() + " cannot be read");
+    }
+    TFollowers followers;
+    for (const TEndpoint& stream : m_options.llsStreams) {
+        followers[stream] = std::make_unique<CLlsFollower>(EndpointText(stream.first, stream.second), !m_options.strict,
+                                                           m_channelMap, m_report);
+    }
+    SSource source = {name, 0, {}};
+    TDestinations destinations;
+    CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) {
+        const TEndpoint endpoint = {datagram.destination, datagram.destinationPort};
+        if (const auto follower = followers.find(endpoint); follower != followers.end()) {
+            follower->second->Take(datagram.payload, source);
+        } else if (destinations.size() < k_maxDestinations || destinations.count(endpoint) != 0) {
+            ++destinations[endpoint];
+        }
+    });
+    const auto finish = [&] {
+        decoder.Finish();
+        m_report.Summary().packets += decoder.Counts();
+        for (const auto& [stream, follower] : followers) {
+            m_report.Summary().llsDatagrams += follower->Tables();
+            m_Finish(*follower);
+        }
+        if (m_output.Error() == 0) {
+            m_CaptureFaults(name, decoder.Counts(), followers, destinations);
+        }
+    };
+    SPacket packet;
+    try {
+        while (m_output.Error() == 0 && input.Next(packet)) {
+            ++source.packet;
+            source.time = packet.time;
+            decoder.Decode(packet.bytes, packet.cut);
+            m_progress.Show(name, source.packet);
+        }
+    } catch (const CInputError& error) {
+        finish();
+        throw CInputError(error.Code(), "behind packet " + std::to_string(source.packet) + ": " + error.what());
+    }
+    finish();
+}
+
+/// What is wrong with a capture as a whole, and why what was expected is missing.
+void CInspector::m_CaptureFaults(const std::string& name, const SPacketCounts& counts, const TFollowers& followers,
+                                 const TDestinations& destinations)
+{
+    const SSource source = {name, 0, {}};
+    if (counts.cut != 0) {
+        m_report.Fault({EFault::PACKETS_CUT,
+                        std::to_string(counts.cut) + " of " + Counted(counts.packets, "packet") +
+                            " cut by the capture: their datagrams are lost",
+                        source});
+    }
+    if (counts.malformed != 0) {
+        m_report.Fault({EFault::PACKETS_MALFORMED,
+                        std::to_string(counts.malformed) + " of " + Counted(counts.packets, "packet") + " malformed",
+                        source});
+    }
+    for (const auto& [stream, follower] : followers) {
+        const std::string streamText = EndpointText(stream.first, stream.second);
+        if (follower->Tables() == 0) {
+            const std::string busiest = Busiest(destinations);
+            m_report.Fault({EFault::NO_LLS,
+                            "no LLS: none of " + Counted(counts.datagrams, "UDP datagram") + " goes to " + streamText +
+                                (busiest.empty() ? "" : "; the busiest destinations are " + busiest),
+                            source});
+        } else if (!follower->SawSlt()) {
+            m_report.Fault({EFault::NO_SLT,
+                            "no SLT among " + Counted(follower->Tables(), "LLS table") + " on " + streamText, source});
+        }
+    }
+}
+
+void CInspector::m_RawTable(SBytes table, const std::string& name)
+{
+    CLlsFollower follower("", !m_options.strict, m_channelMap, m_report);
+    follower.Take(table, {name, 0, {}});
+    m_Finish(follower);
+}
+
+void CInspector::m_Finish(const CLlsFollower& follower)
+{
+    m_report.Summary().services += follower.Services();
+}
+
+}  // namespace vyr::inspect

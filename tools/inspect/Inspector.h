@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "ExitStatus.h"
+#include "Input.h"
+#include "LlsFollower.h"
+#include "Options.h"
+#include "Output.h"
+#include "Progress.h"
+#include "Report.h"
+#include "common/ChannelMap.h"
+
+namespace vyr::inspect {
+
+/// One run of the tool: reads every input, and gives each stream it finds to that stream's follower.
+/// Inputs are broadcasts of their own: nothing is carried from one to the next.
+class CInspector {
+  public:
+    CInspector(const SOptions& options, CReport& report, const COutput& output, CProgress& progress);
+    ~CInspector();
+    CInspector(const CInspector&) = delete;
+    CInspector& operator=(const CInspector&) = delete;
+
+    EExitStatus Run();
+
+  private:
+    using TEndpoint = std::pair<std::uint32_t, std::uint16_t>;
+    using TFollowers = std::map<TEndpoint, std::unique_ptr<CLlsFollower>>;
+    using TDestinations = std::map<TEndpoint, std::uint64_t>;
+
+    static constexpr std::size_t k_maxDestinations = 4096;
+
+    void m_Inspect(const std::string& name);
+    void m_Capture(CInput& input, const std::string& name);
+    void m_RawTable(SBytes table, const std::string& name);
+    void m_CaptureFaults(const std::string& name, const SPacketCounts& counts, const TFollowers& followers,
+                         const TDestinations& destinations);
+    void m_Finish(const CLlsFollower& follower);
+
+    const SOptions& m_options;
+    CReport& m_report;
+    const COutput& m_output;
+    CProgress& m_progress;
+    CChannelMap m_channelMap;
+    bool m_failed = false;
+};
+
+}  // namespace vyr::inspect

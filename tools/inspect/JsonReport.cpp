@@ -1,0 +1,233 @@
+#include "JsonReport.h"
+
+#include <cstdio>
+#include <ctime>
+#include <nlohmann/json.hpp>
+
+#include "Names.h"
+#include "Text.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr int k_schemaVersion = 1;
+
+using TJson = nlohmann::ordered_json;
+
+TJson Object(const char* type)
+{
+    return {{"schema_version", k_schemaVersion}, {"type", type}};
+}
+
+void PutNamed(TJson& object, const std::string& key, long long number, const char* name)
+{
+    object[key] = number;
+    if (name != nullptr) {
+        object[key + "Name"] = name;
+    }
+}
+
+void PutText(TJson& object, const char* key, const std::optional<std::string>& text)
+{
+    if (text) {
+        object[key] = *text;
+    }
+}
+
+std::string TimeText(const STime& time)
+{
+    const std::time_t seconds = static_cast<std::time_t>(time.seconds);
+    std::tm utc{};
+    gmtime_r(&seconds, &utc);
+    char text[80];
+    const bool fine = time.nanoseconds % 1000 != 0;
+    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%0*dZ", utc.tm_year + 1900, utc.tm_mon + 1,
+                  utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec, fine ? 9 : 6,
+                  fine ? time.nanoseconds : time.nanoseconds / 1000);
+    return text;
+}
+
+TJson SourceJson(const SSource& source)
+{
+    TJson json = {{"file", source.file}};
+    if (source.packet != 0) {
+        json["packet"] = source.packet;
+    }
+    if (source.time) {
+        json["time"] = TimeText(*source.time);
+    }
+    return json;
+}
+
+void PutHeader(TJson& json, const SLlsHeader& header)
+{
+    PutNamed(json, "LLS_table_id", header.tableId, TableName(header.tableId));
+    json["LLS_group_id"] = header.groupId;
+    json["group_count_minus1"] = header.groupCountMinus1;
+    json["LLS_table_version"] = header.version;
+}
+
+TJson UrlJson(int urlType, const std::string& url)
+{
+    TJson json = TJson::object();
+    if (urlType >= 0) {
+        PutNamed(json, "urlType", urlType, UrlTypeName(urlType));
+    }
+    json["url"] = url;
+    return json;
+}
+
+TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
+{
+    TJson json = Object("service");
+    json["source"] = SourceJson(table.source);
+    if (!table.stream.empty()) {
+        json["stream"] = table.stream;
+    }
+    PutHeader(json, table.header);
+    json["bsid"] = table.slt->bsid;
+    json["serviceId"] = service.serviceId;
+    PutText(json, "globalServiceID", service.globalServiceId);
+    json["sltSvcSeqNum"] = service.sltSvcSeqNum;
+    json["protected"] = service.isProtected;
+    if (service.majorChannelNo != 0 || service.minorChannelNo != 0) {
+        json["majorChannelNo"] = service.majorChannelNo;
+        json["minorChannelNo"] = service.minorChannelNo;
+    }
+    PutNamed(json, "serviceCategory", service.serviceCategory, ServiceCategoryName(service.serviceCategory));
+    PutText(json, "shortServiceName", service.shortServiceName);
+    json["hidden"] = service.hidden;
+    json["broadbandAccessRequired"] = service.broadbandAccessRequired;
+    PutText(json, "svcCapabilities", service.svcCapabilities);
+    if (!service.drmSystemID.empty()) {
+        json["drmSystemID"] = service.drmSystemID;
+    }
+    if (service.simulcastTsid != 0) {
+        json["simulcastTSID"] = service.simulcastTsid;
+        json["simulcastMajorChannelNo"] = service.simulcastMajorChannelNo;
+        json["simulcastMinorChannelNo"] = service.simulcastMinorChannelNo;
+    }
+    if (service.hasBroadcastSvcSignaling) {
+        PutNamed(json, "slsProtocol", service.slsProtocol, ProtocolName(service.slsProtocol));
+        json["slsMajorProtocolVersion"] = service.slsMajorProtocolVersion;
+        json["slsMinorProtocolVersion"] = service.slsMinorProtocolVersion;
+        json["slsDestinationIpAddress"] = Ipv4Text(service.slsDestinationIpAddress);
+        json["slsDestinationUdpPort"] = service.slsDestinationUdpPort;
+        if (service.slsSourceIpAddress != 0) {
+            json["slsSourceIpAddress"] = Ipv4Text(service.slsSourceIpAddress);
+        }
+    }
+    if (service.svcInetUrl.present) {
+        json["svcInetUrl"] = UrlJson(service.svcInetUrl.urlType, service.svcInetUrl.url);
+    }
+    return json;
+}
+
+std::string Line(const TJson& json)
+{
+    return json.dump(-1, ' ', false, TJson::error_handler_t::replace) + '\n';
+}
+
+}  // namespace
+
+void CJsonReport::Table(const STable& table)
+{
+    TJson json = Object("table");
+    json["source"] = SourceJson(table.source);
+    if (!table.stream.empty()) {
+        json["stream"] = table.stream;
+    }
+    PutHeader(json, table.header);
+    json["status"] = StatusName(table.status);
+    json["size"] = table.payload.size;
+    json["encoding"] = table.encoding;
+    if (table.interval) {
+        json["intervalSeconds"] = *table.interval;
+    }
+    if (table.status == EStatus::REPEATED) {
+        m_output.Write(Line(json));
+        return;
+    }
+    if (!table.parserExists) {
+        json["payload"] = Hex(table.payload);
+    } else {
+        json["parsed"] = table.slt.has_value();
+    }
+    if (table.slt) {
+        json["bsid"] = table.slt->bsid;
+        if (!table.slt->capabilities.empty()) {
+            json["sltCapabilities"] = table.slt->capabilities;
+        }
+        for (const SParseSLT::SSltInetUrl& url : table.slt->inetUrls) {
+            json["sltInetUrl"].push_back(UrlJson(url.urlType, url.url));
+        }
+        json["cmsSignedData"] = table.slt->cmsSignedData;
+        json["services"] = table.slt->services.size();
+        json["servicesDropped"] = table.slt->dropped;
+    }
+    m_output.Write(Line(json));
+    if (table.slt) {
+        for (const SParseSLT::SService& service : table.slt->services) {
+            m_output.Write(Line(ServiceJson(table, service)));
+        }
+    }
+}
+
+void CJsonReport::Fault(const SFault& fault)
+{
+    TJson json = Object("fault");
+    json["source"] = SourceJson(fault.source);
+    json["code"] = FaultName(fault.code);
+    json["message"] = fault.message;
+    if (fault.header) {
+        PutHeader(json, *fault.header);
+    }
+    if (fault.serviceId) {
+        json["serviceId"] = *fault.serviceId;
+    }
+    if (!fault.attribute.empty()) {
+        json["attribute"] = fault.attribute;
+    }
+    m_output.Write(Line(json));
+}
+
+void CJsonReport::Summary(const SSummary& summary)
+{
+    TJson json = Object("summary");
+    json["inputs"] = summary.inputs;
+    json["captures"] = summary.captures;
+    json["rawTables"] = summary.rawTables;
+    json["packets"] = summary.packets.packets;
+    json["packetsCut"] = summary.packets.cut;
+    json["packetsMalformed"] = summary.packets.malformed;
+    json["packetsOther"] = summary.packets.otherProtocol;
+    json["linkLayerPacketsOther"] = summary.packets.otherLinkPackets;
+    json["fragments"] = summary.packets.fragments;
+    json["datagramsIncomplete"] = summary.packets.incompleteDatagrams;
+    json["udpDatagrams"] = summary.packets.datagrams;
+    json["llsDatagrams"] = summary.llsDatagrams;
+    json["tables"] = TJson::array();
+    for (const auto& [tableId, counts] : summary.tables) {
+        TJson table = TJson::object();
+        PutNamed(table, "LLS_table_id", tableId, TableName(tableId));
+        for (std::size_t i = 0; i < k_statuses; ++i) {
+            table[StatusName(static_cast<EStatus>(i))] = counts.byStatus[i];
+        }
+        table["notParsed"] = counts.notParsed;
+        if (counts.intervals != 0) {
+            table["meanIntervalSeconds"] = counts.intervalSum / static_cast<double>(counts.intervals);
+        }
+        json["tables"].push_back(std::move(table));
+    }
+    json["services"] = summary.services;
+    json["servicesDropped"] = summary.servicesDropped;
+    json["faults"] = summary.faults;
+    json["faultsByCode"] = TJson::object();
+    for (const auto& [code, count] : summary.faultsByCode) {
+        json["faultsByCode"][FaultName(code)] = count;
+    }
+    m_output.Write(Line(json));
+}
+
+}  // namespace vyr::inspect

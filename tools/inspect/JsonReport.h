@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Output.h"
+#include "Report.h"
+
+namespace vyr::inspect {
+
+/// The report for programs: one JSON object per line, complete in itself.
+class CJsonReport : public IReportWriter {
+  public:
+    explicit CJsonReport(COutput& output) : m_output(output) {}
+
+    void Table(const STable& table) override;
+    void Fault(const SFault& fault) override;
+    void Summary(const SSummary& summary) override;
+
+  private:
+    COutput& m_output;
+};
+
+}  // namespace vyr::inspect

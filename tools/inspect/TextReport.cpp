@@ -1,0 +1,245 @@
+#include "TextReport.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <vector>
+
+#include "Names.h"
+#include "Text.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr std::size_t k_shownBytes = 16;
+
+using TRow = std::vector<std::string>;
+
+std::string ClockText(const STime& time)
+{
+    const std::time_t seconds = static_cast<std::time_t>(time.seconds);
+    std::tm utc{};
+    gmtime_r(&seconds, &utc);
+    char text[48];
+    std::snprintf(text, sizeof text, "%02d:%02d:%02d.%03d", utc.tm_hour, utc.tm_min, utc.tm_sec,
+                  time.nanoseconds / 1000000);
+    return text;
+}
+
+std::string Place(const SSource& source)
+{
+    std::string text = Printable(source.file) + ':';
+    if (source.packet != 0) {
+        text += " packet " + std::to_string(source.packet);
+        text += source.time ? ", " + ClockText(*source.time) + ' ' : std::string(" ");
+    }
+    return text + ' ';
+}
+
+std::string Named(int number, const char* name)
+{
+    return std::to_string(number) + (name != nullptr ? std::string(" ") + name : std::string());
+}
+
+std::string TableTitle(unsigned tableId)
+{
+    const char* name = TableName(tableId);
+    const std::string number = std::to_string(tableId);
+    return name != nullptr ? std::string(name) + " (" + number + ')' : "table " + number;
+}
+
+const char* StatusText(EStatus status)
+{
+    switch (status) {
+        case EStatus::CHANGED_WITHOUT_VERSION:
+            return "changed without a new version";
+        case EStatus::NEW_VERSION_SAME_CONTENT:
+            return "new version, same content";
+        default:
+            return StatusName(status);
+    }
+}
+
+std::string FlagsText(const SParseSLT::SService& service)
+{
+    std::string flags;
+    const auto add = [&flags](bool set, const char* name) {
+        if (set) {
+            flags += (flags.empty() ? "" : ", ") + std::string(name);
+        }
+    };
+    add(service.isProtected, "protected");
+    add(service.hidden, "hidden");
+    add(service.broadbandAccessRequired, "broadband");
+    add(!service.drmSystemID.empty(), "DRM");
+    add(service.svcInetUrl.present, "URL");
+    add(service.simulcastTsid != 0, "simulcast");
+    return flags;
+}
+
+TRow ServiceRow(const SParseSLT::SService& service)
+{
+    const bool numbered = service.majorChannelNo != 0 || service.minorChannelNo != 0;
+    TRow row = {std::to_string(service.serviceId),
+                numbered ? std::to_string(service.majorChannelNo) + '.' + std::to_string(service.minorChannelNo) : "-",
+                Printable(service.shortServiceName.value_or("-")),
+                Named(service.serviceCategory, ServiceCategoryName(service.serviceCategory)),
+                "-",
+                "-",
+                "-",
+                FlagsText(service)};
+    if (service.hasBroadcastSvcSignaling) {
+        row[4] = Named(service.slsProtocol, ProtocolName(service.slsProtocol));
+        row[5] = EndpointText(service.slsDestinationIpAddress, static_cast<unsigned>(service.slsDestinationUdpPort));
+        row[6] = service.slsSourceIpAddress != 0 ? Ipv4Text(service.slsSourceIpAddress) : "-";
+    }
+    return row;
+}
+
+std::string Aligned(const std::vector<TRow>& rows)
+{
+    std::vector<std::size_t> widths;
+    for (const TRow& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            widths[i] = std::max(widths[i], DisplayWidth(row[i]));
+        }
+    }
+    std::string text;
+    for (const TRow& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            line += "  " + row[i] + std::string(widths[i] - DisplayWidth(row[i]), ' ');
+        }
+        text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
+    }
+    return text;
+}
+
+std::string SltText(const SSlt& slt)
+{
+    std::string text;
+    if (!slt.capabilities.empty()) {
+        text += "  capabilities: " + Printable(slt.capabilities) + '\n';
+    }
+    for (const SParseSLT::SSltInetUrl& url : slt.inetUrls) {
+        text += "  URL" + (url.urlType >= 0 ? " of type " + Named(url.urlType, UrlTypeName(url.urlType)) : "") + ": " +
+                Printable(url.url) + '\n';
+    }
+    if (!slt.services.empty()) {
+        std::vector<TRow> rows = {{"id", "channel", "name", "category", "protocol", "destination", "source", "flags"}};
+        std::transform(slt.services.begin(), slt.services.end(), std::back_inserter(rows), ServiceRow);
+        text += Aligned(rows);
+    }
+    return text;
+}
+
+std::string FaultText(const SFault& fault)
+{
+    return Place(fault.source) + (IsInputFault(fault.code) ? "" : "fault: ") + Printable(fault.message) + '\n';
+}
+
+std::string CountsText(const STableCounts& counts)
+{
+    std::string text;
+    for (std::size_t i = 0; i < k_statuses; ++i) {
+        if (counts.byStatus[i] != 0) {
+            text += (text.empty() ? "" : "; ") + std::to_string(counts.byStatus[i]) + ' ' +
+                    StatusText(static_cast<EStatus>(i));
+        }
+    }
+    if (counts.notParsed != 0) {
+        text += "; " + std::to_string(counts.notParsed) + " did not parse";
+    }
+    if (counts.intervals != 0) {
+        char mean[48];
+        std::snprintf(mean, sizeof mean, "; every %.3f s on average",
+                      counts.intervalSum / static_cast<double>(counts.intervals));
+        text += mean;
+    }
+    return text;
+}
+
+std::string PacketsText(const SPacketCounts& packets)
+{
+    std::string text = std::to_string(packets.packets);
+    const auto add = [&text](std::uint64_t count, const char* what) {
+        if (count != 0) {
+            text += "; " + std::to_string(count) + ' ' + what;
+        }
+    };
+    add(packets.cut, "cut by the capture");
+    add(packets.malformed, "malformed");
+    add(packets.otherProtocol, "not IPv4 and UDP");
+    add(packets.otherLinkPackets, "link-layer packets of other kinds");
+    add(packets.fragments, "fragments");
+    add(packets.incompleteDatagrams, "of them never whole");
+    return text;
+}
+
+}  // namespace
+
+void CTextReport::Table(const STable& table)
+{
+    if (table.status == EStatus::REPEATED) {
+        return;
+    }
+    std::string text = Place(table.source) + TableTitle(table.header.tableId) + " version " +
+                       std::to_string(table.header.version) + " group " + std::to_string(table.header.groupId);
+    if (table.header.groupCountMinus1 != 0) {
+        text += " of " + Counted(table.header.groupCountMinus1 + 1u, "group");
+    }
+    text += std::string(": ") + StatusText(table.status);
+    if (table.slt) {
+        text += ", bsid " + std::to_string(table.slt->bsid) + ", " + Counted(table.slt->services.size(), "service");
+        text += table.slt->dropped != 0 ? ", " + std::to_string(table.slt->dropped) + " dropped" : "";
+        text += table.slt->cmsSignedData ? ", with CMSSignedData\n" : "\n";
+        text += table.status != EStatus::NEW_VERSION_SAME_CONTENT ? SltText(*table.slt) : std::string();
+    } else {
+        text += ", " + Counted(table.payload.size, "byte") + " (" + table.encoding + ')';
+        text += table.parserExists ? "\n" : ": " + Hex(table.payload.First(k_shownBytes));
+        text += table.parserExists ? "" : table.payload.size > k_shownBytes ? "...\n" : "\n";
+    }
+    m_output.Write(text);
+}
+
+void CTextReport::Fault(const SFault& fault)
+{
+    // Of an input that is none, stderr tells.
+    if (!IsInputFault(fault.code)) {
+        m_output.Write(FaultText(fault));
+    }
+}
+
+void CTextReport::Summary(const SSummary& summary)
+{
+    if (summary.captures + summary.rawTables == 0) {
+        return;
+    }
+    std::vector<TRow> rows = {{"inputs", std::to_string(summary.inputs) + ": " + Counted(summary.captures, "capture") +
+                                             ", " + Counted(summary.rawTables, "raw table")}};
+    if (summary.captures != 0) {
+        rows.push_back({"packets", PacketsText(summary.packets)});
+        rows.push_back({"UDP", Counted(summary.packets.datagrams, "datagram") + ", " +
+                                   std::to_string(summary.llsDatagrams) + " of them LLS"});
+    }
+    for (const auto& [tableId, counts] : summary.tables) {
+        rows.push_back({TableTitle(tableId), CountsText(counts)});
+    }
+    rows.push_back(
+        {"services",
+         std::to_string(summary.services) + " announced" +
+             (summary.servicesDropped != 0 ? "; " + std::to_string(summary.servicesDropped) + " dropped" : "")});
+    rows.push_back({"faults", std::to_string(summary.faults)});
+    std::string text = "\nsummary\n" + Aligned(rows);
+    for (const SFault& fault : summary.firstFaults) {
+        text += "    " + FaultText(fault);
+    }
+    if (summary.faults > summary.firstFaults.size()) {
+        text += "    and " + std::to_string(summary.faults - summary.firstFaults.size()) + " more\n";
+    }
+    m_output.Write(text);
+}
+
+}  // namespace vyr::inspect
