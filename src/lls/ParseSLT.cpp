@@ -13,8 +13,8 @@
 #include "common/Ipv4.h"
 #include "common/Log.h"
 #include "common/SeededHash.h"
-#include "common/XML.h"
 #include "common/XmlNode.h"
+#include "lls/TableDocument.h"
 
 using vyr::CNodeText;
 
@@ -329,18 +329,8 @@ bool CParseSLT::t_Parse(IParse::SItem* item)
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
-    if (m->xml.FlagCreate()) {
-        m->xml.Destroy();
-    }
-    const int size = item->size <= INT_MAX ? static_cast<int>(item->size) : -1;
-    if (!VYR_CHECK(m->xml.Create(reinterpret_cast<const char*>(item->buffer), size, t_DecompressLLS()),
-                   "m->xml.Create((const char*)buffer, size, t_DecompressLLS())")) {
-        return false;
-    }
-    void* root = nullptr;
-    if (!VYR_CHECK(m->xml.MoveRoot(&root), "m->xml.MoveRoot(&root)") ||
-        !VYR_CHECK(m_ProcessParseSLT(root), "m_ProcessParseSLT(root)")) {
-        m->xml.Destroy();
+    if (!vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseSLT(root)", VYR_HERE,
+                                 [this](void* root) { return m_ProcessParseSLT(root); })) {
         return false;
     }
     t_RemoveDuplicateServices();

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <climits>
+
+#include "common/Log.h"
+#include "common/Parse.h"
+#include "common/XML.h"
+
+namespace vyr {
+
+/// The steps that every XML table's t_Parse shares: lets go of the last table's document, builds one
+/// from the item's bytes behind its cursor, moves to the root and calls `process(root)`, whose name in
+/// the log is `step`. A failed step is logged and leaves no document.
+template <class TProcess>
+bool ParseTableDocument(CXML& xml, IParse::SItem* item, bool compressed, const char* step, const SHere& here,
+                        TProcess process)
+{
+    if (xml.FlagCreate()) {
+        xml.Destroy();
+    }
+    const unsigned int start = item->bitpos / 8;
+    const unsigned int length = start <= item->size ? item->size - start : 0;
+    // A length that no document has becomes one that the document refuses.
+    const int size = length <= INT_MAX ? static_cast<int>(length) : -1;
+    if (!xml.Create(reinterpret_cast<const char*>(item->buffer) + (size > 0 ? start : 0), size, compressed)) {
+        return CheckFailed(here, "m->xml.Create((const char*)buffer, size, t_DecompressLLS())");
+    }
+    void* root = nullptr;
+    const char* failed = nullptr;
+    if (!xml.MoveRoot(&root)) {
+        failed = "m->xml.MoveRoot(&root)";
+    } else if (!process(root)) {
+        failed = step;
+    }
+    if (failed) {
+        CheckFailed(here, failed);
+        xml.Destroy();
+    }
+    return !failed;
+}
+
+}  // namespace vyr
