@@ -71,10 +71,9 @@ inline void DestroyHandlers(CCStringHash& hashCallback)
 enum EChildLog { LOG_ALL_CHILDREN, LOG_HANDLED_CHILDREN, LOG_NO_CHILDREN };
 
 /// Calls the handler of each child element of `node` that has one, in document order; the others, and
-/// whatever is not an element, are skipped. `here.function` and `where`, the text in square brackets,
-/// appear in the log.
+/// whatever is not an element, are skipped. `format` is the message that logs a name, with one %s.
 template <class TParser>
-void DispatchChildren(TParser* parser, CCStringHash& hashCallback, void* node, EChildLog log, const char* where,
+void DispatchChildren(TParser* parser, CCStringHash& hashCallback, void* node, EChildLog log, const char* format,
                       const SHere& here)
 {
     const bool shown = LogEnabled(LOG_PRIORITY_DEBUG);
@@ -82,7 +81,7 @@ void DispatchChildren(TParser* parser, CCStringHash& hashCallback, void* node, E
         const char* name = NodeName(child);
         const bool handled = hashCallback.Find(name);
         if (shown && (log == LOG_ALL_CHILDREN || (handled && log == LOG_HANDLED_CHILDREN))) {
-            Print(LOG_PRIORITY_DEBUG, here, "[%s] Name[%s]", where, name);
+            Print(LOG_PRIORITY_DEBUG, here, format, name);
         }
         if (handled) {
             const auto* row = static_cast<const SElementHandler<TParser>*>(hashCallback.Data());

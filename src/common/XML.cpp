@@ -71,7 +71,7 @@ long long Number(void* node, const char* name, bool* found)
     if (found) {
         *found = text.Found();
     }
-    return text.Found() ? std::strtoll(text.Text(), nullptr, 10) : -1;
+    return text.LLong(-1);
 }
 
 /// Adds up what the texts and attributes of a document expand to. References inside an entity are
@@ -242,7 +242,12 @@ CNodeText::~CNodeText()
 
 int CNodeText::Int(int absent) const
 {
-    return m_text ? static_cast<int>(static_cast<unsigned long long>(std::strtoll(m_text, nullptr, 10))) : absent;
+    return static_cast<int>(static_cast<unsigned long long>(LLong(absent)));
+}
+
+long long CNodeText::LLong(long long absent) const
+{
+    return m_text ? std::strtoll(m_text, nullptr, 10) : absent;
 }
 
 bool CNodeText::Bool() const

@@ -26,6 +26,8 @@ class CNodeText {
 
     /// Decimal number at the start of the text, cut to 32 bits; `absent` when not found.
     int Int(int absent) const;
+    /// The same with 64 bits.
+    long long LLong(long long absent) const;
     /// True exactly when the text begins with "true".
     bool Bool() const;
     /// Copies the text when found.

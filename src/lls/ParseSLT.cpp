@@ -9,7 +9,6 @@
 
 #include "common/ChannelMap.h"
 #include "common/CoreOS/PtrArray.h"
-#include "common/ElementHandlers.h"
 #include "common/Ipv4.h"
 #include "common/Log.h"
 #include "common/SeededHash.h"
@@ -118,15 +117,13 @@ class CRemovals {
 
 }  // namespace
 
-struct CParseSLT::SSLT {
+struct CParseSLT::SSLT : vyr::STable {
     unsigned char groupId = 0;
     std::set<unsigned char> groupIds;
     int bsid = 0;
     std::map<unsigned char, int> bsidByGroup;
     std::string capabilities;
     int lowestMinorChannelNo = k_noMinorChannel;
-    CXML xml;
-    CCStringHash hashCallback;
     CCPtrArray services{g_CbRemoveService, nullptr};
     CCPtrArray sltInetUrls{g_CbRemoveSltInetUrl, nullptr};
     SService* current = nullptr;
@@ -164,7 +161,6 @@ bool CParseSLT::Create(CChannelMap* channelMap, const CParseSLT::SCallback* call
         m->callback = *callback;
     }
     if (!vyr::CreateHandlers(m->hashCallback, 7, VYR_HERE) || !VYR_CHECK(t_CreateCallback(), "t_CreateCallback()")) {
-        vyr::DestroyHandlers(m->hashCallback);
         delete m;
         m = nullptr;
         return false;
@@ -191,11 +187,7 @@ void CParseSLT::Destroy()
     if (!VYR_ASSERT(m, "m")) {
         return;
     }
-    vyr::DestroyHandlers(m->hashCallback);
     m_RemoveSLT();
-    if (m->xml.FlagCreate()) {
-        m->xml.Destroy();
-    }
     delete m;
     m = nullptr;
 }
@@ -362,7 +354,8 @@ bool CParseSLT::m_ProcessParseSLT(void* root)
     if (!CNodeText::Attribute(root, "sltCapabilities").CopyTo(m->capabilities)) {
         CNodeText::Attribute(root, "SLTCapabilities").CopyTo(m->capabilities);
     }
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_ALL_CHILDREN, "CParseSLT::m_ProcessParseSLT", VYR_HERE);
+    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_ALL_CHILDREN, "[CParseSLT::m_ProcessParseSLT] Name[%s]",
+                          VYR_HERE);
     return true;
 }
 

@@ -2,11 +2,30 @@
 
 #include <climits>
 
+#include "common/ElementHandlers.h"
 #include "common/Log.h"
 #include "common/Parse.h"
 #include "common/XML.h"
 
 namespace vyr {
+
+/// What the state of every XML table parser begins with; deleting the state lets go of it all.
+struct STable {
+    CXML xml;  ///< document of the last table
+    CCStringHash hashCallback;
+
+    STable() = default;
+    STable(const STable&) = delete;
+    STable& operator=(const STable&) = delete;
+
+    ~STable()
+    {
+        DestroyHandlers(hashCallback);
+        if (xml.FlagCreate()) {
+            xml.Destroy();
+        }
+    }
+};
 
 /// The steps that every XML table's t_Parse shares: lets go of the last table's document, builds one
 /// from the item's bytes behind its cursor, moves to the root and calls `process(root)`, whose name in

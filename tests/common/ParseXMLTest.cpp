@@ -60,8 +60,8 @@ class CTree : public XMLBase {
             return false;
         }
         m->name += name.Found() ? name.Text() : "";
-        vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN, "CTree::m_ProcessParse",
-                              VYR_HERE);
+        vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN,
+                              "[CTree::m_ProcessParse] Name[%s]", VYR_HERE);
         return true;
     }
 

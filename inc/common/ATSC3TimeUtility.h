@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/Api.h"
+
+/// Time-keeping numbers of the caller. The library neither reads nor writes them; zero at first.
+extern VYR_API unsigned int g_tai;
+extern VYR_API unsigned int g_UTC;
+extern VYR_API unsigned int g_Tick;
+
+/// Conversions of the text forms of time that signalling carries. Any text gives some number.
+class VYR_API TimeUtility {
+  public:
+    /// Seconds of a duration of hours, minutes and seconds, such as "PT1H30M" or "-PT5H" (the
+    /// xs:duration of ISO 8601); 0 for text that does not begin like one, null (asserted) included.
+    /// Required: a character other than H, M and S is folded into the running number as a digit, so
+    /// that fractions, days, months and years distort the result. Wraps at 32 bits.
+    static int DurationToSec(const char* duration);
+
+    /// Epoch seconds of "YYYY-MM-DDThh:mm:ss", read as local standard time; what follows, a time zone
+    /// included, is ignored, and fields that are not there are 0. Null is asserted: -1.
+    static long long ConvertDateTime2Epoch(const char* dateTime);
+};

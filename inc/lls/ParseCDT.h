@@ -1,0 +1,59 @@
+#pragma once
+
+#include <list>
+#include <string>
+
+#include "lls/ParseLLS.h"
+#include "platform/Api.h"
+
+/// Parser of the certification data table (CDT, LLS_table_id 6; ATSC A/331 6.7 over A/360): signing
+/// certificates, their replacement, OCSP data and the signature over them. Signatures are not verified
+/// here: the exact signed bytes are handed out for it. Certificates, responses and signature are base64
+/// texts as they stand. An object that is not created is asserted ("m"); getters then give false.
+class VYR_API CParseCDT : public TCParseLLS {
+  public:
+    CParseCDT();
+    /// Destroy comes first, else that is asserted.
+    ~CParseCDT() override;
+
+    bool Create();
+    void Destroy() override;
+
+    /// Text of CurrentCert.
+    bool GetCurrentCert(std::string& cert) const;
+    /// Attributes of CertReplacement; the times are epoch seconds (0: never given), one second late
+    /// (required).
+    bool GetCertReplacement(std::string& nextCert, long& nextCertFrom, long& currentCertUntil) const;
+    /// Interval at which OCSP responses are renewed, seconds; 0: never given.
+    bool GetOCSPRefresh(int& seconds) const;
+    /// Text of CMSSignedData.
+    bool GetCMSSignedData(std::string& data) const;
+    /// The ToBeSignedData element as it stood in the document: the bytes under the signature.
+    bool GetToBeSignedData(std::string& text) const;
+    /// Text of each Certificates element of the last ToBeSignedData, in order.
+    bool GetCertificates(std::list<std::string>& certs) const;
+    /// Text of each OCSPResponse element since the last ToBeSignedData began, in order.
+    bool GetOCSPResponse(std::list<std::string>& responses) const;
+
+  protected:
+    bool t_Parse(IParse::SItem* item) override;
+
+  private:
+    struct SState;
+
+    bool t_CreateCallback();
+    bool m_ProcessParseCDT(void* root);
+    bool m_OnToBeSigendData(void* node);
+    bool m_DumpToBeSigendData(void* node);
+    void m_DumpCDT() const;
+
+    static void sm_CbToBeSignedData(CParseCDT* parser, void* node);
+    static void sm_CbCertificates(CParseCDT* parser, void* node);
+    static void sm_CbCurrentCert(CParseCDT* parser, void* node);
+    static void sm_CbCertReplacement(CParseCDT* parser, void* node);
+    static void sm_CbOCSPRefresh(CParseCDT* parser, void* node);
+    static void sm_CbCMSSignedData(CParseCDT* parser, void* node);
+    static void sm_CbOCSPResponse(CParseCDT* parser, void* node);
+
+    SState* m;
+};

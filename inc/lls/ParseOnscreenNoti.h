@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+
+#include "lls/ParseLLS.h"
+#include "platform/Api.h"
+
+/// Parser of the OnscreenMessageNotification table (LLS_table_id 5; ATSC A/331 6.6): the services for
+/// which receivers are to keep the screen clear of messages of their own. Required: tables pile up.
+/// Each adds its entries; only Destroy lets go. An object that is not created is asserted ("m").
+class VYR_API CParseOnscreenNoti : public TCParseLLS {
+  public:
+    /// One KeepScreenClear element; what it does not give is 0, empty or false.
+    struct SKeepScreenClear {
+        unsigned short bsid;
+        unsigned short serviceId;
+        unsigned short serviceIdRange;     ///< how many further service ids it is for
+        std::string notificationDuration;  ///< xs:duration as it stands
+        bool kscFlag;                      ///< keep the screen clear
+        unsigned char version;
+    };
+
+    CParseOnscreenNoti();
+    /// Destroy comes first, else that is asserted.
+    ~CParseOnscreenNoti() override;
+
+    bool Create();
+    void Destroy() override;
+
+    /// Number of entries held.
+    unsigned int KSCCount() const;
+    /// Fields of the index-th entry; an index outside the range is asserted: 0.
+    unsigned short Bsid(unsigned int index) const;
+    unsigned short ServiceId(unsigned int index) const;
+    unsigned short ServiceIdRange(unsigned int index) const;
+    /// All of the index-th entry, null outside the range; good until Destroy.
+    const SKeepScreenClear* GetKSC(unsigned int index) const;
+
+  protected:
+    bool t_Parse(IParse::SItem* item) override;
+
+  private:
+    struct SState;
+
+    bool t_CreateCallback();
+    bool m_ProcessParseOnscreenNoti(void* root);
+    const SKeepScreenClear* m_Entry(unsigned int index) const;
+    void m_DumpKSC() const;
+
+    static void sm_CbKSC(CParseOnscreenNoti* parser, void* node);
+
+    SState* m;
+};

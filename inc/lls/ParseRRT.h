@@ -1,0 +1,74 @@
+#pragma once
+
+#include <string>
+
+#include "lls/ParseLLS.h"
+#include "platform/Api.h"
+
+/// Records of the rating region table (ATSC A/331 6.5 over A/332).
+struct SParseRRT {
+    struct STextType {
+        std::string text;
+        std::string lang;  ///< "en" when the table does not say
+    };
+};
+
+/// Parser of the rating region table (RRT, LLS_table_id 2): regions, each with dimensions, each with
+/// rating values. Required: tables pile up; only Destroy lets go.
+///
+/// Getters address a region r, its dimension d and that one's rating k, all from 0. One that is out of
+/// range is logged: false or 0, outputs untouched. An object that is not created is asserted ("m").
+class VYR_API CParseRRT : public TCParseLLS {
+  public:
+    /// Told after each table that parsed, with the number 1.
+    struct SCallback {
+        void* userData;
+        void (*fn)(void* userData, int result);
+    };
+
+    CParseRRT();
+    /// Destroy comes first, else "!m" is asserted.
+    ~CParseRRT() override;
+
+    bool Create();
+    void Destroy() override;
+    /// Copies the record; null takes it back.
+    bool SetCallback(const CParseRRT::SCallback* callback);
+    /// Remembers the caller's channel context.
+    bool Start(void* channel);
+    bool Stop();
+
+    unsigned int numOfRatingRegionTable() const;
+    bool GetRegionIdentifier(unsigned int r, unsigned int& identifier) const;
+    bool GetRegionIdText(unsigned int r, std::string& text) const;
+    unsigned int numOfDimension(unsigned int r) const;
+    /// Number of values that the dimension is said to have.
+    bool GetDimensionLevels(unsigned int r, unsigned int d, unsigned int& levels) const;
+    /// Whether higher values include lower ones.
+    bool GetDimensionGraduated(unsigned int r, unsigned int d, bool& graduated) const;
+    bool GetDimensionTitle(unsigned int r, unsigned int d, std::string& title) const;
+    unsigned int numOfRating(unsigned int r, unsigned int d) const;
+    bool GetRatingValue(unsigned int r, unsigned int d, unsigned int k, unsigned int& value) const;
+    bool GetRatingValueAbbrev(unsigned int r, unsigned int d, unsigned int k, std::string& abbreviation) const;
+    bool GetRatingValueString(unsigned int r, unsigned int d, unsigned int k, std::string& text) const;
+
+  protected:
+    bool t_Parse(IParse::SItem* item) override;
+
+  private:
+    struct SState;
+
+    bool t_CreateCallback();
+    bool m_ProcessParseRRT(void* root);
+    bool m_isValidIndex(unsigned int r, unsigned int d, unsigned int k) const;
+
+    static void sm_CbRatingRegionTable(CParseRRT* parser, void* node);
+    static void sm_CbRegionIdText(CParseRRT* parser, void* node);
+    static void sm_CbDimension(CParseRRT* parser, void* node);
+    static void sm_CbDimensionTitle(CParseRRT* parser, void* node);
+    static void sm_CbRating(CParseRRT* parser, void* node);
+    static void sm_CbRatingValueAbbrev(CParseRRT* parser, void* node);
+    static void sm_CbRatingValueString(CParseRRT* parser, void* node);
+
+    SState* m;
+};

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "lls/ParseLLS.h"
+#include "platform/Api.h"
+
+/// Parser of the SystemTime table (LLS_table_id 3; ATSC A/331 6.4): the broadcaster's time parameters.
+/// An object that is not created is asserted ("m"); results are then false, 0 or null.
+class VYR_API CParseSystemTime : public TCParseLLS {
+  public:
+    /// Values of the last table, and of earlier ones where the last was silent.
+    struct SSystemTime {
+        unsigned char groupId;      ///< as given to Create
+        int currentUtcOffset;       ///< TAI - UTC, seconds
+        unsigned short ptpPrepend;  ///< upper 16 bits of the PTP seconds
+        bool leap59;                ///< required: once true, it stays
+        bool leap61;                ///< the same
+        int utcLocalOffset;         ///< local time - UTC, seconds
+        bool dsStatus;              ///< daylight saving in effect; once true, it stays
+        int dsDayOfMonth;           ///< 1 to 31; 0: none yet
+        int dsHour;                 ///< 0 to 24
+    };
+
+    CParseSystemTime();
+    /// Destroy comes first, else "!m" is asserted.
+    ~CParseSystemTime() override;
+
+    bool Create(unsigned char groupId);
+    void Destroy() override;
+    /// Remembers the caller's channel context.
+    bool Start(void* channel);
+    bool Stop();
+
+    int CurrUtcOffset() const;
+    int UtcLocalOffset() const;
+    bool DsStatus() const;
+    /// All values; null before Create, good until Destroy.
+    const SSystemTime* State() const;
+
+  protected:
+    bool t_Parse(IParse::SItem* item) override;
+
+  private:
+    struct SState;
+
+    bool m_ProcessParseSystemTime(void* root);
+
+    SState* m;
+};

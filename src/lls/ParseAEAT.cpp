@@ -1,0 +1,355 @@
+#include "lls/ParseAEAT.h"
+
+#include <cstring>
+#include <memory>
+
+#include "common/CoreOS/PtrArray.h"
+#include "common/Log.h"
+#include "lls/TableDocument.h"
+
+using vyr::CNodeText;
+
+namespace {
+
+typedef SParseAEAT::SAEAInfo SAEAInfo;
+
+void g_CbRemoveAEA(void* /*context*/, void* element)
+{
+    delete static_cast<SAEAInfo*>(element);
+}
+
+/// The number of the first word, counted from 1, that the attribute begins with; 0: none, or absent.
+template <class TEnum, std::size_t N>
+TEnum Word(void* node, const char* name, const char* const (&words)[N])
+{
+    const CNodeText text = CNodeText::Attribute(node, name);
+    for (std::size_t i = 0; text.Found() && i < N; ++i) {
+        if (std::strncmp(text.Text(), words[i], std::strlen(words[i])) == 0) {
+            return static_cast<TEnum>(i + 1);
+        }
+    }
+    return static_cast<TEnum>(0);
+}
+
+std::string Attribute(void* node, const char* name)
+{
+    std::string text;
+    CNodeText::Attribute(node, name).CopyTo(text);
+    return text;
+}
+
+std::string Content(void* node)
+{
+    std::string text;
+    CNodeText::Content(node).CopyTo(text);
+    return text;
+}
+
+}  // namespace
+
+struct CParseAEAT::SState : vyr::STable {
+    SAEAInfo* current = nullptr;  // set while the children of an alert are read
+    CCPtrArray alerts{g_CbRemoveAEA, nullptr};
+    SCallback callback{};
+};
+
+CParseAEAT::CParseAEAT() : m(nullptr) {}
+
+CParseAEAT::~CParseAEAT()
+{
+    VYR_ASSERT(!m, "!m && \"call Destroy() before deleting the parser\"");
+}
+
+bool CParseAEAT::Create(const CParseAEAT::SCallback* callback)
+{
+    if (!VYR_ASSERT(!m, "!m")) {
+        return false;
+    }
+    m = new SState;
+    if (!vyr::CreateHandlers(m->hashCallback, 7, VYR_HERE) || !VYR_CHECK(t_CreateCallback(), "t_CreateCallback()")) {
+        delete m;
+        m = nullptr;
+        return false;
+    }
+    m->callback = callback ? *callback : SCallback{};
+    return true;
+}
+
+bool CParseAEAT::t_CreateCallback()
+{
+    static constexpr vyr::SElementHandler<CParseAEAT> k_handlers[] = {
+        {"AEA", sm_CbAEA, "sm_CbAEA"},
+        {"Header", sm_CbHeader, "sm_CbHeader"},
+        {"EventCode", sm_CbEventCode, "sm_CbEventCode"},
+        {"EventDesc", sm_CbEventDesc, "sm_CbEventDesc"},
+        {"Location", sm_CbLocation, "sm_CbLocation"},
+        {"AEAText", sm_CbAEAText, "sm_CbAEAText"},
+        {"LiveMedia", sm_CbLiveMedia, "sm_CbLiveMedia"},
+        {"ServiceName", sm_CbServiceName, "sm_CbServiceName"},
+        {"Media", sm_CbMedia, "sm_CbMedia"},
+    };
+    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+}
+
+void CParseAEAT::Destroy()
+{
+    if (VYR_ASSERT(m, "m")) {
+        delete m;
+        m = nullptr;
+    }
+}
+
+bool CParseAEAT::t_Parse(IParse::SItem* item)
+{
+    if (!VYR_ASSERT(m, "m") ||
+        !vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseAEAT(root)", VYR_HERE,
+                                 [this](void* root) { return m_ProcessParseAEAT(root); })) {
+        return false;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseAEAT::t_Parse] AEA Table size[%d]", m->alerts.Size());
+    m_DumpAEAT();
+    return true;
+}
+
+bool CParseAEAT::m_ProcessParseAEAT(void* root)
+{
+    if (!m->xml.Compare(root, "AEAT")) {
+        return false;
+    }
+    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN,
+                          "[CParseAEAT::m_ProcessParseAEAT] Name[%s]", VYR_HERE);
+    return true;
+}
+
+void CParseAEAT::sm_CbAEA(CParseAEAT* parser, void* node)
+{
+    SState* m = parser->m;
+    auto alert = std::make_unique<SAEAInfo>();
+    alert->aeaId = Attribute(node, "aeaId");
+    alert->issuer = Attribute(node, "issuer");
+    alert->audience = Word<EAEAAudience>(node, "audience", {"public", "restricted", "private"});
+    alert->aeaType = Word<EAEAType>(node, "aeaType", {"alert", "update", "cancel"});
+    alert->retAEAId = Attribute(node, "retAEAId");
+    alert->priority = static_cast<EAEAPriority>(CNodeText::Attribute(node, "priority").Int(0));
+    alert->wakeup = CNodeText::Attribute(node, "wakeup").Bool();
+    m->current = alert.get();
+    vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_HANDLED_CHILDREN, "[CParseAEAT::sm_CbAEA] %s",
+                          VYR_HERE);
+    m->current = nullptr;
+    m->alerts.Add(alert.release());
+}
+
+// Elements are handled wherever they stand; without an alert around them they are read and dropped.
+
+void CParseAEAT::sm_CbHeader(CParseAEAT* parser, void* node)
+{
+    if (SAEAInfo* alert = parser->m->current) {
+        alert->effective = Attribute(node, "effective");
+        alert->expires = Attribute(node, "expires");
+    }
+    vyr::DispatchChildren(parser, parser->m->hashCallback, node, vyr::LOG_HANDLED_CHILDREN,
+                          "[CParseAEAT::sm_CbHeader] %s", VYR_HERE);
+}
+
+void CParseAEAT::sm_CbEventCode(CParseAEAT* parser, void* node)
+{
+    if (SAEAInfo* alert = parser->m->current) {
+        alert->eventCode = Content(node);
+        alert->eventCodeType = Attribute(node, "type");
+    }
+}
+
+void CParseAEAT::sm_CbEventDesc(CParseAEAT* parser, void* node)
+{
+    if (SAEAInfo* alert = parser->m->current) {
+        alert->eventDescs.push_back({Content(node), Attribute(node, "lang")});
+    }
+}
+
+void CParseAEAT::sm_CbLocation(CParseAEAT* parser, void* node)
+{
+    if (SAEAInfo* alert = parser->m->current) {
+        alert->locations.push_back(
+            {Content(node), Word<EAEALocationType>(node, "type", {"FIPS", "SGC", "polygon", "circle"})});
+    }
+}
+
+void CParseAEAT::sm_CbAEAText(CParseAEAT* parser, void* node)
+{
+    if (SAEAInfo* alert = parser->m->current) {
+        alert->texts.push_back({Content(node), Attribute(node, "lang")});
+    }
+}
+
+void CParseAEAT::sm_CbLiveMedia(CParseAEAT* parser, void* node)
+{
+    if (SAEAInfo* alert = parser->m->current) {
+        alert->liveMedia =
+            SParseAEAT::SLiveMedia{static_cast<unsigned short>(CNodeText::Attribute(node, "bsid").Int(0)),
+                                   static_cast<unsigned short>(CNodeText::Attribute(node, "serviceId").Int(0)),
+                                   {}};
+    }
+    vyr::DispatchChildren(parser, parser->m->hashCallback, node, vyr::LOG_HANDLED_CHILDREN,
+                          "[CParseAEAT::sm_CbLiveMedia] %s", VYR_HERE);
+}
+
+void CParseAEAT::sm_CbServiceName(CParseAEAT* parser, void* node)
+{
+    SAEAInfo* alert = parser->m->current;
+    if (alert && alert->liveMedia) {
+        // Required: the attribute, not the element's text.
+        alert->liveMedia->serviceNames.push_back({Attribute(node, "ServiceName"), Attribute(node, "lang")});
+    }
+}
+
+void CParseAEAT::sm_CbMedia(CParseAEAT* parser, void* node)
+{
+    SAEAInfo* alert = parser->m->current;
+    if (!alert) {
+        return;
+    }
+    SParseAEAT::SMedia media{};
+    media.lang = Attribute(node, "lang");
+    // Required: "mediaDesc" is overwritten by "mediaType", present or not, and nothing becomes the type.
+    media.mediaDesc = Attribute(node, "mediaType");
+    media.url = Attribute(node, "url");
+    media.alternateUrl = Attribute(node, "alternateUrl");
+    media.contentType = Attribute(node, "contentType");
+    media.contentLength = static_cast<unsigned int>(CNodeText::Attribute(node, "contentLength").LLong(0));
+    media.mediaAssoc = Attribute(node, "mediaAssoc");
+    alert->media.push_back(std::move(media));
+}
+
+int CParseAEAT::AEACount() const
+{
+    return VYR_ASSERT(m, "m") ? m->alerts.Size() : 0;
+}
+
+const SParseAEAT::SAEAInfo* CParseAEAT::GetAEA(int index) const
+{
+    void* alert = nullptr;
+    return VYR_ASSERT(m, "m") && m->alerts.GetAt(index, &alert) ? static_cast<SAEAInfo*>(alert) : nullptr;
+}
+
+bool CParseAEAT::GetAEAId(int index, std::string& aeaId, std::string& retAEAId) const
+{
+    const SAEAInfo* alert = GetAEA(index);
+    if (alert) {
+        aeaId = alert->aeaId;
+        retAEAId = alert->retAEAId;
+    }
+    return alert != nullptr;
+}
+
+bool CParseAEAT::GetAEAIssuer(int index, std::string& issuer) const
+{
+    const SAEAInfo* alert = GetAEA(index);
+    if (alert) {
+        issuer = alert->issuer;
+    }
+    return alert != nullptr;
+}
+
+bool CParseAEAT::GetAEAAudience(int index, EAEAAudience& audience) const
+{
+    const SAEAInfo* alert = GetAEA(index);
+    if (alert) {
+        audience = alert->audience;
+    }
+    return alert != nullptr;
+}
+
+bool CParseAEAT::GetAEAType(int index, EAEAType& type) const
+{
+    const SAEAInfo* alert = GetAEA(index);
+    if (alert) {
+        type = alert->aeaType;
+    }
+    return alert != nullptr;
+}
+
+bool CParseAEAT::GetAEAPriority(int index, EAEAPriority& priority) const
+{
+    const SAEAInfo* alert = GetAEA(index);
+    if (alert) {
+        priority = alert->priority;
+    }
+    return alert != nullptr;
+}
+
+bool CParseAEAT::AEAWakeup(int index) const
+{
+    const SAEAInfo* alert = GetAEA(index);
+    return alert && alert->wakeup;
+}
+
+bool CParseAEAT::GetAEATimeInfo(int index, std::string& effective, std::string& expires) const
+{
+    const SAEAInfo* alert = GetAEA(index);
+    if (alert) {
+        effective = alert->effective;
+        expires = alert->expires;
+    }
+    return alert != nullptr;
+}
+
+bool CParseAEAT::GetAEAEventCode(int index, std::string& eventCode, std::string& eventCodeType) const
+{
+    const SAEAInfo* alert = GetAEA(index);
+    if (alert) {
+        eventCode = alert->eventCode;
+        eventCodeType = alert->eventCodeType;
+    }
+    return alert != nullptr;
+}
+
+int CParseAEAT::AEAEventDescCount(int index) const
+{
+    const SAEAInfo* alert = GetAEA(index);
+    return alert ? static_cast<int>(alert->eventDescs.size()) : 0;
+}
+
+void CParseAEAT::m_DumpAEAT() const
+{
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    for (int i = 0; i < m->alerts.Size(); ++i) {
+        const SAEAInfo& alert = *GetAEA(i);
+        VYR_LOG(LOG_PRIORITY_DEBUG, "AEA Info ID[%s], ISSUER[%s]", alert.aeaId.c_str(), alert.issuer.c_str());
+        VYR_LOG(LOG_PRIORITY_DEBUG, "AEA Info AUDIENCE[%d], AEATYPE[%d]", alert.audience, alert.aeaType);
+        VYR_LOG(LOG_PRIORITY_DEBUG, "AEA Info RET ID[%s], PRIORITY[%d], WAKEUP[%d]", alert.retAEAId.c_str(),
+                alert.priority, alert.wakeup);
+        VYR_LOG(LOG_PRIORITY_DEBUG, "------------AEA HEADER----------------------");
+        VYR_LOG(LOG_PRIORITY_DEBUG, "EFFECTIVE[%s], EXPIRES[%s]", alert.effective.c_str(), alert.expires.c_str());
+        VYR_LOG(LOG_PRIORITY_DEBUG, "EVENTCODE[%s], EVENTCODETYPE[%s]", alert.eventCode.c_str(),
+                alert.eventCodeType.c_str());
+        for (const auto& desc : alert.eventDescs) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "EVENTDESC[%s], EVENTDESCLANG[%s]", desc.text.c_str(), desc.lang.c_str());
+        }
+        for (const auto& location : alert.locations) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "LOCATION[%s], LOCATIONTYPE[%d]", location.location.c_str(), location.type);
+        }
+        VYR_LOG(LOG_PRIORITY_DEBUG, "------------AEA TEXT size[%d]----------------------",
+                static_cast<int>(alert.texts.size()));
+        for (const auto& text : alert.texts) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "AEATEXT[%s], TEXTLANG[%s]", text.text.c_str(), text.lang.c_str());
+        }
+        VYR_LOG(LOG_PRIORITY_DEBUG, "------------Media Size[%d]----------------------",
+                static_cast<int>(alert.media.size()));
+        for (const auto& media : alert.media) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "mediaLang[%s], mediaType[%s], url[%s]", media.lang.c_str(),
+                    media.mediaType.c_str(), media.url.c_str());
+            VYR_LOG(LOG_PRIORITY_DEBUG, "alternateUrl[%s], contentType[%s], length[%u], ASSOC[%s]",
+                    media.alternateUrl.c_str(), media.contentType.c_str(), media.contentLength,
+                    media.mediaAssoc.c_str());
+        }
+        if (alert.liveMedia) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "------------LiveMedia----------------------");
+            VYR_LOG(LOG_PRIORITY_DEBUG, "BSID[%d], SERVICEID[%d]", alert.liveMedia->bsid, alert.liveMedia->serviceId);
+            for (const auto& name : alert.liveMedia->serviceNames) {
+                VYR_LOG(LOG_PRIORITY_DEBUG, "NAME[%s], LANG[%s]", name.text.c_str(), name.lang.c_str());
+            }
+        }
+    }
+}

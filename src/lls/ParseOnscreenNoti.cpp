@@ -1,0 +1,148 @@
+#include "lls/ParseOnscreenNoti.h"
+
+#include <climits>
+
+#include "common/CoreOS/PtrArray.h"
+#include "common/Log.h"
+#include "lls/TableDocument.h"
+
+using vyr::CNodeText;
+
+static void g_CbRemoveKSC(void* /*context*/, void* element)
+{
+    delete static_cast<CParseOnscreenNoti::SKeepScreenClear*>(element);
+}
+
+struct CParseOnscreenNoti::SState : vyr::STable {
+    CCPtrArray entries{g_CbRemoveKSC, nullptr};
+};
+
+CParseOnscreenNoti::CParseOnscreenNoti() : m(nullptr) {}
+
+CParseOnscreenNoti::~CParseOnscreenNoti()
+{
+    VYR_ASSERT(!m, "!m && \"call Destroy() before deleting the parser\"");
+}
+
+bool CParseOnscreenNoti::Create()
+{
+    if (!VYR_ASSERT(!m, "!m")) {
+        return false;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::Create]");
+    m = new SState;
+    if (!vyr::CreateHandlers(m->hashCallback, 7, VYR_HERE) || !VYR_CHECK(t_CreateCallback(), "t_CreateCallback()")) {
+        delete m;
+        m = nullptr;
+        return false;
+    }
+    return true;
+}
+
+bool CParseOnscreenNoti::t_CreateCallback()
+{
+    static constexpr vyr::SElementHandler<CParseOnscreenNoti> k_handlers[] = {
+        {"KeepScreenClear", sm_CbKSC, "sm_CbKSC"}};
+    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+}
+
+void CParseOnscreenNoti::Destroy()
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::Destroy]");
+    delete m;
+    m = nullptr;
+}
+
+unsigned int CParseOnscreenNoti::KSCCount() const
+{
+    return VYR_ASSERT(m, "m") ? static_cast<unsigned int>(m->entries.Size()) : 0;
+}
+
+const CParseOnscreenNoti::SKeepScreenClear* CParseOnscreenNoti::m_Entry(unsigned int index) const
+{
+    // Required: the array itself asserts a bad index.
+    return VYR_ASSERT(m, "m")
+               ? static_cast<SKeepScreenClear*>(m->entries.Data(index <= INT_MAX ? static_cast<int>(index) : -1))
+               : nullptr;
+}
+
+unsigned short CParseOnscreenNoti::Bsid(unsigned int index) const
+{
+    const SKeepScreenClear* entry = m_Entry(index);
+    return entry ? entry->bsid : 0;
+}
+
+unsigned short CParseOnscreenNoti::ServiceId(unsigned int index) const
+{
+    const SKeepScreenClear* entry = m_Entry(index);
+    return entry ? entry->serviceId : 0;
+}
+
+unsigned short CParseOnscreenNoti::ServiceIdRange(unsigned int index) const
+{
+    const SKeepScreenClear* entry = m_Entry(index);
+    return entry ? entry->serviceIdRange : 0;
+}
+
+const CParseOnscreenNoti::SKeepScreenClear* CParseOnscreenNoti::GetKSC(unsigned int index) const
+{
+    return index < KSCCount() ? m_Entry(index) : nullptr;
+}
+
+bool CParseOnscreenNoti::t_Parse(IParse::SItem* item)
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::t_Parse]");
+    if (!vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseOnscreenNoti(root)", VYR_HERE,
+                                 [this](void* root) { return m_ProcessParseOnscreenNoti(root); })) {
+        return false;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::t_Parse] array size[%d]", m->entries.Size());
+    m_DumpKSC();
+    return true;
+}
+
+bool CParseOnscreenNoti::m_ProcessParseOnscreenNoti(void* root)
+{
+    if (!m->xml.Compare(root, "OnscreenMessageNotification")) {
+        return false;
+    }
+    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN,
+                          "[CParseOnscreenNoti::m_ProcessParseOnscreenNoti] Name[%s]", VYR_HERE);
+    return true;
+}
+
+void CParseOnscreenNoti::sm_CbKSC(CParseOnscreenNoti* parser, void* node)
+{
+    const auto number = [node](const char* name) { return CNodeText::Attribute(node, name).Int(0); };
+    SKeepScreenClear* entry = new SKeepScreenClear{};
+    entry->bsid = static_cast<unsigned short>(number("bsid"));
+    entry->serviceId = static_cast<unsigned short>(number("serviceId"));
+    entry->serviceIdRange = static_cast<unsigned short>(number("serviceIdRange"));
+    CNodeText::Attribute(node, "notificationDuration").CopyTo(entry->notificationDuration);
+    entry->kscFlag = CNodeText::Attribute(node, "kscFlag").Bool();
+    entry->version = static_cast<unsigned char>(number("version"));
+    parser->m->entries.Add(entry);
+}
+
+void CParseOnscreenNoti::m_DumpKSC() const
+{
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    for (int i = 0; i < m->entries.Size(); ++i) {
+        const auto* entry = static_cast<const SKeepScreenClear*>(m->entries.Data(i));
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC]index: %d , bsid: %d, serviceId: %d", i,
+                entry->bsid, entry->serviceId);
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC]serviceIdRange: %d , duration: %s",
+                entry->serviceIdRange, entry->notificationDuration.c_str());
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC]kscFlag: %d , version: %d", entry->kscFlag,
+                entry->version);
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC] End Dump !!!");
+}

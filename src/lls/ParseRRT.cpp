@@ -1,0 +1,366 @@
+#include "lls/ParseRRT.h"
+
+#include <climits>
+#include <cstring>
+#include <memory>
+
+#include "common/CoreOS/PtrArray.h"
+#include "common/Log.h"
+#include "lls/TableDocument.h"
+
+using vyr::CNodeText;
+
+namespace {
+
+typedef SParseRRT::STextType STextType;
+
+constexpr unsigned int k_unchecked = 0xFFFFFFFF;
+
+template <class T>
+void Remove(void* /*context*/, void* element)
+{
+    delete static_cast<T*>(element);
+}
+
+struct SRating {
+    int ratingValue = 0;
+    STextType abbreviation;
+    STextType text;
+};
+
+struct SDimension {
+    int dimensionLevels = 0;
+    bool dimensionGraduated = false;
+    STextType title;
+    CCPtrArray ratings{Remove<SRating>, nullptr};
+};
+
+struct SRegion {
+    int regionIdentifier = 0;
+    STextType text;
+    CCPtrArray dimensions{Remove<SDimension>, nullptr};
+};
+
+template <class T>
+const T* At(const CCPtrArray& array, unsigned int index)
+{
+    return static_cast<const T*>(array.Data(index <= INT_MAX ? static_cast<int>(index) : -1));
+}
+
+unsigned int Count(const CCPtrArray& array)
+{
+    return static_cast<unsigned int>(array.Size());
+}
+
+/// Sets a text from an element. A later element of the name overwrites it.
+void ReadText(STextType& text, void* node)
+{
+    CNodeText::Content(node).CopyTo(text.text);
+    const CNodeText lang = CNodeText::Attribute(node, "lang");
+    text.lang = lang.Found() ? lang.Text() : "en";
+}
+
+}  // namespace
+
+struct CParseRRT::SState : vyr::STable {
+    CCPtrArray regions{Remove<SRegion>, nullptr};
+    SRegion* region = nullptr;
+    SDimension* dimension = nullptr;
+    SRating* rating = nullptr;
+    void* channel = nullptr;
+    SCallback callback{};
+
+    const SRegion* Region(unsigned int r) const { return At<SRegion>(regions, r); }
+
+    const SDimension* Dimension(unsigned int r, unsigned int d) const
+    {
+        const SRegion* owner = Region(r);
+        return owner ? At<SDimension>(owner->dimensions, d) : nullptr;
+    }
+
+    const SRating* Rating(unsigned int r, unsigned int d, unsigned int k) const
+    {
+        const SDimension* owner = Dimension(r, d);
+        return owner ? At<SRating>(owner->ratings, k) : nullptr;
+    }
+};
+
+CParseRRT::CParseRRT() : m(nullptr) {}
+
+CParseRRT::~CParseRRT()
+{
+    VYR_ASSERT(!m, "!m");
+}
+
+bool CParseRRT::Create()
+{
+    if (!VYR_ASSERT(!m, "!m")) {
+        return false;
+    }
+    m = new SState;
+    if (!vyr::CreateHandlers(m->hashCallback, 7, VYR_HERE) || !VYR_CHECK(t_CreateCallback(), "t_CreateCallback()")) {
+        delete m;
+        m = nullptr;
+        return false;
+    }
+    return true;
+}
+
+bool CParseRRT::t_CreateCallback()
+{
+    static constexpr vyr::SElementHandler<CParseRRT> k_handlers[] = {
+        {"RatingRegionTable", sm_CbRatingRegionTable, "sm_CbRatingRegionTable"},
+        {"RegionIdText", sm_CbRegionIdText, "sm_CbRegionIdText"},
+        {"Dimension", sm_CbDimension, "sm_CbDimension"},
+        {"DimensionTitle", sm_CbDimensionTitle, "sm_CbDimensionTitle"},
+        {"Rating", sm_CbRating, "sm_CbRating"},
+        {"RatingValueAbbrev", sm_CbRatingValueAbbrev, "sm_CbRatingValueAbbrev"},
+        {"RatingValueString", sm_CbRatingValueString, "sm_CbRatingValueString"},
+    };
+    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+}
+
+void CParseRRT::Destroy()
+{
+    if (VYR_ASSERT(m, "m")) {
+        delete m;
+        m = nullptr;
+    }
+}
+
+bool CParseRRT::SetCallback(const CParseRRT::SCallback* callback)
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    m->callback = callback ? *callback : SCallback{};
+    return true;
+}
+
+bool CParseRRT::Start(void* channel)
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    m->channel = channel;
+    return true;
+}
+
+bool CParseRRT::Stop()
+{
+    return VYR_ASSERT(m, "m");
+}
+
+bool CParseRRT::t_Parse(IParse::SItem* item)
+{
+    if (!VYR_ASSERT(m, "m") ||
+        !vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseRRT(root)", VYR_HERE,
+                                 [this](void* root) { return m_ProcessParseRRT(root); })) {
+        return false;
+    }
+    if (m->callback.fn) {
+        m->callback.fn(m->callback.userData, 1);
+    }
+    return true;
+}
+
+bool CParseRRT::m_ProcessParseRRT(void* root)
+{
+    if (!m->xml.Compare(root, "RatingRegionTables")) {
+        return false;
+    }
+    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    return true;
+}
+
+void CParseRRT::sm_CbRatingRegionTable(CParseRRT* parser, void* node)
+{
+    SState* m = parser->m;
+    auto region = std::make_unique<SRegion>();
+    region->regionIdentifier = CNodeText::Attribute(node, "regionIdentifier").Int(0);
+    m->region = region.get();
+    vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    m->region = nullptr;
+    m->regions.Add(region.release());
+}
+
+void CParseRRT::sm_CbRegionIdText(CParseRRT* parser, void* node)
+{
+    if (VYR_ASSERT(parser->m->region, "m->region")) {
+        ReadText(parser->m->region->text, node);
+    }
+}
+
+void CParseRRT::sm_CbDimension(CParseRRT* parser, void* node)
+{
+    SState* m = parser->m;
+    SRegion* region = m->region;
+    if (!VYR_ASSERT(region, "m->region")) {
+        return;
+    }
+    auto dimension = std::make_unique<SDimension>();
+    dimension->dimensionLevels = CNodeText::Attribute(node, "dimensionLevels").Int(0);
+    const CNodeText graduated = CNodeText::Attribute(node, "dimensionGraduated");
+    dimension->dimensionGraduated = graduated.Found() && std::strcmp(graduated.Text(), "true") == 0;
+    m->dimension = dimension.get();
+    vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    m->dimension = nullptr;
+    region->dimensions.Add(dimension.release());
+}
+
+void CParseRRT::sm_CbDimensionTitle(CParseRRT* parser, void* node)
+{
+    if (VYR_ASSERT(parser->m->dimension, "m->dimension")) {
+        ReadText(parser->m->dimension->title, node);
+    }
+}
+
+void CParseRRT::sm_CbRating(CParseRRT* parser, void* node)
+{
+    SState* m = parser->m;
+    SDimension* dimension = m->dimension;
+    if (!VYR_ASSERT(dimension, "m->dimension")) {
+        return;
+    }
+    auto rating = std::make_unique<SRating>();
+    rating->ratingValue = CNodeText::Attribute(node, "ratingValue").Int(0);
+    m->rating = rating.get();
+    vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    m->rating = nullptr;
+    dimension->ratings.Add(rating.release());
+}
+
+void CParseRRT::sm_CbRatingValueAbbrev(CParseRRT* parser, void* node)
+{
+    if (VYR_ASSERT(parser->m->rating, "m->rating")) {
+        ReadText(parser->m->rating->abbreviation, node);
+    }
+}
+
+void CParseRRT::sm_CbRatingValueString(CParseRRT* parser, void* node)
+{
+    if (VYR_ASSERT(parser->m->rating, "m->rating")) {
+        ReadText(parser->m->rating->text, node);
+    }
+}
+
+/// Whether the indices name something; 0xFFFFFFFF leaves a level unchecked. Required: the messages name
+/// the same two getters whoever asks.
+bool CParseRRT::m_isValidIndex(unsigned int r, unsigned int d, unsigned int k) const
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    if (r >= Count(m->regions)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseRRT::GetRegionIdentifier] index error rrt index[%d] total[%d] !!!",
+                static_cast<int>(r), m->regions.Size());
+        return false;
+    }
+    if (d == k_unchecked) {
+        return true;
+    }
+    const CCPtrArray& dimensions = m->Region(r)->dimensions;
+    if (d >= Count(dimensions)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseRRT::GetDimensionLevels] index error dimension index[%d] total[%d] !!!",
+                static_cast<int>(d), dimensions.Size());
+        return false;
+    }
+    if (k == k_unchecked) {
+        return true;
+    }
+    const CCPtrArray& ratings = m->Dimension(r, d)->ratings;
+    if (k >= Count(ratings)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseRRT::GetDimensionLevels] index error rating index[%d] total[%d] !!!",
+                static_cast<int>(k), ratings.Size());
+        return false;
+    }
+    return true;
+}
+
+unsigned int CParseRRT::numOfRatingRegionTable() const
+{
+    return VYR_ASSERT(m, "m") ? Count(m->regions) : 0;
+}
+
+bool CParseRRT::GetRegionIdentifier(unsigned int r, unsigned int& identifier) const
+{
+    const SRegion* region = m_isValidIndex(r, k_unchecked, k_unchecked) ? m->Region(r) : nullptr;
+    if (region) {
+        identifier = static_cast<unsigned int>(region->regionIdentifier);
+    }
+    return region != nullptr;
+}
+
+bool CParseRRT::GetRegionIdText(unsigned int r, std::string& text) const
+{
+    const SRegion* region = m_isValidIndex(r, k_unchecked, k_unchecked) ? m->Region(r) : nullptr;
+    if (region) {
+        text = region->text.text;
+    }
+    return region != nullptr;
+}
+
+unsigned int CParseRRT::numOfDimension(unsigned int r) const
+{
+    return m_isValidIndex(r, k_unchecked, k_unchecked) ? Count(m->Region(r)->dimensions) : 0;
+}
+
+bool CParseRRT::GetDimensionLevels(unsigned int r, unsigned int d, unsigned int& levels) const
+{
+    const SDimension* dimension = m_isValidIndex(r, d, k_unchecked) ? m->Dimension(r, d) : nullptr;
+    if (dimension) {
+        levels = static_cast<unsigned int>(dimension->dimensionLevels);
+    }
+    return dimension != nullptr;
+}
+
+bool CParseRRT::GetDimensionGraduated(unsigned int r, unsigned int d, bool& graduated) const
+{
+    const SDimension* dimension = m_isValidIndex(r, d, k_unchecked) ? m->Dimension(r, d) : nullptr;
+    if (dimension) {
+        graduated = dimension->dimensionGraduated;
+    }
+    return dimension != nullptr;
+}
+
+bool CParseRRT::GetDimensionTitle(unsigned int r, unsigned int d, std::string& title) const
+{
+    const SDimension* dimension = m_isValidIndex(r, d, k_unchecked) ? m->Dimension(r, d) : nullptr;
+    if (dimension) {
+        title = dimension->title.text;
+    }
+    return dimension != nullptr;
+}
+
+unsigned int CParseRRT::numOfRating(unsigned int r, unsigned int d) const
+{
+    const SDimension* dimension = m_isValidIndex(r, d, k_unchecked) ? m->Dimension(r, d) : nullptr;
+    return dimension ? Count(dimension->ratings) : 0;
+}
+
+bool CParseRRT::GetRatingValue(unsigned int r, unsigned int d, unsigned int k, unsigned int& value) const
+{
+    const SRating* rating = m_isValidIndex(r, d, k) ? m->Rating(r, d, k) : nullptr;
+    if (rating) {
+        value = static_cast<unsigned int>(rating->ratingValue);
+    }
+    return rating != nullptr;
+}
+
+bool CParseRRT::GetRatingValueAbbrev(unsigned int r, unsigned int d, unsigned int k, std::string& abbreviation) const
+{
+    const SRating* rating = m_isValidIndex(r, d, k) ? m->Rating(r, d, k) : nullptr;
+    if (rating) {
+        abbreviation = rating->abbreviation.text;
+    }
+    return rating != nullptr;
+}
+
+bool CParseRRT::GetRatingValueString(unsigned int r, unsigned int d, unsigned int k, std::string& text) const
+{
+    const SRating* rating = m_isValidIndex(r, d, k) ? m->Rating(r, d, k) : nullptr;
+    if (rating) {
+        text = rating->text.text;
+    }
+    return rating != nullptr;
+}

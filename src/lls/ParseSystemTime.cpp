@@ -1,0 +1,114 @@
+#include "lls/ParseSystemTime.h"
+
+#include "common/ATSC3TimeUtility.h"
+#include "common/Log.h"
+#include "common/XmlNode.h"
+#include "lls/TableDocument.h"
+
+using vyr::CNodeText;
+
+struct CParseSystemTime::SState : vyr::STable {
+    SSystemTime time{};
+    void* channel = nullptr;
+};
+
+CParseSystemTime::CParseSystemTime() : m(nullptr) {}
+
+CParseSystemTime::~CParseSystemTime()
+{
+    VYR_ASSERT(!m, "!m");
+}
+
+bool CParseSystemTime::Create(unsigned char groupId)
+{
+    if (!VYR_ASSERT(!m, "!m")) {
+        return false;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::Create]");
+    m = new SState;
+    m->time.groupId = groupId;
+    return true;
+}
+
+void CParseSystemTime::Destroy()
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return;
+    }
+    delete m;
+    m = nullptr;
+}
+
+bool CParseSystemTime::Start(void* channel)
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    m->channel = channel;
+    return true;
+}
+
+bool CParseSystemTime::Stop()
+{
+    return VYR_ASSERT(m, "m");
+}
+
+int CParseSystemTime::CurrUtcOffset() const
+{
+    return VYR_ASSERT(m, "m") ? m->time.currentUtcOffset : 0;
+}
+
+int CParseSystemTime::UtcLocalOffset() const
+{
+    return VYR_ASSERT(m, "m") ? m->time.utcLocalOffset : 0;
+}
+
+bool CParseSystemTime::DsStatus() const
+{
+    return VYR_ASSERT(m, "m") && m->time.dsStatus;
+}
+
+const CParseSystemTime::SSystemTime* CParseSystemTime::State() const
+{
+    return m ? &m->time : nullptr;
+}
+
+bool CParseSystemTime::t_Parse(IParse::SItem* item)
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::t_Parse]");
+    return vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseSystemTime(root)", VYR_HERE,
+                                   [this](void* root) { return m_ProcessParseSystemTime(root); });
+}
+
+bool CParseSystemTime::m_ProcessParseSystemTime(void* root)
+{
+    if (!m->xml.Compare(root, "SystemTime")) {
+        return false;
+    }
+    SSystemTime& time = m->time;
+    time.currentUtcOffset = CNodeText::Attribute(root, "currentUtcOffset").Int(0);
+    time.ptpPrepend = static_cast<unsigned short>(CNodeText::Attribute(root, "ptpPrepend").Int(0));
+    // Required: these only ever become true.
+    time.leap59 = CNodeText::Attribute(root, "leap59").Bool() || time.leap59;
+    time.leap61 = CNodeText::Attribute(root, "leap61").Bool() || time.leap61;
+    time.dsStatus = CNodeText::Attribute(root, "dsStatus").Bool() || time.dsStatus;
+    const CNodeText utcLocalOffset = CNodeText::Attribute(root, "utcLocalOffset");
+    if (utcLocalOffset.Found()) {
+        time.utcLocalOffset = TimeUtility::DurationToSec(utcLocalOffset.Text());
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::Parse] utcLocalOffset.String():%s", utcLocalOffset.Text());
+    }
+    const int day = CNodeText::Attribute(root, "dsDayOfMonth").Int(0);
+    if (day >= 1 && day <= 31) {
+        time.dsDayOfMonth = day;
+    }
+    const int hour = CNodeText::Attribute(root, "dsHour").Int(0);
+    if (hour >= 0 && hour <= 24) {
+        time.dsHour = hour;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::Parse] CurrentUtcOffset:%d utcLocalOffset:%d",
+            time.currentUtcOffset, time.utcLocalOffset);
+    return true;
+}

@@ -1,0 +1,176 @@
+#include "lls/ParseRRT.h"
+
+#include "lls/RRTMap.h"
+#include "support/Tables.h"
+
+namespace {
+
+class ParseRRTTest : public CRecorder {
+  protected:
+    void SetUp() override
+    {
+        CRecorder::SetUp();
+        ASSERT_TRUE(m_rrt.Create());
+        const CParseRRT::SCallback callback = {&m_results,
+                                               [](void* user, int result) { *static_cast<int*>(user) += result; }};
+        ASSERT_TRUE(m_rrt.SetCallback(&callback) && m_rrt.Start(this) && m_rrt.Stop());
+    }
+
+    void TearDown() override
+    {
+        m_rrt.Destroy();
+        CRecorder::TearDown();
+    }
+
+    CParseRRT m_rrt;
+    int m_results = 0;
+};
+
+const char k_table[] =
+    "<RatingRegionTables><RatingRegionTable regionIdentifier='1'><RegionIdText lang='ko'>first</RegionIdText>"
+    "<Other/><RegionIdText>US</RegionIdText>"
+    "<Dimension dimensionLevels='2' dimensionGraduated='true'><DimensionTitle>TV</DimensionTitle>"
+    "<Rating "
+    "ratingValue='1'><RatingValueAbbrev>G</RatingValueAbbrev><RatingValueString>TV-G</RatingValueString></Rating>"
+    "<Rating ratingValue='-2'><RatingValueString>TV-MA</RatingValueString></Rating></Dimension>"
+    "<Dimension dimensionGraduated='true '/></RatingRegionTable>"
+    "<RatingRegionTable/></RatingRegionTables>";
+
+TEST_F(ParseRRTTest, RegionsDimensionsAndRatings)
+{
+    ASSERT_TRUE(FeedXml(m_rrt, k_table));
+    EXPECT_EQ(m_results, 1);
+    ASSERT_EQ(m_rrt.numOfRatingRegionTable(), 2u);
+    unsigned int number = 9;
+    bool graduated = false;
+    std::string text;
+    EXPECT_TRUE(m_rrt.GetRegionIdentifier(0, number) && number == 1);
+    EXPECT_TRUE(m_rrt.GetRegionIdentifier(1, number) && number == 0);
+    EXPECT_TRUE(m_rrt.GetRegionIdText(0, text) && text == "US");
+    EXPECT_EQ(m_rrt.numOfDimension(0), 2u);
+    EXPECT_EQ(m_rrt.numOfDimension(1), 0u);
+    EXPECT_TRUE(m_rrt.GetDimensionLevels(0, 0, number) && number == 2);
+    EXPECT_TRUE(m_rrt.GetDimensionGraduated(0, 0, graduated) && graduated);
+    EXPECT_TRUE(m_rrt.GetDimensionGraduated(0, 1, graduated) && !graduated);
+    EXPECT_TRUE(m_rrt.GetDimensionTitle(0, 0, text) && text == "TV");
+    EXPECT_EQ(m_rrt.numOfRating(0, 0), 2u);
+    EXPECT_EQ(m_rrt.numOfRating(0, 1), 0u);
+    EXPECT_TRUE(m_rrt.GetRatingValue(0, 0, 1, number) && number == 0xFFFFFFFE);
+    EXPECT_TRUE(m_rrt.GetRatingValueAbbrev(0, 0, 0, text) && text == "G");
+    EXPECT_TRUE(m_rrt.GetRatingValueString(0, 0, 1, text) && text == "TV-MA");
+
+    // The next table adds its regions.
+    ASSERT_TRUE(FeedXml(m_rrt, "<RatingRegionTables><RatingRegionTable regionIdentifier='5'/></RatingRegionTables>"));
+    EXPECT_EQ(m_rrt.numOfRatingRegionTable(), 3u);
+    EXPECT_TRUE(m_rrt.GetRegionIdentifier(2, number) && number == 5);
+    EXPECT_TRUE(m_rrt.SetCallback(nullptr));
+    EXPECT_EQ(ChangingPrefixes(m_rrt, k_table, [this] { return m_rrt.numOfRatingRegionTable(); }), 0);
+    EXPECT_EQ(m_results, 2);
+}
+
+TEST_F(ParseRRTTest, BadIndicesSayWhichLevelFailed)
+{
+    ASSERT_TRUE(FeedXml(m_rrt, k_table));
+    unsigned int number = 77;
+    std::string text = "kept";
+    bool flag = true;
+    EXPECT_FALSE(m_rrt.GetRegionIdentifier(2, number) || m_rrt.GetRegionIdText(2, text) || m_rrt.numOfDimension(2));
+    EXPECT_EQ(Logged("[CParseRRT::GetRegionIdentifier] index error rrt index[2] total[2] !!!"), 3);
+    EXPECT_FALSE(m_rrt.GetDimensionLevels(0, 5, number) || m_rrt.GetDimensionGraduated(0, 5, flag) ||
+                 m_rrt.numOfRating(0, 5));
+    EXPECT_EQ(Logged("[CParseRRT::GetDimensionLevels] index error dimension index[5] total[2] !!!"), 3);
+    EXPECT_FALSE(m_rrt.GetRatingValue(0, 0, 2, number) || m_rrt.GetRatingValueString(0, 0, 2, text));
+    EXPECT_EQ(Logged("[CParseRRT::GetDimensionLevels] index error rating index[2] total[2] !!!"), 2);
+    // All-ones is an unchecked level, and still names nothing.
+    EXPECT_FALSE(m_rrt.GetDimensionLevels(0, 0xFFFFFFFF, number) || m_rrt.GetRatingValue(0, 0, 0xFFFFFFFF, number));
+    EXPECT_EQ(TakeAssertions(), "0 <= index && index < m_size; 0 <= index && index < m_size");
+    EXPECT_TRUE(number == 77 && text == "kept" && flag);
+}
+
+TEST_F(ParseRRTTest, MisplacedElementsAndBadRoot)
+{
+    ASSERT_TRUE(FeedXml(m_rrt,
+                        "<RatingRegionTables><RegionIdText>a</RegionIdText><Dimension/><Rating/><DimensionTitle/>"
+                        "<RatingValueAbbrev/><RatingValueString/></RatingRegionTables>"));
+    EXPECT_EQ(TakeAssertions(), "m->region; m->region; m->dimension; m->dimension; m->rating; m->rating");
+    FeedXml(m_rrt, "<RatingRegionTable/>");
+    EXPECT_EQ(Logged(", m_ProcessParseRRT(root)"), 1);
+    EXPECT_EQ(m_rrt.numOfRatingRegionTable(), 0u);
+    EXPECT_EQ(m_results, 1);
+}
+
+class RRTMapTest : public CRecorder {
+  protected:
+    static char* Text(const char* text) { return const_cast<char*>(text); }
+
+    /// The abbreviation found, or "-".
+    static std::string Rating(CRRTMap& map, unsigned int key, unsigned int dimension, const char* first,
+                              const char* second)
+    {
+        std::string found = "-";
+        const bool hit = map.GetProgramRating(
+            key, dimension, Text(first), Text(second),
+            [](void* user, char* text) { *static_cast<std::string*>(user) = text; }, &found);
+        EXPECT_EQ(hit, found != "-");
+        return found;
+    }
+};
+
+TEST_F(RRTMapTest, RatingsAreFoundByDimensionAndBothTexts)
+{
+    CRRTMap map;
+    CRRTMap second;
+    ASSERT_TRUE(map.Create() && second.Create());
+    EXPECT_TRUE(map.Add(1, 10) && map.Add(1, 99) && map.SetRegionIdText(1, Text("en"), Text("US")));
+    for (unsigned int dimension = 0; dimension < 2; ++dimension) {
+        EXPECT_TRUE(second.SetDimension(1, dimension, true) && map.SetDimTitle(1, Text("en"), Text("title")));
+        for (unsigned int value = 0; value < 2; ++value) {
+            const std::string name = std::to_string(dimension) + std::to_string(value);
+            EXPECT_TRUE(map.SetRatingVal(1, value));
+            EXPECT_TRUE(map.SetRatingValAbbrev(1, Text("en"), Text(("A" + name).c_str())));
+            EXPECT_TRUE(map.SetRatingValAbbrev(1, Text("ko"), Text(("K" + name).c_str())));
+            EXPECT_TRUE(map.SetRatingValStr(1, Text("en"), Text(("R" + name).c_str())));
+            EXPECT_TRUE(map.SetRatingValStr(1, Text("ko"), Text(("S" + name).c_str())));
+            EXPECT_TRUE(map.SetRatingValStr(1, Text("fr"), Text(("T" + name).c_str())));
+        }
+    }
+    EXPECT_EQ(Rating(second, 1, 1, "en", "R11"), "A11");
+    EXPECT_EQ(Rating(second, 1, 0, "ko", "S00"), "K00");
+    EXPECT_EQ(Rating(second, 1, 0, "en", "R11"), "-");
+    EXPECT_EQ(Rating(second, 1, 1, "ko", "R11"), "-");
+    EXPECT_EQ(Rating(second, 1, 2, "en", "R11"), "-");
+    EXPECT_EQ(Rating(second, 1, 1, "fr", "T11"), "-");  // no third abbreviation
+    EXPECT_EQ(TakeAssertions(), "abbreviation");
+    EXPECT_EQ(Rating(second, 257, 1, "en", "R11"), "-");
+    EXPECT_EQ(TakeAssertions(), "region");
+    map.Destroy();
+    EXPECT_EQ(Rating(second, 1, 1, "en", "R11"), "A11");
+    EXPECT_TRUE(second.Remove(1));
+    second.Destroy();
+    ASSERT_TRUE(map.Create());
+    EXPECT_FALSE(map.Remove(1));
+    EXPECT_EQ(TakeAssertions(), "region");
+    map.Destroy();
+}
+
+TEST_F(RRTMapTest, PreconditionsAreAsserted)
+{
+    CRRTMap map;
+    EXPECT_FALSE(map.Add(1, 1) || map.Remove(1) || map.SetDimension(1, 1, true));
+    map.Destroy();
+    EXPECT_EQ(TakeAssertions(), "m; m; m; m");
+    ASSERT_TRUE(map.Create());
+    EXPECT_FALSE(map.Create() || map.SetRegionIdText(3, Text("a"), Text("b")) || map.SetDimension(3, 1, true));
+    EXPECT_EQ(TakeAssertions(), "!m; region; region");
+    map.Add(3, 1);
+    EXPECT_FALSE(map.SetDimTitle(3, Text("a"), Text("b")) || map.SetRatingVal(3, 1) ||
+                 map.SetRegionIdText(3, nullptr, Text("b")));
+    EXPECT_EQ(Logged("[CRRTMapST::SetRegionIdText] Fail to add RegionIdText"), 1);
+    map.SetDimension(3, 1, true);
+    EXPECT_FALSE(map.SetRatingValAbbrev(3, Text("a"), Text("b")) || map.SetRatingValStr(3, Text("a"), Text("b")));
+    EXPECT_FALSE(map.GetProgramRating(3, 1, Text("a"), nullptr, nullptr, nullptr));
+    EXPECT_EQ(TakeAssertions(), "dimension; dimension; first && second; rating; rating; first && second");
+    map.Destroy();
+}
+
+}  // namespace

@@ -1,0 +1,92 @@
+#include "lls/ParseSystemTime.h"
+
+#include "support/Tables.h"
+
+namespace {
+
+class ParseSystemTimeTest : public CRecorder {
+  protected:
+    void SetUp() override
+    {
+        CRecorder::SetUp();
+        ASSERT_TRUE(m_time.Create(7) && m_time.Start(this) && m_time.Stop());
+    }
+
+    void TearDown() override
+    {
+        m_time.Destroy();
+        CRecorder::TearDown();
+    }
+
+    /// All values after a table of these attributes.
+    std::string After(const std::string& attributes)
+    {
+        EXPECT_TRUE(FeedXml(m_time, "<SystemTime " + attributes + "/>"));
+        return State();
+    }
+
+    std::string State() const
+    {
+        const CParseSystemTime::SSystemTime& t = *m_time.State();
+        EXPECT_TRUE(t.currentUtcOffset == m_time.CurrUtcOffset() && t.utcLocalOffset == m_time.UtcLocalOffset() &&
+                    t.dsStatus == m_time.DsStatus());
+        char text[128];
+        std::snprintf(text, sizeof text, "%d ptp %d leap %d%d local %d ds %d day %d hour %d", t.currentUtcOffset,
+                      t.ptpPrepend, t.leap59, t.leap61, t.utcLocalOffset, t.dsStatus, t.dsDayOfMonth, t.dsHour);
+        return text;
+    }
+
+    CParseSystemTime m_time;
+};
+
+TEST_F(ParseSystemTimeTest, WhatEachTableLeaves)
+{
+    EXPECT_EQ(State(), "0 ptp 0 leap 00 local 0 ds 0 day 0 hour 0");
+    EXPECT_EQ(m_time.State()->groupId, 7);
+    static const struct {
+        const char *attributes, *state;
+    } k_tables[] = {
+        {"currentUtcOffset='37' ptpPrepend='65537' leap59='true' utcLocalOffset='-PT5H' dsDayOfMonth='31' dsHour='24'",
+         "37 ptp 1 leap 10 local -18000 ds 0 day 31 hour 24"},
+        {"leap59='false' dsDayOfMonth='32' dsHour='25'", "0 ptp 0 leap 10 local -18000 ds 0 day 31 hour 24"},
+        {"leap61='trueish' dsStatus='true' dsDayOfMonth='0' dsHour='-1' utcLocalOffset='PT30M'",
+         "0 ptp 0 leap 11 local 1800 ds 1 day 31 hour 24"},
+        {"leap61='TRUE' dsStatus='1' dsDayOfMonth='1'", "0 ptp 0 leap 11 local 1800 ds 1 day 1 hour 0"},
+    };
+    for (const auto& table : k_tables) {
+        EXPECT_EQ(After(table.attributes), table.state) << table.attributes;
+    }
+    EXPECT_EQ(Logged("[CParseSystemTime::Parse] utcLocalOffset.String():-PT5H"), 1);
+    EXPECT_EQ(Logged("[CParseSystemTime::Parse] CurrentUtcOffset:37 utcLocalOffset:-18000"), 1);
+}
+
+TEST_F(ParseSystemTimeTest, FailuresChangeNothing)
+{
+    const std::string state = After("currentUtcOffset='37' dsHour='5'");
+    FeedXml(m_time, "<SLT currentUtcOffset='1'/>");
+    FeedXml(m_time, "<SystemTime currentUtcOffset='1'>");
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(Logged(", m_ProcessParseSystemTime(root)"), 1);
+    EXPECT_EQ(Logged(", m->xml.Create((const char*)buffer, size, t_DecompressLLS())"), 1);
+    EXPECT_EQ(
+        ChangingPrefixes(m_time, "<SystemTime dsStatus='true' currentUtcOffset='3'/>", [this] { return State(); }), 0);
+
+    CParseSystemTime other;
+    EXPECT_EQ(other.State(), nullptr);
+    EXPECT_FALSE(other.DsStatus() || other.CurrUtcOffset() || other.Stop() || !FeedXml(other, "<SystemTime/>"));
+    EXPECT_FALSE(m_time.Create(1));
+    EXPECT_EQ(s_assertions.back().file, "src/lls/ParseSystemTime");
+    EXPECT_EQ(TakeAssertions(), "m; m; m; m; !m");
+}
+
+TEST_F(ParseSystemTimeTest, RealTables)
+{
+    EXPECT_TRUE(Feed(m_time, ReadData("lls/gpac-a1-single-service-systemtime.bin")));
+    EXPECT_FALSE(Feed(m_time, ReadData("lls/gpac-a1-single-service-systemtime.bin")));
+    EXPECT_EQ(State(), "37 ptp 0 leap 00 local 68400 ds 0 day 0 hour 0");
+    m_time.SkipCheckVersion(3, 0, true);  // the next one repeats its header
+    EXPECT_TRUE(Feed(m_time, ReadData("lls/gpac-a2-multi-service-systemtime.bin")));
+    EXPECT_EQ(m_time.UtcLocalOffset(), 19800);
+}
+
+}  // namespace
