@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "common/Parse.h"
+
 // A benchmark is named SUBJECT/KIND[/VARIANT]/SIZE. Where KIND is "floor" it is what the others of the
 // same subject, variant and size are told as a ratio of.
 
@@ -10,3 +12,11 @@ std::string MakeSlt(int services, bool gzip, unsigned char version = 1);
 
 /// The text as a gzip stream.
 std::string Gzip(const std::string& text);
+
+IParse::SItem Item(const std::string& table);
+
+/// What libxml2 and zlib need for the bytes of an LLS table, reading nothing.
+void Floor(const std::string& table);
+
+/// Registers the run over one table.
+void Register(const std::string& name, void (*run)(const std::string&), const std::string& table);

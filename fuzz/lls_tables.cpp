@@ -1,0 +1,155 @@
+// Every LLS table but the SLT: the first byte picks the parser, and what follows are up to eight tables
+// in a row on it, each looked at through every getter.
+#include <algorithm>
+#include <list>
+#include <string>
+
+#include "Fuzz.h"
+#include "lls/LLSSMTParser.h"
+#include "lls/ParseAEAT.h"
+#include "lls/ParseCDT.h"
+#include "lls/ParseOnscreenNoti.h"
+#include "lls/ParseRRT.h"
+#include "lls/ParseSystemTime.h"
+#include "platform/Platform.h"
+
+namespace {
+
+void Read(const CParseSystemTime& time)
+{
+    const CParseSystemTime::SSystemTime& t = *time.State();
+    Require(t.dsDayOfMonth >= 0 && t.dsDayOfMonth <= 31 && t.dsHour >= 0 && t.dsHour <= 24);
+    Require(time.CurrUtcOffset() == t.currentUtcOffset && time.UtcLocalOffset() == t.utcLocalOffset);
+}
+
+void Read(const CParseRRT& rrt)
+{
+    unsigned int number = 0;
+    bool flag = false;
+    std::string text;
+    for (unsigned int r = 0; r < rrt.numOfRatingRegionTable(); ++r) {
+        Require(rrt.GetRegionIdentifier(r, number) && rrt.GetRegionIdText(r, text));
+        for (unsigned int d = 0; d < rrt.numOfDimension(r); ++d) {
+            Require(rrt.GetDimensionLevels(r, d, number) && rrt.GetDimensionGraduated(r, d, flag) &&
+                    rrt.GetDimensionTitle(r, d, text));
+            for (unsigned int k = 0; k < rrt.numOfRating(r, d); ++k) {
+                Require(rrt.GetRatingValue(r, d, k, number) && rrt.GetRatingValueAbbrev(r, d, k, text) &&
+                        rrt.GetRatingValueString(r, d, k, text));
+            }
+            Require(!rrt.GetRatingValue(r, d, rrt.numOfRating(r, d), number));
+        }
+    }
+}
+
+void Read(const CParseAEAT& aeat)
+{
+    std::string a, b;
+    EAEAAudience audience{};
+    EAEAType type{};
+    for (int i = 0; i < aeat.AEACount(); ++i) {
+        Require(aeat.GetAEAId(i, a, b) && aeat.GetAEAIssuer(i, a) && aeat.GetAEAAudience(i, audience) &&
+                aeat.GetAEAType(i, type) && aeat.GetAEATimeInfo(i, a, b) && aeat.GetAEAEventCode(i, a, b));
+        Require(audience >= 0 && audience <= 3 && type >= 0 && type <= 3);
+        for (const SParseAEAT::SMedia& media : aeat.GetAEA(i)->media) {
+            Require(media.mediaType.empty());
+        }
+    }
+    Require(!aeat.GetAEA(aeat.AEACount()));
+}
+
+void Read(const CParseOnscreenNoti& noti)
+{
+    for (unsigned int i = 0; i < noti.KSCCount(); ++i) {
+        Require(noti.GetKSC(i)->bsid == noti.Bsid(i) && noti.GetKSC(i)->serviceId == noti.ServiceId(i));
+    }
+}
+
+void Read(const CParseCDT& cdt)
+{
+    std::string text;
+    std::list<std::string> list;
+    long from = 0;
+    long until = 0;
+    int refresh = 0;
+    Require(cdt.GetCurrentCert(text) && cdt.GetCertReplacement(text, from, until) && cdt.GetOCSPRefresh(refresh) &&
+            cdt.GetCMSSignedData(text) && cdt.GetCertificates(list) && cdt.GetOCSPResponse(list));
+    Require(cdt.GetToBeSignedData(text) && (text.empty() || (text.front() == '<' && text.back() == '>')));
+}
+
+void Read(const CLLSSMTParser& smt)
+{
+    unsigned int length = 0;
+    unsigned int id = 0;
+    for (int i = 0; i < smt.PayloadCount() && smt.GetPayloadLength(i, length); ++i) {
+        std::vector<unsigned char> payload(length);
+        Require(smt.GetPayload(i, id, payload.data()));
+    }
+    Require(smt.GetSignatureLength(length));
+    std::vector<unsigned char> bytes(length);
+    smt.GetSignatureData(bytes.data());
+    Require(smt.GetSignedBlockLength(length));
+    bytes.resize(length);
+    smt.GetSignedBlock(bytes.data());
+}
+
+template <class TTable>
+void Run(TTable& parser, const std::vector<unsigned char>& all)
+{
+    static const unsigned char k_mark[] = {0xFF, 'N', 'E', 'X', 'T'};
+    auto begin = all.begin();
+    for (int i = 0; i < 8 && begin != all.end(); ++i) {
+        const auto end = std::search(begin, all.end(), std::begin(k_mark), std::end(k_mark));
+        const std::vector<unsigned char> table(begin, end);
+        const unsigned int size = static_cast<unsigned int>(table.size());
+        IParse::SItem item = {table.data(), size, size * 8, 0, true};
+        if (size > 0) {
+            parser.Parse(&item);
+            Read(parser);
+        }
+        begin = end == all.end() ? end : end + sizeof k_mark;
+    }
+    parser.Destroy();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    SetLogPriority(LOG_PRIORITY_SILENT);
+    CScript script(data, size);
+    const std::uint8_t kind = script.Byte() % 6;
+    const std::vector<unsigned char> tables = script.Rest();
+    CParseSystemTime time;
+    CParseRRT rrt;
+    CParseAEAT aeat;
+    CParseOnscreenNoti noti;
+    CParseCDT cdt;
+    CLLSSMTParser smt;
+    switch (kind) {
+        case 0:
+            time.Create(1);
+            Run(time, tables);
+            break;
+        case 1:
+            rrt.Create();
+            Run(rrt, tables);
+            break;
+        case 2:
+            aeat.Create(nullptr);
+            Run(aeat, tables);
+            break;
+        case 3:
+            noti.Create();
+            Run(noti, tables);
+            break;
+        case 4:
+            cdt.Create();
+            Run(cdt, tables);
+            break;
+        default:
+            smt.Create();
+            Run(smt, tables);
+            break;
+    }
+    return 0;
+}
