@@ -22,7 +22,8 @@ int main(int argc, char**)
         return 0;
     }
     const char table[] =
-        "\1\1\1\1<SLT bsid='801'><Service serviceId='7' protected='false' hidden='false' broadbandAccessRequired='false'/>"
+        "\1\1\1\1<SLT bsid='801'><Service serviceId='7' protected='false' hidden='false' "
+        "broadbandAccessRequired='false'/>"
         "</SLT>";
     const unsigned int size = static_cast<unsigned int>(std::strlen(table));
     IParse::SItem item = {reinterpret_cast<const unsigned char*>(table), size, size * 8, 0, true};

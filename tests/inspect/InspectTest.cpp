@@ -271,13 +271,15 @@ TEST(Inspect, InputsThatAreNone)
 
 TEST(Inspect, UsageErrors)
 {
-    for (const char* arguments : {"", "--nonsense x", "--lls 1.2.3.4 x", "--lls 1.2.3:5 x", "--lls 1.2.3.4:0 x",
-                                  "--lls 1.2.3.4:65536 x", "--set a x", "--set =1 x", "--set a=1x x", "--log loud x"}) {
-        const SResult result = Inspect(arguments);
+    EXPECT_EQ(Inspect("").status, 2);
+    for (const char* arguments : {"--nonsense", "--lls 1.2.3.4", "--lls 1.2.3:5", "--lls 1.2.3.4:0",
+                                  "--lls 1.2.3.4:65536", "--set a", "--set =1", "--set a=1x", "--log loud"}) {
+        const SResult result = Inspect(std::string(arguments) + " pcap/gpac-a2-multi-service.pcap");
         EXPECT_EQ(result.status, 2) << arguments;
         EXPECT_EQ(result.out, "") << arguments;
         EXPECT_NE(result.err, "") << arguments;
     }
+    EXPECT_EQ(Inspect("--lls 1.2.3.4:65535 --quiet pcap/gpac-a2-multi-service.pcap").status, 1);
     EXPECT_EQ(Inspect("--version").status, 0);
     EXPECT_NE(Inspect("--version").out.find("libvyr-atsc30-parser"), std::string::npos);
 }

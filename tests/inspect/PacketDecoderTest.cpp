@@ -132,7 +132,8 @@ TEST(PacketDecoder, CountsWhatItDoesNotRead)
         {"loopback IPv6", DLT_NULL, Number(10, 4) + good, 1, 0, 0},
         {"IPv6", DLT_RAW, with(good, 0, "\x65"), 1, 0, 0},
         {"TCP", DLT_RAW, Ipv4(udp, {7, 0, 6}), 1, 0, 0},
-        {"header of 16 bytes", DLT_RAW, with(good, 0, "\x44"), 0, 1, 0},
+        {"header of 16 bytes, a datagram behind them", DLT_RAW, with(Ipv4(Number(12, 2) + "0123456789"), 0, "\x44"), 0,
+         1, 0},
         {"header past the end", DLT_RAW, with(good, 0, "\x4F"), 0, 1, 0},
         {"options", DLT_RAW, Ipv4(udp, {7, 0, 17, "optsopts"}), 0, 0, 1},
         {"total below the header", DLT_RAW, with(good, 2, Number(19, 2)), 0, 1, 0},
@@ -329,6 +330,15 @@ TEST(Alp, TakesConcatenationsApart)
     }
     EXPECT_EQ(run.payloads.size(), 5u);
     EXPECT_EQ(run.Finish().malformed, whole.size());
+}
+
+TEST(Alp, LongestPacket)
+{
+    const std::string packet = Ipv4(Udp(std::string(65507, 'x')));
+    ASSERT_EQ(packet.size(), 65535u);
+    SRun run(DLT_ATSC_ALP);
+    run.Take(Number(0x0800 | (packet.size() & 0x7FF), 2) + Number(packet.size() >> 11 << 3, 1) + packet);
+    EXPECT_EQ(run.payloads, TTexts({std::string(65507, 'x')}));
 }
 
 TEST(Alp, CountsOtherPackets)

@@ -53,9 +53,16 @@ double Seconds(const STime& time)
     return static_cast<double>(time.seconds) + time.nanoseconds / 1e9;
 }
 
+unsigned Key(const SLlsHeader& header)
+{
+    return unsigned{header.tableId} << 8 | header.groupId;
+}
+
 std::string Title(const SLlsHeader& header)
 {
-    return "SLT version " + std::to_string(header.version) + " group " + std::to_string(header.groupId);
+    const char* name = TableName(header.tableId);
+    return (name != nullptr ? std::string(name) : "table " + std::to_string(header.tableId)) + " version " +
+           std::to_string(header.version) + " group " + std::to_string(header.groupId);
 }
 
 std::string DropText(const SParseSLT::SService& service, CParseSLT::EDropReason reason)
@@ -148,7 +155,7 @@ void CLlsFollower::Take(SBytes bytes, const SSource& source)
     table.parserExists = table.header.tableId == k_slt;
     m_sawSlt = m_sawSlt || table.header.tableId == k_slt;
 
-    const auto known = m_states.find(table.header.tableId << 8u | table.header.groupId);
+    const auto known = m_states.find(Key(table.header));
     const std::size_t sizeBefore = known != m_states.end() ? known->second.size : 0;
     table.status = m_Compare(table.header, table.payload, table, source);
 
@@ -159,12 +166,9 @@ void CLlsFollower::Take(SBytes bytes, const SSource& source)
     }
     m_report.Table(table);
     if (table.status == EStatus::CHANGED_WITHOUT_VERSION) {
-        const char* name = TableName(table.header.tableId);
         m_report.Fault({EFault::CHANGED_WITHOUT_VERSION,
-                        std::string(name != nullptr ? name : "table") + " version " +
-                            std::to_string(table.header.version) + " group " + std::to_string(table.header.groupId) +
-                            " changed without a new version (payload of " + Counted(table.payload.size, "byte") +
-                            ", before " + std::to_string(sizeBefore) + ')',
+                        Title(table.header) + " changed without a new version (payload of " +
+                            Counted(table.payload.size, "byte") + ", before " + std::to_string(sizeBefore) + ')',
                         source, table.header});
     }
     if (!outcome.reason.empty()) {
@@ -179,7 +183,7 @@ void CLlsFollower::Take(SBytes bytes, const SSource& source)
 EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SBytes payload, STable& table, const SSource& source)
 {
     const std::uint64_t hash = Hash(payload);
-    const auto [entry, isNew] = m_states.try_emplace(header.tableId << 8u | header.groupId);
+    const auto [entry, isNew] = m_states.try_emplace(Key(header));
     SState& state = entry->second;
     if (source.time && state.lastSeen && Seconds(*source.time) >= Seconds(*state.lastSeen)) {
         table.interval = Seconds(*source.time) - Seconds(*state.lastSeen);
@@ -238,7 +242,8 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& tabl
         outcome.reason = "its payload is " + Counted(table.payload.size, "byte");
     } else if (outcome.reason.empty()) {
         outcome.reason = "the library gave no reason";
-    } else if (std::string(table.encoding) == "gzip" && outcome.reason.rfind("line 1: ", 0) == 0) {
+    } else if (std::string(table.encoding) == "gzip" &&
+               outcome.reason.find("Start tag expected") != std::string::npos) {
         outcome.reason += " (or the gzip data does not inflate)";
     }
     parser.Stop();

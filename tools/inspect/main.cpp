@@ -13,13 +13,12 @@ namespace {
 
 using namespace vyr::inspect;
 
-/// The first interrupt ends the input, so that the summary still comes; the second one kills.
+/// An interrupt ends the input, so that the summary still comes.
 void WatchSignals()
 {
     std::signal(SIGPIPE, SIG_IGN);
     struct sigaction action {};
     action.sa_handler = [](int) { CInput::Stop(); };
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }
