@@ -113,6 +113,55 @@ std::string Peculiar()
     return CCapture(1).AddLls(std::string("\x01\x00\x00\x01", 4) + table).Bytes();
 }
 
+/// One of each table besides the SLT, and what can be wrong with those that carry signatures.
+std::string OtherTables()
+{
+    const auto table = [](int id, const std::string& payload) {
+        return Number(static_cast<unsigned>(id), 1) + std::string("\0\0\1", 3) + payload;
+    };
+    const std::string alert =
+        "<AEAT><AEA aeaId='WX.7' issuer='NWS' audience='public' aeaType='update' retAEAId='WX.6' priority='4' "
+        "wakeup='true'>"
+        "<Header effective='2027-01-15T12:30:45Z' expires='2027-01-15T13:30:45Z'><EventCode type='SAME'>EVI</EventCode>"
+        "<EventDesc lang='en'>Evacuate now</EventDesc><EventDesc lang='es'>Evacuar ya</EventDesc>"
+        "<Location type='FIPS'>006109</Location><Location type='circle'>38,-120 5</Location></Header>"
+        "<AEAText lang='en'>Leave the area.</AEAText><AEAText lang='es'>Abandone la zona.</AEAText>"
+        "<LiveMedia bsid='801' serviceId='1001'><ServiceName ServiceName='News' lang='en'/></LiveMedia>"
+        "<Media lang='en' mediaType='map' url='http://a/m.png' contentType='image/png' "
+        "contentLength='2048'/><Media/></AEA>"
+        "<AEA aeaId='WX.8'/></AEAT>";
+    const std::string ratings =
+        "<RatingRegionTables><RatingRegionTable regionIdentifier='1'><RegionIdText>US</RegionIdText>"
+        "<Dimension dimensionLevels='2' dimensionGraduated='true'><DimensionTitle>TV</DimensionTitle>"
+        "<Rating "
+        "ratingValue='1'><RatingValueAbbrev>G</RatingValueAbbrev><RatingValueString>General</RatingValueString></"
+        "Rating>"
+        "<Rating "
+        "ratingValue='2'><RatingValueAbbrev>MA</RatingValueAbbrev><RatingValueString>Mature</RatingValueString></"
+        "Rating>"
+        "</Dimension><Dimension><DimensionTitle>Empty</DimensionTitle></Dimension></RatingRegionTable></"
+        "RatingRegionTables>";
+    const std::string time =
+        "<SystemTime currentUtcOffset='37' utcLocalOffset='-PT5H30M' dsStatus='true' leap59='true' "
+        "dsDayOfMonth='14' dsHour='2'/>";
+    const std::string screen =
+        "<OnscreenMessageNotification><KeepScreenClear bsid='5' serviceId='2' serviceIdRange='3' "
+        "notificationDuration='PT1M' kscFlag='true' version='1'/><KeepScreenClear/>"
+        "</OnscreenMessageNotification>";
+    const std::string certificates =
+        "<CertificationData><ToBeSignedData OCSPRefresh='PT1H'><Certificates>!</Certificates>"
+        "<Certificates>AAAA</Certificates></ToBeSignedData>";
+    const std::string service = Slt(Service(6), 1).substr(4);
+    const std::string multi = std::string("\2\1\7", 3) + Number(static_cast<unsigned>(service.size()), 2) + service +
+                              std::string("\xFE\1\0\0\0\2xx", 8);
+    CCapture capture(1);
+    capture.AddLls(table(4, alert)).AddLls(table(2, ratings)).AddLls(table(3, time)).AddLls(table(5, screen));
+    capture.AddLls(table(6, certificates + "<CMSSignedData>AAAA</CMSSignedData></CertificationData>"));
+    capture.AddLls(table(6, certificates + "</CertificationData>")).AddLls(table(6, "<SLT/>"));
+    capture.AddLls(table(0xFE, multi)).AddLls(table(0xFE, multi.substr(0, 20))).AddLls(table(0xFF, "user"));
+    return capture.Bytes();
+}
+
 const std::string k_lineup = "lls/lineup-bsid2090-slt.bin";
 
 struct SGolden {
@@ -147,6 +196,9 @@ std::vector<SGolden> Goldens()
         {"changes-json", "--json -", 1, Changes()},
         {"peculiar", "-", 1, Peculiar()},
         {"peculiar-json", "--json -", 1, Peculiar()},
+        {"other-tables", "-", 1, OtherTables()},
+        {"other-tables-json", "--json -", 1, OtherTables()},
+        {"certificates", "lls/openssl-cdt.bin lls/openssl-signedmultitable.bin", 0},
         {"cut", "-", 1, CCapture(1, 60).AddLls(lls).AddLls(lls).Bytes()},
         {"damaged", "-", 1, CCapture(1).AddLls(lls).AddLls(lls).Bytes().substr(0, 240)},
         {"no-lls", "-", 1, CCapture(1).Add(elsewhere).Add(Ethernet("", {0x0806})).Bytes()},
@@ -264,7 +316,7 @@ TEST(Inspect, InputsThatAreNone)
         EXPECT_EQ(lines[0]["code"], test.code);
         EXPECT_EQ(lines[1]["faultsByCode"][test.code], 1);
     }
-    EXPECT_EQ(Inspect("-", std::string(1048576, '\x02')).status, 0) << "the largest raw table";
+    EXPECT_EQ(Inspect("-", std::string(1048576, '\xFF')).status, 0) << "the largest raw table";
     EXPECT_EQ(Inspect("missing " + k_lineup).status, 2) << "a fault hides no failure";
     EXPECT_NE(Inspect("missing " + k_lineup).out.find("KLAS"), std::string::npos);
 }
@@ -297,6 +349,8 @@ TEST(Inspect, GuideAndManPageKnowEveryOption)
         EXPECT_NE(manual.find(at->str()), std::string::npos) << at->str();
     }
     EXPECT_GE(options, 10);
+    const std::string readme = ReadFile(VYR_DOCS "/../README.md");
+    EXPECT_NE(readme.find(ReadFile(VYR_TEST_DATA "/inspect/three-services.txt")), std::string::npos);
 }
 
 TEST(Inspect, LogAndProgressGoToStandardError)

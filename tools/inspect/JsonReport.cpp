@@ -13,8 +13,6 @@ namespace {
 
 constexpr int k_schemaVersion = 1;
 
-using TJson = nlohmann::ordered_json;
-
 TJson Object(const char* type)
 {
     return {{"schema_version", k_schemaVersion}, {"type", type}};
@@ -139,6 +137,9 @@ void CJsonReport::Table(const STable& table)
         json["stream"] = table.stream;
     }
     PutHeader(json, table.header);
+    if (table.insideMultiTable) {
+        json["insideSignedMultiTable"] = true;
+    }
     json["status"] = StatusName(table.status);
     json["size"] = table.payload.size;
     json["encoding"] = table.encoding;
@@ -152,7 +153,10 @@ void CJsonReport::Table(const STable& table)
     if (!table.parserExists) {
         json["payload"] = Hex(table.payload);
     } else {
-        json["parsed"] = table.slt.has_value();
+        json["parsed"] = table.slt.has_value() || table.content.has_value();
+    }
+    if (table.content) {
+        json.update(table.content->json);
     }
     if (table.slt) {
         json["bsid"] = table.slt->bsid;

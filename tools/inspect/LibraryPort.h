@@ -25,6 +25,8 @@ class CRefusalListener {
     CRefusalListener(const CRefusalListener&) = delete;
     CRefusalListener& operator=(const CRefusalListener&) = delete;
 
+    /// Whether a step of the library failed.
+    bool Failed() const { return !m_failedCheck.empty(); }
     /// The first reason that was given, such as "line 3: xmlParseEntityRef: no name"; empty: none.
     std::string Reason() const;
     void Hear(const std::string& message);

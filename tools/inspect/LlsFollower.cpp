@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "LibraryPort.h"
+#include "LlsTables.h"
 #include "Names.h"
 #include "Text.h"
 #include "lls/ParseSLT.h"
@@ -138,9 +139,9 @@ std::size_t CLlsFollower::Services() const
     return count;
 }
 
-void CLlsFollower::Take(SBytes bytes, const SSource& source)
+void CLlsFollower::m_Take(SBytes bytes, const SSource& source, bool insideMultiTable)
 {
-    ++m_taken;
+    m_taken += insideMultiTable ? 0 : 1;
     if (bytes.size < k_header) {
         m_report.Fault({EFault::TABLE_TOO_SHORT,
                         "LLS table of " + Counted(bytes.size, "byte") + ", shorter than its header", source});
@@ -152,7 +153,8 @@ void CLlsFollower::Take(SBytes bytes, const SSource& source)
     table.header = {bytes[0], bytes[1], bytes[2], bytes[3]};
     table.payload = bytes.From(k_header);
     table.encoding = Encoding(table.payload);
-    table.parserExists = table.header.tableId == k_slt;
+    table.insideMultiTable = insideMultiTable;
+    table.parserExists = table.header.tableId == k_slt || HasParser(table.header.tableId);
     m_sawSlt = m_sawSlt || table.header.tableId == k_slt;
 
     const auto known = m_states.find(Key(table.header));
@@ -161,7 +163,7 @@ void CLlsFollower::Take(SBytes bytes, const SSource& source)
 
     SOutcome outcome;
     if (table.parserExists && table.status != EStatus::REPEATED) {
-        outcome = m_ParseSlt(bytes, table);
+        outcome = table.header.tableId == k_slt ? m_ParseSlt(bytes, table) : m_ParseOther(bytes, table);
         table.slt = std::move(outcome.slt);
     }
     m_report.Table(table);
@@ -177,6 +179,57 @@ void CLlsFollower::Take(SBytes bytes, const SSource& source)
     }
     for (const SFault& fault : outcome.faults) {
         m_report.Fault(fault);
+    }
+    for (const std::vector<unsigned char>& inner : outcome.inner) {
+        const SBytes inside = {inner.data(), inner.size()};
+        if (!insideMultiTable) {
+            m_Take(inside, source, true);
+        } else {
+            m_report.Fault(
+                {EFault::TABLE_NOT_PARSED, "a signed multi-table in another is not followed", source, table.header});
+        }
+    }
+}
+
+CLlsFollower::SOutcome CLlsFollower::m_ParseOther(SBytes bytes, STable& table)
+{
+    SOutcome outcome;
+    TakeAssertions();
+    STableOutcome parsed = ParseTable(table.header, bytes);
+    table.content = std::move(parsed.content);
+    outcome.reason = std::move(parsed.reason);
+    outcome.inner = std::move(parsed.inner);
+    for (const auto& [code, message] : parsed.faults) {
+        outcome.faults.push_back({code, Title(table.header) + ": " + message, table.source, table.header});
+    }
+    if (!table.content) {
+        m_Explain(table, outcome);
+    }
+    m_AddAssertions(TakeAssertions(), table, outcome);
+    return outcome;
+}
+
+/// Why a table did not parse, where the library's words alone do not say it.
+void CLlsFollower::m_Explain(const STable& table, SOutcome& outcome)
+{
+    if (std::string(table.encoding) == "zlib") {
+        outcome.reason = "compressed with zlib, not gzip";
+    } else if (table.payload.size < 2) {
+        outcome.reason = "its payload is " + Counted(table.payload.size, "byte");
+    } else if (outcome.reason.empty()) {
+        outcome.reason = "the library gave no reason";
+    } else if (std::string(table.encoding) == "gzip" &&
+               outcome.reason.find("Start tag expected") != std::string::npos) {
+        outcome.reason += " (or the gzip data does not inflate)";
+    }
+}
+
+void CLlsFollower::m_AddAssertions(const std::vector<SAssertion>& assertions, const STable& table, SOutcome& outcome)
+{
+    for (const SAssertion& assertion : assertions) {
+        outcome.faults.push_back({EFault::ASSERTION,
+                                  "the library asserts \"" + assertion.expression + "\" at " + assertion.place,
+                                  table.source, table.header});
     }
 }
 
@@ -236,25 +289,13 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& tabl
             current->services.push_back(service.service);
         }
         m_Hold(table.header.groupId, std::move(current), table, outcome);
-    } else if (std::string(table.encoding) == "zlib") {
-        outcome.reason = "compressed with zlib, not gzip";
-    } else if (table.payload.size < 2) {
-        outcome.reason = "its payload is " + Counted(table.payload.size, "byte");
-    } else if (outcome.reason.empty()) {
-        outcome.reason = "the library gave no reason";
-    } else if (std::string(table.encoding) == "gzip" &&
-               outcome.reason.find("Start tag expected") != std::string::npos) {
-        outcome.reason += " (or the gzip data does not inflate)";
+    } else {
+        m_Explain(table, outcome);
     }
     parser.Stop();
     parser.Destroy();
-    for (const std::vector<SAssertion>& assertions : {drops.assertions, TakeAssertions()}) {
-        for (const SAssertion& assertion : assertions) {
-            outcome.faults.push_back({EFault::ASSERTION,
-                                      "the library asserts \"" + assertion.expression + "\" at " + assertion.place,
-                                      table.source, table.header});
-        }
-    }
+    m_AddAssertions(drops.assertions, table, outcome);
+    m_AddAssertions(TakeAssertions(), table, outcome);
     return outcome;
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "LibraryPort.h"
 #include "Report.h"
 #include "common/ChannelMap.h"
 
@@ -24,7 +25,7 @@ class CLlsFollower {
     CLlsFollower& operator=(const CLlsFollower&) = delete;
 
     /// Takes one LLS table: one UDP payload of the stream.
-    void Take(SBytes table, const SSource& source);
+    void Take(SBytes table, const SSource& source) { m_Take(table, source, false); }
 
     std::uint64_t Tables() const { return m_taken; }
     bool SawSlt() const { return m_sawSlt; }
@@ -48,9 +49,14 @@ class CLlsFollower {
         std::optional<SSlt> slt;
         std::string reason;  ///< why there is none
         std::vector<SFault> faults;
+        std::vector<std::vector<unsigned char>> inner;
     };
 
+    void m_Take(SBytes table, const SSource& source, bool insideMultiTable);
+    SOutcome m_ParseOther(SBytes bytes, STable& table);
     EStatus m_Compare(const SLlsHeader& header, SBytes payload, STable& table, const SSource& source);
+    static void m_Explain(const STable& table, SOutcome& outcome);
+    static void m_AddAssertions(const std::vector<SAssertion>& assertions, const STable& table, SOutcome& outcome);
     SOutcome m_ParseSlt(SBytes bytes, const STable& table);
     void m_Read(CParseSLT& parser, SBytes bytes, const STable& table, SOutcome& outcome);
     void m_Hold(unsigned char groupId, std::unique_ptr<SCurrentSlt> current, const STable& table, SOutcome& outcome);

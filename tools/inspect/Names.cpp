@@ -45,6 +45,24 @@ const char* UrlTypeName(int urlType)
     return urlType >= 0 && urlType <= 4 ? k_names[urlType] : nullptr;
 }
 
+const char* AlertTypeName(int type)
+{
+    constexpr const char* k_names[] = {nullptr, "alert", "update", "cancel"};
+    return type >= 0 && type <= 3 ? k_names[type] : nullptr;
+}
+
+const char* AudienceName(int audience)
+{
+    constexpr const char* k_names[] = {nullptr, "public", "restricted", "private"};
+    return audience >= 0 && audience <= 3 ? k_names[audience] : nullptr;
+}
+
+const char* LocationTypeName(int type)
+{
+    constexpr const char* k_names[] = {nullptr, "FIPS", "SGC", "polygon", "circle"};
+    return type >= 0 && type <= 4 ? k_names[type] : nullptr;
+}
+
 const char* DropAttribute(CParseSLT::EDropReason reason)
 {
     switch (reason) {

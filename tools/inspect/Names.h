@@ -9,6 +9,9 @@ const char* TableName(unsigned tableId);
 const char* ServiceCategoryName(int category);
 const char* ProtocolName(int protocol);
 const char* UrlTypeName(int urlType);
+const char* AlertTypeName(int type);
+const char* AudienceName(int audience);
+const char* LocationTypeName(int type);
 /// The attribute on whose account a service was dropped; null: none alone.
 const char* DropAttribute(CParseSLT::EDropReason reason);
 

@@ -35,6 +35,10 @@ const char* FaultName(EFault code)
             return "service-dropped";
         case EFault::BAD_ADDRESS:
             return "bad-address";
+        case EFault::BAD_CERTIFICATE:
+            return "bad-certificate";
+        case EFault::BAD_SIGNATURE:
+            return "bad-signature";
         case EFault::TOO_MANY_SERVICES:
             return "too-many-services";
         case EFault::ASSERTION:
@@ -75,7 +79,7 @@ void CReport::Table(const STable& table)
 {
     STableCounts& counts = m_summary.tables[table.header.tableId];
     ++counts.byStatus[static_cast<std::size_t>(table.status)];
-    counts.notParsed += table.parserExists && !table.slt && table.status != EStatus::REPEATED ? 1 : 0;
+    counts.notParsed += table.parserExists && !table.slt && !table.content && table.status != EStatus::REPEATED ? 1 : 0;
     if (table.interval) {
         ++counts.intervals;
         counts.intervalSum += *table.interval;

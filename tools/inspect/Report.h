@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <utility>
@@ -12,6 +13,8 @@
 #include "lls/ParseSLT.h"
 
 namespace vyr::inspect {
+
+using TJson = nlohmann::ordered_json;
 
 struct STime {
     std::int64_t seconds = 0;  ///< since 1970, UTC; before the year 10000
@@ -45,6 +48,13 @@ struct SSlt {
     bool cmsSignedData = false;
 };
 
+/// What another table holds, ready for both forms of report.
+struct SContent {
+    std::string headline;  ///< "2 alerts"
+    std::string text;      ///< indented lines
+    TJson json = TJson::object();
+};
+
 /// One LLS table that came.
 struct STable {
     SSource source;
@@ -55,7 +65,9 @@ struct STable {
     const char* encoding = "";
     std::optional<double> interval;  ///< seconds since the same table came last
     bool parserExists = false;
-    std::optional<SSlt> slt;  ///< when it parsed
+    bool insideMultiTable = false;
+    std::optional<SSlt> slt;  ///< when it parsed; another table has a content
+    std::optional<SContent> content;
 };
 
 enum class EFault {
@@ -74,6 +86,8 @@ enum class EFault {
     CHANGED_WITHOUT_VERSION,
     SERVICE_DROPPED,
     BAD_ADDRESS,
+    BAD_CERTIFICATE,
+    BAD_SIGNATURE,
     TOO_MANY_SERVICES,
     ASSERTION,
     NO_LLS,

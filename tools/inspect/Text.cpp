@@ -1,5 +1,6 @@
 #include "Text.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace vyr::inspect {
@@ -97,9 +98,29 @@ std::string EndpointText(std::uint32_t address, unsigned port)
     return Ipv4Text(address) + ':' + std::to_string(port);
 }
 
-std::string Counted(std::uint64_t count, const std::string& singular)
+std::string Counted(std::uint64_t count, const std::string& singular, const std::string& plural)
 {
-    return std::to_string(count) + ' ' + singular + (count == 1 ? "" : "s");
+    return std::to_string(count) + ' ' + (count == 1 ? singular : plural.empty() ? singular + 's' : plural);
+}
+
+std::string Aligned(const std::vector<TRow>& rows)
+{
+    std::vector<std::size_t> widths;
+    for (const TRow& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            widths[i] = std::max(widths[i], DisplayWidth(row[i]));
+        }
+    }
+    std::string text;
+    for (const TRow& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            line += "  " + row[i] + std::string(widths[i] - DisplayWidth(row[i]), ' ');
+        }
+        text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
+    }
+    return text;
 }
 
 }  // namespace vyr::inspect

@@ -14,8 +14,6 @@ namespace {
 
 constexpr std::size_t k_shownBytes = 16;
 
-using TRow = std::vector<std::string>;
-
 std::string ClockText(const STime& time)
 {
     const std::time_t seconds = static_cast<std::time_t>(time.seconds);
@@ -97,26 +95,6 @@ TRow ServiceRow(const SParseSLT::SService& service)
     return row;
 }
 
-std::string Aligned(const std::vector<TRow>& rows)
-{
-    std::vector<std::size_t> widths;
-    for (const TRow& row : rows) {
-        widths.resize(std::max(widths.size(), row.size()));
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], DisplayWidth(row[i]));
-        }
-    }
-    std::string text;
-    for (const TRow& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            line += "  " + row[i] + std::string(widths[i] - DisplayWidth(row[i]), ' ');
-        }
-        text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
-    }
-    return text;
-}
-
 std::string SltText(const SSlt& slt)
 {
     std::string text;
@@ -190,12 +168,16 @@ void CTextReport::Table(const STable& table)
     if (table.header.groupCountMinus1 != 0) {
         text += " of " + Counted(table.header.groupCountMinus1 + 1u, "group");
     }
+    text += table.insideMultiTable ? ", in a signed multi-table" : "";
     text += std::string(": ") + StatusText(table.status);
     if (table.slt) {
         text += ", bsid " + std::to_string(table.slt->bsid) + ", " + Counted(table.slt->services.size(), "service");
         text += table.slt->dropped != 0 ? ", " + std::to_string(table.slt->dropped) + " dropped" : "";
         text += table.slt->cmsSignedData ? ", with CMSSignedData\n" : "\n";
         text += table.status != EStatus::NEW_VERSION_SAME_CONTENT ? SltText(*table.slt) : std::string();
+    } else if (table.content) {
+        text += ", " + table.content->headline + '\n';
+        text += table.status != EStatus::NEW_VERSION_SAME_CONTENT ? table.content->text : std::string();
     } else {
         text += ", " + Counted(table.payload.size, "byte") + " (" + table.encoding + ')';
         text += table.parserExists ? "\n" : ": " + Hex(table.payload.First(k_shownBytes));

@@ -1,0 +1,467 @@
+#include "LlsTables.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <list>
+
+#include "Certificates.h"
+#include "LibraryPort.h"
+#include "Names.h"
+#include "Text.h"
+#include "lls/LLSSMTParser.h"
+#include "lls/ParseAEAT.h"
+#include "lls/ParseCDT.h"
+#include "lls/ParseOnscreenNoti.h"
+#include "lls/ParseRRT.h"
+#include "lls/ParseSystemTime.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr std::size_t k_header = 4;
+
+/// The texts that are not empty, set apart by commas.
+std::string Joined(const std::vector<std::string>& texts)
+{
+    std::string joined;
+    for (const std::string& text : texts) {
+        joined += (joined.empty() || text.empty() ? "" : ", ") + text;
+    }
+    return joined;
+}
+
+std::string Quoted(const std::string& text)
+{
+    return '"' + Printable(text) + '"';
+}
+
+/// "  label  text", with the label in a column of its own; nothing for no text.
+std::string Line(const char* label, const std::string& text)
+{
+    char line[32];
+    std::snprintf(line, sizeof line, "    %-10s", label);
+    return text.empty() ? std::string() : line + text + '\n';
+}
+
+std::string InLanguage(const std::string& lang)
+{
+    return lang.empty() ? std::string() : " (" + Printable(lang) + ')';
+}
+
+std::string EpochText(long seconds)
+{
+    const std::time_t time = seconds;
+    std::tm utc{};
+    char text[32];
+    return gmtime_r(&time, &utc) && std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc) != 0 ? text : "?";
+}
+
+/// "UTC-5", "UTC+5:30".
+std::string ZoneText(int seconds)
+{
+    const long minutes = std::labs(static_cast<long>(seconds)) / 60;
+    char text[48];
+    std::snprintf(text, sizeof text, minutes % 60 != 0 ? "UTC%c%ld:%02ld" : "UTC%c%ld", seconds < 0 ? '-' : '+',
+                  minutes / 60, minutes % 60);
+    return text;
+}
+
+/// Gives the table to a fresh parser; false, with the reason, when it does not parse.
+template <class TTable>
+bool Feed(TTable& parser, SBytes bytes, std::string& reason)
+{
+    IParse::SItem item = {bytes.data, static_cast<unsigned>(bytes.size), static_cast<unsigned>(bytes.size) * 8, 0,
+                          true};
+    const CRefusalListener listener;
+    parser.Parse(&item);
+    reason = listener.Failed() ? listener.Reason() : std::string();
+    return !listener.Failed();
+}
+
+SContent ReadSystemTime(const CParseSystemTime& parser)
+{
+    const CParseSystemTime::SSystemTime& time = *parser.State();
+    SContent content;
+    content.headline =
+        "TAI-UTC " + std::to_string(time.currentUtcOffset) + " s, local time " + ZoneText(time.utcLocalOffset);
+    content.headline += time.dsStatus ? ", daylight saving" : "";
+    content.headline += time.leap59 || time.leap61 ? ", leap second ahead" : "";
+    if (time.dsDayOfMonth != 0) {
+        content.headline += ", daylight saving changes on day " + std::to_string(time.dsDayOfMonth) + " at hour " +
+                            std::to_string(time.dsHour);
+    }
+    content.json = {{"currentUtcOffset", time.currentUtcOffset},
+                    {"ptpPrepend", time.ptpPrepend},
+                    {"leap59", time.leap59},
+                    {"leap61", time.leap61},
+                    {"utcLocalOffsetSeconds", time.utcLocalOffset},
+                    {"utcLocalOffsetHours", time.utcLocalOffset / 3600.0},
+                    {"dsStatus", time.dsStatus},
+                    {"dsDayOfMonth", time.dsDayOfMonth},
+                    {"dsHour", time.dsHour}};
+    return content;
+}
+
+SContent ReadRrt(const CParseRRT& parser)
+{
+    SContent content;
+    content.headline = Counted(parser.numOfRatingRegionTable(), "region");
+    content.json["RatingRegionTable"] = TJson::array();
+    for (unsigned r = 0; r < parser.numOfRatingRegionTable(); ++r) {
+        unsigned number = 0;
+        std::string text;
+        parser.GetRegionIdentifier(r, number);
+        parser.GetRegionIdText(r, text);
+        content.text += "  region " + std::to_string(number) + ": " + Printable(text) + '\n';
+        TJson region = {{"regionIdentifier", number}, {"RegionIdText", text}, {"Dimension", TJson::array()}};
+        std::vector<TRow> rows = {{"  dimension", "levels", "graduated", "value", "abbreviation", "meaning"}};
+        for (unsigned d = 0; d < parser.numOfDimension(r); ++d) {
+            bool graduated = false;
+            parser.GetDimensionLevels(r, d, number);
+            parser.GetDimensionGraduated(r, d, graduated);
+            parser.GetDimensionTitle(r, d, text);
+            TRow row = {"  " + Printable(text), std::to_string(number), graduated ? "yes" : "no"};
+            TJson dimension = {{"DimensionTitle", text},
+                               {"dimensionLevels", number},
+                               {"dimensionGraduated", graduated},
+                               {"Rating", TJson::array()}};
+            for (unsigned k = 0; k < parser.numOfRating(r, d); ++k) {
+                std::string abbreviation;
+                parser.GetRatingValue(r, d, k, number);
+                parser.GetRatingValueAbbrev(r, d, k, abbreviation);
+                parser.GetRatingValueString(r, d, k, text);
+                row.insert(row.end(), {std::to_string(number), Printable(abbreviation), Printable(text)});
+                rows.push_back(row);
+                row = {"", "", ""};
+                dimension["Rating"].push_back(
+                    {{"ratingValue", number}, {"RatingValueAbbrev", abbreviation}, {"RatingValueString", text}});
+            }
+            if (parser.numOfRating(r, d) == 0) {
+                rows.push_back(row);
+            }
+            region["Dimension"].push_back(std::move(dimension));
+        }
+        if (rows.size() > 1) {
+            content.text += Aligned(rows);
+        }
+        content.json["RatingRegionTable"].push_back(std::move(region));
+    }
+    return content;
+}
+
+TJson TextsJson(const std::vector<SParseAEAT::SText>& texts)
+{
+    TJson json = TJson::array();
+    for (const SParseAEAT::SText& text : texts) {
+        json.push_back({{"lang", text.lang}, {"text", text.text}});
+    }
+    return json;
+}
+
+void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
+{
+    std::string headline;
+    for (const SParseAEAT::SText& desc : alert.eventDescs) {
+        headline += (headline.empty() ? "" : " / ") + Printable(desc.text) + InLanguage(desc.lang);
+    }
+    const char* type = AlertTypeName(alert.aeaType);
+    const char* audience = AudienceName(alert.audience);
+    std::string& text = content.text;
+    text += "  " + (headline.empty() ? "alert " + Quoted(alert.aeaId) : headline) + '\n';
+    text += Line("alert", Quoted(alert.aeaId) + (type ? std::string(", ") + type : "") +
+                              (alert.retAEAId.empty() ? "" : " of " + Quoted(alert.retAEAId)) + ", priority " +
+                              std::to_string(alert.priority) + (alert.wakeup ? ", wakes receivers" : ""));
+    text += Line("issuer", Printable(alert.issuer));
+    text += Line("audience", audience ? audience : "");
+    if (!alert.effective.empty() || !alert.expires.empty()) {
+        text += Line("time", "from " + Printable(alert.effective.empty() ? "-" : alert.effective) + " until " +
+                                 Printable(alert.expires.empty() ? "-" : alert.expires));
+    }
+    if (!alert.eventCode.empty()) {
+        text += Line("event", Printable(alert.eventCode) +
+                                  (alert.eventCodeType.empty() ? "" : " (" + Printable(alert.eventCodeType) + ')'));
+    }
+    TJson json = {{"aeaId", alert.aeaId},
+                  {"issuer", alert.issuer},
+                  {"audience", alert.audience},
+                  {"aeaType", alert.aeaType},
+                  {"retAEAId", alert.retAEAId},
+                  {"priority", alert.priority},
+                  {"wakeup", alert.wakeup},
+                  {"effective", alert.effective},
+                  {"expires", alert.expires},
+                  {"eventCode", alert.eventCode},
+                  {"eventCodeType", alert.eventCodeType},
+                  {"EventDesc", TextsJson(alert.eventDescs)},
+                  {"AEAText", TextsJson(alert.texts)},
+                  {"Location", TJson::array()},
+                  {"Media", TJson::array()}};
+    json["audienceName"] = audience ? audience : "unknown";
+    json["aeaTypeName"] = type ? type : "unknown";
+    for (const SParseAEAT::SLocation& location : alert.locations) {
+        const char* kind = LocationTypeName(location.type);
+        text += Line("place", Printable(location.location) + (kind ? std::string(" (") + kind + ')' : ""));
+        json["Location"].push_back({{"location", location.location}, {"type", location.type}});
+        if (kind) {
+            json["Location"].back()["typeName"] = kind;
+        }
+    }
+    for (const SParseAEAT::SText& aeaText : alert.texts) {
+        text += Line("text", Printable(aeaText.text) + InLanguage(aeaText.lang));
+    }
+    for (const SParseAEAT::SMedia& media : alert.media) {
+        text += Line("media", Joined({Printable(media.mediaDesc), Printable(media.contentType),
+                                      Counted(media.contentLength, "byte"), Printable(media.url)}) +
+                                  InLanguage(media.lang));
+        json["Media"].push_back({{"lang", media.lang},
+                                 {"mediaType", media.mediaDesc},
+                                 {"url", media.url},
+                                 {"alternateUrl", media.alternateUrl},
+                                 {"contentType", media.contentType},
+                                 {"contentLength", media.contentLength},
+                                 {"mediaAssoc", media.mediaAssoc}});
+    }
+    if (alert.liveMedia) {
+        std::string names;
+        for (const SParseAEAT::SText& name : alert.liveMedia->serviceNames) {
+            names += (names.empty() ? ": " : ", ") + Quoted(name.text) + InLanguage(name.lang);
+        }
+        text += Line("live", "service " + std::to_string(alert.liveMedia->serviceId) + " of bsid " +
+                                 std::to_string(alert.liveMedia->bsid) + names);
+        json["LiveMedia"] = {{"bsid", alert.liveMedia->bsid},
+                             {"serviceId", alert.liveMedia->serviceId},
+                             {"ServiceName", TextsJson(alert.liveMedia->serviceNames)}};
+    }
+    content.json["AEA"].push_back(std::move(json));
+}
+
+SContent ReadAeat(const CParseAEAT& parser)
+{
+    SContent content;
+    content.headline = Counted(static_cast<std::uint64_t>(parser.AEACount()), "alert");
+    content.json["AEA"] = TJson::array();
+    for (int i = 0; i < parser.AEACount(); ++i) {
+        ReadAlert(*parser.GetAEA(i), content);
+    }
+    return content;
+}
+
+SContent ReadOnscreen(const CParseOnscreenNoti& parser)
+{
+    SContent content;
+    content.headline = Counted(parser.KSCCount(), "entry", "entries");
+    content.json["KeepScreenClear"] = TJson::array();
+    for (unsigned i = 0; i < parser.KSCCount(); ++i) {
+        const CParseOnscreenNoti::SKeepScreenClear& entry = *parser.GetKSC(i);
+        const unsigned last = entry.serviceId + entry.serviceIdRange;
+        content.text += std::string("  ") + (entry.kscFlag ? "keep clear" : "release") + ": bsid " +
+                        std::to_string(entry.bsid) + ", service " + std::to_string(entry.serviceId) +
+                        (entry.serviceIdRange != 0 ? " to " + std::to_string(last) : "") +
+                        (entry.notificationDuration.empty() ? "" : ", for " + Printable(entry.notificationDuration)) +
+                        ", version " + std::to_string(entry.version) + '\n';
+        content.json["KeepScreenClear"].push_back({{"bsid", entry.bsid},
+                                                   {"serviceId", entry.serviceId},
+                                                   {"serviceIdRange", entry.serviceIdRange},
+                                                   {"notificationDuration", entry.notificationDuration},
+                                                   {"kscFlag", entry.kscFlag},
+                                                   {"version", entry.version}});
+    }
+    return content;
+}
+
+TJson SignatureJson(const SSignature& signature)
+{
+    if (!signature.error.empty()) {
+        return {{"wellFormed", false}, {"error", signature.error}};
+    }
+    return {{"wellFormed", true},
+            {"signers", signature.signers},
+            {"detached", signature.detached},
+            {"digest", signature.digest}};
+}
+
+SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
+{
+    std::list<std::string> certificates;
+    std::list<std::string> responses;
+    std::string current;
+    std::string next;
+    std::string cms;
+    std::string toBeSigned;
+    long from = 0;
+    long until = 0;
+    int refresh = 0;
+    parser.GetCertificates(certificates);
+    parser.GetOCSPResponse(responses);
+    parser.GetCurrentCert(current);
+    parser.GetCertReplacement(next, from, until);
+    parser.GetOCSPRefresh(refresh);
+    parser.GetCMSSignedData(cms);
+    parser.GetToBeSignedData(toBeSigned);
+
+    SContent content;
+    content.headline = Counted(certificates.size(), "certificate") + ", " + Counted(responses.size(), "OCSP response");
+    content.json["Certificates"] = TJson::array();
+    for (const std::string& base64 : certificates) {
+        const SCertificate certificate = ReadCertificate(base64);
+        if (!certificate.error.empty()) {
+            outcome.faults.emplace_back(EFault::BAD_CERTIFICATE, "a certificate of the table is " + certificate.error);
+            content.text += "  certificate: " + certificate.error + '\n';
+            content.json["Certificates"].push_back({{"error", certificate.error}});
+            continue;
+        }
+        content.text += "  certificate\n" + Line("subject", Printable(certificate.subject)) +
+                        Line("issuer", Printable(certificate.issuer)) +
+                        Line("valid", certificate.notBefore + " to " + certificate.notAfter);
+        content.json["Certificates"].push_back({{"subject", certificate.subject},
+                                                {"issuer", certificate.issuer},
+                                                {"notBefore", certificate.notBefore},
+                                                {"notAfter", certificate.notAfter}});
+    }
+    content.text += current.empty() ? "" : "  current certificate: " + Printable(current) + '\n';
+    if (!next.empty()) {
+        // The library's times of this table are one second late.
+        content.text += "  next certificate: " + Printable(next) + ", from " + EpochText(from - 1) +
+                        ", the current one until " + EpochText(until - 1) + '\n';
+        content.json["CertReplacement"] = {
+            {"NextCert", next}, {"NextCertFrom", EpochText(from - 1)}, {"CurrentCertUntil", EpochText(until - 1)}};
+    }
+    content.text += "  OCSP responses are renewed every " + std::to_string(refresh) + " s\n";
+    content.json["CurrentCert"] = current;
+    content.json["OCSPRefreshSeconds"] = refresh;
+    content.json["OCSPResponses"] = responses.size();
+    content.json["ToBeSignedDataSize"] = toBeSigned.size();
+    if (cms.empty()) {
+        outcome.faults.emplace_back(EFault::BAD_SIGNATURE, "the table has no CMSSignedData");
+    } else {
+        const SSignature signature = ReadSignature(cms);
+        content.text +=
+            "  signature over " + Counted(toBeSigned.size(), "byte") + ": " + SignatureText(signature) + '\n';
+        content.json["CMSSignedData"] = SignatureJson(signature);
+        if (!signature.error.empty()) {
+            outcome.faults.emplace_back(EFault::BAD_SIGNATURE, "CMSSignedData: " + signature.error);
+        }
+    }
+    return content;
+}
+
+/// Splits the multi-table; its tables go on to their own parsers, each behind a header made of what the
+/// multi-table says of it.
+void ReadMultiTable(const SLlsHeader& header, SBytes bytes, STableOutcome& outcome)
+{
+    CLLSSMTParser parser;
+    parser.Create();
+    IParse::SItem item = {bytes.data, static_cast<unsigned>(bytes.size), static_cast<unsigned>(bytes.size) * 8,
+                          k_header * 8, true};
+    if (!parser.Parse(&item)) {
+        outcome.reason = "shorter than its lengths say";
+        parser.Destroy();
+        return;
+    }
+    unsigned length = 0;
+    parser.GetSignedBlockLength(length);
+    std::vector<unsigned char> block(length);
+    parser.GetSignedBlock(block.data());
+    SContent& content = outcome.content.emplace();
+    content.headline = Counted(static_cast<std::uint64_t>(parser.PayloadCount()), "table");
+    content.json["payloads"] = TJson::array();
+    std::size_t at = 1;
+    for (int i = 0; i < parser.PayloadCount(); ++i) {
+        unsigned id = 0;
+        parser.GetPayloadLength(i, length);
+        std::vector<unsigned char> table(k_header + length);
+        parser.GetPayload(i, id, table.data() + k_header);
+        const unsigned char version = block[at + 1];
+        at += k_header + length;
+        table[0] = static_cast<unsigned char>(id);
+        table[1] = header.groupId;
+        table[2] = header.groupCountMinus1;
+        table[3] = version;
+        TJson json = {{"LLS_table_id", id}, {"LLS_table_version", version}, {"size", length}};
+        if (TableName(id)) {
+            json["LLS_table_idName"] = TableName(id);
+        }
+        content.json["payloads"].push_back(std::move(json));
+        outcome.inner.push_back(std::move(table));
+    }
+    parser.GetSignatureLength(length);
+    std::vector<unsigned char> der(length);
+    if (!parser.GetSignatureData(der.data())) {
+        der.clear();
+    }
+    const SSignature signature = ReadSignature(der);
+    content.text = "  signature over " + Counted(block.size(), "byte") + ": " + SignatureText(signature) + '\n';
+    content.json["signedSize"] = block.size();
+    content.json["signature"] = SignatureJson(signature);
+    if (!signature.error.empty()) {
+        outcome.faults.emplace_back(EFault::BAD_SIGNATURE, "the signature is " + signature.error);
+    }
+    parser.Destroy();
+}
+
+}  // namespace
+
+bool HasParser(unsigned tableId)
+{
+    return (tableId >= 2 && tableId <= 6) || tableId == 0xFE;
+}
+
+STableOutcome ParseTable(const SLlsHeader& header, SBytes bytes)
+{
+    STableOutcome outcome;
+    switch (header.tableId) {
+        case 2: {
+            CParseRRT parser;
+            parser.Create();
+            if (Feed(parser, bytes, outcome.reason)) {
+                outcome.content = ReadRrt(parser);
+            }
+            parser.Destroy();
+            break;
+        }
+        case 3: {
+            CParseSystemTime parser;
+            parser.Create(header.groupId);
+            if (Feed(parser, bytes, outcome.reason)) {
+                outcome.content = ReadSystemTime(parser);
+            }
+            parser.Destroy();
+            break;
+        }
+        case 4: {
+            CParseAEAT parser;
+            parser.Create(nullptr);
+            if (Feed(parser, bytes, outcome.reason)) {
+                outcome.content = ReadAeat(parser);
+            }
+            parser.Destroy();
+            break;
+        }
+        case 5: {
+            CParseOnscreenNoti parser;
+            parser.Create();
+            if (Feed(parser, bytes, outcome.reason)) {
+                outcome.content = ReadOnscreen(parser);
+            }
+            parser.Destroy();
+            break;
+        }
+        case 6: {
+            CParseCDT parser;
+            parser.Create();
+            if (Feed(parser, bytes, outcome.reason)) {
+                outcome.content = ReadCdt(parser, outcome);
+            }
+            parser.Destroy();
+            break;
+        }
+        default:
+            ReadMultiTable(header, bytes, outcome);
+            break;
+    }
+    return outcome;
+}
+
+}  // namespace vyr::inspect

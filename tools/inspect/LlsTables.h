@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Report.h"
+
+namespace vyr::inspect {
+
+/// What became of a table other than the SLT.
+struct STableOutcome {
+    std::optional<SContent> content;
+    std::string reason;  ///< why there is none
+    std::vector<std::pair<EFault, std::string>> faults;
+    std::vector<std::vector<unsigned char>> inner;  ///< tables within, each behind a header of its own
+};
+
+/// Whether ParseTable knows the table id.
+bool HasParser(unsigned tableId);
+/// Hands a whole LLS table, header included, to its parser and reads what it found.
+STableOutcome ParseTable(const SLlsHeader& header, SBytes bytes);
+
+}  // namespace vyr::inspect
