@@ -8,9 +8,13 @@
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) __attribute__((weak));
 
 int main(int argc, char** argv)
 {
+    if (LLVMFuzzerInitialize) {
+        LLVMFuzzerInitialize(&argc, &argv);
+    }
     int inputs = 0;
     for (int i = 1; i < argc; ++i) {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(argv[i])) {
@@ -23,6 +27,6 @@ int main(int argc, char** argv)
             ++inputs;
         }
     }
-    std::printf("%d inputs\n", inputs);
+    std::fprintf(stderr, "%d inputs\n", inputs);
     return inputs > 0 ? 0 : 1;
 }

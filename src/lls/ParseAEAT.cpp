@@ -62,13 +62,7 @@ CParseAEAT::~CParseAEAT()
 
 bool CParseAEAT::Create(const CParseAEAT::SCallback* callback)
 {
-    if (!VYR_ASSERT(!m, "!m")) {
-        return false;
-    }
-    m = new SState;
-    if (!vyr::CreateHandlers(m->hashCallback, 7, VYR_HERE) || !VYR_CHECK(t_CreateCallback(), "t_CreateCallback()")) {
-        delete m;
-        m = nullptr;
+    if (!vyr::CreateTable(m, VYR_HERE, [this] { return t_CreateCallback(); })) {
         return false;
     }
     m->callback = callback ? *callback : SCallback{};
@@ -234,47 +228,31 @@ const SParseAEAT::SAEAInfo* CParseAEAT::GetAEA(int index) const
 bool CParseAEAT::GetAEAId(int index, std::string& aeaId, std::string& retAEAId) const
 {
     const SAEAInfo* alert = GetAEA(index);
-    if (alert) {
-        aeaId = alert->aeaId;
-        retAEAId = alert->retAEAId;
-    }
-    return alert != nullptr;
+    return alert && vyr::Give(alert->aeaId, aeaId) && vyr::Give(alert->retAEAId, retAEAId);
 }
 
 bool CParseAEAT::GetAEAIssuer(int index, std::string& issuer) const
 {
     const SAEAInfo* alert = GetAEA(index);
-    if (alert) {
-        issuer = alert->issuer;
-    }
-    return alert != nullptr;
+    return alert && vyr::Give(alert->issuer, issuer);
 }
 
 bool CParseAEAT::GetAEAAudience(int index, EAEAAudience& audience) const
 {
     const SAEAInfo* alert = GetAEA(index);
-    if (alert) {
-        audience = alert->audience;
-    }
-    return alert != nullptr;
+    return alert && vyr::Give(alert->audience, audience);
 }
 
 bool CParseAEAT::GetAEAType(int index, EAEAType& type) const
 {
     const SAEAInfo* alert = GetAEA(index);
-    if (alert) {
-        type = alert->aeaType;
-    }
-    return alert != nullptr;
+    return alert && vyr::Give(alert->aeaType, type);
 }
 
 bool CParseAEAT::GetAEAPriority(int index, EAEAPriority& priority) const
 {
     const SAEAInfo* alert = GetAEA(index);
-    if (alert) {
-        priority = alert->priority;
-    }
-    return alert != nullptr;
+    return alert && vyr::Give(alert->priority, priority);
 }
 
 bool CParseAEAT::AEAWakeup(int index) const
@@ -286,21 +264,13 @@ bool CParseAEAT::AEAWakeup(int index) const
 bool CParseAEAT::GetAEATimeInfo(int index, std::string& effective, std::string& expires) const
 {
     const SAEAInfo* alert = GetAEA(index);
-    if (alert) {
-        effective = alert->effective;
-        expires = alert->expires;
-    }
-    return alert != nullptr;
+    return alert && vyr::Give(alert->effective, effective) && vyr::Give(alert->expires, expires);
 }
 
 bool CParseAEAT::GetAEAEventCode(int index, std::string& eventCode, std::string& eventCodeType) const
 {
     const SAEAInfo* alert = GetAEA(index);
-    if (alert) {
-        eventCode = alert->eventCode;
-        eventCodeType = alert->eventCodeType;
-    }
-    return alert != nullptr;
+    return alert && vyr::Give(alert->eventCode, eventCode) && vyr::Give(alert->eventCodeType, eventCodeType);
 }
 
 int CParseAEAT::AEAEventDescCount(int index) const

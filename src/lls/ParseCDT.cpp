@@ -30,17 +30,10 @@ CParseCDT::~CParseCDT()
 
 bool CParseCDT::Create()
 {
-    if (!VYR_ASSERT(!m, "!m")) {
-        return false;
+    if (!m) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::Create]");
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::Create]");
-    m = new SState;
-    if (!vyr::CreateHandlers(m->hashCallback, 7, VYR_HERE) || !VYR_CHECK(t_CreateCallback(), "t_CreateCallback()")) {
-        delete m;
-        m = nullptr;
-        return false;
-    }
-    return true;
+    return vyr::CreateTable(m, VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CParseCDT::t_CreateCallback()
@@ -181,11 +174,7 @@ void CParseCDT::sm_CbOCSPRefresh(CParseCDT* parser, void* node)
 
 bool CParseCDT::GetCurrentCert(std::string& cert) const
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    cert = m->currentCert;
-    return true;
+    return VYR_ASSERT(m, "m") && vyr::Give(m->currentCert, cert);
 }
 
 bool CParseCDT::GetCertReplacement(std::string& nextCert, long& nextCertFrom, long& currentCertUntil) const
@@ -201,47 +190,27 @@ bool CParseCDT::GetCertReplacement(std::string& nextCert, long& nextCertFrom, lo
 
 bool CParseCDT::GetOCSPRefresh(int& seconds) const
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    seconds = m->ocspRefresh;
-    return true;
+    return VYR_ASSERT(m, "m") && vyr::Give(m->ocspRefresh, seconds);
 }
 
 bool CParseCDT::GetCMSSignedData(std::string& data) const
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    data = m->cmsSignedData;
-    return true;
+    return VYR_ASSERT(m, "m") && vyr::Give(m->cmsSignedData, data);
 }
 
 bool CParseCDT::GetToBeSignedData(std::string& text) const
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    text = m->toBeSigned;
-    return true;
+    return VYR_ASSERT(m, "m") && vyr::Give(m->toBeSigned, text);
 }
 
 bool CParseCDT::GetCertificates(std::list<std::string>& certs) const
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    certs = m->certificates;
-    return true;
+    return VYR_ASSERT(m, "m") && vyr::Give(m->certificates, certs);
 }
 
 bool CParseCDT::GetOCSPResponse(std::list<std::string>& responses) const
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    responses = m->ocspResponses;
-    return true;
+    return VYR_ASSERT(m, "m") && vyr::Give(m->ocspResponses, responses);
 }
 
 void CParseCDT::m_DumpCDT() const

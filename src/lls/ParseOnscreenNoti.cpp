@@ -26,17 +26,10 @@ CParseOnscreenNoti::~CParseOnscreenNoti()
 
 bool CParseOnscreenNoti::Create()
 {
-    if (!VYR_ASSERT(!m, "!m")) {
-        return false;
+    if (!m) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::Create]");
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::Create]");
-    m = new SState;
-    if (!vyr::CreateHandlers(m->hashCallback, 7, VYR_HERE) || !VYR_CHECK(t_CreateCallback(), "t_CreateCallback()")) {
-        delete m;
-        m = nullptr;
-        return false;
-    }
-    return true;
+    return vyr::CreateTable(m, VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CParseOnscreenNoti::t_CreateCallback()

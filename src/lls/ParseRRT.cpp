@@ -94,16 +94,7 @@ CParseRRT::~CParseRRT()
 
 bool CParseRRT::Create()
 {
-    if (!VYR_ASSERT(!m, "!m")) {
-        return false;
-    }
-    m = new SState;
-    if (!vyr::CreateHandlers(m->hashCallback, 7, VYR_HERE) || !VYR_CHECK(t_CreateCallback(), "t_CreateCallback()")) {
-        delete m;
-        m = nullptr;
-        return false;
-    }
-    return true;
+    return vyr::CreateTable(m, VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CParseRRT::t_CreateCallback()
@@ -285,19 +276,13 @@ unsigned int CParseRRT::numOfRatingRegionTable() const
 bool CParseRRT::GetRegionIdentifier(unsigned int r, unsigned int& identifier) const
 {
     const SRegion* region = m_isValidIndex(r, k_unchecked, k_unchecked) ? m->Region(r) : nullptr;
-    if (region) {
-        identifier = static_cast<unsigned int>(region->regionIdentifier);
-    }
-    return region != nullptr;
+    return region && vyr::Give(region->regionIdentifier, identifier);
 }
 
 bool CParseRRT::GetRegionIdText(unsigned int r, std::string& text) const
 {
     const SRegion* region = m_isValidIndex(r, k_unchecked, k_unchecked) ? m->Region(r) : nullptr;
-    if (region) {
-        text = region->text.text;
-    }
-    return region != nullptr;
+    return region && vyr::Give(region->text.text, text);
 }
 
 unsigned int CParseRRT::numOfDimension(unsigned int r) const
@@ -308,28 +293,19 @@ unsigned int CParseRRT::numOfDimension(unsigned int r) const
 bool CParseRRT::GetDimensionLevels(unsigned int r, unsigned int d, unsigned int& levels) const
 {
     const SDimension* dimension = m_isValidIndex(r, d, k_unchecked) ? m->Dimension(r, d) : nullptr;
-    if (dimension) {
-        levels = static_cast<unsigned int>(dimension->dimensionLevels);
-    }
-    return dimension != nullptr;
+    return dimension && vyr::Give(dimension->dimensionLevels, levels);
 }
 
 bool CParseRRT::GetDimensionGraduated(unsigned int r, unsigned int d, bool& graduated) const
 {
     const SDimension* dimension = m_isValidIndex(r, d, k_unchecked) ? m->Dimension(r, d) : nullptr;
-    if (dimension) {
-        graduated = dimension->dimensionGraduated;
-    }
-    return dimension != nullptr;
+    return dimension && vyr::Give(dimension->dimensionGraduated, graduated);
 }
 
 bool CParseRRT::GetDimensionTitle(unsigned int r, unsigned int d, std::string& title) const
 {
     const SDimension* dimension = m_isValidIndex(r, d, k_unchecked) ? m->Dimension(r, d) : nullptr;
-    if (dimension) {
-        title = dimension->title.text;
-    }
-    return dimension != nullptr;
+    return dimension && vyr::Give(dimension->title.text, title);
 }
 
 unsigned int CParseRRT::numOfRating(unsigned int r, unsigned int d) const
@@ -341,26 +317,17 @@ unsigned int CParseRRT::numOfRating(unsigned int r, unsigned int d) const
 bool CParseRRT::GetRatingValue(unsigned int r, unsigned int d, unsigned int k, unsigned int& value) const
 {
     const SRating* rating = m_isValidIndex(r, d, k) ? m->Rating(r, d, k) : nullptr;
-    if (rating) {
-        value = static_cast<unsigned int>(rating->ratingValue);
-    }
-    return rating != nullptr;
+    return rating && vyr::Give(rating->ratingValue, value);
 }
 
 bool CParseRRT::GetRatingValueAbbrev(unsigned int r, unsigned int d, unsigned int k, std::string& abbreviation) const
 {
     const SRating* rating = m_isValidIndex(r, d, k) ? m->Rating(r, d, k) : nullptr;
-    if (rating) {
-        abbreviation = rating->abbreviation.text;
-    }
-    return rating != nullptr;
+    return rating && vyr::Give(rating->abbreviation.text, abbreviation);
 }
 
 bool CParseRRT::GetRatingValueString(unsigned int r, unsigned int d, unsigned int k, std::string& text) const
 {
     const SRating* rating = m_isValidIndex(r, d, k) ? m->Rating(r, d, k) : nullptr;
-    if (rating) {
-        text = rating->text.text;
-    }
-    return rating != nullptr;
+    return rating && vyr::Give(rating->text.text, text);
 }

@@ -152,19 +152,12 @@ CParseSLT::~CParseSLT()
 
 bool CParseSLT::Create(CChannelMap* channelMap, const CParseSLT::SCallback* callback)
 {
-    if (!VYR_ASSERT(!m, "!m") || !VYR_ASSERT(channelMap, "channelMap")) {
+    if ((!m && !VYR_ASSERT(channelMap, "channelMap")) ||
+        !vyr::CreateTable(m, VYR_HERE, [this] { return t_CreateCallback(); })) {
         return false;
     }
-    m = new SSLT;
     m->channelMap = channelMap;
-    if (callback) {
-        m->callback = *callback;
-    }
-    if (!vyr::CreateHandlers(m->hashCallback, 7, VYR_HERE) || !VYR_CHECK(t_CreateCallback(), "t_CreateCallback()")) {
-        delete m;
-        m = nullptr;
-        return false;
-    }
+    m->callback = callback ? *callback : SCallback{};
     return true;
 }
 
@@ -261,11 +254,7 @@ int CParseSLT::SltInetUrlCount() const
 
 bool CParseSLT::GetSltCapability(std::string& capability) const
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    capability = m->capabilities;
-    return true;
+    return VYR_ASSERT(m, "m") && vyr::Give(m->capabilities, capability);
 }
 
 bool CParseSLT::GetSltInetUrl(int index, std::string& url, EATSC3UrlType& type) const
@@ -289,10 +278,7 @@ const SParseSLT::SService* CParseSLT::GetServiceInfo(int index) const
 bool CParseSLT::GetService(int index, void*& service) const
 {
     const SService* record = GetServiceInfo(index);
-    if (record) {
-        service = record->service;
-    }
-    return record != nullptr;
+    return record && vyr::Give(record->service, service);
 }
 
 bool CParseSLT::GetService(void (*fn)(void*, void*, int), void* userData) const

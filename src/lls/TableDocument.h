@@ -27,6 +27,31 @@ struct STable {
     }
 };
 
+/// What every XML table parser's Create shares: the state, its hash, the handlers that `addHandlers()`
+/// adds. A failed step is logged and leaves no state; a state that is there already is asserted.
+template <class TState, class TAdd>
+bool CreateTable(TState*& m, const SHere& here, TAdd addHandlers)
+{
+    if (m) {
+        return AssertFailed(here, "!m");
+    }
+    m = new TState;
+    if (CreateHandlers(m->hashCallback, 7, here) && (addHandlers() || CheckFailed(here, "t_CreateCallback()"))) {
+        return true;
+    }
+    delete m;
+    m = nullptr;
+    return false;
+}
+
+/// Gives a value to a getter's output; true.
+template <class T, class TOut>
+bool Give(const T& value, TOut& out)
+{
+    out = static_cast<TOut>(value);
+    return true;
+}
+
 /// The steps that every XML table's t_Parse shares: lets go of the last table's document, builds one
 /// from the item's bytes behind its cursor, moves to the root and calls `process(root)`, whose name in
 /// the log is `step`. A failed step is logged and leaves no document.

@@ -1,0 +1,54 @@
+// The inspector's way from LLS tables to its report, certificates and signatures included: the first
+// byte picks text or JSON, then tables follow, each behind its 16-bit length, of one stream.
+#include <cstdio>
+
+#include "Fuzz.h"
+#include "JsonReport.h"
+#include "LibraryPort.h"
+#include "LlsFollower.h"
+#include "Output.h"
+#include "Progress.h"
+#include "TextReport.h"
+#include "common/ChannelMap.h"
+
+using namespace vyr::inspect;
+
+extern "C" int LLVMFuzzerInitialize(int*, char***);
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    return std::freopen("/dev/null", "w", stdout) ? 0 : 1;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    InstallPlatform(LOG_PRIORITY_SILENT, {});
+    CScript script(data, size);
+    const std::uint8_t options = script.Byte();
+    const std::vector<unsigned char> rest = script.Rest();
+    CProgress progress(false);
+    COutput output(progress);
+    CTextReport text(output);
+    CJsonReport json(output);
+    CReport report(options & 1 ? static_cast<IReportWriter&>(json) : text, false);
+    CChannelMap map;
+    map.Create();
+    {
+        CLlsFollower follower("224.0.23.60:4937", (options & 2) == 0, map, report);
+        for (std::size_t at = 0; at + 2 <= rest.size();) {
+            const std::size_t wanted = static_cast<std::size_t>(rest[at] << 8 | rest[at + 1]);
+            at += 2;
+            const std::size_t length = wanted < rest.size() - at ? wanted : rest.size() - at;
+            const std::vector<unsigned char> table(rest.begin() + static_cast<std::ptrdiff_t>(at),
+                                                   rest.begin() + static_cast<std::ptrdiff_t>(at + length));
+            follower.Take({table.data(), table.size()}, {"fuzz", 1, {}});
+            at += length;
+        }
+    }
+    int left = 0;
+    map.GetServiceList([](void* user, void*) { ++*static_cast<int*>(user); }, &left);
+    Require(left == 0);  // what the follower put into the map, it took out again
+    map.Destroy();
+    report.Finish();
+    return 0;
+}
