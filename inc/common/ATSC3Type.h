@@ -1,6 +1,6 @@
 #pragma once
 
-/// Signalling protocol of a service: slsProtocol of the SLT (ATSC A/331 table 6.4). Any other number
+/// Signalling protocol of a service: slsProtocol of the SLT (ATSC A/331 table 6.5). Any other number
 /// that a broadcast carries is kept as it is.
 enum EATSC3ProtocolType : int { ATSC3_PROTOCOL_NONE = 0, ATSC3_PROTOCOL_ROUTE = 1, ATSC3_PROTOCOL_MMTP = 2 };
 

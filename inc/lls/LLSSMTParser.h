@@ -3,7 +3,7 @@
 #include "common/Parse.h"
 #include "platform/Api.h"
 
-/// Parser of the signed multi-table (LLS_table_id 0xFE; ATSC A/331 6.8): several LLS tables and a
+/// Parser of the signed multi-table (LLS_table_id 0xFE; ATSC A/331): several LLS tables and a
 /// signature over them. It splits them; the caller verifies the signature over the signed block and
 /// hands each payload to its table's parser. There is no version check.
 ///

@@ -6,7 +6,7 @@
 #include "lls/ParseLLS.h"
 #include "platform/Api.h"
 
-/// Parser of the certification data table (CDT, LLS_table_id 6; ATSC A/331 6.7 over A/360): signing
+/// Parser of the certification data table (CDT, LLS_table_id 6; ATSC A/331, over A/360): signing
 /// certificates, their replacement, OCSP data and the signature over them. Signatures are not verified
 /// here: the exact signed bytes are handed out for it. Certificates, responses and signature are base64
 /// texts as they stand. An object that is not created is asserted ("m"); getters then give false.

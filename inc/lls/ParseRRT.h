@@ -5,7 +5,7 @@
 #include "lls/ParseLLS.h"
 #include "platform/Api.h"
 
-/// Records of the rating region table (ATSC A/331 6.5 over A/332).
+/// Records of the rating region table (ATSC A/331).
 struct SParseRRT {
     struct STextType {
         std::string text;

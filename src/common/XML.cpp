@@ -543,6 +543,7 @@ char* CXML::NodeDump(void* node, int* size) const
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CXML::NodeDump] xmlBufferCreate fail");
         return nullptr;
     }
+    xmlBufferSetAllocationScheme(buffer, XML_BUFFER_ALLOC_DOUBLEIT);
     const int length = xmlNodeDump(buffer, nullptr, AsNode(node), 0, 0);
     char* copy = nullptr;
     if (length > 0) {

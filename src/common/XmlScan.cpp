@@ -101,52 +101,54 @@ bool IsBlank(unsigned unit)
 bool KeepsMarkup(const char* name)
 {
     static const char* const k_prefixes[] = {
-        "UTF8", "US-ASCII",  "ASCII", "ISO-8859-", "ISO8859-", "ISO_8859", "LATIN", "WINDOWS-125", "CP125",  "KOI8",
-        "EUC",  "SHIFT_JIS", "SJIS",  "GB2312",    "GBK",      "GB18030",  "BIG5",  "KS_C_5601",   "TIS-620"};
+        "UTF8",  "US-ASCII", "ASCII",     "ISO-8859-", "ISO8859-",    "ISO_8859",    "LATIN",  "WINDOWS-125", "CP125",
+        "KOI8",  "EUC",      "SHIFT_JIS", "SJIS",      "WINDOWS-31J", "CP932",       "GB2312", "GBK",         "GB18030",
+        "CP936", "BIG5",     "CP950",     "KS_C_5601", "CP949",       "WINDOWS-949", "UHC",    "TIS-620"};
     return std::any_of(std::begin(k_prefixes), std::end(k_prefixes),
                        [name](const char* prefix) { return strncasecmp(name, prefix, std::strlen(prefix)) == 0; });
 }
 
-/// Copies the encoding that the XML declaration names; empty without one. False when the declaration
-/// is not one that libxml2 would take.
-bool DeclaredEncoding(const CUnits& units, std::size_t i, char (&name)[40])
+/// Copies the encoding that the XML declaration at `*i` names, empty without one, and moves `*i` behind
+/// the declaration. False when it is none that libxml2 would take.
+bool DeclaredEncoding(const CUnits& units, std::size_t* at, char (&name)[40])
 {
     name[0] = 0;
+    std::size_t i = *at;
     if (!units.Starts(i, "<?xml") || !IsBlank(units.At(i + 5))) {
         return true;
     }
-    i += 5;
-    for (;;) {
+    const auto skipBlanks = [&units, &i] {
         while (IsBlank(units.At(i))) {
             ++i;
         }
+    };
+    i += 5;
+    for (;;) {
+        skipBlanks();
         if (units.Starts(i, "?>")) {
+            *at = i + 2;
             return true;
         }
         const bool encoding = units.Starts(i, "encoding");
         while (units.At(i) >= 'a' && units.At(i) <= 'z') {
             ++i;
         }
-        while (IsBlank(units.At(i))) {
-            ++i;
-        }
+        skipBlanks();
         if (units.At(i++) != '=') {
             return false;
         }
-        while (IsBlank(units.At(i))) {
-            ++i;
-        }
+        skipBlanks();
         const unsigned quote = units.At(i++);
         if (quote != '"' && quote != '\'') {
             return false;
         }
         std::size_t length = 0;
-        for (; units.At(i) != quote; ++i) {
-            if (units.At(i) <= ' ' || units.At(i) > '~' || length + 1 >= sizeof name) {
+        for (unsigned unit = units.At(i); unit != quote; unit = units.At(++i)) {
+            if (unit <= ' ' || unit > '~' || length + 1 >= sizeof name) {
                 return false;
             }
             if (encoding) {
-                name[length++] = static_cast<char>(units.At(i));
+                name[length++] = static_cast<char>(unit);
                 name[length] = 0;
             }
         }
@@ -264,7 +266,7 @@ const char* RefusalOf(const char* data, std::size_t size)
         begin = 1;
     }
     char encoding[40];
-    if (!DeclaredEncoding(CUnits(data, size, kind), begin, encoding)) {
+    if (!DeclaredEncoding(CUnits(data, size, kind), &begin, encoding)) {
         return k_malformed;
     }
     if (encoding[0] &&

@@ -500,6 +500,9 @@ void CParseSLT::sm_CbSvcInetUrl(CParseSLT* parser, void* node)
 void CParseSLT::t_RemoveDuplicateServices()
 {
     const int count = m->services.Size();
+    if (count < 2) {
+        return;
+    }
     std::unordered_map<const SService*, int, SEqualHash, SEqual> seen(static_cast<std::size_t>(count));
     CRemovals removals(count);
     std::int64_t k = 0;
