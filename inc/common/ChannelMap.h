@@ -24,8 +24,8 @@ class VYR_API CChannelMap {
     /// What a caller registers. Called after a service was added or announced again, on the thread
     /// that added it and outside the store's lock: it may call back into the map.
     struct SCallback {
-        void* userData;
-        void (*fn)(void* userData, void* service);
+        void* userData;                             ///< handed back to fn
+        void (*fn)(void* userData, void* service);  ///< told of the service; null: nobody
     };
 
     CChannelMap();
@@ -63,20 +63,27 @@ class VYR_API CChannelMap {
 
     /// Destination address and UDP port of the service's signalling.
     bool SetDestination(void* service, unsigned int address, unsigned short port);
+    /// What SetDestination stored, each through its pointer unless that is null.
     bool GetDestination(void* service, unsigned int* address, unsigned short* port);
     /// Source address of the service's signalling.
     bool SetSource(void* service, unsigned int address);
+    /// What SetSource stored.
     bool GetSource(void* service, unsigned int* address);
     /// Whether components of the service are protected (encrypted).
     bool SetProtected(void* service, bool isProtected);
+    /// What SetProtected stored; false at first.
     bool GetProtected(void* service, bool* isProtected);
     /// Internet URL of the service. A null service gives false without an assertion in the setter.
     bool SetSvcInetUrl(void* service, const char* url);
+    /// What SetSvcInetUrl stored; empty at first.
     bool GetSvcInetUrl(void* service, std::string& url);
+    /// Kind of that URL: urlType (ATSC A/331 table 6.3).
     bool SetSvcInetUrlType(void* service, EATSC3UrlType type);
+    /// What SetSvcInetUrlType stored; 0 at first.
     bool GetSvcInetUrlType(void* service, EATSC3UrlType* type);
     /// globalServiceID, `size` bytes; more than 999,999 are refused.
     bool SetGlobalServiceId(void* service, const char* id, int size);
+    /// What SetGlobalServiceId stored; empty at first.
     bool GetGlobalServiceId(void* service, std::string& id);
     /// shortServiceName, exactly `size` bytes.
     bool SetServiceName(void* service, const char* name, int size);
@@ -87,10 +94,15 @@ class VYR_API CChannelMap {
     /// 6 DRM data; -1 when never set) and two flags. Required: the setter overwrites the
     /// broadbandAccessRequired that AddService was given.
     bool SetServiceCategory(void* service, int category, bool broadbandAccessRequired, bool hidden);
+    /// What SetServiceCategory stored, each through its pointer unless that is null.
     bool GetServiceCategory(void* service, int* category, bool* broadbandAccessRequired, bool* hidden);
+    /// Signalling protocol of the service: slsProtocol (ATSC A/331 table 6.5).
     bool SetProtocolType(void* service, EATSC3ProtocolType type);
+    /// What SetProtocolType stored; 0 at first.
     bool GetProtocolType(void* service, EATSC3ProtocolType* type);
+    /// URI of the DRM system of the service: drmSystemID.
     bool SetDrmSystemID(void* service, std::string id);
+    /// What SetDrmSystemID stored; empty at first.
     bool GetDrmSystemID(void* service, std::string& id);
 
     /// Copy of a service outside the store, to be freed with DeleteClonedService; null when one of its

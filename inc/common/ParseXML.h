@@ -34,6 +34,6 @@ class VYR_API XMLBase {
     virtual bool Parse(void* doc, void* root);
 
   protected:
-    CXML t_xml;
+    CXML t_xml;         ///< the document, or the view of somebody else's
     bool t_compressed;  ///< the default flag of the two-argument Parse
 };

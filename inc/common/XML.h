@@ -14,6 +14,7 @@
 /// null or 0. An object is used by one thread at a time.
 class VYR_API CXML {
   public:
+    /// Handle of a document.
     typedef void* TDocPtr;
 
     /// Largest compressed document, and largest document that a compressed one may inflate to: bytes.

@@ -15,7 +15,9 @@ class VYR_API CLLSSMTParser : public IParse {
     /// Destroy comes first, else "!m" is asserted.
     ~CLLSSMTParser() override;
 
+    /// Makes the parser ready; false when it is already (asserted).
     bool Create();
+    /// Frees all that was parsed; the object can be created anew.
     void Destroy();
 
     /// Takes one table from the item's cursor on, which stands behind the LLS header. False when the

@@ -38,51 +38,55 @@ enum EAEAPriority : int {};
 /// Records of the advanced emergency alert table (ATSC A/331 6.5). Texts that the table does not give
 /// are empty, numbers 0.
 struct SParseAEAT {
+    /// A text and its language.
     struct SText {
-        std::string text;
-        std::string lang;
+        std::string text;  ///< empty: none
+        std::string lang;  ///< BCP 47 tag; empty: none given
     };
 
+    /// One Location element.
     struct SLocation {
-        std::string location;
-        EAEALocationType type;
+        std::string location;   ///< code or shape, as its type has it
+        EAEALocationType type;  ///< what kind of location
     };
 
     /// Required: names are read from the attribute "ServiceName", not from the element's text.
     struct SLiveMedia {
-        unsigned short bsid;
-        unsigned short serviceId;
-        std::vector<SText> serviceNames;
+        unsigned short bsid;              ///< broadcast stream of the service
+        unsigned short serviceId;         ///< service that carries the coverage
+        std::vector<SText> serviceNames;  ///< its names by language
     };
 
+    /// One Media element.
     struct SMedia {
-        std::string lang;
-        std::string mediaDesc;  ///< required: ends up with the attribute "mediaType", or empty
-        std::string mediaType;  ///< required: stays empty
-        std::string url;
-        std::string alternateUrl;
-        std::string contentType;
+        std::string lang;            ///< language of the file
+        std::string mediaDesc;       ///< required: ends up with the attribute "mediaType", or empty
+        std::string mediaType;       ///< required: stays empty
+        std::string url;             ///< where the file is in the broadcast
+        std::string alternateUrl;    ///< where it is on the internet
+        std::string contentType;     ///< MIME type
         unsigned int contentLength;  ///< low 32 bits, bytes
-        std::string mediaAssoc;
+        std::string mediaAssoc;      ///< URI of the media that this belongs to
     };
 
+    /// One AEA element: an alert.
     struct SAEAInfo {
-        std::string aeaId;
-        std::string issuer;
-        EAEAAudience audience;
-        EAEAType aeaType;
-        std::string retAEAId;  ///< the alert that this one updates or cancels
-        EAEAPriority priority;
-        bool wakeup;
-        std::string effective;  ///< xs:dateTime as it stands
-        std::string expires;
-        std::string eventCode;
-        std::string eventCodeType;
-        std::vector<SText> eventDescs;
-        std::vector<SLocation> locations;
-        std::optional<SLiveMedia> liveMedia;
-        std::vector<SText> texts;
-        std::vector<SMedia> media;
+        std::string aeaId;                    ///< identifier of the alert
+        std::string issuer;                   ///< who issued it
+        EAEAAudience audience;                ///< whom it is for
+        EAEAType aeaType;                     ///< alert, update or cancel
+        std::string retAEAId;                 ///< the alert that this one updates or cancels
+        EAEAPriority priority;                ///< as the table carries it
+        bool wakeup;                          ///< wakes receivers
+        std::string effective;                ///< xs:dateTime as it stands
+        std::string expires;                  ///< xs:dateTime as it stands
+        std::string eventCode;                ///< code of the event
+        std::string eventCodeType;            ///< scheme of the code, such as "SAME"
+        std::vector<SText> eventDescs;        ///< EventDesc: short descriptions by language
+        std::vector<SLocation> locations;     ///< Location: where
+        std::optional<SLiveMedia> liveMedia;  ///< LiveMedia: the last one
+        std::vector<SText> texts;             ///< AEAText: messages by language
+        std::vector<SMedia> media;            ///< Media: files that go with it
     };
 };
 
@@ -94,8 +98,8 @@ class VYR_API CParseAEAT : public TCParseLLS {
   public:
     /// Stored, and never called.
     struct SCallback {
-        void* userData;
-        void (*fn)(void* userData, int result);
+        void* userData;                          ///< of the caller
+        void (*fn)(void* userData, int result);  ///< of the caller
     };
 
     CParseAEAT();
@@ -104,17 +108,28 @@ class VYR_API CParseAEAT : public TCParseLLS {
 
     /// `callback` is copied and may be null.
     bool Create(const CParseAEAT::SCallback* callback);
+    /// Frees every alert; the object can be created anew.
     void Destroy() override;
 
+    /// Number of alerts held.
     int AEACount() const;
+    /// Identifiers of the alert, and of the one that it updates or cancels.
     bool GetAEAId(int index, std::string& aeaId, std::string& retAEAId) const;
+    /// Who issued the alert.
     bool GetAEAIssuer(int index, std::string& issuer) const;
+    /// Whom the alert is for.
     bool GetAEAAudience(int index, EAEAAudience& audience) const;
+    /// Whether the alert is new, updates or cancels one.
     bool GetAEAType(int index, EAEAType& type) const;
+    /// Priority as the table carries it.
     bool GetAEAPriority(int index, EAEAPriority& priority) const;
+    /// Whether the alert is to wake receivers.
     bool AEAWakeup(int index) const;
+    /// Begin and end of the alert, xs:dateTime as it stands.
     bool GetAEATimeInfo(int index, std::string& effective, std::string& expires) const;
+    /// Code of the event and the scheme that it is from.
     bool GetAEAEventCode(int index, std::string& eventCode, std::string& eventCodeType) const;
+    /// Number of event descriptions, one per language.
     int AEAEventDescCount(int index) const;
     /// All of the index-th alert, null outside the list; good until Destroy.
     const SParseAEAT::SAEAInfo* GetAEA(int index) const;

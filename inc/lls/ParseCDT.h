@@ -16,7 +16,9 @@ class VYR_API CParseCDT : public TCParseLLS {
     /// Destroy comes first, else that is asserted.
     ~CParseCDT() override;
 
+    /// Makes the parser ready; false when it is already (asserted).
     bool Create();
+    /// Frees all that was parsed; the object can be created anew.
     void Destroy() override;
 
     /// Text of CurrentCert.

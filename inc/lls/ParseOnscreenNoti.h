@@ -12,26 +12,30 @@ class VYR_API CParseOnscreenNoti : public TCParseLLS {
   public:
     /// One KeepScreenClear element; what it does not give is 0, empty or false.
     struct SKeepScreenClear {
-        unsigned short bsid;
-        unsigned short serviceId;
+        unsigned short bsid;               ///< broadcast stream of the services
+        unsigned short serviceId;          ///< first of them
         unsigned short serviceIdRange;     ///< how many further service ids it is for
         std::string notificationDuration;  ///< xs:duration as it stands
         bool kscFlag;                      ///< keep the screen clear
-        unsigned char version;
+        unsigned char version;             ///< of the entry, low 8 bits
     };
 
     CParseOnscreenNoti();
     /// Destroy comes first, else that is asserted.
     ~CParseOnscreenNoti() override;
 
+    /// Makes the parser ready; false when it is already (asserted).
     bool Create();
+    /// Frees every entry; the object can be created anew.
     void Destroy() override;
 
     /// Number of entries held.
     unsigned int KSCCount() const;
-    /// Fields of the index-th entry; an index outside the range is asserted: 0.
+    /// Broadcast stream of the index-th entry; an index outside the range is asserted: 0.
     unsigned short Bsid(unsigned int index) const;
+    /// First service of the index-th entry; likewise.
     unsigned short ServiceId(unsigned int index) const;
+    /// How many further service ids the index-th entry is for; likewise.
     unsigned short ServiceIdRange(unsigned int index) const;
     /// All of the index-th entry, null outside the range; good until Destroy.
     const SKeepScreenClear* GetKSC(unsigned int index) const;

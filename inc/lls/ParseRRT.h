@@ -7,8 +7,9 @@
 
 /// Records of the rating region table (ATSC A/331).
 struct SParseRRT {
+    /// A text and its language.
     struct STextType {
-        std::string text;
+        std::string text;  ///< empty: none
         std::string lang;  ///< "en" when the table does not say
     };
 };
@@ -22,34 +23,46 @@ class VYR_API CParseRRT : public TCParseLLS {
   public:
     /// Told after each table that parsed, with the number 1.
     struct SCallback {
-        void* userData;
-        void (*fn)(void* userData, int result);
+        void* userData;                          ///< handed back to fn
+        void (*fn)(void* userData, int result);  ///< null: nobody is told
     };
 
     CParseRRT();
     /// Destroy comes first, else "!m" is asserted.
     ~CParseRRT() override;
 
+    /// Makes the parser ready; false when it is already (asserted).
     bool Create();
+    /// Frees every region; the object can be created anew.
     void Destroy() override;
     /// Copies the record; null takes it back.
     bool SetCallback(const CParseRRT::SCallback* callback);
     /// Remembers the caller's channel context.
     bool Start(void* channel);
+    /// Counterpart of Start; changes nothing.
     bool Stop();
 
+    /// Number of regions held.
     unsigned int numOfRatingRegionTable() const;
+    /// Number of the region: regionIdentifier.
     bool GetRegionIdentifier(unsigned int r, unsigned int& identifier) const;
+    /// Name of the region: the last RegionIdText.
     bool GetRegionIdText(unsigned int r, std::string& text) const;
+    /// Number of dimensions of the region.
     unsigned int numOfDimension(unsigned int r) const;
     /// Number of values that the dimension is said to have.
     bool GetDimensionLevels(unsigned int r, unsigned int d, unsigned int& levels) const;
     /// Whether higher values include lower ones.
     bool GetDimensionGraduated(unsigned int r, unsigned int d, bool& graduated) const;
+    /// Name of the dimension: the last DimensionTitle.
     bool GetDimensionTitle(unsigned int r, unsigned int d, std::string& title) const;
+    /// Number of ratings of the dimension.
     unsigned int numOfRating(unsigned int r, unsigned int d) const;
+    /// Number of the rating: ratingValue.
     bool GetRatingValue(unsigned int r, unsigned int d, unsigned int k, unsigned int& value) const;
+    /// Short form of the rating: the last RatingValueAbbrev.
     bool GetRatingValueAbbrev(unsigned int r, unsigned int d, unsigned int k, std::string& abbreviation) const;
+    /// Long form of the rating: the last RatingValueString.
     bool GetRatingValueString(unsigned int r, unsigned int d, unsigned int k, std::string& text) const;
 
   protected:

@@ -15,44 +15,45 @@ class CChannelMap;
 struct SParseSLT {
     /// A URL of the whole table: sltInetUrl (ATSC A/331 table 6.2).
     struct SSltInetUrl {
-        std::string url;
-        int urlType;  ///< -1: absent
+        std::string url;  ///< never empty
+        int urlType;      ///< EATSC3UrlType, any number; -1: absent
     };
 
     /// One service of the table: the Service element (ATSC A/331 table 6.2). Numbers that the table
     /// does not give are 0, addresses are a x 2^24 + b x 2^16 + c x 2^8 + d.
     struct SService {
+        /// The service's SvcInetUrl.
         struct SSvcInetUrl {
-            std::string url;
-            int urlType;  ///< -1: absent
-            bool present;
+            std::string url;  ///< the last one with a text
+            int urlType;      ///< -1: absent
+            bool present;     ///< whether there is one
         };
 
-        void* service;          ///< the service in the channel map
-        unsigned char groupId;  ///< LLS group that announced it
-        unsigned short serviceId;
-        std::optional<std::string> globalServiceId;  ///< globalServiceID, else globalServiceId
-        int sltSvcSeqNum;
-        bool isProtected;
-        int majorChannelNo;
-        int minorChannelNo;
-        int simulcastTsid;
-        int simulcastMajorChannelNo;
-        int simulcastMinorChannelNo;
-        int serviceCategory;
-        std::optional<std::string> shortServiceName;
-        bool hidden;
-        bool broadbandAccessRequired;
-        std::optional<std::string> svcCapabilities;
-        bool hasBroadcastSvcSignaling;
-        std::string drmSystemID;
-        int slsProtocol;  ///< EATSC3ProtocolType, any number
-        int slsMajorProtocolVersion;
-        int slsMinorProtocolVersion;
-        unsigned int slsDestinationIpAddress;
-        int slsDestinationUdpPort;
-        unsigned int slsSourceIpAddress;
-        SSvcInetUrl svcInetUrl;
+        void* service;                                ///< the service in the channel map
+        unsigned char groupId;                        ///< LLS group that announced it
+        unsigned short serviceId;                     ///< unique in the broadcast stream, low 16 bits
+        std::optional<std::string> globalServiceId;   ///< globalServiceID, else globalServiceId
+        int sltSvcSeqNum;                             ///< version of what the table says of the service
+        bool isProtected;                             ///< "protected": components are encrypted
+        int majorChannelNo;                           ///< 1 to 999 for services that people select
+        int minorChannelNo;                           ///< likewise
+        int simulcastTsid;                            ///< "SimulcastTSID": ATSC 1.0 stream with the same programme
+        int simulcastMajorChannelNo;                  ///< channel numbers there
+        int simulcastMinorChannelNo;                  ///< likewise
+        int serviceCategory;                          ///< as CChannelMap has it, any number
+        std::optional<std::string> shortServiceName;  ///< up to 7 characters, by the standard
+        bool hidden;                                  ///< not to be shown to people
+        bool broadbandAccessRequired;                 ///< needs the internet
+        std::optional<std::string> svcCapabilities;   ///< what a receiver must be able to do (A/332)
+        bool hasBroadcastSvcSignaling;                ///< whether the next six are given
+        std::string drmSystemID;                      ///< URI of the DRM system; empty: none
+        int slsProtocol;                              ///< EATSC3ProtocolType, any number
+        int slsMajorProtocolVersion;                  ///< of the signalling protocol
+        int slsMinorProtocolVersion;                  ///< likewise
+        unsigned int slsDestinationIpAddress;         ///< of the signalling
+        int slsDestinationUdpPort;                    ///< of the signalling
+        unsigned int slsSourceIpAddress;              ///< of the signalling
+        SSvcInetUrl svcInetUrl;                       ///< of the service on the internet
     };
 };
 
@@ -65,8 +66,8 @@ class VYR_API CParseSLT : public TCParseLLS {
   public:
     /// Told after each table that parsed, with the number 1.
     struct SCallback {
-        void* userData;
-        void (*fn)(void* userData, int result);
+        void* userData;                          ///< handed back to fn
+        void (*fn)(void* userData, int result);  ///< null: nobody is told
     };
 
     /// Why a Service element did not become a service.
@@ -82,7 +83,8 @@ class VYR_API CParseSLT : public TCParseLLS {
     /// Told of each service that is dropped; the service is good during the call only, and holds what
     /// was read before it was dropped.
     struct SDropCallback {
-        void* userData;
+        void* userData;  ///< handed back to fn
+        /// Null: nobody is told.
         void (*fn)(void* userData, const SParseSLT::SService* service, EDropReason reason);
     };
 
@@ -97,6 +99,7 @@ class VYR_API CParseSLT : public TCParseLLS {
 
     /// Gives the channel context that every later AddService carries.
     bool Start(void* channel);
+    /// Counterpart of Start; changes nothing.
     bool Stop();
     /// Gives the LLS group that the services of the next tables belong to.
     bool AddLLSGroupId(unsigned char groupId);

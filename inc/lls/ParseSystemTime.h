@@ -24,14 +24,20 @@ class VYR_API CParseSystemTime : public TCParseLLS {
     /// Destroy comes first, else "!m" is asserted.
     ~CParseSystemTime() override;
 
+    /// Makes the parser ready for the tables of an LLS group; false when it is already (asserted).
     bool Create(unsigned char groupId);
+    /// Frees all that was parsed; the object can be created anew.
     void Destroy() override;
     /// Remembers the caller's channel context.
     bool Start(void* channel);
+    /// Counterpart of Start; changes nothing.
     bool Stop();
 
+    /// TAI - UTC, seconds.
     int CurrUtcOffset() const;
+    /// Local time - UTC, seconds.
     int UtcLocalOffset() const;
+    /// Whether daylight saving was ever said to be in effect.
     bool DsStatus() const;
     /// All values; null before Create, good until Destroy.
     const SSystemTime* State() const;

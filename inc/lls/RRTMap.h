@@ -19,7 +19,9 @@ class VYR_API CRRTMap {
     CRRTMap(const CRRTMap&) = delete;
     CRRTMap& operator=(const CRRTMap&) = delete;
 
+    /// Joins the store, making it if this is the first handle.
     bool Create();
+    /// Leaves the store; the last handle frees it.
     void Destroy();
 
     /// Makes a region under the key; one that is there already stays.

@@ -10,6 +10,7 @@
 /// Remove may be called on the way; the next step goes on behind the removed entry.
 class VYR_API CCStringHash {
   public:
+    /// Where SetPosition counts from.
     enum EPosState {
         POS_HEAD = 0,     ///< counted from the first entry
         POS_CURRENT = 1,  ///< counted from the cursor, either way
