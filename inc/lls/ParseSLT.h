@@ -45,7 +45,7 @@ struct SParseSLT {
         bool hidden;                                  ///< not to be shown to people
         bool broadbandAccessRequired;                 ///< needs the internet
         std::optional<std::string> svcCapabilities;   ///< what a receiver must be able to do (A/332)
-        bool hasBroadcastSvcSignaling;                ///< whether the next six are given
+        bool hasBroadcastSvcSignaling;                ///< whether there is a BroadcastSvcSignaling
         std::string drmSystemID;                      ///< URI of the DRM system; empty: none
         int slsProtocol;                              ///< EATSC3ProtocolType, any number
         int slsMajorProtocolVersion;                  ///< of the signalling protocol
