@@ -44,8 +44,8 @@ class VYR_API CXML {
     /// Parses `length` bytes at `buf` (not kept). `compressed`: a gzip magic at the start is honoured
     /// (inflated to at most k_maxCompressed bytes), and more than k_maxCompressed bytes are refused.
     /// Refused, besides what is not well-formed: start tags of more than 1,024 attributes, encodings
-    /// in which they cannot be counted, and documents whose own entities expand to more than 524,288
-    /// bytes. False is failure, and no document is held.
+    /// in which they cannot be counted, attribute defaults that multiply, and documents whose own
+    /// entities expand to more than 524,288 bytes. False is failure, and no document is held.
     bool Create(const char* buf, int length, bool compressed);
     /// Parses a file.
     bool Create(const char* filename);

@@ -8,6 +8,7 @@
 #include <iostream>
 
 #include "ExitStatus.h"
+#include "common/Version.h"
 
 namespace vyr::inspect {
 
@@ -70,9 +71,10 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     CLI::App app("Shows the ATSC 3.0 signalling in packet captures and raw table files.", "vyr-atsc30-inspect");
     app.footer(k_footer);
     app.set_help_flag("-h,--help", "Show this help and end");
-    app.set_version_flag("--version",
-                         "vyr-atsc30-inspect " VYR_INSPECT_VERSION "\nlibvyr-atsc30-parser " VYR_INSPECT_VERSION,
-                         "Show the versions of the tool and of the library and end");
+    app.set_version_flag(
+        "--version",
+        std::string("vyr-atsc30-inspect " VYR_INSPECT_VERSION "\nlibvyr-atsc30-parser ") + GetLibraryVersion(),
+        "Show the versions of the tool and of the library and end");
     std::vector<std::string> streams;
     std::vector<std::string> settings;
     bool progress = false;

@@ -1,0 +1,6 @@
+#include "common/Version.h"
+
+const char* GetLibraryVersion()
+{
+    return VYR_VERSION;
+}
