@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "lls/ParseLLS.h"
 #include "platform/Api.h"
@@ -11,6 +12,28 @@ struct SParseRRT {
     struct STextType {
         std::string text;  ///< empty: none
         std::string lang;  ///< "en" when the table does not say
+    };
+
+    /// One Rating element.
+    struct SRating {
+        int ratingValue = 0;     ///< number of the rating in its dimension
+        STextType abbreviation;  ///< the last RatingValueAbbrev
+        STextType text;          ///< the last RatingValueString
+    };
+
+    /// One Dimension element.
+    struct SDimension {
+        int dimensionLevels = 0;          ///< number of values that it is said to have
+        bool dimensionGraduated = false;  ///< whether higher values include lower ones
+        STextType title;                  ///< the last DimensionTitle
+        std::vector<SRating> ratings;     ///< in document order
+    };
+
+    /// One RatingRegionTable element.
+    struct SRegion {
+        int regionIdentifier = 0;            ///< number of the region
+        STextType text;                      ///< the last RegionIdText
+        std::vector<SDimension> dimensions;  ///< in document order
     };
 };
 
@@ -64,6 +87,8 @@ class VYR_API CParseRRT : public TCParseLLS {
     bool GetRatingValueAbbrev(unsigned int r, unsigned int d, unsigned int k, std::string& abbreviation) const;
     /// Long form of the rating: the last RatingValueString.
     bool GetRatingValueString(unsigned int r, unsigned int d, unsigned int k, std::string& text) const;
+    /// All of region r, languages included, null outside the range; good until the next Parse or Destroy.
+    const SParseRRT::SRegion* GetRegion(unsigned int r) const;
 
   protected:
     bool t_Parse(IParse::SItem* item) override;

@@ -1,10 +1,8 @@
 #include "lls/ParseRRT.h"
 
-#include <climits>
 #include <cstring>
-#include <memory>
+#include <utility>
 
-#include "common/CoreOS/PtrArray.h"
 #include "common/Log.h"
 #include "lls/TableDocument.h"
 
@@ -13,43 +11,36 @@ using vyr::CNodeText;
 namespace {
 
 typedef SParseRRT::STextType STextType;
+typedef SParseRRT::SRating SRating;
+typedef SParseRRT::SDimension SDimension;
+typedef SParseRRT::SRegion SRegion;
 
 constexpr unsigned int k_unchecked = 0xFFFFFFFF;
 
+/// The element, or null after the assertion of an index that was left unchecked.
 template <class T>
-void Remove(void* /*context*/, void* element)
+const T* At(const std::vector<T>& list, unsigned int index)
 {
-    delete static_cast<T*>(element);
+    return VYR_ASSERT(index < list.size(), "index < list.size()") ? &list[index] : nullptr;
 }
 
-struct SRating {
-    int ratingValue = 0;
-    STextType abbreviation;
-    STextType text;
-};
-
-struct SDimension {
-    int dimensionLevels = 0;
-    bool dimensionGraduated = false;
-    STextType title;
-    CCPtrArray ratings{Remove<SRating>, nullptr};
-};
-
-struct SRegion {
-    int regionIdentifier = 0;
-    STextType text;
-    CCPtrArray dimensions{Remove<SDimension>, nullptr};
-};
-
 template <class T>
-const T* At(const CCPtrArray& array, unsigned int index)
+unsigned int Count(const std::vector<T>& list)
 {
-    return static_cast<const T*>(array.Data(index <= INT_MAX ? static_cast<int>(index) : -1));
+    return static_cast<unsigned int>(list.size());
 }
 
-unsigned int Count(const CCPtrArray& array)
+/// Whether the index is inside; else logged with the message, which takes index and size.
+template <class T>
+bool IsInside(const std::vector<T>& list, unsigned int index, const char* format, const vyr::SHere& here)
 {
-    return static_cast<unsigned int>(array.Size());
+    if (index < list.size()) {
+        return true;
+    }
+    if (vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        vyr::Print(LOG_PRIORITY_DEBUG, here, format, static_cast<int>(index), static_cast<int>(list.size()));
+    }
+    return false;
 }
 
 /// Sets a text from an element. A later element of the name overwrites it.
@@ -63,25 +54,25 @@ void ReadText(STextType& text, void* node)
 }  // namespace
 
 struct CParseRRT::SState : vyr::STable {
-    CCPtrArray regions{Remove<SRegion>, nullptr};
+    std::vector<SRegion> regions;
     SRegion* region = nullptr;
     SDimension* dimension = nullptr;
     SRating* rating = nullptr;
     void* channel = nullptr;
     SCallback callback{};
 
-    const SRegion* Region(unsigned int r) const { return At<SRegion>(regions, r); }
+    const SRegion* Region(unsigned int r) const { return At(regions, r); }
 
     const SDimension* Dimension(unsigned int r, unsigned int d) const
     {
         const SRegion* owner = Region(r);
-        return owner ? At<SDimension>(owner->dimensions, d) : nullptr;
+        return owner ? At(owner->dimensions, d) : nullptr;
     }
 
     const SRating* Rating(unsigned int r, unsigned int d, unsigned int k) const
     {
         const SDimension* owner = Dimension(r, d);
-        return owner ? At<SRating>(owner->ratings, k) : nullptr;
+        return owner ? At(owner->ratings, k) : nullptr;
     }
 };
 
@@ -167,12 +158,12 @@ bool CParseRRT::m_ProcessParseRRT(void* root)
 void CParseRRT::sm_CbRatingRegionTable(CParseRRT* parser, void* node)
 {
     SState* m = parser->m;
-    auto region = std::make_unique<SRegion>();
-    region->regionIdentifier = CNodeText::Attribute(node, "regionIdentifier").Int(0);
-    m->region = region.get();
+    SRegion region;
+    region.regionIdentifier = CNodeText::Attribute(node, "regionIdentifier").Int(0);
+    m->region = &region;
     vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
     m->region = nullptr;
-    m->regions.Add(region.release());
+    m->regions.push_back(std::move(region));
 }
 
 void CParseRRT::sm_CbRegionIdText(CParseRRT* parser, void* node)
@@ -189,14 +180,14 @@ void CParseRRT::sm_CbDimension(CParseRRT* parser, void* node)
     if (!VYR_ASSERT(region, "m->region")) {
         return;
     }
-    auto dimension = std::make_unique<SDimension>();
-    dimension->dimensionLevels = CNodeText::Attribute(node, "dimensionLevels").Int(0);
+    SDimension dimension;
+    dimension.dimensionLevels = CNodeText::Attribute(node, "dimensionLevels").Int(0);
     const CNodeText graduated = CNodeText::Attribute(node, "dimensionGraduated");
-    dimension->dimensionGraduated = graduated.Found() && std::strcmp(graduated.Text(), "true") == 0;
-    m->dimension = dimension.get();
+    dimension.dimensionGraduated = graduated.Found() && std::strcmp(graduated.Text(), "true") == 0;
+    m->dimension = &dimension;
     vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
     m->dimension = nullptr;
-    region->dimensions.Add(dimension.release());
+    region->dimensions.push_back(std::move(dimension));
 }
 
 void CParseRRT::sm_CbDimensionTitle(CParseRRT* parser, void* node)
@@ -213,12 +204,12 @@ void CParseRRT::sm_CbRating(CParseRRT* parser, void* node)
     if (!VYR_ASSERT(dimension, "m->dimension")) {
         return;
     }
-    auto rating = std::make_unique<SRating>();
-    rating->ratingValue = CNodeText::Attribute(node, "ratingValue").Int(0);
-    m->rating = rating.get();
+    SRating rating;
+    rating.ratingValue = CNodeText::Attribute(node, "ratingValue").Int(0);
+    m->rating = &rating;
     vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
     m->rating = nullptr;
-    dimension->ratings.Add(rating.release());
+    dimension->ratings.push_back(std::move(rating));
 }
 
 void CParseRRT::sm_CbRatingValueAbbrev(CParseRRT* parser, void* node)
@@ -239,33 +230,22 @@ void CParseRRT::sm_CbRatingValueString(CParseRRT* parser, void* node)
 /// the same two getters whoever asks.
 bool CParseRRT::m_isValidIndex(unsigned int r, unsigned int d, unsigned int k) const
 {
-    if (!VYR_ASSERT(m, "m")) {
+    if (!VYR_ASSERT(m, "m") ||
+        !IsInside(m->regions, r, "[CParseRRT::GetRegionIdentifier] index error rrt index[%d] total[%d] !!!",
+                  VYR_HERE)) {
         return false;
     }
-    if (r >= Count(m->regions)) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseRRT::GetRegionIdentifier] index error rrt index[%d] total[%d] !!!",
-                static_cast<int>(r), m->regions.Size());
-        return false;
-    }
+    const std::vector<SDimension>& dimensions = m->regions[r].dimensions;
     if (d == k_unchecked) {
         return true;
     }
-    const CCPtrArray& dimensions = m->Region(r)->dimensions;
-    if (d >= Count(dimensions)) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseRRT::GetDimensionLevels] index error dimension index[%d] total[%d] !!!",
-                static_cast<int>(d), dimensions.Size());
+    if (!IsInside(dimensions, d, "[CParseRRT::GetDimensionLevels] index error dimension index[%d] total[%d] !!!",
+                  VYR_HERE)) {
         return false;
     }
-    if (k == k_unchecked) {
-        return true;
-    }
-    const CCPtrArray& ratings = m->Dimension(r, d)->ratings;
-    if (k >= Count(ratings)) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseRRT::GetDimensionLevels] index error rating index[%d] total[%d] !!!",
-                static_cast<int>(k), ratings.Size());
-        return false;
-    }
-    return true;
+    return k == k_unchecked ||
+           IsInside(dimensions[d].ratings, k,
+                    "[CParseRRT::GetDimensionLevels] index error rating index[%d] total[%d] !!!", VYR_HERE);
 }
 
 unsigned int CParseRRT::numOfRatingRegionTable() const
@@ -330,4 +310,9 @@ bool CParseRRT::GetRatingValueString(unsigned int r, unsigned int d, unsigned in
 {
     const SRating* rating = m_isValidIndex(r, d, k) ? m->Rating(r, d, k) : nullptr;
     return rating && vyr::Give(rating->text.text, text);
+}
+
+const SParseRRT::SRegion* CParseRRT::GetRegion(unsigned int r) const
+{
+    return r < numOfRatingRegionTable() ? m->Region(r) : nullptr;
 }

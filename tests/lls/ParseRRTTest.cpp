@@ -32,7 +32,7 @@ const char k_table[] =
     "<Dimension dimensionLevels='2' dimensionGraduated='true'><DimensionTitle>TV</DimensionTitle>"
     "<Rating "
     "ratingValue='1'><RatingValueAbbrev>G</RatingValueAbbrev><RatingValueString>TV-G</RatingValueString></Rating>"
-    "<Rating ratingValue='-2'><RatingValueString>TV-MA</RatingValueString></Rating></Dimension>"
+    "<Rating ratingValue='-2'><RatingValueString lang='fr'>TV-MA</RatingValueString></Rating></Dimension>"
     "<Dimension dimensionGraduated='true '/></RatingRegionTable>"
     "<RatingRegionTable/></RatingRegionTables>";
 
@@ -59,6 +59,10 @@ TEST_F(ParseRRTTest, RegionsDimensionsAndRatings)
     EXPECT_TRUE(m_rrt.GetRatingValueAbbrev(0, 0, 0, text) && text == "G");
     EXPECT_TRUE(m_rrt.GetRatingValueString(0, 0, 1, text) && text == "TV-MA");
 
+    EXPECT_EQ(m_rrt.GetRegion(0)->text.lang, "en");  // of the last text, not of the one that said "ko"
+    EXPECT_EQ(m_rrt.GetRegion(0)->dimensions[0].ratings[1].text.lang, "fr");
+    EXPECT_EQ(m_rrt.GetRegion(2), nullptr);
+
     // The next table adds its regions.
     ASSERT_TRUE(FeedXml(m_rrt, "<RatingRegionTables><RatingRegionTable regionIdentifier='5'/></RatingRegionTables>"));
     EXPECT_EQ(m_rrt.numOfRatingRegionTable(), 3u);
@@ -83,7 +87,7 @@ TEST_F(ParseRRTTest, BadIndicesSayWhichLevelFailed)
     EXPECT_EQ(Logged("[CParseRRT::GetDimensionLevels] index error rating index[2] total[2] !!!"), 2);
     // All-ones is an unchecked level, and still names nothing.
     EXPECT_FALSE(m_rrt.GetDimensionLevels(0, 0xFFFFFFFF, number) || m_rrt.GetRatingValue(0, 0, 0xFFFFFFFF, number));
-    EXPECT_EQ(TakeAssertions(), "0 <= index && index < m_size; 0 <= index && index < m_size");
+    EXPECT_EQ(TakeAssertions(), "index < list.size(); index < list.size()");
     EXPECT_TRUE(number == 77 && text == "kept" && flag);
 }
 

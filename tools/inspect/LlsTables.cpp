@@ -104,49 +104,49 @@ SContent ReadSystemTime(const CParseSystemTime& parser)
     return content;
 }
 
+TJson TextJson(const SParseRRT::STextType& text)
+{
+    return {{"lang", text.lang}, {"text", text.text}};
+}
+
 SContent ReadRrt(const CParseRRT& parser)
 {
     SContent content;
     content.headline = Counted(parser.numOfRatingRegionTable(), "region");
     content.json["RatingRegionTable"] = TJson::array();
     for (unsigned r = 0; r < parser.numOfRatingRegionTable(); ++r) {
-        unsigned number = 0;
-        std::string text;
-        parser.GetRegionIdentifier(r, number);
-        parser.GetRegionIdText(r, text);
-        content.text += "  region " + std::to_string(number) + ": " + Printable(text) + '\n';
-        TJson region = {{"regionIdentifier", number}, {"RegionIdText", text}, {"Dimension", TJson::array()}};
+        const SParseRRT::SRegion& region = *parser.GetRegion(r);
+        content.text +=
+            "  region " + std::to_string(region.regionIdentifier) + ": " + Printable(region.text.text) + '\n';
+        TJson json = {{"regionIdentifier", region.regionIdentifier},
+                      {"RegionIdText", TextJson(region.text)},
+                      {"Dimension", TJson::array()}};
         std::vector<TRow> rows = {{"  dimension", "levels", "graduated", "value", "abbreviation", "meaning"}};
-        for (unsigned d = 0; d < parser.numOfDimension(r); ++d) {
-            bool graduated = false;
-            parser.GetDimensionLevels(r, d, number);
-            parser.GetDimensionGraduated(r, d, graduated);
-            parser.GetDimensionTitle(r, d, text);
-            TRow row = {"  " + Printable(text), std::to_string(number), graduated ? "yes" : "no"};
-            TJson dimension = {{"DimensionTitle", text},
-                               {"dimensionLevels", number},
-                               {"dimensionGraduated", graduated},
-                               {"Rating", TJson::array()}};
-            for (unsigned k = 0; k < parser.numOfRating(r, d); ++k) {
-                std::string abbreviation;
-                parser.GetRatingValue(r, d, k, number);
-                parser.GetRatingValueAbbrev(r, d, k, abbreviation);
-                parser.GetRatingValueString(r, d, k, text);
-                row.insert(row.end(), {std::to_string(number), Printable(abbreviation), Printable(text)});
+        for (const SParseRRT::SDimension& dimension : region.dimensions) {
+            TRow row = {"  " + Printable(dimension.title.text), std::to_string(dimension.dimensionLevels),
+                        dimension.dimensionGraduated ? "yes" : "no"};
+            TJson ratings = TJson::array();
+            for (const SParseRRT::SRating& rating : dimension.ratings) {
+                row.insert(row.end(), {std::to_string(rating.ratingValue), Printable(rating.abbreviation.text),
+                                       Printable(rating.text.text)});
                 rows.push_back(row);
                 row = {"", "", ""};
-                dimension["Rating"].push_back(
-                    {{"ratingValue", number}, {"RatingValueAbbrev", abbreviation}, {"RatingValueString", text}});
+                ratings.push_back({{"ratingValue", rating.ratingValue},
+                                   {"RatingValueAbbrev", TextJson(rating.abbreviation)},
+                                   {"RatingValueString", TextJson(rating.text)}});
             }
-            if (parser.numOfRating(r, d) == 0) {
+            if (dimension.ratings.empty()) {
                 rows.push_back(row);
             }
-            region["Dimension"].push_back(std::move(dimension));
+            json["Dimension"].push_back({{"DimensionTitle", TextJson(dimension.title)},
+                                         {"dimensionLevels", dimension.dimensionLevels},
+                                         {"dimensionGraduated", dimension.dimensionGraduated},
+                                         {"Rating", std::move(ratings)}});
         }
         if (rows.size() > 1) {
             content.text += Aligned(rows);
         }
-        content.json["RatingRegionTable"].push_back(std::move(region));
+        content.json["RatingRegionTable"].push_back(std::move(json));
     }
     return content;
 }
