@@ -3,15 +3,13 @@
 #include <string>
 
 #include "common/Parse.h"
+#include "support/Gzip.h"
 
 // A benchmark is named SUBJECT/KIND[/VARIANT]/SIZE. Where KIND is "floor" it is what the others of the
 // same subject, variant and size are told as a ratio of.
 
 /// A service list table of `services` services as a broadcaster writes it, header included.
 std::string MakeSlt(int services, bool gzip, unsigned char version = 1);
-
-/// The text as a gzip stream.
-std::string Gzip(const std::string& text);
 
 IParse::SItem Item(const std::string& table);
 

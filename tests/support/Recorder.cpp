@@ -1,7 +1,5 @@
 #include "support/Recorder.h"
 
-#include <zlib.h>
-
 #include <cstdarg>
 #include <cstdio>
 #include <fstream>
@@ -81,19 +79,4 @@ std::vector<unsigned char> Exact(const std::string& bytes)
     std::vector<unsigned char> block(bytes.begin(), bytes.end());
     block.shrink_to_fit();
     return block;
-}
-
-std::string Gzip(const std::string& text)
-{
-    z_stream stream{};
-    deflateInit2(&stream, 9, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
-    std::string out(deflateBound(&stream, text.size()) + 64, '\0');
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-    stream.avail_in = static_cast<uInt>(text.size());
-    stream.next_out = reinterpret_cast<Bytef*>(out.data());
-    stream.avail_out = static_cast<uInt>(out.size());
-    EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
-    out.resize(stream.total_out);
-    deflateEnd(&stream);
-    return out;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/Platform.h"
+#include "support/Gzip.h"
 
 /// One call of the assertion sink.
 struct SAssertion {
@@ -38,6 +39,3 @@ std::string ReadData(const std::string& name);
 
 /// The bytes in a heap block of exactly their size, so that a read past the end is seen.
 std::vector<unsigned char> Exact(const std::string& bytes);
-
-/// The text as a gzip stream.
-std::string Gzip(const std::string& text);
