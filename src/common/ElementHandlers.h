@@ -67,6 +67,41 @@ inline void DestroyHandlers(CCStringHash& hashCallback)
     }
 }
 
+/// What the state of every parser with handlers begins with; deleting the state takes them back.
+struct SHandlers {
+    CCStringHash hashCallback;
+
+    SHandlers() = default;
+    SHandlers(const SHandlers&) = delete;
+    SHandlers& operator=(const SHandlers&) = delete;
+    ~SHandlers() { DestroyHandlers(hashCallback); }
+};
+
+/// What every such parser's Create shares: the state, its hash, the handlers that `addHandlers()` adds.
+/// A failed step is logged and leaves no state; a state that is there already is asserted.
+template <class TState, class TAdd>
+bool CreateState(TState*& m, unsigned int buckets, const SHere& here, TAdd addHandlers)
+{
+    if (m) {
+        return AssertFailed(here, "!m");
+    }
+    m = new TState;
+    if (CreateHandlers(m->hashCallback, buckets, here) && (addHandlers() || CheckFailed(here, "t_CreateCallback()"))) {
+        return true;
+    }
+    delete m;
+    m = nullptr;
+    return false;
+}
+
+/// Gives a value to a getter's output; true.
+template <class T, class TOut>
+bool Give(const T& value, TOut& out)
+{
+    out = static_cast<TOut>(value);
+    return true;
+}
+
 /// Which child elements a walk logs by name.
 enum EChildLog { LOG_ALL_CHILDREN, LOG_HANDLED_CHILDREN, LOG_NO_CHILDREN };
 

@@ -62,7 +62,7 @@ CParseAEAT::~CParseAEAT()
 
 bool CParseAEAT::Create(const CParseAEAT::SCallback* callback)
 {
-    if (!vyr::CreateTable(m, VYR_HERE, [this] { return t_CreateCallback(); })) {
+    if (!vyr::CreateState(m, 7, VYR_HERE, [this] { return t_CreateCallback(); })) {
         return false;
     }
     m->callback = callback ? *callback : SCallback{};

@@ -33,7 +33,7 @@ bool CParseCDT::Create()
     if (!m) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::Create]");
     }
-    return vyr::CreateTable(m, VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateState(m, 7, VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CParseCDT::t_CreateCallback()

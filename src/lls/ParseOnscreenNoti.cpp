@@ -29,7 +29,7 @@ bool CParseOnscreenNoti::Create()
     if (!m) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::Create]");
     }
-    return vyr::CreateTable(m, VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateState(m, 7, VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CParseOnscreenNoti::t_CreateCallback()

@@ -85,7 +85,7 @@ CParseRRT::~CParseRRT()
 
 bool CParseRRT::Create()
 {
-    return vyr::CreateTable(m, VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateState(m, 7, VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CParseRRT::t_CreateCallback()

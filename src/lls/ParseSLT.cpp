@@ -153,7 +153,7 @@ CParseSLT::~CParseSLT()
 bool CParseSLT::Create(CChannelMap* channelMap, const CParseSLT::SCallback* callback)
 {
     if ((!m && !VYR_ASSERT(channelMap, "channelMap")) ||
-        !vyr::CreateTable(m, VYR_HERE, [this] { return t_CreateCallback(); })) {
+        !vyr::CreateState(m, 7, VYR_HERE, [this] { return t_CreateCallback(); })) {
         return false;
     }
     m->channelMap = channelMap;

@@ -10,47 +10,16 @@
 namespace vyr {
 
 /// What the state of every XML table parser begins with; deleting the state lets go of it all.
-struct STable {
+struct STable : SHandlers {
     CXML xml;  ///< document of the last table
-    CCStringHash hashCallback;
-
-    STable() = default;
-    STable(const STable&) = delete;
-    STable& operator=(const STable&) = delete;
 
     ~STable()
     {
-        DestroyHandlers(hashCallback);
         if (xml.FlagCreate()) {
             xml.Destroy();
         }
     }
 };
-
-/// What every XML table parser's Create shares: the state, its hash, the handlers that `addHandlers()`
-/// adds. A failed step is logged and leaves no state; a state that is there already is asserted.
-template <class TState, class TAdd>
-bool CreateTable(TState*& m, const SHere& here, TAdd addHandlers)
-{
-    if (m) {
-        return AssertFailed(here, "!m");
-    }
-    m = new TState;
-    if (CreateHandlers(m->hashCallback, 7, here) && (addHandlers() || CheckFailed(here, "t_CreateCallback()"))) {
-        return true;
-    }
-    delete m;
-    m = nullptr;
-    return false;
-}
-
-/// Gives a value to a getter's output; true.
-template <class T, class TOut>
-bool Give(const T& value, TOut& out)
-{
-    out = static_cast<TOut>(value);
-    return true;
-}
 
 /// The steps that every XML table's t_Parse shares: lets go of the last table's document, builds one
 /// from the item's bytes behind its cursor, moves to the root and calls `process(root)`, whose name in
