@@ -181,4 +181,11 @@ std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, cons
         [document, node](TChild& child) { return child.Parse(document, node); });
 }
 
+/// The same for a child that must know nothing beforehand.
+template <class TChild>
+std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, const SChildSteps& steps, const SHere& here)
+{
+    return BuildXmlChild<TChild>(document, node, steps, here, [](TChild&) { return true; });
+}
+
 }  // namespace vyr

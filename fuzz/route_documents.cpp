@@ -1,0 +1,95 @@
+// Documents of ROUTE service-layer signalling: the first byte picks the parser, and what follows are up
+// to four documents in a row on it.
+#include <algorithm>
+#include <string>
+
+#include "Fuzz.h"
+#include "common/RSAT.h"
+#include "common/ServiceLinkage.h"
+#include "platform/Platform.h"
+#include "route/SLS/DeliveryMethod.h"
+#include "route/SLS/EFDT.h"
+
+namespace {
+
+void Read(const CRSAT& rsat)
+{
+    SRSATServiceInfo service;
+    SRSATUpdateInfo update;
+    for (int i = 0; i < rsat.NumOfService(); ++i) {
+        Require(rsat.GetServiceInfo(i, &service) && static_cast<int>(service.updates.size()) == rsat.NumOfUpdate(i));
+        Require(rsat.NumOfUpdate(i) == 0 || rsat.GetUpdateInfo(i, rsat.NumOfUpdate(i) - 1, &update));
+    }
+    Require(!rsat.GetServiceInfo(rsat.NumOfService(), &service));
+}
+
+void Read(const CServiceLinkage& linkage)
+{
+    Require(linkage.LinkServiceId() == linkage.State()->serviceId);
+    linkage.Dump();
+}
+
+void Read(const CDeliveryMethod& method)
+{
+    for (const CBroadcastAppSvc* service : method.State()->broadcastAppSvcs) {
+        for (const std::string& pattern : service->State()->basePatterns) {
+            Require(!pattern.empty());
+        }
+    }
+}
+
+void Read(const CEFDT& efdt)
+{
+    const SEFDTInfo* info = efdt.GetEFDTInfo();
+    if (info && info->fdtGlobal) {
+        Require(info->idRef != nullptr);
+        for (int i = 0; i < info->fdtGlobal->files.Size(); ++i) {
+            Require(info->fdtGlobal->files.Data(i) != nullptr);
+        }
+    }
+}
+
+template <class TParser>
+void Run(const std::vector<unsigned char>& all)
+{
+    static const unsigned char k_mark[] = {0xFF, 'N', 'E', 'X', 'T'};
+    TParser parser;
+    parser.Create();
+    auto begin = all.begin();
+    for (int i = 0; i < 4 && begin != all.end(); ++i) {
+        const auto end = std::search(begin, all.end(), std::begin(k_mark), std::end(k_mark));
+        const std::vector<unsigned char> document(begin, end);
+        if (!document.empty()) {
+            static_cast<XMLBase&>(parser).Parse(reinterpret_cast<const char*>(document.data()),
+                                                static_cast<unsigned int>(document.size()), false);
+            Read(parser);
+        }
+        begin = end == all.end() ? end : end + sizeof k_mark;
+    }
+    parser.Destroy();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    SetLogPriority(LOG_PRIORITY_SILENT);
+    CScript script(data, size);
+    const std::uint8_t kind = script.Byte() % 4;
+    const std::vector<unsigned char> documents = script.Rest();
+    switch (kind) {
+        case 0:
+            Run<CRSAT>(documents);
+            break;
+        case 1:
+            Run<CServiceLinkage>(documents);
+            break;
+        case 2:
+            Run<CDeliveryMethod>(documents);
+            break;
+        default:
+            Run<CEFDT>(documents);
+            break;
+    }
+    return 0;
+}

@@ -1,0 +1,161 @@
+#include "common/RSAT.h"
+
+#include <iterator>
+#include <memory>
+
+#include "common/CoreOS/PtrArray.h"
+#include "common/ElementHandlers.h"
+#include "common/Log.h"
+
+using vyr::CNodeText;
+
+static void g_CbRemoveService(void* /*context*/, void* element)
+{
+    delete static_cast<SRSATServiceInfo*>(element);
+}
+
+namespace {
+
+/// What a service and an update have in common.
+template <class TInfo>
+void ReadBroadcast(TInfo& info, void* node)
+{
+    info.preferred = CNodeText::Attribute(node, "preferred").Bool();
+    info.majorChannelNo = static_cast<unsigned short>(CNodeText::Attribute(node, "majorChannelNo").Int(-1));
+    info.minorChannelNo = static_cast<unsigned short>(CNodeText::Attribute(node, "minorChannelNo").Int(-1));
+    CNodeText::Attribute(node, "frequency").CopyTo(info.frequency);
+    CNodeText::Attribute(node, "broadcastType").CopyTo(info.broadcastType);
+}
+
+}  // namespace
+
+struct CRSAT::SState : vyr::SHandlers {
+    std::string timestamp;
+    std::string RSATInetURL;
+    CCPtrArray services{g_CbRemoveService, nullptr};
+    SRSATServiceInfo* current = nullptr;  // set while the children of a service are read
+};
+
+CRSAT::CRSAT() : m(nullptr) {}
+
+CRSAT::~CRSAT() = default;
+
+bool CRSAT::Create()
+{
+    if (!m) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::Create]");
+    }
+    return vyr::CreateState(m, 2, VYR_HERE, [this] { return t_CreateCallback(); });
+}
+
+bool CRSAT::t_CreateCallback()
+{
+    static constexpr vyr::SElementHandler<CRSAT> k_handlers[] = {{"Service", sm_CbService, "sm_CbService"},
+                                                                 {"Update", sm_CbUpdate, "sm_CbUpdate"}};
+    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+}
+
+void CRSAT::Destroy()
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::Destroy]");
+    XMLBase::Destroy();
+    delete m;
+    m = nullptr;
+}
+
+bool CRSAT::m_ProcessParse(void* root)
+{
+    if (!VYR_ASSERT(m, "m != nullptr")) {
+        return false;
+    }
+    if (!t_xml.Compare(root, "RSAT")) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::m_ProcessParseRSAT] NOT RSAT FILE");
+        return false;
+    }
+    if (!CNodeText::Attribute(root, "timestamp").CopyTo(m->timestamp)) {
+        return false;
+    }
+    CNodeText::Attribute(root, "RSATInetURL").CopyTo(m->RSATInetURL);
+    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN,
+                          "[CRSAT::m_ProcessParseRSAT] Name[%s]", VYR_HERE);
+    return true;
+}
+
+void CRSAT::sm_CbService(CRSAT* rsat, void* node)
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbService] ");
+    SState* m = rsat->m;
+    auto service = std::make_unique<SRSATServiceInfo>();
+    ReadBroadcast(*service, node);
+    CNodeText::Attribute(node, "validUntil").CopyTo(service->validUntil);
+    m->current = service.get();
+    vyr::DispatchChildren(rsat, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    m->current = nullptr;
+    m->services.Add(service.release());
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbService] %d ", m->services.Size());
+}
+
+void CRSAT::sm_CbUpdate(CRSAT* rsat, void* node)
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::sm_CbUpdate]");
+    // Outside a service there is nothing to update.
+    if (SRSATServiceInfo* service = rsat->m->current) {
+        SRSATUpdateInfo& update = service->updates.emplace_back();
+        ReadBroadcast(update, node);
+        CNodeText::Attribute(node, "validFrom").CopyTo(update.validFrom);
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbUpdate] %d, %d, %s ", update.majorChannelNo, update.minorChannelNo,
+                update.validFrom.c_str());
+    }
+}
+
+bool CRSAT::GetTimestamp(std::string& timestamp) const
+{
+    return VYR_ASSERT(m, "m") && vyr::Give(m->timestamp, timestamp);
+}
+
+bool CRSAT::GetRSATInetURL(std::string& url) const
+{
+    return VYR_ASSERT(m, "m") && vyr::Give(m->RSATInetURL, url);
+}
+
+int CRSAT::NumOfService() const
+{
+    return VYR_ASSERT(m, "m") ? m->services.Size() : 0;
+}
+
+const SRSATServiceInfo* CRSAT::m_Service(int index) const
+{
+    void* service = nullptr;
+    return VYR_ASSERT(m, "m") && m->services.GetAt(index, &service) ? static_cast<SRSATServiceInfo*>(service) : nullptr;
+}
+
+bool CRSAT::GetServiceInfo(int index, SRSATServiceInfo* info) const
+{
+    const SRSATServiceInfo* service = m_Service(index);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::GetServiceInfo] array size[%d]", m ? m->services.Size() : 0);
+    if (!service || !VYR_ASSERT(info, "info")) {
+        return false;
+    }
+    *info = *service;
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::GetServiceInfo] update size[%d]", static_cast<int>(info->updates.size()));
+    return true;
+}
+
+int CRSAT::NumOfUpdate(int service) const
+{
+    const SRSATServiceInfo* record = m_Service(service);
+    return record ? static_cast<int>(record->updates.size()) : 0;
+}
+
+bool CRSAT::GetUpdateInfo(int service, int update, SRSATUpdateInfo* info) const
+{
+    const SRSATServiceInfo* record = m_Service(service);
+    if (!record || update < 0 || update >= static_cast<int>(record->updates.size()) || !VYR_ASSERT(info, "info")) {
+        return false;
+    }
+    *info = *std::next(record->updates.begin(), update);
+    return true;
+}

@@ -1,0 +1,65 @@
+#include "route/SLS/AppSvc.h"
+
+#include "common/ElementHandlers.h"
+#include "common/Log.h"
+
+using vyr::CNodeText;
+
+struct CAppSvc::SState : vyr::SHandlers {
+    SAppSvc values;
+};
+
+CAppSvc::CAppSvc(const char* name) : m_name(name), m(nullptr) {}
+
+CAppSvc::~CAppSvc() = default;
+
+bool CAppSvc::Create()
+{
+    if (!m) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[C%s::Create]", m_name);
+    }
+    return vyr::CreateState(m, 5, VYR_HERE, [this] { return t_CreateCallback(); });
+}
+
+bool CAppSvc::t_CreateCallback()
+{
+    static constexpr vyr::SElementHandler<CAppSvc> k_handlers[] = {
+        {"BasePattern", sm_CbBasePattern, "sm_CbBasePattern"}, {"basePattern", sm_CbBasePattern, "sm_CbBasePattern"}};
+    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+}
+
+void CAppSvc::Destroy()
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[C%s::Destroy]", m_name);
+    XMLBase::Destroy();
+    delete m;
+    m = nullptr;
+}
+
+const CAppSvc::SAppSvc* CAppSvc::State() const
+{
+    return m ? &m->values : nullptr;
+}
+
+bool CAppSvc::m_ProcessParse(void* root)
+{
+    if (!VYR_ASSERT(m, "m != nullptr")) {
+        return false;
+    }
+    const std::string format = std::string("[C") + m_name + "::m_ProcessParse" + m_name + "] %s";
+    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN, format.c_str(), VYR_HERE);
+    return true;
+}
+
+void CAppSvc::sm_CbBasePattern(CAppSvc* service, void* node)
+{
+    const CNodeText pattern = CNodeText::Content(node);
+    if (!pattern.HasText()) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[C%s::sm_CbBasePattern] basePattern value is not exist !!!", service->m_name);
+        return;
+    }
+    service->m->values.basePatterns.emplace_back(pattern.Text());
+}

@@ -1,0 +1,3 @@
+#include "route/SLS/BroadcastAppSvc.h"
+
+CBroadcastAppSvc::CBroadcastAppSvc() : CAppSvc("BroadcastAppSvc") {}

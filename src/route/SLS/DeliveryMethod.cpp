@@ -1,0 +1,85 @@
+#include "route/SLS/DeliveryMethod.h"
+
+#include "common/ElementHandlers.h"
+#include "common/Log.h"
+
+struct CDeliveryMethod::SState : vyr::SHandlers {
+    SDeliveryMethod values;
+
+    ~SState()
+    {
+        for (CBroadcastAppSvc* service : values.broadcastAppSvcs) {
+            vyr::SDestroy()(service);
+        }
+        for (CUnicastAppSvc* service : values.unicastAppSvcs) {
+            vyr::SDestroy()(service);
+        }
+    }
+};
+
+CDeliveryMethod::CDeliveryMethod() : m(nullptr) {}
+
+CDeliveryMethod::~CDeliveryMethod() = default;
+
+bool CDeliveryMethod::Create()
+{
+    if (!m) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CDeliveryMethod::Create]");
+    }
+    return vyr::CreateState(m, 5, VYR_HERE, [this] { return t_CreateCallback(); });
+}
+
+bool CDeliveryMethod::t_CreateCallback()
+{
+    static constexpr vyr::SElementHandler<CDeliveryMethod> k_handlers[] = {
+        {"BroadcastAppService", sm_CbBroadcastAppSvc, "sm_CbBroadcastAppSvc"},
+        {"broadcastAppService", sm_CbBroadcastAppSvc, "sm_CbBroadcastAppSvc"},
+        {"UnicastAppService", sm_CbUnicastAppSvc, "sm_CbUnicastAppSvc"},
+        {"unicastAppService", sm_CbUnicastAppSvc, "sm_CbUnicastAppSvc"},
+    };
+    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+}
+
+void CDeliveryMethod::Destroy()
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CDeliveryMethod::Destroy]");
+    XMLBase::Destroy();
+    delete m;
+    m = nullptr;
+}
+
+const CDeliveryMethod::SDeliveryMethod* CDeliveryMethod::State() const
+{
+    return m ? &m->values : nullptr;
+}
+
+bool CDeliveryMethod::m_ProcessParse(void* root)
+{
+    if (!VYR_ASSERT(m, "m != nullptr")) {
+        return false;
+    }
+    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN,
+                          "[CDeliveryMethod::m_ProcessParseDeliveryMethod] %s", VYR_HERE);
+    return true;
+}
+
+void CDeliveryMethod::sm_CbBroadcastAppSvc(CDeliveryMethod* method, void* cur)
+{
+    static constexpr vyr::SChildSteps k_steps = {"broadcastAppSvc->Create()",
+                                                 "broadcastAppSvc->Parse(root->t_xml.Doc(), cur)"};
+    if (auto service = vyr::BuildXmlChild<CBroadcastAppSvc>(method->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
+        method->m->values.broadcastAppSvcs.push_back(service.release());
+    }
+}
+
+void CDeliveryMethod::sm_CbUnicastAppSvc(CDeliveryMethod* method, void* cur)
+{
+    static constexpr vyr::SChildSteps k_steps = {"unicastAppSvc->Create()",
+                                                 "unicastAppSvc->Parse(root->t_xml.Doc(), cur)"};
+    if (auto service = vyr::BuildXmlChild<CUnicastAppSvc>(method->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
+        method->m->values.unicastAppSvcs.push_back(service.release());
+    }
+}

@@ -1,0 +1,3 @@
+#include "route/SLS/UnicastAppSvc.h"
+
+CUnicastAppSvc::CUnicastAppSvc() : CAppSvc("UnicastAppSvc") {}
