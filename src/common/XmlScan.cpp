@@ -97,15 +97,35 @@ bool IsBlank(unsigned unit)
     return unit == ' ' || unit == '\t' || unit == '\n' || unit == '\r';
 }
 
+bool Is(const char* name, const char* prefix)
+{
+    return strncasecmp(name, prefix, std::strlen(prefix)) == 0;
+}
+
 /// Encodings of eight-bit units in which the bytes of markup stand for nothing else.
 bool KeepsMarkup(const char* name)
 {
     static const char* const k_prefixes[] = {
-        "UTF8",  "US-ASCII", "ASCII",     "ISO-8859-", "ISO8859-",    "ISO_8859",    "LATIN",  "WINDOWS-125", "CP125",
-        "KOI8",  "EUC",      "SHIFT_JIS", "SJIS",      "WINDOWS-31J", "CP932",       "GB2312", "GBK",         "GB18030",
-        "CP936", "BIG5",     "CP950",     "KS_C_5601", "CP949",       "WINDOWS-949", "UHC",    "TIS-620"};
+        "US-ASCII", "ASCII",     "ISO-8859-",   "ISO8859-", "ISO_8859", "LATIN",   "WINDOWS-125", "CP125", "KOI8",
+        "EUC",      "SHIFT_JIS", "SJIS",        "CP932",    "GB2312",   "GBK",     "GB18030",     "CP936", "BIG5",
+        "CP950",    "KS_C_5601", "WINDOWS-31J", "CP949",    "UHC",      "TIS-620", "WINDOWS-949"};
     return std::any_of(std::begin(k_prefixes), std::end(k_prefixes),
-                       [name](const char* prefix) { return strncasecmp(name, prefix, std::strlen(prefix)) == 0; });
+                       [name](const char* prefix) { return Is(name, prefix); });
+}
+
+/// Settles the units of a document that names its encoding. False: they cannot be told. libxml2 takes the
+/// name over what it has detected, from somewhere in the document on.
+bool TakeEncoding(const char* name, EUnits* kind)
+{
+    switch (*kind) {
+        case UTF16_LITTLE:
+            return strcasecmp(name, "UTF-16") == 0 || strcasecmp(name, "UTF-16LE") == 0;
+        case UTF16_BIG:
+            return strcasecmp(name, "UTF-16") == 0 || strcasecmp(name, "UTF-16BE") == 0;
+        default:
+            *kind = Is(name, "UTF-8") || Is(name, "UTF8") ? UTF8_BYTES : OTHER_BYTES;
+            return *kind == UTF8_BYTES || KeepsMarkup(name);
+    }
 }
 
 /// Copies the encoding that the XML declaration at `*i` names, empty without one, and moves `*i` behind
@@ -219,27 +239,37 @@ const char* ScanTags(const CUnits& units)
     return nullptr;
 }
 
-/// Scan of a document with a DTD, whose entities can hold tags too, spelt in part with character
-/// references, and put together from parameter entities. Nothing is stepped over: the attributes
-/// between one "<" and the next count (in the whole document when there are parameter entities).
-const char* ScanWithDtd(const CUnits& units)
+/// Whether too many attributes stand between one "<" and the next, or in the `whole` document; nothing is
+/// stepped over, and a character reference counts like an attribute's "=".
+bool HasTooMany(const CUnits& units, bool whole)
 {
-    const bool whole = units.Find(0, '%') < units.Size();
-    bool defaults = whole;
-    std::uint64_t elements = 0;
     std::size_t count = 0;
     for (std::size_t i = 0; i < units.Size(); ++i) {
         const unsigned unit = units.At(i);
-        if (unit == '<') {
-            count = whole ? count : 0;
-            elements += units.At(i + 1) != '!' && units.At(i + 1) != '?' && units.At(i + 1) != '/';
-            defaults = defaults || units.Starts(i, "<!ATTLIST");
-        } else if (unit == '=' || (unit == '&' && units.At(i + 1) == '#')) {
-            elements += unit == '&';
-            if (++count > k_maxAttributes) {
-                return k_tooMany;
-            }
+        if (unit == '<' && !whole) {
+            count = 0;
+        } else if ((unit == '=' || (unit == '&' && units.At(i + 1) == '#')) && ++count > k_maxAttributes) {
+            return true;
         }
+    }
+    return false;
+}
+
+/// Scan of a document with a DTD, whose entities can hold tags too, spelt in part with character
+/// references, and put together from parameter entities.
+const char* ScanWithDtd(const CUnits& units)
+{
+    const bool parameters = units.Find(0, '%') < units.Size();
+    if (HasTooMany(units, parameters)) {
+        return k_tooMany;
+    }
+    bool defaults = parameters;
+    std::uint64_t elements = 0;
+    for (std::size_t i = 0; i < units.Size(); ++i) {
+        const unsigned next = units.At(i + 1);
+        elements +=
+            (units.At(i) == '<' && next != '!' && next != '?' && next != '/') || (units.At(i) == '&' && next == '#');
+        defaults = defaults || units.Starts(i, "<!ATTLIST");
     }
     return defaults && units.Size() * elements > k_maxDefaulting ? k_defaults : nullptr;
 }
@@ -269,12 +299,8 @@ const char* RefusalOf(const char* data, std::size_t size)
     if (!DeclaredEncoding(CUnits(data, size, kind), &begin, encoding)) {
         return k_malformed;
     }
-    if (encoding[0] &&
-        strncasecmp(encoding, kind == UTF8_BYTES ? "UTF-8" : "UTF-16", kind == UTF8_BYTES ? 5 : 6) != 0) {
-        if (kind != UTF8_BYTES || !KeepsMarkup(encoding)) {
-            return k_encoding;
-        }
-        kind = OTHER_BYTES;
+    if (encoding[0] && !TakeEncoding(encoding, &kind)) {
+        return k_encoding;
     }
     const CUnits units(data, size, kind);
 
@@ -295,7 +321,8 @@ const char* RefusalOf(const char* data, std::size_t size)
     for (i = units.Find(i, '<'); i < units.Size();) {
         const std::size_t next = units.Find(i + 1, '<');
         if (next - i >= k_suspiciousTag) {
-            return ScanTags(units);
+            // Other encodings can spell what makes libxml2 leave a comment early: there, none is stepped over.
+            return kind != OTHER_BYTES ? ScanTags(units) : HasTooMany(units, false) ? k_tooMany : nullptr;
         }
         i = next;
     }
