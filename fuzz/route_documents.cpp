@@ -9,6 +9,7 @@
 #include "platform/Platform.h"
 #include "route/SLS/DeliveryMethod.h"
 #include "route/SLS/EFDT.h"
+#include "route/SLS/ROUTEUsbd.h"
 
 namespace {
 
@@ -49,6 +50,14 @@ void Read(const CEFDT& efdt)
     }
 }
 
+void Read(const CROUTEUsbd& usbd)
+{
+    Require((usbd.State()->serviceLinkage == nullptr) == (usbd.LinkServiceId() == -1));
+    for (int i = 0; i < usbd.State()->languages.Size(); ++i) {
+        Require(*static_cast<const char*>(usbd.State()->languages.Data(i)) != 0);
+    }
+}
+
 template <class TParser>
 void Run(const std::vector<unsigned char>& all)
 {
@@ -75,7 +84,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     SetLogPriority(LOG_PRIORITY_SILENT);
     CScript script(data, size);
-    const std::uint8_t kind = script.Byte() % 4;
+    const std::uint8_t kind = script.Byte() % 5;
     const std::vector<unsigned char> documents = script.Rest();
     switch (kind) {
         case 0:
@@ -87,8 +96,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         case 2:
             Run<CDeliveryMethod>(documents);
             break;
-        default:
+        case 3:
             Run<CEFDT>(documents);
+            break;
+        default:
+            Run<CROUTEUsbd>(documents);
             break;
     }
     return 0;
