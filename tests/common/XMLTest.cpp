@@ -213,13 +213,18 @@ TEST_F(XMLTest, AttackOnAttributesIsRefused)
         wide += std::string(1, c) + '\0';
     }
     EXPECT_FALSE(OpensQuickly(wide));
+    std::string mislabelled = "\xFF\xFE";
+    for (const char c : std::string("<?xml version='1.0' encoding='UTF-16BE'?><r/>")) {
+        mislabelled += std::string(1, c) + '\0';
+    }
+    EXPECT_FALSE(OpensQuickly(mislabelled));
     std::string elements;
     for (int i = 0; i < 20000; ++i) {
         elements += "<a/>";
     }
     EXPECT_FALSE(
         OpensQuickly("<!DOCTYPE r [<!ATTLIST a x CDATA '" + std::string(200000, 'x') + "'>]><r>" + elements + "</r>"));
-    EXPECT_EQ(Logged("refused: "), 10);
+    EXPECT_EQ(Logged("refused: "), 11);
 }
 
 TEST_F(XMLTest, EncodingsAndDtdThatAreFine)
