@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <vector>
 
 /// Takes a fuzz input apart. Past its end everything is 0.
@@ -35,5 +37,22 @@ inline void Require(bool holds)
 {
     if (!holds) {
         std::abort();
+    }
+}
+
+/// Calls `use` with each of the first `most` parts of an input that are not empty, every one in a heap
+/// block of exactly its size; "\xFFNEXT" stands between them.
+template <class TUse>
+void ForEachPart(const std::vector<unsigned char>& all, int most, TUse use)
+{
+    static const unsigned char k_mark[] = {0xFF, 'N', 'E', 'X', 'T'};
+    auto begin = all.begin();
+    for (int i = 0; i < most && begin != all.end(); ++i) {
+        const auto end = std::search(begin, all.end(), std::begin(k_mark), std::end(k_mark));
+        const std::vector<unsigned char> part(begin, end);
+        if (!part.empty()) {
+            use(part);
+        }
+        begin = end == all.end() ? end : end + sizeof k_mark;
     }
 }

@@ -1,6 +1,5 @@
 // Every LLS table but the SLT: the first byte picks the parser, and what follows are up to eight tables
 // in a row on it, each looked at through every getter.
-#include <algorithm>
 #include <list>
 #include <string>
 
@@ -95,19 +94,12 @@ void Read(const CLLSSMTParser& smt)
 template <class TTable>
 void Run(TTable& parser, const std::vector<unsigned char>& all)
 {
-    static const unsigned char k_mark[] = {0xFF, 'N', 'E', 'X', 'T'};
-    auto begin = all.begin();
-    for (int i = 0; i < 8 && begin != all.end(); ++i) {
-        const auto end = std::search(begin, all.end(), std::begin(k_mark), std::end(k_mark));
-        const std::vector<unsigned char> table(begin, end);
+    ForEachPart(all, 8, [&parser](const std::vector<unsigned char>& table) {
         const unsigned int size = static_cast<unsigned int>(table.size());
         IParse::SItem item = {table.data(), size, size * 8, 0, true};
-        if (size > 0) {
-            parser.Parse(&item);
-            Read(parser);
-        }
-        begin = end == all.end() ? end : end + sizeof k_mark;
-    }
+        parser.Parse(&item);
+        Read(parser);
+    });
     parser.Destroy();
 }
 

@@ -1,6 +1,5 @@
 // Documents of ROUTE service-layer signalling: the first byte picks the parser, and what follows are up
 // to four documents in a row on it.
-#include <algorithm>
 #include <string>
 
 #include "Fuzz.h"
@@ -61,20 +60,13 @@ void Read(const CROUTEUsbd& usbd)
 template <class TParser>
 void Run(const std::vector<unsigned char>& all)
 {
-    static const unsigned char k_mark[] = {0xFF, 'N', 'E', 'X', 'T'};
     TParser parser;
     parser.Create();
-    auto begin = all.begin();
-    for (int i = 0; i < 4 && begin != all.end(); ++i) {
-        const auto end = std::search(begin, all.end(), std::begin(k_mark), std::end(k_mark));
-        const std::vector<unsigned char> document(begin, end);
-        if (!document.empty()) {
-            static_cast<XMLBase&>(parser).Parse(reinterpret_cast<const char*>(document.data()),
-                                                static_cast<unsigned int>(document.size()), false);
-            Read(parser);
-        }
-        begin = end == all.end() ? end : end + sizeof k_mark;
-    }
+    ForEachPart(all, 4, [&parser](const std::vector<unsigned char>& document) {
+        static_cast<XMLBase&>(parser).Parse(reinterpret_cast<const char*>(document.data()),
+                                            static_cast<unsigned int>(document.size()), false);
+        Read(parser);
+    });
     parser.Destroy();
 }
 
