@@ -171,21 +171,4 @@ std::unique_ptr<TChild, SDestroy> BuildChild(const SChildSteps& steps, const SHe
     return child;
 }
 
-/// The same for a child that is an XMLBase: Create(), `prepare(child)`, Parse(document, node).
-template <class TChild, class TPrepare>
-std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, const SChildSteps& steps, const SHere& here,
-                                                TPrepare prepare)
-{
-    return BuildChild<TChild>(
-        steps, here, [](TChild& child) { return child.Create(); }, prepare,
-        [document, node](TChild& child) { return child.Parse(document, node); });
-}
-
-/// The same for a child that must know nothing beforehand.
-template <class TChild>
-std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, const SChildSteps& steps, const SHere& here)
-{
-    return BuildXmlChild<TChild>(document, node, steps, here, [](TChild&) { return true; });
-}
-
 }  // namespace vyr

@@ -4,8 +4,8 @@
 #include <memory>
 
 #include "common/CoreOS/PtrArray.h"
-#include "common/ElementHandlers.h"
 #include "common/Log.h"
+#include "common/XmlParser.h"
 
 using vyr::CNodeText;
 
@@ -42,10 +42,7 @@ CRSAT::~CRSAT() = default;
 
 bool CRSAT::Create()
 {
-    if (!m) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::Create]");
-    }
-    return vyr::CreateState(m, 2, VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, 2, "[CRSAT::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CRSAT::t_CreateCallback()
@@ -57,13 +54,7 @@ bool CRSAT::t_CreateCallback()
 
 void CRSAT::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::Destroy]");
-    XMLBase::Destroy();
-    delete m;
-    m = nullptr;
+    vyr::DestroyXmlParser(*this, m, "[CRSAT::Destroy]", VYR_HERE);
 }
 
 bool CRSAT::m_ProcessParse(void* root)

@@ -2,6 +2,7 @@
 
 #include "common/Log.h"
 #include "common/XmlNode.h"
+#include "common/XmlParser.h"
 
 using vyr::CNodeText;
 
@@ -30,23 +31,12 @@ CServiceLinkage::~CServiceLinkage() = default;
 
 bool CServiceLinkage::Create()
 {
-    if (!VYR_ASSERT(!m, "!m")) {
-        return false;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CServiceLinkage::Create]");
-    m = new SState;
-    return true;
+    return vyr::CreateXmlParser(m, "[CServiceLinkage::Create]", VYR_HERE);
 }
 
 void CServiceLinkage::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CServiceLinkage::Destroy]");
-    XMLBase::Destroy();
-    delete m;
-    m = nullptr;
+    vyr::DestroyXmlParser(*this, m, "[CServiceLinkage::Destroy]", VYR_HERE);
 }
 
 bool CServiceLinkage::m_ProcessParse(void* root)

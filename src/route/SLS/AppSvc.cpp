@@ -1,7 +1,7 @@
 #include "route/SLS/AppSvc.h"
 
-#include "common/ElementHandlers.h"
 #include "common/Log.h"
+#include "common/XmlParser.h"
 
 using vyr::CNodeText;
 
@@ -15,10 +15,8 @@ CAppSvc::~CAppSvc() = default;
 
 bool CAppSvc::Create()
 {
-    if (!m) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[C%s::Create]", m_name);
-    }
-    return vyr::CreateState(m, 5, VYR_HERE, [this] { return t_CreateCallback(); });
+    const std::string message = std::string("[C") + m_name + "::Create]";
+    return vyr::CreateXmlParser(m, 5, message.c_str(), VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CAppSvc::t_CreateCallback()
@@ -30,13 +28,8 @@ bool CAppSvc::t_CreateCallback()
 
 void CAppSvc::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[C%s::Destroy]", m_name);
-    XMLBase::Destroy();
-    delete m;
-    m = nullptr;
+    const std::string message = std::string("[C") + m_name + "::Destroy]";
+    vyr::DestroyXmlParser(*this, m, message.c_str(), VYR_HERE);
 }
 
 const CAppSvc::SAppSvc* CAppSvc::State() const

@@ -1,7 +1,7 @@
 #include "route/SLS/DeliveryMethod.h"
 
-#include "common/ElementHandlers.h"
 #include "common/Log.h"
+#include "common/XmlParser.h"
 
 struct CDeliveryMethod::SState : vyr::SHandlers {
     SDeliveryMethod values;
@@ -23,10 +23,7 @@ CDeliveryMethod::~CDeliveryMethod() = default;
 
 bool CDeliveryMethod::Create()
 {
-    if (!m) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CDeliveryMethod::Create]");
-    }
-    return vyr::CreateState(m, 5, VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, 5, "[CDeliveryMethod::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CDeliveryMethod::t_CreateCallback()
@@ -42,13 +39,7 @@ bool CDeliveryMethod::t_CreateCallback()
 
 void CDeliveryMethod::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CDeliveryMethod::Destroy]");
-    XMLBase::Destroy();
-    delete m;
-    m = nullptr;
+    vyr::DestroyXmlParser(*this, m, "[CDeliveryMethod::Destroy]", VYR_HERE);
 }
 
 const CDeliveryMethod::SDeliveryMethod* CDeliveryMethod::State() const

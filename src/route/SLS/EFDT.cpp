@@ -3,8 +3,8 @@
 #include <cstring>
 #include <memory>
 
-#include "common/ElementHandlers.h"
 #include "common/Log.h"
+#include "common/XmlParser.h"
 
 using vyr::CNodeText;
 
@@ -69,10 +69,7 @@ CEFDT::~CEFDT() = default;
 
 bool CEFDT::Create()
 {
-    if (!m) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::Create]");
-    }
-    return vyr::CreateState(m, 5, VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, 5, "[CEFDT::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CEFDT::t_CreateCallback()
@@ -88,13 +85,7 @@ bool CEFDT::t_CreateCallback()
 
 void CEFDT::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::Destroy]");
-    XMLBase::Destroy();
-    delete m;
-    m = nullptr;
+    vyr::DestroyXmlParser(*this, m, "[CEFDT::Destroy]", VYR_HERE);
 }
 
 bool CEFDT::SetCallback(const SEFDTInfoCallback* callback)

@@ -1,8 +1,8 @@
 #include "route/SLS/ROUTEUsbd.h"
 
-#include "common/ElementHandlers.h"
 #include "common/Log.h"
 #include "common/ServiceLinkage.h"
+#include "common/XmlParser.h"
 #include "route/SLS/DeliveryMethod.h"
 #include "route/SLS/ServiceName.h"
 
@@ -42,10 +42,7 @@ CROUTEUsbd::~CROUTEUsbd() = default;
 
 bool CROUTEUsbd::Create()
 {
-    if (!m) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CROUTEUsbd::Create]");
-    }
-    return vyr::CreateState(m, 10, VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, 10, "[CROUTEUsbd::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CROUTEUsbd::t_CreateCallback()
@@ -67,13 +64,7 @@ bool CROUTEUsbd::t_CreateCallback()
 
 void CROUTEUsbd::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CROUTEUsbd::Destroy]");
-    XMLBase::Destroy();
-    delete m;
-    m = nullptr;
+    vyr::DestroyXmlParser(*this, m, "[CROUTEUsbd::Destroy]", VYR_HERE);
 }
 
 bool CROUTEUsbd::m_ProcessParse(void* root)

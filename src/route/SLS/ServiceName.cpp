@@ -4,6 +4,7 @@
 
 #include "common/Log.h"
 #include "common/XmlNode.h"
+#include "common/XmlParser.h"
 
 struct CServiceName::SState {
     std::unique_ptr<char[]> lang;
@@ -15,23 +16,12 @@ CServiceName::~CServiceName() = default;
 
 bool CServiceName::Create()
 {
-    if (!VYR_ASSERT(!m, "!m")) {
-        return false;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CServiceName::Create]");
-    m = new SState;
-    return true;
+    return vyr::CreateXmlParser(m, "[CServiceName::Create]", VYR_HERE);
 }
 
 void CServiceName::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CServiceName::Destroy]");
-    XMLBase::Destroy();
-    delete m;
-    m = nullptr;
+    vyr::DestroyXmlParser(*this, m, "[CServiceName::Destroy]", VYR_HERE);
 }
 
 const char* CServiceName::Lang() const

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <memory>
+
+#include "common/ElementHandlers.h"
+#include "common/ParseXML.h"
+
+// What the XMLBase subclasses share beside their handlers.
+
+namespace vyr {
+
+/// What every Create with handlers shares: a state that is there already is asserted; else `message` is
+/// logged, and the state made with its hash and handlers, as CreateState says.
+template <class TState, class TAdd>
+bool CreateXmlParser(TState*& m, unsigned int buckets, const char* message, const SHere& here, TAdd addHandlers)
+{
+    if (!m && LogEnabled(LOG_PRIORITY_DEBUG)) {
+        Print(LOG_PRIORITY_DEBUG, here, "%s", message);
+    }
+    return CreateState(m, buckets, here, addHandlers);
+}
+
+/// The same for a parser of an element without children.
+template <class TState>
+bool CreateXmlParser(TState*& m, const char* message, const SHere& here)
+{
+    if (m) {
+        return AssertFailed(here, "!m");
+    }
+    if (LogEnabled(LOG_PRIORITY_DEBUG)) {
+        Print(LOG_PRIORITY_DEBUG, here, "%s", message);
+    }
+    m = new TState;
+    return true;
+}
+
+/// What every Destroy shares: logs `message`, lets go of the document and of the state; no state is
+/// asserted.
+template <class TState>
+void DestroyXmlParser(XMLBase& parser, TState*& m, const char* message, const SHere& here)
+{
+    if (!m) {
+        AssertFailed(here, "m");
+        return;
+    }
+    if (LogEnabled(LOG_PRIORITY_DEBUG)) {
+        Print(LOG_PRIORITY_DEBUG, here, "%s", message);
+    }
+    parser.XMLBase::Destroy();
+    delete m;
+    m = nullptr;
+}
+
+/// BuildChild for a child that is an XMLBase: Create(), `prepare(child)`, Parse(document, node).
+template <class TChild, class TPrepare>
+std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, const SChildSteps& steps, const SHere& here,
+                                                TPrepare prepare)
+{
+    return BuildChild<TChild>(
+        steps, here, [](TChild& child) { return child.Create(); }, prepare,
+        [document, node](TChild& child) { return child.Parse(document, node); });
+}
+
+/// The same for a child that must know nothing beforehand.
+template <class TChild>
+std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, const SChildSteps& steps, const SHere& here)
+{
+    return BuildXmlChild<TChild>(document, node, steps, here, [](TChild&) { return true; });
+}
+
+}  // namespace vyr
