@@ -1,6 +1,7 @@
 #pragma once
 
 #include <list>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -93,12 +94,13 @@ class VYR_API CSLSManager {
     /// Makes the manager ready; the record is copied, null is one without callbacks. A second call is
     /// asserted ("!m"): false.
     bool Create(const SCallback* cb);
-    /// Frees everything that callbacks were handed. The object can be created anew.
+    /// Frees everything that callbacks were handed. The object can be created anew. Asserted, and nothing,
+    /// without Create ("m") and inside a callback ("!m->parsing").
     virtual void Destroy();
 
     /// Takes one buffer. Documents longer than 131,071 bytes are skipped. `session` may be null, and then
     /// an EFDT that is a document of its own is skipped; with `skipMpdParse` the MPD is handed on as text
-    /// only. Must not be called from a callback.
+    /// only. Asserted, and nothing, without Create ("m") and inside a callback ("!m->parsing").
     void Parse(const unsigned char* buffer, unsigned int length, const SSessionInfo* session, bool skipMpdParse);
 
     /// The last USBD; null: none is held. Good until the next USBD or Destroy.
@@ -109,11 +111,22 @@ class VYR_API CSLSManager {
   private:
     struct SState;
 
-    void m_ParseUSBD(const unsigned char* buffer, unsigned int size);
-    void m_ParseSTSID(const unsigned char* buffer, unsigned int size);
-    void m_ParseDirectEFDT(const unsigned char* buffer, unsigned int size, const SSessionInfo* session);
-    void m_ParseMPD(const unsigned char* buffer, unsigned int size);
-    void m_ParseRSAT(const unsigned char* buffer, unsigned int size);
+    void m_Parse(const char* text, const SSessionInfo* session, bool skipMpdParse);
+    void m_ParseUSBD(const char* buffer, unsigned int size);
+    void m_ParseSTSID(const char* buffer, unsigned int size);
+    void m_ParseDirectEFDT(const char* buffer, unsigned int size, const SSessionInfo* session);
+    void m_ParseMPD(const char* buffer, unsigned int size);
+    void m_ParseRSAT(const char* buffer, unsigned int size);
+    void m_HandAppData(const char* buffer, unsigned int size, const SSessionInfo* session) const;
+    void m_OnEFDTInfo(unsigned int tsi, SEFDTInfo* info);
+    void m_OnDirectEFDTInfo(SEFDTInfo* info);
+    void m_OnMPDInfo(SMPDInfo* info);
+    void m_OnRatingInfo(const std::set<std::pair<std::string, std::string>>& ratings);
+
+    static void sm_CbEFDTInfo(void* context, unsigned int tsi, SEFDTInfo* info);
+    static void sm_CbDirectEFDTInfo(void* context, SEFDTInfo* info);
+    static void sm_CbMPDInfo(void* context, SMPDInfo* info);
+    static void sm_CbRatingInfo(void* context, const std::set<std::pair<std::string, std::string>>& ratings);
 
     SState* m;
 };

@@ -41,7 +41,7 @@ struct SMPDDescriptors {
 
 /// A run of segments of one duration, in units of the timescale (5.3.9.6).
 struct SMPDSegment {
-    long long t = -1;  ///< start; worked out where not given, -1: behind a run without end
+    long long t = -1;  ///< start; worked out where not given; -1: behind a run without end
     long long n = -1;  ///< number of the first one
     long long d = 0;   ///< duration of each
     long long r = 0;   ///< how often it is repeated; negative: until the next run, or the end of the period
@@ -198,7 +198,6 @@ class VYR_API CMPD : public XMLBase {
   private:
     struct SState;
 
-    bool t_CreateCallback();
     bool m_ProcessParse(void* root) override;
 
     SState* m;
