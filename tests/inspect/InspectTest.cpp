@@ -162,6 +162,81 @@ std::string OtherTables()
     return capture.Bytes();
 }
 
+std::string RouteService(int id, unsigned port, const std::string& source = {})
+{
+    return "<Service serviceId=\"" + std::to_string(id) +
+           "\" serviceCategory=\"4\"><BroadcastSvcSignaling slsProtocol=\"1\" slsDestinationIpAddress=\"" +
+           (port != 0 ? "239.255.7.1" : "none") + "\" slsDestinationUdpPort=\"" + std::to_string(port) + "\"" +
+           (source.empty() ? "" : " slsSourceIpAddress=\"" + source + '"') + "/></Service>";
+}
+
+std::string Usbd(int id)
+{
+    return "<BundleDescriptionROUTE><UserServiceDescription serviceId='" + std::to_string(id) +
+           "'/></BundleDescriptionROUTE>\n";
+}
+
+/// Services whose signalling comes, and services whose signalling does not, for every reason there is.
+std::string Unsignalled()
+{
+    const std::string whole = Usbd(1);
+    const std::string stsid = "<S-TSID></S-TSID>\n";
+    const int size = static_cast<int>(whole.size());
+    std::string services;
+    for (int id = 1; id <= 10; ++id) {
+        services += RouteService(id, 6000 + static_cast<unsigned>(id));
+    }
+    services += RouteService(11, 6011, "10.0.0.1") + RouteService(12, 0) + RouteService(13, 6001, "192.0.2.10") +
+                RouteService(14, 6014) + RouteService(15, 6001);
+    CCapture capture(1);
+    capture.AddRoute(Lct({1, 0, size}, whole), 6001).AddLls(Slt(services, 1));
+    // Service 1 and its repeats; from the source that service 13 names they are of service 13.
+    capture.AddRoute(Lct({1, 0, size}, whole), 6001).AddRoute(Lct({1, 0, size}, whole), 6001);
+    // Nothing for service 2.
+    capture.AddRoute(Lct({1, 9, size}, whole.substr(9)), 6003).AddRoute(Lct({2}, whole.substr(0, 5)), 6003);
+    capture.AddRoute("no LCT packet", 6004).AddRoute("\x12", 6004);
+    capture.AddRoute(Lct({1, 0, size, false, 10}, whole), 6005);
+    capture.AddRoute(Lct({1, 0, size, false, 0, 0x10A0}, whole), 6005);
+    capture.AddRoute(Lct({1, 0, 6}, "binary"), 6006);
+    capture.AddRoute(Lct({1, 0, 4}, "\x1F\x8B\x08?"), 6007);
+    capture.AddRoute(Lct({1, 0, -1, true}, "<S-TSID></a></S-TSID><RSAT></RSAT>\n<MPD>"), 6008);
+    capture.AddRoute(Lct({1, 0, -1, true}, Usbd(99)), 6009);
+    capture.AddRoute(Lct({1, 0, -1, true}, stsid), 6010).AddRoute(Lct({2, 0, -1, true}, Usbd(10)), 6010);
+    capture.AddRoute(Lct({2, 0, -1, true}, Usbd(10)), 6010).AddRoute(Lct({3, 0, -1, true}, Usbd(10)), 6010);
+    capture.AddRoute(Lct({1, 0, size}, whole), 6011);
+    capture.AddRoute(Lct({1, 9000000, -1}, whole), 6014);
+    return capture.Bytes();
+}
+
+/// One of each document, with what the samples do not have.
+std::string EveryDocument()
+{
+    return "Content-type: multipart/related; boundary=x\r\n\r\n--x\r\n"
+           "<e:metadataEnvelope xmlns:e='urn:e'><e:item metadataURI='a' version='7' contentType='t'/><e:item/><!-- -->"
+           "</e:metadataEnvelope>\r\n--x\r\n"
+           "<bundleDescriptionROUTE><userServiceDescription globalServiceID='urn:g' serviceId='5' serviceStatus='1'>"
+           "<name lang='en'>A</name><name>B</name><serviceLanguage>en</serviceLanguage><deliveryMethod>"
+           "<broadcastAppService><basePattern>b1</basePattern><basePattern>&#x9b;2J</basePattern></broadcastAppService>"
+           "<unicastAppService><basePattern>u</basePattern></unicastAppService></deliveryMethod>"
+           "<serviceLinkage bsid='3' LLSGroupId='1' serviceId='6' serviceCategory='1' linkageType='2' "
+           "activationTime='2027-01-01T00:00:00Z' deActivationTime='2027-02-01T00:00:00Z' svcCapabilities='c' "
+           "linkageData='d'/></userServiceDescription></bundleDescriptionROUTE>\r\n--x\r\n"
+           "<S-TSID><RS><LS tsi='1' startTime='2027-01-01T00:00:00Z' endTime='2027-02-01T00:00:00Z'/>"
+           "<LS tsi='2' bw='9'><SrcFlow rt='false' minBuffSize='8'><EFDT tsi='2' idRef='i' version='3' "
+           "maxExpiresDelta='4' maxTransportSize='5'><FileTemplate>f$TOI$</FileTemplate><FDT-Instance Expires='6' "
+           "Content-Type='ct' Content-Encoding='ce' efdtVersion='7' appContextIdList='x y'><File Content-Location='l' "
+           "TOI='8' Transfer-Length='9' Content-Length='10' Content-Type='ft' Content-Encoding='fe' "
+           "appContextIdList='z'/><File/></FDT-Instance></EFDT><ContentInfo><AEAMedia AEAId='aea'/>"
+           "<MediaInfo startUp='true' lang='de' contentType='audio' repId='r'>"
+           "<ContentRating value='V'/><ContentRating schemeIdUri='s' value='W'/>"
+           "</MediaInfo></ContentInfo></SrcFlow></LS></RS></S-TSID>\r\n--x\r\n"
+           "<ApplicationList>\r\n<a/></ApplicationList>\r\n<HELD></HELD>\r\n"
+           "<RSAT timestamp='2027-01-01T00:00:00Z' RSATInetURL='http://r/'><Service preferred='true' "
+           "majorChannelNo='7' "
+           "minorChannelNo='1' frequency='593' broadcastType='ATSC3' validUntil='2028-01-01T00:00:00Z'>"
+           "<Update majorChannelNo='8' validFrom='2028-01-01T00:00:00Z'/></Service><Service/></RSAT>\r\n--x--";
+}
+
 const std::string k_lineup = "lls/lineup-bsid2090-slt.bin";
 
 struct SGolden {
@@ -177,6 +252,9 @@ std::vector<SGolden> Goldens()
         "lls/gpac-a13-unescaped-name-slt.bin lls/gpac-a2-multi-service-systemtime.bin lls/lineup-bsid10017-slt.bin "
         "lls/openssl-signedmultitable.bin lls/openssl-slt-with-cms.bin lls/recompressed-pigz-zlib-slt.bin "
         "lls/recompressed-plain-slt.bin";
+    const std::string sls =
+        "route/gpac-a7-hls-sls1.gz route/openssl-smime-signed-sls.mime route/gpac-a1-single-service-sls3-usbd.xml "
+        "mpd/eyevinn-multi-drm.mpd mpd/gpac-rating-accessibility.mpd";
     const std::string lls = Slt(Service(1), 1);
     const std::string elsewhere = Ethernet(Ipv4(Udp(lls, 5000)));
     const std::string systemTime = Number(3, 1) + lls.substr(1);
@@ -205,6 +283,17 @@ std::vector<SGolden> Goldens()
         {"other-stream", "--lls 224.0.23.60:5000 --lls 224.0.23.60:5001 -", 1, CCapture(1).Add(elsewhere).Bytes()},
         {"no-slt", "-", 1, CCapture(1).AddLls(systemTime).Bytes()},
         {"link-type", "-", 1, CCapture(105).AddLls(lls).Bytes()},
+        {"uncompressed", "pcap/gpac-a3-nozip-split.pcap", 1},
+        {"protected-json", "--json pcap/gpac-a6-protected.pcap", 0},
+        {"session", "--route 239.255.9.1:9000 pcap/gpac-a9-route-only.pcap", 0},
+        {"broken-usbd", "--route 225.1.1.0:6000 --route 1.2.3.4:5 pcap/gpac-a13-unescaped-name.pcap", 1},
+        {"signalling-files", sls, 0},
+        {"every-document", "-", 0, EveryDocument()},
+        {"every-document-json", "--json -", 0, EveryDocument()},
+        {"single-efdt", "-", 0,
+         "\xEF\xBB\xBF<EFDT tsi='3' version='1'><FDT-Instance><File TOI='1'/></FDT-Instance></EFDT>"},
+        {"unsignalled", "-", 1, Unsignalled()},
+        {"unsignalled-json", "--json --quiet -", 1, Unsignalled()},
     };
 }
 
@@ -292,9 +381,17 @@ TEST(Inspect, InputsThatAreNone)
         std::string code;
     } cases[] = {
         {"empty", "-", "", 1, "-: is empty", "input-empty"},
-        {"three bytes", "-", "\x01\x01\x01", 1, "-: not a capture and not an LLS table", "input-unknown"},
-        {"unknown table", "-", "\x07\x01\x01\x01", 1, "-: not a capture and not an LLS table", "input-unknown"},
-        {"text", "inspect/cut.txt", "", 1, "inspect/cut.txt: not a capture and not an LLS table", "input-unknown"},
+        {"three bytes", "-", "\x01\x01\x01", 1, "-: not a capture, not an LLS table and not signalling",
+         "input-unknown"},
+        {"unknown table", "-", "\x07\x01\x01\x01", 1, "-: not a capture, not an LLS table and not signalling",
+         "input-unknown"},
+        {"text", "inspect/cut.txt", "", 1, "inspect/cut.txt: not a capture, not an LLS table and not signalling",
+         "input-unknown"},
+        {"other XML", "-", "<SLT/>", 1, "-: not a capture, not an LLS table and not signalling", "input-unknown"},
+        {"damaged gzip", "-", "\x1F\x8B\x08?", 1, "-: not a capture, not an LLS table and not signalling",
+         "input-unknown"},
+        {"too much signalling", "-", std::string(1048577, ' '), 1,
+         "-: larger than any signalling: more than 1048576 bytes", "input-too-large"},
         {"directory", "inspect", "", 2, "inspect: is a directory", "input-directory"},
         {"missing", "missing.pcap", "", 2, "missing.pcap: No such file or directory", "input-missing"},
         {"hostile name", "'\x1B[2J'", "", 2, "\\x1B[2J: No such file or directory", "input-missing"},
@@ -324,8 +421,9 @@ TEST(Inspect, InputsThatAreNone)
 TEST(Inspect, UsageErrors)
 {
     EXPECT_EQ(Inspect("").status, 2);
-    for (const char* arguments : {"--nonsense", "--lls 1.2.3.4", "--lls 1.2.3:5", "--lls 1.2.3.4:0",
-                                  "--lls 1.2.3.4:65536", "--set a", "--set =1", "--set a=1x", "--log loud"}) {
+    for (const char* arguments :
+         {"--nonsense", "--lls 1.2.3.4", "--lls 1.2.3:5", "--lls 1.2.3.4:0", "--lls 1.2.3.4:65536", "--route 1.2.3.4:x",
+          "--set a", "--set =1", "--set a=1x", "--log loud"}) {
         const SResult result = Inspect(std::string(arguments) + " pcap/gpac-a2-multi-service.pcap");
         EXPECT_EQ(result.status, 2) << arguments;
         EXPECT_EQ(result.out, "") << arguments;
@@ -350,7 +448,24 @@ TEST(Inspect, GuideAndManPageKnowEveryOption)
     }
     EXPECT_GE(options, 10);
     const std::string readme = ReadFile(VYR_DOCS "/../README.md");
-    EXPECT_NE(readme.find(ReadFile(VYR_TEST_DATA "/inspect/three-services.txt")), std::string::npos);
+    // The screen that the README shows: what stands between its lines of dots is what the tool writes.
+    const std::string screen = ReadFile(VYR_TEST_DATA "/inspect/three-services.txt");
+    const std::string begin = "$ scripts/demo\n";
+    std::size_t at = readme.find(begin) + begin.size();
+    const std::size_t end = readme.find("```", at);
+    std::size_t found = 0;
+    int parts = 0;
+    for (; at < end; ++parts) {
+        const std::size_t dots = std::min(readme.find("  \u2026\n", at), end);
+        const std::string part = readme.substr(at, dots - at);
+        found = screen.find(part, found);
+        ASSERT_NE(found, std::string::npos) << part;
+        EXPECT_EQ(found == 0, parts == 0) << "the first part is the beginning";
+        found += part.size();
+        at = dots + std::string("  \u2026\n").size();
+    }
+    EXPECT_GE(parts, 2);
+    EXPECT_EQ(found, screen.size()) << "the last part is the end";
 }
 
 TEST(Inspect, LogAndProgressGoToStandardError)

@@ -16,10 +16,29 @@ inline std::string Number(std::uint64_t value, int bytes)
 }
 
 constexpr std::uint32_t k_lls = 0xE000173C;
+constexpr std::uint32_t k_route = 0xEFFF0701;  // 239.255.7.1
 
 inline std::string Udp(const std::string& payload, unsigned port = 4937)
 {
     return Number(40000, 2) + Number(port, 2) + Number(payload.size() + 8, 2) + Number(0, 2) + payload;
+}
+
+/// LCT packet of a ROUTE session.
+struct SLct {
+    unsigned toi = 1;
+    std::uint32_t start = 0;
+    int length = -1;  ///< in EXT_TOL; -1: without
+    bool close = false;
+    unsigned tsi = 0;
+    unsigned flags = 0x12A0;  ///< version 1, source packet, TSI and TOI of 32 bits
+};
+
+inline std::string Lct(const SLct& fields, const std::string& data)
+{
+    const std::string extension =
+        fields.length >= 0 ? Number(0xC2000000u | static_cast<unsigned>(fields.length), 4) : "";
+    return Number(fields.flags | (fields.close ? 1 : 0), 2) + Number(4 + extension.size() / 4, 1) + Number(0, 1) +
+           Number(0, 4) + Number(fields.tsi, 4) + Number(fields.toi, 4) + extension + Number(fields.start, 4) + data;
 }
 
 struct SIpv4 {
@@ -69,6 +88,12 @@ class CCapture {
                    m_Field(captured.size(), 4) + m_Field(packet.size(), 4) + captured;
         ++m_count;
         return *this;
+    }
+    CCapture& AddRoute(const std::string& packet, unsigned port)
+    {
+        SIpv4 fields;
+        fields.destination = k_route;
+        return Add(Ethernet(Ipv4(Udp(packet, port), fields)));
     }
     CCapture& AddLls(const std::string& table) { return Add(Ethernet(Ipv4(Udp(table)))); }
     const std::string& Bytes() const { return m_bytes; }

@@ -12,6 +12,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "Gunzip.h"
+
 namespace vyr::inspect {
 
 namespace {
@@ -40,6 +42,14 @@ bool IsCaptureMagic(SBytes start)
 bool IsTableStart(SBytes start)
 {
     return start.size >= k_magic && ((start[0] >= 1 && start[0] <= 6) || start[0] >= 0xFE);
+}
+
+/// Whether it may be a document or package of signalling, gzip-compressed or not; its content tells.
+bool IsSlsStart(SBytes start)
+{
+    const std::string text(reinterpret_cast<const char*>(start.data), start.size);
+    return IsGzip(start) || text.find_first_of("< \t\r\n") == 0 || text.rfind("\xEF\xBB\xBF", 0) == 0 ||
+           text.rfind("--", 0) == 0 || text == "Cont" || text == "MIME";
 }
 
 }  // namespace
@@ -117,9 +127,12 @@ CInput::CInput(const std::string& name) : m_file(std::make_unique<SFile>())
     if (IsCaptureMagic(start)) {
         m_OpenCapture();
     } else if (IsTableStart(start)) {
-        m_ReadTable();
+        m_ReadBytes();
+    } else if (IsSlsStart(start)) {
+        m_sls = true;
+        m_ReadBytes();
     } else {
-        throw CInputError(EFault::INPUT_UNKNOWN, "not a capture and not an LLS table");
+        throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
     }
 }
 
@@ -185,15 +198,16 @@ void CInput::m_OpenCapture()
     }
 }
 
-void CInput::m_ReadTable()
+void CInput::m_ReadBytes()
 {
     unsigned char chunk[65536];
     ssize_t count = 0;
     while ((count = m_file->Read(reinterpret_cast<char*>(chunk), sizeof chunk)) > 0) {
-        m_table.insert(m_table.end(), chunk, chunk + count);
-        if (m_table.size() > k_maxTable) {
-            throw CInputError(EFault::INPUT_TOO_LARGE,
-                              "larger than any LLS table: more than " + std::to_string(k_maxTable) + " bytes");
+        m_bytes.insert(m_bytes.end(), chunk, chunk + count);
+        if (m_bytes.size() > k_maxBytes) {
+            throw CInputError(EFault::INPUT_TOO_LARGE, std::string("larger than any ") +
+                                                           (m_sls ? "signalling" : "LLS table") + ": more than " +
+                                                           std::to_string(k_maxBytes) + " bytes");
         }
     }
     if (m_file->error != 0) {

@@ -13,6 +13,8 @@ struct pcap;
 
 namespace vyr::inspect {
 
+constexpr char k_unknown[] = "not a capture, not an LLS table and not signalling";
+
 /// What is wrong with an input.
 class CInputError : public std::runtime_error {
   public:
@@ -29,8 +31,8 @@ struct SPacket {
     std::optional<STime> time;
 };
 
-/// One input, known by its first bytes: a capture, read packet by packet as it grows, or one raw
-/// table.
+/// One input, known by its first bytes: a capture, read packet by packet as it grows, one raw LLS table,
+/// or service-layer signalling (a document or a package).
 class CInput {
   public:
     /// Opens a file, or standard input for "-". Throws CInputError.
@@ -40,27 +42,29 @@ class CInput {
     CInput& operator=(const CInput&) = delete;
 
     bool IsCapture() const { return m_capture != nullptr; }
+    bool IsSls() const { return m_sls; }
     /// DLT number of a capture.
     int LinkType() const;
     std::string LinkTypeText() const;
     /// Next packet of a capture; false at its end. Throws CInputError for a damaged capture.
     bool Next(SPacket& packet);
-    /// Bytes of a raw table.
-    SBytes Table() const { return {m_table.data(), m_table.size()}; }
+    /// Bytes of what is no capture.
+    SBytes Bytes() const { return {m_bytes.data(), m_bytes.size()}; }
 
     /// Ends every input at the bytes read so far; for signal handlers.
     static void Stop();
 
   private:
     struct SFile;
-    static constexpr std::size_t k_maxTable = 1048576;
+    static constexpr std::size_t k_maxBytes = 1048576;
 
     void m_OpenCapture();
-    void m_ReadTable();
+    void m_ReadBytes();
 
     std::unique_ptr<SFile> m_file;
     pcap* m_capture = nullptr;
-    std::vector<unsigned char> m_table;
+    bool m_sls = false;
+    std::vector<unsigned char> m_bytes;
 };
 
 }  // namespace vyr::inspect

@@ -28,6 +28,26 @@ std::string Busiest(const std::map<std::pair<std::uint32_t, std::uint16_t>, std:
     return text;
 }
 
+/// Tells the follower of ROUTE which services hold, when a list has come since it was told.
+void Announce(const std::map<std::pair<std::uint32_t, std::uint16_t>, std::unique_ptr<CLlsFollower>>& followers,
+              std::uint64_t& lists, CRouteFollower& route)
+{
+    std::uint64_t now = 0;
+    for (const auto& [stream, follower] : followers) {
+        now += follower->Lists();
+    }
+    if (now == lists) {
+        return;
+    }
+    lists = now;
+    std::vector<SRouteService> services;
+    for (const auto& [stream, follower] : followers) {
+        const std::vector<SRouteService> some = follower->RouteServices();
+        services.insert(services.end(), some.begin(), some.end());
+    }
+    route.Announce(services);
+}
+
 }  // namespace
 
 CInspector::CInspector(const SOptions& options, CReport& report, const COutput& output, CProgress& progress)
@@ -72,9 +92,11 @@ void CInspector::m_Inspect(const std::string& name)
     if (input.IsCapture()) {
         ++m_report.Summary().captures;
         m_Capture(input, name);
+    } else if (input.IsSls()) {
+        m_SlsFile(input.Bytes(), name);
     } else {
         ++m_report.Summary().rawTables;
-        m_RawTable(input.Table(), name);
+        m_RawTable(input.Bytes(), name);
     }
 }
 
@@ -88,13 +110,17 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         followers[stream] = std::make_unique<CLlsFollower>(EndpointText(stream.first, stream.second), !m_options.strict,
                                                            m_channelMap, m_report);
     }
+    CRouteFollower route(m_options.routeSessions, m_report);
+    std::uint64_t lists = 0;
     SSource source = {name, 0, {}};
     TDestinations destinations;
     CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) {
         const TEndpoint endpoint = {datagram.destination, datagram.destinationPort};
         if (const auto follower = followers.find(endpoint); follower != followers.end()) {
             follower->second->Take(datagram.payload, source);
-        } else if (destinations.size() < k_maxDestinations || destinations.count(endpoint) != 0) {
+            Announce(followers, lists, route);
+        } else if (!route.Take(datagram, source) &&
+                   (destinations.size() < k_maxDestinations || destinations.count(endpoint) != 0)) {
             ++destinations[endpoint];
         }
     });
@@ -106,6 +132,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             m_Finish(*follower);
         }
         if (m_output.Error() == 0) {
+            route.Finish(name);
             m_CaptureFaults(name, decoder.Counts(), followers, destinations);
         }
     };
@@ -142,13 +169,13 @@ void CInspector::m_CaptureFaults(const std::string& name, const SPacketCounts& c
     }
     for (const auto& [stream, follower] : followers) {
         const std::string streamText = EndpointText(stream.first, stream.second);
-        if (follower->Tables() == 0) {
+        if (follower->Tables() == 0 && m_options.routeSessions.empty()) {
             const std::string busiest = Busiest(destinations);
             m_report.Fault({EFault::NO_LLS,
                             "no LLS: none of " + Counted(counts.datagrams, "UDP datagram") + " goes to " + streamText +
                                 (busiest.empty() ? "" : "; the busiest destinations are " + busiest),
                             source});
-        } else if (!follower->SawSlt()) {
+        } else if (follower->Tables() != 0 && !follower->SawSlt()) {
             m_report.Fault({EFault::NO_SLT,
                             "no SLT among " + Counted(follower->Tables(), "LLS table") + " on " + streamText, source});
         }
@@ -160,6 +187,15 @@ void CInspector::m_RawTable(SBytes table, const std::string& name)
     CLlsFollower follower("", !m_options.strict, m_channelMap, m_report);
     follower.Take(table, {name, 0, {}});
     m_Finish(follower);
+}
+
+void CInspector::m_SlsFile(SBytes bytes, const std::string& name)
+{
+    CSlsFollower follower("", {}, m_report);
+    if (!follower.Take({}, bytes, {name, 0, {}})) {
+        throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
+    }
+    ++m_report.Summary().slsFiles;
 }
 
 void CInspector::m_Finish(const CLlsFollower& follower)

@@ -4,6 +4,7 @@
 #include <ctime>
 #include <nlohmann/json.hpp>
 
+#include "Json.h"
 #include "Names.h"
 #include "Text.h"
 
@@ -23,13 +24,6 @@ void PutNamed(TJson& object, const std::string& key, long long number, const cha
     object[key] = number;
     if (name != nullptr) {
         object[key + "Name"] = name;
-    }
-}
-
-void PutText(TJson& object, const char* key, const std::optional<std::string>& text)
-{
-    if (text) {
-        object[key] = *text;
     }
 }
 
@@ -86,7 +80,7 @@ TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
     PutHeader(json, table.header);
     json["bsid"] = table.slt->bsid;
     json["serviceId"] = service.serviceId;
-    PutText(json, "globalServiceID", service.globalServiceId);
+    PutValue(json, "globalServiceID", service.globalServiceId);
     json["sltSvcSeqNum"] = service.sltSvcSeqNum;
     json["protected"] = service.isProtected;
     if (service.majorChannelNo != 0 || service.minorChannelNo != 0) {
@@ -94,10 +88,10 @@ TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
         json["minorChannelNo"] = service.minorChannelNo;
     }
     PutNamed(json, "serviceCategory", service.serviceCategory, ServiceCategoryName(service.serviceCategory));
-    PutText(json, "shortServiceName", service.shortServiceName);
+    PutValue(json, "shortServiceName", service.shortServiceName);
     json["hidden"] = service.hidden;
     json["broadbandAccessRequired"] = service.broadbandAccessRequired;
-    PutText(json, "svcCapabilities", service.svcCapabilities);
+    PutValue(json, "svcCapabilities", service.svcCapabilities);
     if (!service.drmSystemID.empty()) {
         json["drmSystemID"] = service.drmSystemID;
     }
@@ -122,7 +116,7 @@ TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
     return json;
 }
 
-std::string Line(const TJson& json)
+std::string JsonLine(const TJson& json)
 {
     return json.dump(-1, ' ', false, TJson::error_handler_t::replace) + '\n';
 }
@@ -147,7 +141,7 @@ void CJsonReport::Table(const STable& table)
         json["intervalSeconds"] = *table.interval;
     }
     if (table.status == EStatus::REPEATED) {
-        m_output.Write(Line(json));
+        m_output.Write(JsonLine(json));
         return;
     }
     if (!table.parserExists) {
@@ -170,12 +164,53 @@ void CJsonReport::Table(const STable& table)
         json["services"] = table.slt->services.size();
         json["servicesDropped"] = table.slt->dropped;
     }
-    m_output.Write(Line(json));
+    m_output.Write(JsonLine(json));
     if (table.slt) {
         for (const SParseSLT::SService& service : table.slt->services) {
-            m_output.Write(Line(ServiceJson(table, service)));
+            m_output.Write(JsonLine(ServiceJson(table, service)));
         }
     }
+}
+
+void CJsonReport::Signalling(const SSignalling& signalling)
+{
+    TJson json = Object("signalling");
+    json["source"] = SourceJson(signalling.source);
+    PutText(json, "session", signalling.session);
+    PutList(json, "serviceIds", signalling.services);
+    if (signalling.toi) {
+        json["TSI"] = 0;
+        if (signalling.toi->first == 0) {
+            json["TOI"] = signalling.toi->second;
+        } else {
+            json["TOI"] = ToiText(*signalling.toi);
+        }
+    }
+    json["status"] = StatusName(signalling.status);
+    json["size"] = signalling.size;
+    json["gzip"] = signalling.gzip;
+    PutText(json, "contentType", signalling.contentType);
+    for (const SEnvelopeItem& item : signalling.items) {
+        TJson entry = TJson::object();
+        PutValue(entry, "metadataURI", item.metadataURI);
+        PutValue(entry, "version", item.version);
+        PutValue(entry, "contentType", item.contentType);
+        json["metadataEnvelope"].push_back(std::move(entry));
+    }
+    for (const SSlsDocument& document : signalling.documents) {
+        TJson entry = {{"name", DocumentName(document.kind)},
+                       {"size", document.size},
+                       {"status", DocumentStatusName(document.status)},
+                       {"parsed", document.content.has_value()}};
+        PutText(entry, "reason", document.reason);
+        json["documents"].push_back(std::move(entry));
+    }
+    for (const SSlsDocument& document : signalling.documents) {
+        if (document.content) {
+            json[DocumentName(document.kind)] = document.content->json;
+        }
+    }
+    m_output.Write(JsonLine(json));
 }
 
 void CJsonReport::Fault(const SFault& fault)
@@ -193,7 +228,7 @@ void CJsonReport::Fault(const SFault& fault)
     if (!fault.attribute.empty()) {
         json["attribute"] = fault.attribute;
     }
-    m_output.Write(Line(json));
+    m_output.Write(JsonLine(json));
 }
 
 void CJsonReport::Summary(const SSummary& summary)
@@ -202,6 +237,7 @@ void CJsonReport::Summary(const SSummary& summary)
     json["inputs"] = summary.inputs;
     json["captures"] = summary.captures;
     json["rawTables"] = summary.rawTables;
+    json["slsFiles"] = summary.slsFiles;
     json["packets"] = summary.packets.packets;
     json["packetsCut"] = summary.packets.cut;
     json["packetsMalformed"] = summary.packets.malformed;
@@ -226,12 +262,28 @@ void CJsonReport::Summary(const SSummary& summary)
     }
     json["services"] = summary.services;
     json["servicesDropped"] = summary.servicesDropped;
+    json["routeServices"] = summary.routeServices;
+    json["servicesSignalled"] = summary.servicesSignalled;
+    json["routeSessions"] = summary.route.sessions;
+    json["lctPackets"] = summary.route.packets;
+    json["lctPacketsMalformed"] = summary.route.malformed;
+    json["lctPacketsSignalling"] = summary.route.signalling;
+    json["lctPacketsNotTaken"] = summary.route.objects.tooLarge;
+    json["objects"] = summary.route.objects.complete;
+    json["objectsIncomplete"] = summary.route.incomplete;
+    json["objectsDropped"] = summary.route.objects.dropped;
+    TJson signalling = TJson::object();
+    for (std::size_t i = 0; i < k_statuses; ++i) {
+        signalling[StatusName(static_cast<EStatus>(i))] = summary.objects[i];
+    }
+    signalling["documentsNotParsed"] = summary.documentsNotParsed;
+    json["signalling"] = std::move(signalling);
     json["faults"] = summary.faults;
     json["faultsByCode"] = TJson::object();
     for (const auto& [code, count] : summary.faultsByCode) {
         json["faultsByCode"][FaultName(code)] = count;
     }
-    m_output.Write(Line(json));
+    m_output.Write(JsonLine(json));
 }
 
 }  // namespace vyr::inspect

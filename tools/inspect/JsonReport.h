@@ -11,6 +11,7 @@ class CJsonReport : public IReportWriter {
     explicit CJsonReport(COutput& output) : m_output(output) {}
 
     void Table(const STable& table) override;
+    void Signalling(const SSignalling& signalling) override;
     void Fault(const SFault& fault) override;
     void Summary(const SSummary& summary) override;
 

@@ -1,5 +1,6 @@
 #include "LibraryPort.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -11,6 +12,7 @@ namespace vyr::inspect {
 namespace {
 
 constexpr std::size_t k_maxAssertions = 16;
+constexpr char k_nextDocument[] = "[CSLSManager::Parse] PARSE ";
 
 ELogPriority g_lowest = LOG_PRIORITY_SILENT;
 std::map<std::string, int> g_settings;
@@ -20,7 +22,8 @@ std::vector<SAssertion> g_assertions;
 bool TellsOfRefusal(const char* format)
 {
     return std::strstr(format, "[Xml Error Info]") != nullptr || std::strstr(format, "refused: ") != nullptr ||
-           std::strstr(format, "XML Create Fail") != nullptr || std::strstr(format, "_CHECK FAIL") != nullptr;
+           std::strstr(format, "XML Create Fail") != nullptr || std::strstr(format, "_CHECK FAIL") != nullptr ||
+           std::strstr(format, k_nextDocument) != nullptr;
 }
 
 void Log(int priority, const char*, const char* format, va_list arguments)
@@ -91,36 +94,50 @@ CRefusalListener::~CRefusalListener()
 void CRefusalListener::Hear(const std::string& message)
 {
     const std::string xmlError = After(message, "[Xml Error Info]");
-    if (message.find("[Xml Error Info]") != std::string::npos) {
-        if (m_xmlErrors.size() + xmlError.size() <= k_maxText) {
-            m_xmlErrors += xmlError;
+    const std::string next = After(message, k_nextDocument);
+    if (!next.empty()) {
+        m_current = &m_heard[next.substr(0, next.find(" buf1"))];
+    } else if (message.find("[Xml Error Info]") != std::string::npos) {
+        if (m_current->xmlErrors.size() + xmlError.size() <= k_maxText) {
+            m_current->xmlErrors += xmlError;
         }
     } else if (message.find("_CHECK FAIL") != std::string::npos) {
-        m_failedCheck = message;
+        m_current->failedCheck.append(message, 0, k_maxText - std::min(k_maxText, m_current->failedCheck.size()));
     } else {
-        m_refusal = After(message, " > ");
+        m_current->refusal = After(message, " > ");
     }
 }
 
-std::string CRefusalListener::Reason() const
+bool CRefusalListener::Failed(const std::string& document) const
 {
-    // "Entity: line 3: parser error : xmlParseEntityRef: no name\n", then the offending line.
-    const std::size_t line = m_xmlErrors.find("line ");
-    const std::size_t error = m_xmlErrors.find("error : ", line);
-    if (line != std::string::npos && error != std::string::npos) {
-        const std::string where = m_xmlErrors.substr(line, m_xmlErrors.find(':', line) - line);
-        const std::size_t what = error + std::strlen("error : ");
-        return where + ": " + m_xmlErrors.substr(what, m_xmlErrors.find('\n', what) - what);
+    const auto heard = m_heard.find(document);
+    return heard != m_heard.end() && !heard->second.failedCheck.empty();
+}
+
+std::string CRefusalListener::Reason(const std::string& document) const
+{
+    const auto entry = m_heard.find(document);
+    if (entry == m_heard.end()) {
+        return {};
     }
-    const std::string refused = After(m_refusal, "refused: ");
+    const SHeard& heard = entry->second;
+    // "Entity: line 3: parser error : xmlParseEntityRef: no name\n", then the offending line.
+    const std::size_t line = heard.xmlErrors.find("line ");
+    const std::size_t error = heard.xmlErrors.find("error : ", line);
+    if (line != std::string::npos && error != std::string::npos) {
+        const std::string where = heard.xmlErrors.substr(line, heard.xmlErrors.find(':', line) - line);
+        const std::size_t what = error + std::strlen("error : ");
+        return where + ": " + heard.xmlErrors.substr(what, heard.xmlErrors.find('\n', what) - what);
+    }
+    const std::string refused = After(heard.refusal, "refused: ");
     if (!refused.empty()) {
         return refused;
     }
-    if (!m_refusal.empty()) {
-        return m_refusal;
+    if (!heard.refusal.empty()) {
+        return heard.refusal;
     }
-    return m_failedCheck.find("m_ProcessParse") != std::string::npos ? "its root element belongs to another table"
-                                                                     : std::string();
+    return heard.failedCheck.find("m_ProcessParse") != std::string::npos ? "its root element belongs to another table"
+                                                                         : std::string();
 }
 
 std::vector<SAssertion> TakeAssertions()

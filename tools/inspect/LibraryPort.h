@@ -17,7 +17,9 @@ struct SAssertion {
     std::string place;  ///< "src/common/XML:120"
 };
 
-/// Listens, while it lives, to what the library says about the document it refuses. One at a time.
+/// Listens, while it lives, to what the library says about the document it refuses. One at a time. Of a
+/// buffer of several documents it tells them apart by `document`, the name that the SLS manager logs
+/// before it parses one ("STSID"); what is said before the first is about the empty name.
 class CRefusalListener {
   public:
     CRefusalListener();
@@ -26,17 +28,22 @@ class CRefusalListener {
     CRefusalListener& operator=(const CRefusalListener&) = delete;
 
     /// Whether a step of the library failed.
-    bool Failed() const { return !m_failedCheck.empty(); }
+    bool Failed(const std::string& document = {}) const;
     /// The first reason that was given, such as "line 3: xmlParseEntityRef: no name"; empty: none.
-    std::string Reason() const;
+    std::string Reason(const std::string& document = {}) const;
     void Hear(const std::string& message);
 
   private:
     static constexpr std::size_t k_maxText = 4096;
 
-    std::string m_xmlErrors;
-    std::string m_refusal;
-    std::string m_failedCheck;
+    struct SHeard {
+        std::string xmlErrors;
+        std::string refusal;
+        std::string failedCheck;
+    };
+
+    std::map<std::string, SHeard> m_heard;  ///< by document
+    SHeard* m_current = &m_heard[{}];
 };
 
 /// Assertions of the library since the last call; few are kept when there are very many.

@@ -4,6 +4,7 @@
 #include <set>
 #include <utility>
 
+#include "Gunzip.h"
 #include "LibraryPort.h"
 #include "LlsTables.h"
 #include "Names.h"
@@ -17,13 +18,14 @@ namespace {
 constexpr std::size_t k_header = 4;
 constexpr unsigned k_slt = 1;
 constexpr std::uint32_t k_noAddress = 0xFFFFFFFF;
+constexpr int k_route = 1;
 
 const char* Encoding(SBytes payload)
 {
     if (payload.size == 0) {
         return "empty";
     }
-    if (payload.size >= 2 && payload.Be16(0) == 0x1F8B) {
+    if (IsGzip(payload)) {
         return "gzip";
     }
     if (payload.size >= 2 && (payload[0] & 0x0F) == 8 && payload[0] <= 0x78 && payload.Be16(0) % 31 == 0) {
@@ -34,19 +36,6 @@ const char* Encoding(SBytes payload)
         ++at;
     }
     return at < payload.size && payload[at] == '<' ? "XML" : "binary";
-}
-
-/// A sender that compresses each copy anew changes nothing but the time stamp of the gzip header.
-std::uint64_t Hash(SBytes payload)
-{
-    const bool gzip = payload.size >= 8 && payload.Be16(0) == 0x1F8B;
-    std::uint64_t hash = 0xCBF29CE484222325u;
-    for (std::size_t i = 0; i < payload.size; ++i) {
-        if (!gzip || i < 4 || i >= 8) {
-            hash = (hash ^ payload[i]) * 0x100000001B3u;
-        }
-    }
-    return hash;
 }
 
 double Seconds(const STime& time)
@@ -86,6 +75,20 @@ std::string DropText(const SParseSLT::SService& service, CParseSLT::EDropReason 
             return "it equals another service of the table";
     }
     return "unknown reason";
+}
+
+SRouteService RouteService(const SParseSLT::SService& service)
+{
+    SRouteService route;
+    route.serviceId = static_cast<unsigned>(service.serviceId);
+    const bool usable = service.slsDestinationIpAddress != 0 && service.slsDestinationIpAddress != k_noAddress &&
+                        service.slsDestinationUdpPort > 0 && service.slsDestinationUdpPort <= 0xFFFF;
+    if (usable) {
+        route.session.destination = service.slsDestinationIpAddress;
+        route.session.port = static_cast<std::uint16_t>(service.slsDestinationUdpPort);
+        route.session.source = service.slsSourceIpAddress != k_noAddress ? service.slsSourceIpAddress : 0;
+    }
+    return route;
 }
 
 /// What the drop callback works on.
@@ -137,6 +140,15 @@ std::size_t CLlsFollower::Services() const
         count += current->services.size();
     }
     return count;
+}
+
+std::vector<SRouteService> CLlsFollower::RouteServices() const
+{
+    std::vector<SRouteService> services;
+    for (const auto& [groupId, current] : m_current) {
+        services.insert(services.end(), current->routeServices.begin(), current->routeServices.end());
+    }
+    return services;
 }
 
 void CLlsFollower::m_Take(SBytes bytes, const SSource& source, bool insideMultiTable)
@@ -235,7 +247,7 @@ void CLlsFollower::m_AddAssertions(const std::vector<SAssertion>& assertions, co
 
 EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SBytes payload, STable& table, const SSource& source)
 {
-    const std::uint64_t hash = Hash(payload);
+    const std::uint64_t hash = ContentHash(payload);
     const auto [entry, isNew] = m_states.try_emplace(Key(header));
     SState& state = entry->second;
     if (source.time && state.lastSeen && Seconds(*source.time) >= Seconds(*state.lastSeen)) {
@@ -287,7 +299,11 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& tabl
         m_Read(parser, bytes, table, outcome);
         for (const SParseSLT::SService& service : outcome.slt->services) {
             current->services.push_back(service.service);
+            if (service.hasBroadcastSvcSignaling && service.slsProtocol == k_route) {
+                current->routeServices.push_back(RouteService(service));
+            }
         }
+        ++m_lists;
         m_Hold(table.header.groupId, std::move(current), table, outcome);
     } else {
         m_Explain(table, outcome);

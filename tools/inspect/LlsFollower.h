@@ -9,6 +9,7 @@
 
 #include "LibraryPort.h"
 #include "Report.h"
+#include "RouteService.h"
 #include "common/ChannelMap.h"
 
 namespace vyr::inspect {
@@ -31,6 +32,10 @@ class CLlsFollower {
     bool SawSlt() const { return m_sawSlt; }
     /// Services in the lists that hold now.
     std::size_t Services() const;
+    /// Of those, the ones that are carried by ROUTE.
+    std::vector<SRouteService> RouteServices() const;
+    /// How many lists have parsed: RouteServices is as it was while this is.
+    std::uint64_t Lists() const { return m_lists; }
 
   private:
     static constexpr std::size_t k_maxServices = 16384;
@@ -38,6 +43,7 @@ class CLlsFollower {
     /// The services of one list; its address is their channel in the channel map.
     struct SCurrentSlt {
         std::vector<void*> services;
+        std::vector<SRouteService> routeServices;
     };
     struct SState {
         SLlsHeader header;
@@ -70,6 +76,7 @@ class CLlsFollower {
     std::map<unsigned char, std::unique_ptr<SCurrentSlt>> m_current;
     std::list<unsigned char> m_groups;  ///< of m_current, oldest list first
     std::uint64_t m_taken = 0;
+    std::uint64_t m_lists = 0;
     bool m_sawSlt = false;
 };
 

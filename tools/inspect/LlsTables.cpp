@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <list>
 
 #include "Certificates.h"
@@ -21,42 +20,6 @@ namespace vyr::inspect {
 namespace {
 
 constexpr std::size_t k_header = 4;
-
-/// The texts that are not empty, set apart by commas.
-std::string Joined(const std::vector<std::string>& texts)
-{
-    std::string joined;
-    for (const std::string& text : texts) {
-        joined += (joined.empty() || text.empty() ? "" : ", ") + text;
-    }
-    return joined;
-}
-
-std::string Quoted(const std::string& text)
-{
-    return '"' + Printable(text) + '"';
-}
-
-/// "  label  text", with the label in a column of its own; nothing for no text.
-std::string Line(const char* label, const std::string& text)
-{
-    char line[32];
-    std::snprintf(line, sizeof line, "    %-10s", label);
-    return text.empty() ? std::string() : line + text + '\n';
-}
-
-std::string InLanguage(const std::string& lang)
-{
-    return lang.empty() ? std::string() : " (" + Printable(lang) + ')';
-}
-
-std::string EpochText(long seconds)
-{
-    const std::time_t time = seconds;
-    std::tm utc{};
-    char text[32];
-    return gmtime_r(&time, &utc) && std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc) != 0 ? text : "?";
-}
 
 /// "UTC-5", "UTC+5:30".
 std::string ZoneText(int seconds)
@@ -323,10 +286,12 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
     content.text += current.empty() ? "" : "  current certificate: " + Printable(current) + '\n';
     if (!next.empty()) {
         // The library's times of this table are one second late.
-        content.text += "  next certificate: " + Printable(next) + ", from " + EpochText(from - 1) +
-                        ", the current one until " + EpochText(until - 1) + '\n';
-        content.json["CertReplacement"] = {
-            {"NextCert", next}, {"NextCertFrom", EpochText(from - 1)}, {"CurrentCertUntil", EpochText(until - 1)}};
+        content.text += "  next certificate: " + Printable(next) + ", from " +
+                        EpochText(static_cast<double>(from - 1)) + ", the current one until " +
+                        EpochText(static_cast<double>(until - 1)) + '\n';
+        content.json["CertReplacement"] = {{"NextCert", next},
+                                           {"NextCertFrom", EpochText(static_cast<double>(from - 1))},
+                                           {"CurrentCertUntil", EpochText(static_cast<double>(until - 1))}};
     }
     content.text += "  OCSP responses are renewed every " + std::to_string(refresh) + " s\n";
     content.json["CurrentCert"] = current;

@@ -29,14 +29,14 @@ bool ReadNumber(const std::string& text, TNumber& number)
     return error == std::errc() && end == text.data() + text.size();
 }
 
-std::pair<std::uint32_t, std::uint16_t> ReadEndpoint(const std::string& text)
+std::pair<std::uint32_t, std::uint16_t> ReadEndpoint(const char* option, const std::string& text)
 {
     const std::size_t colon = text.rfind(':');
     in_addr address{};
     std::uint16_t port = 0;
     if (colon == std::string::npos || inet_pton(AF_INET, text.substr(0, colon).c_str(), &address) != 1 ||
         !ReadNumber(text.substr(colon + 1), port) || port == 0) {
-        throw CLI::ValidationError("--lls", "'" + text + "' is not ADDRESS:PORT");
+        throw CLI::ValidationError(option, "'" + text + "' is not ADDRESS:PORT");
     }
     return {ntohl(address.s_addr), port};
 }
@@ -68,7 +68,7 @@ std::pair<std::string, int> ReadSetting(const std::string& text)
 
 bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exitStatus)
 {
-    CLI::App app("Shows the ATSC 3.0 signalling in packet captures and raw table files.", "vyr-atsc30-inspect");
+    CLI::App app("Shows the ATSC 3.0 signalling in packet captures and raw files.", "vyr-atsc30-inspect");
     app.footer(k_footer);
     app.set_help_flag("-h,--help", "Show this help and end");
     app.set_version_flag(
@@ -76,14 +76,20 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         std::string("vyr-atsc30-inspect " VYR_INSPECT_VERSION "\nlibvyr-atsc30-parser ") + GetLibraryVersion(),
         "Show the versions of the tool and of the library and end");
     std::vector<std::string> streams;
+    std::vector<std::string> sessions;
     std::vector<std::string> settings;
     bool progress = false;
     bool noProgress = false;
-    app.add_option("INPUT", options.inputs, "pcap or pcapng capture, raw LLS table, or - for standard input")
+    app.add_option("INPUT", options.inputs,
+                   "pcap or pcapng capture, raw LLS table, ROUTE signalling, or - for standard input")
         ->required()
         ->type_name("");
     app.add_flag("--json", options.json, "Write one JSON object per line in place of text");
     app.add_option("--lls", streams, "LLS stream to read in place of 224.0.23.60:4937; may be repeated")
+        ->type_name("ADDRESS:PORT")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    app.add_option("--route", sessions, "ROUTE session to follow though no service list announces it; may be repeated")
         ->type_name("ADDRESS:PORT")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
@@ -103,7 +109,10 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         app.parse(argc, argv);
         options.log = ReadLevel(log);
         for (const std::string& text : streams) {
-            options.llsStreams.insert(ReadEndpoint(text));
+            options.llsStreams.insert(ReadEndpoint("--lls", text));
+        }
+        for (const std::string& text : sessions) {
+            options.routeSessions.insert(ReadEndpoint("--route", text));
         }
         for (const std::string& text : settings) {
             const auto [key, value] = ReadSetting(text);

@@ -47,6 +47,14 @@ const char* FaultName(EFault code)
             return "no-lls";
         case EFault::NO_SLT:
             return "no-slt";
+        case EFault::LCT_MALFORMED:
+            return "lct-malformed";
+        case EFault::OBJECT_NOT_READ:
+            return "object-not-read";
+        case EFault::DOCUMENT_NOT_PARSED:
+            return "document-not-parsed";
+        case EFault::NO_SIGNALLING:
+            return "no-signalling";
     }
     return "";
 }
@@ -68,6 +76,30 @@ const char* StatusName(EStatus status)
     return "";
 }
 
+const char* DocumentName(ESlsDocument kind)
+{
+    constexpr const char* k_names[] = {"BundleDescriptionROUTE", "S-TSID", "EFDT", "MPD",
+                                       "ApplicationList",        "HELD",   "RSAT"};
+    return k_names[static_cast<std::size_t>(kind)];
+}
+
+const char* DocumentStatusName(EDocumentStatus status)
+{
+    constexpr const char* k_names[] = {"new", "changed", "unchanged"};
+    return k_names[static_cast<std::size_t>(status)];
+}
+
+SRouteCounts& SRouteCounts::operator+=(const SRouteCounts& other)
+{
+    sessions += other.sessions;
+    packets += other.packets;
+    malformed += other.malformed;
+    signalling += other.signalling;
+    objects += other.objects;
+    incomplete += other.incomplete;
+    return *this;
+}
+
 bool IsInputFault(EFault code)
 {
     return code <= EFault::INPUT_TOO_LARGE;
@@ -87,6 +119,18 @@ void CReport::Table(const STable& table)
     m_summary.servicesDropped += table.slt ? table.slt->dropped : 0;
     if (!m_quiet) {
         m_writer.Table(table);
+    }
+}
+
+void CReport::Signalling(const SSignalling& signalling)
+{
+    ++m_summary.objects[static_cast<std::size_t>(signalling.status)];
+    for (const SSlsDocument& document : signalling.documents) {
+        const bool again = document.status == EDocumentStatus::UNCHANGED;
+        m_summary.documentsNotParsed += document.content || again ? 0 : 1;
+    }
+    if (!m_quiet && signalling.status != EStatus::REPEATED) {
+        m_writer.Signalling(signalling);
     }
 }
 

@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "Ipv4.h"
+#include "Lct.h"
+#include "ObjectAssembler.h"
 #include "lls/ParseSLT.h"
 
 namespace vyr::inspect {
@@ -70,6 +72,45 @@ struct STable {
     std::optional<SContent> content;
 };
 
+/// Documents of the service-layer signalling (SLS) of ROUTE, in the order in which the library parses
+/// them.
+enum class ESlsDocument { USBD, STSID, EFDT, MPD, APPLICATION_LIST, HELD, RSAT };
+constexpr std::size_t k_slsDocuments = 7;
+
+/// What is new about a document against the last one of its kind in its session.
+enum class EDocumentStatus { NEW, CHANGED, UNCHANGED };
+
+/// One document of a package.
+struct SSlsDocument {
+    ESlsDocument kind = ESlsDocument::USBD;
+    std::size_t size = 0;  ///< bytes, from its start tag through its end tag
+    EDocumentStatus status = EDocumentStatus::NEW;
+    bool sameText = false;  ///< though it changed, its text says what the last one's said
+    std::optional<SContent> content;
+    std::string reason;  ///< why there is none
+};
+
+/// An item of the metadata envelope, as given.
+struct SEnvelopeItem {
+    std::optional<std::string> metadataURI;
+    std::optional<std::string> version;
+    std::optional<std::string> contentType;
+};
+
+/// One object of a service's signalling that is not a repeat.
+struct SSignalling {
+    SSource source;
+    std::string session;             ///< "239.255.7.1:30100"; empty for a raw file
+    std::vector<unsigned> services;  ///< that the service list has at this session
+    std::optional<TToi> toi;         ///< not for a raw file
+    EStatus status = EStatus::NEW;
+    std::size_t size = 0;  ///< bytes as they were sent
+    bool gzip = false;
+    std::string contentType;  ///< of the package; empty: not given
+    std::vector<SEnvelopeItem> items;
+    std::vector<SSlsDocument> documents;
+};
+
 enum class EFault {
     INPUT_MISSING,
     INPUT_UNREADABLE,
@@ -91,7 +132,11 @@ enum class EFault {
     TOO_MANY_SERVICES,
     ASSERTION,
     NO_LLS,
-    NO_SLT
+    NO_SLT,
+    LCT_MALFORMED,
+    OBJECT_NOT_READ,
+    DOCUMENT_NOT_PARSED,
+    NO_SIGNALLING
 };
 
 struct SFault {
@@ -107,6 +152,10 @@ struct SFault {
 const char* FaultName(EFault code);
 /// "new", "changed-without-version" and the like.
 const char* StatusName(EStatus status);
+/// "BundleDescriptionROUTE" and the like: the name of its element.
+const char* DocumentName(ESlsDocument kind);
+/// "new", "changed" or "unchanged".
+const char* DocumentStatusName(EDocumentStatus status);
 /// Whether the input itself could not be inspected.
 bool IsInputFault(EFault code);
 
@@ -117,15 +166,33 @@ struct STableCounts {
     double intervalSum = 0;
 };
 
+/// What came on the sessions that carry signalling by ROUTE.
+struct SRouteCounts {
+    unsigned sessions = 0;
+    std::uint64_t packets = 0;  ///< to these sessions, of any TSI
+    std::uint64_t malformed = 0;
+    std::uint64_t signalling = 0;  ///< of TSI 0, with source data
+    SObjectCounts objects;
+    std::uint64_t incomplete = 0;  ///< objects that came in part and were never whole
+
+    SRouteCounts& operator+=(const SRouteCounts& other);
+};
+
 struct SSummary {
     unsigned inputs = 0;
     unsigned captures = 0;
     unsigned rawTables = 0;
+    unsigned slsFiles = 0;
     SPacketCounts packets;
     std::uint64_t llsDatagrams = 0;
     std::map<unsigned, STableCounts> tables;  ///< by LLS_table_id
     std::uint64_t services = 0;               ///< in the tables that hold at the end
     std::uint64_t servicesDropped = 0;
+    SRouteCounts route;
+    std::uint64_t routeServices = 0;                  ///< of `services`, those that are carried by ROUTE
+    std::uint64_t servicesSignalled = 0;              ///< of these, those whose signalling came
+    std::array<std::uint64_t, k_statuses> objects{};  ///< of signalling, by status
+    std::uint64_t documentsNotParsed = 0;
     std::uint64_t faults = 0;
     std::map<EFault, std::uint64_t> faultsByCode;
     std::vector<SFault> firstFaults;
@@ -136,6 +203,7 @@ class IReportWriter {
   public:
     virtual ~IReportWriter() = default;
     virtual void Table(const STable& table) = 0;
+    virtual void Signalling(const SSignalling& signalling) = 0;
     virtual void Fault(const SFault& fault) = 0;
     virtual void Summary(const SSummary& summary) = 0;
 };
@@ -147,6 +215,7 @@ class CReport {
     CReport(IReportWriter& writer, bool quiet);
 
     void Table(const STable& table);
+    void Signalling(const SSignalling& signalling);
     void Fault(const SFault& fault);
     void Finish();
     /// For the counts that only its users know.

@@ -1,7 +1,9 @@
 #include "Text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <ctime>
 
 namespace vyr::inspect {
 
@@ -103,20 +105,90 @@ std::string Counted(std::uint64_t count, const std::string& singular, const std:
     return std::to_string(count) + ' ' + (count == 1 ? singular : plural.empty() ? singular + 's' : plural);
 }
 
+std::string Quoted(const std::string& text)
+{
+    return '"' + Printable(text) + '"';
+}
+
+std::string Joined(const std::vector<std::string>& texts)
+{
+    std::string joined;
+    for (const std::string& text : texts) {
+        joined += (joined.empty() || text.empty() ? "" : ", ") + text;
+    }
+    return joined;
+}
+
+std::string InLanguage(const std::string& lang)
+{
+    return lang.empty() ? std::string() : " (" + Printable(lang) + ')';
+}
+
+std::string Short(const std::string& text)
+{
+    constexpr std::size_t k_columns = 64;
+    std::size_t at = 0;
+    for (std::size_t columns = 0; at < text.size(); ++at) {
+        const bool begins = (static_cast<unsigned char>(text[at]) & 0xC0) != 0x80;
+        columns += begins ? 1 : 0;
+        if (columns > k_columns) {
+            return text.substr(0, at) + "\u2026";
+        }
+    }
+    return text;
+}
+
+std::string EpochText(double seconds)
+{
+    constexpr double k_endOfTime = 253402300800;  // the year 10000
+    if (!(seconds >= 0 && seconds < k_endOfTime - 1)) {
+        return NumberText(seconds);
+    }
+    const long long milliseconds = std::llround(seconds * 1000);
+    const std::time_t whole = static_cast<std::time_t>(milliseconds / 1000);
+    std::tm utc{};
+    char text[32];
+    gmtime_r(&whole, &utc);
+    const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &utc);
+    std::string out(text, length);
+    if (milliseconds % 1000 != 0) {
+        std::snprintf(text, sizeof text, ".%03d", static_cast<int>(milliseconds % 1000));
+        out += text;
+    }
+    return out + 'Z';
+}
+
+std::string NumberText(double number)
+{
+    char text[40];
+    std::snprintf(text, sizeof text, "%.9g", number);
+    return text;
+}
+
+std::string Line(const char* label, const std::string& text)
+{
+    char line[32];
+    std::snprintf(line, sizeof line, "    %-10s", label);
+    return text.empty() ? std::string() : line + text + '\n';
+}
+
 std::string Aligned(const std::vector<TRow>& rows)
 {
+    // A cell beyond this is not waited for: the broadcast could make every row as long as its longest.
+    constexpr std::size_t k_widest = 80;
     std::vector<std::size_t> widths;
     for (const TRow& row : rows) {
         widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], DisplayWidth(row[i]));
+            widths[i] = std::max(widths[i], std::min(DisplayWidth(row[i]), k_widest));
         }
     }
     std::string text;
     for (const TRow& row : rows) {
         std::string line;
         for (std::size_t i = 0; i < row.size(); ++i) {
-            line += "  " + row[i] + std::string(widths[i] - DisplayWidth(row[i]), ' ');
+            const std::size_t width = DisplayWidth(row[i]);
+            line += "  " + row[i] + std::string(widths[i] > width ? widths[i] - width : 0, ' ');
         }
         text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
     }

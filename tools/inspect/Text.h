@@ -22,6 +22,22 @@ std::string EndpointText(std::uint32_t address, unsigned port);
 /// "1 service", "2 services"; `plural` where an s does not do.
 std::string Counted(std::uint64_t count, const std::string& singular, const std::string& plural = {});
 
+/// The text, printable, between double quotes.
+std::string Quoted(const std::string& text);
+/// The texts that are not empty, set apart by commas.
+std::string Joined(const std::vector<std::string>& texts);
+/// " (en)", printable; nothing for no language.
+std::string InLanguage(const std::string& lang);
+/// The first columns of a printable text, "…" behind it when it is longer.
+std::string Short(const std::string& text);
+/// Seconds since 1970 as "2026-11-21T02:02:23.328Z", to the millisecond; as a number when they are no
+/// date of four digits.
+std::string EpochText(double seconds);
+/// A number without needless digits: "2", "2.5".
+std::string NumberText(double number);
+/// An indented line: a label in a column of its own, then the text; nothing for no text.
+std::string Line(const char* label, const std::string& text);
+
 /// Cells of a table's row, printable.
 using TRow = std::vector<std::string>;
 /// The rows as indented lines with their columns aligned.

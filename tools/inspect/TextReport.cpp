@@ -59,6 +59,34 @@ const char* StatusText(EStatus status)
     }
 }
 
+/// Items of the envelope, with their types where they are first met.
+std::string ItemsText(const SSignalling& signalling)
+{
+    std::vector<std::string> items;
+    for (const SEnvelopeItem& item : signalling.items) {
+        items.push_back(
+            Printable(item.metadataURI.value_or("-")) + (item.version ? " version " + Printable(*item.version) : "") +
+            (item.contentType && signalling.status == EStatus::NEW ? " (" + Printable(*item.contentType) + ')' : ""));
+    }
+    return items.empty() ? std::string() : "  envelope: " + Joined(items) + '\n';
+}
+
+std::string DocumentText(const SSlsDocument& document)
+{
+    std::string text = std::string("  ") + DocumentName(document.kind);
+    text += document.status != EDocumentStatus::NEW ? std::string(" ") + DocumentStatusName(document.status) : "";
+    if (!document.content) {
+        return text + ": did not parse\n";
+    }
+    if (document.status == EDocumentStatus::UNCHANGED) {
+        return text + '\n';
+    }
+    if (document.sameText) {
+        return text + ", not in what is shown here\n";
+    }
+    return text + ": " + document.content->headline + '\n' + document.content->text;
+}
+
 std::string FlagsText(const SParseSLT::SService& service)
 {
     std::string flags;
@@ -139,14 +167,48 @@ std::string CountsText(const STableCounts& counts)
     return text;
 }
 
+/// Appends "; 3 of this kind"; nothing for none.
+auto Adder(std::string& text)
+{
+    return [&text](std::uint64_t count, const std::string& what) {
+        if (count != 0) {
+            text += (text.empty() ? "" : "; ") + std::to_string(count) + ' ' + what;
+        }
+    };
+}
+
+std::string RouteText(const SRouteCounts& counts)
+{
+    std::string text = Counted(counts.packets, "packet") + " on " + Counted(counts.sessions, "session") + "; " +
+                       std::to_string(counts.signalling) + " of TSI 0";
+    const auto add = Adder(text);
+    add(counts.malformed, "malformed");
+    add(counts.objects.complete, counts.objects.complete == 1 ? "object complete" : "objects complete");
+    add(counts.incomplete, "incomplete");
+    add(counts.objects.dropped, "dropped");
+    add(counts.objects.tooLarge, "not taken");
+    return text;
+}
+
+std::string SignallingText(const SSummary& summary)
+{
+    std::string text;
+    const auto add = Adder(text);
+    if (summary.routeServices != 0) {
+        text = std::to_string(summary.servicesSignalled) + " of " + Counted(summary.routeServices, "service");
+    }
+    for (std::size_t i = 0; i < k_statuses; ++i) {
+        add(summary.objects[i], StatusText(static_cast<EStatus>(i)));
+    }
+    add(summary.documentsNotParsed,
+        summary.documentsNotParsed == 1 ? "document did not parse" : "documents did not parse");
+    return text.empty() ? "none" : text;
+}
+
 std::string PacketsText(const SPacketCounts& packets)
 {
     std::string text = std::to_string(packets.packets);
-    const auto add = [&text](std::uint64_t count, const char* what) {
-        if (count != 0) {
-            text += "; " + std::to_string(count) + ' ' + what;
-        }
-    };
+    const auto add = Adder(text);
     add(packets.cut, "cut by the capture");
     add(packets.malformed, "malformed");
     add(packets.otherProtocol, "not IPv4 and UDP");
@@ -186,6 +248,28 @@ void CTextReport::Table(const STable& table)
     m_output.Write(text);
 }
 
+void CTextReport::Signalling(const SSignalling& signalling)
+{
+    std::vector<std::string> services;
+    for (const unsigned serviceId : signalling.services) {
+        services.push_back(std::to_string(serviceId));
+    }
+    std::string text = Place(signalling.source) + "signalling";
+    text += services.empty() ? "" : (services.size() == 1 ? " of service " : " of services ") + Joined(services);
+    text += signalling.session.empty() ? "" : " on " + signalling.session;
+    text += signalling.toi ? " TOI " + ToiText(*signalling.toi) : "";
+    text += std::string(": ") + StatusText(signalling.status) + ", " +
+            Counted(signalling.documents.size(), "document") + ", " + Counted(signalling.size, "byte") +
+            (signalling.gzip ? " (gzip)\n" : "\n");
+    if (signalling.status != EStatus::NEW_VERSION_SAME_CONTENT) {
+        text += ItemsText(signalling);
+        for (const SSlsDocument& document : signalling.documents) {
+            text += DocumentText(document);
+        }
+    }
+    m_output.Write(text);
+}
+
 void CTextReport::Fault(const SFault& fault)
 {
     // Of an input that is none, stderr tells.
@@ -196,11 +280,14 @@ void CTextReport::Fault(const SFault& fault)
 
 void CTextReport::Summary(const SSummary& summary)
 {
-    if (summary.captures + summary.rawTables == 0) {
+    if (summary.captures + summary.rawTables + summary.slsFiles == 0) {
         return;
     }
     std::vector<TRow> rows = {{"inputs", std::to_string(summary.inputs) + ": " + Counted(summary.captures, "capture") +
                                              ", " + Counted(summary.rawTables, "raw table")}};
+    if (summary.slsFiles != 0) {
+        rows.back().back() += ", " + Counted(summary.slsFiles, "signalling file");
+    }
     if (summary.captures != 0) {
         rows.push_back({"packets", PacketsText(summary.packets)});
         rows.push_back({"UDP", Counted(summary.packets.datagrams, "datagram") + ", " +
@@ -213,6 +300,12 @@ void CTextReport::Summary(const SSummary& summary)
         {"services",
          std::to_string(summary.services) + " announced" +
              (summary.servicesDropped != 0 ? "; " + std::to_string(summary.servicesDropped) + " dropped" : "")});
+    if (summary.route.sessions != 0) {
+        rows.push_back({"ROUTE", RouteText(summary.route)});
+    }
+    if (summary.routeServices + summary.route.sessions + summary.slsFiles != 0) {
+        rows.push_back({"signalling", SignallingText(summary)});
+    }
     rows.push_back({"faults", std::to_string(summary.faults)});
     std::string text = "\nsummary\n" + Aligned(rows);
     for (const SFault& fault : summary.firstFaults) {

@@ -13,6 +13,7 @@ class CTextReport : public IReportWriter {
     explicit CTextReport(COutput& output) : m_output(output) {}
 
     void Table(const STable& table) override;
+    void Signalling(const SSignalling& signalling) override;
     void Fault(const SFault& fault) override;
     void Summary(const SSummary& summary) override;
 

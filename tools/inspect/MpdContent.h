@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Report.h"
+#include "route/SLSManager.h"
+
+struct SMPDInfo;
+
+namespace vyr::inspect {
+
+/// What an MPD says, in text (without its segments) and JSON. What a level has from the level above
+/// stands there again when it is short: texts beyond 64 bytes and segments stand where they are said.
+SContent MpdContent(const SMPDInfo& mpd);
+/// Adds the ratings that the library reports of the whole MPD.
+void AddRatings(const CSLSManager::TRatings& ratings, SContent& content);
+
+}  // namespace vyr::inspect

@@ -1,0 +1,110 @@
+#include "SlsReader.h"
+
+#include "LibraryPort.h"
+#include "MpdContent.h"
+#include "SlsContent.h"
+#include "common/RSAT.h"
+#include "route/SLS/EFDT.h"
+#include "route/SLS/MPD.h"
+#include "route/SLS/ROUTEUsbd.h"
+#include "route/SLS/STSID.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+/// What the library's log calls the document; empty: it is not parsed.
+const char* LogName(ESlsDocument kind)
+{
+    constexpr const char* k_names[] = {"NEW USBD", "STSID", "EFDT", "MPD", "", "", "RSAT"};
+    return k_names[static_cast<std::size_t>(kind)];
+}
+
+std::string RefusalReason(const SSlsText& document, const CRefusalListener& listener)
+{
+    if (!document.ended) {
+        return "its end tag is missing";
+    }
+    if (!document.parsed) {
+        return "longer than 131,071 bytes";
+    }
+    if (document.kind == ESlsDocument::RSAT && listener.Reason("RSAT").find("root element") != std::string::npos) {
+        return "its timestamp is missing";
+    }
+    const std::string reason = listener.Reason(LogName(document.kind));
+    return reason.empty() ? "the library gave no reason" : reason;
+}
+
+}  // namespace
+
+CSlsReader::CSlsReader(const SRouteSession& session)
+{
+    m_session = {0, session.source, session.destination, session.port};
+}
+
+CSlsReader::~CSlsReader()
+{
+    Release();
+}
+
+void CSlsReader::Release()
+{
+    if (m_manager) {
+        m_manager->Destroy();
+        m_manager.reset();
+    }
+}
+
+std::vector<SSlsDocument> CSlsReader::Read(SBytes text, const std::vector<SSlsText>& documents)
+{
+    if (!m_manager) {
+        CSLSManager::SCallback callback{};
+        callback.pUserData = this;
+        callback.cbDirectEFDTInfo = [](void* self, unsigned, SEFDTInfo* info, const CSLSManager::SSessionInfo*) {
+            static_cast<CSlsReader*>(self)->m_Content(ESlsDocument::EFDT) = EfdtContent(*info);
+        };
+        callback.cbMPDInfo = [](void* self, SMPDInfo* info) {
+            static_cast<CSlsReader*>(self)->m_Content(ESlsDocument::MPD) = MpdContent(*info);
+        };
+        callback.cbAppData = [](void* self, const char* data, unsigned length, const CSLSManager::SSessionInfo*) {
+            // The byte behind the end tag comes along.
+            const std::string document(data, length - 1);
+            const bool held = document.rfind("<HELD", 0) == 0;
+            static_cast<CSlsReader*>(self)->m_Content(held ? ESlsDocument::HELD : ESlsDocument::APPLICATION_LIST) =
+                AppDataContent(document);
+        };
+        callback.cbRSAT = [](void* self, CRSAT* rsat) {
+            static_cast<CSlsReader*>(self)->m_Content(ESlsDocument::RSAT) = RsatContent(*rsat);
+        };
+        callback.cbRatingInfo = [](void* self, const CSLSManager::TRatings& ratings) {
+            AddRatings(ratings, *static_cast<CSlsReader*>(self)->m_Content(ESlsDocument::MPD));
+        };
+        m_manager = std::make_unique<CSLSManager>();
+        m_manager->Create(&callback);
+    }
+    m_contents = {};
+    m_usbdService.reset();
+    const CRefusalListener listener;
+    m_manager->Parse(text.data, static_cast<unsigned>(text.size), &m_session, false);
+    std::vector<SSlsDocument> read;
+    for (const SSlsText& document : documents) {
+        // One that is not parsed leaves its predecessor with the manager.
+        if (document.parsed && document.kind == ESlsDocument::USBD && m_manager->Usbd() != nullptr) {
+            m_Content(ESlsDocument::USBD) = UsbdContent(*m_manager->Usbd());
+            m_usbdService = m_manager->Usbd()->ServiceId();
+        }
+        if (document.parsed && document.kind == ESlsDocument::STSID && m_manager->Stsid() != nullptr) {
+            m_Content(ESlsDocument::STSID) = StsidContent(*m_manager->Stsid());
+        }
+        SSlsDocument& entry = read.emplace_back();
+        entry.kind = document.kind;
+        entry.size = document.bytes.size;
+        entry.content = std::move(m_Content(document.kind));
+        if (!entry.content) {
+            entry.reason = RefusalReason(document, listener);
+        }
+    }
+    return read;
+}
+
+}  // namespace vyr::inspect

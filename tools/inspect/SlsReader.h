@@ -1,0 +1,42 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Report.h"
+#include "RouteService.h"
+#include "SlsPackage.h"
+#include "route/SLSManager.h"
+
+namespace vyr::inspect {
+
+/// The library's manager of one session's signalling, and what it says of each package.
+class CSlsReader {
+  public:
+    explicit CSlsReader(const SRouteSession& session);
+    ~CSlsReader();
+    CSlsReader(const CSlsReader&) = delete;
+    CSlsReader& operator=(const CSlsReader&) = delete;
+
+    /// Gives a package, inflated, to the manager. Of each document that FindSlsDocuments found: its
+    /// content, or why there is none.
+    std::vector<SSlsDocument> Read(SBytes text, const std::vector<SSlsText>& documents);
+    /// Service of the USBD of the last package; none: it had none that parsed.
+    std::optional<unsigned> UsbdService() const { return m_usbdService; }
+    /// Lets the manager and all it holds go; the next package gets a new one.
+    void Release();
+    bool Holds() const { return m_manager != nullptr; }
+
+  private:
+    std::optional<SContent>& m_Content(ESlsDocument kind) { return m_contents[static_cast<std::size_t>(kind)]; }
+
+    CSLSManager::SSessionInfo m_session{};
+    std::unique_ptr<CSLSManager> m_manager;
+    std::array<std::optional<SContent>, k_slsDocuments> m_contents;  ///< of the package being read
+    std::optional<unsigned> m_usbdService;
+};
+
+}  // namespace vyr::inspect
