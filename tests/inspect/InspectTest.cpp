@@ -208,6 +208,23 @@ std::string Unsignalled()
     return capture.Bytes();
 }
 
+/// Service lists that come, change and go under the signalling of service 1.
+std::string ListChanges()
+{
+    const std::string object = Lct({1, 0, -1, true}, Usbd(1));
+    CCapture capture(1);
+    const auto send = [&](const std::string& services, unsigned version) {
+        capture.AddLls(Slt(services, version)).AddRoute(object, 6001);
+    };
+    send(RouteService(1, 6001), 1);
+    send(RouteService(2, 6002) + RouteService(1, 6001), 2);
+    send(RouteService(2, 6002), 3);
+    send(RouteService(1, 6001) + Service(3), 4);
+    capture.AddLls(Slt(RouteService(5, 6001), 1, 9, 2));
+    send(Service(3), 5);
+    return capture.Bytes();
+}
+
 /// One of each document, with what the samples do not have.
 std::string EveryDocument()
 {
@@ -292,6 +309,7 @@ std::vector<SGolden> Goldens()
         {"every-document-json", "--json -", 0, EveryDocument()},
         {"single-efdt", "-", 0,
          "\xEF\xBB\xBF<EFDT tsi='3' version='1'><FDT-Instance><File TOI='1'/></FDT-Instance></EFDT>"},
+        {"list-changes", "-", 1, ListChanges()},
         {"unsignalled", "-", 1, Unsignalled()},
         {"unsignalled-json", "--json --quiet -", 1, Unsignalled()},
     };

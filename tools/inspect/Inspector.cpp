@@ -28,26 +28,6 @@ std::string Busiest(const std::map<std::pair<std::uint32_t, std::uint16_t>, std:
     return text;
 }
 
-/// Tells the follower of ROUTE which services hold, when a list has come since it was told.
-void Announce(const std::map<std::pair<std::uint32_t, std::uint16_t>, std::unique_ptr<CLlsFollower>>& followers,
-              std::uint64_t& lists, CRouteFollower& route)
-{
-    std::uint64_t now = 0;
-    for (const auto& [stream, follower] : followers) {
-        now += follower->Lists();
-    }
-    if (now == lists) {
-        return;
-    }
-    lists = now;
-    std::vector<SRouteService> services;
-    for (const auto& [stream, follower] : followers) {
-        const std::vector<SRouteService> some = follower->RouteServices();
-        services.insert(services.end(), some.begin(), some.end());
-    }
-    route.Announce(services);
-}
-
 }  // namespace
 
 CInspector::CInspector(const SOptions& options, CReport& report, const COutput& output, CProgress& progress)
@@ -111,14 +91,18 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
                                                            m_channelMap, m_report);
     }
     CRouteFollower route(m_options.routeSessions, m_report);
-    std::uint64_t lists = 0;
+    for (const auto& [stream, follower] : followers) {
+        const TEndpoint& lls = stream;
+        follower->SetRouteListener([&route, lls](unsigned char groupId, std::vector<SRouteService> services) {
+            route.Announce({lls, groupId}, std::move(services));
+        });
+    }
     SSource source = {name, 0, {}};
     TDestinations destinations;
     CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) {
         const TEndpoint endpoint = {datagram.destination, datagram.destinationPort};
         if (const auto follower = followers.find(endpoint); follower != followers.end()) {
             follower->second->Take(datagram.payload, source);
-            Announce(followers, lists, route);
         } else if (!route.Take(datagram, source) &&
                    (destinations.size() < k_maxDestinations || destinations.count(endpoint) != 0)) {
             ++destinations[endpoint];

@@ -142,15 +142,6 @@ std::size_t CLlsFollower::Services() const
     return count;
 }
 
-std::vector<SRouteService> CLlsFollower::RouteServices() const
-{
-    std::vector<SRouteService> services;
-    for (const auto& [groupId, current] : m_current) {
-        services.insert(services.end(), current->routeServices.begin(), current->routeServices.end());
-    }
-    return services;
-}
-
 void CLlsFollower::m_Take(SBytes bytes, const SSource& source, bool insideMultiTable)
 {
     m_taken += insideMultiTable ? 0 : 1;
@@ -297,14 +288,15 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& tabl
     if (parsed) {
         outcome.slt.emplace().dropped = static_cast<unsigned>(outcome.faults.size());
         m_Read(parser, bytes, table, outcome);
+        std::vector<SRouteService> routeServices;
         for (const SParseSLT::SService& service : outcome.slt->services) {
             current->services.push_back(service.service);
             if (service.hasBroadcastSvcSignaling && service.slsProtocol == k_route) {
-                current->routeServices.push_back(RouteService(service));
+                routeServices.push_back(RouteService(service));
             }
         }
-        ++m_lists;
         m_Hold(table.header.groupId, std::move(current), table, outcome);
+        m_routeListener(table.header.groupId, std::move(routeServices));
     } else {
         m_Explain(table, outcome);
     }
@@ -355,6 +347,7 @@ void CLlsFollower::m_Hold(unsigned char groupId, std::unique_ptr<SCurrentSlt> cu
                                       " services are announced: those of LLS group " +
                                       std::to_string(m_groups.front()) + " are let go",
                                   table.source, table.header});
+        m_routeListener(m_groups.front(), {});
         m_Release(m_groups.front());
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -32,10 +33,10 @@ class CLlsFollower {
     bool SawSlt() const { return m_sawSlt; }
     /// Services in the lists that hold now.
     std::size_t Services() const;
-    /// Of those, the ones that are carried by ROUTE.
-    std::vector<SRouteService> RouteServices() const;
-    /// How many lists have parsed: RouteServices is as it was while this is.
-    std::uint64_t Lists() const { return m_lists; }
+    /// Told, whenever the list of an LLS group is replaced or let go, which of its services ROUTE carries
+    /// from now on.
+    using TRouteListener = std::function<void(unsigned char groupId, std::vector<SRouteService>)>;
+    void SetRouteListener(TRouteListener listener) { m_routeListener = std::move(listener); }
 
   private:
     static constexpr std::size_t k_maxServices = 16384;
@@ -43,7 +44,6 @@ class CLlsFollower {
     /// The services of one list; its address is their channel in the channel map.
     struct SCurrentSlt {
         std::vector<void*> services;
-        std::vector<SRouteService> routeServices;
     };
     struct SState {
         SLlsHeader header;
@@ -72,11 +72,11 @@ class CLlsFollower {
     const bool m_lenient;
     CChannelMap& m_channelMap;
     CReport& m_report;
+    TRouteListener m_routeListener = [](unsigned char, const std::vector<SRouteService>&) {};
     std::map<unsigned, SState> m_states;  ///< by table id and group id
     std::map<unsigned char, std::unique_ptr<SCurrentSlt>> m_current;
     std::list<unsigned char> m_groups;  ///< of m_current, oldest list first
     std::uint64_t m_taken = 0;
-    std::uint64_t m_lists = 0;
     bool m_sawSlt = false;
 };
 

@@ -12,9 +12,11 @@ namespace {
 
 constexpr std::size_t k_shortText = 64;
 
+/// The beginning of a text; a long one that many representations inherit is not looked at whole.
 std::string Given(const char* text)
 {
-    return text != nullptr ? Short(Printable(text)) : std::string();
+    constexpr std::size_t k_enough = 260;  // bytes of 65 columns
+    return text != nullptr ? Short(Printable(std::string(text, strnlen(text, k_enough)))) : std::string();
 }
 
 /// "label text", or nothing.
@@ -43,7 +45,7 @@ void PutTime(TJson& json, const char* key, const std::optional<double>& time)
 /// Sets the field unless it is the one of the level above and long.
 void PutInherited(TJson& json, const char* key, const char* text, const char* above)
 {
-    if (text != above || text == nullptr || std::strlen(text) <= k_shortText) {
+    if (text != above || text == nullptr || strnlen(text, k_shortText + 1) <= k_shortText) {
         PutText(json, key, text);
     }
 }

@@ -34,25 +34,24 @@ CRouteFollower::CRouteFollower(const std::set<TEndpoint>& endpoints, CReport& re
 
 CRouteFollower::~CRouteFollower() = default;
 
-void CRouteFollower::Announce(const std::vector<SRouteService>& services)
+void CRouteFollower::Announce(const TGroup& group, std::vector<SRouteService> services)
 {
-    m_services = services;
-    std::map<SRouteSession, std::vector<unsigned>> announced;
+    // The new ones come first: a session of both lists goes on.
     for (const SRouteService& service : services) {
         if (service.session.destination != 0) {
-            announced[service.session].push_back(service.serviceId);
+            m_Add(service.session).follower.AddService(service.serviceId);
         }
     }
-    for (auto session = m_sessions.begin(); session != m_sessions.end();) {
-        const auto current = session++;
-        if (announced.count(current->first) == 0 && !current->second->pinned) {
-            m_Remove(current);
-        } else {
-            current->second->follower.SetServices({});
+    services.swap(m_services[group]);
+    for (const SRouteService& service : services) {
+        if (service.session.destination == 0) {
+            continue;
         }
-    }
-    for (auto& [key, ids] : announced) {
-        m_Add(key).follower.SetServices(std::move(ids));
+        const auto session = m_sessions.find(service.session);
+        session->second->follower.RemoveService(service.serviceId);
+        if (session->second->follower.Services().empty() && !session->second->pinned) {
+            m_Remove(session);
+        }
     }
 }
 
@@ -81,7 +80,6 @@ bool CRouteFollower::Take(const SDatagram& datagram, const SSource& source)
 
 void CRouteFollower::Finish(const std::string& file)
 {
-    SSummary& summary = m_report.Summary();
     const SSource source = {file, 0, {}};
     for (const auto& [key, session] : m_sessions) {
         m_Count(*session);
@@ -97,23 +95,31 @@ void CRouteFollower::Finish(const std::string& file)
                 {EFault::NO_SIGNALLING, "no signalling on " + session->name + ": " + m_Missing(*session), source});
         }
     }
-    summary.routeServices += m_services.size();
-    for (const SRouteService& service : m_services) {
-        std::string reason = "the service list gives no address that can be followed";
-        if (const auto entry = m_sessions.find(service.session); entry != m_sessions.end()) {
-            const SSession& session = *entry->second;
-            reason = session.follower.Signals() ? session.follower.Missing(service.serviceId) : m_Missing(session);
+    for (const auto& [group, services] : m_services) {
+        for (const SRouteService& service : services) {
+            m_Judge(service, source);
         }
-        if (reason.empty()) {
-            ++summary.servicesSignalled;
-            continue;
-        }
-        SFault fault = {EFault::NO_SIGNALLING,
-                        "no signalling of service " + std::to_string(service.serviceId) + ": " + reason, source};
-        fault.serviceId = service.serviceId;
-        m_report.Fault(fault);
     }
-    m_services.clear();
+}
+
+/// Counts the service, or tells why it was not signalled.
+void CRouteFollower::m_Judge(const SRouteService& service, const SSource& source)
+{
+    SSummary& summary = m_report.Summary();
+    ++summary.routeServices;
+    std::string reason = "the service list gives no address that can be followed";
+    if (const auto entry = m_sessions.find(service.session); entry != m_sessions.end()) {
+        const SSession& session = *entry->second;
+        reason = session.follower.Signals() ? session.follower.Missing(service.serviceId) : m_Missing(session);
+    }
+    if (reason.empty()) {
+        ++summary.servicesSignalled;
+        return;
+    }
+    SFault fault = {EFault::NO_SIGNALLING,
+                    "no signalling of service " + std::to_string(service.serviceId) + ": " + reason, source};
+    fault.serviceId = service.serviceId;
+    m_report.Fault(fault);
 }
 
 CRouteFollower::SSession& CRouteFollower::m_Add(const SRouteSession& key)

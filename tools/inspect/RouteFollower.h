@@ -22,6 +22,7 @@ namespace vyr::inspect {
 class CRouteFollower {
   public:
     using TEndpoint = std::pair<std::uint32_t, std::uint16_t>;
+    using TGroup = std::pair<TEndpoint, unsigned char>;
 
     /// `endpoints` are followed whether they are announced or not; the report outlives the follower.
     CRouteFollower(const std::set<TEndpoint>& endpoints, CReport& report);
@@ -29,8 +30,9 @@ class CRouteFollower {
     CRouteFollower(const CRouteFollower&) = delete;
     CRouteFollower& operator=(const CRouteFollower&) = delete;
 
-    /// The services that are announced now. Sessions of others are let go.
-    void Announce(const std::vector<SRouteService>& services);
+    /// The services that the list of an LLS group, known by its stream and id, announces from now on.
+    /// Sessions that no list names any more are let go.
+    void Announce(const TGroup& group, std::vector<SRouteService> services);
     /// Takes a datagram; false: it belongs to none of the sessions.
     bool Take(const SDatagram& datagram, const SSource& source);
     /// The end of the input: adds to the summary, and tells which services were not signalled.
@@ -51,13 +53,14 @@ class CRouteFollower {
     void m_Take(SSession& session, SBytes payload);
     void m_Object(SSession& session, const TToi& toi, SBytes object);
     void m_Count(const SSession& session);
+    void m_Judge(const SRouteService& service, const SSource& source);
     std::string m_Missing(const SSession& session) const;
 
     CReport& m_report;
     CAssemblyMemory m_memory;
     TSessions m_sessions;
     std::map<TEndpoint, SEndpoint> m_endpoints;  ///< of m_sessions
-    std::vector<SRouteService> m_services;
+    std::map<TGroup, std::vector<SRouteService>> m_services;
     std::list<SSession*> m_recent;  ///< sessions for which the library holds something, latest first
     const SSource* m_source = nullptr;
 };

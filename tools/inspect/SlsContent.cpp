@@ -287,12 +287,12 @@ SContent UsbdContent(const CROUTEUsbd& usbd)
 {
     const CROUTEUsbd::SROUTEUsbd& state = *usbd.State();
     SContent content;
-    content.headline = state.serviceId != k_none16 ? "service " + std::to_string(state.serviceId) : "no service id";
+    content.headline = "service " + std::to_string(state.serviceId);
     content.headline += state.globalServiceId != nullptr ? ", " + Quoted(state.globalServiceId) : "";
     content.headline += state.serviceStatus ? ", active" : "";
     TJson& json = content.json;
     PutText(json, "globalServiceID", state.globalServiceId);
-    PutNumber(json, "serviceId", state.serviceId, k_none16);
+    json["serviceId"] = state.serviceId;  // one may have the number that stands for "not given"
     json["serviceStatus"] = state.serviceStatus;
     std::vector<std::string> nameLanguages;
     ForEach<CServiceName>(state.names, [&](const CServiceName& name) {

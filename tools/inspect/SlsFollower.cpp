@@ -28,7 +28,11 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SBytes object, const SSo
     SSignalling signalling;
     signalling.source = source;
     signalling.session = m_name;
-    signalling.services = m_services;
+    for (const unsigned serviceId : m_services) {
+        if (signalling.services.size() < k_shownServices) {
+            signalling.services.push_back(serviceId);
+        }
+    }
     signalling.toi = toi;
     signalling.size = object.size;
     signalling.gzip = IsGzip(object);
@@ -117,11 +121,9 @@ std::string CSlsFollower::Missing(unsigned serviceId) const
     if (m_usbdServices.empty() || m_usbdServices.count(serviceId) != 0) {
         return {};
     }
-    std::vector<std::string> others;
-    for (const unsigned other : m_usbdServices) {
-        others.push_back(std::to_string(other));
-    }
-    return "the signalling on " + m_name + " is of service " + Short(Joined(others));
+    const std::size_t others = m_usbdServices.size() - 1;
+    return "the signalling on " + m_name + " is of service " + std::to_string(*m_usbdServices.begin()) +
+           (others != 0 ? " and " + std::to_string(others) + " more" : "");
 }
 
 void CSlsFollower::m_Remember(const std::optional<TToi>& toi, const SObject& object)
@@ -158,7 +160,7 @@ void CSlsFollower::m_Fault(EFault code, const std::string& message, const SSourc
 {
     SFault fault = {code, m_name.empty() ? message : message + " (" + m_name + ')', source};
     if (m_services.size() == 1) {
-        fault.serviceId = m_services.front();
+        fault.serviceId = *m_services.begin();
     }
     m_lastFault = message;
     m_report.Fault(fault);

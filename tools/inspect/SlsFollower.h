@@ -23,9 +23,10 @@ class CSlsFollower {
     /// `name` names the session in the report, empty for a raw file; the report outlives the follower.
     CSlsFollower(std::string name, const SRouteSession& session, CReport& report);
 
-    /// Services that the service list has at this session.
-    void SetServices(std::vector<unsigned> services) { m_services = std::move(services); }
-    const std::vector<unsigned>& Services() const { return m_services; }
+    /// Services that the service lists have at this session.
+    const std::multiset<unsigned>& Services() const { return m_services; }
+    void AddService(unsigned serviceId) { m_services.insert(serviceId); }
+    void RemoveService(unsigned serviceId) { m_services.erase(m_services.find(serviceId)); }
     /// Takes one whole object; `toi` is none for a raw file. False: it holds no document.
     bool Take(const std::optional<TToi>& toi, SBytes object, const SSource& source);
     /// Whether an object of this TOI and length has come whole.
@@ -42,6 +43,7 @@ class CSlsFollower {
 
   private:
     static constexpr std::size_t k_maxObjects = 64;
+    static constexpr std::size_t k_shownServices = 64;
 
     struct SObject {
         std::size_t size = 0;
@@ -61,7 +63,7 @@ class CSlsFollower {
     const std::string m_name;
     CReport& m_report;
     CSlsReader m_reader;
-    std::vector<unsigned> m_services;
+    std::multiset<unsigned> m_services;
     std::map<TToi, SObject> m_objects;
     std::list<TToi> m_order;  ///< of m_objects, oldest first
     std::array<std::optional<SDocument>, k_slsDocuments> m_documents;

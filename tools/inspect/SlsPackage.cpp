@@ -45,13 +45,20 @@ SBytes Bytes(TView text)
     return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
 }
 
+/// Linear in the text, which string_view's own search is not quite: it stops at every '<'.
+std::size_t Find(TView text, TView tag, std::size_t from)
+{
+    const void* found = memmem(text.data() + from, text.size() - from, tag.data(), tag.size());
+    return found != nullptr ? static_cast<std::size_t>(static_cast<const char*>(found) - text.data()) : TView::npos;
+}
+
 std::size_t Find(TView text, TView tag, TView otherTag, std::size_t from, TView& found)
 {
     found = tag;
-    std::size_t at = text.find(tag, from);
+    std::size_t at = Find(text, tag, from);
     if (at == TView::npos && !otherTag.empty()) {
         found = otherTag;
-        at = text.find(otherTag, from);
+        at = Find(text, otherTag, from);
     }
     return at;
 }
@@ -66,7 +73,7 @@ TView Envelope(TView text)
 {
     constexpr TView k_name = "metadataEnvelope";
     constexpr std::size_t k_maxPrefix = 64;
-    const std::size_t name = text.find(k_name);
+    const std::size_t name = Find(text, k_name, 0);
     if (name == TView::npos) {
         return {};
     }
@@ -78,7 +85,7 @@ TView Envelope(TView text)
         return {};
     }
     const std::string end = "</" + std::string(text.substr(begin, name - begin)) + std::string(k_name) + '>';
-    const std::size_t last = text.find(end, name);
+    const std::size_t last = Find(text, end, name);
     return last == TView::npos ? text.substr(begin - 1) : text.substr(begin - 1, last + end.size() - begin + 1);
 }
 
@@ -90,7 +97,7 @@ std::vector<SSlsText> FindSlsDocuments(SBytes bytes)
     std::vector<SSlsText> documents;
     for (const SKind& kind : k_kinds) {
         // An EFDT of its own is looked for only where there is no S-TSID, which has others inside.
-        if (kind.kind == ESlsDocument::EFDT && text.find("<S-TSID") != TView::npos) {
+        if (kind.kind == ESlsDocument::EFDT && Find(text, "<S-TSID", 0) != TView::npos) {
             continue;
         }
         TView tag;
