@@ -16,5 +16,8 @@ IParse::SItem Item(const std::string& table);
 /// What libxml2 and zlib need for the bytes of an LLS table, reading nothing.
 void Floor(const std::string& table);
 
+/// The same for a document as it is.
+void FloorDocument(const std::string& document);
+
 /// Registers the run over one table.
 void Register(const std::string& name, void (*run)(const std::string&), const std::string& table);

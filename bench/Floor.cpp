@@ -33,6 +33,11 @@ void Floor(const std::string& table)
     xmlFreeDoc(xmlParseMemory(text, size));
 }
 
+void FloorDocument(const std::string& document)
+{
+    xmlFreeDoc(xmlParseMemory(document.data(), static_cast<int>(document.size())));
+}
+
 void Register(const std::string& name, void (*run)(const std::string&), const std::string& table)
 {
     benchmark::RegisterBenchmark(name.c_str(),

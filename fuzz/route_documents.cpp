@@ -9,6 +9,7 @@
 #include "route/SLS/DeliveryMethod.h"
 #include "route/SLS/EFDT.h"
 #include "route/SLS/ROUTEUsbd.h"
+#include "route/SLS/STSID.h"
 
 namespace {
 
@@ -57,6 +58,24 @@ void Read(const CROUTEUsbd& usbd)
     }
 }
 
+void Read(const CSTSID& stsid)
+{
+    std::string text;
+    for (int i = 0; i < stsid.NumberOfRouteSessions(); ++i) {
+        Require(stsid.BsId(i) == 65535);
+        for (int j = 0; j < stsid.NumberOfLctSessions(i); ++j) {
+            unsigned int tsi = 0;
+            Require(stsid.GetTSI(i, j, &tsi));
+            stsid.GetContentId(i, j, text);
+            const SEFDTInfo* efdt = stsid.GetEFDTInfo(i, j);
+            Require(!efdt || efdt->idRef);
+            const int ratings = stsid.NumberOfContentRatings(i, j);
+            Require(ratings == 0 || stsid.GetContentRating(i, j, ratings - 1, text));
+            Require(!stsid.GetContentRating(i, j, ratings, text));
+        }
+    }
+}
+
 template <class TParser>
 void Run(const std::vector<unsigned char>& all)
 {
@@ -76,7 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     SetLogPriority(LOG_PRIORITY_SILENT);
     CScript script(data, size);
-    const std::uint8_t kind = script.Byte() % 5;
+    const std::uint8_t kind = script.Byte() % 6;
     const std::vector<unsigned char> documents = script.Rest();
     switch (kind) {
         case 0:
@@ -91,8 +110,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         case 3:
             Run<CEFDT>(documents);
             break;
-        default:
+        case 4:
             Run<CROUTEUsbd>(documents);
+            break;
+        default:
+            Run<CSTSID>(documents);
             break;
     }
     return 0;

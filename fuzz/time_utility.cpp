@@ -1,9 +1,11 @@
 // The conversions of times: any text gives some number.
+#include <cmath>
 #include <string>
 
 #include "Fuzz.h"
 #include "common/ATSC3TimeUtility.h"
 #include "common/EpochTime.h"
+#include "common/XsTime.h"
 #include "platform/Platform.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -19,5 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     TimeUtility::ConvertDateTime2Epoch(text.c_str());
     g_EpochTime(text.c_str());
+    double exact = 0;
+    Require(!vyr::ReadDuration(text.c_str(), exact) || std::isfinite(exact));
+    Require(!vyr::ReadDateTime(text.c_str(), exact) || std::isfinite(exact));
     return 0;
 }

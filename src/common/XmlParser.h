@@ -51,6 +51,17 @@ void DestroyXmlParser(XMLBase& parser, TState*& m, const char* message, const SH
     m = nullptr;
 }
 
+/// What every SetCallback shares: copies the record, null takes it back; no state is asserted: false.
+template <class TState, class TCallback>
+bool SetCallback(TState* m, const TCallback* callback, const SHere& here)
+{
+    if (!m) {
+        return AssertFailed(here, "m");
+    }
+    m->callback = callback ? *callback : TCallback{};
+    return true;
+}
+
 /// BuildChild for a child that is an XMLBase: Create(), `prepare(child)`, Parse(document, node).
 template <class TChild, class TPrepare>
 std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, const SChildSteps& steps, const SHere& here,

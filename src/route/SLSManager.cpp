@@ -79,7 +79,6 @@ struct SDocument {
     const char* end;        ///< the end tag; null: none
     std::ptrdiff_t length;  ///< through the end tag, and the byte behind it where that belongs to the document
 
-    bool Whole() const { return end != nullptr; }
     bool Fits() const { return end && length <= k_maxDocument; }
     unsigned int Size() const { return static_cast<unsigned int>(length); }
 };
@@ -103,6 +102,21 @@ SDocument Find(const char* text, const char* const (&startTags)[2], const char* 
 SDocument Find(const char* text, const char* startTag, const char* endTag, bool extraByte)
 {
     return Find(text, {startTag, nullptr}, {endTag, nullptr}, extraByte);
+}
+
+/// Logs that a document is missing, or where it lies; whether it is to be taken. One without its end tag,
+/// or too long, is passed over.
+bool Announce(const SDocument& document, const char* missing, const char* format, const vyr::SHere& here)
+{
+    if (vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        if (!document.start) {
+            vyr::Print(LOG_PRIORITY_DEBUG, here, "%s", missing);
+        } else if (document.end) {
+            vyr::Print(LOG_PRIORITY_DEBUG, here, format, static_cast<const void*>(document.start),
+                       static_cast<const void*>(document.end), document.length);
+        }
+    }
+    return document.Fits();
 }
 
 std::string Text(const char* text)
@@ -194,50 +208,32 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
     static constexpr const char* k_usbdStart[2] = {"<bundleDescriptionROUTE", "<BundleDescriptionROUTE"};
     static constexpr const char* k_usbdEnd[2] = {"</bundleDescriptionROUTE>", "</BundleDescriptionROUTE>"};
     const SDocument usbd = Find(text, k_usbdStart, k_usbdEnd, true);
-    if (!usbd.start) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] USBD data not included !!!");
-    } else if (usbd.Whole()) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] PARSE NEW USBD buf1 = 0x%p,  Pos = 0x%p, length = %td",
-                static_cast<const void*>(usbd.start), static_cast<const void*>(usbd.end), usbd.length);
-        if (usbd.Fits()) {
-            m_ParseUSBD(usbd.start, usbd.Size());
-        }
+    if (Announce(usbd, "[CSLSManager::Parse] USBD data not included !!!",
+                 "[CSLSManager::Parse] PARSE NEW USBD buf1 = 0x%p,  Pos = 0x%p, length = %td", VYR_HERE)) {
+        m_ParseUSBD(usbd.start, usbd.Size());
     }
 
     const SDocument stsid = Find(text, "<S-TSID", "</S-TSID>", true);
+    if (Announce(stsid, "[CSLSManager::Parse] STSID data not included start check direct EFDT !!!",
+                 "[CSLSManager::Parse] PARSE STSID buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
+        m_ParseSTSID(stsid.start, stsid.Size());
+    }
     if (!stsid.start) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] STSID data not included start check direct EFDT !!!");
         const SDocument efdt = Find(text, "<EFDT", "</EFDT>", false);
-        if (!efdt.start) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] direct EFDT data not included !!!");
-        } else if (efdt.Whole()) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] PARSE EFDT buf1 = 0x%p, Pos = 0x%p, length = %td",
-                    static_cast<const void*>(efdt.start), static_cast<const void*>(efdt.end), efdt.length);
-            if (efdt.Fits()) {
-                m_ParseDirectEFDT(efdt.start, efdt.Size(), session);
-            }
-        }
-    } else if (stsid.Whole()) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] PARSE STSID buf1 = 0x%p, Pos = 0x%p, length = %td",
-                static_cast<const void*>(stsid.start), static_cast<const void*>(stsid.end), stsid.length);
-        if (stsid.Fits()) {
-            m_ParseSTSID(stsid.start, stsid.Size());
+        if (Announce(efdt, "[CSLSManager::Parse] direct EFDT data not included !!!",
+                     "[CSLSManager::Parse] PARSE EFDT buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
+            m_ParseDirectEFDT(efdt.start, efdt.Size(), session);
         }
     }
 
     const SDocument mpd = Find(text, "<MPD", "</MPD>", true);
-    if (!mpd.start) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] MPD data not included !!!");
-    } else if (mpd.Whole()) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] PARSE MPD buf1 = 0x%p, Pos = 0x%p, length = %td",
-                static_cast<const void*>(mpd.start), static_cast<const void*>(mpd.end), mpd.length);
-        if (mpd.Fits()) {
-            if (m->callback.cbMPDData && m->usbd.created) {
-                m->callback.cbMPDData(m->callback.pUserData, mpd.start, mpd.Size(), m->usbd.parser.ServiceId());
-            }
-            if (!skipMpdParse) {
-                m_ParseMPD(mpd.start, mpd.Size());
-            }
+    if (Announce(mpd, "[CSLSManager::Parse] MPD data not included !!!",
+                 "[CSLSManager::Parse] PARSE MPD buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
+        if (m->callback.cbMPDData && m->usbd.created) {
+            m->callback.cbMPDData(m->callback.pUserData, mpd.start, mpd.Size(), m->usbd.parser.ServiceId());
+        }
+        if (!skipMpdParse) {
+            m_ParseMPD(mpd.start, mpd.Size());
         }
     }
 
@@ -259,14 +255,9 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
     }
 
     const SDocument rsat = Find(text, "<RSAT", "</RSAT>", true);
-    if (!rsat.start) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] RSAT data not included !!!");
-    } else if (rsat.Whole()) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] PARSE RSAT buf1 = 0x%p, Pos = 0x%p, length = %td",
-                static_cast<const void*>(rsat.start), static_cast<const void*>(rsat.end), rsat.length);
-        if (rsat.Fits()) {
-            m_ParseRSAT(rsat.start, rsat.Size());
-        }
+    if (Announce(rsat, "[CSLSManager::Parse] RSAT data not included !!!",
+                 "[CSLSManager::Parse] PARSE RSAT buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
+        m_ParseRSAT(rsat.start, rsat.Size());
     }
 }
 

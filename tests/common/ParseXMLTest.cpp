@@ -1,7 +1,7 @@
 #include "common/ParseXML.h"
 
 #include "common/CoreOS/PtrArray.h"
-#include "common/ElementHandlers.h"
+#include "common/XmlParser.h"
 #include "support/Recorder.h"
 
 // The walk and the two mechanisms that every XML parser stands on, on a parser made for the purpose:

@@ -16,19 +16,7 @@ struct SStringHashEntry {
     unsigned int bucket;
 };
 
-/// An entry and its key copy behind it, in one block.
-SStringHashEntry* NewEntry(const void* key, std::size_t bytes, const void* data, unsigned int bucket)
-{
-    unsigned char* block = new unsigned char[sizeof(SStringHashEntry) + bytes];
-    unsigned char* copy = block + sizeof(SStringHashEntry);
-    std::memcpy(copy, key, bytes);
-    return new (block) SStringHashEntry{copy, nullptr, nullptr, data, bucket};
-}
-
-void DeleteEntry(SStringHashEntry* entry)
-{
-    delete[] reinterpret_cast<unsigned char*>(entry);
-}
+constexpr std::size_t k_room = 112;
 
 /// h = h x 33 + byte over the key's bytes, unsigned, modulo 2^32.
 unsigned int _StringHashKey(const unsigned char* key, std::size_t length)
@@ -69,6 +57,56 @@ struct CCStringHash::CSStringHash {
     unsigned int tableSize;
     SStringHashEntry** table;
     int keyLength;
+    unsigned char* room;  ///< for the next entry
+    unsigned char* roomBegin;
+
+    /// Parsers make a hash of a handful of handlers each: the table stands in the block of the state, and
+    /// behind it room for the first entries.
+    static CSStringHash* New(std::size_t buckets)
+    {
+        const std::size_t bytes = sizeof(CSStringHash) + buckets * sizeof(SStringHashEntry*);
+        void* block = ::operator new(bytes + k_room, std::nothrow);
+        if (!block) {
+            return nullptr;
+        }
+        auto* hash = new (block) CSStringHash{};
+        hash->table = reinterpret_cast<SStringHashEntry**>(hash + 1);
+        std::memset(hash->table, 0, buckets * sizeof(SStringHashEntry*));
+        hash->room = hash->roomBegin = static_cast<unsigned char*>(block) + bytes;
+        return hash;
+    }
+
+    static void Delete(CSStringHash* hash) { ::operator delete(hash); }
+
+    bool InRoom(const unsigned char* block) const { return block >= roomBegin && block < roomBegin + k_room; }
+
+    /// An entry and its key copy behind it, in one block.
+    SStringHashEntry* NewEntry(const void* key, std::size_t bytes, const void* data, unsigned int bucket)
+    {
+        std::size_t needed = sizeof(SStringHashEntry) + bytes;
+        needed += (alignof(SStringHashEntry) - needed % alignof(SStringHashEntry)) % alignof(SStringHashEntry);
+        unsigned char* block = room;
+        if (needed <= static_cast<std::size_t>(roomBegin + k_room - room)) {
+            room += needed;
+        } else {
+            block = new unsigned char[needed];
+        }
+        unsigned char* copy = block + sizeof(SStringHashEntry);
+        std::memcpy(copy, key, bytes);
+        return new (block) SStringHashEntry{copy, nullptr, nullptr, data, bucket};
+    }
+
+    /// Room is free again when the last entry is gone.
+    void DeleteEntry(SStringHashEntry* entry)
+    {
+        unsigned char* block = reinterpret_cast<unsigned char*>(entry);
+        if (!InRoom(block)) {
+            delete[] block;
+        }
+        if (size == 0) {
+            room = roomBegin;
+        }
+    }
 
     std::size_t Length(const void* key) const
     {
@@ -129,13 +167,11 @@ bool CCStringHash::Create(unsigned int tableSize, unsigned int keyLength)
         return false;
     }
     const std::uint64_t buckets = TableSize(tableSize);
-    SStringHashEntry** table = buckets <= UINT32_MAX ? new (std::nothrow) SStringHashEntry*[buckets]() : nullptr;
-    if (!VYR_CHECK(table, "table")) {
+    m = buckets <= UINT32_MAX ? CSStringHash::New(static_cast<std::size_t>(buckets)) : nullptr;
+    if (!VYR_CHECK(m, "table")) {
         return false;
     }
-    m = new CSStringHash{};
     m->tableSize = static_cast<unsigned int>(buckets);
-    m->table = table;
     m->keyLength = static_cast<int>(keyLength);
     return true;
 }
@@ -145,8 +181,7 @@ void CCStringHash::Destroy()
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(m->size == 0, "m->size == 0")) {
         return;
     }
-    delete[] m->table;
-    delete m;
+    CSStringHash::Delete(m);
     m = nullptr;
 }
 
@@ -157,7 +192,7 @@ bool CCStringHash::Add(const void* key, const void* data)
     }
     const std::size_t length = m->Length(key);
     const std::size_t bytes = m->keyLength == -1 ? length + 1 : length;
-    SStringHashEntry* entry = NewEntry(key, bytes, data, m->Bucket(key, length));
+    SStringHashEntry* entry = m->NewEntry(key, bytes, data, m->Bucket(key, length));
     SStringHashEntry*& run = m->table[entry->bucket];
     m->LinkBefore(entry, run ? run : m->NextRun(entry->bucket));
     run = entry;
@@ -224,8 +259,8 @@ bool CCStringHash::Remove()
     m->dummy.previous = entry->previous;
     m->dummy.next = entry->next;
     m->Unlink(entry);
-    DeleteEntry(entry);
     --m->size;
+    m->DeleteEntry(entry);
     m->cur = &m->dummy;
     return true;
 }

@@ -90,11 +90,7 @@ void CEFDT::Destroy()
 
 bool CEFDT::SetCallback(const SEFDTInfoCallback* callback)
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    m->callback = callback ? *callback : SEFDTInfoCallback{};
-    return true;
+    return vyr::SetCallback(m, callback, VYR_HERE);
 }
 
 SEFDTInfo* CEFDT::GetEFDTInfo() const

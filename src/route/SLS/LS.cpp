@@ -40,11 +40,7 @@ void CLS::Destroy()
 
 bool CLS::SetCallback(const SCallback* callback)
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    m->callback = callback ? *callback : SCallback{};
-    return true;
+    return vyr::SetCallback(m, callback, VYR_HERE);
 }
 
 bool CLS::m_ProcessParse(void* root)

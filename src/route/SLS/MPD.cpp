@@ -261,11 +261,7 @@ void CMPD::Destroy()
 
 bool CMPD::SetCallback(const SCallback* callback)
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    m->callback = callback ? *callback : SCallback{};
-    return true;
+    return vyr::SetCallback(m, callback, VYR_HERE);
 }
 
 SMPDInfo* CMPD::GetMPDInfo() const

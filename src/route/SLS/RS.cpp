@@ -39,11 +39,7 @@ void CRS::Destroy()
 
 bool CRS::SetCallback(const CLS::SCallback* callback)
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    m->callback = callback ? *callback : CLS::SCallback{};
-    return true;
+    return vyr::SetCallback(m, callback, VYR_HERE);
 }
 
 bool CRS::m_ProcessParse(void* root)

@@ -40,11 +40,7 @@ void CSTSID::Destroy()
 
 bool CSTSID::SetCallback(const CLS::SCallback* callback)
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    m->callback = callback ? *callback : CLS::SCallback{};
-    return true;
+    return vyr::SetCallback(m, callback, VYR_HERE);
 }
 
 bool CSTSID::m_ProcessParse(void* root)

@@ -51,11 +51,7 @@ void CSrcFlow::Destroy()
 
 bool CSrcFlow::SetCallback(const SEFDTInfoCallback* callback)
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    m->callback = callback ? *callback : SEFDTInfoCallback{};
-    return true;
+    return vyr::SetCallback(m, callback, VYR_HERE);
 }
 
 bool CSrcFlow::m_ProcessParse(void* root)

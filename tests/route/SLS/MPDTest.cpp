@@ -1,0 +1,229 @@
+#include "route/SLS/MPD.h"
+
+#include <nlohmann/json.hpp>
+
+#include "support/Recorder.h"
+
+namespace {
+
+using TJson = nlohmann::json;
+
+class MPDTest : public CRecorder {
+  protected:
+    void SetUp() override
+    {
+        CRecorder::SetUp();
+        ASSERT_TRUE(m_mpd.Create());
+        const CMPD::SCallback callback = {this, OnInfo, OnRatings};
+        ASSERT_TRUE(m_mpd.SetCallback(&callback));
+    }
+
+    void TearDown() override
+    {
+        m_mpd.Destroy();
+        CRecorder::TearDown();
+    }
+
+    bool Parse(const std::string& text)
+    {
+        const std::vector<unsigned char> block = Exact(text);
+        return m_mpd.Parse(reinterpret_cast<const char*>(block.data()), static_cast<unsigned>(block.size()), false);
+    }
+
+    static void OnInfo(void* context, SMPDInfo* info)
+    {
+        auto* self = static_cast<MPDTest*>(context);
+        ++self->m_reports;
+        EXPECT_EQ(info, self->m_mpd.GetMPDInfo());
+    }
+
+    static void OnRatings(void* context, const CMPD::TRatings& ratings)
+    {
+        static_cast<MPDTest*>(context)->m_ratings = ratings;
+    }
+
+    CMPD m_mpd;
+    int m_reports = 0;
+    CMPD::TRatings m_ratings;
+};
+
+std::string Text(const char* text)
+{
+    return text ? text : "-";
+}
+
+std::string Text(long long number)
+{
+    return number == -1 ? "-" : std::to_string(number);
+}
+
+std::string Wanted(const TJson& element, const char* name, const std::string& absent = "-")
+{
+    return element.value(name, absent);
+}
+
+void CompareCommon(const SMPDCommon& common, const TJson& element, const TJson& above, const std::string& where)
+{
+    const auto wanted = [&](const char* name) { return Wanted(element, name, Wanted(above, name)); };
+    EXPECT_EQ(Text(common.mimeType), wanted("mimeType")) << where;
+    EXPECT_EQ(Text(common.codecs), wanted("codecs")) << where;
+    EXPECT_EQ(Text(common.width), wanted("width")) << where;
+    EXPECT_EQ(Text(common.height), wanted("height")) << where;
+    EXPECT_EQ(Text(common.frameRate), wanted("frameRate")) << where;
+    EXPECT_EQ(Text(common.sar), wanted("sar")) << where;
+    EXPECT_EQ(Text(common.audioSamplingRate), wanted("audioSamplingRate")) << where;
+    EXPECT_EQ(Text(common.startWithSAP), wanted("startWithSAP")) << where;
+    EXPECT_EQ(Text(common.scanType), wanted("scanType")) << where;
+}
+
+TEST_F(MPDTest, PresentationsOfOtherProgramsAsAnotherReaderReadsThem)
+{
+    const TJson all = TJson::parse(ReadData("mpd/expected.json"));
+    ASSERT_GT(all.size(), 30u);
+    for (const auto& [name, expected] : all.items()) {
+        ASSERT_TRUE(Parse(ReadData("mpd/" + name))) << name;
+        const SMPDInfo& info = *m_mpd.GetMPDInfo();
+        const TJson& decoded = expected["decoded"];
+        EXPECT_EQ(info.dynamic, Wanted(decoded["attributes"], "type") == "dynamic") << name;
+        EXPECT_EQ(Text(info.profiles), Wanted(decoded["attributes"], "profiles")) << name;
+        EXPECT_EQ(info.minBufferTime.has_value(), decoded["attributes"].contains("minBufferTime")) << name;
+        EXPECT_EQ(info.publishTime.has_value(), decoded["attributes"].contains("publishTime")) << name;
+        ASSERT_EQ(info.periods.size(), decoded["periods"].size()) << name;
+        for (std::size_t p = 0; p < info.periods.size(); ++p) {
+            const TJson& period = decoded["periods"][p];
+            EXPECT_EQ(Text(info.periods[p].id), Wanted(period, "id")) << name;
+            ASSERT_EQ(info.periods[p].adaptationSets.size(), period["adaptationSets"].size()) << name;
+            for (std::size_t s = 0; s < info.periods[p].adaptationSets.size(); ++s) {
+                const SMPDAdaptationSet& set = info.periods[p].adaptationSets[s];
+                const TJson& element = period["adaptationSets"][s];
+                const std::string where = name + " set " + std::to_string(s);
+                CompareCommon(set, element, TJson::object(), where);
+                EXPECT_EQ(Text(set.id), Wanted(element, "id")) << where;
+                EXPECT_EQ(Text(set.lang), Wanted(element, "lang")) << where;
+                EXPECT_EQ(Text(set.contentType), Wanted(element, "contentType")) << where;
+                EXPECT_EQ(Text(set.par), Wanted(element, "par")) << where;
+                EXPECT_EQ(Text(set.maxWidth), Wanted(element, "maxWidth")) << where;
+                EXPECT_EQ(Text(set.maxFrameRate), Wanted(element, "maxFrameRate")) << where;
+                EXPECT_EQ(set.roles.size(), element.value("Role", TJson::array()).size()) << where;
+                EXPECT_EQ(set.accessibilities.size(), element.value("Accessibility", TJson::array()).size()) << where;
+                EXPECT_EQ(set.contentProtections.size(), element.value("ContentProtection", TJson::array()).size());
+                ASSERT_EQ(set.representations.size(), element["representations"].size()) << where;
+                for (std::size_t r = 0; r < set.representations.size(); ++r) {
+                    CompareCommon(set.representations[r], element["representations"][r], element, where);
+                    EXPECT_EQ(Text(set.representations[r].id), Wanted(element["representations"][r], "id")) << where;
+                    EXPECT_EQ(Text(set.representations[r].bandwidth),
+                              Wanted(element["representations"][r], "bandwidth"));
+                }
+            }
+        }
+    }
+}
+
+TEST_F(MPDTest, TimesProtectionAndPreselections)
+{
+    ASSERT_TRUE(Parse(ReadData("mpd/gpac-a1-single-service-live.mpd")));
+    EXPECT_DOUBLE_EQ(*m_mpd.GetMPDInfo()->availabilityStartTime, 1795226543.328);
+    EXPECT_DOUBLE_EQ(*m_mpd.GetMPDInfo()->timeShiftBufferDepth, 30);
+    EXPECT_FALSE(m_mpd.GetMPDInfo()->mediaPresentationDuration.has_value());
+    EXPECT_DOUBLE_EQ(*m_mpd.GetMPDInfo()->periods[0].start, 0);
+    EXPECT_TRUE(m_ratings.empty());
+
+    ASSERT_TRUE(Parse(ReadData("mpd/eyevinn-multi-drm.mpd")));
+    const SMPDAdaptationSet& set = m_mpd.GetMPDInfo()->periods[0].adaptationSets[0];
+    ASSERT_EQ(set.contentProtections.size(), 5u);
+    EXPECT_STREQ(set.contentProtections[0].defaultKid, "121a0fca-0f1b-475b-8910-297fa8e0a07e");
+    ASSERT_EQ(set.contentProtections[1].licenceUrls.size(), 1u);
+    EXPECT_STREQ(set.contentProtections[1].licenceUrls[0], "https://clearkey.source.org");
+    EXPECT_EQ(set.contentProtections[3].pssh.size(), 1u);
+    EXPECT_EQ(std::string(set.contentProtections[4].pssh[0]).substr(0, 12), "AAAATHBzc2gA");
+
+    ASSERT_TRUE(Parse(ReadData("mpd/eyevinn-mpegh-preselection.mpd")));
+    const SMPDPeriod& period = m_mpd.GetMPDInfo()->periods[0];
+    ASSERT_EQ(period.preselections.size(), 3u);
+    EXPECT_STREQ(period.preselections[1].id, "1");
+    EXPECT_STREQ(period.preselections[0].preselectionComponents, "0");
+    EXPECT_TRUE(period.preselections[0].roles.size() == 2 && period.preselections[2].roles.empty());
+
+    ASSERT_TRUE(Parse(ReadData("mpd/gpac-rating-accessibility.mpd")));
+    const CMPD::TRatings rating = {{"tag:atsc.org,2016:XMLSchemas/ATSC3/RRT", "1,'TV-14-D-L-S',{0 'TV-14'}{1 'D'}"}};
+    EXPECT_EQ(m_ratings, rating);
+    EXPECT_EQ(m_reports, 4);
+}
+
+TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
+{
+    ASSERT_TRUE(Parse(ReadData("mpd/gpac-a11-many-components-live.mpd")));
+    const SMPDAdaptationSet& set = m_mpd.GetMPDInfo()->periods[0].adaptationSets[0];
+    const SMPDSegmentTemplate& second = *set.representations[1].segmentTemplate;
+    EXPECT_STREQ(second.media, "vv2_$Number$.m4s");
+    EXPECT_TRUE(second.timescale == 12800 && second.timeline == set.segmentTemplate->timeline);
+    EXPECT_EQ(set.segmentTemplate->media, nullptr);
+    EXPECT_TRUE(second.timeline->size() == 1 && second.timeline->front().d == 12800 && second.timeline->front().r == 6);
+
+    // The list stands behind the representation that has it.
+    ASSERT_TRUE(Parse(ReadData("mpd/mpdparser-multiperiod-segment-list.mpd")));
+    const SMPDRepresentation& representation = m_mpd.GetMPDInfo()->periods[1].adaptationSets[0].representations[0];
+    ASSERT_TRUE(representation.segmentList && representation.segmentList->urls->size() == 2);
+    EXPECT_STREQ(representation.segmentList->urls->back().media, "low/segment-2.ts");
+    EXPECT_TRUE(representation.segmentList->timescale == 1000 && representation.segmentList->startNumber == 1);
+    EXPECT_STREQ(m_mpd.GetMPDInfo()->baseUrls[0], "https://www.example.com/base");
+
+    ASSERT_TRUE(
+        Parse("<MPD><Period><SegmentTemplate timescale='0' media='p' presentationTimeOffset='5'>"
+              "<SegmentTimeline><S d='10' r='2'/><S d='4'/><S t='100' d='1' r='-1'/><S d='3'/>"
+              "<S t='9223372036854775806' d='9' r='1'/><S d='1'/></SegmentTimeline></SegmentTemplate>"
+              "<SegmentList><Initialization sourceURL='i' range='0-1'/></SegmentList>"
+              "<AdaptationSet codecs='c' width='4'><SegmentTemplate startNumber='0' initialization='i'/>"
+              "<BaseURL> b </BaseURL><BaseURL/><Representation codecs=''><SegmentList duration='2'>"
+              "<SegmentURL index='x'/></SegmentList></Representation></AdaptationSet></Period></MPD>"));
+    const SMPDAdaptationSet& inner = m_mpd.GetMPDInfo()->periods[0].adaptationSets[0];
+    const SMPDRepresentation& leaf = inner.representations[0];
+    ASSERT_EQ(leaf.segmentTemplate, inner.segmentTemplate);
+    EXPECT_TRUE(leaf.segmentTemplate->startNumber == 0 && leaf.segmentTemplate->presentationTimeOffset == 5 &&
+                leaf.segmentTemplate->timescale == 1 && leaf.segmentTemplate->duration == -1);
+    EXPECT_STREQ(leaf.segmentTemplate->media, "p");
+    std::vector<long long> starts;
+    for (const SMPDSegment& segment : *leaf.segmentTemplate->timeline) {
+        starts.push_back(segment.t);
+    }
+    EXPECT_EQ(starts, (std::vector<long long>{0, 30, 100, -1, 9223372036854775806, -1}));
+    EXPECT_STREQ(leaf.segmentList->initializationRange, "0-1");
+    EXPECT_TRUE(leaf.segmentList->duration == 2 && leaf.segmentList->urls->size() == 1);
+    EXPECT_STREQ(leaf.codecs, "");
+    EXPECT_EQ(leaf.width, 4);
+    ASSERT_EQ(inner.baseUrls.size(), 1u);
+    EXPECT_STREQ(inner.baseUrls[0], "b");
+}
+
+TEST_F(MPDTest, ElementsOutOfPlaceAndFailures)
+{
+    ASSERT_TRUE(
+        Parse("<MPD id='1' type='Dynamic' minBufferTime='2s'><AdaptationSet/><Role/><S/><pssh>p</pssh>"
+              "<Representation/><SegmentURL/><Rating value='r'/><EssentialProperty value='e'/><BaseURL>u</BaseURL>"
+              "<Period><Period/><EssentialProperty/><AdaptationSet><AdaptationSet/><Preselection/><ContentProtection "
+              "xmlns:d='u' d:default_KID='k'><ContentProtection/><d:laurl licenseUrl='l'/><cenc:pssh>q</cenc:pssh>"
+              "</ContentProtection></AdaptationSet></Period></MPD>"));
+    const SMPDInfo& info = *m_mpd.GetMPDInfo();
+    EXPECT_FALSE(info.dynamic || info.minBufferTime.has_value());
+    EXPECT_EQ(Logged("[CMPD] minBufferTime[2s] is no time"), 1);
+    EXPECT_TRUE(info.periods.size() == 1 && info.essentialProperties.size() == 1 && info.baseUrls.size() == 1);
+    ASSERT_EQ(info.periods[0].adaptationSets.size(), 1u);
+    const SMPDAdaptationSet& set = info.periods[0].adaptationSets[0];
+    ASSERT_TRUE(set.contentProtections.size() == 1 && set.representations.empty());
+    EXPECT_STREQ(set.contentProtections[0].defaultKid, "k");
+    EXPECT_STREQ(set.contentProtections[0].licenceUrls.at(0), "l");
+    EXPECT_STREQ(set.contentProtections[0].pssh.at(0), "q");
+    EXPECT_EQ(m_ratings, (CMPD::TRatings{{"", "r"}}));
+
+    for (const char* text : {"<Period/>", "<MPD>", "<MPD><Period></MPD>"}) {
+        EXPECT_FALSE(Parse(text)) << text;
+        EXPECT_EQ(m_mpd.GetMPDInfo(), nullptr);
+    }
+    EXPECT_EQ(m_reports, 1);
+    CMPD fresh;
+    EXPECT_FALSE(fresh.SetCallback(nullptr));
+    EXPECT_EQ(fresh.GetMPDInfo(), nullptr);
+    EXPECT_EQ(TakeAssertions(), "m; m");
+}
+
+}  // namespace
