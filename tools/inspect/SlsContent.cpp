@@ -154,24 +154,26 @@ std::string Table(const std::vector<TRow>& rows)
     return Aligned(shown);
 }
 
-TRow FileHeads()
-{
-    return {"  TSI", "TOI", "file", "type", "bytes"};
-}
+struct SFiles {
+    std::vector<TRow> rows = {{"  TSI", "TOI", "file", "type", "bytes"}};
+    std::size_t count = 0;
+};
 
-/// A row for each file of the EFDT.
-void AddFiles(const SEFDTInfo& efdt, const std::string& tsi, std::vector<TRow>& rows)
+/// A row for each file of the EFDT, and one for those that its template names.
+void AddFiles(const SEFDTInfo& efdt, const std::string& tsi, SFiles& files)
 {
     if (efdt.fileTemplate != nullptr) {
-        rows.push_back({"  " + tsi, "any", Printable(efdt.fileTemplate)});
+        files.rows.push_back({"  " + tsi, "any", Printable(efdt.fileTemplate)});
     }
     if (efdt.fdtGlobal == nullptr) {
         return;
     }
     ForEach<SFDTFile>(efdt.fdtGlobal->files, [&](const SFDTFile& file) {
         const long long size = file.contentLength != -1 ? file.contentLength : file.transferLength;
-        rows.push_back({"  " + tsi, file.toi != ~0ull ? std::to_string(file.toi) : "-", Printable(file.contentLocation),
-                        Printable(file.contentType), size != -1 ? std::to_string(size) : ""});
+        ++files.count;
+        files.rows.push_back({"  " + tsi, file.toi != ~0ull ? std::to_string(file.toi) : "-",
+                              Printable(file.contentLocation), Printable(file.contentType),
+                              size != -1 ? std::to_string(size) : ""});
     });
 }
 
@@ -223,7 +225,7 @@ TJson SrcFlowJson(const CSrcFlow::SSrcFlow& flow, TRow& row)
     return json;
 }
 
-TJson LctSessionJson(const CLS::SLS& session, const TRow& route, std::vector<TRow>& sessions, std::vector<TRow>& files)
+TJson LctSessionJson(const CLS::SLS& session, const TRow& route, std::vector<TRow>& sessions, SFiles& files)
 {
     TJson json = TJson::object();
     PutNumber(json, "tsi", session.tsi, k_none);
@@ -329,7 +331,7 @@ SContent StsidContent(const CSTSID& stsid)
     SContent content;
     std::vector<TRow> sessions = {
         {"  TSI", "session", "source", "kbit/s", "kind", "content", "type", "language", "ratings"}};
-    std::vector<TRow> files = {FileHeads()};
+    SFiles files;
     content.json["RS"] = TJson::array();
     ForEach<CRS>(stsid.State()->routeSessions, [&](const CRS& rs) {
         const CRS::SRS& state = *rs.State();
@@ -351,8 +353,8 @@ SContent StsidContent(const CSTSID& stsid)
         content.json["RS"].push_back(std::move(json));
     });
     content.headline = Counted(content.json["RS"].size(), "ROUTE session") + ", " +
-                       Counted(sessions.size() - 1, "LCT session") + ", " + Counted(files.size() - 1, "file");
-    content.text = Table(sessions) + Table(files);
+                       Counted(sessions.size() - 1, "LCT session") + ", " + Counted(files.count, "file");
+    content.text = Table(sessions) + Table(files.rows);
     return content;
 }
 
@@ -360,12 +362,12 @@ SContent EfdtContent(const SEFDTInfo& efdt)
 {
     SContent content;
     content.json = EfdtJson(efdt);
-    std::vector<TRow> files = {FileHeads()};
+    SFiles files;
     AddFiles(efdt, Given(efdt.tsi), files);
-    content.headline = Joined({efdt.tsi != k_none ? "TSI " + std::to_string(efdt.tsi) : "",
-                               efdt.version != k_none ? "version " + std::to_string(efdt.version) : "",
-                               Counted(files.size() - 1, "file")});
-    content.text = Table(files);
+    content.headline =
+        Joined({efdt.tsi != k_none ? "TSI " + std::to_string(efdt.tsi) : "",
+                efdt.version != k_none ? "version " + std::to_string(efdt.version) : "", Counted(files.count, "file")});
+    content.text = Table(files.rows);
     return content;
 }
 
