@@ -48,6 +48,9 @@ SBytes Bytes(TView text)
 /// Linear in the text, which string_view's own search is not quite: it stops at every '<'.
 std::size_t Find(TView text, TView tag, std::size_t from)
 {
+    if (from >= text.size()) {
+        return TView::npos;
+    }
     const void* found = memmem(text.data() + from, text.size() - from, tag.data(), tag.size());
     return found != nullptr ? static_cast<std::size_t>(static_cast<const char*>(found) - text.data()) : TView::npos;
 }
