@@ -1,10 +1,11 @@
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "mmt/MMTBytes.h"
 #include "mmt/desc/MMTDesc.h"
 
 /// Base of the descriptors whose payload is kept: read inside the bounds of their own length. Fields that do
@@ -20,9 +21,9 @@ class VYR_API CMMTDescPayload : public CMMTDesc {
     bool Parse(SItem* item) override;
 
     /// The payload behind the length, whatever was understood of it; null before Parse.
-    const unsigned char* RawData() const { return m_raw.get(); }
+    const unsigned char* RawData() const { return m_raw.Data(); }
     /// Its length in bytes; 0 before Parse.
-    unsigned int RawLength() const { return m_rawLength; }
+    unsigned int RawLength() const { return m_raw.Length(); }
 
   protected:
     /// `name` is the class's, for the log.
@@ -80,6 +81,5 @@ class VYR_API CMMTDescPayload : public CMMTDesc {
   private:
     const char* m_name;
     unsigned int m_wanted;
-    std::unique_ptr<unsigned char[]> m_raw;
-    unsigned int m_rawLength;
+    vyr::CBytes m_raw;
 };

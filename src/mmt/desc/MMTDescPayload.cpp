@@ -1,8 +1,9 @@
 #include "mmt/desc/MMTDescPayload.h"
 
 #include "common/Log.h"
+#include "mmt/Elements.h"
 
-CMMTDescPayload::CMMTDescPayload(const char* name, unsigned int tag) : m_name(name), m_wanted(tag), m_rawLength(0) {}
+CMMTDescPayload::CMMTDescPayload(const char* name, unsigned int tag) : m_name(name), m_wanted(tag) {}
 
 CMMTDescPayload::~CMMTDescPayload() = default;
 
@@ -25,17 +26,17 @@ bool CMMTDescPayload::Parse(SItem* item)
         VYR_LOG(LOG_PRIORITY_DEBUG, "[%s::Parse] Wrong tag : %d", m_name, static_cast<int>(t_tag));
         return false;
     }
-    if (item->size - item->bitpos / 8 < t_length) {
+    if (vyr::BytesLeft(*item) < t_length) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[%s::Parse] DescLength mismatch ERROR Length = %u", m_name, t_length);
         return false;
     }
-    std::unique_ptr<unsigned char[]> raw(t_AllocAndCopy(item, t_length));
+    vyr::CBytes raw;
+    raw.Take(t_AllocAndCopy(item, t_length), t_length);
     if (!raw) {
         return false;
     }
     m_raw = std::move(raw);
-    m_rawLength = t_length;
-    SItem payload = {m_raw.get(), m_rawLength, m_rawLength * 8, 0, true};
+    SItem payload = m_raw.Item();
     t_ParsePayload(&payload);
     return true;
 }
