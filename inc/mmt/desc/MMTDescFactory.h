@@ -15,3 +15,7 @@ class VYR_API CMMTDescFactory {
     /// those before it are in the array.
     static bool ParseDescriptors(IParse::SItem* item, int length, CCPtrArray* array);
 };
+
+/// Logs the bytes of the descriptor at the cursor, at debug priority: tag, length and what the length names, as
+/// far as the item has them and no more than 1,024. The cursor stays where it is.
+VYR_API void PrintDescriptorRawData(IParse::SItem* item);
