@@ -32,10 +32,13 @@ T* ElementAt(const CCPtrArray& array, int index)
     return static_cast<T*>(array.Data(index));
 }
 
-/// Logs every element of an array of T.
+/// Logs every element of an array of T, at debug priority.
 template <class T>
 void DumpElements(const CCPtrArray& array)
 {
+    if (!LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
     for (int i = 0; i < array.Size(); ++i) {
         ElementAt<T>(array, i)->Dump();
     }

@@ -21,6 +21,9 @@ class VYR_API CMMTDescLowDelay : public CMMTDescPayload {
     /// The fields, each as far as the length reaches.
     const SLowDelay& Fields() const { return m_fields; }
 
+    /// Reads the fields alone, which are all that the item has: so the low delay consumption message carries them.
+    void ParseFields(SItem* fields);
+
   private:
     void t_ParsePayload(SItem* payload) override;
 

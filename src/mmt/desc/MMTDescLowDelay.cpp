@@ -6,16 +6,21 @@ CMMTDescLowDelay::CMMTDescLowDelay() : CMMTDescPayload("CMMTDescLowDelay", 14) {
 
 void CMMTDescLowDelay::t_ParsePayload(SItem* payload)
 {
+    ParseFields(payload);
+}
+
+void CMMTDescLowDelay::ParseFields(SItem* fields)
+{
     m_fields = {};
-    t_Field(payload, 32, m_fields.basePresentationTimeOffset);
-    t_Field(payload, 1, m_fields.codingDependencyStructureFlag);
-    t_Value(payload, 7);
+    t_Field(fields, 32, m_fields.basePresentationTimeOffset);
+    t_Field(fields, 1, m_fields.codingDependencyStructureFlag);
+    t_Value(fields, 7);
     if (m_fields.codingDependencyStructureFlag.value_or(false)) {
-        t_Field(payload, 16, m_fields.periodOfIntrapicture);
+        t_Field(fields, 16, m_fields.periodOfIntrapicture);
     }
-    t_Field(payload, 32, m_fields.defaultSampleDuration);
-    t_Field(payload, 32, m_fields.defaultSampleSize);
-    t_Field(payload, 32, m_fields.defaultSampleFlags);
+    t_Field(fields, 32, m_fields.defaultSampleDuration);
+    t_Field(fields, 32, m_fields.defaultSampleSize);
+    t_Field(fields, 32, m_fields.defaultSampleFlags);
 }
 
 void CMMTDescLowDelay::Dump() const
