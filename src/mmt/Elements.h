@@ -69,11 +69,17 @@ bool ParseElements(IParse::SItem* item, unsigned int count, CCPtrArray& array, c
 inline bool ParseDescriptorLoop(IParse::SItem* item, unsigned int length, CCPtrArray* array)
 {
     const bool fits = length <= BytesLeft(*item);
-    const unsigned int end = item->bitpos + length * 8;
-    CMMTDescFactory::ParseDescriptors(item, static_cast<int>(length), array);
-    item->valid = item->valid && fits;
+    // The loop bounds its descriptors: what one read past its end would be read again with what follows,
+    // and copied as often as there are loops.
+    IParse::SItem loop = *item;
+    if (fits) {
+        loop.size = item->bitpos / 8 + length;
+        loop.bitsize = loop.size * 8;
+    }
+    CMMTDescFactory::ParseDescriptors(&loop, static_cast<int>(length), array);
+    item->valid = loop.valid && fits;
     if (item->valid) {
-        item->bitpos = end;
+        item->bitpos += length * 8;
     }
     return item->valid;
 }
