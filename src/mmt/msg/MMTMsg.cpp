@@ -16,7 +16,7 @@ unsigned short CMMTMsg::MessageId(const unsigned char* data)
 
 bool CMMTMsg::Parse(SItem* item)
 {
-    if (!VYR_ASSERT(item, "item")) {
+    if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }
     m_id = static_cast<unsigned short>(t_Value(item, 16));

@@ -16,7 +16,7 @@ CMMTTbl::~CMMTTbl() = default;
 
 bool CMMTTbl::Parse(SItem* item)
 {
-    if (!VYR_ASSERT(item, "item")) {
+    if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }
     m_tableId = static_cast<unsigned char>(t_Value(item, 8));
