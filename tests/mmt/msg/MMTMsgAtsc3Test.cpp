@@ -10,29 +10,19 @@ namespace {
 
 /// An ATSC 3.0 message; what it announces may differ from what is in it.
 struct SMessage {
-    SMessage(unsigned int sentType, std::string sentContent, unsigned int sentCompression = 1,
-             long long sentLength = -1, std::string sentUri = "")
-        : type(sentType),
-          content(std::move(sentContent)),
-          compression(sentCompression),
-          announced(sentLength < 0 ? static_cast<long long>(content.size()) : sentLength),
-          uri(std::move(sentUri))
-    {
-    }
+    unsigned int type = 0;
+    std::string content = "";
+    unsigned int compression = 1;
+    long long announced = -1;  // content length; -1: the content's
+    std::string uri = "";
 
     std::string Bytes() const
     {
         CMmtBuilder b;
         b.Put(16, 0x8100).Put(8, 3).Open(32).Put(16, 1001).Put(16, type).Put(8, 4).Put(8, compression);
-        b.Open(8).Put(uri).Close().Put(32, static_cast<std::uint64_t>(announced));
+        b.Open(8).Put(uri).Close().Put(32, announced < 0 ? content.size() : static_cast<std::uint64_t>(announced));
         return b.Put(content).Close().Bytes();
     }
-
-    unsigned int type;
-    std::string content;
-    unsigned int compression;
-    long long announced;  // content length
-    std::string uri;
 };
 
 /// What GetContent gives: the text, or "null", and the length.
