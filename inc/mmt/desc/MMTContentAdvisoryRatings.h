@@ -12,7 +12,7 @@ class VYR_API CMMTContentAdvisoryRatings : public XMLBase {
   public:
     /// A text in one language.
     struct SText {
-        std::string text;
+        std::string text;  ///< may be empty
         std::string lang;  ///< BCP 47; empty: not given
     };
     /// A rating in one dimension of the region: RatingDimVal.
@@ -20,6 +20,7 @@ class VYR_API CMMTContentAdvisoryRatings : public XMLBase {
         int dimension;              ///< RatingDimension: index of the dimension; 0: not given
         std::vector<SText> values;  ///< RatingValueString, in each language
     };
+    /// The children of the element.
     struct SContentAdvisoryRatings {
         int regionIdentifier = 0;         ///< RegionIdentifier; 0: not given
         std::vector<SText> descriptions;  ///< RatingDescription, in each language

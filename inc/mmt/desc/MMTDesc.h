@@ -10,6 +10,7 @@ class VYR_API CMMTDesc : public IMMTParser {
     CMMTDesc(const CMMTDesc&) = delete;
     CMMTDesc& operator=(const CMMTDesc&) = delete;
 
+    /// Reads the descriptor at the cursor, tag and length included. False: not one of this class, or cut.
     bool Parse(SItem* item) override = 0;
     /// Logs tag and length, at debug priority.
     virtual void Dump() const;
@@ -20,6 +21,6 @@ class VYR_API CMMTDesc : public IMMTParser {
     unsigned int Length() const { return t_length; }
 
   protected:
-    unsigned int t_tag;
-    unsigned int t_length;
+    unsigned int t_tag;     ///< see Tag
+    unsigned int t_length;  ///< see Length
 };

@@ -5,6 +5,7 @@
 /// Audio stream properties of assets (ATSC A/331 7.2.3), tag 9.
 class VYR_API CMMTDescAsp : public CMMTDescPayload {
   public:
+    /// One presentation of an audio asset.
     struct SPresentation {
         unsigned char id;                                       ///< presentation_id
         bool interactivityEnabled;                              ///< interactivity_enabled
@@ -17,10 +18,12 @@ class VYR_API CMMTDescAsp : public CMMTDescPayload {
         std::string_view label;                                 ///< when flagged
         std::vector<unsigned char> auxStreamIds;                ///< with multi-stream information
     };
+    /// A stream that the main stream may be played with.
     struct SAuxiliaryStream {
         bool deliveryMethod;              ///< delivery_method
         unsigned char auxiliaryStreamId;  ///< auxiliary_stream_id, 7 bits
     };
+    /// Multi-stream information: the place of a stream in its bundle.
     struct SMultiStream {
         bool thisIsMainStream;                           ///< this_is_main_stream
         unsigned char thisStreamId;                      ///< this_stream_id, 7 bits
@@ -32,6 +35,7 @@ class VYR_API CMMTDescAsp : public CMMTDescPayload {
         unsigned int seconds;         ///< 32 bits
         unsigned short milliseconds;  ///< 10 bits
     };
+    /// One audio asset.
     struct SAsset {
         std::string_view assetId;                  ///< asset_id
         std::string_view codecCode;                ///< four characters, such as "ac-4"

@@ -5,6 +5,7 @@
 /// Caption assets (ATSC A/331 7.2.3), tag 8.
 class VYR_API CMMTDescCaption : public CMMTDescPayload {
   public:
+    /// One caption asset.
     struct SAsset {
         std::string_view assetId;                  ///< asset_id
         std::string_view language;                 ///< BCP 47

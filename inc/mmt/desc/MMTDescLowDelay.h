@@ -6,6 +6,7 @@
 /// metadata arrives.
 class VYR_API CMMTDescLowDelay : public CMMTDescPayload {
   public:
+    /// The fields, each as far as the length reaches.
     struct SLowDelay {
         std::optional<unsigned int> basePresentationTimeOffset;  ///< base_presentation_time_offset
         std::optional<bool> codingDependencyStructureFlag;       ///< coding_dependency_structure_flag

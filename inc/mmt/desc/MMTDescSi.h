@@ -5,6 +5,7 @@
 /// Security information (ISO/IEC 23008-1), tag 4: the security systems that protect something, and their keys.
 class VYR_API CMMTDescSi : public CMMTDescPayload {
   public:
+    /// One security system.
     struct SSystem {
         std::string_view systemId;             ///< 16 bytes
         std::vector<std::string_view> keyIds;  ///< 16 bytes each

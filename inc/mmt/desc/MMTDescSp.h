@@ -16,6 +16,7 @@ class VYR_API CMMTDescSp : public CMMTDescPayload {
         unsigned char type;    ///< kind of licence
         std::string_view url;  ///< where it is had
     };
+    /// One protected asset.
     struct SAsset {
         std::string_view assetId;              ///< asset_id
         std::string_view schemeCode;           ///< tag 12: four characters, such as "cenc"

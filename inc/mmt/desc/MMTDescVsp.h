@@ -5,6 +5,7 @@
 /// Video stream properties of assets (ATSC A/331 7.2.3.2), tag 5.
 class VYR_API CMMTDescVsp : public CMMTDescPayload {
   public:
+    /// Sub-layers of the stream.
     struct STemporalScalability {
         unsigned char maxSubLayersInstream;     ///< max_sub_layers_instream, 6 bits
         bool subLayerProfileTierLevelPresent;   ///< sub_layer_profile_tier_level_info_present
@@ -13,6 +14,7 @@ class VYR_API CMMTDescVsp : public CMMTDescPayload {
         unsigned char tidMin;                   ///< tid_min, 3 bits
         std::optional<unsigned char> tfweight;  ///< tfweight, 2 bits, with temporalFilterPresent
     };
+    /// Place of the asset among several views.
     struct SMultiview {
         unsigned char viewNuhLayerId;      ///< view_nuh_layer_id, 6 bits
         unsigned char viewPos;             ///< view_pos, 6 bits
@@ -40,6 +42,7 @@ class VYR_API CMMTDescVsp : public CMMTDescPayload {
         unsigned short average;  ///< average_bitrate
         unsigned short maximum;  ///< maximum_bitrate
     };
+    /// Colour of the video.
     struct SColour {
         unsigned char colourPrimaries;          ///< colour_primaries (ITU-T H.265 table E.3)
         unsigned char transferCharacteristics;  ///< transfer_characteristics (table E.4)
@@ -59,6 +62,7 @@ class VYR_API CMMTDescVsp : public CMMTDescPayload {
         bool frameOnlyConstraintFlag;        ///< frame_only_constraint_flag
         unsigned long long constraintFlags;  ///< the 44 bits that follow, as they stand
     };
+    /// What profile_tier_level tells of one sub-layer.
     struct SSubLayer {
         std::optional<SProfile> profile;        ///< with sub_layer_profile_present_flag
         std::optional<unsigned char> levelIdc;  ///< with sub_layer_level_present_flag
@@ -69,6 +73,7 @@ class VYR_API CMMTDescVsp : public CMMTDescPayload {
         unsigned char levelIdc;            ///< general_level_idc: 30 times the level
         std::vector<SSubLayer> subLayers;  ///< m of them
     };
+    /// One video asset.
     struct SAsset {
         std::string_view assetId;                                 ///< asset_id
         std::string_view codecCode;                               ///< four characters, such as "hev1"

@@ -8,6 +8,7 @@
 /// Parser of a name element of the user service bundle description of an MMT service (ATSC A/331 7.2.1).
 class VYR_API CMMTName : public XMLBase {
   public:
+    /// A name.
     struct SName {
         std::string name;  ///< the element's text
         std::string lang;  ///< its language, BCP 47; empty: not given

@@ -8,7 +8,8 @@ class CMMTUsbd;
 class CRSAT;
 
 /// ATSC 3.0 signalling message (ATSC A/331 7.2.3.1), message_id 0x8100: one piece of service-layer signalling,
-/// handed to the parser of its kind. Parsed once.
+/// handed to the parser of its kind. Made for one
+/// message; descriptors, USBD and RSAT of a second one in the same object join those of the first.
 class VYR_API CMMTMsgAtsc3 : public CMMTMsg {
   public:
     /// atsc3_message_content_type of the contents that are read.

@@ -31,7 +31,7 @@ bool CMMTMpuComponent::m_ProcessParse(void* root)
     CNodeText::Attribute(root, "mmtPackageId").CopyTo(component.mmtPackageId);
     CNodeText::Attribute(root, "contentIdSchemeIdUri").CopyTo(component.contentIdSchemeIdUri);
     CNodeText::Attribute(root, "contentIdValue").CopyTo(component.contentIdValue);
-    // Both spellings are on the air.
+    // Read in either spelling.
     if (!CNodeText::Attribute(root, "nextMMTPackageId").CopyTo(component.nextMMTPackageId)) {
         CNodeText::Attribute(root, "nextMmtPackageId").CopyTo(component.nextMMTPackageId);
     }

@@ -28,7 +28,7 @@ struct CMMTMsgAtsc3::SState {
     CMMTTblSi siTable;
 
     /// In the order in which descriptors are handed out.
-    CCPtrArray* const arrays[5] = {&audioStreamProperties, &videoStreamProperties, &captionAssets, &securityProperties,
+    const CCPtrArray* const arrays[5] = {&audioStreamProperties, &videoStreamProperties, &captionAssets, &securityProperties,
                                    &licenseUrls};
 
     SState()
@@ -60,9 +60,6 @@ bool CMMTMsgAtsc3::Parse(SItem* item)
         return false;
     }
     m->content.reset();
-    for (CCPtrArray* array : m->arrays) {
-        array->RemoveAll();
-    }
     m->serviceId = static_cast<unsigned short>(t_Value(item, 16));
     m->contentType = static_cast<unsigned short>(t_Value(item, 16));
     m->contentVersion = static_cast<unsigned char>(t_Value(item, 8));
