@@ -20,7 +20,8 @@ class CMmtBuilder {
             if (m_bits % 8 == 0) {
                 m_bytes.push_back('\0');
             }
-            m_bytes.back() = static_cast<char>(m_bytes.back() | (value >> i & 1) << (7 - m_bits % 8));
+            const unsigned char bit = static_cast<unsigned char>((value >> i & 1) << (7 - m_bits % 8));
+            m_bytes.back() = static_cast<char>(static_cast<unsigned char>(m_bytes.back()) | bit);
         }
         return *this;
     }
