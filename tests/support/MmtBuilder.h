@@ -20,7 +20,8 @@ class CMmtBuilder {
             if (m_bits % 8 == 0) {
                 m_bytes.push_back('\0');
             }
-            m_bytes.back() = static_cast<char>(m_bytes.back() | (value >> i & 1) << (7 - m_bits % 8));
+            const int bit = static_cast<int>(value >> i & 1);
+            m_bytes.back() = static_cast<char>(m_bytes.back() | bit << (7 - m_bits % 8));
         }
         return *this;
     }
