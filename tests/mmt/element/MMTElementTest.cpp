@@ -210,7 +210,7 @@ TEST_F(MMTElementTest, UrlLists)
     EXPECT_EQ(SFed(mapping, std::string("\1\0\1\0\1a\0\1b", 9)).Cursor(), 6u);
     EXPECT_TRUE(SFed(mapping, std::string("\1\0\0", 3)).result);
     EXPECT_TRUE(SFed(mapping, "\1\xFF\xFF").result);
-    for (const std::size_t size : {0, 1, 2, 4, 6, 7, 9}) {
+    for (const std::size_t size : {0u, 1u, 2u, 4u, 6u, 7u, 9u}) {
         EXPECT_FALSE(SFed(mapping, two.substr(0, size)).result || mapping.Identifier()) << size;
     }
     EXPECT_EQ(Logged("src/mmt/element/MMTElementIdentifierMapping:43, m_identifier->Parse(item)"), 6);
