@@ -227,6 +227,7 @@ TEST_F(MMTTblTest, DescriptorLoops)
         // A clock relation that cannot be makes the item invalid; a loop past the data does not fit.
         {std::string("\0\0\0\x0E", 4) + std::string(14, 'x'), 18, false, ""},
         {MmtCri(1), 20, false, "1 "},
+        {MmtCri(1), 18, false, ""},  // a descriptor does not read past its loop
     };
     for (const auto& c : k_cases) {
         SCOPED_TRACE(c.length);
