@@ -6,6 +6,8 @@
 
 #include "LibraryPort.h"
 #include "LinkLayer.h"
+#include "RouteFollower.h"
+#include "SlsFollower.h"
 #include "Text.h"
 
 namespace vyr::inspect {
@@ -90,11 +92,11 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         followers[stream] = std::make_unique<CLlsFollower>(EndpointText(stream.first, stream.second), !m_options.strict,
                                                            m_channelMap, m_report);
     }
-    CRouteFollower route(m_options.routeSessions, m_report);
+    const auto route = FollowRoute(m_options.routeSessions, m_report);
     for (const auto& [stream, follower] : followers) {
         const TEndpoint& lls = stream;
-        follower->SetRouteListener([&route, lls](unsigned char groupId, std::vector<SRouteService> services) {
-            route.Announce({lls, groupId}, std::move(services));
+        follower->SetServiceListener([&route, lls](unsigned char groupId, const std::vector<SService>& services) {
+            route->Announce({lls, groupId}, services);
         });
     }
     SSource source = {name, 0, {}};
@@ -103,7 +105,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         const TEndpoint endpoint = {datagram.destination, datagram.destinationPort};
         if (const auto follower = followers.find(endpoint); follower != followers.end()) {
             follower->second->Take(datagram.payload, source);
-        } else if (!route.Take(datagram, source) &&
+        } else if (!route->Take(datagram, source) &&
                    (destinations.size() < k_maxDestinations || destinations.count(endpoint) != 0)) {
             ++destinations[endpoint];
         }
@@ -116,7 +118,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             m_Finish(*follower);
         }
         if (m_output.Error() == 0) {
-            route.Finish(name);
+            route->Finish(name);
             m_CaptureFaults(name, decoder.Counts(), followers, destinations);
         }
     };
@@ -175,7 +177,8 @@ void CInspector::m_RawTable(SBytes table, const std::string& name)
 
 void CInspector::m_SlsFile(SBytes bytes, const std::string& name)
 {
-    CSlsFollower follower("", {}, m_report);
+    const SFollowed followed;
+    CSlsFollower follower(followed, m_report);
     if (!follower.Take({}, bytes, {name, 0, {}})) {
         throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
     }

@@ -13,7 +13,6 @@
 #include "Output.h"
 #include "Progress.h"
 #include "Report.h"
-#include "RouteFollower.h"
 #include "common/ChannelMap.h"
 
 namespace vyr::inspect {

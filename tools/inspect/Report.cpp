@@ -89,12 +89,18 @@ const char* DocumentStatusName(EDocumentStatus status)
     return k_names[static_cast<std::size_t>(status)];
 }
 
-SRouteCounts& SRouteCounts::operator+=(const SRouteCounts& other)
+SSessionCounts& SSessionCounts::operator+=(const SSessionCounts& other)
 {
     sessions += other.sessions;
     packets += other.packets;
     malformed += other.malformed;
     signalling += other.signalling;
+    return *this;
+}
+
+SRouteCounts& SRouteCounts::operator+=(const SRouteCounts& other)
+{
+    SSessionCounts::operator+=(other);
     objects += other.objects;
     incomplete += other.incomplete;
     return *this;

@@ -166,12 +166,18 @@ struct STableCounts {
     double intervalSum = 0;
 };
 
-/// What came on the sessions that carry signalling by ROUTE.
-struct SRouteCounts {
+/// What came on the sessions of one protocol.
+struct SSessionCounts {
     unsigned sessions = 0;
-    std::uint64_t packets = 0;  ///< to these sessions, of any TSI
+    std::uint64_t packets = 0;  ///< to these sessions, whatever they carry
     std::uint64_t malformed = 0;
-    std::uint64_t signalling = 0;  ///< of TSI 0, with source data
+    std::uint64_t signalling = 0;  ///< ROUTE: of TSI 0, with source data
+
+    SSessionCounts& operator+=(const SSessionCounts& other);
+};
+
+/// What came on the sessions that carry signalling by ROUTE.
+struct SRouteCounts : SSessionCounts {
     SObjectCounts objects;
     std::uint64_t incomplete = 0;  ///< objects that came in part and were never whole
 
