@@ -101,6 +101,7 @@ TEST_F(SlsFollower, InflatesUpTo8MiB)
     for (std::size_t size = 2; size < whole.size(); ++size) {
         EXPECT_EQ(m_Take(3, whole.substr(0, size)), TLines({"fault: object-not-read"})) << size;
     }
+    EXPECT_EQ(m_Take(3, whole), TLines({"changed-without-version; S-TSID new", "fault: changed-without-version"}));
     EXPECT_EQ(m_Take(4, Gzip("")), TLines({"fault: object-not-read"}));
 }
 
