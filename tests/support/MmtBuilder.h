@@ -20,8 +20,8 @@ class CMmtBuilder {
             if (m_bits % 8 == 0) {
                 m_bytes.push_back('\0');
             }
-            const int bit = static_cast<int>(value >> i & 1);
-            m_bytes.back() = static_cast<char>(m_bytes.back() | bit << (7 - m_bits % 8));
+            const unsigned char bit = static_cast<unsigned char>((value >> i & 1) << (7 - m_bits % 8));
+            m_bytes.back() = static_cast<char>(static_cast<unsigned char>(m_bytes.back()) | bit);
         }
         return *this;
     }
@@ -117,8 +117,9 @@ inline std::string MmtMessage(unsigned int id, unsigned int bits, const std::str
     return CMmtBuilder().Put(16, id).Put(8, 7).Open(bits).Put(payload).Close().Bytes();
 }
 
-/// An MP table of two assets: "a1" with everything, and one with two URLs and nothing else. Ids 0x11 and 0x20 have
-/// a package id and table descriptors. The clocks of its descriptors are 1 and 2; 3 stands behind an unknown one.
+/// An MP table of three assets: "a1" with everything; one with two URLs and a clock without timescale; one with
+/// nothing. Ids 0x11 and 0x20 have a package id and table descriptors. The clocks of its descriptors are 1 and 2;
+/// 3 stands behind an unknown one.
 inline std::string MmtMpTable(unsigned int id)
 {
     CMmtBuilder b;
@@ -126,12 +127,13 @@ inline std::string MmtMpTable(unsigned int id)
     if (id == 0x11 || id == 0x20) {
         b.Open(8).Put("pkg").Close().Open(16).Put(MmtCri(1)).Close();
     }
-    b.Put(8, 2);
+    b.Put(8, 3);
     b.Put(8, 0).Put(MmtAssetId("a1")).Put("hev1").Put(6, 0x3F).Put(2, 3).Put(8, 9).Put(7, 0).Put(1, 1).Put(32, 90000);
     b.Put(8, 2).Put(8, 0).Put(16, 0x1001).Put(8, 1).Put(64, 5).Put(16, 5000).Put(16, 0x1002);
     b.Open(16).Put(MmtCri(2) + MmtUnknown() + MmtCri(3)).Close();
-    b.Put(8, 1).Put(16, 2).Open(16).Put("u1").Close().Open(16).Put("url2").Close().Put("mp4a").Put(8, 0xFC);
-    b.Put(8, 0).Put(16, 0);
+    b.Put(8, 1).Put(16, 2).Open(16).Put("u1").Close().Open(16).Put("url2").Close().Put("mp4a").Put(8, 0xFD);
+    b.Put(8, 8).Put(8, 0xFE).Put(8, 0).Put(16, 0);
+    b.Put(8, 0).Put(MmtAssetId("")).Put("stpp").Put(8, 0xFC).Put(8, 0).Put(16, 0);
     return MmtTable(id, b.Bytes());
 }
 

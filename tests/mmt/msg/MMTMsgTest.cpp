@@ -1,4 +1,6 @@
+#include <atomic>
 #include <functional>
+#include <thread>
 
 #include "mmt/msg/MMTMsgAc.h"
 #include "mmt/msg/MMTMsgAdc.h"
@@ -105,6 +107,20 @@ TEST_F(MMTMsgTest, FactoryWithoutAnId)
     EXPECT_TRUE(Create(0) && Create(0));
     CMMTMsgFactory::InitializeFactory();
     EXPECT_LE(Logged("[CMMTMsgFactory::InitializeFactory] BEGIN"), 1);
+}
+
+TEST_F(MMTMsgTest, FactoryFromManyThreads)
+{
+    SetLogPriority(LOG_PRIORITY_SILENT);
+    std::atomic<int> made = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&made] { made += Create(0x0011) && Create(0x8101) && !Create(0x020C); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(made, 4);
 }
 
 struct CProbe : CMMTMsg {
@@ -235,7 +251,7 @@ TEST_F(MMTMsgTest, MpiAndMpt)
     EXPECT_FALSE(SFed(bad, MmtMessage(1, 32, "\x1" + MmtMpiTable(1) + MmtMpTable(0x10))).result);
     CMMTMsgMpt mpt;
     ASSERT_TRUE(SFed(mpt, MmtMessage(0x11, 16, MmtMpTable(0x11))).result);
-    EXPECT_EQ(mpt.MPTable()->AssetCount(), 2);
+    EXPECT_EQ(mpt.MPTable()->AssetCount(), 3);
     EXPECT_EQ(MmtClocks(mpt), "1 2 ");
 }
 

@@ -164,11 +164,11 @@ TEST_F(MMTTblTest, MpAssets)
     EXPECT_EQ(mp.PackageId(), nullptr);
     const std::string bytes = MmtMpTable(0x20);
     const SFed fed(mp, bytes + "next");
-    ASSERT_TRUE(fed.result && mp.AssetCount() == 2 && mp.Process());
+    ASSERT_TRUE(fed.result && mp.AssetCount() == 3 && mp.Process());
     EXPECT_EQ(fed.Cursor(), bytes.size());
     EXPECT_TRUE(mp.Mode() == 2 && mp.PackageIdLength() == 3 && mp.DescriptorCount() == 1 && mp.Descriptor(0));
     EXPECT_STREQ(mp.PackageId(), "pkg");
-    EXPECT_EQ(Logged("[CMMTTblMp::Parse] assetNum = 2"), 1);
+    EXPECT_EQ(Logged("[CMMTTblMp::Parse] assetNum = 3"), 1);
     EXPECT_EQ(MmtClocks(mp), "1 2 ");
     CMMTTblMpAsset& a = *mp.Asset(0);
     EXPECT_EQ(std::string(a.AssetType(), a.AssetType() + 4), "hev1");
@@ -180,9 +180,13 @@ TEST_F(MMTTblTest, MpAssets)
     EXPECT_EQ(a.AssetDescriptor(1), nullptr);
     CMMTTblMpAsset& b = *mp.Asset(1);
     EXPECT_EQ(std::string(b.AssetType(), b.AssetType() + 4), "mp4a");
-    EXPECT_FALSE(b.DefaultAssetFlag() || b.AssetClockRelationFlag() || b.AssetTimeScaleFlag() || b.LocationCount());
+    EXPECT_TRUE(b.AssetClockRelationFlag() && b.AssetClockRelationId() == 8);
+    EXPECT_FALSE(b.DefaultAssetFlag() || b.AssetTimeScaleFlag() || b.AssetTimeScale() || b.LocationCount());
+    CMMTTblMpAsset& c = *mp.Asset(2);
+    EXPECT_EQ(std::string(c.AssetType(), c.AssetType() + 4), "stpp");
+    EXPECT_FALSE(c.AssetClockRelationFlag() || c.AssetClockRelationId() || c.AssetTimeScaleFlag());
     EXPECT_STREQ(static_cast<CIdentifierUnit1*>(b.Identifier()->Identifier())->Url(1), "url2");
-    EXPECT_TRUE(!mp.Asset(2) && !b.Location(0) && !mp.GetDescriptors(nullptr, nullptr));
+    EXPECT_TRUE(!mp.Asset(3) && !b.Location(0) && !mp.GetDescriptors(nullptr, nullptr));
     EXPECT_EQ(TakeAssertions(), "0 <= index && index < m_size; 0 <= index && index < m_size; callback");
 }
 
