@@ -28,8 +28,8 @@ struct CMMTMsgAtsc3::SState {
     CMMTTblSi siTable;
 
     /// In the order in which descriptors are handed out.
-    const CCPtrArray* const arrays[5] = {&audioStreamProperties, &videoStreamProperties, &captionAssets, &securityProperties,
-                                   &licenseUrls};
+    const CCPtrArray* const arrays[5] = {&audioStreamProperties, &videoStreamProperties, &captionAssets,
+                                         &securityProperties, &licenseUrls};
 
     SState()
     {
