@@ -197,8 +197,8 @@ void PassAtsc(const std::string& bytes)
 }
 
 const bool g_registered = [] {
-    Register("pa/floor", PassPa, PaMessage());
-    Register("pa/parse", Parse, PaMessage());
+    Register("pa/floor/3", PassPa, PaMessage());
+    Register("pa/parse/3", Parse, PaMessage());
     for (const int assets : {1, 10, 100}) {
         Register("mpt/floor/" + std::to_string(assets), PassMpt, MptMessage(assets));
         Register("mpt/parse/" + std::to_string(assets), Parse, MptMessage(assets));
