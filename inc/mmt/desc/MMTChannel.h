@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+#include "common/ParseXML.h"
+#include "platform/Api.h"
+
+/// Parser of the channel of an MMT service (ATSC A/331 7.2.1). Texts that are not given are empty.
+class VYR_API CMMTChannel : public XMLBase {
+  public:
+    /// Attributes of the element.
+    struct SChannel {
+        std::string serviceGenre;  ///< genre of the service
+        std::string serviceIcon;   ///< URL of its icon
+    };
+
+    CMMTChannel();
+    ~CMMTChannel() override;
+
+    bool Create() override;
+    void Destroy() override;
+
+    /// What was parsed; null before Create, good until Destroy.
+    const SChannel* State() const { return m; }
+
+  private:
+    bool m_ProcessParse(void* root) override;
+
+    SChannel* m;
+};

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "mmt/desc/MMTDescPayload.h"
+
+/// Dependency (ISO/IEC 23008-1), tag 2: the assets that the asset it stands with needs.
+class VYR_API CMMTDescDependency : public CMMTDescPayload {
+  public:
+    /// One asset that is needed.
+    struct SAsset {
+        std::string_view scheme;   ///< asset_id_scheme, its four bytes
+        std::string_view assetId;  ///< asset_id
+    };
+
+    CMMTDescDependency();
+    void Dump() const override;
+
+    /// In order.
+    const std::vector<SAsset>& Assets() const { return m_assets; }
+
+  private:
+    void t_ParsePayload(SItem* payload) override;
+
+    std::vector<SAsset> m_assets;
+};

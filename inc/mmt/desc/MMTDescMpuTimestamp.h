@@ -1,0 +1,24 @@
+#pragma once
+
+#include "mmt/desc/MMTDescPayload.h"
+
+/// MPU timestamps (ISO/IEC 23008-1), tag 1: when MPUs of an asset are presented.
+class VYR_API CMMTDescMpuTimestamp : public CMMTDescPayload {
+  public:
+    /// One MPU and its time.
+    struct STimestamp {
+        unsigned int mpuSequenceNumber;       ///< mpu_sequence_number
+        unsigned long long presentationTime;  ///< mpu_presentation_time: NTP timestamp, all 64 bits
+    };
+
+    CMMTDescMpuTimestamp();
+    void Dump() const override;
+
+    /// In order, as many as fit.
+    const std::vector<STimestamp>& Timestamps() const { return m_timestamps; }
+
+  private:
+    void t_ParsePayload(SItem* payload) override;
+
+    std::vector<STimestamp> m_timestamps;
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+
+#include "common/ParseXML.h"
+#include "platform/Api.h"
+
+/// Parser of the ROUTE component of an MMT service (ATSC A/331 7.2.1): where the S-TSID of its ROUTE part is.
+class VYR_API CMMTRouteComponent : public XMLBase {
+  public:
+    /// Attributes of the element.
+    struct SRouteComponent {
+        std::string sTSIDUri;                        ///< URI of the S-TSID; empty: not given
+        unsigned int sTSIDDestinationIpAddress = 0;  ///< host order; 0: not given; 0xFFFFFFFF: no address
+        unsigned short sTSIDDestinationUdpPort = 0;  ///< 0: not given
+        unsigned int sTSIDSourceIpAddress = 0;       ///< like the destination
+        int sTSIDMajorProtocolVersion = 0;           ///< 0: not given
+        int sTSIDMinorProtocolVersion = 0;           ///< 0: not given
+    };
+
+    CMMTRouteComponent();
+    ~CMMTRouteComponent() override;
+
+    bool Create() override;
+    void Destroy() override;
+
+    /// What was parsed; null before Create, good until Destroy.
+    const SRouteComponent* State() const { return m; }
+
+  private:
+    bool m_ProcessParse(void* root) override;
+
+    SRouteComponent* m;
+};

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "common/CoreOS/PtrArray.h"
+#include "common/ParseXML.h"
+#include "platform/Api.h"
+
+class CMMTBroadbandComponent;
+class CMMTChannel;
+class CMMTMpuComponent;
+class CMMTRouteComponent;
+class CServiceLinkage;
+
+/// Parser of the user service bundle description of an MMT service (USBD; ATSC A/331 7.2.1). Callers make a new
+/// object for each document. An object that is not created is asserted ("m"); results are then 0, false or null.
+class VYR_API CMMTUsbd : public XMLBase {
+  public:
+    /// What was parsed; all of it belongs to the USBD. Of an element that is held singly the last one counts.
+    struct SMMTUsbd {
+        SMMTUsbd();
+        ~SMMTUsbd();
+        SMMTUsbd(const SMMTUsbd&) = delete;
+        SMMTUsbd& operator=(const SMMTUsbd&) = delete;
+
+        char* globalServiceId;                       ///< new[]; null: not given
+        unsigned short serviceId;                    ///< 65,535: not given
+        bool serviceStatus;                          ///< whether the service is on
+        CMMTRouteComponent* routeComponent;          ///< null: none
+        CMMTBroadbandComponent* broadbandComponent;  ///< null: none
+        CMMTMpuComponent* mpuComponent;              ///< null: none
+        CMMTChannel* channel;                        ///< null: none
+        CServiceLinkage* serviceLinkage;             ///< null: none
+        CCPtrArray names;                            ///< of CMMTName
+        CCPtrArray svcLanguages;                     ///< of char*, new[]: the text of each serviceLanguage
+        CCPtrArray componentInfos;                   ///< of CMMTComponentInfo
+        CCPtrArray contentAdvisoryRatings;           ///< of CMMTContentAdvisoryRatings
+    };
+
+    CMMTUsbd();
+    ~CMMTUsbd() override;
+
+    bool Create() override;
+    void Destroy() override;
+
+    /// globalServiceID, else globalServiceId; null: neither. Good until the next Parse or Destroy.
+    const char* GlobalServiceId() const;
+    /// Id of the service; 65,535: not given.
+    unsigned short ServiceId() const;
+    /// Whether the service is on: true exactly when "serviceStatus" is 1.
+    bool ServiceStatus() const;
+
+    /// Whether there is a ROUTE component.
+    bool CheckRouteComponent() const;
+    /// Whether there is a broadband component.
+    bool CheckBroadbandComponent() const;
+    /// URI of the S-TSID; false, and nothing changed, without a ROUTE component: so the next three, too.
+    bool GetsTSIDUri(std::string& uri) const;
+    /// Source address of the S-TSID's session, IPv4 in host order; 0: not given.
+    bool GetRouteComponentSrcIp(unsigned int& address) const;
+    /// Destination address of the S-TSID's session, IPv4 in host order; 0: not given.
+    bool GetRouteComponentDestIp(unsigned int& address) const;
+    /// Destination port of the S-TSID's session; 0: not given.
+    bool GetRouteComponentDestPort(unsigned short& port) const;
+    /// URI of the MPD; false, and nothing changed, without a broadband component.
+    bool GetFullMPDUri(std::string& uri) const;
+
+    /// Number of component infos.
+    int ComponentInfoSize() const;
+    /// Type of the index-th component info in document order; false, and nothing changed, without one: so the
+    /// next four, too.
+    bool GetComponentType(int index, unsigned char& type) const;
+    /// Role of a component; its meaning depends on the type.
+    bool GetComponentRole(int index, unsigned char& role) const;
+    /// Whether a component is protected; false without one.
+    bool ComponentProtectedFlag(int index) const;
+    /// Asset id of a component.
+    bool GetComponentId(int index, std::string& id) const;
+    /// Name of a component.
+    bool GetComponentName(int index, std::string& name) const;
+
+    /// Number of service languages.
+    int LanguageSize() const;
+    /// The index-th service language, good until Destroy; false, and nothing changed, without one.
+    bool GetLanguageInfo(int index, char** language) const;
+
+    /// Id of the linked service; -1: no service linkage.
+    int LinkServiceId() const;
+    /// Begin of the service linkage, xs:dateTime as it stands; null: none, or not given.
+    const char* ActivationTime() const;
+    /// End of the service linkage; likewise.
+    const char* DeActivationTime() const;
+    /// serviceCategory of the linked service; -1: no service linkage.
+    int ServiceCategory() const;
+    /// Kind of the service linkage; -1: none.
+    int LinkageType() const;
+
+    /// Appends the rating string of each ratings element, in document order; false without one.
+    bool GetRatingStringTable(std::vector<std::string>& ratings) const;
+
+    /// What was parsed; null before Create, good until Destroy.
+    const SMMTUsbd* State() const;
+
+  private:
+    struct SState;
+
+    bool t_CreateCallback();
+    bool m_ProcessParse(void* root) override;
+
+    static void sm_CbUSD(CMMTUsbd* usbd, void* node);
+    static void sm_CbName(CMMTUsbd* root, void* cur);
+    static void sm_CbSvcLanguage(CMMTUsbd* usbd, void* node);
+    static void sm_CbChannel(CMMTUsbd* root, void* cur);
+    static void sm_CbMpuComponent(CMMTUsbd* root, void* cur);
+    static void sm_CbRouteComponent(CMMTUsbd* root, void* cur);
+    static void sm_CbBroadbandComponent(CMMTUsbd* root, void* cur);
+    static void sm_CbComponentInfo(CMMTUsbd* root, void* cur);
+    static void sm_CbServiceLinkage(CMMTUsbd* root, void* cur);
+    static void sm_CbContentAdvisoryRatings(CMMTUsbd* root, void* cur);
+
+    SState* m;
+};

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "mmt/desc/MMTDescLowDelay.h"
+#include "mmt/msg/MMTMsgPayload.h"
+
+/// Low delay consumption message (LDC message, message_id 0x020E; ISO/IEC 23008-1): the fields of the low delay
+/// descriptor.
+class VYR_API CMMTMsgLdc : public CMMTMsgPayload {
+  public:
+    CMMTMsgLdc();
+    ~CMMTMsgLdc() override;
+
+    bool Parse(SItem* item) override;
+    void Dump() const override;
+
+    const CMMTDescLowDelay::SLowDelay& Fields() const { return m_lowDelay.Fields(); }
+
+  private:
+    CMMTDescLowDelay m_lowDelay;
+};

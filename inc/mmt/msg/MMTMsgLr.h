@@ -1,0 +1,13 @@
+#pragma once
+
+#include "mmt/msg/MMTMsgLicence.h"
+
+/// Licence revocation message (LR message, message_id 0x020C; ISO/IEC 23008-1). Required: CMMTMsgFactory does
+/// not make it.
+class VYR_API CMMTMsgLr : public CMMTMsgLicence {
+  public:
+    CMMTMsgLr();
+    ~CMMTMsgLr() override;
+
+    bool Parse(SItem* item) override;
+};

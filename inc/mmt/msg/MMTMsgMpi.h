@@ -1,0 +1,33 @@
+#pragma once
+
+#include "mmt/msg/MMTMsg.h"
+#include "mmt/table/MMTTblMp.h"
+#include "mmt/table/MMTTblMpi.h"
+
+/// Media presentation information message (MPI message, message_ids 0x0001 to 0x0010; ISO/IEC 23008-1): one
+/// MPI table and, when it says so, an MP table.
+class VYR_API CMMTMsgMpi : public CMMTMsg {
+  public:
+    CMMTMsgMpi();
+    ~CMMTMsgMpi() override;
+
+    bool Parse(SItem* item) override;
+    void Dump() const override;
+    /// Required: false, and nothing is done.
+    bool Process() override;
+    /// The MPI table's, then the MP table's. True; a null callback is asserted: false.
+    bool GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user) override;
+
+    /// associated_MP_table_flag: whether MPTable was carried.
+    bool AssociatedMPTableFlag() const { return m_associatedMPTableFlag; }
+    /// The message's own, never null.
+    CMMTTblMpi* MPITable() { return &m_mpiTable; }
+    /// The message's own, never null; unparsed unless AssociatedMPTableFlag.
+    CMMTTblMp* MPTable() { return &m_mpTable; }
+
+  private:
+    unsigned char m_reserved;
+    bool m_associatedMPTableFlag;
+    CMMTTblMpi m_mpiTable;
+    CMMTTblMp m_mpTable;
+};

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "mmt/msg/MMTMsg.h"
+#include "mmt/table/MMTTblMp.h"
+
+/// MMT package table message (MPT message, message_ids 0x0011 to 0x0020; ISO/IEC 23008-1): one MP table.
+class VYR_API CMMTMsgMpt : public CMMTMsg {
+  public:
+    CMMTMsgMpt();
+    ~CMMTMsgMpt() override;
+
+    bool Parse(SItem* item) override;
+    void Dump() const override;
+    /// Processes the table; true.
+    bool Process() override;
+    /// The table's. True; a null callback is asserted: false.
+    bool GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user) override;
+
+    /// The message's own, never null.
+    CMMTTblMp* MPTable() { return &m_mpTable; }
+
+  private:
+    CMMTTblMp m_mpTable;
+};

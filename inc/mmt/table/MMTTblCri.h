@@ -1,0 +1,25 @@
+#pragma once
+
+#include "common/CoreOS/PtrArray.h"
+#include "mmt/table/MMTTblPayload.h"
+
+/// Clock relation information table (CRI table, table_id 0x21; ISO/IEC 23008-1): how the clocks of assets relate
+/// to NTP time.
+class VYR_API CMMTTblCri : public CMMTTblPayload {
+  public:
+    CMMTTblCri();
+    ~CMMTTblCri() override;
+
+    /// False too when a clock relation descriptor has a length that it cannot have.
+    bool Parse(SItem* item) override;
+    void Dump() const override;
+    /// True; a null callback is asserted: false.
+    bool GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user) override;
+
+    int DescriptorCount() const { return m_arrayDescriptor.Size(); }
+    /// The index-th descriptor, the table's own; null for an index outside the range (asserted).
+    CMMTDesc* Descriptor(int index) const;
+
+  private:
+    CCPtrArray m_arrayDescriptor;
+};

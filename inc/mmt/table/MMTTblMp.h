@@ -1,0 +1,44 @@
+#pragma once
+
+#include "common/CoreOS/PtrArray.h"
+#include "mmt/MMTBytes.h"
+#include "mmt/table/MMTTbl.h"
+#include "mmt/table/MMTTblMpAsset.h"
+
+/// MMT package table (MP table, table_ids 0x11 to 0x20; ISO/IEC 23008-1): the assets of a package.
+class VYR_API CMMTTblMp : public CMMTTbl {
+  public:
+    CMMTTblMp();
+    ~CMMTTblMp() override;
+
+    /// False: a table_id outside the range, an asset that does not parse, or the data ended; assets before
+    /// are kept. Required: only table_ids 0x11 and 0x20 have a package id and table descriptors.
+    bool Parse(SItem* item) override;
+    void Dump() const override;
+    /// The table's own, then each asset's. True; a null callback is asserted: false.
+    bool GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user) override;
+    /// True: there is nothing to report.
+    bool Process() override;
+
+    /// MP_table_mode, 0 to 3.
+    unsigned char Mode() const { return m_mode; }
+    /// MMT_package_id_length.
+    unsigned char PackageIdLength() const { return static_cast<unsigned char>(m_packageId.Length()); }
+    /// MMT_package_id, zero-terminated, the table's own; null when the table has none.
+    const char* PackageId() const { return m_packageId.Text(); }
+
+    int DescriptorCount() const { return m_arrayDescriptor.Size(); }
+    /// The index-th of the table's own descriptors; null for an index outside the range (asserted).
+    CMMTDesc* Descriptor(int index) const;
+
+    int AssetCount() const { return m_arrayAsset.Size(); }
+    /// The index-th asset, the table's own; null for an index outside the range (asserted).
+    CMMTTblMpAsset* Asset(int index) const;
+
+  private:
+    unsigned char m_reserved;
+    unsigned char m_mode;
+    vyr::CBytes m_packageId;
+    CCPtrArray m_arrayDescriptor;
+    CCPtrArray m_arrayAsset;
+};

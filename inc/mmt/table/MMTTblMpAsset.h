@@ -1,0 +1,55 @@
+#pragma once
+
+#include <array>
+
+#include "common/CoreOS/PtrArray.h"
+#include "mmt/desc/MMTDesc.h"
+#include "mmt/element/MMTElementIdentifierMapping.h"
+#include "mmt/element/MMTElementLocation.h"
+
+/// One asset of the MP table (ISO/IEC 23008-1).
+class VYR_API CMMTTblMpAsset : public IMMTParser {
+  public:
+    CMMTTblMpAsset();
+    ~CMMTTblMpAsset() override;
+
+    /// False: identifier or a location does not parse, or the data ended.
+    bool Parse(SItem* item) override;
+    /// Logs the fields, at debug priority.
+    virtual void Dump() const;
+    /// Calls `callback(user, descriptor)` for each descriptor of the asset; they stay the asset's. True; a
+    /// null callback is asserted: false.
+    virtual bool GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user);
+
+    /// identifier_mapping; the asset's own, never null.
+    CMMTElementIdentifierMapping* Identifier() { return &m_identifier; }
+    /// asset_type, a four-character code: four bytes in wire order, zeros before Parse.
+    const unsigned char* AssetType() const { return m_assetType.data(); }
+    bool DefaultAssetFlag() const { return m_defaultAssetFlag; }
+    bool AssetClockRelationFlag() const { return m_assetClockRelationFlag; }
+    /// asset_clock_relation_id; 0 unless AssetClockRelationFlag.
+    unsigned char AssetClockRelationId() const { return m_assetClockRelationId; }
+    bool AssetTimeScaleFlag() const { return m_assetTimeScaleFlag; }
+    /// asset_timescale, in units a second; 0 unless AssetTimeScaleFlag.
+    unsigned int AssetTimeScale() const { return m_assetTimeScale; }
+
+    unsigned char LocationCount() const { return static_cast<unsigned char>(m_arrayLocation.Size()); }
+    /// The index-th location, the asset's own; null for an index outside the range (asserted).
+    CMMTElementLocation* Location(unsigned char index) const;
+
+    unsigned int AssetDescriptorSize() const { return static_cast<unsigned int>(m_arrayDescriptor.Size()); }
+    /// The index-th descriptor, the asset's own; null for an index outside the range.
+    CMMTDesc* AssetDescriptor(unsigned int index) const;
+
+  private:
+    CMMTElementIdentifierMapping m_identifier;
+    std::array<unsigned char, 4> m_assetType;
+    unsigned char m_reserved;
+    unsigned char m_assetClockRelationId;
+    bool m_defaultAssetFlag;
+    bool m_assetClockRelationFlag;
+    bool m_assetTimeScaleFlag;
+    unsigned int m_assetTimeScale;
+    CCPtrArray m_arrayLocation;
+    CCPtrArray m_arrayDescriptor;
+};

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "common/CoreOS/PtrArray.h"
+#include "mmt/table/MMTTbl.h"
+#include "mmt/table/MMTTblMpiContent.h"
+
+/// Media presentation information table (MPI table, table_ids 0x01 to 0x10; ISO/IEC 23008-1).
+class VYR_API CMMTTblMpi : public CMMTTbl {
+  public:
+    CMMTTblMpi();
+    ~CMMTTblMpi() override;
+
+    /// False: a table_id outside the range, a content that does not parse, or the data ended; contents before
+    /// are kept.
+    bool Parse(SItem* item) override;
+    void Dump() const override;
+    /// The table's own, then each content's. True; a null callback is asserted: false.
+    bool GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user) override;
+
+    /// PI_mode, 0 to 3.
+    unsigned char PiMode() const { return m_piMode; }
+
+    int DescriptorCount() const { return m_arrayDescriptor.Size(); }
+    /// The index-th of the table's own descriptors; null for an index outside the range (asserted).
+    CMMTDesc* Descriptor(int index) const;
+
+    unsigned char PiContentCount() const { return static_cast<unsigned char>(m_arrayPiContent.Size()); }
+    /// The index-th content, the table's own; null for an index outside the range (asserted).
+    CMMTTblMpiContent* PiContent(unsigned short index) const;
+
+  private:
+    unsigned char m_reservedBeforeMode;
+    unsigned char m_piMode;
+    unsigned char m_reservedBehindMode;
+    CCPtrArray m_arrayDescriptor;
+    CCPtrArray m_arrayPiContent;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "common/CoreOS/PtrArray.h"
+#include "mmt/table/MMTTblPayload.h"
+
+/// Security information table (SI table, table_id 0x23): descriptors up to its end.
+class VYR_API CMMTTblSi : public CMMTTblPayload {
+  public:
+    CMMTTblSi();
+    ~CMMTTblSi() override;
+
+    bool Parse(SItem* item) override;
+    void Dump() const override;
+    /// True; a null callback is asserted: false.
+    bool GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user) override;
+
+    int DescriptorCount() const { return m_arrayDescriptor.Size(); }
+    /// The index-th descriptor, the table's own; null for an index outside the range (asserted).
+    CMMTDesc* Descriptor(int index) const;
+
+  private:
+    CCPtrArray m_arrayDescriptor;
+};

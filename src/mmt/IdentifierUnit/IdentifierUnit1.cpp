@@ -1,0 +1,47 @@
+#include "mmt/IdentifierUnit/IdentifierUnit1.h"
+
+#include <memory>
+
+#include "mmt/Elements.h"
+
+static void g_CbRemoveUrl(void* /*context*/, void* element)
+{
+    delete[] static_cast<unsigned char*>(element);
+}
+
+CIdentifierUnit1::CIdentifierUnit1() : m_arrayUrl(g_CbRemoveUrl, nullptr) {}
+
+CIdentifierUnit1::~CIdentifierUnit1() = default;
+
+bool CIdentifierUnit1::Parse(SItem* item)
+{
+    m_arrayUrl.RemoveAll();
+    const unsigned int count = t_Value(item, 16);
+    if (!item || !item->valid) {
+        return false;
+    }
+    for (unsigned int i = 0; i < count && vyr::BytesLeft(*item) > 0; ++i) {
+        const unsigned int length = t_Value(item, 16);
+        std::unique_ptr<unsigned char[]> url(t_AllocAndCopy(item, length));
+        if (!url || !m_arrayUrl.Add(url.get())) {
+            return false;
+        }
+        url.release();
+    }
+    return true;
+}
+
+void CIdentifierUnit1::Dump() const
+{
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    for (unsigned short i = 0; i < UrlCount(); ++i) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "URL [%s]", Url(i));
+    }
+}
+
+const char* CIdentifierUnit1::Url(unsigned short index) const
+{
+    return vyr::ElementAt<char>(m_arrayUrl, index);
+}

@@ -1,0 +1,18 @@
+#include "mmt/IdentifierUnit/IdentifierUnit2.h"
+
+#include "common/Log.h"
+
+bool CIdentifierUnit2::Parse(SItem* item)
+{
+    if (m_regex) {
+        vyr::AssertFailed({vyr::k_source.text, __func__, 10}, "!m_regex");
+    }
+    const unsigned int length = t_Value(item, 16);
+    m_regex.Take(t_AllocAndCopy(item, length), length);
+    return item && item->valid;
+}
+
+void CIdentifierUnit2::Dump() const
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "regex [%s]", m_regex ? m_regex.Text() : "");
+}

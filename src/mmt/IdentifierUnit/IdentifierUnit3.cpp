@@ -1,0 +1,21 @@
+#include "mmt/IdentifierUnit/IdentifierUnit3.h"
+
+#include "common/Log.h"
+
+bool CIdentifierUnit3::Parse(SItem* item)
+{
+    const unsigned int length = t_Value(item, 16);
+    if (!item || !item->valid) {
+        return false;
+    }
+    if (m_representationID) {
+        vyr::AssertFailed({vyr::k_source.text, __func__, 14}, "!m_representationID");
+    }
+    m_representationID.Take(t_AllocAndCopy(item, length), length);
+    return item->valid;
+}
+
+void CIdentifierUnit3::Dump() const
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "representation id [%s]", m_representationID ? m_representationID.Text() : "");
+}

@@ -1,0 +1,118 @@
+#include "mmt/desc/MMTDescFactory.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "common/Log.h"
+#include "mmt/desc/MMTDescAsp.h"
+#include "mmt/desc/MMTDescCaption.h"
+#include "mmt/desc/MMTDescCri.h"
+#include "mmt/desc/MMTDescDependency.h"
+#include "mmt/desc/MMTDescLowDelay.h"
+#include "mmt/desc/MMTDescMpuTimestamp.h"
+#include "mmt/desc/MMTDescSi.h"
+#include "mmt/desc/MMTDescSp.h"
+#include "mmt/desc/MMTDescVsp.h"
+
+namespace {
+
+/// 16 bits at a byte that the item has.
+unsigned int Peek16(const unsigned char* bytes)
+{
+    return static_cast<unsigned int>(bytes[0]) << 8 | bytes[1];
+}
+
+}  // namespace
+
+void PrintDescriptorRawData(IParse::SItem* item)
+{
+    // More would not fit a line of the log, and every loop of a table may end in such a descriptor.
+    constexpr unsigned int k_most = 1024;
+    if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer") ||
+        !vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    const unsigned int begin = std::min(item->bitpos / 8, item->size);
+    const unsigned char* bytes = item->buffer + begin;
+    unsigned int size = std::min(item->size - begin, k_most);
+    if (size >= 4) {
+        size = std::min(size, 4 + Peek16(bytes + 2));
+    }
+    std::string line;
+    line.reserve(size * 3);
+    for (unsigned int i = 0; i < size; ++i) {
+        char text[4];
+        std::snprintf(text, sizeof text, "%02x ", bytes[i]);
+        line += text;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "RAW: %s", line.c_str());
+}
+
+CMMTDesc* CMMTDescFactory::GenerateDesc(IParse::SItem* item)
+{
+    if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
+        return nullptr;
+    }
+    const std::uint64_t bits = static_cast<std::uint64_t>(item->size) * 8;
+    if (bits < static_cast<std::uint64_t>(item->bitpos) + 16) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescFactory::GenerateDesc] item->bitpos + 16 = %d > item->size * 8 = %d",
+                static_cast<int>(item->bitpos + 16), static_cast<int>(bits));
+        return nullptr;
+    }
+    const unsigned int tag = Peek16(item->buffer + item->bitpos / 8);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescFactory::GenerateDesc] desTag: 0x%x", tag);
+    switch (tag) {
+        case 0:
+            return new CMMTDescCri;
+        case 1:
+            return new CMMTDescMpuTimestamp;
+        case 2:
+            return new CMMTDescDependency;
+        case 4:
+            return new CMMTDescSi;
+        case 5:
+            return new CMMTDescVsp;
+        case 8:
+            return new CMMTDescCaption;
+        case 9:
+            return new CMMTDescAsp;
+        case 12:
+        case 13:
+            return new CMMTDescSp;
+        case 14:
+            return new CMMTDescLowDelay;
+        default:
+            break;
+    }
+    if (tag >= 0x8000) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescFactory::GenerateDesc] Private Description TAG [%u]", tag);
+    } else if (tag >= 6) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescFactory::GenerateDesc] Reserved Description TAG [%u, 0x%x]", tag, tag);
+    }
+    PrintDescriptorRawData(item);
+    return nullptr;
+}
+
+bool CMMTDescFactory::ParseDescriptors(IParse::SItem* item, int length, CCPtrArray* array)
+{
+    if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(array, "array") || !VYR_ASSERT(length >= 0, "length >= 0")) {
+        return false;
+    }
+    const std::uint64_t end = item->bitpos + static_cast<std::uint64_t>(length) * 8;
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescFactory::ParseDescriptors] item->bitpos:%d, max:%d",
+            static_cast<int>(item->bitpos), static_cast<int>(end));
+    while (item->bitpos < end) {
+        std::unique_ptr<CMMTDesc> p_desc(CMMTDescFactory::GenerateDesc(item));
+        // Required: a tag without a class ends the loop; what follows it is not parsed.
+        if (!VYR_CHECK(p_desc, "p_desc = CMMTDescFactory::GenerateDesc(item)") ||
+            !VYR_CHECK(p_desc->Parse(item), "p_desc->Parse(item)") ||
+            !VYR_CHECK(array->Add(p_desc.get()), "array->Add(p_desc)")) {
+            return false;
+        }
+        p_desc.release();
+    }
+    return true;
+}

@@ -1,0 +1,33 @@
+#include "mmt/desc/MMTDescMpuTimestamp.h"
+
+#include "common/Log.h"
+
+CMMTDescMpuTimestamp::CMMTDescMpuTimestamp() : CMMTDescPayload("CMMTDescMpuTimestamp", 1) {}
+
+void CMMTDescMpuTimestamp::t_ParsePayload(SItem* payload)
+{
+    constexpr unsigned int k_entrySize = 12;
+    m_timestamps.clear();
+    t_Entries(
+        payload, payload->size / k_entrySize, m_timestamps,
+        [&](STimestamp& timestamp) {
+            timestamp.mpuSequenceNumber = t_Value(payload, 32);
+            // In halves: an aligned read of 64 bits yields only the low ones.
+            const unsigned long long seconds = t_Value(payload, 32);
+            timestamp.presentationTime = seconds << 32 | t_Value(payload, 32);
+        },
+        [](STimestamp&) {});
+}
+
+void CMMTDescMpuTimestamp::Dump() const
+{
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "******MPU Timestamp Descriptor******");
+    CMMTDesc::Dump();
+    for (const STimestamp& timestamp : m_timestamps) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "mpu sequence number[%u] presentation time[0x%016llx]", timestamp.mpuSequenceNumber,
+                timestamp.presentationTime);
+    }
+}

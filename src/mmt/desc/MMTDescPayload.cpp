@@ -1,0 +1,55 @@
+#include "mmt/desc/MMTDescPayload.h"
+
+#include "common/Log.h"
+#include "mmt/Elements.h"
+
+CMMTDescPayload::CMMTDescPayload(const char* name, unsigned int tag) : m_name(name), m_wanted(tag) {}
+
+CMMTDescPayload::~CMMTDescPayload() = default;
+
+bool CMMTDescPayload::t_Takes(unsigned int tag) const
+{
+    return tag == m_wanted;
+}
+
+bool CMMTDescPayload::Parse(SItem* item)
+{
+    if (!VYR_ASSERT(item, "item")) {
+        return false;
+    }
+    t_tag = t_Value(item, 16);
+    t_length = t_Value(item, 16);
+    if (!item->valid) {
+        return false;
+    }
+    if (!t_Takes(t_tag)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[%s::Parse] Wrong tag : %d", m_name, static_cast<int>(t_tag));
+        return false;
+    }
+    if (vyr::BytesLeft(*item) < t_length) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[%s::Parse] DescLength mismatch ERROR Length = %u", m_name, t_length);
+        return false;
+    }
+    vyr::CBytes raw;
+    raw.Take(t_AllocAndCopy(item, t_length), t_length);
+    if (!raw) {
+        return false;
+    }
+    m_raw = std::move(raw);
+    SItem payload = m_raw.Item();
+    t_ParsePayload(&payload);
+    return true;
+}
+
+std::string_view CMMTDescPayload::t_View(SItem* item, unsigned int count)
+{
+    // A read that failed inside a byte leaves a cursor that t_Byte takes for misuse.
+    const unsigned char* bytes = item->valid ? t_Byte(item, count) : nullptr;
+    return bytes ? std::string_view(reinterpret_cast<const char*>(bytes), count) : std::string_view();
+}
+
+std::string_view CMMTDescPayload::t_CountedView(SItem* item, unsigned int bits)
+{
+    const unsigned int count = t_Value(item, bits);
+    return t_View(item, count);
+}

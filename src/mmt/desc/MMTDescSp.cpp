@@ -1,0 +1,58 @@
+#include "mmt/desc/MMTDescSp.h"
+
+#include "common/Log.h"
+
+namespace {
+
+constexpr unsigned int k_properties = 12;
+constexpr unsigned int k_licenseUrls = 13;
+constexpr unsigned int k_idSize = 16;
+
+}  // namespace
+
+CMMTDescSp::CMMTDescSp() : CMMTDescPayload("CMMTDescSp", k_properties) {}
+
+bool CMMTDescSp::t_Takes(unsigned int tag) const
+{
+    return tag == k_properties || tag == k_licenseUrls;
+}
+
+void CMMTDescSp::t_ParsePayload(SItem* payload)
+{
+    const auto nothing = [](auto&) {};
+    t_Assets(payload, m_assets, [&](SAsset& asset) {
+        if (t_tag == k_licenseUrls) {
+            t_List(
+                payload, asset.licenseUrls,
+                [&](SLicenseUrl& license) {
+                    license.type = static_cast<unsigned char>(t_Value(payload, 8));
+                    license.url = t_CountedView(payload, 8);
+                },
+                nothing);
+            return;
+        }
+        asset.schemeCode = t_View(payload, 4);
+        asset.defaultKeyId = t_View(payload, k_idSize);
+        t_List(
+            payload, asset.systems, [&](SSystem& system) { system.systemId = t_View(payload, k_idSize); },
+            [&](SSystem& system) { system.data = t_CountedView(payload, 16); });
+    });
+}
+
+void CMMTDescSp::Dump() const
+{
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "******SP Descriptor******");
+    CMMTDesc::Dump();
+    for (const SAsset& asset : m_assets) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "asset id[%.*s] scheme[%.*s] systems[%zu]", static_cast<int>(asset.assetId.size()),
+                asset.assetId.data(), static_cast<int>(asset.schemeCode.size()), asset.schemeCode.data(),
+                asset.systems.size());
+        for (const SLicenseUrl& license : asset.licenseUrls) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "license type[%u] url[%.*s]", license.type,
+                    static_cast<int>(license.url.size()), license.url.data());
+        }
+    }
+}

@@ -1,0 +1,51 @@
+#include "mmt/element/MMTElementIdentifierMapping.h"
+
+#include "common/Log.h"
+#include "mmt/IdentifierUnit/IdentifierUnit0.h"
+#include "mmt/IdentifierUnit/IdentifierUnit1.h"
+#include "mmt/IdentifierUnit/IdentifierUnit2.h"
+#include "mmt/IdentifierUnit/IdentifierUnit3.h"
+#include "mmt/IdentifierUnit/IdentifierUnitPriv.h"
+
+CMMTElementIdentifierMapping::CMMTElementIdentifierMapping() : m_identifierType(0) {}
+
+CMMTElementIdentifierMapping::~CMMTElementIdentifierMapping() = default;
+
+bool CMMTElementIdentifierMapping::Parse(SItem* item)
+{
+    m_identifier.reset();
+    m_identifierType = static_cast<unsigned char>(t_Value(item, 8));
+    if (!item || !item->valid) {
+        return false;
+    }
+    switch (m_identifierType) {
+        case 0:
+            m_identifier = std::make_unique<CIdentifierUnit0>();
+            break;
+        case 1:
+            m_identifier = std::make_unique<CIdentifierUnit1>();
+            break;
+        case 2:
+            m_identifier = std::make_unique<CIdentifierUnit2>();
+            break;
+        case 3:
+            m_identifier = std::make_unique<CIdentifierUnit3>();
+            break;
+        default:
+            m_identifier = std::make_unique<CIdentifierUnitPriv>();
+            break;
+    }
+    if (!m_identifier->Parse(item)) {
+        m_identifier.reset();
+        return vyr::CheckFailed({vyr::k_source.text, __func__, 43}, "m_identifier->Parse(item)");
+    }
+    return true;
+}
+
+void CMMTElementIdentifierMapping::Dump() const
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "identifier type [%u]", m_identifierType);
+    if (m_identifier) {
+        m_identifier->Dump();
+    }
+}

@@ -1,0 +1,52 @@
+#include "mmt/element/MMTElementLocation.h"
+
+#include <iterator>
+
+#include "common/Log.h"
+
+namespace {
+
+using CUnit = std::unique_ptr<CLocationUnitBase>;
+
+template <class T>
+CUnit Make()
+{
+    return std::make_unique<T>();
+}
+
+/// By location_type.
+constexpr CUnit (*k_units[])() = {
+    Make<CLocationUnit0>, Make<CLocationUnit1>, Make<CLocationUnit2>, Make<CLocationUnit3>, Make<CLocationUnit4>,
+    Make<CLocationUnit5>, Make<CLocationUnit6>, Make<CLocationUnit7>, Make<CLocationUnit8>, Make<CLocationUnit9>,
+    Make<CLocationUnitA>, Make<CLocationUnitB>, Make<CLocationUnitC>};
+
+}  // namespace
+
+CMMTElementLocation::CMMTElementLocation() : m_locationType(0) {}
+
+CMMTElementLocation::~CMMTElementLocation() = default;
+
+bool CMMTElementLocation::Parse(SItem* item)
+{
+    m_locationType = t_Value(item, 8);
+    if (m_pLocation) {
+        vyr::AssertFailed({vyr::k_source.text, __func__, 23}, "!m_pLocation");
+        m_pLocation.reset();
+    }
+    if (!item || !item->valid || m_locationType >= std::size(k_units)) {
+        return false;
+    }
+    m_pLocation = k_units[m_locationType]();
+    if (!m_pLocation->Parse(item)) {
+        m_pLocation.reset();
+    }
+    return m_pLocation != nullptr;
+}
+
+void CMMTElementLocation::Dump() const
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "location type [%u]", m_locationType);
+    if (m_pLocation) {
+        m_pLocation->Dump();
+    }
+}

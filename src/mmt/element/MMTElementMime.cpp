@@ -1,0 +1,43 @@
+#include "mmt/element/MMTElementMime.h"
+
+#include <cstring>
+
+#include "common/Log.h"
+
+namespace {
+
+bool BeginsWith(const vyr::CBytes& text, const char (&word)[6])
+{
+    return text.Length() >= 5 && std::memcmp(text.Data(), word, 5) == 0;
+}
+
+}  // namespace
+
+CMMTElementMime::CMMTElementMime() : m_length(0) {}
+
+CMMTElementMime::~CMMTElementMime() = default;
+
+bool CMMTElementMime::Parse(SItem* item)
+{
+    m_length = static_cast<unsigned char>(t_Value(item, 8));
+    if (!item || !item->valid) {
+        return false;
+    }
+    m_mimeType.Take(t_AllocAndCopy(item, m_length), m_length);
+    return item->valid;
+}
+
+void CMMTElementMime::Dump() const
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "MIME type [%s]", m_mimeType ? m_mimeType.Text() : "");
+}
+
+bool CMMTElementMime::IsAudio() const
+{
+    return BeginsWith(m_mimeType, "audio");
+}
+
+bool CMMTElementMime::IsVideo() const
+{
+    return BeginsWith(m_mimeType, "video");
+}

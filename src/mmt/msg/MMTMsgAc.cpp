@@ -1,0 +1,48 @@
+#include "mmt/msg/MMTMsgAc.h"
+
+#include "common/Log.h"
+#include "mmt/PayloadReader.h"
+
+CMMTMsgAc::CMMTMsgAc() : CMMTMsgPayload(CLASS_TYPE_AC) {}
+
+CMMTMsgAc::~CMMTMsgAc() = default;
+
+bool CMMTMsgAc::Parse(SItem* item)
+{
+    m_entries.clear();
+    SItem payload;
+    if (!t_ParsePayload(item, 16, "[CMMTMsgAC::Parse] Item size ERROR len[%u], length[%u]", payload)) {
+        return false;
+    }
+    vyr::CPayloadReader reader(payload);
+    const unsigned int count = reader.Value(8);
+    for (unsigned int i = 0; i < count && reader.Valid(); ++i) {
+        SEntry entry{};
+        entry.packetId = static_cast<unsigned short>(reader.Value(16));
+        if (!reader.Valid()) {
+            break;
+        }
+        reader.Field(32, entry.windowTimeout);
+        const bool ipv6 = reader.Flag();
+        reader.Value(7);
+        if (reader.Valid()) {
+            entry.serverAddress = reader.View(ipv6 ? 16 : 4);
+            reader.Field(16, entry.serverPort);
+        }
+        m_entries.push_back(entry);
+    }
+    return true;
+}
+
+void CMMTMsgAc::Dump() const
+{
+    CMMTMsg::Dump();
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    for (const SEntry& entry : m_entries) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "packet id [%u] window timeout [%u] address of %u bytes, port [%u]", entry.packetId,
+                entry.windowTimeout.value_or(0), static_cast<unsigned int>(entry.serverAddress.size()),
+                entry.serverPort.value_or(0));
+    }
+}

@@ -1,0 +1,254 @@
+#include "mmt/msg/MMTMsgAtsc3.h"
+
+#include <algorithm>
+#include <climits>
+
+#include "common/Inflate.h"
+#include "common/RSAT.h"
+#include "mmt/Elements.h"
+#include "mmt/MMTBytes.h"
+#include "mmt/desc/MMTUsbd.h"
+#include "mmt/table/MMTTblSi.h"
+
+struct CMMTMsgAtsc3::SState {
+    unsigned short serviceId = 0;
+    unsigned short contentType = 0;
+    unsigned char contentVersion = 0;
+    unsigned char contentCompression = 0;
+    unsigned int contentLength = 0;
+    vyr::CBytes uri;
+    std::unique_ptr<unsigned char[]> content;
+    CCPtrArray audioStreamProperties{vyr::g_CbRemove<CMMTDesc>, nullptr};
+    CCPtrArray videoStreamProperties{vyr::g_CbRemove<CMMTDesc>, nullptr};
+    CCPtrArray captionAssets{vyr::g_CbRemove<CMMTDesc>, nullptr};
+    CCPtrArray securityProperties{vyr::g_CbRemove<CMMTDesc>, nullptr};
+    CCPtrArray licenseUrls{vyr::g_CbRemove<CMMTDesc>, nullptr};
+    CMMTUsbd usbd;
+    CRSAT rsat;
+    CMMTTblSi siTable;
+
+    /// In the order in which descriptors are handed out.
+    const CCPtrArray* const arrays[5] = {&audioStreamProperties, &videoStreamProperties, &captionAssets,
+                                         &securityProperties, &licenseUrls};
+
+    SState()
+    {
+        usbd.Create();
+        rsat.Create();
+    }
+    ~SState()
+    {
+        rsat.Destroy();
+        usbd.Destroy();
+    }
+    SState(const SState&) = delete;
+    SState& operator=(const SState&) = delete;
+
+    const char* Text() const { return reinterpret_cast<const char*>(content.get()); }
+};
+
+CMMTMsgAtsc3::CMMTMsgAtsc3() : CMMTMsg(CLASS_TYPE_ATSC3), m(new SState) {}
+
+CMMTMsgAtsc3::~CMMTMsgAtsc3()
+{
+    delete m;
+}
+
+bool CMMTMsgAtsc3::Parse(SItem* item)
+{
+    if (!t_ParseHeader(item, 32, "[CMMTMsgAtsc3::Parse] Item size ERROR len[%u], length[%u]")) {
+        return false;
+    }
+    m->content.reset();
+    m->serviceId = static_cast<unsigned short>(t_Value(item, 16));
+    m->contentType = static_cast<unsigned short>(t_Value(item, 16));
+    m->contentVersion = static_cast<unsigned char>(t_Value(item, 8));
+    m->contentCompression = static_cast<unsigned char>(t_Value(item, 8));
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Parse] m_content_type[%d], version[%d], m_content_version[%d]",
+            m->contentType, Version(), m->contentVersion);
+    const unsigned int uriLength = t_Value(item, 8);
+    m->uri.Take(uriLength > 0 ? t_AllocAndCopy(item, uriLength) : nullptr, uriLength);
+    m->contentLength = t_Value(item, 32);
+    // Required: a USBD stays compressed, its own parser inflates it.
+    if (m->contentCompression == k_gzip && m->contentType >= CONTENT_TYPE_MPD) {
+        return m_ParseCompressed(item);
+    }
+    m_ParseContent(item, true);
+    return true;
+}
+
+bool CMMTMsgAtsc3::m_ParseCompressed(SItem* item)
+{
+    if (m->contentLength < 2 || m->contentLength > k_maxContent) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "Prepare uncompress Fail length[%d]", static_cast<int>(m->contentLength));
+        return false;
+    }
+    const unsigned int size = std::min(m->contentLength, vyr::BytesLeft(*item));
+    const unsigned char* compressed = item->buffer + item->bitpos / 8;
+    vyr::SInflated inflated;
+    if (item->valid && vyr::HasGzipMagic(compressed, size)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "uncompress length[%d] bitPos[%d]", static_cast<int>(m->contentLength),
+                static_cast<int>(item->bitpos / 8));
+        vyr::Inflate(compressed, size, k_maxContent, inflated);
+    }
+    if (!inflated.data) {
+        m_ParseContent(item, true);
+        return true;
+    }
+    item->bitpos += size * 8;
+    m->contentLength = static_cast<unsigned int>(inflated.size);
+    SItem content = {reinterpret_cast<const unsigned char*>(inflated.data.get()), m->contentLength,
+                     m->contentLength * 8, 0, true};
+    m_ParseContent(&content, false);
+    return true;
+}
+
+void CMMTMsgAtsc3::m_ParseContent(SItem* item, bool asItStands)
+{
+    switch (m->contentType) {
+        case CONTENT_TYPE_USBD:
+            if (m_CopyContent(item, false)) {
+                m->usbd.Parse(m->Text(), m->contentLength, m->contentCompression == k_gzip);
+            }
+            break;
+        case CONTENT_TYPE_MPD:
+            m_CopyContent(item, false);
+            break;
+        case CONTENT_TYPE_RSAT:
+            if (m_CopyContent(item, asItStands)) {
+                m->rsat.Parse(m->Text(), m->contentLength);
+            }
+            break;
+        case CONTENT_TYPE_ASP:
+            m_ParseDescriptors(item, m->audioStreamProperties);
+            break;
+        case CONTENT_TYPE_VSP:
+            m_ParseDescriptors(item, m->videoStreamProperties);
+            break;
+        case CONTENT_TYPE_CAPTION:
+            m_ParseDescriptors(item, m->captionAssets);
+            break;
+        case CONTENT_TYPE_SP:
+            m_ParseDescriptors(item, m->securityProperties);
+            break;
+        case CONTENT_TYPE_LICENSE_URL:
+            m_ParseDescriptors(item, m->licenseUrls);
+            break;
+        default:
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Parse] UNKNOWN descriptor [%d]", m->contentType);
+            break;
+    }
+}
+
+bool CMMTMsgAtsc3::m_CopyContent(SItem* item, bool evenEmpty)
+{
+    if (m->contentLength > 0 || evenEmpty) {
+        m->content.reset(t_AllocAndCopy(item, m->contentLength));
+        if (!m->content) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Parse] content is not whole length[%u]", m->contentLength);
+        }
+    }
+    return m->content != nullptr;
+}
+
+void CMMTMsgAtsc3::m_ParseDescriptors(SItem* item, CCPtrArray& array)
+{
+    // A budget beyond the item ends where the item does.
+    const unsigned int length = std::min<unsigned int>(m->contentLength, INT_MAX);
+    CMMTDescFactory::ParseDescriptors(item, static_cast<int>(length), &array);
+}
+
+void CMMTMsgAtsc3::Dump() const
+{
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    CMMTMsg::Dump();
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Dump] service id[%u] content type[%u] version[%u] compression[%u]",
+            m->serviceId, m->contentType, m->contentVersion, m->contentCompression);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Dump] URI[%s] content length[%u]", m->uri ? m->uri.Text() : "",
+            m->contentLength);
+    for (const CCPtrArray* array : m->arrays) {
+        vyr::DumpElements<CMMTDesc>(*array);
+    }
+}
+
+bool CMMTMsgAtsc3::Process()
+{
+    return true;
+}
+
+bool CMMTMsgAtsc3::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
+{
+    for (const CCPtrArray* array : m->arrays) {
+        if (!vyr::VisitDescriptors(*array, callback, user)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool CMMTMsgAtsc3::GetContent(void (*callback)(void* user, unsigned char* data, unsigned int length), void* user) const
+{
+    if (!VYR_ASSERT(callback, "callback")) {
+        return false;
+    }
+    callback(user, m->content.get(), m->contentLength);
+    return true;
+}
+
+unsigned short CMMTMsgAtsc3::ServiceId() const
+{
+    return m->serviceId;
+}
+
+unsigned short CMMTMsgAtsc3::ContentType() const
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::ContentType] type [%d]", m->contentType);
+    return m->contentType;
+}
+
+unsigned char CMMTMsgAtsc3::ContentVersion() const
+{
+    return m->contentVersion;
+}
+
+unsigned char CMMTMsgAtsc3::ContentCompression() const
+{
+    return m->contentCompression;
+}
+
+const char* CMMTMsgAtsc3::Uri() const
+{
+    return m->uri.Text();
+}
+
+unsigned int CMMTMsgAtsc3::ContentLength() const
+{
+    return m->contentLength;
+}
+
+CMMTUsbd* CMMTMsgAtsc3::UserServiceBundleDescription()
+{
+    return &m->usbd;
+}
+
+CRSAT* CMMTMsgAtsc3::RSAT()
+{
+    return &m->rsat;
+}
+
+CMMTTblSi* CMMTMsgAtsc3::SITable()
+{
+    return &m->siTable;
+}
+
+bool CMMTMsgAtsc3::GetServiceInfo(char** globalServiceId, unsigned short& serviceId) const
+{
+    if (!VYR_ASSERT(globalServiceId, "globalServiceId")) {
+        return false;
+    }
+    *globalServiceId = const_cast<char*>(m->usbd.GlobalServiceId());
+    serviceId = m->serviceId;
+    return true;
+}

@@ -1,0 +1,101 @@
+#include "mmt/msg/MMTMsgFactory.h"
+
+#include <mutex>
+#include <utility>
+
+#include "common/Log.h"
+#include "mmt/msg/MMTMsgAc.h"
+#include "mmt/msg/MMTMsgAdc.h"
+#include "mmt/msg/MMTMsgAtsc3.h"
+#include "mmt/msg/MMTMsgCri.h"
+#include "mmt/msg/MMTMsgDci.h"
+#include "mmt/msg/MMTMsgLdc.h"
+#include "mmt/msg/MMTMsgLs.h"
+#include "mmt/msg/MMTMsgMpi.h"
+#include "mmt/msg/MMTMsgMpt.h"
+#include "mmt/msg/MMTMsgPa.h"
+#include "mmt/msg/MMTMsgSmm.h"
+
+std::map<unsigned short, std::unique_ptr<MMTMsgAbstractFactory>> CMMTMsgFactory::m_factories;
+
+static std::once_flag MMTFactoryInitFlag;
+
+MMTMsgAbstractFactory::~MMTMsgAbstractFactory() = default;
+
+MMTMsgFactoryUnsupported::MMTMsgFactoryUnsupported(unsigned short id, std::string name)
+    : m_id(id), m_name(std::move(name))
+{
+}
+
+std::shared_ptr<CMMTMsg> MMTMsgFactoryUnsupported::Create() const
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::CreateMessage] UNSUPPORTED MESSAGE TYPE: 0x%0x [%s]!!!", m_id,
+            m_name.c_str());
+    return nullptr;
+}
+
+void CMMTMsgFactory::InitializeFactory()
+{
+    if (!m_factories.empty()) {
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::InitializeFactory] BEGIN");
+    const auto unsupported = [](unsigned short id, const char* name) {
+        m_factories[id] = std::make_unique<MMTMsgFactoryUnsupported>(id, name);
+    };
+    m_factories[0x0000] = std::make_unique<MMTMsgFactory<CMMTMsgPa>>();
+    m_factories[0x0001] = std::make_unique<MMTMsgFactory<CMMTMsgMpi>>();
+    m_factories[0x0011] = std::make_unique<MMTMsgFactory<CMMTMsgMpt>>();
+    m_factories[0x0200] = std::make_unique<MMTMsgFactory<CMMTMsgCri>>();
+    m_factories[0x0201] = std::make_unique<MMTMsgFactory<CMMTMsgDci>>();
+    unsupported(0x0202, "MMT_MSG_ID_SSWR");
+    unsupported(0x0203, "MMT_MSG_ID_AL_FEC");
+    unsupported(0x0204, "MMT_MSG_ID_HRBM");
+    unsupported(0x0205, "MMT_MSG_ID_MC");
+    m_factories[0x0206] = std::make_unique<MMTMsgFactory<CMMTMsgAc>>();
+    unsupported(0x0207, "MMT_MSG_ID_AF");
+    unsupported(0x0208, "MMT_MSG_ID_RQF");
+    m_factories[0x0209] = std::make_unique<MMTMsgFactory<CMMTMsgAdc>>();
+    unsupported(0x020A, "MMT_MSG_ID_HRBM_REMOVAL");
+    m_factories[0x020B] = std::make_unique<MMTMsgFactory<CMMTMsgLs>>();
+    // Required: the class exists, and its messages are not made here.
+    unsupported(0x020C, "MMT_MSG_ID_LR");
+    unsupported(0x020D, "MMT_MSG_ID_NAMF");
+    m_factories[0x020E] = std::make_unique<MMTMsgFactory<CMMTMsgLdc>>();
+    m_factories[0x8100] = std::make_unique<MMTMsgFactory<CMMTMsgAtsc3>>();
+    m_factories[0x8101] = std::make_unique<MMTMsgFactory<CMMTMsgSmm>>();
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::InitializeFactory] END");
+}
+
+std::shared_ptr<CMMTMsg> CMMTMsgFactory::CreateMessage(const unsigned char* data, unsigned int length)
+{
+    if (!data) {
+        vyr::AssertFailed({vyr::k_source.text, __func__, 77}, "data");
+    }
+    if (!data || length < 2) {
+        return nullptr;
+    }
+    std::call_once(MMTFactoryInitFlag, InitializeFactory);
+    const unsigned short id = CMMTMsg::MessageId(data);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::CreateMessage] type: 0x%0x", id);
+    unsigned short key = id;
+    if (id >= 0x0001 && id <= 0x0010) {
+        key = 0x0001;
+    } else if (id >= 0x0011 && id <= 0x0020) {
+        key = 0x0011;
+    }
+    const auto found = m_factories.find(key);
+    if (found != m_factories.end()) {
+        return found->second->Create();
+    }
+    if (id >= 0x020F && id <= 0x6FFF) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::CreateMessage] UNSUPPORTED MMT_MSG_ID_ISO_16 TYPE: 0x%0x !!!",
+                id);
+    } else if (id >= 0x7000 && id <= 0x7FFF) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::CreateMessage] UNSUPPORTED MMT_MSG_ID_ISO_32 TYPE: 0x%0x !!!",
+                id);
+    } else {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::CreateMessage] UNSUPPORTED MESSAGE TYPE: 0x%0x !!!", id);
+    }
+    return nullptr;
+}

@@ -1,0 +1,46 @@
+#include "mmt/msg/MMTMsgLicence.h"
+
+#include "mmt/Elements.h"
+
+CMMTMsgLicence::CMMTMsgLicence(EClassType classType)
+    : CMMTMsgPayload(classType), m_arrayLicence(vyr::g_CbRemove<SLicence>, nullptr)
+{
+}
+
+CMMTMsgLicence::~CMMTMsgLicence() = default;
+
+bool CMMTMsgLicence::t_ParseLicences(SItem* item, const char* format)
+{
+    SItem payload;
+    if (!t_ParsePayload(item, 32, format, payload)) {
+        return false;
+    }
+    const unsigned int count = t_Value(&payload, 8);
+    for (unsigned int i = 0; i < count; ++i) {
+        auto licence = std::make_unique<SLicence>();
+        if (!licence->assetId.Parse(&payload)) {
+            break;
+        }
+        const unsigned int length = t_Value(&payload, 16);
+        licence->data.Take(t_AllocAndCopy(&payload, length), length);
+        m_arrayLicence.Add(licence.release());
+    }
+    return true;
+}
+
+void CMMTMsgLicence::Dump() const
+{
+    CMMTMsg::Dump();
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    for (int i = 0; i < LicenceCount(); ++i) {
+        Licence(i)->assetId.Dump();
+        VYR_LOG(LOG_PRIORITY_DEBUG, "licence of %u bytes", Licence(i)->data.Length());
+    }
+}
+
+const CMMTMsgLicence::SLicence* CMMTMsgLicence::Licence(int index) const
+{
+    return vyr::ElementAt<SLicence>(m_arrayLicence, index);
+}

@@ -1,0 +1,36 @@
+#include "mmt/msg/MMTMsgMpi.h"
+
+#include "common/Log.h"
+
+CMMTMsgMpi::CMMTMsgMpi() : CMMTMsg(CLASS_TYPE_MPI), m_reserved(0), m_associatedMPTableFlag(false) {}
+
+CMMTMsgMpi::~CMMTMsgMpi() = default;
+
+bool CMMTMsgMpi::Parse(SItem* item)
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgMpi::Parse");
+    if (!t_ParseHeader(item, 32, "[CMMTMsgMpi::Parse] Item size ERROR len[%u], length[%u]")) {
+        return false;
+    }
+    m_reserved = static_cast<unsigned char>(t_Value(item, 7));
+    m_associatedMPTableFlag = t_Value(item, 1) != 0;
+    return m_mpiTable.Parse(item) && (!m_associatedMPTableFlag || m_mpTable.Parse(item));
+}
+
+void CMMTMsgMpi::Dump() const
+{
+    CMMTMsg::Dump();
+    VYR_LOG(LOG_PRIORITY_DEBUG, "reserved [%u] associated MP table [%d]", m_reserved, m_associatedMPTableFlag);
+    m_mpiTable.Dump();
+    m_mpTable.Dump();
+}
+
+bool CMMTMsgMpi::Process()
+{
+    return false;
+}
+
+bool CMMTMsgMpi::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
+{
+    return m_mpiTable.GetDescriptors(callback, user) && m_mpTable.GetDescriptors(callback, user);
+}

@@ -1,0 +1,119 @@
+#include "mmt/table/MMTTbl.h"
+
+#include <algorithm>
+#include <iterator>
+#include <new>
+
+#include "common/Log.h"
+#include "mmt/Elements.h"
+#include "mmt/IdentifierUnit/IdentifierUnit0.h"
+#include "mmt/element/MMTElementIdentifierMapping.h"
+#include "mmt/element/MMTElementLocation.h"
+
+CMMTTbl::CMMTTbl(unsigned int classType) : m_tableId(0xFF), m_version(0), m_length(0), m_classType(classType) {}
+
+CMMTTbl::~CMMTTbl() = default;
+
+bool CMMTTbl::Parse(SItem* item)
+{
+    if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
+        return false;
+    }
+    m_tableId = static_cast<unsigned char>(t_Value(item, 8));
+    m_version = static_cast<unsigned char>(t_Value(item, 8));
+    m_length = static_cast<unsigned short>(t_Value(item, 16));
+    VYR_LOG(LOG_PRIORITY_DEBUG, "CMMTTbl table id [%u]", m_tableId);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "CMMTTbl version  [%u]", m_version);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "CMMTTbl length   [%u]", m_length);
+    return item->valid;
+}
+
+bool CMMTTbl::t_ParseHeader(SItem* item, const char* error)
+{
+    if (!CMMTTbl::Parse(item)) {
+        return false;
+    }
+    if (vyr::BytesLeft(*item) < m_length) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "%s", error);
+        return false;
+    }
+    return true;
+}
+
+void CMMTTbl::Dump() const
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "table id [%u]", m_tableId);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "version  [%u]", m_version);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "length   [%u]", m_length);
+}
+
+bool CMMTTbl::Process()
+{
+    return false;
+}
+
+const char* CMMTTbl::ClassString() const
+{
+    static constexpr const char* k_names[] = {"CLASS_TYPE_PA",  "CLASS_TYPE_MPI", "CLASS_TYPE_MP",
+                                              "CLASS_TYPE_CRI", "CLASS_TYPE_DCI", "CLASS_TYPE_SI"};
+    return m_classType < std::size(k_names) ? k_names[m_classType] : "UNKONWN CLASS TYPE";
+}
+
+bool CMMTTbl::t_GetMMTGeneralLocationInfo(SLocationInfo* out, const CMMTElementLocation* location)
+{
+    if (!VYR_ASSERT(out, "out") || !VYR_ASSERT(location, "location") || !location->Location()) {
+        return false;
+    }
+    *out = {};
+    out->locationType = location->LocationType();
+    switch (out->locationType) {
+        case 0:
+            return m_Unit0(location->Location(), &out->info);
+        case 1:
+            return m_Unit1(location->Location(), &out->info);
+        default:
+            VYR_LOG(LOG_PRIORITY_DEBUG, "location type 0x%2x", out->locationType);
+            return false;
+    }
+}
+
+bool CMMTTbl::m_Unit0(const CLocationUnitBase* unit, SInternalLocationInfo* out)
+{
+    return unit->GetPacketId(&out->packetId);
+}
+
+bool CMMTTbl::m_Unit1(const CLocationUnitBase* unit, SInternalLocationInfo* out)
+{
+    return unit->GetPacketId(&out->packetId);
+}
+
+bool CMMTTbl::t_GetIdentifier(SIdentifier* out, const CMMTElementIdentifierMapping* mapping)
+{
+    if (!VYR_ASSERT(out, "out") || !VYR_ASSERT(mapping, "mapping")) {
+        return false;
+    }
+    *out = {};
+    out->identifierType = mapping->IdentifierType();
+    if (out->identifierType == 0) {
+        return m_AssetId(mapping->Identifier(), &out->identifier);
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "SIdentifier type 0x%2x", out->identifierType);
+    return false;
+}
+
+bool CMMTTbl::m_AssetId(const CIdentifierUnitBase* unit, UInternalIdentifier* out)
+{
+    if (!VYR_ASSERT(unit, "unit")) {
+        return false;
+    }
+    const CMMTElementAssetId& id = *static_cast<const CIdentifierUnit0*>(unit)->AssetId();
+    const unsigned int length = id.AssetIdTextLength();
+    out->assetId = new (std::nothrow) char[std::size_t{length} + 1]();
+    if (!out->assetId) {
+        return false;
+    }
+    std::copy(id.AssetIdScheme(), id.AssetIdScheme() + 4, out->assetIdScheme);
+    std::copy_n(id.AssetId(), length, out->assetId);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "asset id %s", out->assetId);
+    return true;
+}

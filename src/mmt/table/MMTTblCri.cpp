@@ -1,0 +1,48 @@
+#include "mmt/table/MMTTblCri.h"
+
+#include "mmt/Elements.h"
+
+CMMTTblCri::CMMTTblCri() : CMMTTblPayload(CLASS_TYPE_CRI), m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr) {}
+
+CMMTTblCri::~CMMTTblCri() = default;
+
+bool CMMTTblCri::Parse(SItem* item)
+{
+    SItem payload;
+    if (!t_ParsePayload(item, "[CMMTTblCri::Parse] ERROR", payload)) {
+        return false;
+    }
+    const unsigned int count = t_Value(&payload, 8);
+    for (unsigned int i = 0; i < count && vyr::BytesLeft(payload) > 0; ++i) {
+        const unsigned int begin = payload.bitpos;
+        std::unique_ptr<CMMTDesc> descriptor(CMMTDescFactory::GenerateDesc(&payload));
+        if (!descriptor || !descriptor->Parse(&payload)) {
+            item->valid = payload.valid;
+            break;
+        }
+        m_arrayDescriptor.Add(descriptor.get());
+        // A clock relation descriptor of several units leaves its body unread.
+        const unsigned int next = begin + (4 + descriptor.release()->Length()) * 8;
+        if (next > payload.bitsize) {
+            break;
+        }
+        payload.bitpos = next;
+    }
+    return item->valid;
+}
+
+void CMMTTblCri::Dump() const
+{
+    CMMTTbl::Dump();
+    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
+}
+
+bool CMMTTblCri::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
+{
+    return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
+}
+
+CMMTDesc* CMMTTblCri::Descriptor(int index) const
+{
+    return vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, index);
+}

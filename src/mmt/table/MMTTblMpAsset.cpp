@@ -1,0 +1,85 @@
+#include "mmt/table/MMTTblMpAsset.h"
+
+#include <algorithm>
+
+#include "mmt/Elements.h"
+
+CMMTTblMpAsset::CMMTTblMpAsset()
+    : m_assetType{},
+      m_reserved(0),
+      m_assetClockRelationId(0),
+      m_defaultAssetFlag(false),
+      m_assetClockRelationFlag(false),
+      m_assetTimeScaleFlag(false),
+      m_assetTimeScale(0),
+      m_arrayLocation(vyr::g_CbRemove<CMMTElementLocation>, nullptr),
+      m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr)
+{
+}
+
+CMMTTblMpAsset::~CMMTTblMpAsset() = default;
+
+bool CMMTTblMpAsset::Parse(SItem* item)
+{
+    if (!m_identifier.Parse(item)) {
+        return false;
+    }
+    const unsigned char* type = t_Byte(item, 4);
+    if (!type) {
+        return false;
+    }
+    std::copy(type, type + m_assetType.size(), m_assetType.begin());
+    m_reserved = static_cast<unsigned char>(t_Value(item, 6));
+    m_defaultAssetFlag = t_Value(item, 1) != 0;
+    m_assetClockRelationFlag = t_Value(item, 1) != 0;
+    if (m_assetClockRelationFlag) {
+        m_assetClockRelationId = static_cast<unsigned char>(t_Value(item, 8));
+        m_reserved = static_cast<unsigned char>(t_Value(item, 7));
+        m_assetTimeScaleFlag = t_Value(item, 1) != 0;
+        if (m_assetTimeScaleFlag) {
+            m_assetTimeScale = t_Value(item, 32);
+        }
+    }
+    const unsigned int locations = t_Value(item, 8);
+    if (!item->valid ||
+        !vyr::ParseElements<CMMTElementLocation>(item, locations, m_arrayLocation, {vyr::k_source.text, __func__, 73},
+                                                 "location->Parse(item)", "m_arrayLocation.Add(location)")) {
+        return false;
+    }
+    const unsigned int length = t_Value(item, 16);
+    if (!item->valid || !vyr::ParseDescriptorLoop(item, length, &m_arrayDescriptor)) {
+        return false;
+    }
+    Dump();
+    return true;
+}
+
+void CMMTTblMpAsset::Dump() const
+{
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    m_identifier.Dump();
+    VYR_LOG(LOG_PRIORITY_DEBUG, "asset type [%02x%02x%02x%02x] reserved [%u] default [%d]", m_assetType[0],
+            m_assetType[1], m_assetType[2], m_assetType[3], m_reserved, m_defaultAssetFlag);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "clock relation [%d] id [%u] timescale [%d] [%u]", m_assetClockRelationFlag,
+            m_assetClockRelationId, m_assetTimeScaleFlag, m_assetTimeScale);
+    vyr::DumpElements<CMMTElementLocation>(m_arrayLocation);
+    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
+}
+
+bool CMMTTblMpAsset::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
+{
+    return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
+}
+
+CMMTElementLocation* CMMTTblMpAsset::Location(unsigned char index) const
+{
+    return vyr::ElementAt<CMMTElementLocation>(m_arrayLocation, index);
+}
+
+CMMTDesc* CMMTTblMpAsset::AssetDescriptor(unsigned int index) const
+{
+    return index < AssetDescriptorSize() ? vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, static_cast<int>(index))
+                                         : nullptr;
+}

@@ -1,0 +1,72 @@
+#include "mmt/table/MMTTblPa.h"
+
+#include "mmt/Elements.h"
+
+CMMTTblPa::CMMTTblPa()
+    : CMMTTbl(CLASS_TYPE_PA),
+      m_arrayTable(vyr::g_CbRemove<CMMTTblPaInfo>, nullptr),
+      m_reserved(0),
+      m_privateFlag(0),
+      m_callback{}
+{
+}
+
+CMMTTblPa::~CMMTTblPa() = default;
+
+bool CMMTTblPa::Parse(SItem* item)
+{
+    if (!t_ParseHeader(item, "[CMMTTblPa::Parse] ERROR")) {
+        if (item) {
+            item->valid = false;
+        }
+        return false;
+    }
+    const unsigned int count = t_Value(item, 8);
+    if (!vyr::ParseElements<CMMTTblPaInfo>(item, count, m_arrayTable, {vyr::k_source.text, __func__, 75},
+                                           "p_unit->Parse(item)", "m_arrayTable.Add(p_unit)")) {
+        return false;
+    }
+    m_reserved = static_cast<unsigned char>(t_Value(item, 7));
+    m_privateFlag = static_cast<unsigned char>(t_Value(item, 1));
+    return item->valid;
+}
+
+void CMMTTblPa::Dump() const
+{
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
+    }
+    CMMTTbl::Dump();
+    vyr::DumpElements<CMMTTblPaInfo>(m_arrayTable);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "reserved [%u] private extension [%u]", m_reserved, m_privateFlag);
+}
+
+bool CMMTTblPa::GetDescriptors(void (* /*callback*/)(void* user, CMMTDesc* descriptor), void* /*user*/)
+{
+    return true;
+}
+
+bool CMMTTblPa::Process()
+{
+    for (int i = 0; i < m_arrayTable.Size(); ++i) {
+        CMMTTblPaInfo& info = *Info(i);
+        SLocationInfo location;
+        SLocationInfo alternative;
+        if (t_GetMMTGeneralLocationInfo(&location, info.Location()) &&
+            t_GetMMTGeneralLocationInfo(&alternative, info.AlternativeLocation()) && m_callback.onTableInfo) {
+            m_callback.onTableInfo(m_callback.user, info.SignallingInformationTableId(),
+                                   info.SignallingInformationTableVersion(), &location, &alternative);
+        }
+    }
+    return true;
+}
+
+void CMMTTblPa::SetCallback(const SCallback* callback)
+{
+    m_callback = callback ? *callback : SCallback{};
+}
+
+CMMTTblPaInfo* CMMTTblPa::Info(int index) const
+{
+    return vyr::ElementAt<CMMTTblPaInfo>(m_arrayTable, index);
+}

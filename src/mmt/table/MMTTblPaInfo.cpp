@@ -1,0 +1,30 @@
+#include "mmt/table/MMTTblPaInfo.h"
+
+#include "common/Log.h"
+
+CMMTTblPaInfo::CMMTTblPaInfo() : m_tableId(0), m_tableVersion(0), m_reserved(0), m_flag(0) {}
+
+CMMTTblPaInfo::~CMMTTblPaInfo() = default;
+
+bool CMMTTblPaInfo::Parse(SItem* item)
+{
+    m_tableId = static_cast<unsigned char>(t_Value(item, 8));
+    m_tableVersion = static_cast<unsigned char>(t_Value(item, 8));
+    if (!m_location.Parse(item)) {
+        return false;
+    }
+    m_reserved = static_cast<unsigned char>(t_Value(item, 7));
+    m_flag = static_cast<unsigned char>(t_Value(item, 1));
+    if (m_flag && !m_alternativeLocation.Parse(item)) {
+        return false;
+    }
+    return item->valid;
+}
+
+void CMMTTblPaInfo::Dump() const
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "table id [%u] version [%u] reserved [%u] alternative location [%u]", m_tableId,
+            m_tableVersion, m_reserved, m_flag);
+    m_location.Dump();
+    m_alternativeLocation.Dump();
+}

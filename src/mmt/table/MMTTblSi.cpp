@@ -1,0 +1,33 @@
+#include "mmt/table/MMTTblSi.h"
+
+#include "mmt/Elements.h"
+
+CMMTTblSi::CMMTTblSi() : CMMTTblPayload(CLASS_TYPE_SI), m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr) {}
+
+CMMTTblSi::~CMMTTblSi() = default;
+
+bool CMMTTblSi::Parse(SItem* item)
+{
+    SItem payload;
+    if (!t_ParsePayload(item, "[CMMTTblSi::Parse] ERROR", payload)) {
+        return false;
+    }
+    item->valid = vyr::ParseDescriptorLoop(&payload, payload.size, &m_arrayDescriptor);
+    return item->valid;
+}
+
+void CMMTTblSi::Dump() const
+{
+    CMMTTbl::Dump();
+    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
+}
+
+bool CMMTTblSi::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
+{
+    return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
+}
+
+CMMTDesc* CMMTTblSi::Descriptor(int index) const
+{
+    return vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, index);
+}

@@ -1,0 +1,545 @@
+#include <functional>
+#include <memory>
+#include <sstream>
+
+#include "mmt/desc/MMTDescAsp.h"
+#include "mmt/desc/MMTDescCaption.h"
+#include "mmt/desc/MMTDescCri.h"
+#include "mmt/desc/MMTDescDependency.h"
+#include "mmt/desc/MMTDescFactory.h"
+#include "mmt/desc/MMTDescLowDelay.h"
+#include "mmt/desc/MMTDescMpuTimestamp.h"
+#include "mmt/desc/MMTDescSi.h"
+#include "mmt/desc/MMTDescSp.h"
+#include "mmt/desc/MMTDescVsp.h"
+#include "support/MmtBuilder.h"
+
+namespace {
+
+class MMTDescTest : public CRecorder {
+  protected:
+    static void Remove(void* /*context*/, void* element) { delete static_cast<CMMTDesc*>(element); }
+    /// Item over `bytes`, which must outlive it.
+    static IParse::SItem Item(const std::vector<unsigned char>& bytes)
+    {
+        const unsigned int size = static_cast<unsigned int>(bytes.size());
+        return {bytes.data(), size, size * 8, 0, true};
+    }
+
+    CCPtrArray m_array{Remove, nullptr};
+};
+
+CMmtBuilder Head(unsigned int tag, unsigned int length)
+{
+    return CMmtBuilder().Put(16, tag).Put(16, length);
+}
+
+/// A descriptor, its length as it comes.
+std::string Desc(unsigned int tag, const std::string& payload)
+{
+    return CMmtBuilder().Put(16, tag).Open(16).Put(payload).Close().Bytes();
+}
+
+std::string CriBody()
+{
+    return CMmtBuilder().Put(8, 7).Put(6, 0x2A).Put(42, 0x3A1B2C3D4E5).Put(64, 0x0102030405060708).Bytes();
+}
+
+TEST_F(MMTDescTest, ClockRelationReadsOneRecord)
+{
+    CMMTDescCri cri;
+    EXPECT_EQ(cri.Tag(), 65535u);
+    const SFed fed(cri, Desc(0, CriBody()) + "behind");
+    EXPECT_TRUE(fed.result && fed.item.valid && fed.Cursor() == 19);
+    EXPECT_TRUE(cri.Tag() == 0 && cri.Length() == 15 && cri.ClockRelationId() == 7 && cri.Reserved() == 0x2A);
+    EXPECT_EQ(cri.STCSample(), 0x1B2C3D4E5u & 0xFFFFFFFF);
+    EXPECT_EQ(cri.NTPTimestampSample(), 0x05060708u);
+    cri.Dump();
+    EXPECT_EQ(Logged("stc samlpe[" + std::to_string(cri.STCSample()) + "]"), 1);
+}
+
+TEST_F(MMTDescTest, ClockRelationLengths)
+{
+    const struct {
+        unsigned int tag;
+        unsigned int length;
+        std::size_t body;  // bytes that are there
+        bool result;
+        bool valid;
+        unsigned int cursor;
+    } k_cases[] = {{0, 30, 30, true, true, 4},   {0, 45, 0, true, true, 4},   {0, 14, 30, false, false, 4},
+                   {0, 16, 30, false, false, 4}, {0, 0, 30, false, false, 4}, {1, 15, 15, false, true, 4},
+                   {0, 15, 14, false, false, 11}};
+    for (const auto& c : k_cases) {
+        SCOPED_TRACE(c.length);
+        CMMTDescCri cri;
+        const SFed fed(cri, Head(c.tag, c.length).Put(std::string(c.body, 'x')).Bytes());
+        EXPECT_EQ(fed.result, c.result);
+        EXPECT_EQ(fed.item.valid, c.valid);
+        EXPECT_EQ(fed.Cursor(), c.cursor);
+        EXPECT_TRUE(c.body < c.length || cri.ClockRelationId() == 0);
+        EXPECT_EQ(cri.NTPTimestampSample(), 0u);
+    }
+    EXPECT_EQ(Logged("[CMMTDescCri::Parse] Wrong tag : 1"), 1);
+    EXPECT_EQ(Logged("[CMMTDescCri::Parse] DescLength mismatch ERROR Length = 14"), 1);
+    CMMTDescCri cri;
+    EXPECT_FALSE(SFed(cri, std::string(3, '\0')).item.valid);
+    EXPECT_FALSE(cri.Parse(nullptr));
+    EXPECT_EQ(TakeAssertions(), "item");
+}
+
+TEST_F(MMTDescTest, FactoryTags)
+{
+    const auto made = [](unsigned int tag) {
+        const std::vector<unsigned char> bytes =
+            Exact(CMmtBuilder().Put(16, 0).Put(16, tag).Put(16, 2).Put("abc").Bytes());
+        IParse::SItem item = Item(bytes);
+        item.bitpos = 16;
+        std::unique_ptr<CMMTDesc> desc(CMMTDescFactory::GenerateDesc(&item));
+        EXPECT_TRUE(item.bitpos == 16 && item.valid && (!desc || desc->Tag() == 65535));
+        return desc;
+    };
+    EXPECT_NE(dynamic_cast<CMMTDescCri*>(made(0).get()), nullptr);
+    const struct {
+        unsigned int tag;
+        const char* kind;
+    } k_unknown[] = {{3, ""},          {6, "Reserved"},      {7, "Reserved"},     {10, "Reserved"},   {11, "Reserved"},
+                     {15, "Reserved"}, {0x7FFF, "Reserved"}, {0x8000, "Private"}, {0xFFFF, "Private"}};
+    for (const auto& unknown : k_unknown) {
+        SCOPED_TRACE(unknown.tag);
+        s_log.clear();
+        EXPECT_EQ(made(unknown.tag), nullptr);
+        EXPECT_EQ(Logged(" Description TAG ["), *unknown.kind ? 1 : 0);
+        EXPECT_EQ(Logged(std::string(unknown.kind) + " Description TAG [" + std::to_string(unknown.tag)),
+                  *unknown.kind ? 1 : 0);
+    }
+    EXPECT_EQ(Logged("RAW: ff ff 00 02 61 62 "), 1);
+    EXPECT_EQ(Logged("RAW: ff ff 00 02 61 62 63"), 0);
+}
+
+TEST_F(MMTDescTest, FactoryAtTheEndOfTheData)
+{
+    const std::vector<unsigned char> bytes = Exact(std::string(4, '\0'));
+    const struct {
+        unsigned int size;
+        unsigned int bitpos;
+        bool made;
+    } k_cases[] = {{0, 0, false},  {1, 0, false},  {2, 0, true},   {4, 16, true},
+                   {4, 17, false}, {4, 32, false}, {2, ~0u, false}};
+    for (const auto& c : k_cases) {
+        IParse::SItem item = {bytes.data(), c.size, c.size * 8, c.bitpos, true};
+        const std::unique_ptr<CMMTDesc> desc(CMMTDescFactory::GenerateDesc(&item));
+        EXPECT_EQ(desc != nullptr, c.made) << c.size << " " << c.bitpos;
+        EXPECT_TRUE(item.valid && item.bitpos == c.bitpos);
+    }
+    EXPECT_EQ(Logged("[CMMTDescFactory::GenerateDesc] item->bitpos + 16 = 33 > item->size * 8 = 32"), 1);
+    EXPECT_EQ(CMMTDescFactory::GenerateDesc(nullptr), nullptr);
+    EXPECT_EQ(TakeAssertions(), "item");
+}
+
+TEST_F(MMTDescTest, LoopLengths)
+{
+    const std::string low = Desc(14, "");
+    const struct {
+        std::string bytes;
+        int length;
+        bool result;
+        int size;
+        bool valid;
+    } k_cases[] = {
+        {low + low + low, 8, true, 2, true},                  // no more than the length
+        {low + Desc(0x8000, "x") + low, 13, false, 1, true},  // an unknown tag ends the loop
+        {low, 0, true, 0, true},                              // nothing
+        {low, 5, false, 1, true},                             // longer than the data
+        {low + Desc(0, CriBody()), 23, true, 2, true},
+        {low + Desc(0, "x") + low, 13, false, 1, false},  // a clock relation makes the item invalid
+        {low + Desc(14, "").substr(0, 3), 7, false, 1, false},
+        {Head(14, 1).Bytes(), 4, false, 0, true},
+    };
+    for (const auto& c : k_cases) {
+        SCOPED_TRACE(c.length);
+        const std::vector<unsigned char> bytes = Exact(c.bytes);
+        IParse::SItem item = Item(bytes);
+        EXPECT_EQ(CMMTDescFactory::ParseDescriptors(&item, c.length, &m_array), c.result);
+        EXPECT_EQ(m_array.Size(), c.size);
+        EXPECT_EQ(item.valid, c.valid);
+        m_array.RemoveAll();
+    }
+    EXPECT_EQ(Logged("p_desc = CMMTDescFactory::GenerateDesc(item)"), 2);
+    EXPECT_EQ(Logged("p_desc->Parse(item)"), 3);
+    IParse::SItem item = {nullptr, 0, 0, 0, true};
+    EXPECT_FALSE(CMMTDescFactory::ParseDescriptors(nullptr, 1, &m_array));
+    EXPECT_FALSE(CMMTDescFactory::ParseDescriptors(&item, 1, nullptr));
+    EXPECT_FALSE(CMMTDescFactory::ParseDescriptors(&item, -1, &m_array));
+    EXPECT_EQ(TakeAssertions(), "item; array; length >= 0");
+}
+
+// The fields of each descriptor as one text, in the order of the wire; what is absent is not in it.
+
+class CFields {
+  public:
+    /// Names and values in turn.
+    template <class T, class... TRest>
+    void operator()(const char* name, const T& value, const TRest&... rest)
+    {
+        Add(name, value);
+        if constexpr (sizeof...(rest) > 0) {
+            (*this)(rest...);
+        }
+    }
+    std::string Text() const { return m_text.str(); }
+
+  private:
+    template <class T>
+    void Add(const char* name, const T& value)
+    {
+        m_text << name << value << ' ';
+    }
+    void Add(const char* name, unsigned char value) { Add(name, static_cast<unsigned int>(value)); }
+    void Add(const char* name, const std::string_view& value)
+    {
+        m_text << (value.empty() ? "" : name + std::string(value) + ' ');
+    }
+    template <class T>
+    void Add(const char* name, const std::vector<T>& values)
+    {
+        for (const T& value : values) {
+            Add(name, value);
+        }
+    }
+    template <class T>
+    void Add(const char* name, const std::optional<T>& value)
+    {
+        if (value) {
+            Add(name, *value);
+        }
+    }
+
+    std::ostringstream m_text;
+};
+
+void Tell(CFields& f, const CMMTDescMpuTimestamp& desc)
+{
+    for (const auto& timestamp : desc.Timestamps()) {
+        f("seq", timestamp.mpuSequenceNumber, "ntp", timestamp.presentationTime);
+    }
+}
+
+void Tell(CFields& f, const CMMTDescDependency& desc)
+{
+    for (const auto& asset : desc.Assets()) {
+        f("scheme", asset.scheme, "id", asset.assetId);
+    }
+}
+
+void Tell(CFields& f, const CMMTDescSi& desc)
+{
+    for (const auto& system : desc.Systems()) {
+        f("system", system.systemId, "key", system.keyIds, "data", system.data);
+    }
+}
+
+void Tell(CFields& f, const CMMTDescCaption& desc)
+{
+    for (const auto& asset : desc.Assets()) {
+        f("id", asset.assetId, "lang", asset.language, "role", asset.role, "aspect", asset.aspectRatio, "easy",
+          asset.easyReader, "profile", asset.profile, "3d", asset.support3d);
+    }
+}
+
+void Tell(CFields& f, const CMMTDescSp& desc)
+{
+    for (const auto& asset : desc.Assets()) {
+        f("id", asset.assetId, "scheme", asset.schemeCode, "key", asset.defaultKeyId);
+        for (const auto& system : asset.systems) {
+            f("system", system.systemId, "data", system.data);
+        }
+        for (const auto& license : asset.licenseUrls) {
+            f("type", license.type, "url", license.url);
+        }
+    }
+}
+
+void Tell(CFields& f, const CMMTDescLowDelay& desc)
+{
+    const auto& low = desc.Fields();
+    f("offset", low.basePresentationTimeOffset, "flag", low.codingDependencyStructureFlag, "period",
+      low.periodOfIntrapicture, "duration", low.defaultSampleDuration, "size", low.defaultSampleSize, "flags",
+      low.defaultSampleFlags);
+}
+
+void Tell(CFields& f, const CMMTDescAsp& desc)
+{
+    for (const auto& asset : desc.Assets()) {
+        f("id", asset.assetId, "codec", asset.codecCode);
+        for (const auto& p : asset.presentations) {
+            f("presentation", p.id, "", std::string_view(p.interactivityEnabled ? "interactive" : ""), "profile",
+              p.profileLevelIndication, "channels", p.audioChannelConfig, "rendering", p.audioRenderingIndication);
+            f("lang", p.languages, "access", p.accessibility, "role", p.role, "label", p.label, "aux", p.auxStreamIds);
+        }
+        if (asset.multiStream) {
+            f("main", asset.multiStream->thisIsMainStream, "stream", asset.multiStream->thisStreamId, "bundle",
+              asset.multiStream->bundleId);
+            for (const auto& auxiliary : asset.multiStream->auxiliaryStreams) {
+                f("by", auxiliary.deliveryMethod, "aux", auxiliary.auxiliaryStreamId);
+            }
+        }
+        for (const auto& time : {asset.emergencyStart, asset.emergencyEnd}) {
+            if (time) {
+                f("at", time->seconds, "ms", time->milliseconds);
+            }
+        }
+    }
+}
+
+void Tell(CFields& f, const CMMTDescVsp::SProfile& p)
+{
+    f("space", p.profileSpace, "tier", p.tierFlag, "profile", p.profileIdc, "compatible", p.compatibilityFlags, "",
+      p.progressiveSourceFlag, "", p.interlacedSourceFlag, "", p.nonPackedConstraintFlag, "", p.frameOnlyConstraintFlag,
+      "constraints", p.constraintFlags);
+}
+
+void Tell(CFields& f, const CMMTDescVsp& desc)
+{
+    for (const auto& asset : desc.Assets()) {
+        f("id", asset.assetId, "codec", asset.codecCode);
+        if (const auto& t = asset.temporalScalability) {
+            f("sub-layers", t->maxSubLayersInstream, "ptl", t->subLayerProfileTierLevelPresent, "filter",
+              t->temporalFilterPresent, "max", t->tidMax, "min", t->tidMin, "tfweight", t->tfweight);
+        }
+        f("layer", asset.assetLayerId);
+        if (const auto& v = asset.multiview) {
+            f("view", v->viewNuhLayerId, "pos", v->viewPos, "disp", v->minDispWithOffset, "range", v->maxDispRange);
+        }
+        if (const auto& r = asset.resolution) {
+            f("w", r->width, "h", r->height, "chroma", r->chromaFormatIdc, "plane", r->separateColourPlaneFlag, "still",
+              r->videoStillPresent, "24h", r->video24hrPicPresent, "luma", r->bitDepthLumaMinus8, "c",
+              r->bitDepthChromaMinus8);
+        }
+        for (const auto& rate : asset.pictureRates) {
+            f("rate", rate.code, "avg", rate.average);
+        }
+        for (const auto& rate : asset.bitRates) {
+            f("bits", rate.average, "most", rate.maximum);
+        }
+        if (const auto& c = asset.colour) {
+            f("prim", c->colourPrimaries, "trans", c->transferCharacteristics, "matrix", c->matrixCoeffs, "cg",
+              c->cgCompatibility, "eotf", c->eotfInfo);
+        }
+        if (const auto& level = asset.profileTierLevel) {
+            Tell(f, level->profile);
+            f("level", level->levelIdc);
+            for (const auto& subLayer : level->subLayers) {
+                f("sub", "");
+                if (subLayer.profile) {
+                    Tell(f, *subLayer.profile);
+                }
+                f("level", subLayer.levelIdc);
+            }
+        }
+    }
+}
+
+template <class TDesc>
+std::string Fields(const CMMTDesc& desc)
+{
+    CFields fields;
+    Tell(fields, dynamic_cast<const TDesc&>(desc));
+    return fields.Text();
+}
+
+/// An H.265 profile of 88 bits.
+void PutProfile(CMmtBuilder& b, unsigned int idc)
+{
+    b.Put(2, 1).Put(1, 1).Put(5, idc).Put(32, 0x60000000).Put(4, 0xA).Put(44, 0x80000000001);
+}
+
+const std::string k_profile = "space1 tier1 profile2 compatible1610612736 1 0 1 0 constraints8796093022209 ";
+
+CMmtBuilder Asset(const std::string& id)
+{
+    return CMmtBuilder().Open(32).Put(id).Close();
+}
+
+std::string Video()
+{
+    CMmtBuilder b;
+    b.Put(8, 2).Put(Asset("A").Bytes()).Put("hev1").Put(8, 0xFE);
+    b.Put(6, 2).Put(1, 1).Put(1, 1).Put(3, 5).Put(3, 1).Put(2, 2);
+    b.Put(6, 33).Put(2, 3);
+    b.Put(6, 9).Put(6, 10).Put(4, 15).Put(11, 1025).Put(11, 1026).Put(2, 3);
+    b.Put(16, 3840).Put(16, 2160).Put(2, 3).Put(1, 1).Put(3, 0).Put(1, 0).Put(1, 1).Put(4, 2).Put(4, 3);
+    b.Put(8, 255).Put(16, 5994).Put(8, 6);
+    b.Put(16, 100).Put(16, 200).Put(16, 300).Put(16, 400);
+    b.Put(8, 9).Put(8, 16).Put(8, 10).Put(8, 0x80).Put(1, 1).Put(15, 1).Put("eo");
+    PutProfile(b, 2);
+    b.Put(8, 153).Put(2, 3).Put(14, 0);
+    PutProfile(b, 2);
+    b.Put(8, 120);
+    // Groups whose conditional fields are not there.
+    b.Put(Asset("B").Bytes()).Put("avc1").Put(8, 0x12);
+    b.Put(16, 1).Put(16, 2).Put(2, 1).Put(4, 15).Put(1, 1).Put(1, 0).Put(4, 0).Put(4, 1);
+    b.Put(8, 8).Put(8, 16).Put(8, 1).Put(8, 0x7F);
+    PutProfile(b, 2);
+    return b.Put(8, 90).Bytes();
+}
+
+std::string Audio()
+{
+    CMmtBuilder b;
+    b.Put(8, 2).Put(Asset("A").Bytes()).Put("ac-4").Put(8, 2).Put(8, 0xC0);
+    b.Put(8, 1).Put(8, 0xFF).Put(24, 70000).Put(24, 80000).Put(8, 3);
+    b.Put(8, 1).Open(8).Put("en").Close().Open(8).Put("es").Close();
+    b.Put(8, 4).Put(8, 5).Put(8, 6).Open(8).Put("Main").Close().Put(8, 2).Put(8, 7).Put(8, 8);
+    b.Put(8, 2).Put(8, 0x42).Put(8, 9).Put(8, 10).Put(8, 11).Put(8, 0);
+    b.Put(8, 0x81).Put(8, 0x82).Put(8, 0x82).Put(8, 0x83).Put(8, 4);
+    b.Put(8, 0xC0).Put(32, 1000).Put(6, 0).Put(10, 999).Put(32, 2000).Put(6, 63).Put(10, 1);
+    return b.Put(Asset("B").Bytes()).Put("mhm1").Put(8, 0).Put(8, 0x40).Put(8, 0x40).Put(32, 3000).Put(16, 5).Bytes();
+}
+
+const std::string k_id = "0123456789abcdef";
+
+/// One descriptor: its payload, and the fields that are read of it.
+struct SDescCase {
+    const char* name;
+    unsigned int tag;
+    std::string payload;
+    std::function<std::string(const CMMTDesc&)> fields;
+    std::string expected;
+};
+
+std::vector<SDescCase> DescCases()
+{
+    std::vector<SDescCase> cases;
+    const auto add = [&cases](const char* name, unsigned int tag, const CMmtBuilder& payload, auto fields,
+                              const std::string& expected) {
+        cases.push_back({name, tag, payload.Bytes(), fields, expected});
+    };
+    const std::string a = Asset("A").Bytes();
+    const std::string b = Asset("B").Bytes();
+    const auto list = [](unsigned int count) { return CMmtBuilder().Put(8, count); };
+
+    add("timestamps", 1, CMmtBuilder().Put(32, 1).Put(64, 0xE000000180000002).Put(32, 2).Put(64, 3),
+        Fields<CMMTDescMpuTimestamp>, "seq1 ntp16140901070938308610 seq2 ntp3 ");
+    add("dependencies", 2, list(2).Put("url " + a + "uuid" + b), Fields<CMMTDescDependency>,
+        "schemeurl  idA schemeuuid idB ");
+    CMmtBuilder security = list(2).Put(k_id).Put(8, 1).Put("fedcba9876543210").Put(16, 1);
+    security.Put("d" + k_id).Put(24, 0);
+    add("security", 4, security, Fields<CMMTDescSi>,
+        "system" + k_id + " keyfedcba9876543210 datad system" + k_id + " ");
+    add("video", 5, CMmtBuilder().Put(Video()), Fields<CMMTDescVsp>,
+        "idA codechev1 sub-layers2 ptl1 filter1 max5 min1 tfweight2 layer33 view9 pos10 disp1025 range1026 w3840 h2160 "
+        "chroma3 plane1 still0 24h1 luma2 c3 rate255 avg5994 rate6 bits100 most200 bits300 most400 prim9 trans16 "
+        "matrix10 cg1 eotfeo " +
+            k_profile + "level153 sub " + k_profile +
+            "level120 idB codecavc1 w1 h2 chroma1 still1 24h0 luma0 c1 prim8 trans16 matrix1 " + k_profile +
+            "level90 ");
+    add("captions", 8, list(2).Put(a).Put(8, 2).Put("en").Put(16, 0x52BF).Put(b).Put(24, 0x3400),
+        Fields<CMMTDescCaption>, "idA langen role5 aspect2 easy1 profile1 3d1 idB role3 aspect4 easy0 profile0 3d0 ");
+    add("audio", 9, CMmtBuilder().Put(Audio()), Fields<CMMTDescAsp>,
+        "idA codecac-4 presentation1 interactive profile70000 channels80000 rendering3 langen langes access4 access5 "
+        "role6 labelMain aux7 aux8 presentation2 profile9 channels10 role11 main1 stream1 bundle2 by1 aux3 by0 aux4 "
+        "at1000 ms999 at2000 ms1 idB codecmhm1 at3000 ms5 ");
+    add("security properties", 12, list(1).Put(a + "cenc" + k_id).Put(8, 1).Put(k_id).Put(16, 1).Put("d"),
+        Fields<CMMTDescSp>, "idA schemecenc key" + k_id + " system" + k_id + " datad ");
+    add("license URLs", 13, list(2).Put(a).Put(24, 0x020101).Put("u").Put(16, 0x0202).Put("vw" + b).Put(8, 0),
+        Fields<CMMTDescSp>, "idA type1 urlu type2 urlvw idB ");
+    add("low delay", 14, CMmtBuilder().Put(32, 1).Put(24, 0x800002).Put(32, 3).Put(32, 4).Put(32, 5),
+        Fields<CMMTDescLowDelay>, "offset1 flag1 period2 duration3 size4 flags5 ");
+    add("low delay without a period", 14, CMmtBuilder().Put(32, 1).Put(8, 0x7F).Put(32, 3), Fields<CMMTDescLowDelay>,
+        "offset1 flag0 duration3 ");
+    return cases;
+}
+
+TEST_F(MMTDescTest, WholePayloads)
+{
+    for (const SDescCase& c : DescCases()) {
+        SCOPED_TRACE(c.name);
+        const std::vector<unsigned char> bytes = Exact(Desc(c.tag, c.payload + "\x7F") + "behind");
+        IParse::SItem item = Item(bytes);
+        const std::unique_ptr<CMMTDesc> desc(CMMTDescFactory::GenerateDesc(&item));
+        ASSERT_TRUE(desc && desc->Parse(&item));
+        EXPECT_EQ(item.bitpos, (4 + c.payload.size() + 1) * 8);
+        EXPECT_EQ(desc->Tag(), c.tag);
+        EXPECT_EQ(c.fields(*desc), c.expected);
+        const auto& kept = dynamic_cast<const CMMTDescPayload&>(*desc);
+        EXPECT_EQ(std::string(reinterpret_cast<const char*>(kept.RawData()), kept.RawLength()), c.payload + "\x7F");
+        // Again, and emptied: nothing of the first is left.
+        EXPECT_TRUE(SFed(*desc, Desc(c.tag, "")).result);
+        EXPECT_EQ(c.fields(*desc), "");
+    }
+}
+
+TEST_F(MMTDescTest, CutPayloadsLoseOnlyTheirEnd)
+{
+    for (const SDescCase& c : DescCases()) {
+        std::size_t told = 0;
+        for (std::size_t size = 0; size < c.payload.size(); ++size) {
+            SCOPED_TRACE(std::string(c.name) + " " + std::to_string(size));
+            const std::vector<unsigned char> bytes = Exact(Desc(c.tag, c.payload.substr(0, size)) + "behind");
+            IParse::SItem item = Item(bytes);
+            const std::unique_ptr<CMMTDesc> desc(CMMTDescFactory::GenerateDesc(&item));
+            ASSERT_TRUE(desc && desc->Parse(&item) && item.valid);
+            EXPECT_EQ(item.bitpos, (4 + size) * 8);
+            const std::string fields = c.fields(*desc);
+            EXPECT_EQ(fields, c.expected.substr(0, fields.size()));
+            EXPECT_GE(fields.size(), told);
+            told = fields.size();
+            desc->Dump();
+            // Announced whole: the length runs past the item, which stays valid.
+            const SFed past(
+                *desc, Head(c.tag, static_cast<unsigned int>(c.payload.size())).Put(c.payload.substr(0, size)).Bytes());
+            EXPECT_TRUE(!past.result && past.item.valid);
+        }
+        EXPECT_GT(told, 0u) << c.name;
+    }
+    EXPECT_GT(Logged("[CMMTDescVsp::Parse] DescLength mismatch ERROR Length = "), 0);
+    CMMTDescVsp video;
+    EXPECT_TRUE(!SFed(video, Desc(4, "")).result && !video.RawData());
+    EXPECT_EQ(Logged("[CMMTDescVsp::Parse] Wrong tag : 4"), 1);
+}
+
+/// The fields of a video asset with these bytes behind its codec.
+std::string VideoFields(const std::string& tail)
+{
+    CMMTDescVsp video;
+    const std::string head = CMmtBuilder().Put(8, 2).Put(Asset("A").Bytes()).Put("hev1").Bytes();
+    EXPECT_TRUE(SFed(video, Desc(5, head + tail + Asset("B").Bytes())).result);
+    return Fields<CMMTDescVsp>(video);
+}
+
+TEST_F(MMTDescTest, VideoSubLayers)
+{
+    const auto tail = [](unsigned int subLayers, bool ptl, unsigned int rates) {
+        CMmtBuilder b;
+        b.Put(8, 0x84).Put(6, subLayers).Put(1, ptl).Put(1, 0).Put(8, 0);
+        for (unsigned int i = 1; i <= rates; ++i) {
+            b.Put(16, i).Put(16, i);
+        }
+        PutProfile(b, 2);
+        b.Put(8, 90);
+        return b;
+    };
+    const std::string level = k_profile + "level90 ";
+    const auto head = [](const char* subLayers) { return std::string("idA codechev1 sub-layers") + subLayers; };
+    const std::string rest = " filter0 max0 min0 bits1 most1 ";
+    // Without the flag one entry stands for all, and there are no sub-layers in the profile.
+    EXPECT_EQ(VideoFields(tail(7, false, 1).Bytes()), head("7 ptl0") + rest + level + "idB ");
+    for (const unsigned int none : {0u, 1u}) {
+        EXPECT_EQ(VideoFields(tail(none, true, 1).Bytes()), head(none ? "1 ptl1" : "0 ptl1") + rest + level + "idB ");
+    }
+    CMmtBuilder two = tail(3, true, 3);
+    two.Put(4, 0b0110).Put(12, 0).Put(8, 60);
+    PutProfile(two, 2);
+    EXPECT_EQ(VideoFields(two.Bytes()),
+              head("3 ptl1") + rest + "bits2 most2 bits3 most3 " + level + "sub level60 sub " + k_profile + "idB ");
+    CMmtBuilder six = tail(7, true, 7);
+    EXPECT_NE(VideoFields(six.Put(16, 0).Bytes()).find(level + "sub sub sub sub sub sub idB "), std::string::npos);
+    // More than there can be: the profile is absent, and the next asset cannot be found.
+    CMmtBuilder many = tail(8, true, 8);
+    EXPECT_EQ(VideoFields(many.Put(16, 0).Bytes()), head("8 ptl1") + rest +
+                                                        "bits2 most2 bits3 most3 bits4 most4 bits5 most5 bits6 most6 "
+                                                        "bits7 most7 bits8 most8 ");
+}
+
+}  // namespace
