@@ -1,15 +1,21 @@
-// Runs the benchmarks and tells their times as ratios: against the floor of the same run, and for ten
-// times the size.
+// Runs the benchmarks and tells their times as ratios: against the floor of the same run, per byte, and for
+// ten times the size; and how many objects a run allocates (by operator new, so that what libxml2 and zlib
+// allocate is not counted).
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <map>
+#include <new>
 #include <string>
 #include <vector>
 
+#include "Bench.h"
 #include "platform/Platform.h"
 
 namespace {
+
+std::uint64_t g_allocations = 0;
 
 class CRatios : public benchmark::ConsoleReporter {
   public:
@@ -27,7 +33,8 @@ class CRatios : public benchmark::ConsoleReporter {
 
     void Print() const
     {
-        std::printf("\n%-36s %12s %10s %22s\n", "benchmark", "ns", "of floor", "for 10x, per element");
+        std::printf("\n%-36s %12s %10s %10s %12s %22s\n", "benchmark", "ns", "of floor", "ns/byte", "allocations",
+                    "for 10x, per element");
         for (const auto& [name, time] : m_times) {
             std::printf("%-36s %12.0f", name.c_str(), time);
             const std::size_t first = name.find('/');
@@ -38,6 +45,12 @@ class CRatios : public benchmark::ConsoleReporter {
                 std::printf(" %10.2f", time / found->second);
             } else {
                 std::printf(" %10s", "");
+            }
+            if (const auto facts = Facts().find(name); facts != Facts().end()) {
+                std::printf(" %10.3f %12llu", time / static_cast<double>(facts->second.bytes),
+                            static_cast<unsigned long long>(facts->second.allocations));
+            } else {
+                std::printf(" %10s %12s", "", "");
             }
             const auto tenth = name.back() == '0' ? m_byName.find(name.substr(0, name.size() - 1)) : m_byName.end();
             if (tenth != m_byName.end()) {
@@ -53,6 +66,37 @@ class CRatios : public benchmark::ConsoleReporter {
 };
 
 }  // namespace
+
+std::map<std::string, SFacts>& Facts()
+{
+    static std::map<std::string, SFacts> facts;
+    return facts;
+}
+
+std::uint64_t Allocations()
+{
+    return g_allocations;
+}
+
+void* operator new(std::size_t size)
+{
+    ++g_allocations;
+    void* block = std::malloc(size == 0 ? 1 : size);
+    if (!block) {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+void operator delete(void* block) noexcept
+{
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t /*size*/) noexcept
+{
+    std::free(block);
+}
 
 int main(int argc, char** argv)
 {

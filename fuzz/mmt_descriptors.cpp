@@ -1,8 +1,8 @@
 // A loop of MMT descriptors: the first two bytes are how much shorter than the input the loop's length is.
-#include <cstring>
 #include <string_view>
 
 #include "Fuzz.h"
+#include "MmtWalk.h"
 #include "mmt/desc/MMTDescAsp.h"
 #include "mmt/desc/MMTDescCaption.h"
 #include "mmt/desc/MMTDescCri.h"
@@ -13,21 +13,8 @@
 #include "mmt/desc/MMTDescSi.h"
 #include "mmt/desc/MMTDescSp.h"
 #include "mmt/desc/MMTDescVsp.h"
-#include "platform/Platform.h"
 
 namespace {
-
-/// Formats every message, so that all that a dump names is read.
-void Swallow(int /*priority*/, const char* /*tag*/, const char* format, va_list arguments)
-{
-    char text[512];
-    std::vsnprintf(text, sizeof text, format, arguments);
-}
-
-bool NoSetting(const char* /*key*/, int* /*value*/)
-{
-    return false;
-}
 
 /// Bytes of a record must lie in the descriptor's own.
 void Read(const CMMTDescPayload& desc, std::string_view bytes)
@@ -141,9 +128,7 @@ void Remove(void* /*context*/, void* element)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const SPlatform platform = {Swallow, NoSetting};
-    SetPlatform(&platform);
-    SetLogPriority(LOG_PRIORITY_DEBUG);
+    SetLogging(true);
     CScript script(data, size);
     const std::uint32_t shorter = script.Word();
     const std::vector<unsigned char> bytes = script.Rest();

@@ -8,7 +8,14 @@
 #include "mmt/desc/MMTMpuComponent.h"
 #include "mmt/desc/MMTName.h"
 #include "mmt/desc/MMTUsbd.h"
+#include "platform/BaseParser.h"
 #include "platform/Platform.h"
+
+/// Only a component without its protected flag may be asserted.
+void _TCParserAssert(const char* expression, const char* /*file*/, unsigned /*line*/)
+{
+    Require(std::strcmp(expression, "tempComponentProtectedFlag != nullptr") == 0);
+}
 
 namespace {
 

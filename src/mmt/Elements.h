@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 
 #include "common/CoreOS/PtrArray.h"
@@ -68,16 +69,15 @@ bool ParseElements(IParse::SItem* item, unsigned int count, CCPtrArray& array, c
 /// descriptor made the item invalid, or the loop runs past the data.
 inline bool ParseDescriptorLoop(IParse::SItem* item, unsigned int length, CCPtrArray* array)
 {
-    const bool fits = length <= BytesLeft(*item);
-    // The loop bounds its descriptors: what one read past its end would be read again with what follows,
-    // and copied as often as there are loops.
+    // A descriptor may run past its loop, as a clock relation descriptor of 19 bytes can by 18. Further than
+    // that it is refused: what it read would be read again with what follows, and copied once per loop.
+    constexpr unsigned int k_overrun = 18;
+    const unsigned int left = BytesLeft(*item);
     IParse::SItem loop = *item;
-    if (fits) {
-        loop.size = item->bitpos / 8 + length;
-        loop.bitsize = loop.size * 8;
-    }
+    loop.size = item->bitpos / 8 + std::min(left, length + k_overrun);
+    loop.bitsize = loop.size * 8;
     CMMTDescFactory::ParseDescriptors(&loop, static_cast<int>(length), array);
-    item->valid = loop.valid && fits;
+    item->valid = loop.valid && length <= left;
     if (item->valid) {
         item->bitpos += length * 8;
     }

@@ -32,31 +32,23 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SBytes object, const SSo
     signalling.toi = toi;
     signalling.size = object.size;
     signalling.gzip = IsGzip(object);
-    SObject state = {object.size, ContentHash(object), 0};
+    SObject now = {object.size, ContentHash(object), 0};
     const auto known = toi ? m_objects.find(*toi) : m_objects.end();
-    if (known != m_objects.end() && known->second.size == state.size && known->second.hash == state.hash) {
-        signalling.status = EStatus::REPEATED;
-        m_report.Signalling(signalling);
-        return true;
+    const bool sameToi = known != m_objects.end();
+    const SObject before = sameToi ? known->second : SObject{};
+    if (sameToi && before.size == now.size && before.hash == now.hash) {
+        return m_Repeated(signalling);
     }
     std::vector<unsigned char> inflated;
-    SBytes text = object;
-    if (signalling.gzip) {
-        if (!Gunzip(object, k_maxPackage, inflated)) {
-            m_Remember(toi, state);
-            return m_NotRead(toi, " does not inflate, or is larger than 8 MiB", source);
-        }
-        text = {inflated.data(), inflated.size()};
+    const bool whole = !signalling.gzip || Gunzip(object, k_maxPackage, inflated);
+    const SBytes text = signalling.gzip ? SBytes{inflated.data(), inflated.size()} : object;
+    now.textHash = whole ? ContentHash(text) : 0;
+    m_Remember(toi, now);
+    if (!whole) {
+        return m_NotRead(toi, " does not inflate, or is larger than 8 MiB", source);
     }
-    state.textHash = ContentHash(text);
-    const std::size_t sizeBefore = known != m_objects.end() ? known->second.size : 0;
-    const bool sameText = known != m_objects.end() && known->second.textHash == state.textHash;
-    const bool isKnown = known != m_objects.end();
-    m_Remember(toi, state);
-    if (sameText) {
-        signalling.status = EStatus::REPEATED;
-        m_report.Signalling(signalling);
-        return true;
+    if (sameToi && before.textHash == now.textHash) {
+        return m_Repeated(signalling);
     }
     const std::vector<SSlsText> texts = FindSlsDocuments(text);
     if (texts.empty()) {
@@ -67,33 +59,53 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SBytes object, const SSo
     signalling.contentType = PackageType(text);
     signalling.items = ReadEnvelope(text, envelopeReason);
     signalling.documents = m_reader.Read(text, texts);
-    bool allNew = true;
-    bool allUnchanged = true;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        SSlsDocument& document = signalling.documents[i];
-        document.status = m_Compare(texts[i], document);
-        allNew = allNew && document.status == EDocumentStatus::NEW;
-        allUnchanged = allUnchanged && document.status == EDocumentStatus::UNCHANGED;
-        m_parsed = m_parsed || document.content.has_value();
-    }
+    signalling.status = m_Status(texts, signalling.documents, sameToi);
     if (m_reader.UsbdService()) {
         m_usbdServices.insert(*m_reader.UsbdService());
     }
-    signalling.status = isKnown        ? EStatus::CHANGED_WITHOUT_VERSION
-                        : allNew       ? EStatus::NEW
-                        : allUnchanged ? EStatus::NEW_VERSION_SAME_CONTENT
-                                       : EStatus::CHANGED;
     m_report.Signalling(signalling);
-    if (isKnown) {
+    if (sameToi) {
         m_Fault(EFault::CHANGED_WITHOUT_VERSION,
-                Title(*toi) + " changed without a new TOI (" + Counted(object.size, "byte") + ", before " +
-                    std::to_string(sizeBefore) + ')',
+                Title(*toi) + " changed without a new TOI (" + Counted(now.size, "byte") + ", before " +
+                    std::to_string(before.size) + ')',
                 source);
     }
     if (!envelopeReason.empty()) {
         m_Fault(EFault::DOCUMENT_NOT_PARSED, "metadataEnvelope did not parse: " + envelopeReason, source);
     }
-    for (const SSlsDocument& document : signalling.documents) {
+    m_DocumentFaults(signalling.documents, source);
+    return true;
+}
+
+bool CSlsFollower::m_Repeated(SSignalling& signalling)
+{
+    signalling.status = EStatus::REPEATED;
+    m_report.Signalling(signalling);
+    return true;
+}
+
+/// What is new of the object, and of each of its documents.
+EStatus CSlsFollower::m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, bool sameToi)
+{
+    bool allNew = true;
+    bool allUnchanged = true;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const EDocumentStatus status = m_Compare(texts[i], documents[i]);
+        documents[i].status = status;
+        allNew = allNew && status == EDocumentStatus::NEW;
+        allUnchanged = allUnchanged && status == EDocumentStatus::UNCHANGED;
+        m_parsed = m_parsed || documents[i].content.has_value();
+    }
+    if (sameToi) {
+        return EStatus::CHANGED_WITHOUT_VERSION;
+    }
+    return allNew ? EStatus::NEW : allUnchanged ? EStatus::NEW_VERSION_SAME_CONTENT : EStatus::CHANGED;
+}
+
+/// A broken document that stays as it is is told of once.
+void CSlsFollower::m_DocumentFaults(const std::vector<SSlsDocument>& documents, const SSource& source)
+{
+    for (const SSlsDocument& document : documents) {
         if (!document.content && document.status != EDocumentStatus::UNCHANGED) {
             m_Fault(EFault::DOCUMENT_NOT_PARSED,
                     std::string(DocumentName(document.kind)) + " did not parse: " + document.reason, source);
@@ -103,7 +115,6 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SBytes object, const SSo
         m_Fault(EFault::ASSERTION, "the library asserts \"" + assertion.expression + "\" at " + assertion.place,
                 source);
     }
-    return true;
 }
 
 bool CSlsFollower::Has(const TToi& toi, const std::optional<std::uint64_t>& size) const

@@ -50,6 +50,9 @@ class CSlsFollower {
         std::uint64_t textHash = 0;  ///< of the text that was shown
     };
 
+    bool m_Repeated(SSignalling& signalling);
+    EStatus m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, bool sameToi);
+    void m_DocumentFaults(const std::vector<SSlsDocument>& documents, const SSource& source);
     void m_Remember(const std::optional<TToi>& toi, const SObject& object);
     EDocumentStatus m_Compare(const SSlsText& text, SSlsDocument& document);
     void m_Fault(EFault code, const std::string& message, const SSource& source);

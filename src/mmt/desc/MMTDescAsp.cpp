@@ -1,6 +1,7 @@
 #include "mmt/desc/MMTDescAsp.h"
 
 #include "common/Log.h"
+#include "mmt/PayloadReader.h"
 
 namespace {
 
@@ -14,114 +15,115 @@ void Nothing(T& /*entry*/)
 
 CMMTDescAsp::CMMTDescAsp() : CMMTDescPayload("CMMTDescAsp", 9) {}
 
-void CMMTDescAsp::t_ParsePayload(SItem* payload)
+void CMMTDescAsp::t_ParsePayload(vyr::CPayloadReader& reader)
 {
-    t_Assets(payload, m_assets, [&](SAsset& asset) { m_ParseAsset(payload, asset); });
+    reader.Assets(m_assets, [&](SAsset& asset) { m_ParseAsset(reader, asset); });
 }
 
-void CMMTDescAsp::m_ParseAsset(SItem* payload, SAsset& asset)
+void CMMTDescAsp::m_ParseAsset(vyr::CPayloadReader& reader, SAsset& asset)
 {
-    asset.codecCode = t_View(payload, 4);
-    const unsigned int numPresentations = t_Value(payload, 8);
-    const bool multiStreamInfoPresent = t_Flag(payload);
-    const bool emergencyInfoTimePresent = t_Flag(payload);
-    t_Value(payload, 6);
-    t_Entries(
-        payload, numPresentations, asset.presentations,
-        [&](SPresentation& presentation) { presentation.id = static_cast<unsigned char>(t_Value(payload, 8)); },
-        [&](SPresentation& presentation) { m_ParsePresentation(payload, multiStreamInfoPresent, presentation); });
+    asset.codecCode = reader.View(4);
+    const unsigned int numPresentations = reader.Value(8);
+    const bool multiStreamInfoPresent = reader.Flag();
+    const bool emergencyInfoTimePresent = reader.Flag();
+    reader.Value(6);
+    reader.Entries(
+        numPresentations, asset.presentations,
+        [&](SPresentation& presentation) { presentation.id = static_cast<unsigned char>(reader.Value(8)); },
+        [&](SPresentation& presentation) { m_ParsePresentation(reader, multiStreamInfoPresent, presentation); });
     if (multiStreamInfoPresent) {
-        m_ParseMultiStream(payload, asset);
+        m_ParseMultiStream(reader, asset);
     }
     if (emergencyInfoTimePresent) {
-        const bool startPresent = t_Flag(payload);
-        const bool endPresent = t_Flag(payload);
-        t_Value(payload, 6);
+        const bool startPresent = reader.Flag();
+        const bool endPresent = reader.Flag();
+        reader.Value(6);
         if (startPresent) {
-            m_ParseTime(payload, asset.emergencyStart);
+            m_ParseTime(reader, asset.emergencyStart);
         }
         if (endPresent) {
-            m_ParseTime(payload, asset.emergencyEnd);
+            m_ParseTime(reader, asset.emergencyEnd);
         }
     }
 }
 
-void CMMTDescAsp::m_ParsePresentation(SItem* payload, bool multiStreamInfoPresent, SPresentation& presentation)
+void CMMTDescAsp::m_ParsePresentation(vyr::CPayloadReader& reader, bool multiStreamInfoPresent,
+                                      SPresentation& presentation)
 {
-    presentation.interactivityEnabled = t_Flag(payload);
-    const bool profileChannelConfigPresent = t_Flag(payload);
-    const bool profileLong = t_Flag(payload);
-    const bool channelConfigLong = t_Flag(payload);
-    const bool audioRenderingInfoPresent = t_Flag(payload);
-    const bool languagePresent = t_Flag(payload);
-    const bool accessibilityRolePresent = t_Flag(payload);
-    const bool labelPresent = t_Flag(payload);
+    presentation.interactivityEnabled = reader.Flag();
+    const bool profileChannelConfigPresent = reader.Flag();
+    const bool profileLong = reader.Flag();
+    const bool channelConfigLong = reader.Flag();
+    const bool audioRenderingInfoPresent = reader.Flag();
+    const bool languagePresent = reader.Flag();
+    const bool accessibilityRolePresent = reader.Flag();
+    const bool labelPresent = reader.Flag();
     if (profileChannelConfigPresent) {
-        t_Field(payload, profileLong ? 24 : 8, presentation.profileLevelIndication);
-        t_Field(payload, channelConfigLong ? 24 : 8, presentation.audioChannelConfig);
+        reader.Field(profileLong ? 24 : 8, presentation.profileLevelIndication);
+        reader.Field(channelConfigLong ? 24 : 8, presentation.audioChannelConfig);
     }
     if (audioRenderingInfoPresent) {
-        t_Field(payload, 8, presentation.audioRenderingIndication);
+        reader.Field(8, presentation.audioRenderingIndication);
     }
     unsigned int numLanguages = 0;
     if (languagePresent) {
-        numLanguages = t_Value(payload, 8) + 1;
-        t_Entries(
-            payload, numLanguages, presentation.languages,
-            [&](std::string_view& language) { language = t_CountedView(payload, 8); }, Nothing<std::string_view>);
+        numLanguages = reader.Value(8) + 1;
+        reader.Entries(
+            numLanguages, presentation.languages, [&](std::string_view& language) { language = reader.CountedView(8); },
+            Nothing<std::string_view>);
     }
     if (accessibilityRolePresent) {
-        m_ParseBytes(payload, numLanguages, presentation.accessibility);
-        t_Field(payload, 8, presentation.role);
+        m_ParseBytes(reader, numLanguages, presentation.accessibility);
+        reader.Field(8, presentation.role);
     }
     if (labelPresent) {
-        presentation.label = t_CountedView(payload, 8);
+        presentation.label = reader.CountedView(8);
     }
     if (multiStreamInfoPresent) {
-        const unsigned int numPresentationAuxStreams = t_Value(payload, 8);
-        m_ParseBytes(payload, numPresentationAuxStreams, presentation.auxStreamIds);
+        const unsigned int numPresentationAuxStreams = reader.Value(8);
+        m_ParseBytes(reader, numPresentationAuxStreams, presentation.auxStreamIds);
     }
 }
 
-void CMMTDescAsp::m_ParseMultiStream(SItem* payload, SAsset& asset)
+void CMMTDescAsp::m_ParseMultiStream(vyr::CPayloadReader& reader, SAsset& asset)
 {
     SMultiStream stream{};
-    stream.thisIsMainStream = t_Flag(payload);
-    stream.thisStreamId = static_cast<unsigned char>(t_Value(payload, 7));
-    t_Value(payload, 1);
-    stream.bundleId = static_cast<unsigned char>(t_Value(payload, 7));
-    if (!payload->valid) {
+    stream.thisIsMainStream = reader.Flag();
+    stream.thisStreamId = static_cast<unsigned char>(reader.Value(7));
+    reader.Value(1);
+    stream.bundleId = static_cast<unsigned char>(reader.Value(7));
+    if (!reader.Valid()) {
         return;
     }
     if (stream.thisIsMainStream) {
-        t_Value(payload, 1);
-        const unsigned int numAuxiliaryStreams = t_Value(payload, 7);
-        t_Entries(
-            payload, numAuxiliaryStreams, stream.auxiliaryStreams,
+        reader.Value(1);
+        const unsigned int numAuxiliaryStreams = reader.Value(7);
+        reader.Entries(
+            numAuxiliaryStreams, stream.auxiliaryStreams,
             [&](SAuxiliaryStream& auxiliary) {
-                auxiliary.deliveryMethod = t_Flag(payload);
-                auxiliary.auxiliaryStreamId = static_cast<unsigned char>(t_Value(payload, 7));
+                auxiliary.deliveryMethod = reader.Flag();
+                auxiliary.auxiliaryStreamId = static_cast<unsigned char>(reader.Value(7));
             },
             Nothing<SAuxiliaryStream>);
     }
     asset.multiStream = std::move(stream);
 }
 
-void CMMTDescAsp::m_ParseTime(SItem* payload, std::optional<STime>& time)
+void CMMTDescAsp::m_ParseTime(vyr::CPayloadReader& reader, std::optional<STime>& time)
 {
     STime read{};
-    read.seconds = t_Value(payload, 32);
-    t_Value(payload, 6);
-    read.milliseconds = static_cast<unsigned short>(t_Value(payload, 10));
-    if (payload->valid) {
+    read.seconds = reader.Value(32);
+    reader.Value(6);
+    read.milliseconds = static_cast<unsigned short>(reader.Value(10));
+    if (reader.Valid()) {
         time = read;
     }
 }
 
-void CMMTDescAsp::m_ParseBytes(SItem* payload, unsigned int count, std::vector<unsigned char>& bytes)
+void CMMTDescAsp::m_ParseBytes(vyr::CPayloadReader& reader, unsigned int count, std::vector<unsigned char>& bytes)
 {
-    t_Entries(
-        payload, count, bytes, [&](unsigned char& byte) { byte = static_cast<unsigned char>(t_Value(payload, 8)); },
+    reader.Entries(
+        count, bytes, [&](unsigned char& byte) { byte = static_cast<unsigned char>(reader.Value(8)); },
         Nothing<unsigned char>);
 }
 

@@ -1,19 +1,20 @@
 #include "mmt/desc/MMTDescCaption.h"
 
 #include "common/Log.h"
+#include "mmt/PayloadReader.h"
 
 CMMTDescCaption::CMMTDescCaption() : CMMTDescPayload("CMMTDescCaption", 8) {}
 
-void CMMTDescCaption::t_ParsePayload(SItem* payload)
+void CMMTDescCaption::t_ParsePayload(vyr::CPayloadReader& reader)
 {
-    t_Assets(payload, m_assets, [&](SAsset& asset) {
-        asset.language = t_CountedView(payload, 8);
-        t_Field(payload, 4, asset.role);
-        t_Field(payload, 4, asset.aspectRatio);
-        t_Field(payload, 1, asset.easyReader);
-        t_Field(payload, 2, asset.profile);
-        t_Field(payload, 1, asset.support3d);
-        t_Value(payload, 4);
+    reader.Assets(m_assets, [&](SAsset& asset) {
+        asset.language = reader.CountedView(8);
+        reader.Field(4, asset.role);
+        reader.Field(4, asset.aspectRatio);
+        reader.Field(1, asset.easyReader);
+        reader.Field(2, asset.profile);
+        reader.Field(1, asset.support3d);
+        reader.Value(4);
     });
 }
 

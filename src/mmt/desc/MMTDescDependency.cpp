@@ -1,17 +1,18 @@
 #include "mmt/desc/MMTDescDependency.h"
 
 #include "common/Log.h"
+#include "mmt/PayloadReader.h"
 
 CMMTDescDependency::CMMTDescDependency() : CMMTDescPayload("CMMTDescDependency", 2) {}
 
-void CMMTDescDependency::t_ParsePayload(SItem* payload)
+void CMMTDescDependency::t_ParsePayload(vyr::CPayloadReader& reader)
 {
     m_assets.clear();
-    t_List(
-        payload, m_assets,
+    reader.List(
+        m_assets,
         [&](SAsset& asset) {
-            asset.scheme = t_View(payload, 4);
-            asset.assetId = t_CountedView(payload, 32);
+            asset.scheme = reader.View(4);
+            asset.assetId = reader.CountedView(32);
         },
         [](SAsset&) {});
 }

@@ -1,26 +1,27 @@
 #include "mmt/desc/MMTDescLowDelay.h"
 
 #include "common/Log.h"
+#include "mmt/PayloadReader.h"
 
 CMMTDescLowDelay::CMMTDescLowDelay() : CMMTDescPayload("CMMTDescLowDelay", 14) {}
 
-void CMMTDescLowDelay::t_ParsePayload(SItem* payload)
+void CMMTDescLowDelay::t_ParsePayload(vyr::CPayloadReader& reader)
 {
-    ParseFields(payload);
+    ParseFields(reader);
 }
 
-void CMMTDescLowDelay::ParseFields(SItem* fields)
+void CMMTDescLowDelay::ParseFields(vyr::CPayloadReader& reader)
 {
     m_fields = {};
-    t_Field(fields, 32, m_fields.basePresentationTimeOffset);
-    t_Field(fields, 1, m_fields.codingDependencyStructureFlag);
-    t_Value(fields, 7);
+    reader.Field(32, m_fields.basePresentationTimeOffset);
+    reader.Field(1, m_fields.codingDependencyStructureFlag);
+    reader.Value(7);
     if (m_fields.codingDependencyStructureFlag.value_or(false)) {
-        t_Field(fields, 16, m_fields.periodOfIntrapicture);
+        reader.Field(16, m_fields.periodOfIntrapicture);
     }
-    t_Field(fields, 32, m_fields.defaultSampleDuration);
-    t_Field(fields, 32, m_fields.defaultSampleSize);
-    t_Field(fields, 32, m_fields.defaultSampleFlags);
+    reader.Field(32, m_fields.defaultSampleDuration);
+    reader.Field(32, m_fields.defaultSampleSize);
+    reader.Field(32, m_fields.defaultSampleFlags);
 }
 
 void CMMTDescLowDelay::Dump() const

@@ -1,20 +1,21 @@
 #include "mmt/desc/MMTDescMpuTimestamp.h"
 
 #include "common/Log.h"
+#include "mmt/PayloadReader.h"
 
 CMMTDescMpuTimestamp::CMMTDescMpuTimestamp() : CMMTDescPayload("CMMTDescMpuTimestamp", 1) {}
 
-void CMMTDescMpuTimestamp::t_ParsePayload(SItem* payload)
+void CMMTDescMpuTimestamp::t_ParsePayload(vyr::CPayloadReader& reader)
 {
     constexpr unsigned int k_entrySize = 12;
     m_timestamps.clear();
-    t_Entries(
-        payload, payload->size / k_entrySize, m_timestamps,
+    reader.Entries(
+        reader.Left() / k_entrySize, m_timestamps,
         [&](STimestamp& timestamp) {
-            timestamp.mpuSequenceNumber = t_Value(payload, 32);
+            timestamp.mpuSequenceNumber = reader.Value(32);
             // In halves: an aligned read of 64 bits yields only the low ones.
-            const unsigned long long seconds = t_Value(payload, 32);
-            timestamp.presentationTime = seconds << 32 | t_Value(payload, 32);
+            const unsigned long long seconds = reader.Value(32);
+            timestamp.presentationTime = seconds << 32 | reader.Value(32);
         },
         [](STimestamp&) {});
 }

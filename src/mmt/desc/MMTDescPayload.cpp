@@ -2,6 +2,7 @@
 
 #include "common/Log.h"
 #include "mmt/Elements.h"
+#include "mmt/PayloadReader.h"
 
 CMMTDescPayload::CMMTDescPayload(const char* name, unsigned int tag) : m_name(name), m_wanted(tag) {}
 
@@ -36,20 +37,7 @@ bool CMMTDescPayload::Parse(SItem* item)
         return false;
     }
     m_raw = std::move(raw);
-    SItem payload = m_raw.Item();
-    t_ParsePayload(&payload);
+    vyr::CPayloadReader reader(m_raw.Item());
+    t_ParsePayload(reader);
     return true;
-}
-
-std::string_view CMMTDescPayload::t_View(SItem* item, unsigned int count)
-{
-    // A read that failed inside a byte leaves a cursor that t_Byte takes for misuse.
-    const unsigned char* bytes = item->valid ? t_Byte(item, count) : nullptr;
-    return bytes ? std::string_view(reinterpret_cast<const char*>(bytes), count) : std::string_view();
-}
-
-std::string_view CMMTDescPayload::t_CountedView(SItem* item, unsigned int bits)
-{
-    const unsigned int count = t_Value(item, bits);
-    return t_View(item, count);
 }

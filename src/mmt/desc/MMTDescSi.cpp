@@ -1,20 +1,21 @@
 #include "mmt/desc/MMTDescSi.h"
 
 #include "common/Log.h"
+#include "mmt/PayloadReader.h"
 
 CMMTDescSi::CMMTDescSi() : CMMTDescPayload("CMMTDescSi", 4) {}
 
-void CMMTDescSi::t_ParsePayload(SItem* payload)
+void CMMTDescSi::t_ParsePayload(vyr::CPayloadReader& reader)
 {
     constexpr unsigned int k_idSize = 16;
     m_systems.clear();
-    t_List(
-        payload, m_systems, [&](SSystem& system) { system.systemId = t_View(payload, k_idSize); },
+    reader.List(
+        m_systems, [&](SSystem& system) { system.systemId = reader.View(k_idSize); },
         [&](SSystem& system) {
-            t_List(
-                payload, system.keyIds, [&](std::string_view& keyId) { keyId = t_View(payload, k_idSize); },
+            reader.List(
+                system.keyIds, [&](std::string_view& keyId) { keyId = reader.View(k_idSize); },
                 [](std::string_view&) {});
-            system.data = t_CountedView(payload, 16);
+            system.data = reader.CountedView(16);
         });
 }
 

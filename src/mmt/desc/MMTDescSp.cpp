@@ -1,6 +1,7 @@
 #include "mmt/desc/MMTDescSp.h"
 
 #include "common/Log.h"
+#include "mmt/PayloadReader.h"
 
 namespace {
 
@@ -17,25 +18,25 @@ bool CMMTDescSp::t_Takes(unsigned int tag) const
     return tag == k_properties || tag == k_licenseUrls;
 }
 
-void CMMTDescSp::t_ParsePayload(SItem* payload)
+void CMMTDescSp::t_ParsePayload(vyr::CPayloadReader& reader)
 {
     const auto nothing = [](auto&) {};
-    t_Assets(payload, m_assets, [&](SAsset& asset) {
+    reader.Assets(m_assets, [&](SAsset& asset) {
         if (t_tag == k_licenseUrls) {
-            t_List(
-                payload, asset.licenseUrls,
+            reader.List(
+                asset.licenseUrls,
                 [&](SLicenseUrl& license) {
-                    license.type = static_cast<unsigned char>(t_Value(payload, 8));
-                    license.url = t_CountedView(payload, 8);
+                    license.type = static_cast<unsigned char>(reader.Value(8));
+                    license.url = reader.CountedView(8);
                 },
                 nothing);
             return;
         }
-        asset.schemeCode = t_View(payload, 4);
-        asset.defaultKeyId = t_View(payload, k_idSize);
-        t_List(
-            payload, asset.systems, [&](SSystem& system) { system.systemId = t_View(payload, k_idSize); },
-            [&](SSystem& system) { system.data = t_CountedView(payload, 16); });
+        asset.schemeCode = reader.View(4);
+        asset.defaultKeyId = reader.View(k_idSize);
+        reader.List(
+            asset.systems, [&](SSystem& system) { system.systemId = reader.View(k_idSize); },
+            [&](SSystem& system) { system.data = reader.CountedView(16); });
     });
 }
 

@@ -1,14 +1,15 @@
 #include "mmt/desc/MMTDescVsp.h"
 
 #include "common/Log.h"
+#include "mmt/PayloadReader.h"
 
 namespace {
 
 /// Keeps a group of fields that fitted whole.
 template <class T>
-void Keep(const IParse::SItem* payload, T group, std::optional<T>& kept)
+void Keep(const vyr::CPayloadReader& reader, T group, std::optional<T>& kept)
 {
-    if (payload->valid) {
+    if (reader.Valid()) {
         kept = std::move(group);
     }
 }
@@ -17,175 +18,175 @@ void Keep(const IParse::SItem* payload, T group, std::optional<T>& kept)
 
 CMMTDescVsp::CMMTDescVsp() : CMMTDescPayload("CMMTDescVsp", 5) {}
 
-void CMMTDescVsp::t_ParsePayload(SItem* payload)
+void CMMTDescVsp::t_ParsePayload(vyr::CPayloadReader& reader)
 {
-    t_Assets(payload, m_assets, [&](SAsset& asset) { m_ParseAsset(payload, asset); });
+    reader.Assets(m_assets, [&](SAsset& asset) { m_ParseAsset(reader, asset); });
 }
 
-void CMMTDescVsp::m_ParseAsset(SItem* payload, SAsset& asset)
+void CMMTDescVsp::m_ParseAsset(vyr::CPayloadReader& reader, SAsset& asset)
 {
-    asset.codecCode = t_View(payload, 4);
-    const bool temporalScalabilityPresent = t_Flag(payload);
-    const bool scalabilityInfoPresent = t_Flag(payload);
-    const bool multiviewInfoPresent = t_Flag(payload);
-    const bool resCfBdInfoPresent = t_Flag(payload);
-    const bool prInfoPresent = t_Flag(payload);
-    const bool brInfoPresent = t_Flag(payload);
-    const bool colorInfoPresent = t_Flag(payload);
-    t_Value(payload, 1);
+    asset.codecCode = reader.View(4);
+    const bool temporalScalabilityPresent = reader.Flag();
+    const bool scalabilityInfoPresent = reader.Flag();
+    const bool multiviewInfoPresent = reader.Flag();
+    const bool resCfBdInfoPresent = reader.Flag();
+    const bool prInfoPresent = reader.Flag();
+    const bool brInfoPresent = reader.Flag();
+    const bool colorInfoPresent = reader.Flag();
+    reader.Value(1);
     unsigned int m = 0;
     if (temporalScalabilityPresent) {
-        const STemporalScalability temporal = m_TemporalScalability(payload);
+        const STemporalScalability temporal = m_TemporalScalability(reader);
         if (temporal.subLayerProfileTierLevelPresent && temporal.maxSubLayersInstream > 0) {
             m = temporal.maxSubLayersInstream - 1u;
         }
-        Keep(payload, temporal, asset.temporalScalability);
+        Keep(reader, temporal, asset.temporalScalability);
     }
     if (scalabilityInfoPresent) {
-        t_Field(payload, 6, asset.assetLayerId);
-        t_Value(payload, 2);
+        reader.Field(6, asset.assetLayerId);
+        reader.Value(2);
     }
     if (multiviewInfoPresent) {
-        Keep(payload, m_Multiview(payload), asset.multiview);
+        Keep(reader, m_Multiview(reader), asset.multiview);
     }
     if (resCfBdInfoPresent) {
-        Keep(payload, m_Resolution(payload), asset.resolution);
+        Keep(reader, m_Resolution(reader), asset.resolution);
     }
     const auto nothing = [](auto&) {};
     if (prInfoPresent) {
-        t_Entries(
-            payload, m + 1, asset.pictureRates,
+        reader.Entries(
+            m + 1, asset.pictureRates,
             [&](SPictureRate& rate) {
-                rate.code = static_cast<unsigned char>(t_Value(payload, 8));
+                rate.code = static_cast<unsigned char>(reader.Value(8));
                 if (rate.code == 255) {
-                    t_Field(payload, 16, rate.average);
+                    reader.Field(16, rate.average);
                 }
             },
             nothing);
     }
     if (brInfoPresent) {
-        t_Entries(
-            payload, m + 1, asset.bitRates,
+        reader.Entries(
+            m + 1, asset.bitRates,
             [&](SBitRate& rate) {
-                rate.average = static_cast<unsigned short>(t_Value(payload, 16));
-                rate.maximum = static_cast<unsigned short>(t_Value(payload, 16));
+                rate.average = static_cast<unsigned short>(reader.Value(16));
+                rate.maximum = static_cast<unsigned short>(reader.Value(16));
             },
             nothing);
     }
     if (colorInfoPresent) {
-        Keep(payload, m_Colour(payload), asset.colour);
+        Keep(reader, m_Colour(reader), asset.colour);
     }
-    Keep(payload, m_ProfileTierLevel(payload, m), asset.profileTierLevel);
+    Keep(reader, m_ProfileTierLevel(reader, m), asset.profileTierLevel);
 }
 
-CMMTDescVsp::STemporalScalability CMMTDescVsp::m_TemporalScalability(SItem* payload)
+CMMTDescVsp::STemporalScalability CMMTDescVsp::m_TemporalScalability(vyr::CPayloadReader& reader)
 {
     STemporalScalability temporal{};
-    temporal.maxSubLayersInstream = static_cast<unsigned char>(t_Value(payload, 6));
-    temporal.subLayerProfileTierLevelPresent = t_Flag(payload);
-    temporal.temporalFilterPresent = t_Flag(payload);
-    temporal.tidMax = static_cast<unsigned char>(t_Value(payload, 3));
-    temporal.tidMin = static_cast<unsigned char>(t_Value(payload, 3));
-    const unsigned int tfweight = t_Value(payload, 2);
+    temporal.maxSubLayersInstream = static_cast<unsigned char>(reader.Value(6));
+    temporal.subLayerProfileTierLevelPresent = reader.Flag();
+    temporal.temporalFilterPresent = reader.Flag();
+    temporal.tidMax = static_cast<unsigned char>(reader.Value(3));
+    temporal.tidMin = static_cast<unsigned char>(reader.Value(3));
+    const unsigned int tfweight = reader.Value(2);
     if (temporal.temporalFilterPresent) {
         temporal.tfweight = static_cast<unsigned char>(tfweight);
     }
     return temporal;
 }
 
-CMMTDescVsp::SMultiview CMMTDescVsp::m_Multiview(SItem* payload)
+CMMTDescVsp::SMultiview CMMTDescVsp::m_Multiview(vyr::CPayloadReader& reader)
 {
     SMultiview multiview{};
-    multiview.viewNuhLayerId = static_cast<unsigned char>(t_Value(payload, 6));
-    multiview.viewPos = static_cast<unsigned char>(t_Value(payload, 6));
-    t_Value(payload, 4);
-    multiview.minDispWithOffset = static_cast<unsigned short>(t_Value(payload, 11));
-    multiview.maxDispRange = static_cast<unsigned short>(t_Value(payload, 11));
-    t_Value(payload, 2);
+    multiview.viewNuhLayerId = static_cast<unsigned char>(reader.Value(6));
+    multiview.viewPos = static_cast<unsigned char>(reader.Value(6));
+    reader.Value(4);
+    multiview.minDispWithOffset = static_cast<unsigned short>(reader.Value(11));
+    multiview.maxDispRange = static_cast<unsigned short>(reader.Value(11));
+    reader.Value(2);
     return multiview;
 }
 
-CMMTDescVsp::SResolution CMMTDescVsp::m_Resolution(SItem* payload)
+CMMTDescVsp::SResolution CMMTDescVsp::m_Resolution(vyr::CPayloadReader& reader)
 {
     SResolution resolution{};
-    resolution.width = static_cast<unsigned short>(t_Value(payload, 16));
-    resolution.height = static_cast<unsigned short>(t_Value(payload, 16));
-    resolution.chromaFormatIdc = static_cast<unsigned char>(t_Value(payload, 2));
-    const bool separateColourPlaneFlag = t_Flag(payload);
+    resolution.width = static_cast<unsigned short>(reader.Value(16));
+    resolution.height = static_cast<unsigned short>(reader.Value(16));
+    resolution.chromaFormatIdc = static_cast<unsigned char>(reader.Value(2));
+    const bool separateColourPlaneFlag = reader.Flag();
     if (resolution.chromaFormatIdc == 3) {
         resolution.separateColourPlaneFlag = separateColourPlaneFlag;
     }
-    t_Value(payload, 3);
-    resolution.videoStillPresent = t_Flag(payload);
-    resolution.video24hrPicPresent = t_Flag(payload);
-    resolution.bitDepthLumaMinus8 = static_cast<unsigned char>(t_Value(payload, 4));
-    resolution.bitDepthChromaMinus8 = static_cast<unsigned char>(t_Value(payload, 4));
+    reader.Value(3);
+    resolution.videoStillPresent = reader.Flag();
+    resolution.video24hrPicPresent = reader.Flag();
+    resolution.bitDepthLumaMinus8 = static_cast<unsigned char>(reader.Value(4));
+    resolution.bitDepthChromaMinus8 = static_cast<unsigned char>(reader.Value(4));
     return resolution;
 }
 
-CMMTDescVsp::SColour CMMTDescVsp::m_Colour(SItem* payload)
+CMMTDescVsp::SColour CMMTDescVsp::m_Colour(vyr::CPayloadReader& reader)
 {
     SColour colour{};
-    colour.colourPrimaries = static_cast<unsigned char>(t_Value(payload, 8));
-    colour.transferCharacteristics = static_cast<unsigned char>(t_Value(payload, 8));
-    colour.matrixCoeffs = static_cast<unsigned char>(t_Value(payload, 8));
+    colour.colourPrimaries = static_cast<unsigned char>(reader.Value(8));
+    colour.transferCharacteristics = static_cast<unsigned char>(reader.Value(8));
+    colour.matrixCoeffs = static_cast<unsigned char>(reader.Value(8));
     if (colour.colourPrimaries >= 9) {
-        t_Field(payload, 1, colour.cgCompatibility);
-        t_Value(payload, 7);
+        reader.Field(1, colour.cgCompatibility);
+        reader.Value(7);
     }
     if (colour.transferCharacteristics >= 16) {
-        if (t_Flag(payload)) {
-            const unsigned int eotfInfoLenMinus1 = t_Value(payload, 15);
-            colour.eotfInfo = t_View(payload, eotfInfoLenMinus1 + 1);
+        if (reader.Flag()) {
+            const unsigned int eotfInfoLenMinus1 = reader.Value(15);
+            colour.eotfInfo = reader.View(eotfInfoLenMinus1 + 1);
         } else {
-            t_Value(payload, 7);
+            reader.Value(7);
         }
     }
     return colour;
 }
 
-CMMTDescVsp::SProfile CMMTDescVsp::m_Profile(SItem* payload)
+CMMTDescVsp::SProfile CMMTDescVsp::m_Profile(vyr::CPayloadReader& reader)
 {
     SProfile profile{};
-    profile.profileSpace = static_cast<unsigned char>(t_Value(payload, 2));
-    profile.tierFlag = t_Flag(payload);
-    profile.profileIdc = static_cast<unsigned char>(t_Value(payload, 5));
-    profile.compatibilityFlags = t_Value(payload, 32);
-    profile.progressiveSourceFlag = t_Flag(payload);
-    profile.interlacedSourceFlag = t_Flag(payload);
-    profile.nonPackedConstraintFlag = t_Flag(payload);
-    profile.frameOnlyConstraintFlag = t_Flag(payload);
-    profile.constraintFlags = t_Value64(payload, 44);
+    profile.profileSpace = static_cast<unsigned char>(reader.Value(2));
+    profile.tierFlag = reader.Flag();
+    profile.profileIdc = static_cast<unsigned char>(reader.Value(5));
+    profile.compatibilityFlags = reader.Value(32);
+    profile.progressiveSourceFlag = reader.Flag();
+    profile.interlacedSourceFlag = reader.Flag();
+    profile.nonPackedConstraintFlag = reader.Flag();
+    profile.frameOnlyConstraintFlag = reader.Flag();
+    profile.constraintFlags = reader.Value64(44);
     return profile;
 }
 
-CMMTDescVsp::SProfileTierLevel CMMTDescVsp::m_ProfileTierLevel(SItem* payload, unsigned int m)
+CMMTDescVsp::SProfileTierLevel CMMTDescVsp::m_ProfileTierLevel(vyr::CPayloadReader& reader, unsigned int m)
 {
     constexpr unsigned int k_most = 6;
     SProfileTierLevel level{};
-    level.profile = m_Profile(payload);
-    level.levelIdc = static_cast<unsigned char>(t_Value(payload, 8));
+    level.profile = m_Profile(reader);
+    level.levelIdc = static_cast<unsigned char>(reader.Value(8));
     if (m > k_most) {
         // No stream has so many sub-layers: where this ends, and with it the next asset's start, is unknown.
-        payload->valid = false;
+        reader.Stop();
         return level;
     }
     bool profilePresent[k_most] = {};
     bool levelPresent[k_most] = {};
     for (unsigned int i = 0; i < m; ++i) {
-        profilePresent[i] = t_Flag(payload);
-        levelPresent[i] = t_Flag(payload);
+        profilePresent[i] = reader.Flag();
+        levelPresent[i] = reader.Flag();
     }
     if (m > 0) {
-        t_Value(payload, 2 * (8 - m));
+        reader.Value(2 * (8 - m));
     }
-    for (unsigned int i = 0; i < m && payload->valid; ++i) {
+    for (unsigned int i = 0; i < m && reader.Valid(); ++i) {
         SSubLayer& subLayer = level.subLayers.emplace_back();
         if (profilePresent[i]) {
-            subLayer.profile = m_Profile(payload);
+            subLayer.profile = m_Profile(reader);
         }
         if (levelPresent[i]) {
-            t_Field(payload, 8, subLayer.levelIdc);
+            reader.Field(8, subLayer.levelIdc);
         }
     }
     return level;

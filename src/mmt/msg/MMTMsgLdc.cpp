@@ -1,5 +1,7 @@
 #include "mmt/msg/MMTMsgLdc.h"
 
+#include "mmt/PayloadReader.h"
+
 CMMTMsgLdc::CMMTMsgLdc() : CMMTMsgPayload(CLASS_TYPE_LDC) {}
 
 CMMTMsgLdc::~CMMTMsgLdc() = default;
@@ -10,7 +12,8 @@ bool CMMTMsgLdc::Parse(SItem* item)
     if (!t_ParsePayload(item, 16, "[CMMTMsgLdc::Parse] Item size ERROR len[%u], length[%u]", payload)) {
         return false;
     }
-    m_lowDelay.ParseFields(&payload);
+    vyr::CPayloadReader reader(payload);
+    m_lowDelay.ParseFields(reader);
     return true;
 }
 

@@ -227,7 +227,9 @@ TEST_F(MMTTblTest, DescriptorLoops)
         // A clock relation that cannot be makes the item invalid; a loop past the data does not fit.
         {std::string("\0\0\0\x0E", 4) + std::string(14, 'x'), 18, false, ""},
         {MmtCri(1), 20, false, "1 "},
-        {MmtCri(1), 18, false, ""},  // a descriptor does not read past its loop
+        // One that runs past its loop costs nothing that follows: a clock relation is taken, what is longer not.
+        {MmtCri(1).substr(0, 18) + '\0', 18, true, "1 "},
+        {std::string("\0\1\0\x28\0", 5) + std::string(50, 'x'), 4, true, ""},
     };
     for (const auto& c : k_cases) {
         SCOPED_TRACE(c.length);

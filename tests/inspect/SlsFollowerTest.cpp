@@ -1,0 +1,108 @@
+#include "SlsFollower.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "LibraryPort.h"
+#include "support/Gzip.h"
+
+namespace {
+
+using namespace vyr::inspect;
+
+/// Keeps what is new of each object, and of its documents: "S-TSID changed", "MPD new refused".
+class CRecordingWriter : public IReportWriter {
+  public:
+    void Table(const STable&) override {}
+    void Signalling(const SSignalling& signalling) override
+    {
+        std::string line = StatusName(signalling.status);
+        for (const SSlsDocument& document : signalling.documents) {
+            line += std::string("; ") + DocumentName(document.kind) + ' ' + DocumentStatusName(document.status) +
+                    (document.content ? "" : " refused") + (document.sameText ? " same" : "");
+        }
+        lines.push_back(line);
+    }
+    void Fault(const SFault& fault) override { lines.push_back(std::string("fault: ") + FaultName(fault.code)); }
+    void Summary(const SSummary&) override {}
+
+    std::vector<std::string> lines;
+};
+
+using TLines = std::vector<std::string>;
+
+class SlsFollower : public testing::Test {
+  protected:
+    void SetUp() override { InstallPlatform(LOG_PRIORITY_SILENT, {}); }
+    TLines m_Take(unsigned toi, const std::string& object)
+    {
+        m_writer.lines.clear();
+        m_follower.Take(TToi(0, toi), {reinterpret_cast<const unsigned char*>(object.data()), object.size()}, {});
+        return m_writer.lines;
+    }
+
+    CRecordingWriter m_writer;
+    CReport m_report{m_writer, false};
+    CSlsFollower m_follower{"1.2.3.4:5", {}, m_report};
+};
+
+const std::string k_stsid = "<S-TSID></S-TSID>\n";
+const std::string k_mpd = "<MPD></MPD>\n";
+
+TEST_F(SlsFollower, WhatIsNewOfEachObject)
+{
+    EXPECT_EQ(m_Take(1, Gzip(k_stsid)), TLines({"new; S-TSID new"}));
+    EXPECT_EQ(m_Take(1, k_stsid), TLines()) << "compressed or not, it is the same";
+    EXPECT_EQ(m_Take(2, k_mpd), TLines({"new; MPD new"})) << "documents may come in objects of their own";
+    EXPECT_EQ(m_Take(1, k_stsid), TLines());
+    EXPECT_EQ(m_Take(3, k_stsid + k_mpd),
+              TLines({"new-version-same-content; S-TSID unchanged same; MPD unchanged same"}));
+    EXPECT_EQ(m_Take(4, k_stsid + "<MPD ></MPD>\n"), TLines({"changed; S-TSID unchanged same; MPD changed same"}));
+    EXPECT_EQ(m_Take(4, k_mpd),
+              TLines({"changed-without-version; MPD changed same", "fault: changed-without-version"}));
+    EXPECT_EQ(m_report.Summary().objects[static_cast<std::size_t>(EStatus::REPEATED)], 2u);
+}
+
+TEST_F(SlsFollower, NothingOfAnEarlierPackageIsShownAgain)
+{
+    m_Take(1, k_stsid + k_mpd);
+    EXPECT_EQ(m_Take(2, k_mpd + "<S-TSID>"),
+              TLines({"changed; S-TSID changed refused; MPD unchanged same", "fault: document-not-parsed"}));
+    EXPECT_EQ(m_Take(3, "<MPD></a></MPD>\n"), TLines({"changed; MPD changed refused", "fault: document-not-parsed"}));
+    EXPECT_EQ(m_Take(4, "<MPD></a></MPD>\n "), TLines({"new-version-same-content; MPD unchanged refused same"}))
+        << "a broken document is told of once";
+    // The library takes documents of up to 131,071 bytes, the byte behind the end tag included.
+    const std::string end = "</S-TSID>\n";
+    const std::string longest = "<S-TSID>" + std::string(131071 - 8 - end.size(), ' ') + end;
+    EXPECT_EQ(m_Take(5, longest), TLines({"changed; S-TSID changed"}));
+    EXPECT_EQ(m_Take(6, " " + longest.substr(0, 8) + ' ' + longest.substr(8)),
+              TLines({"changed; S-TSID changed refused", "fault: document-not-parsed"}));
+}
+
+TEST_F(SlsFollower, RemembersABoundedNumberOfObjects)
+{
+    for (unsigned toi = 0; toi < 64; ++toi) {
+        m_Take(toi, k_mpd);
+    }
+    EXPECT_TRUE(m_follower.Has({0, 0}, k_mpd.size()));
+    EXPECT_FALSE(m_follower.Has({0, 0}, k_mpd.size() + 1));
+    m_Take(64, k_mpd);
+    EXPECT_FALSE(m_follower.Has({0, 0}, {}));
+    EXPECT_TRUE(m_follower.Has({0, 1}, {}) && m_follower.Has({0, 64}, {}));
+}
+
+TEST_F(SlsFollower, InflatesUpTo8MiB)
+{
+    EXPECT_EQ(m_Take(1, Gzip(k_mpd + std::string(8388608 - k_mpd.size(), ' '))), TLines({"new; MPD new"}));
+    EXPECT_EQ(m_Take(2, Gzip(k_mpd + std::string(8388609 - k_mpd.size(), ' '))), TLines({"fault: object-not-read"}));
+    const std::string whole = Gzip(k_stsid);
+    for (std::size_t size = 2; size < whole.size(); ++size) {
+        EXPECT_EQ(m_Take(3, whole.substr(0, size)), TLines({"fault: object-not-read"})) << size;
+    }
+    EXPECT_EQ(m_Take(3, whole), TLines({"changed-without-version; S-TSID new", "fault: changed-without-version"}));
+    EXPECT_EQ(m_Take(4, Gzip("")), TLines({"fault: object-not-read"}));
+}
+
+}  // namespace
