@@ -285,6 +285,15 @@ void* NextElement(void* node)
     return next;
 }
 
+void* FindElement(void* node, const char* name)
+{
+    xmlNodePtr element = AsNode(node);
+    while (element && (element->type != XML_ELEMENT_NODE || std::strcmp(AsText(element->name), name) != 0)) {
+        element = element->next;
+    }
+    return element;
+}
+
 const char* NodeName(void* node)
 {
     return AsText(AsNode(node)->name);

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "esg/ESGElement/LanguageTag.h"
+
+/// A language of the text: the TextLanguage element.
+class VYR_API CTextLanguage : public CLanguageTag {
+  public:
+    /// What was parsed.
+    struct STextLanguage : SLanguageTag {};
+
+    const STextLanguage* State() const { return static_cast<const STextLanguage*>(t_State()); }
+
+  private:
+    const vyr::SESGKind& t_Kind() const override;
+};
