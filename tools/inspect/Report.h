@@ -204,12 +204,15 @@ struct SSummary {
     std::vector<SFault> firstFaults;
 };
 
+struct SGuide;
+
 /// One form of the report. Every call writes what it is told at once.
 class IReportWriter {
   public:
     virtual ~IReportWriter() = default;
     virtual void Table(const STable& table) = 0;
     virtual void Signalling(const SSignalling& signalling) = 0;
+    virtual void Guide(const SGuide& guide) = 0;
     virtual void Fault(const SFault& fault) = 0;
     virtual void Summary(const SSummary& summary) = 0;
 };
@@ -222,6 +225,7 @@ class CReport {
 
     void Table(const STable& table);
     void Signalling(const SSignalling& signalling);
+    void Guide(const SGuide& guide);
     void Fault(const SFault& fault);
     void Finish();
     /// For the counts that only its users know.
