@@ -47,6 +47,28 @@ struct SGuide {
     std::vector<SGuideService> services;
     std::size_t fragments = 0;            ///< that hold now
     std::size_t unscheduledContents = 0;  ///< content fragments that no schedule names
+    std::size_t missingContents = 0;      ///< that schedules name, and that did not come
+    std::size_t missingServices = 0;      ///< that schedules and contents name, and that did not come
 };
+
+/// What carries fragments of the guide, or announces them.
+enum class EGuideObject { DELIVERY_UNIT, DELIVERY_DESCRIPTOR, RESPONSE, FRAGMENT };
+
+/// One object of the guide that is not a repeat.
+struct SGuideObject {
+    SSource source;
+    std::string session;               ///< "239.255.7.1:30100"; empty for a raw file
+    std::optional<std::uint64_t> tsi;  ///< not for a raw file
+    std::optional<TToi> toi;           ///< not for a raw file
+    std::string contentLocation;       ///< of the file, where the session's EFDT tells
+    EGuideObject kind = EGuideObject::DELIVERY_UNIT;
+    EStatus status = EStatus::NEW;
+    std::size_t size = 0;  ///< bytes as they were sent
+    bool gzip = false;
+    std::optional<SContent> content;  ///< none: it did not parse
+};
+
+/// "SGDU", "ServiceGuideDeliveryDescriptor", "SGResponse" or "fragment".
+const char* GuideObjectName(EGuideObject kind);
 
 }  // namespace vyr::inspect

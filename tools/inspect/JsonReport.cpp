@@ -4,6 +4,7 @@
 #include <ctime>
 #include <nlohmann/json.hpp>
 
+#include "Guide.h"
 #include "Json.h"
 #include "Names.h"
 #include "Text.h"
@@ -116,6 +117,72 @@ TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
     return json;
 }
 
+TJson TextsJson(const std::vector<SGuideText>& texts)
+{
+    TJson json = TJson::array();
+    for (const SGuideText& text : texts) {
+        TJson& entry = json.emplace_back(TJson::object());
+        PutText(entry, "lang", text.lang);
+        entry["text"] = text.text;
+    }
+    return json;
+}
+
+TJson ProgrammeJson(const SProgramme& programme)
+{
+    TJson json = TJson::object();
+    PutText(json, "contentId", programme.contentId);
+    if (programme.start) {
+        json["start"] = EpochText(static_cast<double>(*programme.start));
+    }
+    if (programme.end) {
+        json["end"] = EpochText(static_cast<double>(*programme.end));
+    }
+    PutList(json, "Name", TextsJson(programme.titles));
+    PutList(json, "Description", TextsJson(programme.descriptions));
+    PutList(json, "Genre", programme.genres);
+    PutList(json, "ContentAdvisoryRatings", programme.ratings);
+    PutList(json, "AudioLanguage", programme.audioLanguages);
+    PutList(json, "TextLanguage", programme.textLanguages);
+    return json;
+}
+
+TJson GuideServiceJson(const SGuideService& service)
+{
+    TJson json = TJson::object();
+    PutText(json, "id", service.fragmentId);
+    PutText(json, "globalServiceID", service.globalServiceId);
+    PutValue(json, "serviceId", service.serviceId);
+    PutValue(json, "majorChannelNo", service.majorChannelNo);
+    PutValue(json, "minorChannelNo", service.minorChannelNo);
+    PutList(json, "Name", TextsJson(service.names));
+    PutList(json, "Description", TextsJson(service.descriptions));
+    PutList(json, "Genre", service.genres);
+    json["programmes"] = TJson::array();
+    for (const SProgramme& programme : service.programmes) {
+        json["programmes"].push_back(ProgrammeJson(programme));
+    }
+    return json;
+}
+
+TJson StatusesJson(const std::array<std::uint64_t, k_statuses>& counts)
+{
+    TJson json = TJson::object();
+    for (std::size_t i = 0; i < k_statuses; ++i) {
+        json[StatusName(static_cast<EStatus>(i))] = counts[i];
+    }
+    return json;
+}
+
+void PutToi(TJson& json, const TToi& toi)
+{
+    if (toi.first == 0) {
+        json["TOI"] = toi.second;
+    } else {
+        json["TOI"] = ToiText(toi);
+    }
+}
+
 std::string JsonLine(const TJson& json)
 {
     return json.dump(-1, ' ', false, TJson::error_handler_t::replace) + '\n';
@@ -180,11 +247,7 @@ void CJsonReport::Signalling(const SSignalling& signalling)
     PutList(json, "serviceIds", signalling.services);
     if (signalling.toi) {
         json["TSI"] = 0;
-        if (signalling.toi->first == 0) {
-            json["TOI"] = signalling.toi->second;
-        } else {
-            json["TOI"] = ToiText(*signalling.toi);
-        }
+        PutToi(json, *signalling.toi);
     }
     json["status"] = StatusName(signalling.status);
     json["size"] = signalling.size;
@@ -209,6 +272,42 @@ void CJsonReport::Signalling(const SSignalling& signalling)
         if (document.content) {
             json[DocumentName(document.kind)] = document.content->json;
         }
+    }
+    m_output.Write(JsonLine(json));
+}
+
+void CJsonReport::GuideObject(const SGuideObject& object)
+{
+    TJson json = Object("guideObject");
+    json["source"] = SourceJson(object.source);
+    PutText(json, "session", object.session);
+    PutValue(json, "TSI", object.tsi);
+    if (object.toi) {
+        PutToi(json, *object.toi);
+    }
+    PutText(json, "Content-Location", object.contentLocation);
+    json["name"] = GuideObjectName(object.kind);
+    json["status"] = StatusName(object.status);
+    json["size"] = object.size;
+    json["gzip"] = object.gzip;
+    json["parsed"] = object.content.has_value();
+    if (object.content) {
+        json[GuideObjectName(object.kind)] = object.content->json;
+    }
+    m_output.Write(JsonLine(json));
+}
+
+void CJsonReport::Guide(const SGuide& guide)
+{
+    TJson json = Object("guide");
+    json["source"] = SourceJson(guide.source);
+    json["fragments"] = guide.fragments;
+    json["unscheduledContents"] = guide.unscheduledContents;
+    json["missingContents"] = guide.missingContents;
+    json["missingServices"] = guide.missingServices;
+    json["services"] = TJson::array();
+    for (const SGuideService& service : guide.services) {
+        json["services"].push_back(GuideServiceJson(service));
     }
     m_output.Write(JsonLine(json));
 }
@@ -238,6 +337,7 @@ void CJsonReport::Summary(const SSummary& summary)
     json["captures"] = summary.captures;
     json["rawTables"] = summary.rawTables;
     json["slsFiles"] = summary.slsFiles;
+    json["guideFiles"] = summary.guideFiles;
     json["packets"] = summary.packets.packets;
     json["packetsCut"] = summary.packets.cut;
     json["packetsMalformed"] = summary.packets.malformed;
@@ -272,12 +372,20 @@ void CJsonReport::Summary(const SSummary& summary)
     json["objects"] = summary.route.objects.complete;
     json["objectsIncomplete"] = summary.route.incomplete;
     json["objectsDropped"] = summary.route.objects.dropped;
-    TJson signalling = TJson::object();
-    for (std::size_t i = 0; i < k_statuses; ++i) {
-        signalling[StatusName(static_cast<EStatus>(i))] = summary.objects[i];
-    }
+    TJson signalling = StatusesJson(summary.objects);
     signalling["documentsNotParsed"] = summary.documentsNotParsed;
     json["signalling"] = std::move(signalling);
+    TJson guide = StatusesJson(summary.guide.objects);
+    guide["sessions"] = summary.guide.sessions;
+    guide["packets"] = summary.guide.packets;
+    guide["objects"] = summary.guide.assembled.complete;
+    guide["objectsDropped"] = summary.guide.assembled.dropped;
+    guide["packetsNotTaken"] = summary.guide.assembled.tooLarge;
+    guide["notParsed"] = summary.guide.notParsed;
+    guide["fragments"] = summary.guide.fragments;
+    guide["services"] = summary.guide.services;
+    guide["programmes"] = summary.guide.programmes;
+    json["guide"] = std::move(guide);
     json["faults"] = summary.faults;
     json["faultsByCode"] = TJson::object();
     for (const auto& [code, count] : summary.faultsByCode) {

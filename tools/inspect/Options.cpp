@@ -81,10 +81,13 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     bool progress = false;
     bool noProgress = false;
     app.add_option("INPUT", options.inputs,
-                   "pcap or pcapng capture, raw LLS table, ROUTE signalling, or - for standard input")
+                   "pcap or pcapng capture, raw LLS table, ROUTE signalling, service guide, or - for standard input")
         ->required()
         ->type_name("");
     app.add_flag("--json", options.json, "Write one JSON object per line in place of text");
+    app.add_flag("--local-time", options.localTime, "Show the guide's times in the machine's time zone, not in UTC");
+    app.add_option("--genres", options.genres, "Classification scheme with the names of the guide's genres")
+        ->type_name("FILE");
     app.add_option("--lls", streams, "LLS stream to read in place of 224.0.23.60:4937; may be repeated")
         ->type_name("ADDRESS:PORT")
         ->expected(1)

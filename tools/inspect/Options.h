@@ -19,6 +19,8 @@ struct SOptions {
     ELogPriority log = LOG_PRIORITY_SILENT;
     bool strict = false;
     bool json = false;
+    bool localTime = false;
+    std::string genres;  ///< file of the genre names; empty: the library's own
     bool quiet = false;
     bool progress = false;
 };

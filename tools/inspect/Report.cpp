@@ -1,5 +1,7 @@
 #include "Report.h"
 
+#include "Guide.h"
+
 namespace vyr::inspect {
 
 const char* FaultName(EFault code)
@@ -55,6 +57,12 @@ const char* FaultName(EFault code)
             return "document-not-parsed";
         case EFault::NO_SIGNALLING:
             return "no-signalling";
+        case EFault::GUIDE_NOT_PARSED:
+            return "guide-not-parsed";
+        case EFault::GUIDE_INCOMPLETE:
+            return "guide-incomplete";
+        case EFault::GUIDE_TOO_LARGE:
+            return "guide-too-large";
     }
     return "";
 }
@@ -87,6 +95,12 @@ const char* DocumentStatusName(EDocumentStatus status)
 {
     constexpr const char* k_names[] = {"new", "changed", "unchanged"};
     return k_names[static_cast<std::size_t>(status)];
+}
+
+const char* GuideObjectName(EGuideObject kind)
+{
+    constexpr const char* k_names[] = {"SGDU", "ServiceGuideDeliveryDescriptor", "SGResponse", "fragment"};
+    return k_names[static_cast<std::size_t>(kind)];
 }
 
 SSessionCounts& SSessionCounts::operator+=(const SSessionCounts& other)
@@ -137,6 +151,21 @@ void CReport::Signalling(const SSignalling& signalling)
     }
     if (!m_quiet && signalling.status != EStatus::REPEATED) {
         m_writer.Signalling(signalling);
+    }
+}
+
+void CReport::GuideObject(const SGuideObject& object)
+{
+    ++m_summary.guide.objects[static_cast<std::size_t>(object.status)];
+    if (!m_quiet && object.status != EStatus::REPEATED) {
+        m_writer.GuideObject(object);
+    }
+}
+
+void CReport::Guide(const SGuide& guide)
+{
+    if (!m_quiet) {
+        m_writer.Guide(guide);
     }
 }
 

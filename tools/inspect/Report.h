@@ -136,7 +136,10 @@ enum class EFault {
     LCT_MALFORMED,
     OBJECT_NOT_READ,
     DOCUMENT_NOT_PARSED,
-    NO_SIGNALLING
+    NO_SIGNALLING,
+    GUIDE_NOT_PARSED,
+    GUIDE_INCOMPLETE,
+    GUIDE_TOO_LARGE
 };
 
 struct SFault {
@@ -184,11 +187,25 @@ struct SRouteCounts : SSessionCounts {
     SRouteCounts& operator+=(const SRouteCounts& other);
 };
 
+/// What came of the service guide.
+struct SGuideCounts {
+    unsigned sessions = 0;
+    std::uint64_t packets = 0;                        ///< of these sessions
+    std::array<std::uint64_t, k_statuses> objects{};  ///< by status
+    SObjectCounts assembled;
+    std::uint64_t notParsed = 0;  ///< fragments, and objects as a whole
+    // At the end of each input, summed:
+    std::uint64_t fragments = 0;
+    std::uint64_t services = 0;
+    std::uint64_t programmes = 0;
+};
+
 struct SSummary {
     unsigned inputs = 0;
     unsigned captures = 0;
     unsigned rawTables = 0;
     unsigned slsFiles = 0;
+    unsigned guideFiles = 0;
     SPacketCounts packets;
     std::uint64_t llsDatagrams = 0;
     std::map<unsigned, STableCounts> tables;  ///< by LLS_table_id
@@ -199,12 +216,14 @@ struct SSummary {
     std::uint64_t servicesSignalled = 0;              ///< of these, those whose signalling came
     std::array<std::uint64_t, k_statuses> objects{};  ///< of signalling, by status
     std::uint64_t documentsNotParsed = 0;
+    SGuideCounts guide;
     std::uint64_t faults = 0;
     std::map<EFault, std::uint64_t> faultsByCode;
     std::vector<SFault> firstFaults;
 };
 
 struct SGuide;
+struct SGuideObject;
 
 /// One form of the report. Every call writes what it is told at once.
 class IReportWriter {
@@ -212,6 +231,7 @@ class IReportWriter {
     virtual ~IReportWriter() = default;
     virtual void Table(const STable& table) = 0;
     virtual void Signalling(const SSignalling& signalling) = 0;
+    virtual void GuideObject(const SGuideObject& object) = 0;
     virtual void Guide(const SGuide& guide) = 0;
     virtual void Fault(const SFault& fault) = 0;
     virtual void Summary(const SSummary& summary) = 0;
@@ -225,6 +245,7 @@ class CReport {
 
     void Table(const STable& table);
     void Signalling(const SSignalling& signalling);
+    void GuideObject(const SGuideObject& object);
     void Guide(const SGuide& guide);
     void Fault(const SFault& fault);
     void Finish();

@@ -130,30 +130,6 @@ TJson EfdtJson(const SEFDTInfo& efdt)
     return json;
 }
 
-/// The rows below their heads without the columns that are empty.
-std::string Table(const std::vector<TRow>& rows)
-{
-    if (rows.size() < 2) {
-        return {};
-    }
-    std::vector<bool> used(rows.front().size());
-    for (auto row = std::next(rows.begin()); row != rows.end(); ++row) {
-        for (std::size_t i = 0; i < row->size(); ++i) {
-            used[i] = used[i] || !(*row)[i].empty();
-        }
-    }
-    std::vector<TRow> shown;
-    for (const TRow& row : rows) {
-        TRow& cells = shown.emplace_back();
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            if (used[i]) {
-                cells.push_back(row[i]);
-            }
-        }
-    }
-    return Aligned(shown);
-}
-
 struct SFiles {
     std::vector<TRow> rows = {{"  TSI", "TOI", "file", "type", "bytes"}};
     std::size_t count = 0;

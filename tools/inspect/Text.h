@@ -42,5 +42,7 @@ std::string Line(const char* label, const std::string& text);
 using TRow = std::vector<std::string>;
 /// The rows as indented lines with their columns aligned.
 std::string Aligned(const std::vector<TRow>& rows);
+/// The rows below their heads without the columns that are empty; nothing for heads alone.
+std::string Table(const std::vector<TRow>& rows);
 
 }  // namespace vyr::inspect

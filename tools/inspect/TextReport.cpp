@@ -5,6 +5,8 @@
 #include <ctime>
 #include <vector>
 
+#include "Guide.h"
+#include "GuideText.h"
 #include "Names.h"
 #include "Text.h"
 
@@ -205,6 +207,21 @@ std::string SignallingText(const SSummary& summary)
     return text.empty() ? "none" : text;
 }
 
+std::string GuideCountsText(const SGuideCounts& counts)
+{
+    std::string text = Counted(counts.services, "service") + ", " + Counted(counts.programmes, "programme") + " of " +
+                       Counted(counts.fragments, "fragment");
+    const auto add = Adder(text);
+    for (std::size_t i = 0; i < k_statuses; ++i) {
+        add(counts.objects[i], StatusText(static_cast<EStatus>(i)));
+    }
+    add(counts.notParsed, "did not parse");
+    add(counts.packets, counts.packets == 1 ? "packet" : "packets");
+    add(counts.assembled.dropped, "dropped");
+    add(counts.assembled.tooLarge, "not taken");
+    return text;
+}
+
 std::string PacketsText(const SPacketCounts& packets)
 {
     std::string text = std::to_string(packets.packets);
@@ -270,6 +287,25 @@ void CTextReport::Signalling(const SSignalling& signalling)
     m_output.Write(text);
 }
 
+void CTextReport::GuideObject(const SGuideObject& object)
+{
+    std::string text = Place(object.source) + "guide " + GuideObjectName(object.kind);
+    text += object.session.empty() ? "" : " on " + object.session;
+    text += object.tsi ? " TSI " + std::to_string(*object.tsi) : "";
+    text += object.toi ? " TOI " + ToiText(*object.toi) : "";
+    text += object.contentLocation.empty() ? "" : ' ' + Printable(object.contentLocation);
+    text += std::string(": ") + StatusText(object.status) + ", " + Counted(object.size, "byte");
+    text += object.gzip ? " (gzip)" : "";
+    text += object.content ? ", " + object.content->headline + '\n' : ", did not parse\n";
+    text += object.content ? object.content->text : "";
+    m_output.Write(text);
+}
+
+void CTextReport::Guide(const SGuide& guide)
+{
+    m_output.Write(Place(guide.source) + GuideText(guide, m_localTime));
+}
+
 void CTextReport::Fault(const SFault& fault)
 {
     // Of an input that is none, stderr tells.
@@ -280,13 +316,16 @@ void CTextReport::Fault(const SFault& fault)
 
 void CTextReport::Summary(const SSummary& summary)
 {
-    if (summary.captures + summary.rawTables + summary.slsFiles == 0) {
+    if (summary.captures + summary.rawTables + summary.slsFiles + summary.guideFiles == 0) {
         return;
     }
     std::vector<TRow> rows = {{"inputs", std::to_string(summary.inputs) + ": " + Counted(summary.captures, "capture") +
                                              ", " + Counted(summary.rawTables, "raw table")}};
     if (summary.slsFiles != 0) {
         rows.back().back() += ", " + Counted(summary.slsFiles, "signalling file");
+    }
+    if (summary.guideFiles != 0) {
+        rows.back().back() += ", " + Counted(summary.guideFiles, "guide file");
     }
     if (summary.captures != 0) {
         rows.push_back({"packets", PacketsText(summary.packets)});
@@ -305,6 +344,9 @@ void CTextReport::Summary(const SSummary& summary)
     }
     if (summary.routeServices + summary.route.sessions + summary.slsFiles != 0) {
         rows.push_back({"signalling", SignallingText(summary)});
+    }
+    if (summary.guide.sessions + summary.guideFiles != 0) {
+        rows.push_back({"guide", GuideCountsText(summary.guide)});
     }
     rows.push_back({"faults", std::to_string(summary.faults)});
     std::string text = "\nsummary\n" + Aligned(rows);

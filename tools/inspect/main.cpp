@@ -33,7 +33,7 @@ int Inspect(int argc, char** argv)
     WatchSignals();
     CProgress progress(options.progress);
     COutput output(progress);
-    CTextReport text(output);
+    CTextReport text(output, options.localTime);
     CJsonReport json(output);
     IReportWriter& writer = options.json ? static_cast<IReportWriter&>(json) : text;
     CReport report(writer, options.quiet);
