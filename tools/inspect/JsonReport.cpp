@@ -71,52 +71,6 @@ TJson UrlJson(int urlType, const std::string& url)
     return json;
 }
 
-TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
-{
-    TJson json = Object("service");
-    json["source"] = SourceJson(table.source);
-    if (!table.stream.empty()) {
-        json["stream"] = table.stream;
-    }
-    PutHeader(json, table.header);
-    json["bsid"] = table.slt->bsid;
-    json["serviceId"] = service.serviceId;
-    PutValue(json, "globalServiceID", service.globalServiceId);
-    json["sltSvcSeqNum"] = service.sltSvcSeqNum;
-    json["protected"] = service.isProtected;
-    if (service.majorChannelNo != 0 || service.minorChannelNo != 0) {
-        json["majorChannelNo"] = service.majorChannelNo;
-        json["minorChannelNo"] = service.minorChannelNo;
-    }
-    PutNamed(json, "serviceCategory", service.serviceCategory, ServiceCategoryName(service.serviceCategory));
-    PutValue(json, "shortServiceName", service.shortServiceName);
-    json["hidden"] = service.hidden;
-    json["broadbandAccessRequired"] = service.broadbandAccessRequired;
-    PutValue(json, "svcCapabilities", service.svcCapabilities);
-    if (!service.drmSystemID.empty()) {
-        json["drmSystemID"] = service.drmSystemID;
-    }
-    if (service.simulcastTsid != 0) {
-        json["simulcastTSID"] = service.simulcastTsid;
-        json["simulcastMajorChannelNo"] = service.simulcastMajorChannelNo;
-        json["simulcastMinorChannelNo"] = service.simulcastMinorChannelNo;
-    }
-    if (service.hasBroadcastSvcSignaling) {
-        PutNamed(json, "slsProtocol", service.slsProtocol, ProtocolName(service.slsProtocol));
-        json["slsMajorProtocolVersion"] = service.slsMajorProtocolVersion;
-        json["slsMinorProtocolVersion"] = service.slsMinorProtocolVersion;
-        json["slsDestinationIpAddress"] = Ipv4Text(service.slsDestinationIpAddress);
-        json["slsDestinationUdpPort"] = service.slsDestinationUdpPort;
-        if (service.slsSourceIpAddress != 0) {
-            json["slsSourceIpAddress"] = Ipv4Text(service.slsSourceIpAddress);
-        }
-    }
-    if (service.svcInetUrl.present) {
-        json["svcInetUrl"] = UrlJson(service.svcInetUrl.urlType, service.svcInetUrl.url);
-    }
-    return json;
-}
-
 TJson TextsJson(const std::vector<SGuideText>& texts)
 {
     TJson json = TJson::array();
@@ -190,7 +144,53 @@ std::string JsonLine(const TJson& json)
 
 }  // namespace
 
-void CJsonReport::Table(const STable& table)
+TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
+{
+    TJson json = Object("service");
+    json["source"] = SourceJson(table.source);
+    if (!table.stream.empty()) {
+        json["stream"] = table.stream;
+    }
+    PutHeader(json, table.header);
+    json["bsid"] = table.slt->bsid;
+    json["serviceId"] = service.serviceId;
+    PutValue(json, "globalServiceID", service.globalServiceId);
+    json["sltSvcSeqNum"] = service.sltSvcSeqNum;
+    json["protected"] = service.isProtected;
+    if (service.majorChannelNo != 0 || service.minorChannelNo != 0) {
+        json["majorChannelNo"] = service.majorChannelNo;
+        json["minorChannelNo"] = service.minorChannelNo;
+    }
+    PutNamed(json, "serviceCategory", service.serviceCategory, ServiceCategoryName(service.serviceCategory));
+    PutValue(json, "shortServiceName", service.shortServiceName);
+    json["hidden"] = service.hidden;
+    json["broadbandAccessRequired"] = service.broadbandAccessRequired;
+    PutValue(json, "svcCapabilities", service.svcCapabilities);
+    if (!service.drmSystemID.empty()) {
+        json["drmSystemID"] = service.drmSystemID;
+    }
+    if (service.simulcastTsid != 0) {
+        json["simulcastTSID"] = service.simulcastTsid;
+        json["simulcastMajorChannelNo"] = service.simulcastMajorChannelNo;
+        json["simulcastMinorChannelNo"] = service.simulcastMinorChannelNo;
+    }
+    if (service.hasBroadcastSvcSignaling) {
+        PutNamed(json, "slsProtocol", service.slsProtocol, ProtocolName(service.slsProtocol));
+        json["slsMajorProtocolVersion"] = service.slsMajorProtocolVersion;
+        json["slsMinorProtocolVersion"] = service.slsMinorProtocolVersion;
+        json["slsDestinationIpAddress"] = Ipv4Text(service.slsDestinationIpAddress);
+        json["slsDestinationUdpPort"] = service.slsDestinationUdpPort;
+        if (service.slsSourceIpAddress != 0) {
+            json["slsSourceIpAddress"] = Ipv4Text(service.slsSourceIpAddress);
+        }
+    }
+    if (service.svcInetUrl.present) {
+        json["svcInetUrl"] = UrlJson(service.svcInetUrl.urlType, service.svcInetUrl.url);
+    }
+    return json;
+}
+
+TJson TableJson(const STable& table)
 {
     TJson json = Object("table");
     json["source"] = SourceJson(table.source);
@@ -208,8 +208,7 @@ void CJsonReport::Table(const STable& table)
         json["intervalSeconds"] = *table.interval;
     }
     if (table.status == EStatus::REPEATED) {
-        m_output.Write(JsonLine(json));
-        return;
+        return json;
     }
     if (!table.parserExists) {
         json["payload"] = Hex(table.payload);
@@ -231,7 +230,25 @@ void CJsonReport::Table(const STable& table)
         json["services"] = table.slt->services.size();
         json["servicesDropped"] = table.slt->dropped;
     }
-    m_output.Write(JsonLine(json));
+    return json;
+}
+
+TJson EnvelopeJson(const std::vector<SEnvelopeItem>& items)
+{
+    TJson json = TJson::array();
+    for (const SEnvelopeItem& item : items) {
+        TJson entry = TJson::object();
+        PutValue(entry, "metadataURI", item.metadataURI);
+        PutValue(entry, "version", item.version);
+        PutValue(entry, "contentType", item.contentType);
+        json.push_back(std::move(entry));
+    }
+    return json;
+}
+
+void CJsonReport::Table(const STable& table)
+{
+    m_output.Write(JsonLine(TableJson(table)));
     if (table.slt) {
         for (const SParseSLT::SService& service : table.slt->services) {
             m_output.Write(JsonLine(ServiceJson(table, service)));
@@ -253,13 +270,7 @@ void CJsonReport::Signalling(const SSignalling& signalling)
     json["size"] = signalling.size;
     json["gzip"] = signalling.gzip;
     PutText(json, "contentType", signalling.contentType);
-    for (const SEnvelopeItem& item : signalling.items) {
-        TJson entry = TJson::object();
-        PutValue(entry, "metadataURI", item.metadataURI);
-        PutValue(entry, "version", item.version);
-        PutValue(entry, "contentType", item.contentType);
-        json["metadataEnvelope"].push_back(std::move(entry));
-    }
+    PutList(json, "metadataEnvelope", EnvelopeJson(signalling.items));
     for (const SSlsDocument& document : signalling.documents) {
         TJson entry = {{"name", DocumentName(document.kind)},
                        {"size", document.size},

@@ -1,9 +1,16 @@
 #pragma once
 
+#include <vector>
+
 #include "Output.h"
 #include "Report.h"
 
 namespace vyr::inspect {
+
+/// The objects of the JSON report that other forms show as well.
+TJson TableJson(const STable& table);
+TJson ServiceJson(const STable& table, const SParseSLT::SService& service);
+TJson EnvelopeJson(const std::vector<SEnvelopeItem>& items);
 
 /// The report for programs: one JSON object per line, complete in itself.
 class CJsonReport : public IReportWriter {

@@ -125,7 +125,21 @@ bool IsInputFault(EFault code)
     return code <= EFault::INPUT_TOO_LARGE;
 }
 
-CReport::CReport(IReportWriter& writer, bool quiet) : m_writer(writer), m_quiet(quiet) {}
+CReport::CReport(IReportWriter& writer, bool quiet, IReportWriter* page)
+    : m_writer(writer), m_page(page), m_quiet(quiet)
+{
+}
+
+template <class TTell>
+void CReport::m_Tell(TTell tell)
+{
+    if (!m_quiet) {
+        tell(m_writer);
+    }
+    if (m_page != nullptr) {
+        tell(*m_page);
+    }
+}
 
 void CReport::Table(const STable& table)
 {
@@ -137,9 +151,7 @@ void CReport::Table(const STable& table)
         counts.intervalSum += *table.interval;
     }
     m_summary.servicesDropped += table.slt ? table.slt->dropped : 0;
-    if (!m_quiet) {
-        m_writer.Table(table);
-    }
+    m_Tell([&](IReportWriter& writer) { writer.Table(table); });
 }
 
 void CReport::Signalling(const SSignalling& signalling)
@@ -149,24 +161,22 @@ void CReport::Signalling(const SSignalling& signalling)
         const bool again = document.status == EDocumentStatus::UNCHANGED;
         m_summary.documentsNotParsed += document.content || again ? 0 : 1;
     }
-    if (!m_quiet && signalling.status != EStatus::REPEATED) {
-        m_writer.Signalling(signalling);
+    if (signalling.status != EStatus::REPEATED) {
+        m_Tell([&](IReportWriter& writer) { writer.Signalling(signalling); });
     }
 }
 
 void CReport::GuideObject(const SGuideObject& object)
 {
     ++m_summary.guide.objects[static_cast<std::size_t>(object.status)];
-    if (!m_quiet && object.status != EStatus::REPEATED) {
-        m_writer.GuideObject(object);
+    if (object.status != EStatus::REPEATED) {
+        m_Tell([&](IReportWriter& writer) { writer.GuideObject(object); });
     }
 }
 
 void CReport::Guide(const SGuide& guide)
 {
-    if (!m_quiet) {
-        m_writer.Guide(guide);
-    }
+    m_Tell([&](IReportWriter& writer) { writer.Guide(guide); });
 }
 
 void CReport::Fault(const SFault& fault)
@@ -177,13 +187,14 @@ void CReport::Fault(const SFault& fault)
         m_summary.firstFaults.push_back(fault);
     }
     m_writer.Fault(fault);
+    if (m_page != nullptr) {
+        m_page->Fault(fault);
+    }
 }
 
 void CReport::Finish()
 {
-    if (!m_quiet) {
-        m_writer.Summary(m_summary);
-    }
+    m_Tell([&](IReportWriter& writer) { writer.Summary(m_summary); });
 }
 
 }  // namespace vyr::inspect

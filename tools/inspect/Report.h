@@ -240,8 +240,8 @@ class IReportWriter {
 /// What a run finds, on its way to the writer: counts it for the summary.
 class CReport {
   public:
-    /// With `quiet`, the writer is told of faults only.
-    CReport(IReportWriter& writer, bool quiet);
+    /// With `quiet`, the writer is told of faults only; the page, if there is one, of everything.
+    CReport(IReportWriter& writer, bool quiet, IReportWriter* page = nullptr);
 
     void Table(const STable& table);
     void Signalling(const SSignalling& signalling);
@@ -255,7 +255,11 @@ class CReport {
   private:
     static constexpr std::size_t k_firstFaults = 20;
 
+    template <class TTell>
+    void m_Tell(TTell tell);
+
     IReportWriter& m_writer;
+    IReportWriter* const m_page;
     const bool m_quiet;
     SSummary m_summary;
 };

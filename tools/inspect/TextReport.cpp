@@ -135,12 +135,7 @@ std::string SltText(const SSlt& slt)
         text += "  URL" + (url.urlType >= 0 ? " of type " + Named(url.urlType, UrlTypeName(url.urlType)) : "") + ": " +
                 Printable(url.url) + '\n';
     }
-    if (!slt.services.empty()) {
-        std::vector<TRow> rows = {{"id", "channel", "name", "category", "protocol", "destination", "source", "flags"}};
-        std::transform(slt.services.begin(), slt.services.end(), std::back_inserter(rows), ServiceRow);
-        text += Aligned(rows);
-    }
-    return text;
+    return text + (slt.services.empty() ? std::string() : Aligned(ServiceRows(slt.services)));
 }
 
 std::string FaultText(const SFault& fault)
@@ -237,13 +232,17 @@ std::string PacketsText(const SPacketCounts& packets)
 
 }  // namespace
 
-void CTextReport::Table(const STable& table)
+std::vector<TRow> ServiceRows(const std::vector<SParseSLT::SService>& services)
 {
-    if (table.status == EStatus::REPEATED) {
-        return;
-    }
-    std::string text = Place(table.source) + TableTitle(table.header.tableId) + " version " +
-                       std::to_string(table.header.version) + " group " + std::to_string(table.header.groupId);
+    std::vector<TRow> rows = {{"id", "channel", "name", "category", "protocol", "destination", "source", "flags"}};
+    std::transform(services.begin(), services.end(), std::back_inserter(rows), ServiceRow);
+    return rows;
+}
+
+std::string Headline(const STable& table)
+{
+    std::string text = TableTitle(table.header.tableId) + " version " + std::to_string(table.header.version) +
+                       " group " + std::to_string(table.header.groupId);
     if (table.header.groupCountMinus1 != 0) {
         text += " of " + Counted(table.header.groupCountMinus1 + 1u, "group");
     }
@@ -252,73 +251,44 @@ void CTextReport::Table(const STable& table)
     if (table.slt) {
         text += ", bsid " + std::to_string(table.slt->bsid) + ", " + Counted(table.slt->services.size(), "service");
         text += table.slt->dropped != 0 ? ", " + std::to_string(table.slt->dropped) + " dropped" : "";
-        text += table.slt->cmsSignedData ? ", with CMSSignedData\n" : "\n";
-        text += table.status != EStatus::NEW_VERSION_SAME_CONTENT ? SltText(*table.slt) : std::string();
-    } else if (table.content) {
-        text += ", " + table.content->headline + '\n';
-        text += table.status != EStatus::NEW_VERSION_SAME_CONTENT ? table.content->text : std::string();
-    } else {
-        text += ", " + Counted(table.payload.size, "byte") + " (" + table.encoding + ')';
-        text += table.parserExists ? "\n" : ": " + Hex(table.payload.First(k_shownBytes));
-        text += table.parserExists ? "" : table.payload.size > k_shownBytes ? "...\n" : "\n";
+        return text + (table.slt->cmsSignedData ? ", with CMSSignedData" : "");
     }
-    m_output.Write(text);
+    if (table.content) {
+        return text + ", " + table.content->headline;
+    }
+    text += ", " + Counted(table.payload.size, "byte") + " (" + table.encoding + ')';
+    text += table.parserExists ? "" : ": " + Hex(table.payload.First(k_shownBytes));
+    return text + (!table.parserExists && table.payload.size > k_shownBytes ? "..." : "");
 }
 
-void CTextReport::Signalling(const SSignalling& signalling)
+std::string Headline(const SSignalling& signalling)
 {
     std::vector<std::string> services;
     for (const unsigned serviceId : signalling.services) {
         services.push_back(std::to_string(serviceId));
     }
-    std::string text = Place(signalling.source) + "signalling";
+    std::string text = "signalling";
     text += services.empty() ? "" : (services.size() == 1 ? " of service " : " of services ") + Joined(services);
     text += signalling.session.empty() ? "" : " on " + signalling.session;
     text += signalling.toi ? " TOI " + ToiText(*signalling.toi) : "";
-    text += std::string(": ") + StatusText(signalling.status) + ", " +
-            Counted(signalling.documents.size(), "document") + ", " + Counted(signalling.size, "byte") +
-            (signalling.gzip ? " (gzip)\n" : "\n");
-    if (signalling.status != EStatus::NEW_VERSION_SAME_CONTENT) {
-        text += ItemsText(signalling);
-        for (const SSlsDocument& document : signalling.documents) {
-            text += DocumentText(document);
-        }
-    }
-    m_output.Write(text);
+    return text + ": " + StatusText(signalling.status) + ", " + Counted(signalling.documents.size(), "document") +
+           ", " + Counted(signalling.size, "byte") + (signalling.gzip ? " (gzip)" : "");
 }
 
-void CTextReport::GuideObject(const SGuideObject& object)
+std::string Headline(const SGuideObject& object)
 {
-    std::string text = Place(object.source) + "guide " + GuideObjectName(object.kind);
+    std::string text = std::string("guide ") + GuideObjectName(object.kind);
     text += object.session.empty() ? "" : " on " + object.session;
     text += object.tsi ? " TSI " + std::to_string(*object.tsi) : "";
     text += object.toi ? " TOI " + ToiText(*object.toi) : "";
     text += object.contentLocation.empty() ? "" : ' ' + Printable(object.contentLocation);
     text += std::string(": ") + StatusText(object.status) + ", " + Counted(object.size, "byte");
     text += object.gzip ? " (gzip)" : "";
-    text += object.content ? ", " + object.content->headline + '\n' : ", did not parse\n";
-    text += object.content ? object.content->text : "";
-    m_output.Write(text);
+    return text + (object.content ? ", " + object.content->headline : ", did not parse");
 }
 
-void CTextReport::Guide(const SGuide& guide)
+std::vector<TRow> SummaryRows(const SSummary& summary)
 {
-    m_output.Write(Place(guide.source) + GuideText(guide, m_localTime));
-}
-
-void CTextReport::Fault(const SFault& fault)
-{
-    // Of an input that is none, stderr tells.
-    if (!IsInputFault(fault.code)) {
-        m_output.Write(FaultText(fault));
-    }
-}
-
-void CTextReport::Summary(const SSummary& summary)
-{
-    if (summary.captures + summary.rawTables + summary.slsFiles + summary.guideFiles == 0) {
-        return;
-    }
     std::vector<TRow> rows = {{"inputs", std::to_string(summary.inputs) + ": " + Counted(summary.captures, "capture") +
                                              ", " + Counted(summary.rawTables, "raw table")}};
     if (summary.slsFiles != 0) {
@@ -349,7 +319,57 @@ void CTextReport::Summary(const SSummary& summary)
         rows.push_back({"guide", GuideCountsText(summary.guide)});
     }
     rows.push_back({"faults", std::to_string(summary.faults)});
-    std::string text = "\nsummary\n" + Aligned(rows);
+    return rows;
+}
+
+void CTextReport::Table(const STable& table)
+{
+    if (table.status == EStatus::REPEATED) {
+        return;
+    }
+    std::string text = Place(table.source) + Headline(table) + '\n';
+    if (table.status != EStatus::NEW_VERSION_SAME_CONTENT) {
+        text += table.slt ? SltText(*table.slt) : table.content ? table.content->text : std::string();
+    }
+    m_output.Write(text);
+}
+
+void CTextReport::Signalling(const SSignalling& signalling)
+{
+    std::string text = Place(signalling.source) + Headline(signalling) + '\n';
+    if (signalling.status != EStatus::NEW_VERSION_SAME_CONTENT) {
+        text += ItemsText(signalling);
+        for (const SSlsDocument& document : signalling.documents) {
+            text += DocumentText(document);
+        }
+    }
+    m_output.Write(text);
+}
+
+void CTextReport::GuideObject(const SGuideObject& object)
+{
+    m_output.Write(Place(object.source) + Headline(object) + '\n' + (object.content ? object.content->text : ""));
+}
+
+void CTextReport::Guide(const SGuide& guide)
+{
+    m_output.Write(Place(guide.source) + GuideText(guide, m_localTime));
+}
+
+void CTextReport::Fault(const SFault& fault)
+{
+    // Of an input that is none, stderr tells.
+    if (!IsInputFault(fault.code)) {
+        m_output.Write(FaultText(fault));
+    }
+}
+
+void CTextReport::Summary(const SSummary& summary)
+{
+    if (summary.captures + summary.rawTables + summary.slsFiles + summary.guideFiles == 0) {
+        return;
+    }
+    std::string text = "\nsummary\n" + Aligned(SummaryRows(summary));
     for (const SFault& fault : summary.firstFaults) {
         text += "    " + FaultText(fault);
     }

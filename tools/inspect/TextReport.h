@@ -1,11 +1,22 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "Output.h"
 #include "Report.h"
+#include "Text.h"
 
 namespace vyr::inspect {
+
+/// The line that tells of one thing that came: what it is, and what is new about it.
+std::string Headline(const STable& table);
+std::string Headline(const SSignalling& signalling);
+std::string Headline(const SGuideObject& object);
+/// The services of a list, below their column titles.
+std::vector<TRow> ServiceRows(const std::vector<SParseSLT::SService>& services);
+/// What the summary counts, each behind its label.
+std::vector<TRow> SummaryRows(const SSummary& summary);
 
 /// The report for people.
 class CTextReport : public IReportWriter {
