@@ -59,7 +59,7 @@ EExitStatus CInspector::Run()
             m_failed = m_failed || error.Code() <= EFault::INPUT_DIRECTORY;
             m_report.Fault({error.Code(), error.what(), {name, 0, {}}});
         }
-        if (m_output.Error() != 0) {
+        if (m_output.Ended()) {
             break;
         }
     }
@@ -117,14 +117,14 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             m_report.Summary().llsDatagrams += follower->Tables();
             m_Finish(*follower);
         }
-        if (m_output.Error() == 0) {
+        if (!m_output.Ended()) {
             route->Finish(name);
             m_CaptureFaults(name, decoder.Counts(), followers, destinations);
         }
     };
     SPacket packet;
     try {
-        while (m_output.Error() == 0 && input.Next(packet)) {
+        while (!m_output.Ended() && input.Next(packet)) {
             ++source.packet;
             source.time = packet.time;
             decoder.Decode(packet.bytes, packet.cut);

@@ -5,7 +5,9 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 
 #include "ExitStatus.h"
 #include "common/Version.h"
@@ -64,6 +66,17 @@ std::pair<std::string, int> ReadSetting(const std::string& text)
     return {text.substr(0, equals), value};
 }
 
+/// The page must not take the place of what is read.
+void CheckPage(const std::string& page, const std::vector<std::string>& inputs)
+{
+    std::error_code none;
+    for (const std::string& input : inputs) {
+        if (!page.empty() && std::filesystem::equivalent(page, input, none)) {
+            throw CLI::ValidationError("--html", "'" + page + "' is an input");
+        }
+    }
+}
+
 }  // namespace
 
 bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exitStatus)
@@ -85,6 +98,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         ->required()
         ->type_name("");
     app.add_flag("--json", options.json, "Write one JSON object per line in place of text");
+    app.add_option("--html", options.html, "Write the whole report as one HTML page as well")->type_name("FILE");
     app.add_flag("--local-time", options.localTime, "Show the guide's times in the machine's time zone, not in UTC");
     app.add_option("--genres", options.genres, "Classification scheme with the names of the guide's genres")
         ->type_name("FILE");
@@ -111,6 +125,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     try {
         app.parse(argc, argv);
         options.log = ReadLevel(log);
+        CheckPage(options.html, options.inputs);
         for (const std::string& text : streams) {
             options.llsStreams.insert(ReadEndpoint("--lls", text));
         }

@@ -4,9 +4,11 @@
 #include <cstring>
 #include <exception>
 
+#include "HtmlReport.h"
 #include "Inspector.h"
 #include "JsonReport.h"
 #include "Options.h"
+#include "Text.h"
 #include "TextReport.h"
 
 namespace {
@@ -23,6 +25,12 @@ void WatchSignals()
     sigaction(SIGTERM, &action, nullptr);
 }
 
+int Failed(const std::string& output, int error)
+{
+    std::fprintf(stderr, "vyr-atsc30-inspect: %s: %s\n", Printable(output).c_str(), std::strerror(error));
+    return EXIT_FAILED;
+}
+
 int Inspect(int argc, char** argv)
 {
     SOptions options;
@@ -30,18 +38,32 @@ int Inspect(int argc, char** argv)
     if (!ReadOptions(argc, argv, options, &exitStatus)) {
         return exitStatus;
     }
+    COutputFile file(options.html);
+    if (file.Error() != 0) {
+        return Failed(options.html, file.Error());
+    }
     WatchSignals();
     CProgress progress(options.progress);
     COutput output(progress);
     CTextReport text(output, options.localTime);
     CJsonReport json(output);
     IReportWriter& writer = options.json ? static_cast<IReportWriter&>(json) : text;
-    CReport report(writer, options.quiet);
+    const bool paged = !options.html.empty();
+    CHtmlReport page(options.localTime);
+    if (paged) {
+        output.SetOptional();
+    }
+    CReport report(writer, options.quiet, paged ? &page : nullptr);
     CInspector inspector(options, report, output, progress);
     exitStatus = inspector.Run();
+    if (paged) {
+        file.Write(page.Page());
+    }
+    if (file.Error() != 0) {
+        exitStatus = Failed(options.html, file.Error());
+    }
     if (output.Error() != 0 && output.Error() != EPIPE) {
-        std::fprintf(stderr, "vyr-atsc30-inspect: standard output: %s\n", std::strerror(output.Error()));
-        return EXIT_FAILED;
+        exitStatus = Failed("standard output", output.Error());
     }
     return exitStatus;
 }
