@@ -10,23 +10,15 @@ namespace vyr::inspect {
 namespace {
 
 constexpr std::size_t k_longText = 2048;
+constexpr std::size_t k_summaryText = 80;
 constexpr std::size_t k_mostItems = 100;
 constexpr std::size_t k_mostRows = 200;
 constexpr std::size_t k_mostColumns = 64;
 constexpr std::size_t k_openRows = 20;
 constexpr std::size_t k_inlineMembers = 6;
 constexpr std::size_t k_summaryMembers = 3;
+constexpr std::size_t k_wideCell = 80;  // with its markup
 constexpr unsigned k_deepest = 16;
-
-/// The start of a long text, cut between two characters.
-std::string Start(const std::string& text)
-{
-    std::size_t end = std::min(text.size(), k_longText);
-    while (end < text.size() && end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
-        --end;
-    }
-    return text.substr(0, end);
-}
 
 std::string MoreText(std::size_t count, const char* what)
 {
@@ -71,15 +63,15 @@ std::string Atom(const TJson& json)
 {
     if (IsText(json)) {
         const std::string lang = json.value("lang", "");
-        const std::string text = json["text"];
-        return HtmlIsolated(Start(text), lang) + (text.size() > k_longText ? "\u2026" : "") +
-               (lang.empty() ? std::string() : " <small>" + HtmlText(lang) + "</small>");
+        return HtmlIsolated(HtmlClipped(json.value("text", ""), k_longText), lang) +
+               (lang.empty() ? std::string() : " <small>" + HtmlText(HtmlClipped(lang, k_summaryText)) + "</small>");
     }
     if (json.is_string()) {
         const std::string& text = json.get_ref<const std::string&>();
-        const std::string start = Start(text);
-        return (text.empty() ? "<span class=\"muted\">empty</span>" : HtmlIsolated(start)) +
-               (start.size() < text.size() ? ' ' + MoreText(text.size() - start.size(), "byte") : std::string());
+        return text.empty() ? "<span class=\"muted\">empty</span>"
+                            : HtmlIsolated(HtmlClipped(text, k_longText)) +
+                                  (text.size() > k_longText ? " <small>" + Counted(text.size(), "byte") + "</small>"
+                                                            : std::string());
     }
     if (json.is_boolean()) {
         return json.get<bool>() ? "yes" : "no";
@@ -118,18 +110,17 @@ std::string Member(const TJson& object, const std::string& key)
     return Cell(value) + (named ? " <span class=\"muted\">" + HtmlText(name->get<std::string>()) + "</span>" : "");
 }
 
-/// What tells one object of a list from the others: its first values.
-std::string Identity(const TJson& object)
+/// What tells one object of a list from the others: its first values; counts the members that it shows.
+std::string Identity(const TJson& object, std::size_t& shown)
 {
     std::string html;
-    std::size_t shown = 0;
     for (const auto& [key, value] : object.items()) {
-        const bool usable =
-            !value.is_structured() && !(value.is_string() && value.get_ref<const std::string&>().empty());
-        if (usable && !IsNameOf(object, key) && shown++ < k_summaryMembers) {
+        const bool text = value.is_string() && !value.get_ref<const std::string&>().empty();
+        if (shown < k_summaryMembers && (text || value.is_primitive()) && !IsNameOf(object, key)) {
+            ++shown;
             html +=
                 "<span class=\"pair\"><span class=\"key\">" + HtmlText(key) + "</span> " +
-                (value.is_string() ? HtmlIsolated(Short(Printable(Start(value.get<std::string>())))) : Atom(value)) +
+                (text ? HtmlIsolated(HtmlClipped(value.get_ref<const std::string&>(), k_summaryText)) : Atom(value)) +
                 "</span> ";
         }
     }
@@ -154,8 +145,10 @@ class CTree {
         bool list = false;
         for (const auto& [key, value] : object.items()) {
             if (IsSimple(value) && !IsNameOf(object, key) && !m_Full()) {
-                m_html += std::string(list ? "" : "<dl>") + "<div><dt>" + HtmlText(key) + "</dt><dd>" +
-                          Member(object, key) + "</dd></div>";
+                const std::string cell = Member(object, key);
+                m_html += std::string(list ? "" : "<dl class=\"members\">") +
+                          (cell.size() > k_wideCell ? "<div class=\"wide\"><dt>" : "<div><dt>") + HtmlText(key) +
+                          "</dt><dd>" + cell + "</dd></div>";
                 list = true;
             }
         }
@@ -175,7 +168,7 @@ class CTree {
         if (depth == k_deepest) {
             m_html += "<p>" + HtmlText(key) + ": nested too deep to be shown</p>";
         } else if (value.is_object()) {
-            m_Fold(HtmlText(key), value, depth);
+            m_Fold(key, value, depth);
         } else if (value.size() > 1 && std::all_of(value.begin(), value.end(), IsRow)) {
             m_Table(key, value);
         } else {
@@ -187,7 +180,7 @@ class CTree {
                 }
                 ++shown;
                 if (item.is_object()) {
-                    m_Fold(HtmlText(key) + ' ' + Identity(item), item, depth);
+                    m_Fold(key, item, depth);
                 } else if (IsSimple(item)) {
                     m_html += "<p><span class=\"key\">" + HtmlText(key) + "</span> " + Cell(item) + "</p>";
                 } else {
@@ -197,8 +190,15 @@ class CTree {
         }
     }
 
-    void m_Fold(const std::string& summary, const TJson& object, unsigned depth)
+    /// An object below its first values; these alone when they are all it has.
+    void m_Fold(const std::string& key, const TJson& object, unsigned depth)
     {
+        std::size_t shown = 0;
+        const std::string summary = HtmlText(key) + ' ' + Identity(object, shown);
+        if (shown == object.size()) {
+            m_html += "<p class=\"leaf\">" + summary + "</p>";
+            return;
+        }
         m_html += "<details open class=\"tree\"><summary>" + summary + "</summary>";
         m_Members(object, depth + 1);
         m_html += "</details>";
@@ -262,6 +262,15 @@ std::string HtmlText(const std::string& text)
         }
     }
     return html;
+}
+
+std::string HtmlClipped(const std::string& text, std::size_t bytes)
+{
+    std::size_t end = std::min(text.size(), bytes);
+    while (end < text.size() && end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+        --end;
+    }
+    return end < text.size() ? text.substr(0, end) + "\u2026" : text;
 }
 
 std::string HtmlIsolated(const std::string& text, const std::string& lang)

@@ -9,6 +9,8 @@ namespace vyr::inspect {
 
 /// The text as it may stand in an HTML element or in a quoted attribute: printable, without markup.
 std::string HtmlText(const std::string& text);
+/// The text, or its first bytes with "…" behind them.
+std::string HtmlClipped(const std::string& text, std::size_t bytes);
 /// The text in an element that keeps its direction from what stands around it; its language as attribute,
 /// if it is one.
 std::string HtmlIsolated(const std::string& text, const std::string& lang = {});

@@ -18,6 +18,7 @@ constexpr std::int64_t k_dayMinutes = 1440;
 constexpr std::int64_t k_hourMinutes = 60;
 constexpr std::int64_t k_endOfTime = 253402300800;  // the year 10000
 constexpr std::int64_t k_unknownLength = 30 * k_minute;
+constexpr std::size_t k_longTitle = 96;
 constexpr std::size_t k_longText = 4096;
 constexpr std::size_t k_openProgrammes = 40;
 
@@ -52,16 +53,15 @@ std::optional<std::int64_t> Shown(const std::optional<std::int64_t>& seconds, bo
 
 std::string FirstText(const std::vector<SGuideText>& texts, const char* none)
 {
-    return texts.empty() ? std::string(none) : HtmlIsolated(Short(Printable(texts[0].text)), texts[0].lang);
+    return texts.empty() ? std::string(none) : HtmlIsolated(HtmlClipped(texts[0].text, k_longTitle), texts[0].lang);
 }
 
 std::string Texts(const char* label, const std::vector<SGuideText>& texts)
 {
     std::string html;
     for (const SGuideText& text : texts) {
-        const bool cut = text.text.size() > k_longText;
         html += std::string("<div><dt>") + label + "</dt><dd>" +
-                HtmlIsolated(cut ? Short(Printable(text.text)) : text.text, text.lang) +
+                HtmlIsolated(HtmlClipped(text.text, k_longText), text.lang) +
                 (text.lang.empty() ? std::string() : " <small>" + HtmlText(text.lang) + "</small>") + "</dd></div>";
     }
     return html;
@@ -70,7 +70,8 @@ std::string Texts(const char* label, const std::vector<SGuideText>& texts)
 std::string List(const char* label, const std::vector<std::string>& texts)
 {
     return texts.empty() ? std::string()
-                         : std::string("<div><dt>") + label + "</dt><dd>" + HtmlIsolated(Joined(texts)) + "</dd></div>";
+                         : std::string("<div><dt>") + label + "</dt><dd>" +
+                               HtmlIsolated(HtmlClipped(Joined(texts), k_longText)) + "</dd></div>";
 }
 
 class CGuidePage {
@@ -247,7 +248,7 @@ class CGuidePage {
                   FirstText(programme.titles, "no title") + "</b> " +
                   (programme.genres.empty()
                        ? std::string()
-                       : "<small>" + HtmlIsolated(Short(Printable(Joined(programme.genres)))) + "</small>") +
+                       : "<small>" + HtmlIsolated(HtmlClipped(Joined(programme.genres), k_longTitle)) + "</small>") +
                   "</summary><dl id=\"" + anchor + "\">" + Texts("title", programme.titles) +
                   Texts("description", programme.descriptions) + List("genre", programme.genres) +
                   List("rating", programme.ratings) + List("audio", programme.audioLanguages) +

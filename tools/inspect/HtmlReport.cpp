@@ -14,7 +14,10 @@ namespace {
 
 constexpr unsigned k_envelope = k_slsDocuments;  ///< behind the kinds of documents
 constexpr std::size_t k_fewServices = 4;
+constexpr std::size_t k_fewFiles = 3;
 constexpr std::size_t k_longKey = 256;
+constexpr std::size_t k_longTitle = 96;
+constexpr std::size_t k_longLine = 512;
 
 double Seconds(const STime& time)
 {
@@ -74,7 +77,8 @@ std::string CertificateRows(const TJson& certificates, const std::optional<STime
         }
         rows += "<tr>";
         for (const char* key : {"subject", "issuer", "notBefore", "notAfter"}) {
-            rows += "<td>" + HtmlIsolated(certificate.value(key, "")) + "</td>";
+            rows +=
+                (key[0] == 'n' ? "<td class=\"time\">" : "<td>") + HtmlIsolated(certificate.value(key, "")) + "</td>";
         }
         rows += "<td>" + Validity(certificate, time) + "</td></tr>";
     }
@@ -159,7 +163,7 @@ void CHtmlReport::Table(const STable& table)
     if (table.status == EStatus::REPEATED) {
         return;
     }
-    m_Add(m_changes, table.source, "<td>" + HtmlText(Short(Headline(table))) + "</td>");
+    m_Add(m_changes, table.source, "<td>" + HtmlText(HtmlClipped(Headline(table), k_longLine)) + "</td>");
     const TKey key = {file, GroupText(table), std::to_string(table.header.tableId)};
     if (SPart* part = m_Find(m_tables, key)) {
         std::string title = Headline(table);
@@ -192,7 +196,7 @@ void CHtmlReport::m_Slt(const STable& table, const TKey& key)
         SListed listed;
         listed.id = static_cast<unsigned>(table.slt->services[i].serviceId);
         listed.title = "<b>" + HtmlText(row[0]) + "</b> " + (row[1] != "-" ? HtmlText(row[1]) + ' ' : "") +
-                       HtmlIsolated(Short(row[2]));
+                       HtmlIsolated(HtmlClipped(row[2], k_longTitle));
         for (std::size_t cell = 1; cell < row.size(); ++cell) {
             listed.cells += "<td>" + (cell == 2 ? HtmlIsolated(row[cell]) : HtmlText(row[cell])) + "</td>";
         }
@@ -226,8 +230,8 @@ void CHtmlReport::m_Alerts(const STable& table, const TKey& key)
         const TJson& events = json["EventDesc"];
         const bool named = !events.empty() && !events[0].value("text", "").empty();
         const std::string title =
-            named ? HtmlIsolated(Short(Printable(events[0].value("text", ""))), events[0].value("lang", ""))
-                  : "alert " + HtmlIsolated(Short(Printable(id)));
+            named ? HtmlIsolated(HtmlClipped(events[0].value("text", ""), k_longTitle), events[0].value("lang", ""))
+                  : "alert " + HtmlIsolated(HtmlClipped(id, k_longTitle));
         alert->current = true;
         alert->table = key;
         m_Hold(alert->part, "<b>" + title + "</b>", table.source,
@@ -249,7 +253,7 @@ void CHtmlReport::m_Certificates(const STable& table, const TKey& key)
     }
     std::string html;
     if (certificates) {
-        html = HtmlTable("", {"subject", "issuer", "valid from", "until", ""},
+        html = HtmlTable("", {"subject", "issuer", "valid from", "until", "at the capture"},
                          CertificateRows((*json)["Certificates"], table.source.time)) +
                HtmlTree(Without(*json, {"Certificates"}));
     } else if (multiTable) {
@@ -270,7 +274,8 @@ void CHtmlReport::Signalling(const SSignalling& signalling)
                  (document.content ? std::string(" ") + DocumentStatusName(document.status) : " did not parse");
     }
     m_Add(m_changes, signalling.source,
-          "<td>" + HtmlText(Headline(signalling)) + names + (names.empty() ? "</td>" : "</small></td>"));
+          "<td>" + HtmlText(HtmlClipped(Headline(signalling), k_longLine)) + names +
+              (names.empty() ? "</td>" : "</small></td>"));
     const TKey key = {file, signalling.session, {}};
     SSession* session = m_Find(m_sessions, key);
     if (session == nullptr) {
@@ -289,7 +294,7 @@ void CHtmlReport::Signalling(const SSignalling& signalling)
             m_Hold(part, name + Badge("bad", "did not parse"), signalling.source,
                    "<p>" + HtmlText(document.reason) + "</p>");
         } else if (document.status != EDocumentStatus::UNCHANGED || part.versions == 0) {
-            m_Hold(part, name + "<small>" + HtmlText(Short(Printable(document.content->headline))) + "</small>",
+            m_Hold(part, name + "<small>" + HtmlText(HtmlClipped(document.content->headline, k_longLine)) + "</small>",
                    signalling.source, HtmlTree(document.content->json));
         }
     }
@@ -302,7 +307,7 @@ void CHtmlReport::Signalling(const SSignalling& signalling)
 void CHtmlReport::GuideObject(const SGuideObject& object)
 {
     const std::size_t file = m_See(object.source);
-    const std::string headline = Short(Headline(object));
+    const std::string headline = HtmlClipped(Headline(object), k_longLine);
     m_Add(m_changes, object.source, "<td>" + HtmlText(headline) + "</td>");
     std::string what = GuideObjectName(object.kind) + ' ' + (object.tsi ? std::to_string(*object.tsi) : "") + ' ';
     what += object.toi ? ToiText(*object.toi) : Cut(object.contentLocation);
@@ -323,10 +328,11 @@ void CHtmlReport::Fault(const SFault& fault)
 {
     const std::size_t file = m_See(fault.source);
     m_Add(m_faults, fault.source,
-          "<td>" + Badge("bad", FaultName(fault.code)) + "</td><td>" + HtmlText(fault.message) + "</td>");
+          "<td>" + Badge("bad", FaultName(fault.code)) + "</td><td>" +
+              HtmlText(HtmlClipped(fault.message, k_longLine)) + "</td>");
     if (fault.code == EFault::NO_SIGNALLING && fault.serviceId) {
         if (std::string* why = m_Find(m_missing, {file, *fault.serviceId})) {
-            *why = fault.message;
+            *why = HtmlClipped(fault.message, k_longLine);
         }
     }
 }
@@ -366,7 +372,11 @@ std::string CHtmlReport::m_Head() const
 {
     std::string files;
     for (const std::string& file : m_files) {
-        files += (files.empty() ? "" : ", ") + HtmlText(file == "-" ? "standard input" : file);
+        files += (files.empty() ? "" : ", ") + HtmlIsolated(file == "-" ? "standard input" : file);
+    }
+    const std::string title = m_files.size() == 1 ? HtmlText(m_files[0]) : Counted(m_files.size(), "input");
+    if (m_files.size() > k_fewFiles) {
+        files = "<details><summary>" + title + "</summary>" + files + "</details>";
     }
     std::string html =
         "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
@@ -375,12 +385,12 @@ std::string CHtmlReport::m_Head() const
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">"
         "<meta name=\"referrer\" content=\"no-referrer\">"
         "<meta name=\"color-scheme\" content=\"light dark\"><title>ATSC 3.0 signalling";
-    html += (files.empty() ? "" : ": " + files) + "</title><style>" + k_htmlStyle + "</style></head>\n<body>\n" +
-            "<header><h1>ATSC 3.0 signalling</h1><p><bdi>" + files + "</bdi>";
+    html += ": " + title + "</title><style>" + k_htmlStyle + "</style></head>\n<body>\n" +
+            "<header><h1>ATSC 3.0 signalling</h1><div>" + files + "</div>";
     if (m_first && m_last) {
-        html += "<br><small>" + EpochText(Seconds(*m_first)) + " to " + EpochText(Seconds(*m_last)) + "</small>";
+        html += "<p class=\"muted\">" + EpochText(Seconds(*m_first)) + " to " + EpochText(Seconds(*m_last)) + "</p>";
     }
-    return html + "</p></header>\n";
+    return html + "</header>\n";
 }
 
 std::string CHtmlReport::m_Overview(const SSummary& summary) const

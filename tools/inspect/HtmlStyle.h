@@ -35,6 +35,11 @@ dl{margin:.3rem 0;font-size:.875rem}
 dl>div{display:grid;grid-template-columns:minmax(7rem,13rem) minmax(0,1fr);gap:.75rem;padding:.1rem 0}
 dt,.key{color:var(--muted)}
 dd{margin:0;min-width:0}
+dl.members{display:grid;grid-template-columns:repeat(auto-fill,minmax(12rem,1fr));gap:.35rem 1.25rem}
+dl.members>div{display:block;padding:0;min-width:0}
+dl.members>.wide{grid-column:1/-1}
+dl.members dt{font-size:.8rem;line-height:1.25}
+.leaf{margin:.2rem 0;font-size:.875rem}
 .pair{margin-right:.5rem}
 details{margin:.3rem 0}
 summary{cursor:pointer;padding:.15rem 0}
@@ -50,6 +55,7 @@ white-space:nowrap}
 .good{background:var(--goodbg);color:var(--good)}
 p.verdict{border-radius:6px;padding:.5rem .75rem;font-weight:600}
 .target{scroll-margin-top:5rem}
+td.time{white-space:nowrap}
 .time{font-variant-numeric:tabular-nums}
 .epg{display:grid;width:max-content;grid-auto-rows:minmax(2.9rem,auto);font-size:.8125rem;border-bottom:1px solid var(--line)}
 .epg .hour{border-left:1px solid var(--line);padding:.1rem .35rem;color:var(--muted)}
@@ -64,6 +70,7 @@ footer{margin-top:3rem;padding-bottom:2rem}
 @media(max-width:640px){
 header,nav,main,footer{padding-left:.9rem;padding-right:.9rem}
 dl>div{grid-template-columns:minmax(0,1fr);gap:0;padding:.2rem 0}
+dl.members{grid-template-columns:repeat(auto-fill,minmax(8rem,1fr));gap:.3rem .75rem}
 details.item{padding:.2rem .6rem}
 details.tree{padding-left:.5rem}
 .grid{display:none}

@@ -1,0 +1,278 @@
+#include "HtmlReport.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "Html.h"
+#include "Markup.h"
+
+namespace {
+
+using namespace vyr::inspect;
+
+const std::string k_hostile =
+    "</title></style><script>alert(1)</script><img src=x onerror='a()'>\" style=\"x&\xE2\x80\xAE\x1B";
+
+std::size_t Count(const std::string& text, const std::string& part)
+{
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+TEST(Html, BroadcastTextIsNoMarkup)
+{
+    EXPECT_EQ(HtmlText("<a href=\"x\">'&amp;'</a>"), "&lt;a href=&quot;x&quot;&gt;&#39;&amp;amp;&#39;&lt;/a&gt;");
+    EXPECT_EQ(HtmlText("a\xE2\x80\xAE\x80\n日"), "a\\u202E\\x80\\x0A日");
+    EXPECT_EQ(HtmlIsolated("x", "en-US"), "<bdi lang=\"en-US\">x</bdi>");
+    EXPECT_EQ(HtmlIsolated("x", "en\" onclick=\"a"), "<bdi>x</bdi>");
+    EXPECT_EQ(HtmlClipped("é日", 4), "é…") << "no character is cut";
+    EXPECT_EQ(HtmlClipped("é日", 5), "é日");
+}
+
+TEST(Html, TreeShowsAnyJson)
+{
+    TJson json = {{"slsProtocol", 1},
+                  {"slsProtocolName", "ROUTE"},
+                  {"hidden", false},
+                  {"rate", 0.5},
+                  {"none", nullptr},
+                  {"empty", ""},
+                  {"text", k_hostile},
+                  {"ids", {1, 2}},
+                  {"nothing", TJson::array()},
+                  {"EventDesc", {{{"lang", "en"}, {"text", "Flood"}}, {{"text", "?"}}}},
+                  {"signature", {{"signers", 1}, {"digest", "SHA512"}}},
+                  {"File", {{{"TOI", 1}}, {{"TOI", 2}, {"Type", "<b>"}}}},
+                  {"Name", {{"lang", "eng"}, {"deep", {{"er", {{"x", {1, {2}}}}}}}}},
+                  {"List", {{1, {2}}, 3}}};
+    const std::string html = HtmlTree(json);
+    EXPECT_EQ(MarkupFault(html), "");
+    for (const char* part :
+         {"<dt>slsProtocol</dt><dd>1 <span class=\"muted\">ROUTE</span></dd>", "<dt>hidden</dt><dd>no</dd>",
+          "<dt>rate</dt><dd>0.5</dd>", "<dt>none</dt><dd>\u2013</dd>", "<dt>ids</dt><dd>1, 2</dd>",
+          "&lt;script&gt;alert(1)", "<bdi lang=\"en\">Flood</bdi> <small>en</small><br><bdi>?</bdi>",
+          "<span class=\"key\">signers</span> 1, <span class=\"key\">digest</span> <bdi>SHA512</bdi>",
+          "<th scope=\"col\">TOI</th><th scope=\"col\">Type</th>", "<tr><td>1</td><td></td></tr>",
+          "<td><bdi>&lt;b&gt;</bdi></td>", "<summary>Name ", "<summary>deep ", "<span class=\"key\">List</span> 3"}) {
+        EXPECT_NE(html.find(part), std::string::npos) << part << '\n' << html;
+    }
+    EXPECT_EQ(html.find("slsProtocolName"), std::string::npos);
+
+    TJson rows = TJson::array();
+    for (int i = 0; i < 201; ++i) {
+        rows.push_back({{"i", i}});
+    }
+    EXPECT_NE(HtmlTree({{"rows", rows}}).find("\u2026 1 row more"), std::string::npos);
+    EXPECT_LT(HtmlTree({{"rows", rows}}, 2000).size(), 2600u);
+    EXPECT_NE(HtmlTree({{"rows", rows}}, 2000).find("left out here"), std::string::npos);
+    TJson deep = {{"a", 1}, {"b", {{"c", TJson::array({TJson::array({1})})}}}};
+    for (int i = 0; i < 40; ++i) {
+        deep = {{"a", TJson::object({{"x", deep}, {"y", deep.size()}})}};
+    }
+    EXPECT_NE(HtmlTree(deep).find("nested too deep"), std::string::npos);
+    EXPECT_EQ(MarkupFault(HtmlTree(deep)), "");
+}
+
+STable Alert(unsigned char version, const std::vector<std::string>& ids, const std::string& text)
+{
+    STable table;
+    table.source = {"a.pcap", version, STime{1800000000 + version, 0}};
+    table.stream = "224.0.23.60:4937";
+    table.header = {4, 0, 0, version};
+    table.status = version == 1 ? EStatus::NEW : EStatus::CHANGED;
+    table.parserExists = true;
+    table.content.emplace().headline = "alerts";
+    table.content->json["AEA"] = TJson::array();
+    for (const std::string& id : ids) {
+        table.content->json["AEA"].push_back({{"aeaId", id},
+                                              {"issuer", k_hostile},
+                                              {"EventDesc", {{{"lang", "en"}, {"text", "Flood " + id}}}},
+                                              {"AEAText", {{{"lang", "en"}, {"text", text}}}}});
+    }
+    return table;
+}
+
+TEST(HtmlReport, AlertsThatAreGoneStay)
+{
+    CHtmlReport report;
+    report.Table(Alert(1, {"A", "B"}, "Leave."));
+    report.Table(Alert(2, {"B"}, "Stay."));
+    report.Summary({});
+    const std::string& page = report.Page();
+    EXPECT_EQ(MarkupFault(page), "");
+    EXPECT_EQ(Count(page, "in the last table"), 1u);
+    EXPECT_EQ(Count(page, "no longer sent"), 1u);
+    EXPECT_NE(page.find("<bdi lang=\"en\">Flood B</bdi></b> <span class=\"badge bad\">in the last"), std::string::npos);
+    EXPECT_EQ(Count(page, "<bdi lang=\"en\">Leave.</bdi>"), 1u) << "of B, only the last text";
+    EXPECT_EQ(Count(page, "2 versions, the last: packet 2, <time datetime=\"2027-01-15T08:00:02Z\">08:00:02<"), 2u);
+}
+
+TEST(HtmlReport, HoldsNoMoreThanItsLimits)
+{
+    CHtmlReport report;
+    STable table = Alert(1, {}, "");
+    for (int i = 0; i < 400; ++i) {
+        table.content->json["rows"].push_back({{"text", std::string(1000, 'x')}});
+    }
+    for (unsigned i = 0; i < 5000; ++i) {
+        table.stream = "stream " + std::to_string(i);
+        report.Table(table);
+        if (i == 250) {
+            table.content->json = TJson::object();
+        }
+        report.Fault({EFault::BAD_ADDRESS, k_hostile, table.source});
+    }
+    report.Summary({});
+    EXPECT_LT(report.Page().size(), 36u << 20);
+    EXPECT_GT(report.Page().size(), 30u << 20);
+    EXPECT_EQ(Count(report.Page(), "and 4000 lines more"), 0u);
+    EXPECT_EQ(Count(report.Page(), "and 4000 lines"), 2u) << "of what changed, and of the problems";
+    EXPECT_EQ(Count(report.Page(), "parts left out"), 1u);
+    EXPECT_EQ(MarkupFault(report.Page()), "");
+}
+
+SProgramme Programme(const std::string& title, std::optional<std::int64_t> start, std::optional<std::int64_t> end)
+{
+    SProgramme programme;
+    programme.contentId = "bcast://c/" + title;
+    programme.start = start;
+    programme.end = end;
+    programme.titles = {{"en", title}};
+    programme.descriptions = {{"en", "About " + title + std::string(200, '-')}, {"ko", "설명"}};
+    programme.genres = {"News", k_hostile};
+    programme.ratings = {"TV-PG"};
+    programme.audioLanguages = {"en", "ko"};
+    return programme;
+}
+
+/// A guide of two days, with what programmes can do to a grid.
+SGuide Guide()
+{
+    constexpr std::int64_t k_evening = 1800057600;  // 2027-01-16T00:00:00Z
+    const std::int64_t t = k_evening - 3 * 3600;
+    SGuide guide;
+    guide.source.file = "guide";
+    guide.services.resize(2);
+    SGuideService& news = guide.services[0];
+    news.serviceId = 2001;
+    news.majorChannelNo = 7;
+    news.minorChannelNo = 1;
+    news.names = {{"en", "NEWS-1"}};
+    news.programmes = {Programme("Evening", t, t + 1800),
+                       Programme(k_hostile, t + 1800, t + 3600),
+                       Programme("Overlaps", t + 2700, t + 5400),
+                       Programme("Over midnight", t + 5400, t + 4 * 3600),
+                       Programme("Open end", t + 14400, std::nullopt),
+                       Programme("Unscheduled", std::nullopt, t)};
+    SGuideService& movie = guide.services[1];
+    movie.names = {{"ar", "قناة الأفلام"}};
+    movie.programmes = {Programme("Seconds", t + 90, t + 100), Programme("Backwards", t + 3600, t),
+                        Programme("Before time", -5, 9), Programme("After time", 1LL << 60, (1LL << 60) + 5)};
+    return guide;
+}
+
+/// Pages in a directory of their own, and what a browser measures of them at two widths.
+class HtmlPage : public testing::Test {
+  protected:
+    void SetUp() override
+    {
+        std::string name = testing::TempDir() + "vyr-page-XXXXXX";
+        ASSERT_NE(mkdtemp(name.data()), nullptr);
+        m_folder = name;
+    }
+    void TearDown() override { std::filesystem::remove_all(m_folder); }
+
+    void m_Write(const std::string& name, const std::string& bytes)
+    {
+        std::ofstream(m_folder + '/' + name, std::ios::binary) << bytes;
+    }
+
+    /// The measurements as JSON; null, and a failed test, without a browser.
+    nlohmann::json m_Measure(const std::vector<std::string>& pages, bool dark)
+    {
+        std::string frames;
+        for (const std::string& page : pages) {
+            for (const char* width : {"360", "1280"}) {
+                frames +=
+                    "<iframe width=" + std::string(width) + " height=800 style='border:0' src='" + page + "'></iframe>";
+            }
+        }
+        std::ifstream script(VYR_TESTS "/measure.js");
+        m_Write("wrapper.html", "<!DOCTYPE html><meta charset=utf-8><body>" + frames + "<script>" +
+                                    std::string(std::istreambuf_iterator<char>(script), {}) + "</script>");
+        const std::string command =
+            "timeout 15 chromium-headless-shell --headless --no-sandbox --disable-gpu --disable-quic --no-first-run "
+            "--disable-background-networking --disable-component-update --disable-sync --allow-file-access-from-files "
+            "--enable-logging=stderr --virtual-time-budget=5000 --blink-settings=preferredColorScheme=" +
+            std::string(dark ? "0" : "1") + " --user-data-dir='" + m_folder + "/profile' --dump-dom 'file://" +
+            m_folder + "/wrapper.html' 2> '" + m_folder + "/err'";
+        std::string dom;
+        FILE* pipe = popen(command.c_str(), "r");
+        for (int c = 0; (c = fgetc(pipe)) != EOF;) {
+            dom += static_cast<char>(c);
+        }
+        const int status = pclose(pipe);
+        std::ifstream err(m_folder + "/err");
+        const std::string log(std::istreambuf_iterator<char>(err), {});
+        EXPECT_EQ(status, 0) << "is chromium-headless-shell installed? " << log;
+        EXPECT_EQ(log.find("CONSOLE"), std::string::npos) << log;
+        const std::size_t begin = dom.find("<pre>");
+        const std::size_t end = dom.find("</pre>");
+        EXPECT_NE(end, std::string::npos) << dom;
+        return end == std::string::npos ? nlohmann::json()
+                                        : nlohmann::json::parse(dom.substr(begin + 5, end - begin - 5));
+    }
+
+    std::string m_folder;
+};
+
+TEST_F(HtmlPage, InABrowser)
+{
+    CHtmlReport report;
+    report.Table(Alert(1, {"A", k_hostile}, std::string(300, 'W')));
+    report.Guide(Guide());
+    report.Fault({EFault::NO_SIGNALLING, k_hostile, {"a.pcap", 7, {}}});
+    SSummary summary;
+    summary.faults = summary.faultsByCode[EFault::NO_SIGNALLING] = 1;
+    report.Summary(summary);
+    EXPECT_EQ(MarkupFault(report.Page()), "");
+    m_Write("guide.html", report.Page());
+    const std::string command = std::string("cd '" VYR_TEST_DATA "' && '" VYR_INSPECT "' -q --html '") + m_folder +
+                                "/capture.html' pcap/gpac-a2-multi-service.pcap lls/openssl-cdt.bin > '" + m_folder +
+                                "/text'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    for (const bool dark : {false, true}) {
+        const nlohmann::json pages = m_Measure({"guide.html", "capture.html"}, dark);
+        ASSERT_EQ(pages.size(), 4u);
+        for (std::size_t i = 0; i < pages.size(); ++i) {
+            const nlohmann::json& page = pages[i];
+            SCOPED_TRACE(page.dump());
+            const bool wide = i % 2 == 1;
+            EXPECT_EQ(page["width"], wide ? 1280 : 360);
+            EXPECT_LE(page["scrollWidth"], page["width"]) << "nothing scrolls sideways but tables in their own place";
+            EXPECT_EQ(page["sections"],
+                      "overview services guide alerts signalling tables certificates problems changes");
+            EXPECT_EQ(page["active"], 0) << "scripts, images, frames, forms, handlers";
+            EXPECT_EQ(page["brokenLinks"], 0);
+            EXPECT_EQ(page["doubleIds"], 0);
+            EXPECT_GE(page["contrast"], 4.5);
+            EXPECT_EQ(page["dark"], dark);
+            const bool grid = wide && i < 2;
+            // Minutes from the first hour on, and lengths; behind the lane of their service.
+            EXPECT_EQ(page["boxes"], grid ? "0+30/0 30+30/0 45+45/1 90+90/0 1+1/0 60+30/0 0+60/0 60+30/0" : "");
+            EXPECT_EQ(page["opened"], grid) << "a box of the grid unfolds its programme";
+            EXPECT_EQ(page["rows"], i < 2 ? 0 : 3) << "services in the list";
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,74 @@
+// Measures each frame of the page that it stands in, and leaves the result in its place as JSON.
+function channels(color) {
+  const parts = color.match(/[\d.]+/g).map(Number);
+  return {rgb: parts.slice(0, 3), alpha: parts.length > 3 ? parts[3] : 1};
+}
+
+function luminance(rgb) {
+  const [r, g, b] = rgb.map(v => v / 255).map(v => v <= 0.03928 ? v / 12.92 : ((v + 0.055) / 1.055) ** 2.4);
+  return 0.2126 * r + 0.7152 * g + 0.0722 * b;
+}
+
+function background(view, element) {
+  for (let at = element; at; at = at.parentElement) {
+    const color = channels(view.getComputedStyle(at).backgroundColor);
+    if (color.alpha === 1) return color.rgb;
+  }
+  return [255, 255, 255];
+}
+
+function contrast(view, page) {
+  let least = 21;
+  for (const element of page.body.querySelectorAll('*')) {
+    const text = [...element.childNodes].some(node => node.nodeType === 3 && node.data.trim());
+    if (!text || !element.getClientRects().length) continue;
+    const [a, b] = [channels(view.getComputedStyle(element).color).rgb, background(view, element)].map(luminance);
+    least = Math.min(least, (Math.max(a, b) + 0.05) / (Math.min(a, b) + 0.05));
+  }
+  return least;
+}
+
+function box(element) {
+  const grid = element.closest('.epg');
+  const hour = grid.querySelector('.hour').getBoundingClientRect();
+  const place = element.getBoundingClientRect();
+  const minute = hour.width / 60;
+  const names = [...grid.querySelectorAll('.name')].map(name => name.getBoundingClientRect());
+  const name = names.filter(own => own.top <= place.top + 1).pop();
+  const lane = Math.round((place.top - name.top) / (place.height + 4));
+  return Math.round((place.left - 1 - hour.left) / minute) + '+' + Math.round((place.width + 2) / minute) + '/' + lane;
+}
+
+function measure(frame) {
+  const view = frame.contentWindow;
+  const page = frame.contentDocument;
+  const shown = [...page.querySelectorAll('.box')].filter(element => element.getClientRects().length);
+  const ids = [...page.querySelectorAll('[id]')].map(element => element.id);
+  const links = [...page.querySelectorAll('a')].map(link => link.getAttribute('href'));
+  const result = {
+    width: view.innerWidth,
+    scrollWidth: page.documentElement.scrollWidth,
+    sections: [...page.querySelectorAll('main>section')].filter(s => s.offsetHeight > 0).map(s => s.id).join(' '),
+    active: page.querySelectorAll('script,img,iframe,object,embed,link,form,base,svg,[onerror],[onclick]').length,
+    brokenLinks: links.filter(href => !href.startsWith('#') || !ids.includes(href.slice(1))).length,
+    doubleIds: ids.length - new Set(ids).size,
+    contrast: contrast(view, page),
+    dark: luminance(background(view, page.body)) < 0.2,
+    boxes: shown.map(box).join(' '),
+    rows: page.querySelectorAll('#services tbody tr').length,
+  };
+  if (shown.length) {
+    page.querySelectorAll('details').forEach(details => details.open = false);
+    shown[0].click();
+  }
+  return {result, target: shown.length && page.getElementById(shown[0].hash.slice(1))};
+}
+
+addEventListener('load', () => {
+  const frames = [...document.querySelectorAll('iframe')].map(measure);
+  setTimeout(() => {
+    const results = frames.map(({result, target}) => ({...result, opened: !!target && target.offsetHeight > 0}));
+    document.body.innerHTML = '<pre></pre>';
+    document.querySelector('pre').textContent = JSON.stringify(results);
+  }, 500);
+});
