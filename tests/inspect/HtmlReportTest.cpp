@@ -126,7 +126,7 @@ TEST(HtmlReport, HoldsNoMoreThanItsLimits)
     for (unsigned i = 0; i < 5000; ++i) {
         table.stream = "stream " + std::to_string(i);
         report.Table(table);
-        if (i == 250) {
+        if (i == 400) {
             table.content->json = TJson::object();
         }
         report.Fault({EFault::BAD_ADDRESS, k_hostile, table.source});
@@ -134,8 +134,7 @@ TEST(HtmlReport, HoldsNoMoreThanItsLimits)
     report.Summary({});
     EXPECT_LT(report.Page().size(), 36u << 20);
     EXPECT_GT(report.Page().size(), 30u << 20);
-    EXPECT_EQ(Count(report.Page(), "and 4000 lines more"), 0u);
-    EXPECT_EQ(Count(report.Page(), "and 4000 lines"), 2u) << "of what changed, and of the problems";
+    EXPECT_EQ(Count(report.Page(), "and 4000 lines more"), 2u) << "of what changed, and of the problems";
     EXPECT_EQ(Count(report.Page(), "parts left out"), 1u);
     EXPECT_EQ(MarkupFault(report.Page()), "");
 }
@@ -268,7 +267,7 @@ TEST_F(HtmlPage, InABrowser)
             EXPECT_EQ(page["dark"], dark);
             const bool grid = wide && i < 2;
             // Minutes from the first hour on, and lengths; behind the lane of their service.
-            EXPECT_EQ(page["boxes"], grid ? "0+30/0 30+30/0 45+45/1 90+90/0 1+1/0 60+30/0 0+60/0 60+30/0" : "");
+            EXPECT_EQ(page["boxes"], grid ? "0+30/0 30+30/0 45+45/1 90+90/0 1+10/0 60+30/0 0+60/0 60+30/0" : "");
             EXPECT_EQ(page["opened"], grid) << "a box of the grid unfolds its programme";
             EXPECT_EQ(page["rows"], i < 2 ? 0 : 3) << "services in the list";
         }

@@ -28,14 +28,16 @@ function contrast(view, page) {
   return least;
 }
 
+// Where a box of the grid stands: minutes from the first hour, length, lane of its service.
 function box(element) {
   const grid = element.closest('.epg');
+  const top = other => Math.round(other.getBoundingClientRect().top);
   const hour = grid.querySelector('.hour').getBoundingClientRect();
   const place = element.getBoundingClientRect();
   const minute = hour.width / 60;
-  const names = [...grid.querySelectorAll('.name')].map(name => name.getBoundingClientRect());
-  const name = names.filter(own => own.top <= place.top + 1).pop();
-  const lane = Math.round((place.top - name.top) / (place.height + 4));
+  const service = Math.max(...[...grid.querySelectorAll('.name')].map(top).filter(own => own <= top(element)));
+  const tops = [...new Set([...grid.querySelectorAll('.box')].map(top))].filter(own => own >= service);
+  const lane = tops.sort((a, b) => a - b).indexOf(top(element));
   return Math.round((place.left - 1 - hour.left) / minute) + '+' + Math.round((place.width + 2) / minute) + '/' + lane;
 }
 

@@ -16,6 +16,7 @@ constexpr std::int64_t k_minute = 60;
 constexpr std::int64_t k_day = 86400;
 constexpr std::int64_t k_dayMinutes = 1440;
 constexpr std::int64_t k_hourMinutes = 60;
+constexpr std::int64_t k_leastMinutes = 10;         // of a box
 constexpr std::int64_t k_endOfTime = 253402300800;  // the year 10000
 constexpr std::int64_t k_unknownLength = 30 * k_minute;
 constexpr std::size_t k_longTitle = 96;
@@ -149,16 +150,21 @@ class CGuidePage {
             return;
         }
         const std::int64_t start = *shown;
-        const std::int64_t end = std::max(start, Shown(programme.end, m_local).value_or(start + k_unknownLength));
+        const auto ends = Shown(programme.end, m_local);
+        const std::int64_t end = ends && *ends > start ? *ends : start + k_unknownLength;
         const std::int64_t day = start / k_day;
-        box.begin = start % k_day / k_minute;
-        box.end = std::min(k_dayMinutes, std::max(box.begin + 1, (end - day * k_day) / k_minute));
-        m_days[day].push_back(box);
+        m_AddBox(day, box, start % k_day / k_minute, (end - day * k_day) / k_minute);
         if (end >= (day + 1) * k_day + k_minute) {
-            box.begin = 0;
-            box.end = std::min(k_dayMinutes, (end - (day + 1) * k_day) / k_minute);
-            m_days[day + 1].push_back(box);
+            m_AddBox(day + 1, box, 0, (end - (day + 1) * k_day) / k_minute);
         }
+    }
+
+    /// A box that is wide enough to be seen, and ends with its day.
+    void m_AddBox(std::int64_t day, SBox box, std::int64_t begin, std::int64_t end)
+    {
+        box.begin = std::min(begin, k_dayMinutes - k_leastMinutes);
+        box.end = std::min(k_dayMinutes, std::max(end, box.begin + k_leastMinutes));
+        m_days[day].push_back(box);
     }
 
     void m_Grid(std::int64_t day, std::vector<SBox> boxes)
