@@ -57,7 +57,7 @@ TEST(Html, TreeShowsAnyJson)
     const std::string html = HtmlTree(json);
     EXPECT_EQ(MarkupFault(html), "");
     for (const char* part :
-         {"<dt>slsProtocol</dt><dd>1 <span class=\"muted\">ROUTE</span></dd>", "<dt>hidden</dt><dd>no</dd>",
+         {"<dt>sls<wbr>Protocol</dt><dd>1 <span class=\"muted\">ROUTE</span></dd>", "<dt>hidden</dt><dd>no</dd>",
           "<dt>rate</dt><dd>0.5</dd>", "<dt>none</dt><dd>\u2013</dd>", "<dt>ids</dt><dd>1, 2</dd>",
           "&lt;script&gt;alert(1)", "<bdi lang=\"en\">Flood</bdi> <small>en</small><br><bdi>?</bdi>",
           "<span class=\"key\">signers</span> 1, <span class=\"key\">digest</span> <bdi>SHA512</bdi>",

@@ -13,7 +13,7 @@ inline std::string MarkupFault(const std::string& html)
         "html",    "head", "meta", "title", "style",   "body", "header", "nav",     "main",  "footer",
         "section", "h1",   "h2",   "h3",    "h4",      "p",    "a",      "b",       "bdi",   "br",
         "small",   "span", "div",  "dl",    "details", "dt",   "dd",     "summary", "table", "thead",
-        "tbody",   "tr",   "th",   "td",    "ul",      "li",   "time"};
+        "tbody",   "tr",   "th",   "td",    "ul",      "li",   "time",   "wbr"};
     std::vector<std::string> open;
     for (std::size_t at = html.find('<'); at != std::string::npos; at = html.find('<', at + 1)) {
         if (html.compare(at, 10, "<!DOCTYPE ") == 0) {
@@ -35,7 +35,7 @@ inline std::string MarkupFault(const std::string& html)
                 return "closed out of turn: " + where;
             }
             open.pop_back();
-        } else if (name != "meta" && name != "br") {
+        } else if (name != "meta" && name != "br" && name != "wbr") {
             open.push_back(name);
         }
     }

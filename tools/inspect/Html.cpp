@@ -20,6 +20,17 @@ constexpr std::size_t k_summaryMembers = 3;
 constexpr std::size_t k_wideCell = 80;  // with its markup
 constexpr unsigned k_deepest = 16;
 
+/// The name of a member, with places to break it.
+std::string Key(const std::string& key)
+{
+    std::string html;
+    for (const char c : HtmlText(key)) {
+        html += c >= 'A' && c <= 'Z' && !html.empty() && html.back() >= 'a' && html.back() <= 'z' ? "<wbr>" : "";
+        html += c;
+    }
+    return html;
+}
+
 std::string MoreText(std::size_t count, const char* what)
 {
     return "<span class=\"muted\">\u2026 " + Counted(count, what) + " more</span>";
@@ -110,18 +121,27 @@ std::string Member(const TJson& object, const std::string& key)
     return Cell(value) + (named ? " <span class=\"muted\">" + HtmlText(name->get<std::string>()) + "</span>" : "");
 }
 
-/// What tells one object of a list from the others: its first values; counts the members that it shows.
-std::string Identity(const TJson& object, std::size_t& shown)
+/// What tells one object of a list from the others: its first values; `shown` gets the names of those that
+/// it shows whole.
+std::string Identity(const TJson& object, std::set<std::string>& shown)
 {
     std::string html;
+    std::size_t count = 0;
     for (const auto& [key, value] : object.items()) {
-        const bool text = value.is_string() && !value.get_ref<const std::string&>().empty();
-        if (shown < k_summaryMembers && (text || value.is_primitive()) && !IsNameOf(object, key)) {
-            ++shown;
-            html +=
-                "<span class=\"pair\"><span class=\"key\">" + HtmlText(key) + "</span> " +
-                (text ? HtmlIsolated(HtmlClipped(value.get_ref<const std::string&>(), k_summaryText)) : Atom(value)) +
+        if (count == k_summaryMembers) {
+            break;
+        }
+        if (!value.is_primitive() || IsNameOf(object, key)) {
+            continue;
+        }
+        const bool cut = value.is_string() && value.get_ref<const std::string&>().size() > k_summaryText;
+        html += "<span class=\"pair\"><span class=\"key\">" + HtmlText(key) + "</span> " +
+                (cut ? HtmlIsolated(HtmlClipped(value.get_ref<const std::string&>(), k_summaryText))
+                     : Member(object, key)) +
                 "</span> ";
+        ++count;
+        if (!cut) {
+            shown.insert({key, key + "Name"});
         }
     }
     return html;
@@ -133,21 +153,22 @@ class CTree {
 
     std::string Render(const TJson& object)
     {
-        m_Members(object, 0);
+        m_Members(object, {}, 0);
         return m_html + (m_Full() ? "<p class=\"muted\">More than this page holds is left out here.</p>" : "");
     }
 
   private:
     bool m_Full() const { return m_html.size() >= m_limit; }
 
-    void m_Members(const TJson& object, unsigned depth)
+    /// Writes the members, those aside that are shown already.
+    void m_Members(const TJson& object, const std::set<std::string>& shown, unsigned depth)
     {
         bool list = false;
         for (const auto& [key, value] : object.items()) {
-            if (IsSimple(value) && !IsNameOf(object, key) && !m_Full()) {
+            if (IsSimple(value) && !IsNameOf(object, key) && shown.count(key) == 0 && !m_Full()) {
                 const std::string cell = Member(object, key);
                 m_html += std::string(list ? "" : "<dl class=\"members\">") +
-                          (cell.size() > k_wideCell ? "<div class=\"wide\"><dt>" : "<div><dt>") + HtmlText(key) +
+                          (cell.size() > k_wideCell ? "<div class=\"wide\"><dt>" : "<div><dt>") + Key(key) +
                           "</dt><dd>" + cell + "</dd></div>";
                 list = true;
             }
@@ -193,15 +214,16 @@ class CTree {
     /// An object below its first values; these alone when they are all it has.
     void m_Fold(const std::string& key, const TJson& object, unsigned depth)
     {
-        std::size_t shown = 0;
+        std::set<std::string> shown;
         const std::string summary = HtmlText(key) + ' ' + Identity(object, shown);
-        if (shown == object.size()) {
-            m_html += "<p class=\"leaf\">" + summary + "</p>";
-            return;
+        const bool leaf = std::all_of(object.items().begin(), object.items().end(),
+                                      [&](const auto& member) { return shown.count(member.key()) != 0; });
+        m_html += leaf ? "<p class=\"leaf\">" + summary + "</p>"
+                       : "<details open class=\"tree\"><summary>" + summary + "</summary>";
+        if (!leaf) {
+            m_Members(object, shown, depth + 1);
+            m_html += "</details>";
         }
-        m_html += "<details open class=\"tree\"><summary>" + summary + "</summary>";
-        m_Members(object, depth + 1);
-        m_html += "</details>";
     }
 
     void m_Table(const std::string& key, const TJson& rows)

@@ -36,6 +36,13 @@ std::string Date(std::int64_t seconds)
     return EpochText(static_cast<double>(seconds)).substr(0, 10);
 }
 
+/// "Saturday 2026-11-21".
+std::string Day(std::int64_t seconds)
+{
+    constexpr const char* k_days[] = {"Thursday", "Friday", "Saturday", "Sunday", "Monday", "Tuesday", "Wednesday"};
+    return k_days[seconds / k_day % 7] + (' ' + Date(seconds));
+}
+
 std::string Clock(std::int64_t seconds)
 {
     return EpochText(static_cast<double>(seconds)).substr(11, 5);
@@ -70,9 +77,10 @@ std::string Texts(const char* label, const std::vector<SGuideText>& texts)
 
 std::string List(const char* label, const std::vector<std::string>& texts)
 {
-    return texts.empty() ? std::string()
-                         : std::string("<div><dt>") + label + "</dt><dd>" +
-                               HtmlIsolated(HtmlClipped(Joined(texts), k_longText)) + "</dd></div>";
+    const std::string joined = Joined(texts);
+    return joined.empty() ? std::string()
+                          : std::string("<div><dt>") + label + "</dt><dd>" +
+                                HtmlIsolated(HtmlClipped(joined, k_longText)) + "</dd></div>";
 }
 
 class CGuidePage {
@@ -192,7 +200,7 @@ class CGuidePage {
             hours += "<span class=\"hour\" style=\"grid-column:" + column + "/span 60;grid-row:1/" +
                      std::to_string(row) + "\">" + Clock(hour * k_minute) + "</span>";
         }
-        m_html += "<div class=\"grid\"><h3>" + Date(day * k_day) +
+        m_html += "<div class=\"grid\"><h3>" + Day(day * k_day) +
                   "</h3><div class=\"scroll\"><div class=\"epg\" style=\"" +
                   "grid-template-columns:var(--head) repeat(" + std::to_string(last - first) + ",var(--minute))\">" +
                   hours + html + "</div></div></div>";
@@ -231,10 +239,10 @@ class CGuidePage {
             const SGuideService& service = m_guide.services[i];
             m_html += "<details class=\"item\"" + open + "><summary><b>" + m_ServiceName(i) + "</b> <small>" +
                       Counted(service.programmes.size(), "programme") + "</small></summary><dl>" +
-                      List("service id", {service.serviceId ? std::to_string(*service.serviceId) : std::string("-")}) +
-                      List("globalServiceID", {service.globalServiceId.empty() ? "-" : service.globalServiceId}) +
-                      List("fragment", {service.fragmentId}) + Texts("name", service.names) +
-                      Texts("description", service.descriptions) + List("genre", service.genres) + "</dl>";
+                      List("service id", {service.serviceId ? std::to_string(*service.serviceId) : std::string()}) +
+                      List("globalServiceID", {service.globalServiceId}) + List("fragment", {service.fragmentId}) +
+                      Texts("name", service.names) + Texts("description", service.descriptions) +
+                      List("genre", service.genres) + "</dl>";
             std::string date;
             for (std::size_t p = 0; p < service.programmes.size() && !m_Full(); ++p) {
                 m_Programme(service.programmes[p], m_Anchor(i, p), date);
@@ -247,7 +255,7 @@ class CGuidePage {
     void m_Programme(const SProgramme& programme, const std::string& anchor, std::string& date)
     {
         const auto start = Shown(programme.start, m_local);
-        const std::string its = start ? Date(*start) : "No time";
+        const std::string its = start ? Day(*start) : "No time";
         m_html += its != date ? "<h4>" + its + "</h4>" : "";
         date = its;
         m_html += "<details class=\"programme\"><summary><span class=\"time\">" + m_Span(programme) + "</span> <b>" +

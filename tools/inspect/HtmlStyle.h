@@ -54,10 +54,11 @@ white-space:nowrap}
 .bad{background:var(--badbg);color:var(--bad)}
 .good{background:var(--goodbg);color:var(--good)}
 p.verdict{border-radius:6px;padding:.5rem .75rem;font-weight:600}
+p.verdict a{color:inherit}
 .target{scroll-margin-top:5rem}
 td.time{white-space:nowrap}
 .time{font-variant-numeric:tabular-nums}
-.epg{display:grid;width:max-content;grid-auto-rows:minmax(2.9rem,auto);font-size:.8125rem;border-bottom:1px solid var(--line)}
+.epg{display:grid;width:max-content;grid-template-rows:1.6rem;grid-auto-rows:minmax(2.9rem,auto);font-size:.8125rem;border-bottom:1px solid var(--line)}
 .epg .hour{border-left:1px solid var(--line);padding:.1rem .35rem;color:var(--muted)}
 .epg .name{grid-column:1;position:sticky;left:0;z-index:1;background:var(--bg);font-weight:600;padding:.35rem .5rem .35rem 0;
 border-top:1px solid var(--line);max-height:6rem;overflow:hidden}
@@ -70,7 +71,7 @@ footer{margin-top:3rem;padding-bottom:2rem}
 @media(max-width:640px){
 header,nav,main,footer{padding-left:.9rem;padding-right:.9rem}
 dl>div{grid-template-columns:minmax(0,1fr);gap:0;padding:.2rem 0}
-dl.members{grid-template-columns:repeat(auto-fill,minmax(8rem,1fr));gap:.3rem .75rem}
+dl.members{grid-template-columns:repeat(auto-fill,minmax(8.5rem,1fr));gap:.3rem .75rem}
 details.item{padding:.2rem .6rem}
 details.tree{padding-left:.5rem}
 .grid{display:none}
