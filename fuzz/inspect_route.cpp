@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "Fuzz.h"
+#include "GuideSessions.h"
 #include "JsonReport.h"
 #include "LibraryPort.h"
 #include "Output.h"
@@ -41,9 +42,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         report.Finish();
         return 0;
     }
-    const std::vector<SService> services = {
-        {1, 1, {k_address, 1, 0}}, {2, 1, {k_address, 1, k_source}}, {3, 1, {k_address, 2, k_source}}, {4, 1, {}}};
-    const auto follower = FollowRoute({{k_address, 0}}, report);
+    const std::vector<SService> services = {{1, 1, {k_address, 1, 0}},
+                                            {2, 1, {k_address, 1, k_source}, 4, {}},
+                                            {3, 1, {k_address, 2, k_source}},
+                                            {4, 1, {}}};
+    CGuideFollower guide(report);
+    CGuideSessions guideSessions(guide, report);
+    const auto follower = FollowRoute({{k_address, 0}}, guideSessions, report);
     const CSessionFollower::TGroup group = {{1, 1}, 0};
     follower->Announce(group, services);
     std::uint64_t packets = 0;
@@ -64,9 +69,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                     1,
                                     static_cast<std::uint16_t>(pick & 3),
                                     {payload.data(), payload.size()}};
+        guideSessions.Take(datagram, source);
         packets += follower->Take(datagram, source) ? 1 : 0;
     }
     follower->Finish("fuzz");
+    guideSessions.Finish("fuzz");
+    guide.Finish("fuzz", true);
     const SRouteCounts& counts = report.Summary().route;
     Require(counts.packets >= packets);
     Require(counts.malformed + counts.signalling <= counts.packets);

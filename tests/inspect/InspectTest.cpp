@@ -15,7 +15,9 @@
 #include <string>
 #include <vector>
 
+#include "GuideObjects.h"
 #include "Packets.h"
+#include "support/Gzip.h"
 
 namespace {
 
@@ -225,6 +227,39 @@ std::string ListChanges()
     return capture.Bytes();
 }
 
+/// A guide that comes whole, comes again, changes, and loses its service.
+std::string GuideCapture()
+{
+    const auto object = [](unsigned toi, const std::string& bytes, unsigned tsi = 20) {
+        return Lct({toi, 0, -1, true, tsi}, bytes);
+    };
+    const std::string list =
+        "<Service serviceId='2' serviceCategory='1' globalServiceID='urn:x:2' majorChannelNo='9' minorChannelNo='3'/>" +
+        RouteService(4, 6004) + RouteService(5, 6005);
+    const std::string stsid =
+        "<S-TSID><RS><LS tsi='20'><SrcFlow rt='false'><EFDT tsi='20'><FDT-Instance "
+        "Content-Type='application/vnd.oma.bcast.sgdu'><File Content-Location='g.sgdu' TOI='1'/>"
+        "<File Content-Location='g.sgdu' TOI='2'/><File Content-Location='g.sgdd' TOI='3' "
+        "Content-Type='application/vnd.oma.bcast.sgdd+xml'/><File Content-Location='i.png' TOI='4' "
+        "Content-Type='image/png'/><File Content-Location='no.sgdu' TOI='5'/></FDT-Instance></EFDT></SrcFlow></LS>"
+        "<LS tsi='21'><SrcFlow rt='true'/></LS></RS><RS dPort='7004'><LS tsi='22'><SrcFlow/></LS></RS></S-TSID>\n";
+    CCapture capture(1);
+    capture.AddLls(Slt(list, 1)).AddRoute(object(1, stsid, 0), 6004).AddRoute(object(1, Usbd(4), 0), 6005);
+    capture.AddRoute(object(2, "<S-TSID></S-TSID>\n", 0), 6005);
+    const std::string unit = Gzip(guide::WholeUnit());
+    capture.AddRoute(Lct({1, 0, static_cast<int>(unit.size()), false, 20}, unit.substr(0, 100)), 6004);
+    capture.AddRoute(Lct({1, 100, -1, true, 20}, unit.substr(100)), 6004)
+        .AddRoute(object(3, guide::k_descriptor), 6004);
+    capture.AddRoute(object(4, "png"), 6004).AddRoute(object(5, "unit"), 6004).AddRoute(object(1, unit, 21), 6004);
+    capture.AddRoute(object(1, guide::Unit({{2, guide::Fragment("Content", "c9", 1)}}), 22), 7004);
+    capture.AddRoute(object(1, unit), 6004).AddRoute(object(1, unit), 6004);
+    const std::string newer = guide::Fragment("Content", "c2", 2, guide::Text("Name", "en", "Snow"));
+    const std::string same = guide::Fragment("Content", "c9", 1, guide::Text("Name", "en", "Talk"));
+    capture.AddRoute(object(2, guide::Unit({{2, newer}, {2, same}, {1, guide::k_service1}})), 6004);
+    capture.AddRoute(object(1, unit), 6004);
+    return capture.Bytes();
+}
+
 /// One of each document, with what the samples do not have.
 std::string EveryDocument()
 {
@@ -280,7 +315,7 @@ std::vector<SGolden> Goldens()
         {"three-services-json", "--json pcap/gpac-a2-multi-service.pcap", 0},
         {"accented-name", "pcap/gpac-a12-nonascii-name.pcap", 0},
         {"not-well-formed", "pcap/gpac-a13-unescaped-name.pcap", 1},
-        {"two-captures", "pcap/gpac-a8-nrt-files.pcap pcap/gpac-a12-nonascii-name.pcap", 0},
+        {"two-captures", "pcap/gpac-a8-nrt-files.pcap pcap/gpac-a12-nonascii-name.pcap", 1},
         {"raw-tables", raw, 1},
         {"raw-tables-json", "--json " + raw, 1},
         {"lenient", k_lineup, 1},
@@ -310,6 +345,14 @@ std::vector<SGolden> Goldens()
         {"single-efdt", "-", 0,
          "\xEF\xBB\xBF<EFDT tsi='3' version='1'><FDT-Instance><File TOI='1'/></FDT-Instance></EFDT>"},
         {"list-changes", "-", 1, ListChanges()},
+        {"guide-capture", "-", 1, GuideCapture()},
+        {"guide-capture-json", "--json -", 1, GuideCapture()},
+        {"guide-unit", "-", 1, guide::WholeUnit()},
+        {"guide-unit-json", "--json -", 1, Gzip(guide::WholeUnit())},
+        {"guide-descriptor", "-", 0, Gzip(guide::k_descriptor)},
+        {"guide-response", "-", 0, guide::k_response},
+        {"guide-response-json", "--json -", 0, guide::k_response},
+        {"guide-fragment", "-", 0, "\xEF\xBB\xBF" + guide::k_content1},
         {"unsignalled", "-", 1, Unsignalled()},
         {"unsignalled-json", "--json --quiet -", 1, Unsignalled()},
     };
@@ -399,20 +442,25 @@ TEST(Inspect, InputsThatAreNone)
         std::string code;
     } cases[] = {
         {"empty", "-", "", 1, "-: is empty", "input-empty"},
-        {"three bytes", "-", "\x01\x01\x01", 1, "-: not a capture, not an LLS table and not signalling",
+        {"three bytes", "-", "\x01\x01\x01", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
+        {"unknown table", "-", "\x07\x01\x01\x01", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
+        {"text", "inspect/cut.txt", "", 1,
+         "inspect/cut.txt: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
+        {"other XML", "-", "<SLT/>", 1, "-: not a capture, not an LLS table, not signalling and not a service guide",
          "input-unknown"},
-        {"unknown table", "-", "\x07\x01\x01\x01", 1, "-: not a capture, not an LLS table and not signalling",
-         "input-unknown"},
-        {"text", "inspect/cut.txt", "", 1, "inspect/cut.txt: not a capture, not an LLS table and not signalling",
-         "input-unknown"},
-        {"other XML", "-", "<SLT/>", 1, "-: not a capture, not an LLS table and not signalling", "input-unknown"},
-        {"damaged gzip", "-", "\x1F\x8B\x08?", 1, "-: not a capture, not an LLS table and not signalling",
-         "input-unknown"},
+        {"damaged gzip", "-", "\x1F\x8B\x08?", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
         {"too much signalling", "-", std::string(1048577, ' '), 1,
          "-: larger than any signalling: more than 1048576 bytes", "input-too-large"},
         {"directory", "inspect", "", 2, "inspect: is a directory", "input-directory"},
         {"missing", "missing.pcap", "", 2, "missing.pcap: No such file or directory", "input-missing"},
         {"hostile name", "'\x1B[2J'", "", 2, "\\x1B[2J: No such file or directory", "input-missing"},
+        {"no unit", "-", std::string(1048577, '\0'), 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
+        {"too large unit", "-", std::string(8388609, '\0'), 1,
+         "-: larger than any delivery unit: more than 8388608 bytes", "input-too-large"},
         {"too large", "-", std::string(1048577, '\x01'), 1, "-: larger than any LLS table: more than 1048576 bytes",
          "input-too-large"},
     };
@@ -484,6 +532,23 @@ TEST(Inspect, GuideAndManPageKnowEveryOption)
     }
     EXPECT_GE(parts, 2);
     EXPECT_EQ(found, screen.size()) << "the last part is the end";
+}
+
+TEST(Inspect, GuideInLocalTimeWithNamesOfGenres)
+{
+    const CTemporary genres(
+        "<!-- --><ClassificationScheme><Term termID='2'><Name>News at night</Name></Term></ClassificationScheme>");
+    setenv("TZ", "XYZ-3", 1);
+    const SResult local = Inspect("--local-time --genres '" + genres.Name() + "' -", guide::WholeUnit());
+    const SResult utc = Inspect("-", guide::WholeUnit());
+    unsetenv("TZ");
+    EXPECT_NE(local.out.find("Sunday 2026-11-22 (XYZ)\n"), std::string::npos);
+    EXPECT_NE(local.out.find("\n      01:30  03:30     Late news"), std::string::npos) << "midnight is elsewhere";
+    EXPECT_NE(local.out.find("News at night"), std::string::npos);
+    EXPECT_EQ(utc.out, ReadFile(VYR_TEST_DATA "/inspect/guide-unit.txt"));
+    const SResult none = Inspect("--genres missing.xml -", guide::WholeUnit());
+    EXPECT_EQ(none.status, 2);
+    EXPECT_EQ(none.err, "vyr-atsc30-inspect: missing.xml: not a classification scheme\n");
 }
 
 TEST(Inspect, LogAndProgressGoToStandardError)

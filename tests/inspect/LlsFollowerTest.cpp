@@ -18,6 +18,8 @@ class CRecordingWriter : public IReportWriter {
     void Table(const STable& table) override { statuses.push_back(table.status); }
     void Signalling(const SSignalling&) override {}
     void Fault(const SFault& fault) override { faults.push_back(fault.code); }
+    void GuideObject(const SGuideObject&) override {}
+    void Guide(const SGuide&) override {}
     void Summary(const SSummary&) override {}
 
     std::vector<EStatus> statuses;

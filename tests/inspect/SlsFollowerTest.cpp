@@ -26,6 +26,8 @@ class CRecordingWriter : public IReportWriter {
         lines.push_back(line);
     }
     void Fault(const SFault& fault) override { lines.push_back(std::string("fault: ") + FaultName(fault.code)); }
+    void GuideObject(const SGuideObject&) override {}
+    void Guide(const SGuide&) override {}
     void Summary(const SSummary&) override {}
 
     std::vector<std::string> lines;
@@ -45,7 +47,8 @@ class SlsFollower : public testing::Test {
 
     CRecordingWriter m_writer;
     CReport m_report{m_writer, false};
-    CSlsFollower m_follower{"1.2.3.4:5", {}, m_report};
+    SFollowed m_followed{{}, "1.2.3.4:5", {}, {}};
+    CSlsFollower m_follower{m_followed, m_report};
 };
 
 const std::string k_stsid = "<S-TSID></S-TSID>\n";

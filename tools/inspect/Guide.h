@@ -18,7 +18,7 @@ struct SGuideText {
 /// One presentation of a content: a row of a programme list, a box of the time grid.
 struct SProgramme {
     std::string contentId;              ///< id of the content fragment; empty: the schedule names none that came
-    std::optional<std::int64_t> start;  ///< seconds since 1970, UTC; absent: the content is in no schedule
+    std::optional<std::int64_t> start;  ///< seconds since 1970, UTC; absent: no schedule gives it a time
     std::optional<std::int64_t> end;
     std::vector<SGuideText> titles;
     std::vector<SGuideText> descriptions;

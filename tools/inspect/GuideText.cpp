@@ -75,10 +75,10 @@ TRow ProgrammeRow(const SProgramme& programme, const CClock& clock)
                             : programme.start ? clock.End(*programme.start, *programme.end)
                                               : clock.OfDay(*programme.end);
     const std::string title = Texts(programme.titles);
-    const bool named = !title.empty() || programme.contentId.empty();
+    const std::string unnamed = programme.contentId.empty() ? "-" : Printable(programme.contentId);
     return {"    " + (programme.start ? clock.OfDay(*programme.start) : "-"),
             end,
-            named ? title : Printable(programme.contentId),
+            title.empty() ? unnamed : title,
             Texts(programme.genres),
             Texts(programme.ratings),
             Texts(programme.audioLanguages),

@@ -44,8 +44,14 @@ bool IsTableStart(SBytes start)
     return start.size >= k_magic && ((start[0] >= 1 && start[0] <= 6) || start[0] >= 0xFE);
 }
 
-/// Whether it may be a document or package of signalling, gzip-compressed or not; its content tells.
-bool IsSlsStart(SBytes start)
+/// Whether it may be a delivery unit of the guide: their extensions are not behind 16 MiB.
+bool IsUnitStart(SBytes start)
+{
+    return start[0] == 0;
+}
+
+/// Whether it may be a document, or a package of signalling, gzip-compressed or not; its content tells.
+bool IsTextStart(SBytes start)
 {
     const std::string text(reinterpret_cast<const char*>(start.data), start.size);
     return IsGzip(start) || text.find_first_of("< \t\r\n") == 0 || text.rfind("\xEF\xBB\xBF", 0) == 0 ||
@@ -128,8 +134,11 @@ CInput::CInput(const std::string& name) : m_file(std::make_unique<SFile>())
         m_OpenCapture();
     } else if (IsTableStart(start)) {
         m_ReadBytes();
-    } else if (IsSlsStart(start)) {
-        m_sls = true;
+    } else if (IsTextStart(start)) {
+        m_text = true;
+        m_ReadBytes();
+    } else if (IsUnitStart(start)) {
+        m_unit = true;
         m_ReadBytes();
     } else {
         throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
@@ -200,14 +209,15 @@ void CInput::m_OpenCapture()
 
 void CInput::m_ReadBytes()
 {
+    const std::size_t limit = m_unit ? k_maxUnit : k_maxBytes;
     unsigned char chunk[65536];
     ssize_t count = 0;
     while ((count = m_file->Read(reinterpret_cast<char*>(chunk), sizeof chunk)) > 0) {
         m_bytes.insert(m_bytes.end(), chunk, chunk + count);
-        if (m_bytes.size() > k_maxBytes) {
-            throw CInputError(EFault::INPUT_TOO_LARGE, std::string("larger than any ") +
-                                                           (m_sls ? "signalling" : "LLS table") + ": more than " +
-                                                           std::to_string(k_maxBytes) + " bytes");
+        if (m_bytes.size() > limit) {
+            const char* what = m_unit ? "delivery unit" : m_text ? "signalling" : "LLS table";
+            throw CInputError(EFault::INPUT_TOO_LARGE, std::string("larger than any ") + what + ": more than " +
+                                                           std::to_string(limit) + " bytes");
         }
     }
     if (m_file->error != 0) {

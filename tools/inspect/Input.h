@@ -13,7 +13,7 @@ struct pcap;
 
 namespace vyr::inspect {
 
-constexpr char k_unknown[] = "not a capture, not an LLS table and not signalling";
+constexpr char k_unknown[] = "not a capture, not an LLS table, not signalling and not a service guide";
 
 /// What is wrong with an input.
 class CInputError : public std::runtime_error {
@@ -32,7 +32,7 @@ struct SPacket {
 };
 
 /// One input, known by its first bytes: a capture, read packet by packet as it grows, one raw LLS table,
-/// or service-layer signalling (a document or a package).
+/// service-layer signalling (a document or a package), or an object of the service guide.
 class CInput {
   public:
     /// Opens a file, or standard input for "-". Throws CInputError.
@@ -42,7 +42,10 @@ class CInput {
     CInput& operator=(const CInput&) = delete;
 
     bool IsCapture() const { return m_capture != nullptr; }
-    bool IsSls() const { return m_sls; }
+    /// Whether it may be signalling or an object of the guide, and no table.
+    bool IsText() const { return m_text; }
+    /// Whether it may be a delivery unit of the guide, and nothing else.
+    bool IsUnit() const { return m_unit; }
     /// DLT number of a capture.
     int LinkType() const;
     std::string LinkTypeText() const;
@@ -57,13 +60,15 @@ class CInput {
   private:
     struct SFile;
     static constexpr std::size_t k_maxBytes = 1048576;
+    static constexpr std::size_t k_maxUnit = 8388608;
 
     void m_OpenCapture();
     void m_ReadBytes();
 
     std::unique_ptr<SFile> m_file;
     pcap* m_capture = nullptr;
-    bool m_sls = false;
+    bool m_text = false;
+    bool m_unit = false;
     std::vector<unsigned char> m_bytes;
 };
 

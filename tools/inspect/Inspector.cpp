@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <stdexcept>
 #include <vector>
 
+#include "GuideSessions.h"
 #include "LibraryPort.h"
 #include "LinkLayer.h"
 #include "RouteFollower.h"
 #include "SlsFollower.h"
 #include "Text.h"
+#include "esg/GenreNameParse.h"
 
 namespace vyr::inspect {
 
@@ -38,6 +41,16 @@ CInspector::CInspector(const SOptions& options, CReport& report, const COutput& 
     InstallPlatform(options.log, options.settings);
     TCParseLLS::SetDecompressLLS(true);
     m_channelMap.Create();
+    if (!options.genres.empty()) {
+        CGenreNameParse names;
+        names.Create();
+        const bool parsed = names.Parse(options.genres.c_str());
+        names.Destroy();
+        if (!parsed) {
+            m_channelMap.Destroy();
+            throw std::runtime_error(Printable(options.genres) + ": not a classification scheme");
+        }
+    }
 }
 
 CInspector::~CInspector()
@@ -74,8 +87,10 @@ void CInspector::m_Inspect(const std::string& name)
     if (input.IsCapture()) {
         ++m_report.Summary().captures;
         m_Capture(input, name);
-    } else if (input.IsSls()) {
-        m_SlsFile(input.Bytes(), name);
+    } else if (input.IsText() || input.IsUnit()) {
+        if (!m_GuideFile(input.Bytes(), name)) {
+            m_SlsFile(input.Bytes(), name);
+        }
     } else {
         ++m_report.Summary().rawTables;
         m_RawTable(input.Bytes(), name);
@@ -92,12 +107,16 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         followers[stream] = std::make_unique<CLlsFollower>(EndpointText(stream.first, stream.second), !m_options.strict,
                                                            m_channelMap, m_report);
     }
-    const auto route = FollowRoute(m_options.routeSessions, m_report);
+    CGuideFollower guide(m_report);
+    CGuideSessions guideSessions(guide, m_report);
+    const auto route = FollowRoute(m_options.routeSessions, guideSessions, m_report);
     for (const auto& [stream, follower] : followers) {
         const TEndpoint& lls = stream;
-        follower->SetServiceListener([&route, lls](unsigned char groupId, const std::vector<SService>& services) {
-            route->Announce({lls, groupId}, services);
-        });
+        follower->SetServiceListener(
+            [&route, &guide, lls](unsigned char groupId, const std::vector<SService>& services) {
+                route->Announce({lls, groupId}, services);
+                guide.Announce({lls, groupId}, services);
+            });
     }
     SSource source = {name, 0, {}};
     TDestinations destinations;
@@ -105,8 +124,11 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         const TEndpoint endpoint = {datagram.destination, datagram.destinationPort};
         if (const auto follower = followers.find(endpoint); follower != followers.end()) {
             follower->second->Take(datagram.payload, source);
-        } else if (!route->Take(datagram, source) &&
-                   (destinations.size() < k_maxDestinations || destinations.count(endpoint) != 0)) {
+            return;
+        }
+        const bool guided = guideSessions.Take(datagram, source);
+        if (!route->Take(datagram, source) && !guided &&
+            (destinations.size() < k_maxDestinations || destinations.count(endpoint) != 0)) {
             ++destinations[endpoint];
         }
     });
@@ -119,6 +141,8 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         }
         if (!m_output.Ended()) {
             route->Finish(name);
+            guideSessions.Finish(name);
+            guide.Finish(name, true);
             m_CaptureFaults(name, decoder.Counts(), followers, destinations);
         }
     };
@@ -173,6 +197,18 @@ void CInspector::m_RawTable(SBytes table, const std::string& name)
     CLlsFollower follower("", !m_options.strict, m_channelMap, m_report);
     follower.Take(table, {name, 0, {}});
     m_Finish(follower);
+}
+
+/// False: it is nothing of the guide.
+bool CInspector::m_GuideFile(SBytes bytes, const std::string& name)
+{
+    CGuideFollower guide(m_report);
+    if (!guide.Take({}, bytes, {name, 0, {}})) {
+        return false;
+    }
+    ++m_report.Summary().guideFiles;
+    guide.Finish(name, false);
+    return true;
 }
 
 void CInspector::m_SlsFile(SBytes bytes, const std::string& name)

@@ -76,19 +76,26 @@ std::string DropText(const SParseSLT::SService& service, CParseSLT::EDropReason 
     return "unknown reason";
 }
 
-SService SignalledService(const SParseSLT::SService& service)
+SService ListedService(const SParseSLT::SService& service)
 {
-    SService signalled;
-    signalled.serviceId = static_cast<unsigned>(service.serviceId);
-    signalled.slsProtocol = service.slsProtocol;
+    SService listed;
+    listed.serviceId = static_cast<unsigned>(service.serviceId);
+    listed.category = service.serviceCategory;
+    listed.globalServiceId = service.globalServiceId.value_or("");
+    listed.majorChannelNo = service.majorChannelNo;
+    listed.minorChannelNo = service.minorChannelNo;
+    if (!service.hasBroadcastSvcSignaling) {
+        return listed;
+    }
+    listed.slsProtocol = service.slsProtocol;
     const bool usable = service.slsDestinationIpAddress != 0 && service.slsDestinationIpAddress != k_noAddress &&
                         service.slsDestinationUdpPort > 0 && service.slsDestinationUdpPort <= 0xFFFF;
     if (usable) {
-        signalled.session.destination = service.slsDestinationIpAddress;
-        signalled.session.port = static_cast<std::uint16_t>(service.slsDestinationUdpPort);
-        signalled.session.source = service.slsSourceIpAddress != k_noAddress ? service.slsSourceIpAddress : 0;
+        listed.session.destination = service.slsDestinationIpAddress;
+        listed.session.port = static_cast<std::uint16_t>(service.slsDestinationUdpPort);
+        listed.session.source = service.slsSourceIpAddress != k_noAddress ? service.slsSourceIpAddress : 0;
     }
-    return signalled;
+    return listed;
 }
 
 /// What the drop callback works on.
@@ -291,9 +298,7 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& tabl
         std::vector<SService> services;
         for (const SParseSLT::SService& service : outcome.slt->services) {
             current->services.push_back(service.service);
-            if (service.hasBroadcastSvcSignaling) {
-                services.push_back(SignalledService(service));
-            }
+            services.push_back(ListedService(service));
         }
         m_Hold(table.header.groupId, std::move(current), table, outcome);
         m_serviceListener(table.header.groupId, std::move(services));

@@ -33,8 +33,7 @@ class CLlsFollower {
     bool SawSlt() const { return m_sawSlt; }
     /// Services in the lists that hold now.
     std::size_t Services() const;
-    /// Told, whenever the list of an LLS group is replaced or let go, which of its services say from now
-    /// on where their signalling is sent.
+    /// Told, whenever the list of an LLS group is replaced or let go, which services it has from now on.
     using TServiceListener = std::function<void(unsigned char groupId, std::vector<SService>)>;
     void SetServiceListener(TServiceListener listener) { m_serviceListener = std::move(listener); }
 

@@ -2,6 +2,7 @@
 
 #include <list>
 
+#include "GuideSessions.h"
 #include "Lct.h"
 #include "ObjectAssembler.h"
 #include "SlsFollower.h"
@@ -14,6 +15,7 @@ namespace {
 /// What the sessions share.
 struct SShared {
     CReport& report;
+    CGuideSessions& guide;
     CAssemblyMemory memory;
     std::list<CSlsFollower*> recent;  ///< those for which the library holds something, latest first
 };
@@ -23,12 +25,17 @@ class CRouteSession : public CSession {
     CRouteSession(const SServiceSession& session, std::shared_ptr<SShared> shared)
         : CSession(session),
           m_shared(std::move(shared)),
-          m_follower(followed, m_shared->report),
+          m_follower(followed, m_shared->report,
+                     [this](const CSTSID& stsid) { m_shared->guide.Signal(followed, stsid); }),
           m_assembler(m_shared->memory, [this](const TToi& toi, SBytes object) { m_Object(toi, object); })
     {
         m_counts.sessions = 1;
     }
-    ~CRouteSession() override { m_shared->recent.remove(&m_follower); }
+    ~CRouteSession() override
+    {
+        m_shared->recent.remove(&m_follower);
+        m_shared->guide.Release(followed.session);
+    }
 
     void Take(SBytes payload, const SSource& source) override
     {
@@ -105,11 +112,12 @@ std::string CRouteSession::Missing() const
 
 }  // namespace
 
-std::unique_ptr<CSessionFollower> FollowRoute(const std::set<CSessionFollower::TEndpoint>& endpoints, CReport& report)
+std::unique_ptr<CSessionFollower> FollowRoute(const std::set<CSessionFollower::TEndpoint>& endpoints,
+                                              CGuideSessions& guide, CReport& report)
 {
     const SProtocol protocol = {1, EFault::LCT_MALFORMED, "an LCT packet of ROUTE", "LCT packets of ROUTE",
                                 &SSummary::routeServices};
-    auto shared = std::make_shared<SShared>(SShared{report, {}, {}});
+    auto shared = std::make_shared<SShared>(SShared{report, guide, {}, {}});
     return std::make_unique<CSessionFollower>(
         protocol, endpoints,
         [shared](const SServiceSession& session) { return std::make_unique<CRouteSession>(session, shared); }, report);

@@ -7,7 +7,11 @@
 
 namespace vyr::inspect {
 
-/// Follows the services that ROUTE carries, by TSI 0 of their sessions.
-std::unique_ptr<CSessionFollower> FollowRoute(const std::set<CSessionFollower::TEndpoint>& endpoints, CReport& report);
+class CGuideSessions;
+
+/// Follows the services that ROUTE carries, by TSI 0 of their sessions. `guide` is told of what each S-TSID
+/// names, and outlives the follower.
+std::unique_ptr<CSessionFollower> FollowRoute(const std::set<CSessionFollower::TEndpoint>& endpoints,
+                                              CGuideSessions& guide, CReport& report);
 
 }  // namespace vyr::inspect

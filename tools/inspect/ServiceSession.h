@@ -22,11 +22,17 @@ struct SServiceSession {
     }
 };
 
-/// A service of the service list that says where its signalling is sent.
+/// A service of the service list.
 struct SService {
     unsigned serviceId = 0;
-    int slsProtocol = 0;
+    int slsProtocol = 0;  ///< 0: it does not say where its signalling is sent
     SServiceSession session;
+    int category = 0;
+    std::string globalServiceId = {};
+    int majorChannelNo = 0;  ///< 0: none
+    int minorChannelNo = 0;
+
+    bool IsGuide() const { return category == 4; }
 };
 
 /// A session that is followed, as the report names it. A raw file has none of this.
@@ -34,6 +40,7 @@ struct SFollowed {
     SServiceSession session;
     std::string name;                  ///< "239.255.7.1:30100"; empty for a raw file
     std::multiset<unsigned> services;  ///< that the service lists have at this session
+    std::multiset<unsigned> guides;    ///< of these, those that are service guides
 
     /// The first of the services.
     std::vector<unsigned> Shown() const;

@@ -26,7 +26,7 @@ SFault SFollowed::Fault(EFault code, const std::string& message, const SSource& 
 }
 
 CSession::CSession(const SServiceSession& session)
-    : followed({session, EndpointText(session.destination, session.port), {}})
+    : followed({session, EndpointText(session.destination, session.port), {}, {}})
 {
 }
 
@@ -48,7 +48,11 @@ void CSessionFollower::Announce(const TGroup& group, std::vector<SService> servi
     // The new ones come first: a session of both lists goes on.
     for (const SService& service : services) {
         if (service.session.destination != 0) {
-            m_Add(service.session).followed.services.insert(service.serviceId);
+            SFollowed& followed = m_Add(service.session).followed;
+            followed.services.insert(service.serviceId);
+            if (service.IsGuide()) {
+                followed.guides.insert(service.serviceId);
+            }
         }
     }
     services.swap(m_services[group]);
@@ -57,9 +61,12 @@ void CSessionFollower::Announce(const TGroup& group, std::vector<SService> servi
             continue;
         }
         const auto session = m_sessions.find(service.session);
-        std::multiset<unsigned>& left = session->second->followed.services;
-        left.erase(left.find(service.serviceId));
-        if (left.empty() && !session->second->pinned) {
+        SFollowed& followed = session->second->followed;
+        followed.services.erase(followed.services.find(service.serviceId));
+        if (service.IsGuide()) {
+            followed.guides.erase(followed.guides.find(service.serviceId));
+        }
+        if (followed.services.empty() && !session->second->pinned) {
             m_Remove(session);
         }
     }
@@ -155,7 +162,8 @@ void CSessionFollower::m_Remove(TSessions::iterator session)
 std::string CSessionFollower::m_Missing(const CSession& session) const
 {
     const SSessionCounts& counts = session.Counts();
-    const auto& [key, name, services] = session.followed;
+    const SServiceSession& key = session.followed.session;
+    const std::string& name = session.followed.name;
     if (counts.packets == 0) {
         const std::uint64_t others = m_endpoints.at({key.destination, key.port}).otherSources;
         return "no packets to " + name + (key.source != 0 ? " from " + Ipv4Text(key.source) : "") +

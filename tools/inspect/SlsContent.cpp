@@ -1,5 +1,6 @@
 #include "SlsContent.h"
 
+#include "Elements.h"
 #include "Json.h"
 #include "Names.h"
 #include "Text.h"
@@ -22,15 +23,6 @@ namespace {
 
 constexpr unsigned k_none = 0xFFFFFFFF;
 constexpr unsigned short k_none16 = 0xFFFF;
-
-/// Calls `use` with each element of the array.
-template <class TElement, class TUse>
-void ForEach(const CCPtrArray& array, TUse use)
-{
-    for (int i = 0; i < array.Size(); ++i) {
-        use(*static_cast<const TElement*>(array.Data(i)));
-    }
-}
 
 std::string Given(const char* text)
 {

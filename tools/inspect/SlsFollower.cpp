@@ -18,8 +18,8 @@ std::string Title(const TToi& toi)
 
 }  // namespace
 
-CSlsFollower::CSlsFollower(const SFollowed& followed, CReport& report)
-    : m_followed(followed), m_report(report), m_reader(followed.session)
+CSlsFollower::CSlsFollower(const SFollowed& followed, CReport& report, TStsidListener stsidListener)
+    : m_followed(followed), m_report(report), m_reader(followed.session, std::move(stsidListener))
 {
 }
 

@@ -20,8 +20,11 @@ class CSlsFollower {
   public:
     static constexpr std::size_t k_maxPackage = 8388608;  ///< bytes of an inflated object
 
+    /// Told of each S-TSID that parsed; good during the call only.
+    using TStsidListener = CSlsReader::TStsidListener;
+
     /// All references outlive the follower.
-    CSlsFollower(const SFollowed& followed, CReport& report);
+    CSlsFollower(const SFollowed& followed, CReport& report, TStsidListener stsidListener = {});
 
     /// Takes one whole object; `toi` is none for a raw file. False: it holds no document.
     bool Take(const std::optional<TToi>& toi, SBytes object, const SSource& source);

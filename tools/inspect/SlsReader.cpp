@@ -37,7 +37,8 @@ std::string RefusalReason(const SSlsText& document, const CRefusalListener& list
 
 }  // namespace
 
-CSlsReader::CSlsReader(const SServiceSession& session)
+CSlsReader::CSlsReader(const SServiceSession& session, TStsidListener stsidListener)
+    : m_stsidListener(std::move(stsidListener))
 {
     m_session = {0, session.source, session.destination, session.port};
 }
@@ -95,6 +96,9 @@ std::vector<SSlsDocument> CSlsReader::Read(SBytes text, const std::vector<SSlsTe
         }
         if (document.parsed && document.kind == ESlsDocument::STSID && m_manager->Stsid() != nullptr) {
             m_Content(ESlsDocument::STSID) = StsidContent(*m_manager->Stsid());
+            if (m_stsidListener) {
+                m_stsidListener(*m_manager->Stsid());
+            }
         }
         SSlsDocument& entry = read.emplace_back();
         entry.kind = document.kind;

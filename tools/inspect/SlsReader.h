@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,7 +17,10 @@ namespace vyr::inspect {
 /// The library's manager of one session's signalling, and what it says of each package.
 class CSlsReader {
   public:
-    explicit CSlsReader(const SServiceSession& session);
+    using TStsidListener = std::function<void(const CSTSID&)>;
+
+    /// The listener, if any, is told of each S-TSID that parses.
+    CSlsReader(const SServiceSession& session, TStsidListener stsidListener);
     ~CSlsReader();
     CSlsReader(const CSlsReader&) = delete;
     CSlsReader& operator=(const CSlsReader&) = delete;
@@ -33,6 +37,7 @@ class CSlsReader {
   private:
     std::optional<SContent>& m_Content(ESlsDocument kind) { return m_contents[static_cast<std::size_t>(kind)]; }
 
+    const TStsidListener m_stsidListener;
     CSLSManager::SSessionInfo m_session{};
     std::unique_ptr<CSLSManager> m_manager;
     std::array<std::optional<SContent>, k_slsDocuments> m_contents;  ///< of the package being read
