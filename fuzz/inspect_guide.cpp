@@ -5,11 +5,13 @@
 
 #include "Fuzz.h"
 #include "GuideFollower.h"
+#include "HtmlReport.h"
 #include "JsonReport.h"
 #include "LibraryPort.h"
 #include "Output.h"
 #include "Progress.h"
 #include "TextReport.h"
+#include "inspect/Markup.h"
 
 using namespace vyr::inspect;
 
@@ -29,7 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     COutput output(progress);
     CTextReport text(output, (options & 2) != 0);
     CJsonReport json(output);
-    CReport report(options & 1 ? static_cast<IReportWriter&>(json) : text, false);
+    CHtmlReport page;
+    CReport report(options & 1 ? static_cast<IReportWriter&>(json) : text, false, &page);
     const SGuideLimits limits = options & 4 ? SGuideLimits{3, 2048, 4096} : SGuideLimits{};
     CGuideFollower guide(report, limits);
     const std::vector<unsigned char> rest = script.Rest();
@@ -61,5 +64,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(counts.fragments <= limits.fragments);
     Require((counts.fragments != 0) == guide.Holds());
     report.Finish();
+    Require(MarkupFault(page.Page()).empty());  // nothing that came is markup
     return 0;
 }

@@ -5,6 +5,7 @@
 
 #include "Fuzz.h"
 #include "GuideSessions.h"
+#include "HtmlReport.h"
 #include "JsonReport.h"
 #include "LibraryPort.h"
 #include "Output.h"
@@ -12,6 +13,7 @@
 #include "RouteFollower.h"
 #include "SlsFollower.h"
 #include "TextReport.h"
+#include "inspect/Markup.h"
 
 using namespace vyr::inspect;
 
@@ -33,13 +35,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     COutput output(progress);
     CTextReport text(output);
     CJsonReport json(output);
-    CReport report(options & 1 ? static_cast<IReportWriter&>(json) : text, false);
+    CHtmlReport page;
+    CReport report(options & 1 ? static_cast<IReportWriter&>(json) : text, false, &page);
     const std::vector<unsigned char> rest = script.Rest();
     if (options & 2) {
         const SFollowed followed;
         CSlsFollower follower(followed, report);
         follower.Take({}, {rest.data(), rest.size()}, {"fuzz", 0, {}});
         report.Finish();
+        Require(MarkupFault(page.Page()).empty());  // nothing that came is markup
         return 0;
     }
     const std::vector<SService> services = {{1, 1, {k_address, 1, 0}},
@@ -80,5 +84,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(counts.malformed + counts.signalling <= counts.packets);
     Require(counts.objects.complete + counts.incomplete + counts.objects.tooLarge <= counts.signalling);
     report.Finish();
+    Require(MarkupFault(page.Page()).empty());  // nothing that came is markup
     return 0;
 }

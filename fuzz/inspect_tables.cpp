@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "Fuzz.h"
+#include "HtmlReport.h"
 #include "JsonReport.h"
 #include "LibraryPort.h"
 #include "LlsFollower.h"
@@ -10,6 +11,7 @@
 #include "Progress.h"
 #include "TextReport.h"
 #include "common/ChannelMap.h"
+#include "inspect/Markup.h"
 
 using namespace vyr::inspect;
 
@@ -30,7 +32,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     COutput output(progress);
     CTextReport text(output);
     CJsonReport json(output);
-    CReport report(options & 1 ? static_cast<IReportWriter&>(json) : text, false);
+    CHtmlReport page;
+    CReport report(options & 1 ? static_cast<IReportWriter&>(json) : text, false, &page);
     CChannelMap map;
     map.Create();
     {
@@ -50,5 +53,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(left == 0);  // what the follower put into the map, it took out again
     map.Destroy();
     report.Finish();
+    Require(MarkupFault(page.Page()).empty());  // nothing that came is markup
     return 0;
 }

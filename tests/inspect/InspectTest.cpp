@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "GuideObjects.h"
+#include "Markup.h"
 #include "Packets.h"
 #include "support/Gzip.h"
 
@@ -398,6 +399,47 @@ TEST(Inspect, EveryJsonLineStandsAlone)
     }
 }
 
+TEST(Inspect, EveryInputHasAPage)
+{
+    for (const SGolden& golden : Goldens()) {
+        SCOPED_TRACE(golden.name);
+        const CTemporary page("left from before");
+        const SResult result = Inspect("--html '" + page.Name() + "' " + golden.arguments, golden.input);
+        EXPECT_EQ(result.status, golden.status);
+        EXPECT_EQ(result.out, ReadFile(std::string(VYR_TEST_DATA "/inspect/") + golden.name + ".txt"));
+        const std::string html = ReadFile(page.Name());
+        EXPECT_EQ(html.compare(0, 15, "<!DOCTYPE html>"), 0);
+        EXPECT_EQ(MarkupFault(html), "");
+        EXPECT_EQ(html.find("No problems found") != std::string::npos, golden.status == 0);
+    }
+    const CTemporary page;
+    Inspect("-q --html '" + page.Name() + "' -", Unsignalled());
+    const std::string html = ReadFile(page.Name());
+    for (const char* part :
+         {"<td>239.255.7.1:6001</td>", "<span class=\"badge good\">received</span>",
+          "<p><span class=\"badge bad\">missing</span> no signalling of service 2: ", "shown before</a>",
+          "<b>MPD</b> <span class=\"badge bad\">did not parse</span>", "<dt>service<wbr>Id</dt><dd>99</dd>"}) {
+        EXPECT_NE(html.find(part), std::string::npos) << part;
+    }
+    Inspect("--html '" + page.Name() + "' lls/openssl-cdt.bin pcap/gpac-a2-multi-service.pcap | true");
+    EXPECT_NE(ReadFile(page.Name()).find("NEWS-1"), std::string::npos)
+        << "whole, though the reader of the text has gone";
+}
+
+TEST(Inspect, APageThatCannotBeWritten)
+{
+    const std::string lineup = ReadFile(VYR_TEST_DATA "/" + k_lineup);
+    EXPECT_EQ(Inspect("--html missing/page.html " + k_lineup).status, 2);
+    EXPECT_EQ(Inspect("--html missing/page.html " + k_lineup).out, "") << "told before the work";
+    EXPECT_EQ(Inspect("--html missing/page.html " + k_lineup).err,
+              "vyr-atsc30-inspect: missing/page.html: No such file or directory\n");
+    EXPECT_EQ(Inspect("--html /dev/full " + k_lineup).status, 2);
+    EXPECT_NE(Inspect("--html /dev/full " + k_lineup).out, "");
+    const CTemporary input(lineup);
+    EXPECT_EQ(Inspect("--html '" + input.Name() + "' '" + input.Name() + "'").status, 2);
+    EXPECT_EQ(ReadFile(input.Name()), lineup) << "an input is never written over";
+}
+
 TEST(Inspect, EveryFormOfCapture)
 {
     const std::string ip = Ipv4(Udp(Slt(Service(1), 1)));
@@ -582,11 +624,12 @@ TEST(Inspect, AReaderThatHasGoneIsNoError)
 TEST(Inspect, AStreamIsReportedAsItComes)
 {
     const CTemporary fifo;
+    const CTemporary page;
     std::remove(fifo.Name().c_str());
     ASSERT_EQ(mkfifo(fifo.Name().c_str(), 0600), 0);
     // One interrupt, to the tool alone: a second one could meet the leak check at its end.
-    const std::string command =
-        "timeout --foreground --preserve-status -s INT 2 '" VYR_INSPECT "' - < '" + fifo.Name() + "'";
+    const std::string command = "timeout --foreground --preserve-status -s INT 2 '" VYR_INSPECT "' --html '" +
+                                page.Name() + "' - < '" + fifo.Name() + "'";
     FILE* out = popen(command.c_str(), "r");
     const int in = open(fifo.Name().c_str(), O_WRONLY);
     const std::string bytes = CCapture(1).AddLls(Slt(Service(1), 1)).Bytes();
@@ -601,6 +644,8 @@ TEST(Inspect, AStreamIsReportedAsItComes)
     EXPECT_EQ(pclose(out), 0);
     EXPECT_NE(text.find("SLT (1) version 1 group 0: new"), std::string::npos);
     EXPECT_NE(text.find("\nsummary\n"), std::string::npos) << "an interrupt ends the input, not the report";
+    EXPECT_EQ(MarkupFault(ReadFile(page.Name())), "");
+    EXPECT_NE(ReadFile(page.Name()).find("<h3>bsid 5, 224.0.23.60:4937 group 0 "), std::string::npos);
 }
 
 }  // namespace

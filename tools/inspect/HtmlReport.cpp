@@ -356,7 +356,7 @@ std::string CHtmlReport::m_Fold(const SPart& part, const char* attributes) const
     std::string note = part.versions > 1 ? Counted(part.versions, "version") + ", the last: " : std::string();
     note += where;
     return std::string("<details ") + attributes + "><summary>" + part.title +
-           (note.empty() ? "" : " <small>" + note + "</small>") + "</summary>" + part.html + "</details>";
+           (note.empty() ? "" : " <small>\u00b7 " + note + "</small>") + "</summary>" + part.html + "</details>";
 }
 
 std::string CHtmlReport::m_Lines(const SList<SLine>& list, const std::vector<std::string>& titles) const
