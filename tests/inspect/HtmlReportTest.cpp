@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <time.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "Html.h"
+#include "HtmlGuide.h"
 #include "Markup.h"
 
 namespace {
@@ -177,6 +179,24 @@ SGuide Guide()
     movie.programmes = {Programme("Seconds", t + 90, t + 100), Programme("Backwards", t + 3600, t),
                         Programme("Before time", -5, 9), Programme("After time", 1LL << 60, (1LL << 60) + 5)};
     return guide;
+}
+
+TEST(HtmlGuide, LocalTimeAndLimit)
+{
+    setenv("TZ", "EST5", 1);
+    tzset();
+    const std::string local = HtmlGuide(Guide(), "g", true, 1 << 20);
+    unsetenv("TZ");
+    tzset();
+    EXPECT_NE(local.find("<h3>Friday 2027-01-15</h3>"), std::string::npos);
+    EXPECT_NE(local.find("<small>16:00\u201316:30</small>"), std::string::npos);
+    EXPECT_NE(local.find("17:30\u201320:00"), std::string::npos) << "not over midnight there";
+    EXPECT_EQ(local.find("<h3>Saturday"), std::string::npos);
+    const std::string utc = HtmlGuide(Guide(), "g", false, 6000);
+    EXPECT_NE(utc.find("22:30\u20132027-01-16 01:00"), std::string::npos);
+    EXPECT_NE(utc.find("left out here"), std::string::npos);
+    EXPECT_LT(utc.size(), 8000u);
+    EXPECT_EQ(MarkupFault(utc), "");
 }
 
 /// Pages in a directory of their own, and what a browser measures of them at two widths.

@@ -13,6 +13,7 @@ namespace vyr::inspect {
 namespace {
 
 constexpr unsigned k_envelope = k_slsDocuments;  ///< behind the kinds of documents
+constexpr std::size_t k_mostGuide = 16777216;
 constexpr std::size_t k_fewServices = 4;
 constexpr std::size_t k_fewFiles = 3;
 constexpr std::size_t k_longKey = 256;
@@ -438,7 +439,8 @@ std::string CHtmlReport::m_Guide() const
     std::string html;
     for (const auto& [file, guide] : m_guides) {
         html += m_files.size() > 1 ? "<h3>" + HtmlIsolated(m_files[file]) + "</h3>" : "";
-        html += HtmlGuide(guide, "g" + std::to_string(file), m_localTime);
+        html +=
+            HtmlGuide(guide, "g" + std::to_string(file), m_localTime, k_mostGuide - std::min(html.size(), k_mostGuide));
     }
     if (!m_guideObjects.empty()) {
         html += "<h3>Objects of the guide</h3>";
