@@ -48,9 +48,8 @@ void Read(const CESGScheduleFragment& schedule, bool parsed)
     }
 }
 
-void Read(const CSGDDParse& sgdd, bool parsed)
+void Read(const CSGDDParse& sgdd, bool /*parsed*/)
 {
-    Require(parsed || sgdd.State()->descriptorEntries.empty());
     for (const auto& entry : sgdd.State()->descriptorEntries) {
         for (const auto& unit : entry->State()->deliveryUnits) {
             Require(unit->State() != nullptr);
@@ -58,9 +57,8 @@ void Read(const CSGDDParse& sgdd, bool parsed)
     }
 }
 
-void Read(const CSGResponse& response, bool parsed)
+void Read(const CSGResponse& response, bool /*parsed*/)
 {
-    Require(parsed || response.State()->descriptors.empty());
     for (const auto& version : response.State()->supportedVersions) {
         Require(version && *version.get() != 0);
     }
