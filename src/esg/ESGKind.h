@@ -85,12 +85,12 @@ bool ReadElementAndChildren(SESGState& state, void* node)
 /// What is read of an element that has children alone.
 inline void NoAttributes(SESGState& /*state*/, void* /*node*/) {}
 
-/// What an element without children is: TRead(record, node), on the part TPart of the record TState, reads it.
-template <class TState, auto TRead, class TPart = TState>
+/// What an element without children is: TRead(record, node), on the base TBase of the record TState, reads it.
+template <class TState, auto TRead, class TBase = TState>
 constexpr SESGKind ElementKind(const char* file, const char* className, const char* element,
                                const char* otherElement = nullptr)
 {
-    return {file,        className, element, "m_Process()", NewState<TState>, nullptr, ReadElement<TPart, TRead>,
+    return {file,        className, element, "m_Process()", NewState<TState>, nullptr, ReadElement<TBase, TRead>,
             otherElement};
 }
 
