@@ -15,13 +15,13 @@ inline std::string Slt(const std::string& services, unsigned version, unsigned g
            services + "</SLT>";
 }
 
-/// A service that MMTP carries, at 239.255.7.1; port 0: nowhere.
-inline std::string MmtService(int id, unsigned port)
+/// A service that MMTP, or ROUTE for protocol 1, carries, at 239.255.7.1; port 0: nowhere.
+inline std::string MmtService(int id, unsigned port, int protocol = 2)
 {
     return "<Service serviceId=\"" + std::to_string(id) +
-           "\" serviceCategory=\"4\"><BroadcastSvcSignaling slsProtocol=\"2\" slsDestinationIpAddress=\"" +
-           (port != 0 ? "239.255.7.1" : "none") + "\" slsDestinationUdpPort=\"" + std::to_string(port) +
-           "\"/></Service>";
+           "\" serviceCategory=\"4\"><BroadcastSvcSignaling slsProtocol=\"" + std::to_string(protocol) +
+           "\" slsDestinationIpAddress=\"" + (port != 0 ? "239.255.7.1" : "none") + "\" slsDestinationUdpPort=\"" +
+           std::to_string(port) + "\"/></Service>";
 }
 
 /// Payload of an ATSC 3.0 message of service 1.
@@ -42,9 +42,9 @@ inline std::string MmtAtsc3(unsigned type, const std::string& content, unsigned 
 }
 
 /// Payload of a signed message that wraps another.
-inline std::string MmtSigned(const std::string& message)
+inline std::string MmtSigned(const std::string& message, const std::string& signature = "signature")
 {
-    return CMmtBuilder().Put(16, 1).Open(32).Put(message).Close().Open(16).Put("signature").Close().Bytes();
+    return CMmtBuilder().Put(16, 1).Open(32).Put(message).Close().Open(16).Put(signature).Close().Bytes();
 }
 
 /// An MP table with a location of each type and a descriptor of each kind.
@@ -205,6 +205,7 @@ inline std::string NoMessages()
     for (int id = 1; id <= 11; ++id) {
         services += MmtService(id, id == 11 ? 0 : 6001 + static_cast<unsigned>(id));
     }
+    services += MmtService(12, 6002, 1);
     CCapture capture(1);
     capture.AddSession(Mmtp({}, mpt), 6001).AddLls(Slt(services, 1)).AddSession(Mmtp({}, mpt), 6002);
     capture.AddSession("??", 6004).AddSession(Mmtp({1, 0, 0, 0x4000}, mpt), 6005).AddSession("?", 6005);
