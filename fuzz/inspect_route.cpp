@@ -9,6 +9,7 @@
 #include "Output.h"
 #include "Progress.h"
 #include "RouteFollower.h"
+#include "SlsFollower.h"
 #include "TextReport.h"
 
 using namespace vyr::inspect;
@@ -34,16 +35,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CReport report(options & 1 ? static_cast<IReportWriter&>(json) : text, false);
     const std::vector<unsigned char> rest = script.Rest();
     if (options & 2) {
-        CSlsFollower follower("", {}, report);
+        const SFollowed followed;
+        CSlsFollower follower(followed, report);
         follower.Take({}, {rest.data(), rest.size()}, {"fuzz", 0, {}});
         report.Finish();
         return 0;
     }
-    const std::vector<SRouteService> services = {
-        {1, {k_address, 1, 0}}, {2, {k_address, 1, k_source}}, {3, {k_address, 2, k_source}}, {4, {}}};
-    CRouteFollower follower({{k_address, 0}}, report);
-    const CRouteFollower::TGroup group = {{1, 1}, 0};
-    follower.Announce(group, services);
+    const std::vector<SService> services = {
+        {1, 1, {k_address, 1, 0}}, {2, 1, {k_address, 1, k_source}}, {3, 1, {k_address, 2, k_source}}, {4, 1, {}}};
+    const auto follower = FollowRoute({{k_address, 0}}, report);
+    const CSessionFollower::TGroup group = {{1, 1}, 0};
+    follower->Announce(group, services);
     std::uint64_t packets = 0;
     const SSource source = {"fuzz", 1, {}};
     for (std::size_t at = 0; at + 3 <= rest.size();) {
@@ -55,16 +57,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                                  rest.begin() + static_cast<std::ptrdiff_t>(at + length));
         at += length;
         if (pick & 0x80) {
-            follower.Announce(group, pick & 0x40 ? services : std::vector<SRouteService>());
+            follower->Announce(group, pick & 0x40 ? services : std::vector<SService>());
         }
         const SDatagram datagram = {pick & 4 ? 1 : k_source,
                                     k_address,
                                     1,
                                     static_cast<std::uint16_t>(pick & 3),
                                     {payload.data(), payload.size()}};
-        packets += follower.Take(datagram, source) ? 1 : 0;
+        packets += follower->Take(datagram, source) ? 1 : 0;
     }
-    follower.Finish("fuzz");
+    follower->Finish("fuzz");
     const SRouteCounts& counts = report.Summary().route;
     Require(counts.packets >= packets);
     Require(counts.malformed + counts.signalling <= counts.packets);

@@ -13,6 +13,7 @@
 #include <cstring>
 
 #include "Gunzip.h"
+#include "MessageHead.h"
 
 namespace vyr::inspect {
 
@@ -127,12 +128,16 @@ CInput::CInput(const std::string& name) : m_file(std::make_unique<SFile>())
     if (IsCaptureMagic(start)) {
         m_OpenCapture();
     } else if (IsTableStart(start)) {
-        m_ReadBytes();
+        m_kind = EKind::TABLE;
     } else if (IsSlsStart(start)) {
-        m_sls = true;
-        m_ReadBytes();
+        m_kind = EKind::SLS;
+    } else if (IsMessageStart(start)) {
+        m_kind = EKind::MESSAGE;
     } else {
         throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
+    }
+    if (m_kind != EKind::CAPTURE) {
+        m_ReadBytes();
     }
 }
 
@@ -206,8 +211,8 @@ void CInput::m_ReadBytes()
         m_bytes.insert(m_bytes.end(), chunk, chunk + count);
         if (m_bytes.size() > k_maxBytes) {
             throw CInputError(EFault::INPUT_TOO_LARGE, std::string("larger than any ") +
-                                                           (m_sls ? "signalling" : "LLS table") + ": more than " +
-                                                           std::to_string(k_maxBytes) + " bytes");
+                                                           (m_kind == EKind::TABLE ? "LLS table" : "signalling") +
+                                                           ": more than " + std::to_string(k_maxBytes) + " bytes");
         }
     }
     if (m_file->error != 0) {

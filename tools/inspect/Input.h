@@ -32,7 +32,7 @@ struct SPacket {
 };
 
 /// One input, known by its first bytes: a capture, read packet by packet as it grows, one raw LLS table,
-/// or service-layer signalling (a document or a package).
+/// service-layer signalling (a document or a package), or one MMT signalling message.
 class CInput {
   public:
     /// Opens a file, or standard input for "-". Throws CInputError.
@@ -42,7 +42,9 @@ class CInput {
     CInput& operator=(const CInput&) = delete;
 
     bool IsCapture() const { return m_capture != nullptr; }
-    bool IsSls() const { return m_sls; }
+    bool IsSls() const { return m_kind == EKind::SLS; }
+    /// A message of an id that can be no LLS table's; an LLS table may be a message, too.
+    bool IsMessage() const { return m_kind == EKind::MESSAGE; }
     /// DLT number of a capture.
     int LinkType() const;
     std::string LinkTypeText() const;
@@ -56,6 +58,7 @@ class CInput {
 
   private:
     struct SFile;
+    enum class EKind { CAPTURE, TABLE, SLS, MESSAGE };
     static constexpr std::size_t k_maxBytes = 1048576;
 
     void m_OpenCapture();
@@ -63,7 +66,7 @@ class CInput {
 
     std::unique_ptr<SFile> m_file;
     pcap* m_capture = nullptr;
-    bool m_sls = false;
+    EKind m_kind = EKind::CAPTURE;
     std::vector<unsigned char> m_bytes;
 };
 

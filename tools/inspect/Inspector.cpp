@@ -6,6 +6,12 @@
 
 #include "LibraryPort.h"
 #include "LinkLayer.h"
+#include "LlsTables.h"
+#include "MessageFollower.h"
+#include "MessageHead.h"
+#include "MmtFollower.h"
+#include "RouteFollower.h"
+#include "SlsFollower.h"
 #include "Text.h"
 
 namespace vyr::inspect {
@@ -26,6 +32,18 @@ std::string Busiest(const std::map<std::pair<std::uint32_t, std::uint16_t>, std:
         text += (i == 0 ? "" : ", ") + sorted[i].second + " (" + std::to_string(sorted[i].first) + ')';
     }
     return text;
+}
+
+/// Of what begins like an LLS table of id 2 (RRT): whether it is a message that fits the file, and no table
+/// that parses.
+bool IsMessageAndNoTable(SBytes bytes)
+{
+    if (!IsMessageFile(bytes)) {
+        return false;
+    }
+    const bool table = ParseTable({bytes[0], bytes[1], bytes[2], bytes[3]}, bytes).content.has_value();
+    TakeAssertions();
+    return !table;
 }
 
 }  // namespace
@@ -74,6 +92,8 @@ void CInspector::m_Inspect(const std::string& name)
         m_Capture(input, name);
     } else if (input.IsSls()) {
         m_SlsFile(input.Bytes(), name);
+    } else if (input.IsMessage() || IsMessageAndNoTable(input.Bytes())) {
+        m_MessageFile(input.Bytes(), name);
     } else {
         ++m_report.Summary().rawTables;
         m_RawTable(input.Bytes(), name);
@@ -90,11 +110,14 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         followers[stream] = std::make_unique<CLlsFollower>(EndpointText(stream.first, stream.second), !m_options.strict,
                                                            m_channelMap, m_report);
     }
-    CRouteFollower route(m_options.routeSessions, m_report);
+    const std::unique_ptr<CSessionFollower> sessions[] = {FollowRoute(m_options.routeSessions, m_report),
+                                                          FollowMmtp(m_options.mmtpSessions, m_report)};
     for (const auto& [stream, follower] : followers) {
         const TEndpoint& lls = stream;
-        follower->SetRouteListener([&route, lls](unsigned char groupId, std::vector<SRouteService> services) {
-            route.Announce({lls, groupId}, std::move(services));
+        follower->SetServiceListener([&sessions, lls](unsigned char groupId, const std::vector<SService>& services) {
+            for (const auto& protocol : sessions) {
+                protocol->Announce({lls, groupId}, services);
+            }
         });
     }
     SSource source = {name, 0, {}};
@@ -103,8 +126,13 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         const TEndpoint endpoint = {datagram.destination, datagram.destinationPort};
         if (const auto follower = followers.find(endpoint); follower != followers.end()) {
             follower->second->Take(datagram.payload, source);
-        } else if (!route.Take(datagram, source) &&
-                   (destinations.size() < k_maxDestinations || destinations.count(endpoint) != 0)) {
+            return;
+        }
+        bool taken = false;
+        for (const auto& protocol : sessions) {
+            taken = protocol->Take(datagram, source) || taken;
+        }
+        if (!taken && (destinations.size() < k_maxDestinations || destinations.count(endpoint) != 0)) {
             ++destinations[endpoint];
         }
     });
@@ -116,7 +144,9 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             m_Finish(*follower);
         }
         if (m_output.Error() == 0) {
-            route.Finish(name);
+            for (const auto& protocol : sessions) {
+                protocol->Finish(name);
+            }
             m_CaptureFaults(name, decoder.Counts(), followers, destinations);
         }
     };
@@ -153,7 +183,7 @@ void CInspector::m_CaptureFaults(const std::string& name, const SPacketCounts& c
     }
     for (const auto& [stream, follower] : followers) {
         const std::string streamText = EndpointText(stream.first, stream.second);
-        if (follower->Tables() == 0 && m_options.routeSessions.empty()) {
+        if (follower->Tables() == 0 && m_options.routeSessions.empty() && m_options.mmtpSessions.empty()) {
             const std::string busiest = Busiest(destinations);
             m_report.Fault({EFault::NO_LLS,
                             "no LLS: none of " + Counted(counts.datagrams, "UDP datagram") + " goes to " + streamText +
@@ -175,11 +205,23 @@ void CInspector::m_RawTable(SBytes table, const std::string& name)
 
 void CInspector::m_SlsFile(SBytes bytes, const std::string& name)
 {
-    CSlsFollower follower("", {}, m_report);
+    const SFollowed followed;
+    CSlsFollower follower(followed, m_report);
     if (!follower.Take({}, bytes, {name, 0, {}})) {
         throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
     }
     ++m_report.Summary().slsFiles;
+}
+
+void CInspector::m_MessageFile(SBytes bytes, const std::string& name)
+{
+    if (!IsMessageFile(bytes)) {
+        throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
+    }
+    const SFollowed followed;
+    CMessageFollower follower(followed, m_report);
+    follower.Take({}, bytes, {name, 0, {}});
+    ++m_report.Summary().rawMessages;
 }
 
 void CInspector::m_Finish(const CLlsFollower& follower)

@@ -13,7 +13,6 @@
 #include "Output.h"
 #include "Progress.h"
 #include "Report.h"
-#include "RouteFollower.h"
 #include "common/ChannelMap.h"
 
 namespace vyr::inspect {
@@ -40,6 +39,7 @@ class CInspector {
     void m_Capture(CInput& input, const std::string& name);
     void m_RawTable(SBytes table, const std::string& name);
     void m_SlsFile(SBytes bytes, const std::string& name);
+    void m_MessageFile(SBytes bytes, const std::string& name);
     void m_CaptureFaults(const std::string& name, const SPacketCounts& counts, const TFollowers& followers,
                          const TDestinations& destinations);
     void m_Finish(const CLlsFollower& follower);

@@ -19,14 +19,6 @@ TJson Object(const char* type)
     return {{"schema_version", k_schemaVersion}, {"type", type}};
 }
 
-void PutNamed(TJson& object, const std::string& key, long long number, const char* name)
-{
-    object[key] = number;
-    if (name != nullptr) {
-        object[key + "Name"] = name;
-    }
-}
-
 std::string TimeText(const STime& time)
 {
     const std::time_t seconds = static_cast<std::time_t>(time.seconds);
@@ -213,6 +205,28 @@ void CJsonReport::Signalling(const SSignalling& signalling)
     m_output.Write(JsonLine(json));
 }
 
+void CJsonReport::Message(const SMessage& message)
+{
+    TJson json = Object("message");
+    json["source"] = SourceJson(message.source);
+    PutText(json, "session", message.session);
+    PutList(json, "serviceIds", message.services);
+    PutValue(json, "packet_id", message.packetId);
+    PutNamed(json, "message_id", message.id, MessageName(message.id));
+    json["version"] = message.version;
+    json["status"] = StatusName(message.status);
+    json["size"] = message.payload.size;
+    if (message.supported) {
+        json["parsed"] = message.content.has_value();
+    } else {
+        json["payload"] = Hex(message.payload);
+    }
+    if (message.content) {
+        json.update(message.content->json);
+    }
+    m_output.Write(JsonLine(json));
+}
+
 void CJsonReport::Fault(const SFault& fault)
 {
     TJson json = Object("fault");
@@ -238,6 +252,7 @@ void CJsonReport::Summary(const SSummary& summary)
     json["captures"] = summary.captures;
     json["rawTables"] = summary.rawTables;
     json["slsFiles"] = summary.slsFiles;
+    json["rawMessages"] = summary.rawMessages;
     json["packets"] = summary.packets.packets;
     json["packetsCut"] = summary.packets.cut;
     json["packetsMalformed"] = summary.packets.malformed;
@@ -263,6 +278,7 @@ void CJsonReport::Summary(const SSummary& summary)
     json["services"] = summary.services;
     json["servicesDropped"] = summary.servicesDropped;
     json["routeServices"] = summary.routeServices;
+    json["mmtpServices"] = summary.mmtpServices;
     json["servicesSignalled"] = summary.servicesSignalled;
     json["routeSessions"] = summary.route.sessions;
     json["lctPackets"] = summary.route.packets;
@@ -278,6 +294,23 @@ void CJsonReport::Summary(const SSummary& summary)
     }
     signalling["documentsNotParsed"] = summary.documentsNotParsed;
     json["signalling"] = std::move(signalling);
+    json["mmtpSessions"] = summary.mmtp.sessions;
+    json["mmtpPackets"] = summary.mmtp.packets;
+    json["mmtpPacketsMalformed"] = summary.mmtp.malformed;
+    json["mmtpPacketsOtherVersions"] = summary.mmtp.otherVersions;
+    json["mmtpPacketsOther"] = summary.mmtp.otherTypes;
+    json["mmtpPacketsSignalling"] = summary.mmtp.signalling;
+    json["mmtpPacketsRepeated"] = summary.mmtp.messages.repeated;
+    json["mmtMessages"] = summary.mmtp.messages.complete;
+    json["mmtMessagesIncomplete"] = summary.mmtp.messages.lost;
+    json["mmtMessagesDropped"] = summary.mmtp.messages.dropped;
+    TJson messages = TJson::object();
+    for (std::size_t i = 0; i < k_statuses; ++i) {
+        messages[StatusName(static_cast<EStatus>(i))] = summary.messages[i];
+    }
+    messages["notParsed"] = summary.messagesNotParsed;
+    messages["notSupported"] = summary.messagesUnsupported;
+    json["messages"] = std::move(messages);
     json["faults"] = summary.faults;
     json["faultsByCode"] = TJson::object();
     for (const auto& [code, count] : summary.faultsByCode) {

@@ -18,7 +18,6 @@ namespace {
 constexpr std::size_t k_header = 4;
 constexpr unsigned k_slt = 1;
 constexpr std::uint32_t k_noAddress = 0xFFFFFFFF;
-constexpr int k_route = 1;
 
 const char* Encoding(SBytes payload)
 {
@@ -77,18 +76,19 @@ std::string DropText(const SParseSLT::SService& service, CParseSLT::EDropReason 
     return "unknown reason";
 }
 
-SRouteService RouteService(const SParseSLT::SService& service)
+SService SignalledService(const SParseSLT::SService& service)
 {
-    SRouteService route;
-    route.serviceId = static_cast<unsigned>(service.serviceId);
+    SService signalled;
+    signalled.serviceId = static_cast<unsigned>(service.serviceId);
+    signalled.slsProtocol = service.slsProtocol;
     const bool usable = service.slsDestinationIpAddress != 0 && service.slsDestinationIpAddress != k_noAddress &&
                         service.slsDestinationUdpPort > 0 && service.slsDestinationUdpPort <= 0xFFFF;
     if (usable) {
-        route.session.destination = service.slsDestinationIpAddress;
-        route.session.port = static_cast<std::uint16_t>(service.slsDestinationUdpPort);
-        route.session.source = service.slsSourceIpAddress != k_noAddress ? service.slsSourceIpAddress : 0;
+        signalled.session.destination = service.slsDestinationIpAddress;
+        signalled.session.port = static_cast<std::uint16_t>(service.slsDestinationUdpPort);
+        signalled.session.source = service.slsSourceIpAddress != k_noAddress ? service.slsSourceIpAddress : 0;
     }
-    return route;
+    return signalled;
 }
 
 /// What the drop callback works on.
@@ -288,15 +288,15 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& tabl
     if (parsed) {
         outcome.slt.emplace().dropped = static_cast<unsigned>(outcome.faults.size());
         m_Read(parser, bytes, table, outcome);
-        std::vector<SRouteService> routeServices;
+        std::vector<SService> services;
         for (const SParseSLT::SService& service : outcome.slt->services) {
             current->services.push_back(service.service);
-            if (service.hasBroadcastSvcSignaling && service.slsProtocol == k_route) {
-                routeServices.push_back(RouteService(service));
+            if (service.hasBroadcastSvcSignaling) {
+                services.push_back(SignalledService(service));
             }
         }
         m_Hold(table.header.groupId, std::move(current), table, outcome);
-        m_routeListener(table.header.groupId, std::move(routeServices));
+        m_serviceListener(table.header.groupId, std::move(services));
     } else {
         m_Explain(table, outcome);
     }
@@ -347,7 +347,7 @@ void CLlsFollower::m_Hold(unsigned char groupId, std::unique_ptr<SCurrentSlt> cu
                                       " services are announced: those of LLS group " +
                                       std::to_string(m_groups.front()) + " are let go",
                                   table.source, table.header});
-        m_routeListener(m_groups.front(), {});
+        m_serviceListener(m_groups.front(), {});
         m_Release(m_groups.front());
     }
 }

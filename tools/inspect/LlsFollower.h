@@ -10,7 +10,7 @@
 
 #include "LibraryPort.h"
 #include "Report.h"
-#include "RouteService.h"
+#include "ServiceSession.h"
 #include "common/ChannelMap.h"
 
 namespace vyr::inspect {
@@ -33,10 +33,10 @@ class CLlsFollower {
     bool SawSlt() const { return m_sawSlt; }
     /// Services in the lists that hold now.
     std::size_t Services() const;
-    /// Told, whenever the list of an LLS group is replaced or let go, which of its services ROUTE carries
-    /// from now on.
-    using TRouteListener = std::function<void(unsigned char groupId, std::vector<SRouteService>)>;
-    void SetRouteListener(TRouteListener listener) { m_routeListener = std::move(listener); }
+    /// Told, whenever the list of an LLS group is replaced or let go, which of its services say from now
+    /// on where their signalling is sent.
+    using TServiceListener = std::function<void(unsigned char groupId, std::vector<SService>)>;
+    void SetServiceListener(TServiceListener listener) { m_serviceListener = std::move(listener); }
 
   private:
     static constexpr std::size_t k_maxServices = 16384;
@@ -72,7 +72,7 @@ class CLlsFollower {
     const bool m_lenient;
     CChannelMap& m_channelMap;
     CReport& m_report;
-    TRouteListener m_routeListener = [](unsigned char, const std::vector<SRouteService>&) {};
+    TServiceListener m_serviceListener = [](unsigned char, const std::vector<SService>&) {};
     std::map<unsigned, SState> m_states;  ///< by table id and group id
     std::map<unsigned char, std::unique_ptr<SCurrentSlt>> m_current;
     std::list<unsigned char> m_groups;  ///< of m_current, oldest list first

@@ -49,10 +49,14 @@ const char* FaultName(EFault code)
             return "no-slt";
         case EFault::LCT_MALFORMED:
             return "lct-malformed";
+        case EFault::MMTP_MALFORMED:
+            return "mmtp-malformed";
         case EFault::OBJECT_NOT_READ:
             return "object-not-read";
         case EFault::DOCUMENT_NOT_PARSED:
             return "document-not-parsed";
+        case EFault::MESSAGE_NOT_PARSED:
+            return "message-not-parsed";
         case EFault::NO_SIGNALLING:
             return "no-signalling";
     }
@@ -89,14 +93,29 @@ const char* DocumentStatusName(EDocumentStatus status)
     return k_names[static_cast<std::size_t>(status)];
 }
 
-SRouteCounts& SRouteCounts::operator+=(const SRouteCounts& other)
+SSessionCounts& SSessionCounts::operator+=(const SSessionCounts& other)
 {
     sessions += other.sessions;
     packets += other.packets;
     malformed += other.malformed;
     signalling += other.signalling;
+    return *this;
+}
+
+SRouteCounts& SRouteCounts::operator+=(const SRouteCounts& other)
+{
+    SSessionCounts::operator+=(other);
     objects += other.objects;
     incomplete += other.incomplete;
+    return *this;
+}
+
+SMmtpCounts& SMmtpCounts::operator+=(const SMmtpCounts& other)
+{
+    SSessionCounts::operator+=(other);
+    otherVersions += other.otherVersions;
+    otherTypes += other.otherTypes;
+    messages += other.messages;
     return *this;
 }
 
@@ -131,6 +150,19 @@ void CReport::Signalling(const SSignalling& signalling)
     }
     if (!m_quiet && signalling.status != EStatus::REPEATED) {
         m_writer.Signalling(signalling);
+    }
+}
+
+void CReport::Message(const SMessage& message)
+{
+    ++m_summary.messages[static_cast<std::size_t>(message.status)];
+    if (message.status == EStatus::REPEATED) {
+        return;
+    }
+    m_summary.messagesUnsupported += message.supported ? 0 : 1;
+    m_summary.messagesNotParsed += message.supported && !message.content ? 1 : 0;
+    if (!m_quiet) {
+        m_writer.Message(message);
     }
 }
 

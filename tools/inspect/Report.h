@@ -11,6 +11,7 @@
 
 #include "Ipv4.h"
 #include "Lct.h"
+#include "MessageAssembler.h"
 #include "ObjectAssembler.h"
 #include "lls/ParseSLT.h"
 
@@ -55,6 +56,7 @@ struct SContent {
     std::string headline;  ///< "2 alerts"
     std::string text;      ///< indented lines
     TJson json = TJson::object();
+    std::vector<std::string> faults;  ///< documents within that did not parse, and why
 };
 
 /// One LLS table that came.
@@ -111,6 +113,20 @@ struct SSignalling {
     std::vector<SSlsDocument> documents;
 };
 
+/// One MMT signalling message that is not a repeat.
+struct SMessage {
+    SSource source;
+    std::string session;                    ///< "239.255.8.1:30200"; empty for a raw file
+    std::vector<unsigned> services;         ///< that the service list has at this session
+    std::optional<std::uint16_t> packetId;  ///< not for a raw file
+    unsigned id = 0;
+    unsigned version = 0;
+    EStatus status = EStatus::NEW;
+    SBytes payload;  ///< behind the header, good during the report only
+    bool supported = false;
+    std::optional<SContent> content;  ///< when it parsed
+};
+
 enum class EFault {
     INPUT_MISSING,
     INPUT_UNREADABLE,
@@ -134,8 +150,10 @@ enum class EFault {
     NO_LLS,
     NO_SLT,
     LCT_MALFORMED,
+    MMTP_MALFORMED,
     OBJECT_NOT_READ,
     DOCUMENT_NOT_PARSED,
+    MESSAGE_NOT_PARSED,
     NO_SIGNALLING
 };
 
@@ -166,16 +184,31 @@ struct STableCounts {
     double intervalSum = 0;
 };
 
-/// What came on the sessions that carry signalling by ROUTE.
-struct SRouteCounts {
+/// What came on the sessions of one protocol.
+struct SSessionCounts {
     unsigned sessions = 0;
-    std::uint64_t packets = 0;  ///< to these sessions, of any TSI
+    std::uint64_t packets = 0;  ///< to these sessions, whatever they carry
     std::uint64_t malformed = 0;
-    std::uint64_t signalling = 0;  ///< of TSI 0, with source data
+    std::uint64_t signalling = 0;  ///< ROUTE: of TSI 0, with source data
+
+    SSessionCounts& operator+=(const SSessionCounts& other);
+};
+
+/// What came on the sessions that carry signalling by ROUTE.
+struct SRouteCounts : SSessionCounts {
     SObjectCounts objects;
     std::uint64_t incomplete = 0;  ///< objects that came in part and were never whole
 
     SRouteCounts& operator+=(const SRouteCounts& other);
+};
+
+/// What came on the sessions that carry signalling by MMTP.
+struct SMmtpCounts : SSessionCounts {
+    std::uint64_t otherVersions = 0;  ///< packets of versions that are not read
+    std::uint64_t otherTypes = 0;     ///< packets that carry something else than signalling
+    SMessageCounts messages;
+
+    SMmtpCounts& operator+=(const SMmtpCounts& other);
 };
 
 struct SSummary {
@@ -183,14 +216,20 @@ struct SSummary {
     unsigned captures = 0;
     unsigned rawTables = 0;
     unsigned slsFiles = 0;
+    unsigned rawMessages = 0;
     SPacketCounts packets;
     std::uint64_t llsDatagrams = 0;
     std::map<unsigned, STableCounts> tables;  ///< by LLS_table_id
     std::uint64_t services = 0;               ///< in the tables that hold at the end
     std::uint64_t servicesDropped = 0;
     SRouteCounts route;
-    std::uint64_t routeServices = 0;                  ///< of `services`, those that are carried by ROUTE
-    std::uint64_t servicesSignalled = 0;              ///< of these, those whose signalling came
+    std::uint64_t routeServices = 0;  ///< of `services`, those that are carried by ROUTE
+    SMmtpCounts mmtp;
+    std::uint64_t mmtpServices = 0;                    ///< of `services`, those that MMTP carries
+    std::uint64_t servicesSignalled = 0;               ///< of both, those whose signalling came
+    std::array<std::uint64_t, k_statuses> messages{};  ///< of MMT signalling, by status
+    std::uint64_t messagesNotParsed = 0;
+    std::uint64_t messagesUnsupported = 0;
     std::array<std::uint64_t, k_statuses> objects{};  ///< of signalling, by status
     std::uint64_t documentsNotParsed = 0;
     std::uint64_t faults = 0;
@@ -204,6 +243,7 @@ class IReportWriter {
     virtual ~IReportWriter() = default;
     virtual void Table(const STable& table) = 0;
     virtual void Signalling(const SSignalling& signalling) = 0;
+    virtual void Message(const SMessage& message) = 0;
     virtual void Fault(const SFault& fault) = 0;
     virtual void Summary(const SSummary& summary) = 0;
 };
@@ -216,6 +256,7 @@ class CReport {
 
     void Table(const STable& table);
     void Signalling(const SSignalling& signalling);
+    void Message(const SMessage& message);
     void Fault(const SFault& fault);
     void Finish();
     /// For the counts that only its users know.

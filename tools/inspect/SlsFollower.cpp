@@ -18,8 +18,8 @@ std::string Title(const TToi& toi)
 
 }  // namespace
 
-CSlsFollower::CSlsFollower(std::string name, const SRouteSession& session, CReport& report)
-    : m_name(std::move(name)), m_report(report), m_reader(session)
+CSlsFollower::CSlsFollower(const SFollowed& followed, CReport& report)
+    : m_followed(followed), m_report(report), m_reader(followed.session)
 {
 }
 
@@ -27,15 +27,11 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SBytes object, const SSo
 {
     SSignalling signalling;
     signalling.source = source;
-    signalling.session = m_name;
+    signalling.session = m_followed.name;
+    signalling.services = m_followed.Shown();
     signalling.toi = toi;
     signalling.size = object.size;
     signalling.gzip = IsGzip(object);
-    for (const unsigned serviceId : m_services) {
-        if (signalling.services.size() < k_shownServices) {
-            signalling.services.push_back(serviceId);
-        }
-    }
     SObject now = {object.size, ContentHash(object), 0};
     const auto known = toi ? m_objects.find(*toi) : m_objects.end();
     const bool sameToi = known != m_objects.end();
@@ -133,7 +129,7 @@ std::string CSlsFollower::Missing(unsigned serviceId) const
         return {};
     }
     const std::size_t others = m_usbdServices.size() - 1;
-    return "the signalling on " + m_name + " is of service " + std::to_string(*m_usbdServices.begin()) +
+    return "the signalling on " + m_followed.name + " is of service " + std::to_string(*m_usbdServices.begin()) +
            (others != 0 ? " and " + std::to_string(others) + " more" : "");
 }
 
@@ -169,12 +165,8 @@ EDocumentStatus CSlsFollower::m_Compare(const SSlsText& text, SSlsDocument& docu
 
 void CSlsFollower::m_Fault(EFault code, const std::string& message, const SSource& source)
 {
-    SFault fault = {code, m_name.empty() ? message : message + " (" + m_name + ')', source};
-    if (m_services.size() == 1) {
-        fault.serviceId = *m_services.begin();
-    }
     m_lastFault = message;
-    m_report.Fault(fault);
+    m_report.Fault(m_followed.Fault(code, message, source));
 }
 
 /// Of a raw file, its reader tells.

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "Report.h"
-#include "RouteService.h"
+#include "ServiceSession.h"
 #include "SlsReader.h"
 
 namespace vyr::inspect {
@@ -20,13 +20,9 @@ class CSlsFollower {
   public:
     static constexpr std::size_t k_maxPackage = 8388608;  ///< bytes of an inflated object
 
-    /// `name` names the session in the report, empty for a raw file; the report outlives the follower.
-    CSlsFollower(std::string name, const SRouteSession& session, CReport& report);
+    /// All references outlive the follower.
+    CSlsFollower(const SFollowed& followed, CReport& report);
 
-    /// Services that the service lists have at this session.
-    const std::multiset<unsigned>& Services() const { return m_services; }
-    void AddService(unsigned serviceId) { m_services.insert(serviceId); }
-    void RemoveService(unsigned serviceId) { m_services.erase(m_services.find(serviceId)); }
     /// Takes one whole object; `toi` is none for a raw file. False: it holds no document.
     bool Take(const std::optional<TToi>& toi, SBytes object, const SSource& source);
     /// Whether an object of this TOI and length has come whole.
@@ -43,7 +39,6 @@ class CSlsFollower {
 
   private:
     static constexpr std::size_t k_maxObjects = 64;
-    static constexpr std::size_t k_shownServices = 64;
 
     struct SObject {
         std::size_t size = 0;
@@ -63,10 +58,9 @@ class CSlsFollower {
     void m_Fault(EFault code, const std::string& message, const SSource& source);
     bool m_NotRead(const std::optional<TToi>& toi, const char* why, const SSource& source);
 
-    const std::string m_name;
+    const SFollowed& m_followed;
     CReport& m_report;
     CSlsReader m_reader;
-    std::multiset<unsigned> m_services;
     std::map<TToi, SObject> m_objects;
     std::list<TToi> m_order;  ///< of m_objects, oldest first
     std::array<std::optional<SDocument>, k_slsDocuments> m_documents;

@@ -37,7 +37,7 @@ std::string RefusalReason(const SSlsText& document, const CRefusalListener& list
 
 }  // namespace
 
-CSlsReader::CSlsReader(const SRouteSession& session)
+CSlsReader::CSlsReader(const SServiceSession& session)
 {
     m_session = {0, session.source, session.destination, session.port};
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "Report.h"
-#include "RouteService.h"
+#include "ServiceSession.h"
 #include "SlsPackage.h"
 #include "route/SLSManager.h"
 
@@ -16,7 +16,7 @@ namespace vyr::inspect {
 /// The library's manager of one session's signalling, and what it says of each package.
 class CSlsReader {
   public:
-    explicit CSlsReader(const SRouteSession& session);
+    explicit CSlsReader(const SServiceSession& session);
     ~CSlsReader();
     CSlsReader(const CSlsReader&) = delete;
     CSlsReader& operator=(const CSlsReader&) = delete;

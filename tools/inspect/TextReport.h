@@ -14,6 +14,7 @@ class CTextReport : public IReportWriter {
 
     void Table(const STable& table) override;
     void Signalling(const SSignalling& signalling) override;
+    void Message(const SMessage& message) override;
     void Fault(const SFault& fault) override;
     void Summary(const SSummary& summary) override;
 
