@@ -25,6 +25,7 @@ class CRecordingWriter : public IReportWriter {
         }
         lines.push_back(line);
     }
+    void Message(const SMessage&) override {}
     void Fault(const SFault& fault) override { lines.push_back(std::string("fault: ") + FaultName(fault.code)); }
     void Summary(const SSummary&) override {}
 
@@ -45,7 +46,8 @@ class SlsFollower : public testing::Test {
 
     CRecordingWriter m_writer;
     CReport m_report{m_writer, false};
-    CSlsFollower m_follower{"1.2.3.4:5", {}, m_report};
+    const SFollowed m_followed{{}, "1.2.3.4:5", {}};
+    CSlsFollower m_follower{m_followed, m_report};
 };
 
 const std::string k_stsid = "<S-TSID></S-TSID>\n";
