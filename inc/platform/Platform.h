@@ -29,3 +29,9 @@ VYR_API void SetPlatform(const SPlatform* platform);
 /// comparison. At start it is info, or what the environment variable VYR_LOG names (`debug`, `info`,
 /// `error`, `silent`). May be called at any time, from any thread.
 VYR_API void SetLogPriority(ELogPriority lowest);
+
+/// Puts a folder in front of the two files of the platform that the library names itself: "/bin/preview",
+/// whose presence marks every service of the guide as a preview, and "/opt/data/genre-cs.xml", the genre
+/// names. The text is copied; null or empty, the default, is the root of the file system. For tests and
+/// tools; to be called while no other thread is inside the library.
+VYR_API void SetFileRoot(const char* root);

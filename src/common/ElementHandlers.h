@@ -5,6 +5,7 @@
 
 #include "common/CoreOS/StringHash.h"
 #include "common/Log.h"
+#include "common/Owned.h"
 #include "common/XmlNode.h"
 
 // The one way from element names to handlers. A parser class has
@@ -125,15 +126,7 @@ void DispatchChildren(TParser* parser, CCStringHash& hashCallback, void* node, E
     }
 }
 
-/// Frees a child parser: Destroy, then delete.
-struct SDestroy {
-    template <class TChild>
-    void operator()(TChild* child) const
-    {
-        child->Destroy();
-        delete child;
-    }
-};
+using ::SDestroy;
 
 /// Deletes an element of a CCPtrArray of child parsers; the array's release callback.
 template <class TChild>

@@ -25,6 +25,16 @@ std::size_t TrailerSize(const void* data, std::size_t size)
     return told + 1;
 }
 
+/// New array of `capacity` bytes that begins with the first `size` of the old one; null: memory is out.
+std::unique_ptr<char[]> Resized(const char* old, std::size_t size, std::size_t capacity)
+{
+    std::unique_ptr<char[]> fresh(new (std::nothrow) char[capacity]);
+    if (fresh) {
+        std::copy_n(old, size, fresh.get());
+    }
+    return fresh;
+}
+
 }  // namespace
 
 bool HasGzipMagic(const void* data, std::size_t size)
@@ -53,11 +63,10 @@ bool Inflate(const void* data, std::size_t size, std::size_t limit, SInflated& o
         if (result != Z_BUF_ERROR || stream.avail_out != 0 || (capacity > 0 && room <= capacity)) {
             break;
         }
-        std::unique_ptr<char[]> larger(new (std::nothrow) char[room]);
+        std::unique_ptr<char[]> larger = Resized(buffer.get(), capacity, room);
         if (!larger) {
             break;
         }
-        std::copy_n(buffer.get(), capacity, larger.get());
         buffer = std::move(larger);
         stream.next_out = reinterpret_cast<Bytef*>(buffer.get()) + capacity;
         stream.avail_out = static_cast<uInt>(room - capacity);
@@ -70,6 +79,49 @@ bool Inflate(const void* data, std::size_t size, std::size_t limit, SInflated& o
     }
     inflateEnd(&stream);
     return result == Z_STREAM_END;
+}
+
+const char* InflateBySteps(const void* data, std::size_t size, std::size_t limit, SInflated& out)
+{
+    constexpr std::size_t k_step = 51200;
+    // A byte more than the limit tells a stream of just that size from a longer one.
+    const std::size_t most = limit > 0 && limit < UINT_MAX ? limit + 1 : UINT_MAX;
+    z_stream stream{};
+    stream.next_in = static_cast<Bytef*>(const_cast<void*>(data));
+    stream.avail_in = static_cast<uInt>(std::min<std::size_t>(size, UINT_MAX));
+    if (inflateInit2(&stream, 47) != Z_OK) {
+        return "inflateInit2 failure";
+    }
+    std::unique_ptr<char[]> buffer;
+    std::size_t capacity = 0;
+    std::size_t made = 0;
+    int result = Z_OK;
+    do {
+        if (made == capacity) {
+            capacity = std::min(std::max(k_step, capacity * 2), most);
+            buffer = Resized(buffer.get(), made, capacity);
+        }
+        if (!buffer || made == capacity) {
+            result = Z_MEM_ERROR;
+            break;
+        }
+        stream.next_out = reinterpret_cast<Bytef*>(buffer.get()) + made;
+        stream.avail_out = static_cast<uInt>(capacity - made);
+        result = inflate(&stream, Z_SYNC_FLUSH);
+        made = capacity - stream.avail_out;
+        if (result == Z_BUF_ERROR && stream.avail_in == 0) {
+            result = Z_OK;  // nothing was left behind the last step
+        }
+    } while (result == Z_OK && (stream.avail_in > 0 || stream.avail_out == 0));
+    inflateEnd(&stream);
+    const bool done = (result == Z_OK || result == Z_STREAM_END) && made < most;
+    std::unique_ptr<char[]> exact = done ? Resized(buffer.get(), made, made) : nullptr;
+    if (!exact) {
+        return "inflate failure";
+    }
+    out.data = std::move(exact);
+    out.size = made;
+    return nullptr;
 }
 
 }  // namespace vyr

@@ -285,6 +285,15 @@ void* NextElement(void* node)
     return next;
 }
 
+void* FindElement(void* node, const char* name)
+{
+    xmlNodePtr element = AsNode(node);
+    while (element && (element->type != XML_ELEMENT_NODE || std::strcmp(AsText(element->name), name) != 0)) {
+        element = element->next;
+    }
+    return element;
+}
+
 const char* NodeName(void* node)
 {
     return AsText(AsNode(node)->name);
@@ -293,11 +302,6 @@ const char* NodeName(void* node)
 }  // namespace vyr
 
 using vyr::CNodeText;
-
-struct CXML::SXML {
-    xmlDocPtr pdoc;
-    bool owned;
-};
 
 CXML::CStr::CStr() : m_str(nullptr) {}
 
@@ -308,7 +312,7 @@ CXML::CStr::~CStr()
     }
 }
 
-CXML::CXML() : m(nullptr) {}
+CXML::CXML() : m_held{nullptr, false}, m(nullptr) {}
 
 CXML::~CXML() = default;
 
@@ -361,7 +365,8 @@ bool CXML::Create(TDocPtr docPtr)
     if (!VYR_ASSERT(!m, "!m") || !VYR_ASSERT(docPtr, "docPtr")) {
         return false;
     }
-    m = new SXML{static_cast<xmlDocPtr>(docPtr), false};
+    m_held = {docPtr, false};
+    m = &m_held;
     return true;
 }
 
@@ -377,7 +382,8 @@ bool CXML::m_Adopt(void* parsed, const char* text)
     if (!VYR_CHECK(doc, text)) {
         return false;
     }
-    m = new SXML{doc, true};
+    m_held = {doc, true};
+    m = &m_held;
     return true;
 }
 
@@ -387,9 +393,8 @@ void CXML::Destroy()
         return;
     }
     if (m->owned) {
-        xmlFreeDoc(m->pdoc);
+        xmlFreeDoc(static_cast<xmlDocPtr>(m->pdoc));
     }
-    delete m;
     m = nullptr;
 }
 
@@ -403,7 +408,7 @@ bool CXML::MoveRoot(void** root) const
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(root, "root")) {
         return false;
     }
-    xmlNodePtr element = xmlDocGetRootElement(m->pdoc);
+    xmlNodePtr element = xmlDocGetRootElement(static_cast<xmlDocPtr>(m->pdoc));
     if (element) {
         *root = element;
     }

@@ -43,6 +43,8 @@ class CNodeText {
 /// First child that is an element, and the next sibling that is one; null: none.
 void* FirstElement(void* node);
 void* NextElement(void* node);
+/// The first element of that local name among the node and its following siblings; null: none.
+void* FindElement(void* node, const char* name);
 /// Local name of an element or any other node.
 const char* NodeName(void* node);
 

@@ -12,10 +12,11 @@ namespace vyr {
 /// What every Create with handlers shares: a state that is there already is asserted; else `message` is
 /// logged, and the state made with its hash and handlers, as CreateState says.
 template <class TState, class TAdd>
-bool CreateXmlParser(TState*& m, unsigned int buckets, const char* message, const SHere& here, TAdd addHandlers)
+bool CreateXmlParser(TState*& m, unsigned int buckets, const char* message, const SHere& here, TAdd addHandlers,
+                     ELogPriority priority = LOG_PRIORITY_DEBUG)
 {
-    if (!m && LogEnabled(LOG_PRIORITY_DEBUG)) {
-        Print(LOG_PRIORITY_DEBUG, here, "%s", message);
+    if (!m && LogEnabled(priority)) {
+        Print(priority, here, "%s", message);
     }
     return CreateState(m, buckets, here, addHandlers);
 }
@@ -37,14 +38,15 @@ bool CreateXmlParser(TState*& m, const char* message, const SHere& here)
 /// What every Destroy shares: logs `message`, lets go of the document and of the state; no state is
 /// asserted.
 template <class TState>
-void DestroyXmlParser(XMLBase& parser, TState*& m, const char* message, const SHere& here)
+void DestroyXmlParser(XMLBase& parser, TState*& m, const char* message, const SHere& here,
+                      ELogPriority priority = LOG_PRIORITY_DEBUG)
 {
     if (!m) {
         AssertFailed(here, "m");
         return;
     }
-    if (LogEnabled(LOG_PRIORITY_DEBUG)) {
-        Print(LOG_PRIORITY_DEBUG, here, "%s", message);
+    if (LogEnabled(priority)) {
+        Print(priority, here, "%s", message);
     }
     parser.XMLBase::Destroy();
     delete m;

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "common/Log.h"
+#include "common/PlatformFile.h"
 
 namespace {
 
@@ -72,6 +73,12 @@ bool SettingsFile(const char* key, int* value)
 constexpr SPlatform k_default = {SystemLog, SettingsFile};
 SPlatform g_platform = k_default;
 
+std::string& FileRoot()
+{
+    static std::string s_root;
+    return s_root;
+}
+
 int PriorityFromEnvironment()
 {
     static constexpr struct {
@@ -114,6 +121,11 @@ bool GetSetting(const char* key, int* value)
     return g_platform.getInt && g_platform.getInt(key, value);
 }
 
+std::string PlatformFile(const char* path)
+{
+    return FileRoot() + path;
+}
+
 }  // namespace vyr
 
 void SetPlatform(const SPlatform* platform)
@@ -124,4 +136,9 @@ void SetPlatform(const SPlatform* platform)
 void SetLogPriority(ELogPriority lowest)
 {
     vyr::g_lowestPriority.store(lowest, std::memory_order_relaxed);
+}
+
+void SetFileRoot(const char* root)
+{
+    FileRoot() = root ? root : "";
 }

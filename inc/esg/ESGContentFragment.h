@@ -1,0 +1,52 @@
+#pragma once
+
+#include "esg/ESGElement/AudioLanguage.h"
+#include "esg/ESGElement/ContentAdvRatings.h"
+#include "esg/ESGElement/ContentPrivateExt.h"
+#include "esg/ESGElement/Description.h"
+#include "esg/ESGElement/Freshness.h"
+#include "esg/ESGElement/Genre.h"
+#include "esg/ESGElement/Name.h"
+#include "esg/ESGElement/Popularity.h"
+#include "esg/ESGElement/TargetUserProfile.h"
+#include "esg/ESGElement/TermsOfUse.h"
+#include "esg/ESGElement/TextLanguage.h"
+#include "esg/ESGFragmentBase.h"
+
+/// Parser of a content fragment: the Content element.
+class VYR_API CESGContentFragment : public CESGFragmentBase {
+  public:
+    /// What was parsed.
+    struct SESGContentFragment : SESGFragment {
+        TESGText globalContentID;                          ///< globalContentID
+        TESGText baseCID;                                  ///< baseCID
+        TESGText serviceRefId;                             ///< idRef of the last ServiceReference
+        int serviceRefWeight = 0;                          ///< weight of the last ServiceReference
+        TOwnedList<CName> names;                           ///< Name
+        TOwnedList<CDescription> descriptions;             ///< Description
+        TOwnedList<CAudioLanguage> audioLanguages;         ///< AudioLanguage
+        TOwnedList<CTextLanguage> textLanguages;           ///< TextLanguage
+        int length = 0;                                    ///< Length, text, seconds
+        TOwnedList<CContentAdvRatings> contentAdvRatings;  ///< ContentAdvisoryRatings
+        TOwnedList<CTargetUserProfile> targetProfiles;     ///< TargetUserProfile
+        TOwnedList<CGenre> genres;                         ///< Genre
+        TOwnedList<CTermsOfUse> termsOfUses;               ///< TermsOfUse
+        TOwned<CPopularity> popularity;                    ///< Popularity, the last; null: none
+        TOwned<CFreshness> freshness;                      ///< Freshness, the last; null: none
+        TOwned<CContentPrivateExt> contentExt;             ///< PrivateExt, the last; null: none
+        bool serviceMatch = false;                         ///< whether sm_CbFragServiceId met it since the parse
+    };
+
+    /// The record; null before Create.
+    const SESGContentFragment* State() const { return static_cast<const SESGContentFragment*>(t_State()); }
+
+    /// For iterations over known services: notes in `fragment`, a CESGContentFragment, when the first `length`
+    /// characters of `id` are those of its service reference. 0 in every case.
+    static int sm_CbFragServiceId(void* fragment, const char* id, int length);
+    /// For iterations over services of the channel map: does nothing.
+    static void sm_CbGetSltService(void* service, void* fragment);
+
+  private:
+    static bool sm_Read(SESGState& state, void* node);
+    const vyr::SESGKind& t_Kind() const override;
+};

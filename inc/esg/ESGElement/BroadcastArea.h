@@ -1,0 +1,29 @@
+#pragma once
+
+#include "esg/ESGElement/CellTargetArea.h"
+#include "esg/ESGElement/ESGElement.h"
+
+/// Where a service can be received: the BroadcastArea element.
+class VYR_API CBroadcastArea : public CESGElement {
+  public:
+    /// An area.
+    struct SArea {
+        TESGText cc;                             ///< cc, country code
+        TESGText mcc;                            ///< mcc, mobile country code
+        TESGText nameArea;                       ///< name_area
+        std::vector<TESGText> zipCodes;          ///< ZipCode, text
+        TOwned<CCellTargetArea> cellTargetArea;  ///< CellTargetArea, the last; null: none
+    };
+
+    /// What was parsed.
+    struct SBroadcastArea : SESGElement {
+        bool polarity = false;          ///< polarity: "true": in the area, "false": outside
+        std::unique_ptr<SArea> p_area;  ///< TargetArea, the last; null: none
+    };
+
+    /// The record; null before Create.
+    const SBroadcastArea* State() const { return static_cast<const SBroadcastArea*>(t_State()); }
+
+  private:
+    const vyr::SESGKind& t_Kind() const override;
+};

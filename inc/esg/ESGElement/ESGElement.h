@@ -1,0 +1,56 @@
+#pragma once
+
+#include "esg/ESGState.h"
+
+/// What every record of an element has beside its values, for the parser's own use.
+struct VYR_API SESGElement : SESGState {
+    SESGElement();
+    ~SESGElement() override;
+
+    void* pdoc;   ///< the document that the element stands in, somebody else's; null after the parse
+    void* proot;  ///< the element; likewise
+};
+
+/// A file that an element points to: its text, and what its attributes say of it.
+struct SESGMedia {
+    TESGText content;   ///< text: URI of the file
+    TESGText mimeType;  ///< MIMEType
+    int width = 0;      ///< width, pixels
+    int height = 0;     ///< height, pixels
+    int dataSize = 0;   ///< dataSize, bytes
+};
+
+/// Base of the parsers of the elements in a service guide (OMA BCAST Service Guide, ATSC A/332). An object
+/// works on one element of a document that somebody else holds and keeps alive until the parse is over: Create,
+/// Parse once, Destroy, delete. The results are the record of State(), which each class has, copied from the
+/// document; it is null before Create and good until Destroy. Not thread-safe.
+///
+/// An attribute that the guide's standards give to a child element is read there, and from the element
+/// itself where the child does not have it.
+class VYR_API CESGElement {
+  public:
+    /// Frees nothing: Destroy comes first, else "!m" is asserted.
+    virtual ~CESGElement();
+    CESGElement(const CESGElement&) = delete;
+    CESGElement& operator=(const CESGElement&) = delete;
+
+    /// Reads the element, and lets go of the document. False: the element is not of this class's name, or it
+    /// was parsed before (asserted). Asserts "m".
+    virtual bool Parse();
+
+    /// Binds the object to the element `node` of the document `doc` (CXML::Doc). False, asserted, when it is
+    /// bound already ("!m") or one of them is null ("doc", "node").
+    bool Create(void* doc, void* node);
+    /// Frees the record, not the document; the object can be created anew. Asserts "m".
+    void Destroy();
+
+  protected:
+    CESGElement();
+    const SESGElement* t_State() const { return m; }
+
+  private:
+    virtual const vyr::SESGKind& t_Kind() const = 0;
+    bool m_Process();
+
+    SESGElement* m;
+};

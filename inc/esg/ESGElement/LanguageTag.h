@@ -1,0 +1,16 @@
+#pragma once
+
+#include "esg/ESGElement/ESGElement.h"
+
+/// What the elements that name a language have in common.
+class VYR_API CLanguageTag : public CESGElement {
+  public:
+    /// What was parsed.
+    struct SLanguageTag : SESGElement {
+        TESGText content;         ///< text: the language as viewers see it
+        TESGText languageSDPTag;  ///< languageSDPTag: the language as SDP has it
+    };
+
+  protected:
+    static void sm_Read(SLanguageTag& state, void* node);
+};

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "esg/ESGState.h"
+
+/// What every record of a fragment begins with. Times are NTP seconds (Unix seconds plus 2,208,988,800).
+struct VYR_API SESGFragment : SESGState {
+    SESGFragment();
+    ~SESGFragment() override;
+
+    TESGText ns;                 ///< namespace of the root element; null: none
+    TESGText id;                 ///< id
+    unsigned int version = 0;    ///< version
+    unsigned int validFrom = 0;  ///< validFrom, NTP seconds
+    unsigned int validTo = 0;    ///< validTo, NTP seconds
+};
+
+/// Base of the parsers of the fragments of a service guide (OMA BCAST Service Guide, ATSC A/332). Life:
+/// construct, Create, Parse any number of times, Destroy, delete. The results are the record of State(),
+/// which each class has; it is null before Create, begins anew with each Parse, and is good until the next
+/// Parse or Destroy. An object that is not created is asserted ("m"); it is used by one thread at a time.
+class VYR_API CESGFragmentBase {
+  public:
+    /// Frees nothing: Destroy comes first, else "!m" is asserted.
+    virtual ~CESGFragmentBase();
+    CESGFragmentBase(const CESGFragmentBase&) = delete;
+    CESGFragmentBase& operator=(const CESGFragmentBase&) = delete;
+
+    /// Makes the parser ready; a second call is asserted: false.
+    virtual bool Create();
+    /// Frees everything; the object can be created anew.
+    virtual void Destroy();
+    /// Parses a fragment in memory. False: not well-formed, not of this kind, or without "id"; the record
+    /// is empty then. Elements in it that cannot be used are dropped.
+    virtual bool Parse(const char* buffer, unsigned int length);
+    /// Parses a file.
+    virtual bool Parse(const char* filename);
+
+  protected:
+    CESGFragmentBase();
+    SESGFragment* t_State() const { return m; }
+    /// Reads what all fragments have; false: there is no id.
+    static bool t_Read(SESGFragment& state, void* node);
+    /// The record of the fragment that a callback was given; null, asserted, when there is none.
+    static SESGFragment* t_StateOf(CESGFragmentBase* fragment);
+    /// Whether the first `length` characters of `id` are those of `own`; else logs `message`, a text without %.
+    static bool t_Match(const TESGText& own, const char* id, int length, const char* message);
+
+  private:
+    virtual const vyr::SESGKind& t_Kind() const = 0;
+    static bool m_Verify();
+    bool m_Begin(const char* input, const char* text);
+    bool m_Process(bool created, const char* step);
+
+    SESGFragment* m;
+};

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "esg/ESGFragmentMapST.h"
+#include "platform/Api.h"
+
+/// The one store, and the number of created handles on it.
+struct VYR_API SESGFragmentMap {
+    static CESGFragmentMapST refMap;
+    static int refMapCnt;
+};
+
+/// Handle on the process-wide record of known fragments of the service guide, for the caller's own use: the
+/// parsers do not fill it. The first handle that is created makes the store, empty, and the last that is
+/// destroyed lets go of it. A handle that is not created is asserted ("m"): false. Not thread-safe, handles
+/// on several threads included.
+class VYR_API CESGFragmentMap {
+  public:
+    CESGFragmentMap();
+    /// Frees nothing: Destroy comes first, else "!m" is asserted.
+    virtual ~CESGFragmentMap();
+    CESGFragmentMap(const CESGFragmentMap&) = delete;
+    CESGFragmentMap& operator=(const CESGFragmentMap&) = delete;
+
+    virtual void Destroy();
+    /// A second call is asserted: false.
+    bool Create();
+    /// Records an identifier, once more where it is known already. False: null.
+    bool Add(const char* id);
+    /// Forgets one record of an identifier, the oldest. False: null, or unknown.
+    bool Remove(const char* id);
+    /// Whether an identifier is known. False: null.
+    bool isExisted(const char* id) const;
+
+  private:
+    struct SHandle;
+
+    SHandle* m;
+};

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "esg/ESGElement/ScheduleContentRef.h"
+#include "esg/ESGElement/TermsOfUse.h"
+#include "esg/ESGFragmentBase.h"
+
+/// Parser of a schedule fragment: the Schedule element.
+class VYR_API CESGScheduleFragment : public CESGFragmentBase {
+  public:
+    /// What was parsed.
+    struct SESGScheduleFragment : SESGFragment {
+        TESGText serviceRefId;                        ///< idRef of the last ServiceReference
+        TOwnedList<CScheduleContentRef> contentRefs;  ///< ContentReference
+        TOwnedList<CTermsOfUse> termsOfUses;          ///< TermsOfUse
+        bool serviceMatch = false;                    ///< whether sm_CbFragServiceId met it since the parse
+    };
+
+    /// The record; null before Create.
+    const SESGScheduleFragment* State() const { return static_cast<const SESGScheduleFragment*>(t_State()); }
+
+    /// For iterations over known services: notes in `fragment`, a CESGScheduleFragment, when the first
+    /// `length` characters of `id` are those of its service reference. 0 in every case.
+    static int sm_CbFragServiceId(void* fragment, const char* id, int length);
+    /// For iterations over services of the channel map: does nothing.
+    static void sm_CbGetSltService(void* service, void* fragment);
+
+  private:
+    static bool sm_Read(SESGState& state, void* node);
+    const vyr::SESGKind& t_Kind() const override;
+};

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "common/ParseXML.h"
+#include "esg/ESGElement/DescriptorEntry.h"
+#include "platform/Api.h"
+
+/// Parser of a service guide delivery descriptor (SGDD; OMA BCAST Service Guide): where the delivery units
+/// of the guide are. The element is looked for among the root, or the node that is parsed, and its
+/// following siblings; each one that is found replaces the record of the one before.
+class VYR_API CSGDDParse : public XMLBase {
+  public:
+    /// What was parsed.
+    struct SSGDDParse {
+        TESGText id;                                     ///< id; null: not given
+        int version = 0;                                 ///< version
+        TESGText ns;                                     ///< namespace of the element; null: none
+        TOwnedList<CDescriptorEntry> descriptorEntries;  ///< DescriptorEntry
+    };
+
+    CSGDDParse();
+    /// Frees nothing: Destroy comes first, else "!m" is asserted.
+    ~CSGDDParse() override;
+
+    bool Create() override;
+    void Destroy() override;
+    /// Whether the two-argument Parse takes gzip; false at first.
+    void SetCompress(bool compressed);
+
+    /// What was parsed; null before Create, good until the next Parse or Destroy.
+    const SSGDDParse* State() const;
+
+  private:
+    struct SState;
+
+    bool m_ProcessParse(void* root) override;
+
+    static void sm_CbDescriptorEntry(CSGDDParse* root, void* curr);
+
+    SState* m;
+};

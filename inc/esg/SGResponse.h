@@ -1,0 +1,54 @@
+#pragma once
+
+#include "common/ParseXML.h"
+#include "esg/SGDDParse.h"
+#include "platform/Api.h"
+
+/// Parser of a service guide response (OMA BCAST Service Guide): delivery descriptors that were asked for over
+/// the interactive channel. The element is looked for among the root, or the node that is parsed, and its
+/// following siblings; each one that is found replaces the record of the one before.
+class VYR_API CSGResponse : public XMLBase {
+  public:
+    /// How long a response holds: the ResponseValidity element.
+    struct SResponseValidity {
+        virtual ~SResponseValidity() = default;
+
+        unsigned int expirationTime = 0;  ///< expirationTime, as it stands
+        int timeWindow = 0;               ///< timeWindow, as it stands
+    };
+
+    /// What was parsed.
+    struct SSGResponse {
+        int status = 0;                                       ///< status, as it stands
+        int lastResponseVersion = 0;                          ///< lastResponseVersion
+        std::vector<TESGText> supportedVersions;              ///< SupportedVersion, text; empty ones are left out
+        TOwnedList<CSGDDParse> descriptors;                   ///< ServiceGuideDeliveryDescriptor
+        std::unique_ptr<SResponseValidity> responseValidity;  ///< ResponseValidity, the last; null: none
+        TESGText privateExt;                                  ///< PrivateExt, text; null: none
+    };
+
+    CSGResponse();
+    /// Frees nothing: Destroy comes first, else "!m" is asserted.
+    ~CSGResponse() override;
+
+    bool Create() override;
+    void Destroy() override;
+    /// Whether the two-argument Parse takes gzip; false after Create. Asserts "m".
+    void SetCompress(bool compressed);
+
+    /// What was parsed; null before Create, good until the next Parse or Destroy.
+    const SSGResponse* State() const;
+
+  private:
+    struct SState;
+
+    bool t_CreateCallback();
+    bool m_ProcessParse(void* root) override;
+
+    static void sm_CbSupportedVersionEntry(CSGResponse* root, void* curr);
+    static void sm_CbSGDDEntry(CSGResponse* root, void* curr);
+    static void sm_CbResponseValidityEntry(CSGResponse* root, void* curr);
+    static void sm_CbPrivateExtEntry(CSGResponse* root, void* curr);
+
+    SState* m;
+};

@@ -1,0 +1,87 @@
+#include "esg/ESGContentFragment.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CESGContentFragment::SESGContentFragment;
+using vyr::k_entry;
+
+constexpr vyr::SChildSteps k_popularity = {"root->m->popularity->Create(root->m->xml.Doc(), curr)",
+                                           "root->m->popularity->Parse()"};
+constexpr vyr::SChildSteps k_freshness = {"root->m->freshness->Create(root->m->xml.Doc(), curr)",
+                                          "root->m->freshness->Parse()"};
+constexpr vyr::SChildSteps k_contentExt = {"root->m->contentExt->Create(root->m->xml.Doc(), curr)",
+                                           "root->m->contentExt->Parse()"};
+
+void TakeLength(TState* state, void* node)
+{
+    const vyr::CNodeText content = vyr::CNodeText::Content(node);
+    if (content.HasText()) {
+        vyr::Read(content, state->length);
+    }
+}
+
+void TakeServiceReference(TState* state, void* node)
+{
+    vyr::ReadAttribute(node, "idRef", state->serviceRefId);
+    if (!state->serviceRefId) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CESGContentFragment::sm_CbServiceReferenceEntry] serviceRef Id is NULL!!");
+    }
+    vyr::ReadAttribute(node, "weight", state->serviceRefWeight);
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"Name", vyr::TakeElement<&TState::names, k_entry>, "sm_CbNameEntry"},
+    {"Description", vyr::TakeElement<&TState::descriptions, k_entry>, "sm_CbDescriptionEntry"},
+    {"AudioLanguage", vyr::TakeElement<&TState::audioLanguages, k_entry>, "sm_CbAudioLanguageEntry"},
+    {"TextLanguage", vyr::TakeElement<&TState::textLanguages, k_entry>, "sm_CbTextLanguageEntry"},
+    {"ContentAdvisoryRatings", vyr::TakeElement<&TState::contentAdvRatings, k_entry>,
+     "sm_CbContentAdvisoryRatingsEntry"},
+    {"TargetUserProfile", vyr::TakeElement<&TState::targetProfiles, k_entry>, "sm_CbTargetUserProfileEntry"},
+    {"Genre", vyr::TakeElement<&TState::genres, k_entry>, "sm_CbGenreEntry"},
+    {"TermsOfUse", vyr::TakeElement<&TState::termsOfUses, k_entry>, "sm_CbTermsOfUseEntry"},
+    {"Length", TakeLength, "sm_CbLengthEntry"},
+    {"ServiceReference", TakeServiceReference, "sm_CbServiceReferenceEntry"},
+    {"Popularity", vyr::TakeElement<&TState::popularity, k_popularity>, "sm_CbPopularityEntry"},
+    {"Freshness", vyr::TakeElement<&TState::freshness, k_freshness>, "sm_CbFreshnessEntry"},
+    {"PrivateExt", vyr::TakeElement<&TState::contentExt, k_contentExt>, "sm_CbPrivateExtEntry"},
+};
+
+}  // namespace
+
+bool CESGContentFragment::sm_Read(SESGState& base, void* node)
+{
+    TState& state = static_cast<TState&>(base);
+    if (!t_Read(state, node)) {
+        return false;
+    }
+    vyr::ReadAttribute(node, "globalContentID", state.globalContentID);
+    vyr::ReadAttribute(node, "baseCID", state.baseCID);
+    vyr::TakeChildren(&state, node);
+    return true;
+}
+
+int CESGContentFragment::sm_CbFragServiceId(void* fragment, const char* id, int length)
+{
+    if (auto* state = static_cast<TState*>(t_StateOf(static_cast<CESGContentFragment*>(fragment)))) {
+        // Required: the schedule's text.
+        state->serviceMatch |= t_Match(state->serviceRefId, id, length,
+                                       "[CESGScheduleFragment::sm_CbFragServiceId] Unmatch FragServiceId");
+    }
+    return 0;
+}
+
+void CESGContentFragment::sm_CbGetSltService(void* /*service*/, void* /*fragment*/) {}
+
+const vyr::SESGKind& CESGContentFragment::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind = {vyr::k_source.text,
+                                             "CESGContentFragment",
+                                             "Content",
+                                             "m_ProcessESGContentFragment(root)",
+                                             vyr::NewState<TState>,
+                                             vyr::ThreadHandlers<TState, k_handlers>,
+                                             sm_Read};
+    return k_kind;
+}

@@ -1,0 +1,22 @@
+#include "esg/ESGElement/ATSC3ServiceExt.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CATSC3ServiceExt::SATSC3ServiceExt;
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"MajorChannelNum", vyr::TakeContent<&TState::majorChannelNum>, "sm_CbMajorChannelNumEntry"},
+    {"MinorChannelNum", vyr::TakeContent<&TState::minorChannelNum>, "sm_CbMinorChannelNumEntry"},
+    {"Icon", vyr::TakeRecord<&TState::icons, vyr::ReadMedia>, "sm_CbIconEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CATSC3ServiceExt::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, vyr::NoAttributes, k_handlers>(
+        vyr::k_source.text, "CATSC3ServiceExt", "ATSC3ServiceExtension");
+    return k_kind;
+}

@@ -1,0 +1,40 @@
+#include "esg/ESGElement/CellTargetArea.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CCellTargetArea::SCellTargetArea;
+
+void TakeCell(TState* state, void* child)
+{
+    vyr::ReadAttribute(*state, child, "value", state->cells.emplace_back().value);
+    vyr::TakeChildren(state, child);
+}
+
+void TakePP2Cell(TState* state, void* child)
+{
+    if (state->cells.empty()) {
+        state->cells.emplace_back();
+    }
+    vyr::ReadContent(child, state->cells.back().pp2CellIDs);
+}
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "type", state.type);
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"CellArea", TakeCell, "sm_CbCellAreaEntry"},
+    {"PP2CellID", TakePP2Cell, "sm_CbPP2CellIDEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CCellTargetArea::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CCellTargetArea", "CellTargetArea");
+    return k_kind;
+}

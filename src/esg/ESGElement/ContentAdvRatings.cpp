@@ -1,0 +1,66 @@
+#include "esg/ESGElement/ContentAdvRatings.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CContentAdvRatings::SContentAdvRatings;
+
+using SRating = CContentAdvRatings::SRating;
+
+void ReadText(CContentAdvRatings::SRatingText& text, const SESGElement& state, void* child)
+{
+    vyr::ReadContent(child, text.content);
+    vyr::ReadAttribute(state, child, "lang", text.lang);
+}
+
+/// The rating that an element outside of RatingDimVal belongs to: a new one where the last has it already.
+SRating& Rating(TState* state, bool (*has)(const SRating& rating))
+{
+    if (state->ratings.empty() || has(state->ratings.back())) {
+        state->ratings.emplace_back();
+    }
+    return state->ratings.back();
+}
+
+void TakeDimension(TState* state, void* child)
+{
+    SRating& rating = Rating(state, [](const SRating& last) { return last.hasDimension; });
+    rating.hasDimension = true;
+    vyr::ReadContent(child, rating.ratingDimension);
+}
+
+void TakeDimVal(TState* state, void* child)
+{
+    if (vyr::FirstElement(child)) {
+        state->ratings.emplace_back();
+        vyr::TakeChildren(state, child);
+    } else {
+        vyr::ReadContent(child,
+                         Rating(state, [](const SRating& last) { return last.ratingDimVal != nullptr; }).ratingDimVal);
+    }
+}
+
+void TakeValueString(TState* state, void* child)
+{
+    SRating& rating = Rating(state, [](const SRating&) { return false; });
+    ReadText(rating.ratingValueStrings.emplace_back(), *state, child);
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"RegionIdentifier", vyr::TakeContent<&TState::regionIdentifier>, "sm_CbRegionIdentifierEntry"},
+    {"RatedDimensions", vyr::TakeContent<&TState::ratedDimensions>, "sm_CbRatedDimensionsEntry"},
+    {"RatingDescription", vyr::TakeRecord<&TState::ratingDescriptions, ReadText>, "sm_CbRatingDescriptionEntry"},
+    {"RatingDimension", TakeDimension, "sm_CbRatingDimensionEntry"},
+    {"RatingDimVal", TakeDimVal, "sm_CbRatingDimValEntry"},
+    {"RatingValueString", TakeValueString, "sm_CbRatingValueStringEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CContentAdvRatings::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, vyr::NoAttributes, k_handlers>(
+        vyr::k_source.text, "CContentAdvRatings", "ContentAdvisoryRatings");
+    return k_kind;
+}

@@ -1,0 +1,26 @@
+#include "esg/ESGElement/ContentPrivateExt.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CContentPrivateExt::SContentPrivateExt;
+
+constexpr vyr::SChildSteps k_comp = {"root->m->comp->Create(root->m->pdoc, curr)", "root->m->comp->Parse()"};
+constexpr vyr::SChildSteps k_preview = {"previewData->Create(root->m->pdoc, curr)", "previewData->Parse()"};
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"Capabilities", vyr::TakeContent<&TState::capabilities>, "sm_CbCapabilitiesEntry"},
+    {"Components", vyr::TakeElement<&TState::comp, k_comp>, "sm_CbComponentsEntry"},
+    {"ContentIcon", vyr::TakeRecord<&TState::contentIcons, vyr::ReadMedia>, "sm_CbContentIconEntry"},
+    {"Preview", vyr::TakeElement<&TState::previews, k_preview>, "sm_CbPreviewEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CContentPrivateExt::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, vyr::NoAttributes, k_handlers>(vyr::k_source.text, "CContentPrivateExt", "PrivateExt");
+    return k_kind;
+}

@@ -1,0 +1,35 @@
+#include "esg/ESGElement/DescriptorEntry.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CDescriptorEntry::SDescriptorEntry;
+
+constexpr vyr::SChildSteps k_grouping = {"root->m->groupingCri->Create(root->m->pdoc, curr)",
+                                         "root->m->groupingCri->Parse()"};
+constexpr vyr::SChildSteps k_transport = {"root->m->transport->Create(root->m->pdoc, curr)",
+                                          "root->m->transport->Parse()"};
+constexpr vyr::SChildSteps k_unit = {"p_sgdu->Create(root->m->pdoc, curr)", "p_sgdu->Parse()"};
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "type", state.type);
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"GroupingCriteria", vyr::TakeElement<&TState::groupingCri, k_grouping>, "sm_CbGroupingCriteriaEntry"},
+    {"Transport", vyr::TakeElement<&TState::transport, k_transport>, "sm_CbTransportEntry"},
+    {"AlternativeAccessURL", vyr::TakeContent<&TState::alternativeAccessURLs>, "sm_CbAlternativeAccessURLEntry"},
+    {"ServiceGuideDeliveryUnit", vyr::TakeElement<&TState::deliveryUnits, k_unit>,
+     "sm_CbServiceGuideDeliveryUnitEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CDescriptorEntry::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CDescriptorEntry", "DescriptorEntry");
+    return k_kind;
+}

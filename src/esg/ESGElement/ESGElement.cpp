@@ -1,0 +1,160 @@
+#include "esg/ESGElement/ESGElement.h"
+
+#include <algorithm>
+#include <cstring>
+#include <ctime>
+
+#include "common/Log.h"
+#include "esg/ESGKind.h"
+
+SESGState::SESGState() : kind(nullptr) {}
+
+SESGState::~SESGState()
+{
+    if (xml.FlagCreate()) {
+        xml.Destroy();
+    }
+}
+
+SESGElement::SESGElement() : pdoc(nullptr), proot(nullptr) {}
+
+SESGElement::~SESGElement() = default;
+
+CESGElement::CESGElement() : m(nullptr) {}
+
+CESGElement::~CESGElement()
+{
+    if (m) {
+        vyr::AssertFailed(m->kind->Here(__func__, __LINE__), "!m");
+    }
+}
+
+bool CESGElement::Create(void* doc, void* node)
+{
+    const vyr::SESGKind& kind = t_Kind();
+    const vyr::SHere here = kind.Here(__func__, __LINE__);
+    const char* wrong = m ? "!m" : !doc ? "doc" : !node ? "node" : nullptr;
+    if (wrong) {
+        return vyr::AssertFailed(here, wrong);
+    }
+    VYR_LOG(LOG_PRIORITY_INFO, "[%s::Create]", kind.className);
+    m = static_cast<SESGElement*>(vyr::CreateState(kind, __func__));
+    if (m) {
+        m->pdoc = doc;
+        m->proot = node;
+    }
+    return m != nullptr;
+}
+
+bool CESGElement::Parse()
+{
+    const vyr::SHere here = t_Kind().Here(__func__, __LINE__);
+    if (!m) {
+        return vyr::AssertFailed(here, "m");
+    }
+    if (!m->xml.Create(m->pdoc)) {
+        return vyr::CheckFailed(here, "m->xml.Create((CXML::TDocPtr)m->pdoc)");
+    }
+    const bool processed = m_Process() || vyr::CheckFailed(here, m->kind->process);
+    // The owner of the document need not keep it for the values.
+    m->xml.Destroy();
+    m->pdoc = nullptr;
+    m->proot = nullptr;
+    return processed;
+}
+
+bool CESGElement::m_Process()
+{
+    const vyr::SESGKind& kind = *m->kind;
+    if (!m->xml.Compare(m->proot, kind.element) && !m->xml.Compare(m->proot, kind.otherElement)) {
+        VYR_LOG(LOG_PRIORITY_INFO, "[%s::m_Process] Root node is not %s", kind.className, kind.element);
+        return false;
+    }
+    return kind.read(*m, m->proot);
+}
+
+void CESGElement::Destroy()
+{
+    if (!m) {
+        vyr::AssertFailed(t_Kind().Here(__func__, __LINE__), "m");
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_INFO, "[%s::Destroy]", m->kind->className);
+    delete m;
+    m = nullptr;
+}
+
+namespace vyr {
+
+SESGState* CreateState(const SESGKind& kind, const char* function)
+{
+    if (kind.handlers && !kind.handlers(kind.Here(function, __LINE__))) {
+        return nullptr;
+    }
+    SESGState* state = kind.create();
+    state->kind = &kind;
+    return state;
+}
+
+TESGText NewText(const char* text, std::size_t length)
+{
+    TESGText copy(new char[length + 1]);
+    std::copy_n(text, length, copy.get());
+    copy[length] = 0;
+    return copy;
+}
+
+TESGText Namespace(const CXML& xml, void* node)
+{
+    bool found = false;
+    TESGText ns(xml.Ns(node, &found));
+    return found ? std::move(ns) : nullptr;
+}
+
+void Read(const CNodeText& text, TESGText& out)
+{
+    out = text.Found() ? NewText(text.Text(), std::strlen(text.Text())) : nullptr;
+}
+
+void Read(const CNodeText& text, int& out)
+{
+    out = text.Int(0);
+}
+
+void Read(const CNodeText& text, unsigned int& out)
+{
+    out = static_cast<unsigned int>(text.Int(0));
+}
+
+void Read(const CNodeText& text, unsigned short& out)
+{
+    out = static_cast<unsigned short>(text.Int(0));
+}
+
+void Read(const CNodeText& text, bool& out)
+{
+    if (text.Found() && std::strcmp(text.Text(), "true") == 0) {
+        out = true;
+    } else if (text.Found() && std::strcmp(text.Text(), "false") == 0) {
+        out = false;
+    }
+}
+
+void ReadDate(void* node, const char* name, long long& out)
+{
+    const CNodeText text = CNodeText::Attribute(node, name);
+    std::tm date{};
+    const bool read = text.Found() && strptime(text.Text(), "%Y-%m-%dT%H:%M:%SZ", &date);
+    out = read ? static_cast<long long>(timegm(&date)) : 0;
+}
+
+void ReadMedia(SESGMedia& media, const SESGElement& state, void* child)
+{
+    ReadContent(child, media.content);
+    ReadAttribute(state, child, "MIMEType", media.mimeType);
+    ReadAttribute(state, child, "width", media.width);
+    ReadAttribute(state, child, "height", media.height);
+    ReadAttribute(state, child, "dataSize", media.dataSize);
+}
+
+}  // namespace vyr

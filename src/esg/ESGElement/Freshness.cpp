@@ -1,0 +1,22 @@
+#include "esg/ESGElement/Freshness.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CFreshness::SFreshness;
+
+void ReadFreshness(TState& state, void* node)
+{
+    vyr::ReadDate(node, "broadcastDate", state.broadcastDate);
+    vyr::ReadDate(node, "releastDate", state.releaseDate);  // required: the attribute is spelt so
+}
+
+}  // namespace
+
+const vyr::SESGKind& CFreshness::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadFreshness>(vyr::k_source.text, "CFreshness", "Freshness");
+    return k_kind;
+}

@@ -1,0 +1,40 @@
+#include "esg/ESGElement/GroupingCri.h"
+
+#include "esg/ESGElement/Grouping.h"
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CGroupingCri::SGroupingCri;
+
+void TakeGenre(TState* state, void* child)
+{
+    vyr::ReadContent(child, state->genre);
+    vyr::ReadAttribute(*state, child, "type", state->type);
+    vyr::ReadAttribute(*state, child, "href", state->href);
+}
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "startTime", state.startTime);
+    vyr::ReadAttribute(node, "endTime", state.endTime);
+    vyr::ReadAttribute(node, "type", state.type);
+    vyr::ReadAttribute(node, "href", state.href);
+    vyr::ReadAttribute(node, "idRef", state.idRef);
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"TimeGroupingCriteria", vyr::TakeTimeCriteria<TState>, "sm_CbTimeGroupingCriteriaEntry"},
+    {"GenreGroupingCriteria", TakeGenre, "sm_CbGenreGroupingCriteriaEntry"},
+    {"BSMSelector", vyr::TakeSelector<TState>, "sm_CbBSMSelectorEntry"},
+    {"ServiceCriteria", vyr::TakeContent<&TState::serviceCriteria>, "sm_CbServiceCriteriaEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CGroupingCri::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CGroupingCri", "GroupingCriteria");
+    return k_kind;
+}

@@ -1,0 +1,31 @@
+#include "esg/ESGElement/Icon.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CIcon::SIcon;
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "uri", state.uri);
+    vyr::ReadAttribute(node, "uriType", state.uriType);
+    vyr::ReadAttribute(node, "MIMEType", state.mimeType);
+    vyr::ReadAttribute(node, "size", state.size);
+    vyr::ReadAttribute(node, "language", state.language);
+    vyr::ReadAttribute(node, "iconUri", state.iconUri);
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"Link", vyr::TakeContent<&TState::link>, "sm_CbLinkEntry"},
+    {"Description", vyr::TakeContent<&TState::description>, "sm_CbDescriptionEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CIcon::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CIcon", "Icon");
+    return k_kind;
+}

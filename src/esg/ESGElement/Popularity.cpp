@@ -1,0 +1,24 @@
+#include "esg/ESGElement/Popularity.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CPopularity::SPopularity;
+
+void ReadPopularity(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "rating", state.rating);
+    vyr::ReadAttribute(node, "noOfViews", state.noOfViews);
+    vyr::ReadAttribute(node, "noOfDiscussions", state.noOfDiscussions);
+    vyr::ReadDate(node, "samplingDate", state.samplingDate);
+}
+
+}  // namespace
+
+const vyr::SESGKind& CPopularity::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadPopularity>(vyr::k_source.text, "CPopularity", "Popularity");
+    return k_kind;
+}

@@ -1,0 +1,29 @@
+#include "esg/ESGElement/PresentationWindow.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CPresentationWindow::SPresentationWindow;
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "id", state.id);
+    vyr::ReadAttribute(node, "startTime", state.startTime);
+    vyr::ReadAttribute(node, "endTime", state.endTime);
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"StartTime", vyr::TakeContent<&TState::startTimeElement>, "sm_CbStartTimeEntry"},
+    {"EndTime", vyr::TakeContent<&TState::endTimeElement>, "sm_CbEndTimeEntry"},
+    {"Duration", vyr::TakeContent<&TState::duration>, "sm_CbDurationEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CPresentationWindow::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes, k_handlers>(
+        vyr::k_source.text, "CPresentationWindow", "PresentationWindow");
+    return k_kind;
+}

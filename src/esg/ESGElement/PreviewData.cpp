@@ -1,0 +1,30 @@
+#include "esg/ESGElement/PreviewData.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CPreviewData::SPreviewData;
+
+constexpr vyr::SChildSteps k_desc = {"pDesc->Create(root->m->pdoc, curr)", "pDesc->Parse()"};
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "usage", state.usage);
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"PreviewContent", vyr::TakeRecord<&TState::previewContents, vyr::ReadMedia>, "sm_CbPreviewContentEntry"},
+    {"PreviewIcon", vyr::TakeRecord<&TState::previewIcons, vyr::ReadMedia>, "sm_CbPreviewIconEntry"},
+    {"Description", vyr::TakeElement<&TState::descriptions, k_desc>, "sm_CbDescriptionEntry"},
+    {"PreviewDescription", vyr::TakeElement<&TState::descriptions, k_desc>, "sm_CbPreviewDescriptionEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CPreviewData::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CPreviewData", "Preview");
+    return k_kind;
+}

@@ -1,0 +1,24 @@
+#include "esg/ESGElement/PreviewDesc.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CPreviewDesc::SPreviewDesc;
+
+void ReadDescription(TState& state, void* node)
+{
+    vyr::ReadContent(node, state.content);
+    vyr::ReadAttribute(node, "lang", state.lang);
+    vyr::ReadAttribute(node, "linkUri", state.linkUri);
+    vyr::ReadAttribute(node, "uriType", state.uriType);
+}
+
+}  // namespace
+
+const vyr::SESGKind& CPreviewDesc::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadDescription>(
+        vyr::k_source.text, "CPreviewDesc", "PreviewDescription", "Description");
+    return k_kind;
+}

@@ -1,0 +1,31 @@
+#include "esg/ESGElement/SGDeliveryUnit.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CSGDeliveryUnit::SSGDeliveryUnit;
+
+constexpr vyr::SChildSteps k_fragment = {"p_frag->Create(root->m->pdoc, curr)", "p_frag->Parse()"};
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "transportObjectID", state.transportObjectID);
+    vyr::ReadAttribute(node, "versionIDLength", state.versionIDLength);
+    vyr::ReadAttribute(node, "contentLocation", state.contentLocation);
+    vyr::ReadAttribute(node, "validFrom", state.validFrom);
+    vyr::ReadAttribute(node, "validTo", state.validTo);
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"Fragment", vyr::TakeElement<&TState::fragments, k_fragment>, "sm_CbFragmentEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CSGDeliveryUnit::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes, k_handlers>(
+        vyr::k_source.text, "CSGDeliveryUnit", "ServiceGuideDeliveryUnit");
+    return k_kind;
+}

@@ -1,0 +1,22 @@
+#include "esg/ESGElement/TargetUserProfile.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CTargetUserProfile::STargetUserProfile;
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "attributeName", state.attributeName);
+    vyr::ReadAttribute(node, "attributeValue", state.attributeValue);
+}
+
+}  // namespace
+
+const vyr::SESGKind& CTargetUserProfile::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes>(vyr::k_source.text, "CTargetUserProfile", "TargetUserProfile");
+    return k_kind;
+}

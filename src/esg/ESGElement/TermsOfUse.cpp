@@ -1,0 +1,29 @@
+#include "esg/ESGElement/TermsOfUse.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CTermsOfUse::STermsOfUse;
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "type", state.type);
+    vyr::ReadAttribute(node, "id", state.id);
+    vyr::ReadAttribute(node, "userConsentRequired", state.userConsentRequired);
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"Country", vyr::TakeContent<&TState::countries>, "sm_CbCountryEntry"},
+    {"Language", vyr::TakeContent<&TState::language>, "sm_CbLanguageEntry"},
+    {"TermsOfUseText", vyr::TakeContent<&TState::termsOfUseText>, "sm_CbTermsOfUseTextEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CTermsOfUse::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CTermsOfUse", "TermsOfUse");
+    return k_kind;
+}

@@ -1,0 +1,29 @@
+#include "esg/ESGElement/Text.h"
+
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CText::SText;
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "uri", state.uri);
+    vyr::ReadAttribute(node, "uriType", state.uriType);
+    vyr::ReadAttribute(node, "language", state.language);
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"Link", vyr::TakeContent<&TState::link>, "sm_CbLinkEntry"},
+    {"Description", vyr::TakeContent<&TState::description>, "sm_CbDescriptionEntry"},
+    {"TextString", vyr::TakeContent<&TState::textString>, "sm_CbTextStringEntry"},
+};
+
+}  // namespace
+
+const vyr::SESGKind& CText::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CText", "Text");
+    return k_kind;
+}

@@ -1,0 +1,10 @@
+#include "esg/ESGElement/TextLanguage.h"
+
+#include "esg/ESGKind.h"
+
+const vyr::SESGKind& CTextLanguage::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<STextLanguage, sm_Read, SLanguageTag>(vyr::k_source.text, "CTextLanguage", "TextLanguage");
+    return k_kind;
+}

@@ -1,0 +1,128 @@
+#include "esg/ESGFragmentBase.h"
+
+#include <climits>
+#include <cstring>
+
+#include "esg/ESGKind.h"
+
+SESGFragment::SESGFragment() = default;
+
+SESGFragment::~SESGFragment() = default;
+
+CESGFragmentBase::CESGFragmentBase() : m(nullptr) {}
+
+CESGFragmentBase::~CESGFragmentBase()
+{
+    if (m) {
+        vyr::AssertFailed(m->kind->Here(__func__, __LINE__), "!m");
+    }
+}
+
+bool CESGFragmentBase::Create()
+{
+    const vyr::SESGKind& kind = t_Kind();
+    if (m) {
+        return vyr::AssertFailed(kind.Here(__func__, __LINE__), "!m");
+    }
+    VYR_LOG(LOG_PRIORITY_INFO, "[%s::Create]", kind.className);
+    m = static_cast<SESGFragment*>(vyr::CreateState(kind, __func__));
+    return m != nullptr;
+}
+
+void CESGFragmentBase::Destroy()
+{
+    if (!m) {
+        vyr::AssertFailed(t_Kind().Here(__func__, __LINE__), "m");
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_INFO, "[%s::Destroy]", m->kind->className);
+    delete m;
+    m = nullptr;
+}
+
+/// What both parses begin with: asserts, and an empty record in place of that of an earlier parse.
+bool CESGFragmentBase::m_Begin(const char* input, const char* text)
+{
+    const vyr::SESGKind& kind = t_Kind();
+    if (!m || !input) {
+        return vyr::AssertFailed(kind.Here("Parse", __LINE__), m ? text : "m");
+    }
+    if (m->id) {
+        delete m;
+        m = static_cast<SESGFragment*>(vyr::CreateState(kind, "Parse"));
+    }
+    return m != nullptr;
+}
+
+bool CESGFragmentBase::Parse(const char* buffer, unsigned int length)
+{
+    if (!m_Begin(buffer, "buffer")) {
+        return false;
+    }
+    // A length that no document has becomes one that the document refuses.
+    const int size = length <= INT_MAX ? static_cast<int>(length) : -1;
+    return m_Process(m->xml.Create(buffer, size, false), "m->xml.Create(buffer, len)");
+}
+
+bool CESGFragmentBase::Parse(const char* filename)
+{
+    return m_Begin(filename, "filename") && m_Process(m->xml.Create(filename), "m->xml.Create(filename)");
+}
+
+bool CESGFragmentBase::m_Process(bool created, const char* step)
+{
+    const vyr::SESGKind& kind = *m->kind;
+    void* root = nullptr;
+    const char* failed = nullptr;
+    if (!created) {
+        failed = step;
+    } else if (!m->xml.MoveRoot(&root)) {
+        failed = "m->xml.MoveRoot(&root)";
+    } else if (!m->xml.Compare(root, kind.element) || !kind.read(*m, root)) {
+        failed = kind.process;
+    }
+    if (failed) {
+        vyr::CheckFailed(kind.Here("Parse", __LINE__), failed);
+    }
+    // All values are copies: a guide of a thousand fragments need not hold a thousand documents.
+    if (m->xml.FlagCreate()) {
+        m->xml.Destroy();
+    }
+    return !failed;
+}
+
+/// Every fragment that has an id is accepted.
+bool CESGFragmentBase::m_Verify()
+{
+    return true;
+}
+
+bool CESGFragmentBase::t_Read(SESGFragment& state, void* node)
+{
+    vyr::ReadAttribute(node, "id", state.id);
+    if (!state.id || !m_Verify()) {
+        return false;
+    }
+    state.ns = vyr::Namespace(state.xml, node);
+    vyr::ReadAttribute(node, "version", state.version);
+    vyr::ReadAttribute(node, "validFrom", state.validFrom);
+    vyr::ReadAttribute(node, "validTo", state.validTo);
+    return true;
+}
+
+SESGFragment* CESGFragmentBase::t_StateOf(CESGFragmentBase* fragment)
+{
+    return VYR_ASSERT(fragment, "fragment") && VYR_ASSERT(fragment->m, "m") ? fragment->m : nullptr;
+}
+
+bool CESGFragmentBase::t_Match(const TESGText& own, const char* id, int length, const char* message)
+{
+    if (!VYR_ASSERT(id, "id") || !VYR_ASSERT(length >= 0, "length >= 0")) {
+        return false;
+    }
+    if (own && std::strncmp(own.get(), id, static_cast<std::size_t>(length)) == 0) {
+        return true;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "%s", message);
+    return false;
+}

@@ -1,0 +1,233 @@
+#pragma once
+
+#include "common/ElementHandlers.h"
+#include "common/Log.h"
+#include "common/XmlNode.h"
+#include "esg/ESGElement/ESGElement.h"
+
+// What the parsers of the service guide share. A class is its record, a table of handlers for its child
+// elements, and a function that reads its attributes; SESGKind ties the three to the one life cycle that
+// CESGElement and CESGFragmentBase have for all of them.
+//
+// A handler takes the record and the child element. Most of them are made by the templates below from the
+// member that the child ends up in: {"Link", vyr::TakeContent<&SIcon::link>, "sm_CbLinkEntry"}.
+
+namespace vyr {
+
+/// What a class of the guide is.
+struct SESGKind {
+    const char* file;       ///< its source, as the log has it
+    const char* className;  ///< its name, as the log has it
+    const char* element;    ///< name of the element that it parses
+    const char* process;    ///< the step of reading it, as the log has it
+    SESGState* (*create)();
+    /// The handlers on this thread; null after logging the failed step. Null: there are no children of
+    /// interest.
+    CCStringHash* (*handlers)(const SHere& here);
+    /// Reads the element; false: it cannot be used.
+    bool (*read)(SESGState& state, void* node);
+    const char* otherElement = nullptr;  ///< second name of the element, or null
+
+    SHere Here(const char* function, int line) const { return {file, function, line}; }
+};
+
+/// SESGKind::create of a class with the record TState.
+template <class TState>
+SESGState* NewState()
+{
+    return new TState;
+}
+
+/// SESGKind::handlers of a class with the record TState and the table of handlers THandlers: a hash for each
+/// thread, made once. Guides have thousands of elements of a class, and a hash has a cursor.
+template <class TState, const auto& THandlers>
+CCStringHash* ThreadHandlers(const SHere& here)
+{
+    static thread_local SHandlers s_handlers;
+    CCStringHash& hash = s_handlers.hashCallback;
+    if (hash.FlagCreate()) {
+        return &hash;
+    }
+    if (!CreateHandlers(hash, 10, here) || !AddHandlers<TState>(hash, THandlers, here)) {
+        DestroyHandlers(hash);
+        return nullptr;
+    }
+    return &hash;
+}
+
+/// Handler for an element whose children are handled as those around it; and what calls the handlers of a
+/// record's own element. TState is the record that the handlers take.
+template <class TState>
+void TakeChildren(TState* state, void* node)
+{
+    if (CCStringHash* hash = state->kind->handlers(VYR_HERE)) {
+        DispatchChildren(state, *hash, node, LOG_NO_CHILDREN, "%s", VYR_HERE);
+    }
+}
+
+/// SESGKind::read of an element without children.
+template <class TState, auto TRead>
+bool ReadElement(SESGState& state, void* node)
+{
+    TRead(static_cast<TState&>(state), node);
+    return true;
+}
+
+/// The same of one with children, which are read after its attributes.
+template <class TState, auto TRead>
+bool ReadElementAndChildren(SESGState& state, void* node)
+{
+    TRead(static_cast<TState&>(state), node);
+    TakeChildren(static_cast<TState*>(&state), node);
+    return true;
+}
+
+/// What is read of an element that has children alone.
+inline void NoAttributes(SESGState& /*state*/, void* /*node*/) {}
+
+/// What an element without children is: TRead(record, node), on the base TBase of the record TState, reads it.
+template <class TState, auto TRead, class TBase = TState>
+constexpr SESGKind ElementKind(const char* file, const char* className, const char* element,
+                               const char* otherElement = nullptr)
+{
+    return {file,        className, element, "m_Process()", NewState<TState>, nullptr, ReadElement<TBase, TRead>,
+            otherElement};
+}
+
+/// What an element with children is, whose handlers are the table THandlers.
+template <class TState, auto TRead, const auto& THandlers>
+constexpr SESGKind ElementKind(const char* file, const char* className, const char* element,
+                               const char* otherElement = nullptr)
+{
+    return {file,
+            className,
+            element,
+            "m_Process()",
+            NewState<TState>,
+            ThreadHandlers<TState, THandlers>,
+            ReadElementAndChildren<TState, TRead>,
+            otherElement};
+}
+
+/// A new record, once the handlers of its class are there; null after logging the failed step.
+SESGState* CreateState(const SESGKind& kind, const char* function);
+
+/// Copy of a text of `length` bytes, zero-terminated.
+TESGText NewText(const char* text, std::size_t length);
+
+/// The namespace of an element; null: none.
+TESGText Namespace(const CXML& xml, void* node);
+
+// A value from an attribute or an element's text that may be missing.
+void Read(const CNodeText& text, TESGText& out);
+void Read(const CNodeText& text, int& out);
+void Read(const CNodeText& text, unsigned int& out);
+void Read(const CNodeText& text, unsigned short& out);
+/// True for "true", false for "false"; other text leaves it.
+void Read(const CNodeText& text, bool& out);
+
+/// Seconds since 1970 of a date such as "2026-01-31T20:15:00Z"; 0 for other text or none.
+void ReadDate(void* node, const char* name, long long& out);
+
+template <class T>
+void ReadAttribute(void* node, const char* name, T& out)
+{
+    Read(CNodeText::Attribute(node, name), out);
+}
+
+/// An attribute of a child element, or of the element itself where the child does not have it.
+template <class T>
+void ReadAttribute(const SESGElement& state, void* child, const char* name, T& out)
+{
+    const CNodeText own = CNodeText::Attribute(child, name);
+    if (own.Found()) {
+        Read(own, out);
+    } else {
+        ReadAttribute(state.proot, name, out);
+    }
+}
+
+void ReadMedia(SESGMedia& media, const SESGElement& state, void* child);
+
+template <class T>
+void ReadContent(void* node, T& out)
+{
+    Read(CNodeText::Content(node), out);
+}
+
+template <class T>
+void ReadContent(void* node, std::vector<T>& out)
+{
+    ReadContent(node, out.emplace_back());
+}
+
+/// The record of a member, from its pointer.
+template <auto TMember>
+struct SMember;
+template <class TOf, class TValue, TValue TOf::*TMember>
+struct SMember<TMember> {
+    using TState = TOf;
+};
+
+/// Handler: the child's text becomes the member, or one more in a list.
+template <auto TMember>
+void TakeContent(typename SMember<TMember>::TState* state, void* node)
+{
+    ReadContent(node, state->*TMember);
+}
+
+template <class T>
+T& Fresh(std::vector<T>& list)
+{
+    return list.emplace_back();
+}
+
+template <class T>
+T& Fresh(std::unique_ptr<T>& single)
+{
+    single = std::make_unique<T>();
+    return *single;
+}
+
+/// Handler: a record read by TRead(record, state, child) becomes the member, or one more in a list.
+template <auto TMember, auto TRead>
+void TakeRecord(typename SMember<TMember>::TState* state, void* node)
+{
+    TRead(Fresh(state->*TMember), *state, node);
+}
+
+/// An element object made of a child, and parsed; null after logging the failed step.
+template <class TChild>
+TOwned<TChild> BuildElement(void* doc, void* node, const SChildSteps& steps, const SHere& here)
+{
+    return BuildChild<TChild>(
+        steps, here, [doc, node](TChild& child) { return child.Create(doc, node); }, [](TChild&) { return true; },
+        [](TChild& child) { return child.Parse(); });
+}
+
+template <class TChild>
+void Build(TOwned<TChild>& single, void* doc, void* node, const SChildSteps& steps, const SHere& here)
+{
+    single = BuildElement<TChild>(doc, node, steps, here);
+}
+
+template <class TChild>
+void Build(TOwnedList<TChild>& list, void* doc, void* node, const SChildSteps& steps, const SHere& here)
+{
+    if (TOwned<TChild> child = BuildElement<TChild>(doc, node, steps, here)) {
+        list.push_back(std::move(child));
+    }
+}
+
+/// Handler: an element object made of the child becomes the member, in place of an earlier one, or one more
+/// in a list.
+template <auto TMember, const SChildSteps& TSteps>
+void TakeElement(typename SMember<TMember>::TState* state, void* node)
+{
+    Build(state->*TMember, state->xml.Doc(), node, TSteps, VYR_HERE);
+}
+
+/// The steps of an element object that a fragment has a list of.
+inline constexpr SChildSteps k_entry = {"entry->Create(root->m->xml.Doc(), curr)", "entry->Parse()"};
+
+}  // namespace vyr

@@ -1,0 +1,106 @@
+#include "esg/ESGServiceFragment.h"
+
+#include <cstdio>
+
+#include "common/PlatformFile.h"
+#include "esg/ESGKind.h"
+
+namespace {
+
+using TState = CESGServiceFragment::SESGServiceFragment;
+using vyr::k_entry;
+
+constexpr vyr::SChildSteps k_area = {"root->m->broadcaseArea->Create(root->m->xml.Doc(), curr)",
+                                     "root->m->broadcaseArea->Parse()"};
+
+/// Whether the services of this receiver are a preview.
+bool FlagPreview()
+{
+    std::FILE* file = std::fopen(vyr::PlatformFile("/bin/preview").c_str(), "re");
+    if (file) {
+        std::fclose(file);
+    }
+    return file != nullptr;
+}
+
+void TakeServiceType(TState* state, void* node)
+{
+    const vyr::CNodeText content = vyr::CNodeText::Content(node);
+    if (VYR_ASSERT(content.HasText(), "content != nullptr")) {
+        vyr::Read(content, state->serviceType);
+    }
+}
+
+void TakePrivateExt(TState* state, void* node)
+{
+    static constexpr vyr::SChildSteps k_steps = {"root->m->serviceExt->Create(root->m->xml.Doc(), cur)",
+                                                 "root->m->serviceExt->Parse()"};
+    if (void* cur = vyr::FindElement(vyr::FirstElement(node), "ATSC3ServiceExtension")) {
+        vyr::Build(state->serviceExt, state->xml.Doc(), cur, k_steps, VYR_HERE);
+    }
+}
+
+constexpr vyr::SElementHandler<TState> k_handlers[] = {
+    {"ServiceType", TakeServiceType, "sm_CbServiceTypeEntry"},
+    {"Name", vyr::TakeElement<&TState::names, k_entry>, "sm_CbNameEntry"},
+    {"Description", vyr::TakeElement<&TState::descriptions, k_entry>, "sm_CbDescriptionEntry"},
+    {"AudioLanguage", vyr::TakeElement<&TState::audioLanguages, k_entry>, "sm_CbAudioLanguageEntry"},
+    {"TextLanguage", vyr::TakeElement<&TState::textLanguages, k_entry>, "sm_CbTextLanguageEntry"},
+    {"ContentAdvisoryRatings", vyr::TakeElement<&TState::contentAdvRatings, k_entry>,
+     "sm_CbContentAdvisoryRatingsEntry"},
+    {"TargetUserProfile", vyr::TakeElement<&TState::targetProfiles, k_entry>, "sm_CbTargetUserProfileEntry"},
+    {"Genre", vyr::TakeElement<&TState::genres, k_entry>, "sm_CbGenreEntry"},
+    {"BroadcastArea", vyr::TakeElement<&TState::broadcaseArea, k_area>, "sm_CbBroadcastAreaEntry"},
+    {"PrivateExt", TakePrivateExt, "sm_CbPrivateExtEntry"},
+};
+
+}  // namespace
+
+bool CESGServiceFragment::Parse(const char* filename)
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CESGScheduleFragment::Parse]");  // required: the schedule's text
+    return CESGFragmentBase::Parse(filename);
+}
+
+bool CESGServiceFragment::sm_Read(SESGState& base, void* node)
+{
+    TState& state = static_cast<TState&>(base);
+    if (!t_Read(state, node)) {
+        return false;
+    }
+    if (FlagPreview()) {
+        static constexpr char k_preview[] = "urn:atsc:serviceid:sbs_uhd";
+        state.globalServiceID = vyr::NewText(k_preview, sizeof k_preview - 1);
+    } else {
+        vyr::ReadAttribute(node, "globalServiceID", state.globalServiceID);
+    }
+    vyr::ReadAttribute(node, "weight", state.weight);
+    int emergency = 0;
+    vyr::ReadAttribute(node, "emergency", emergency);
+    state.emergency = emergency != 0;
+    vyr::TakeChildren(&state, node);
+    return true;
+}
+
+int CESGServiceFragment::sm_CbGlobalServiceId(void* fragment, const char* id, int length)
+{
+    if (auto* state = static_cast<TState*>(t_StateOf(static_cast<CESGServiceFragment*>(fragment)))) {
+        state->sltMatch |= t_Match(state->globalServiceID, id, length,
+                                   "[CESGServiceFragment::sm_CbGlobalServiceId] Unmatch globalServiceId");
+    }
+    return 0;
+}
+
+void CESGServiceFragment::sm_CbGetSltService(void* /*service*/, void* /*fragment*/) {}
+
+const vyr::SESGKind& CESGServiceFragment::t_Kind() const
+{
+    static constexpr vyr::SESGKind k_kind = {vyr::k_source.text,
+                                             "CESGServiceFragment",
+                                             "Service",
+                                             "m_ProcessESGServiceFragment(root)",
+                                             vyr::NewState<TState>,
+                                             vyr::ThreadHandlers<TState, k_handlers>,
+                                             sm_Read};
+    return k_kind;
+}

@@ -1,0 +1,66 @@
+#include "esg/SGDDParse.h"
+
+#include "common/XmlParser.h"
+#include "esg/ESGKind.h"
+
+struct CSGDDParse::SState : vyr::SHandlers {
+    SSGDDParse values;
+};
+
+CSGDDParse::CSGDDParse() : m(nullptr) {}
+
+CSGDDParse::~CSGDDParse()
+{
+    VYR_ASSERT(!m, "!m");
+}
+
+bool CSGDDParse::Create()
+{
+    return vyr::CreateXmlParser(
+        m, 5, "[CSGDDParse::Create]", VYR_HERE,
+        [this] {
+            static constexpr vyr::SElementHandler<CSGDDParse> k_handlers[] = {
+                {"DescriptorEntry", sm_CbDescriptorEntry, "sm_CbDescriptorEntry"},
+            };
+            return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+        },
+        LOG_PRIORITY_INFO);
+}
+
+void CSGDDParse::Destroy()
+{
+    vyr::DestroyXmlParser(*this, m, "[CSGDDParse::Destroy]", VYR_HERE, LOG_PRIORITY_INFO);
+}
+
+void CSGDDParse::SetCompress(bool compressed)
+{
+    t_compressed = compressed;
+}
+
+bool CSGDDParse::m_ProcessParse(void* root)
+{
+    if (!VYR_ASSERT(m, "m != nullptr")) {
+        return false;
+    }
+    void* node = vyr::FindElement(root, "ServiceGuideDeliveryDescriptor");
+    if (!node) {
+        return false;
+    }
+    m->values = SSGDDParse();
+    vyr::ReadAttribute(node, "id", m->values.id);
+    vyr::ReadAttribute(node, "version", m->values.version);
+    m->values.ns = vyr::Namespace(t_xml, node);
+    vyr::DispatchChildren(this, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    return true;
+}
+
+void CSGDDParse::sm_CbDescriptorEntry(CSGDDParse* root, void* curr)
+{
+    static constexpr vyr::SChildSteps k_steps = {"entry->Create(root->t_xml.Doc(), curr)", "entry->Parse()"};
+    vyr::Build(root->m->values.descriptorEntries, root->t_xml.Doc(), curr, k_steps, VYR_HERE);
+}
+
+const CSGDDParse::SSGDDParse* CSGDDParse::State() const
+{
+    return m ? &m->values : nullptr;
+}

@@ -1,0 +1,188 @@
+#include "esg/SGDUParse.h"
+
+#include <climits>
+
+#include "common/Inflate.h"
+#include "common/Log.h"
+#include "esg/ESGContentFragment.h"
+#include "esg/ESGScheduleFragment.h"
+#include "esg/ESGServiceFragment.h"
+
+CSGDUParse::CSGDUParse() : m(nullptr) {}
+
+CSGDUParse::~CSGDUParse()
+{
+    VYR_ASSERT(!m, "!m");
+}
+
+bool CSGDUParse::Create()
+{
+    if (!VYR_ASSERT(!m, "!m")) {
+        return false;
+    }
+    m = new SSGDUParse;
+    VYR_LOG(LOG_PRIORITY_INFO, "create SGDU");
+    return true;
+}
+
+void CSGDUParse::Destroy()
+{
+    if (VYR_ASSERT(m, "m")) {
+        delete m;
+        m = nullptr;
+        VYR_LOG(LOG_PRIORITY_INFO, "destroy SGDU");
+    }
+}
+
+void CSGDUParse::SetCompress(bool compressed)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->compress = compressed;
+    }
+}
+
+void CSGDUParse::SetInflateLimit(unsigned int bytes)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->inflateLimit = bytes;
+    }
+}
+
+bool CSGDUParse::Parse(IParse::SItem* item)
+{
+    if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
+        return false;
+    }
+    if (m->compress && !m_ExtractData(item)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] Extra Data failed ");
+        return false;
+    }
+    m->extensionOffset = t_Value(item, 32);
+    m->reserved = static_cast<unsigned short>(t_Value(item, 16));
+    m->nOServiceGuideFragments = t_Value(item, 24);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] extensionOffset=%u", m->extensionOffset);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] reserved=%u", m->reserved);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] nOServiceGuideFragments=%u", m->nOServiceGuideFragments);
+    if (!item->valid) {
+        return false;
+    }
+    for (unsigned int i = 0; i < m->nOServiceGuideFragments; ++i) {
+        if (!t_ProcessServiceGuide(item)) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] t_ProcessServiceGuide -return false ");
+            return false;
+        }
+    }
+    for (unsigned int i = 0; i < m->nOServiceGuideFragments; ++i) {
+        if (!m_ProcessFragmentSGDU(item, i)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool CSGDUParse::t_ProcessServiceGuide(IParse::SItem* item)
+{
+    auto head = std::make_unique<SFragmentHead>();
+    head->fragmentTransportID = t_Value(item, 32);
+    head->fragmentVersion = t_Value(item, 32);
+    head->fragmentOffset = t_Value(item, 32);
+    if (item->valid) {
+        m->arrayHead.push_back(std::move(head));
+    }
+    return item->valid;
+}
+
+/// Reads the fragment `index` of the unit; false: the unit cannot be read any further.
+bool CSGDUParse::m_ProcessFragmentSGDU(IParse::SItem* item, unsigned int index)
+{
+    auto frag = std::make_unique<SFragmentSGDU>();
+    frag->fragmentEncoding = static_cast<unsigned char>(t_Value(item, 8));
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] p_frag->fragmentEncoding =%u", frag->fragmentEncoding);
+    if (frag->fragmentEncoding == 0) {
+        frag->fragmentType = static_cast<unsigned char>(t_Value(item, 8));
+        const unsigned int position = item->bitpos / 8;
+        frag->length = position < item->size ? item->size - position : 0;
+        bool fits = frag->length > 0;
+        if (index + 1 < m->nOServiceGuideFragments) {
+            // Required: the entries are counted from the first one ever read.
+            const unsigned int a = m->arrayHead[index]->fragmentOffset;
+            const unsigned int b = m->arrayHead[index + 1]->fragmentOffset;
+            fits = a + 2 < b;
+            frag->length = b - a - 2;
+        }
+        if (fits) {
+            frag->data.reset(t_AllocAndCopy(item, frag->length));
+        }
+        if (!frag->data) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] invalid offset -a[%d] ", static_cast<int>(index));
+            return false;
+        }
+        frag->fragment =
+            t_ProcessFragment(frag->fragmentType, reinterpret_cast<const char*>(frag->data.get()), frag->length);
+        if (!frag->fragment) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] 0 = p_xmlfrag - parse failed-a[%d] ",
+                    static_cast<int>(index));
+            return true;
+        }
+    }
+    if (!item->valid) {
+        return false;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] m->arrayFragment.push_back() -a[%d] ", static_cast<int>(index));
+    m->arrayFragment.push_back(std::move(frag));
+    return true;
+}
+
+TOwned<CESGFragmentBase> CSGDUParse::t_ProcessFragment(int fragmentType, const char* data, unsigned int length)
+{
+    std::unique_ptr<CESGFragmentBase> fresh;
+    switch (fragmentType) {
+        case 1:
+            fresh = std::make_unique<CESGServiceFragment>();
+            break;
+        case 2:
+            fresh = std::make_unique<CESGContentFragment>();
+            break;
+        case 3:
+            fresh = std::make_unique<CESGScheduleFragment>();
+            break;
+        default:
+            VYR_LOG(LOG_PRIORITY_DEBUG, "invalid fragment type");
+            return nullptr;
+    }
+    if (!fresh->Create()) {
+        return nullptr;
+    }
+    TOwned<CESGFragmentBase> fragment(fresh.release());
+    if (!fragment->Parse(data, length)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "new failure");
+        return nullptr;
+    }
+    return fragment;
+}
+
+/// Points the item to the inflated unit; false: it does not inflate.
+bool CSGDUParse::m_ExtractData(IParse::SItem* item)
+{
+    // The item may still point to what an earlier call inflated.
+    const std::unique_ptr<char[]> old = std::move(m->extracted);
+    vyr::SInflated inflated;
+    if (vyr::HasGzipMagic(item->buffer, item->size)) {
+        if (const char* failed = vyr::InflateBySteps(item->buffer, item->size, m->inflateLimit, inflated)) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "%s", failed);
+            if (item->buffer == reinterpret_cast<const unsigned char*>(old.get())) {
+                static const unsigned char k_nothing = 0;
+                *item = {&k_nothing, 0, 0, 0, false};
+            }
+            return false;
+        }
+    } else {
+        inflated.data = std::make_unique<char[]>(0);
+    }
+    m->extracted = std::move(inflated.data);
+    item->buffer = reinterpret_cast<const unsigned char*>(m->extracted.get());
+    item->size = static_cast<unsigned int>(inflated.size);
+    // A cursor that counts bits reaches no further.
+    item->bitsize = item->size > UINT_MAX / 8 ? UINT_MAX : item->size * 8;
+    return true;
+}

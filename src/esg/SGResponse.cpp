@@ -1,0 +1,96 @@
+#include "esg/SGResponse.h"
+
+#include "common/XmlParser.h"
+#include "esg/ESGKind.h"
+
+struct CSGResponse::SState : vyr::SHandlers {
+    SSGResponse values;
+};
+
+CSGResponse::CSGResponse() : m(nullptr) {}
+
+CSGResponse::~CSGResponse()
+{
+    VYR_ASSERT(!m, "!m");
+}
+
+bool CSGResponse::Create()
+{
+    const bool created = vyr::CreateXmlParser(
+        m, 5, "[CSGResponse::Create]", VYR_HERE, [this] { return t_CreateCallback(); }, LOG_PRIORITY_INFO);
+    if (created) {
+        t_compressed = false;
+    }
+    return created;
+}
+
+bool CSGResponse::t_CreateCallback()
+{
+    static constexpr vyr::SElementHandler<CSGResponse> k_handlers[] = {
+        {"SupportedVersion", sm_CbSupportedVersionEntry, "sm_CbSupportedVersionEntry"},
+        {"ServiceGuideDeliveryDescriptor", sm_CbSGDDEntry, "sm_CbSGDDEntry"},
+        {"ResponseValidity", sm_CbResponseValidityEntry, "sm_CbResponseValidityEntry"},
+        {"PrivateExt", sm_CbPrivateExtEntry, "sm_CbPrivateExtEntry"},
+    };
+    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+}
+
+void CSGResponse::Destroy()
+{
+    vyr::DestroyXmlParser(*this, m, "[CSGResponse::Destroy]", VYR_HERE, LOG_PRIORITY_INFO);
+}
+
+void CSGResponse::SetCompress(bool compressed)
+{
+    if (VYR_ASSERT(m, "m")) {
+        t_compressed = compressed;
+    }
+}
+
+bool CSGResponse::m_ProcessParse(void* root)
+{
+    if (!VYR_ASSERT(m, "m != nullptr")) {
+        return false;
+    }
+    void* node = vyr::FindElement(root, "SGResponse");
+    if (!node) {
+        return false;
+    }
+    m->values = SSGResponse();
+    vyr::ReadAttribute(node, "status", m->values.status);
+    vyr::ReadAttribute(node, "lastResponseVersion", m->values.lastResponseVersion);
+    vyr::DispatchChildren(this, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    return true;
+}
+
+void CSGResponse::sm_CbSupportedVersionEntry(CSGResponse* root, void* curr)
+{
+    if (vyr::CNodeText::Content(curr).HasText()) {
+        vyr::ReadContent(curr, root->m->values.supportedVersions);
+    }
+}
+
+void CSGResponse::sm_CbSGDDEntry(CSGResponse* root, void* curr)
+{
+    static constexpr vyr::SChildSteps k_steps = {"entry->Create()", "entry->Parse(root->t_xml.Doc(), curr)"};
+    if (auto entry = vyr::BuildXmlChild<CSGDDParse>(root->t_xml.Doc(), curr, k_steps, VYR_HERE)) {
+        root->m->values.descriptors.push_back(std::move(entry));
+    }
+}
+
+void CSGResponse::sm_CbResponseValidityEntry(CSGResponse* root, void* curr)
+{
+    SResponseValidity& validity = vyr::Fresh(root->m->values.responseValidity);
+    vyr::ReadAttribute(curr, "expirationTime", validity.expirationTime);
+    vyr::ReadAttribute(curr, "timeWindow", validity.timeWindow);
+}
+
+void CSGResponse::sm_CbPrivateExtEntry(CSGResponse* root, void* curr)
+{
+    vyr::ReadContent(curr, root->m->values.privateExt);
+}
+
+const CSGResponse::SSGResponse* CSGResponse::State() const
+{
+    return m ? &m->values : nullptr;
+}

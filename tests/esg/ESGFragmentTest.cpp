@@ -1,0 +1,302 @@
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "esg/ESGContentFragment.h"
+#include "esg/ESGScheduleFragment.h"
+#include "esg/ESGServiceFragment.h"
+#include "esg/GenreNameParse.h"
+#include "support/Recorder.h"
+
+namespace {
+
+/// The tests' own folder in place of the root of the file system, gone at the end; no genre names at first.
+class ESGFragmentTest : public CRecorder {
+  protected:
+    void SetUp() override
+    {
+        CRecorder::SetUp();
+        m_root = std::string(VYR_TEST_SCRATCH) + "/esg-" + std::to_string(getpid());
+        SetFileRoot(m_root.c_str());
+        SGenreNameParse::refMap.clear();
+    }
+
+    void TearDown() override
+    {
+        SetFileRoot(nullptr);
+        std::filesystem::remove_all(m_root);
+        SGenreNameParse::refMap.clear();
+        CRecorder::TearDown();
+    }
+
+    std::string Write(const std::string& path, const std::string& text)
+    {
+        std::filesystem::create_directories(std::filesystem::path(m_root + path).parent_path());
+        std::ofstream(m_root + path) << text;
+        return m_root + path;
+    }
+
+    /// Parses a fragment, or a genre scheme, from a block of just its size.
+    template <class TParser>
+    static bool Parse(TParser& parser, const std::string& text)
+    {
+        const std::vector<unsigned char> block = Exact(text);
+        return parser.Parse(reinterpret_cast<const char*>(block.data()), static_cast<unsigned int>(block.size()));
+    }
+
+    std::string m_root;
+};
+
+template <class TParser>
+struct SCreated : TParser {
+    SCreated() { EXPECT_TRUE(this->Create()); }
+    ~SCreated() override { this->Destroy(); }
+};
+
+TEST_F(ESGFragmentTest, Service)
+{
+    SCreated<CESGServiceFragment> fragment;
+    ASSERT_TRUE(Parse(
+        fragment,
+        "<e:Service xmlns:e='u:esg' id='a' version='2' validFrom='3981234567' validTo='3981234568' "
+        "globalServiceID='urn:one' weight='65535' emergency='-1'><ServiceType>5</ServiceType><Name>b</Name>"
+        "<Name>c</Name><Description>d</Description><AudioLanguage languageSDPTag='e'/><TextLanguage "
+        "languageSDPTag='f'/><ContentAdvisoryRatings><RatedDimensions>6</RatedDimensions></ContentAdvisoryRatings>"
+        "<TargetUserProfile attributeName='g'/><Genre type='h' href='i'>j:7</Genre><BroadcastArea/>"
+        "<BroadcastArea polarity='true'/><PrivateExt><Other/><ATSC3ServiceExtension><MajorChannelNum>8"
+        "</MajorChannelNum></ATSC3ServiceExtension><ATSC3ServiceExtension/></PrivateExt><PrivateExt/></e:Service>"));
+    const auto& s = *fragment.State();
+    EXPECT_STREQ(s.ns.get(), "u:esg");
+    EXPECT_STREQ(s.id.get(), "a");
+    EXPECT_TRUE(s.version == 2 && s.validFrom == 3981234567u && s.validTo == 3981234568u);
+    EXPECT_STREQ(s.globalServiceID.get(), "urn:one");
+    EXPECT_TRUE(s.weight == 65535 && s.emergency && s.serviceType == 5);
+    ASSERT_EQ(s.names.size(), 2u);
+    EXPECT_STREQ(s.names[1]->State()->content.get(), "c");
+    EXPECT_STREQ(s.descriptions.at(0)->State()->content.get(), "d");
+    EXPECT_STREQ(s.audioLanguages.at(0)->State()->languageSDPTag.get(), "e");
+    EXPECT_STREQ(s.textLanguages.at(0)->State()->languageSDPTag.get(), "f");
+    EXPECT_EQ(s.contentAdvRatings.at(0)->State()->ratedDimensions, 6);
+    EXPECT_STREQ(s.targetProfiles.at(0)->State()->attributeName.get(), "g");
+    const auto& genre = *s.genres.at(0)->State();
+    EXPECT_STREQ(genre.type.get(), "h");
+    EXPECT_STREQ(genre.href.get(), "i");
+    EXPECT_STREQ(genre.content.get(), "j:7");
+    EXPECT_TRUE(genre.index == 7 && !genre.name);  // there is no file of names
+    EXPECT_TRUE(s.broadcaseArea->State()->polarity);
+    EXPECT_EQ(Logged("[CBroadcastArea::Destroy]"), 1);  // the first is let go
+    EXPECT_EQ(s.serviceExt->State()->majorChannelNum, 8);
+
+    // The record begins anew, and is empty when the next one fails.
+    ASSERT_TRUE(Parse(fragment, "<Service id='z' emergency='0'><ServiceType/><Name/></Service>"));
+    EXPECT_EQ(TakeAssertions(), "content != nullptr");
+    EXPECT_TRUE(!fragment.State()->ns && !fragment.State()->globalServiceID && !fragment.State()->emergency &&
+                fragment.State()->names.size() == 1 && !fragment.State()->broadcaseArea);
+    EXPECT_FALSE(Parse(fragment, "<Service><Name/></Service>"));
+    EXPECT_TRUE(!fragment.State()->id && fragment.State()->names.empty());
+    EXPECT_EQ(Logged("_CHECK FAIL: src/esg/ESGServiceFragment:"), 1);
+}
+
+TEST_F(ESGFragmentTest, Content)
+{
+    SCreated<CESGContentFragment> fragment;
+    ASSERT_TRUE(Parse(
+        fragment,
+        "<Content id='a' version='1' validFrom='2' validTo='4294967295' globalContentID='b' baseCID='c'>"
+        "<ServiceReference idRef='d' weight='3'/><Name>e</Name><Description>f</Description><AudioLanguage/>"
+        "<AudioLanguage/><TextLanguage/><Length>1800</Length><Length/><ContentAdvisoryRatings/><TargetUserProfile "
+        "attributeValue='g'/><Genre>4</Genre><TermsOfUse id='h'/><Popularity rating='5'/><Popularity rating='6'/>"
+        "<Freshness/><Freshness releastDate='1970-01-01T00:00:09Z'/><PrivateExt/><PrivateExt><Capabilities>i"
+        "</Capabilities></PrivateExt></Content>"));
+    const auto& s = *fragment.State();
+    EXPECT_STREQ(s.id.get(), "a");
+    EXPECT_TRUE(!s.ns && s.version == 1 && s.validFrom == 2 && s.validTo == 4294967295u);
+    EXPECT_STREQ(s.globalContentID.get(), "b");
+    EXPECT_STREQ(s.baseCID.get(), "c");
+    EXPECT_STREQ(s.serviceRefId.get(), "d");
+    EXPECT_TRUE(s.serviceRefWeight == 3 && s.length == 1800 && s.audioLanguages.size() == 2);
+    EXPECT_STREQ(s.names.at(0)->State()->content.get(), "e");
+    EXPECT_STREQ(s.descriptions.at(0)->State()->content.get(), "f");
+    EXPECT_TRUE(s.textLanguages.size() == 1 && s.contentAdvRatings.size() == 1);
+    EXPECT_STREQ(s.targetProfiles.at(0)->State()->attributeValue.get(), "g");
+    EXPECT_EQ(s.genres.at(0)->State()->index, 4);
+    EXPECT_STREQ(s.termsOfUses.at(0)->State()->id.get(), "h");
+    EXPECT_EQ(s.popularity->State()->rating, 6);
+    EXPECT_EQ(s.freshness->State()->releaseDate, 9);
+    EXPECT_STREQ(s.contentExt->State()->capabilities.get(), "i");
+    EXPECT_TRUE(Logged("[CPopularity::Destroy]") == 1 && Logged("[CFreshness::Destroy]") == 1 &&
+                Logged("[CContentPrivateExt::Destroy]") == 1);
+
+    ASSERT_TRUE(
+        Parse(fragment, "<Content id=''><ServiceReference idRef='x'/><ServiceReference weight='1'/></Content>"));
+    EXPECT_EQ(fragment.State()->serviceRefId, nullptr);
+    EXPECT_EQ(Logged("[CESGContentFragment::sm_CbServiceReferenceEntry] serviceRef Id is NULL!!"), 1);
+}
+
+TEST_F(ESGFragmentTest, Schedule)
+{
+    SCreated<CESGScheduleFragment> fragment;
+    ASSERT_TRUE(Parse(fragment,
+                      "<Schedule id='a' version='1' validFrom='2' validTo='3'><ServiceReference idRef='b'/>"
+                      "<ContentReference idRef='c'><PresentationWindow startTime='3981234567'/></ContentReference>"
+                      "<ContentReference idRef='d'/><TermsOfUse id='e'/></Schedule>"));
+    const auto& s = *fragment.State();
+    EXPECT_TRUE(s.version == 1 && s.validFrom == 2 && s.validTo == 3);
+    EXPECT_STREQ(s.serviceRefId.get(), "b");
+    ASSERT_EQ(s.contentRefs.size(), 2u);
+    EXPECT_EQ(s.contentRefs[0]->State()->presentationWindows.at(0)->State()->startTime, 3981234567u);
+    EXPECT_STREQ(s.contentRefs[1]->State()->idRef.get(), "d");
+    EXPECT_STREQ(s.termsOfUses.at(0)->State()->id.get(), "e");
+    ASSERT_TRUE(Parse(fragment, "<Schedule id='a'><ServiceReference/></Schedule>"));
+    EXPECT_EQ(Logged("[CESGScheduleFragment::sm_CbServiceReferenceEntry] serviceRef Id is NULL!!"), 1);
+}
+
+template <class TFragment>
+void ExpectRefused(const std::string& className, const std::string& element)
+{
+    const auto parse = [](TFragment& fragment, const std::string& text) {
+        return fragment.Parse(text.data(), static_cast<unsigned int>(text.size()));
+    };
+    {
+        TFragment fragment;
+        EXPECT_FALSE(parse(fragment, "<a/>"));
+        fragment.Destroy();
+        EXPECT_EQ(fragment.State(), nullptr);
+        ASSERT_TRUE(fragment.Create());
+        EXPECT_FALSE(fragment.Create());
+        EXPECT_FALSE(fragment.Parse(nullptr, 9));
+        EXPECT_FALSE(fragment.Parse(nullptr));
+        EXPECT_FALSE(fragment.Parse("/no/such/file"));
+        for (const std::string text :
+             {"<X id='a'/>", "<x id='a'/>", "", "<X", "<Service/>", "<Content/>", "<Schedule/>"}) {
+            EXPECT_FALSE(parse(fragment, text)) << text;
+        }
+        EXPECT_TRUE(parse(fragment, "<!-- --><" + element + " id='a'/>"));
+        fragment.Destroy();
+    }
+    std::string asserted;
+    for (const SAssertion& assertion : CRecorder::s_assertions) {
+        asserted += assertion.expression + "; ";
+        EXPECT_EQ(assertion.file, "src/esg/" + className.substr(1));
+    }
+    CRecorder::s_assertions.clear();
+    EXPECT_EQ(asserted, "m; m; !m; buffer; filename; ");
+}
+
+TEST_F(ESGFragmentTest, Refused)
+{
+    ExpectRefused<CESGServiceFragment>("CESGServiceFragment", "Service");
+    ExpectRefused<CESGContentFragment>("CESGContentFragment", "Content");
+    ExpectRefused<CESGScheduleFragment>("CESGScheduleFragment", "Schedule");
+    EXPECT_EQ(Logged("m_ProcessESGScheduleFragment(root)"), 5);
+    EXPECT_EQ(Logged("m->xml.Create(buffer, len)"), 6);
+    EXPECT_EQ(Logged("m->xml.Create(filename)"), 3);
+    EXPECT_EQ(Logged("[CESGScheduleFragment::Parse]"), 2);  // of the service's files
+}
+
+TEST_F(ESGFragmentTest, PreviewOverridesTheServiceId)
+{
+    const std::string text = "<Service id='a' globalServiceID='urn:mine'/>";
+    const std::string file = Write("/fragment.xml", text);
+    SCreated<CESGServiceFragment> fragment;
+    ASSERT_TRUE(fragment.Parse(file.c_str()));
+    EXPECT_STREQ(fragment.State()->globalServiceID.get(), "urn:mine");
+    Write("/bin/preview", "");
+    ASSERT_TRUE(Parse(fragment, text));
+    EXPECT_STREQ(fragment.State()->globalServiceID.get(), "urn:atsc:serviceid:sbs_uhd");
+    SetFileRoot(nullptr);
+    ASSERT_TRUE(Parse(fragment, text));
+    EXPECT_STREQ(fragment.State()->globalServiceID.get(), "urn:mine");
+}
+
+TEST_F(ESGFragmentTest, MatchCallbacks)
+{
+    SCreated<CESGServiceFragment> service;
+    SCreated<CESGContentFragment> content;
+    SCreated<CESGScheduleFragment> schedule;
+    EXPECT_EQ(CESGServiceFragment::sm_CbGlobalServiceId(&service, "", 0), 0);  // no id is no match
+    EXPECT_FALSE(service.State()->sltMatch);
+    ASSERT_TRUE(Parse(service, "<Service id='a' globalServiceID='urn:one'/>"));
+    ASSERT_TRUE(Parse(content, "<Content id='a'><ServiceReference idRef='s1'/></Content>"));
+    ASSERT_TRUE(Parse(schedule, "<Schedule id='a'><ServiceReference idRef='s1'/></Schedule>"));
+    EXPECT_EQ(CESGServiceFragment::sm_CbGlobalServiceId(&service, "urn:two", 7), 0);
+    EXPECT_FALSE(service.State()->sltMatch);
+    EXPECT_EQ(CESGServiceFragment::sm_CbGlobalServiceId(&service, "urn:two", 4), 0);
+    EXPECT_TRUE(service.State()->sltMatch);
+    EXPECT_EQ(CESGServiceFragment::sm_CbGlobalServiceId(&service, "urn:one1", 8), 0);
+    EXPECT_TRUE(service.State()->sltMatch);
+    EXPECT_EQ(Logged("[CESGServiceFragment::sm_CbGlobalServiceId] Unmatch globalServiceId"), 3);
+    for (const char* id : {"s2", "s1"}) {
+        EXPECT_EQ(CESGContentFragment::sm_CbFragServiceId(&content, id, 2), 0);
+        EXPECT_EQ(CESGScheduleFragment::sm_CbFragServiceId(&schedule, id, 2), 0);
+        EXPECT_TRUE(content.State()->serviceMatch == (id[1] == '1') &&
+                    schedule.State()->serviceMatch == (id[1] == '1'));
+    }
+    EXPECT_EQ(Logged("[CESGScheduleFragment::sm_CbFragServiceId] Unmatch FragServiceId"), 2);
+    EXPECT_EQ(CESGContentFragment::sm_CbFragServiceId(nullptr, "a", 1), 0);
+    EXPECT_EQ(CESGContentFragment::sm_CbFragServiceId(&content, nullptr, 1), 0);
+    EXPECT_EQ(CESGContentFragment::sm_CbFragServiceId(&content, "s1", -1), 0);
+    EXPECT_EQ(TakeAssertions(), "fragment; id; length >= 0");
+    ASSERT_TRUE(Parse(service, "<Service id='a'/>"));
+    EXPECT_FALSE(service.State()->sltMatch);
+}
+
+TEST_F(ESGFragmentTest, GenreNames)
+{
+    Write("/opt/data/genre-cs.xml",
+          "<ClassificationScheme uri='u'>\n <Term termID='3.1'>\n  <Name>three</Name><Name>trois</Name>\n </Term>"
+          "<Term termID='3.2'><Name>later</Name></Term><Term><Name>none</Name></Term><Term termID=''><Name>empty"
+          "</Name></Term><Term termID='4'><Definition/><Name>four</Name></Term><Term termID='5'/><TermX termID='12'>"
+          "<NameX>twelve</NameX></TermX><Other termID='6'><Name>six</Name></Other></ClassificationScheme>");
+    SCreated<CESGServiceFragment> fragment;
+    ASSERT_TRUE(
+        Parse(fragment,
+              "<Service id='a'><Genre>urn:cs:3</Genre><Genre>urn:cs:12</Genre><Genre>12.9</Genre><Genre>12:</Genre>"
+              "<Genre>:4</Genre><Genre/></Service>"));
+    static const struct {
+        int index;
+        const char* name;
+    } k_expected[] = {{3, "three"}, {12, "twelve"}, {12, "twelve"}, {0, nullptr}, {4, nullptr}, {0, nullptr}};
+    ASSERT_EQ(fragment.State()->genres.size(), 6u);
+    for (int i = 0; i < 6; ++i) {
+        const auto& genre = *fragment.State()->genres[static_cast<unsigned int>(i)]->State();
+        EXPECT_EQ(genre.index, k_expected[i].index);
+        EXPECT_STREQ(genre.name, k_expected[i].name);
+    }
+    EXPECT_EQ(SGenreNameParse::refMap.size(), 2u);
+    EXPECT_EQ(Logged("[CGenre::t_ProcessGenreName] Index = [12], Name = [twelve]"), 2);
+    EXPECT_EQ(Logged("[CGenreNameParse::Parse] Genre Map exsits."), 4);  // read once, then found filled
+
+    SCreated<CGenreNameParse> names;
+    EXPECT_TRUE(Parse(names, "<ClassificationScheme><Term termID='99'><Name>n</Name></Term></ClassificationScheme>"));
+    EXPECT_TRUE(names.Parse("/no/such/file"));
+    EXPECT_EQ(SGenreNameParse::refMap.count(99), 0u);
+}
+
+TEST_F(ESGFragmentTest, GenreSchemeBesideTheRootOrMissing)
+{
+    {
+        SCreated<CGenreNameParse> names;
+        EXPECT_FALSE(Parse(names, "<Other><ClassificationScheme/></Other>"));
+        EXPECT_EQ(Logged("t_Process(root)"), 1);
+        EXPECT_FALSE(Parse(names, "<Other"));
+        EXPECT_FALSE(names.Parse("/no/such/file"));
+        // An empty scheme is read, and leaves the next one to be read.
+        EXPECT_TRUE(Parse(names, "<ClassificationScheme/>"));
+        EXPECT_TRUE(
+            Parse(names, "<ClassificationScheme><Term termID='-1'><Name>n</Name></Term></ClassificationScheme>"));
+        EXPECT_STREQ(SGenreNameParse::refMap.at(-1).get(), "n");
+        EXPECT_FALSE(names.Create());
+        EXPECT_FALSE(names.Parse(nullptr));
+        EXPECT_FALSE(names.Parse(nullptr, 1));
+        EXPECT_EQ(TakeAssertions(), "!m; filePath; buffer");
+    }
+    CGenreNameParse names;
+    EXPECT_FALSE(names.Parse("x"));
+    EXPECT_FALSE(names.Parse("x", 1));
+    names.Destroy();
+    EXPECT_EQ(TakeAssertions(), "m; m; m");
+}
+
+}  // namespace

@@ -1,0 +1,120 @@
+#include "esg/SGDDParse.h"
+
+#include "esg/ESGFragmentMap.h"
+#include "esg/SGResponse.h"
+#include "support/Recorder.h"
+
+namespace {
+
+using SGDDParseTest = CRecorder;
+
+template <class TParser>
+bool Parse(TParser& parser, const std::string& text)
+{
+    const std::vector<unsigned char> block = Exact(text);
+    return parser.Parse(reinterpret_cast<const char*>(block.data()), static_cast<unsigned int>(block.size()));
+}
+
+const std::string k_sgdd =
+    "<ServiceGuideDeliveryDescriptor xmlns='u' id='a' version='2'><DescriptorEntry type='3'><Transport port='4'/>"
+    "</DescriptorEntry><Other/><DescriptorEntry type='5'/></ServiceGuideDeliveryDescriptor>";
+
+TEST_F(SGDDParseTest, Descriptor)
+{
+    CSGDDParse sgdd;
+    EXPECT_FALSE(Parse(sgdd, k_sgdd));
+    EXPECT_EQ(TakeAssertions(), "m != nullptr");
+    ASSERT_TRUE(sgdd.Create());
+    ASSERT_TRUE(Parse(sgdd, k_sgdd));
+    const auto& state = *sgdd.State();
+    EXPECT_STREQ(state.id.get(), "a");
+    EXPECT_STREQ(state.ns.get(), "u");
+    ASSERT_TRUE(state.version == 2 && state.descriptorEntries.size() == 2);
+    EXPECT_EQ(state.descriptorEntries[0]->State()->transport->State()->port, 4);
+    EXPECT_EQ(state.descriptorEntries[1]->State()->type, 5);
+    EXPECT_FALSE(Parse(sgdd, Gzip(k_sgdd)));
+    EXPECT_EQ(state.descriptorEntries.size(), 2u);  // the record of the one before stays
+    sgdd.SetCompress(true);
+    EXPECT_TRUE(Parse(sgdd, Gzip(k_sgdd)));
+    EXPECT_TRUE(Parse(sgdd, "<ServiceGuideDeliveryDescriptor/>"));
+    EXPECT_TRUE(!state.id && !state.ns && state.version == 0 && state.descriptorEntries.empty());
+    EXPECT_FALSE(Parse(sgdd, "<SGResponse>" + k_sgdd + "</SGResponse>"));
+    EXPECT_EQ(TakeAssertions(), "");
+
+    CXML outer;
+    void* root = nullptr;
+    const std::string siblings = "<r> <Other id='x'/>text" + k_sgdd + "<ServiceGuideDeliveryDescriptor/></r>";
+    ASSERT_TRUE(outer.Create(siblings.data(), static_cast<int>(siblings.size()), false) && outer.MoveRoot(&root));
+    EXPECT_TRUE(sgdd.Parse(outer.Doc(), outer.MoveChild(root)));  // begins at white space
+    EXPECT_STREQ(state.id.get(), "a");
+    EXPECT_FALSE(sgdd.Parse(outer.Doc(), root));
+    EXPECT_FALSE(sgdd.Parse(outer.Doc(), nullptr));
+    EXPECT_FALSE(sgdd.Create());
+    EXPECT_EQ(TakeAssertions(), "!m");
+    sgdd.Destroy();
+    outer.Destroy();
+    EXPECT_EQ(sgdd.State(), nullptr);
+    sgdd.Destroy();
+    EXPECT_EQ(TakeAssertions(), "m");
+}
+
+TEST_F(SGDDParseTest, Response)
+{
+    CSGResponse response;
+    response.SetCompress(true);
+    EXPECT_EQ(TakeAssertions(), "m");
+    ASSERT_TRUE(response.Create());
+    ASSERT_TRUE(Parse(response,
+                      "<x:SGResponse xmlns:x='u' status='1' lastResponseVersion='2'><SupportedVersion>1.0"
+                      "</SupportedVersion><SupportedVersion/><SupportedVersion>1.1</SupportedVersion>" +
+                          k_sgdd +
+                          "<ServiceGuideDeliveryDescriptor id='b'/><ResponseValidity expirationTime='1'/>"
+                          "<ResponseValidity expirationTime='3981234567' timeWindow='4'/><PrivateExt>c</PrivateExt>"
+                          "<PrivateExt>d</PrivateExt></x:SGResponse>"));
+    const auto& state = *response.State();
+    EXPECT_TRUE(state.status == 1 && state.lastResponseVersion == 2);
+    ASSERT_EQ(state.supportedVersions.size(), 2u);
+    EXPECT_STREQ(state.supportedVersions[1].get(), "1.1");
+    ASSERT_EQ(state.descriptors.size(), 2u);
+    EXPECT_EQ(state.descriptors[0]->State()->descriptorEntries.size(), 2u);
+    EXPECT_STREQ(state.descriptors[1]->State()->id.get(), "b");
+    EXPECT_TRUE(state.responseValidity->expirationTime == 3981234567u && state.responseValidity->timeWindow == 4);
+    EXPECT_STREQ(state.privateExt.get(), "d");
+    response.SetCompress(true);
+    EXPECT_TRUE(Parse(response, Gzip("<SGResponse/>")));
+    EXPECT_TRUE(state.status == 0 && state.lastResponseVersion == 0 && state.supportedVersions.empty() &&
+                state.descriptors.empty() && !state.responseValidity && !state.privateExt);
+    EXPECT_FALSE(Parse(response, k_sgdd));
+    response.Destroy();
+    EXPECT_EQ(Logged("[CSGDDParse::Destroy]"), 2);
+    ASSERT_TRUE(response.Create());
+    EXPECT_FALSE(Parse(response, Gzip("<SGResponse/>")));  // Create takes the switch back
+    response.Destroy();
+}
+
+TEST(ESGFragmentMapTest, IsSharedAndCounted)
+{
+    CRecorder::s_assertions.clear();
+    CESGFragmentMap one;
+    CESGFragmentMap other;
+    EXPECT_TRUE(!one.isExisted("a") && !one.Add("a") && !one.Remove("a"));
+    one.Destroy();
+    EXPECT_TRUE(one.Create() && other.Create() && !one.Create());
+    EXPECT_EQ(CRecorder::s_assertions.size(), 5u);
+    EXPECT_EQ(SESGFragmentMap::refMapCnt, 2);
+    EXPECT_TRUE(one.Add("a") && one.Add("b") && other.Add("a"));
+    EXPECT_TRUE(!one.Add(nullptr) && !one.Remove(nullptr) && !one.isExisted(nullptr) && !one.Remove("c"));
+    EXPECT_TRUE(one.Remove("a") && other.isExisted("a") && one.Remove("a") && !one.isExisted("a"));
+    one.Destroy();
+    EXPECT_TRUE(other.isExisted("b") && !other.isExisted("B"));
+    other.Destroy();
+    EXPECT_TRUE(other.Create() && !other.isExisted("b"));
+    other.Destroy();
+    EXPECT_EQ(SESGFragmentMap::refMapCnt, 0);
+    EXPECT_FALSE(SESGFragmentMap::refMap.isExisted("b"));
+    EXPECT_EQ(CRecorder::s_assertions.size(), 6u);
+    EXPECT_EQ(CRecorder::s_assertions.back().expression, "m != nullptr");
+    CRecorder::s_assertions.clear();
+}
+
+}  // namespace
