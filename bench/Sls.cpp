@@ -126,7 +126,7 @@ const bool g_registered = [] {
                 FloorDocument(document);
             }
         },
-        "");
+        MakePackage());
     benchmark::RegisterBenchmark("sls/parse/3",
                                  [](benchmark::State& state) {
                                      const std::string package = MakePackage();

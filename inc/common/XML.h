@@ -96,9 +96,14 @@ class VYR_API CXML {
     char* NodeDump(void* node, int* size) const;
 
   private:
-    struct SXML;
+    struct SXML {
+        TDocPtr pdoc;
+        bool owned;  // whether Destroy frees the document
+    };
+
     bool m_Adopt(void* doc, const char* text);
     std::string m_charToStringWithDelete(char* text) const;
+    SXML m_held;  // what m points to: views are made for every element, and cost no allocation
     SXML* m;
 };
 

@@ -37,6 +37,7 @@ class VYR_API CESGContentFragment : public CESGFragmentBase {
         bool serviceMatch = false;                         ///< whether sm_CbFragServiceId met it since the parse
     };
 
+    /// The record; null before Create.
     const SESGContentFragment* State() const { return static_cast<const SESGContentFragment*>(t_State()); }
 
     /// For iterations over known services: notes in `fragment`, a CESGContentFragment, when the first `length`

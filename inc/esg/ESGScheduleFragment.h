@@ -15,6 +15,7 @@ class VYR_API CESGScheduleFragment : public CESGFragmentBase {
         bool serviceMatch = false;                    ///< whether sm_CbFragServiceId met it since the parse
     };
 
+    /// The record; null before Create.
     const SESGScheduleFragment* State() const { return static_cast<const SESGScheduleFragment*>(t_State()); }
 
     /// For iterations over known services: notes in `fragment`, a CESGScheduleFragment, when the first

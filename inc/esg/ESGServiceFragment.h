@@ -35,6 +35,7 @@ class VYR_API CESGServiceFragment : public CESGFragmentBase {
         bool sltMatch = false;  ///< whether sm_CbGlobalServiceId met this service since the parse
     };
 
+    /// The record; null before Create.
     const SESGServiceFragment* State() const { return static_cast<const SESGServiceFragment*>(t_State()); }
 
     using CESGFragmentBase::Parse;

@@ -3,7 +3,6 @@
 #include <memory>
 #include <vector>
 
-#include "common/CoreOS/StringHash.h"
 #include "common/Owned.h"
 #include "common/XML.h"
 #include "platform/Api.h"
@@ -25,7 +24,6 @@ struct VYR_API SESGState {
     SESGState(const SESGState&) = delete;
     SESGState& operator=(const SESGState&) = delete;
 
-    CXML xml;                   ///< the fragment's document, or the view of it
-    CCStringHash hashCallback;  ///< the handlers of child elements
+    CXML xml;                   ///< the document, while it is parsed
     const vyr::SESGKind* kind;  ///< what the parser is
 };

@@ -6,11 +6,11 @@
 
 /// Parser of a service guide delivery descriptor (SGDD; OMA BCAST Service Guide): where the delivery units
 /// of the guide are. The element is looked for among the root, or the node that is parsed, and its
-/// following siblings.
+/// following siblings; each one that is found replaces the record of the one before.
 class VYR_API CSGDDParse : public XMLBase {
   public:
     /// What was parsed.
-    struct SSGDDParse : SESGState {
+    struct SSGDDParse {
         TESGText id;                                     ///< id; null: not given
         int version = 0;                                 ///< version
         TESGText ns;                                     ///< namespace of the element; null: none
@@ -26,19 +26,15 @@ class VYR_API CSGDDParse : public XMLBase {
     /// Whether the two-argument Parse takes gzip; false at first.
     void SetCompress(bool compressed);
 
-    using XMLBase::Parse;
-    /// As XMLBase says; the record of an earlier parse is let go first.
-    bool Parse(const char* buffer, unsigned int length, bool compressed) override;
-    bool Parse(void* doc, void* root) override;
-
     /// What was parsed; null before Create, good until the next Parse or Destroy.
-    const SSGDDParse* State() const { return m; }
+    const SSGDDParse* State() const;
 
   private:
-    bool m_Begin();
+    struct SState;
+
     bool m_ProcessParse(void* root) override;
 
     static void sm_CbDescriptorEntry(CSGDDParse* root, void* curr);
 
-    SSGDDParse* m;
+    SState* m;
 };

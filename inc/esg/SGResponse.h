@@ -6,7 +6,7 @@
 
 /// Parser of a service guide response (OMA BCAST Service Guide): delivery descriptors that were asked for over
 /// the interactive channel. The element is looked for among the root, or the node that is parsed, and its
-/// following siblings.
+/// following siblings; each one that is found replaces the record of the one before.
 class VYR_API CSGResponse : public XMLBase {
   public:
     /// How long a response holds: the ResponseValidity element.
@@ -18,7 +18,7 @@ class VYR_API CSGResponse : public XMLBase {
     };
 
     /// What was parsed.
-    struct SSGResponse : SESGState {
+    struct SSGResponse {
         int status = 0;                                       ///< status, as it stands
         int lastResponseVersion = 0;                          ///< lastResponseVersion
         std::vector<TESGText> supportedVersions;              ///< SupportedVersion, text; empty ones are left out
@@ -36,17 +36,13 @@ class VYR_API CSGResponse : public XMLBase {
     /// Whether the two-argument Parse takes gzip; false after Create. Asserts "m".
     void SetCompress(bool compressed);
 
-    using XMLBase::Parse;
-    /// As XMLBase says; the record of an earlier parse is let go first.
-    bool Parse(const char* buffer, unsigned int length, bool compressed) override;
-    bool Parse(void* doc, void* root) override;
-
     /// What was parsed; null before Create, good until the next Parse or Destroy.
-    const SSGResponse* State() const { return m; }
+    const SSGResponse* State() const;
 
   private:
+    struct SState;
+
     bool t_CreateCallback();
-    bool m_Begin();
     bool m_ProcessParse(void* root) override;
 
     static void sm_CbSupportedVersionEntry(CSGResponse* root, void* curr);
@@ -54,5 +50,5 @@ class VYR_API CSGResponse : public XMLBase {
     static void sm_CbResponseValidityEntry(CSGResponse* root, void* curr);
     static void sm_CbPrivateExtEntry(CSGResponse* root, void* curr);
 
-    SSGResponse* m;
+    SState* m;
 };

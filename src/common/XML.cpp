@@ -303,11 +303,6 @@ const char* NodeName(void* node)
 
 using vyr::CNodeText;
 
-struct CXML::SXML {
-    xmlDocPtr pdoc;
-    bool owned;
-};
-
 CXML::CStr::CStr() : m_str(nullptr) {}
 
 CXML::CStr::~CStr()
@@ -317,7 +312,7 @@ CXML::CStr::~CStr()
     }
 }
 
-CXML::CXML() : m(nullptr) {}
+CXML::CXML() : m_held{nullptr, false}, m(nullptr) {}
 
 CXML::~CXML() = default;
 
@@ -370,7 +365,8 @@ bool CXML::Create(TDocPtr docPtr)
     if (!VYR_ASSERT(!m, "!m") || !VYR_ASSERT(docPtr, "docPtr")) {
         return false;
     }
-    m = new SXML{static_cast<xmlDocPtr>(docPtr), false};
+    m_held = {docPtr, false};
+    m = &m_held;
     return true;
 }
 
@@ -386,7 +382,8 @@ bool CXML::m_Adopt(void* parsed, const char* text)
     if (!VYR_CHECK(doc, text)) {
         return false;
     }
-    m = new SXML{doc, true};
+    m_held = {doc, true};
+    m = &m_held;
     return true;
 }
 
@@ -396,9 +393,8 @@ void CXML::Destroy()
         return;
     }
     if (m->owned) {
-        xmlFreeDoc(m->pdoc);
+        xmlFreeDoc(static_cast<xmlDocPtr>(m->pdoc));
     }
-    delete m;
     m = nullptr;
 }
 
@@ -412,7 +408,7 @@ bool CXML::MoveRoot(void** root) const
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(root, "root")) {
         return false;
     }
-    xmlNodePtr element = xmlDocGetRootElement(m->pdoc);
+    xmlNodePtr element = xmlDocGetRootElement(static_cast<xmlDocPtr>(m->pdoc));
     if (element) {
         *root = element;
     }

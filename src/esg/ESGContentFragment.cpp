@@ -81,7 +81,7 @@ const vyr::SESGKind& CESGContentFragment::t_Kind() const
                                              "Content",
                                              "m_ProcessESGContentFragment(root)",
                                              vyr::NewState<TState>,
-                                             vyr::AddStateHandlers<TState, k_handlers>,
+                                             vyr::ThreadHandlers<TState, k_handlers>,
                                              sm_Read};
     return k_kind;
 }

@@ -47,7 +47,7 @@ bool CESGFragmentBase::m_Begin(const char* input, const char* text)
     if (!m || !input) {
         return vyr::AssertFailed(kind.Here("Parse", __LINE__), m ? text : "m");
     }
-    if (m->xml.FlagCreate()) {
+    if (m->id) {
         delete m;
         m = static_cast<SESGFragment*>(vyr::CreateState(kind, "Parse"));
     }
@@ -83,9 +83,10 @@ bool CESGFragmentBase::m_Process(bool created, const char* step)
     }
     if (failed) {
         vyr::CheckFailed(kind.Here("Parse", __LINE__), failed);
-        if (m->xml.FlagCreate()) {
-            m->xml.Destroy();
-        }
+    }
+    // All values are copies: a guide of a thousand fragments need not hold a thousand documents.
+    if (m->xml.FlagCreate()) {
+        m->xml.Destroy();
     }
     return !failed;
 }

@@ -21,8 +21,9 @@ struct SESGKind {
     const char* element;    ///< name of the element that it parses
     const char* process;    ///< the step of reading it, as the log has it
     SESGState* (*create)();
-    /// Adds the handlers; null: the element has no children of interest.
-    bool (*addHandlers)(SESGState& state, const SHere& here);
+    /// The handlers on this thread; null after logging the failed step. Null: there are no children of
+    /// interest.
+    CCStringHash* (*handlers)(const SHere& here);
     /// Reads the element; false: it cannot be used.
     bool (*read)(SESGState& state, void* node);
     const char* otherElement = nullptr;  ///< second name of the element, or null
@@ -37,11 +38,21 @@ SESGState* NewState()
     return new TState;
 }
 
-/// SESGKind::addHandlers of a class with the record TState and the table of handlers `THandlers`.
+/// SESGKind::handlers of a class with the record TState and the table of handlers THandlers: a hash for each
+/// thread, made once. Guides have thousands of elements of a class, and a hash has a cursor.
 template <class TState, const auto& THandlers>
-bool AddStateHandlers(SESGState& state, const SHere& here)
+CCStringHash* ThreadHandlers(const SHere& here)
 {
-    return AddHandlers<TState>(state.hashCallback, THandlers, here);
+    static thread_local SHandlers s_handlers;
+    CCStringHash& hash = s_handlers.hashCallback;
+    if (hash.FlagCreate()) {
+        return &hash;
+    }
+    if (!CreateHandlers(hash, 10, here) || !AddHandlers<TState>(hash, THandlers, here)) {
+        DestroyHandlers(hash);
+        return nullptr;
+    }
+    return &hash;
 }
 
 /// Handler for an element whose children are handled as those around it; and what calls the handlers of a
@@ -49,7 +60,9 @@ bool AddStateHandlers(SESGState& state, const SHere& here)
 template <class TState>
 void TakeChildren(TState* state, void* node)
 {
-    DispatchChildren(state, state->hashCallback, node, LOG_NO_CHILDREN, "%s", VYR_HERE);
+    if (CCStringHash* hash = state->kind->handlers(VYR_HERE)) {
+        DispatchChildren(state, *hash, node, LOG_NO_CHILDREN, "%s", VYR_HERE);
+    }
 }
 
 /// SESGKind::read of an element without children.
@@ -72,12 +85,12 @@ bool ReadElementAndChildren(SESGState& state, void* node)
 /// What is read of an element that has children alone.
 inline void NoAttributes(SESGState& /*state*/, void* /*node*/) {}
 
-/// What an element without children is: TRead(record, node), on the part TPart of the record TState, reads it.
-template <class TState, auto TRead, class TPart = TState>
+/// What an element without children is: TRead(record, node), on the base TBase of the record TState, reads it.
+template <class TState, auto TRead, class TBase = TState>
 constexpr SESGKind ElementKind(const char* file, const char* className, const char* element,
                                const char* otherElement = nullptr)
 {
-    return {file,        className, element, "m_Process()", NewState<TState>, nullptr, ReadElement<TPart, TRead>,
+    return {file,        className, element, "m_Process()", NewState<TState>, nullptr, ReadElement<TBase, TRead>,
             otherElement};
 }
 
@@ -91,12 +104,12 @@ constexpr SESGKind ElementKind(const char* file, const char* className, const ch
             element,
             "m_Process()",
             NewState<TState>,
-            AddStateHandlers<TState, THandlers>,
+            ThreadHandlers<TState, THandlers>,
             ReadElementAndChildren<TState, TRead>,
             otherElement};
 }
 
-/// A new record with its handlers; null after logging the failed step.
+/// A new record, once the handlers of its class are there; null after logging the failed step.
 SESGState* CreateState(const SESGKind& kind, const char* function);
 
 /// Copy of a text of `length` bytes, zero-terminated.

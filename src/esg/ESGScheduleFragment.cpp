@@ -51,7 +51,7 @@ const vyr::SESGKind& CESGScheduleFragment::t_Kind() const
                                              "Schedule",
                                              "m_ProcessESGScheduleFragment(root)",
                                              vyr::NewState<TState>,
-                                             vyr::AddStateHandlers<TState, k_handlers>,
+                                             vyr::ThreadHandlers<TState, k_handlers>,
                                              sm_Read};
     return k_kind;
 }

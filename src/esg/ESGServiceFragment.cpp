@@ -100,7 +100,7 @@ const vyr::SESGKind& CESGServiceFragment::t_Kind() const
                                              "Service",
                                              "m_ProcessESGServiceFragment(root)",
                                              vyr::NewState<TState>,
-                                             vyr::AddStateHandlers<TState, k_handlers>,
+                                             vyr::ThreadHandlers<TState, k_handlers>,
                                              sm_Read};
     return k_kind;
 }

@@ -3,6 +3,10 @@
 #include "common/XmlParser.h"
 #include "esg/ESGKind.h"
 
+struct CSGDDParse::SState : vyr::SHandlers {
+    SSGDDParse values;
+};
+
 CSGDDParse::CSGDDParse() : m(nullptr) {}
 
 CSGDDParse::~CSGDDParse()
@@ -25,9 +29,6 @@ bool CSGDDParse::Create()
 
 void CSGDDParse::Destroy()
 {
-    if (m) {
-        m->descriptorEntries.clear();
-    }
     vyr::DestroyXmlParser(*this, m, "[CSGDDParse::Destroy]", VYR_HERE, LOG_PRIORITY_INFO);
 }
 
@@ -36,38 +37,19 @@ void CSGDDParse::SetCompress(bool compressed)
     t_compressed = compressed;
 }
 
-/// Lets go of what an earlier parse left, while its document lives.
-bool CSGDDParse::m_Begin()
-{
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    m->id.reset();
-    m->version = 0;
-    m->ns.reset();
-    m->descriptorEntries.clear();
-    return true;
-}
-
-bool CSGDDParse::Parse(const char* buffer, unsigned int length, bool compressed)
-{
-    return m_Begin() && XMLBase::Parse(buffer, length, compressed);
-}
-
-bool CSGDDParse::Parse(void* doc, void* root)
-{
-    return m_Begin() && XMLBase::Parse(doc, root);
-}
-
 bool CSGDDParse::m_ProcessParse(void* root)
 {
+    if (!VYR_ASSERT(m, "m != nullptr")) {
+        return false;
+    }
     void* node = vyr::FindElement(root, "ServiceGuideDeliveryDescriptor");
     if (!node) {
         return false;
     }
-    vyr::ReadAttribute(node, "id", m->id);
-    vyr::ReadAttribute(node, "version", m->version);
-    m->ns = vyr::Namespace(t_xml, node);
+    m->values = SSGDDParse();
+    vyr::ReadAttribute(node, "id", m->values.id);
+    vyr::ReadAttribute(node, "version", m->values.version);
+    m->values.ns = vyr::Namespace(t_xml, node);
     vyr::DispatchChildren(this, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }
@@ -75,5 +57,10 @@ bool CSGDDParse::m_ProcessParse(void* root)
 void CSGDDParse::sm_CbDescriptorEntry(CSGDDParse* root, void* curr)
 {
     static constexpr vyr::SChildSteps k_steps = {"entry->Create(root->t_xml.Doc(), curr)", "entry->Parse()"};
-    vyr::Build(root->m->descriptorEntries, root->t_xml.Doc(), curr, k_steps, VYR_HERE);
+    vyr::Build(root->m->values.descriptorEntries, root->t_xml.Doc(), curr, k_steps, VYR_HERE);
+}
+
+const CSGDDParse::SSGDDParse* CSGDDParse::State() const
+{
+    return m ? &m->values : nullptr;
 }

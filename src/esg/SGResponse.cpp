@@ -3,6 +3,10 @@
 #include "common/XmlParser.h"
 #include "esg/ESGKind.h"
 
+struct CSGResponse::SState : vyr::SHandlers {
+    SSGResponse values;
+};
+
 CSGResponse::CSGResponse() : m(nullptr) {}
 
 CSGResponse::~CSGResponse()
@@ -33,9 +37,6 @@ bool CSGResponse::t_CreateCallback()
 
 void CSGResponse::Destroy()
 {
-    if (m) {
-        m->descriptors.clear();
-    }
     vyr::DestroyXmlParser(*this, m, "[CSGResponse::Destroy]", VYR_HERE, LOG_PRIORITY_INFO);
 }
 
@@ -46,39 +47,18 @@ void CSGResponse::SetCompress(bool compressed)
     }
 }
 
-/// Lets go of what an earlier parse left, while its document lives.
-bool CSGResponse::m_Begin()
-{
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    m->status = 0;
-    m->lastResponseVersion = 0;
-    m->supportedVersions.clear();
-    m->descriptors.clear();
-    m->responseValidity.reset();
-    m->privateExt.reset();
-    return true;
-}
-
-bool CSGResponse::Parse(const char* buffer, unsigned int length, bool compressed)
-{
-    return m_Begin() && XMLBase::Parse(buffer, length, compressed);
-}
-
-bool CSGResponse::Parse(void* doc, void* root)
-{
-    return m_Begin() && XMLBase::Parse(doc, root);
-}
-
 bool CSGResponse::m_ProcessParse(void* root)
 {
+    if (!VYR_ASSERT(m, "m != nullptr")) {
+        return false;
+    }
     void* node = vyr::FindElement(root, "SGResponse");
     if (!node) {
         return false;
     }
-    vyr::ReadAttribute(node, "status", m->status);
-    vyr::ReadAttribute(node, "lastResponseVersion", m->lastResponseVersion);
+    m->values = SSGResponse();
+    vyr::ReadAttribute(node, "status", m->values.status);
+    vyr::ReadAttribute(node, "lastResponseVersion", m->values.lastResponseVersion);
     vyr::DispatchChildren(this, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }
@@ -86,7 +66,7 @@ bool CSGResponse::m_ProcessParse(void* root)
 void CSGResponse::sm_CbSupportedVersionEntry(CSGResponse* root, void* curr)
 {
     if (vyr::CNodeText::Content(curr).HasText()) {
-        vyr::ReadContent(curr, root->m->supportedVersions);
+        vyr::ReadContent(curr, root->m->values.supportedVersions);
     }
 }
 
@@ -94,18 +74,23 @@ void CSGResponse::sm_CbSGDDEntry(CSGResponse* root, void* curr)
 {
     static constexpr vyr::SChildSteps k_steps = {"entry->Create()", "entry->Parse(root->t_xml.Doc(), curr)"};
     if (auto entry = vyr::BuildXmlChild<CSGDDParse>(root->t_xml.Doc(), curr, k_steps, VYR_HERE)) {
-        root->m->descriptors.push_back(std::move(entry));
+        root->m->values.descriptors.push_back(std::move(entry));
     }
 }
 
 void CSGResponse::sm_CbResponseValidityEntry(CSGResponse* root, void* curr)
 {
-    SResponseValidity& validity = vyr::Fresh(root->m->responseValidity);
+    SResponseValidity& validity = vyr::Fresh(root->m->values.responseValidity);
     vyr::ReadAttribute(curr, "expirationTime", validity.expirationTime);
     vyr::ReadAttribute(curr, "timeWindow", validity.timeWindow);
 }
 
 void CSGResponse::sm_CbPrivateExtEntry(CSGResponse* root, void* curr)
 {
-    vyr::ReadContent(curr, root->m->privateExt);
+    vyr::ReadContent(curr, root->m->values.privateExt);
+}
+
+const CSGResponse::SSGResponse* CSGResponse::State() const
+{
+    return m ? &m->values : nullptr;
 }

@@ -88,7 +88,7 @@ TEST_F(ESGFragmentTest, Service)
     EXPECT_EQ(Logged("[CBroadcastArea::Destroy]"), 1);  // the first is let go
     EXPECT_EQ(s.serviceExt->State()->majorChannelNum, 8);
 
-    // The record begins anew, and stays empty when the next one fails.
+    // The record begins anew, and is empty when the next one fails.
     ASSERT_TRUE(Parse(fragment, "<Service id='z' emergency='0'><ServiceType/><Name/></Service>"));
     EXPECT_EQ(TakeAssertions(), "content != nullptr");
     EXPECT_TRUE(!fragment.State()->ns && !fragment.State()->globalServiceID && !fragment.State()->emergency &&

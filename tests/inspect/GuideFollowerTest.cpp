@@ -38,6 +38,7 @@ class CRecordingWriter : public IReportWriter {
         lines.push_back(line);
     }
     void Fault(const SFault& fault) override { lines.push_back(FaultName(fault.code)); }
+    void Message(const SMessage&) override {}
     void Summary(const SSummary&) override {}
 
     std::vector<std::string> lines;

@@ -17,6 +17,7 @@
 
 #include "GuideObjects.h"
 #include "Markup.h"
+#include "MmtCaptures.h"
 #include "Packets.h"
 #include "support/Gzip.h"
 
@@ -73,12 +74,6 @@ SResult Inspect(const std::string& arguments, const std::string& input = {})
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.err = ReadFile(err.Name());
     return result;
-}
-
-std::string Slt(const std::string& services, unsigned version, unsigned group = 0, unsigned groups = 1)
-{
-    return Number(1, 1) + Number(group, 1) + Number(groups - 1, 1) + Number(version, 1) + "<SLT bsid=\"5\">" +
-           services + "</SLT>";
 }
 
 std::string Service(int id, const std::string& attributes = {})
@@ -192,22 +187,22 @@ std::string Unsignalled()
     services += RouteService(11, 6011, "10.0.0.1") + RouteService(12, 0) + RouteService(13, 6001, "192.0.2.10") +
                 RouteService(14, 6014) + RouteService(15, 6001);
     CCapture capture(1);
-    capture.AddRoute(Lct({1, 0, size}, whole), 6001).AddLls(Slt(services, 1));
+    capture.AddSession(Lct({1, 0, size}, whole), 6001).AddLls(Slt(services, 1));
     // Service 1 and its repeats; from the source that service 13 names they are of service 13.
-    capture.AddRoute(Lct({1, 0, size}, whole), 6001).AddRoute(Lct({1, 0, size}, whole), 6001);
+    capture.AddSession(Lct({1, 0, size}, whole), 6001).AddSession(Lct({1, 0, size}, whole), 6001);
     // Nothing for service 2.
-    capture.AddRoute(Lct({1, 9, size}, whole.substr(9)), 6003).AddRoute(Lct({2}, whole.substr(0, 5)), 6003);
-    capture.AddRoute("no LCT packet", 6004).AddRoute("\x12", 6004);
-    capture.AddRoute(Lct({1, 0, size, false, 10}, whole), 6005);
-    capture.AddRoute(Lct({1, 0, size, false, 0, 0x10A0}, whole), 6005);
-    capture.AddRoute(Lct({1, 0, 6}, "binary"), 6006);
-    capture.AddRoute(Lct({1, 0, 4}, "\x1F\x8B\x08?"), 6007);
-    capture.AddRoute(Lct({1, 0, -1, true}, "<S-TSID></a></S-TSID><RSAT></RSAT>\n<MPD>"), 6008);
-    capture.AddRoute(Lct({1, 0, -1, true}, Usbd(99)), 6009);
-    capture.AddRoute(Lct({1, 0, -1, true}, stsid), 6010).AddRoute(Lct({2, 0, -1, true}, Usbd(10)), 6010);
-    capture.AddRoute(Lct({2, 0, -1, true}, Usbd(10)), 6010).AddRoute(Lct({3, 0, -1, true}, Usbd(10)), 6010);
-    capture.AddRoute(Lct({1, 0, size}, whole), 6011);
-    capture.AddRoute(Lct({1, 9000000, -1}, whole), 6014);
+    capture.AddSession(Lct({1, 9, size}, whole.substr(9)), 6003).AddSession(Lct({2}, whole.substr(0, 5)), 6003);
+    capture.AddSession("no LCT packet", 6004).AddSession("\x12", 6004);
+    capture.AddSession(Lct({1, 0, size, false, 10}, whole), 6005);
+    capture.AddSession(Lct({1, 0, size, false, 0, 0x10A0}, whole), 6005);
+    capture.AddSession(Lct({1, 0, 6}, "binary"), 6006);
+    capture.AddSession(Lct({1, 0, 4}, "\x1F\x8B\x08?"), 6007);
+    capture.AddSession(Lct({1, 0, -1, true}, "<S-TSID></a></S-TSID><RSAT></RSAT>\n<MPD>"), 6008);
+    capture.AddSession(Lct({1, 0, -1, true}, Usbd(99)), 6009);
+    capture.AddSession(Lct({1, 0, -1, true}, stsid), 6010).AddSession(Lct({2, 0, -1, true}, Usbd(10)), 6010);
+    capture.AddSession(Lct({2, 0, -1, true}, Usbd(10)), 6010).AddSession(Lct({3, 0, -1, true}, Usbd(10)), 6010);
+    capture.AddSession(Lct({1, 0, size}, whole), 6011);
+    capture.AddSession(Lct({1, 9000000, -1}, whole), 6014);
     return capture.Bytes();
 }
 
@@ -217,7 +212,7 @@ std::string ListChanges()
     const std::string object = Lct({1, 0, -1, true}, Usbd(1));
     CCapture capture(1);
     const auto send = [&](const std::string& services, unsigned version) {
-        capture.AddLls(Slt(services, version)).AddRoute(object, 6001);
+        capture.AddLls(Slt(services, version)).AddSession(object, 6001);
     };
     send(RouteService(1, 6001), 1);
     send(RouteService(2, 6002) + RouteService(1, 6001), 2);
@@ -228,7 +223,7 @@ std::string ListChanges()
     return capture.Bytes();
 }
 
-/// A guide that comes whole, comes again, changes, and loses its service.
+/// A guide that comes whole, comes again and changes, beside one that does not come.
 std::string GuideCapture()
 {
     const auto object = [](unsigned toi, const std::string& bytes, unsigned tsi = 20) {
@@ -245,19 +240,21 @@ std::string GuideCapture()
         "Content-Type='image/png'/><File Content-Location='no.sgdu' TOI='5'/></FDT-Instance></EFDT></SrcFlow></LS>"
         "<LS tsi='21'><SrcFlow rt='true'/></LS></RS><RS dPort='7004'><LS tsi='22'><SrcFlow/></LS></RS></S-TSID>\n";
     CCapture capture(1);
-    capture.AddLls(Slt(list, 1)).AddRoute(object(1, stsid, 0), 6004).AddRoute(object(1, Usbd(4), 0), 6005);
-    capture.AddRoute(object(2, "<S-TSID></S-TSID>\n", 0), 6005);
+    capture.AddLls(Slt(list, 1)).AddSession(object(1, stsid, 0), 6004).AddSession(object(1, Usbd(4), 0), 6005);
+    capture.AddSession(object(2, "<S-TSID></S-TSID>\n", 0), 6005);
     const std::string unit = Gzip(guide::WholeUnit());
-    capture.AddRoute(Lct({1, 0, static_cast<int>(unit.size()), false, 20}, unit.substr(0, 100)), 6004);
-    capture.AddRoute(Lct({1, 100, -1, true, 20}, unit.substr(100)), 6004)
-        .AddRoute(object(3, guide::k_descriptor), 6004);
-    capture.AddRoute(object(4, "png"), 6004).AddRoute(object(5, "unit"), 6004).AddRoute(object(1, unit, 21), 6004);
-    capture.AddRoute(object(1, guide::Unit({{2, guide::Fragment("Content", "c9", 1)}}), 22), 7004);
-    capture.AddRoute(object(1, unit), 6004).AddRoute(object(1, unit), 6004);
+    capture.AddSession(Lct({1, 0, static_cast<int>(unit.size()), false, 20}, unit.substr(0, 100)), 6004);
+    capture.AddSession(Lct({1, 100, -1, true, 20}, unit.substr(100)), 6004)
+        .AddSession(object(3, guide::k_descriptor), 6004);
+    capture.AddSession(object(4, "png"), 6004)
+        .AddSession(object(5, "unit"), 6004)
+        .AddSession(object(1, unit, 21), 6004);
+    capture.AddSession(object(1, guide::Unit({{2, guide::Fragment("Content", "c9", 1)}}), 22), 7004);
+    capture.AddSession(object(1, unit), 6004).AddSession(object(1, unit), 6004);
     const std::string newer = guide::Fragment("Content", "c2", 2, guide::Text("Name", "en", "Snow"));
     const std::string same = guide::Fragment("Content", "c9", 1, guide::Text("Name", "en", "Talk"));
-    capture.AddRoute(object(2, guide::Unit({{2, newer}, {2, same}, {1, guide::k_service1}})), 6004);
-    capture.AddRoute(object(1, unit), 6004);
+    capture.AddSession(object(2, guide::Unit({{2, newer}, {2, same}, {1, guide::k_service1}})), 6004);
+    capture.AddSession(object(1, unit), 6004);
     return capture.Bytes();
 }
 
@@ -356,6 +353,9 @@ std::vector<SGolden> Goldens()
         {"guide-fragment", "-", 0, "\xEF\xBB\xBF" + guide::k_content1},
         {"unsignalled", "-", 1, Unsignalled()},
         {"unsignalled-json", "--json --quiet -", 1, Unsignalled()},
+        {"messages", "-", 1, EveryMessage()},
+        {"messages-json", "--json -", 1, EveryMessage()},
+        {"no-messages", "--mmtp 239.255.7.1:6001 --mmtp 1.2.3.4:5 -", 1, NoMessages()},
     };
 }
 
@@ -406,7 +406,7 @@ TEST(Inspect, EveryInputHasAPage)
         const CTemporary page("left from before");
         const SResult result = Inspect("--html '" + page.Name() + "' " + golden.arguments, golden.input);
         EXPECT_EQ(result.status, golden.status);
-        EXPECT_EQ(result.out, ReadFile(std::string(VYR_TEST_DATA "/inspect/") + golden.name + ".txt"));
+        EXPECT_TRUE(result.out == ReadFile(std::string(VYR_TEST_DATA "/inspect/") + golden.name + ".txt"));
         const std::string html = ReadFile(page.Name());
         EXPECT_EQ(html.compare(0, 15, "<!DOCTYPE html>"), 0);
         EXPECT_EQ(MarkupFault(html), "");
@@ -526,12 +526,51 @@ TEST(Inspect, InputsThatAreNone)
     EXPECT_NE(Inspect("missing " + k_lineup).out.find("KLAS"), std::string::npos);
 }
 
+TEST(Inspect, RawMessages)
+{
+    const std::string mpt = MmtMessage(0x20, 16, MmtMpTable(0x20));
+    const std::string clocks = CMmtBuilder().Put(8, 2).Put(MmtCri(1) + MmtCri(2)).Put(std::string(17, 0)).Bytes();
+    const std::string ratings = "<RatingRegionTables></RatingRegionTables>";
+    const struct {
+        const char* name;
+        std::string bytes;
+        const char* type;
+        bool parsed = true;
+    } cases[] = {
+        {"MP table", mpt, "message"},
+        {"package access, of the least id", MmtMessage(0, 32, std::string(1, 0)), "message"},
+        {"padding", mpt + std::string(16, 0), "message"},
+        {"too much padding", mpt + std::string(17, 0), "unknown"},
+        {"cut", mpt.substr(0, mpt.size() - 1), "unknown"},
+        {"cut in its length", mpt.substr(0, 4), "unknown"},
+        {"of an id that is none", std::string("\0\x21\1\0\1?", 6), "unknown"},
+        {"damaged", MmtMessage(0x20, 16, "?"), "message", false},
+        {"signed", MmtMessage(0x8101, 32, MmtSigned(mpt)), "message"},
+        {"clock relations, a table of id 2 by its first byte", MmtMessage(0x200, 16, MmtTable(0x21, clocks)),
+         "message"},
+        {"the same, not to its end", MmtMessage(0x200, 16, MmtTable(0x21, clocks)) + "?", "table", false},
+        {"licence revocation, which is not supported", MmtMessage(0x20C, 32, "??"), "message"},
+        {"ratings", std::string("\2\0\0\1", 4) + ratings, "table"},
+        {"ratings whose header fits a message", std::string("\2\0\0\0", 4) + ratings + std::string(20, ' '), "table"},
+    };
+    ASSERT_EQ(cases[9].bytes.substr(3, 3), std::string("\0<!", 3)) << "it looks like XML, too";
+    ASSERT_EQ(cases[13].bytes.size(), 5u + '<');
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        const std::vector<nlohmann::json> lines = Lines(Inspect("--json -", test.bytes).out);
+        ASSERT_GE(lines.size(), 2u);
+        EXPECT_EQ(lines[0]["type"] == "fault" ? "unknown" : lines[0]["type"], test.type);
+        EXPECT_EQ(lines[0].value("parsed", true), test.parsed);
+        EXPECT_EQ(lines.back()["rawMessages"], test.type == std::string("message") ? 1 : 0);
+    }
+}
+
 TEST(Inspect, UsageErrors)
 {
     EXPECT_EQ(Inspect("").status, 2);
     for (const char* arguments :
          {"--nonsense", "--lls 1.2.3.4", "--lls 1.2.3:5", "--lls 1.2.3.4:0", "--lls 1.2.3.4:65536", "--route 1.2.3.4:x",
-          "--set a", "--set =1", "--set a=1x", "--log loud"}) {
+          "--mmtp 1", "--set a", "--set =1", "--set a=1x", "--log loud"}) {
         const SResult result = Inspect(std::string(arguments) + " pcap/gpac-a2-multi-service.pcap");
         EXPECT_EQ(result.status, 2) << arguments;
         EXPECT_EQ(result.out, "") << arguments;

@@ -17,6 +17,7 @@ class CRecordingWriter : public IReportWriter {
   public:
     void Table(const STable& table) override { statuses.push_back(table.status); }
     void Signalling(const SSignalling&) override {}
+    void Message(const SMessage&) override {}
     void Fault(const SFault& fault) override { faults.push_back(fault.code); }
     void GuideObject(const SGuideObject&) override {}
     void Guide(const SGuide&) override {}

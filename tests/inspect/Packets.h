@@ -16,7 +16,7 @@ inline std::string Number(std::uint64_t value, int bytes)
 }
 
 constexpr std::uint32_t k_lls = 0xE000173C;
-constexpr std::uint32_t k_route = 0xEFFF0701;  // 239.255.7.1
+constexpr std::uint32_t k_session = 0xEFFF0701;  // 239.255.7.1
 
 inline std::string Udp(const std::string& payload, unsigned port = 4937)
 {
@@ -39,6 +39,22 @@ inline std::string Lct(const SLct& fields, const std::string& data)
         fields.length >= 0 ? Number(0xC2000000u | static_cast<unsigned>(fields.length), 4) : "";
     return Number(fields.flags | (fields.close ? 1 : 0), 2) + Number(4 + extension.size() / 4, 1) + Number(0, 1) +
            Number(0, 4) + Number(fields.tsi, 4) + Number(fields.toi, 4) + extension + Number(fields.start, 4) + data;
+}
+
+/// MMTP packet of version 0.
+struct SMmtp {
+    unsigned sequence = 1;
+    unsigned payload = 0;  ///< signalling header: 0x4000 first, 0x8000 middle, 0xC000 last, 0x0100 several
+    unsigned packetId = 0;
+    unsigned flags = 0;  ///< first two bytes, without the type
+    unsigned type = 2;
+};
+
+/// `options`: packet counter and extension.
+inline std::string Mmtp(const SMmtp& fields, const std::string& data, const std::string& options = {})
+{
+    return Number(fields.flags | fields.type, 2) + Number(fields.packetId, 2) + Number(0x12345678, 4) +
+           Number(fields.sequence, 4) + options + Number(fields.payload, 2) + data;
 }
 
 struct SIpv4 {
@@ -89,10 +105,10 @@ class CCapture {
         ++m_count;
         return *this;
     }
-    CCapture& AddRoute(const std::string& packet, unsigned port)
+    CCapture& AddSession(const std::string& packet, unsigned port)
     {
         SIpv4 fields;
-        fields.destination = k_route;
+        fields.destination = k_session;
         return Add(Ethernet(Ipv4(Udp(packet, port), fields)));
     }
     CCapture& AddLls(const std::string& table) { return Add(Ethernet(Ipv4(Udp(table)))); }

@@ -25,6 +25,7 @@ class CRecordingWriter : public IReportWriter {
         }
         lines.push_back(line);
     }
+    void Message(const SMessage&) override {}
     void Fault(const SFault& fault) override { lines.push_back(std::string("fault: ") + FaultName(fault.code)); }
     void GuideObject(const SGuideObject&) override {}
     void Guide(const SGuide&) override {}
@@ -47,7 +48,7 @@ class SlsFollower : public testing::Test {
 
     CRecordingWriter m_writer;
     CReport m_report{m_writer, false};
-    SFollowed m_followed{{}, "1.2.3.4:5", {}, {}};
+    const SFollowed m_followed{{}, "1.2.3.4:5", {}, {}};
     CSlsFollower m_follower{m_followed, m_report};
 };
 

@@ -115,3 +115,66 @@ std::string MmtClocks(TOwner& owner)
         &clocks);
     return clocks;
 }
+
+/// A descriptor, its length as it comes.
+inline std::string MmtDesc(unsigned int tag, const std::string& payload)
+{
+    return CMmtBuilder().Put(16, tag).Open(16).Put(payload).Close().Bytes();
+}
+
+/// An H.265 profile of 88 bits.
+inline void MmtPutProfile(CMmtBuilder& b, unsigned int idc)
+{
+    b.Put(2, 1).Put(1, 1).Put(5, idc).Put(32, 0x60000000).Put(4, 0xA).Put(44, 0x80000000001);
+}
+
+/// An asset id behind its length.
+inline CMmtBuilder MmtCountedId(const std::string& id)
+{
+    return CMmtBuilder().Open(32).Put(id).Close();
+}
+
+/// Video stream properties of two assets, A with every group and B with the least of each.
+inline std::string MmtVideo()
+{
+    CMmtBuilder b;
+    b.Put(8, 2).Put(MmtCountedId("A").Bytes()).Put("hev1").Put(8, 0xFE);
+    b.Put(6, 2).Put(1, 1).Put(1, 1).Put(3, 5).Put(3, 1).Put(2, 2);
+    b.Put(6, 33).Put(2, 3);
+    b.Put(6, 9).Put(6, 10).Put(4, 15).Put(11, 1025).Put(11, 1026).Put(2, 3);
+    b.Put(16, 3840).Put(16, 2160).Put(2, 3).Put(1, 1).Put(3, 0).Put(1, 0).Put(1, 1).Put(4, 2).Put(4, 3);
+    b.Put(8, 255).Put(16, 5994).Put(8, 6);
+    b.Put(16, 100).Put(16, 200).Put(16, 300).Put(16, 400);
+    b.Put(8, 9).Put(8, 16).Put(8, 10).Put(8, 0x80).Put(1, 1).Put(15, 1).Put("eo");
+    MmtPutProfile(b, 2);
+    b.Put(8, 153).Put(2, 3).Put(14, 0);
+    MmtPutProfile(b, 2);
+    b.Put(8, 120);
+    // Groups whose conditional fields are not there.
+    b.Put(MmtCountedId("B").Bytes()).Put("avc1").Put(8, 0x12);
+    b.Put(16, 1).Put(16, 2).Put(2, 1).Put(4, 15).Put(1, 1).Put(1, 0).Put(4, 0).Put(4, 1);
+    b.Put(8, 8).Put(8, 16).Put(8, 1).Put(8, 0x7F);
+    MmtPutProfile(b, 2);
+    return b.Put(8, 90).Bytes();
+}
+
+/// Audio stream properties of two assets, likewise.
+inline std::string MmtAudio()
+{
+    CMmtBuilder b;
+    b.Put(8, 2).Put(MmtCountedId("A").Bytes()).Put("ac-4").Put(8, 2).Put(8, 0xC0);
+    b.Put(8, 1).Put(8, 0xFF).Put(24, 70000).Put(24, 80000).Put(8, 3);
+    b.Put(8, 1).Open(8).Put("en").Close().Open(8).Put("es").Close();
+    b.Put(8, 4).Put(8, 5).Put(8, 6).Open(8).Put("Main").Close().Put(8, 2).Put(8, 7).Put(8, 8);
+    b.Put(8, 2).Put(8, 0x42).Put(8, 9).Put(8, 10).Put(8, 11).Put(8, 0);
+    b.Put(8, 0x81).Put(8, 0x82).Put(8, 0x82).Put(8, 0x83).Put(8, 4);
+    b.Put(8, 0xC0).Put(32, 1000).Put(6, 0).Put(10, 999).Put(32, 2000).Put(6, 63).Put(10, 1);
+    return b.Put(MmtCountedId("B").Bytes())
+        .Put("mhm1")
+        .Put(8, 0)
+        .Put(8, 0x40)
+        .Put(8, 0x40)
+        .Put(32, 3000)
+        .Put(16, 5)
+        .Bytes();
+}

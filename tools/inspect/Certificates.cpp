@@ -138,4 +138,15 @@ std::string SignatureText(const SSignature& signature)
            Counted(static_cast<std::uint64_t>(signature.signers), "signer") + ", " + signature.digest;
 }
 
+TJson SignatureJson(const SSignature& signature)
+{
+    if (!signature.error.empty()) {
+        return {{"wellFormed", false}, {"error", signature.error}};
+    }
+    return {{"wellFormed", true},
+            {"signers", signature.signers},
+            {"detached", signature.detached},
+            {"digest", signature.digest}};
+}
+
 }  // namespace vyr::inspect

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "Json.h"
+
 namespace vyr::inspect {
 
 /// What a certificate says of itself.
@@ -29,5 +31,6 @@ SSignature ReadSignature(const std::vector<unsigned char>& der);
 SSignature ReadSignature(const std::string& base64);
 /// "CMS SignedData, detached, 1 signer, SHA512", or what is wrong with it.
 std::string SignatureText(const SSignature& signature);
+TJson SignatureJson(const SSignature& signature);
 
 }  // namespace vyr::inspect

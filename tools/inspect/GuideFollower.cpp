@@ -56,8 +56,15 @@ bool IsGuideType(const std::string& contentType)
 /// Joins fragments to a guide.
 class CGuideFollower::CJoin {
   public:
-    explicit CJoin(const CGuideFollower& follower) : m_follower(follower)
+    explicit CJoin(const CGuideFollower& follower) : m_limit(follower.m_limits.joined)
     {
+        for (const auto& [group, services] : follower.m_services) {
+            for (const SService& service : services) {
+                if (!service.globalServiceId.empty()) {
+                    m_listed.try_emplace(service.globalServiceId, &service);
+                }
+            }
+        }
         for (const auto& [key, held] : follower.m_fragments) {
             if (key.first == 1) {
                 m_Service(held.fragment);
@@ -83,20 +90,15 @@ class CGuideFollower::CJoin {
     {
         m_index[fragment.id] = guide.services.size();
         SGuideService& service = guide.services.emplace_back(fragment.service);
-        if (service.globalServiceId.empty()) {
+        const auto entry = m_listed.find(service.globalServiceId);
+        if (entry == m_listed.end()) {
             return;
         }
-        for (const auto& [group, services] : m_follower.m_services) {
-            for (const SService& announced : services) {
-                if (announced.globalServiceId == service.globalServiceId) {
-                    service.serviceId = announced.serviceId;
-                    if (!service.majorChannelNo && announced.majorChannelNo != 0) {
-                        service.majorChannelNo = announced.majorChannelNo;
-                        service.minorChannelNo = announced.minorChannelNo;
-                    }
-                    return;
-                }
-            }
+        const SService& listed = *entry->second;
+        service.serviceId = listed.serviceId;
+        if (!service.majorChannelNo && listed.majorChannelNo != 0) {
+            service.majorChannelNo = listed.majorChannelNo;
+            service.minorChannelNo = listed.minorChannelNo;
         }
     }
 
@@ -116,7 +118,7 @@ class CGuideFollower::CJoin {
     void m_Add(SGuideService& service, const SProgramme& programme, const SGuideWindow& window)
     {
         m_cost += Cost(programme);
-        if (m_cost > m_follower.m_limits.joined) {
+        if (m_cost > m_limit) {
             ++leftOut;
             return;
         }
@@ -169,8 +171,9 @@ class CGuideFollower::CJoin {
                          [&](const SGuideService& a, const SGuideService& b) { return number(a) < number(b); });
     }
 
-    const CGuideFollower& m_follower;
-    std::map<std::string, std::size_t> m_index;  ///< of the services, by the ids of their fragments
+    const std::size_t m_limit;
+    std::map<std::string, const SService*> m_listed;  ///< by globalServiceID
+    std::map<std::string, std::size_t> m_index;       ///< of the services, by the ids of their fragments
     std::map<std::string, const SGuideFragment*> m_contents;
     std::vector<const SGuideFragment*> m_schedules;
     std::set<std::string> m_scheduled;

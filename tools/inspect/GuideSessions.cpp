@@ -193,12 +193,8 @@ void CGuideSessions::m_Follow(SOwner& owner, std::unique_ptr<CStream> stream)
         stream->followed = true;
         m_streams.emplace(stream->Endpoint(), stream.get());
         owner.streams.push_back(std::move(stream));
-    } else if (!m_toldFull) {
-        m_toldFull = true;
-        m_report.Fault({EFault::GUIDE_TOO_LARGE,
-                        "the guide has more than " + std::to_string(k_maxStreams) + " LCT sessions: TSI " +
-                            std::to_string(stream->Tsi()) + " of " + stream->Name() + " and more are not followed",
-                        {}});
+    } else {
+        ++m_notFollowed;
     }
 }
 
@@ -236,6 +232,12 @@ void CGuideSessions::Finish(const std::string& file)
         m_Drop(owner);
     }
     m_owners.clear();
+    if (m_notFollowed != 0) {
+        m_report.Fault({EFault::GUIDE_TOO_LARGE,
+                        "the guide has more than " + std::to_string(k_maxStreams) +
+                            " LCT sessions: " + std::to_string(m_notFollowed) + " were not followed",
+                        {file, 0, {}}});
+    }
 }
 
 /// Why nothing of the guide came in the owner's sessions; empty: something did.

@@ -66,7 +66,7 @@ class CGuideSessions {
     CAssemblyMemory m_memory;
     std::map<SServiceSession, SOwner> m_owners;  ///< by the session that signals
     std::multimap<TEndpoint, CStream*> m_streams;
-    bool m_toldFull = false;
+    std::size_t m_notFollowed = 0;
 };
 
 }  // namespace vyr::inspect

@@ -6,13 +6,15 @@
 #include "HtmlGuide.h"
 #include "HtmlStyle.h"
 #include "JsonReport.h"
+#include "MmtReader.h"
 #include "TextReport.h"
 
 namespace vyr::inspect {
 
 namespace {
 
-constexpr unsigned k_envelope = k_slsDocuments;  ///< behind the kinds of documents
+constexpr unsigned k_envelope = k_slsDocuments;   ///< behind the kinds of documents
+constexpr std::uint64_t k_messages = 1ull << 48;  ///< apart from the documents
 constexpr std::size_t k_mostGuide = 16777216;
 constexpr std::size_t k_fewServices = 4;
 constexpr std::size_t k_fewFiles = 3;
@@ -277,32 +279,72 @@ void CHtmlReport::Signalling(const SSignalling& signalling)
     m_Add(m_changes, signalling.source,
           "<td>" + HtmlText(HtmlClipped(Headline(signalling), k_longLine)) + names +
               (names.empty() ? "</td>" : "</small></td>"));
-    const TKey key = {file, signalling.session, {}};
-    SSession* session = m_Find(m_sessions, key);
+    SSession* session = m_Session(file, signalling.session, signalling.services);
     if (session == nullptr) {
         return;
     }
-    session->services = signalling.services;
-    for (const unsigned service : signalling.services) {
-        if (std::set<TKey>* sessions = m_Find(m_sessionsOf, {file, service})) {
-            sessions->insert(key);
-        }
-    }
     for (const SSlsDocument& document : signalling.documents) {
-        SPart& part = session->parts[static_cast<unsigned>(document.kind)];
+        SPart* part = m_Part(*session, static_cast<std::uint64_t>(document.kind));
         const std::string name = std::string("<b>") + DocumentName(document.kind) + "</b> ";
-        if (!document.content) {
-            m_Hold(part, name + Badge("bad", "did not parse"), signalling.source,
+        if (part != nullptr && !document.content) {
+            m_Hold(*part, name + Badge("bad", "did not parse"), signalling.source,
                    "<p>" + HtmlText(document.reason) + "</p>");
-        } else if (document.status != EDocumentStatus::UNCHANGED || part.versions == 0) {
-            m_Hold(part, name + "<small>" + HtmlText(HtmlClipped(document.content->headline, k_longLine)) + "</small>",
+        } else if (part != nullptr && (document.status != EDocumentStatus::UNCHANGED || part->versions == 0)) {
+            m_Hold(*part, name + "<small>" + HtmlText(HtmlClipped(document.content->headline, k_longLine)) + "</small>",
                    signalling.source, HtmlTree(document.content->json));
         }
     }
-    if (!signalling.items.empty()) {
-        m_Hold(session->parts[k_envelope], "<b>metadataEnvelope</b>", signalling.source,
+    SPart* envelope = signalling.items.empty() ? nullptr : m_Part(*session, k_envelope);
+    if (envelope != nullptr) {
+        m_Hold(*envelope, "<b>metadataEnvelope</b>", signalling.source,
                HtmlTree({{"item", EnvelopeJson(signalling.items)}}));
     }
+}
+
+CHtmlReport::SSession* CHtmlReport::m_Session(std::size_t file, const std::string& name,
+                                              const std::vector<unsigned>& services)
+{
+    const TKey key = {file, name, {}};
+    SSession* session = m_Find(m_sessions, key);
+    for (std::size_t i = 0; session != nullptr && i < services.size(); ++i) {
+        if (std::set<TKey>* sessions = m_Find(m_sessionsOf, {file, services[i]})) {
+            sessions->insert(key);
+        }
+    }
+    return session;
+}
+
+CHtmlReport::SPart* CHtmlReport::m_Part(SSession& session, std::uint64_t key)
+{
+    const auto known = session.parts.find(key);
+    if (known == session.parts.end() && m_sessionParts >= 4 * k_mostParts) {
+        ++m_left;
+        return nullptr;
+    }
+    m_sessionParts += known == session.parts.end() ? 1 : 0;
+    return &session.parts[key];
+}
+
+void CHtmlReport::Message(const SMessage& message)
+{
+    const std::size_t file = m_See(message.source);
+    const std::string headline = HtmlClipped(Headline(message), k_longLine);
+    m_Add(m_changes, message.source, "<td>" + HtmlText(headline) + "</td>");
+    SSession* session = m_Session(file, message.session, message.services);
+    const std::uint64_t key = k_messages | std::uint64_t{message.packetId.value_or(0)} << 32 | message.id;
+    SPart* part = session != nullptr ? m_Part(*session, key) : nullptr;
+    if (part == nullptr) {
+        return;
+    }
+    const std::string title = MessageTitle(message.id);
+    const std::size_t at = headline.find(title);
+    m_Hold(*part,
+           "<b>" + HtmlText(title) + "</b> <small>" +
+               HtmlText(at != std::string::npos ? headline.substr(at + title.size()) : "") + "</small>",
+           message.source,
+           message.content     ? HtmlTree(message.content->json)
+           : message.supported ? "<p>" + Badge("bad", "did not parse") + "</p>"
+                               : std::string("<p class=\"muted\">not supported</p>"));
 }
 
 void CHtmlReport::GuideObject(const SGuideObject& object)
@@ -310,7 +352,8 @@ void CHtmlReport::GuideObject(const SGuideObject& object)
     const std::size_t file = m_See(object.source);
     const std::string headline = HtmlClipped(Headline(object), k_longLine);
     m_Add(m_changes, object.source, "<td>" + HtmlText(headline) + "</td>");
-    std::string what = GuideObjectName(object.kind) + ' ' + (object.tsi ? std::to_string(*object.tsi) : "") + ' ';
+    std::string what =
+        std::string(GuideObjectName(object.kind)) + ' ' + (object.tsi ? std::to_string(*object.tsi) : "") + ' ';
     what += object.toi ? ToiText(*object.toi) : Cut(object.contentLocation);
     if (SPart* part = m_Find(m_guideObjects, {file, object.session, what})) {
         m_Hold(*part, HtmlText(headline), object.source,

@@ -23,6 +23,7 @@ class CHtmlReport : public IReportWriter {
 
     void Table(const STable& table) override;
     void Signalling(const SSignalling& signalling) override;
+    void Message(const SMessage& message) override;
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide& guide) override;
     void Fault(const SFault& fault) override;
@@ -59,8 +60,7 @@ class CHtmlReport : public IReportWriter {
         std::size_t bytes = 0;
     };
     struct SSession {
-        std::vector<unsigned> services;
-        std::map<unsigned, SPart> parts;  ///< each kind of document, and the envelope
+        std::map<std::uint64_t, SPart> parts;  ///< each kind of document, the envelope, and each message
     };
     struct SAlert {
         SPart part;
@@ -83,6 +83,8 @@ class CHtmlReport : public IReportWriter {
     void m_Add(SList<SLine>& list, const SSource& source, const std::string& html);
     /// Notes what an item says of the input as a whole; gives the number of its file.
     std::size_t m_See(const SSource& source);
+    SSession* m_Session(std::size_t file, const std::string& name, const std::vector<unsigned>& services);
+    SPart* m_Part(SSession& session, std::uint64_t key);
     void m_Slt(const STable& table, const TKey& key);
     void m_Alerts(const STable& table, const TKey& key);
     void m_Certificates(const STable& table, const TKey& key);
@@ -110,6 +112,7 @@ class CHtmlReport : public IReportWriter {
     std::map<TKey, SPart> m_certificates;
     std::map<TKey, SAlert> m_alerts;
     std::map<TKey, SSession> m_sessions;
+    std::size_t m_sessionParts = 0;                                           ///< of all of them
     std::map<std::pair<std::size_t, unsigned>, std::set<TKey>> m_sessionsOf;  ///< by file and service
     std::map<TKey, SPart> m_guideObjects;
     std::map<std::size_t, SGuide> m_guides;                             ///< by file

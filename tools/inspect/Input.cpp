@@ -13,6 +13,7 @@
 #include <cstring>
 
 #include "Gunzip.h"
+#include "MessageHead.h"
 
 namespace vyr::inspect {
 
@@ -133,15 +134,16 @@ CInput::CInput(const std::string& name) : m_file(std::make_unique<SFile>())
     if (IsCaptureMagic(start)) {
         m_OpenCapture();
     } else if (IsTableStart(start)) {
-        m_ReadBytes();
+        m_kind = EKind::TABLE;
     } else if (IsTextStart(start)) {
-        m_text = true;
-        m_ReadBytes();
-    } else if (IsUnitStart(start)) {
-        m_unit = true;
-        m_ReadBytes();
+        m_kind = EKind::TEXT;
+    } else if (IsUnitStart(start) || IsMessageStart(start)) {
+        m_kind = EKind::BINARY;
     } else {
         throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
+    }
+    if (m_kind != EKind::CAPTURE) {
+        m_ReadBytes();
     }
 }
 
@@ -209,14 +211,15 @@ void CInput::m_OpenCapture()
 
 void CInput::m_ReadBytes()
 {
-    const std::size_t limit = m_unit ? k_maxUnit : k_maxBytes;
+    const std::size_t limit = m_kind == EKind::BINARY ? k_maxUnit : k_maxBytes;
     unsigned char chunk[65536];
     ssize_t count = 0;
     while ((count = m_file->Read(reinterpret_cast<char*>(chunk), sizeof chunk)) > 0) {
         m_bytes.insert(m_bytes.end(), chunk, chunk + count);
         if (m_bytes.size() > limit) {
-            const char* what = m_unit ? "delivery unit" : m_text ? "signalling" : "LLS table";
-            throw CInputError(EFault::INPUT_TOO_LARGE, std::string("larger than any ") + what + ": more than " +
+            constexpr const char* k_names[] = {"", "LLS table", "signalling", "delivery unit"};
+            throw CInputError(EFault::INPUT_TOO_LARGE, std::string("larger than any ") +
+                                                           k_names[static_cast<std::size_t>(m_kind)] + ": more than " +
                                                            std::to_string(limit) + " bytes");
         }
     }

@@ -32,7 +32,8 @@ struct SPacket {
 };
 
 /// One input, known by its first bytes: a capture, read packet by packet as it grows, one raw LLS table,
-/// service-layer signalling (a document or a package), or an object of the service guide.
+/// service-layer signalling (a document or a package), an object of the service guide, or one MMT signalling
+/// message.
 class CInput {
   public:
     /// Opens a file, or standard input for "-". Throws CInputError.
@@ -42,10 +43,11 @@ class CInput {
     CInput& operator=(const CInput&) = delete;
 
     bool IsCapture() const { return m_capture != nullptr; }
-    /// Whether it may be signalling or an object of the guide, and no table.
-    bool IsText() const { return m_text; }
-    /// Whether it may be a delivery unit of the guide, and nothing else.
-    bool IsUnit() const { return m_unit; }
+    /// It may be signalling of ROUTE or an object of the guide.
+    bool IsText() const { return m_kind == EKind::TEXT; }
+    /// It may be a delivery unit of the guide, or a message of an id that can be no LLS table's; an LLS table may
+    /// be a message, too.
+    bool IsBinary() const { return m_kind == EKind::BINARY; }
     /// DLT number of a capture.
     int LinkType() const;
     std::string LinkTypeText() const;
@@ -59,6 +61,7 @@ class CInput {
 
   private:
     struct SFile;
+    enum class EKind { CAPTURE, TABLE, TEXT, BINARY };
     static constexpr std::size_t k_maxBytes = 1048576;
     static constexpr std::size_t k_maxUnit = 8388608;
 
@@ -67,8 +70,7 @@ class CInput {
 
     std::unique_ptr<SFile> m_file;
     pcap* m_capture = nullptr;
-    bool m_text = false;
-    bool m_unit = false;
+    EKind m_kind = EKind::CAPTURE;
     std::vector<unsigned char> m_bytes;
 };
 

@@ -8,6 +8,10 @@
 #include "GuideSessions.h"
 #include "LibraryPort.h"
 #include "LinkLayer.h"
+#include "LlsTables.h"
+#include "MessageFollower.h"
+#include "MessageHead.h"
+#include "MmtFollower.h"
 #include "RouteFollower.h"
 #include "SlsFollower.h"
 #include "Text.h"
@@ -31,6 +35,18 @@ std::string Busiest(const std::map<std::pair<std::uint32_t, std::uint16_t>, std:
         text += (i == 0 ? "" : ", ") + sorted[i].second + " (" + std::to_string(sorted[i].first) + ')';
     }
     return text;
+}
+
+/// Of what begins like an LLS table of id 2 (RRT): whether it is a message that fits the file, and no table
+/// that parses.
+bool IsMessageAndNoTable(SBytes bytes)
+{
+    if (!IsMessageFile(bytes)) {
+        return false;
+    }
+    const bool table = ParseTable({bytes[0], bytes[1], bytes[2], bytes[3]}, bytes).content.has_value();
+    TakeAssertions();
+    return !table;
 }
 
 }  // namespace
@@ -87,9 +103,13 @@ void CInspector::m_Inspect(const std::string& name)
     if (input.IsCapture()) {
         ++m_report.Summary().captures;
         m_Capture(input, name);
-    } else if (input.IsText() || input.IsUnit()) {
+    } else if (input.IsText()) {
         if (!m_GuideFile(input.Bytes(), name)) {
             m_SlsFile(input.Bytes(), name);
+        }
+    } else if (input.IsBinary() || IsMessageAndNoTable(input.Bytes())) {
+        if (!m_GuideFile(input.Bytes(), name)) {
+            m_MessageFile(input.Bytes(), name);
         }
     } else {
         ++m_report.Summary().rawTables;
@@ -109,12 +129,15 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
     }
     CGuideFollower guide(m_report);
     CGuideSessions guideSessions(guide, m_report);
-    const auto route = FollowRoute(m_options.routeSessions, guideSessions, m_report);
+    const std::unique_ptr<CSessionFollower> sessions[] = {FollowRoute(m_options.routeSessions, guideSessions, m_report),
+                                                          FollowMmtp(m_options.mmtpSessions, m_report)};
     for (const auto& [stream, follower] : followers) {
         const TEndpoint& lls = stream;
         follower->SetServiceListener(
-            [&route, &guide, lls](unsigned char groupId, const std::vector<SService>& services) {
-                route->Announce({lls, groupId}, services);
+            [&sessions, &guide, lls](unsigned char groupId, const std::vector<SService>& services) {
+                for (const auto& protocol : sessions) {
+                    protocol->Announce({lls, groupId}, services);
+                }
                 guide.Announce({lls, groupId}, services);
             });
     }
@@ -126,9 +149,11 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             follower->second->Take(datagram.payload, source);
             return;
         }
-        const bool guided = guideSessions.Take(datagram, source);
-        if (!route->Take(datagram, source) && !guided &&
-            (destinations.size() < k_maxDestinations || destinations.count(endpoint) != 0)) {
+        bool taken = guideSessions.Take(datagram, source);
+        for (const auto& protocol : sessions) {
+            taken = protocol->Take(datagram, source) || taken;
+        }
+        if (!taken && (destinations.size() < k_maxDestinations || destinations.count(endpoint) != 0)) {
             ++destinations[endpoint];
         }
     });
@@ -140,7 +165,9 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             m_Finish(*follower);
         }
         if (!m_output.Ended()) {
-            route->Finish(name);
+            for (const auto& protocol : sessions) {
+                protocol->Finish(name);
+            }
             guideSessions.Finish(name);
             guide.Finish(name, true);
             m_CaptureFaults(name, decoder.Counts(), followers, destinations);
@@ -179,7 +206,7 @@ void CInspector::m_CaptureFaults(const std::string& name, const SPacketCounts& c
     }
     for (const auto& [stream, follower] : followers) {
         const std::string streamText = EndpointText(stream.first, stream.second);
-        if (follower->Tables() == 0 && m_options.routeSessions.empty()) {
+        if (follower->Tables() == 0 && m_options.routeSessions.empty() && m_options.mmtpSessions.empty()) {
             const std::string busiest = Busiest(destinations);
             m_report.Fault({EFault::NO_LLS,
                             "no LLS: none of " + Counted(counts.datagrams, "UDP datagram") + " goes to " + streamText +
@@ -219,6 +246,17 @@ void CInspector::m_SlsFile(SBytes bytes, const std::string& name)
         throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
     }
     ++m_report.Summary().slsFiles;
+}
+
+void CInspector::m_MessageFile(SBytes bytes, const std::string& name)
+{
+    if (!IsMessageFile(bytes)) {
+        throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
+    }
+    const SFollowed followed;
+    CMessageFollower follower(followed, m_report);
+    follower.Take({}, bytes, {name, 0, {}});
+    ++m_report.Summary().rawMessages;
 }
 
 void CInspector::m_Finish(const CLlsFollower& follower)

@@ -48,4 +48,10 @@ inline void PutList(TJson& object, const char* key, TJson list)
     }
 }
 
+/// Sets the field `key`, and with a name for the number the field of that name with "Name" behind it.
+void PutNamed(TJson& object, const std::string& key, long long number, const char* name);
+/// The fields of an object for people: "packet_id 5, assets (asset_id a, codec_code hev1)". Long texts and
+/// lists are cut short.
+std::string FieldsText(const TJson& object);
+
 }  // namespace vyr::inspect

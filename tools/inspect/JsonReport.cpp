@@ -20,14 +20,6 @@ TJson Object(const char* type)
     return {{"schema_version", k_schemaVersion}, {"type", type}};
 }
 
-void PutNamed(TJson& object, const std::string& key, long long number, const char* name)
-{
-    object[key] = number;
-    if (name != nullptr) {
-        object[key + "Name"] = name;
-    }
-}
-
 std::string TimeText(const STime& time)
 {
     const std::time_t seconds = static_cast<std::time_t>(time.seconds);
@@ -287,6 +279,28 @@ void CJsonReport::Signalling(const SSignalling& signalling)
     m_output.Write(JsonLine(json));
 }
 
+void CJsonReport::Message(const SMessage& message)
+{
+    TJson json = Object("message");
+    json["source"] = SourceJson(message.source);
+    PutText(json, "session", message.session);
+    PutList(json, "serviceIds", message.services);
+    PutValue(json, "packet_id", message.packetId);
+    PutNamed(json, "message_id", message.id, MessageName(message.id));
+    json["version"] = message.version;
+    json["status"] = StatusName(message.status);
+    json["size"] = message.payload.size;
+    if (message.supported) {
+        json["parsed"] = message.content.has_value();
+    } else {
+        json["payload"] = Hex(message.payload);
+    }
+    if (message.content) {
+        json.update(message.content->json);
+    }
+    m_output.Write(JsonLine(json));
+}
+
 void CJsonReport::GuideObject(const SGuideObject& object)
 {
     TJson json = Object("guideObject");
@@ -348,6 +362,7 @@ void CJsonReport::Summary(const SSummary& summary)
     json["captures"] = summary.captures;
     json["rawTables"] = summary.rawTables;
     json["slsFiles"] = summary.slsFiles;
+    json["rawMessages"] = summary.rawMessages;
     json["guideFiles"] = summary.guideFiles;
     json["packets"] = summary.packets.packets;
     json["packetsCut"] = summary.packets.cut;
@@ -374,6 +389,7 @@ void CJsonReport::Summary(const SSummary& summary)
     json["services"] = summary.services;
     json["servicesDropped"] = summary.servicesDropped;
     json["routeServices"] = summary.routeServices;
+    json["mmtpServices"] = summary.mmtpServices;
     json["servicesSignalled"] = summary.servicesSignalled;
     json["routeSessions"] = summary.route.sessions;
     json["lctPackets"] = summary.route.packets;
@@ -386,6 +402,20 @@ void CJsonReport::Summary(const SSummary& summary)
     TJson signalling = StatusesJson(summary.objects);
     signalling["documentsNotParsed"] = summary.documentsNotParsed;
     json["signalling"] = std::move(signalling);
+    json["mmtpSessions"] = summary.mmtp.sessions;
+    json["mmtpPackets"] = summary.mmtp.packets;
+    json["mmtpPacketsMalformed"] = summary.mmtp.malformed;
+    json["mmtpPacketsOtherVersions"] = summary.mmtp.otherVersions;
+    json["mmtpPacketsOther"] = summary.mmtp.otherTypes;
+    json["mmtpPacketsSignalling"] = summary.mmtp.signalling;
+    json["mmtpPacketsRepeated"] = summary.mmtp.messages.repeated;
+    json["mmtMessages"] = summary.mmtp.messages.complete;
+    json["mmtMessagesIncomplete"] = summary.mmtp.messages.lost;
+    json["mmtMessagesDropped"] = summary.mmtp.messages.dropped;
+    TJson messages = StatusesJson(summary.messages);
+    messages["notParsed"] = summary.messagesNotParsed;
+    messages["notSupported"] = summary.messagesUnsupported;
+    json["messages"] = std::move(messages);
     TJson guide = StatusesJson(summary.guide.objects);
     guide["sessions"] = summary.guide.sessions;
     guide["packets"] = summary.guide.packets;

@@ -19,6 +19,7 @@ class CJsonReport : public IReportWriter {
 
     void Table(const STable& table) override;
     void Signalling(const SSignalling& signalling) override;
+    void Message(const SMessage& message) override;
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide& guide) override;
     void Fault(const SFault& fault) override;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "Text.h"
@@ -12,6 +13,8 @@ namespace vyr::inspect {
 namespace {
 
 constexpr std::size_t k_maxAssertions = 16;
+constexpr char k_failedCheck[] = "_CHECK FAIL: ";
+constexpr char k_unknownTag[] = "Description TAG [";
 constexpr char k_nextDocument[] = "[CSLSManager::Parse] PARSE ";
 
 ELogPriority g_lowest = LOG_PRIORITY_SILENT;
@@ -23,7 +26,9 @@ bool TellsOfRefusal(const char* format)
 {
     return std::strstr(format, "[Xml Error Info]") != nullptr || std::strstr(format, "refused: ") != nullptr ||
            std::strstr(format, "XML Create Fail") != nullptr || std::strstr(format, "_CHECK FAIL") != nullptr ||
-           std::strstr(format, k_nextDocument) != nullptr;
+           std::strstr(format, k_nextDocument) != nullptr || std::strstr(format, k_unknownTag) != nullptr ||
+           (std::strstr(format, "::Parse] ") != nullptr && std::strstr(format, "ERROR") != nullptr) ||
+           std::strstr(format, "uncompress Fail") != nullptr || std::strstr(format, "content is not whole") != nullptr;
 }
 
 void Log(int priority, const char*, const char* format, va_list arguments)
@@ -97,15 +102,34 @@ void CRefusalListener::Hear(const std::string& message)
     const std::string next = After(message, k_nextDocument);
     if (!next.empty()) {
         m_current = &m_heard[next.substr(0, next.find(" buf1"))];
+    } else if (const std::string tag = After(message, k_unknownTag); !tag.empty()) {
+        if (m_unknownTags.size() < k_maxTags) {
+            m_unknownTags.insert(static_cast<unsigned>(std::strtoul(tag.c_str(), nullptr, 10)));
+        }
     } else if (message.find("[Xml Error Info]") != std::string::npos) {
         if (m_current->xmlErrors.size() + xmlError.size() <= k_maxText) {
             m_current->xmlErrors += xmlError;
         }
     } else if (message.find("_CHECK FAIL") != std::string::npos) {
-        m_current->failedCheck.append(message, 0, k_maxText - std::min(k_maxText, m_current->failedCheck.size()));
+        // A descriptor that is not known ends its loop, and nothing else.
+        if (message.find("MMTDescFactory") != std::string::npos) {
+            return;
+        }
+        m_current->failedCheck.append(message + '\n', 0,
+                                      k_maxText - std::min(k_maxText, m_current->failedCheck.size()));
     } else {
         m_current->refusal = After(message, " > ");
     }
+}
+
+std::string CRefusalListener::FailedStep() const
+{
+    // "... _CHECK FAIL: src/mmt/msg/MMTMsgPa:90, p_tbl->Parse(item)", and maybe more behind it.
+    const std::string check = After(m_current->failedCheck, k_failedCheck);
+    const std::size_t comma = check.find(", ");
+    const std::string step =
+        comma != std::string::npos ? check.substr(comma + 2, check.find('\n', comma) - comma - 2) : "";
+    return step.empty() ? std::string() : step + " at " + check.substr(0, comma);
 }
 
 bool CRefusalListener::Failed(const std::string& document) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,10 +32,15 @@ class CRefusalListener {
     bool Failed(const std::string& document = {}) const;
     /// The first reason that was given, such as "line 3: xmlParseEntityRef: no name"; empty: none.
     std::string Reason(const std::string& document = {}) const;
+    /// The first check that failed, such as "p_tbl->Parse(item) at src/mmt/msg/MMTMsgPa:90"; empty: none.
+    std::string FailedStep() const;
+    /// Tags of descriptors that the library does not know, a few of them. It reads none behind such a one.
+    const std::set<unsigned>& UnknownTags() const { return m_unknownTags; }
     void Hear(const std::string& message);
 
   private:
     static constexpr std::size_t k_maxText = 4096;
+    static constexpr std::size_t k_maxTags = 16;
 
     struct SHeard {
         std::string xmlErrors;
@@ -44,6 +50,7 @@ class CRefusalListener {
 
     std::map<std::string, SHeard> m_heard;  ///< by document
     SHeard* m_current = &m_heard[{}];
+    std::set<unsigned> m_unknownTags;
 };
 
 /// Assertions of the library since the last call; few are kept when there are very many.

@@ -234,17 +234,6 @@ SContent ReadOnscreen(const CParseOnscreenNoti& parser)
     return content;
 }
 
-TJson SignatureJson(const SSignature& signature)
-{
-    if (!signature.error.empty()) {
-        return {{"wellFormed", false}, {"error", signature.error}};
-    }
-    return {{"wellFormed", true},
-            {"signers", signature.signers},
-            {"detached", signature.detached},
-            {"digest", signature.digest}};
-}
-
 SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
 {
     std::list<std::string> certificates;

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "Json.h"
+#include "LibraryPort.h"
 #include "Text.h"
 #include "route/SLS/MPD.h"
 
@@ -358,6 +359,28 @@ SContent MpdContent(const SMPDInfo& mpd)
         content.text += PeriodText(period);
     }
     content.json = MpdJson(mpd);
+    return content;
+}
+
+std::optional<SContent> ReadMpd(const std::string& document, std::string& reason)
+{
+    std::optional<SContent> content;
+    CMPD mpd;
+    mpd.Create();
+    const CMPD::SCallback callback = {
+        &content,
+        [](void* context, SMPDInfo* info) { *static_cast<std::optional<SContent>*>(context) = MpdContent(*info); },
+        [](void* context, const CMPD::TRatings& ratings) {
+            AddRatings({ratings.begin(), ratings.end()}, **static_cast<std::optional<SContent>*>(context));
+        }};
+    mpd.SetCallback(&callback);
+    {
+        const CRefusalListener listener;
+        mpd.Parse(document.data(), static_cast<unsigned>(document.size()), false);
+        reason = listener.Reason();
+    }
+    mpd.Destroy();
+    reason = content ? "" : reason.empty() ? "the library gave no reason" : reason;
     return content;
 }
 

@@ -63,6 +63,68 @@ const char* LocationTypeName(int type)
     return type >= 0 && type <= 4 ? k_names[type] : nullptr;
 }
 
+const char* MessageName(unsigned messageId)
+{
+    constexpr const char* k_names[] = {"CRI", "DCI", "SSWR",         "AL-FEC", "HRBM", "MC",   "AC", "AF",
+                                       "RQF", "ADC", "HRBM removal", "LS",     "LR",   "NAMF", "LDC"};
+    if (messageId == 0) {
+        return "PA";
+    }
+    if (messageId <= 0x0020) {
+        return messageId <= 0x0010 ? "MPI" : "MPT";
+    }
+    if (messageId >= 0x0200 && messageId <= 0x020E) {
+        return k_names[messageId - 0x0200];
+    }
+    return messageId == 0x8100 ? "ATSC 3.0" : messageId == 0x8101 ? "signed message" : nullptr;
+}
+
+const char* MmtTableName(unsigned tableId)
+{
+    constexpr const char* k_names[] = {"CRI", "DCI", "SI"};
+    if (tableId == 0) {
+        return "PA";
+    }
+    if (tableId <= 0x20) {
+        return tableId <= 0x10 ? "MPI" : "MP";
+    }
+    return tableId <= 0x23 ? k_names[tableId - 0x21] : nullptr;
+}
+
+const char* DescriptorName(unsigned tag)
+{
+    constexpr const char* k_names[] = {"clock relation",       "MPU timestamp",           "dependency", nullptr,
+                                       "security information", "video stream properties", nullptr,      nullptr,
+                                       "caption assets",       "audio stream properties", nullptr,      nullptr,
+                                       "security properties",  "licence servers",         "low delay"};
+    return tag <= 14 ? k_names[tag] : nullptr;
+}
+
+const char* ContentTypeName(unsigned contentType)
+{
+    constexpr const char* k_names[] = {nullptr,
+                                       "USBD",
+                                       "MPD",
+                                       "HELD",
+                                       "application events",
+                                       "video stream properties",
+                                       "staggercast",
+                                       "in-band events",
+                                       "caption assets",
+                                       "audio stream properties",
+                                       "DWD",
+                                       "RSAT",
+                                       "security properties",
+                                       "licence servers"};
+    return contentType <= 13 ? k_names[contentType] : nullptr;
+}
+
+const char* ComponentTypeName(unsigned componentType)
+{
+    constexpr const char* k_names[] = {"audio", "video", "caption"};
+    return componentType <= 2 ? k_names[componentType] : nullptr;
+}
+
 const char* DropAttribute(CParseSLT::EDropReason reason)
 {
     switch (reason) {

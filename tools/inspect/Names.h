@@ -12,6 +12,11 @@ const char* UrlTypeName(int urlType);
 const char* AlertTypeName(int type);
 const char* AudienceName(int audience);
 const char* LocationTypeName(int type);
+const char* MessageName(unsigned messageId);
+const char* MmtTableName(unsigned tableId);
+const char* DescriptorName(unsigned tag);
+const char* ContentTypeName(unsigned contentType);
+const char* ComponentTypeName(unsigned componentType);
 /// The attribute on whose account a service was dropped; null: none alone.
 const char* DropAttribute(CParseSLT::EDropReason reason);
 

@@ -58,6 +58,16 @@ void CObjectAssembler::Take(const SLctPacket& packet)
     }
 }
 
+bool CObjectAssembler::Drop(const TToi& toi)
+{
+    const auto object = m_open.find(toi);
+    if (object == m_open.end()) {
+        return false;
+    }
+    m_Drop(object);
+    return true;
+}
+
 std::vector<CObjectAssembler::SIncomplete> CObjectAssembler::Open() const
 {
     std::vector<SIncomplete> open;

@@ -61,6 +61,10 @@ class CObjectAssembler {
     /// Takes a packet that carries source data.
     void Take(const SLctPacket& packet);
     const SObjectCounts& Counts() const { return m_counts; }
+    /// Whether the object is begun and not whole.
+    bool Holds(const TToi& toi) const { return m_open.count(toi) != 0; }
+    /// Lets such an object go, uncounted; false: it is none.
+    bool Drop(const TToi& toi);
     /// The objects that are not whole now, by when they were begun.
     std::vector<SIncomplete> Open() const;
 

@@ -43,6 +43,16 @@ std::pair<std::uint32_t, std::uint16_t> ReadEndpoint(const char* option, const s
     return {ntohl(address.s_addr), port};
 }
 
+std::set<std::pair<std::uint32_t, std::uint16_t>> ReadEndpoints(const char* option,
+                                                                const std::vector<std::string>& texts)
+{
+    std::set<std::pair<std::uint32_t, std::uint16_t>> endpoints;
+    for (const std::string& text : texts) {
+        endpoints.insert(ReadEndpoint(option, text));
+    }
+    return endpoints;
+}
+
 ELogPriority ReadLevel(const std::string& text)
 {
     const std::map<std::string, ELogPriority> levels = {{"debug", LOG_PRIORITY_DEBUG},
@@ -89,12 +99,14 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         std::string("vyr-atsc30-inspect " VYR_INSPECT_VERSION "\nlibvyr-atsc30-parser ") + GetLibraryVersion(),
         "Show the versions of the tool and of the library and end");
     std::vector<std::string> streams;
-    std::vector<std::string> sessions;
+    std::vector<std::string> routeSessions;
+    std::vector<std::string> mmtpSessions;
     std::vector<std::string> settings;
     bool progress = false;
     bool noProgress = false;
     app.add_option("INPUT", options.inputs,
-                   "pcap or pcapng capture, raw LLS table, ROUTE signalling, service guide, or - for standard input")
+                   "pcap or pcapng capture, raw LLS table, ROUTE signalling, raw MMT message, service guide, or - for "
+                   "standard input")
         ->required()
         ->type_name("");
     app.add_flag("--json", options.json, "Write one JSON object per line in place of text");
@@ -102,14 +114,16 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     app.add_flag("--local-time", options.localTime, "Show the guide's times in the machine's time zone, not in UTC");
     app.add_option("--genres", options.genres, "Classification scheme with the names of the guide's genres")
         ->type_name("FILE");
-    app.add_option("--lls", streams, "LLS stream to read in place of 224.0.23.60:4937; may be repeated")
-        ->type_name("ADDRESS:PORT")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    app.add_option("--route", sessions, "ROUTE session to follow though no service list announces it; may be repeated")
-        ->type_name("ADDRESS:PORT")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    const auto addEndpoints = [&app](const char* option, std::vector<std::string>& texts, const char* about) {
+        app.add_option(option, texts, about)
+            ->type_name("ADDRESS:PORT")
+            ->expected(1)
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    };
+    addEndpoints("--lls", streams, "LLS stream to read in place of 224.0.23.60:4937; may be repeated");
+    addEndpoints("--route", routeSessions,
+                 "ROUTE session to follow though no service list announces it; may be repeated");
+    addEndpoints("--mmtp", mmtpSessions, "MMTP session to follow though no service list announces it; may be repeated");
     app.add_flag("--strict", options.strict,
                  "Drop services that leave out protected, hidden or broadbandAccessRequired");
     app.add_option("--set", settings, "Receiver setting that the library asks for; may be repeated")
@@ -126,12 +140,9 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         app.parse(argc, argv);
         options.log = ReadLevel(log);
         CheckPage(options.html, options.inputs);
-        for (const std::string& text : streams) {
-            options.llsStreams.insert(ReadEndpoint("--lls", text));
-        }
-        for (const std::string& text : sessions) {
-            options.routeSessions.insert(ReadEndpoint("--route", text));
-        }
+        options.llsStreams = ReadEndpoints("--lls", streams);
+        options.routeSessions = ReadEndpoints("--route", routeSessions);
+        options.mmtpSessions = ReadEndpoints("--mmtp", mmtpSessions);
         for (const std::string& text : settings) {
             const auto [key, value] = ReadSetting(text);
             options.settings[key] = value;

@@ -51,10 +51,14 @@ const char* FaultName(EFault code)
             return "no-slt";
         case EFault::LCT_MALFORMED:
             return "lct-malformed";
+        case EFault::MMTP_MALFORMED:
+            return "mmtp-malformed";
         case EFault::OBJECT_NOT_READ:
             return "object-not-read";
         case EFault::DOCUMENT_NOT_PARSED:
             return "document-not-parsed";
+        case EFault::MESSAGE_NOT_PARSED:
+            return "message-not-parsed";
         case EFault::NO_SIGNALLING:
             return "no-signalling";
         case EFault::GUIDE_NOT_PARSED:
@@ -120,6 +124,15 @@ SRouteCounts& SRouteCounts::operator+=(const SRouteCounts& other)
     return *this;
 }
 
+SMmtpCounts& SMmtpCounts::operator+=(const SMmtpCounts& other)
+{
+    SSessionCounts::operator+=(other);
+    otherVersions += other.otherVersions;
+    otherTypes += other.otherTypes;
+    messages += other.messages;
+    return *this;
+}
+
 bool IsInputFault(EFault code)
 {
     return code <= EFault::INPUT_TOO_LARGE;
@@ -164,6 +177,17 @@ void CReport::Signalling(const SSignalling& signalling)
     if (signalling.status != EStatus::REPEATED) {
         m_Tell([&](IReportWriter& writer) { writer.Signalling(signalling); });
     }
+}
+
+void CReport::Message(const SMessage& message)
+{
+    ++m_summary.messages[static_cast<std::size_t>(message.status)];
+    if (message.status == EStatus::REPEATED) {
+        return;
+    }
+    m_summary.messagesUnsupported += message.supported ? 0 : 1;
+    m_summary.messagesNotParsed += message.supported && !message.content ? 1 : 0;
+    m_Tell([&](IReportWriter& writer) { writer.Message(message); });
 }
 
 void CReport::GuideObject(const SGuideObject& object)

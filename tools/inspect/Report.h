@@ -11,6 +11,7 @@
 
 #include "Ipv4.h"
 #include "Lct.h"
+#include "MessageAssembler.h"
 #include "ObjectAssembler.h"
 #include "lls/ParseSLT.h"
 
@@ -55,6 +56,7 @@ struct SContent {
     std::string headline;  ///< "2 alerts"
     std::string text;      ///< indented lines
     TJson json = TJson::object();
+    std::vector<std::string> faults;  ///< documents within that did not parse, and why
 };
 
 /// One LLS table that came.
@@ -111,6 +113,20 @@ struct SSignalling {
     std::vector<SSlsDocument> documents;
 };
 
+/// One MMT signalling message that is not a repeat.
+struct SMessage {
+    SSource source;
+    std::string session;                    ///< "239.255.8.1:30200"; empty for a raw file
+    std::vector<unsigned> services;         ///< that the service list has at this session
+    std::optional<std::uint16_t> packetId;  ///< not for a raw file
+    unsigned id = 0;
+    unsigned version = 0;
+    EStatus status = EStatus::NEW;
+    SBytes payload;  ///< behind the header, good during the report only
+    bool supported = false;
+    std::optional<SContent> content;  ///< when it parsed
+};
+
 enum class EFault {
     INPUT_MISSING,
     INPUT_UNREADABLE,
@@ -134,8 +150,10 @@ enum class EFault {
     NO_LLS,
     NO_SLT,
     LCT_MALFORMED,
+    MMTP_MALFORMED,
     OBJECT_NOT_READ,
     DOCUMENT_NOT_PARSED,
+    MESSAGE_NOT_PARSED,
     NO_SIGNALLING,
     GUIDE_NOT_PARSED,
     GUIDE_INCOMPLETE,
@@ -187,6 +205,15 @@ struct SRouteCounts : SSessionCounts {
     SRouteCounts& operator+=(const SRouteCounts& other);
 };
 
+/// What came on the sessions that carry signalling by MMTP.
+struct SMmtpCounts : SSessionCounts {
+    std::uint64_t otherVersions = 0;  ///< packets of versions that are not read
+    std::uint64_t otherTypes = 0;     ///< packets that carry something else than signalling
+    SMessageCounts messages;
+
+    SMmtpCounts& operator+=(const SMmtpCounts& other);
+};
+
 /// What came of the service guide.
 struct SGuideCounts {
     unsigned sessions = 0;
@@ -205,6 +232,7 @@ struct SSummary {
     unsigned captures = 0;
     unsigned rawTables = 0;
     unsigned slsFiles = 0;
+    unsigned rawMessages = 0;
     unsigned guideFiles = 0;
     SPacketCounts packets;
     std::uint64_t llsDatagrams = 0;
@@ -212,8 +240,13 @@ struct SSummary {
     std::uint64_t services = 0;               ///< in the tables that hold at the end
     std::uint64_t servicesDropped = 0;
     SRouteCounts route;
-    std::uint64_t routeServices = 0;                  ///< of `services`, those that are carried by ROUTE
-    std::uint64_t servicesSignalled = 0;              ///< of these, those whose signalling came
+    std::uint64_t routeServices = 0;  ///< of `services`, those that are carried by ROUTE
+    SMmtpCounts mmtp;
+    std::uint64_t mmtpServices = 0;                    ///< of `services`, those that MMTP carries
+    std::uint64_t servicesSignalled = 0;               ///< of both, those whose signalling came
+    std::array<std::uint64_t, k_statuses> messages{};  ///< of MMT signalling, by status
+    std::uint64_t messagesNotParsed = 0;
+    std::uint64_t messagesUnsupported = 0;
     std::array<std::uint64_t, k_statuses> objects{};  ///< of signalling, by status
     std::uint64_t documentsNotParsed = 0;
     SGuideCounts guide;
@@ -231,6 +264,7 @@ class IReportWriter {
     virtual ~IReportWriter() = default;
     virtual void Table(const STable& table) = 0;
     virtual void Signalling(const SSignalling& signalling) = 0;
+    virtual void Message(const SMessage& message) = 0;
     virtual void GuideObject(const SGuideObject& object) = 0;
     virtual void Guide(const SGuide& guide) = 0;
     virtual void Fault(const SFault& fault) = 0;
@@ -245,6 +279,7 @@ class CReport {
 
     void Table(const STable& table);
     void Signalling(const SSignalling& signalling);
+    void Message(const SMessage& message);
     void GuideObject(const SGuideObject& object);
     void Guide(const SGuide& guide);
     void Fault(const SFault& fault);

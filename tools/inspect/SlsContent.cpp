@@ -5,7 +5,6 @@
 #include "Names.h"
 #include "Text.h"
 #include "common/RSAT.h"
-#include "common/ServiceLinkage.h"
 #include "route/SLS/ContentInfo.h"
 #include "route/SLS/ContentRating.h"
 #include "route/SLS/DeliveryMethod.h"
@@ -32,32 +31,6 @@ std::string Given(const char* text)
 std::string Given(unsigned number)
 {
     return number != k_none ? std::to_string(number) : std::string();
-}
-
-TJson LinkageJson(const CServiceLinkage::SServiceLinkage& linkage)
-{
-    TJson json = TJson::object();
-    PutNumber(json, "bsid", linkage.bsid, k_none16);
-    PutNumber<int>(json, "LLSGroupId", linkage.LLSGroupId, 0xFF);
-    PutNumber(json, "serviceId", linkage.serviceId, k_none16);
-    PutNumber(json, "serviceCategory", linkage.serviceCategory, -1);
-    PutNumber(json, "linkageType", linkage.linkageType, -1);
-    json["broadbandAccessRequired"] = linkage.broadbandAccessRequired;
-    PutText(json, "activationTime", linkage.activationTime);
-    PutText(json, "deActivationTime", linkage.deActivationTime);
-    PutText(json, "svcCapabilities", linkage.svcCapabilities);
-    PutText(json, "linkageData", linkage.linkageData);
-    return json;
-}
-
-std::string LinkageText(const CServiceLinkage::SServiceLinkage& linkage)
-{
-    std::string text = linkage.serviceId != k_none16 ? "service " + std::to_string(linkage.serviceId) : "a service";
-    text += linkage.bsid != k_none16 ? " of bsid " + std::to_string(linkage.bsid) : "";
-    text += linkage.linkageType != -1 ? ", type " + std::to_string(linkage.linkageType) : "";
-    text += linkage.activationTime != nullptr ? ", from " + Printable(linkage.activationTime) : "";
-    text += linkage.deActivationTime != nullptr ? ", until " + Printable(linkage.deActivationTime) : "";
-    return text;
 }
 
 /// Base patterns of the services, and one JSON object for each.
@@ -252,6 +225,32 @@ std::string ChannelText(const TInfo& info)
 }
 
 }  // namespace
+
+TJson LinkageJson(const CServiceLinkage::SServiceLinkage& linkage)
+{
+    TJson json = TJson::object();
+    PutNumber(json, "bsid", linkage.bsid, k_none16);
+    PutNumber<int>(json, "LLSGroupId", linkage.LLSGroupId, 0xFF);
+    PutNumber(json, "serviceId", linkage.serviceId, k_none16);
+    PutNumber(json, "serviceCategory", linkage.serviceCategory, -1);
+    PutNumber(json, "linkageType", linkage.linkageType, -1);
+    json["broadbandAccessRequired"] = linkage.broadbandAccessRequired;
+    PutText(json, "activationTime", linkage.activationTime);
+    PutText(json, "deActivationTime", linkage.deActivationTime);
+    PutText(json, "svcCapabilities", linkage.svcCapabilities);
+    PutText(json, "linkageData", linkage.linkageData);
+    return json;
+}
+
+std::string LinkageText(const CServiceLinkage::SServiceLinkage& linkage)
+{
+    std::string text = linkage.serviceId != k_none16 ? "service " + std::to_string(linkage.serviceId) : "a service";
+    text += linkage.bsid != k_none16 ? " of bsid " + std::to_string(linkage.bsid) : "";
+    text += linkage.linkageType != -1 ? ", type " + std::to_string(linkage.linkageType) : "";
+    text += linkage.activationTime != nullptr ? ", from " + Printable(linkage.activationTime) : "";
+    text += linkage.deActivationTime != nullptr ? ", until " + Printable(linkage.deActivationTime) : "";
+    return text;
+}
 
 SContent UsbdContent(const CROUTEUsbd& usbd)
 {

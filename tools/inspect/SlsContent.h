@@ -3,6 +3,7 @@
 #include <string>
 
 #include "Report.h"
+#include "common/ServiceLinkage.h"
 
 class CROUTEUsbd;
 class CRSAT;
@@ -16,6 +17,9 @@ SContent UsbdContent(const CROUTEUsbd& usbd);
 SContent StsidContent(const CSTSID& stsid);
 SContent EfdtContent(const SEFDTInfo& efdt);
 SContent RsatContent(const CRSAT& rsat);
+/// The linkage of a service to another one, which the USBD of either protocol can have.
+TJson LinkageJson(const CServiceLinkage::SServiceLinkage& linkage);
+std::string LinkageText(const CServiceLinkage::SServiceLinkage& linkage);
 /// An application list or a HELD: the library hands on its text.
 SContent AppDataContent(const std::string& text);
 

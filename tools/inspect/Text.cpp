@@ -1,5 +1,7 @@
 #include "Text.h"
 
+#include <arpa/inet.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -95,6 +97,20 @@ std::string Ipv4Text(std::uint32_t address)
            std::to_string(address >> 8 & 0xFF) + '.' + std::to_string(address & 0xFF);
 }
 
+std::string Ipv6Text(const unsigned char* address)
+{
+    char text[INET6_ADDRSTRLEN] = "";
+    inet_ntop(AF_INET6, address, text, sizeof text);
+    return text;
+}
+
+std::string FourCcText(SBytes code)
+{
+    const bool readable =
+        std::all_of(code.data, code.data + code.size, [](unsigned char c) { return c >= 0x20 && c < 0x7F; });
+    return readable ? std::string(code.data, code.data + code.size) : "0x" + Hex(code);
+}
+
 std::string EndpointText(std::uint32_t address, unsigned port)
 {
     return Ipv4Text(address) + ':' + std::to_string(port);
@@ -170,6 +186,17 @@ std::string Line(const char* label, const std::string& text)
     char line[32];
     std::snprintf(line, sizeof line, "    %-10s", label);
     return text.empty() ? std::string() : line + text + '\n';
+}
+
+std::string Indented(const std::string& text, const std::string& indent)
+{
+    std::string indented;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
+        indented += indent + text.substr(at, end - at);
+        at = end;
+    }
+    return indented;
 }
 
 std::string Aligned(const std::vector<TRow>& rows)

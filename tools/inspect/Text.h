@@ -17,6 +17,10 @@ std::size_t DisplayWidth(const std::string& text);
 std::string Hex(SBytes bytes);
 /// "192.0.2.10".
 std::string Ipv4Text(std::uint32_t address);
+/// "2001:db8::1", of 16 bytes.
+std::string Ipv6Text(const unsigned char* address);
+/// A four-character code; as hex where a character is none.
+std::string FourCcText(SBytes code);
 /// "192.0.2.10:4937".
 std::string EndpointText(std::uint32_t address, unsigned port);
 /// "1 service", "2 services"; `plural` where an s does not do.
@@ -37,6 +41,9 @@ std::string EpochText(double seconds);
 std::string NumberText(double number);
 /// An indented line: a label in a column of its own, then the text; nothing for no text.
 std::string Line(const char* label, const std::string& text);
+
+/// The lines of the text, each behind `indent`.
+std::string Indented(const std::string& text, const std::string& indent);
 
 /// Cells of a table's row, printable.
 using TRow = std::vector<std::string>;

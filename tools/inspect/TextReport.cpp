@@ -7,6 +7,7 @@
 
 #include "Guide.h"
 #include "GuideText.h"
+#include "MmtReader.h"
 #include "Names.h"
 #include "Text.h"
 
@@ -59,6 +60,18 @@ const char* StatusText(EStatus status)
         default:
             return StatusName(status);
     }
+}
+
+/// "of service 2001 on 239.255.7.1:30100", what a session's signalling is of.
+std::string SessionText(const std::vector<unsigned>& serviceIds, const std::string& session)
+{
+    std::vector<std::string> services;
+    for (const unsigned serviceId : serviceIds) {
+        services.push_back(std::to_string(serviceId));
+    }
+    const std::string text =
+        services.empty() ? "" : (services.size() == 1 ? " of service " : " of services ") + Joined(services);
+    return text + (session.empty() ? "" : " on " + session);
 }
 
 /// Items of the envelope, with their types where they are first met.
@@ -187,12 +200,39 @@ std::string RouteText(const SRouteCounts& counts)
     return text;
 }
 
+std::string MmtpText(const SMmtpCounts& counts)
+{
+    std::string text = Counted(counts.packets, "packet") + " on " + Counted(counts.sessions, "session") + "; " +
+                       std::to_string(counts.signalling) + " of signalling";
+    const auto add = Adder(text);
+    add(counts.otherTypes, "of other types");
+    add(counts.otherVersions, "of other versions");
+    add(counts.malformed, "malformed");
+    add(counts.messages.repeated, "sent again");
+    add(counts.messages.complete, counts.messages.complete == 1 ? "message complete" : "messages complete");
+    add(counts.messages.lost, "incomplete");
+    add(counts.messages.dropped, "dropped");
+    return text;
+}
+
+std::string MessagesText(const SSummary& summary)
+{
+    std::string text;
+    const auto add = Adder(text);
+    for (std::size_t i = 0; i < k_statuses; ++i) {
+        add(summary.messages[i], StatusText(static_cast<EStatus>(i)));
+    }
+    add(summary.messagesNotParsed, "did not parse");
+    add(summary.messagesUnsupported, "not supported");
+    return text.empty() ? "none" : text;
+}
+
 std::string SignallingText(const SSummary& summary)
 {
     std::string text;
     const auto add = Adder(text);
-    if (summary.routeServices != 0) {
-        text = std::to_string(summary.servicesSignalled) + " of " + Counted(summary.routeServices, "service");
+    if (const std::uint64_t services = summary.routeServices + summary.mmtpServices; services != 0) {
+        text = std::to_string(summary.servicesSignalled) + " of " + Counted(services, "service");
     }
     for (std::size_t i = 0; i < k_statuses; ++i) {
         add(summary.objects[i], StatusText(static_cast<EStatus>(i)));
@@ -263,16 +303,24 @@ std::string Headline(const STable& table)
 
 std::string Headline(const SSignalling& signalling)
 {
-    std::vector<std::string> services;
-    for (const unsigned serviceId : signalling.services) {
-        services.push_back(std::to_string(serviceId));
-    }
-    std::string text = "signalling";
-    text += services.empty() ? "" : (services.size() == 1 ? " of service " : " of services ") + Joined(services);
-    text += signalling.session.empty() ? "" : " on " + signalling.session;
+    std::string text = "signalling" + SessionText(signalling.services, signalling.session);
     text += signalling.toi ? " TOI " + ToiText(*signalling.toi) : "";
     return text + ": " + StatusText(signalling.status) + ", " + Counted(signalling.documents.size(), "document") +
            ", " + Counted(signalling.size, "byte") + (signalling.gzip ? " (gzip)" : "");
+}
+
+std::string Headline(const SMessage& message)
+{
+    std::string text = "message" + SessionText(message.services, message.session);
+    text += message.packetId ? " packet id " + std::to_string(*message.packetId) : "";
+    text += ": " + MessageTitle(message.id) + " version " + std::to_string(message.version) + ": " +
+            StatusText(message.status);
+    if (message.content) {
+        return text + (message.content->headline.empty() ? "" : ", " + message.content->headline);
+    }
+    text += ", " + Counted(message.payload.size, "byte");
+    text += message.supported ? "" : ", not supported: " + Hex(message.payload.First(k_shownBytes));
+    return text + (!message.supported && message.payload.size > k_shownBytes ? "..." : "");
 }
 
 std::string Headline(const SGuideObject& object)
@@ -294,6 +342,9 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
     if (summary.slsFiles != 0) {
         rows.back().back() += ", " + Counted(summary.slsFiles, "signalling file");
     }
+    if (summary.rawMessages != 0) {
+        rows.back().back() += ", " + Counted(summary.rawMessages, "raw message");
+    }
     if (summary.guideFiles != 0) {
         rows.back().back() += ", " + Counted(summary.guideFiles, "guide file");
     }
@@ -312,7 +363,13 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
     if (summary.route.sessions != 0) {
         rows.push_back({"ROUTE", RouteText(summary.route)});
     }
-    if (summary.routeServices + summary.route.sessions + summary.slsFiles != 0) {
+    if (summary.mmtp.sessions != 0) {
+        rows.push_back({"MMTP", MmtpText(summary.mmtp)});
+    }
+    if (summary.mmtp.sessions + summary.rawMessages != 0) {
+        rows.push_back({"messages", MessagesText(summary)});
+    }
+    if (summary.routeServices + summary.mmtpServices + summary.route.sessions + summary.slsFiles != 0) {
         rows.push_back({"signalling", SignallingText(summary)});
     }
     if (summary.guide.sessions + summary.guideFiles != 0) {
@@ -346,6 +403,12 @@ void CTextReport::Signalling(const SSignalling& signalling)
     m_output.Write(text);
 }
 
+void CTextReport::Message(const SMessage& message)
+{
+    const bool shown = message.content && message.status != EStatus::NEW_VERSION_SAME_CONTENT;
+    m_output.Write(Place(message.source) + Headline(message) + '\n' + (shown ? message.content->text : ""));
+}
+
 void CTextReport::GuideObject(const SGuideObject& object)
 {
     m_output.Write(Place(object.source) + Headline(object) + '\n' + (object.content ? object.content->text : ""));
@@ -366,7 +429,7 @@ void CTextReport::Fault(const SFault& fault)
 
 void CTextReport::Summary(const SSummary& summary)
 {
-    if (summary.captures + summary.rawTables + summary.slsFiles + summary.guideFiles == 0) {
+    if (summary.captures + summary.rawTables + summary.slsFiles + summary.rawMessages + summary.guideFiles == 0) {
         return;
     }
     std::string text = "\nsummary\n" + Aligned(SummaryRows(summary));

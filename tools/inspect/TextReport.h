@@ -12,6 +12,7 @@ namespace vyr::inspect {
 /// The line that tells of one thing that came: what it is, and what is new about it.
 std::string Headline(const STable& table);
 std::string Headline(const SSignalling& signalling);
+std::string Headline(const SMessage& message);
 std::string Headline(const SGuideObject& object);
 /// The services of a list, below their column titles.
 std::vector<TRow> ServiceRows(const std::vector<SParseSLT::SService>& services);
@@ -26,6 +27,7 @@ class CTextReport : public IReportWriter {
 
     void Table(const STable& table) override;
     void Signalling(const SSignalling& signalling) override;
+    void Message(const SMessage& message) override;
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide& guide) override;
     void Fault(const SFault& fault) override;

@@ -12,6 +12,7 @@ class VYR_API CATSC3ServiceExt : public CESGElement {
         std::vector<SESGMedia> icons;  ///< Icon
     };
 
+    /// The record; null before Create.
     const SATSC3ServiceExt* State() const { return static_cast<const SATSC3ServiceExt*>(t_State()); }
 
   private:

@@ -8,6 +8,7 @@ class VYR_API CAudioLanguage : public CLanguageTag {
     /// What was parsed.
     struct SAudioLanguage : SLanguageTag {};
 
+    /// The record; null before Create.
     const SAudioLanguage* State() const { return static_cast<const SAudioLanguage*>(t_State()); }
 
   private:

@@ -21,6 +21,7 @@ class VYR_API CBroadcastArea : public CESGElement {
         std::unique_ptr<SArea> p_area;  ///< TargetArea, the last; null: none
     };
 
+    /// The record; null before Create.
     const SBroadcastArea* State() const { return static_cast<const SBroadcastArea*>(t_State()); }
 
   private:

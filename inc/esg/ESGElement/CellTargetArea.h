@@ -17,6 +17,7 @@ class VYR_API CCellTargetArea : public CESGElement {
         std::vector<SCell> cells;  ///< CellArea
     };
 
+    /// The record; null before Create.
     const SCellTargetArea* State() const { return static_cast<const SCellTargetArea*>(t_State()); }
 
   private:

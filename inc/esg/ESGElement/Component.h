@@ -19,6 +19,7 @@ class VYR_API CComponent : public CESGElement {
         std::vector<SComponentItem> appComponents;    ///< AppComponent
     };
 
+    /// The record; null before Create.
     const SComponent* State() const { return static_cast<const SComponent*>(t_State()); }
 
   private:

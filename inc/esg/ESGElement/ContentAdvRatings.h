@@ -27,6 +27,7 @@ class VYR_API CContentAdvRatings : public CESGElement {
         std::vector<SRating> ratings;                 ///< one for each dimension
     };
 
+    /// The record; null before Create.
     const SContentAdvRatings* State() const { return static_cast<const SContentAdvRatings*>(t_State()); }
 
   private:

@@ -15,6 +15,7 @@ class VYR_API CContentPrivateExt : public CESGElement {
         TOwnedList<CPreviewData> previews;    ///< Preview
     };
 
+    /// The record; null before Create.
     const SContentPrivateExt* State() const { return static_cast<const SContentPrivateExt*>(t_State()); }
 
   private:

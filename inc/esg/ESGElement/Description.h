@@ -8,6 +8,7 @@ class VYR_API CDescription : public CSpokenText {
     /// What was parsed.
     struct SDescription : SSpokenText {};
 
+    /// The record; null before Create.
     const SDescription* State() const { return static_cast<const SDescription*>(t_State()); }
 
   private:

@@ -17,6 +17,7 @@ class VYR_API CDescriptorEntry : public CESGElement {
         TOwnedList<CSGDeliveryUnit> deliveryUnits;    ///< ServiceGuideDeliveryUnit
     };
 
+    /// The record; null before Create.
     const SDescriptorEntry* State() const { return static_cast<const SDescriptorEntry*>(t_State()); }
 
   private:

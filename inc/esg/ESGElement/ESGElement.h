@@ -7,8 +7,8 @@ struct VYR_API SESGElement : SESGState {
     SESGElement();
     ~SESGElement() override;
 
-    void* pdoc;   ///< the document that the element stands in; somebody else's
-    void* proot;  ///< the element
+    void* pdoc;   ///< the document that the element stands in, somebody else's; null after the parse
+    void* proot;  ///< the element; likewise
 };
 
 /// A file that an element points to: its text, and what its attributes say of it.
@@ -21,9 +21,9 @@ struct SESGMedia {
 };
 
 /// Base of the parsers of the elements in a service guide (OMA BCAST Service Guide, ATSC A/332). An object
-/// works on one element of a document that somebody else holds and keeps alive: Create, Parse, Destroy,
-/// delete. The results are the record of State(), which each class has; it is null before Create, and good
-/// until the next Parse or Destroy. Not thread-safe.
+/// works on one element of a document that somebody else holds and keeps alive until the parse is over: Create,
+/// Parse once, Destroy, delete. The results are the record of State(), which each class has, copied from the
+/// document; it is null before Create and good until Destroy. Not thread-safe.
 ///
 /// An attribute that the guide's standards give to a child element is read there, and from the element
 /// itself where the child does not have it.
@@ -34,7 +34,8 @@ class VYR_API CESGElement {
     CESGElement(const CESGElement&) = delete;
     CESGElement& operator=(const CESGElement&) = delete;
 
-    /// Reads the element anew. False: it is not of this class's name. Asserts "m".
+    /// Reads the element, and lets go of the document. False: the element is not of this class's name, or it
+    /// was parsed before (asserted). Asserts "m".
     virtual bool Parse();
 
     /// Binds the object to the element `node` of the document `doc` (CXML::Doc). False, asserted, when it is
@@ -49,7 +50,6 @@ class VYR_API CESGElement {
 
   private:
     virtual const vyr::SESGKind& t_Kind() const = 0;
-    bool m_Create(void* doc, void* node);
     bool m_Process();
 
     SESGElement* m;

@@ -14,6 +14,7 @@ class VYR_API CESGTransport : public CESGElement {
         bool hasFDT = false;                     ///< hasFDT: "true" or "false"
     };
 
+    /// The record; null before Create.
     const SESGTransport* State() const { return static_cast<const SESGTransport*>(t_State()); }
 
   private:

@@ -19,6 +19,7 @@ class VYR_API CFragment : public CESGElement {
         unsigned int endTime = 0;      ///< endTime of TimeGroupingCriteria in GroupingCriteria, NTP seconds
     };
 
+    /// The record; null before Create.
     const SFragment* State() const { return static_cast<const SFragment*>(t_State()); }
 
   private:

@@ -12,6 +12,7 @@ class VYR_API CFreshness : public CESGElement {
         long long releaseDate = 0;    ///< releastDate, spelt so
     };
 
+    /// The record; null before Create.
     const SFreshness* State() const { return static_cast<const SFreshness*>(t_State()); }
 
   private:

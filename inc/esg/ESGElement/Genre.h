@@ -14,6 +14,7 @@ class VYR_API CGenre : public CESGElement {
         const char* name = nullptr;  ///< name of the term in SGenreNameParse::refMap; null: unknown
     };
 
+    /// The record; null before Create.
     const SGenre* State() const { return static_cast<const SGenre*>(t_State()); }
 
   private:

@@ -17,6 +17,7 @@ class VYR_API CGroupingCri : public CESGElement {
         TESGText serviceCriteria;    ///< ServiceCriteria, text
     };
 
+    /// The record; null before Create.
     const SGroupingCri* State() const { return static_cast<const SGroupingCri*>(t_State()); }
 
   private:

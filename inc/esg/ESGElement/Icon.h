@@ -17,6 +17,7 @@ class VYR_API CIcon : public CESGElement {
         TESGText iconUri;      ///< iconUri
     };
 
+    /// The record; null before Create.
     const SIcon* State() const { return static_cast<const SIcon*>(t_State()); }
 
   private:

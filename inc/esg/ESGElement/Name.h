@@ -8,6 +8,7 @@ class VYR_API CName : public CSpokenText {
     /// What was parsed.
     struct SName : SSpokenText {};
 
+    /// The record; null before Create.
     const SName* State() const { return static_cast<const SName*>(t_State()); }
 
   private:

@@ -14,6 +14,7 @@ class VYR_API CPopularity : public CESGElement {
             0;  ///< samplingDate, seconds since 1970; 0: none, or not a date such as "2026-01-31T20:15:00Z"
     };
 
+    /// The record; null before Create.
     const SPopularity* State() const { return static_cast<const SPopularity*>(t_State()); }
 
   private:

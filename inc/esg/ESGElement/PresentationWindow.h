@@ -16,6 +16,7 @@ class VYR_API CPresentationWindow : public CESGElement {
         unsigned int duration = 0;          ///< Duration, text, seconds
     };
 
+    /// The record; null before Create.
     const SPresentationWindow* State() const { return static_cast<const SPresentationWindow*>(t_State()); }
 
   private:

@@ -14,6 +14,7 @@ class VYR_API CPreviewData : public CESGElement {
         int usage = 0;                           ///< usage
     };
 
+    /// The record; null before Create.
     const SPreviewData* State() const { return static_cast<const SPreviewData*>(t_State()); }
 
   private:

@@ -13,6 +13,7 @@ class VYR_API CPreviewDesc : public CESGElement {
         TESGText uriType;  ///< uriType
     };
 
+    /// The record; null before Create.
     const SPreviewDesc* State() const { return static_cast<const SPreviewDesc*>(t_State()); }
 
   private:

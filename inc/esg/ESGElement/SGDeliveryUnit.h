@@ -16,6 +16,7 @@ class VYR_API CSGDeliveryUnit : public CESGElement {
         TOwnedList<CFragment> fragments;     ///< Fragment
     };
 
+    /// The record; null before Create.
     const SSGDeliveryUnit* State() const { return static_cast<const SSGDeliveryUnit*>(t_State()); }
 
   private:

@@ -13,6 +13,7 @@ class VYR_API CScheduleContentRef : public CESGElement {
         TOwnedList<CPresentationWindow> presentationWindows;  ///< PresentationWindow
     };
 
+    /// The record; null before Create.
     const SScheduleContentRef* State() const { return static_cast<const SScheduleContentRef*>(t_State()); }
 
   private:

@@ -2,6 +2,8 @@
 
 #include "esg/ESGElement/ESGElement.h"
 
+class CCStringHash;
+
 /// What the elements with a text to be shown or spoken have in common.
 class VYR_API CSpokenText : public CESGElement {
   public:
@@ -26,6 +28,6 @@ class VYR_API CSpokenText : public CESGElement {
     };
 
   protected:
-    static bool sm_AddHandlers(SESGState& state, const vyr::SHere& here);
+    static CCStringHash* sm_Handlers(const vyr::SHere& here);
     static bool sm_Read(SESGState& state, void* node);
 };

@@ -11,6 +11,7 @@ class VYR_API CTargetUserProfile : public CESGElement {
         TESGText attributeValue;  ///< attributeValue
     };
 
+    /// The record; null before Create.
     const STargetUserProfile* State() const { return static_cast<const STargetUserProfile*>(t_State()); }
 
   private:

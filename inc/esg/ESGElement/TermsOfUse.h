@@ -15,6 +15,7 @@ class VYR_API CTermsOfUse : public CESGElement {
         TESGText termsOfUseText;           ///< TermsOfUseText, text
     };
 
+    /// The record; null before Create.
     const STermsOfUse* State() const { return static_cast<const STermsOfUse*>(t_State()); }
 
   private:

@@ -15,6 +15,7 @@ class VYR_API CText : public CESGElement {
         TESGText language;     ///< language
     };
 
+    /// The record; null before Create.
     const SText* State() const { return static_cast<const SText*>(t_State()); }
 
   private:

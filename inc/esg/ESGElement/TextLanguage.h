@@ -8,6 +8,7 @@ class VYR_API CTextLanguage : public CLanguageTag {
     /// What was parsed.
     struct STextLanguage : SLanguageTag {};
 
+    /// The record; null before Create.
     const STextLanguage* State() const { return static_cast<const STextLanguage*>(t_State()); }
 
   private:

@@ -11,7 +11,6 @@ SESGState::SESGState() : kind(nullptr) {}
 
 SESGState::~SESGState()
 {
-    vyr::DestroyHandlers(hashCallback);
     if (xml.FlagCreate()) {
         xml.Destroy();
     }
@@ -39,12 +38,7 @@ bool CESGElement::Create(void* doc, void* node)
         return vyr::AssertFailed(here, wrong);
     }
     VYR_LOG(LOG_PRIORITY_INFO, "[%s::Create]", kind.className);
-    return m_Create(doc, node);
-}
-
-bool CESGElement::m_Create(void* doc, void* node)
-{
-    m = static_cast<SESGElement*>(vyr::CreateState(t_Kind(), "Create"));
+    m = static_cast<SESGElement*>(vyr::CreateState(kind, __func__));
     if (m) {
         m->pdoc = doc;
         m->proot = node;
@@ -58,17 +52,15 @@ bool CESGElement::Parse()
     if (!m) {
         return vyr::AssertFailed(here, "m");
     }
-    if (m->xml.FlagCreate()) {
-        // Values of an earlier parse: the record begins anew.
-        const std::unique_ptr<SESGElement> old(m);
-        if (!m_Create(old->pdoc, old->proot)) {
-            return false;
-        }
-    }
     if (!m->xml.Create(m->pdoc)) {
         return vyr::CheckFailed(here, "m->xml.Create((CXML::TDocPtr)m->pdoc)");
     }
-    return m_Process() || vyr::CheckFailed(here, m->kind->process);
+    const bool processed = m_Process() || vyr::CheckFailed(here, m->kind->process);
+    // The owner of the document need not keep it for the values.
+    m->xml.Destroy();
+    m->pdoc = nullptr;
+    m->proot = nullptr;
+    return processed;
 }
 
 bool CESGElement::m_Process()
@@ -96,13 +88,12 @@ namespace vyr {
 
 SESGState* CreateState(const SESGKind& kind, const char* function)
 {
-    const SHere here = kind.Here(function, __LINE__);
-    std::unique_ptr<SESGState> state(kind.create());
-    state->kind = &kind;
-    if (kind.addHandlers && (!CreateHandlers(state->hashCallback, 10, here) || !kind.addHandlers(*state, here))) {
+    if (kind.handlers && !kind.handlers(kind.Here(function, __LINE__))) {
         return nullptr;
     }
-    return state.release();
+    SESGState* state = kind.create();
+    state->kind = &kind;
+    return state;
 }
 
 TESGText NewText(const char* text, std::size_t length)

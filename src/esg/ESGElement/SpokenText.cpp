@@ -20,9 +20,9 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 }  // namespace
 
-bool CSpokenText::sm_AddHandlers(SESGState& state, const vyr::SHere& here)
+CCStringHash* CSpokenText::sm_Handlers(const vyr::SHere& here)
 {
-    return vyr::AddStateHandlers<TState, k_handlers>(state, here);
+    return vyr::ThreadHandlers<TState, k_handlers>(here);
 }
 
 bool CSpokenText::sm_Read(SESGState& state, void* node)

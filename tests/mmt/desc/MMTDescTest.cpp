@@ -34,12 +34,6 @@ CMmtBuilder Head(unsigned int tag, unsigned int length)
     return CMmtBuilder().Put(16, tag).Put(16, length);
 }
 
-/// A descriptor, its length as it comes.
-std::string Desc(unsigned int tag, const std::string& payload)
-{
-    return CMmtBuilder().Put(16, tag).Open(16).Put(payload).Close().Bytes();
-}
-
 std::string CriBody()
 {
     return CMmtBuilder().Put(8, 7).Put(6, 0x2A).Put(42, 0x3A1B2C3D4E5).Put(64, 0x0102030405060708).Bytes();
@@ -49,7 +43,7 @@ TEST_F(MMTDescTest, ClockRelationReadsOneRecord)
 {
     CMMTDescCri cri;
     EXPECT_EQ(cri.Tag(), 65535u);
-    const SFed fed(cri, Desc(0, CriBody()) + "behind");
+    const SFed fed(cri, MmtDesc(0, CriBody()) + "behind");
     EXPECT_TRUE(fed.result && fed.item.valid && fed.Cursor() == 19);
     EXPECT_TRUE(cri.Tag() == 0 && cri.Length() == 15 && cri.ClockRelationId() == 7 && cri.Reserved() == 0x2A);
     EXPECT_EQ(cri.STCSample(), 0x1B2C3D4E5u & 0xFFFFFFFF);
@@ -139,7 +133,7 @@ TEST_F(MMTDescTest, FactoryAtTheEndOfTheData)
 
 TEST_F(MMTDescTest, LoopLengths)
 {
-    const std::string low = Desc(14, "");
+    const std::string low = MmtDesc(14, "");
     const struct {
         std::string bytes;
         int length;
@@ -147,13 +141,13 @@ TEST_F(MMTDescTest, LoopLengths)
         int size;
         bool valid;
     } k_cases[] = {
-        {low + low + low, 8, true, 2, true},                  // no more than the length
-        {low + Desc(0x8000, "x") + low, 13, false, 1, true},  // an unknown tag ends the loop
-        {low, 0, true, 0, true},                              // nothing
-        {low, 5, false, 1, true},                             // longer than the data
-        {low + Desc(0, CriBody()), 23, true, 2, true},
-        {low + Desc(0, "x") + low, 13, false, 1, false},  // a clock relation makes the item invalid
-        {low + Desc(14, "").substr(0, 3), 7, false, 1, false},
+        {low + low + low, 8, true, 2, true},                     // no more than the length
+        {low + MmtDesc(0x8000, "x") + low, 13, false, 1, true},  // an unknown tag ends the loop
+        {low, 0, true, 0, true},                                 // nothing
+        {low, 5, false, 1, true},                                // longer than the data
+        {low + MmtDesc(0, CriBody()), 23, true, 2, true},
+        {low + MmtDesc(0, "x") + low, 13, false, 1, false},  // a clock relation makes the item invalid
+        {low + MmtDesc(14, "").substr(0, 3), 7, false, 1, false},
         {Head(14, 1).Bytes(), 4, false, 0, true},
     };
     for (const auto& c : k_cases) {
@@ -348,54 +342,7 @@ std::string Fields(const CMMTDesc& desc)
     return fields.Text();
 }
 
-/// An H.265 profile of 88 bits.
-void PutProfile(CMmtBuilder& b, unsigned int idc)
-{
-    b.Put(2, 1).Put(1, 1).Put(5, idc).Put(32, 0x60000000).Put(4, 0xA).Put(44, 0x80000000001);
-}
-
 const std::string k_profile = "space1 tier1 profile2 compatible1610612736 1 0 1 0 constraints8796093022209 ";
-
-CMmtBuilder Asset(const std::string& id)
-{
-    return CMmtBuilder().Open(32).Put(id).Close();
-}
-
-std::string Video()
-{
-    CMmtBuilder b;
-    b.Put(8, 2).Put(Asset("A").Bytes()).Put("hev1").Put(8, 0xFE);
-    b.Put(6, 2).Put(1, 1).Put(1, 1).Put(3, 5).Put(3, 1).Put(2, 2);
-    b.Put(6, 33).Put(2, 3);
-    b.Put(6, 9).Put(6, 10).Put(4, 15).Put(11, 1025).Put(11, 1026).Put(2, 3);
-    b.Put(16, 3840).Put(16, 2160).Put(2, 3).Put(1, 1).Put(3, 0).Put(1, 0).Put(1, 1).Put(4, 2).Put(4, 3);
-    b.Put(8, 255).Put(16, 5994).Put(8, 6);
-    b.Put(16, 100).Put(16, 200).Put(16, 300).Put(16, 400);
-    b.Put(8, 9).Put(8, 16).Put(8, 10).Put(8, 0x80).Put(1, 1).Put(15, 1).Put("eo");
-    PutProfile(b, 2);
-    b.Put(8, 153).Put(2, 3).Put(14, 0);
-    PutProfile(b, 2);
-    b.Put(8, 120);
-    // Groups whose conditional fields are not there.
-    b.Put(Asset("B").Bytes()).Put("avc1").Put(8, 0x12);
-    b.Put(16, 1).Put(16, 2).Put(2, 1).Put(4, 15).Put(1, 1).Put(1, 0).Put(4, 0).Put(4, 1);
-    b.Put(8, 8).Put(8, 16).Put(8, 1).Put(8, 0x7F);
-    PutProfile(b, 2);
-    return b.Put(8, 90).Bytes();
-}
-
-std::string Audio()
-{
-    CMmtBuilder b;
-    b.Put(8, 2).Put(Asset("A").Bytes()).Put("ac-4").Put(8, 2).Put(8, 0xC0);
-    b.Put(8, 1).Put(8, 0xFF).Put(24, 70000).Put(24, 80000).Put(8, 3);
-    b.Put(8, 1).Open(8).Put("en").Close().Open(8).Put("es").Close();
-    b.Put(8, 4).Put(8, 5).Put(8, 6).Open(8).Put("Main").Close().Put(8, 2).Put(8, 7).Put(8, 8);
-    b.Put(8, 2).Put(8, 0x42).Put(8, 9).Put(8, 10).Put(8, 11).Put(8, 0);
-    b.Put(8, 0x81).Put(8, 0x82).Put(8, 0x82).Put(8, 0x83).Put(8, 4);
-    b.Put(8, 0xC0).Put(32, 1000).Put(6, 0).Put(10, 999).Put(32, 2000).Put(6, 63).Put(10, 1);
-    return b.Put(Asset("B").Bytes()).Put("mhm1").Put(8, 0).Put(8, 0x40).Put(8, 0x40).Put(32, 3000).Put(16, 5).Bytes();
-}
 
 const std::string k_id = "0123456789abcdef";
 
@@ -415,8 +362,8 @@ std::vector<SDescCase> DescCases()
                               const std::string& expected) {
         cases.push_back({name, tag, payload.Bytes(), fields, expected});
     };
-    const std::string a = Asset("A").Bytes();
-    const std::string b = Asset("B").Bytes();
+    const std::string a = MmtCountedId("A").Bytes();
+    const std::string b = MmtCountedId("B").Bytes();
     const auto list = [](unsigned int count) { return CMmtBuilder().Put(8, count); };
 
     add("timestamps", 1, CMmtBuilder().Put(32, 1).Put(64, 0xE000000180000002).Put(32, 2).Put(64, 3),
@@ -427,7 +374,7 @@ std::vector<SDescCase> DescCases()
     security.Put("d" + k_id).Put(24, 0);
     add("security", 4, security, Fields<CMMTDescSi>,
         "system" + k_id + " keyfedcba9876543210 datad system" + k_id + " ");
-    add("video", 5, CMmtBuilder().Put(Video()), Fields<CMMTDescVsp>,
+    add("video", 5, CMmtBuilder().Put(MmtVideo()), Fields<CMMTDescVsp>,
         "idA codechev1 sub-layers2 ptl1 filter1 max5 min1 tfweight2 layer33 view9 pos10 disp1025 range1026 w3840 h2160 "
         "chroma3 plane1 still0 24h1 luma2 c3 rate255 avg5994 rate6 bits100 most200 bits300 most400 prim9 trans16 "
         "matrix10 cg1 eotfeo " +
@@ -436,7 +383,7 @@ std::vector<SDescCase> DescCases()
             "level90 ");
     add("captions", 8, list(2).Put(a).Put(8, 2).Put("en").Put(16, 0x52BF).Put(b).Put(24, 0x3400),
         Fields<CMMTDescCaption>, "idA langen role5 aspect2 easy1 profile1 3d1 idB role3 aspect4 easy0 profile0 3d0 ");
-    add("audio", 9, CMmtBuilder().Put(Audio()), Fields<CMMTDescAsp>,
+    add("audio", 9, CMmtBuilder().Put(MmtAudio()), Fields<CMMTDescAsp>,
         "idA codecac-4 presentation1 interactive profile70000 channels80000 rendering3 langen langes access4 access5 "
         "role6 labelMain aux7 aux8 presentation2 profile9 channels10 role11 main1 stream1 bundle2 by1 aux3 by0 aux4 "
         "at1000 ms999 at2000 ms1 idB codecmhm1 at3000 ms5 ");
@@ -455,7 +402,7 @@ TEST_F(MMTDescTest, WholePayloads)
 {
     for (const SDescCase& c : DescCases()) {
         SCOPED_TRACE(c.name);
-        const std::vector<unsigned char> bytes = Exact(Desc(c.tag, c.payload + "\x7F") + "behind");
+        const std::vector<unsigned char> bytes = Exact(MmtDesc(c.tag, c.payload + "\x7F") + "behind");
         IParse::SItem item = Item(bytes);
         const std::unique_ptr<CMMTDesc> desc(CMMTDescFactory::GenerateDesc(&item));
         ASSERT_TRUE(desc && desc->Parse(&item));
@@ -465,7 +412,7 @@ TEST_F(MMTDescTest, WholePayloads)
         const auto& kept = dynamic_cast<const CMMTDescPayload&>(*desc);
         EXPECT_EQ(std::string(reinterpret_cast<const char*>(kept.RawData()), kept.RawLength()), c.payload + "\x7F");
         // Again, and emptied: nothing of the first is left.
-        EXPECT_TRUE(SFed(*desc, Desc(c.tag, "")).result);
+        EXPECT_TRUE(SFed(*desc, MmtDesc(c.tag, "")).result);
         EXPECT_EQ(c.fields(*desc), "");
     }
 }
@@ -476,7 +423,7 @@ TEST_F(MMTDescTest, CutPayloadsLoseOnlyTheirEnd)
         std::size_t told = 0;
         for (std::size_t size = 0; size < c.payload.size(); ++size) {
             SCOPED_TRACE(std::string(c.name) + " " + std::to_string(size));
-            const std::vector<unsigned char> bytes = Exact(Desc(c.tag, c.payload.substr(0, size)) + "behind");
+            const std::vector<unsigned char> bytes = Exact(MmtDesc(c.tag, c.payload.substr(0, size)) + "behind");
             IParse::SItem item = Item(bytes);
             const std::unique_ptr<CMMTDesc> desc(CMMTDescFactory::GenerateDesc(&item));
             ASSERT_TRUE(desc && desc->Parse(&item) && item.valid);
@@ -495,7 +442,7 @@ TEST_F(MMTDescTest, CutPayloadsLoseOnlyTheirEnd)
     }
     EXPECT_GT(Logged("[CMMTDescVsp::Parse] DescLength mismatch ERROR Length = "), 0);
     CMMTDescVsp video;
-    EXPECT_TRUE(!SFed(video, Desc(4, "")).result && !video.RawData());
+    EXPECT_TRUE(!SFed(video, MmtDesc(4, "")).result && !video.RawData());
     EXPECT_EQ(Logged("[CMMTDescVsp::Parse] Wrong tag : 4"), 1);
 }
 
@@ -503,8 +450,8 @@ TEST_F(MMTDescTest, CutPayloadsLoseOnlyTheirEnd)
 std::string VideoFields(const std::string& tail)
 {
     CMMTDescVsp video;
-    const std::string head = CMmtBuilder().Put(8, 2).Put(Asset("A").Bytes()).Put("hev1").Bytes();
-    EXPECT_TRUE(SFed(video, Desc(5, head + tail + Asset("B").Bytes())).result);
+    const std::string head = CMmtBuilder().Put(8, 2).Put(MmtCountedId("A").Bytes()).Put("hev1").Bytes();
+    EXPECT_TRUE(SFed(video, MmtDesc(5, head + tail + MmtCountedId("B").Bytes())).result);
     return Fields<CMMTDescVsp>(video);
 }
 
@@ -516,7 +463,7 @@ TEST_F(MMTDescTest, VideoSubLayers)
         for (unsigned int i = 1; i <= rates; ++i) {
             b.Put(16, i).Put(16, i);
         }
-        PutProfile(b, 2);
+        MmtPutProfile(b, 2);
         b.Put(8, 90);
         return b;
     };
@@ -530,7 +477,7 @@ TEST_F(MMTDescTest, VideoSubLayers)
     }
     CMmtBuilder two = tail(3, true, 3);
     two.Put(4, 0b0110).Put(12, 0).Put(8, 60);
-    PutProfile(two, 2);
+    MmtPutProfile(two, 2);
     EXPECT_EQ(VideoFields(two.Bytes()),
               head("3 ptl1") + rest + "bits2 most2 bits3 most3 " + level + "sub level60 sub " + k_profile + "idB ");
     CMmtBuilder six = tail(7, true, 7);
