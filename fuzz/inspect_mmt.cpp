@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "Fuzz.h"
+#include "HtmlReport.h"
 #include "JsonReport.h"
 #include "LibraryPort.h"
 #include "MessageFollower.h"
@@ -12,6 +13,7 @@
 #include "Output.h"
 #include "Progress.h"
 #include "TextReport.h"
+#include "inspect/Markup.h"
 
 using namespace vyr::inspect;
 
@@ -32,7 +34,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     COutput output(progress);
     CTextReport text(output);
     CJsonReport json(output);
-    CReport report(options & 1 ? static_cast<IReportWriter&>(json) : text, false);
+    CHtmlReport page;
+    CReport report(options & 1 ? static_cast<IReportWriter&>(json) : text, false, &page);
     const std::vector<unsigned char> rest = script.Rest();
     if (options & 2) {
         const SBytes message = {rest.data(), rest.size()};
@@ -42,6 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         follower.Take({}, message, {"fuzz", 0, {}});
         follower.Take({}, message, {"fuzz", 0, {}});
         report.Finish();
+        Require(MarkupFault(page.Page()).empty());  // nothing that came is markup
         const SSummary& summary = report.Summary();
         Require(summary.messages[0] == summary.messages[static_cast<std::size_t>(EStatus::REPEATED)]);
         return 0;
@@ -72,5 +76,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(counts.malformed + counts.signalling + counts.otherVersions + counts.otherTypes == packets);
     Require(counts.messages.repeated + counts.messages.lost + counts.messages.dropped <= packets);
     report.Finish();
+    Require(MarkupFault(page.Page()).empty());  // nothing that came is markup
     return 0;
 }

@@ -421,6 +421,8 @@ TEST(Inspect, EveryInputHasAPage)
           "<b>MPD</b> <span class=\"badge bad\">did not parse</span>", "<dt>service<wbr>Id</dt><dd>99</dd>"}) {
         EXPECT_NE(html.find(part), std::string::npos) << part;
     }
+    Inspect("-q --html '" + page.Name() + "' -", EveryMessage());
+    EXPECT_NE(ReadFile(page.Name()).find("<b>MPT (0x0020)</b> <small> version 8: changed"), std::string::npos);
     Inspect("--html '" + page.Name() + "' lls/openssl-cdt.bin pcap/gpac-a2-multi-service.pcap | true");
     EXPECT_NE(ReadFile(page.Name()).find("NEWS-1"), std::string::npos)
         << "whole, though the reader of the text has gone";

@@ -27,6 +27,7 @@ std::string Key(const std::string& key)
     for (const char c : HtmlText(key)) {
         html += c >= 'A' && c <= 'Z' && !html.empty() && html.back() >= 'a' && html.back() <= 'z' ? "<wbr>" : "";
         html += c;
+        html += c == '_' ? "<wbr>" : "";
     }
     return html;
 }

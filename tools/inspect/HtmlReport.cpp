@@ -13,8 +13,9 @@ namespace vyr::inspect {
 
 namespace {
 
-constexpr unsigned k_envelope = k_slsDocuments;   ///< behind the kinds of documents
-constexpr std::uint64_t k_messages = 1ull << 48;  ///< apart from the documents
+// Parts of a session, behind the kinds of documents.
+constexpr unsigned k_envelope = k_slsDocuments;
+constexpr unsigned k_messages = k_slsDocuments + 1;
 constexpr std::size_t k_mostGuide = 16777216;
 constexpr std::size_t k_fewServices = 4;
 constexpr std::size_t k_fewFiles = 3;
@@ -284,7 +285,7 @@ void CHtmlReport::Signalling(const SSignalling& signalling)
         return;
     }
     for (const SSlsDocument& document : signalling.documents) {
-        SPart* part = m_Part(*session, static_cast<std::uint64_t>(document.kind));
+        SPart* part = m_Part(*session, {static_cast<unsigned>(document.kind)});
         const std::string name = std::string("<b>") + DocumentName(document.kind) + "</b> ";
         if (part != nullptr && !document.content) {
             m_Hold(*part, name + Badge("bad", "did not parse"), signalling.source,
@@ -294,7 +295,7 @@ void CHtmlReport::Signalling(const SSignalling& signalling)
                    signalling.source, HtmlTree(document.content->json));
         }
     }
-    SPart* envelope = signalling.items.empty() ? nullptr : m_Part(*session, k_envelope);
+    SPart* envelope = signalling.items.empty() ? nullptr : m_Part(*session, {k_envelope});
     if (envelope != nullptr) {
         m_Hold(*envelope, "<b>metadataEnvelope</b>", signalling.source,
                HtmlTree({{"item", EnvelopeJson(signalling.items)}}));
@@ -314,7 +315,7 @@ CHtmlReport::SSession* CHtmlReport::m_Session(std::size_t file, const std::strin
     return session;
 }
 
-CHtmlReport::SPart* CHtmlReport::m_Part(SSession& session, std::uint64_t key)
+CHtmlReport::SPart* CHtmlReport::m_Part(SSession& session, const std::vector<unsigned>& key)
 {
     const auto known = session.parts.find(key);
     if (known == session.parts.end() && m_sessionParts >= 4 * k_mostParts) {
@@ -331,7 +332,8 @@ void CHtmlReport::Message(const SMessage& message)
     const std::string headline = HtmlClipped(Headline(message), k_longLine);
     m_Add(m_changes, message.source, "<td>" + HtmlText(headline) + "</td>");
     SSession* session = m_Session(file, message.session, message.services);
-    const std::uint64_t key = k_messages | std::uint64_t{message.packetId.value_or(0)} << 32 | message.id;
+    std::vector<unsigned> key = {k_messages, message.packetId.value_or(0)};
+    key.insert(key.end(), message.kind.begin(), message.kind.end());
     SPart* part = session != nullptr ? m_Part(*session, key) : nullptr;
     if (part == nullptr) {
         return;

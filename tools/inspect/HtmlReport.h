@@ -60,7 +60,7 @@ class CHtmlReport : public IReportWriter {
         std::size_t bytes = 0;
     };
     struct SSession {
-        std::map<std::uint64_t, SPart> parts;  ///< each kind of document, the envelope, and each message
+        std::map<std::vector<unsigned>, SPart> parts;  ///< each kind of document, the envelope, and each message
     };
     struct SAlert {
         SPart part;
@@ -84,7 +84,7 @@ class CHtmlReport : public IReportWriter {
     /// Notes what an item says of the input as a whole; gives the number of its file.
     std::size_t m_See(const SSource& source);
     SSession* m_Session(std::size_t file, const std::string& name, const std::vector<unsigned>& services);
-    SPart* m_Part(SSession& session, std::uint64_t key);
+    SPart* m_Part(SSession& session, const std::vector<unsigned>& key);
     void m_Slt(const STable& table, const TKey& key);
     void m_Alerts(const STable& table, const TKey& key);
     void m_Certificates(const STable& table, const TKey& key);

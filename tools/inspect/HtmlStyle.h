@@ -64,7 +64,8 @@ td.time{white-space:nowrap}
 border-top:1px solid var(--line);max-height:6rem;overflow:hidden}
 .epg .box{display:block;height:calc(100% - 4px);min-width:0;max-height:5rem;overflow:hidden;margin:2px 1px;
 padding:.2rem .4rem;border-radius:4px;background:var(--box);border-left:3px solid var(--link);color:var(--text);
-text-decoration:none;line-height:1.3;overflow-wrap:break-word}
+text-decoration:none;line-height:1.3;overflow-wrap:normal}
+.epg .box b{display:block;overflow:hidden;text-overflow:ellipsis;max-height:2.6em}
 .epg .box:hover b{text-decoration:underline}
 .epg .box small{display:block;white-space:nowrap}
 footer{margin-top:3rem;padding-bottom:2rem}

@@ -25,6 +25,7 @@ void CMessageFollower::Take(const std::optional<std::uint16_t>& packetId, SBytes
     message.session = m_followed.name;
     message.services = m_followed.Shown();
     message.packetId = packetId;
+    message.kind = head.kind;
     message.id = head.id;
     message.version = head.version;
     message.payload = head.payload;

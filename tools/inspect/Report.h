@@ -119,6 +119,7 @@ struct SMessage {
     std::string session;                    ///< "239.255.8.1:30200"; empty for a raw file
     std::vector<unsigned> services;         ///< that the service list has at this session
     std::optional<std::uint16_t> packetId;  ///< not for a raw file
+    std::vector<unsigned> kind;             ///< messages of one kind and packet id replace each other
     unsigned id = 0;
     unsigned version = 0;
     EStatus status = EStatus::NEW;
