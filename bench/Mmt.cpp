@@ -34,7 +34,12 @@ std::string MpTable(int assets)
     for (int i = 0; i < assets; ++i) {
         b.Put(8, 0).Put("urn ").Open(32).Put(k_assetId).Close().Put("hev1").Put(6, 0x3F).Put(2, 3);
         b.Put(8, 1).Put(7, 0).Put(1, 1).Put(32, 90000);
-        b.Put(8, 1).Put(8, 1).Put(32, 0xC000020A).Put(32, 0xEFFF0701).Put(16, 5000).Put(16, 0x100 + i % 100);
+        b.Put(8, 1)
+            .Put(8, 1)
+            .Put(32, 0xC000020A)
+            .Put(32, 0xEFFF0701)
+            .Put(16, 5000)
+            .Put(16, 0x100u + static_cast<unsigned int>(i % 100));
         b.Open(16).Put(Cri() + Timestamp() + Dependency()).Close();
     }
     return b.Close().Bytes();

@@ -10,7 +10,7 @@ inline std::string Number(std::uint64_t value, int bytes)
 {
     std::string text;
     for (int i = bytes - 1; i >= 0; --i) {
-        text += static_cast<char>(value >> (8 * i) & 0xFF);
+        text += i < 8 ? static_cast<char>(value >> (8 * i) & 0xFF) : '\0';
     }
     return text;
 }
