@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
+#include "common/CoreOS/PtrArray.h"
 #include "common/ElementHandlers.h"
 #include "common/ParseXML.h"
 
@@ -79,6 +81,38 @@ template <class TChild>
 std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, const SChildSteps& steps, const SHere& here)
 {
     return BuildXmlChild<TChild>(document, node, steps, here, [](TChild&) { return true; });
+}
+
+/// Puts a child in the place of the one held before, if any; null lets go of it.
+template <class TChild>
+void HoldChild(TChild*& held, std::unique_ptr<TChild, SDestroy> child)
+{
+    std::unique_ptr<TChild, SDestroy> old(held);
+    held = child.release();
+}
+
+/// Builds a child that is held singly; one that cannot be built leaves the held one.
+template <class TChild>
+void HoldXmlChild(TChild*& held, void* document, void* node, const SChildSteps& steps, const SHere& here)
+{
+    if (auto child = BuildXmlChild<TChild>(document, node, steps, here)) {
+        HoldChild(held, std::move(child));
+    }
+}
+
+/// Builds a child and appends it to its array.
+template <class TChild>
+void AddXmlChild(CCPtrArray& children, void* document, void* node, const SChildSteps& steps, const SHere& here)
+{
+    if (auto child = BuildXmlChild<TChild>(document, node, steps, here)) {
+        children.Add(child.release());
+    }
+}
+
+/// Frees a text of a CCPtrArray of texts; the array's release callback.
+inline void RemoveText(void* /*context*/, void* element)
+{
+    delete[] static_cast<char*>(element);
 }
 
 }  // namespace vyr

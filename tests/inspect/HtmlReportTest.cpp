@@ -229,7 +229,7 @@ class HtmlPage : public testing::Test {
         m_Write("wrapper.html", "<!DOCTYPE html><meta charset=utf-8><body>" + frames + "<script>" +
                                     std::string(std::istreambuf_iterator<char>(script), {}) + "</script>");
         const std::string command =
-            "timeout 15 chromium-headless-shell --headless --no-sandbox --disable-gpu --disable-quic --no-first-run "
+            "timeout 50 chromium-headless-shell --headless --no-sandbox --disable-gpu --disable-quic --no-first-run "
             "--disable-background-networking --disable-component-update --disable-sync --allow-file-access-from-files "
             "--enable-logging=stderr --virtual-time-budget=5000 --blink-settings=preferredColorScheme=" +
             std::string(dark ? "0" : "1") + " --user-data-dir='" + m_folder + "/profile' --dump-dom 'file://" +

@@ -13,40 +13,7 @@
 
 using vyr::CNodeText;
 
-static void g_CbRemoveSvcLanguage(void* /*context*/, void* element)
-{
-    delete[] static_cast<char*>(element);
-}
-
 namespace {
-
-/// Puts a child in the place of the one held before, if any.
-template <class TChild>
-void Hold(TChild*& held, TChild* child)
-{
-    if (held) {
-        vyr::SDestroy()(held);
-    }
-    held = child;
-}
-
-/// Builds a child that is held singly; one that cannot be built leaves the held one.
-template <class TChild>
-void HoldChild(TChild*& held, void* document, void* cur, const vyr::SChildSteps& steps, const vyr::SHere& here)
-{
-    if (auto child = vyr::BuildXmlChild<TChild>(document, cur, steps, here)) {
-        Hold(held, child.release());
-    }
-}
-
-/// Builds a child and appends it to its array.
-template <class TChild>
-void AddChild(CCPtrArray& children, void* document, void* cur, const vyr::SChildSteps& steps, const vyr::SHere& here)
-{
-    if (auto child = vyr::BuildXmlChild<TChild>(document, cur, steps, here)) {
-        children.Add(child.release());
-    }
-}
 
 /// The record of the index-th component info; null without one.
 const CMMTComponentInfo::SComponentInfo* ComponentInfo(const CMMTUsbd::SMMTUsbd& values, int index)
@@ -67,7 +34,7 @@ CMMTUsbd::SMMTUsbd::SMMTUsbd()
       channel(nullptr),
       serviceLinkage(nullptr),
       names(vyr::RemoveChild<CMMTName>, nullptr),
-      svcLanguages(g_CbRemoveSvcLanguage, nullptr),
+      svcLanguages(vyr::RemoveText, nullptr),
       componentInfos(vyr::RemoveChild<CMMTComponentInfo>, nullptr),
       contentAdvisoryRatings(vyr::RemoveChild<CMMTContentAdvisoryRatings>, nullptr)
 {
@@ -76,11 +43,11 @@ CMMTUsbd::SMMTUsbd::SMMTUsbd()
 CMMTUsbd::SMMTUsbd::~SMMTUsbd()
 {
     delete[] globalServiceId;
-    Hold<CMMTRouteComponent>(routeComponent, nullptr);
-    Hold<CMMTBroadbandComponent>(broadbandComponent, nullptr);
-    Hold<CMMTMpuComponent>(mpuComponent, nullptr);
-    Hold<CMMTChannel>(channel, nullptr);
-    Hold<CServiceLinkage>(serviceLinkage, nullptr);
+    vyr::HoldChild(routeComponent, {});
+    vyr::HoldChild(broadbandComponent, {});
+    vyr::HoldChild(mpuComponent, {});
+    vyr::HoldChild(channel, {});
+    vyr::HoldChild(serviceLinkage, {});
 }
 
 struct CMMTUsbd::SState : vyr::SHandlers {
@@ -160,7 +127,7 @@ void CMMTUsbd::sm_CbUSD(CMMTUsbd* usbd, void* node)
 void CMMTUsbd::sm_CbName(CMMTUsbd* root, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"};
-    AddChild<CMMTName>(root->m->values.names, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::AddXmlChild<CMMTName>(root->m->values.names, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
 }
 
 void CMMTUsbd::sm_CbSvcLanguage(CMMTUsbd* usbd, void* node)
@@ -178,49 +145,49 @@ void CMMTUsbd::sm_CbSvcLanguage(CMMTUsbd* usbd, void* node)
 void CMMTUsbd::sm_CbChannel(CMMTUsbd* root, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"channel->Create()", "channel->Parse(root->t_xml.Doc(), cur)"};
-    HoldChild(root->m->values.channel, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::HoldXmlChild(root->m->values.channel, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
 }
 
 void CMMTUsbd::sm_CbMpuComponent(CMMTUsbd* root, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"mpuComponent->Create()",
                                                  "mpuComponent->Parse(root->t_xml.Doc(), cur)"};
-    HoldChild(root->m->values.mpuComponent, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::HoldXmlChild(root->m->values.mpuComponent, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
 }
 
 void CMMTUsbd::sm_CbRouteComponent(CMMTUsbd* root, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"routeComponent->Create()",
                                                  "routeComponent->Parse(root->t_xml.Doc(), cur)"};
-    HoldChild(root->m->values.routeComponent, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::HoldXmlChild(root->m->values.routeComponent, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
 }
 
 void CMMTUsbd::sm_CbBroadbandComponent(CMMTUsbd* root, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"broadbandComponent->Create()",
                                                  "broadbandComponent->Parse(root->t_xml.Doc(), cur)"};
-    HoldChild(root->m->values.broadbandComponent, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::HoldXmlChild(root->m->values.broadbandComponent, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
 }
 
 void CMMTUsbd::sm_CbComponentInfo(CMMTUsbd* root, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"componentInfo->Create()",
                                                  "componentInfo->Parse(root->t_xml.Doc(), cur)"};
-    AddChild<CMMTComponentInfo>(root->m->values.componentInfos, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::AddXmlChild<CMMTComponentInfo>(root->m->values.componentInfos, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
 }
 
 void CMMTUsbd::sm_CbServiceLinkage(CMMTUsbd* root, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"serviceLinkage->Create()",
                                                  "serviceLinkage->Parse(root->t_xml.Doc(), cur)"};
-    HoldChild(root->m->values.serviceLinkage, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::HoldXmlChild(root->m->values.serviceLinkage, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
 }
 
 void CMMTUsbd::sm_CbContentAdvisoryRatings(CMMTUsbd* root, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"rating->Create()", "rating->Parse(root->t_xml.Doc(), cur)"};
-    AddChild<CMMTContentAdvisoryRatings>(root->m->values.contentAdvisoryRatings, root->t_xml.Doc(), cur, k_steps,
-                                         VYR_HERE);
+    vyr::AddXmlChild<CMMTContentAdvisoryRatings>(root->m->values.contentAdvisoryRatings, root->t_xml.Doc(), cur,
+                                                 k_steps, VYR_HERE);
 }
 
 const char* CMMTUsbd::GlobalServiceId() const

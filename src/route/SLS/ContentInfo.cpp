@@ -11,9 +11,7 @@ CContentInfo::SContentInfo::SContentInfo() : mediaInfo(nullptr) {}
 
 CContentInfo::SContentInfo::~SContentInfo()
 {
-    if (mediaInfo) {
-        vyr::SDestroy()(mediaInfo);
-    }
+    vyr::HoldChild(mediaInfo, {});
 }
 
 struct CContentInfo::SState : vyr::SHandlers {
@@ -66,10 +64,7 @@ void CContentInfo::sm_CbMediaInfo(CContentInfo* info, void* cur)
     if (auto mediaInfo = vyr::BuildXmlChild<CMediaInfo>(info->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
         SContentInfo& values = info->m->values;
         mediaInfo->GetRepId(values.contentId);
-        if (values.mediaInfo) {
-            vyr::SDestroy()(values.mediaInfo);
-        }
-        values.mediaInfo = mediaInfo.release();
+        vyr::HoldChild(values.mediaInfo, std::move(mediaInfo));
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CContentInfo::sm_CbMediaInfo] ContentID[%s]", values.contentId.c_str());
     }
 }

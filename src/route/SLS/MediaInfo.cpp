@@ -71,9 +71,7 @@ void CMediaInfo::sm_CbContentRating(CMediaInfo* info, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"contentRating->Create()",
                                                  "contentRating->Parse(root->t_xml.Doc(), cur)"};
-    if (auto rating = vyr::BuildXmlChild<CContentRating>(info->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
-        info->m->values.contentRatings.Add(rating.release());
-    }
+    vyr::AddXmlChild<CContentRating>(info->m->values.contentRatings, info->t_xml.Doc(), cur, k_steps, VYR_HERE);
 }
 
 bool CMediaInfo::GetRepId(std::string& out) const

@@ -8,17 +8,12 @@
 
 using vyr::CNodeText;
 
-static void g_CbRemoveLanguage(void* /*context*/, void* element)
-{
-    delete[] static_cast<char*>(element);
-}
-
 CROUTEUsbd::SROUTEUsbd::SROUTEUsbd()
     : globalServiceId(nullptr),
       serviceId(0xFFFF),
       serviceStatus(true),
       names(vyr::RemoveChild<CServiceName>, nullptr),
-      languages(g_CbRemoveLanguage, nullptr),
+      languages(vyr::RemoveText, nullptr),
       deliveryMethods(vyr::RemoveChild<CDeliveryMethod>, nullptr),
       serviceLinkage(nullptr)
 {
@@ -27,9 +22,7 @@ CROUTEUsbd::SROUTEUsbd::SROUTEUsbd()
 CROUTEUsbd::SROUTEUsbd::~SROUTEUsbd()
 {
     delete[] globalServiceId;
-    if (serviceLinkage) {
-        vyr::SDestroy()(serviceLinkage);
-    }
+    vyr::HoldChild(serviceLinkage, {});
 }
 
 struct CROUTEUsbd::SState : vyr::SHandlers {
@@ -105,9 +98,7 @@ void CROUTEUsbd::sm_CbUSD(CROUTEUsbd* usbd, void* node)
 void CROUTEUsbd::sm_CbName(CROUTEUsbd* usbd, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"};
-    if (auto name = vyr::BuildXmlChild<CServiceName>(usbd->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
-        usbd->m->values.names.Add(name.release());
-    }
+    vyr::AddXmlChild<CServiceName>(usbd->m->values.names, usbd->t_xml.Doc(), cur, k_steps, VYR_HERE);
 }
 
 void CROUTEUsbd::sm_CbSvcLanguage(CROUTEUsbd* usbd, void* node)
@@ -123,22 +114,14 @@ void CROUTEUsbd::sm_CbDeliveryMethod(CROUTEUsbd* usbd, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"deliveryMethod->Create()",
                                                  "deliveryMethod->Parse(root->t_xml.Doc(), cur)"};
-    if (auto method = vyr::BuildXmlChild<CDeliveryMethod>(usbd->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
-        usbd->m->values.deliveryMethods.Add(method.release());
-    }
+    vyr::AddXmlChild<CDeliveryMethod>(usbd->m->values.deliveryMethods, usbd->t_xml.Doc(), cur, k_steps, VYR_HERE);
 }
 
 void CROUTEUsbd::sm_CbServiceLinkage(CROUTEUsbd* usbd, void* cur)
 {
     static constexpr vyr::SChildSteps k_steps = {"serviceLinkage->Create()",
                                                  "serviceLinkage->Parse(root->t_xml.Doc(), cur)"};
-    if (auto linkage = vyr::BuildXmlChild<CServiceLinkage>(usbd->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
-        SROUTEUsbd& values = usbd->m->values;
-        if (values.serviceLinkage) {
-            vyr::SDestroy()(values.serviceLinkage);
-        }
-        values.serviceLinkage = linkage.release();
-    }
+    vyr::HoldXmlChild(usbd->m->values.serviceLinkage, usbd->t_xml.Doc(), cur, k_steps, VYR_HERE);
 }
 
 const char* CROUTEUsbd::GlobalServiceId() const

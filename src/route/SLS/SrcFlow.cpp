@@ -16,9 +16,7 @@ CSrcFlow::SSrcFlow::SSrcFlow()
 
 CSrcFlow::SSrcFlow::~SSrcFlow()
 {
-    if (contentInfo) {
-        vyr::SDestroy()(contentInfo);
-    }
+    vyr::HoldChild(contentInfo, {});
 }
 
 struct CSrcFlow::SState : vyr::SHandlers {
@@ -76,10 +74,7 @@ void CSrcFlow::sm_CbContentInfo(CSrcFlow* flow, void* cur)
         contentInfo->GetContentId(values.contentId);
         values.aeaId = contentInfo->GetAEAId();
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CSrcFlow::sm_CbContentInfo] contentInfo[%s]", values.contentId.c_str());
-        if (values.contentInfo) {
-            vyr::SDestroy()(values.contentInfo);
-        }
-        values.contentInfo = contentInfo.release();
+        vyr::HoldChild(values.contentInfo, std::move(contentInfo));
     }
 }
 
