@@ -15,9 +15,10 @@ struct VYR_API SESGFragment : SESGState {
 };
 
 /// Base of the parsers of the fragments of a service guide (OMA BCAST Service Guide, ATSC A/332). Life:
-/// construct, Create, Parse any number of times, Destroy, delete. The results are the record of State(),
-/// which each class has; it is null before Create, begins anew with each Parse, and is good until the next
-/// Parse or Destroy. An object that is not created is asserted ("m"); it is used by one thread at a time.
+/// construct, Create, Parse, Destroy, delete. The results are the record of State(), which each class has; it
+/// is null before Create and good until the next Parse or Destroy. One object is for one fragment: required,
+/// a second parse adds to the lists of the first, and a failed one leaves them. An object that is not created
+/// is asserted ("m"); it is used by one thread at a time.
 class VYR_API CESGFragmentBase {
   public:
     /// Frees nothing: Destroy comes first, else "!m" is asserted.
@@ -29,8 +30,8 @@ class VYR_API CESGFragmentBase {
     virtual bool Create();
     /// Frees everything; the object can be created anew.
     virtual void Destroy();
-    /// Parses a fragment in memory. False: not well-formed, not of this kind, or without "id"; the record
-    /// is empty then. Elements in it that cannot be used are dropped.
+    /// Parses a fragment in memory. False: not well-formed, not of this kind, or without "id". Elements in it
+    /// that cannot be used are dropped.
     virtual bool Parse(const char* buffer, unsigned int length);
     /// Parses a file.
     virtual bool Parse(const char* filename);
@@ -42,13 +43,19 @@ class VYR_API CESGFragmentBase {
     static bool t_Read(SESGFragment& state, void* node);
     /// The record of the fragment that a callback was given; null, asserted, when there is none.
     static SESGFragment* t_StateOf(CESGFragmentBase* fragment);
+    /// The fragment that a callback was given; null when it is of another class.
+    template <class TFragment>
+    static TFragment* t_Cast(void* fragment)
+    {
+        return dynamic_cast<TFragment*>(static_cast<CESGFragmentBase*>(fragment));
+    }
     /// Whether the first `length` characters of `id` are those of `own`; else logs `message`, a text without %.
     static bool t_Match(const TESGText& own, const char* id, int length, const char* message);
 
   private:
     virtual const vyr::SESGKind& t_Kind() const = 0;
     static bool m_Verify();
-    bool m_Begin(const char* input, const char* text);
+    bool m_Begin(const char* input, const char* text) const;
     bool m_Process(bool created, const char* step);
 
     SESGFragment* m;

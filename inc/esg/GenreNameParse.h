@@ -29,7 +29,8 @@ class VYR_API CGenreNameParse {
     void Destroy();
 
     /// Reads a file. Nothing is read, and the result is true, when there are names already. Required: of a
-    /// dotted term such as 3.1.2 the leading number counts, and the first term of a number gives its name.
+    /// dotted term such as 3.1.2 the leading number counts, and the first term of a number gives its name; a
+    /// Term whose first node is not a Name is passed over, white space between the two included.
     /// False: no document, or none with a ClassificationScheme beside its root.
     bool Parse(const char* filePath);
     /// The same for a document in memory.

@@ -6,7 +6,7 @@
 
 /// Parser of a service guide delivery descriptor (SGDD; OMA BCAST Service Guide): where the delivery units
 /// of the guide are. The element is looked for among the root, or the node that is parsed, and its
-/// following siblings; each one that is found replaces the record of the one before.
+/// following siblings. Required: a second parse adds to the lists of the first.
 class VYR_API CSGDDParse : public XMLBase {
   public:
     /// What was parsed.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -42,6 +43,7 @@ class VYR_API CSGDUParse : public IParse {
         bool compress = false;                                      ///< as SetCompress said
         unsigned int inflateLimit = 0;                              ///< as SetInflateLimit said
         std::unique_ptr<char[]> extracted;                          ///< the inflated unit; null: none
+        std::size_t extractedSize = 0;                              ///< its size, bytes
         unsigned int extensionOffset = 0;                           ///< extension_offset
         unsigned short reserved = 0;                                ///< reserved
         unsigned int nOServiceGuideFragments = 0;                   ///< n_o_service_guide_fragments
@@ -79,7 +81,7 @@ class VYR_API CSGDUParse : public IParse {
 
   private:
     bool t_ProcessServiceGuide(IParse::SItem* item);
-    bool m_ProcessFragmentSGDU(IParse::SItem* item, unsigned int index);
+    bool m_ProcessFragmentSGDU(IParse::SItem* item, unsigned int index, bool last);
     TOwned<CESGFragmentBase> t_ProcessFragment(int fragmentType, const char* data, unsigned int length);
     bool m_ExtractData(IParse::SItem* item);
 

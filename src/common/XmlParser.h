@@ -37,8 +37,8 @@ bool CreateXmlParser(TState*& m, const char* message, const SHere& here)
     return true;
 }
 
-/// What every Destroy shares: logs `message`, lets go of the document and of the state; no state is
-/// asserted.
+/// What every Destroy shares: logs `message`, lets go of the state, children that look into the document
+/// among it, and of the document; no state is asserted.
 template <class TState>
 void DestroyXmlParser(XMLBase& parser, TState*& m, const char* message, const SHere& here,
                       ELogPriority priority = LOG_PRIORITY_DEBUG)
@@ -50,9 +50,9 @@ void DestroyXmlParser(XMLBase& parser, TState*& m, const char* message, const SH
     if (LogEnabled(priority)) {
         Print(priority, here, "%s", message);
     }
-    parser.XMLBase::Destroy();
     delete m;
     m = nullptr;
+    parser.XMLBase::Destroy();
 }
 
 /// What every SetCallback shares: copies the record, null takes it back; no state is asserted: false.

@@ -64,7 +64,7 @@ bool CESGContentFragment::sm_Read(SESGState& base, void* node)
 
 int CESGContentFragment::sm_CbFragServiceId(void* fragment, const char* id, int length)
 {
-    if (auto* state = static_cast<TState*>(t_StateOf(static_cast<CESGContentFragment*>(fragment)))) {
+    if (auto* state = static_cast<TState*>(t_StateOf(t_Cast<CESGContentFragment>(fragment)))) {
         // Required: the schedule's text.
         state->serviceMatch |= t_Match(state->serviceRefId, id, length,
                                        "[CESGScheduleFragment::sm_CbFragServiceId] Unmatch FragServiceId");

@@ -40,18 +40,10 @@ void CESGFragmentBase::Destroy()
     m = nullptr;
 }
 
-/// What both parses begin with: asserts, and an empty record in place of that of an earlier parse.
-bool CESGFragmentBase::m_Begin(const char* input, const char* text)
+/// What both parses assert.
+bool CESGFragmentBase::m_Begin(const char* input, const char* text) const
 {
-    const vyr::SESGKind& kind = t_Kind();
-    if (!m || !input) {
-        return vyr::AssertFailed(kind.Here("Parse", __LINE__), m ? text : "m");
-    }
-    if (m->id) {
-        delete m;
-        m = static_cast<SESGFragment*>(vyr::CreateState(kind, "Parse"));
-    }
-    return m != nullptr;
+    return (m && input) || vyr::AssertFailed(t_Kind().Here("Parse", __LINE__), m ? text : "m");
 }
 
 bool CESGFragmentBase::Parse(const char* buffer, unsigned int length)

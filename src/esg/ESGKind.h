@@ -82,9 +82,6 @@ bool ReadElementAndChildren(SESGState& state, void* node)
     return true;
 }
 
-/// What is read of an element that has children alone.
-inline void NoAttributes(SESGState& /*state*/, void* /*node*/) {}
-
 /// What an element without children is: TRead(record, node), on the base TBase of the record TState, reads it.
 template <class TState, auto TRead, class TBase = TState>
 constexpr SESGKind ElementKind(const char* file, const char* className, const char* element,
@@ -135,19 +132,20 @@ void ReadAttribute(void* node, const char* name, T& out)
     Read(CNodeText::Attribute(node, name), out);
 }
 
-/// An attribute of a child element, or of the element itself where the child does not have it.
+/// The same; an attribute that is not there leaves the value.
 template <class T>
-void ReadAttribute(const SESGElement& state, void* child, const char* name, T& out)
+void UpdateAttribute(void* node, const char* name, T& out)
 {
-    const CNodeText own = CNodeText::Attribute(child, name);
-    if (own.Found()) {
-        Read(own, out);
-    } else {
-        ReadAttribute(state.proot, name, out);
+    const CNodeText attribute = CNodeText::Attribute(node, name);
+    if (attribute.Found()) {
+        Read(attribute, out);
     }
 }
 
-void ReadMedia(SESGMedia& media, const SESGElement& state, void* child);
+/// What the attributes of `node` say of a file.
+void ReadMediaInfo(SESGMediaInfo& info, void* node);
+/// The same with the element's text.
+void ReadMedia(SESGMedia& media, void* node);
 
 template <class T>
 void ReadContent(void* node, T& out)
@@ -189,11 +187,11 @@ T& Fresh(std::unique_ptr<T>& single)
     return *single;
 }
 
-/// Handler: a record read by TRead(record, state, child) becomes the member, or one more in a list.
+/// Handler: a record read by TRead(record, child) becomes the member, or one more in a list.
 template <auto TMember, auto TRead>
 void TakeRecord(typename SMember<TMember>::TState* state, void* node)
 {
-    TRead(Fresh(state->*TMember), *state, node);
+    TRead(Fresh(state->*TMember), node);
 }
 
 /// An element object made of a child, and parsed; null after logging the failed step.

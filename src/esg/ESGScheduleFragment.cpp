@@ -35,7 +35,7 @@ bool CESGScheduleFragment::sm_Read(SESGState& base, void* node)
 
 int CESGScheduleFragment::sm_CbFragServiceId(void* fragment, const char* id, int length)
 {
-    if (auto* state = static_cast<TState*>(t_StateOf(static_cast<CESGScheduleFragment*>(fragment)))) {
+    if (auto* state = static_cast<TState*>(t_StateOf(t_Cast<CESGScheduleFragment>(fragment)))) {
         state->serviceMatch |= t_Match(state->serviceRefId, id, length,
                                        "[CESGScheduleFragment::sm_CbFragServiceId] Unmatch FragServiceId");
     }

@@ -74,6 +74,7 @@ bool CESGServiceFragment::sm_Read(SESGState& base, void* node)
     } else {
         vyr::ReadAttribute(node, "globalServiceID", state.globalServiceID);
     }
+    state.sltMatch = false;
     vyr::ReadAttribute(node, "weight", state.weight);
     int emergency = 0;
     vyr::ReadAttribute(node, "emergency", emergency);
@@ -84,7 +85,7 @@ bool CESGServiceFragment::sm_Read(SESGState& base, void* node)
 
 int CESGServiceFragment::sm_CbGlobalServiceId(void* fragment, const char* id, int length)
 {
-    if (auto* state = static_cast<TState*>(t_StateOf(static_cast<CESGServiceFragment*>(fragment)))) {
+    if (auto* state = static_cast<TState*>(t_StateOf(t_Cast<CESGServiceFragment>(fragment)))) {
         state->sltMatch |= t_Match(state->globalServiceID, id, length,
                                    "[CESGServiceFragment::sm_CbGlobalServiceId] Unmatch globalServiceId");
     }

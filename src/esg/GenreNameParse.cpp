@@ -70,7 +70,7 @@ bool CGenreNameParse::Parse(const char* filePath)
 
 bool CGenreNameParse::Parse(const char* buffer, unsigned int length)
 {
-    if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(buffer, "buffer")) {
+    if (!VYR_ASSERT(m, "m") || !VYR_CHECK(buffer, "buffer")) {
         return false;
     }
     if (m_Known()) {
@@ -104,7 +104,7 @@ bool CGenreNameParse::t_Process(void* root)
         if (std::strncmp(vyr::NodeName(term), "Term", 4) != 0 || !id.HasText()) {
             continue;
         }
-        void* name = vyr::FirstElement(term);
+        void* name = m->xml.MoveChild(term);  // required: the very first node of the term
         if (!name || std::strncmp(vyr::NodeName(name), "Name", 4) != 0) {
             continue;
         }

@@ -46,7 +46,6 @@ bool CSGDDParse::m_ProcessParse(void* root)
     if (!node) {
         return false;
     }
-    m->values = SSGDDParse();
     vyr::ReadAttribute(node, "id", m->values.id);
     vyr::ReadAttribute(node, "version", m->values.version);
     m->values.ns = vyr::Namespace(t_xml, node);

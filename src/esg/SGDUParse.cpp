@@ -1,6 +1,8 @@
 #include "esg/SGDUParse.h"
 
 #include <climits>
+#include <functional>
+#include <utility>
 
 #include "common/Inflate.h"
 #include "common/Log.h"
@@ -66,14 +68,15 @@ bool CSGDUParse::Parse(IParse::SItem* item)
     if (!item->valid) {
         return false;
     }
-    for (unsigned int i = 0; i < m->nOServiceGuideFragments; ++i) {
+    const unsigned int count = m->nOServiceGuideFragments;
+    for (unsigned int i = 0; i < count; ++i) {
         if (!t_ProcessServiceGuide(item)) {
             VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] t_ProcessServiceGuide -return false ");
             return false;
         }
     }
-    for (unsigned int i = 0; i < m->nOServiceGuideFragments; ++i) {
-        if (!m_ProcessFragmentSGDU(item, i)) {
+    for (unsigned int i = 0; i < count; ++i) {
+        if (!m_ProcessFragmentSGDU(item, i, i + 1 == count)) {
             return false;
         }
     }
@@ -93,7 +96,7 @@ bool CSGDUParse::t_ProcessServiceGuide(IParse::SItem* item)
 }
 
 /// Reads the fragment `index` of the unit; false: the unit cannot be read any further.
-bool CSGDUParse::m_ProcessFragmentSGDU(IParse::SItem* item, unsigned int index)
+bool CSGDUParse::m_ProcessFragmentSGDU(IParse::SItem* item, unsigned int index, bool last)
 {
     auto frag = std::make_unique<SFragmentSGDU>();
     frag->fragmentEncoding = static_cast<unsigned char>(t_Value(item, 8));
@@ -103,7 +106,7 @@ bool CSGDUParse::m_ProcessFragmentSGDU(IParse::SItem* item, unsigned int index)
         const unsigned int position = item->bitpos / 8;
         frag->length = position < item->size ? item->size - position : 0;
         bool fits = frag->length > 0;
-        if (index + 1 < m->nOServiceGuideFragments) {
+        if (!last) {
             // Required: the entries are counted from the first one ever read.
             const unsigned int a = m->arrayHead[index]->fragmentOffset;
             const unsigned int b = m->arrayHead[index + 1]->fragmentOffset;
@@ -161,16 +164,24 @@ TOwned<CESGFragmentBase> CSGDUParse::t_ProcessFragment(int fragmentType, const c
     return fragment;
 }
 
+/// Whether the address is one of the block's bytes or its end; null: of no block.
+static bool PointsInto(const unsigned char* address, const char* block, std::size_t size)
+{
+    const auto* begin = reinterpret_cast<const unsigned char*>(block);
+    return begin && !std::less<>()(address, begin) && !std::less<>()(begin + size, address);
+}
+
 /// Points the item to the inflated unit; false: it does not inflate.
 bool CSGDUParse::m_ExtractData(IParse::SItem* item)
 {
     // The item may still point to what an earlier call inflated.
     const std::unique_ptr<char[]> old = std::move(m->extracted);
+    const std::size_t oldSize = std::exchange(m->extractedSize, 0);
     vyr::SInflated inflated;
     if (vyr::HasGzipMagic(item->buffer, item->size)) {
         if (const char* failed = vyr::InflateBySteps(item->buffer, item->size, m->inflateLimit, inflated)) {
             VYR_LOG(LOG_PRIORITY_DEBUG, "%s", failed);
-            if (item->buffer == reinterpret_cast<const unsigned char*>(old.get())) {
+            if (PointsInto(item->buffer, old.get(), oldSize)) {
                 static const unsigned char k_nothing = 0;
                 *item = {&k_nothing, 0, 0, 0, false};
             }
@@ -180,6 +191,7 @@ bool CSGDUParse::m_ExtractData(IParse::SItem* item)
         inflated.data = std::make_unique<char[]>(0);
     }
     m->extracted = std::move(inflated.data);
+    m->extractedSize = inflated.size;
     item->buffer = reinterpret_cast<const unsigned char*>(m->extracted.get());
     item->size = static_cast<unsigned int>(inflated.size);
     // A cursor that counts bits reaches no further.

@@ -56,7 +56,6 @@ bool CSGResponse::m_ProcessParse(void* root)
     if (!node) {
         return false;
     }
-    m->values = SSGResponse();
     vyr::ReadAttribute(node, "status", m->values.status);
     vyr::ReadAttribute(node, "lastResponseVersion", m->values.lastResponseVersion);
     vyr::DispatchChildren(this, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);

@@ -60,9 +60,14 @@ static auto Show(const T& element) -> decltype(Show(*element.State()))
     return "{" + Show(*element.State()) + "}";
 }
 
+static std::string Show(const SESGMediaInfo& s)
+{
+    return Join(s.mimeType, s.width, s.height, s.dataSize);
+}
+
 static std::string Show(const SESGMedia& s)
 {
-    return Join(s.content, s.mimeType, s.width, s.height, s.dataSize);
+    return Show(s.content) + "|" + Show(static_cast<const SESGMediaInfo&>(s));
 }
 
 static std::string Show(const CSpokenText::SSpeechInfo& s)
@@ -97,7 +102,7 @@ static std::string Show(const CPreviewDesc::SPreviewDesc& s)
 
 static std::string Show(const CPreviewData::SPreviewData& s)
 {
-    return Join(s.previewContents, s.previewIcons, s.descriptions, s.usage);
+    return Join(s.previewContents, s.previewIcons, s.descriptions, s.usage, s.media);
 }
 
 static std::string Show(const CPresentationWindow::SPresentationWindow& s)
@@ -132,7 +137,7 @@ static std::string Show(const CCellTargetArea::SCell& s)
 
 static std::string Show(const CCellTargetArea::SCellTargetArea& s)
 {
-    return Join(s.type, s.cells);
+    return Join(s.type, s.value, s.cells);
 }
 
 static std::string Show(const CBroadcastArea::SArea& s)
@@ -142,7 +147,7 @@ static std::string Show(const CBroadcastArea::SArea& s)
 
 static std::string Show(const CBroadcastArea::SBroadcastArea& s)
 {
-    return Join(s.polarity, s.p_area);
+    return Join(s.polarity, s.names.cc, s.names.mcc, s.names.nameArea, s.p_area);
 }
 
 static std::string Show(const CComponent::SComponentItem& s)
@@ -152,7 +157,7 @@ static std::string Show(const CComponent::SComponentItem& s)
 
 static std::string Show(const CComponent::SComponent& s)
 {
-    return Join(s.videoComponents, s.audioComponents, s.ccComponents, s.appComponents);
+    return Join(s.language, s.videoComponents, s.audioComponents, s.ccComponents, s.appComponents);
 }
 
 static std::string Show(const CContentAdvRatings::SRatingText& s)
@@ -167,17 +172,17 @@ static std::string Show(const CContentAdvRatings::SRating& s)
 
 static std::string Show(const CContentAdvRatings::SContentAdvRatings& s)
 {
-    return Join(s.regionIdentifier, s.ratedDimensions, s.ratingDescriptions, s.ratings);
+    return Join(s.lang, s.regionIdentifier, s.ratedDimensions, s.ratingDescriptions, s.ratings);
 }
 
 static std::string Show(const CContentPrivateExt::SContentPrivateExt& s)
 {
-    return Join(s.capabilities, s.comp, s.contentIcons, s.previews);
+    return Join(s.media, s.capabilities, s.comp, s.contentIcons, s.previews);
 }
 
 static std::string Show(const CATSC3ServiceExt::SATSC3ServiceExt& s)
 {
-    return Join(s.majorChannelNum, s.minorChannelNum, s.icons);
+    return Join(s.media, s.majorChannelNum, s.minorChannelNum, s.icons);
 }
 
 static std::string Show(const CESGTransport::SESGTransport& s)
@@ -271,7 +276,7 @@ TEST_F(ESGElementTest, EveryAttributeAndChild)
          "<Preview usage='1' MIMEType='m'><PreviewContent MIMEType='a' width='2' height='3' dataSize='4'>b"
          "</PreviewContent><PreviewIcon width='5' height='6' dataSize='7'/><Description lang='c'>d</Description>"
          "<PreviewDescription linkUri='e' uriType='f'/></Preview>",
-         "[b|a|2|3|4]|[|m|5|6|7]|[{d|c|-|-} {|-|e|f}]|1", "[]|[]|[]|0"},
+         "[b|a|2|3|4]|[|-|5|6|7]|[{d|c|-|-} {|-|e|f}]|1|m|0|0|0", "[]|[]|[]|0|-|0|0|0"},
         {"CPreviewDesc", "PreviewDescription", Parsed<CPreviewDesc>,
          "<PreviewDescription lang='a' linkUri='b' uriType='c'>d</PreviewDescription>", "d|a|b|c", "|-|-|-"},
         {"CPresentationWindow", "PresentationWindow", Parsed<CPresentationWindow>,
@@ -303,39 +308,40 @@ TEST_F(ESGElementTest, EveryAttributeAndChild)
          "<BroadcastArea polarity='true' mcc='x'><TargetArea cc='old'><ZipCode>0</ZipCode></TargetArea><TargetArea "
          "cc='a' name_area='b'><ZipCode>1</ZipCode><ZipCode>2</ZipCode><CellTargetArea type='1'/><CellTargetArea "
          "type='3'><CellArea value='c'/></CellTargetArea></TargetArea></BroadcastArea>",
-         "1|a|x|b|[1 2]|{3|[c|[]]}", "0|-"},
+         "1|-|x|-|a|-|b|[1 2]|{3|-|[c|[]]}", "0|-|-|-|-"},
         {"CBroadcastArea", "BroadcastArea", Parsed<CBroadcastArea>,
          "<BroadcastArea polarity='1' cc='a'><ZipCode>1</ZipCode><CellTargetArea/></BroadcastArea>",
-         "0|a|-|-|[1]|{0|[]}", "0|-"},
+         "0|a|-|-|-|-|-|[1]|{0|-|[]}", "0|-|-|-|-"},
         {"CCellTargetArea", "CellTargetArea", Parsed<CCellTargetArea>,
          "<CellTargetArea type='1' value='v'><CellArea value='a'><PP2CellID>b</PP2CellID><PP2CellID>c</PP2CellID>"
          "</CellArea><CellArea/><PP2CellID>d</PP2CellID></CellTargetArea>",
-         "1|[a|[b c] v|[d]]", "0|[]"},
+         "1|v|[a|[b c] -|[d]]", "0|-|[]"},
         {"CComponent", "Components", Parsed<CComponent>,
          "<Components language='z'><VideoComponent>a</VideoComponent><AudioComponent language='b'>c</AudioComponent>"
          "<AudioComponent/><CCComponent language='d'/><AppComponent language='e'/></Components>",
-         "[a|z]|[c|b |z]|[|d]|[|e]", "[]|[]|[]|[]"},
+         "z|[a|-]|[c|b |-]|[|d]|[|e]", "-|[]|[]|[]|[]"},
         {"CContentAdvRatings", "ContentAdvisoryRatings", Parsed<CContentAdvRatings>,
          "<ContentAdvisoryRatings><RegionIdentifier>1</RegionIdentifier><RatedDimensions>2</RatedDimensions>"
          "<RatingDescription lang='a'>b</RatingDescription><RatingDimVal><RatingDimension>0</RatingDimension>"
          "<RatingValueString lang='c'>d</RatingValueString><RatingValueString>e</RatingValueString></RatingDimVal>"
          "<RatingDimVal><RatingValueString>f</RatingValueString><RatingDimension>5</RatingDimension></RatingDimVal>"
          "</ContentAdvisoryRatings>",
-         "1|2|[b|a]|[0|1|-|[d|c e|-] 5|1|-|[f|-]]", "0|0|[]|[]"},
+         "-|1|2|[b|a]|[0|1|-|[d|c e|-] 5|1|-|[f|-]]", "-|0|0|[]|[]"},
         {"CContentAdvRatings", "ContentAdvisoryRatings", Parsed<CContentAdvRatings>,
          "<ContentAdvisoryRatings lang='z'><RatingDimension>3</RatingDimension><RatingDimVal>4</RatingDimVal>"
          "<RatingValueString>a</RatingValueString><RatingDimension>6</RatingDimension><RatingDimVal>7</RatingDimVal>"
          "</ContentAdvisoryRatings>",
-         "0|0|[]|[3|1|4|[a|z] 6|1|7|[]]", "0|0|[]|[]"},
+         "z|0|0|[]|[3|1|4|[a|-] 6|1|7|[]]", "-|0|0|[]|[]"},
         {"CContentPrivateExt", "PrivateExt", Parsed<CContentPrivateExt>,
          "<PrivateExt MIMEType='z'><Capabilities>a</Capabilities><Components><AppComponent/></Components><Components/>"
          "<ContentIcon dataSize='1'>b</ContentIcon><ContentIcon MIMEType='c'/><Preview usage='2'/><Preview/>"
          "</PrivateExt>",
-         "a|{[]|[]|[]|[]}|[b|z|0|0|1 |c|0|0|0]|[{[]|[]|[]|2} {[]|[]|[]|0}]", "-|-|[]|[]"},
+         "z|0|0|0|a|{-|[]|[]|[]|[]}|[b|-|0|0|1 |c|0|0|0]|[{[]|[]|[]|2|-|0|0|0} {[]|[]|[]|0|-|0|0|0}]",
+         "-|0|0|0|-|-|[]|[]"},
         {"CATSC3ServiceExt", "ATSC3ServiceExtension", Parsed<CATSC3ServiceExt>,
          "<ATSC3ServiceExtension width='9'><MajorChannelNum>1</MajorChannelNum><MinorChannelNum>2</MinorChannelNum>"
          "<Icon MIMEType='a' width='3' height='4' dataSize='5'>b</Icon><Icon/></ATSC3ServiceExtension>",
-         "1|2|[b|a|3|4|5 |-|9|0|0]", "0|0|[]"},
+         "-|9|0|0|1|2|[b|a|3|4|5 |-|0|0|0]", "-|0|0|0|0|0|[]"},
         {"CDescriptorEntry", "DescriptorEntry", Parsed<CDescriptorEntry>,
          "<DescriptorEntry type='1'><GroupingCriteria idRef='old'/><GroupingCriteria/><Transport port='2'/>"
          "<AlternativeAccessURL>a</AlternativeAccessURL><AlternativeAccessURL>b</AlternativeAccessURL>"

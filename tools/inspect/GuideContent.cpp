@@ -177,6 +177,7 @@ TJson RatingTextJson(const CContentAdvRatings::SRatingText& text)
 TJson RatingsJson(const CContentAdvRatings::SContentAdvRatings& ratings)
 {
     TJson json = TJson::object();
+    PutText(json, "lang", ratings.lang.get());
     PutCount(json, "RegionIdentifier", ratings.regionIdentifier);
     PutCount(json, "RatedDimensions", ratings.ratedDimensions);
     PutEach(json, "RatingDescription", ratings.ratingDescriptions, RatingTextJson);
@@ -238,32 +239,44 @@ TJson TermsJson(const CTermsOfUse::STermsOfUse& terms)
     return json;
 }
 
+void PutMediaInfo(TJson& json, const SESGMediaInfo& info)
+{
+    PutText(json, "MIMEType", info.mimeType.get());
+    PutCount(json, "width", info.width);
+    PutCount(json, "height", info.height);
+    PutCount(json, "dataSize", info.dataSize);
+}
+
 TJson MediaJson(const SESGMedia& media)
 {
     TJson json = TJson::object();
     PutText(json, "text", media.content.get());
-    PutText(json, "MIMEType", media.mimeType.get());
-    PutCount(json, "width", media.width);
-    PutCount(json, "height", media.height);
-    PutCount(json, "dataSize", media.dataSize);
+    PutMediaInfo(json, media);
     return json;
+}
+
+void PutAreaNames(TJson& json, const CBroadcastArea::SAreaNames& names)
+{
+    PutText(json, "cc", names.cc.get());
+    PutText(json, "mcc", names.mcc.get());
+    PutText(json, "name_area", names.nameArea.get());
 }
 
 TJson AreaJson(const CBroadcastArea::SBroadcastArea& area)
 {
     TJson json = {{"polarity", area.polarity}};
+    PutAreaNames(json, area.names);
     if (!area.p_area) {
         return json;
     }
     TJson target = TJson::object();
-    PutText(target, "cc", area.p_area->cc.get());
-    PutText(target, "mcc", area.p_area->mcc.get());
-    PutText(target, "name_area", area.p_area->nameArea.get());
+    PutAreaNames(target, *area.p_area);
     PutEach(target, "ZipCode", area.p_area->zipCodes, TextJson);
     if (area.p_area->cellTargetArea) {
         const auto& cells = *area.p_area->cellTargetArea->State();
         TJson entry = TJson::object();
         PutCount(entry, "type", cells.type);
+        PutText(entry, "value", cells.value.get());
         PutEach(entry, "CellArea", cells.cells, [](const auto& cell) {
             TJson one = TJson::object();
             PutText(one, "value", cell.value.get());
@@ -280,6 +293,7 @@ TJson PreviewJson(const CPreviewData::SPreviewData& preview)
 {
     TJson json = TJson::object();
     PutCount(json, "usage", preview.usage);
+    PutMediaInfo(json, preview.media);
     PutEach(json, "PreviewContent", preview.previewContents, MediaJson);
     PutEach(json, "PreviewIcon", preview.previewIcons, MediaJson);
     PutStates(json, "PreviewDescription", preview.descriptions, [](const CPreviewDesc::SPreviewDesc& description) {
@@ -294,6 +308,7 @@ TJson PreviewJson(const CPreviewData::SPreviewData& preview)
 TJson ExtensionJson(const CContentPrivateExt::SContentPrivateExt& extension)
 {
     TJson json = TJson::object();
+    PutMediaInfo(json, extension.media);
     PutText(json, "Capabilities", extension.capabilities.get());
     if (extension.comp) {
         const CComponent::SComponent& components = *extension.comp->State();
@@ -301,6 +316,7 @@ TJson ExtensionJson(const CContentPrivateExt::SContentPrivateExt& extension)
             return InLanguageJson(component.content, component.language, "language");
         };
         TJson entry = TJson::object();
+        PutText(entry, "language", components.language.get());
         PutEach(entry, "VideoComponent", components.videoComponents, item);
         PutEach(entry, "AudioComponent", components.audioComponents, item);
         PutEach(entry, "CCComponent", components.ccComponents, item);
@@ -338,6 +354,7 @@ void PutService(TJson& json, const TService& state)
     if (state.serviceExt) {
         const CATSC3ServiceExt::SATSC3ServiceExt& extension = *state.serviceExt->State();
         TJson entry = TJson::object();
+        PutMediaInfo(entry, extension.media);
         PutCount(entry, "MajorChannelNum", extension.majorChannelNum);
         PutCount(entry, "MinorChannelNum", extension.minorChannelNum);
         PutEach(entry, "Icon", extension.icons, MediaJson);

@@ -6,11 +6,15 @@
 /// Where a service can be received: the BroadcastArea element.
 class VYR_API CBroadcastArea : public CESGElement {
   public:
-    /// An area.
-    struct SArea {
-        TESGText cc;                             ///< cc, country code
-        TESGText mcc;                            ///< mcc, mobile country code
-        TESGText nameArea;                       ///< name_area
+    /// How an area is named.
+    struct SAreaNames {
+        TESGText cc;        ///< cc, country code
+        TESGText mcc;       ///< mcc, mobile country code
+        TESGText nameArea;  ///< name_area
+    };
+
+    /// An area, its names those of TargetArea.
+    struct SArea : SAreaNames {
         std::vector<TESGText> zipCodes;          ///< ZipCode, text
         TOwned<CCellTargetArea> cellTargetArea;  ///< CellTargetArea, the last; null: none
     };
@@ -18,7 +22,8 @@ class VYR_API CBroadcastArea : public CESGElement {
     /// What was parsed.
     struct SBroadcastArea : SESGElement {
         bool polarity = false;          ///< polarity: "true": in the area, "false": outside
-        std::unique_ptr<SArea> p_area;  ///< TargetArea, the last; null: none
+        SAreaNames names;               ///< of the element itself
+        std::unique_ptr<SArea> p_area;  ///< TargetArea, the last, or what stands outside of one; null: none
     };
 
     /// The record; null before Create.

@@ -13,6 +13,7 @@ class VYR_API CComponent : public CESGElement {
 
     /// What was parsed.
     struct SComponent : SESGElement {
+        TESGText language;                            ///< language of the element itself
         std::vector<SComponentItem> videoComponents;  ///< VideoComponent
         std::vector<SComponentItem> audioComponents;  ///< AudioComponent
         std::vector<SComponentItem> ccComponents;     ///< CCComponent, captions

@@ -21,7 +21,8 @@ class VYR_API CContentAdvRatings : public CESGElement {
 
     /// What was parsed.
     struct SContentAdvRatings : SESGElement {
-        int regionIdentifier = 0;                     ///< RegionIdentifier, text: the rating region (ATSC A/331 6.4)
+        TESGText lang;                                ///< lang of the element itself
+        int regionIdentifier = 0;                     ///< RegionIdentifier, text: the rating region
         int ratedDimensions = 0;                      ///< RatedDimensions, text: number of dimensions
         std::vector<SRatingText> ratingDescriptions;  ///< RatingDescription
         std::vector<SRating> ratings;                 ///< one for each dimension

@@ -11,22 +11,23 @@ struct VYR_API SESGElement : SESGState {
     void* proot;  ///< the element; likewise
 };
 
-/// A file that an element points to: its text, and what its attributes say of it.
-struct SESGMedia {
-    TESGText content;   ///< text: URI of the file
+/// What the attributes of an element say of a file.
+struct SESGMediaInfo {
     TESGText mimeType;  ///< MIMEType
     int width = 0;      ///< width, pixels
     int height = 0;     ///< height, pixels
     int dataSize = 0;   ///< dataSize, bytes
 };
 
+/// A file that an element points to.
+struct SESGMedia : SESGMediaInfo {
+    TESGText content;  ///< text: URI of the file
+};
+
 /// Base of the parsers of the elements in a service guide (OMA BCAST Service Guide, ATSC A/332). An object
 /// works on one element of a document that somebody else holds and keeps alive until the parse is over: Create,
 /// Parse once, Destroy, delete. The results are the record of State(), which each class has, copied from the
 /// document; it is null before Create and good until Destroy. Not thread-safe.
-///
-/// An attribute that the guide's standards give to a child element is read there, and from the element
-/// itself where the child does not have it.
 class VYR_API CESGElement {
   public:
     /// Frees nothing: Destroy comes first, else "!m" is asserted.

@@ -12,6 +12,7 @@ class VYR_API CPreviewData : public CESGElement {
         std::vector<SESGMedia> previewIcons;     ///< PreviewIcon
         TOwnedList<CPreviewDesc> descriptions;   ///< Description and PreviewDescription
         int usage = 0;                           ///< usage
+        SESGMediaInfo media;                     ///< MIMEType, width, height, dataSize of the element itself
     };
 
     /// The record; null before Create.

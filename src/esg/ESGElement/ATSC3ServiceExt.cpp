@@ -12,11 +12,16 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
     {"Icon", vyr::TakeRecord<&TState::icons, vyr::ReadMedia>, "sm_CbIconEntry"},
 };
 
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadMediaInfo(state.media, node);
+}
+
 }  // namespace
 
 const vyr::SESGKind& CATSC3ServiceExt::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, vyr::NoAttributes, k_handlers>(
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes, k_handlers>(
         vyr::k_source.text, "CATSC3ServiceExt", "ATSC3ServiceExtension");
     return k_kind;
 }

@@ -6,28 +6,23 @@ namespace {
 
 using TState = CBroadcastArea::SBroadcastArea;
 
-/// Begins the area that `node` describes.
-void NewArea(TState* state, void* node)
+void ReadNames(CBroadcastArea::SAreaNames& names, void* node)
 {
-    state->p_area = std::make_unique<CBroadcastArea::SArea>();
-    vyr::ReadAttribute(*state, node, "cc", state->p_area->cc);
-    vyr::ReadAttribute(*state, node, "mcc", state->p_area->mcc);
-    vyr::ReadAttribute(*state, node, "name_area", state->p_area->nameArea);
+    vyr::ReadAttribute(node, "cc", names.cc);
+    vyr::ReadAttribute(node, "mcc", names.mcc);
+    vyr::ReadAttribute(node, "name_area", names.nameArea);
 }
 
 void TakeArea(TState* state, void* child)
 {
-    NewArea(state, child);
+    ReadNames(vyr::Fresh(state->p_area), child);
     vyr::TakeChildren(state, child);
 }
 
 /// The area of a child, which may stand in the element itself.
 CBroadcastArea::SArea& Area(TState* state)
 {
-    if (!state->p_area) {
-        NewArea(state, state->proot);
-    }
-    return *state->p_area;
+    return state->p_area ? *state->p_area : vyr::Fresh(state->p_area);
 }
 
 void TakeZipCode(TState* state, void* child)
@@ -45,6 +40,7 @@ void TakeCells(TState* state, void* child)
 void ReadAttributes(TState& state, void* node)
 {
     vyr::ReadAttribute(node, "polarity", state.polarity);
+    ReadNames(state.names, node);
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {

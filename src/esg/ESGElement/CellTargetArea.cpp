@@ -8,7 +8,7 @@ using TState = CCellTargetArea::SCellTargetArea;
 
 void TakeCell(TState* state, void* child)
 {
-    vyr::ReadAttribute(*state, child, "value", state->cells.emplace_back().value);
+    vyr::ReadAttribute(child, "value", state->cells.emplace_back().value);
     vyr::TakeChildren(state, child);
 }
 
@@ -23,6 +23,7 @@ void TakePP2Cell(TState* state, void* child)
 void ReadAttributes(TState& state, void* node)
 {
     vyr::ReadAttribute(node, "type", state.type);
+    vyr::ReadAttribute(node, "value", state.value);
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {

@@ -6,10 +6,15 @@ namespace {
 
 using TState = CComponent::SComponent;
 
-void ReadComponent(CComponent::SComponentItem& component, const SESGElement& state, void* child)
+void ReadComponent(CComponent::SComponentItem& component, void* node)
 {
-    vyr::ReadContent(child, component.content);
-    vyr::ReadAttribute(state, child, "language", component.language);
+    vyr::ReadContent(node, component.content);
+    vyr::ReadAttribute(node, "language", component.language);
+}
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "language", state.language);
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
@@ -24,6 +29,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 const vyr::SESGKind& CComponent::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, vyr::NoAttributes, k_handlers>(vyr::k_source.text, "CComponent", "Components");
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CComponent", "Components");
     return k_kind;
 }

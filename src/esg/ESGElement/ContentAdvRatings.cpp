@@ -8,10 +8,15 @@ using TState = CContentAdvRatings::SContentAdvRatings;
 
 using SRating = CContentAdvRatings::SRating;
 
-void ReadText(CContentAdvRatings::SRatingText& text, const SESGElement& state, void* child)
+void ReadText(CContentAdvRatings::SRatingText& text, void* node)
 {
-    vyr::ReadContent(child, text.content);
-    vyr::ReadAttribute(state, child, "lang", text.lang);
+    vyr::ReadContent(node, text.content);
+    vyr::ReadAttribute(node, "lang", text.lang);
+}
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "lang", state.lang);
 }
 
 /// The rating that an element outside of RatingDimVal belongs to: a new one where the last has it already.
@@ -44,7 +49,7 @@ void TakeDimVal(TState* state, void* child)
 void TakeValueString(TState* state, void* child)
 {
     SRating& rating = Rating(state, [](const SRating&) { return false; });
-    ReadText(rating.ratingValueStrings.emplace_back(), *state, child);
+    ReadText(rating.ratingValueStrings.emplace_back(), child);
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
@@ -60,7 +65,7 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CContentAdvRatings::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, vyr::NoAttributes, k_handlers>(
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes, k_handlers>(
         vyr::k_source.text, "CContentAdvRatings", "ContentAdvisoryRatings");
     return k_kind;
 }

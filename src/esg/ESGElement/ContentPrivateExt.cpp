@@ -16,11 +16,16 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
     {"Preview", vyr::TakeElement<&TState::previews, k_preview>, "sm_CbPreviewEntry"},
 };
 
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadMediaInfo(state.media, node);
+}
+
 }  // namespace
 
 const vyr::SESGKind& CContentPrivateExt::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, vyr::NoAttributes, k_handlers>(vyr::k_source.text, "CContentPrivateExt", "PrivateExt");
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CContentPrivateExt", "PrivateExt");
     return k_kind;
 }

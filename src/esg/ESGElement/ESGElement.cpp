@@ -148,13 +148,18 @@ void ReadDate(void* node, const char* name, long long& out)
     out = read ? static_cast<long long>(timegm(&date)) : 0;
 }
 
-void ReadMedia(SESGMedia& media, const SESGElement& state, void* child)
+void ReadMediaInfo(SESGMediaInfo& info, void* node)
 {
-    ReadContent(child, media.content);
-    ReadAttribute(state, child, "MIMEType", media.mimeType);
-    ReadAttribute(state, child, "width", media.width);
-    ReadAttribute(state, child, "height", media.height);
-    ReadAttribute(state, child, "dataSize", media.dataSize);
+    ReadAttribute(node, "MIMEType", info.mimeType);
+    ReadAttribute(node, "width", info.width);
+    ReadAttribute(node, "height", info.height);
+    ReadAttribute(node, "dataSize", info.dataSize);
+}
+
+void ReadMedia(SESGMedia& media, void* node)
+{
+    ReadContent(node, media.content);
+    ReadMediaInfo(media, node);
 }
 
 }  // namespace vyr

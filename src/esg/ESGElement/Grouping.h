@@ -9,14 +9,14 @@ namespace vyr {
 template <class TState>
 void TakeTimeCriteria(TState* state, void* child)
 {
-    ReadAttribute(*state, child, "startTime", state->startTime);
-    ReadAttribute(*state, child, "endTime", state->endTime);
+    UpdateAttribute(child, "startTime", state->startTime);
+    UpdateAttribute(child, "endTime", state->endTime);
 }
 
 template <class TState>
 void TakeSelector(TState* state, void* child)
 {
-    ReadAttribute(*state, child, "idRef", state->idRef);
+    UpdateAttribute(child, "idRef", state->idRef);
 }
 
 }  // namespace vyr

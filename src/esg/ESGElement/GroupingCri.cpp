@@ -10,8 +10,8 @@ using TState = CGroupingCri::SGroupingCri;
 void TakeGenre(TState* state, void* child)
 {
     vyr::ReadContent(child, state->genre);
-    vyr::ReadAttribute(*state, child, "type", state->type);
-    vyr::ReadAttribute(*state, child, "href", state->href);
+    vyr::UpdateAttribute(child, "type", state->type);
+    vyr::UpdateAttribute(child, "href", state->href);
 }
 
 void ReadAttributes(TState& state, void* node)

@@ -11,6 +11,7 @@ constexpr vyr::SChildSteps k_desc = {"pDesc->Create(root->m->pdoc, curr)", "pDes
 void ReadAttributes(TState& state, void* node)
 {
     vyr::ReadAttribute(node, "usage", state.usage);
+    vyr::ReadMediaInfo(state.media, node);
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {

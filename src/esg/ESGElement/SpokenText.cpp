@@ -6,7 +6,7 @@ namespace {
 
 using TState = CSpokenText::SSpokenText;
 
-void ReadSpeech(CSpokenText::SSpeechInfo& speech, const SESGElement& /*state*/, void* child)
+void ReadSpeech(CSpokenText::SSpeechInfo& speech, void* child)
 {
     vyr::ReadContent(child, speech.content);
     vyr::ReadAttribute(child, "Content-type", speech.contentType);
