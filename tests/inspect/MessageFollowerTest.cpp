@@ -53,6 +53,9 @@ std::string Versioned(std::string message, char version)
 TEST(MessageFollower, WhatMakesAMessageAnother)
 {
     const std::string mpt = MmtMessage(0x20, 16, MmtMpTable(0x20));
+    const std::string changed = MmtMessage(0x20, 16, MmtMpTable(0x20) + "?");
+    std::string otherPackage = MmtMpTable(0x20);
+    otherPackage[6] = 'q';
     const std::string signedMpt = MmtMessage(0x8101, 32, MmtSigned(mpt));
     const auto atsc = [](unsigned type, const std::string& content, unsigned version = 1) {
         return MmtMessage(0x8100, 32, MmtAtsc3(type, content, version));
@@ -71,19 +74,21 @@ TEST(MessageFollower, WhatMakesAMessageAnother)
         {"another packet id", mpt, mpt, EStatus::NEW, 8},
         {"another message id", mpt, MmtMessage(0x11, 16, MmtMpTable(0x20)), EStatus::NEW},
         {"a new version", mpt, Versioned(mpt, 8), EStatus::NEW_VERSION_SAME_CONTENT},
-        {"a new content", mpt, MmtMessage(0x20, 16, "?"), EStatus::CHANGED_WITHOUT_VERSION},
-        {"both", mpt, Versioned(MmtMessage(0x20, 16, "?"), 8), EStatus::CHANGED},
+        {"a new content", mpt, changed, EStatus::CHANGED_WITHOUT_VERSION},
+        {"both", mpt, Versioned(changed, 8), EStatus::CHANGED},
         {"another content type", atsc(3, "a"), atsc(4, "a"), EStatus::NEW},
         {"a new content version", atsc(3, "a"), atsc(3, "a", 2), EStatus::NEW_VERSION_SAME_CONTENT},
         {"and content", atsc(3, "a"), atsc(3, "b", 2), EStatus::CHANGED},
         {"content alone", atsc(3, "a"), atsc(3, "b"), EStatus::CHANGED_WITHOUT_VERSION},
         {"another compression", atsc(3, "a"), MmtMessage(0x8100, 32, MmtAtsc3(3, "a", 1, 2)),
          EStatus::CHANGED_WITHOUT_VERSION},
-        {"another URI", uri, otherUri, EStatus::CHANGED_WITHOUT_VERSION},
+        {"another URI", uri, otherUri, EStatus::NEW},
+        {"another service", uri, MmtMessage(0x8100, 32, Number(2, 2) + uri.substr(9)), EStatus::NEW},
+        {"another package", mpt, MmtMessage(0x20, 16, otherPackage), EStatus::NEW},
         {"another signature", signedMpt, MmtMessage(0x8101, 32, MmtSigned(mpt, "other")), EStatus::REPEATED},
         {"signed: another version", signedMpt, MmtMessage(0x8101, 32, MmtSigned(Versioned(mpt, 8))),
          EStatus::NEW_VERSION_SAME_CONTENT},
-        {"signed: another content", signedMpt, MmtMessage(0x8101, 32, MmtSigned(MmtMessage(0x20, 16, "?"))),
+        {"signed: another content", signedMpt, MmtMessage(0x8101, 32, MmtSigned(changed)),
          EStatus::CHANGED_WITHOUT_VERSION},
         {"signed: another message", signedMpt, MmtMessage(0x8101, 32, MmtSigned(atsc(3, "a"))), EStatus::NEW},
         {"signed, and not", signedMpt, mpt, EStatus::NEW},

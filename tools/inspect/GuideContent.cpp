@@ -1,5 +1,7 @@
 #include "GuideContent.h"
 
+#include <algorithm>
+
 #include "Json.h"
 #include "Text.h"
 #include "esg/ESGContentFragment.h"
@@ -21,13 +23,7 @@ std::string Text(const TESGText& text)
 
 std::optional<std::int64_t> FromNtp(unsigned ntp)
 {
-    constexpr std::int64_t k_offset = 2208988800;
-    constexpr std::int64_t k_era = std::int64_t{1} << 32;
-    if (ntp == 0) {
-        return {};
-    }
-    // What has the highest bit clear is of the era that begins in 2036.
-    return ntp - k_offset + (ntp < 0x80000000u ? k_era : 0);
+    return ntp != 0 ? std::optional(NtpSeconds(ntp)) : std::nullopt;
 }
 
 std::string TimeText(const std::optional<std::int64_t>& time)
@@ -393,9 +389,9 @@ void PutContent(TJson& json, const TContent& state)
     }
 }
 
-SGuideWindow Window(const std::string& contentId, const CPresentationWindow::SPresentationWindow& window)
+SGuideWindow Window(const CPresentationWindow::SPresentationWindow& window)
 {
-    SGuideWindow times = {contentId, FromNtp(window.startTime != 0 ? window.startTime : window.startTimeElement),
+    SGuideWindow times = {FromNtp(window.startTime != 0 ? window.startTime : window.startTimeElement),
                           FromNtp(window.endTime != 0 ? window.endTime : window.endTimeElement)};
     if (times.start && !times.end && window.duration != 0) {
         times.end = *times.start + window.duration;
@@ -414,11 +410,10 @@ void PutSchedule(TJson& json, const TSchedule& state)
         PutText(entry, "contentLocation", content.contentLocation.get());
         PutStates(entry, "PresentationWindow", content.presentationWindows,
                   [](const CPresentationWindow::SPresentationWindow& window) {
-                      const SGuideWindow times = Window({}, window);
                       TJson one = TJson::object();
                       PutText(one, "id", window.id.get());
-                      PutText(one, "startTime", TimeText(times.start));
-                      PutText(one, "endTime", TimeText(times.end));
+                      PutNtp(one, "startTime", window.startTime != 0 ? window.startTime : window.startTimeElement);
+                      PutNtp(one, "endTime", window.endTime != 0 ? window.endTime : window.endTimeElement);
                       PutCount(one, "DurationSeconds", window.duration);
                       return one;
                   });
@@ -427,20 +422,30 @@ void PutSchedule(TJson& json, const TSchedule& state)
     PutStates(json, "TermsOfUse", state.termsOfUses, TermsJson);
 }
 
-std::vector<SGuideWindow> Windows(const TSchedule& state)
+std::vector<SGuideReference> References(const TSchedule& state)
 {
-    std::vector<SGuideWindow> windows;
+    std::vector<SGuideReference> references;
     for (const auto& element : state.contentRefs) {
         const CScheduleContentRef::SScheduleContentRef& content = *element->State();
-        const std::string id = Text(content.idRef);
+        SGuideReference& reference = references.emplace_back();
+        reference.contentId = Text(content.idRef);
         for (const auto& window : content.presentationWindows) {
-            windows.push_back(Window(id, *window->State()));
+            reference.windows.push_back(Window(*window->State()));
         }
-        if (content.presentationWindows.empty()) {
-            windows.push_back({id, {}, {}});
+        if (reference.windows.empty()) {
+            reference.windows.emplace_back();
         }
     }
-    return windows;
+    return references;
+}
+
+std::size_t Presentations(const TSchedule& state)
+{
+    std::size_t count = 0;
+    for (const auto& element : state.contentRefs) {
+        count += std::max<std::size_t>(element->State()->presentationWindows.size(), 1);
+    }
+    return count;
 }
 
 SGuideService Service(const TService& state)
@@ -624,7 +629,7 @@ SGuideFragment GuideFragment(unsigned type, const CESGFragmentBase& fragment)
         const TSchedule& state = *static_cast<const CESGScheduleFragment&>(fragment).State();
         base(state);
         held.serviceId = Text(state.serviceRefId);
-        held.windows = Windows(state);
+        held.references = References(state);
     }
     return held;
 }
@@ -659,7 +664,7 @@ SContent FragmentContent(unsigned type, const CESGFragmentBase& fragment)
         base(state);
         PutSchedule(json, state);
         what = "service " + (state.serviceRefId ? Printable(Text(state.serviceRefId)) : "-") + ", " +
-               Counted(Windows(state).size(), "presentation");
+               Counted(Presentations(state), "presentation");
     }
     content.headline += what.empty() ? "" : ": " + what;
     return content;

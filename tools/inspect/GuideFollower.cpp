@@ -82,6 +82,9 @@ class CGuideFollower::CJoin {
         guide.missingServices = m_missingServices.size();
     }
 
+    /// Bytes of the programmes, about.
+    std::size_t Cost() const { return std::min(m_cost, m_limit); }
+
     SGuide guide;
     std::size_t leftOut = 0;  ///< programmes that would be too much
 
@@ -117,7 +120,7 @@ class CGuideFollower::CJoin {
 
     void m_Add(SGuideService& service, const SProgramme& programme, const SGuideWindow& window)
     {
-        m_cost += Cost(programme);
+        m_cost += vyr::inspect::Cost(programme);
         if (m_cost > m_limit) {
             ++leftOut;
             return;
@@ -132,14 +135,16 @@ class CGuideFollower::CJoin {
         static const SProgramme k_unknown;
         for (const SGuideFragment* schedule : m_schedules) {
             SGuideService& service = m_ServiceOf(*schedule);
-            for (const SGuideWindow& window : schedule->windows) {
-                const auto content = m_contents.find(window.contentId);
-                if (content == m_contents.end()) {
-                    m_missingContents.insert(window.contentId);
-                    m_Add(service, k_unknown, window);
-                } else {
+            for (const SGuideReference& reference : schedule->references) {
+                const auto content = m_contents.find(reference.contentId);
+                const bool known = content != m_contents.end();
+                if (known) {
                     m_scheduled.insert(content->first);
-                    m_Add(service, content->second->programme, window);
+                } else if (!reference.contentId.empty()) {
+                    m_missingContents.insert(reference.contentId);
+                }
+                for (const SGuideWindow& window : reference.windows) {
+                    m_Add(service, known ? content->second->programme : k_unknown, window);
                 }
             }
         }
@@ -188,15 +193,19 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SBytes object
     report.source = source;
     report.size = object.size;
     report.gzip = IsGzip(object);
-    SObject now = {object.size, ContentHash(object), 0, false, place ? place->contentLocation : ""};
+    SObject now = {object.size, ContentHash(object), 0, 0, false, place ? place->contentLocation : ""};
+    SObject before;
     if (place) {
         report.session = place->session;
         report.tsi = place->tsi;
         report.toi = place->toi;
         report.contentLocation = place->contentLocation;
         const auto known = m_objects.find({place->session, place->tsi, place->toi});
-        if (known != m_objects.end() && known->second.size == now.size && known->second.hash == now.hash) {
-            return m_Repeated(known->second, report);
+        if (known != m_objects.end()) {
+            before = known->second;
+        }
+        if (before.size == now.size && before.hash == now.hash) {
+            return m_Repeated(before, report);
         }
     }
     std::vector<unsigned char> inflated;
@@ -207,8 +216,12 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SBytes object
         kind = GuideKind(text);
     }
     now.textSize = text.size;
+    now.textHash = whole ? ContentHash(text) : now.hash;
     now.guide = kind.has_value();
     report.status = place ? m_Remember(*place, now) : EStatus::NEW;
+    if (before.textSize == now.textSize && before.textHash == now.textHash && before.size != 0) {
+        return m_Repeated(now, report);
+    }
     if (!kind) {
         if (place && IsGuideType(place->contentType)) {
             ++m_report.Summary().guide.notParsed;
@@ -242,8 +255,14 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SBytes object
         m_Fault(EFault::ASSERTION, "the library asserts \"" + assertion.expression + "\" at " + assertion.place, place,
                 source);
     }
-    m_sinceShown += text.size;
+    m_CountSent(now);
     return true;
+}
+
+void CGuideFollower::m_CountSent(const SObject& object)
+{
+    m_sinceShown += object.textSize;
+    m_sentSinceShown += object.size;
 }
 
 /// An object that comes again tells that the guide was sent through: it is shown then, when it has changed
@@ -255,8 +274,8 @@ bool CGuideFollower::m_Repeated(const SObject& known, SGuideObject& object)
     }
     object.status = EStatus::REPEATED;
     m_report.GuideObject(object);
-    m_sinceShown += known.textSize;
-    if (m_changed && m_sinceShown >= m_held) {
+    m_CountSent(known);
+    if (m_changed && m_sinceShown >= m_held && m_sentSinceShown >= m_shownCost / k_mostGrowth) {
         m_Show(object.source);
     }
     return true;
@@ -270,14 +289,16 @@ EStatus CGuideFollower::m_Remember(const SGuidePlace& place, const SObject& now)
     EStatus status = EStatus::CHANGED_WITHOUT_VERSION;
     if (isNew) {
         status = EStatus::NEW;
-        m_objectOrder.push_back(key);
-        for (const auto& [other, object] : m_objects) {
-            if (!place.contentLocation.empty() && object.contentLocation == place.contentLocation &&
-                std::get<0>(other) == place.session) {
-                const bool same = object.size == now.size && object.hash == now.hash;
-                status = same ? EStatus::NEW_VERSION_SAME_CONTENT : EStatus::CHANGED;
-            }
+        const auto last = std::find_if(m_objectOrder.rbegin(), m_objectOrder.rend(), [&](const TObject& other) {
+            return !place.contentLocation.empty() && std::get<0>(other) == place.session &&
+                   m_objects.at(other).contentLocation == place.contentLocation;
+        });
+        if (last != m_objectOrder.rend()) {
+            const SObject& object = m_objects.at(*last);
+            const bool same = object.textSize == now.textSize && object.textHash == now.textHash;
+            status = same ? EStatus::NEW_VERSION_SAME_CONTENT : EStatus::CHANGED;
         }
+        m_objectOrder.push_back(key);
     }
     entry->second = now;
     if (m_objectOrder.size() > k_maxObjects) {
@@ -348,6 +369,8 @@ void CGuideFollower::m_Show(const SSource& source)
     m_report.Guide(join.guide);
     m_changed = false;
     m_sinceShown = 0;
+    m_sentSinceShown = 0;
+    m_shownCost = join.Cost();
     m_shownServices = join.guide.services.size();
     m_shownProgrammes = 0;
     for (const SGuideService& service : join.guide.services) {

@@ -55,13 +55,15 @@ class CGuideFollower {
 
   private:
     static constexpr std::size_t k_maxObjects = 4096;
+    static constexpr std::size_t k_mostGrowth = 32;  ///< of the report, against what was sent
 
     using TFragment = std::pair<unsigned, std::string>;            ///< type and id
     using TObject = std::tuple<std::string, std::uint64_t, TToi>;  ///< session, TSI and TOI
     struct SObject {
         std::size_t size = 0;
-        std::uint64_t hash = 0;
+        std::uint64_t hash = 0;  ///< as sent
         std::size_t textSize = 0;
+        std::uint64_t textHash = 0;  ///< inflated
         bool guide = false;
         std::string contentLocation;
     };
@@ -72,6 +74,7 @@ class CGuideFollower {
     class CJoin;
 
     bool m_Repeated(const SObject& known, SGuideObject& object);
+    void m_CountSent(const SObject& object);
     EStatus m_Remember(const SGuidePlace& place, const SObject& now);
     void m_Hold(SGuideFragment&& fragment, const std::optional<SGuidePlace>& place, const SSource& source);
     void m_MakeRoom(const SSource& source);
@@ -87,8 +90,10 @@ class CGuideFollower {
     std::list<TFragment> m_order;  ///< of m_fragments, oldest first
     std::size_t m_held = 0;        ///< bytes of the fragments' texts
     std::map<TGroup, std::vector<SService>> m_services;
-    std::size_t m_sinceShown = 0;  ///< bytes of the objects that came since, repeats included
-    bool m_changed = false;        ///< since the guide was shown
+    std::size_t m_sinceShown = 0;      ///< bytes of the objects that came since, inflated, repeats included
+    std::size_t m_sentSinceShown = 0;  ///< the same as they were sent
+    std::size_t m_shownCost = 0;       ///< bytes of the programmes that were shown, about
+    bool m_changed = false;            ///< since the guide was shown
     bool m_toldFull = false;
     bool m_toldCut = false;
     SGuide m_shown;  ///< without its services

@@ -1,6 +1,7 @@
 #include "HtmlGuide.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <ctime>
 #include <map>
 #include <vector>
@@ -17,6 +18,7 @@ constexpr std::int64_t k_day = 86400;
 constexpr std::int64_t k_dayMinutes = 1440;
 constexpr std::int64_t k_hourMinutes = 60;
 constexpr std::int64_t k_leastMinutes = 10;         // of a box
+constexpr std::int64_t k_mostDays = 8;              // of a programme
 constexpr std::int64_t k_endOfTime = 253402300800;  // the year 10000
 constexpr std::int64_t k_unknownLength = 30 * k_minute;
 constexpr std::size_t k_longTitle = 96;
@@ -48,15 +50,12 @@ std::string Clock(std::int64_t seconds)
     return EpochText(static_cast<double>(seconds)).substr(11, 5);
 }
 
-/// What clocks show, as seconds since 1970 of a zone without offset; none: no date of four digits.
-std::optional<std::int64_t> Shown(const std::optional<std::int64_t>& seconds, bool local)
+/// "+02:00" of an offset in seconds.
+std::string OffsetText(long offset)
 {
-    if (!seconds || *seconds < k_day || *seconds >= k_endOfTime - 2 * k_day) {
-        return std::nullopt;
-    }
-    const std::time_t time = static_cast<std::time_t>(*seconds);
-    std::tm parts{};
-    return local && localtime_r(&time, &parts) != nullptr ? *seconds + parts.tm_gmtoff : *seconds;
+    const long minutes = std::labs(offset) / k_minute;
+    const auto two = [](long number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+    return (offset < 0 ? "-" : "+") + two(minutes / k_hourMinutes) + ':' + two(minutes % k_hourMinutes);
 }
 
 std::string FirstText(const std::vector<SGuideText>& texts, const char* none)
@@ -104,8 +103,7 @@ class CGuidePage {
         m_Count(m_guide.unscheduledContents, "content", " in no schedule");
         m_Count(m_guide.missingContents, "content", " of schedules missing");
         m_Count(m_guide.missingServices, "service", " missing");
-        m_html +=
-            std::string(". Times are ") + (m_local ? "those of the machine that wrote this page" : "UTC") + ".</p>";
+        m_html += ". Times are " + m_Zones() + ".</p>";
         for (const auto& [day, boxes] : m_days) {
             m_Grid(day, boxes);
         }
@@ -116,16 +114,41 @@ class CGuidePage {
   private:
     bool m_Full() const { return m_html.size() >= m_limit; }
 
+    /// What clocks show, as seconds since 1970 of a zone without offset; none: no date of four digits.
+    std::optional<std::int64_t> m_Shown(const std::optional<std::int64_t>& seconds)
+    {
+        if (!seconds || *seconds < k_day || *seconds >= k_endOfTime - 2 * k_day) {
+            return std::nullopt;
+        }
+        const std::time_t time = static_cast<std::time_t>(*seconds);
+        std::tm parts{};
+        if (!m_local || localtime_r(&time, &parts) == nullptr) {
+            return seconds;
+        }
+        m_zones.emplace(parts.tm_gmtoff, parts.tm_zone);
+        return *seconds + parts.tm_gmtoff;
+    }
+
+    /// "UTC", or the offsets that the programmes' times have: "CET (+01:00)".
+    std::string m_Zones() const
+    {
+        std::vector<std::string> zones;
+        for (const auto& [offset, name] : m_zones) {
+            zones.push_back(name + " (" + OffsetText(offset) + ')');
+        }
+        return !m_local ? "UTC" : zones.empty() ? "local" : HtmlText(Joined(zones));
+    }
+
     void m_Count(std::size_t count, const char* what, const char* why)
     {
         m_html += count != 0 ? "; " + Counted(count, what) + why : "";
     }
 
     /// "20:00–20:30"; behind another day's midnight with the date.
-    std::string m_Span(const SProgramme& programme) const
+    std::string m_Span(const SProgramme& programme)
     {
-        const auto start = Shown(programme.start, m_local);
-        const auto end = Shown(programme.end, m_local);
+        const auto start = m_Shown(programme.start);
+        const auto end = m_Shown(programme.end);
         if (!start || !end) {
             return start ? Clock(*start) + "\u2013?" : "no time";
         }
@@ -150,20 +173,20 @@ class CGuidePage {
         return html + FirstText(service.names, "no name");
     }
 
-    /// Puts the programme into the grid of the day on which it starts, and of the next if it goes on there.
+    /// Puts the programme into the grid of the day on which it starts, and of those on which it goes on.
     void m_Place(const SProgramme& programme, SBox box)
     {
-        const auto shown = Shown(programme.start, m_local);
+        const auto shown = m_Shown(programme.start);
         if (!shown) {
             return;
         }
         const std::int64_t start = *shown;
-        const auto ends = Shown(programme.end, m_local);
+        const auto ends = m_Shown(programme.end);
         const std::int64_t end = ends && *ends > start ? *ends : start + k_unknownLength;
         const std::int64_t day = start / k_day;
         m_AddBox(day, box, start % k_day / k_minute, (end - day * k_day) / k_minute);
-        if (end >= (day + 1) * k_day + k_minute) {
-            m_AddBox(day + 1, box, 0, (end - (day + 1) * k_day) / k_minute);
+        for (std::int64_t next = day + 1; next < day + k_mostDays && end >= next * k_day + k_minute; ++next) {
+            m_AddBox(next, box, 0, (end - next * k_day) / k_minute);
         }
     }
 
@@ -206,21 +229,27 @@ class CGuidePage {
                   hours + html + "</div></div></div>";
     }
 
-    /// Writes the row of one service, with as many lanes as programmes overlap; gives their number.
+    /// Writes the row of one service, with as many lanes as programmes overlap; gives their number. Those
+    /// for which there is no lane are in the list alone.
     std::size_t m_Service(const std::vector<SBox>& boxes, std::size_t& at, std::size_t row, std::int64_t first,
-                          std::string& html) const
+                          std::string& html)
     {
         const std::size_t service = boxes[at].service;
+        std::size_t left = 0;
         std::vector<std::int64_t> lanes;  // where each ends
         std::string programmes;
         for (; at < boxes.size() && boxes[at].service == service; ++at) {
             const SBox& box = boxes[at];
             std::size_t lane = 0;
-            while (lane < lanes.size() && lane + 1 < k_mostLanes && lanes[lane] > box.begin) {
+            while (lane < lanes.size() && lanes[lane] > box.begin) {
                 ++lane;
             }
+            if (lane == k_mostLanes) {
+                ++left;
+                continue;
+            }
             lanes.resize(std::max(lanes.size(), lane + 1));
-            lanes[lane] = std::max(lanes[lane], box.end);
+            lanes[lane] = box.end;
             const SProgramme& programme = m_guide.services[service].programmes[box.programme];
             programmes += "<a class=\"box\" href=\"#" + m_Anchor(service, box.programme) +
                           "\" style=\"grid-column:" + std::to_string(box.begin - first + 2) + '/' +
@@ -228,7 +257,9 @@ class CGuidePage {
                           FirstText(programme.titles, "no title") + "</b> <small>" + m_Span(programme) + "</small></a>";
         }
         html += "<span class=\"name\" style=\"grid-row:" + std::to_string(row) + "/span " +
-                std::to_string(lanes.size()) + "\">" + m_ServiceName(service) + "</span>" + programmes;
+                std::to_string(lanes.size()) + "\">" + m_ServiceName(service) +
+                (left != 0 ? " <small>" + Counted(left, "programme") + " more</small>" : std::string()) + "</span>" +
+                programmes;
         return lanes.size();
     }
 
@@ -254,7 +285,7 @@ class CGuidePage {
     /// Writes a programme, under a heading where its day is not the last one's.
     void m_Programme(const SProgramme& programme, const std::string& anchor, std::string& date)
     {
-        const auto start = Shown(programme.start, m_local);
+        const auto start = m_Shown(programme.start);
         const std::string its = start ? Day(*start) : "No time";
         m_html += its != date ? "<h4>" + its + "</h4>" : "";
         date = its;
@@ -278,6 +309,7 @@ class CGuidePage {
     const bool m_local;
     const std::size_t m_limit;
     std::size_t m_programmes = 0;
+    std::map<long, std::string> m_zones;               ///< by offset, seconds
     std::map<std::int64_t, std::vector<SBox>> m_days;  ///< by days since 1970
     std::string m_html;
 };

@@ -16,7 +16,7 @@ namespace {
 // Parts of a session, behind the kinds of documents.
 constexpr unsigned k_envelope = k_slsDocuments;
 constexpr unsigned k_messages = k_slsDocuments + 1;
-constexpr std::size_t k_mostGuide = 16777216;
+constexpr std::size_t k_mostGuide = 8388608;
 constexpr std::size_t k_fewServices = 4;
 constexpr std::size_t k_fewFiles = 3;
 constexpr std::size_t k_longKey = 256;
@@ -100,8 +100,7 @@ TJson Without(TJson json, std::initializer_list<const char*> keys)
 
 std::string GroupText(const STable& table)
 {
-    return (table.stream.empty() ? std::string() : table.stream + ' ') + "group " +
-           std::to_string(table.header.groupId) + (table.insideMultiTable ? " signed" : "");
+    return ServiceListName(table.stream, table.header.groupId) + (table.insideMultiTable ? " signed" : "");
 }
 
 }  // namespace
@@ -192,20 +191,26 @@ void CHtmlReport::m_Slt(const STable& table, const TKey& key)
     }
     m_bytes -= list->bytes;
     *list = {};
+    list->name = ServiceListName(table.stream, table.header.groupId);
     list->title = HtmlText("bsid " + std::to_string(table.slt->bsid) + ", " + GroupText(table));
     list->source = table.source;
     const std::vector<TRow> rows = ServiceRows(table.slt->services);
     for (std::size_t i = 0; i < table.slt->services.size(); ++i) {
         const TRow& row = rows[i + 1];
         SListed listed;
-        listed.id = static_cast<unsigned>(table.slt->services[i].serviceId);
+        const SParseSLT::SService& service = table.slt->services[i];
+        listed.id = static_cast<unsigned>(service.serviceId);
+        if (service.hasBroadcastSvcSignaling) {
+            listed.session =
+                EndpointText(service.slsDestinationIpAddress, static_cast<unsigned>(service.slsDestinationUdpPort));
+        }
         listed.title = "<b>" + HtmlText(row[0]) + "</b> " + (row[1] != "-" ? HtmlText(row[1]) + ' ' : "") +
                        HtmlIsolated(HtmlClipped(row[2], k_longTitle));
         for (std::size_t cell = 1; cell < row.size(); ++cell) {
             listed.cells += "<td>" + (cell == 2 ? HtmlIsolated(row[cell]) : HtmlText(row[cell])) + "</td>";
         }
         listed.html =
-            HtmlTree(Without(ServiceJson(table, table.slt->services[i]),
+            HtmlTree(Without(ServiceJson(table, service),
                              {"schema_version", "type", "source", "stream", "LLS_table_id", "LLS_table_idName",
                               "LLS_group_id", "group_count_minus1", "LLS_table_version", "bsid"}));
         const std::size_t bytes = listed.title.size() + listed.cells.size() + listed.html.size();
@@ -280,7 +285,7 @@ void CHtmlReport::Signalling(const SSignalling& signalling)
     m_Add(m_changes, signalling.source,
           "<td>" + HtmlText(HtmlClipped(Headline(signalling), k_longLine)) + names +
               (names.empty() ? "</td>" : "</small></td>"));
-    SSession* session = m_Session(file, signalling.session, signalling.services);
+    SSession* session = m_Find(m_sessions, {file, signalling.session, {}});
     if (session == nullptr) {
         return;
     }
@@ -302,19 +307,6 @@ void CHtmlReport::Signalling(const SSignalling& signalling)
     }
 }
 
-CHtmlReport::SSession* CHtmlReport::m_Session(std::size_t file, const std::string& name,
-                                              const std::vector<unsigned>& services)
-{
-    const TKey key = {file, name, {}};
-    SSession* session = m_Find(m_sessions, key);
-    for (std::size_t i = 0; session != nullptr && i < services.size(); ++i) {
-        if (std::set<TKey>* sessions = m_Find(m_sessionsOf, {file, services[i]})) {
-            sessions->insert(key);
-        }
-    }
-    return session;
-}
-
 CHtmlReport::SPart* CHtmlReport::m_Part(SSession& session, const std::vector<unsigned>& key)
 {
     const auto known = session.parts.find(key);
@@ -331,7 +323,7 @@ void CHtmlReport::Message(const SMessage& message)
     const std::size_t file = m_See(message.source);
     const std::string headline = HtmlClipped(Headline(message), k_longLine);
     m_Add(m_changes, message.source, "<td>" + HtmlText(headline) + "</td>");
-    SSession* session = m_Session(file, message.session, message.services);
+    SSession* session = m_Find(m_sessions, {file, message.session, {}});
     std::vector<unsigned> key = {k_messages, message.packetId.value_or(0)};
     key.insert(key.end(), message.kind.begin(), message.kind.end());
     SPart* part = session != nullptr ? m_Part(*session, key) : nullptr;
@@ -339,6 +331,13 @@ void CHtmlReport::Message(const SMessage& message)
         return;
     }
     const std::string title = MessageTitle(message.id);
+    if (message.content && message.content->json.contains("signature")) {
+        const std::string place = message.session + ' ' + std::to_string(message.packetId.value_or(0));
+        if (SPart* signature = m_Find(m_certificates, {file, place, title})) {
+            m_Hold(*signature, HtmlText(title + (message.session.empty() ? "" : " of " + message.session)),
+                   message.source, HtmlTree({{"signature", message.content->json["signature"]}}));
+        }
+    }
     const std::size_t at = headline.find(title);
     m_Hold(*part,
            "<b>" + HtmlText(title) + "</b> <small>" +
@@ -365,8 +364,9 @@ void CHtmlReport::GuideObject(const SGuideObject& object)
 
 void CHtmlReport::Guide(const SGuide& guide)
 {
-    if (SGuide* last = m_Find(m_guides, m_See(guide.source))) {
-        *last = guide;
+    const std::size_t file = m_See(guide.source);
+    if (std::string* last = m_Find(m_guides, file)) {
+        m_Hold(*last, HtmlGuide(guide, "g" + std::to_string(file), m_localTime, k_mostGuide));
     }
 }
 
@@ -377,7 +377,7 @@ void CHtmlReport::Fault(const SFault& fault)
           "<td>" + Badge("bad", FaultName(fault.code)) + "</td><td>" +
               HtmlText(HtmlClipped(fault.message, k_longLine)) + "</td>");
     if (fault.code == EFault::NO_SIGNALLING && fault.serviceId) {
-        if (std::string* why = m_Find(m_missing, {file, *fault.serviceId})) {
+        if (std::string* why = m_Find(m_missing, {file, fault.serviceList, std::to_string(*fault.serviceId)})) {
             *why = HtmlClipped(fault.message, k_longLine);
         }
     }
@@ -452,6 +452,12 @@ std::string CHtmlReport::m_Overview(const SSummary& summary) const
            (m_left != 0 ? "<p>" + Counted(m_left, "part") + " left out: this page holds no more.</p>" : std::string());
 }
 
+std::string CHtmlReport::m_Missing(const TKey& key, const SServiceList& list, const SListed& service) const
+{
+    const auto why = m_missing.find({std::get<0>(key), list.name, std::to_string(service.id)});
+    return why != m_missing.end() ? why->second : std::string();
+}
+
 std::string CHtmlReport::m_Services() const
 {
     std::string html;
@@ -462,13 +468,13 @@ std::string CHtmlReport::m_Services() const
         std::string rows;
         for (std::size_t i = 0; i < list.services.size(); ++i) {
             const SListed& service = list.services[i];
-            const std::pair<std::size_t, unsigned> id = {std::get<0>(key), service.id};
-            const bool signalled = m_sessionsOf.count(id) != 0 && m_missing.count(id) == 0;
+            const bool missing = !m_Missing(key, list, service).empty();
+            const bool signalled = !missing && m_sessions.count({std::get<0>(key), service.session, {}}) != 0;
             const std::string link = "<a href=\"#s" + std::to_string(number) + '-' + std::to_string(i) + "\">";
             rows += "<tr>" + HtmlHeader("row", link + std::to_string(service.id) + "</a>") + service.cells + "<td>" +
-                    (signalled                  ? Badge("good", "received")
-                     : m_missing.count(id) != 0 ? Badge("bad", "missing")
-                                                : std::string("\u2013")) +
+                    (signalled ? Badge("good", "received")
+                     : missing ? Badge("bad", "missing")
+                               : std::string("\u2013")) +
                     "</td></tr>";
         }
         std::vector<std::string> titles = ServiceRows({})[0];
@@ -484,8 +490,7 @@ std::string CHtmlReport::m_Guide() const
     std::string html;
     for (const auto& [file, guide] : m_guides) {
         html += m_files.size() > 1 ? "<h3>" + HtmlIsolated(m_files[file]) + "</h3>" : "";
-        html +=
-            HtmlGuide(guide, "g" + std::to_string(file), m_localTime, k_mostGuide - std::min(html.size(), k_mostGuide));
+        html += guide;
     }
     if (!m_guideObjects.empty()) {
         html += "<h3>Objects of the guide</h3>";
@@ -533,20 +538,19 @@ std::string CHtmlReport::m_Signalling() const
     for (const auto& [key, list] : m_lists) {
         for (std::size_t i = 0; i < list.services.size(); ++i) {
             const SListed& service = list.services[i];
-            const std::pair<std::size_t, unsigned> id = {std::get<0>(key), service.id};
             const std::string anchor = 's' + std::to_string(number) + '-' + std::to_string(i);
             html += "<details class=\"item\"" + open + "><summary>" + service.title +
                     "</summary><div class=\"target\" id=\"" + anchor +
                     "\"><details class=\"doc\"><summary><b>SLT entry</b></summary>" + service.html + "</details>";
-            if (const auto why = m_missing.find(id); why != m_missing.end()) {
-                html += "<p>" + Badge("bad", "missing") + ' ' + HtmlText(why->second) + "</p>";
+            if (const std::string why = m_Missing(key, list, service); !why.empty()) {
+                html += "<p>" + Badge("bad", "missing") + ' ' + HtmlText(why) + "</p>";
             }
-            const auto sessions = m_sessionsOf.find(id);
-            for (const TKey& session : sessions != m_sessionsOf.end() ? sessions->second : std::set<TKey>()) {
-                const auto [known, first] = shown.emplace(session, anchor);
-                html += "<p class=\"muted\">Session " + HtmlText(std::get<1>(session)) +
+            const auto session = m_sessions.find({std::get<0>(key), service.session, {}});
+            if (session != m_sessions.end()) {
+                const auto [known, first] = shown.emplace(session->first, anchor);
+                html += "<p class=\"muted\">Session " + HtmlText(service.session) +
                         (first ? "" : ": <a href=\"#" + known->second + "\">shown before</a>") + "</p>" +
-                        (first ? m_Documents(m_sessions.at(session)) : std::string());
+                        (first ? m_Documents(session->second) : std::string());
             }
             html += "</div></details>";
         }

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -49,11 +48,13 @@ class CHtmlReport : public IReportWriter {
     };
     struct SListed {
         unsigned id = 0;
-        std::string title;  ///< markup, as the two that follow
+        std::string session;  ///< that signals it; empty: none
+        std::string title;    ///< markup, as the two that follow
         std::string cells;
         std::string html;
     };
     struct SServiceList {
+        std::string name;
         std::string title;
         SSource source;
         std::vector<SListed> services;
@@ -83,7 +84,6 @@ class CHtmlReport : public IReportWriter {
     void m_Add(SList<SLine>& list, const SSource& source, const std::string& html);
     /// Notes what an item says of the input as a whole; gives the number of its file.
     std::size_t m_See(const SSource& source);
-    SSession* m_Session(std::size_t file, const std::string& name, const std::vector<unsigned>& services);
     SPart* m_Part(SSession& session, const std::vector<unsigned>& key);
     void m_Slt(const STable& table, const TKey& key);
     void m_Alerts(const STable& table, const TKey& key);
@@ -103,6 +103,9 @@ class CHtmlReport : public IReportWriter {
     std::string m_Problems(const SSummary& summary) const;
     std::string m_Documents(const SSession& session) const;
 
+    /// Why the service is not signalled; empty: nothing is missing of it.
+    std::string m_Missing(const TKey& key, const SServiceList& list, const SListed& service) const;
+
     const bool m_localTime;
     std::vector<std::string> m_files;  ///< in the order in which they came
     std::optional<STime> m_first;
@@ -112,11 +115,10 @@ class CHtmlReport : public IReportWriter {
     std::map<TKey, SPart> m_certificates;
     std::map<TKey, SAlert> m_alerts;
     std::map<TKey, SSession> m_sessions;
-    std::size_t m_sessionParts = 0;                                           ///< of all of them
-    std::map<std::pair<std::size_t, unsigned>, std::set<TKey>> m_sessionsOf;  ///< by file and service
+    std::size_t m_sessionParts = 0;  ///< of all of them
     std::map<TKey, SPart> m_guideObjects;
-    std::map<std::size_t, SGuide> m_guides;                             ///< by file
-    std::map<std::pair<std::size_t, unsigned>, std::string> m_missing;  ///< why a service is not signalled
+    std::map<std::size_t, std::string> m_guides;  ///< by file
+    std::map<TKey, std::string> m_missing;        ///< why a service is not signalled, by its list and id
     SList<SLine> m_changes;
     SList<SLine> m_faults;
     std::size_t m_bytes = 0;

@@ -188,6 +188,11 @@ bool CInput::Next(SPacket& packet)
     return true;
 }
 
+bool CInput::Stopped()
+{
+    return g_stop != 0;
+}
+
 void CInput::Stop()
 {
     g_stop = 1;

@@ -58,6 +58,7 @@ class CInput {
 
     /// Ends every input at the bytes read so far; for signal handlers.
     static void Stop();
+    static bool Stopped();
 
   private:
     struct SFile;

@@ -88,7 +88,7 @@ EExitStatus CInspector::Run()
             m_failed = m_failed || error.Code() <= EFault::INPUT_DIRECTORY;
             m_report.Fault({error.Code(), error.what(), {name, 0, {}}});
         }
-        if (m_output.Ended()) {
+        if (m_output.Ended() || CInput::Stopped()) {
             break;
         }
     }

@@ -1,5 +1,6 @@
 #include "MessageAssembler.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vyr::inspect {
@@ -116,10 +117,11 @@ bool CMessageAssembler::m_TakeWhole(const SMmtpPacket& packet, SBytes data, bool
         m_sink(packet.packetId, data);
         return true;
     }
-    while (data.size != 0) {
+    for (bool first = true; data.size != 0; first = false) {
         const std::size_t length = data.size < lengthSize ? 0 : lengthSize == 4 ? data.Be32(0) : data.Be16(0);
         if (length == 0 || length > data.size - lengthSize) {
-            return false;
+            const auto isZero = [](unsigned char byte) { return byte == 0; };
+            return !first && std::all_of(data.data, data.data + data.size, isZero);  // padding
         }
         ++m_counts.complete;
         m_sink(packet.packetId, data.From(lengthSize).First(length));

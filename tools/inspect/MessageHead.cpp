@@ -33,6 +33,22 @@ SBytes Uri(SBytes payload)
     return payload.From(k_uriLength + 1).First(payload[k_uriLength]);
 }
 
+void AddName(std::vector<unsigned>& kind, SBytes name)
+{
+    const std::uint64_t hash = ContentHash(name);
+    kind.insert(kind.end(), {static_cast<unsigned>(hash >> 32), static_cast<unsigned>(hash)});
+}
+
+/// The package of an MP table that names one: the first part, or the whole.
+void ReadMpt(SMessageHead& head)
+{
+    constexpr std::size_t k_idLength = 5;
+    const SBytes table = head.payload;
+    if (table.size > k_idLength && (table[0] == 0x11 || table[0] == 0x20)) {
+        AddName(head.kind, table.From(k_idLength + 1).First(table[k_idLength]));
+    }
+}
+
 void ReadAtsc3(SMessageHead& head)
 {
     constexpr std::size_t k_type = 2;
@@ -41,9 +57,12 @@ void ReadAtsc3(SMessageHead& head)
     if (head.payload.size <= k_version) {
         return;
     }
-    head.kind.push_back(head.payload.Be16(k_type));
+    head.kind.insert(head.kind.end(), {head.payload.Be16(0), head.payload.Be16(k_type)});
     head.versions.push_back(head.payload[k_version]);
     const std::optional<SBytes> content = Atsc3Content(head.payload);
+    if (content) {
+        AddName(head.kind, Uri(head.payload));
+    }
     head.hash = 0;
     Mix(head.hash, head.payload.First(k_version));
     // Of one that is not whole there is no telling the URI from the content.
@@ -73,11 +92,14 @@ bool Read(SBytes bytes, int depth, SMessageHead& head)
     head.kind = {head.id};
     head.versions = {head.version};
     head.hash = ContentHash(head.payload);
-    if (head.id == k_atsc3Message) {
+    if (head.id >= 0x0011 && head.id <= 0x0020) {
+        ReadMpt(head);
+    } else if (head.id == k_atsc3Message) {
         ReadAtsc3(head);
     } else if (head.id == k_signedMessage && depth < 4 && head.payload.size >= 6) {
         SMessageHead wrapped;
         if (Read(head.payload.From(6).First(head.payload.Be32(2)), depth + 1, wrapped)) {
+            head.kind.push_back(head.payload.Be16(0));
             head.kind.insert(head.kind.end(), wrapped.kind.begin(), wrapped.kind.end());
             head.versions.insert(head.versions.end(), wrapped.versions.begin(), wrapped.versions.end());
             head.hash = wrapped.hash;

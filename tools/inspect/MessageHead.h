@@ -15,8 +15,9 @@ struct SMessageHead {
     SBytes payload;      ///< what the length spans, as far as it is there
     bool whole = false;  ///< whether all of it is there
     SBytes trailing;     ///< what stands behind it
-    /// Whether messages are of one kind, so that one replaces the other: the message id, the content type
-    /// of an ATSC 3.0 message; of a signed message also those of the message it wraps.
+    /// Whether messages are of one kind, so that one replaces the other: the message id; of an ATSC 3.0
+    /// message the service, the content type and the URI, of an MPT message the package; of a signed message
+    /// the service and what the message it wraps has.
     std::vector<unsigned> kind;
     /// The versions that go with the kind.
     std::vector<unsigned> versions;

@@ -114,7 +114,7 @@ std::string Bytes(const char* text, unsigned length)
 TJson AssetIdJson(const CMMTElementAssetId& id)
 {
     return {{"asset_id_scheme", FourCcText({id.AssetIdScheme(), 4})},
-            {"asset_id", Bytes(id.AssetId(), id.AssetIdTextLength())}};
+            {"asset_id", AssetIdText({id.AssetId(), id.AssetIdTextLength()})}};
 }
 
 TJson IdentifierJson(const CMMTElementIdentifierMapping& mapping, std::string& text)
@@ -431,10 +431,15 @@ void PutLowDelay(TJson& json, const CMMTDescLowDelay::SLowDelay& fields)
     PutValue(json, "default_sample_flags", fields.defaultSampleFlags);
 }
 
+std::string AssetIdText(std::string_view id)
+{
+    const std::string text(id);
+    return Printable(text) == text ? text : "0x" + Hex({reinterpret_cast<const unsigned char*>(id.data()), id.size()});
+}
+
 std::string NtpText(unsigned long long timestamp)
 {
-    constexpr double k_from1900To1970 = 2208988800.0;
-    const double seconds = static_cast<double>(timestamp >> 32) - k_from1900To1970;
+    const double seconds = static_cast<double>(NtpSeconds(static_cast<std::uint32_t>(timestamp >> 32)));
     return EpochText(seconds + static_cast<double>(timestamp & 0xFFFFFFFF) / 4294967296.0);
 }
 

@@ -55,7 +55,7 @@ template <class TDescriptor, class TFill>
 void PutAssets(TJson& json, const CMMTDesc& descriptor, TFill fill)
 {
     PutEach(json, "assets", static_cast<const TDescriptor&>(descriptor).Assets(), [&](const auto& asset, TJson& entry) {
-        entry["asset_id"] = std::string(asset.assetId);
+        entry["asset_id"] = AssetIdText(asset.assetId);
         fill(asset, entry);
     });
 }

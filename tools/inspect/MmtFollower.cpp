@@ -49,7 +49,7 @@ void CMmtSession::Take(SBytes payload, const SSource& source)
             ++m_counts.malformed;
             break;
         case EMmtp::FINE:
-            if (packet.type != SMmtpPacket::k_signalling) {
+            if (packet.type != SMmtpPacket::k_signalling || packet.fec > SMmtpPacket::k_fecSource) {
                 ++m_counts.otherTypes;
             } else if (m_assembler.Take(packet)) {
                 ++m_counts.signalling;

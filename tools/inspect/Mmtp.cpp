@@ -41,6 +41,13 @@ EMmtp ReadMmtp(SBytes bytes, SMmtpPacket& packet)
         at += 4 + length;
     }
     packet.payload = bytes.From(at);
+    if (packet.fec == SMmtpPacket::k_fecSource) {
+        constexpr std::size_t k_fecPayloadId = 4;
+        if (packet.payload.size < k_fecPayloadId) {
+            return EMmtp::MALFORMED;
+        }
+        packet.payload = packet.payload.First(packet.payload.size - k_fecPayloadId);
+    }
     return EMmtp::FINE;
 }
 

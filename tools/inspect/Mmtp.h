@@ -11,6 +11,8 @@ namespace vyr::inspect {
 struct SMmtpPacket {
     static constexpr unsigned k_signalling = 2;
 
+    static constexpr unsigned k_fecSource = 1;  ///< FEC_type of source packets; those above it are of repair
+
     unsigned fec = 0;                        ///< FEC_type: 0 for packets without AL-FEC
     bool randomAccess = false;               ///< RAP_flag
     unsigned type = 0;                       ///< payload type
@@ -20,7 +22,7 @@ struct SMmtpPacket {
     std::optional<std::uint32_t> counter;    ///< packet_counter
     std::optional<std::uint16_t> extension;  ///< type of the header extension
     SBytes extensionData;
-    SBytes payload;
+    SBytes payload;  ///< without the source FEC payload id
 };
 
 enum class EMmtp { FINE, OTHER_VERSION, MALFORMED };

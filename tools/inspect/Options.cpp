@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <filesystem>
 #include <iostream>
@@ -77,11 +78,14 @@ std::pair<std::string, int> ReadSetting(const std::string& text)
 }
 
 /// The page must not take the place of what is read.
-void CheckPage(const std::string& page, const std::vector<std::string>& inputs)
+void CheckPage(const std::string& page, std::vector<std::string> inputs, const std::string& genres)
 {
     std::error_code none;
+    std::replace(inputs.begin(), inputs.end(), std::string("-"), std::string("/dev/stdin"));
+    inputs.push_back(genres);
     for (const std::string& input : inputs) {
-        if (!page.empty() && std::filesystem::equivalent(page, input, none)) {
+        if (!page.empty() && std::filesystem::is_regular_file(page, none) &&
+            std::filesystem::equivalent(page, input, none)) {
             throw CLI::ValidationError("--html", "'" + page + "' is an input");
         }
     }
@@ -139,7 +143,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     try {
         app.parse(argc, argv);
         options.log = ReadLevel(log);
-        CheckPage(options.html, options.inputs);
+        CheckPage(options.html, options.inputs, options.genres);
         options.llsStreams = ReadEndpoints("--lls", streams);
         options.routeSessions = ReadEndpoints("--route", routeSessions);
         options.mmtpSessions = ReadEndpoints("--mmtp", mmtpSessions);

@@ -138,6 +138,11 @@ bool IsInputFault(EFault code)
     return code <= EFault::INPUT_TOO_LARGE;
 }
 
+std::string ServiceListName(const std::string& stream, unsigned groupId)
+{
+    return (stream.empty() ? std::string() : stream + ' ') + "group " + std::to_string(groupId);
+}
+
 CReport::CReport(IReportWriter& writer, bool quiet, IReportWriter* page)
     : m_writer(writer), m_page(page), m_quiet(quiet)
 {

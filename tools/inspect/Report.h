@@ -168,7 +168,11 @@ struct SFault {
     std::optional<SLlsHeader> header = std::nullopt;
     std::optional<unsigned> serviceId = std::nullopt;
     std::string attribute = {};
+    std::string serviceList = {};  ///< as ServiceListName has it: of the service that is not signalled
 };
+
+/// "224.0.23.60:4937 group 0": tells service lists apart.
+std::string ServiceListName(const std::string& stream, unsigned groupId);
 
 /// "table-not-parsed" and the like.
 const char* FaultName(EFault code);

@@ -25,8 +25,7 @@ class CRouteSession : public CSession {
     CRouteSession(const SServiceSession& session, std::shared_ptr<SShared> shared)
         : CSession(session),
           m_shared(std::move(shared)),
-          m_follower(followed, m_shared->report,
-                     [this](const CSTSID& stsid) { m_shared->guide.Signal(followed, stsid); }),
+          m_follower(followed, m_shared->report, [this](const CSTSID& stsid) { m_Signal(stsid); }),
           m_assembler(m_shared->memory, [this](const TToi& toi, SBytes object) { m_Object(toi, object); })
     {
         m_counts.sessions = 1;
@@ -37,6 +36,7 @@ class CRouteSession : public CSession {
         m_shared->guide.Release(followed.session);
     }
 
+    void Announced() override;
     void Take(SBytes payload, const SSource& source) override
     {
         SLctPacket packet;
@@ -51,6 +51,7 @@ class CRouteSession : public CSession {
     }
     bool Signals() const override { return m_follower.Signals(); }
     std::string Missing(unsigned serviceId) const override { return m_follower.Missing(serviceId); }
+    std::string MissingGuide() const override;
     std::string Missing() const override;
     const SSessionCounts& Counts() const override { return m_counts; }
     void Count(SSummary& summary) const override;
@@ -58,6 +59,7 @@ class CRouteSession : public CSession {
   private:
     static constexpr std::size_t k_maxManagers = 64;
 
+    void m_Signal(const CSTSID& stsid);
     void m_Object(const TToi& toi, SBytes object);
 
     std::shared_ptr<SShared> m_shared;
@@ -65,7 +67,34 @@ class CRouteSession : public CSession {
     CObjectAssembler m_assembler;
     SRouteCounts m_counts;
     const SSource* m_source = nullptr;
+    std::multiset<unsigned> m_guides;  ///< those that the guide was told of
+    bool m_signalled = false;          ///< an S-TSID has come
 };
+
+void CRouteSession::m_Signal(const CSTSID& stsid)
+{
+    m_signalled = true;
+    m_guides = followed.guides;
+    m_shared->guide.Signal(followed, stsid);
+}
+
+/// A service that becomes a guide has the sessions of the S-TSID that came before.
+void CRouteSession::Announced()
+{
+    if (!m_signalled || m_guides == followed.guides) {
+        return;
+    }
+    if (const CSTSID* stsid = m_follower.Stsid()) {
+        m_Signal(*stsid);
+    } else {
+        m_follower.ReadAgain();
+    }
+}
+
+std::string CRouteSession::MissingGuide() const
+{
+    return m_signalled ? std::string() : "no S-TSID came, which would name its sessions";
+}
 
 void CRouteSession::m_Object(const TToi& toi, SBytes object)
 {

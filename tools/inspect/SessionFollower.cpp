@@ -70,6 +70,9 @@ void CSessionFollower::Announce(const TGroup& group, std::vector<SService> servi
             m_Remove(session);
         }
     }
+    for (const auto& [key, session] : m_sessions) {
+        session->Announced();
+    }
 }
 
 bool CSessionFollower::Take(const SDatagram& datagram, const SSource& source)
@@ -113,28 +116,36 @@ void CSessionFollower::Finish(const std::string& file)
     }
     for (const auto& [group, services] : m_services) {
         for (const SService& service : services) {
-            m_Judge(service, source);
+            m_Judge(group, service, source);
         }
     }
 }
 
 /// Counts the service, or tells why it was not signalled.
-void CSessionFollower::m_Judge(const SService& service, const SSource& source)
+void CSessionFollower::m_Judge(const TGroup& group, const SService& service, const SSource& source)
 {
     SSummary& summary = m_report.Summary();
     ++(summary.*m_protocol.services);
     std::string reason = "the service list gives no address that can be followed";
+    SFault fault = {EFault::NO_SIGNALLING, {}, source};
+    fault.serviceId = service.serviceId;
     if (const auto entry = m_sessions.find(service.session); entry != m_sessions.end()) {
         const CSession& session = *entry->second;
         reason = session.Signals() ? session.Missing(service.serviceId) : m_Missing(session);
+        if (reason.empty()) {
+            ++summary.servicesSignalled;
+            const std::string missing = service.IsGuide() ? session.MissingGuide() : std::string();
+            if (!missing.empty()) {
+                fault.code = EFault::GUIDE_INCOMPLETE;
+                fault.message = "no guide on " + session.followed.name + ": " + missing;
+                m_report.Fault(fault);
+            }
+            return;
+        }
     }
-    if (reason.empty()) {
-        ++summary.servicesSignalled;
-        return;
-    }
-    SFault fault = {EFault::NO_SIGNALLING,
-                    "no signalling of service " + std::to_string(service.serviceId) + ": " + reason, source};
-    fault.serviceId = service.serviceId;
+    fault.message = "no signalling of service " + std::to_string(service.serviceId) + ": " + reason;
+    const auto& [stream, groupId] = group;
+    fault.serviceList = ServiceListName(EndpointText(stream.first, stream.second), groupId);
     m_report.Fault(fault);
 }
 

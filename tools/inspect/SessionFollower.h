@@ -24,12 +24,16 @@ class CSession {
     CSession& operator=(const CSession&) = delete;
 
     virtual void Take(SBytes payload, const SSource& source) = 0;
+    /// The services of `followed` may have changed.
+    virtual void Announced() {}
     /// Whether anything of its signalling could be read.
     virtual bool Signals() const = 0;
     /// Why what was read does not signal the service; empty: it does.
     virtual std::string Missing(unsigned serviceId) const = 0;
     /// Why nothing could be read of packets that are not all malformed.
     virtual std::string Missing() const = 0;
+    /// Why the signalling that came leads to no service guide; empty: it may.
+    virtual std::string MissingGuide() const { return {}; }
     virtual const SSessionCounts& Counts() const = 0;
     /// Adds what came to the summary.
     virtual void Count(SSummary& summary) const = 0;
@@ -76,7 +80,7 @@ class CSessionFollower {
 
     CSession& m_Add(const SServiceSession& key);
     void m_Remove(TSessions::iterator session);
-    void m_Judge(const SService& service, const SSource& source);
+    void m_Judge(const TGroup& group, const SService& service, const SSource& source);
     std::string m_Missing(const CSession& session) const;
 
     const SProtocol m_protocol;

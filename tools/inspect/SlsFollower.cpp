@@ -36,7 +36,7 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SBytes object, const SSo
     const auto known = toi ? m_objects.find(*toi) : m_objects.end();
     const bool sameToi = known != m_objects.end();
     const SObject before = sameToi ? known->second : SObject{};
-    if (sameToi && before.size == now.size && before.hash == now.hash) {
+    if (sameToi && before.size == now.size && before.hash == now.hash && !m_readAgain) {
         return m_Repeated(signalling);
     }
     std::vector<unsigned char> inflated;
@@ -48,6 +48,10 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SBytes object, const SSo
         return m_NotRead(toi, " does not inflate, or is larger than 8 MiB", source);
     }
     if (sameToi && before.textHash == now.textHash) {
+        if (m_readAgain) {
+            m_reader.Read(text, FindSlsDocuments(text));
+            m_readAgain = m_reader.Stsid() == nullptr;
+        }
         return m_Repeated(signalling);
     }
     const std::vector<SSlsText> texts = FindSlsDocuments(text);

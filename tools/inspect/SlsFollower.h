@@ -39,6 +39,10 @@ class CSlsFollower {
     /// Lets go of what the library holds for the session.
     void Release() { m_reader.Release(); }
     bool Holds() const { return m_reader.Holds(); }
+    /// The S-TSID that holds; null when the library's was let go.
+    const CSTSID* Stsid() const { return m_reader.Stsid(); }
+    /// Lets the listener know of the next S-TSID again, even if it has not changed.
+    void ReadAgain() { m_readAgain = true; }
 
   private:
     static constexpr std::size_t k_maxObjects = 64;
@@ -70,6 +74,7 @@ class CSlsFollower {
     std::set<unsigned> m_usbdServices;
     std::string m_lastFault;
     bool m_parsed = false;
+    bool m_readAgain = false;
 };
 
 }  // namespace vyr::inspect

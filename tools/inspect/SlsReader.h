@@ -33,6 +33,8 @@ class CSlsReader {
     /// Lets the manager and all it holds go; the next package gets a new one.
     void Release();
     bool Holds() const { return m_manager != nullptr; }
+    /// The S-TSID of the last package that had one; null: none that is still held.
+    const CSTSID* Stsid() const { return m_manager ? m_manager->Stsid() : nullptr; }
 
   private:
     std::optional<SContent>& m_Content(ESlsDocument kind) { return m_contents[static_cast<std::size_t>(kind)]; }

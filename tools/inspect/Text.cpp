@@ -154,6 +154,13 @@ std::string Short(const std::string& text)
     return text;
 }
 
+std::int64_t NtpSeconds(std::uint32_t ntp)
+{
+    constexpr std::int64_t k_from1900To1970 = 2208988800;
+    constexpr std::int64_t k_era = std::int64_t{1} << 32;
+    return ntp - k_from1900To1970 + (ntp < 0x80000000u ? k_era : 0);
+}
+
 std::string EpochText(double seconds)
 {
     constexpr double k_endOfTime = 253402300800;  // the year 10000

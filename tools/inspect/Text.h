@@ -37,6 +37,8 @@ std::string Short(const std::string& text);
 /// Seconds since 1970 as "2026-11-21T02:02:23.328Z", to the millisecond; as a number when they are no
 /// date of four digits.
 std::string EpochText(double seconds);
+/// Seconds since 1970 of NTP seconds, which begin anew in 2036: those below 2^31 are of that era.
+std::int64_t NtpSeconds(std::uint32_t ntp);
 /// A number without needless digits: "2", "2.5".
 std::string NumberText(double number);
 /// An indented line: a label in a column of its own, then the text; nothing for no text.
