@@ -90,6 +90,10 @@ TEST_F(GuideFollower, FilesAreKnownByTheirPlaceAndTheirToi)
     EXPECT_EQ(m_Take(2, Content("a", 1, "A"), "f"), TLines({"new-version-same-content"}));
     EXPECT_EQ(m_Take(3, Content("a", 2, "B"), "f"), TLines({"changed"}));
     EXPECT_EQ(m_Take(3, Content("a", 3, "C"), "f"), TLines({"changed-without-version", "changed-without-version"}));
+    const std::string gzip = Gzip(Content("a", 3, "C"));
+    EXPECT_EQ(m_Take(3, gzip, "f"), TLines({"guide :C,"})) << "gzip makes no other object";
+    EXPECT_EQ(m_Take(3, gzip, "f"), TLines());
+    EXPECT_EQ(m_Take(0, gzip, "f"), TLines({"new-version-same-content"})) << "of the last one, not that of TOI 2";
     EXPECT_EQ(m_Take(4, "png", "i.png", "image/png"), TLines());
     EXPECT_EQ(m_Take(4, "png", "i.png", "image/png"), TLines());
     EXPECT_EQ(m_Take(5, "\x1F\x8B\x08?", "g", "application/vnd.oma.bcast.sgdu"), TLines({"guide-not-parsed"}));

@@ -192,11 +192,29 @@ TEST(HtmlGuide, LocalTimeAndLimit)
     EXPECT_NE(local.find("<small>16:00\u201316:30</small>"), std::string::npos);
     EXPECT_NE(local.find("17:30\u201320:00"), std::string::npos) << "not over midnight there";
     EXPECT_EQ(local.find("<h3>Saturday"), std::string::npos);
+    EXPECT_NE(local.find("Times are EST (-05:00)."), std::string::npos);
     const std::string utc = HtmlGuide(Guide(), "g", false, 6000);
     EXPECT_NE(utc.find("22:30\u20132027-01-16 01:00"), std::string::npos);
     EXPECT_NE(utc.find("left out here"), std::string::npos);
     EXPECT_LT(utc.size(), 8000u);
     EXPECT_EQ(MarkupFault(utc), "");
+}
+
+TEST(HtmlGuide, DaysAndLanes)
+{
+    constexpr std::int64_t k_noon = 1800014400;
+    SGuide guide;
+    guide.services.resize(1);
+    guide.services[0].programmes = {Programme("Marathon", k_noon, k_noon + 2 * 86400)};
+    for (int i = 0; i < 9; ++i) {
+        guide.services[0].programmes.push_back(Programme("Parallel", k_noon, k_noon + 3600));
+    }
+    const std::string html = HtmlGuide(guide, "g", false, 1 << 20);
+    EXPECT_EQ(Count(html, "class=\"box\""), 8u + 2u) << "eight lanes of the first day, and two days more";
+    EXPECT_EQ(Count(html, "2 programmes more"), 1u);
+    EXPECT_EQ(Count(html, "<h3>"), 3u);
+    guide.services[0].programmes = {Programme("For ever", k_noon, 1LL << 37)};
+    EXPECT_EQ(Count(HtmlGuide(guide, "g", false, 1 << 20), "<h3>"), 8u);
 }
 
 /// Pages in a directory of their own, and what a browser measures of them at two widths.

@@ -421,11 +421,30 @@ TEST(Inspect, EveryInputHasAPage)
           "<b>MPD</b> <span class=\"badge bad\">did not parse</span>", "<dt>service<wbr>Id</dt><dd>99</dd>"}) {
         EXPECT_NE(html.find(part), std::string::npos) << part;
     }
+    CCapture twoLists(1);
+    twoLists.AddLls(Slt(RouteService(1, 6001), 1, 0, 2)).AddLls(Slt(RouteService(1, 6002), 1, 1, 2));
+    Inspect("-q --html '" + page.Name() + "' -", twoLists.AddSession(Lct({1, 0, -1, true}, Usbd(1)), 6001).Bytes());
+    const std::string lists = ReadFile(page.Name());
+    EXPECT_LT(lists.find(">received<"), lists.find(">missing<")) << "services of two lists with one id";
     Inspect("-q --html '" + page.Name() + "' -", EveryMessage());
     EXPECT_NE(ReadFile(page.Name()).find("<b>MPT (0x0020)</b> <small> version 8: changed"), std::string::npos);
     Inspect("--html '" + page.Name() + "' lls/openssl-cdt.bin pcap/gpac-a2-multi-service.pcap | true");
     EXPECT_NE(ReadFile(page.Name()).find("NEWS-1"), std::string::npos)
         << "whole, though the reader of the text has gone";
+}
+
+TEST(Inspect, AServiceThatBecomesAGuide)
+{
+    std::string linear = RouteService(1, 6001);
+    linear.replace(linear.find("\"4\""), 3, "\"1\"");
+    const std::string stsid =
+        Lct({1, 0, -1, true}, "<S-TSID><RS><LS tsi='20'><SrcFlow rt='false'/></LS></RS></S-TSID>\n");
+    CCapture capture(1);
+    capture.AddLls(Slt(linear, 1)).AddSession(stsid, 6001).AddLls(Slt(linear + RouteService(2, 6001), 2));
+    capture.AddSession(stsid, 6001).AddSession(Lct({1, 0, -1, true, 20}, guide::WholeUnit()), 6001);
+    const nlohmann::json summary = Lines(Inspect("--json -", capture.Bytes()).out).back();
+    EXPECT_EQ(summary["guide"]["new"], 1);
+    EXPECT_EQ(summary["signalling"]["new"], 1) << "nothing is reported anew";
 }
 
 TEST(Inspect, APageThatCannotBeWritten)
@@ -439,6 +458,7 @@ TEST(Inspect, APageThatCannotBeWritten)
     EXPECT_NE(Inspect("--html /dev/full " + k_lineup).out, "");
     const CTemporary input(lineup);
     EXPECT_EQ(Inspect("--html '" + input.Name() + "' '" + input.Name() + "'").status, 2);
+    EXPECT_EQ(Inspect("--html /dev/stdin -", lineup).status, 2) << "nor what comes in";
     EXPECT_EQ(ReadFile(input.Name()), lineup) << "an input is never written over";
 }
 
