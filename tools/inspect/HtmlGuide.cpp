@@ -18,6 +18,7 @@ constexpr std::int64_t k_day = 86400;
 constexpr std::int64_t k_dayMinutes = 1440;
 constexpr std::int64_t k_hourMinutes = 60;
 constexpr std::int64_t k_leastMinutes = 10;         // of a box
+constexpr std::int64_t k_wideMinutes = 25;          // of a box that has room for both times
 constexpr std::int64_t k_mostDays = 8;              // of a programme
 constexpr std::int64_t k_endOfTime = 253402300800;  // the year 10000
 constexpr std::int64_t k_unknownLength = 30 * k_minute;
@@ -251,10 +252,12 @@ class CGuidePage {
             lanes.resize(std::max(lanes.size(), lane + 1));
             lanes[lane] = box.end;
             const SProgramme& programme = m_guide.services[service].programmes[box.programme];
+            const bool narrow = box.end - box.begin < k_wideMinutes;
             programmes += "<a class=\"box\" href=\"#" + m_Anchor(service, box.programme) +
                           "\" style=\"grid-column:" + std::to_string(box.begin - first + 2) + '/' +
                           std::to_string(box.end - first + 2) + ";grid-row:" + std::to_string(row + lane) + "\"><b>" +
-                          FirstText(programme.titles, "no title") + "</b> <small>" + m_Span(programme) + "</small></a>";
+                          FirstText(programme.titles, "no title") + "</b> <small>" +
+                          (narrow ? Clock(*m_Shown(programme.start)) : m_Span(programme)) + "</small></a>";
         }
         html += "<span class=\"name\" style=\"grid-row:" + std::to_string(row) + "/span " +
                 std::to_string(lanes.size()) + "\">" + m_ServiceName(service) +
