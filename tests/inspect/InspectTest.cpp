@@ -640,7 +640,7 @@ TEST(Inspect, GuideAndManPageKnowEveryOption)
 TEST(Inspect, GuideInLocalTimeWithNamesOfGenres)
 {
     const CTemporary genres(
-        "<!-- --><ClassificationScheme><Term termID='2'><Name>News at night</Name></Term></ClassificationScheme>");
+        "<!-- --><ClassificationScheme><Term termID='2'>\n <Name>News at night</Name>\n</Term></ClassificationScheme>");
     setenv("TZ", "XYZ-3", 1);
     const SResult local = Inspect("--local-time --genres '" + genres.Name() + "' -", guide::WholeUnit());
     const SResult utc = Inspect("-", guide::WholeUnit());

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <fstream>
 #include <stdexcept>
 #include <vector>
 
@@ -49,6 +51,27 @@ bool IsMessageAndNoTable(SBytes bytes)
     return !table;
 }
 
+/// Reads the names of the genres. The library passes over terms whose names stand on lines of their own, as
+/// they do in files made for people: white space between tags is left out.
+bool ReadGenres(const std::string& name)
+{
+    std::ifstream file(name, std::ios::binary);
+    std::string text;
+    std::size_t tag = std::string::npos;  // behind the last tag, when nothing but white space came since
+    for (char c; file.get(c);) {
+        if (c == '<' && tag != std::string::npos) {
+            text.resize(tag);
+        }
+        text += c;
+        tag = c == '>' ? text.size() : std::strchr(" \t\r\n", c) != nullptr ? tag : std::string::npos;
+    }
+    CGenreNameParse names;
+    names.Create();
+    const bool parsed = names.Parse(text.data(), static_cast<unsigned>(text.size()));
+    names.Destroy();
+    return parsed;
+}
+
 }  // namespace
 
 CInspector::CInspector(const SOptions& options, CReport& report, const COutput& output, CProgress& progress)
@@ -57,15 +80,9 @@ CInspector::CInspector(const SOptions& options, CReport& report, const COutput& 
     InstallPlatform(options.log, options.settings);
     TCParseLLS::SetDecompressLLS(true);
     m_channelMap.Create();
-    if (!options.genres.empty()) {
-        CGenreNameParse names;
-        names.Create();
-        const bool parsed = names.Parse(options.genres.c_str());
-        names.Destroy();
-        if (!parsed) {
-            m_channelMap.Destroy();
-            throw std::runtime_error(Printable(options.genres) + ": not a classification scheme");
-        }
+    if (!options.genres.empty() && !ReadGenres(options.genres)) {
+        m_channelMap.Destroy();
+        throw std::runtime_error(Printable(options.genres) + ": not a classification scheme");
     }
 }
 
