@@ -94,6 +94,8 @@ TEST_F(GuideFollower, FilesAreKnownByTheirPlaceAndTheirToi)
     EXPECT_EQ(m_Take(3, gzip, "f"), TLines({"guide :C,"})) << "gzip makes no other object";
     EXPECT_EQ(m_Take(3, gzip, "f"), TLines());
     EXPECT_EQ(m_Take(0, gzip, "f"), TLines({"new-version-same-content"})) << "of the last one, not that of TOI 2";
+    EXPECT_EQ(m_Take(6, "content-Type: a/b\r\nETag: 1\r\n\r\n" + Gzip(Content("b", 1, "B"))), TLines({"new"}));
+    EXPECT_EQ(m_Take(7, "Content-Type: a/b\r\n" + Content("b", 1, "B")), TLines()) << "no empty line";
     EXPECT_EQ(m_Take(4, "png", "i.png", "image/png"), TLines());
     EXPECT_EQ(m_Take(4, "png", "i.png", "image/png"), TLines());
     EXPECT_EQ(m_Take(5, "\x1F\x8B\x08?", "g", "application/vnd.oma.bcast.sgdu"), TLines({"guide-not-parsed"}));

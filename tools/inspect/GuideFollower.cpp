@@ -192,7 +192,8 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SBytes object
     SGuideObject report;
     report.source = source;
     report.size = object.size;
-    report.gzip = IsGzip(object);
+    const SBytes body = EntityBody(object);
+    report.gzip = IsGzip(body);
     SObject now = {object.size, ContentHash(object), 0, 0, false, place ? place->contentLocation : ""};
     SObject before;
     if (place) {
@@ -209,8 +210,8 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SBytes object
         }
     }
     std::vector<unsigned char> inflated;
-    const bool whole = !report.gzip || Gunzip(object, k_maxGuideObject, inflated);
-    const SBytes text = report.gzip ? SBytes{inflated.data(), inflated.size()} : object;
+    const bool whole = !report.gzip || Gunzip(body, k_maxGuideObject, inflated);
+    const SBytes text = report.gzip ? SBytes{inflated.data(), inflated.size()} : body;
     std::optional<EGuideObject> kind;
     if (whole) {
         kind = GuideKind(text);
@@ -233,7 +234,7 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SBytes object
         return false;
     }
     TakeAssertions();
-    SGuideRead read = ReadGuideObject(*kind, object, text);
+    SGuideRead read = ReadGuideObject(*kind, body, text);
     report.kind = *kind;
     report.content = std::move(read.content);
     m_report.GuideObject(report);

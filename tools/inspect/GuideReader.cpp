@@ -1,5 +1,8 @@
 #include "GuideReader.h"
 
+#include <strings.h>
+
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string_view>
@@ -292,6 +295,19 @@ void ReadDocument(SBytes text, TContent content, SGuideRead& read)
 }
 
 }  // namespace
+
+SBytes EntityBody(SBytes object)
+{
+    constexpr TView k_field = "content-";
+    constexpr TView k_end = "\r\n\r\n";
+    constexpr std::size_t k_mostFields = 16384;
+    const TView text(reinterpret_cast<const char*>(object.data), std::min(object.size, k_mostFields));
+    if (text.size() < k_field.size() || strncasecmp(text.data(), k_field.data(), k_field.size()) != 0) {
+        return object;
+    }
+    const std::size_t end = text.find(k_end);
+    return end == TView::npos ? object : object.From(end + k_end.size());
+}
 
 std::optional<EGuideObject> GuideKind(SBytes bytes)
 {

@@ -11,6 +11,10 @@ namespace vyr::inspect {
 
 constexpr std::size_t k_maxGuideObject = 8388608;  ///< bytes of an inflated object of the guide
 
+/// What an object in entity mode (RFC 9223 2.1) has behind its header fields and the empty line; any other
+/// object as it is.
+SBytes EntityBody(SBytes object);
+
 /// What the bytes of an object, inflated, are of the guide; none: nothing. A document is known by the name
 /// of its root element. A unit is known by its table: it has entries, they and an encoding and a type for
 /// each fit into the unit, the first fragment's encoding and type are known, and its end, where another
