@@ -12,7 +12,7 @@ namespace {
 
 void Read(const SESGFragment& fragment, bool parsed)
 {
-    Require(parsed == (fragment.id != nullptr));
+    Require(!parsed || fragment.id);  // a failed parse leaves the last one
 }
 
 void Read(const CESGServiceFragment& service, bool parsed)

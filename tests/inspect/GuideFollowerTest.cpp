@@ -94,6 +94,9 @@ TEST_F(GuideFollower, FilesAreKnownByTheirPlaceAndTheirToi)
     EXPECT_EQ(m_Take(3, gzip, "f"), TLines({"guide :C,"})) << "gzip makes no other object";
     EXPECT_EQ(m_Take(3, gzip, "f"), TLines());
     EXPECT_EQ(m_Take(0, gzip, "f"), TLines({"new-version-same-content"})) << "of the last one, not that of TOI 2";
+    EXPECT_EQ(m_Take(0, Content("a", 4, "D"), "other").size(), 2u);
+    EXPECT_EQ(m_Take(8, Content("a", 4, "D"), "f"), TLines({"new"})) << "the latest of its name is no more";
+    EXPECT_EQ(m_Take(9, Content("a", 4, "D"), "other"), TLines({"new-version-same-content"}));
     EXPECT_EQ(m_Take(6, "content-Type: a/b\r\nETag: 1\r\n\r\n" + Gzip(Content("b", 1, "B"))), TLines({"new"}));
     EXPECT_EQ(m_Take(7, "Content-Type: a/b\r\n" + Content("b", 1, "B")), TLines()) << "no empty line";
     EXPECT_EQ(m_Take(4, "png", "i.png", "image/png"), TLines());

@@ -287,26 +287,37 @@ EStatus CGuideFollower::m_Remember(const SGuidePlace& place, const SObject& now)
 {
     const TObject key = {place.session, place.tsi, place.toi};
     const auto [entry, isNew] = m_objects.try_emplace(key);
-    EStatus status = EStatus::CHANGED_WITHOUT_VERSION;
+    EStatus status = isNew ? EStatus::NEW : EStatus::CHANGED_WITHOUT_VERSION;
     if (isNew) {
-        status = EStatus::NEW;
-        const auto last = std::find_if(m_objectOrder.rbegin(), m_objectOrder.rend(), [&](const TObject& other) {
-            return !place.contentLocation.empty() && std::get<0>(other) == place.session &&
-                   m_objects.at(other).contentLocation == place.contentLocation;
-        });
-        if (last != m_objectOrder.rend()) {
-            const SObject& object = m_objects.at(*last);
-            const bool same = object.textSize == now.textSize && object.textHash == now.textHash;
-            status = same ? EStatus::NEW_VERSION_SAME_CONTENT : EStatus::CHANGED;
-        }
         m_objectOrder.push_back(key);
+    } else if (entry->second.contentLocation != now.contentLocation) {
+        m_ForgetFile(key);
     }
     entry->second = now;
+    if (!place.contentLocation.empty()) {
+        const auto [file, isFirst] = m_files.try_emplace({place.session, place.contentLocation}, key);
+        if (isNew && !isFirst) {
+            const SObject& last = m_objects.at(file->second);
+            const bool same = last.textSize == now.textSize && last.textHash == now.textHash;
+            status = same ? EStatus::NEW_VERSION_SAME_CONTENT : EStatus::CHANGED;
+        }
+        file->second = key;
+    }
     if (m_objectOrder.size() > k_maxObjects) {
+        m_ForgetFile(m_objectOrder.front());
         m_objects.erase(m_objectOrder.front());
         m_objectOrder.pop_front();
     }
     return status;
+}
+
+/// The object is the latest of its file no longer.
+void CGuideFollower::m_ForgetFile(const TObject& key)
+{
+    const auto file = m_files.find({std::get<0>(key), m_objects.at(key).contentLocation});
+    if (file != m_files.end() && file->second == key) {
+        m_files.erase(file);
+    }
 }
 
 void CGuideFollower::m_Hold(SGuideFragment&& fragment, const std::optional<SGuidePlace>& place, const SSource& source)

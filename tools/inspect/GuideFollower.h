@@ -76,6 +76,7 @@ class CGuideFollower {
     bool m_Repeated(const SObject& known, SGuideObject& object);
     void m_CountSent(const SObject& object);
     EStatus m_Remember(const SGuidePlace& place, const SObject& now);
+    void m_ForgetFile(const TObject& key);
     void m_Hold(SGuideFragment&& fragment, const std::optional<SGuidePlace>& place, const SSource& source);
     void m_MakeRoom(const SSource& source);
     void m_Show(const SSource& source);
@@ -85,7 +86,8 @@ class CGuideFollower {
     CReport& m_report;
     const SGuideLimits m_limits;
     std::map<TObject, SObject> m_objects;
-    std::list<TObject> m_objectOrder;  ///< of m_objects, oldest first
+    std::list<TObject> m_objectOrder;                                ///< of m_objects, oldest first
+    std::map<std::pair<std::string, std::string>, TObject> m_files;  ///< latest object, by session and location
     std::map<TFragment, SHeld> m_fragments;
     std::list<TFragment> m_order;  ///< of m_fragments, oldest first
     std::size_t m_held = 0;        ///< bytes of the fragments' texts
