@@ -5,8 +5,8 @@
 
 /// The one store, and the number of created handles on it.
 struct VYR_API SESGFragmentMap {
-    static CESGFragmentMapST refMap;
-    static int refMapCnt;
+    static CESGFragmentMapST refMap;  ///< the store, created while handles hold it
+    static int refMapCnt;             ///< handles that hold it
 };
 
 /// Handle on the process-wide record of known fragments of the service guide, for the caller's own use: the

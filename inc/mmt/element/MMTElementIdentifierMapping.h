@@ -12,8 +12,8 @@ struct UInternalIdentifier {
 
 /// What callers are told about an identifier: its type, 0, and the asset id.
 struct SIdentifier {
-    unsigned int identifierType;
-    UInternalIdentifier identifier;
+    unsigned int identifierType;     ///< identifier_type
+    UInternalIdentifier identifier;  ///< as the type says
 };
 
 /// What names an asset: identifier_mapping of ISO/IEC 23008-1.

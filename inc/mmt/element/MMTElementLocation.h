@@ -6,13 +6,13 @@
 
 /// Packet id of a location of type 0 or 1.
 struct SInternalLocationInfo {
-    unsigned int packetId;
+    unsigned int packetId;  ///< packet_id
 };
 
 /// What callers are told about a location: its type, 0 or 1, and the packet id.
 struct SLocationInfo {
-    unsigned int locationType;
-    SInternalLocationInfo info;
+    unsigned int locationType;   ///< location_type
+    SInternalLocationInfo info;  ///< of types 0 and 1
 };
 
 /// Where a table or an asset is delivered: MMT_general_location_info of ISO/IEC 23008-1.

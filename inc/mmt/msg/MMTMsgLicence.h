@@ -8,9 +8,10 @@
 /// licence, which are the DRM system's own.
 class VYR_API CMMTMsgLicence : public CMMTMsgPayload {
   public:
+    /// The licence of one asset.
     struct SLicence {
-        CMMTElementAssetId assetId;
-        vyr::CBytes data;  ///< not held when it does not fit in the message
+        CMMTElementAssetId assetId;  ///< of the asset
+        vyr::CBytes data;            ///< not held when it does not fit in the message
     };
 
     ~CMMTMsgLicence() override;

@@ -7,8 +7,9 @@
 /// Package access table (PA table, table_id 0x00; ISO/IEC 23008-1): where each signalling table is delivered.
 class VYR_API CMMTTblPa : public CMMTTbl {
   public:
+    /// Who is told of the entries.
     struct SCallback {
-        void* user;
+        void* user;  ///< handed to the callback
         /// The records live until it returns.
         void (*onTableInfo)(void* user, unsigned char tableId, unsigned char tableVersion, SLocationInfo* location,
                             SLocationInfo* alternativeLocation);

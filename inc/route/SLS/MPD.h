@@ -18,9 +18,9 @@
 /// A property of a kind that its scheme defines: Role, Accessibility, Rating, EssentialProperty, the head
 /// of an EventStream (5.8.2).
 struct SMPDDescriptor {
-    const char* schemeIdUri = nullptr;
-    const char* value = nullptr;
-    const char* id = nullptr;
+    const char* schemeIdUri = nullptr;  ///< URI of the scheme
+    const char* value = nullptr;        ///< in the terms of the scheme
+    const char* id = nullptr;           ///< those of one id are equivalent
 };
 
 /// A protection scheme and what its licence system needs (5.8.4.1).
@@ -32,11 +32,11 @@ struct SMPDContentProtection : SMPDDescriptor {
 
 /// The descriptors that adaptation sets, representations and preselections can have.
 struct SMPDDescriptors {
-    std::vector<SMPDContentProtection> contentProtections;
-    std::vector<SMPDDescriptor> roles;
-    std::vector<SMPDDescriptor> accessibilities;
-    std::vector<SMPDDescriptor> ratings;
-    std::vector<SMPDDescriptor> essentialProperties;
+    std::vector<SMPDContentProtection> contentProtections;  ///< ContentProtection
+    std::vector<SMPDDescriptor> roles;                      ///< Role
+    std::vector<SMPDDescriptor> accessibilities;            ///< Accessibility
+    std::vector<SMPDDescriptor> ratings;                    ///< Rating
+    std::vector<SMPDDescriptor> essentialProperties;        ///< EssentialProperty
 };
 
 /// A run of segments of one duration, in units of the timescale (5.3.9.6).
@@ -50,10 +50,10 @@ struct SMPDSegment {
 
 /// One segment of a segment list (5.3.9.3).
 struct SMPDSegmentURL {
-    const char* media = nullptr;
+    const char* media = nullptr;       ///< URL, relative to the base
     const char* mediaRange = nullptr;  ///< "first-last", bytes
-    const char* index = nullptr;
-    const char* indexRange = nullptr;
+    const char* index = nullptr;       ///< URL of the index segment
+    const char* indexRange = nullptr;  ///< of the index, "first-last", bytes
 };
 
 /// What templates and lists have in common (5.3.9.2).
@@ -67,15 +67,15 @@ struct SMPDSegments {
 
 /// Segments whose names follow from a pattern (5.3.9.4).
 struct SMPDSegmentTemplate : SMPDSegments {
-    const char* media = nullptr;
-    const char* index = nullptr;
-    const char* initialization = nullptr;
+    const char* media = nullptr;           ///< URL with $Number$, $Time$ and the like
+    const char* index = nullptr;           ///< the same of the index segments
+    const char* initialization = nullptr;  ///< URL of the initialization segment
 };
 
 /// Segments that are listed (5.3.9.3).
 struct SMPDSegmentList : SMPDSegments {
-    const char* initialization = nullptr;                     ///< Initialization@sourceURL
-    const char* initializationRange = nullptr;                ///< Initialization@range, "first-last", bytes
+    const char* initialization = nullptr;                     ///< sourceURL of Initialization
+    const char* initializationRange = nullptr;                ///< range of Initialization, "first-last", bytes
     std::shared_ptr<const std::vector<SMPDSegmentURL>> urls;  ///< null: none
 };
 
@@ -89,51 +89,51 @@ struct SMPDSegmentInfo {
 
 /// Attributes common to adaptation sets and representations (5.3.7).
 struct SMPDCommon {
-    const char* profiles = nullptr;
+    const char* profiles = nullptr;           ///< URNs, with commas between
     long long width = -1;                     ///< pixels
     long long height = -1;                    ///< pixels
     const char* sar = nullptr;                ///< sample aspect ratio, "n:m"
     const char* frameRate = nullptr;          ///< frames per second, "n" or "n/m"
     const char* audioSamplingRate = nullptr;  ///< hertz, or lowest and highest
-    const char* mimeType = nullptr;
-    const char* codecs = nullptr;  ///< RFC 6381
-    long long startWithSAP = -1;
-    const char* scanType = nullptr;
-    long long selectionPriority = -1;  ///< 1: not given
-    const char* tag = nullptr;
+    const char* mimeType = nullptr;           ///< RFC 2046
+    const char* codecs = nullptr;             ///< RFC 6381
+    long long startWithSAP = -1;              ///< type of the access point that each segment starts with, 0 to 6
+    const char* scanType = nullptr;           ///< "progressive", "interlaced" or "unknown"
+    long long selectionPriority = -1;         ///< 1: not given
+    const char* tag = nullptr;                ///< for selection by the application
 };
 
 /// One encoding of the content of its adaptation set (5.3.5). Common attributes that it does not say are
 /// those of the set; so are its segments.
 struct SMPDRepresentation : SMPDCommon, SMPDSegmentInfo, SMPDDescriptors {
-    const char* id = nullptr;
-    long long bandwidth = -1;  ///< bit/s
-    long long qualityRanking = -1;
-    const char* dependencyId = nullptr;
+    const char* id = nullptr;            ///< one of its own in its period
+    long long bandwidth = -1;            ///< bit/s
+    long long qualityRanking = -1;       ///< lower is better
+    const char* dependencyId = nullptr;  ///< ids of those that it needs, with spaces between
 };
 
 /// Interchangeable encodings of one media component (5.3.3). Its descriptors hold for all of them.
 struct SMPDAdaptationSet : SMPDCommon, SMPDSegmentInfo, SMPDDescriptors {
-    const char* id = nullptr;
-    long long group = -1;
-    const char* lang = nullptr;         ///< BCP 47
-    const char* contentType = nullptr;  ///< "audio", "video", "text" …
-    const char* par = nullptr;          ///< picture aspect ratio, "n:m"
-    long long minBandwidth = -1;        ///< bit/s
-    long long maxBandwidth = -1;
-    long long minWidth = -1;  ///< pixels
-    long long maxWidth = -1;
-    long long minHeight = -1;
-    long long maxHeight = -1;
-    const char* minFrameRate = nullptr;
-    const char* maxFrameRate = nullptr;
-    const char* segmentAlignment = nullptr;  ///< "true", "false" or a number
-    std::vector<SMPDRepresentation> representations;
+    const char* id = nullptr;                         ///< one of its own in its period
+    long long group = -1;                             ///< sets of one group exclude each other; 0: goes with any
+    const char* lang = nullptr;                       ///< BCP 47
+    const char* contentType = nullptr;                ///< "audio", "video", "text" …
+    const char* par = nullptr;                        ///< picture aspect ratio, "n:m"
+    long long minBandwidth = -1;                      ///< bit/s
+    long long maxBandwidth = -1;                      ///< bit/s
+    long long minWidth = -1;                          ///< pixels
+    long long maxWidth = -1;                          ///< pixels
+    long long minHeight = -1;                         ///< pixels
+    long long maxHeight = -1;                         ///< pixels
+    const char* minFrameRate = nullptr;               ///< frames per second, "n" or "n/m"
+    const char* maxFrameRate = nullptr;               ///< frames per second, "n" or "n/m"
+    const char* segmentAlignment = nullptr;           ///< "true", "false" or a number
+    std::vector<SMPDRepresentation> representations;  ///< Representation, in document order
 };
 
 /// A combination of media components that form one experience (5.3.11).
 struct SMPDPreselection : SMPDDescriptors {
-    const char* id = nullptr;
+    const char* id = nullptr;                      ///< one of its own in its period
     const char* preselectionComponents = nullptr;  ///< ids of the components, with spaces between
     const char* lang = nullptr;                    ///< BCP 47
     const char* order = nullptr;                   ///< "undefined", "time-ordered" or "fully-ordered"
@@ -141,30 +141,30 @@ struct SMPDPreselection : SMPDDescriptors {
 
 /// A stretch of the presentation (5.3.2).
 struct SMPDPeriod : SMPDSegmentInfo {
-    const char* id = nullptr;
-    std::optional<double> start;  ///< since the start of the presentation
-    std::optional<double> duration;
-    std::vector<SMPDAdaptationSet> adaptationSets;
-    std::vector<SMPDPreselection> preselections;
-    std::vector<SMPDDescriptor> eventStreams;
+    const char* id = nullptr;                       ///< one of its own in the presentation
+    std::optional<double> start;                    ///< since the start of the presentation
+    std::optional<double> duration;                 ///< as given, seconds
+    std::vector<SMPDAdaptationSet> adaptationSets;  ///< AdaptationSet, in document order
+    std::vector<SMPDPreselection> preselections;    ///< Preselection
+    std::vector<SMPDDescriptor> eventStreams;       ///< EventStream, their heads
 };
 
 /// The presentation (5.3.1).
 struct SMPDInfo {
-    const char* id = nullptr;
-    const char* profiles = nullptr;
-    bool dynamic = false;  ///< type; false: "static", or not given
-    std::optional<double> availabilityStartTime;
-    std::optional<double> availabilityEndTime;
-    std::optional<double> publishTime;
-    std::optional<double> mediaPresentationDuration;
-    std::optional<double> minimumUpdatePeriod;
-    std::optional<double> minBufferTime;
-    std::optional<double> timeShiftBufferDepth;
-    std::optional<double> suggestedPresentationDelay;
-    std::vector<const char*> baseUrls;
-    std::vector<SMPDDescriptor> essentialProperties;
-    std::vector<SMPDPeriod> periods;
+    const char* id = nullptr;                          ///< of the presentation
+    const char* profiles = nullptr;                    ///< URNs, with commas between
+    bool dynamic = false;                              ///< type; false: "static", or not given
+    std::optional<double> availabilityStartTime;       ///< since 1970; anchor of the segments' times, when dynamic
+    std::optional<double> availabilityEndTime;         ///< since 1970
+    std::optional<double> publishTime;                 ///< since 1970: when this version was made
+    std::optional<double> mediaPresentationDuration;   ///< seconds
+    std::optional<double> minimumUpdatePeriod;         ///< seconds until the next version, at least
+    std::optional<double> minBufferTime;               ///< seconds
+    std::optional<double> timeShiftBufferDepth;        ///< seconds
+    std::optional<double> suggestedPresentationDelay;  ///< seconds behind the live edge
+    std::vector<const char*> baseUrls;                 ///< BaseURL
+    std::vector<SMPDDescriptor> essentialProperties;   ///< EssentialProperty
+    std::vector<SMPDPeriod> periods;                   ///< Period, in document order
 };
 
 /// Parser of a DASH media presentation description. A parse that succeeds replaces the record of the one
