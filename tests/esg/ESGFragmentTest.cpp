@@ -277,6 +277,21 @@ TEST_F(ESGFragmentTest, GenreNames)
     EXPECT_EQ(SGenreNameParse::refMap.count(99), 0u);
 }
 
+TEST_F(ESGFragmentTest, AFileOfGenresWithoutNamesIsReadOnce)
+{
+    SCreated<CESGServiceFragment> fragment;
+    const std::string text = "<Service id='a'><Genre>1</Genre><Genre>1</Genre><Genre>1</Genre></Service>";
+    EXPECT_TRUE(Parse(fragment, text));
+    EXPECT_EQ(Logged(", m->xml.Create(filePath)"), 3) << "one that is not there costs nothing";
+    Write("/opt/data/genre-cs.xml", "<ClassificationScheme>");
+    EXPECT_TRUE(Parse(fragment, text));
+    EXPECT_EQ(Logged(", m->xml.Create(filePath)"), 4);
+    Write("/opt/data/genre-cs.xml",
+          "<ClassificationScheme><Term termID='1'><Name>n</Name></Term></ClassificationScheme>");
+    EXPECT_TRUE(Parse(fragment, text));
+    EXPECT_STREQ(fragment.State()->genres.at(6)->State()->name, "n");
+}
+
 TEST_F(ESGFragmentTest, GenreSchemeBesideTheRootOrMissing)
 {
     {

@@ -1,11 +1,42 @@
 #include "esg/ESGElement/Genre.h"
 
+#include <sys/stat.h>
+
 #include <cstdlib>
 #include <cstring>
+#include <tuple>
 
 #include "common/PlatformFile.h"
 #include "esg/ESGKind.h"
 #include "esg/GenreNameParse.h"
+
+/// Fills the map of names, if it is empty. A file that has none is read again only when it has changed: a
+/// guide has thousands of genres, and each of them asks.
+static void ReadNames()
+{
+    struct SFile {
+        dev_t device;
+        ino_t inode;
+        off_t size;
+        time_t seconds;
+        long nanoseconds;
+    };
+    static thread_local SFile s_useless{};
+    const std::string path = vyr::PlatformFile("/opt/data/genre-cs.xml");
+    struct stat about {};
+    const bool exists = SGenreNameParse::refMap.empty() && stat(path.c_str(), &about) == 0;
+    const SFile file = {about.st_dev, about.st_ino, about.st_size, about.st_mtim.tv_sec, about.st_mtim.tv_nsec};
+    const auto all = [](const SFile& f) { return std::tie(f.device, f.inode, f.size, f.seconds, f.nanoseconds); };
+    CGenreNameParse names;
+    if ((exists && all(file) == all(s_useless)) || !names.Create()) {
+        return;
+    }
+    names.Parse(path.c_str());
+    names.Destroy();
+    if (exists && SGenreNameParse::refMap.empty()) {
+        s_useless = file;
+    }
+}
 
 bool CGenre::t_ProcessGenreName(SGenre& state, void* node)
 {
@@ -15,11 +46,7 @@ bool CGenre::t_ProcessGenreName(SGenre& state, void* node)
     }
     const char* colon = std::strrchr(term.Text(), ':');
     state.index = static_cast<int>(std::strtol(colon ? colon + 1 : term.Text(), nullptr, 10));
-    CGenreNameParse names;
-    if (names.Create()) {
-        names.Parse(vyr::PlatformFile("/opt/data/genre-cs.xml").c_str());
-        names.Destroy();
-    }
+    ReadNames();
     const auto found = SGenreNameParse::refMap.find(state.index);
     state.name = found != SGenreNameParse::refMap.end() ? found->second.get() : nullptr;
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CGenre::t_ProcessGenreName] Index = [%d], Name = [%s]", state.index,
