@@ -10,6 +10,7 @@
 namespace vyr {
 struct SESGKind;
 struct SHere;
+struct SRows;
 }  // namespace vyr
 
 /// A text of the service guide: a zero-terminated copy; null when its attribute or element is not there,

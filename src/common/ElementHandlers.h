@@ -1,98 +1,71 @@
 #pragma once
 
-#include <cstdio>
+#include <cstddef>
+#include <cstring>
 #include <memory>
 
-#include "common/CoreOS/StringHash.h"
 #include "common/Log.h"
 #include "common/Owned.h"
 #include "common/XmlNode.h"
 
 // The one way from element names to handlers. A parser class has
 //   - one table of rows, a static array: SElementHandler<CParser> k_handlers[] = {...};
-//   - a CCStringHash `hashCallback` in its state, filled from the table and emptied by the functions
-//     below, each called from the class's Create, t_CreateCallback, t_DestroyCallback;
+//   - `handlers` in its state, which t_CreateCallback points to the table;
 //   - DispatchChildren wherever it walks an element.
 // A child element with structure of its own becomes an object of another class through BuildChild.
 
 namespace vyr {
 
-/// One row: the element's local name, the handler, and the handler's name as the log shows it.
+/// One row: the element's local name and its handler.
 template <class TParser>
 struct SElementHandler {
     const char* name;
     void (*handler)(TParser* parser, void* node);
-    const char* handlerName;
 };
 
-/// Takes every row back.
-inline void RemoveHandlers(CCStringHash& hashCallback)
-{
-    while (hashCallback.SetPosition(CCStringHash::POS_HEAD, 0)) {
-        hashCallback.Remove();
-    }
-}
+/// The rows of a class, looked through in order: tables have 1 to 23 rows, and first letter and strcmp are
+/// faster there than a hash. Nothing is made for an object.
+struct SRows {
+    const void* rows = nullptr;
+    std::size_t count = 0;
 
-/// Adds every row; when one cannot be added, logs it as the failed step and takes all of them back.
-template <class TParser, std::size_t N>
-bool AddHandlers(CCStringHash& hashCallback, const SElementHandler<TParser> (&table)[N], const SHere& here)
-{
-    for (const SElementHandler<TParser>& row : table) {
-        if (!hashCallback.Add(row.name, &row)) {
-            char text[128];
-            std::snprintf(text, sizeof text, "m->hashCallback.Add(\"%s\", (const void*)%s)", row.name, row.handlerName);
-            RemoveHandlers(hashCallback);
-            return CheckFailed(here, text);
+    /// The row of an element name; null: there is none.
+    template <class TParser>
+    const SElementHandler<TParser>* Find(const char* name) const
+    {
+        const auto* row = static_cast<const SElementHandler<TParser>*>(rows);
+        for (const auto* end = row + count; row != end; ++row) {
+            if (*row->name == *name && std::strcmp(row->name, name) == 0) {
+                return row;
+            }
         }
+        return nullptr;
     }
+};
+
+/// Takes a class's table; true.
+template <class TParser, std::size_t N>
+bool AddHandlers(SRows& handlers, const SElementHandler<TParser> (&table)[N])
+{
+    handlers = {table, N};
     return true;
 }
 
-/// Makes the hash of a parser's Create with `buckets` buckets; a failure is logged as that step.
-inline bool CreateHandlers(CCStringHash& hashCallback, unsigned int buckets, const SHere& here)
-{
-    if (hashCallback.Create(buckets, ~0u)) {
-        return true;
-    }
-    char text[64];
-    std::snprintf(text, sizeof text, "m->hashCallback.Create(%u)", buckets);
-    return CheckFailed(here, text);
-}
-
-/// Empties and destroys the hash of a parser's Destroy.
-inline void DestroyHandlers(CCStringHash& hashCallback)
-{
-    if (hashCallback.FlagCreate()) {
-        RemoveHandlers(hashCallback);
-        hashCallback.Destroy();
-    }
-}
-
-/// What the state of every parser with handlers begins with; deleting the state takes them back.
+/// What the state of every parser with handlers begins with.
 struct SHandlers {
-    CCStringHash hashCallback;
-
-    SHandlers() = default;
-    SHandlers(const SHandlers&) = delete;
-    SHandlers& operator=(const SHandlers&) = delete;
-    ~SHandlers() { DestroyHandlers(hashCallback); }
+    SRows handlers;
 };
 
-/// What every such parser's Create shares: the state, its hash, the handlers that `addHandlers()` adds.
-/// A failed step is logged and leaves no state; a state that is there already is asserted.
+/// What every such parser's Create shares: the state and the handlers that `addHandlers()` gives it. A state
+/// that is there already is asserted.
 template <class TState, class TAdd>
-bool CreateState(TState*& m, unsigned int buckets, const SHere& here, TAdd addHandlers)
+bool CreateState(TState*& m, const SHere& here, TAdd addHandlers)
 {
     if (m) {
         return AssertFailed(here, "!m");
     }
     m = new TState;
-    if (CreateHandlers(m->hashCallback, buckets, here) && (addHandlers() || CheckFailed(here, "t_CreateCallback()"))) {
-        return true;
-    }
-    delete m;
-    m = nullptr;
-    return false;
+    return addHandlers();
 }
 
 /// Gives a value to a getter's output; true.
@@ -109,18 +82,17 @@ enum EChildLog { LOG_ALL_CHILDREN, LOG_HANDLED_CHILDREN, LOG_NO_CHILDREN };
 /// Calls the handler of each child element of `node` that has one, in document order; the others, and
 /// whatever is not an element, are skipped. `format` is the message that logs a name, with one %s.
 template <class TParser>
-void DispatchChildren(TParser* parser, CCStringHash& hashCallback, void* node, EChildLog log, const char* format,
+void DispatchChildren(TParser* parser, const SRows& handlers, void* node, EChildLog log, const char* format,
                       const SHere& here)
 {
     const bool shown = LogEnabled(LOG_PRIORITY_DEBUG);
     for (void* child = FirstElement(node); child; child = NextElement(child)) {
         const char* name = NodeName(child);
-        const bool handled = hashCallback.Find(name);
-        if (shown && (log == LOG_ALL_CHILDREN || (handled && log == LOG_HANDLED_CHILDREN))) {
+        const SElementHandler<TParser>* row = handlers.Find<TParser>(name);
+        if (shown && (log == LOG_ALL_CHILDREN || (row && log == LOG_HANDLED_CHILDREN))) {
             Print(LOG_PRIORITY_DEBUG, here, format, name);
         }
-        if (handled) {
-            const auto* row = static_cast<const SElementHandler<TParser>*>(hashCallback.Data());
+        if (row) {
             row->handler(parser, child);
         }
     }

@@ -42,14 +42,13 @@ CRSAT::~CRSAT() = default;
 
 bool CRSAT::Create()
 {
-    return vyr::CreateXmlParser(m, 2, "[CRSAT::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, "[CRSAT::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CRSAT::t_CreateCallback()
 {
-    static constexpr vyr::SElementHandler<CRSAT> k_handlers[] = {{"Service", sm_CbService, "sm_CbService"},
-                                                                 {"Update", sm_CbUpdate, "sm_CbUpdate"}};
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    static constexpr vyr::SElementHandler<CRSAT> k_handlers[] = {{"Service", sm_CbService}, {"Update", sm_CbUpdate}};
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CRSAT::Destroy()
@@ -70,8 +69,8 @@ bool CRSAT::m_ProcessParse(void* root)
         return false;
     }
     CNodeText::Attribute(root, "RSATInetURL").CopyTo(m->RSATInetURL);
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN,
-                          "[CRSAT::m_ProcessParseRSAT] Name[%s]", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CRSAT::m_ProcessParseRSAT] Name[%s]",
+                          VYR_HERE);
     return true;
 }
 
@@ -83,7 +82,7 @@ void CRSAT::sm_CbService(CRSAT* rsat, void* node)
     ReadBroadcast(*service, node);
     CNodeText::Attribute(node, "validUntil").CopyTo(service->validUntil);
     m->current = service.get();
-    vyr::DispatchChildren(rsat, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    vyr::DispatchChildren(rsat, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
     m->current = nullptr;
     m->services.Add(service.release());
     VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbService] %d ", m->services.Size());

@@ -12,15 +12,15 @@
 namespace vyr {
 
 /// What every Create with handlers shares: a state that is there already is asserted; else `message` is
-/// logged, and the state made with its hash and handlers, as CreateState says.
+/// logged, and the state made with its handlers, as CreateState says.
 template <class TState, class TAdd>
-bool CreateXmlParser(TState*& m, unsigned int buckets, const char* message, const SHere& here, TAdd addHandlers,
+bool CreateXmlParser(TState*& m, const char* message, const SHere& here, TAdd addHandlers,
                      ELogPriority priority = LOG_PRIORITY_DEBUG)
 {
     if (!m && LogEnabled(priority)) {
         Print(priority, here, "%s", message);
     }
-    return CreateState(m, buckets, here, addHandlers);
+    return CreateState(m, here, addHandlers);
 }
 
 /// The same for a parser of an element without children.

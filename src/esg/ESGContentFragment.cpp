@@ -32,20 +32,19 @@ void TakeServiceReference(TState* state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"Name", vyr::TakeElement<&TState::names, k_entry>, "sm_CbNameEntry"},
-    {"Description", vyr::TakeElement<&TState::descriptions, k_entry>, "sm_CbDescriptionEntry"},
-    {"AudioLanguage", vyr::TakeElement<&TState::audioLanguages, k_entry>, "sm_CbAudioLanguageEntry"},
-    {"TextLanguage", vyr::TakeElement<&TState::textLanguages, k_entry>, "sm_CbTextLanguageEntry"},
-    {"ContentAdvisoryRatings", vyr::TakeElement<&TState::contentAdvRatings, k_entry>,
-     "sm_CbContentAdvisoryRatingsEntry"},
-    {"TargetUserProfile", vyr::TakeElement<&TState::targetProfiles, k_entry>, "sm_CbTargetUserProfileEntry"},
-    {"Genre", vyr::TakeElement<&TState::genres, k_entry>, "sm_CbGenreEntry"},
-    {"TermsOfUse", vyr::TakeElement<&TState::termsOfUses, k_entry>, "sm_CbTermsOfUseEntry"},
-    {"Length", TakeLength, "sm_CbLengthEntry"},
-    {"ServiceReference", TakeServiceReference, "sm_CbServiceReferenceEntry"},
-    {"Popularity", vyr::TakeElement<&TState::popularity, k_popularity>, "sm_CbPopularityEntry"},
-    {"Freshness", vyr::TakeElement<&TState::freshness, k_freshness>, "sm_CbFreshnessEntry"},
-    {"PrivateExt", vyr::TakeElement<&TState::contentExt, k_contentExt>, "sm_CbPrivateExtEntry"},
+    {"Name", vyr::TakeElement<&TState::names, k_entry>},
+    {"Description", vyr::TakeElement<&TState::descriptions, k_entry>},
+    {"AudioLanguage", vyr::TakeElement<&TState::audioLanguages, k_entry>},
+    {"TextLanguage", vyr::TakeElement<&TState::textLanguages, k_entry>},
+    {"ContentAdvisoryRatings", vyr::TakeElement<&TState::contentAdvRatings, k_entry>},
+    {"TargetUserProfile", vyr::TakeElement<&TState::targetProfiles, k_entry>},
+    {"Genre", vyr::TakeElement<&TState::genres, k_entry>},
+    {"TermsOfUse", vyr::TakeElement<&TState::termsOfUses, k_entry>},
+    {"Length", TakeLength},
+    {"ServiceReference", TakeServiceReference},
+    {"Popularity", vyr::TakeElement<&TState::popularity, k_popularity>},
+    {"Freshness", vyr::TakeElement<&TState::freshness, k_freshness>},
+    {"PrivateExt", vyr::TakeElement<&TState::contentExt, k_contentExt>},
 };
 
 }  // namespace
@@ -81,7 +80,7 @@ const vyr::SESGKind& CESGContentFragment::t_Kind() const
                                              "Content",
                                              "m_ProcessESGContentFragment(root)",
                                              vyr::NewState<TState>,
-                                             vyr::ThreadHandlers<TState, k_handlers>,
+                                             vyr::Handlers<TState, k_handlers>,
                                              sm_Read};
     return k_kind;
 }

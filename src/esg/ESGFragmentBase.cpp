@@ -25,7 +25,7 @@ bool CESGFragmentBase::Create()
         return vyr::AssertFailed(kind.Here(__func__, __LINE__), "!m");
     }
     VYR_LOG(LOG_PRIORITY_INFO, "[%s::Create]", kind.className);
-    m = static_cast<SESGFragment*>(vyr::CreateState(kind, __func__));
+    m = static_cast<SESGFragment*>(vyr::CreateState(kind));
     return m != nullptr;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <iterator>
+
 #include "common/ElementHandlers.h"
 #include "common/Log.h"
 #include "common/XmlNode.h"
@@ -10,7 +12,7 @@
 // CESGElement and CESGFragmentBase have for all of them.
 //
 // A handler takes the record and the child element. Most of them are made by the templates below from the
-// member that the child ends up in: {"Link", vyr::TakeContent<&SIcon::link>, "sm_CbLinkEntry"}.
+// member that the child ends up in: {"Link", vyr::TakeContent<&SIcon::link>}.
 
 namespace vyr {
 
@@ -21,9 +23,8 @@ struct SESGKind {
     const char* element;    ///< name of the element that it parses
     const char* process;    ///< the step of reading it, as the log has it
     SESGState* (*create)();
-    /// The handlers on this thread; null after logging the failed step. Null: there are no children of
-    /// interest.
-    CCStringHash* (*handlers)(const SHere& here);
+    /// The handlers; null: there are no children of interest.
+    SRows (*handlers)();
     /// Reads the element; false: it cannot be used.
     bool (*read)(SESGState& state, void* node);
     const char* otherElement = nullptr;  ///< second name of the element, or null
@@ -38,21 +39,11 @@ SESGState* NewState()
     return new TState;
 }
 
-/// SESGKind::handlers of a class with the record TState and the table of handlers THandlers: a hash for each
-/// thread, made once. Guides have thousands of elements of a class, and a hash has a cursor.
+/// SESGKind::handlers of a class with the record TState and the table of handlers THandlers.
 template <class TState, const auto& THandlers>
-CCStringHash* ThreadHandlers(const SHere& here)
+SRows Handlers()
 {
-    static thread_local SHandlers s_handlers;
-    CCStringHash& hash = s_handlers.hashCallback;
-    if (hash.FlagCreate()) {
-        return &hash;
-    }
-    if (!CreateHandlers(hash, 10, here) || !AddHandlers<TState>(hash, THandlers, here)) {
-        DestroyHandlers(hash);
-        return nullptr;
-    }
-    return &hash;
+    return {THandlers, std::size(THandlers)};
 }
 
 /// Handler for an element whose children are handled as those around it; and what calls the handlers of a
@@ -60,9 +51,7 @@ CCStringHash* ThreadHandlers(const SHere& here)
 template <class TState>
 void TakeChildren(TState* state, void* node)
 {
-    if (CCStringHash* hash = state->kind->handlers(VYR_HERE)) {
-        DispatchChildren(state, *hash, node, LOG_NO_CHILDREN, "%s", VYR_HERE);
-    }
+    DispatchChildren(state, state->kind->handlers(), node, LOG_NO_CHILDREN, "%s", VYR_HERE);
 }
 
 /// SESGKind::read of an element without children.
@@ -101,13 +90,13 @@ constexpr SESGKind ElementKind(const char* file, const char* className, const ch
             element,
             "m_Process()",
             NewState<TState>,
-            ThreadHandlers<TState, THandlers>,
+            Handlers<TState, THandlers>,
             ReadElementAndChildren<TState, TRead>,
             otherElement};
 }
 
-/// A new record, once the handlers of its class are there; null after logging the failed step.
-SESGState* CreateState(const SESGKind& kind, const char* function);
+/// A new record of the class.
+SESGState* CreateState(const SESGKind& kind);
 
 /// Copy of a text of `length` bytes, zero-terminated.
 TESGText NewText(const char* text, std::size_t length);

@@ -16,9 +16,9 @@ void TakeServiceReference(TState* state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"ServiceReference", TakeServiceReference, "sm_CbServiceReferenceEntry"},
-    {"ContentReference", vyr::TakeElement<&TState::contentRefs, k_entry>, "sm_CbContentReferenceEntry"},
-    {"TermsOfUse", vyr::TakeElement<&TState::termsOfUses, k_entry>, "sm_CbTermsOfUseEntry"},
+    {"ServiceReference", TakeServiceReference},
+    {"ContentReference", vyr::TakeElement<&TState::contentRefs, k_entry>},
+    {"TermsOfUse", vyr::TakeElement<&TState::termsOfUses, k_entry>},
 };
 
 }  // namespace
@@ -51,7 +51,7 @@ const vyr::SESGKind& CESGScheduleFragment::t_Kind() const
                                              "Schedule",
                                              "m_ProcessESGScheduleFragment(root)",
                                              vyr::NewState<TState>,
-                                             vyr::ThreadHandlers<TState, k_handlers>,
+                                             vyr::Handlers<TState, k_handlers>,
                                              sm_Read};
     return k_kind;
 }

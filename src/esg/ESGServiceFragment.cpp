@@ -41,17 +41,16 @@ void TakePrivateExt(TState* state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"ServiceType", TakeServiceType, "sm_CbServiceTypeEntry"},
-    {"Name", vyr::TakeElement<&TState::names, k_entry>, "sm_CbNameEntry"},
-    {"Description", vyr::TakeElement<&TState::descriptions, k_entry>, "sm_CbDescriptionEntry"},
-    {"AudioLanguage", vyr::TakeElement<&TState::audioLanguages, k_entry>, "sm_CbAudioLanguageEntry"},
-    {"TextLanguage", vyr::TakeElement<&TState::textLanguages, k_entry>, "sm_CbTextLanguageEntry"},
-    {"ContentAdvisoryRatings", vyr::TakeElement<&TState::contentAdvRatings, k_entry>,
-     "sm_CbContentAdvisoryRatingsEntry"},
-    {"TargetUserProfile", vyr::TakeElement<&TState::targetProfiles, k_entry>, "sm_CbTargetUserProfileEntry"},
-    {"Genre", vyr::TakeElement<&TState::genres, k_entry>, "sm_CbGenreEntry"},
-    {"BroadcastArea", vyr::TakeElement<&TState::broadcaseArea, k_area>, "sm_CbBroadcastAreaEntry"},
-    {"PrivateExt", TakePrivateExt, "sm_CbPrivateExtEntry"},
+    {"ServiceType", TakeServiceType},
+    {"Name", vyr::TakeElement<&TState::names, k_entry>},
+    {"Description", vyr::TakeElement<&TState::descriptions, k_entry>},
+    {"AudioLanguage", vyr::TakeElement<&TState::audioLanguages, k_entry>},
+    {"TextLanguage", vyr::TakeElement<&TState::textLanguages, k_entry>},
+    {"ContentAdvisoryRatings", vyr::TakeElement<&TState::contentAdvRatings, k_entry>},
+    {"TargetUserProfile", vyr::TakeElement<&TState::targetProfiles, k_entry>},
+    {"Genre", vyr::TakeElement<&TState::genres, k_entry>},
+    {"BroadcastArea", vyr::TakeElement<&TState::broadcaseArea, k_area>},
+    {"PrivateExt", TakePrivateExt},
 };
 
 }  // namespace
@@ -101,7 +100,7 @@ const vyr::SESGKind& CESGServiceFragment::t_Kind() const
                                              "Service",
                                              "m_ProcessESGServiceFragment(root)",
                                              vyr::NewState<TState>,
-                                             vyr::ThreadHandlers<TState, k_handlers>,
+                                             vyr::Handlers<TState, k_handlers>,
                                              sm_Read};
     return k_kind;
 }

@@ -17,12 +17,12 @@ CSGDDParse::~CSGDDParse()
 bool CSGDDParse::Create()
 {
     return vyr::CreateXmlParser(
-        m, 5, "[CSGDDParse::Create]", VYR_HERE,
+        m, "[CSGDDParse::Create]", VYR_HERE,
         [this] {
             static constexpr vyr::SElementHandler<CSGDDParse> k_handlers[] = {
-                {"DescriptorEntry", sm_CbDescriptorEntry, "sm_CbDescriptorEntry"},
+                {"DescriptorEntry", sm_CbDescriptorEntry},
             };
-            return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+            return vyr::AddHandlers(m->handlers, k_handlers);
         },
         LOG_PRIORITY_INFO);
 }
@@ -49,7 +49,7 @@ bool CSGDDParse::m_ProcessParse(void* root)
     vyr::ReadAttribute(node, "id", m->values.id);
     vyr::ReadAttribute(node, "version", m->values.version);
     m->values.ns = vyr::Namespace(t_xml, node);
-    vyr::DispatchChildren(this, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }
 

@@ -17,7 +17,7 @@ CSGResponse::~CSGResponse()
 bool CSGResponse::Create()
 {
     const bool created = vyr::CreateXmlParser(
-        m, 5, "[CSGResponse::Create]", VYR_HERE, [this] { return t_CreateCallback(); }, LOG_PRIORITY_INFO);
+        m, "[CSGResponse::Create]", VYR_HERE, [this] { return t_CreateCallback(); }, LOG_PRIORITY_INFO);
     if (created) {
         t_compressed = false;
     }
@@ -27,12 +27,12 @@ bool CSGResponse::Create()
 bool CSGResponse::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CSGResponse> k_handlers[] = {
-        {"SupportedVersion", sm_CbSupportedVersionEntry, "sm_CbSupportedVersionEntry"},
-        {"ServiceGuideDeliveryDescriptor", sm_CbSGDDEntry, "sm_CbSGDDEntry"},
-        {"ResponseValidity", sm_CbResponseValidityEntry, "sm_CbResponseValidityEntry"},
-        {"PrivateExt", sm_CbPrivateExtEntry, "sm_CbPrivateExtEntry"},
+        {"SupportedVersion", sm_CbSupportedVersionEntry},
+        {"ServiceGuideDeliveryDescriptor", sm_CbSGDDEntry},
+        {"ResponseValidity", sm_CbResponseValidityEntry},
+        {"PrivateExt", sm_CbPrivateExtEntry},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CSGResponse::Destroy()
@@ -58,7 +58,7 @@ bool CSGResponse::m_ProcessParse(void* root)
     }
     vyr::ReadAttribute(node, "status", m->values.status);
     vyr::ReadAttribute(node, "lastResponseVersion", m->values.lastResponseVersion);
-    vyr::DispatchChildren(this, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }
 

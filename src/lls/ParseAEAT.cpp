@@ -62,7 +62,7 @@ CParseAEAT::~CParseAEAT()
 
 bool CParseAEAT::Create(const CParseAEAT::SCallback* callback)
 {
-    if (!vyr::CreateState(m, 7, VYR_HERE, [this] { return t_CreateCallback(); })) {
+    if (!vyr::CreateState(m, VYR_HERE, [this] { return t_CreateCallback(); })) {
         return false;
     }
     m->callback = callback ? *callback : SCallback{};
@@ -72,17 +72,17 @@ bool CParseAEAT::Create(const CParseAEAT::SCallback* callback)
 bool CParseAEAT::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CParseAEAT> k_handlers[] = {
-        {"AEA", sm_CbAEA, "sm_CbAEA"},
-        {"Header", sm_CbHeader, "sm_CbHeader"},
-        {"EventCode", sm_CbEventCode, "sm_CbEventCode"},
-        {"EventDesc", sm_CbEventDesc, "sm_CbEventDesc"},
-        {"Location", sm_CbLocation, "sm_CbLocation"},
-        {"AEAText", sm_CbAEAText, "sm_CbAEAText"},
-        {"LiveMedia", sm_CbLiveMedia, "sm_CbLiveMedia"},
-        {"ServiceName", sm_CbServiceName, "sm_CbServiceName"},
-        {"Media", sm_CbMedia, "sm_CbMedia"},
+        {"AEA", sm_CbAEA},
+        {"Header", sm_CbHeader},
+        {"EventCode", sm_CbEventCode},
+        {"EventDesc", sm_CbEventDesc},
+        {"Location", sm_CbLocation},
+        {"AEAText", sm_CbAEAText},
+        {"LiveMedia", sm_CbLiveMedia},
+        {"ServiceName", sm_CbServiceName},
+        {"Media", sm_CbMedia},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CParseAEAT::Destroy()
@@ -110,7 +110,7 @@ bool CParseAEAT::m_ProcessParseAEAT(void* root)
     if (!m->xml.Compare(root, "AEAT")) {
         return false;
     }
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN,
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN,
                           "[CParseAEAT::m_ProcessParseAEAT] Name[%s]", VYR_HERE);
     return true;
 }
@@ -127,8 +127,7 @@ void CParseAEAT::sm_CbAEA(CParseAEAT* parser, void* node)
     alert->priority = static_cast<EAEAPriority>(CNodeText::Attribute(node, "priority").Int(0));
     alert->wakeup = CNodeText::Attribute(node, "wakeup").Bool();
     m->current = alert.get();
-    vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_HANDLED_CHILDREN, "[CParseAEAT::sm_CbAEA] %s",
-                          VYR_HERE);
+    vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CParseAEAT::sm_CbAEA] %s", VYR_HERE);
     m->current = nullptr;
     m->alerts.Add(alert.release());
 }
@@ -141,8 +140,8 @@ void CParseAEAT::sm_CbHeader(CParseAEAT* parser, void* node)
         alert->effective = Attribute(node, "effective");
         alert->expires = Attribute(node, "expires");
     }
-    vyr::DispatchChildren(parser, parser->m->hashCallback, node, vyr::LOG_HANDLED_CHILDREN,
-                          "[CParseAEAT::sm_CbHeader] %s", VYR_HERE);
+    vyr::DispatchChildren(parser, parser->m->handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CParseAEAT::sm_CbHeader] %s",
+                          VYR_HERE);
 }
 
 void CParseAEAT::sm_CbEventCode(CParseAEAT* parser, void* node)
@@ -183,7 +182,7 @@ void CParseAEAT::sm_CbLiveMedia(CParseAEAT* parser, void* node)
                                    static_cast<unsigned short>(CNodeText::Attribute(node, "serviceId").Int(0)),
                                    {}};
     }
-    vyr::DispatchChildren(parser, parser->m->hashCallback, node, vyr::LOG_HANDLED_CHILDREN,
+    vyr::DispatchChildren(parser, parser->m->handlers, node, vyr::LOG_HANDLED_CHILDREN,
                           "[CParseAEAT::sm_CbLiveMedia] %s", VYR_HERE);
 }
 

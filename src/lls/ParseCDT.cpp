@@ -33,21 +33,18 @@ bool CParseCDT::Create()
     if (!m) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::Create]");
     }
-    return vyr::CreateState(m, 7, VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateState(m, VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CParseCDT::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CParseCDT> k_handlers[] = {
-        {"ToBeSignedData", sm_CbToBeSignedData, "sm_CbToBeSignedData"},
-        {"Certificates", sm_CbCertificates, "sm_CbCertificates"},
-        {"CurrentCert", sm_CbCurrentCert, "sm_CbCurrentCert"},
-        {"CertReplacement", sm_CbCertReplacement, "sm_CbCertReplacement"},
-        {"OCSPRefresh", sm_CbOCSPRefresh, "sm_CbOCSPRefresh"},
-        {"CMSSignedData", sm_CbCMSSignedData, "sm_CbCMSSignedData"},
-        {"OCSPResponse", sm_CbOCSPResponse, "sm_CbOCSPResponse"},
+        {"ToBeSignedData", sm_CbToBeSignedData}, {"Certificates", sm_CbCertificates},
+        {"CurrentCert", sm_CbCurrentCert},       {"CertReplacement", sm_CbCertReplacement},
+        {"OCSPRefresh", sm_CbOCSPRefresh},       {"CMSSignedData", sm_CbCMSSignedData},
+        {"OCSPResponse", sm_CbOCSPResponse},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CParseCDT::Destroy()
@@ -78,8 +75,8 @@ bool CParseCDT::m_ProcessParseCDT(void* root)
     if (!m->xml.Compare(root, "CertificationData")) {
         return false;
     }
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN,
-                          "[CParseCDT::m_ProcessParseCDT] Name[%s]", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CParseCDT::m_ProcessParseCDT] Name[%s]",
+                          VYR_HERE);
     return true;
 }
 
@@ -97,7 +94,7 @@ bool CParseCDT::m_OnToBeSigendData(void* node)
     if (refresh.Found()) {
         m->ocspRefresh = TimeUtility::DurationToSec(refresh.Text());
     }
-    vyr::DispatchChildren(this, m->hashCallback, node, vyr::LOG_HANDLED_CHILDREN,
+    vyr::DispatchChildren(this, m->handlers, node, vyr::LOG_HANDLED_CHILDREN,
                           "[CParseCDT::sm_CbToBeSignedData] Name[%s]", VYR_HERE);
     return true;
 }

@@ -29,14 +29,13 @@ bool CParseOnscreenNoti::Create()
     if (!m) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::Create]");
     }
-    return vyr::CreateState(m, 7, VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateState(m, VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CParseOnscreenNoti::t_CreateCallback()
 {
-    static constexpr vyr::SElementHandler<CParseOnscreenNoti> k_handlers[] = {
-        {"KeepScreenClear", sm_CbKSC, "sm_CbKSC"}};
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    static constexpr vyr::SElementHandler<CParseOnscreenNoti> k_handlers[] = {{"KeepScreenClear", sm_CbKSC}};
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CParseOnscreenNoti::Destroy()
@@ -105,7 +104,7 @@ bool CParseOnscreenNoti::m_ProcessParseOnscreenNoti(void* root)
     if (!m->xml.Compare(root, "OnscreenMessageNotification")) {
         return false;
     }
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN,
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN,
                           "[CParseOnscreenNoti::m_ProcessParseOnscreenNoti] Name[%s]", VYR_HERE);
     return true;
 }

@@ -85,21 +85,21 @@ CParseRRT::~CParseRRT()
 
 bool CParseRRT::Create()
 {
-    return vyr::CreateState(m, 7, VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateState(m, VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CParseRRT::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CParseRRT> k_handlers[] = {
-        {"RatingRegionTable", sm_CbRatingRegionTable, "sm_CbRatingRegionTable"},
-        {"RegionIdText", sm_CbRegionIdText, "sm_CbRegionIdText"},
-        {"Dimension", sm_CbDimension, "sm_CbDimension"},
-        {"DimensionTitle", sm_CbDimensionTitle, "sm_CbDimensionTitle"},
-        {"Rating", sm_CbRating, "sm_CbRating"},
-        {"RatingValueAbbrev", sm_CbRatingValueAbbrev, "sm_CbRatingValueAbbrev"},
-        {"RatingValueString", sm_CbRatingValueString, "sm_CbRatingValueString"},
+        {"RatingRegionTable", sm_CbRatingRegionTable},
+        {"RegionIdText", sm_CbRegionIdText},
+        {"Dimension", sm_CbDimension},
+        {"DimensionTitle", sm_CbDimensionTitle},
+        {"Rating", sm_CbRating},
+        {"RatingValueAbbrev", sm_CbRatingValueAbbrev},
+        {"RatingValueString", sm_CbRatingValueString},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CParseRRT::Destroy()
@@ -151,7 +151,7 @@ bool CParseRRT::m_ProcessParseRRT(void* root)
     if (!m->xml.Compare(root, "RatingRegionTables")) {
         return false;
     }
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
     return true;
 }
 
@@ -161,7 +161,7 @@ void CParseRRT::sm_CbRatingRegionTable(CParseRRT* parser, void* node)
     SRegion region;
     region.regionIdentifier = CNodeText::Attribute(node, "regionIdentifier").Int(0);
     m->region = &region;
-    vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
     m->region = nullptr;
     m->regions.push_back(std::move(region));
 }
@@ -185,7 +185,7 @@ void CParseRRT::sm_CbDimension(CParseRRT* parser, void* node)
     const CNodeText graduated = CNodeText::Attribute(node, "dimensionGraduated");
     dimension.dimensionGraduated = graduated.Found() && std::strcmp(graduated.Text(), "true") == 0;
     m->dimension = &dimension;
-    vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
     m->dimension = nullptr;
     region->dimensions.push_back(std::move(dimension));
 }
@@ -207,7 +207,7 @@ void CParseRRT::sm_CbRating(CParseRRT* parser, void* node)
     SRating rating;
     rating.ratingValue = CNodeText::Attribute(node, "ratingValue").Int(0);
     m->rating = &rating;
-    vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
     m->rating = nullptr;
     dimension->ratings.push_back(std::move(rating));
 }

@@ -153,7 +153,7 @@ CParseSLT::~CParseSLT()
 bool CParseSLT::Create(CChannelMap* channelMap, const CParseSLT::SCallback* callback)
 {
     if ((!m && !VYR_ASSERT(channelMap, "channelMap")) ||
-        !vyr::CreateState(m, 7, VYR_HERE, [this] { return t_CreateCallback(); })) {
+        !vyr::CreateState(m, VYR_HERE, [this] { return t_CreateCallback(); })) {
         return false;
     }
     m->channelMap = channelMap;
@@ -164,15 +164,15 @@ bool CParseSLT::Create(CChannelMap* channelMap, const CParseSLT::SCallback* call
 bool CParseSLT::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CParseSLT> k_handlers[] = {
-        {"sltInetUrl", sm_CbSltInetUrl, "sm_CbSltInetUrl"},
-        {"SLTInetUrl", sm_CbSltInetUrl, "sm_CbSltInetUrl"},
-        {"Service", sm_CbService, "sm_CbService"},
-        {"SimulcastTSID", sm_CbSimulcastTSID, "sm_CbSimulcastTSID"},
-        {"BroadcastSvcSignaling", sm_CbBroadcastSvcSignaling, "sm_CbBroadcastSvcSignaling"},
-        {"svcInetUrl", sm_CbSvcInetUrl, "sm_CbSvcInetUrl"},
-        {"SvcInetUrl", sm_CbSvcInetUrl, "sm_CbSvcInetUrl"},
+        {"sltInetUrl", sm_CbSltInetUrl},
+        {"SLTInetUrl", sm_CbSltInetUrl},
+        {"Service", sm_CbService},
+        {"SimulcastTSID", sm_CbSimulcastTSID},
+        {"BroadcastSvcSignaling", sm_CbBroadcastSvcSignaling},
+        {"svcInetUrl", sm_CbSvcInetUrl},
+        {"SvcInetUrl", sm_CbSvcInetUrl},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CParseSLT::Destroy()
@@ -340,7 +340,7 @@ bool CParseSLT::m_ProcessParseSLT(void* root)
     if (!CNodeText::Attribute(root, "sltCapabilities").CopyTo(m->capabilities)) {
         CNodeText::Attribute(root, "SLTCapabilities").CopyTo(m->capabilities);
     }
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_ALL_CHILDREN, "[CParseSLT::m_ProcessParseSLT] Name[%s]",
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_ALL_CHILDREN, "[CParseSLT::m_ProcessParseSLT] Name[%s]",
                           VYR_HERE);
     return true;
 }
@@ -436,7 +436,7 @@ void CParseSLT::sm_CbService(CParseSLT* parser, void* node)
     service->svcCapabilities = Text(node, "svcCapabilities");
 
     m->current = service.get();
-    vyr::DispatchChildren(parser, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
     m->current = nullptr;
     m->services.Add(service.release());
 }

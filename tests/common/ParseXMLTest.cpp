@@ -11,34 +11,22 @@ namespace {
 
 class CTree : public XMLBase {
   public:
-    struct STree {
-        CCStringHash hashCallback;
+    struct STree : vyr::SHandlers {
         CCPtrArray children{vyr::RemoveChild<CTree>, nullptr};
         std::string name;
     };
 
     bool Create() override
     {
-        if (!VYR_ASSERT(!m, "!m")) {
-            return false;
-        }
-        m = new STree;
-        return vyr::CreateHandlers(m->hashCallback, 5, VYR_HERE) && t_CreateCallback();
+        return vyr::CreateXmlParser(m, "[CTree::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
     }
 
-    void Destroy() override
-    {
-        vyr::DestroyHandlers(m->hashCallback);
-        XMLBase::Destroy();
-        delete m;
-        m = nullptr;
-    }
+    void Destroy() override { vyr::DestroyXmlParser(*this, m, "[CTree::Destroy]", VYR_HERE); }
 
     bool t_CreateCallback()
     {
-        static constexpr vyr::SElementHandler<CTree> k_handlers[] = {{"Node", sm_CbNode, "sm_CbNode"},
-                                                                     {"node", sm_CbNode, "sm_CbNode"}};
-        return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+        static constexpr vyr::SElementHandler<CTree> k_handlers[] = {{"Node", sm_CbNode}, {"node", sm_CbNode}};
+        return vyr::AddHandlers(m->handlers, k_handlers);
     }
 
     static void sm_CbNode(CTree* parent, void* cur)
@@ -60,8 +48,8 @@ class CTree : public XMLBase {
             return false;
         }
         m->name += name.Found() ? name.Text() : "";
-        vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN,
-                              "[CTree::m_ProcessParse] Name[%s]", VYR_HERE);
+        vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CTree::m_ProcessParse] Name[%s]",
+                              VYR_HERE);
         return true;
     }
 
@@ -137,19 +125,6 @@ TEST_F(ParseXMLTest, DocumentIsKeptAfterSuccessOnly)
     EXPECT_FALSE(m_tree.XMLBase::Parse(static_cast<void*>(nullptr), static_cast<void*>(nullptr)));
     EXPECT_EQ(Logged(", t_xml.Create(doc)"), 1);
     EXPECT_EQ(TakeAssertions(), "!m; docPtr");
-}
-
-TEST_F(ParseXMLTest, ARegistrationThatFailsIsLoggedAndTakenBack)
-{
-    static constexpr vyr::SElementHandler<CTree> k_handlers[] = {{"Node", CTree::sm_CbNode, "sm_CbNode"}};
-    CCStringHash hash;
-    EXPECT_FALSE(vyr::AddHandlers(hash, k_handlers, VYR_HERE));  // not created
-    EXPECT_EQ(Logged(", m->hashCallback.Add(\"Node\", (const void*)sm_CbNode)"), 1);
-    EXPECT_TRUE(hash.Create(5, ~0u));
-    EXPECT_FALSE(vyr::CreateHandlers(hash, 5, VYR_HERE));
-    EXPECT_EQ(Logged(", m->hashCallback.Create(5)"), 1);
-    hash.Destroy();
-    EXPECT_EQ(TakeAssertions(), "m; m; !m");
 }
 
 }  // namespace

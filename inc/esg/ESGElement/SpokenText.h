@@ -2,8 +2,6 @@
 
 #include "esg/ESGElement/ESGElement.h"
 
-class CCStringHash;
-
 /// What the elements with a text to be shown or spoken have in common.
 class VYR_API CSpokenText : public CESGElement {
   public:
@@ -28,6 +26,6 @@ class VYR_API CSpokenText : public CESGElement {
     };
 
   protected:
-    static CCStringHash* sm_Handlers(const vyr::SHere& here);
+    static vyr::SRows sm_Handlers();
     static bool sm_Read(SESGState& state, void* node);
 };

@@ -7,9 +7,9 @@ namespace {
 using TState = CATSC3ServiceExt::SATSC3ServiceExt;
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"MajorChannelNum", vyr::TakeContent<&TState::majorChannelNum>, "sm_CbMajorChannelNumEntry"},
-    {"MinorChannelNum", vyr::TakeContent<&TState::minorChannelNum>, "sm_CbMinorChannelNumEntry"},
-    {"Icon", vyr::TakeRecord<&TState::icons, vyr::ReadMedia>, "sm_CbIconEntry"},
+    {"MajorChannelNum", vyr::TakeContent<&TState::majorChannelNum>},
+    {"MinorChannelNum", vyr::TakeContent<&TState::minorChannelNum>},
+    {"Icon", vyr::TakeRecord<&TState::icons, vyr::ReadMedia>},
 };
 
 void ReadAttributes(TState& state, void* node)

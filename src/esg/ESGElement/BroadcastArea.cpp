@@ -44,9 +44,9 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"TargetArea", TakeArea, "sm_CbTargetAreaEntry"},
-    {"ZipCode", TakeZipCode, "sm_CbZipCodeEntry"},
-    {"CellTargetArea", TakeCells, "sm_CbCellTargetAreaEntry"},
+    {"TargetArea", TakeArea},
+    {"ZipCode", TakeZipCode},
+    {"CellTargetArea", TakeCells},
 };
 
 }  // namespace

@@ -27,8 +27,8 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"CellArea", TakeCell, "sm_CbCellAreaEntry"},
-    {"PP2CellID", TakePP2Cell, "sm_CbPP2CellIDEntry"},
+    {"CellArea", TakeCell},
+    {"PP2CellID", TakePP2Cell},
 };
 
 }  // namespace

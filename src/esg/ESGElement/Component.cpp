@@ -18,10 +18,10 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"VideoComponent", vyr::TakeRecord<&TState::videoComponents, ReadComponent>, "sm_CbVideoComponentEntry"},
-    {"AudioComponent", vyr::TakeRecord<&TState::audioComponents, ReadComponent>, "sm_CbAudioComponentEntry"},
-    {"CCComponent", vyr::TakeRecord<&TState::ccComponents, ReadComponent>, "sm_CbCCComponentEntry"},
-    {"AppComponent", vyr::TakeRecord<&TState::appComponents, ReadComponent>, "sm_CbAppComponentEntry"},
+    {"VideoComponent", vyr::TakeRecord<&TState::videoComponents, ReadComponent>},
+    {"AudioComponent", vyr::TakeRecord<&TState::audioComponents, ReadComponent>},
+    {"CCComponent", vyr::TakeRecord<&TState::ccComponents, ReadComponent>},
+    {"AppComponent", vyr::TakeRecord<&TState::appComponents, ReadComponent>},
 };
 
 }  // namespace

@@ -53,12 +53,12 @@ void TakeValueString(TState* state, void* child)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"RegionIdentifier", vyr::TakeContent<&TState::regionIdentifier>, "sm_CbRegionIdentifierEntry"},
-    {"RatedDimensions", vyr::TakeContent<&TState::ratedDimensions>, "sm_CbRatedDimensionsEntry"},
-    {"RatingDescription", vyr::TakeRecord<&TState::ratingDescriptions, ReadText>, "sm_CbRatingDescriptionEntry"},
-    {"RatingDimension", TakeDimension, "sm_CbRatingDimensionEntry"},
-    {"RatingDimVal", TakeDimVal, "sm_CbRatingDimValEntry"},
-    {"RatingValueString", TakeValueString, "sm_CbRatingValueStringEntry"},
+    {"RegionIdentifier", vyr::TakeContent<&TState::regionIdentifier>},
+    {"RatedDimensions", vyr::TakeContent<&TState::ratedDimensions>},
+    {"RatingDescription", vyr::TakeRecord<&TState::ratingDescriptions, ReadText>},
+    {"RatingDimension", TakeDimension},
+    {"RatingDimVal", TakeDimVal},
+    {"RatingValueString", TakeValueString},
 };
 
 }  // namespace

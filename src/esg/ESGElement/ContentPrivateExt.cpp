@@ -10,10 +10,10 @@ constexpr vyr::SChildSteps k_comp = {"root->m->comp->Create(root->m->pdoc, curr)
 constexpr vyr::SChildSteps k_preview = {"previewData->Create(root->m->pdoc, curr)", "previewData->Parse()"};
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"Capabilities", vyr::TakeContent<&TState::capabilities>, "sm_CbCapabilitiesEntry"},
-    {"Components", vyr::TakeElement<&TState::comp, k_comp>, "sm_CbComponentsEntry"},
-    {"ContentIcon", vyr::TakeRecord<&TState::contentIcons, vyr::ReadMedia>, "sm_CbContentIconEntry"},
-    {"Preview", vyr::TakeElement<&TState::previews, k_preview>, "sm_CbPreviewEntry"},
+    {"Capabilities", vyr::TakeContent<&TState::capabilities>},
+    {"Components", vyr::TakeElement<&TState::comp, k_comp>},
+    {"ContentIcon", vyr::TakeRecord<&TState::contentIcons, vyr::ReadMedia>},
+    {"Preview", vyr::TakeElement<&TState::previews, k_preview>},
 };
 
 void ReadAttributes(TState& state, void* node)

@@ -18,11 +18,10 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"GroupingCriteria", vyr::TakeElement<&TState::groupingCri, k_grouping>, "sm_CbGroupingCriteriaEntry"},
-    {"Transport", vyr::TakeElement<&TState::transport, k_transport>, "sm_CbTransportEntry"},
-    {"AlternativeAccessURL", vyr::TakeContent<&TState::alternativeAccessURLs>, "sm_CbAlternativeAccessURLEntry"},
-    {"ServiceGuideDeliveryUnit", vyr::TakeElement<&TState::deliveryUnits, k_unit>,
-     "sm_CbServiceGuideDeliveryUnitEntry"},
+    {"GroupingCriteria", vyr::TakeElement<&TState::groupingCri, k_grouping>},
+    {"Transport", vyr::TakeElement<&TState::transport, k_transport>},
+    {"AlternativeAccessURL", vyr::TakeContent<&TState::alternativeAccessURLs>},
+    {"ServiceGuideDeliveryUnit", vyr::TakeElement<&TState::deliveryUnits, k_unit>},
 };
 
 }  // namespace

@@ -38,7 +38,7 @@ bool CESGElement::Create(void* doc, void* node)
         return vyr::AssertFailed(here, wrong);
     }
     VYR_LOG(LOG_PRIORITY_INFO, "[%s::Create]", kind.className);
-    m = static_cast<SESGElement*>(vyr::CreateState(kind, __func__));
+    m = static_cast<SESGElement*>(vyr::CreateState(kind));
     if (m) {
         m->pdoc = doc;
         m->proot = node;
@@ -86,11 +86,8 @@ void CESGElement::Destroy()
 
 namespace vyr {
 
-SESGState* CreateState(const SESGKind& kind, const char* function)
+SESGState* CreateState(const SESGKind& kind)
 {
-    if (kind.handlers && !kind.handlers(kind.Here(function, __LINE__))) {
-        return nullptr;
-    }
     SESGState* state = kind.create();
     state->kind = &kind;
     return state;

@@ -21,9 +21,9 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"GroupingCriteria", vyr::TakeChildren<TState>, "sm_CbGroupingCriteriaEntry"},
-    {"TimeGroupingCriteria", vyr::TakeTimeCriteria<TState>, "sm_CbTimeGroupingCriteriaEntry"},
-    {"BSMSelector", vyr::TakeSelector<TState>, "sm_CbBSMSelectorEntry"},
+    {"GroupingCriteria", vyr::TakeChildren<TState>},
+    {"TimeGroupingCriteria", vyr::TakeTimeCriteria<TState>},
+    {"BSMSelector", vyr::TakeSelector<TState>},
 };
 
 }  // namespace

@@ -24,10 +24,10 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"TimeGroupingCriteria", vyr::TakeTimeCriteria<TState>, "sm_CbTimeGroupingCriteriaEntry"},
-    {"GenreGroupingCriteria", TakeGenre, "sm_CbGenreGroupingCriteriaEntry"},
-    {"BSMSelector", vyr::TakeSelector<TState>, "sm_CbBSMSelectorEntry"},
-    {"ServiceCriteria", vyr::TakeContent<&TState::serviceCriteria>, "sm_CbServiceCriteriaEntry"},
+    {"TimeGroupingCriteria", vyr::TakeTimeCriteria<TState>},
+    {"GenreGroupingCriteria", TakeGenre},
+    {"BSMSelector", vyr::TakeSelector<TState>},
+    {"ServiceCriteria", vyr::TakeContent<&TState::serviceCriteria>},
 };
 
 }  // namespace

@@ -17,8 +17,8 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"Link", vyr::TakeContent<&TState::link>, "sm_CbLinkEntry"},
-    {"Description", vyr::TakeContent<&TState::description>, "sm_CbDescriptionEntry"},
+    {"Link", vyr::TakeContent<&TState::link>},
+    {"Description", vyr::TakeContent<&TState::description>},
 };
 
 }  // namespace

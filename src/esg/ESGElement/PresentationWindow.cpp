@@ -14,9 +14,9 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"StartTime", vyr::TakeContent<&TState::startTimeElement>, "sm_CbStartTimeEntry"},
-    {"EndTime", vyr::TakeContent<&TState::endTimeElement>, "sm_CbEndTimeEntry"},
-    {"Duration", vyr::TakeContent<&TState::duration>, "sm_CbDurationEntry"},
+    {"StartTime", vyr::TakeContent<&TState::startTimeElement>},
+    {"EndTime", vyr::TakeContent<&TState::endTimeElement>},
+    {"Duration", vyr::TakeContent<&TState::duration>},
 };
 
 }  // namespace

@@ -15,10 +15,10 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"PreviewContent", vyr::TakeRecord<&TState::previewContents, vyr::ReadMedia>, "sm_CbPreviewContentEntry"},
-    {"PreviewIcon", vyr::TakeRecord<&TState::previewIcons, vyr::ReadMedia>, "sm_CbPreviewIconEntry"},
-    {"Description", vyr::TakeElement<&TState::descriptions, k_desc>, "sm_CbDescriptionEntry"},
-    {"PreviewDescription", vyr::TakeElement<&TState::descriptions, k_desc>, "sm_CbPreviewDescriptionEntry"},
+    {"PreviewContent", vyr::TakeRecord<&TState::previewContents, vyr::ReadMedia>},
+    {"PreviewIcon", vyr::TakeRecord<&TState::previewIcons, vyr::ReadMedia>},
+    {"Description", vyr::TakeElement<&TState::descriptions, k_desc>},
+    {"PreviewDescription", vyr::TakeElement<&TState::descriptions, k_desc>},
 };
 
 }  // namespace

@@ -18,7 +18,7 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"Fragment", vyr::TakeElement<&TState::fragments, k_fragment>, "sm_CbFragmentEntry"},
+    {"Fragment", vyr::TakeElement<&TState::fragments, k_fragment>},
 };
 
 }  // namespace

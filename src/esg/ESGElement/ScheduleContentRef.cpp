@@ -15,7 +15,7 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"PresentationWindow", vyr::TakeElement<&TState::presentationWindows, k_window>, "sm_CbPresentationWindowEntry"},
+    {"PresentationWindow", vyr::TakeElement<&TState::presentationWindows, k_window>},
 };
 
 }  // namespace

@@ -14,15 +14,15 @@ void ReadSpeech(CSpokenText::SSpeechInfo& speech, void* child)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"SpeechInfoURI", vyr::TakeRecord<&TState::speechInfoURIs, ReadSpeech>, "sm_CbSpeechInfoURIEntry"},
-    {"SpeechInfo", vyr::TakeRecord<&TState::speechInfos, ReadSpeech>, "sm_CbSpeechInfoEntry"},
+    {"SpeechInfoURI", vyr::TakeRecord<&TState::speechInfoURIs, ReadSpeech>},
+    {"SpeechInfo", vyr::TakeRecord<&TState::speechInfos, ReadSpeech>},
 };
 
 }  // namespace
 
-CCStringHash* CSpokenText::sm_Handlers(const vyr::SHere& here)
+vyr::SRows CSpokenText::sm_Handlers()
 {
-    return vyr::ThreadHandlers<TState, k_handlers>(here);
+    return vyr::Handlers<TState, k_handlers>();
 }
 
 bool CSpokenText::sm_Read(SESGState& state, void* node)

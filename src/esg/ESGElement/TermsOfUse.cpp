@@ -14,9 +14,9 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"Country", vyr::TakeContent<&TState::countries>, "sm_CbCountryEntry"},
-    {"Language", vyr::TakeContent<&TState::language>, "sm_CbLanguageEntry"},
-    {"TermsOfUseText", vyr::TakeContent<&TState::termsOfUseText>, "sm_CbTermsOfUseTextEntry"},
+    {"Country", vyr::TakeContent<&TState::countries>},
+    {"Language", vyr::TakeContent<&TState::language>},
+    {"TermsOfUseText", vyr::TakeContent<&TState::termsOfUseText>},
 };
 
 }  // namespace

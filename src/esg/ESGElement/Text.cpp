@@ -14,9 +14,9 @@ void ReadAttributes(TState& state, void* node)
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"Link", vyr::TakeContent<&TState::link>, "sm_CbLinkEntry"},
-    {"Description", vyr::TakeContent<&TState::description>, "sm_CbDescriptionEntry"},
-    {"TextString", vyr::TakeContent<&TState::textString>, "sm_CbTextStringEntry"},
+    {"Link", vyr::TakeContent<&TState::link>},
+    {"Description", vyr::TakeContent<&TState::description>},
+    {"TextString", vyr::TakeContent<&TState::textString>},
 };
 
 }  // namespace

@@ -42,21 +42,18 @@ CMMTContentAdvisoryRatings::~CMMTContentAdvisoryRatings() = default;
 
 bool CMMTContentAdvisoryRatings::Create()
 {
-    return vyr::CreateXmlParser(m, 5, "[CMMTContentAdvisoryRatings::Create]", VYR_HERE,
+    return vyr::CreateXmlParser(m, "[CMMTContentAdvisoryRatings::Create]", VYR_HERE,
                                 [this] { return t_CreateCallback(); });
 }
 
 bool CMMTContentAdvisoryRatings::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CMMTContentAdvisoryRatings> k_handlers[] = {
-        {"RegionIdentifier", sm_CbRegionIdentifier, "sm_CbRegionIdentifier"},
-        {"RatingDescription", sm_CbRatingDescription, "sm_CbRatingDescription"},
-        {"RatedDimensions", sm_CbRatedDimensions, "sm_CbRatedDimensions"},
-        {"RatingDimension", sm_CbRatingDimension, "sm_CbRatingDimension"},
-        {"RatingDimVal", sm_CbRatingDimVal, "sm_CbRatingDimVal"},
-        {"RatingValueString", sm_CbRatingValueString, "sm_CbRatingValueString"},
+        {"RegionIdentifier", sm_CbRegionIdentifier}, {"RatingDescription", sm_CbRatingDescription},
+        {"RatedDimensions", sm_CbRatedDimensions},   {"RatingDimension", sm_CbRatingDimension},
+        {"RatingDimVal", sm_CbRatingDimVal},         {"RatingValueString", sm_CbRatingValueString},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CMMTContentAdvisoryRatings::Destroy()
@@ -74,7 +71,7 @@ bool CMMTContentAdvisoryRatings::m_ProcessParse(void* root)
     }
     SContentAdvisoryRatings& values = m->values;
     values = SContentAdvisoryRatings();
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
     m->ratingString.clear();
     AppendPiece(m->ratingString, "", values.regionIdentifier, ",'", values.descriptions, "',");
     for (const SDimension& rating : values.ratings) {
@@ -104,7 +101,7 @@ void CMMTContentAdvisoryRatings::sm_CbRatingDimVal(CMMTContentAdvisoryRatings* r
     // One inside another has no meaning.
     if (!m->current) {
         m->current = &m->values.ratings.emplace_back();
-        vyr::DispatchChildren(ratings, m->hashCallback, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+        vyr::DispatchChildren(ratings, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
         m->current = nullptr;
     }
 }

@@ -60,32 +60,32 @@ CMMTUsbd::~CMMTUsbd() = default;
 
 bool CMMTUsbd::Create()
 {
-    return vyr::CreateXmlParser(m, 18, "[CMMTUsbd::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, "[CMMTUsbd::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CMMTUsbd::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CMMTUsbd> k_handlers[] = {
-        {"userServiceDescription", sm_CbUSD, "sm_CbUSD"},
-        {"UserServiceDescription", sm_CbUSD, "sm_CbUSD"},
-        {"name", sm_CbName, "sm_CbName"},
-        {"Name", sm_CbName, "sm_CbName"},
-        {"serviceLanguage", sm_CbSvcLanguage, "sm_CbSvcLanguage"},
-        {"ServiceLanguage", sm_CbSvcLanguage, "sm_CbSvcLanguage"},
-        {"Channel", sm_CbChannel, "sm_CbChannel"},
-        {"mpuComponent", sm_CbMpuComponent, "sm_CbMpuComponent"},
-        {"MPUComponent", sm_CbMpuComponent, "sm_CbMpuComponent"},
-        {"routeComponent", sm_CbRouteComponent, "sm_CbRouteComponent"},
-        {"ROUTEComponent", sm_CbRouteComponent, "sm_CbRouteComponent"},
-        {"broadbandComponent", sm_CbBroadbandComponent, "sm_CbBroadbandComponent"},
-        {"BroadbandComponent", sm_CbBroadbandComponent, "sm_CbBroadbandComponent"},
-        {"ComponentInfo", sm_CbComponentInfo, "sm_CbComponentInfo"},
-        {"serviceLinkage", sm_CbServiceLinkage, "sm_CbServiceLinkage"},
-        {"ServiceLinkage", sm_CbServiceLinkage, "sm_CbServiceLinkage"},
-        {"ContentAdvisoryRatings", sm_CbContentAdvisoryRatings, "sm_CbContentAdvisoryRatings"},
-        {"ContentAdvisoryRating", sm_CbContentAdvisoryRatings, "sm_CbContentAdvisoryRatings"},
+        {"userServiceDescription", sm_CbUSD},
+        {"UserServiceDescription", sm_CbUSD},
+        {"name", sm_CbName},
+        {"Name", sm_CbName},
+        {"serviceLanguage", sm_CbSvcLanguage},
+        {"ServiceLanguage", sm_CbSvcLanguage},
+        {"Channel", sm_CbChannel},
+        {"mpuComponent", sm_CbMpuComponent},
+        {"MPUComponent", sm_CbMpuComponent},
+        {"routeComponent", sm_CbRouteComponent},
+        {"ROUTEComponent", sm_CbRouteComponent},
+        {"broadbandComponent", sm_CbBroadbandComponent},
+        {"BroadbandComponent", sm_CbBroadbandComponent},
+        {"ComponentInfo", sm_CbComponentInfo},
+        {"serviceLinkage", sm_CbServiceLinkage},
+        {"ServiceLinkage", sm_CbServiceLinkage},
+        {"ContentAdvisoryRatings", sm_CbContentAdvisoryRatings},
+        {"ContentAdvisoryRating", sm_CbContentAdvisoryRatings},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CMMTUsbd::Destroy()
@@ -101,7 +101,7 @@ bool CMMTUsbd::m_ProcessParse(void* root)
     if (!t_xml.Compare(root, "bundleDescriptionMMT") && !t_xml.Compare(root, "BundleDescriptionMMT")) {
         return false;
     }
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN, "[CMMTUsbd::m_ProcessParseUsbd] %s",
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CMMTUsbd::m_ProcessParseUsbd] %s",
                           VYR_HERE);
     return true;
 }
@@ -120,7 +120,7 @@ void CMMTUsbd::sm_CbUSD(CMMTUsbd* usbd, void* node)
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTUsbd::sm_CbUSD] globalServiceId [%s] serviceId [%d]",
             values.globalServiceId ? values.globalServiceId : "", values.serviceId);
     values.serviceStatus = CNodeText::Attribute(node, "serviceStatus").Int(-1) == 1;
-    vyr::DispatchChildren(usbd, usbd->m->hashCallback, node, vyr::LOG_HANDLED_CHILDREN, "[CMMTUsbd::sm_CbUSD] %s",
+    vyr::DispatchChildren(usbd, usbd->m->handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CMMTUsbd::sm_CbUSD] %s",
                           VYR_HERE);
 }
 

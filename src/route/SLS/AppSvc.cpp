@@ -16,14 +16,14 @@ CAppSvc::~CAppSvc() = default;
 bool CAppSvc::Create()
 {
     const std::string message = std::string("[C") + m_name + "::Create]";
-    return vyr::CreateXmlParser(m, 5, message.c_str(), VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, message.c_str(), VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CAppSvc::t_CreateCallback()
 {
-    static constexpr vyr::SElementHandler<CAppSvc> k_handlers[] = {
-        {"BasePattern", sm_CbBasePattern, "sm_CbBasePattern"}, {"basePattern", sm_CbBasePattern, "sm_CbBasePattern"}};
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    static constexpr vyr::SElementHandler<CAppSvc> k_handlers[] = {{"BasePattern", sm_CbBasePattern},
+                                                                   {"basePattern", sm_CbBasePattern}};
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CAppSvc::Destroy()
@@ -43,7 +43,7 @@ bool CAppSvc::m_ProcessParse(void* root)
         return false;
     }
     const std::string format = std::string("[C") + m_name + "::m_ProcessParse" + m_name + "] %s";
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN, format.c_str(), VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, format.c_str(), VYR_HERE);
     return true;
 }
 

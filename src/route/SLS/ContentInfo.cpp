@@ -24,16 +24,16 @@ CContentInfo::~CContentInfo() = default;
 
 bool CContentInfo::Create()
 {
-    return vyr::CreateXmlParser(m, 5, "[CContentInfo::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, "[CContentInfo::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CContentInfo::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CContentInfo> k_handlers[] = {
-        {"AEAMedia", sm_CbAEAMedia, "sm_CbAEAMedia"},
-        {"MediaInfo", sm_CbMediaInfo, "sm_CbMediaInfo"},
+        {"AEAMedia", sm_CbAEAMedia},
+        {"MediaInfo", sm_CbMediaInfo},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CContentInfo::Destroy()
@@ -49,7 +49,7 @@ bool CContentInfo::m_ProcessParse(void* root)
     m->values.contentId.clear();
     CNodeText::Content(root).CopyTo(m->values.contentId);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CContentInfo::m_ProcessParseContentInfo] %s", m->values.contentId.c_str());
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }
 

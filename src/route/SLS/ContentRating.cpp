@@ -14,7 +14,7 @@ CContentRating::~CContentRating() = default;
 
 bool CContentRating::Create()
 {
-    return vyr::CreateXmlParser(m, 5, "[CContentRating::Create] ContentRating CREATE", VYR_HERE,
+    return vyr::CreateXmlParser(m, "[CContentRating::Create] ContentRating CREATE", VYR_HERE,
                                 [this] { return t_CreateCallback(); });
 }
 

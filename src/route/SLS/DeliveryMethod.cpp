@@ -23,18 +23,18 @@ CDeliveryMethod::~CDeliveryMethod() = default;
 
 bool CDeliveryMethod::Create()
 {
-    return vyr::CreateXmlParser(m, 5, "[CDeliveryMethod::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, "[CDeliveryMethod::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CDeliveryMethod::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CDeliveryMethod> k_handlers[] = {
-        {"BroadcastAppService", sm_CbBroadcastAppSvc, "sm_CbBroadcastAppSvc"},
-        {"broadcastAppService", sm_CbBroadcastAppSvc, "sm_CbBroadcastAppSvc"},
-        {"UnicastAppService", sm_CbUnicastAppSvc, "sm_CbUnicastAppSvc"},
-        {"unicastAppService", sm_CbUnicastAppSvc, "sm_CbUnicastAppSvc"},
+        {"BroadcastAppService", sm_CbBroadcastAppSvc},
+        {"broadcastAppService", sm_CbBroadcastAppSvc},
+        {"UnicastAppService", sm_CbUnicastAppSvc},
+        {"unicastAppService", sm_CbUnicastAppSvc},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CDeliveryMethod::Destroy()
@@ -52,7 +52,7 @@ bool CDeliveryMethod::m_ProcessParse(void* root)
     if (!VYR_ASSERT(m, "m != nullptr")) {
         return false;
     }
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN,
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN,
                           "[CDeliveryMethod::m_ProcessParseDeliveryMethod] %s", VYR_HERE);
     return true;
 }

@@ -69,18 +69,18 @@ CEFDT::~CEFDT() = default;
 
 bool CEFDT::Create()
 {
-    return vyr::CreateXmlParser(m, 5, "[CEFDT::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, "[CEFDT::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CEFDT::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CEFDT> k_handlers[] = {
-        {"FDT-Instance", sm_CbFDTParameters, "sm_CbFDTParameters"},
-        {"FDTParameters", sm_CbFDTParameters, "sm_CbFDTParameters"},
-        {"File", sm_CbFile, "sm_CbFile"},
-        {"FileTemplate", sm_CbFileTemplate, "sm_CbFileTemplate"},
+        {"FDT-Instance", sm_CbFDTParameters},
+        {"FDTParameters", sm_CbFDTParameters},
+        {"File", sm_CbFile},
+        {"FileTemplate", sm_CbFileTemplate},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CEFDT::Destroy()
@@ -119,7 +119,7 @@ bool CEFDT::m_ProcessParse(void* root)
             static_cast<int>(info->version), static_cast<int>(info->maxExpiresDelta),
             static_cast<int>(info->maxTransportSize));
     m->info = std::move(info);
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_HANDLED_CHILDREN, "[CEFDT::m_ProcessParseEFDT] %s",
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CEFDT::m_ProcessParseEFDT] %s",
                           VYR_HERE);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] Parse EFDT END !!!");
     if (m->callback.fn) {
@@ -166,8 +166,8 @@ void CEFDT::m_OnFDTParameters(void* node)
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CFDTParameters::m_OnFDTParameters] afdt:efdtVersion not exist!!");
     }
     // An instance inside this one takes its place, so that `global` is not to be used below.
-    vyr::DispatchChildren(this, m->hashCallback, node, vyr::LOG_HANDLED_CHILDREN,
-                          "[CFDTParameters::m_OnFDTParameters] %s", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CFDTParameters::m_OnFDTParameters] %s",
+                          VYR_HERE);
 }
 
 void CEFDT::sm_CbFile(CEFDT* efdt, void* node)

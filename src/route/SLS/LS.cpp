@@ -24,13 +24,13 @@ CLS::~CLS() = default;
 
 bool CLS::Create()
 {
-    return vyr::CreateXmlParser(m, 5, "[CLS::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, "[CLS::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CLS::t_CreateCallback()
 {
-    static constexpr vyr::SElementHandler<CLS> k_handlers[] = {{"SrcFlow", sm_CbSrcFlow, "sm_CbSrcFlow"}};
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    static constexpr vyr::SElementHandler<CLS> k_handlers[] = {{"SrcFlow", sm_CbSrcFlow}};
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CLS::Destroy()
@@ -62,7 +62,7 @@ bool CLS::m_ProcessParse(void* root)
     if (endTime.Found()) {
         values.endTime = TimeUtility::ConvertDateTime2Epoch(endTime.Text());
     }
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }
 

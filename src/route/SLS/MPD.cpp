@@ -220,38 +220,38 @@ CMPD::~CMPD() = default;
 
 bool CMPD::Create()
 {
-    return vyr::CreateXmlParser(m, 13, "[CMPD::Create]", VYR_HERE, [this] { return m->Register(); });
+    return vyr::CreateXmlParser(m, "[CMPD::Create]", VYR_HERE, [this] { return m->Register(); });
 }
 
 bool CMPD::SState::Register()
 {
     // A prefix that the document does not declare stays part of the name.
     static constexpr vyr::SElementHandler<SState> k_handlers[] = {
-        {"Period", sm_CbPeriod, "sm_CbPeriod"},
-        {"AdaptationSet", sm_CbAdaptationSet, "sm_CbAdaptationSet"},
-        {"Representation", sm_CbRepresentation, "sm_CbRepresentation"},
-        {"SegmentTemplate", sm_CbSegmentTemplate, "sm_CbSegmentTemplate"},
-        {"SegmentList", sm_CbSegmentList, "sm_CbSegmentList"},
-        {"Initialization", sm_CbInitialization, "sm_CbInitialization"},
-        {"SegmentURL", sm_CbSegmentURL, "sm_CbSegmentURL"},
-        {"SegmentTimeline", sm_CbSegmentTimeline, "sm_CbSegmentTimeline"},
-        {"S", sm_CbS, "sm_CbS"},
-        {"BaseURL", sm_CbBaseURL, "sm_CbBaseURL"},
-        {"ContentProtection", sm_CbContentProtection, "sm_CbContentProtection"},
-        {"pssh", sm_CbPssh, "sm_CbPssh"},
-        {"cenc:pssh", sm_CbPssh, "sm_CbPssh"},
-        {"Laurl", sm_CbLaurl, "sm_CbLaurl"},
-        {"dashif:Laurl", sm_CbLaurl, "sm_CbLaurl"},
-        {"laurl", sm_CbLaurl, "sm_CbLaurl"},
-        {"dashif:laurl", sm_CbLaurl, "sm_CbLaurl"},
-        {"Role", sm_CbRole, "sm_CbRole"},
-        {"Accessibility", sm_CbAccessibility, "sm_CbAccessibility"},
-        {"EssentialProperty", sm_CbEssentialProperty, "sm_CbEssentialProperty"},
-        {"Rating", sm_CbRating, "sm_CbRating"},
-        {"Preselection", sm_CbPreselection, "sm_CbPreselection"},
-        {"EventStream", sm_CbEventStream, "sm_CbEventStream"},
+        {"Period", sm_CbPeriod},
+        {"AdaptationSet", sm_CbAdaptationSet},
+        {"Representation", sm_CbRepresentation},
+        {"SegmentTemplate", sm_CbSegmentTemplate},
+        {"SegmentList", sm_CbSegmentList},
+        {"Initialization", sm_CbInitialization},
+        {"SegmentURL", sm_CbSegmentURL},
+        {"SegmentTimeline", sm_CbSegmentTimeline},
+        {"S", sm_CbS},
+        {"BaseURL", sm_CbBaseURL},
+        {"ContentProtection", sm_CbContentProtection},
+        {"pssh", sm_CbPssh},
+        {"cenc:pssh", sm_CbPssh},
+        {"Laurl", sm_CbLaurl},
+        {"dashif:Laurl", sm_CbLaurl},
+        {"laurl", sm_CbLaurl},
+        {"dashif:laurl", sm_CbLaurl},
+        {"Role", sm_CbRole},
+        {"Accessibility", sm_CbAccessibility},
+        {"EssentialProperty", sm_CbEssentialProperty},
+        {"Rating", sm_CbRating},
+        {"Preselection", sm_CbPreselection},
+        {"EventStream", sm_CbEventStream},
     };
-    return vyr::AddHandlers(hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(handlers, k_handlers);
 }
 
 void CMPD::Destroy()
@@ -304,8 +304,7 @@ bool CMPD::m_ProcessParse(void* root)
 
 void CMPD::SState::Walk(void* node)
 {
-    vyr::DispatchChildren(this, hashCallback, node, vyr::LOG_HANDLED_CHILDREN, "[CMPD::m_ProcessParseMPD] %s",
-                          VYR_HERE);
+    vyr::DispatchChildren(this, handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CMPD::m_ProcessParseMPD] %s", VYR_HERE);
 }
 
 /// A text of the record, which lives as long as the record.

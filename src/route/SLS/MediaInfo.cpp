@@ -24,14 +24,13 @@ CMediaInfo::~CMediaInfo() = default;
 
 bool CMediaInfo::Create()
 {
-    return vyr::CreateXmlParser(m, 5, "[CMediaInfo::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, "[CMediaInfo::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CMediaInfo::t_CreateCallback()
 {
-    static constexpr vyr::SElementHandler<CMediaInfo> k_handlers[] = {
-        {"ContentRating", sm_CbContentRating, "sm_CbContentRating"}};
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    static constexpr vyr::SElementHandler<CMediaInfo> k_handlers[] = {{"ContentRating", sm_CbContentRating}};
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CMediaInfo::Destroy()
@@ -63,7 +62,7 @@ bool CMediaInfo::m_ProcessParse(void* root)
     values.repId.clear();
     CNodeText::Attribute(root, "repId").CopyTo(values.repId);
     Dump();
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }
 

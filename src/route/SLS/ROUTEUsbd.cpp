@@ -35,24 +35,24 @@ CROUTEUsbd::~CROUTEUsbd() = default;
 
 bool CROUTEUsbd::Create()
 {
-    return vyr::CreateXmlParser(m, 10, "[CROUTEUsbd::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, "[CROUTEUsbd::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CROUTEUsbd::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CROUTEUsbd> k_handlers[] = {
-        {"userServiceDescription", sm_CbUSD, "sm_CbUSD"},
-        {"UserServiceDescription", sm_CbUSD, "sm_CbUSD"},
-        {"name", sm_CbName, "sm_CbName"},
-        {"Name", sm_CbName, "sm_CbName"},
-        {"serviceLanguage", sm_CbSvcLanguage, "sm_CbSvcLanguage"},
-        {"ServiceLanguage", sm_CbSvcLanguage, "sm_CbSvcLanguage"},
-        {"deliveryMethod", sm_CbDeliveryMethod, "sm_CbDeliveryMethod"},
-        {"DeliveryMethod", sm_CbDeliveryMethod, "sm_CbDeliveryMethod"},
-        {"serviceLinkage", sm_CbServiceLinkage, "sm_CbServiceLinkage"},
-        {"ServiceLinkage", sm_CbServiceLinkage, "sm_CbServiceLinkage"},
+        {"userServiceDescription", sm_CbUSD},
+        {"UserServiceDescription", sm_CbUSD},
+        {"name", sm_CbName},
+        {"Name", sm_CbName},
+        {"serviceLanguage", sm_CbSvcLanguage},
+        {"ServiceLanguage", sm_CbSvcLanguage},
+        {"deliveryMethod", sm_CbDeliveryMethod},
+        {"DeliveryMethod", sm_CbDeliveryMethod},
+        {"serviceLinkage", sm_CbServiceLinkage},
+        {"ServiceLinkage", sm_CbServiceLinkage},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CROUTEUsbd::Destroy()
@@ -74,7 +74,7 @@ bool CROUTEUsbd::m_ProcessParse(void* root)
 
 void CROUTEUsbd::m_Dispatch(void* node)
 {
-    vyr::DispatchChildren(this, m->hashCallback, node, vyr::LOG_HANDLED_CHILDREN, "[CROUTEUsbd::m_ProcessParseUsbd] %s",
+    vyr::DispatchChildren(this, m->handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CROUTEUsbd::m_ProcessParseUsbd] %s",
                           VYR_HERE);
 }
 

@@ -23,13 +23,13 @@ CRS::~CRS() = default;
 
 bool CRS::Create()
 {
-    return vyr::CreateXmlParser(m, 5, "[CRS::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, "[CRS::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CRS::t_CreateCallback()
 {
-    static constexpr vyr::SElementHandler<CRS> k_handlers[] = {{"LS", sm_CbLS, "sm_CbLS"}};
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    static constexpr vyr::SElementHandler<CRS> k_handlers[] = {{"LS", sm_CbLS}};
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CRS::Destroy()
@@ -62,7 +62,7 @@ bool CRS::m_ProcessParse(void* root)
     const int lowerCasePort = CNodeText::Attribute(root, "dport").Int(values.dPort);
     values.dPort = static_cast<unsigned short>(CNodeText::Attribute(root, "dPort").Int(lowerCasePort));
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CRS::m_ProcessParseRS] dest port = [%d]", values.dPort);
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }
 

@@ -24,13 +24,13 @@ CSTSID::~CSTSID() = default;
 
 bool CSTSID::Create()
 {
-    return vyr::CreateXmlParser(m, 5, "[CSTSID::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, "[CSTSID::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CSTSID::t_CreateCallback()
 {
-    static constexpr vyr::SElementHandler<CSTSID> k_handlers[] = {{"RS", sm_CbRS, "sm_CbRS"}};
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    static constexpr vyr::SElementHandler<CSTSID> k_handlers[] = {{"RS", sm_CbRS}};
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CSTSID::Destroy()
@@ -49,7 +49,7 @@ bool CSTSID::m_ProcessParse(void* root)
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSTSID::m_ProcessParseSTSID] process STSID");
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }
 

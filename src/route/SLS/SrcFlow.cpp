@@ -30,16 +30,16 @@ CSrcFlow::~CSrcFlow() = default;
 
 bool CSrcFlow::Create()
 {
-    return vyr::CreateXmlParser(m, 5, "[CSrcFlow::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, "[CSrcFlow::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CSrcFlow::t_CreateCallback()
 {
     static constexpr vyr::SElementHandler<CSrcFlow> k_handlers[] = {
-        {"ContentInfo", sm_CbContentInfo, "sm_CbContentInfo"},
-        {"EFDT", sm_CbEFDT, "sm_CbEFDT"},
+        {"ContentInfo", sm_CbContentInfo},
+        {"EFDT", sm_CbEFDT},
     };
-    return vyr::AddHandlers(m->hashCallback, k_handlers, VYR_HERE);
+    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CSrcFlow::Destroy()
@@ -62,7 +62,7 @@ bool CSrcFlow::m_ProcessParse(void* root)
         m->values.rt = std::strcmp(rt.Text(), "true") == 0;
     }
     m->values.minBuffSize = static_cast<unsigned int>(CNodeText::Attribute(root, "minBuffSize").Int(-1));
-    vyr::DispatchChildren(this, m->hashCallback, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }
 
