@@ -45,7 +45,8 @@ class VYR_API CRRTMap {
     /// Looks in the region's dimensions of that index for the first rating string whose two texts equal
     /// `first` and `second`, and calls `fn` with the second text of the abbreviation at the same place.
     /// True when it did; false without a match, or when no abbreviation stands there (asserted,
-    /// "abbreviation"). The text is good during the call.
+    /// "abbreviation"). The text is the store's own, good until the region is removed or the store freed;
+    /// it is not to be written.
     bool GetProgramRating(unsigned int key, unsigned int dimension, char* first, char* second,
                           void (*fn)(void* userData, char* text), void* userData);
 

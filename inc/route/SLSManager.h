@@ -86,7 +86,7 @@ class VYR_API CSLSManager {
     };
 
     CSLSManager();
-    /// Does not call Destroy: the owner does.
+    /// Destroy comes first, else "!m" is asserted.
     virtual ~CSLSManager();
     CSLSManager(const CSLSManager&) = delete;
     CSLSManager& operator=(const CSLSManager&) = delete;

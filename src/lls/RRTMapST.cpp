@@ -8,7 +8,7 @@ unsigned int SRRTMap::rrtMapCnt = 0;
 namespace {
 
 /// Appends a copy of two texts; null texts are misuse.
-bool AddText(std::vector<CRRTMapST::STextType>& list, const char* first, const char* second)
+bool AddText(std::list<CRRTMapST::STextType>& list, const char* first, const char* second)
 {
     if (!VYR_ASSERT(first && second, "first && second")) {
         return false;
@@ -112,16 +112,19 @@ bool CRRTMapST::GetProgramRating(unsigned int key, unsigned int dimension, const
             continue;
         }
         for (SRating& rating : candidate.ratings) {
-            for (std::size_t i = 0; i < rating.strings.size(); ++i) {
-                if (rating.strings[i].first != first || rating.strings[i].second != second) {
-                    continue;
+            auto abbreviation = rating.abbreviations.begin();
+            for (const STextType& string : rating.strings) {
+                const bool found = abbreviation != rating.abbreviations.end();
+                if (string.first == first && string.second == second) {
+                    if (!VYR_ASSERT(found, "abbreviation")) {
+                        return false;
+                    }
+                    fn(userData, abbreviation->second.data());
+                    return true;
                 }
-                if (!VYR_ASSERT(i < rating.abbreviations.size(), "abbreviation")) {
-                    return false;
+                if (found) {
+                    ++abbreviation;
                 }
-                std::string text = rating.abbreviations[i].second;
-                fn(userData, text.data());
-                return true;
             }
         }
     }

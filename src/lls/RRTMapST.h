@@ -1,5 +1,6 @@
 #pragma once
 
+#include <list>
 #include <map>
 #include <memory>
 #include <string>
@@ -8,7 +9,7 @@
 /// The process-wide store behind every CRRTMap.
 class CRRTMapST {
   public:
-    /// Two texts, as the caller gave them.
+    /// Two texts, as the caller gave them. Lists of them: a text that was handed out stays where it is.
     struct STextType {
         std::string first;
         std::string second;
@@ -16,20 +17,20 @@ class CRRTMapST {
 
     struct SRating {
         unsigned int value;
-        std::vector<STextType> abbreviations;
-        std::vector<STextType> strings;
+        std::list<STextType> abbreviations;
+        std::list<STextType> strings;
     };
 
     struct SDimension {
         unsigned int index;
         bool flag;
-        std::vector<STextType> titles;
+        std::list<STextType> titles;
         std::vector<SRating> ratings;  // the last one is being filled
     };
 
     struct SRatingRegionTable {
         unsigned int regionIdentifier;
-        std::vector<STextType> texts;
+        std::list<STextType> texts;
         std::vector<SDimension> dimensions;  // the last one is being filled
     };
 

@@ -3,6 +3,7 @@
 #include <syslog.h>
 
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -10,6 +11,7 @@
 
 #include "common/Log.h"
 #include "common/PlatformFile.h"
+#include "platform/LogRepeats.h"
 
 namespace {
 
@@ -25,6 +27,39 @@ void SystemLog(int priority, const char* /*tag: the format carries it*/, const c
     }
     vsyslog(level, format, arguments);
 }
+
+std::int64_t Now()
+{
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+void ShowSummary(int priority, const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    SystemLog(priority, k_tag, format, arguments);
+    va_end(arguments);
+}
+
+vyr::CLogRepeats g_repeats;
+
+/// Tells the system's log what was not shown, of the places whose second was over at `now`.
+void TellRepeats(std::int64_t now)
+{
+    for (vyr::CLogRepeats::SSummary summary{}; g_repeats.TakeSummary(now, summary);) {
+        const vyr::CLogRepeats::SPlace& place = summary.place;
+        if (vyr::LogEnabled(place.priority)) {
+            ShowSummary(place.priority, "%s: %s(%d) > %u more lines within a second", k_tag, place.function, place.line,
+                        summary.more);
+        }
+    }
+}
+
+/// Tells what is left at the end of the program.
+struct SAtExit {
+    ~SAtExit() { TellRepeats(INT64_MAX); }
+} g_atExit;
 
 const char* SkipBlanks(const char* text)
 {
@@ -108,6 +143,13 @@ void Print(ELogPriority priority, const SHere& here, const char* format, ...)
     if (!g_platform.log) {
         return;
     }
+    if (g_platform.log == SystemLog) {
+        const std::int64_t now = Now();
+        TellRepeats(now);
+        if (!g_repeats.Admit({here.function, format, here.line, priority}, now)) {
+            return;
+        }
+    }
     char prefixed[512];
     std::snprintf(prefixed, sizeof prefixed, "%s: %s(%d) > %s", k_tag, here.function, here.line, format);
     va_list arguments;
@@ -130,6 +172,7 @@ std::string PlatformFile(const char* path)
 
 void SetPlatform(const SPlatform* platform)
 {
+    TellRepeats(INT64_MAX);
     g_platform = platform ? *platform : k_default;
 }
 

@@ -141,7 +141,10 @@ struct CSLSManager::SState {
 
 CSLSManager::CSLSManager() : m(nullptr) {}
 
-CSLSManager::~CSLSManager() = default;
+CSLSManager::~CSLSManager()
+{
+    VYR_ASSERT(!m, "!m");
+}
 
 bool CSLSManager::Create(const SCallback* cb)
 {

@@ -140,10 +140,20 @@ TEST_F(RRTMapTest, RatingsAreFoundByDimensionAndBothTexts)
     }
     EXPECT_EQ(Rating(second, 1, 1, "en", "R11"), "A11");
     EXPECT_EQ(Rating(second, 1, 0, "ko", "S00"), "K00");
+    // The store's own text, where it was, whatever joins the region later.
+    char* texts[2] = {};
+    for (char*& text : texts) {
+        EXPECT_TRUE(map.GetProgramRating(
+            1, 1, Text("en"), Text("R11"), [](void* user, char* found) { *static_cast<char**>(user) = found; }, &text));
+        EXPECT_TRUE(map.SetRatingValAbbrev(1, Text("fr"), Text("F")) && map.SetDimension(1, 9, true));
+        EXPECT_TRUE(map.SetRatingVal(1, 9));
+    }
+    EXPECT_EQ(texts[0], texts[1]);
+    EXPECT_STREQ(texts[0], "A11");
     EXPECT_EQ(Rating(second, 1, 0, "en", "R11"), "-");
     EXPECT_EQ(Rating(second, 1, 1, "ko", "R11"), "-");
     EXPECT_EQ(Rating(second, 1, 2, "en", "R11"), "-");
-    EXPECT_EQ(Rating(second, 1, 1, "fr", "T11"), "-");  // no third abbreviation
+    EXPECT_EQ(Rating(second, 1, 1, "fr", "T10"), "-");  // no third abbreviation
     EXPECT_EQ(TakeAssertions(), "abbreviation");
     EXPECT_EQ(Rating(second, 257, 1, "en", "R11"), "-");
     EXPECT_EQ(TakeAssertions(), "region");

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <map>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -313,6 +314,13 @@ TEST_F(SLSManagerTest, Misuse)
                 false);
     EXPECT_EQ(other.Stsid()->NumberOfRouteSessions(), 1);
     other.Destroy();
+
+    // Gone without Destroy; what it held stays reachable for the leak check.
+    alignas(CSLSManager) static unsigned char s_memory[sizeof(CSLSManager)];
+    auto* gone = new (s_memory) CSLSManager;
+    ASSERT_TRUE(gone->Create(nullptr));
+    gone->~CSLSManager();
+    EXPECT_EQ(TakeAssertions(), "!m");
 }
 
 }  // namespace

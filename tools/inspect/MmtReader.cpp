@@ -183,7 +183,8 @@ void CMessageReader::m_ReadAtsc3Content(CMMTMsgAtsc3& message, SBytes bytes, SCo
         case CMMTMsgAtsc3::CONTENT_TYPE_USBD: {
             const CMMTUsbd& usbd = *message.UserServiceBundleDescription();
             constexpr unsigned short k_none = 0xFFFF;
-            m_AddUnlessRefused("BundleDescriptionMMT", usbd.ServiceId() == k_none && usbd.GlobalServiceId() == nullptr,
+            const bool numbered = usbd.ServiceId() != 0 && usbd.ServiceId() != k_none;
+            m_AddUnlessRefused("BundleDescriptionMMT", !numbered && usbd.GlobalServiceId() == nullptr,
                                MmtUsbdContent(usbd), content);
             break;
         }

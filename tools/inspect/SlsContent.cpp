@@ -38,7 +38,7 @@ template <class TServices>
 TJson BasePatterns(const TServices& services, std::vector<std::string>& patterns)
 {
     TJson json = TJson::array();
-    for (const CAppSvc* service : services) {
+    for (const auto* service : services) {
         TJson list = TJson::array();
         for (const std::string& pattern : service->State()->basePatterns) {
             list.push_back(pattern);

@@ -25,7 +25,7 @@ class VYR_API CMMTUsbd : public XMLBase {
         SMMTUsbd& operator=(const SMMTUsbd&) = delete;
 
         char* globalServiceId;                       ///< new[]; null: not given
-        unsigned short serviceId;                    ///< 65,535: not given
+        unsigned short serviceId;                    ///< 65,535: not given; 0: no description yet
         bool serviceStatus;                          ///< whether the service is on
         CMMTRouteComponent* routeComponent;          ///< null: none
         CMMTBroadbandComponent* broadbandComponent;  ///< null: none

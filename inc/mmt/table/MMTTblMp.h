@@ -11,8 +11,9 @@ class VYR_API CMMTTblMp : public CMMTTbl {
     CMMTTblMp();
     ~CMMTTblMp() override;
 
-    /// False: a table_id outside the range, an asset that does not parse, or the data ended; assets before
-    /// are kept. Required: only table_ids 0x11 and 0x20 have a package id and table descriptors.
+    /// False: a table_id outside the range, descriptors that run past the data, an asset that does not parse;
+    /// assets before are kept. Required: only table_ids 0x11 and 0x20 have a package id and table
+    /// descriptors, and where the data end in front of the first asset what is missing is empty: true.
     bool Parse(SItem* item) override;
     void Dump() const override;
     /// The table's own, then each asset's. True; a null callback is asserted: false.

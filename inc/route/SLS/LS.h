@@ -40,7 +40,7 @@ class VYR_API CLS : public XMLBase {
     bool SetCallback(const SCallback* callback);
 
     unsigned int TSI() const;
-    /// Copies the content identifier; true. False, with `out` as it was: no source flow.
+    /// Copies the content identifier; true. False, with `out` empty: no source flow.
     bool GetContentId(std::string& out) const;
     std::string GetAEAId() const;
     bool GetRT() const;

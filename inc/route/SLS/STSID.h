@@ -47,7 +47,7 @@ class VYR_API CSTSID : public XMLBase {
     /// Transport session identifier through `tsi`, 0xFFFFFFFF when not given. False, with `*tsi` as it was:
     /// no such LCT session.
     bool GetTSI(int i, int j, unsigned int* tsi) const;
-    /// Id of the DASH representation, or what else identifies the content. False, with `out` as it was: no
+    /// Id of the DASH representation, or what else identifies the content. False, with `out` empty: no
     /// source flow.
     bool GetContentId(int i, int j, std::string& out) const;
     /// Id of the emergency alert that the content belongs to.

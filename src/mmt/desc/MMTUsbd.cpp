@@ -26,7 +26,7 @@ const CMMTComponentInfo::SComponentInfo* ComponentInfo(const CMMTUsbd::SMMTUsbd&
 
 CMMTUsbd::SMMTUsbd::SMMTUsbd()
     : globalServiceId(nullptr),
-      serviceId(0xFFFF),
+      serviceId(0),
       serviceStatus(false),
       routeComponent(nullptr),
       broadbandComponent(nullptr),

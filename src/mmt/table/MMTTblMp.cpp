@@ -31,15 +31,15 @@ bool CMMTTblMp::Parse(SItem* item)
         m_packageId.Take(t_AllocAndCopy(item, packageIdLength), packageIdLength);
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] packageId = %s", m_packageId ? m_packageId.Text() : "");
         const unsigned int length = t_Value(item, 16);
-        if (!item->valid || !vyr::ParseDescriptorLoop(item, length, &m_arrayDescriptor)) {
+        // Required: where the data end here, the rest is empty, and the table is good.
+        if (item->valid && !vyr::ParseDescriptorLoop(item, length, &m_arrayDescriptor)) {
             return false;
         }
     }
     const unsigned int assets = t_Value(item, 8);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] assetNum = %d", static_cast<int>(assets));
     return vyr::ParseElements<CMMTTblMpAsset>(item, assets, m_arrayAsset, {vyr::k_source.text, __func__, 84},
-                                              "p_asset->Parse(item)", "m_arrayAsset.Add(p_asset)") &&
-           item->valid;
+                                              "p_asset->Parse(item)", "m_arrayAsset.Add(p_asset)");
 }
 
 void CMMTTblMp::Dump() const

@@ -103,7 +103,11 @@ unsigned int CLS::TSI() const
 bool CLS::GetContentId(std::string& out) const
 {
     const CSrcFlow* srcFlow = m_SrcFlow();
-    return srcFlow && srcFlow->GetContentId(out);
+    if (!srcFlow) {
+        out.clear();
+        return false;
+    }
+    return srcFlow->GetContentId(out);
 }
 
 std::string CLS::GetAEAId() const

@@ -92,7 +92,7 @@ TEST_F(MMTUsbdTest, EveryElementAtBothPlaces)
         EXPECT_EQ(std::string(first) + second, "en ");
         EXPECT_TRUE(m_usbd.LinkServiceId() == 7 && m_usbd.ServiceCategory() == 2 && m_usbd.LinkageType() == 3);
         EXPECT_EQ(std::string(m_usbd.ActivationTime()) + m_usbd.DeActivationTime(), "ad");
-        EXPECT_EQ(m_usbd.ServiceId(), described ? 9 : 65535);
+        EXPECT_EQ(m_usbd.ServiceId(), described ? 9 : 0);
     }
     EXPECT_EQ(Logged("[CMMTUsbd::sm_CbSvcLanguage] svcLanguage value is not exist !!!"), 2);
     EXPECT_EQ(Logged("[CMMTUsbd::sm_CbSvcLanguage] language[en], size[2]"), 2);

@@ -89,8 +89,10 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
     EXPECT_TRUE(m_stsid.GetTSI(0, 0, &tsi) && tsi == 0xFFFFFFFF);
     // Without a source flow.
     std::string text = "untouched";
-    EXPECT_FALSE(m_stsid.GetContentId(0, 0, text) || m_stsid.GetRT(0, 0) || m_stsid.GetContentRating(0, 0, 0, text));
-    EXPECT_TRUE(text == "untouched" && m_stsid.GetAEAId(0, 0).empty() && !m_stsid.GetEFDTInfo(0, 0));
+    EXPECT_FALSE(m_stsid.GetRT(0, 0) || m_stsid.GetContentRating(0, 0, 0, text));
+    EXPECT_EQ(text, "untouched");
+    EXPECT_FALSE(m_stsid.GetContentId(0, 0, text));
+    EXPECT_TRUE(text.empty() && m_stsid.GetAEAId(0, 0).empty() && !m_stsid.GetEFDTInfo(0, 0));
     EXPECT_EQ(m_stsid.NumberOfContentRatings(0, 0), 0);
     EXPECT_EQ(ContentId(0, 1), " ab");
     EXPECT_EQ(ContentId(0, 2), "r");
