@@ -1,10 +1,31 @@
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
-set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ${PROJECT_IS_TOP_LEVEL})
 
-# No path of the building machine ends up in what is shipped.
-add_compile_options("-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
+# No path of the building machine, and no time, ends up in what is shipped.
+add_compile_options("-ffile-prefix-map=${PROJECT_BINARY_DIR}=." "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
+set(CMAKE_CXX_ARCHIVE_CREATE "<CMAKE_AR> qcD <TARGET> <LINK_FLAGS> <OBJECTS>")
+set(CMAKE_CXX_ARCHIVE_APPEND "<CMAKE_AR> qD <TARGET> <LINK_FLAGS> <OBJECTS>")
+set(CMAKE_CXX_ARCHIVE_FINISH "<CMAKE_RANLIB> -D <TARGET>")
+
+# Dates past 2038 on 32-bit machines; no public type depends on it.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  add_compile_definitions(_TIME_BITS=64 _FILE_OFFSET_BITS=64)
+endif()
+
+# What platform/Api.h must know of the standard library this is built with.
+include(CheckCXXSourceCompiles)
+check_cxx_source_compiles("#include <cstddef>\n#ifndef _LIBCPP_VERSION\n#error\n#endif\nint main() {}" VYR_HAS_LIBCXX)
+check_cxx_source_compiles("#include <cstddef>\n#ifndef _GLIBCXX_DEBUG\n#error\n#endif\nint main() {}"
+  VYR_HAS_DEBUG_CONTAINERS)
+set(vyr_standard_library)
+if(VYR_HAS_LIBCXX)
+  list(APPEND vyr_standard_library VYR_LIBCXX)
+endif()
+if(VYR_HAS_DEBUG_CONTAINERS)
+  list(APPEND vyr_standard_library VYR_DEBUG_CONTAINERS)
+endif()
 
 if(VYR_SANITIZE)
   add_compile_options(-fsanitize=${VYR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)

@@ -1,5 +1,9 @@
 include(CMakePackageConfigHelpers)
 
+target_include_directories(vyr-atsc30-parser PUBLIC $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/vyr-atsc30-parser>)
+if(VYR_BASE_PARSER STREQUAL "bundled")
+  install(TARGETS vyr-parser EXPORT vyr-atsc30-parser LIBRARY NAMELINK_SKIP)
+endif()
 install(TARGETS vyr-atsc30-parser EXPORT vyr-atsc30-parser)
 install(DIRECTORY inc/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vyr-atsc30-parser FILES_MATCHING PATTERN "*.h")
 
@@ -13,6 +17,24 @@ install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/vyr-atsc30-parser-config-version.cmake
   DESTINATION ${package_dir})
 
-file(RELATIVE_PATH VYR_PC_PREFIX "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+# Found by its own place, unless the folders are absolute: then it stays where it was installed.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(VYR_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
+else()
+  file(RELATIVE_PATH VYR_PC_PREFIX "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+  set(VYR_PC_PREFIX "\${pcfiledir}/${VYR_PC_PREFIX}")
+endif()
+foreach(dir LIBDIR INCLUDEDIR)
+  set(VYR_PC_${dir} "${CMAKE_INSTALL_${dir}}")
+  if(NOT IS_ABSOLUTE "${VYR_PC_${dir}}")
+    string(PREPEND VYR_PC_${dir} "\${prefix}/")
+  endif()
+endforeach()
+list(TRANSFORM vyr_standard_library PREPEND " -D" OUTPUT_VARIABLE VYR_PC_DEFINITIONS)
+list(JOIN VYR_PC_DEFINITIONS "" VYR_PC_DEFINITIONS)
+# A program needs nothing of libxml2 and zlib to build against the shared library, their headers included.
+if(vyr_library_type STREQUAL "STATIC")
+  set(VYR_PC_REQUIRES "Requires.private: libxml-2.0 zlib")
+endif()
 configure_file(cmake/vyr-atsc30-parser.pc.in vyr-atsc30-parser.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vyr-atsc30-parser.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -10,6 +10,7 @@ foreach(header IN LISTS headers)
 endforeach()
 add_library(vyr-headers-alone OBJECT ${header_sources})
 target_include_directories(vyr-headers-alone PRIVATE ${PROJECT_SOURCE_DIR}/inc)
+target_compile_definitions(vyr-headers-alone PRIVATE ${vyr_standard_library})
 vyr_warnings(vyr-headers-alone)
 
 if(NOT VYR_SANITIZE)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Api.h"
+#include "../platform/Api.h"
 
 /// Time-keeping numbers of the caller. The library neither reads nor writes them; zero at first.
 extern VYR_API unsigned int g_tai;

@@ -3,8 +3,8 @@
 #include <mutex>
 #include <string>
 
-#include "common/ATSC3Type.h"
-#include "platform/Api.h"
+#include "../platform/Api.h"
+#include "ATSC3Type.h"
 
 /// Handle on the process-wide store of broadcast services that the SLT parser fills. The first
 /// handle's Create makes the store, the last one's Destroy frees it with every service.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Api.h"
+#include "../platform/Api.h"
 
 /// Base of every binary parser: four readers over a cursor that the caller owns. Reads are
 /// big-endian, most significant bit first. A read that would leave the data clears the item's valid

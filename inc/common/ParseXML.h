@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/XML.h"
-#include "platform/Api.h"
+#include "../platform/Api.h"
+#include "XML.h"
 
 /// Base of every parser of an XML signalling document or of one element inside such a document.
 /// Life: construct, Create, Parse any number of times, Destroy, delete. A document is kept from a

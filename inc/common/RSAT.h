@@ -3,8 +3,8 @@
 #include <list>
 #include <string>
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../platform/Api.h"
+#include "ParseXML.h"
 
 /// An update announced for a service of the RSAT. Channel numbers that are not given are 65,535.
 struct SRSATUpdateInfo {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../platform/Api.h"
+#include "ParseXML.h"
 
 /// Parser of a service linkage: another service that stands in for the one it is found with, and when.
 /// An object that is not created is asserted ("m"); results are then 0 or null.

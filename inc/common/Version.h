@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Api.h"
+#include "../platform/Api.h"
 
 /// Version of the library that is running, such as "0.1.0"; a static string.
 VYR_API const char* GetLibraryVersion();

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/Api.h"
+#include "../platform/Api.h"
 
 /// One XML document over libxml2, and the only way to its nodes. Nodes and documents are passed as
 /// untyped handles; a node handle lives as long as its document. Documents in memory are parsed with

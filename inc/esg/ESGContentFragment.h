@@ -1,17 +1,17 @@
 #pragma once
 
-#include "esg/ESGElement/AudioLanguage.h"
-#include "esg/ESGElement/ContentAdvRatings.h"
-#include "esg/ESGElement/ContentPrivateExt.h"
-#include "esg/ESGElement/Description.h"
-#include "esg/ESGElement/Freshness.h"
-#include "esg/ESGElement/Genre.h"
-#include "esg/ESGElement/Name.h"
-#include "esg/ESGElement/Popularity.h"
-#include "esg/ESGElement/TargetUserProfile.h"
-#include "esg/ESGElement/TermsOfUse.h"
-#include "esg/ESGElement/TextLanguage.h"
-#include "esg/ESGFragmentBase.h"
+#include "ESGElement/AudioLanguage.h"
+#include "ESGElement/ContentAdvRatings.h"
+#include "ESGElement/ContentPrivateExt.h"
+#include "ESGElement/Description.h"
+#include "ESGElement/Freshness.h"
+#include "ESGElement/Genre.h"
+#include "ESGElement/Name.h"
+#include "ESGElement/Popularity.h"
+#include "ESGElement/TargetUserProfile.h"
+#include "ESGElement/TermsOfUse.h"
+#include "ESGElement/TextLanguage.h"
+#include "ESGFragmentBase.h"
 
 /// Parser of a content fragment: the Content element.
 class VYR_API CESGContentFragment : public CESGFragmentBase {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGState.h"
+#include "ESGState.h"
 
 /// What every record of a fragment begins with. Times are NTP seconds (Unix seconds plus 2,208,988,800).
 struct VYR_API SESGFragment : SESGState {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "esg/ESGFragmentMapST.h"
-#include "platform/Api.h"
+#include "../platform/Api.h"
+#include "ESGFragmentMapST.h"
 
 /// The one store, and the number of created handles on it.
 struct VYR_API SESGFragmentMap {

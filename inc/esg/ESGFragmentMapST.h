@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Api.h"
+#include "../platform/Api.h"
 
 /// The store behind every CESGFragmentMap: identifiers of fragments in the order of their coming; one may be
 /// there several times. Look-ups take time in proportion to their number. An object that is not created is

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "esg/ESGElement/ScheduleContentRef.h"
-#include "esg/ESGElement/TermsOfUse.h"
-#include "esg/ESGFragmentBase.h"
+#include "ESGElement/ScheduleContentRef.h"
+#include "ESGElement/TermsOfUse.h"
+#include "ESGFragmentBase.h"
 
 /// Parser of a schedule fragment: the Schedule element.
 class VYR_API CESGScheduleFragment : public CESGFragmentBase {

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "esg/ESGElement/ATSC3ServiceExt.h"
-#include "esg/ESGElement/AudioLanguage.h"
-#include "esg/ESGElement/BroadcastArea.h"
-#include "esg/ESGElement/ContentAdvRatings.h"
-#include "esg/ESGElement/Description.h"
-#include "esg/ESGElement/Genre.h"
-#include "esg/ESGElement/Name.h"
-#include "esg/ESGElement/TargetUserProfile.h"
-#include "esg/ESGElement/TextLanguage.h"
-#include "esg/ESGFragmentBase.h"
+#include "ESGElement/ATSC3ServiceExt.h"
+#include "ESGElement/AudioLanguage.h"
+#include "ESGElement/BroadcastArea.h"
+#include "ESGElement/ContentAdvRatings.h"
+#include "ESGElement/Description.h"
+#include "ESGElement/Genre.h"
+#include "ESGElement/Name.h"
+#include "ESGElement/TargetUserProfile.h"
+#include "ESGElement/TextLanguage.h"
+#include "ESGFragmentBase.h"
 
 /// Parser of a service fragment: the Service element.
 class VYR_API CESGServiceFragment : public CESGFragmentBase {

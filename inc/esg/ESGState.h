@@ -3,9 +3,9 @@
 #include <memory>
 #include <vector>
 
-#include "common/Owned.h"
-#include "common/XML.h"
-#include "platform/Api.h"
+#include "../common/Owned.h"
+#include "../common/XML.h"
+#include "../platform/Api.h"
 
 namespace vyr {
 struct SESGKind;

@@ -3,7 +3,7 @@
 #include <map>
 #include <memory>
 
-#include "platform/Api.h"
+#include "../platform/Api.h"
 
 /// The names of the genre terms, filled once per process by the first CGenreNameParse whose file has any;
 /// they live until the process ends. Without a lock: the first genre of the process must not race another.

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/ParseXML.h"
-#include "esg/ESGElement/DescriptorEntry.h"
-#include "platform/Api.h"
+#include "../common/ParseXML.h"
+#include "../platform/Api.h"
+#include "ESGElement/DescriptorEntry.h"
 
 /// Parser of a service guide delivery descriptor (SGDD; OMA BCAST Service Guide): where the delivery units
 /// of the guide are. The element is looked for among the root, or the node that is parsed, and its

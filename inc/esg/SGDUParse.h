@@ -4,10 +4,10 @@
 #include <memory>
 #include <vector>
 
-#include "common/Owned.h"
-#include "common/Parse.h"
-#include "esg/ESGFragmentBase.h"
-#include "platform/Api.h"
+#include "../common/Owned.h"
+#include "../common/Parse.h"
+#include "../platform/Api.h"
+#include "ESGFragmentBase.h"
 
 /// Parser of service guide delivery units (SGDU; OMA BCAST Service Guide): a table of fragments, and the
 /// fragments. Life: construct, Create, Parse, Destroy, delete; one object for each unit (see Parse). An

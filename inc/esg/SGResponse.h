@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/ParseXML.h"
-#include "esg/SGDDParse.h"
-#include "platform/Api.h"
+#include "../common/ParseXML.h"
+#include "../platform/Api.h"
+#include "SGDDParse.h"
 
 /// Parser of a service guide response (OMA BCAST Service Guide): delivery descriptors that were asked for over
 /// the interactive channel. The element is looked for among the root, or the node that is parsed, and its

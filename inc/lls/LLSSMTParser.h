@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/Parse.h"
-#include "platform/Api.h"
+#include "../common/Parse.h"
+#include "../platform/Api.h"
 
 /// Parser of the signed multi-table (LLS_table_id 0xFE; ATSC A/331): several LLS tables and a
 /// signature over them. It splits them; the caller verifies the signature over the signed block and

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "lls/ParseLLS.h"
-#include "platform/Api.h"
+#include "../platform/Api.h"
+#include "ParseLLS.h"
 
 /// Audience of an alert. A value that begins with the word counts as the word.
 enum EAEAAudience : int {

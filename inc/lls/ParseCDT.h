@@ -3,8 +3,8 @@
 #include <list>
 #include <string>
 
-#include "lls/ParseLLS.h"
-#include "platform/Api.h"
+#include "../platform/Api.h"
+#include "ParseLLS.h"
 
 /// Parser of the certification data table (CDT, LLS_table_id 6; ATSC A/331, over A/360): signing
 /// certificates, their replacement, OCSP data and the signature over them. Signatures are not verified
@@ -25,6 +25,8 @@ class VYR_API CParseCDT : public TCParseLLS {
     bool GetCurrentCert(std::string& cert) const;
     /// Attributes of CertReplacement; the times are epoch seconds (0: never given), one second late
     /// (required).
+    bool GetCertReplacement(std::string& nextCert, long long& nextCertFrom, long long& currentCertUntil) const;
+    /// The same; where a `long` has 32 bits, times that it cannot hold are its greatest or least.
     bool GetCertReplacement(std::string& nextCert, long& nextCertFrom, long& currentCertUntil) const;
     /// Interval at which OCSP responses are renewed, seconds; 0: never given.
     bool GetOCSPRefresh(int& seconds) const;

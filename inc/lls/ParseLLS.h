@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "common/Parse.h"
-#include "platform/Api.h"
+#include "../common/Parse.h"
+#include "../platform/Api.h"
 
 /// Base of the low-level signalling table parsers: reads the four-byte LLS header (ATSC A/331 6.1:
 /// LLS_table_id, LLS_group_id, group_count_minus1, LLS_table_version), drops a table that it has just

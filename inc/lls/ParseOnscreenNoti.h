@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "lls/ParseLLS.h"
-#include "platform/Api.h"
+#include "../platform/Api.h"
+#include "ParseLLS.h"
 
 /// Parser of the OnscreenMessageNotification table (LLS_table_id 5; ATSC A/331 6.6): the services for
 /// which receivers are to keep the screen clear of messages of their own. Required: tables pile up.

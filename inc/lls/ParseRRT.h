@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "lls/ParseLLS.h"
-#include "platform/Api.h"
+#include "../platform/Api.h"
+#include "ParseLLS.h"
 
 /// Records of the rating region table (ATSC A/331).
 struct SParseRRT {

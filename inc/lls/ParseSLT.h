@@ -5,9 +5,9 @@
 #include <set>
 #include <string>
 
-#include "common/ATSC3Type.h"
-#include "lls/ParseLLS.h"
-#include "platform/Api.h"
+#include "../common/ATSC3Type.h"
+#include "../platform/Api.h"
+#include "ParseLLS.h"
 
 class CChannelMap;
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "lls/ParseLLS.h"
-#include "platform/Api.h"
+#include "../platform/Api.h"
+#include "ParseLLS.h"
 
 /// Parser of the SystemTime table (LLS_table_id 3; ATSC A/331 6.4): the broadcaster's time parameters.
 /// An object that is not created is asserted ("m"); results are then false, 0 or null.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Api.h"
+#include "../platform/Api.h"
 
 /// Handle on the process-wide rating store, which the caller fills from a rating region table and then
 /// asks for the abbreviation of a rating. The first handle's Create makes the store, the last one's

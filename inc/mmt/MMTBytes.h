@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "common/Parse.h"
+#include "../common/Parse.h"
 
 namespace vyr {
 

@@ -2,7 +2,7 @@
 
 #include <cstdarg>
 
-#include "platform/Api.h"
+#include "Api.h"
 
 /// Priorities of log messages, ascending. A message is shown when its priority is at least the
 /// lowest one set with SetLogPriority.

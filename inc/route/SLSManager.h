@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/Api.h"
+#include "../platform/Api.h"
 
 class CROUTEUsbd;
 class CRSAT;

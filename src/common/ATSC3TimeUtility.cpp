@@ -14,6 +14,9 @@ unsigned int g_Tick = 0;
 
 namespace {
 
+// A 32-bit system without such a time would lose every date past 2038.
+static_assert(sizeof(std::time_t) >= 8, "times need 64 bits: build with _TIME_BITS=64");
+
 /// Sums of what was scanned, which may be any number, wrap.
 int Add(int a, int b)
 {

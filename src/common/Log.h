@@ -19,36 +19,51 @@ struct SHere {
     int line;
 };
 
-/// "…/src/common/XML.cpp" cut to "src/common/XML" while compiling.
+/// Where "src/common/XML" begins in "…/src/common/XML.cpp".
+constexpr std::size_t SourceBegin(const char* file)
+{
+    std::size_t begin = 0;
+    for (std::size_t i = 0; file[i] != '\0'; ++i) {
+        if (file[i] == 's' && file[i + 1] == 'r' && file[i + 2] == 'c' && file[i + 3] == '/' &&
+            (i == 0 || file[i - 1] == '/')) {
+            begin = i;
+        }
+    }
+    return begin;
+}
+
+/// And how long it is, the ending left out.
+constexpr std::size_t SourceLength(const char* file)
+{
+    file += SourceBegin(file);
+    std::size_t length = 0;
+    std::size_t end = 0;
+    for (; file[length] != '\0'; ++length) {
+        if (file[length] == '/') {
+            end = 0;
+        } else if (file[length] == '.') {
+            end = length;
+        }
+    }
+    return end != 0 ? end : length;
+}
+
+/// That path, of its own length: nothing of the folder it was compiled in is left.
 template <std::size_t N>
 struct SSourcePath {
-    char text[N] = {};
+    char text[N + 1] = {};
 
-    constexpr explicit SSourcePath(const char (&file)[N])
+    constexpr explicit SSourcePath(const char* file)
     {
-        std::size_t begin = 0;
-        std::size_t end = N - 1;
-        for (std::size_t i = 0; i + 4 < N; ++i) {
-            if (file[i] == 's' && file[i + 1] == 'r' && file[i + 2] == 'c' && file[i + 3] == '/' &&
-                (i == 0 || file[i - 1] == '/')) {
-                begin = i;
-            }
-        }
-        for (std::size_t i = begin; i < N - 1; ++i) {
-            if (file[i] == '/') {
-                end = N - 1;
-            } else if (file[i] == '.') {
-                end = i;
-            }
-        }
-        for (std::size_t i = begin; i < end; ++i) {
-            text[i - begin] = file[i];
+        file += SourceBegin(file);
+        for (std::size_t i = 0; i < N; ++i) {
+            text[i] = file[i];
         }
     }
 };
 
 // The file being compiled, not this header: a mechanism of a shared header speaks for its user.
-[[maybe_unused]] static constexpr SSourcePath k_source(__BASE_FILE__);
+[[maybe_unused]] static constexpr SSourcePath<SourceLength(__BASE_FILE__)> k_source(__BASE_FILE__);
 
 extern std::atomic<int> g_lowestPriority;
 

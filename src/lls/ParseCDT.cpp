@@ -1,5 +1,7 @@
 #include "lls/ParseCDT.h"
 
+#include <algorithm>
+#include <climits>
 #include <memory>
 
 #include "common/ATSC3TimeUtility.h"
@@ -174,14 +176,26 @@ bool CParseCDT::GetCurrentCert(std::string& cert) const
     return VYR_ASSERT(m, "m") && vyr::Give(m->currentCert, cert);
 }
 
-bool CParseCDT::GetCertReplacement(std::string& nextCert, long& nextCertFrom, long& currentCertUntil) const
+bool CParseCDT::GetCertReplacement(std::string& nextCert, long long& nextCertFrom, long long& currentCertUntil) const
 {
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
     nextCert = m->nextCert;
-    nextCertFrom = static_cast<long>(m->nextCertFrom);
-    currentCertUntil = static_cast<long>(m->currentCertUntil);
+    nextCertFrom = m->nextCertFrom;
+    currentCertUntil = m->currentCertUntil;
+    return true;
+}
+
+bool CParseCDT::GetCertReplacement(std::string& nextCert, long& nextCertFrom, long& currentCertUntil) const
+{
+    long long from = 0;
+    long long until = 0;
+    if (!GetCertReplacement(nextCert, from, until)) {
+        return false;
+    }
+    nextCertFrom = static_cast<long>(std::clamp<long long>(from, LONG_MIN, LONG_MAX));
+    currentCertUntil = static_cast<long>(std::clamp<long long>(until, LONG_MIN, LONG_MAX));
     return true;
 }
 

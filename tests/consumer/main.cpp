@@ -1,10 +1,12 @@
 // A program outside the tree, built against what was installed. With an argument it misuses the
-// library, to show what the default platform and the stand-in base parser library make of it.
+// library as often as that says, to show what the default platform and the stand-in base parser library make
+// of it.
 #include <common/ChannelMap.h>
 #include <lls/ParseSLT.h>
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 extern "C" void vsyslog(int level, const char* format, va_list arguments)
@@ -14,11 +16,13 @@ extern "C" void vsyslog(int level, const char* format, va_list arguments)
     std::printf("\n");
 }
 
-int main(int argc, char**)
+int main(int argc, char** argv)
 {
     CChannelMap map;
     if (argc > 1) {
-        map.Destroy();
+        for (int i = std::atoi(argv[1]); i > 0; --i) {
+            map.Destroy();
+        }
         return 0;
     }
     const char table[] =

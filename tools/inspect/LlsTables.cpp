@@ -242,8 +242,8 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
     std::string next;
     std::string cms;
     std::string toBeSigned;
-    long from = 0;
-    long until = 0;
+    long long from = 0;
+    long long until = 0;
     int refresh = 0;
     parser.GetCertificates(certificates);
     parser.GetOCSPResponse(responses);

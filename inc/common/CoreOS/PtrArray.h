@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Api.h"
+#include "../../platform/Api.h"
 
 /// Growable array of untyped pointers. It owns its elements only in that it hands each one it drops
 /// to the delete callback. The first four slots lie inside the object; after that it grows by eight

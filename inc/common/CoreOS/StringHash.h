@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Api.h"
+#include "../../platform/Api.h"
 
 /// Hash from a key (a zero-terminated string, or a fixed number of bytes) to an untyped pointer, with
 /// one cursor through which the caller reads, walks and removes. Duplicate keys are kept; Find meets

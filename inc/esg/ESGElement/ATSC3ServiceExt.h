@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// What ATSC 3.0 adds to a service: the ATSC3ServiceExtension element.
 class VYR_API CATSC3ServiceExt : public CESGElement {

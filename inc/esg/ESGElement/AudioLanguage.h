@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/LanguageTag.h"
+#include "LanguageTag.h"
 
 /// A language of the audio: the AudioLanguage element.
 class VYR_API CAudioLanguage : public CLanguageTag {

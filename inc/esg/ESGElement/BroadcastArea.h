@@ -1,7 +1,7 @@
 #pragma once
 
-#include "esg/ESGElement/CellTargetArea.h"
-#include "esg/ESGElement/ESGElement.h"
+#include "CellTargetArea.h"
+#include "ESGElement.h"
 
 /// Where a service can be received: the BroadcastArea element.
 class VYR_API CBroadcastArea : public CESGElement {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// The cells of a target area: the CellTargetArea element.
 class VYR_API CCellTargetArea : public CESGElement {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// The components of a content: the Components element.
 class VYR_API CComponent : public CESGElement {

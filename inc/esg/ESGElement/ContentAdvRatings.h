@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// Ratings of a content: the ContentAdvisoryRatings element.
 class VYR_API CContentAdvRatings : public CESGElement {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "esg/ESGElement/Component.h"
-#include "esg/ESGElement/ESGElement.h"
-#include "esg/ESGElement/PreviewData.h"
+#include "Component.h"
+#include "ESGElement.h"
+#include "PreviewData.h"
 
 /// What ATSC 3.0 adds to a content: the PrivateExt element of a content fragment.
 class VYR_API CContentPrivateExt : public CESGElement {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/SpokenText.h"
+#include "SpokenText.h"
 
 /// A description of a service or content: the Description element.
 class VYR_API CDescription : public CSpokenText {

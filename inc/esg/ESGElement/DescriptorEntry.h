@@ -1,9 +1,9 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
-#include "esg/ESGElement/ESGTransport.h"
-#include "esg/ESGElement/GroupingCri.h"
-#include "esg/ESGElement/SGDeliveryUnit.h"
+#include "ESGElement.h"
+#include "ESGTransport.h"
+#include "GroupingCri.h"
+#include "SGDeliveryUnit.h"
 
 /// Delivery units of one session: the DescriptorEntry element of a delivery descriptor.
 class VYR_API CDescriptorEntry : public CESGElement {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGState.h"
+#include "../ESGState.h"
 
 /// What every record of an element has beside its values, for the parser's own use.
 struct VYR_API SESGElement : SESGState {

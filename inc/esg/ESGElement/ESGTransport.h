@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// The session that carries delivery units: the Transport element.
 class VYR_API CESGTransport : public CESGElement {

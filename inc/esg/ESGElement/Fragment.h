@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// A fragment of a delivery unit as the delivery descriptor announces it: the Fragment element. Times are NTP
 /// seconds.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// How new a content is: the Freshness element. Dates are seconds since 1970; 0: none, or not a date such as
 /// "2026-01-31T20:15:00Z".

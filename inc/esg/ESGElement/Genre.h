@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// A genre of a service or content: the Genre element.
 class VYR_API CGenre : public CESGElement {

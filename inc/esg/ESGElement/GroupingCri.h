@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// What the delivery units of a descriptor entry have in common: the GroupingCriteria element. Times are NTP
 /// seconds. Of an element that occurs twice the last one counts.

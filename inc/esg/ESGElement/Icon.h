@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// An icon: the Icon element.
 class VYR_API CIcon : public CESGElement {

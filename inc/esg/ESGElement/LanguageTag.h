@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// What the elements that name a language have in common.
 class VYR_API CLanguageTag : public CESGElement {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/SpokenText.h"
+#include "SpokenText.h"
 
 /// A name of a service or content: the Name element.
 class VYR_API CName : public CSpokenText {

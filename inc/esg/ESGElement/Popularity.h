@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// How popular a content is: the Popularity element.
 class VYR_API CPopularity : public CESGElement {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// A time at which a content is presented: the PresentationWindow element. Times are NTP seconds (Unix seconds
 /// plus 2,208,988,800).

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
-#include "esg/ESGElement/PreviewDesc.h"
+#include "ESGElement.h"
+#include "PreviewDesc.h"
 
 /// A preview of a content: the Preview element.
 class VYR_API CPreviewData : public CESGElement {

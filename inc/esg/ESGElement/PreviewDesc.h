@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// A description of a preview: the PreviewDescription element, or Description inside Preview.
 class VYR_API CPreviewDesc : public CESGElement {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
-#include "esg/ESGElement/Fragment.h"
+#include "ESGElement.h"
+#include "Fragment.h"
 
 /// A delivery unit and the fragments in it: the ServiceGuideDeliveryUnit element. Times are NTP seconds.
 class VYR_API CSGDeliveryUnit : public CESGElement {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
-#include "esg/ESGElement/PresentationWindow.h"
+#include "ESGElement.h"
+#include "PresentationWindow.h"
 
 /// A content of a schedule and when it is presented: the ContentReference element.
 class VYR_API CScheduleContentRef : public CESGElement {

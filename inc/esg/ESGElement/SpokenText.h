@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// What the elements with a text to be shown or spoken have in common.
 class VYR_API CSpokenText : public CESGElement {

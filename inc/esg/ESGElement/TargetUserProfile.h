@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// Whom a service or content is meant for: the TargetUserProfile element.
 class VYR_API CTargetUserProfile : public CESGElement {

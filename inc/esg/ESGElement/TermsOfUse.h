@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// Terms under which a service or content may be used: the TermsOfUse element.
 class VYR_API CTermsOfUse : public CESGElement {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/ESGElement.h"
+#include "ESGElement.h"
 
 /// A text of a preview: the Text element.
 class VYR_API CText : public CESGElement {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "esg/ESGElement/LanguageTag.h"
+#include "LanguageTag.h"
 
 /// A language of the text: the TextLanguage element.
 class VYR_API CTextLanguage : public CLanguageTag {

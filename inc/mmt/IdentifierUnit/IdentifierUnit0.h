@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mmt/IdentifierUnit/IdentifierUnitBase.h"
-#include "mmt/element/MMTElementAssetId.h"
+#include "../element/MMTElementAssetId.h"
+#include "IdentifierUnitBase.h"
 
 /// Identifier type 0x00: an asset id.
 class VYR_API CIdentifierUnit0 : public CIdentifierUnitBase {

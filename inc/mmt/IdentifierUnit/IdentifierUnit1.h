@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/IdentifierUnit/IdentifierUnitBase.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "IdentifierUnitBase.h"
 
 /// Identifier type 0x01: a list of URLs.
 class VYR_API CIdentifierUnit1 : public CIdentifierUnitBase {

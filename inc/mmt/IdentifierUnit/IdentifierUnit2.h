@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mmt/IdentifierUnit/IdentifierUnitBase.h"
-#include "mmt/MMTBytes.h"
+#include "../MMTBytes.h"
+#include "IdentifierUnitBase.h"
 
 /// Identifier type 0x02: a regular expression.
 class VYR_API CIdentifierUnit2 : public CIdentifierUnitBase {

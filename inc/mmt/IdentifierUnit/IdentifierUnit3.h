@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mmt/IdentifierUnit/IdentifierUnitBase.h"
-#include "mmt/MMTBytes.h"
+#include "../MMTBytes.h"
+#include "IdentifierUnitBase.h"
 
 /// Identifier type 0x03: the id of a DASH representation.
 class VYR_API CIdentifierUnit3 : public CIdentifierUnitBase {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/MMTParser.h"
+#include "../MMTParser.h"
 
 /// What follows identifier_type in identifier_mapping (ISO/IEC 23008-1): one class per type.
 class VYR_API CIdentifierUnitBase : public IMMTParser {

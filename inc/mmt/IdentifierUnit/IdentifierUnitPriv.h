@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mmt/IdentifierUnit/IdentifierUnitBase.h"
-#include "mmt/MMTBytes.h"
+#include "../MMTBytes.h"
+#include "IdentifierUnitBase.h"
 
 /// Identifier types 0x04 and above: private bytes.
 class VYR_API CIdentifierUnitPriv : public CIdentifierUnitBase {

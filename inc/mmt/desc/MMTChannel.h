@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 /// Parser of the channel of an MMT service (ATSC A/331 7.2.1). Texts that are not given are empty.
 class VYR_API CMMTChannel : public XMLBase {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 /// Parser of the description of one component of an MMT service (ATSC A/331 7.2.1).
 class VYR_API CMMTComponentInfo : public XMLBase {

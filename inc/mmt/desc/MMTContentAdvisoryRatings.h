@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 /// Parser of the content advisory ratings of one rating region (ATSC A/331 7.2.1; rating regions are those of
 /// the RRT). Each element parsed takes the place of the one before.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/MMTParser.h"
+#include "../MMTParser.h"
 
 /// Base of the MMT descriptors (ISO/IEC 23008-1 10.5): a 16-bit tag, a 16-bit length, and that many bytes.
 class VYR_API CMMTDesc : public IMMTParser {

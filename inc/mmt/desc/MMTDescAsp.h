@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/desc/MMTDescPayload.h"
+#include "MMTDescPayload.h"
 
 /// Audio stream properties of assets (ATSC A/331 7.2.3), tag 9.
 class VYR_API CMMTDescAsp : public CMMTDescPayload {

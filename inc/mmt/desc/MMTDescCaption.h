@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/desc/MMTDescPayload.h"
+#include "MMTDescPayload.h"
 
 /// Caption assets (ATSC A/331 7.2.3), tag 8.
 class VYR_API CMMTDescCaption : public CMMTDescPayload {

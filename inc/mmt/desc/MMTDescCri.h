@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/desc/MMTDesc.h"
+#include "MMTDesc.h"
 
 /// Clock relation information (ISO/IEC 23008-1 10.5.2), tag 0: one sample of the sender's clock on two
 /// time bases.

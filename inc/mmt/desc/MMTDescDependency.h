@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/desc/MMTDescPayload.h"
+#include "MMTDescPayload.h"
 
 /// Dependency (ISO/IEC 23008-1), tag 2: the assets that the asset it stands with needs.
 class VYR_API CMMTDescDependency : public CMMTDescPayload {

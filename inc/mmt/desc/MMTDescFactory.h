@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/desc/MMTDesc.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "MMTDesc.h"
 
 /// Makes MMT descriptors from their tags.
 class VYR_API CMMTDescFactory {

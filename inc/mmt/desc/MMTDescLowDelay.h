@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/desc/MMTDescPayload.h"
+#include "MMTDescPayload.h"
 
 /// Low delay consumption (ISO/IEC 23008-1), tag 14: what a receiver must know to play media units before their
 /// metadata arrives.

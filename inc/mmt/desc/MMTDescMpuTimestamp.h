@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/desc/MMTDescPayload.h"
+#include "MMTDescPayload.h"
 
 /// MPU timestamps (ISO/IEC 23008-1), tag 1: when MPUs of an asset are presented.
 class VYR_API CMMTDescMpuTimestamp : public CMMTDescPayload {

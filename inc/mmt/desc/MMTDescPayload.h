@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-#include "mmt/MMTBytes.h"
-#include "mmt/desc/MMTDesc.h"
+#include "../MMTBytes.h"
+#include "MMTDesc.h"
 
 namespace vyr {
 class CPayloadReader;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/desc/MMTDescPayload.h"
+#include "MMTDescPayload.h"
 
 /// Security information (ISO/IEC 23008-1), tag 4: the security systems that protect something, and their keys.
 class VYR_API CMMTDescSi : public CMMTDescPayload {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/desc/MMTDescPayload.h"
+#include "MMTDescPayload.h"
 
 /// Security properties of assets (ATSC A/331 7.2.3), tag 12, and the URLs of their licence servers, tag 13:
 /// Tag() tells which.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/desc/MMTDescPayload.h"
+#include "MMTDescPayload.h"
 
 /// Video stream properties of assets (ATSC A/331 7.2.3.2), tag 5.
 class VYR_API CMMTDescVsp : public CMMTDescPayload {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 /// Parser of the MPU component of an MMT service (ATSC A/331 7.2.1): its packages and contents, now and next.
 /// Texts that are not given are empty.

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 /// Parser of the ROUTE component of an MMT service (ATSC A/331 7.2.1): where the S-TSID of its ROUTE part is.
 class VYR_API CMMTRouteComponent : public XMLBase {

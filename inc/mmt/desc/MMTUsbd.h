@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "common/CoreOS/PtrArray.h"
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 class CMMTBroadbandComponent;
 class CMMTChannel;

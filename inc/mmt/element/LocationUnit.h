@@ -3,8 +3,8 @@
 #include <array>
 #include <string>
 
-#include "mmt/MMTBytes.h"
-#include "mmt/MMTParser.h"
+#include "../MMTBytes.h"
+#include "../MMTParser.h"
 
 /// What follows location_type in MMT_general_location_info (ISO/IEC 23008-1): one class per type. A getter
 /// answers false, its output untouched, unless the type has that field; a null output is asserted.

@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "mmt/MMTBytes.h"
-#include "mmt/MMTParser.h"
+#include "../MMTBytes.h"
+#include "../MMTParser.h"
 
 /// Name of an asset: asset_id of ISO/IEC 23008-1, a scheme and an identifier.
 class VYR_API CMMTElementAssetId : public IMMTParser {

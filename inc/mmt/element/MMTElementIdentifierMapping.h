@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "mmt/IdentifierUnit/IdentifierUnitBase.h"
+#include "../IdentifierUnit/IdentifierUnitBase.h"
 
 /// Asset id of an identifier of type 0.
 struct UInternalIdentifier {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "mmt/element/LocationUnit.h"
+#include "LocationUnit.h"
 
 /// Packet id of a location of type 0 or 1.
 struct SInternalLocationInfo {

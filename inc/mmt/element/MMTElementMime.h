@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mmt/MMTBytes.h"
-#include "mmt/MMTParser.h"
+#include "../MMTBytes.h"
+#include "../MMTParser.h"
 
 /// A MIME type behind an 8-bit length, as the device capability information names assets' types.
 class VYR_API CMMTElementMime : public IMMTParser {

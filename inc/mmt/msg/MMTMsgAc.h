@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "mmt/msg/MMTMsgPayload.h"
+#include "MMTMsgPayload.h"
 
 /// ARQ configuration message (AC message, message_id 0x0206; ISO/IEC 23008-1): where and how long a receiver can
 /// ask for lost packets.

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "mmt/msg/MMTMsgPayload.h"
+#include "MMTMsgPayload.h"
 
 /// Asset delivery characteristics message (ADC message, message_id 0x0209; ISO/IEC 23008-1): what the delivery of
 /// an asset needs of a network.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/msg/MMTMsg.h"
+#include "MMTMsg.h"
 
 class CCPtrArray;
 class CMMTTblSi;

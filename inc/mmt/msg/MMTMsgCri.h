@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mmt/msg/MMTMsgPayload.h"
-#include "mmt/table/MMTTblCri.h"
+#include "../table/MMTTblCri.h"
+#include "MMTMsgPayload.h"
 
 /// Clock relation information message (CRI message, message_id 0x0200; ISO/IEC 23008-1): one CRI table.
 class VYR_API CMMTMsgCri : public CMMTMsgPayload {

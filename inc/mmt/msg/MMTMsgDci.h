@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mmt/msg/MMTMsgPayload.h"
-#include "mmt/table/MMTTblDci.h"
+#include "../table/MMTTblDci.h"
+#include "MMTMsgPayload.h"
 
 /// Device capability information message (DCI message, message_id 0x0201; ISO/IEC 23008-1): one DCI table.
 class VYR_API CMMTMsgDci : public CMMTMsgPayload {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "mmt/msg/MMTMsg.h"
+#include "MMTMsg.h"
 
 /// Makes messages of one kind.
 class VYR_API MMTMsgAbstractFactory {

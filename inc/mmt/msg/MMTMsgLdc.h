@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mmt/desc/MMTDescLowDelay.h"
-#include "mmt/msg/MMTMsgPayload.h"
+#include "../desc/MMTDescLowDelay.h"
+#include "MMTMsgPayload.h"
 
 /// Low delay consumption message (LDC message, message_id 0x020E; ISO/IEC 23008-1): the fields of the low delay
 /// descriptor.

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/element/MMTElementAssetId.h"
-#include "mmt/msg/MMTMsgPayload.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../element/MMTElementAssetId.h"
+#include "MMTMsgPayload.h"
 
 /// Common part of the two messages about licences (ISO/IEC 23008-1): a list of assets, each with the bytes of a
 /// licence, which are the DRM system's own.

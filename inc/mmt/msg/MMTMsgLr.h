@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/msg/MMTMsgLicence.h"
+#include "MMTMsgLicence.h"
 
 /// Licence revocation message (LR message, message_id 0x020C; ISO/IEC 23008-1). Required: CMMTMsgFactory does
 /// not make it.

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "mmt/msg/MMTMsg.h"
-#include "mmt/table/MMTTblMp.h"
-#include "mmt/table/MMTTblMpi.h"
+#include "../table/MMTTblMp.h"
+#include "../table/MMTTblMpi.h"
+#include "MMTMsg.h"
 
 /// Media presentation information message (MPI message, message_ids 0x0001 to 0x0010; ISO/IEC 23008-1): one
 /// MPI table and, when it says so, an MP table.

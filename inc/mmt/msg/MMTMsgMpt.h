@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mmt/msg/MMTMsg.h"
-#include "mmt/table/MMTTblMp.h"
+#include "../table/MMTTblMp.h"
+#include "MMTMsg.h"
 
 /// MMT package table message (MPT message, message_ids 0x0011 to 0x0020; ISO/IEC 23008-1): one MP table.
 class VYR_API CMMTMsgMpt : public CMMTMsg {

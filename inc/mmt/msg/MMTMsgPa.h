@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/msg/MMTMsg.h"
-#include "mmt/table/MMTTbl.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../table/MMTTbl.h"
+#include "MMTMsg.h"
 
 /// Package access message (PA message, message_id 0x0000; ISO/IEC 23008-1): a list of signalling tables, and
 /// the tables.

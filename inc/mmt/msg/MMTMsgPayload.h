@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mmt/MMTBytes.h"
-#include "mmt/msg/MMTMsg.h"
+#include "../MMTBytes.h"
+#include "MMTMsg.h"
 
 /// Base of the messages that keep the bytes of their payload beside what they read of it. The cursor ends
 /// where the message's length says, and only a length that runs past the data fails the message; a field

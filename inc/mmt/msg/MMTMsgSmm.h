@@ -3,7 +3,7 @@
 #include <memory>
 #include <string_view>
 
-#include "mmt/msg/MMTMsgPayload.h"
+#include "MMTMsgPayload.h"
 
 /// Signed message (message_id 0x8101; ATSC A/331): an MMT message and a signature. Whoever wants it verified does
 /// so over SignedBlock.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/MMTParser.h"
+#include "../MMTParser.h"
 
 class CMMTDesc;
 class CMMTElementIdentifierMapping;

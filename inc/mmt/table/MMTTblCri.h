@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/table/MMTTblPayload.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "MMTTblPayload.h"
 
 /// Clock relation information table (CRI table, table_id 0x21; ISO/IEC 23008-1): how the clocks of assets relate
 /// to NTP time.

@@ -2,10 +2,10 @@
 
 #include <optional>
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/element/MMTElementAssetId.h"
-#include "mmt/element/MMTElementMime.h"
-#include "mmt/table/MMTTblPayload.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../element/MMTElementAssetId.h"
+#include "../element/MMTElementMime.h"
+#include "MMTTblPayload.h"
 
 /// Device capability information table (DCI table, table_id 0x22; ISO/IEC 23008-1): what a device must be capable
 /// of for each asset.

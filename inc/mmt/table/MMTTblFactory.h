@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/table/MMTTbl.h"
+#include "MMTTbl.h"
 
 /// Makes MMT signalling tables from their table_id.
 class VYR_API CMMTTblFactory {

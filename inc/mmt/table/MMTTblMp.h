@@ -1,9 +1,9 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/MMTBytes.h"
-#include "mmt/table/MMTTbl.h"
-#include "mmt/table/MMTTblMpAsset.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../MMTBytes.h"
+#include "MMTTbl.h"
+#include "MMTTblMpAsset.h"
 
 /// MMT package table (MP table, table_ids 0x11 to 0x20; ISO/IEC 23008-1): the assets of a package.
 class VYR_API CMMTTblMp : public CMMTTbl {

@@ -2,10 +2,10 @@
 
 #include <array>
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/desc/MMTDesc.h"
-#include "mmt/element/MMTElementIdentifierMapping.h"
-#include "mmt/element/MMTElementLocation.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../desc/MMTDesc.h"
+#include "../element/MMTElementIdentifierMapping.h"
+#include "../element/MMTElementLocation.h"
 
 /// One asset of the MP table (ISO/IEC 23008-1).
 class VYR_API CMMTTblMpAsset : public IMMTParser {

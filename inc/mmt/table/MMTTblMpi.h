@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/table/MMTTbl.h"
-#include "mmt/table/MMTTblMpiContent.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "MMTTbl.h"
+#include "MMTTblMpiContent.h"
 
 /// Media presentation information table (MPI table, table_ids 0x01 to 0x10; ISO/IEC 23008-1).
 class VYR_API CMMTTblMpi : public CMMTTbl {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/MMTBytes.h"
-#include "mmt/MMTParser.h"
-#include "mmt/desc/MMTDesc.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../MMTBytes.h"
+#include "../MMTParser.h"
+#include "../desc/MMTDesc.h"
 
 /// One presentation information document of the MPI table (ISO/IEC 23008-1).
 class VYR_API CMMTTblMpiContent : public IMMTParser {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/table/MMTTbl.h"
-#include "mmt/table/MMTTblPaInfo.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "MMTTbl.h"
+#include "MMTTblPaInfo.h"
 
 /// Package access table (PA table, table_id 0x00; ISO/IEC 23008-1): where each signalling table is delivered.
 class VYR_API CMMTTblPa : public CMMTTbl {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mmt/element/MMTElementLocation.h"
+#include "../element/MMTElementLocation.h"
 
 /// Where one signalling table is delivered: an entry of the PA table (ISO/IEC 23008-1).
 class VYR_API CMMTTblPaInfo : public IMMTParser {

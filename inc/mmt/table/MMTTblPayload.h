@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mmt/MMTBytes.h"
-#include "mmt/table/MMTTbl.h"
+#include "../MMTBytes.h"
+#include "MMTTbl.h"
 
 /// Base of the tables that keep the bytes of their body beside what they read of it. The cursor ends where
 /// the table's length says, and only a length that runs past the data fails the table; a field that does

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "mmt/table/MMTTblPayload.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "MMTTblPayload.h"
 
 /// Security information table (SI table, table_id 0x23): descriptors up to its end.
 class VYR_API CMMTTblSi : public CMMTTblPayload {

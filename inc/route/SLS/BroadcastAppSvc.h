@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
-#include "route/SLS/AppSvc.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
+#include "AppSvc.h"
 
 /// Parser of an application service that is reached over the air. The patterns of every element that is
 /// parsed join those already held; only Destroy lets go.

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 class CMediaInfo;
 

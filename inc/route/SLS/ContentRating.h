@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 /// Parser of a content rating element of the content information of an S-TSID (ATSC A/331 annex A.3.2).
 /// An object that is not created is asserted ("m").

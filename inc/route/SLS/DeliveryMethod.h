@@ -2,10 +2,10 @@
 
 #include <list>
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
-#include "route/SLS/BroadcastAppSvc.h"
-#include "route/SLS/UnicastAppSvc.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
+#include "BroadcastAppSvc.h"
+#include "UnicastAppSvc.h"
 
 /// Parser of a delivery method of a user service description: the paths on which the content of the
 /// service is reached (ATSC A/331 table 7.1). The services of every element that is parsed join those

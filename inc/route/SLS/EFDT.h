@@ -3,9 +3,9 @@
 #include <list>
 #include <string>
 
-#include "common/CoreOS/PtrArray.h"
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 /// One file of an extended FDT: the File element (RFC 6726 3.4.2, ATSC A/331 annex A.3.3). Numbers that
 /// are not given are -1 (all bits set), texts empty.

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "common/CoreOS/PtrArray.h"
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 class CSrcFlow;
 struct SEFDTInfo;

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 // What an MPD (ISO/IEC 23009-1 clause 5) says, in records to walk. Texts are zero-terminated and belong to
 // the SMPDInfo; null: not given. Numbers are -1 and optional values empty when not given, unless it says

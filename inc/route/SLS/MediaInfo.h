@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "common/CoreOS/PtrArray.h"
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 /// Parser of the MediaInfo element of an S-TSID: what a media component is (ATSC A/331 table A.3.2). An
 /// object that is not created is asserted ("m"); results are then 0 or false.

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 class CServiceLinkage;
 

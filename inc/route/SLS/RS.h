@@ -1,9 +1,9 @@
 #pragma once
 
-#include "common/CoreOS/PtrArray.h"
-#include "common/ParseXML.h"
-#include "platform/Api.h"
-#include "route/SLS/LS.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
+#include "LS.h"
 
 /// Parser of the RS element of an S-TSID: one ROUTE session (ATSC A/331 table 7.2).
 class VYR_API CRS : public XMLBase {

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "common/CoreOS/PtrArray.h"
-#include "common/ParseXML.h"
-#include "platform/Api.h"
-#include "route/SLS/LS.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
+#include "LS.h"
 
 /// Parser of the service-based transport session instance description (S-TSID; ATSC A/331 7.1.4): where
 /// the components of a service travel. Sessions of every element that is parsed join those already held;

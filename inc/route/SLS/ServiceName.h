@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/ParseXML.h"
-#include "platform/Api.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
 
 /// Parser of a name element of a user service description. Its text is not kept, only its language.
 class VYR_API CServiceName : public XMLBase {

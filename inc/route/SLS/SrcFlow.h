@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "common/CoreOS/PtrArray.h"
-#include "common/ParseXML.h"
-#include "platform/Api.h"
-#include "route/SLS/EFDT.h"
+#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/ParseXML.h"
+#include "../../platform/Api.h"
+#include "EFDT.h"
 
 class CContentInfo;
 
