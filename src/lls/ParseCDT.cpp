@@ -179,7 +179,9 @@ bool CParseCDT::GetCertReplacement(std::string& nextCert, long& nextCertFrom, lo
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
-    nextCert = m->nextCert;
+    if (!vyr::Give(m->nextCert, nextCert)) {
+        return false;
+    }
     nextCertFrom = static_cast<long>(m->nextCertFrom);
     currentCertUntil = static_cast<long>(m->currentCertUntil);
     return true;

@@ -119,8 +119,7 @@ bool CRRTMapST::GetProgramRating(unsigned int key, unsigned int dimension, const
                 if (!VYR_ASSERT(i < rating.abbreviations.size(), "abbreviation")) {
                     return false;
                 }
-                std::string text = rating.abbreviations[i].second;
-                fn(userData, text.data());
+                fn(userData, rating.abbreviations[i].second.data());
                 return true;
             }
         }

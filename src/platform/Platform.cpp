@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "common/PlatformFile.h"
 
 namespace {
@@ -139,6 +140,8 @@ void SetLogPriority(ELogPriority lowest)
 }
 
 void SetFileRoot(const char* root)
-{
+try {
     FileRoot() = root ? root : "";
+} catch (...) {
+    vyr::HandleOutOfMemory(VYR_HERE);
 }

@@ -24,8 +24,16 @@ class VYR_API CAppSvc : public XMLBase {
     const SAppSvc* State() const;
 
   protected:
-    /// `name` is the class's name in the log, without its C; a static string.
-    explicit CAppSvc(const char* name);
+    /// What the class logs; static strings.
+    struct STexts {
+        const char* create;     ///< when it is created
+        const char* destroy;    ///< when it is destroyed
+        const char* child;      ///< of each child, whose name is its one %s
+        const char* noPattern;  ///< of a pattern without text
+    };
+
+    /// `texts` is a static object.
+    explicit CAppSvc(const STexts& texts);
 
   private:
     struct SState;
@@ -35,6 +43,6 @@ class VYR_API CAppSvc : public XMLBase {
 
     static void sm_CbBasePattern(CAppSvc* service, void* node);
 
-    const char* m_name;
+    const STexts& m_texts;
     SState* m;
 };

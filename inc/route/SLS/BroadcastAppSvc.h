@@ -7,4 +7,7 @@
 class VYR_API CBroadcastAppSvc : public CAppSvc {
   public:
     CBroadcastAppSvc();
+
+  private:
+    static const STexts sm_texts;
 };

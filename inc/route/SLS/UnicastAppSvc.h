@@ -7,4 +7,7 @@
 class VYR_API CUnicastAppSvc : public CAppSvc {
   public:
     CUnicastAppSvc();
+
+  private:
+    static const STexts sm_texts;
 };

@@ -9,14 +9,13 @@ struct CAppSvc::SState : vyr::SHandlers {
     SAppSvc values;
 };
 
-CAppSvc::CAppSvc(const char* name) : m_name(name), m(nullptr) {}
+CAppSvc::CAppSvc(const STexts& texts) : m_texts(texts), m(nullptr) {}
 
 CAppSvc::~CAppSvc() = default;
 
 bool CAppSvc::Create()
 {
-    const std::string message = std::string("[C") + m_name + "::Create]";
-    return vyr::CreateXmlParser(m, message.c_str(), VYR_HERE, [this] { return t_CreateCallback(); });
+    return vyr::CreateXmlParser(m, m_texts.create, VYR_HERE, [this] { return t_CreateCallback(); });
 }
 
 bool CAppSvc::t_CreateCallback()
@@ -28,8 +27,7 @@ bool CAppSvc::t_CreateCallback()
 
 void CAppSvc::Destroy()
 {
-    const std::string message = std::string("[C") + m_name + "::Destroy]";
-    vyr::DestroyXmlParser(*this, m, message.c_str(), VYR_HERE);
+    vyr::DestroyXmlParser(*this, m, m_texts.destroy, VYR_HERE);
 }
 
 const CAppSvc::SAppSvc* CAppSvc::State() const
@@ -42,8 +40,7 @@ bool CAppSvc::m_ProcessParse(void* root)
     if (!VYR_ASSERT(m, "m != nullptr")) {
         return false;
     }
-    const std::string format = std::string("[C") + m_name + "::m_ProcessParse" + m_name + "] %s";
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, format.c_str(), VYR_HERE);
+    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, m_texts.child, VYR_HERE);
     return true;
 }
 
@@ -51,7 +48,7 @@ void CAppSvc::sm_CbBasePattern(CAppSvc* service, void* node)
 {
     const CNodeText pattern = CNodeText::Content(node);
     if (!pattern.HasText()) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[C%s::sm_CbBasePattern] basePattern value is not exist !!!", service->m_name);
+        VYR_LOG(LOG_PRIORITY_DEBUG, "%s", service->m_texts.noPattern);
         return;
     }
     service->m->values.basePatterns.emplace_back(pattern.Text());
