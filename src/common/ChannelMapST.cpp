@@ -107,21 +107,36 @@ unsigned int SChannelMap::refCnt = 0;
 std::mutex SChannelMap::mutex;
 
 struct CChannelMapST::SState {
-    std::vector<SServiceRecord*> list;  // in the order they were added; indices survive changes on the way
+    /// Where a record is in the list, and which record of the store it is: an address may come again.
+    struct SPlace {
+        std::size_t index;
+        std::uint64_t number;
+    };
+
+    std::vector<SServiceRecord*> list;                          // in the order they were added; null: removed since
     std::unordered_map<SKey, SServiceRecord*, SKeyHash> index;  // the oldest record of a key
-    std::unordered_map<void*, std::uint64_t> live;  // which record of the store it is, as an address may come again
-    std::uint64_t records = 0;                      // made so far
+    std::unordered_map<const void*, SPlace> places;             // of the records in the list
+    std::uint64_t records = 0;                                  // made so far
     std::set<const CChannelMap::SCallback*, std::less<>> callbacks;
     std::uint64_t registrations = 0;  // made so far
-    int visits = 0;                   // callers' functions under way
+    int visits = 0;                   // callers' functions under way, which the indices must survive
     std::mutex mutex;                 // never held around a caller's function, the log or an assertion
 
     using TLock = std::lock_guard<std::mutex>;
 
     bool IsLive(void* service, std::uint64_t number) const
     {
-        const auto found = live.find(service);
-        return found != live.end() && found->second == number;
+        const auto found = places.find(service);
+        return found != places.end() && found->second.number == number;
+    }
+
+    /// Closes the gaps of the list.
+    void Compact()
+    {
+        list.erase(std::remove(list.begin(), list.end(), nullptr), list.end());
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            places.find(list[i])->second.index = i;
+        }
     }
 
     /// Runs `step(record)` for a service of the store or a copy, under its lock; anything else is asserted.
@@ -131,7 +146,7 @@ struct CChannelMapST::SState {
         if (service) {
             {
                 const TLock lock(mutex);
-                if (live.count(service)) {
+                if (places.count(service)) {
                     step(*Record(service));
                     return true;
                 }
@@ -179,7 +194,7 @@ void* CChannelMapST::SState::Store(const SKey& key, bool broadbandAccessRequired
     }
     found = *same != nullptr;
     if (found) {
-        number = live.find(*same)->second;
+        number = places.find(*same)->second.number;
         return *same;
     }
     try {
@@ -187,7 +202,7 @@ void* CChannelMapST::SState::Store(const SKey& key, bool broadbandAccessRequired
         list.push_back(record.get());
         try {
             number = records + 1;
-            live.emplace(record.get(), number);
+            places.emplace(record.get(), SPlace{list.size() - 1, number});
         } catch (...) {
             list.pop_back();
             throw;
@@ -328,12 +343,16 @@ bool CChannelMapST::RemoveService(void* service)
         return false;
     }
     const SState::TLock lock(m->mutex);
-    if (m->live.erase(service) == 0) {
+    const auto place = m->places.find(service);
+    if (place == m->places.end()) {
         return false;
     }
-    const auto place = std::find(m->list.begin(), m->list.end(), service);
-    const std::unique_ptr<SServiceRecord> record(*place);
-    m->list.erase(place);
+    const std::unique_ptr<SServiceRecord> record(Record(service));
+    m->list[place->second.index] = nullptr;
+    m->places.erase(place);
+    if (m->visits == 0 && m->list.size() > 2 * m->places.size()) {
+        m->Compact();
+    }
     const auto oldest = m->index.find(record->key);
     SServiceRecord** same = &oldest->second;
     while (*same != record.get()) {
@@ -361,7 +380,9 @@ bool CChannelMapST::GetServiceList(void (*fn)(void*, void*), void* userData)
             }
             service = m->list[i];
         }
-        fn(userData, service);
+        if (service) {
+            fn(userData, service);
+        }
     }
 }
 
