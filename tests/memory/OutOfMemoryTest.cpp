@@ -5,9 +5,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <set>
 #include <sstream>
@@ -47,6 +45,7 @@
 #include "route/SLS/ROUTEUsbd.h"
 #include "route/SLS/STSID.h"
 #include "route/SLSManager.h"
+#include "support/Seed.h"
 
 namespace {
 
@@ -63,15 +62,6 @@ void Log(int /*priority*/, const char* /*tag*/, const char* format, va_list argu
         const std::string text = line;
         *s_dump += text.substr(std::min(text.size(), text.find(" > "))) + '\n';
     }
-}
-
-/// A seed of the fuzz targets: its first part from byte `skip` on.
-std::string Seed(const std::string& name, std::size_t skip)
-{
-    std::ifstream file(VYR_TEST_SEEDS "/" + name, std::ios::binary);
-    const std::string all(std::istreambuf_iterator<char>(file), {});
-    EXPECT_GT(all.size(), skip) << name;
-    return all.substr(skip, all.find("\xFFNEXT") - skip);
 }
 
 std::string Text(const char* text)
