@@ -3,9 +3,18 @@
 #include "../platform/Api.h"
 #include "XML.h"
 
+namespace vyr {
+struct SXmlChild;
+}
+
 /// Base of every parser of an XML signalling document or of one element inside such a document.
 /// Life: construct, Create, Parse any number of times, Destroy, delete. A document is kept from a
 /// successful Parse to the next Parse or Destroy. An object is used by one thread at a time.
+///
+/// Out of memory is a failed Create or Parse, with a line in the log; what was held before is still held.
+/// Callbacks of subclasses come inside Parse, on its thread. They may call anything of the object but Parse
+/// and Destroy, which are asserted there ("!m->parsing") and do nothing, and may throw: the exception leaves
+/// Parse, the document is let go of, and the object can be used again.
 class VYR_API XMLBase {
   public:
     XMLBase();
@@ -33,7 +42,18 @@ class VYR_API XMLBase {
     /// Parses the element `root` of a document that somebody else holds and keeps alive.
     virtual bool Parse(void* doc, void* root);
 
+    /// Whether a Parse of this object is under way, as in a callback.
+    bool Parsing() const { return m_parsing; }
+
   protected:
     CXML t_xml;         ///< the document, or the view of somebody else's
     bool t_compressed;  ///< the default flag of the two-argument Parse
+
+  private:
+    friend struct vyr::SXmlChild;
+    struct SKeeper;
+
+    bool m_ParseElement(void* doc, void* root);
+
+    bool m_parsing;
 };

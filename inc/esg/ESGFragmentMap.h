@@ -11,8 +11,9 @@ struct VYR_API SESGFragmentMap {
 
 /// Handle on the process-wide record of known fragments of the service guide, for the caller's own use: the
 /// parsers do not fill it. The first handle that is created makes the store, empty, and the last that is
-/// destroyed lets go of it. A handle that is not created is asserted ("m"): false. Not thread-safe, handles
-/// on several threads included.
+/// destroyed lets go of it. A handle that is not created is asserted ("m"): false. Operations of
+/// handles may come from several threads, each handle from one at a time. Out of memory is false, with a line in
+/// the log, and changes nothing.
 class VYR_API CESGFragmentMap {
   public:
     CESGFragmentMap();

@@ -8,6 +8,7 @@
 #include "../platform/Api.h"
 
 namespace vyr {
+struct SESGChild;
 struct SESGKind;
 struct SHere;
 struct SRows;

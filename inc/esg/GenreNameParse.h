@@ -6,7 +6,8 @@
 #include "../platform/Api.h"
 
 /// The names of the genre terms, filled once per process by the first CGenreNameParse whose file has any;
-/// they live until the process ends. Without a lock: the first genre of the process must not race another.
+/// they live until the process ends. The library reads and fills the map under a lock of its own, so that guides
+/// may be parsed on several threads; a caller may read it when a CGenreNameParse has given true.
 struct VYR_API SGenreNameParse {
     /// Number of a term, and its name.
     static std::map<int, std::unique_ptr<char[]>> refMap;

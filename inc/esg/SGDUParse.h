@@ -83,6 +83,7 @@ class VYR_API CSGDUParse : public IParse {
     bool t_ProcessServiceGuide(IParse::SItem* item);
     bool m_ProcessFragmentSGDU(IParse::SItem* item, unsigned int index, bool last);
     TOwned<CESGFragmentBase> t_ProcessFragment(int fragmentType, const char* data, unsigned int length);
+    bool m_Parse(IParse::SItem* item);
     bool m_ExtractData(IParse::SItem* item);
 
     SSGDUParse* m;

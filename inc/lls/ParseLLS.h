@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <string>
 
 #include "../common/Parse.h"
@@ -8,6 +9,12 @@
 /// Base of the low-level signalling table parsers: reads the four-byte LLS header (ATSC A/331 6.1:
 /// LLS_table_id, LLS_group_id, group_count_minus1, LLS_table_version), drops a table that it has just
 /// seen and hands the payload to the table's parser.
+///
+/// One object is used by one thread at a time; several may parse on several threads. Out of memory is a failed
+/// Create or Parse, with a line in the log; what was held before is still held. Callbacks of subclasses come
+/// inside Parse, on its thread. They may call anything of the object but Parse and Destroy, which are asserted
+/// there ("!m->parsing") and do nothing, and may throw: the exception leaves Parse, and the object can be used
+/// again.
 class VYR_API TCParseLLS : public IParse {
   public:
     TCParseLLS();
@@ -15,11 +22,14 @@ class VYR_API TCParseLLS : public IParse {
 
     /// Takes one whole LLS table, one UDP payload of the LLS stream, from the item's cursor on. True:
     /// the table was new and was handed on, whether or not it then parsed. False: its header equals
-    /// that of the last table taken, or the item holds no whole header (asserted). Only the one last
-    /// header is remembered, and remembered before the payload is parsed.
+    /// that of the last table taken, or the item holds no whole header (asserted), or memory is out. Only the
+    /// one last header is remembered, and remembered before the payload is parsed; one that memory was out for
+    /// is not, and the one before it stays.
     bool Parse(IParse::SItem* item) override;
     /// Frees all that was parsed; the object can be created anew.
     virtual void Destroy() = 0;
+    /// Whether a Parse of this object is under way, as in a callback.
+    bool Parsing() const { return t_parsing; }
 
     /// With `skip`: a repeated table of this table id, or of this group id, counts as new from now on.
     /// Without: repeats are dropped again. The id 0xFF stands for none.
@@ -41,12 +51,16 @@ class VYR_API TCParseLLS : public IParse {
     virtual bool t_Parse(IParse::SItem* item) = 0;
     /// The process-wide compression switch.
     bool t_DecompressLLS() const;
+    /// False, asserted ("!m->parsing"), inside a callback: what Destroy asks.
+    bool t_Idle() const;
+    /// Set while callbacks may come.
+    mutable bool t_parsing;
 
   private:
     bool m_CheckVersion(unsigned char tableId, unsigned char groupId, unsigned char groupCountMinus1,
                         unsigned char version);
 
-    static bool m_decompressLLS;
+    static std::atomic<bool> m_decompressLLS;
     unsigned char m_lastTableId;
     unsigned char m_lastGroupId;
     unsigned char m_lastGroupCountMinus1;

@@ -1,9 +1,11 @@
 #include "common/ChannelMap.h"
 
+#include <memory>
 #include <utility>
 
 #include "common/ChannelMapST.h"
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 /// What a handle has registered with the store.
 struct CChannelMap::SRegistration {
@@ -18,20 +20,27 @@ CChannelMap::~CChannelMap()
 }
 
 bool CChannelMap::Create()
-{
+try {
     if (!VYR_ASSERT(!m, "!m")) {
         return false;
     }
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m = new SRegistration{nullptr};
-    if (SChannelMap::refCnt == 0) {
-        SChannelMap::ref = new CChannelMapST;
-        SChannelMap::ref->Create();
+    int count = 0;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard<std::mutex> storeLock(SChannelMap::mutex);
+        auto slot = std::make_unique<SRegistration>(SRegistration{nullptr});
+        if (SChannelMap::refCnt == 0) {
+            auto store = std::make_unique<CChannelMapST>();
+            store->Create();
+            SChannelMap::ref = store.release();
+        }
+        count = static_cast<int>(++SChannelMap::refCnt);
+        m = slot.release();
     }
-    ++SChannelMap::refCnt;
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMap::Create1][%p], m->refCnt[%d]", static_cast<void*>(this),
-            static_cast<int>(SChannelMap::refCnt));
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMap::Create1][%p], m->refCnt[%d]", static_cast<void*>(this), count);
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CChannelMap::Destroy()
@@ -39,31 +48,43 @@ void CChannelMap::Destroy()
     if (!VYR_ASSERT(m, "m")) {
         return;
     }
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m->key) {
-        SChannelMap::ref->RemoveCallback(m->key);
+    int count = -1;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard<std::mutex> storeLock(SChannelMap::mutex);
+        if (SChannelMap::refCnt > 1 || !SChannelMap::ref->Visited()) {
+            if (m->key) {
+                SChannelMap::ref->RemoveCallback(m->key);
+            }
+            count = static_cast<int>(--SChannelMap::refCnt);
+            if (count == 0) {
+                SChannelMap::ref->Destroy();
+                delete SChannelMap::ref;
+                SChannelMap::ref = nullptr;
+            }
+            delete m;
+            m = nullptr;
+        }
     }
-    if (--SChannelMap::refCnt == 0) {
-        SChannelMap::ref->Destroy();
-        delete SChannelMap::ref;
-        SChannelMap::ref = nullptr;
+    // The last handle would pull the store from under a callback.
+    if (VYR_ASSERT(count >= 0, "!m->visited")) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMap::Destroy][%p], m->refCnt[%d]", static_cast<void*>(this), count);
     }
-    delete m;
-    m = nullptr;
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMap::Destroy][%p], m->refCnt[%d]", static_cast<void*>(this),
-            static_cast<int>(SChannelMap::refCnt));
 }
 
 bool CChannelMap::SetCallback(const SCallback* callback)
-{
+try {
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
+    const SCallback* key = callback ? SChannelMap::ref->AddCallback(*callback) : nullptr;
     if (m->key) {
         SChannelMap::ref->RemoveCallback(m->key);
     }
-    m->key = callback ? SChannelMap::ref->AddCallback(*callback) : nullptr;
+    m->key = key;
     return m->key != nullptr;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void* CChannelMap::AddService(void* channel, unsigned char groupId, int serviceId, int majorChannel, int minorChannel,
@@ -129,13 +150,17 @@ bool CChannelMap::GetProtected(void* service, bool* isProtected)
 }
 
 bool CChannelMap::SetSvcInetUrl(void* service, const char* url)
-{
+try {
     return VYR_ASSERT(m, "m") && SChannelMap::ref->SetSvcInetUrl(service, url);
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CChannelMap::GetSvcInetUrl(void* service, std::string& url)
-{
+try {
     return VYR_ASSERT(m, "m") && SChannelMap::ref->GetSvcInetUrl(service, url);
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CChannelMap::SetSvcInetUrlType(void* service, EATSC3UrlType type)
@@ -149,18 +174,24 @@ bool CChannelMap::GetSvcInetUrlType(void* service, EATSC3UrlType* type)
 }
 
 bool CChannelMap::SetGlobalServiceId(void* service, const char* id, int size)
-{
+try {
     return VYR_ASSERT(m, "m") && SChannelMap::ref->SetGlobalServiceId(service, id, size);
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CChannelMap::GetGlobalServiceId(void* service, std::string& id)
-{
+try {
     return VYR_ASSERT(m, "m") && SChannelMap::ref->GetGlobalServiceId(service, id);
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CChannelMap::SetServiceName(void* service, const char* name, int size)
-{
+try {
     return VYR_ASSERT(m, "m") && SChannelMap::ref->SetServiceName(service, name, size);
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CChannelMap::GetServiceName(void* service, unsigned char* buffer, unsigned short& length)
@@ -196,13 +227,17 @@ bool CChannelMap::SetDrmSystemID(void* service, std::string id)
 }
 
 bool CChannelMap::GetDrmSystemID(void* service, std::string& id)
-{
+try {
     return VYR_ASSERT(m, "m") && SChannelMap::ref->GetDrmSystemID(service, id);
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void* CChannelMap::CloneService(void* service)
-{
+try {
     return VYR_ASSERT(m, "m") ? SChannelMap::ref->CloneService(service) : nullptr;
+} catch (...) {
+    return vyr::OutOfMemory<void*>(VYR_HERE);
 }
 
 bool CChannelMap::DeleteClonedService(void* service)

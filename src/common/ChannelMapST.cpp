@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <new>
+#include <unordered_set>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "common/SeededHash.h"
 
 namespace {
@@ -72,6 +75,23 @@ SServiceRecord* Record(void* service)
     return static_cast<SServiceRecord*>(service);
 }
 
+/// The copies outside the store, which outlive it.
+struct SClones {
+    std::mutex mutex;
+    std::unordered_set<void*> records;
+};
+
+SClones& Clones()
+{
+    static SClones& s_clones = *new SClones;  // for whoever holds a copy at the end of the program
+    return s_clones;
+}
+
+/// A registered callback, and which registration of the store it was.
+struct SRegistered : CChannelMap::SCallback {
+    std::uint64_t number;
+};
+
 template <class T>
 void Give(T* out, const T& value)
 {
@@ -84,13 +104,118 @@ void Give(T* out, const T& value)
 
 CChannelMapST* SChannelMap::ref = nullptr;
 unsigned int SChannelMap::refCnt = 0;
+std::mutex SChannelMap::mutex;
 
 struct CChannelMapST::SState {
-    std::vector<SServiceRecord*> list;  // in the order they were added; indices survive changes on the way
+    /// Where a record is in the list, and which record of the store it is: an address may come again.
+    struct SPlace {
+        std::size_t index;
+        std::uint64_t number;
+    };
+
+    std::vector<SServiceRecord*> list;                          // in the order they were added; null: removed since
     std::unordered_map<SKey, SServiceRecord*, SKeyHash> index;  // the oldest record of a key
+    std::unordered_map<const void*, SPlace> places;             // of the records in the list
+    std::uint64_t records = 0;                                  // made so far
     std::set<const CChannelMap::SCallback*, std::less<>> callbacks;
-    std::mutex mutex;
+    std::uint64_t registrations = 0;  // made so far
+    int visits = 0;                   // callers' functions under way, which the indices must survive
+    std::mutex mutex;                 // never held around a caller's function, the log or an assertion
+
+    using TLock = std::lock_guard<std::mutex>;
+
+    bool IsLive(void* service, std::uint64_t number) const
+    {
+        const auto found = places.find(service);
+        return found != places.end() && found->second.number == number;
+    }
+
+    /// Closes the gaps of the list.
+    void Compact()
+    {
+        list.erase(std::remove(list.begin(), list.end(), nullptr), list.end());
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            places.find(list[i])->second.index = i;
+        }
+    }
+
+    /// Runs `step(record)` for a service of the store or a copy, under its lock; anything else is asserted.
+    template <class TStep>
+    bool With(void* service, const vyr::SHere& here, TStep step)
+    {
+        if (service) {
+            {
+                const TLock lock(mutex);
+                if (places.count(service)) {
+                    step(*Record(service));
+                    return true;
+                }
+            }
+            SClones& clones = Clones();
+            const TLock lock(clones.mutex);
+            if (clones.records.count(service)) {
+                step(*Record(service));
+                return true;
+            }
+        }
+        return vyr::AssertFailed(here, "obj");
+    }
+
+    void* Store(const SKey& key, bool broadbandAccessRequired, bool& found, std::uint64_t& number);
 };
+
+/// Keeps the store while a caller's function runs.
+struct CChannelMapST::SVisit {
+    SState& state;
+
+    explicit SVisit(SState& visited) : state(visited)
+    {
+        const SState::TLock lock(state.mutex);
+        ++state.visits;
+    }
+    ~SVisit()
+    {
+        const SState::TLock lock(state.mutex);
+        --state.visits;
+    }
+    SVisit(const SVisit&) = delete;
+    SVisit& operator=(const SVisit&) = delete;
+};
+
+/// Finds a service or adds it; `number` is which of the store's it is.
+void* CChannelMapST::SState::Store(const SKey& key, bool broadbandAccessRequired, bool& found, std::uint64_t& number)
+{
+    const TLock lock(mutex);
+    const auto place = index.try_emplace(key, nullptr).first;
+    SServiceRecord** same = &place->second;
+    // Oldest first. The flag is compared as it stands: SetServiceCategory changes it.
+    while (*same && (*same)->broadbandAccessRequired != broadbandAccessRequired) {
+        same = &(*same)->nextSame;
+    }
+    found = *same != nullptr;
+    if (found) {
+        number = places.find(*same)->second.number;
+        return *same;
+    }
+    try {
+        auto record = std::make_unique<SServiceRecord>(key, broadbandAccessRequired);
+        list.push_back(record.get());
+        try {
+            number = records + 1;
+            places.emplace(record.get(), SPlace{list.size() - 1, number});
+        } catch (...) {
+            list.pop_back();
+            throw;
+        }
+        ++records;
+        return *same = record.release();
+    } catch (...) {
+        if (!place->second) {
+            index.erase(place);
+        }
+        throw;
+    }
+}
 
 CChannelMapST::CChannelMapST() : m(nullptr) {}
 
@@ -104,6 +229,7 @@ bool CChannelMapST::Create()
     if (!VYR_ASSERT(!m, "!m")) {
         return false;
     }
+    Clones();  // made here, where memory may be out
     m = new SState;
     return true;
 }
@@ -117,21 +243,32 @@ void CChannelMapST::Destroy()
         delete record;
     }
     for (const CChannelMap::SCallback* callback : m->callbacks) {
-        delete callback;
+        delete static_cast<const SRegistered*>(callback);
     }
     delete m;
     m = nullptr;
 }
 
+bool CChannelMapST::Visited() const
+{
+    const SState::TLock lock(m->mutex);
+    return m->visits > 0;
+}
+
 const CChannelMap::SCallback* CChannelMapST::AddCallback(const CChannelMap::SCallback& callback)
 {
-    return *m->callbacks.insert(new CChannelMap::SCallback(callback)).first;
+    auto fresh = std::make_unique<SRegistered>(SRegistered{callback, 0});
+    const SState::TLock lock(m->mutex);
+    m->callbacks.insert(fresh.get());
+    fresh->number = ++m->registrations;
+    return fresh.release();
 }
 
 void CChannelMapST::RemoveCallback(const CChannelMap::SCallback* key)
 {
+    const SState::TLock lock(m->mutex);
     if (m->callbacks.erase(key)) {
-        delete key;
+        delete static_cast<const SRegistered*>(key);
     }
 }
 
@@ -141,13 +278,29 @@ void CChannelMapST::t_Notify(ENotify type, void* service)
     if (!VYR_ASSERT(type == NOTIFY_SERVICE_ADDED, "!\"Unknown Noti. Type\"")) {
         return;
     }
-    // Looked up anew after each call: the callback may register or take back callbacks.
-    for (auto it = m->callbacks.begin(); it != m->callbacks.end();) {
-        const CChannelMap::SCallback* key = *it;
-        if (key->fn) {
-            key->fn(key->userData, service);
+    const SVisit visit(*m);
+    std::uint64_t last = 0;
+    const CChannelMap::SCallback* key = nullptr;
+    // Looked up anew for each call: a callback may register or take back callbacks. Those that are new since the
+    // notification began are not told, or one that registers itself anew would be told for ever.
+    for (bool first = true;; first = false) {
+        CChannelMap::SCallback callback{};
+        {
+            const SState::TLock lock(m->mutex);
+            last = first ? m->registrations : last;
+            auto it = first ? m->callbacks.begin() : m->callbacks.upper_bound(key);
+            while (it != m->callbacks.end() && static_cast<const SRegistered*>(*it)->number > last) {
+                ++it;
+            }
+            if (it == m->callbacks.end()) {
+                return;
+            }
+            key = *it;
+            callback = *key;
         }
-        it = m->callbacks.upper_bound(key);
+        if (callback.fn) {
+            callback.fn(callback.userData, service);
+        }
     }
 }
 
@@ -157,37 +310,31 @@ void* CChannelMapST::AddService(void* channel, unsigned char groupId, int servic
 {
     const SKey key{channel,      groupId,       serviceId,      majorChannel,
                    minorChannel, simulcastTsid, simulcastMajor, simulcastMinor};
-    SServiceRecord* record = nullptr;
     bool found = false;
-    {
-        const std::lock_guard<std::mutex> lock(m->mutex);
-        SServiceRecord** same = &m->index[key];
-        // Oldest first. The flag is compared as it stands: SetServiceCategory changes it.
-        while (*same && (*same)->broadbandAccessRequired != broadbandAccessRequired) {
-            same = &(*same)->nextSame;
-        }
-        record = *same;
-        found = record != nullptr;
-        if (!found) {
-            record = new SServiceRecord(key, broadbandAccessRequired);
-            VYR_LOG(LOG_PRIORITY_DEBUG,
-                    "[CChannelMapST::AddService] channel: %p, groupId: %d, service: %p, SID: %d, CN:%d-%d, simulcast "
-                    "TSID:%d CN:%d-%d broadbandAccessRequired: %d",
-                    channel, groupId, static_cast<void*>(record), serviceId, majorChannel, minorChannel, simulcastTsid,
-                    simulcastMajor, simulcastMinor, broadbandAccessRequired);
-            *same = record;
-            m->list.push_back(record);
-        }
+    std::uint64_t number = 0;
+    void* service = nullptr;
+    try {
+        service = m->Store(key, broadbandAccessRequired, found, number);
+    } catch (...) {
+        return vyr::OutOfMemory<void*>(VYR_HERE);
     }
     // Required order: a found service is flagged before its notification, a new one after it.
     if (found) {
         Give(existed, true);
+    } else {
+        VYR_LOG(LOG_PRIORITY_DEBUG,
+                "[CChannelMapST::AddService] channel: %p, groupId: %d, service: %p, SID: %d, CN:%d-%d, simulcast "
+                "TSID:%d CN:%d-%d broadbandAccessRequired: %d",
+                channel, groupId, service, serviceId, majorChannel, minorChannel, simulcastTsid, simulcastMajor,
+                simulcastMinor, broadbandAccessRequired);
     }
-    t_Notify(NOTIFY_SERVICE_ADDED, record);
+    t_Notify(NOTIFY_SERVICE_ADDED, service);
     if (!found) {
         Give(existed, false);
     }
-    return record;
+    // A callback may have removed it.
+    const SState::TLock lock(m->mutex);
+    return m->IsLive(service, number) ? service : nullptr;
 }
 
 bool CChannelMapST::RemoveService(void* service)
@@ -195,22 +342,26 @@ bool CChannelMapST::RemoveService(void* service)
     if (!VYR_ASSERT(service, "obj")) {
         return false;
     }
-    const auto place = std::find(m->list.begin(), m->list.end(), service);
-    if (place == m->list.end()) {
+    const SState::TLock lock(m->mutex);
+    const auto place = m->places.find(service);
+    if (place == m->places.end()) {
         return false;
     }
-    SServiceRecord* record = *place;
-    m->list.erase(place);
+    const std::unique_ptr<SServiceRecord> record(Record(service));
+    m->list[place->second.index] = nullptr;
+    m->places.erase(place);
+    if (m->visits == 0 && m->list.size() > 2 * m->places.size()) {
+        m->Compact();
+    }
     const auto oldest = m->index.find(record->key);
     SServiceRecord** same = &oldest->second;
-    while (*same != record) {
+    while (*same != record.get()) {
         same = &(*same)->nextSame;
     }
     *same = record->nextSame;
     if (!oldest->second) {
         m->index.erase(oldest);
     }
-    delete record;
     return true;
 }
 
@@ -219,93 +370,89 @@ bool CChannelMapST::GetServiceList(void (*fn)(void*, void*), void* userData)
     if (!VYR_ASSERT(fn, "fn")) {
         return false;
     }
-    for (std::size_t i = 0; i < m->list.size(); ++i) {
-        fn(userData, m->list[i]);
+    const SVisit visit(*m);
+    for (std::size_t i = 0;; ++i) {
+        void* service = nullptr;
+        {
+            const SState::TLock lock(m->mutex);
+            if (i >= m->list.size()) {
+                return true;
+            }
+            service = m->list[i];
+        }
+        if (service) {
+            fn(userData, service);
+        }
     }
-    return true;
 }
 
 void* CChannelMapST::Channel(void* service)
 {
-    return VYR_ASSERT(service, "obj") ? Record(service)->key.channel : nullptr;
+    void* channel = nullptr;
+    m->With(service, VYR_HERE, [&](const SServiceRecord& record) { channel = record.key.channel; });
+    return channel;
 }
 
 bool CChannelMapST::GetServiceNumber(void* service, unsigned char* groupId, int* serviceId, int* major, int* minor,
                                      int* simulcastTsid, int* simulcastMajor, int* simulcastMinor)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
-    }
-    const SKey& key = Record(service)->key;
-    Give(groupId, key.groupId);
-    Give(serviceId, key.serviceId);
-    Give(major, key.majorChannel);
-    Give(minor, key.minorChannel);
-    Give(simulcastTsid, key.simulcastTsid);
-    Give(simulcastMajor, key.simulcastMajor);
-    Give(simulcastMinor, key.simulcastMinor);
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) {
+        const SKey& key = record.key;
+        Give(groupId, key.groupId);
+        Give(serviceId, key.serviceId);
+        Give(major, key.majorChannel);
+        Give(minor, key.minorChannel);
+        Give(simulcastTsid, key.simulcastTsid);
+        Give(simulcastMajor, key.simulcastMajor);
+        Give(simulcastMinor, key.simulcastMinor);
+    });
 }
 
 bool CChannelMapST::SetDestination(void* service, unsigned int address, unsigned short port)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
+    if (service) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetDestination] service: %p, address: %d.%d.%d.%d, port: %d",
+                service, address >> 24, address >> 16 & 0xFF, address >> 8 & 0xFF, address & 0xFF, port);
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetDestination] service: %p, address: %d.%d.%d.%d, port: %d", service,
-            address >> 24, address >> 16 & 0xFF, address >> 8 & 0xFF, address & 0xFF, port);
-    Record(service)->destination = address;
-    Record(service)->destinationPort = port;
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) {
+        record.destination = address;
+        record.destinationPort = port;
+    });
 }
 
 bool CChannelMapST::GetDestination(void* service, unsigned int* address, unsigned short* port)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
-    }
-    Give(address, Record(service)->destination);
-    Give(port, Record(service)->destinationPort);
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) {
+        Give(address, record.destination);
+        Give(port, record.destinationPort);
+    });
 }
 
 bool CChannelMapST::SetSource(void* service, unsigned int address)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
+    if (service) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetSource] service: %p, address: %d.%d.%d.%d", service,
+                address >> 24, address >> 16 & 0xFF, address >> 8 & 0xFF, address & 0xFF);
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetSource] service: %p, address: %d.%d.%d.%d", service, address >> 24,
-            address >> 16 & 0xFF, address >> 8 & 0xFF, address & 0xFF);
-    Record(service)->source = address;
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.source = address; });
 }
 
 bool CChannelMapST::GetSource(void* service, unsigned int* address)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
-    }
-    Give(address, Record(service)->source);
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { Give(address, record.source); });
 }
 
 bool CChannelMapST::SetProtected(void* service, bool isProtected)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
+    if (service) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetProtected] service: %p, protected: %d", service, isProtected);
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetProtected] service: %p, protected: %d", service, isProtected);
-    Record(service)->isProtected = isProtected;
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.isProtected = isProtected; });
 }
 
 bool CChannelMapST::GetProtected(void* service, bool* isProtected)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
-    }
-    Give(isProtected, Record(service)->isProtected);
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { Give(isProtected, record.isProtected); });
 }
 
 bool CChannelMapST::SetSvcInetUrl(void* service, const char* url)
@@ -318,36 +465,25 @@ bool CChannelMapST::SetSvcInetUrl(void* service, const char* url)
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetSvcInetUrl] service: %p, url: %s", service, url);
-    Record(service)->svcInetUrl = url;
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.svcInetUrl = url; });
 }
 
 bool CChannelMapST::GetSvcInetUrl(void* service, std::string& url)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
-    }
-    url = Record(service)->svcInetUrl;
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { url = record.svcInetUrl; });
 }
 
 bool CChannelMapST::SetSvcInetUrlType(void* service, EATSC3UrlType type)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
+    if (service) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetSvcInetUrlType] service: %p, type: %d", service, type);
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetSvcInetUrlType] service: %p, type: %d", service, type);
-    Record(service)->svcInetUrlType = type;
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.svcInetUrlType = type; });
 }
 
 bool CChannelMapST::GetSvcInetUrlType(void* service, EATSC3UrlType* type)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
-    }
-    Give(type, Record(service)->svcInetUrlType);
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { Give(type, record.svcInetUrlType); });
 }
 
 bool CChannelMapST::SetGlobalServiceId(void* service, const char* id, int size)
@@ -360,17 +496,13 @@ bool CChannelMapST::SetGlobalServiceId(void* service, const char* id, int size)
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetGlobalServiceId] service: %p, id: %.*s", service, size, id);
-    Record(service)->globalServiceId.assign(id, static_cast<std::size_t>(size));
-    return true;
+    return m->With(service, VYR_HERE,
+                   [&](SServiceRecord& record) { record.globalServiceId.assign(id, static_cast<std::size_t>(size)); });
 }
 
 bool CChannelMapST::GetGlobalServiceId(void* service, std::string& id)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
-    }
-    id = Record(service)->globalServiceId;
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { id = record.globalServiceId; });
 }
 
 bool CChannelMapST::SetServiceName(void* service, const char* name, int size)
@@ -379,8 +511,8 @@ bool CChannelMapST::SetServiceName(void* service, const char* name, int size)
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetServiceName] service: %p, name: %.*s", service, size, name);
-    Record(service)->serviceName.assign(name, static_cast<std::size_t>(size));
-    return true;
+    return m->With(service, VYR_HERE,
+                   [&](SServiceRecord& record) { record.serviceName.assign(name, static_cast<std::size_t>(size)); });
 }
 
 bool CChannelMapST::GetServiceName(void* service, unsigned char* buffer, unsigned short& length)
@@ -388,102 +520,100 @@ bool CChannelMapST::GetServiceName(void* service, unsigned char* buffer, unsigne
     if (!VYR_ASSERT(service, "obj") || !VYR_ASSERT(buffer, "buffer")) {
         return false;
     }
-    const std::string& name = Record(service)->serviceName;
     // Required: the lengths are compared as 16-bit numbers. What is copied is there all the same.
-    const unsigned short size = static_cast<unsigned short>(name.size());
-    if (size >= length) {
+    unsigned short size = 0;
+    bool cut = false;
+    const bool known = m->With(service, VYR_HERE, [&](const SServiceRecord& record) {
+        size = static_cast<unsigned short>(record.serviceName.size());
+        cut = size >= length;
+        length = cut ? length : size;
+        std::copy_n(record.serviceName.begin(), length, buffer);
+    });
+    if (cut) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::GetServiceName] !! ERROR service name is too long length = [%d]",
                 size);
-    } else {
-        length = size;
     }
-    std::copy_n(name.begin(), length, buffer);
-    return true;
+    return known;
 }
 
 bool CChannelMapST::SetServiceCategory(void* service, int category, bool broadbandAccessRequired, bool hidden)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG,
+    if (service) {
+        VYR_LOG(
+            LOG_PRIORITY_DEBUG,
             "[CChannelMapST::SetServiceCategory] service: %p, category: %d, broadbandAccessRequired: %d, hidden: %d",
             service, category, broadbandAccessRequired, hidden);
-    Record(service)->category = category;
-    Record(service)->broadbandAccessRequired = broadbandAccessRequired;
-    Record(service)->hidden = hidden;
-    return true;
+    }
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) {
+        record.category = category;
+        record.broadbandAccessRequired = broadbandAccessRequired;
+        record.hidden = hidden;
+    });
 }
 
 bool CChannelMapST::GetServiceCategory(void* service, int* category, bool* broadbandAccessRequired, bool* hidden)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
-    }
-    Give(category, Record(service)->category);
-    Give(broadbandAccessRequired, Record(service)->broadbandAccessRequired);
-    Give(hidden, Record(service)->hidden);
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) {
+        Give(category, record.category);
+        Give(broadbandAccessRequired, record.broadbandAccessRequired);
+        Give(hidden, record.hidden);
+    });
 }
 
 bool CChannelMapST::SetProtocolType(void* service, EATSC3ProtocolType type)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
+    if (service) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetProtocolType] service: %p, type: %d", service, type);
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetProtocolType] service: %p, type: %d", service, type);
-    Record(service)->protocolType = type;
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.protocolType = type; });
 }
 
 bool CChannelMapST::GetProtocolType(void* service, EATSC3ProtocolType* type)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
-    }
-    Give(type, Record(service)->protocolType);
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { Give(type, record.protocolType); });
 }
 
 bool CChannelMapST::SetDrmSystemID(void* service, std::string id)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
+    if (service) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetDrmSystemID] service: %p, id: %s", service, id.c_str());
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetDrmSystemID] service: %p, id: %s", service, id.c_str());
-    Record(service)->drmSystemId = std::move(id);
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.drmSystemId = std::move(id); });
 }
 
 bool CChannelMapST::GetDrmSystemID(void* service, std::string& id)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
-    }
-    id = Record(service)->drmSystemId;
-    return true;
+    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { id = record.drmSystemId; });
 }
 
 void* CChannelMapST::CloneService(void* service)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return nullptr;
-    }
-    const SServiceRecord* record = Record(service);
-    for (const std::string* text :
-         {&record->globalServiceId, &record->svcInetUrl, &record->serviceName, &record->drmSystemId}) {
-        if (text->size() > k_maxClonedText) {
-            return nullptr;
+    std::unique_ptr<SServiceRecord> clone;
+    m->With(service, VYR_HERE, [&](const SServiceRecord& record) {
+        bool fits = true;
+        for (const std::string* text :
+             {&record.globalServiceId, &record.svcInetUrl, &record.serviceName, &record.drmSystemId}) {
+            fits = fits && text->size() <= k_maxClonedText;
         }
+        clone = fits ? std::make_unique<SServiceRecord>(record) : nullptr;
+    });
+    if (clone) {
+        SClones& clones = Clones();
+        const std::lock_guard<std::mutex> lock(clones.mutex);
+        clones.records.insert(clone.get());
     }
-    return new SServiceRecord(*record);
+    return clone.release();
 }
 
 bool CChannelMapST::DeleteClonedService(void* service)
 {
-    if (!VYR_ASSERT(service, "obj")) {
-        return false;
+    SClones& clones = Clones();
+    {
+        const std::lock_guard<std::mutex> lock(clones.mutex);
+        if (clones.records.erase(service) > 0) {
+            delete Record(service);
+            return true;
+        }
     }
-    delete Record(service);
-    return true;
+    return vyr::AssertFailed(VYR_HERE, "obj");
 }

@@ -9,7 +9,7 @@
 
 #include "common/ChannelMap.h"
 
-/// The process-wide store behind every CChannelMap. AddService alone takes the lock.
+/// The process-wide store behind every CChannelMap. Its lock is never held around a caller's function.
 class CChannelMapST {
   public:
     CChannelMapST();
@@ -19,6 +19,9 @@ class CChannelMapST {
 
     bool Create();
     void Destroy();
+
+    /// Whether a caller's function is under way, which the store must outlive.
+    bool Visited() const;
 
     /// Stores a copy of the record; the result is its key. Notifications go to every copy.
     const CChannelMap::SCallback* AddCallback(const CChannelMap::SCallback& callback);
@@ -58,6 +61,7 @@ class CChannelMapST {
 
   private:
     struct SState;
+    struct SVisit;
     enum ENotify { NOTIFY_SERVICE_ADDED = 0 };
 
     void t_Notify(ENotify type, void* service);
@@ -69,4 +73,5 @@ class CChannelMapST {
 struct SChannelMap {
     static CChannelMapST* ref;
     static unsigned int refCnt;
+    static std::mutex mutex;  ///< of both
 };

@@ -3,8 +3,10 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
+#include <type_traits>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "common/Owned.h"
 #include "common/XmlNode.h"
 
@@ -56,23 +58,39 @@ struct SHandlers {
     SRows handlers;
 };
 
-/// What every such parser's Create shares: the state and the handlers that `addHandlers()` gives it. A state
-/// that is there already is asserted.
-template <class TState, class TAdd>
-bool CreateState(TState*& m, const SHere& here, TAdd addHandlers)
-{
+/// What every Create shares: makes the state. One that is there already is asserted.
+template <class TState>
+bool CreateState(TState*& m, const SHere& here)
+try {
     if (m) {
         return AssertFailed(here, "!m");
     }
     m = new TState;
-    return addHandlers();
+    return true;
+} catch (...) {
+    return OutOfMemory(here);
 }
 
-/// Gives a value to a getter's output; true.
+/// The same of a parser with handlers, which `addHandlers()` gives to the state.
+template <class TState, class TAdd>
+bool CreateState(TState*& m, const SHere& here, TAdd addHandlers)
+{
+    return CreateState(m, here) && addHandlers();
+}
+
+/// Gives a value to a getter's output; false: memory is out, and the output is untouched.
 template <class T, class TOut>
 bool Give(const T& value, TOut& out)
 {
-    out = static_cast<TOut>(value);
+    if constexpr (std::is_trivially_copyable_v<T>) {
+        out = static_cast<TOut>(value);
+    } else {
+        try {
+            out = static_cast<TOut>(value);
+        } catch (...) {
+            return OutOfMemory(VYR_HERE);
+        }
+    }
     return true;
 }
 
@@ -115,7 +133,8 @@ struct SChildSteps {
 
 /// Builds a child parser on the parent's document: new, `create(child)`, `prepare(child)` (hands over
 /// what the child must know; false after logging its own failed step), `parse(child)`. Returns the
-/// child, which the caller owns, or null after logging the failed step and freeing the child.
+/// child, which the caller owns, or null after logging the failed step and freeing the child. A fresh child
+/// cannot be created only when memory is out, which ends the parent's parse.
 template <class TChild, class TCreate, class TPrepare, class TParse>
 std::unique_ptr<TChild, SDestroy> BuildChild(const SChildSteps& steps, const SHere& here, TCreate create,
                                              TPrepare prepare, TParse parse)
@@ -123,7 +142,7 @@ std::unique_ptr<TChild, SDestroy> BuildChild(const SChildSteps& steps, const SHe
     auto fresh = std::make_unique<TChild>();
     if (!create(*fresh)) {
         CheckFailed(here, steps.create);
-        return nullptr;
+        throw std::bad_alloc();
     }
     std::unique_ptr<TChild, SDestroy> child(fresh.release());
     if (!prepare(*child)) {

@@ -1,5 +1,9 @@
 #include "common/Log.h"
 
+#include <stdexcept>
+
+#include "common/OutOfMemory.h"
+
 namespace vyr {
 
 bool CheckFailed(const SHere& here, const char* text)
@@ -17,6 +21,18 @@ bool AssertFailed(const SHere& here, const char* text)
     }
     _TCParserAssert(text, here.file, static_cast<unsigned>(here.line));
     return false;
+}
+
+void HandleOutOfMemory(const SHere& here)
+{
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+    } catch (const std::length_error&) {
+    }
+    if (LogEnabled(LOG_PRIORITY_ERROR)) {
+        Print(LOG_PRIORITY_ERROR, here, "out of memory: %s:%d", here.file, here.line);
+    }
 }
 
 }  // namespace vyr

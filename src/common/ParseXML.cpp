@@ -3,8 +3,24 @@
 #include <climits>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
-XMLBase::XMLBase() : t_compressed(false) {}
+/// Holds the object's document for a parse, and beyond it only if that succeeds.
+struct XMLBase::SKeeper {
+    XMLBase& parser;
+    vyr::CScoped<bool> parsing;
+    bool keep = false;
+
+    explicit SKeeper(XMLBase& p) : parser(p), parsing(p.m_parsing, true, false) {}
+    ~SKeeper()
+    {
+        if (!keep) {
+            parser.XMLBase::Destroy();
+        }
+    }
+};
+
+XMLBase::XMLBase() : t_compressed(false), m_parsing(false) {}
 
 XMLBase::~XMLBase() = default;
 
@@ -21,34 +37,44 @@ bool XMLBase::Parse(const char* buffer, unsigned int length)
 }
 
 bool XMLBase::Parse(const char* buffer, unsigned int length, bool compressed)
-{
+try {
     if (!buffer) {
         return vyr::AssertFailed({vyr::k_source.text, __func__, 20}, "buffer");
     }
+    if (!VYR_ASSERT(!m_parsing, "!m->parsing")) {
+        return false;
+    }
     XMLBase::Destroy();
+    SKeeper document(*this);
     // A length that no document has becomes one that the document refuses.
     const int size = length <= INT_MAX ? static_cast<int>(length) : -1;
     if (!VYR_CHECK(t_xml.Create(buffer, size, compressed), "t_xml.Create(buffer, length, compressed)")) {
         return false;
     }
     void* root = nullptr;
-    if (!VYR_CHECK(t_xml.MoveRoot(&root), "t_xml.MoveRoot(&root)") ||
-        !VYR_CHECK(m_ProcessParse(root), "m_ProcessParse(root)")) {
-        XMLBase::Destroy();
-        return false;
-    }
-    return true;
+    document.keep = VYR_CHECK(t_xml.MoveRoot(&root), "t_xml.MoveRoot(&root)") &&
+                    VYR_CHECK(m_ProcessParse(root), "m_ProcessParse(root)");
+    return document.keep;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool XMLBase::Parse(void* doc, void* root)
+try {
+    return VYR_ASSERT(!m_parsing, "!m->parsing") && m_ParseElement(doc, root);
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
+}
+
+/// Parse of an element, which throws when memory is out.
+bool XMLBase::m_ParseElement(void* doc, void* root)
 {
+    const auto here = [](int line) { return vyr::SHere{vyr::k_source.text, "Parse", line}; };
     XMLBase::Destroy();
-    if (!VYR_CHECK(t_xml.Create(doc), "t_xml.Create(doc)")) {
-        return false;
+    SKeeper document(*this);
+    if (!t_xml.Create(doc)) {
+        return vyr::CheckFailed(here(__LINE__), "t_xml.Create(doc)");
     }
-    if (!VYR_CHECK(m_ProcessParse(root), "m_ProcessParse(root)")) {
-        XMLBase::Destroy();
-        return false;
-    }
-    return true;
+    document.keep = m_ProcessParse(root) || vyr::CheckFailed(here(__LINE__), "m_ProcessParse(root)");
+    return document.keep;
 }

@@ -81,10 +81,11 @@ void CRSAT::sm_CbService(CRSAT* rsat, void* node)
     auto service = std::make_unique<SRSATServiceInfo>();
     ReadBroadcast(*service, node);
     CNodeText::Attribute(node, "validUntil").CopyTo(service->validUntil);
-    m->current = service.get();
-    vyr::DispatchChildren(rsat, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    m->current = nullptr;
-    m->services.Add(service.release());
+    {
+        const vyr::CScoped<SRSATServiceInfo*> current(m->current, service.get(), nullptr);
+        vyr::DispatchChildren(rsat, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    }
+    vyr::Append(m->services, std::move(service));
     VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbService] %d ", m->services.Size());
 }
 
@@ -129,7 +130,9 @@ bool CRSAT::GetServiceInfo(int index, SRSATServiceInfo* info) const
     if (!service || !VYR_ASSERT(info, "info")) {
         return false;
     }
-    *info = *service;
+    if (!vyr::Give(*service, *info)) {
+        return false;
+    }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::GetServiceInfo] update size[%d]", static_cast<int>(info->updates.size()));
     return true;
 }
@@ -146,6 +149,5 @@ bool CRSAT::GetUpdateInfo(int service, int update, SRSATUpdateInfo* info) const
     if (!record || update < 0 || update >= static_cast<int>(record->updates.size()) || !VYR_ASSERT(info, "info")) {
         return false;
     }
-    *info = *std::next(record->updates.begin(), update);
-    return true;
+    return vyr::Give(*std::next(record->updates.begin(), update), *info);
 }

@@ -47,7 +47,7 @@ bool CServiceLinkage::m_ProcessParse(void* root)
     const auto number = [root](const char* name) { return CNodeText::Attribute(root, name).Int(-1); };
     const auto text = [this, root](const char* name) -> const char* {
         bool found = false;
-        char* copy = t_xml.PropStr(root, name, &found);
+        char* copy = vyr::Allocated(t_xml.PropStr(root, name, &found));
         if (!found) {
             delete[] copy;
             copy = nullptr;

@@ -16,6 +16,7 @@
 
 #include "common/Inflate.h"
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "common/XmlNode.h"
 #include "common/XmlScan.h"
 
@@ -170,6 +171,7 @@ TContext NewContext()
 {
     xmlSetGenericErrorFunc(nullptr, XmlError);
     xmlInitParser();
+    xmlResetLastError();
     TContext context(xmlNewParserCtxt());
     if (context) {
         // The defaults of the process leak into these, and options only ever add to them.
@@ -184,6 +186,17 @@ TContext NewContext()
         }
     }
     return context;
+}
+
+/// The document, unless memory was out on the way, as it may be cut then; libxml2 does not tell otherwise.
+xmlDocPtr Whole(xmlDocPtr doc)
+{
+    const auto* error = xmlGetLastError();
+    if (doc && error && error->code == XML_ERR_NO_MEMORY) {
+        xmlFreeDoc(doc);
+        doc = nullptr;
+    }
+    return doc;
 }
 
 }  // namespace
@@ -207,7 +220,7 @@ CNodeText CNodeText::Attribute(void* node, const char* name)
         if (!value->next && value->type == XML_TEXT_NODE && value->content) {
             return {AsText(value->content), false};
         }
-        return {AsText(xmlGetProp(element, AsName(name))), true};
+        return {AsText(Allocated(xmlGetProp(element, AsName(name)))), true};
     }
     if (!element->doc || !element->doc->intSubset) {
         return {nullptr, false};
@@ -229,6 +242,7 @@ CNodeText CNodeText::Content(void* node)
         if (!value->next && value->content && (value->type == XML_TEXT_NODE || value->type == XML_CDATA_SECTION_NODE)) {
             return {AsText(value->content), false};
         }
+        return {AsText(Allocated(xmlNodeGetContent(element))), true};
     }
     return {AsText(xmlNodeGetContent(element)), true};
 }
@@ -317,7 +331,7 @@ CXML::CXML() : m_held{nullptr, false}, m(nullptr) {}
 CXML::~CXML() = default;
 
 bool CXML::Create(const char* buf, int length, bool compressed)
-{
+try {
     if (!VYR_ASSERT(!m, "!m")) {
         return false;
     }
@@ -343,21 +357,25 @@ bool CXML::Create(const char* buf, int length, bool compressed)
     if (const char* reason = vyr::RefusalOf(text, static_cast<std::size_t>(size))) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CXML::Create] refused: %s", reason);
     } else if (const TContext context = NewContext()) {
-        doc = xmlCtxtReadMemory(context.get(), text, size, nullptr, nullptr, XML_PARSE_COMPACT);
+        doc = Whole(xmlCtxtReadMemory(context.get(), text, size, nullptr, nullptr, XML_PARSE_COMPACT));
     }
     return m_Adopt(doc, "m->pdoc = xmlParseMemory((const char*)buf, size)");
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CXML::Create(const char* filename)
-{
+try {
     if (!VYR_ASSERT(!m, "!m")) {
         return false;
     }
     xmlDocPtr doc = nullptr;
     if (const TContext context = NewContext()) {
-        doc = filename ? xmlCtxtReadFile(context.get(), filename, nullptr, XML_PARSE_COMPACT) : nullptr;
+        doc = filename ? Whole(xmlCtxtReadFile(context.get(), filename, nullptr, XML_PARSE_COMPACT)) : nullptr;
     }
     return m_Adopt(doc, "m->pdoc = xmlParseFile((const char*)filename)");
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CXML::Create(TDocPtr docPtr)
@@ -373,16 +391,15 @@ bool CXML::Create(TDocPtr docPtr)
 /// Takes over a parsed document; `text` is the failed step when there is none.
 bool CXML::m_Adopt(void* parsed, const char* text)
 {
-    xmlDocPtr doc = static_cast<xmlDocPtr>(parsed);
-    if (doc && doc->intSubset && doc->intSubset->entities && !CExpansion::WithinLimit(doc)) {
+    std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)> doc(static_cast<xmlDocPtr>(parsed), xmlFreeDoc);
+    if (doc && doc->intSubset && doc->intSubset->entities && !CExpansion::WithinLimit(doc.get())) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CXML::Create] refused: entities expand to more than %zu bytes", k_maxExpansion);
-        xmlFreeDoc(doc);
         doc = nullptr;
     }
     if (!VYR_CHECK(doc, text)) {
         return false;
     }
-    m_held = {doc, true};
+    m_held = {doc.release(), true};
     m = &m_held;
     return true;
 }
@@ -455,12 +472,14 @@ bool CXML::Compare(void* node, const char* name) const
 }
 
 char* CXML::PropStr(void* node, const char* name, bool* found) const
-{
+try {
     return VYR_ASSERT(m, "m") ? HandOut(CNodeText::Attribute(node, name), 1, found) : nullptr;
+} catch (...) {
+    return vyr::OutOfMemory<char*>(VYR_HERE);
 }
 
 bool CXML::PeekPropStr(void* node, const char* name, CStr* out) const
-{
+try {
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(out, "out")) {
         return false;
     }
@@ -474,20 +493,26 @@ bool CXML::PeekPropStr(void* node, const char* name, CStr* out) const
     }
     out->m_str = reinterpret_cast<char*>(value);
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 int CXML::PropInt(void* node, const char* name, bool* found) const
-{
+try {
     return VYR_ASSERT(m, "m") ? static_cast<int>(static_cast<unsigned long long>(Number(node, name, found))) : 0;
+} catch (...) {
+    return vyr::OutOfMemory<int>(VYR_HERE);
 }
 
 long long CXML::PropLLong(void* node, const char* name, bool* found) const
-{
+try {
     return VYR_ASSERT(m, "m") ? Number(node, name, found) : 0;
+} catch (...) {
+    return vyr::OutOfMemory<long long>(VYR_HERE);
 }
 
 bool CXML::PropBool(void* node, const char* name, bool* found) const
-{
+try {
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
@@ -496,11 +521,15 @@ bool CXML::PropBool(void* node, const char* name, bool* found) const
         *found = text.Found();
     }
     return text.Bool();
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 char* CXML::Content(void* node, bool* found) const
-{
+try {
     return VYR_ASSERT(m, "m") ? HandOut(CNodeText::Content(node), 2, found) : nullptr;
+} catch (...) {
+    return vyr::OutOfMemory<char*>(VYR_HERE);
 }
 
 std::string CXML::m_charToStringWithDelete(char* text) const
@@ -510,13 +539,17 @@ std::string CXML::m_charToStringWithDelete(char* text) const
 }
 
 std::string CXML::getStringContent(void* node, bool* found) const
-{
+try {
     return m_charToStringWithDelete(Content(node, found));
+} catch (...) {
+    return vyr::OutOfMemory<std::string>(VYR_HERE);
 }
 
 std::string CXML::getStringProp(void* node, const char* name, bool* found) const
-{
+try {
     return m_charToStringWithDelete(PropStr(node, name, found));
+} catch (...) {
+    return vyr::OutOfMemory<std::string>(VYR_HERE);
 }
 
 char* CXML::Dump(TDocPtr doc, int* size) const
@@ -543,20 +576,21 @@ char* CXML::NodeDump(void* node, int* size) const
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(node, "node")) {
         return nullptr;
     }
-    xmlBufferPtr buffer = xmlBufferCreate();
+    // Not xmlNodeDump, which frees a buffer that it could not let grow, and leaves it to its caller to free again.
+    xmlOutputBufferPtr buffer = xmlAllocOutputBuffer(nullptr);
     if (!buffer) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CXML::NodeDump] xmlBufferCreate fail");
         return nullptr;
     }
-    xmlBufferSetAllocationScheme(buffer, XML_BUFFER_ALLOC_DOUBLEIT);
-    const int length = xmlNodeDump(buffer, nullptr, AsNode(node), 0, 0);
+    xmlNodeDumpOutput(buffer, nullptr, AsNode(node), 0, 0, nullptr);
+    const std::size_t length = xmlOutputBufferGetSize(buffer);
     char* copy = nullptr;
-    if (length > 0) {
-        copy = NewCopy(AsText(xmlBufferContent(buffer)), static_cast<std::size_t>(length));
+    if (buffer->error == 0 && length > 0 && length <= INT_MAX) {
+        copy = NewCopy(AsText(xmlOutputBufferGetContent(buffer)), length);
     }
-    xmlBufferFree(buffer);
+    xmlOutputBufferClose(buffer);
     if (copy && size) {
-        *size = length;
+        *size = static_cast<int>(length);
     }
     return copy;
 }

@@ -27,24 +27,24 @@ bool CreateXmlParser(TState*& m, const char* message, const SHere& here, TAdd ad
 template <class TState>
 bool CreateXmlParser(TState*& m, const char* message, const SHere& here)
 {
-    if (m) {
-        return AssertFailed(here, "!m");
-    }
-    if (LogEnabled(LOG_PRIORITY_DEBUG)) {
+    if (!m && LogEnabled(LOG_PRIORITY_DEBUG)) {
         Print(LOG_PRIORITY_DEBUG, here, "%s", message);
     }
-    m = new TState;
-    return true;
+    return CreateState(m, here);
 }
 
 /// What every Destroy shares: logs `message`, lets go of the state, children that look into the document
-/// among it, and of the document; no state is asserted.
+/// among it, and of the document; no state, and a call inside a callback of the parser, are asserted.
 template <class TState>
 void DestroyXmlParser(XMLBase& parser, TState*& m, const char* message, const SHere& here,
                       ELogPriority priority = LOG_PRIORITY_DEBUG)
 {
     if (!m) {
         AssertFailed(here, "m");
+        return;
+    }
+    if (parser.Parsing()) {
+        AssertFailed(here, "!m->parsing");
         return;
     }
     if (LogEnabled(priority)) {
@@ -66,6 +66,11 @@ bool SetCallback(TState* m, const TCallback* callback, const SHere& here)
     return true;
 }
 
+/// XMLBase::Parse of an element inside the parse of another: memory that is out ends the whole.
+struct SXmlChild {
+    static bool Parse(XMLBase& child, void* document, void* node) { return child.m_ParseElement(document, node); }
+};
+
 /// BuildChild for a child that is an XMLBase: Create(), `prepare(child)`, Parse(document, node).
 template <class TChild, class TPrepare>
 std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, const SChildSteps& steps, const SHere& here,
@@ -73,7 +78,7 @@ std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, cons
 {
     return BuildChild<TChild>(
         steps, here, [](TChild& child) { return child.Create(); }, prepare,
-        [document, node](TChild& child) { return child.Parse(document, node); });
+        [document, node](TChild& child) { return SXmlChild::Parse(child, document, node); });
 }
 
 /// The same for a child that must know nothing beforehand.
@@ -105,8 +110,14 @@ template <class TChild>
 void AddXmlChild(CCPtrArray& children, void* document, void* node, const SChildSteps& steps, const SHere& here)
 {
     if (auto child = BuildXmlChild<TChild>(document, node, steps, here)) {
-        children.Add(child.release());
+        Append(children, std::move(child));
     }
+}
+
+/// Appends a text of an element to a CCPtrArray of texts.
+inline void AddText(CCPtrArray& texts, char* text)
+{
+    Append(texts, std::unique_ptr<char[]>(Allocated(text)));
 }
 
 /// Frees a text of a CCPtrArray of texts; the array's release callback.

@@ -19,7 +19,7 @@ CESGFragmentBase::~CESGFragmentBase()
 }
 
 bool CESGFragmentBase::Create()
-{
+try {
     const vyr::SESGKind& kind = t_Kind();
     if (m) {
         return vyr::AssertFailed(kind.Here(__func__, __LINE__), "!m");
@@ -27,6 +27,8 @@ bool CESGFragmentBase::Create()
     VYR_LOG(LOG_PRIORITY_INFO, "[%s::Create]", kind.className);
     m = static_cast<SESGFragment*>(vyr::CreateState(kind));
     return m != nullptr;
+} catch (...) {
+    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
 }
 
 void CESGFragmentBase::Destroy()
@@ -47,23 +49,29 @@ bool CESGFragmentBase::m_Begin(const char* input, const char* text) const
 }
 
 bool CESGFragmentBase::Parse(const char* buffer, unsigned int length)
-{
+try {
     if (!m_Begin(buffer, "buffer")) {
         return false;
     }
     // A length that no document has becomes one that the document refuses.
     const int size = length <= INT_MAX ? static_cast<int>(length) : -1;
     return m_Process(m->xml.Create(buffer, size, false), "m->xml.Create(buffer, len)");
+} catch (...) {
+    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
 }
 
 bool CESGFragmentBase::Parse(const char* filename)
-{
+try {
     return m_Begin(filename, "filename") && m_Process(m->xml.Create(filename), "m->xml.Create(filename)");
+} catch (...) {
+    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
 }
 
 bool CESGFragmentBase::m_Process(bool created, const char* step)
 {
     const vyr::SESGKind& kind = *m->kind;
+    // All values are copies: a guide of a thousand fragments need not hold a thousand documents.
+    const vyr::SDocumentEnd end{m->xml};
     void* root = nullptr;
     const char* failed = nullptr;
     if (!created) {
@@ -75,10 +83,6 @@ bool CESGFragmentBase::m_Process(bool created, const char* step)
     }
     if (failed) {
         vyr::CheckFailed(kind.Here("Parse", __LINE__), failed);
-    }
-    // All values are copies: a guide of a thousand fragments need not hold a thousand documents.
-    if (m->xml.FlagCreate()) {
-        m->xml.Destroy();
     }
     return !failed;
 }

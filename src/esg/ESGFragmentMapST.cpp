@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 CESGFragmentMapST::CESGFragmentMapST() : m(nullptr) {}
 
@@ -12,12 +13,14 @@ CESGFragmentMapST::~CESGFragmentMapST()
 }
 
 bool CESGFragmentMapST::Create()
-{
+try {
     if (!VYR_ASSERT(!m, "!m")) {
         return false;
     }
     m = new std::vector<std::string>;
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CESGFragmentMapST::Destroy()
@@ -29,12 +32,14 @@ void CESGFragmentMapST::Destroy()
 }
 
 bool CESGFragmentMapST::Add(const char* id)
-{
+try {
     if (!VYR_ASSERT(m, "m") || !id) {
         return false;
     }
     m->emplace_back(id);
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CESGFragmentMapST::Remove(const char* id)

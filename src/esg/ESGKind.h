@@ -183,13 +183,30 @@ void TakeRecord(typename SMember<TMember>::TState* state, void* node)
     TRead(Fresh(state->*TMember), node);
 }
 
+/// Lets go of a document when the parse ends, however it does.
+struct SDocumentEnd {
+    CXML& xml;
+
+    ~SDocumentEnd()
+    {
+        if (xml.FlagCreate()) {
+            xml.Destroy();
+        }
+    }
+};
+
+/// CESGElement::Parse inside the parse of another: memory that is out ends the whole.
+struct SESGChild {
+    static bool Parse(CESGElement& child) { return child.m_Parse(); }
+};
+
 /// An element object made of a child, and parsed; null after logging the failed step.
 template <class TChild>
 TOwned<TChild> BuildElement(void* doc, void* node, const SChildSteps& steps, const SHere& here)
 {
     return BuildChild<TChild>(
         steps, here, [doc, node](TChild& child) { return child.Create(doc, node); }, [](TChild&) { return true; },
-        [](TChild& child) { return child.Parse(); });
+        [](TChild& child) { return SESGChild::Parse(child); });
 }
 
 template <class TChild>

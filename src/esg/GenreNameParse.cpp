@@ -3,13 +3,35 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 
 #include "common/XML.h"
 #include "esg/ESGKind.h"
+#include "esg/GenreNames.h"
 
 using vyr::CNodeText;
 
 std::map<int, std::unique_ptr<char[]>> SGenreNameParse::refMap;
+
+// Held for a look-up or for putting a whole map in place, never around a file, a log line or a caller's code.
+static std::mutex s_mutex;
+
+namespace vyr {
+
+bool GenreNamesKnown()
+{
+    const std::lock_guard<std::mutex> lock(s_mutex);
+    return !SGenreNameParse::refMap.empty();
+}
+
+const char* GenreName(int index)
+{
+    const std::lock_guard<std::mutex> lock(s_mutex);
+    const auto found = SGenreNameParse::refMap.find(index);
+    return found != SGenreNameParse::refMap.end() ? found->second.get() : nullptr;
+}
+
+}  // namespace vyr
 
 struct CGenreNameParse::SState {
     CXML xml;
@@ -31,11 +53,7 @@ CGenreNameParse::~CGenreNameParse()
 
 bool CGenreNameParse::Create()
 {
-    if (!VYR_ASSERT(!m, "!m")) {
-        return false;
-    }
-    m = new SState;
-    return true;
+    return vyr::CreateState(m, VYR_HERE);
 }
 
 void CGenreNameParse::Destroy()
@@ -49,7 +67,7 @@ void CGenreNameParse::Destroy()
 
 bool CGenreNameParse::m_Known() const
 {
-    if (SGenreNameParse::refMap.empty()) {
+    if (!vyr::GenreNamesKnown()) {
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CGenreNameParse::Parse] Genre Map exsits.");
@@ -57,7 +75,7 @@ bool CGenreNameParse::m_Known() const
 }
 
 bool CGenreNameParse::Parse(const char* filePath)
-{
+try {
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(filePath, "filePath")) {
         return false;
     }
@@ -66,10 +84,12 @@ bool CGenreNameParse::Parse(const char* filePath)
     }
     m->Close();
     return m_Parse(m->xml.Create(filePath), "m->xml.Create(filePath)");
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CGenreNameParse::Parse(const char* buffer, unsigned int length)
-{
+try {
     if (!VYR_ASSERT(m, "m") || !VYR_CHECK(buffer, "buffer")) {
         return false;
     }
@@ -80,6 +100,8 @@ bool CGenreNameParse::Parse(const char* buffer, unsigned int length)
     // A length that no document has becomes one that the document refuses.
     const int size = length <= INT_MAX ? static_cast<int>(length) : -1;
     return m_Parse(m->xml.Create(buffer, size, false), "m->xml.Create(buffer, len)");
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CGenreNameParse::m_Parse(bool created, const char* step)
@@ -99,6 +121,7 @@ bool CGenreNameParse::t_Process(void* root)
     if (!scheme) {
         return false;
     }
+    std::map<int, std::unique_ptr<char[]>> names;
     for (void* term = vyr::FirstElement(scheme); term; term = vyr::NextElement(term)) {
         const CNodeText id = CNodeText::Attribute(term, "termID");
         if (std::strncmp(vyr::NodeName(term), "Term", 4) != 0 || !id.HasText()) {
@@ -108,10 +131,15 @@ bool CGenreNameParse::t_Process(void* root)
         if (!name || std::strncmp(vyr::NodeName(name), "Name", 4) != 0) {
             continue;
         }
-        std::unique_ptr<char[]>& entry = SGenreNameParse::refMap[static_cast<int>(std::strtol(id.Text(), nullptr, 10))];
+        std::unique_ptr<char[]>& entry = names[static_cast<int>(std::strtol(id.Text(), nullptr, 10))];
         if (!entry) {
             vyr::ReadContent(name, entry);
         }
+    }
+    // Two threads may have read a file at once: the names of the first stay, and are known to others by then.
+    const std::lock_guard<std::mutex> lock(s_mutex);
+    if (SGenreNameParse::refMap.empty()) {
+        SGenreNameParse::refMap.swap(names);
     }
     return true;
 }

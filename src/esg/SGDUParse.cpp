@@ -4,6 +4,7 @@
 #include <functional>
 #include <utility>
 
+#include "common/ElementHandlers.h"
 #include "common/Inflate.h"
 #include "common/Log.h"
 #include "esg/ESGContentFragment.h"
@@ -19,10 +20,9 @@ CSGDUParse::~CSGDUParse()
 
 bool CSGDUParse::Create()
 {
-    if (!VYR_ASSERT(!m, "!m")) {
+    if (!vyr::CreateState(m, VYR_HERE)) {
         return false;
     }
-    m = new SSGDUParse;
     VYR_LOG(LOG_PRIORITY_INFO, "create SGDU");
     return true;
 }
@@ -55,6 +55,20 @@ bool CSGDUParse::Parse(IParse::SItem* item)
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }
+    const std::size_t heads = m->arrayHead.size();
+    const std::size_t fragments = m->arrayFragment.size();
+    try {
+        return m_Parse(item);
+    } catch (...) {
+        // Half a unit would shift the entries of the next.
+        m->arrayHead.resize(heads);
+        m->arrayFragment.resize(fragments);
+        return vyr::OutOfMemory(VYR_HERE);
+    }
+}
+
+bool CSGDUParse::m_Parse(IParse::SItem* item)
+{
     if (m->compress && !m_ExtractData(item)) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] Extra Data failed ");
         return false;
@@ -171,6 +185,9 @@ static bool PointsInto(const unsigned char* address, const char* block, std::siz
     return begin && !std::less<>()(address, begin) && !std::less<>()(begin + size, address);
 }
 
+/// What an item without bytes points to.
+static const unsigned char k_nothing = 0;
+
 /// Points the item to the inflated unit; false: it does not inflate.
 bool CSGDUParse::m_ExtractData(IParse::SItem* item)
 {
@@ -182,17 +199,14 @@ bool CSGDUParse::m_ExtractData(IParse::SItem* item)
         if (const char* failed = vyr::InflateBySteps(item->buffer, item->size, m->inflateLimit, inflated)) {
             VYR_LOG(LOG_PRIORITY_DEBUG, "%s", failed);
             if (PointsInto(item->buffer, old.get(), oldSize)) {
-                static const unsigned char k_nothing = 0;
                 *item = {&k_nothing, 0, 0, 0, false};
             }
             return false;
         }
-    } else {
-        inflated.data = std::make_unique<char[]>(0);
     }
     m->extracted = std::move(inflated.data);
     m->extractedSize = inflated.size;
-    item->buffer = reinterpret_cast<const unsigned char*>(m->extracted.get());
+    item->buffer = m->extracted ? reinterpret_cast<const unsigned char*>(m->extracted.get()) : &k_nothing;
     item->size = static_cast<unsigned int>(inflated.size);
     // A cursor that counts bits reaches no further.
     item->bitsize = item->size > UINT_MAX / 8 ? UINT_MAX : item->size * 8;

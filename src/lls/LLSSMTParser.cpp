@@ -6,6 +6,7 @@
 
 #include "common/CoreOS/PtrArray.h"
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 namespace {
 
@@ -74,7 +75,7 @@ void CLLSSMTParser::Destroy()
 }
 
 bool CLLSSMTParser::Parse(IParse::SItem* item)
-{
+try {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] parse SMT");
     if (!m) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] does not exist !!!");
@@ -100,7 +101,7 @@ bool CLLSSMTParser::Parse(IParse::SItem* item)
         }
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] SMT ID:%d VER:%d LEN:%d",
                 static_cast<int>(payload->tableId), static_cast<int>(version), static_cast<int>(payload->bytes.length));
-        m->payloads.Add(payload.release());
+        vyr::Append(m->payloads, std::move(payload));
     }
 
     const unsigned int signedLength = item->bitpos / 8 - start;
@@ -129,6 +130,8 @@ bool CLLSSMTParser::Parse(IParse::SItem* item)
     m->signedBlock.data.reset(block);
     m->signedBlock.length = signedLength;
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 int CLLSSMTParser::PayloadCount() const

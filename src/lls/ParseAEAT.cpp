@@ -126,10 +126,12 @@ void CParseAEAT::sm_CbAEA(CParseAEAT* parser, void* node)
     alert->retAEAId = Attribute(node, "retAEAId");
     alert->priority = static_cast<EAEAPriority>(CNodeText::Attribute(node, "priority").Int(0));
     alert->wakeup = CNodeText::Attribute(node, "wakeup").Bool();
-    m->current = alert.get();
-    vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CParseAEAT::sm_CbAEA] %s", VYR_HERE);
-    m->current = nullptr;
-    m->alerts.Add(alert.release());
+    {
+        const vyr::CScoped<SAEAInfo*> current(m->current, alert.get(), nullptr);
+        vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CParseAEAT::sm_CbAEA] %s",
+                              VYR_HERE);
+    }
+    vyr::Append(m->alerts, std::move(alert));
 }
 
 // Elements are handled wherever they stand; without an alert around them they are read and dropped.

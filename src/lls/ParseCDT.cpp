@@ -181,7 +181,9 @@ bool CParseCDT::GetCertReplacement(std::string& nextCert, long long& nextCertFro
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
-    nextCert = m->nextCert;
+    if (!vyr::Give(m->nextCert, nextCert)) {
+        return false;
+    }
     nextCertFrom = m->nextCertFrom;
     currentCertUntil = m->currentCertUntil;
     return true;

@@ -1,6 +1,9 @@
 #include "lls/ParseLLS.h"
 
+#include <tuple>
+
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 namespace {
 
@@ -9,10 +12,11 @@ constexpr unsigned char k_none = 0xFF;
 
 }  // namespace
 
-bool TCParseLLS::m_decompressLLS = true;
+std::atomic<bool> TCParseLLS::m_decompressLLS{true};
 
 TCParseLLS::TCParseLLS()
-    : m_lastTableId(k_none),
+    : t_parsing(false),
+      m_lastTableId(k_none),
       m_lastGroupId(k_none),
       m_lastGroupCountMinus1(k_none),
       m_lastVersion(k_none),
@@ -25,12 +29,17 @@ TCParseLLS::~TCParseLLS() = default;
 
 void TCParseLLS::SetDecompressLLS(bool decompress)
 {
-    m_decompressLLS = decompress;
+    m_decompressLLS.store(decompress, std::memory_order_relaxed);
 }
 
 bool TCParseLLS::t_DecompressLLS() const
 {
-    return m_decompressLLS;
+    return m_decompressLLS.load(std::memory_order_relaxed);
+}
+
+bool TCParseLLS::t_Idle() const
+{
+    return VYR_ASSERT(!t_parsing, "!m->parsing");
 }
 
 void TCParseLLS::SkipCheckVersion(unsigned char tableId, unsigned char groupId, bool skip)
@@ -57,7 +66,7 @@ bool TCParseLLS::m_CheckVersion(unsigned char tableId, unsigned char groupId, un
 
 bool TCParseLLS::Parse(IParse::SItem* item)
 {
-    if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
+    if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer") || !t_Idle()) {
         return false;
     }
     const unsigned int start = item->bitpos / 8;
@@ -73,12 +82,18 @@ bool TCParseLLS::Parse(IParse::SItem* item)
         return false;
     }
     // Required: remembered before the payload is parsed. One that fails is not tried again.
-    m_lastTableId = p[0];
-    m_lastGroupId = p[1];
-    m_lastGroupCountMinus1 = p[2];
-    m_lastVersion = p[3];
+    auto header = std::tie(m_lastTableId, m_lastGroupId, m_lastGroupCountMinus1, m_lastVersion);
+    const auto before = std::make_tuple(m_lastTableId, m_lastGroupId, m_lastGroupCountMinus1, m_lastVersion);
+    header = std::tie(p[0], p[1], p[2], p[3]);
     const unsigned int size = item->size - start - k_headerSize;
     IParse::SItem payload = {p + k_headerSize, size, size * 8, 0, true};
-    t_Parse(&payload);
-    return true;
+    try {
+        const vyr::CScoped<bool> parsing(t_parsing, true, false);
+        t_Parse(&payload);
+        return true;
+    } catch (...) {
+        vyr::HandleOutOfMemory(VYR_HERE);
+        header = before;  // the table is taken when it comes again
+        return false;
+    }
 }

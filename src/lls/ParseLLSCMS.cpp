@@ -3,6 +3,7 @@
 
 #include "common/Inflate.h"
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "lls/ParseLLS.h"
 
 namespace {
@@ -32,7 +33,7 @@ std::string PayloadText(const char* payload, std::size_t size)
 }  // namespace
 
 bool TCParseLLS::CheckCMS(const unsigned char* data, int length, std::string& xml, std::string& cms)
-{
+try {
     if (!VYR_ASSERT(data, "data") || !VYR_ASSERT(length >= static_cast<int>(k_headerSize), "length >= 4")) {
         return false;
     }
@@ -63,4 +64,6 @@ bool TCParseLLS::CheckCMS(const unsigned char* data, int length, std::string& xm
     xml = std::move(text);
     cms = std::move(span);
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }

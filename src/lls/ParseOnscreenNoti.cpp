@@ -112,14 +112,14 @@ bool CParseOnscreenNoti::m_ProcessParseOnscreenNoti(void* root)
 void CParseOnscreenNoti::sm_CbKSC(CParseOnscreenNoti* parser, void* node)
 {
     const auto number = [node](const char* name) { return CNodeText::Attribute(node, name).Int(0); };
-    SKeepScreenClear* entry = new SKeepScreenClear{};
+    auto entry = std::make_unique<SKeepScreenClear>();
     entry->bsid = static_cast<unsigned short>(number("bsid"));
     entry->serviceId = static_cast<unsigned short>(number("serviceId"));
     entry->serviceIdRange = static_cast<unsigned short>(number("serviceIdRange"));
     CNodeText::Attribute(node, "notificationDuration").CopyTo(entry->notificationDuration);
     entry->kscFlag = CNodeText::Attribute(node, "kscFlag").Bool();
     entry->version = static_cast<unsigned char>(number("version"));
-    parser->m->entries.Add(entry);
+    vyr::Append(parser->m->entries, std::move(entry));
 }
 
 void CParseOnscreenNoti::m_DumpKSC() const

@@ -104,7 +104,7 @@ bool CParseRRT::t_CreateCallback()
 
 void CParseRRT::Destroy()
 {
-    if (VYR_ASSERT(m, "m")) {
+    if (VYR_ASSERT(m, "m") && t_Idle()) {
         delete m;
         m = nullptr;
     }
@@ -160,9 +160,10 @@ void CParseRRT::sm_CbRatingRegionTable(CParseRRT* parser, void* node)
     SState* m = parser->m;
     SRegion region;
     region.regionIdentifier = CNodeText::Attribute(node, "regionIdentifier").Int(0);
-    m->region = &region;
-    vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    m->region = nullptr;
+    {
+        const vyr::CScoped<SRegion*> current(m->region, &region, nullptr);
+        vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    }
     m->regions.push_back(std::move(region));
 }
 
@@ -184,9 +185,10 @@ void CParseRRT::sm_CbDimension(CParseRRT* parser, void* node)
     dimension.dimensionLevels = CNodeText::Attribute(node, "dimensionLevels").Int(0);
     const CNodeText graduated = CNodeText::Attribute(node, "dimensionGraduated");
     dimension.dimensionGraduated = graduated.Found() && std::strcmp(graduated.Text(), "true") == 0;
-    m->dimension = &dimension;
-    vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    m->dimension = nullptr;
+    {
+        const vyr::CScoped<SDimension*> current(m->dimension, &dimension, nullptr);
+        vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    }
     region->dimensions.push_back(std::move(dimension));
 }
 
@@ -206,9 +208,10 @@ void CParseRRT::sm_CbRating(CParseRRT* parser, void* node)
     }
     SRating rating;
     rating.ratingValue = CNodeText::Attribute(node, "ratingValue").Int(0);
-    m->rating = &rating;
-    vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    m->rating = nullptr;
+    {
+        const vyr::CScoped<SRating*> current(m->rating, &rating, nullptr);
+        vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    }
     dimension->ratings.push_back(std::move(rating));
 }
 

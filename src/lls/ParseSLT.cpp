@@ -177,7 +177,7 @@ bool CParseSLT::t_CreateCallback()
 
 void CParseSLT::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
+    if (!VYR_ASSERT(m, "m") || !t_Idle()) {
         return;
     }
     m_RemoveSLT();
@@ -209,13 +209,15 @@ bool CParseSLT::Stop()
 }
 
 bool CParseSLT::AddLLSGroupId(unsigned char groupId)
-{
+try {
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
-    m->groupId = groupId;
     m->groupIds.insert(groupId);
+    m->groupId = groupId;
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CParseSLT::SetLenient(bool lenient)
@@ -264,9 +266,7 @@ bool CParseSLT::GetSltInetUrl(int index, std::string& url, EATSC3UrlType& type) 
         return false;
     }
     const auto* record = static_cast<const SParseSLT::SSltInetUrl*>(element);
-    url = record->url;
-    type = static_cast<EATSC3UrlType>(record->urlType);
-    return true;
+    return vyr::Give(record->url, url) && vyr::Give(record->urlType, type);
 }
 
 const SParseSLT::SService* CParseSLT::GetServiceInfo(int index) const
@@ -286,6 +286,7 @@ bool CParseSLT::GetService(void (*fn)(void*, void*, int), void* userData) const
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(fn, "fn")) {
         return false;
     }
+    const vyr::CScoped<bool> parsing(t_parsing, true, t_parsing);
     for (int i = 0; i < m->services.Size(); ++i) {
         fn(userData, m->Service(i)->service, i);
     }
@@ -293,13 +294,17 @@ bool CParseSLT::GetService(void (*fn)(void*, void*, int), void* userData) const
 }
 
 std::set<unsigned char> CParseSLT::GetLLSGroupIDs() const
-{
+try {
     return VYR_ASSERT(m, "m") ? m->groupIds : std::set<unsigned char>();
+} catch (...) {
+    return vyr::OutOfMemory<std::set<unsigned char>>(VYR_HERE);
 }
 
 std::map<unsigned char, int> CParseSLT::GetBsidByLLSGroupID() const
-{
+try {
     return VYR_ASSERT(m, "m") ? m->bsidByGroup : std::map<unsigned char, int>();
+} catch (...) {
+    return vyr::OutOfMemory<std::map<unsigned char, int>>(VYR_HERE);
 }
 
 bool CParseSLT::t_Parse(IParse::SItem* item)
@@ -435,10 +440,11 @@ void CParseSLT::sm_CbService(CParseSLT* parser, void* node)
     }
     service->svcCapabilities = Text(node, "svcCapabilities");
 
-    m->current = service.get();
-    vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    m->current = nullptr;
-    m->services.Add(service.release());
+    {
+        const vyr::CScoped<SService*> current(m->current, service.get(), nullptr);
+        vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    }
+    vyr::Append(m->services, std::move(service));
 }
 
 void CParseSLT::sm_CbSimulcastTSID(CParseSLT* parser, void* node)
@@ -474,7 +480,8 @@ void CParseSLT::sm_CbSltInetUrl(CParseSLT* parser, void* node)
         return;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSltInetUrl] sltUrl[%s], sltUrlType[%d]", url.Text(), type);
-    parser->m->sltInetUrls.Add(new SParseSLT::SSltInetUrl{url.Text(), type});
+    vyr::Append(parser->m->sltInetUrls,
+                std::unique_ptr<SParseSLT::SSltInetUrl>(new SParseSLT::SSltInetUrl{url.Text(), type}));
 }
 
 void CParseSLT::sm_CbSvcInetUrl(CParseSLT* parser, void* node)

@@ -21,11 +21,12 @@ CParseSystemTime::~CParseSystemTime()
 
 bool CParseSystemTime::Create(unsigned char groupId)
 {
-    if (!VYR_ASSERT(!m, "!m")) {
+    if (!m) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::Create]");
+    }
+    if (!vyr::CreateState(m, VYR_HERE)) {
         return false;
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::Create]");
-    m = new SState;
     m->time.groupId = groupId;
     return true;
 }

@@ -31,6 +31,18 @@ bool ParseTableDocument(CXML& xml, IParse::SItem* item, bool compressed, const c
     if (xml.FlagCreate()) {
         xml.Destroy();
     }
+    /// Lets go of the document of a table that failed, or that an exception ended.
+    struct SKeeper {
+        CXML& document;
+        bool keep = false;
+
+        ~SKeeper()
+        {
+            if (!keep && document.FlagCreate()) {
+                document.Destroy();
+            }
+        }
+    } keeper{xml};
     const unsigned int start = item->bitpos / 8;
     const unsigned int length = start <= item->size ? item->size - start : 0;
     // A length that no document has becomes one that the document refuses.
@@ -45,11 +57,8 @@ bool ParseTableDocument(CXML& xml, IParse::SItem* item, bool compressed, const c
     } else if (!process(root)) {
         failed = step;
     }
-    if (failed) {
-        CheckFailed(here, failed);
-        xml.Destroy();
-    }
-    return !failed;
+    keeper.keep = !failed || CheckFailed(here, failed);
+    return keeper.keep;
 }
 
 }  // namespace vyr

@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "common/PlatformFile.h"
 #include "platform/LogRepeats.h"
 
@@ -182,6 +183,8 @@ void SetLogPriority(ELogPriority lowest)
 }
 
 void SetFileRoot(const char* root)
-{
+try {
     FileRoot() = root ? root : "";
+} catch (...) {
+    vyr::HandleOutOfMemory(VYR_HERE);
 }

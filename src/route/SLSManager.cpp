@@ -7,7 +7,9 @@
 #include <memory>
 #include <new>
 
+#include "common/ElementHandlers.h"
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "common/RSAT.h"
 #include "platform/BaseParser.h"
 #include "route/SLS/DeliveryMethod.h"
@@ -148,10 +150,9 @@ CSLSManager::~CSLSManager()
 
 bool CSLSManager::Create(const SCallback* cb)
 {
-    if (!VYR_ASSERT(!m, "!m")) {
+    if (!vyr::CreateState(m, VYR_HERE)) {
         return false;
     }
-    m = new SState;
     if (cb) {
         m->callback = *cb;
     }
@@ -200,9 +201,8 @@ void CSLSManager::Parse(const unsigned char* buffer, unsigned int length, const 
     }
     std::memcpy(copy.get(), buffer, length);
     copy[length] = '\0';
-    m->parsing = true;
+    const vyr::CScoped<bool> parsing(m->parsing, true, false);
     m_Parse(copy.get(), session, skipMpdParse);
-    m->parsing = false;
 }
 
 /// Each search is one pass of the text; each kind of document is looked for once.
@@ -265,7 +265,7 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
 }
 
 void CSLSManager::m_ParseUSBD(const char* buffer, unsigned int size)
-{
+try {
     static constexpr SSteps k_steps = {"m->usbd.Create()", "m->usbd.Parse((const char*)buffer, size)"};
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::m_ParseUSBD]");
     if (!Reparse(m->usbd, buffer, size, k_steps, VYR_HERE)) {
@@ -296,6 +296,8 @@ void CSLSManager::m_ParseUSBD(const char* buffer, unsigned int size)
     if (m->callback.cbUSBDInfo) {
         m->callback.cbUSBDInfo(m->callback.pUserData, &info);
     }
+} catch (...) {
+    vyr::HandleOutOfMemory(VYR_HERE);
 }
 
 void CSLSManager::m_ParseSTSID(const char* buffer, unsigned int size)
@@ -347,6 +349,7 @@ void CSLSManager::m_ParseDirectEFDT(const char* buffer, unsigned int size, const
         return;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::m_ParseDirectEFDT]");
+    m->directEfdtMap.clear();
     const SEFDTInfoCallback cb = {this, sm_CbDirectEFDTInfo};
     const bool parsed = Reparse(m->efdt, buffer, size, k_steps, VYR_HERE, [&cb](CEFDT& efdt) {
         return VYR_CHECK(efdt.SetCallback(&cb), "m->efdt.SetCallback(&cb)");

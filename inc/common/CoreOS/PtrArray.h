@@ -4,7 +4,8 @@
 
 /// Growable array of untyped pointers. It owns its elements only in that it hands each one it drops
 /// to the delete callback. The first four slots lie inside the object; after that it grows by eight
-/// slots at a time. Not thread-safe. Only the growth itself can throw (out of memory).
+/// slots at a time. Not thread-safe. When memory is out, what would grow it gives false and changes
+/// nothing; only a slot count whose size in bytes overflows throws (std::bad_array_new_length).
 class VYR_API CCPtrArray {
   public:
     /// `cbRemove` is called with `context` and each element that is dropped; it may be null.
@@ -14,7 +15,7 @@ class VYR_API CCPtrArray {
     CCPtrArray(const CCPtrArray&) = delete;
     CCPtrArray& operator=(const CCPtrArray&) = delete;
 
-    /// Appends `p`; true.
+    /// Appends `p`; true. False: memory is out.
     bool Add(void* p);
     /// Puts `p` before the slot `index` (0 to the size); true. Another index is asserted: false.
     bool Insert(int index, void* p);
@@ -49,8 +50,8 @@ class VYR_API CCPtrArray {
     static constexpr int k_inlineSlots = 4;
     static constexpr int k_step = 8;
 
-    void m_Move(int capacity);
-    void m_Grow();
+    bool m_Move(int capacity);
+    bool m_Grow();
 
     void** m_slots;
     void* m_inline[k_inlineSlots];

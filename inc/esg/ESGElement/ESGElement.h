@@ -50,7 +50,10 @@ class VYR_API CESGElement {
     const SESGElement* t_State() const { return m; }
 
   private:
+    friend struct vyr::SESGChild;
+
     virtual const vyr::SESGKind& t_Kind() const = 0;
+    bool m_Parse();
     bool m_Process();
 
     SESGElement* m;

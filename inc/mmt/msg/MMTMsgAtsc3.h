@@ -59,7 +59,8 @@ class VYR_API CMMTMsgAtsc3 : public CMMTMsg {
     /// atsc3_message_content_length; after an inflation that succeeded, the inflated length: bytes.
     unsigned int ContentLength() const;
 
-    /// The USBD, filled by content type 1; created with the message and gone with it.
+    /// The USBD, filled by content type 1; created with the message and gone with it. Null, as the next two, and
+    /// the other results 0 or null, when memory was out for the constructor; Parse tries again.
     CMMTUsbd* UserServiceBundleDescription();
     /// The RSAT, filled by content type 11; likewise.
     CRSAT* RSAT();
@@ -72,6 +73,7 @@ class VYR_API CMMTMsgAtsc3 : public CMMTMsg {
   private:
     struct SState;
 
+    bool m_Create();
     bool m_ParseCompressed(SItem* item);
     void m_ParseContent(SItem* item, bool asItStands);
     bool m_CopyContent(SItem* item, bool evenEmpty);

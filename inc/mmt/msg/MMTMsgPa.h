@@ -11,7 +11,8 @@ class VYR_API CMMTMsgPa : public CMMTMsg {
     CMMTMsgPa();
     ~CMMTMsgPa() override;
 
-    /// A table that is unknown or does not parse fails the message; those before it are kept.
+    /// A table that is unknown or does not parse fails the message; those before it are kept. Asserted
+    /// ("!m_visiting"), false and nothing inside a callback of the message: its tables are in use.
     bool Parse(SItem* item) override;
     void Dump() const override;
     /// Processes each table; true.
@@ -32,4 +33,5 @@ class VYR_API CMMTMsgPa : public CMMTMsg {
     struct STableUnit;
 
     CCPtrArray m_arrayTableUnit;
+    bool m_visiting;
 };

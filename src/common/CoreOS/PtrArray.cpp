@@ -4,6 +4,7 @@
 #include <climits>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 CCPtrArray::CCPtrArray(void (*cbRemove)(void*, void*), void* context)
     : m_slots(m_inline),
@@ -24,9 +25,9 @@ CCPtrArray::~CCPtrArray()
     }
 }
 
-/// Moves the slots to a new array of `capacity`, the rest of it null.
-void CCPtrArray::m_Move(int capacity)
-{
+/// Moves the slots to a new array of `capacity`, the rest of it null. False: memory is out.
+bool CCPtrArray::m_Move(int capacity)
+try {
     void** slots = new void*[static_cast<std::size_t>(capacity)];
     std::fill(std::copy(m_slots, m_slots + m_capacity, slots), slots + capacity, nullptr);
     if (m_slots != m_inline) {
@@ -34,18 +35,23 @@ void CCPtrArray::m_Move(int capacity)
     }
     m_slots = slots;
     m_capacity = capacity;
+    return true;
+} catch (const std::bad_array_new_length&) {
+    throw;  // required: a slot count whose size overflows
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
-void CCPtrArray::m_Grow()
+bool CCPtrArray::m_Grow()
 {
-    if (m_size == m_capacity) {
-        m_Move(m_capacity + k_step);
-    }
+    return m_size < m_capacity || m_Move(m_capacity + k_step);
 }
 
 bool CCPtrArray::Add(void* p)
 {
-    m_Grow();
+    if (!m_Grow()) {
+        return false;
+    }
     m_slots[m_size++] = p;
     return true;
 }
@@ -55,7 +61,9 @@ bool CCPtrArray::Insert(int index, void* p)
     if (!VYR_ASSERT(0 <= index && index <= m_size, "0 <= index && index <= m_size")) {
         return false;
     }
-    m_Grow();
+    if (!m_Grow()) {
+        return false;
+    }
     std::copy_backward(m_slots + index, m_slots + m_size, m_slots + m_size + 1);
     m_slots[index] = p;
     ++m_size;
@@ -67,8 +75,8 @@ bool CCPtrArray::Set(int index, void* p)
     if (!VYR_ASSERT(0 <= index && index <= INT_MAX - k_step, "0 <= index")) {
         return false;
     }
-    if (index >= m_capacity) {
-        m_Move((index + k_step) & ~(k_step - 1));
+    if (index >= m_capacity && !m_Move((index + k_step) & ~(k_step - 1))) {
+        return false;
     }
     void* old = m_slots[index];
     if (!old) {

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 namespace {
 
@@ -186,7 +187,7 @@ void CCStringHash::Destroy()
 }
 
 bool CCStringHash::Add(const void* key, const void* data)
-{
+try {
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(key, "key") || !VYR_ASSERT(m->tableSize > 0, "m->tableSize > 0")) {
         return false;
     }
@@ -199,6 +200,8 @@ bool CCStringHash::Add(const void* key, const void* data)
     ++m->size;
     m->cur = entry;
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CCStringHash::Find(const void* key)

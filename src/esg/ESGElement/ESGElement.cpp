@@ -30,7 +30,7 @@ CESGElement::~CESGElement()
 }
 
 bool CESGElement::Create(void* doc, void* node)
-{
+try {
     const vyr::SESGKind& kind = t_Kind();
     const vyr::SHere here = kind.Here(__func__, __LINE__);
     const char* wrong = m ? "!m" : !doc ? "doc" : !node ? "node" : nullptr;
@@ -44,20 +44,30 @@ bool CESGElement::Create(void* doc, void* node)
         m->proot = node;
     }
     return m != nullptr;
+} catch (...) {
+    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
 }
 
 bool CESGElement::Parse()
+try {
+    return m_Parse();
+} catch (...) {
+    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
+}
+
+/// Parse, which throws when memory is out; the object may try again then.
+bool CESGElement::m_Parse()
 {
-    const vyr::SHere here = t_Kind().Here(__func__, __LINE__);
+    const vyr::SHere here = t_Kind().Here("Parse", __LINE__);
     if (!m) {
         return vyr::AssertFailed(here, "m");
     }
     if (!m->xml.Create(m->pdoc)) {
         return vyr::CheckFailed(here, "m->xml.Create((CXML::TDocPtr)m->pdoc)");
     }
+    const vyr::SDocumentEnd end{m->xml};
     const bool processed = m_Process() || vyr::CheckFailed(here, m->kind->process);
     // The owner of the document need not keep it for the values.
-    m->xml.Destroy();
     m->pdoc = nullptr;
     m->proot = nullptr;
     return processed;

@@ -9,6 +9,7 @@
 #include "common/PlatformFile.h"
 #include "esg/ESGKind.h"
 #include "esg/GenreNameParse.h"
+#include "esg/GenreNames.h"
 
 /// Fills the map of names, if it is empty. A file that has none is read again only when it has changed: a
 /// guide has thousands of genres, and each of them asks.
@@ -24,7 +25,7 @@ static void ReadNames()
     static thread_local SFile s_useless{};
     const std::string path = vyr::PlatformFile("/opt/data/genre-cs.xml");
     struct stat about {};
-    const bool exists = SGenreNameParse::refMap.empty() && stat(path.c_str(), &about) == 0;
+    const bool exists = !vyr::GenreNamesKnown() && stat(path.c_str(), &about) == 0;
     const SFile file = {about.st_dev, about.st_ino, about.st_size, about.st_mtim.tv_sec, about.st_mtim.tv_nsec};
     const auto all = [](const SFile& f) { return std::tie(f.device, f.inode, f.size, f.seconds, f.nanoseconds); };
     CGenreNameParse names;
@@ -33,7 +34,7 @@ static void ReadNames()
     }
     names.Parse(path.c_str());
     names.Destroy();
-    if (exists && SGenreNameParse::refMap.empty()) {
+    if (exists && !vyr::GenreNamesKnown()) {
         s_useless = file;
     }
 }
@@ -47,8 +48,7 @@ bool CGenre::t_ProcessGenreName(SGenre& state, void* node)
     const char* colon = std::strrchr(term.Text(), ':');
     state.index = static_cast<int>(std::strtol(colon ? colon + 1 : term.Text(), nullptr, 10));
     ReadNames();
-    const auto found = SGenreNameParse::refMap.find(state.index);
-    state.name = found != SGenreNameParse::refMap.end() ? found->second.get() : nullptr;
+    state.name = vyr::GenreName(state.index);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CGenre::t_ProcessGenreName] Index = [%d], Name = [%s]", state.index,
             state.name ? state.name : "");
     return true;

@@ -100,9 +100,8 @@ void CMMTContentAdvisoryRatings::sm_CbRatingDimVal(CMMTContentAdvisoryRatings* r
     SState* m = ratings->m;
     // One inside another has no meaning.
     if (!m->current) {
-        m->current = &m->values.ratings.emplace_back();
+        const vyr::CScoped<SDimension*> current(m->current, &m->values.ratings.emplace_back(), nullptr);
         vyr::DispatchChildren(ratings, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-        m->current = nullptr;
     }
 }
 

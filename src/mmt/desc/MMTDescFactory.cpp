@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
-#include <string>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "mmt/desc/MMTDescAsp.h"
 #include "mmt/desc/MMTDescCaption.h"
 #include "mmt/desc/MMTDescCri.h"
@@ -41,18 +41,15 @@ void PrintDescriptorRawData(IParse::SItem* item)
     if (size >= 4) {
         size = std::min(size, 4 + Peek16(bytes + 2));
     }
-    std::string line;
-    line.reserve(size * 3);
+    char line[k_most * 3 + 1] = "";
     for (unsigned int i = 0; i < size; ++i) {
-        char text[4];
-        std::snprintf(text, sizeof text, "%02x ", bytes[i]);
-        line += text;
+        std::snprintf(line + std::size_t{3} * i, 4, "%02x ", bytes[i]);
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "RAW: %s", line.c_str());
+    VYR_LOG(LOG_PRIORITY_DEBUG, "RAW: %s", line);
 }
 
 CMMTDesc* CMMTDescFactory::GenerateDesc(IParse::SItem* item)
-{
+try {
     if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return nullptr;
     }
@@ -94,6 +91,8 @@ CMMTDesc* CMMTDescFactory::GenerateDesc(IParse::SItem* item)
     }
     PrintDescriptorRawData(item);
     return nullptr;
+} catch (...) {
+    return vyr::OutOfMemory<CMMTDesc*>(VYR_HERE);
 }
 
 bool CMMTDescFactory::ParseDescriptors(IParse::SItem* item, int length, CCPtrArray* array)

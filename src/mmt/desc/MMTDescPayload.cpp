@@ -1,6 +1,7 @@
 #include "mmt/desc/MMTDescPayload.h"
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 #include "mmt/PayloadReader.h"
 
@@ -14,7 +15,7 @@ bool CMMTDescPayload::t_Takes(unsigned int tag) const
 }
 
 bool CMMTDescPayload::Parse(SItem* item)
-{
+try {
     if (!VYR_ASSERT(item, "item")) {
         return false;
     }
@@ -40,4 +41,6 @@ bool CMMTDescPayload::Parse(SItem* item)
     vyr::CPayloadReader reader(m_raw.Item());
     t_ParsePayload(reader);
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }

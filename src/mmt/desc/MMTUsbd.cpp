@@ -113,7 +113,7 @@ void CMMTUsbd::sm_CbUSD(CMMTUsbd* usbd, void* node)
     values.globalServiceId = nullptr;
     for (const char* name : {"globalServiceID", "globalServiceId"}) {
         if (!values.globalServiceId && CNodeText::Attribute(node, name).Found()) {
-            values.globalServiceId = usbd->t_xml.PropStr(node, name, nullptr);
+            values.globalServiceId = vyr::Allocated(usbd->t_xml.PropStr(node, name, nullptr));
         }
     }
     values.serviceId = static_cast<unsigned short>(CNodeText::Attribute(node, "serviceId").Int(-1));
@@ -139,7 +139,7 @@ void CMMTUsbd::sm_CbSvcLanguage(CMMTUsbd* usbd, void* node)
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTUsbd::sm_CbSvcLanguage] language[%s], size[%zu]", language.Text(),
             std::char_traits<char>::length(language.Text()));
-    usbd->m->values.svcLanguages.Add(usbd->t_xml.Content(node, nullptr));
+    vyr::AddText(usbd->m->values.svcLanguages, usbd->t_xml.Content(node, nullptr));
 }
 
 void CMMTUsbd::sm_CbChannel(CMMTUsbd* root, void* cur)
@@ -313,7 +313,7 @@ int CMMTUsbd::LinkageType() const
 }
 
 bool CMMTUsbd::GetRatingStringTable(std::vector<std::string>& ratings) const
-{
+try {
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
@@ -326,6 +326,8 @@ bool CMMTUsbd::GetRatingStringTable(std::vector<std::string>& ratings) const
         static_cast<CMMTContentAdvisoryRatings*>(parsed.Data(i))->GetContentRatingString(ratings.emplace_back());
     }
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 const CMMTUsbd::SMMTUsbd* CMMTUsbd::State() const

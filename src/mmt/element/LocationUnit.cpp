@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 namespace {
 
@@ -303,9 +304,11 @@ void CLocationUnit5::Dump() const
 }
 
 bool CLocationUnit5::GetUrl(std::string& url) const
-{
+try {
     url.assign(m_url ? m_url.Text() : "", m_url.Length());
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CLocationUnit6::Parse(SItem* item)
@@ -325,9 +328,11 @@ void CLocationUnit6::Dump() const
 }
 
 bool CLocationUnit6::GetPrivateLocationInfo(std::string& info) const
-{
+try {
     info.assign(m_info ? m_info.Text() : "", m_info.Length());
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CLocationUnit7::Parse(SItem* /*item*/)

@@ -4,13 +4,14 @@
 #include <cstdio>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 CMMTElementAssetId::CMMTElementAssetId() : m_assetIdScheme{}, m_assetIdLength(0) {}
 
 CMMTElementAssetId::~CMMTElementAssetId() = default;
 
 bool CMMTElementAssetId::Parse(SItem* item)
-{
+try {
     const unsigned char* scheme = t_Byte(item, 4);
     if (!scheme) {
         return false;
@@ -31,6 +32,8 @@ bool CMMTElementAssetId::Parse(SItem* item)
     }
     Dump();
     return item->valid;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTElementAssetId::Dump() const

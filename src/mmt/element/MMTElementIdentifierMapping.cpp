@@ -1,6 +1,7 @@
 #include "mmt/element/MMTElementIdentifierMapping.h"
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "mmt/IdentifierUnit/IdentifierUnit0.h"
 #include "mmt/IdentifierUnit/IdentifierUnit1.h"
 #include "mmt/IdentifierUnit/IdentifierUnit2.h"
@@ -12,7 +13,7 @@ CMMTElementIdentifierMapping::CMMTElementIdentifierMapping() : m_identifierType(
 CMMTElementIdentifierMapping::~CMMTElementIdentifierMapping() = default;
 
 bool CMMTElementIdentifierMapping::Parse(SItem* item)
-{
+try {
     m_identifier.reset();
     m_identifierType = static_cast<unsigned char>(t_Value(item, 8));
     if (!item || !item->valid) {
@@ -40,6 +41,8 @@ bool CMMTElementIdentifierMapping::Parse(SItem* item)
         return vyr::CheckFailed({vyr::k_source.text, __func__, 43}, "m_identifier->Parse(item)");
     }
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTElementIdentifierMapping::Dump() const

@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ CMMTElementLocation::CMMTElementLocation() : m_locationType(0) {}
 CMMTElementLocation::~CMMTElementLocation() = default;
 
 bool CMMTElementLocation::Parse(SItem* item)
-{
+try {
     m_locationType = t_Value(item, 8);
     if (m_pLocation) {
         vyr::AssertFailed({vyr::k_source.text, __func__, 23}, "!m_pLocation");
@@ -41,6 +42,8 @@ bool CMMTElementLocation::Parse(SItem* item)
         m_pLocation.reset();
     }
     return m_pLocation != nullptr;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTElementLocation::Dump() const

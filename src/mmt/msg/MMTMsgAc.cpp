@@ -1,6 +1,7 @@
 #include "mmt/msg/MMTMsgAc.h"
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "mmt/PayloadReader.h"
 
 CMMTMsgAc::CMMTMsgAc() : CMMTMsgPayload(CLASS_TYPE_AC) {}
@@ -8,7 +9,7 @@ CMMTMsgAc::CMMTMsgAc() : CMMTMsgPayload(CLASS_TYPE_AC) {}
 CMMTMsgAc::~CMMTMsgAc() = default;
 
 bool CMMTMsgAc::Parse(SItem* item)
-{
+try {
     m_entries.clear();
     SItem payload;
     if (!t_ParsePayload(item, 16, "[CMMTMsgAC::Parse] Item size ERROR len[%u], length[%u]", payload)) {
@@ -32,6 +33,8 @@ bool CMMTMsgAc::Parse(SItem* item)
         m_entries.push_back(entry);
     }
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTMsgAc::Dump() const

@@ -26,20 +26,22 @@ struct CMMTMsgAtsc3::SState {
     CMMTUsbd usbd;
     CRSAT rsat;
     CMMTTblSi siTable;
+    bool usbdCreated = false;
+    bool created = false;  ///< all of it
 
     /// In the order in which descriptors are handed out.
     const CCPtrArray* const arrays[5] = {&audioStreamProperties, &videoStreamProperties, &captionAssets,
                                          &securityProperties, &licenseUrls};
 
-    SState()
-    {
-        usbd.Create();
-        rsat.Create();
-    }
+    SState() = default;
     ~SState()
     {
-        rsat.Destroy();
-        usbd.Destroy();
+        if (created) {
+            rsat.Destroy();
+        }
+        if (usbdCreated) {
+            usbd.Destroy();
+        }
     }
     SState(const SState&) = delete;
     SState& operator=(const SState&) = delete;
@@ -47,7 +49,28 @@ struct CMMTMsgAtsc3::SState {
     const char* Text() const { return reinterpret_cast<const char*>(content.get()); }
 };
 
-CMMTMsgAtsc3::CMMTMsgAtsc3() : CMMTMsg(CLASS_TYPE_ATSC3), m(new SState) {}
+CMMTMsgAtsc3::CMMTMsgAtsc3() : CMMTMsg(CLASS_TYPE_ATSC3), m(nullptr)
+{
+    m_Create();
+}
+
+/// Makes the state, once: a constructor cannot say that memory was out, Parse can, and tries again.
+bool CMMTMsgAtsc3::m_Create()
+{
+    if (m) {
+        return true;
+    }
+    std::unique_ptr<SState> state(new (std::nothrow) SState);
+    if (state) {
+        state->usbdCreated = state->usbd.Create();
+        state->created = state->usbdCreated && state->rsat.Create();
+    }
+    if (!state || !state->created) {
+        return VYR_CHECK(false, "m = new SState");
+    }
+    m = state.release();
+    return true;
+}
 
 CMMTMsgAtsc3::~CMMTMsgAtsc3()
 {
@@ -56,7 +79,7 @@ CMMTMsgAtsc3::~CMMTMsgAtsc3()
 
 bool CMMTMsgAtsc3::Parse(SItem* item)
 {
-    if (!t_ParseHeader(item, 32, "[CMMTMsgAtsc3::Parse] Item size ERROR len[%u], length[%u]")) {
+    if (!m_Create() || !t_ParseHeader(item, 32, "[CMMTMsgAtsc3::Parse] Item size ERROR len[%u], length[%u]")) {
         return false;
     }
     m->content.reset();
@@ -164,6 +187,9 @@ void CMMTMsgAtsc3::Dump() const
         return;
     }
     CMMTMsg::Dump();
+    if (!m) {
+        return;
+    }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Dump] service id[%u] content type[%u] version[%u] compression[%u]",
             m->serviceId, m->contentType, m->contentVersion, m->contentCompression);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Dump] URI[%s] content length[%u]", m->uri ? m->uri.Text() : "",
@@ -180,6 +206,9 @@ bool CMMTMsgAtsc3::Process()
 
 bool CMMTMsgAtsc3::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
     for (const CCPtrArray* array : m->arrays) {
         if (!vyr::VisitDescriptors(*array, callback, user)) {
             return false;
@@ -190,7 +219,7 @@ bool CMMTMsgAtsc3::GetDescriptors(void (*callback)(void* user, CMMTDesc* descrip
 
 bool CMMTMsgAtsc3::GetContent(void (*callback)(void* user, unsigned char* data, unsigned int length), void* user) const
 {
-    if (!VYR_ASSERT(callback, "callback")) {
+    if (!VYR_ASSERT(callback, "callback") || !VYR_ASSERT(m, "m")) {
         return false;
     }
     callback(user, m->content.get(), m->contentLength);
@@ -199,53 +228,54 @@ bool CMMTMsgAtsc3::GetContent(void (*callback)(void* user, unsigned char* data, 
 
 unsigned short CMMTMsgAtsc3::ServiceId() const
 {
-    return m->serviceId;
+    return m ? m->serviceId : static_cast<unsigned short>(0);
 }
 
 unsigned short CMMTMsgAtsc3::ContentType() const
 {
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::ContentType] type [%d]", m->contentType);
-    return m->contentType;
+    const unsigned short type = m ? m->contentType : static_cast<unsigned short>(0);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::ContentType] type [%d]", type);
+    return type;
 }
 
 unsigned char CMMTMsgAtsc3::ContentVersion() const
 {
-    return m->contentVersion;
+    return m ? m->contentVersion : static_cast<unsigned char>(0);
 }
 
 unsigned char CMMTMsgAtsc3::ContentCompression() const
 {
-    return m->contentCompression;
+    return m ? m->contentCompression : static_cast<unsigned char>(0);
 }
 
 const char* CMMTMsgAtsc3::Uri() const
 {
-    return m->uri.Text();
+    return m ? m->uri.Text() : nullptr;
 }
 
 unsigned int CMMTMsgAtsc3::ContentLength() const
 {
-    return m->contentLength;
+    return m ? m->contentLength : 0;
 }
 
 CMMTUsbd* CMMTMsgAtsc3::UserServiceBundleDescription()
 {
-    return &m->usbd;
+    return m ? &m->usbd : nullptr;
 }
 
 CRSAT* CMMTMsgAtsc3::RSAT()
 {
-    return &m->rsat;
+    return m ? &m->rsat : nullptr;
 }
 
 CMMTTblSi* CMMTMsgAtsc3::SITable()
 {
-    return &m->siTable;
+    return m ? &m->siTable : nullptr;
 }
 
 bool CMMTMsgAtsc3::GetServiceInfo(char** globalServiceId, unsigned short& serviceId) const
 {
-    if (!VYR_ASSERT(globalServiceId, "globalServiceId")) {
+    if (!VYR_ASSERT(globalServiceId, "globalServiceId") || !VYR_ASSERT(m, "m")) {
         return false;
     }
     *globalServiceId = const_cast<char*>(m->usbd.GlobalServiceId());

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "mmt/msg/MMTMsgAc.h"
 #include "mmt/msg/MMTMsgAdc.h"
 #include "mmt/msg/MMTMsgAtsc3.h"
@@ -40,35 +41,38 @@ void CMMTMsgFactory::InitializeFactory()
         return;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::InitializeFactory] BEGIN");
-    const auto unsupported = [](unsigned short id, const char* name) {
-        m_factories[id] = std::make_unique<MMTMsgFactoryUnsupported>(id, name);
+    // Whole or not at all: one that memory was out for is filled at the next call.
+    decltype(m_factories) factories;
+    const auto unsupported = [&factories](unsigned short id, const char* name) {
+        factories[id] = std::make_unique<MMTMsgFactoryUnsupported>(id, name);
     };
-    m_factories[0x0000] = std::make_unique<MMTMsgFactory<CMMTMsgPa>>();
-    m_factories[0x0001] = std::make_unique<MMTMsgFactory<CMMTMsgMpi>>();
-    m_factories[0x0011] = std::make_unique<MMTMsgFactory<CMMTMsgMpt>>();
-    m_factories[0x0200] = std::make_unique<MMTMsgFactory<CMMTMsgCri>>();
-    m_factories[0x0201] = std::make_unique<MMTMsgFactory<CMMTMsgDci>>();
+    factories[0x0000] = std::make_unique<MMTMsgFactory<CMMTMsgPa>>();
+    factories[0x0001] = std::make_unique<MMTMsgFactory<CMMTMsgMpi>>();
+    factories[0x0011] = std::make_unique<MMTMsgFactory<CMMTMsgMpt>>();
+    factories[0x0200] = std::make_unique<MMTMsgFactory<CMMTMsgCri>>();
+    factories[0x0201] = std::make_unique<MMTMsgFactory<CMMTMsgDci>>();
     unsupported(0x0202, "MMT_MSG_ID_SSWR");
     unsupported(0x0203, "MMT_MSG_ID_AL_FEC");
     unsupported(0x0204, "MMT_MSG_ID_HRBM");
     unsupported(0x0205, "MMT_MSG_ID_MC");
-    m_factories[0x0206] = std::make_unique<MMTMsgFactory<CMMTMsgAc>>();
+    factories[0x0206] = std::make_unique<MMTMsgFactory<CMMTMsgAc>>();
     unsupported(0x0207, "MMT_MSG_ID_AF");
     unsupported(0x0208, "MMT_MSG_ID_RQF");
-    m_factories[0x0209] = std::make_unique<MMTMsgFactory<CMMTMsgAdc>>();
+    factories[0x0209] = std::make_unique<MMTMsgFactory<CMMTMsgAdc>>();
     unsupported(0x020A, "MMT_MSG_ID_HRBM_REMOVAL");
-    m_factories[0x020B] = std::make_unique<MMTMsgFactory<CMMTMsgLs>>();
+    factories[0x020B] = std::make_unique<MMTMsgFactory<CMMTMsgLs>>();
     // Required: the class exists, and its messages are not made here.
     unsupported(0x020C, "MMT_MSG_ID_LR");
     unsupported(0x020D, "MMT_MSG_ID_NAMF");
-    m_factories[0x020E] = std::make_unique<MMTMsgFactory<CMMTMsgLdc>>();
-    m_factories[0x8100] = std::make_unique<MMTMsgFactory<CMMTMsgAtsc3>>();
-    m_factories[0x8101] = std::make_unique<MMTMsgFactory<CMMTMsgSmm>>();
+    factories[0x020E] = std::make_unique<MMTMsgFactory<CMMTMsgLdc>>();
+    factories[0x8100] = std::make_unique<MMTMsgFactory<CMMTMsgAtsc3>>();
+    factories[0x8101] = std::make_unique<MMTMsgFactory<CMMTMsgSmm>>();
+    m_factories.swap(factories);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::InitializeFactory] END");
 }
 
 std::shared_ptr<CMMTMsg> CMMTMsgFactory::CreateMessage(const unsigned char* data, unsigned int length)
-{
+try {
     if (!data) {
         vyr::AssertFailed({vyr::k_source.text, __func__, 77}, "data");
     }
@@ -98,4 +102,6 @@ std::shared_ptr<CMMTMsg> CMMTMsgFactory::CreateMessage(const unsigned char* data
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::CreateMessage] UNSUPPORTED MESSAGE TYPE: 0x%0x !!!", id);
     }
     return nullptr;
+} catch (...) {
+    return vyr::OutOfMemory<std::shared_ptr<CMMTMsg>>(VYR_HERE);
 }

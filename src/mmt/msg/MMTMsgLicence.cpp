@@ -1,5 +1,6 @@
 #include "mmt/msg/MMTMsgLicence.h"
 
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
 CMMTMsgLicence::CMMTMsgLicence(EClassType classType)
@@ -10,7 +11,7 @@ CMMTMsgLicence::CMMTMsgLicence(EClassType classType)
 CMMTMsgLicence::~CMMTMsgLicence() = default;
 
 bool CMMTMsgLicence::t_ParseLicences(SItem* item, const char* format)
-{
+try {
     SItem payload;
     if (!t_ParsePayload(item, 32, format, payload)) {
         return false;
@@ -23,9 +24,11 @@ bool CMMTMsgLicence::t_ParseLicences(SItem* item, const char* format)
         }
         const unsigned int length = t_Value(&payload, 16);
         licence->data.Take(t_AllocAndCopy(&payload, length), length);
-        m_arrayLicence.Add(licence.release());
+        vyr::Append(m_arrayLicence, std::move(licence));
     }
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTMsgLicence::Dump() const

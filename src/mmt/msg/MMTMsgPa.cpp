@@ -1,5 +1,6 @@
 #include "mmt/msg/MMTMsgPa.h"
 
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 #include "mmt/table/MMTTblFactory.h"
 
@@ -10,12 +11,18 @@ struct CMMTMsgPa::STableUnit {
     std::unique_ptr<CMMTTbl> table;
 };
 
-CMMTMsgPa::CMMTMsgPa() : CMMTMsg(CLASS_TYPE_PA), m_arrayTableUnit(vyr::g_CbRemove<STableUnit>, nullptr) {}
+CMMTMsgPa::CMMTMsgPa()
+    : CMMTMsg(CLASS_TYPE_PA), m_arrayTableUnit(vyr::g_CbRemove<STableUnit>, nullptr), m_visiting(false)
+{
+}
 
 CMMTMsgPa::~CMMTMsgPa() = default;
 
 bool CMMTMsgPa::Parse(SItem* item)
-{
+try {
+    if (!VYR_ASSERT(!m_visiting, "!m_visiting")) {
+        return false;
+    }
     m_arrayTableUnit.RemoveAll();
     if (!t_ParseHeader(item, 32, "[CMMTMsgPa::Parse] Item size ERROR len[%u], length[%u]")) {
         return false;
@@ -26,10 +33,10 @@ bool CMMTMsgPa::Parse(SItem* item)
         unit->tableId = static_cast<unsigned char>(t_Value(item, 8));
         unit->version = static_cast<unsigned char>(t_Value(item, 8));
         unit->length = static_cast<unsigned short>(t_Value(item, 16));
-        if (!item->valid || !m_arrayTableUnit.Add(unit.get())) {
+        if (!item->valid) {
             return false;
         }
-        unit.release();
+        vyr::Append(m_arrayTableUnit, std::move(unit));
     }
     for (int i = 0; i < TableCount(); ++i) {
         auto* p_unit = vyr::ElementAt<STableUnit>(m_arrayTableUnit, i);
@@ -48,6 +55,8 @@ bool CMMTMsgPa::Parse(SItem* item)
         p_unit->table = std::move(p_tbl);
     }
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTMsgPa::Dump() const
@@ -65,6 +74,7 @@ void CMMTMsgPa::Dump() const
 
 bool CMMTMsgPa::Process()
 {
+    const vyr::CScoped<bool> visiting(m_visiting, true, m_visiting);
     for (int i = 0; i < TableCount(); ++i) {
         if (CMMTTbl* table = Table(i)) {
             table->Process();
@@ -75,6 +85,7 @@ bool CMMTMsgPa::Process()
 
 bool CMMTMsgPa::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
+    const vyr::CScoped<bool> visiting(m_visiting, true, m_visiting);
     for (int i = 0; i < TableCount(); ++i) {
         const auto* p_unit = vyr::ElementAt<STableUnit>(m_arrayTableUnit, i);
         if (!p_unit) {

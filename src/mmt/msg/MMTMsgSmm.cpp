@@ -1,6 +1,7 @@
 #include "mmt/msg/MMTMsgSmm.h"
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "mmt/PayloadReader.h"
 #include "mmt/msg/MMTMsgFactory.h"
 
@@ -9,7 +10,7 @@ CMMTMsgSmm::CMMTMsgSmm() : CMMTMsgPayload(CLASS_TYPE_SMM), m_serviceId(0), m_dep
 CMMTMsgSmm::~CMMTMsgSmm() = default;
 
 bool CMMTMsgSmm::Parse(SItem* item)
-{
+try {
     m_message.reset();
     m_messageData = m_signedBlock = m_signature = {};
     SItem payload;
@@ -27,6 +28,8 @@ bool CMMTMsgSmm::Parse(SItem* item)
     m_signature = reader.View(reader.Value(16));
     m_ParseMessage();
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTMsgSmm::m_ParseMessage()
@@ -60,13 +63,15 @@ void CMMTMsgSmm::Dump() const
 
 bool CMMTMsgSmm::Process()
 {
-    if (m_message) {
-        m_message->Process();
+    if (const std::shared_ptr<CMMTMsg> message = m_message) {
+        message->Process();
     }
     return true;
 }
 
 bool CMMTMsgSmm::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
-    return !m_message || m_message->GetDescriptors(callback, user);
+    // A callback may parse this message anew.
+    const std::shared_ptr<CMMTMsg> message = m_message;
+    return !message || message->GetDescriptors(callback, user);
 }

@@ -1,5 +1,6 @@
 #include "mmt/table/MMTTblCri.h"
 
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
 CMMTTblCri::CMMTTblCri() : CMMTTblPayload(CLASS_TYPE_CRI), m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr) {}
@@ -7,7 +8,7 @@ CMMTTblCri::CMMTTblCri() : CMMTTblPayload(CLASS_TYPE_CRI), m_arrayDescriptor(vyr
 CMMTTblCri::~CMMTTblCri() = default;
 
 bool CMMTTblCri::Parse(SItem* item)
-{
+try {
     SItem payload;
     if (!t_ParsePayload(item, "[CMMTTblCri::Parse] ERROR", payload)) {
         return false;
@@ -20,15 +21,17 @@ bool CMMTTblCri::Parse(SItem* item)
             item->valid = payload.valid;
             break;
         }
-        m_arrayDescriptor.Add(descriptor.get());
         // A clock relation descriptor of several units leaves its body unread.
-        const unsigned int next = begin + (4 + descriptor.release()->Length()) * 8;
+        const unsigned int next = begin + (4 + descriptor->Length()) * 8;
+        vyr::Append(m_arrayDescriptor, std::move(descriptor));
         if (next > payload.bitsize) {
             break;
         }
         payload.bitpos = next;
     }
     return item->valid;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTTblCri::Dump() const

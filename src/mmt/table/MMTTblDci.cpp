@@ -1,5 +1,6 @@
 #include "mmt/table/MMTTblDci.h"
 
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 #include "mmt/PayloadReader.h"
 
@@ -8,7 +9,7 @@ CMMTTblDci::CMMTTblDci() : CMMTTblPayload(CLASS_TYPE_DCI), m_arrayAsset(vyr::g_C
 CMMTTblDci::~CMMTTblDci() = default;
 
 bool CMMTTblDci::Parse(SItem* item)
-{
+try {
     SItem payload;
     if (!t_ParsePayload(item, "[CMMTTblDci::Parse] ERROR", payload)) {
         return false;
@@ -21,7 +22,7 @@ bool CMMTTblDci::Parse(SItem* item)
             break;
         }
         SAsset& a = *asset;
-        m_arrayAsset.Add(asset.release());
+        vyr::Append(m_arrayAsset, std::move(asset));
         reader.Value(7);
         reader.Field(1, a.codecComplexityFlag);
         const bool video = a.mimeType.IsVideo();
@@ -39,6 +40,8 @@ bool CMMTTblDci::Parse(SItem* item)
         }
     }
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTTblDci::Dump() const

@@ -1,6 +1,7 @@
 #include "mmt/table/MMTTblFactory.h"
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 #include "mmt/table/MMTTblCri.h"
 #include "mmt/table/MMTTblDci.h"
@@ -10,7 +11,7 @@
 #include "mmt/table/MMTTblSi.h"
 
 CMMTTbl* CMMTTblFactory::GenerateTbl(IParse::SItem* item)
-{
+try {
     if (!item) {
         vyr::AssertFailed({vyr::k_source.text, __func__, 24}, "item");
         return nullptr;
@@ -39,4 +40,6 @@ CMMTTbl* CMMTTblFactory::GenerateTbl(IParse::SItem* item)
             VYR_LOG(LOG_PRIORITY_DEBUG, "invalid table id[0x%x]", id);
             return nullptr;
     }
+} catch (...) {
+    return vyr::OutOfMemory<CMMTTbl*>(VYR_HERE);
 }

@@ -1,5 +1,6 @@
 #include "mmt/table/MMTTblMp.h"
 
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
 CMMTTblMp::CMMTTblMp()
@@ -14,7 +15,7 @@ CMMTTblMp::CMMTTblMp()
 CMMTTblMp::~CMMTTblMp() = default;
 
 bool CMMTTblMp::Parse(SItem* item)
-{
+try {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse]");
     if (!t_ParseHeader(item, "[CMMTTblMp::Parse] ERROR")) {
         return false;
@@ -40,6 +41,8 @@ bool CMMTTblMp::Parse(SItem* item)
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] assetNum = %d", static_cast<int>(assets));
     return vyr::ParseElements<CMMTTblMpAsset>(item, assets, m_arrayAsset, {vyr::k_source.text, __func__, 84},
                                               "p_asset->Parse(item)", "m_arrayAsset.Add(p_asset)");
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTTblMp::Dump() const

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
 CMMTTblMpAsset::CMMTTblMpAsset()
@@ -20,7 +21,7 @@ CMMTTblMpAsset::CMMTTblMpAsset()
 CMMTTblMpAsset::~CMMTTblMpAsset() = default;
 
 bool CMMTTblMpAsset::Parse(SItem* item)
-{
+try {
     if (!m_identifier.Parse(item)) {
         return false;
     }
@@ -52,6 +53,8 @@ bool CMMTTblMpAsset::Parse(SItem* item)
     }
     Dump();
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTTblMpAsset::Dump() const

@@ -1,5 +1,6 @@
 #include "mmt/table/MMTTblMpi.h"
 
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
 CMMTTblMpi::CMMTTblMpi()
@@ -15,7 +16,7 @@ CMMTTblMpi::CMMTTblMpi()
 CMMTTblMpi::~CMMTTblMpi() = default;
 
 bool CMMTTblMpi::Parse(SItem* item)
-{
+try {
     if (!t_ParseHeader(item, "[CMMTTblMpi::Parse] ERROR")) {
         return false;
     }
@@ -35,6 +36,8 @@ bool CMMTTblMpi::Parse(SItem* item)
     return item->valid &&
            vyr::ParseElements<CMMTTblMpiContent>(item, contents, m_arrayPiContent, {vyr::k_source.text, __func__, 71},
                                                  "p_content->Parse(item)", "m_arrayPiContent.Add(p_content)");
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTTblMpi::Dump() const

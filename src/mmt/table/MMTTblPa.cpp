@@ -1,5 +1,6 @@
 #include "mmt/table/MMTTblPa.h"
 
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
 CMMTTblPa::CMMTTblPa()
@@ -14,7 +15,7 @@ CMMTTblPa::CMMTTblPa()
 CMMTTblPa::~CMMTTblPa() = default;
 
 bool CMMTTblPa::Parse(SItem* item)
-{
+try {
     if (!t_ParseHeader(item, "[CMMTTblPa::Parse] ERROR")) {
         if (item) {
             item->valid = false;
@@ -29,6 +30,8 @@ bool CMMTTblPa::Parse(SItem* item)
     m_reserved = static_cast<unsigned char>(t_Value(item, 7));
     m_privateFlag = static_cast<unsigned char>(t_Value(item, 1));
     return item->valid;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTTblPa::Dump() const

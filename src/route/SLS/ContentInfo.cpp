@@ -75,8 +75,10 @@ bool CContentInfo::GetContentId(std::string& out) const
 }
 
 std::string CContentInfo::GetAEAId() const
-{
+try {
     return VYR_ASSERT(m, "m") ? m->values.aeaId : std::string();
+} catch (...) {
+    return vyr::OutOfMemory<std::string>(VYR_HERE);
 }
 
 int CContentInfo::NumberOfContentRating() const

@@ -62,7 +62,8 @@ void CDeliveryMethod::sm_CbBroadcastAppSvc(CDeliveryMethod* method, void* cur)
     static constexpr vyr::SChildSteps k_steps = {"broadcastAppSvc->Create()",
                                                  "broadcastAppSvc->Parse(root->t_xml.Doc(), cur)"};
     if (auto service = vyr::BuildXmlChild<CBroadcastAppSvc>(method->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
-        method->m->values.broadcastAppSvcs.push_back(service.release());
+        method->m->values.broadcastAppSvcs.push_back(service.get());
+        service.release();
     }
 }
 
@@ -71,6 +72,7 @@ void CDeliveryMethod::sm_CbUnicastAppSvc(CDeliveryMethod* method, void* cur)
     static constexpr vyr::SChildSteps k_steps = {"unicastAppSvc->Create()",
                                                  "unicastAppSvc->Parse(root->t_xml.Doc(), cur)"};
     if (auto service = vyr::BuildXmlChild<CUnicastAppSvc>(method->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
-        method->m->values.unicastAppSvcs.push_back(service.release());
+        method->m->values.unicastAppSvcs.push_back(service.get());
+        service.release();
     }
 }

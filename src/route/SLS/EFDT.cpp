@@ -110,7 +110,7 @@ bool CEFDT::m_ProcessParse(void* root)
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] Parse EFDT START !!!");
     info->tsi = number("tsi");
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] tsi[%d]", static_cast<int>(info->tsi));
-    info->idRef = t_xml.PropStr(root, "idRef", nullptr);
+    info->idRef = vyr::Allocated(t_xml.PropStr(root, "idRef", nullptr));
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] idRef[%s]", info->idRef ? info->idRef : "");
     info->version = number("version");
     info->maxExpiresDelta = number("maxExpiresDelta");
@@ -131,8 +131,9 @@ bool CEFDT::m_ProcessParse(void* root)
 void CEFDT::sm_CbFDTParameters(CEFDT* efdt, void* node)
 {
     SEFDTInfo& info = *efdt->m->info;
+    auto global = std::make_unique<SFDTGlobal>();
     delete info.fdtGlobal;
-    info.fdtGlobal = new SFDTGlobal;
+    info.fdtGlobal = global.release();
     efdt->m_OnFDTParameters(node);
 }
 
@@ -140,7 +141,7 @@ void CEFDT::m_OnFDTParameters(void* node)
 {
     SFDTGlobal& global = *m->info->fdtGlobal;
     const auto text = [this, node](const char* name) -> char* {
-        return CNodeText::Attribute(node, name).Found() ? t_xml.PropStr(node, name, nullptr) : nullptr;
+        return CNodeText::Attribute(node, name).Found() ? vyr::Allocated(t_xml.PropStr(node, name, nullptr)) : nullptr;
     };
     global.expires = CNodeText::Attribute(node, "Expires").LLong(-1);
     global.contentType = text("Content-Type");
@@ -200,12 +201,13 @@ void CEFDT::sm_CbFile(CEFDT* efdt, void* node)
     const bool encoded = CNodeText::Attribute(node, "Content-Encoding").CopyTo(file->contentEncoding);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] contentEncoding = [%s], exist = %d", file->contentEncoding.c_str(),
             encoded);
-    global->files.Add(file.release());
+    vyr::Append(global->files, std::move(file));
 }
 
 void CEFDT::sm_CbFileTemplate(CEFDT* efdt, void* node)
 {
     SEFDTInfo& info = *efdt->m->info;
+    char* text = vyr::Allocated(efdt->t_xml.Content(node, nullptr));
     delete[] info.fileTemplate;
-    info.fileTemplate = efdt->t_xml.Content(node, nullptr);
+    info.fileTemplate = text;
 }

@@ -74,7 +74,7 @@ void CLS::sm_CbSrcFlow(CLS* ls, void* cur)
         return VYR_CHECK(fresh.SetCallback(&cb), "srcFlow->SetCallback(&cb)");
     });
     if (srcFlow) {
-        ls->m->values.srcFlows.Add(srcFlow.release());
+        vyr::Append(ls->m->values.srcFlows, std::move(srcFlow));
     }
 }
 
@@ -111,9 +111,11 @@ bool CLS::GetContentId(std::string& out) const
 }
 
 std::string CLS::GetAEAId() const
-{
+try {
     const CSrcFlow* srcFlow = m_SrcFlow();
     return srcFlow ? srcFlow->GetAEAId() : std::string();
+} catch (...) {
+    return vyr::OutOfMemory<std::string>(VYR_HERE);
 }
 
 bool CLS::GetRT() const

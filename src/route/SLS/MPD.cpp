@@ -12,19 +12,6 @@ using vyr::CNodeText;
 
 namespace {
 
-/// Sets a pointer for the life of the object.
-template <class T>
-class CCurrent {
-  public:
-    CCurrent(T*& pointer, T* value) : m_pointer(pointer) { m_pointer = value; }
-    ~CCurrent() { m_pointer = nullptr; }
-    CCurrent(const CCurrent&) = delete;
-    CCurrent& operator=(const CCurrent&) = delete;
-
-  private:
-    T*& m_pointer;
-};
-
 long long Number(void* node, const char* name)
 {
     const long long value = CNodeText::Attribute(node, name).LLong(-1);
@@ -271,7 +258,7 @@ SMPDInfo* CMPD::GetMPDInfo() const
 
 bool CMPD::Parse(const char* buffer, unsigned int length, bool compressed)
 {
-    if (m) {
+    if (m && !Parsing()) {
         m->Clear();
     }
     return XMLBase::Parse(buffer, length, compressed);
@@ -287,6 +274,18 @@ bool CMPD::m_ProcessParse(void* root)
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMPD::m_ProcessParseMPD] the root is %s", vyr::NodeName(root));
         return false;
     }
+    /// A parse that an exception ends leaves no record.
+    struct SRecordEnd {
+        SState* state;
+        bool keep = false;
+
+        ~SRecordEnd()
+        {
+            if (!keep) {
+                state->Clear();
+            }
+        }
+    } record{m};
     m->info = std::make_unique<SMPDInfo>();
     m->ReadMpd(root);
     m->Walk(root);
@@ -299,6 +298,7 @@ bool CMPD::m_ProcessParse(void* root)
     if (m->callback.ratingInfo) {
         m->callback.ratingInfo(m->callback.context, m->ratings);
     }
+    record.keep = true;
     return true;
 }
 
@@ -369,7 +369,7 @@ void CMPD::SState::sm_CbPeriod(SState* m, void* node)
     period.id = m->Keep(node, "id");
     period.start = Seconds(node, "start", vyr::ReadDuration);
     period.duration = Seconds(node, "duration", vyr::ReadDuration);
-    const CCurrent<SMPDPeriod> current(m->period, &period);
+    const vyr::CScoped<SMPDPeriod*> current(m->period, &period, nullptr);
     m->Walk(node);
 }
 
@@ -410,7 +410,7 @@ void CMPD::SState::sm_CbAdaptationSet(SState* m, void* node)
     set.minFrameRate = m->Keep(node, "minFrameRate");
     set.maxFrameRate = m->Keep(node, "maxFrameRate");
     set.segmentAlignment = m->Keep(node, "segmentAlignment");
-    const CCurrent<SMPDAdaptationSet> current(m->set, &set);
+    const vyr::CScoped<SMPDAdaptationSet*> current(m->set, &set, nullptr);
     m->Walk(node);
 }
 
@@ -425,7 +425,7 @@ void CMPD::SState::sm_CbRepresentation(SState* m, void* node)
     representation.bandwidth = Number(node, "bandwidth");
     representation.qualityRanking = Number(node, "qualityRanking");
     representation.dependencyId = m->Keep(node, "dependencyId");
-    const CCurrent<SMPDRepresentation> current(m->representation, &representation);
+    const vyr::CScoped<SMPDRepresentation*> current(m->representation, &representation, nullptr);
     m->Walk(node);
 }
 
@@ -439,7 +439,7 @@ void CMPD::SState::sm_CbPreselection(SState* m, void* node)
     preselection.preselectionComponents = m->Keep(node, "preselectionComponents");
     preselection.lang = m->Keep(node, "lang");
     preselection.order = m->Keep(node, "order");
-    const CCurrent<SMPDPreselection> current(m->preselection, &preselection);
+    const vyr::CScoped<SMPDPreselection*> current(m->preselection, &preselection, nullptr);
     m->Walk(node);
 }
 
@@ -457,7 +457,7 @@ void CMPD::SState::ReadSegments(void* node, SMPDSegments& values)
     values.duration = Number(node, "duration");
     values.startNumber = Number(node, "startNumber");
     values.presentationTimeOffset = Number(node, "presentationTimeOffset");
-    const CCurrent<SMPDSegments> current(segments, &values);
+    const vyr::CScoped<SMPDSegments*> current(segments, &values, nullptr);
     Walk(node);
 }
 
@@ -481,8 +481,8 @@ void CMPD::SState::sm_CbSegmentList(SState* m, void* node)
     }
     const auto list = std::make_shared<SMPDSegmentList>();
     const auto urls = std::make_shared<std::vector<SMPDSegmentURL>>();
-    const CCurrent<SMPDSegmentList> currentList(m->list, list.get());
-    const CCurrent<std::vector<SMPDSegmentURL>> currentUrls(m->urls, urls.get());
+    const vyr::CScoped<SMPDSegmentList*> currentList(m->list, list.get(), nullptr);
+    const vyr::CScoped<std::vector<SMPDSegmentURL>*> currentUrls(m->urls, urls.get(), nullptr);
     m->ReadSegments(node, *list);
     if (!urls->empty()) {
         list->urls = urls;
@@ -518,7 +518,7 @@ void CMPD::SState::sm_CbSegmentTimeline(SState* m, void* node)
     }
     const auto timeline = std::make_shared<std::vector<SMPDSegment>>();
     m->nextStart = 0;
-    const CCurrent<std::vector<SMPDSegment>> current(m->timeline, timeline.get());
+    const vyr::CScoped<std::vector<SMPDSegment>*> current(m->timeline, timeline.get(), nullptr);
     m->Walk(node);
     m->segments->timeline = timeline;
 }
@@ -568,7 +568,7 @@ void CMPD::SState::sm_CbContentProtection(SState* m, void* node)
     if (!protection.defaultKid) {
         protection.defaultKid = m->Keep(node, "cenc:default_KID");
     }
-    const CCurrent<SMPDContentProtection> current(m->protection, &protection);
+    const vyr::CScoped<SMPDContentProtection*> current(m->protection, &protection, nullptr);
     m->Walk(node);
 }
 

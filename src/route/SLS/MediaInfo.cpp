@@ -102,7 +102,9 @@ bool CMediaInfo::GetContentRating(int index, std::string& out) const
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMediaInfo::GetContentRating] ContentRating index:%d not found.", index);
         return false;
     }
-    static_cast<const CContentRating*>(rating)->GetContentRating(out);
+    if (!static_cast<const CContentRating*>(rating)->GetContentRating(out)) {
+        return false;
+    }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMediaInfo::GetContentRating] index:%d, str:%s", index, out.c_str());
     return true;
 }

@@ -85,7 +85,7 @@ void CROUTEUsbd::sm_CbUSD(CROUTEUsbd* usbd, void* node)
     values.globalServiceId = nullptr;
     for (const char* name : {"globalServiceID", "globalServiceId"}) {
         if (!values.globalServiceId && CNodeText::Attribute(node, name).Found()) {
-            values.globalServiceId = usbd->t_xml.PropStr(node, name, nullptr);
+            values.globalServiceId = vyr::Allocated(usbd->t_xml.PropStr(node, name, nullptr));
         }
     }
     values.serviceId = static_cast<unsigned short>(CNodeText::Attribute(node, "serviceId").Int(-1));
@@ -107,7 +107,7 @@ void CROUTEUsbd::sm_CbSvcLanguage(CROUTEUsbd* usbd, void* node)
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CROUTEUsbd::sm_CbSvcLanguage] svcLanguage value is not exist !!!");
         return;
     }
-    usbd->m->values.languages.Add(usbd->t_xml.Content(node, nullptr));
+    vyr::AddText(usbd->m->values.languages, usbd->t_xml.Content(node, nullptr));
 }
 
 void CROUTEUsbd::sm_CbDeliveryMethod(CROUTEUsbd* usbd, void* cur)

@@ -73,7 +73,7 @@ void CRS::sm_CbLS(CRS* rs, void* cur)
         return VYR_CHECK(fresh.SetCallback(&rs->m->callback), "ls->SetCallback(&m->callback)");
     });
     if (ls) {
-        rs->m->values.ls.Add(ls.release());
+        vyr::Append(rs->m->values.ls, std::move(ls));
     }
 }
 

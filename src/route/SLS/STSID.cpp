@@ -59,7 +59,7 @@ void CSTSID::sm_CbRS(CSTSID* stsid, void* cur)
     auto rs = vyr::BuildXmlChild<CRS>(stsid->t_xml.Doc(), cur, k_steps, VYR_HERE,
                                       [stsid](CRS& fresh) { return fresh.SetCallback(&stsid->m->callback); });
     if (rs) {
-        stsid->m->values.routeSessions.Add(rs.release());
+        vyr::Append(stsid->m->values.routeSessions, std::move(rs));
     }
 }
 
@@ -122,9 +122,11 @@ bool CSTSID::GetContentId(int i, int j, std::string& out) const
 }
 
 std::string CSTSID::GetAEAId(int i, int j) const
-{
+try {
     const CLS* ls = m_Ls(i, j);
     return ls ? ls->GetAEAId() : std::string();
+} catch (...) {
+    return vyr::OutOfMemory<std::string>(VYR_HERE);
 }
 
 bool CSTSID::GetRT(int i, int j) const

@@ -35,6 +35,6 @@ bool CServiceName::m_ProcessParse(void* root)
         return false;
     }
     const bool given = vyr::CNodeText::Attribute(root, "lang").Found();
-    m->lang.reset(given ? t_xml.PropStr(root, "lang", nullptr) : nullptr);
+    m->lang.reset(given ? vyr::Allocated(t_xml.PropStr(root, "lang", nullptr)) : nullptr);
     return true;
 }

@@ -85,7 +85,7 @@ void CSrcFlow::sm_CbEFDT(CSrcFlow* flow, void* cur)
         return VYR_CHECK(fresh.SetCallback(&flow->m->callback), "efdt->SetCallback(&m->callback)");
     });
     if (efdt) {
-        flow->m->values.efdts.Add(efdt.release());
+        vyr::Append(flow->m->values.efdts, std::move(efdt));
     }
 }
 
@@ -95,8 +95,10 @@ bool CSrcFlow::GetContentId(std::string& out) const
 }
 
 std::string CSrcFlow::GetAEAId() const
-{
+try {
     return VYR_ASSERT(m, "m") ? m->values.aeaId : std::string();
+} catch (...) {
+    return vyr::OutOfMemory<std::string>(VYR_HERE);
 }
 
 bool CSrcFlow::GetRT() const
