@@ -1,14 +1,33 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 namespace vyr {
 
 /// Looks for what would cost libxml2 far more time or memory than its bytes are worth, before libxml2
-/// sees it: start tags of more than 1,024 attributes (older versions compare each with each), the
-/// same hidden in entities, attribute defaults multiplied by many elements, and encodings in which
-/// none of this can be told. One linear pass, for most documents one search for "<".
-/// Null: the document may be parsed. Else the reason it is refused, for the log.
-const char* RefusalOf(const char* data, std::size_t size);
+/// sees it. Null: the document may be parsed. Else the reason it is refused, for the log:
+/// - a start tag of more than 1,024 attributes (each is compared with each);
+/// - more than 256 namespace declarations (searched for every prefix);
+/// - more than 16,384 different names (the dictionary stops growing), or as many identifiers (`xml:id`,
+///   attributes declared ID, IDREF or IDREFS), or more than 8 ID attributes of one element;
+/// - more than 1,024 catalog instructions before the root;
+/// - in an internal subset: a parameter entity; an entity that could expand to more than 524,288 bytes or
+///   references, or nests deeper than 64; more than 1,024 values of enumerated attribute types; more than
+///   1,024 attribute defaults, or more than 4 M for all elements together, where each default counts its
+///   bytes, 64 and the number of its element's defaults;
+/// - encodings of which ASCII is no part but UTF-16, and a name that contradicts the byte order;
+/// - what is not well-formed, where that would make libxml2 read on otherwise than this scan.
+/// Comments, CDATA sections, instructions and texts count for nothing. The scan is exact because it reads
+/// the characters that libxml2 reads (other encodings are decoded by its own decoders first), and never
+/// beyond something that the two could take for different things. Most documents need far less of it: one
+/// that is too short for any of this is only searched for a document type.
+///
+/// `*plain`: whether an accepted document is UTF-8, without document type and without zero byte.
+const char* RefusalOf(const char* data, std::size_t size, bool* plain = nullptr);
+
+/// Decodes a document from a named encoding to UTF-8 as libxml2 would, up to the first byte it cannot.
+/// False when the encoding is not known.
+bool DecodeXml(const char* encoding, const char* data, std::size_t size, std::string* out);
 
 }  // namespace vyr
