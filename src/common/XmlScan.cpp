@@ -276,7 +276,7 @@ const char* ScanWithDtd(const CUnits& units)
 
 }  // namespace
 
-const char* RefusalOf(const char* data, std::size_t size)
+const char* RefusalOf(const char* data, std::size_t size, bool* plain)
 {
     const CUnits bytes(data, size, OTHER_BYTES);
     const unsigned first = bytes.At(0) << 8 | bytes.At(1);
@@ -303,6 +303,10 @@ const char* RefusalOf(const char* data, std::size_t size)
         return k_encoding;
     }
     const CUnits units(data, size, kind);
+    if (plain) {
+        *plain =
+            kind == UTF8_BYTES && (!encoding[0] || strcasecmp(encoding, "UTF-8") == 0) && !std::memchr(data, 0, size);
+    }
 
     std::size_t i = begin;
     do {
@@ -310,6 +314,9 @@ const char* RefusalOf(const char* data, std::size_t size)
             ++i;
         }
         if (units.Starts(i, "<!D")) {
+            if (plain) {
+                *plain = false;
+            }
             return ScanWithDtd(units);
         }
     } while (SkipOther(units, &i));
@@ -317,6 +324,9 @@ const char* RefusalOf(const char* data, std::size_t size)
         return k_malformed;
     }
 
+    if (units.Size() - i < k_suspiciousTag) {
+        return nullptr;
+    }
     // No attribute value holds a "<": a tag that is too rich reaches at least this far without one.
     for (i = units.Find(i, '<'); i < units.Size();) {
         const std::size_t next = units.Find(i + 1, '<');
