@@ -490,32 +490,46 @@ TDocument ParseInPlace(xmlParserCtxtPtr context, const char* text, std::size_t s
 #endif
     xmlParseDocument(context);
     TDocument doc(std::exchange(context->myDoc, nullptr));
-    return context->wellFormed ? std::move(doc) : nullptr;
+    if (!context->wellFormed) {
+        doc = nullptr;
+    }
+    return doc;
 #endif
+}
+
+/// What there is of the document, when there was memory for all of it.
+TDocument Whole(xmlParserCtxtPtr context, TDocument doc)
+{
+    if (context->errNo == XML_ERR_NO_MEMORY) {
+        doc = nullptr;
+    }
+    return doc;
 }
 
 /// Parses a document in memory; `plain` as RefusalOf tells, `zeroBehind` when a zero byte is behind it.
 TDocument ParseMemory(const char* text, std::size_t size, bool plain, bool zeroBehind)
 {
-    const TContext context = NewContext();
+    const TContext holder = NewContext();
+    const xmlParserCtxtPtr context = holder.get();
     if (!context) {
         return nullptr;
     }
     if (!VYR_XML_IN_PLACE || !plain || size > k_maxInPlace) {
-        return TDocument(
-            xmlCtxtReadMemory(context.get(), text, static_cast<int>(size), nullptr, nullptr, XML_PARSE_COMPACT));
+        const int options = XML_PARSE_COMPACT;
+        return Whole(context,
+                     TDocument(xmlCtxtReadMemory(context, text, static_cast<int>(size), nullptr, nullptr, options)));
     }
     if (zeroBehind) {
-        return ParseInPlace(context.get(), text, size);
+        return Whole(context, ParseInPlace(context, text, size));
     }
     if (size > k_maxOnStack) {
         const std::unique_ptr<char[]> copy(NewCopy(text, size));
-        return copy ? ParseInPlace(context.get(), copy.get(), size) : nullptr;
+        return copy ? Whole(context, ParseInPlace(context, copy.get(), size)) : nullptr;
     }
     char copy[k_maxOnStack + 1];
     std::memcpy(copy, text, size);
     copy[size] = 0;
-    return ParseInPlace(context.get(), copy, size);
+    return Whole(context, ParseInPlace(context, copy, size));
 }
 
 /// Serialises what libxml2 would serialise byte by byte, when that is copying: elements and texts without
@@ -782,11 +796,11 @@ bool CXML::Create(const char* filename)
         return false;
     }
     const CErrorsToLog errors;
-    xmlDocPtr doc = nullptr;
-    if (const TContext context = NewContext()) {
-        doc = filename ? xmlCtxtReadFile(context.get(), filename, nullptr, XML_PARSE_COMPACT) : nullptr;
+    TDocument doc;
+    if (const TContext context = NewContext(); context && filename) {
+        doc = Whole(context.get(), TDocument(xmlCtxtReadFile(context.get(), filename, nullptr, XML_PARSE_COMPACT)));
     }
-    return m_Adopt(doc, "m->pdoc = xmlParseFile((const char*)filename)");
+    return m_Adopt(doc.release(), "m->pdoc = xmlParseFile((const char*)filename)");
 }
 
 bool CXML::Create(TDocPtr docPtr)
