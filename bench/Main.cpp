@@ -3,6 +3,7 @@
 // allocate is not counted).
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -37,12 +38,8 @@ class CRatios : public benchmark::ConsoleReporter {
                     "for 10x, per element");
         for (const auto& [name, time] : m_times) {
             std::printf("%-36s %12.0f", name.c_str(), time);
-            const std::size_t first = name.find('/');
-            const std::size_t second = name.find('/', first + 1);
-            const std::string floor = name.substr(0, first) + "/floor" + name.substr(second);
-            const auto found = m_byName.find(floor);
-            if (found != m_byName.end() && floor != name) {
-                std::printf(" %10.2f", time / found->second);
+            if (const double ratio = m_Ratio(name, time); ratio > 0) {
+                std::printf(" %10.2f", ratio);
             } else {
                 std::printf(" %10s", "");
             }
@@ -58,9 +55,42 @@ class CRatios : public benchmark::ConsoleReporter {
             }
             std::printf("\n");
         }
+        m_PrintKinds();
     }
 
   private:
+    /// The time as a ratio of its floor; 0: it has none.
+    double m_Ratio(const std::string& name, double time) const
+    {
+        const std::size_t first = name.find('/');
+        const std::size_t second = name.find('/', first + 1);
+        const std::string floor = name.substr(0, first) + "/floor" + name.substr(second);
+        const auto found = m_byName.find(floor);
+        return found != m_byName.end() && floor != name ? time / found->second : 0;
+    }
+
+    /// What the real documents of each kind cost.
+    void m_PrintKinds() const
+    {
+        std::map<std::string, std::vector<std::pair<double, std::string>>> kinds;
+        for (const auto& [name, time] : m_times) {
+            const double ratio = m_Ratio(name, time);
+            if (name.compare(0, 5, "real-") == 0 && ratio > 0) {
+                kinds[name.substr(0, name.find('/'))].emplace_back(ratio, name.substr(name.rfind('/') + 1));
+            }
+        }
+        for (auto& [kind, ratios] : kinds) {
+            std::sort(ratios.begin(), ratios.end());
+            const std::size_t count = ratios.size();
+            if (kind == kinds.begin()->first) {
+                std::printf("\n%-20s %10s %14s %10s\n", "kind", "documents", "median ratio", "worst");
+            }
+            std::printf("%-20s %10zu %14.2f %10.2f %s\n", kind.c_str(), count,
+                        (ratios[(count - 1) / 2].first + ratios[count / 2].first) / 2, ratios.back().first,
+                        ratios.back().second.c_str());
+        }
+    }
+
     std::vector<std::pair<std::string, double>> m_times;
     std::map<std::string, double> m_byName;
 };

@@ -103,19 +103,10 @@ std::string MakePackage()
 }
 
 template <class TParser>
-void Parse(const std::string& document)
-{
-    TParser parser;
-    parser.Create();
-    static_cast<XMLBase&>(parser).Parse(document.data(), static_cast<unsigned int>(document.size()), false);
-    parser.Destroy();
-}
-
-template <class TParser>
 void RegisterDocument(const std::string& subject, int size, const std::string& document)
 {
     Register(subject + "/floor/" + N(size), FloorDocument, document);
-    Register(subject + "/parse/" + N(size), Parse<TParser>, document);
+    Register(subject + "/parse/" + N(size), ParseDocument<TParser>, document);
 }
 
 const bool g_registered = [] {

@@ -24,10 +24,7 @@ std::string MakeSlt(int services, bool gzip, unsigned char version)
     return std::string("\1\1\0", 3) + static_cast<char>(version) + (gzip ? Gzip(xml) : xml);
 }
 
-namespace {
-
-/// From nothing to services in the channel map, and back to nothing.
-void Parse(const std::string& table)
+void ParseSlt(const std::string& table)
 {
     CChannelMap map;
     map.Create();
@@ -39,6 +36,8 @@ void Parse(const std::string& table)
     slt.Destroy();
     map.Destroy();
 }
+
+namespace {
 
 /// The next version of the table that a parser holds: every service found, removed as an equal one and
 /// offered to the map again.
@@ -69,7 +68,7 @@ const bool g_registered = [] {
         for (const int services : {1, 10, 100, 1000}) {
             const std::string end = std::string(gzip ? "/gzip/" : "/plain/") + std::to_string(services);
             Register("slt/floor" + end, Floor, MakeSlt(services, gzip));
-            Register("slt/parse" + end, Parse, MakeSlt(services, gzip));
+            Register("slt/parse" + end, ParseSlt, MakeSlt(services, gzip));
         }
     }
     for (const int services : {1, 10, 100, 1000, 1500}) {

@@ -86,14 +86,6 @@ std::string MakeCdt()
                  certificate + "</OCSPResponse><CMSSignedData>" + certificate + "</CMSSignedData></CertificationData>");
 }
 
-template <class TTable>
-void Feed(TTable& parser, const std::string& table)
-{
-    IParse::SItem item = Item(table);
-    parser.Parse(&item);
-    parser.Destroy();
-}
-
 /// Two payloads of 0x200 bytes and a signature of 0x800.
 std::string MakeSmt()
 {

@@ -63,7 +63,7 @@ bool Inflate(const void* data, std::size_t size, std::size_t limit, SInflated& o
         if (result != Z_BUF_ERROR || stream.avail_out != 0 || (capacity > 0 && room <= capacity)) {
             break;
         }
-        std::unique_ptr<char[]> larger = Resized(buffer.get(), capacity, room);
+        std::unique_ptr<char[]> larger = Resized(buffer.get(), capacity, room + 1);
         if (!larger) {
             break;
         }
@@ -74,6 +74,7 @@ bool Inflate(const void* data, std::size_t size, std::size_t limit, SInflated& o
         result = inflate(&stream, Z_FINISH);
     }
     if (result == Z_STREAM_END) {
+        buffer[stream.total_out] = 0;
         out.data = std::move(buffer);
         out.size = stream.total_out;
     }

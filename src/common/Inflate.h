@@ -15,7 +15,8 @@ struct SInflated {
 bool HasGzipMagic(const void* data, std::size_t size);
 
 /// Inflates one gzip or zlib stream of at most `limit` bytes. Only the end of the stream, trailer
-/// included, is success; what follows it is not looked at. On failure `out` is untouched.
+/// included, is success; what follows it is not looked at. A zero byte stands behind what came out. On failure
+/// `out` is untouched.
 bool Inflate(const void* data, std::size_t size, std::size_t limit, SInflated& out);
 
 /// Inflates what there is of one gzip or zlib stream, by steps: to its end, or until the input is used up,

@@ -1,11 +1,15 @@
 #include "common/XML.h"
 
 #include <libxml/parser.h>
+#include <libxml/parserInternals.h>
 #include <libxml/tree.h>
+#include <libxml/xmlIO.h>
 #include <libxml/xmlerror.h>
+#include <pthread.h>
 
 #include <climits>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +17,7 @@
 #include <memory>
 #include <new>
 #include <unordered_map>
+#include <utility>
 
 #include "common/Inflate.h"
 #include "common/Log.h"
@@ -23,10 +28,36 @@
 // Every call of libxml2 stands in this file. Some are marked deprecated by newer versions.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
+// VYR_XML_PLAIN leaves out both short cuts; every test runs on a library built with it as well.
+#if defined(VYR_XML_PLAIN)
+#define VYR_XML_IN_PLACE 0
+#define VYR_XML_SPARE_NODES 0
+#else
+// A text is parsed where it lies.
+#define VYR_XML_IN_PLACE (LIBXML_VERSION < 21000 || LIBXML_VERSION >= 21400)
+// Lists of spare nodes, as libxml2's own reader lends them to its context: fields known of 2.9 alone.
+#define VYR_XML_SPARE_NODES (LIBXML_VERSION >= 20900 && LIBXML_VERSION < 21000)
+#endif
+#if defined(__has_feature)
+#define VYR_HAS_FEATURE(feature) __has_feature(feature)
+#else
+#define VYR_HAS_FEATURE(feature) 0
+#endif
+#if defined(__SANITIZE_ADDRESS__) || VYR_HAS_FEATURE(address_sanitizer)
+#include <sanitizer/asan_interface.h>
+#define VYR_ASAN 1
+#else
+#define VYR_ASAN 0
+#endif
+
 namespace {
 
 // What the texts and attributes of a document with entities may expand to, in bytes and in references.
 constexpr std::size_t k_maxExpansion = 524288;
+// Documents up to this size are copied to the stack to be zero-terminated.
+constexpr std::size_t k_maxOnStack = 8191;
+// Larger ones are parsed from libxml2's own copy.
+constexpr std::size_t k_maxInPlace = 1048576;
 
 xmlNodePtr AsNode(void* node)
 {
@@ -166,10 +197,30 @@ struct SContextDeleter {
 };
 using TContext = std::unique_ptr<xmlParserCtxt, SContextDeleter>;
 
+/// While it lives libxml2 reports the calling thread's errors to XmlError; afterwards to whom it did before.
+class CErrorsToLog {
+  public:
+    CErrorsToLog()
+    {
+        // The start of libxml2 is nothing for two threads at a time, and comes before its globals are looked at.
+        static const bool s_started = (xmlInitParser(), true);
+        static_cast<void>(s_started);
+        m_handler = xmlGenericError;
+        m_context = xmlGenericErrorContext;
+        xmlSetGenericErrorFunc(nullptr, XmlError);
+    }
+    ~CErrorsToLog() { xmlSetGenericErrorFunc(m_context, m_handler); }
+    CErrorsToLog(const CErrorsToLog&) = delete;
+    CErrorsToLog& operator=(const CErrorsToLog&) = delete;
+
+  private:
+    xmlGenericErrorFunc m_handler;
+    void* m_context;
+};
+
 /// A parser context that does what libxml2 does by default, whatever the process has set globally.
 TContext NewContext()
 {
-    xmlSetGenericErrorFunc(nullptr, XmlError);
     xmlInitParser();
     xmlResetLastError();
     TContext context(xmlNewParserCtxt());
@@ -188,16 +239,397 @@ TContext NewContext()
     return context;
 }
 
-/// The document, unless memory was out on the way, as it may be cut then; libxml2 does not tell otherwise.
-xmlDocPtr Whole(xmlDocPtr doc)
+#if VYR_XML_SPARE_NODES
+/// Elements, texts and attributes of freed documents, for the next document of the thread: libxml2 takes them
+/// from its context before it allocates. Half of what a small document costs is their allocation.
+///
+/// They are what malloc gave and free takes: with other allocators, and with hooks of the host that want to be
+/// told of freed nodes, nothing is kept. A thread's nodes go when it ends; those of the main thread stay.
+class CSpareNodes {
+  public:
+    /// Lends the thread's nodes to a context, and takes back what is left.
+    class CLoan {
+      public:
+        explicit CLoan(xmlParserCtxtPtr context) : m_context(context), m_spare(CanKeep() ? Mine(true) : nullptr)
+        {
+            if (m_spare) {
+                m_spare->m_Forbid(false);
+                m_Swap();
+            }
+        }
+        ~CLoan()
+        {
+            if (m_spare) {
+                m_Swap();
+                m_spare->m_Forbid(true);
+            }
+        }
+        CLoan(const CLoan&) = delete;
+        CLoan& operator=(const CLoan&) = delete;
+
+      private:
+        void m_Swap()
+        {
+            std::swap(m_context->freeElems, m_spare->m_nodes.first);
+            std::swap(m_context->freeElemsNr, m_spare->m_nodes.count);
+            std::swap(m_context->freeAttrs, m_spare->m_attributes.first);
+            std::swap(m_context->freeAttrsNr, m_spare->m_attributes.count);
+        }
+
+        xmlParserCtxtPtr m_context;
+        CSpareNodes* m_spare;
+    };
+
+    /// Takes the nodes out of a document that is about to be freed. Allocates nothing.
+    static void TakeFrom(xmlDocPtr doc)
+    {
+        if (doc->intSubset || doc->extSubset || doc->ids || doc->refs || !doc->dict || !CanKeep()) {
+            return;
+        }
+        if (CSpareNodes* spare = Mine(false)) {
+            spare->m_TakeAll(doc);
+        }
+    }
+
+  private:
+    // The most that a thread keeps of each: 1,024 nodes of 120 bytes, as many attributes of 96.
+    static constexpr int k_most = 1024;
+
+    template <class T>
+    struct SList {
+        T* first = nullptr;
+        int count = 0;
+
+        void Take(T* node)
+        {
+            if (count >= k_most) {
+                xmlFree(node);
+                return;
+            }
+            node->next = first;
+            first = node;
+            ++count;
+            Mark(node, true);
+        }
+
+        void Free()
+        {
+            while (T* node = first) {
+                first = node->next;
+                std::free(node);
+            }
+        }
+
+        void Forbid(bool forbid)
+        {
+            for (T* node = first; VYR_ASAN && node; node = node->next) {
+                Mark(node, forbid);
+            }
+        }
+
+        /// Under AddressSanitizer what is kept is as forbidden as what is freed, but for the link.
+        static void Mark(T* node, bool forbid)
+        {
+#if VYR_ASAN
+            const auto mark = forbid ? __asan_poison_memory_region : __asan_unpoison_memory_region;
+            mark(node, offsetof(T, next));
+            mark(&node->next + 1, sizeof *node - offsetof(T, next) - sizeof node->next);
+#else
+            static_cast<void>(node);
+            static_cast<void>(forbid);
+#endif
+        }
+    };
+
+    static bool CanKeep()
+    {
+        return xmlFree == std::free && xmlMalloc == std::malloc && !xmlDeregisterNodeDefaultValue;
+    }
+
+    /// The calling thread's nodes. Null when it has none and none are to be made, when memory or keys are out, and
+    /// when the libxml2 that is loaded is not of the headers' kind.
+    static CSpareNodes* Mine(bool make)
+    {
+        struct SKey {
+            pthread_key_t key;
+            bool made;
+        };
+        // Not thread_local: that ends the program when memory is out, and documents may outlive it.
+        static const SKey s_key = [] {
+            SKey key{};
+            key.made = std::strncmp(xmlParserVersion, "209", 3) == 0 && pthread_key_create(&key.key, End) == 0;
+            return key;
+        }();
+        if (!s_key.made) {
+            return nullptr;
+        }
+        CSpareNodes* mine = static_cast<CSpareNodes*>(pthread_getspecific(s_key.key));
+        if (!mine && make) {
+            std::unique_ptr<CSpareNodes> fresh(new (std::nothrow) CSpareNodes);
+            if (fresh && pthread_setspecific(s_key.key, fresh.get()) == 0) {
+                mine = fresh.release();
+            }
+        }
+        return mine;
+    }
+
+    static void End(void* mine)
+    {
+        const std::unique_ptr<CSpareNodes> spare(static_cast<CSpareNodes*>(mine));
+        spare->m_nodes.Free();
+        spare->m_attributes.Free();
+    }
+
+    static void FreeText(xmlDictPtr dict, const xmlChar* text)
+    {
+        if (text && !xmlDictOwns(dict, text)) {
+            xmlFree(const_cast<xmlChar*>(text));
+        }
+    }
+
+    void m_Forbid(bool forbid)
+    {
+        m_nodes.Forbid(forbid);
+        m_attributes.Forbid(forbid);
+    }
+
+    void m_TakeText(xmlDictPtr dict, xmlNodePtr text)
+    {
+        // Short texts lie in fields that texts have no other use for.
+        if (text->content != reinterpret_cast<xmlChar*>(&text->properties)) {
+            FreeText(dict, text->content);
+        }
+        m_nodes.Take(text);
+    }
+
+    void m_TakeElement(xmlDictPtr dict, xmlNodePtr element)
+    {
+        for (xmlAttrPtr attribute = element->properties; attribute;) {
+            const xmlAttrPtr next = attribute->next;
+            const xmlNodePtr value = attribute->children;
+            if (value && !value->next && value->type == XML_TEXT_NODE) {
+                m_TakeText(dict, value);
+            } else if (value) {
+                xmlFreeNodeList(value);
+            }
+            FreeText(dict, attribute->name);
+            m_attributes.Take(attribute);
+            attribute = next;
+        }
+        if (element->nsDef) {
+            xmlFreeNsList(element->nsDef);
+        }
+        FreeText(dict, element->name);
+        m_nodes.Take(element);
+    }
+
+    /// From the leaves up, without recursion.
+    void m_TakeAll(xmlDocPtr doc)
+    {
+        xmlNodePtr node = doc->children;
+        doc->children = doc->last = nullptr;
+        while (node) {
+            if (node->type == XML_ELEMENT_NODE && node->children) {
+                node = node->children;
+                continue;
+            }
+            const xmlNodePtr next = node->next;
+            const xmlNodePtr parent = node->parent;
+            if (node->type == XML_ELEMENT_NODE) {
+                m_TakeElement(doc->dict, node);
+            } else if (node->type == XML_TEXT_NODE) {
+                m_TakeText(doc->dict, node);
+            } else {
+                xmlFreeNode(node);
+            }
+            node = next ? next : reinterpret_cast<xmlDocPtr>(parent) != doc ? parent : nullptr;
+            if (!next && node) {
+                node->children = nullptr;
+            }
+        }
+    }
+
+    SList<xmlNode> m_nodes;
+    SList<xmlAttr> m_attributes;
+};
+#endif
+
+struct SDocumentDeleter {
+    void operator()(xmlDocPtr doc) const
+    {
+#if VYR_XML_SPARE_NODES
+        CSpareNodes::TakeFrom(doc);
+#endif
+        xmlFreeDoc(doc);
+    }
+};
+using TDocument = std::unique_ptr<xmlDoc, SDocumentDeleter>;
+
+/// Parses text with a zero byte behind it where it lies. xmlCtxtReadMemory makes a copy, and asks that for more
+/// at every turn near its end.
+TDocument ParseInPlace(xmlParserCtxtPtr context, const char* text, std::size_t size)
+{
+    xmlCtxtUseOptions(context, XML_PARSE_COMPACT);
+#if LIBXML_VERSION >= 21400
+    const xmlParserInputFlags flags =
+        static_cast<xmlParserInputFlags>(XML_INPUT_BUF_STATIC | XML_INPUT_BUF_ZERO_TERMINATED);
+    const xmlParserInputPtr input = xmlNewInputFromMemory(nullptr, text, size, flags);
+    return TDocument(input ? xmlCtxtParseDocument(context, input) : nullptr);
+#else
+    const xmlParserInputPtr input = xmlNewInputStream(context);
+    if (!input) {
+        return nullptr;
+    }
+    input->base = input->cur = AsName(text);
+    input->end = input->base + size;
+    input->length = static_cast<int>(size);
+    if (inputPush(context, input) < 0) {
+        xmlFreeInputStream(input);
+        return nullptr;
+    }
+#if VYR_XML_SPARE_NODES
+    const CSpareNodes::CLoan loan(context);
+#endif
+    xmlParseDocument(context);
+    TDocument doc(std::exchange(context->myDoc, nullptr));
+    if (!context->wellFormed) {
+        doc = nullptr;
+    }
+    return doc;
+#endif
+}
+
+/// The document, unless memory was out on the way, as it may be cut then; libxml2 tells it in one place or the
+/// other.
+TDocument Whole(xmlParserCtxtPtr context, TDocument doc)
 {
     const auto* error = xmlGetLastError();
-    if (doc && error && error->code == XML_ERR_NO_MEMORY) {
-        xmlFreeDoc(doc);
+    if (context->errNo == XML_ERR_NO_MEMORY || (error && error->code == XML_ERR_NO_MEMORY)) {
         doc = nullptr;
     }
     return doc;
 }
+
+/// Parses a document in memory; `plain` as RefusalOf tells, `zeroBehind` when a zero byte is behind it.
+TDocument ParseMemory(const char* text, std::size_t size, bool plain, bool zeroBehind)
+{
+    const TContext holder = NewContext();
+    const xmlParserCtxtPtr context = holder.get();
+    if (!context) {
+        return nullptr;
+    }
+    if (!VYR_XML_IN_PLACE || !plain || size > k_maxInPlace) {
+        const int options = XML_PARSE_COMPACT;
+        return Whole(context,
+                     TDocument(xmlCtxtReadMemory(context, text, static_cast<int>(size), nullptr, nullptr, options)));
+    }
+    if (zeroBehind) {
+        return Whole(context, ParseInPlace(context, text, size));
+    }
+    if (size > k_maxOnStack) {
+        const std::unique_ptr<char[]> copy(NewCopy(text, size));
+        return copy ? Whole(context, ParseInPlace(context, copy.get(), size)) : nullptr;
+    }
+    char copy[k_maxOnStack + 1];
+    std::memcpy(copy, text, size);
+    copy[size] = 0;
+    return Whole(context, ParseInPlace(context, copy, size));
+}
+
+/// Serialises what libxml2 would serialise byte by byte, when that is copying: elements and texts without
+/// prefixes, declared name spaces and anything to be escaped.
+class CPlainDump {
+  public:
+    /// New array of `*size` bytes and a zero byte; null: libxml2 is needed.
+    static char* Of(xmlNodePtr root, int* size)
+    {
+        CPlainDump counter(nullptr);
+        if (!counter.m_Tree(root) || counter.m_size > INT_MAX) {
+            return nullptr;
+        }
+        char* text = new (std::nothrow) char[counter.m_size + 1];
+        if (text) {
+            CPlainDump(text).m_Tree(root);
+            text[counter.m_size] = 0;
+            *size = static_cast<int>(counter.m_size);
+        }
+        return text;
+    }
+
+  private:
+    explicit CPlainDump(char* text) : m_text(text) {}
+
+    void m_Put(const char* text, std::size_t length)
+    {
+        if (m_text) {
+            std::memcpy(m_text + m_size, text, length);
+        }
+        m_size += length;
+    }
+
+    void m_Put(const char* text) { m_Put(text, std::strlen(text)); }
+
+    /// False when there is something to escape.
+    bool m_Text(xmlNodePtr node, bool attribute)
+    {
+        if (node->type != XML_TEXT_NODE || node->name != xmlStringText || !node->content) {
+            return false;
+        }
+        const xmlChar* c = node->content;
+        while ((*c >= ' ' && *c <= '~' && *c != '<' && *c != '>' && *c != '&' && (*c != '"' || !attribute)) ||
+               (!attribute && (*c == '\n' || *c == '\t'))) {
+            ++c;
+        }
+        m_Put(AsText(node->content), static_cast<std::size_t>(c - node->content));
+        return *c == 0;
+    }
+
+    bool m_Start(xmlNodePtr element)
+    {
+        if (element->type != XML_ELEMENT_NODE || element->nsDef || (element->ns && element->ns->prefix)) {
+            return false;
+        }
+        m_Put("<");
+        m_Put(AsText(element->name));
+        for (xmlAttrPtr attribute = element->properties; attribute; attribute = attribute->next) {
+            const xmlNodePtr value = attribute->children;
+            m_Put(" ");
+            m_Put(AsText(attribute->name));
+            m_Put("=\"");
+            if ((attribute->ns && attribute->ns->prefix) || (value && (value->next || !m_Text(value, true)))) {
+                return false;
+            }
+            m_Put("\"");
+        }
+        m_Put(element->children ? ">" : "/>");
+        return true;
+    }
+
+    bool m_Tree(xmlNodePtr root)
+    {
+        xmlNodePtr node = root;
+        while (m_Text(node, false) || m_Start(node)) {
+            if (node->type == XML_ELEMENT_NODE && node->children) {
+                node = node->children;
+                continue;
+            }
+            while (node != root && !node->next) {
+                node = node->parent;
+                m_Put("</");
+                m_Put(AsText(node->name));
+                m_Put(">");
+            }
+            if (node == root) {
+                return true;
+            }
+            node = node->next;
+        }
+        return false;
+    }
+
+    char* m_text;
+    std::size_t m_size = 0;
+};
 
 }  // namespace
 
@@ -369,25 +801,26 @@ try {
     }
     vyr::SInflated inflated;
     const char* text = buf;
-    int size = length;
+    std::size_t size = static_cast<std::size_t>(length);
     if (compressed) {
         if (length > k_maxCompressed) {
             VYR_LOG(LOG_PRIORITY_DEBUG, "XML Create Fail. File size is too big. length[%d]", length);
             return false;
         }
-        const std::size_t bytes = static_cast<std::size_t>(length);
-        if (vyr::HasGzipMagic(buf, bytes) && vyr::Inflate(buf, bytes, k_maxCompressed, inflated)) {
+        if (vyr::HasGzipMagic(buf, size) && vyr::Inflate(buf, size, k_maxCompressed, inflated)) {
             text = inflated.data.get();
-            size = static_cast<int>(inflated.size);
+            size = inflated.size;
         }
     }
-    xmlDocPtr doc = nullptr;
-    if (const char* reason = vyr::RefusalOf(text, static_cast<std::size_t>(size))) {
+    const CErrorsToLog errors;
+    TDocument doc;
+    bool plain = false;
+    if (const char* reason = vyr::RefusalOf(text, size, &plain)) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CXML::Create] refused: %s", reason);
-    } else if (const TContext context = NewContext()) {
-        doc = Whole(xmlCtxtReadMemory(context.get(), text, size, nullptr, nullptr, XML_PARSE_COMPACT));
+    } else {
+        doc = ParseMemory(text, size, plain, text != buf);
     }
-    return m_Adopt(doc, "m->pdoc = xmlParseMemory((const char*)buf, size)");
+    return m_Adopt(doc.release(), "m->pdoc = xmlParseMemory((const char*)buf, size)");
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }
@@ -397,11 +830,12 @@ try {
     if (!VYR_ASSERT(!m, "!m")) {
         return false;
     }
-    xmlDocPtr doc = nullptr;
-    if (const TContext context = NewContext()) {
-        doc = filename ? Whole(xmlCtxtReadFile(context.get(), filename, nullptr, XML_PARSE_COMPACT)) : nullptr;
+    const CErrorsToLog errors;
+    TDocument doc;
+    if (const TContext context = NewContext(); context && filename) {
+        doc = Whole(context.get(), TDocument(xmlCtxtReadFile(context.get(), filename, nullptr, XML_PARSE_COMPACT)));
     }
-    return m_Adopt(doc, "m->pdoc = xmlParseFile((const char*)filename)");
+    return m_Adopt(doc.release(), "m->pdoc = xmlParseFile((const char*)filename)");
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }
@@ -419,10 +853,10 @@ bool CXML::Create(TDocPtr docPtr)
 /// Takes over a parsed document; `text` is the failed step when there is none.
 bool CXML::m_Adopt(void* parsed, const char* text)
 {
-    std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)> doc(static_cast<xmlDocPtr>(parsed), xmlFreeDoc);
+    TDocument doc(static_cast<xmlDocPtr>(parsed));
     if (doc && doc->intSubset && doc->intSubset->entities && !CExpansion::WithinLimit(doc.get())) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CXML::Create] refused: entities expand to more than %zu bytes", k_maxExpansion);
-        doc = nullptr;
+        doc.reset();
     }
     if (!VYR_CHECK(doc, text)) {
         return false;
@@ -438,7 +872,7 @@ void CXML::Destroy()
         return;
     }
     if (m->owned) {
-        xmlFreeDoc(static_cast<xmlDocPtr>(m->pdoc));
+        TDocument(static_cast<xmlDocPtr>(m->pdoc)).reset();
     }
     m = nullptr;
 }
@@ -582,6 +1016,7 @@ try {
 
 char* CXML::Dump(TDocPtr doc, int* size) const
 {
+    const CErrorsToLog errors;
     xmlChar* block = nullptr;
     int length = 0;
     xmlDocDumpMemory(static_cast<xmlDocPtr>(doc), &block, &length);
@@ -604,19 +1039,25 @@ char* CXML::NodeDump(void* node, int* size) const
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(node, "node")) {
         return nullptr;
     }
-    // Not xmlNodeDump, which frees a buffer that it could not let grow, and leaves it to its caller to free again.
-    xmlOutputBufferPtr buffer = xmlAllocOutputBuffer(nullptr);
-    if (!buffer) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CXML::NodeDump] xmlBufferCreate fail");
-        return nullptr;
+    int length = 0;
+    char* copy = CPlainDump::Of(AsNode(node), &length);
+    if (!copy) {
+        const CErrorsToLog errors;
+        // Not xmlNodeDump: when memory is out in it, the buffer it is given is freed twice.
+        const xmlOutputBufferPtr out = xmlAllocOutputBuffer(nullptr);
+        if (!out) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CXML::NodeDump] xmlBufferCreate fail");
+            return nullptr;
+        }
+        xmlNodeDumpOutput(out, nullptr, AsNode(node), 0, 0, nullptr);
+        const xmlChar* text = out->error ? nullptr : xmlOutputBufferGetContent(out);
+        const std::size_t bytes = text ? xmlOutputBufferGetSize(out) : 0;
+        if (bytes > 0 && bytes <= INT_MAX) {
+            length = static_cast<int>(bytes);
+            copy = NewCopy(AsText(text), bytes);
+        }
+        xmlOutputBufferClose(out);
     }
-    xmlNodeDumpOutput(buffer, nullptr, AsNode(node), 0, 0, nullptr);
-    const std::size_t length = xmlOutputBufferGetSize(buffer);
-    char* copy = nullptr;
-    if (buffer->error == 0 && length > 0 && length <= INT_MAX) {
-        copy = NewCopy(AsText(xmlOutputBufferGetContent(buffer)), length);
-    }
-    xmlOutputBufferClose(buffer);
     if (copy && size) {
         *size = static_cast<int>(length);
     }

@@ -1,11 +1,18 @@
 #include "common/XML.h"
 
 #include <libxml/parser.h>
+#include <libxml/tree.h>
+#include <pthread.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <memory>
+#include <random>
+#include <thread>
 
 #include "support/Recorder.h"
 
@@ -246,6 +253,11 @@ TEST_F(XMLTest, EncodingsAndDtdThatAreFine)
     }
 }
 
+void HostError(void* told, const char* /*format*/, ...)
+{
+    ++*static_cast<int*>(told);
+}
+
 TEST_F(XMLTest, HostSettingsDoNotLeakIn)
 {
     const std::string path = std::string(testing::TempDir()) + "vyr-entity.txt";
@@ -253,9 +265,15 @@ TEST_F(XMLTest, HostSettingsDoNotLeakIn)
     xmlSubstituteEntitiesDefault(1);
     xmlKeepBlanksDefault(0);
     xmlLoadExtDtdDefaultValue = 1;
+    static int s_told;
+    xmlSetGenericErrorFunc(&s_told, HostError);
     ASSERT_TRUE(Open("<!DOCTYPE r [<!ENTITY e SYSTEM '" + path + "'>]><r> <a/>&e;</r>"));
     EXPECT_STREQ(m_xml.Name(m_xml.MoveChild(m_root)), "text");
     EXPECT_EQ(m_xml.getStringContent(m_root, nullptr).find("secret"), std::string::npos);
+    EXPECT_FALSE(Open("<r>"));
+    EXPECT_EQ(s_told, 0);
+    EXPECT_TRUE(xmlGenericError == HostError && xmlGenericErrorContext == &s_told);
+    xmlSetGenericErrorFunc(nullptr, nullptr);
     xmlSubstituteEntitiesDefault(0);
     xmlKeepBlanksDefault(1);
     xmlLoadExtDtdDefaultValue = 0;
@@ -303,6 +321,244 @@ TEST_F(XMLTest, MisuseIsAsserted)
     EXPECT_FALSE(Open("<r><a></r>"));
     EXPECT_GE(Logged("[Xml Error Info]"), 1);
     EXPECT_FALSE(m_xml.FlagCreate());
+}
+
+/// What libxml2 alone makes of a document: its tree serialised, empty when it refuses; and what it says.
+std::string PlainlyParsed(const std::string& text, std::string* nodes, std::vector<std::string>* said)
+{
+    CRecorder::s_log.clear();
+    xmlSetGenericErrorFunc(nullptr, XmlError);
+    const xmlParserCtxtPtr context = xmlNewParserCtxt();
+    const xmlDocPtr doc = xmlCtxtReadMemory(context, text.data(), static_cast<int>(text.size()), nullptr, nullptr, 0);
+    xmlFreeParserCtxt(context);
+    *said = CRecorder::s_log;
+    xmlChar* dump = nullptr;
+    int size = 0;
+    const xmlBufferPtr buffer = xmlBufferCreate();
+    if (doc) {
+        xmlDocDumpMemory(doc, &dump, &size);
+        xmlNodeDump(buffer, nullptr, xmlDocGetRootElement(doc), 0, 0);
+    }
+    *nodes = reinterpret_cast<const char*>(xmlBufferContent(buffer));
+    const std::string whole = dump ? reinterpret_cast<const char*>(dump) : "";
+    xmlBufferFree(buffer);
+    xmlFree(dump);
+    xmlFreeDoc(doc);
+    xmlSetGenericErrorFunc(nullptr, nullptr);
+    return whole;
+}
+
+TEST_F(XMLTest, TheSameAsPlainLibxml2)
+{
+    std::vector<std::string> texts = {
+        "<r xml:id='i' xml:lang='e'><a xmlns='u' xmlns:p='v' p:b=\"'\"/>\r\n\t\xC3\xA4<?p "
+        "i?><!--c--><![CDATA[<]]></r>\n",
+        "<r a=' x&#10;y&#13;\t\n' b='\xE2\x82\xAC&quot;&gt;'>&lt;&#13;&amp;<e></e> <t>]]&gt;</t></r> <!--end-->",
+        "<?xml version='1.0' encoding='utf-8' standalone='yes'?>\r\n<r>\r<a>\xF0\x9F\x93\xBA</a>\r\n</r>\r\n",
+        "\xEF\xBB\xBF<r/>",
+        "<r>\xE9</r>",
+        "<r>" + std::string(9000, 'x') + "<a/>" + std::string(9000, '\n') + "</r>",
+        "<!DOCTYPE r [<!ENTITY e 'f'>]><r a='&e;'>&e;</r>",
+        std::string("<r>\0</r>", 8)};
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(VYR_TEST_DATA)) {
+        const std::string name = entry.path().lexically_relative(VYR_TEST_DATA).string();
+        const std::string bytes = entry.is_regular_file() && name.find("pcap") == name.npos ? ReadData(name) : "";
+        for (std::size_t at = bytes.find("<?xml"); at != bytes.npos && bytes.size() < 65536;
+             at = bytes.find("<?xml", at + 1)) {
+            const std::string rest = bytes.substr(at);
+            texts.push_back(rest.substr(0, rest.find("\n--_")));
+        }
+    }
+    ASSERT_GT(texts.size(), 80u);
+    std::mt19937 random(1);
+    const std::size_t originals = texts.size();
+    for (std::size_t i = 0; i < originals * 12; ++i) {
+        std::string text = texts[i % originals];
+        const std::size_t at = random() % text.size();
+        switch (random() % 4) {
+            case 0:
+                text.resize(at);
+                break;
+            case 1:
+                text.erase(at, 1 + random() % 3);
+                break;
+            case 2:
+                text[at] = static_cast<char>(random());
+                break;
+            default:
+                text.insert(at, 1, "<>&\"'/=: \r\xC3]"[random() % 12]);
+        }
+        texts.push_back(text);
+    }
+    int accepted = 0;
+    for (const std::string& text : texts) {
+        std::string nodes;
+        std::vector<std::string> said;
+        const std::string whole = PlainlyParsed(text, &nodes, &said);
+        for (const bool gzip : {false, true}) {
+            s_log.clear();
+            if (!Open(gzip ? Gzip(text) : text, gzip)) {
+                ASSERT_TRUE(whole.empty() || Logged("refused: ") == 1 || text.size() < 2) << text;
+            } else {
+                int size = 0;
+                const std::unique_ptr<char[]> all(m_xml.Dump(m_xml.Doc(), &size)),
+                    root(m_xml.NodeDump(m_root, nullptr));
+                ASSERT_EQ(std::string(all.get()), whole) << text;
+                ASSERT_EQ(std::string(root.get()), nodes);
+                ++accepted;
+            }
+            for (const std::string& line : said) {
+                ASSERT_TRUE(text.size() < 2 || Logged("refused: ") == 1 || Logged(line) > 0) << line << " of " << text;
+            }
+        }
+    }
+    EXPECT_GT(accepted, 500);
+}
+
+int g_untilFailure = -1;
+bool g_failsOnce = false;
+int g_blocks = 0;
+
+bool Fails()
+{
+    return (g_untilFailure == 0 && !g_failsOnce) || g_untilFailure-- == 0;
+}
+
+/// Gives libxml2 allocators that count, and fail when told to, for as long as it lives.
+struct SAllocators {
+    SAllocators()
+    {
+        xmlResetLastError();
+        xmlMemGet(&free, &malloc, &realloc, &strdup);
+        xmlMemSetup(
+            [](void* block) {
+                g_blocks -= block != nullptr;
+                std::free(block);
+            },
+            [](std::size_t size) { return Fails() ? nullptr : (++g_blocks, std::malloc(size)); },
+            [](void* old, std::size_t size) { return Fails() ? nullptr : (g_blocks += !old, std::realloc(old, size)); },
+            [](const char* from) { return Fails() ? nullptr : (++g_blocks, ::strdup(from)); });
+    }
+    ~SAllocators()
+    {
+        xmlMemSetup(free, malloc, realloc, strdup);
+        g_untilFailure = -1;
+    }
+
+    xmlFreeFunc free;
+    xmlMallocFunc malloc;
+    xmlReallocFunc realloc;
+    xmlStrdupFunc strdup;
+};
+
+TEST_F(XMLTest, OutOfMemoryOfLibxml2)
+{
+    ASSERT_TRUE(Open("<r/>"));
+    m_xml.Destroy();
+    // Larger when dumped than read: libxml2 leaks when it cannot copy a text of more than 4,096 bytes.
+    const std::string text =
+        "<!DOCTYPE r [<!ENTITY e 'f'>]><r a='&e;'>&e;" + std::string(3000, '>') + "<e>&lt;</e></r>";
+    const std::string plain = "<r a='b'>" + std::string(3000, '>') + "<e a='c'/>&lt;</r>";
+    for (int i = 0; i < 4; ++i) {
+        const std::string& document = i % 2 == 0 ? text : plain;
+        g_failsOnce = i < 2;
+        bool whole = false;
+        for (int n = 0; !whole && n < 10000; ++n) {
+            const SAllocators allocators;
+            const int blocks = g_blocks;
+            g_untilFailure = n;
+            if (m_xml.Create(document.data(), static_cast<int>(document.size()), false) && m_xml.MoveRoot(&m_root)) {
+                int size = 0;
+                const std::unique_ptr<char[]> all(m_xml.Dump(m_xml.Doc(), &size)), root(m_xml.NodeDump(m_root, &size));
+                whole = all && root && g_untilFailure > 0;
+                EXPECT_TRUE(!root || std::string(root.get()).find("</r>") != std::string::npos) << n;
+                m_xml.Destroy();
+            }
+            xmlResetLastError();
+            EXPECT_EQ(g_blocks, blocks) << n;
+        }
+        EXPECT_TRUE(whole);
+    }
+}
+
+/// A document that is let go of late.
+struct SLate {
+    CXML xml;
+    ~SLate()
+    {
+        if (xml.FlagCreate()) {
+            xml.Destroy();
+        }
+    }
+    bool Open() { return xml.FlagCreate() || xml.Create(k_text, sizeof k_text - 1, false); }
+    static constexpr char k_text[] = "<r a='1' b='longer than a short text is'><e>text</e><e>another</e><!--c--></r>";
+};
+SLate g_late;
+
+TEST_F(XMLTest, NodesOutliveNothing)
+{
+    // Freed by static objects, by other threads, by what a thread leaves to the very end.
+    ASSERT_TRUE(g_late.Open());
+    SLate mine;
+    ASSERT_TRUE(mine.Open());
+    static pthread_key_t s_key;
+    ASSERT_EQ(pthread_key_create(&s_key, [](void* late) { delete static_cast<SLate*>(late); }), 0);
+    std::thread([&mine, this] {
+        static thread_local SLate s_late;
+        std::unique_ptr<SLate> last = std::make_unique<SLate>();
+        EXPECT_TRUE(s_late.Open() && last->Open() && Open("<r/>"));
+        mine.xml.Destroy();
+        EXPECT_EQ(pthread_setspecific(s_key, last.release()), 0);
+    }).join();
+    EXPECT_EQ(pthread_key_delete(s_key), 0);
+    // More than a thread keeps.
+    std::string many = "<r>";
+    for (int i = 0; i < 3000; ++i) {
+        many += "<e a='1'/>";
+    }
+    ASSERT_TRUE(Open(many + "</r>") && Open(many + "</r>"));
+
+    // Nodes of one allocator are not freed by another, which gets back all that it gave.
+    {
+        const SAllocators allocators;
+        const int blocks = g_blocks;
+        for (int i = 0; i < 3; ++i) {
+            SLate other;
+            EXPECT_TRUE(other.Open());
+            EXPECT_GT(g_blocks, blocks + 10);
+        }
+        EXPECT_EQ(g_blocks, blocks);
+    }
+    // Who wants to be told of freed nodes is told of all of them.
+    static int s_nodes;
+    const xmlDeregisterNodeFunc before = xmlDeregisterNodeDefault([](xmlNodePtr) { ++s_nodes; });
+    {
+        SLate told;
+        EXPECT_TRUE(told.Open());
+    }
+    xmlDeregisterNodeDefault(before);
+    EXPECT_EQ(s_nodes, 11);
+}
+
+/// First test of a process of its own, so that the library is what starts libxml2.
+TEST(XMLStartTest, FirstParsesOfManyThreads)
+{
+    SetLogPriority(LOG_PRIORITY_SILENT);
+    std::atomic<int> waiting{8};
+    std::atomic<int> opened{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&waiting, &opened] {
+            SLate late;
+            for (--waiting; waiting > 0;) {
+            }
+            opened += late.Open() && !CXML().Create("<r>", 3, false);
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(opened, 8);
 }
 
 }  // namespace
