@@ -67,6 +67,16 @@ struct SServiceRecord {
     SServiceRecord* nextSame = nullptr;  // the next younger record of the store with an equal key
 };
 
+/// One walk of the list, for the life of the object.
+struct SWalk {
+    explicit SWalk(std::size_t& walks) : count(walks) { ++count; }
+    ~SWalk() { --count; }
+    SWalk(const SWalk&) = delete;
+    SWalk& operator=(const SWalk&) = delete;
+
+    std::size_t& count;
+};
+
 SServiceRecord* Record(void* service)
 {
     return static_cast<SServiceRecord*>(service);
@@ -86,10 +96,21 @@ CChannelMapST* SChannelMap::ref = nullptr;
 unsigned int SChannelMap::refCnt = 0;
 
 struct CChannelMapST::SState {
-    std::vector<SServiceRecord*> list;  // in the order they were added; indices survive changes on the way
+    std::vector<SServiceRecord*> list;                          // in the order they were added; null: removed since
+    std::unordered_map<const void*, std::size_t> places;        // in the list
+    std::size_t walks = 0;                                      // of the list under way, which its indices must survive
     std::unordered_map<SKey, SServiceRecord*, SKeyHash> index;  // the oldest record of a key
     std::set<const CChannelMap::SCallback*, std::less<>> callbacks;
     std::mutex mutex;
+
+    /// Closes the gaps of the list.
+    void Compact()
+    {
+        list.erase(std::remove(list.begin(), list.end(), nullptr), list.end());
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            places[list[i]] = i;
+        }
+    }
 };
 
 CChannelMapST::CChannelMapST() : m(nullptr) {}
@@ -176,6 +197,7 @@ void* CChannelMapST::AddService(void* channel, unsigned char groupId, int servic
                     channel, groupId, static_cast<void*>(record), serviceId, majorChannel, minorChannel, simulcastTsid,
                     simulcastMajor, simulcastMinor, broadbandAccessRequired);
             *same = record;
+            m->places.emplace(record, m->list.size());
             m->list.push_back(record);
         }
     }
@@ -195,12 +217,16 @@ bool CChannelMapST::RemoveService(void* service)
     if (!VYR_ASSERT(service, "obj")) {
         return false;
     }
-    const auto place = std::find(m->list.begin(), m->list.end(), service);
-    if (place == m->list.end()) {
+    const auto place = m->places.find(service);
+    if (place == m->places.end()) {
         return false;
     }
-    SServiceRecord* record = *place;
-    m->list.erase(place);
+    SServiceRecord* record = m->list[place->second];
+    m->list[place->second] = nullptr;
+    m->places.erase(place);
+    if (m->walks == 0 && m->list.size() > 2 * m->places.size()) {
+        m->Compact();
+    }
     const auto oldest = m->index.find(record->key);
     SServiceRecord** same = &oldest->second;
     while (*same != record) {
@@ -219,8 +245,11 @@ bool CChannelMapST::GetServiceList(void (*fn)(void*, void*), void* userData)
     if (!VYR_ASSERT(fn, "fn")) {
         return false;
     }
+    const SWalk walk(m->walks);
     for (std::size_t i = 0; i < m->list.size(); ++i) {
-        fn(userData, m->list[i]);
+        if (m->list[i]) {
+            fn(userData, m->list[i]);
+        }
     }
     return true;
 }

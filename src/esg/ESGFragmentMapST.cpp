@@ -1,7 +1,5 @@
 #include "esg/ESGFragmentMapST.h"
 
-#include <algorithm>
-
 #include "common/Log.h"
 
 CESGFragmentMapST::CESGFragmentMapST() : m(nullptr) {}
@@ -16,7 +14,7 @@ bool CESGFragmentMapST::Create()
     if (!VYR_ASSERT(!m, "!m")) {
         return false;
     }
-    m = new std::vector<std::string>;
+    m = new TIds;
     return true;
 }
 
@@ -33,7 +31,7 @@ bool CESGFragmentMapST::Add(const char* id)
     if (!VYR_ASSERT(m, "m") || !id) {
         return false;
     }
-    m->emplace_back(id);
+    m->emplace(id);
     return true;
 }
 
@@ -42,7 +40,7 @@ bool CESGFragmentMapST::Remove(const char* id)
     if (!VYR_ASSERT(m, "m") || !id) {
         return false;
     }
-    const auto found = std::find(m->begin(), m->end(), id);
+    const auto found = m->find(id);
     if (found == m->end()) {
         return false;
     }
@@ -52,5 +50,5 @@ bool CESGFragmentMapST::Remove(const char* id)
 
 bool CESGFragmentMapST::isExisted(const char* id) const
 {
-    return VYR_ASSERT(m, "m != nullptr") && id && std::find(m->begin(), m->end(), id) != m->end();
+    return VYR_ASSERT(m, "m != nullptr") && id && m->find(id) != m->end();
 }

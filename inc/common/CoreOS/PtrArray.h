@@ -4,7 +4,7 @@
 
 /// Growable array of untyped pointers. It owns its elements only in that it hands each one it drops
 /// to the delete callback. The first four slots lie inside the object; after that it grows by eight
-/// slots at a time. Not thread-safe. Only the growth itself can throw (out of memory).
+/// slots at a time, and from 1,024 slots on to twice as many. Not thread-safe. Only the growth itself can throw (out of memory).
 class VYR_API CCPtrArray {
   public:
     /// `cbRemove` is called with `context` and each element that is dropped; it may be null.
@@ -48,8 +48,10 @@ class VYR_API CCPtrArray {
   private:
     static constexpr int k_inlineSlots = 4;
     static constexpr int k_step = 8;
+    static constexpr int k_linear = 1024;
 
     void m_Move(int capacity);
+    int m_NextCapacity() const;
     void m_Grow();
 
     void** m_slots;

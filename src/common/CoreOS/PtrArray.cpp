@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <new>
 
 #include "common/Log.h"
 
@@ -36,10 +37,23 @@ void CCPtrArray::m_Move(int capacity)
     m_capacity = capacity;
 }
 
+/// The next step: eight slots more, and from k_linear slots on twice as many, so that long lists are not copied
+/// once for every eight elements.
+int CCPtrArray::m_NextCapacity() const
+{
+    if (m_capacity < k_linear) {
+        return m_capacity + k_step;
+    }
+    return m_capacity <= INT_MAX / 2 ? m_capacity * 2 : INT_MAX;
+}
+
 void CCPtrArray::m_Grow()
 {
+    if (m_size == INT_MAX) {
+        throw std::bad_array_new_length();
+    }
     if (m_size == m_capacity) {
-        m_Move(m_capacity + k_step);
+        m_Move(m_NextCapacity());
     }
 }
 
@@ -68,7 +82,8 @@ bool CCPtrArray::Set(int index, void* p)
         return false;
     }
     if (index >= m_capacity) {
-        m_Move((index + k_step) & ~(k_step - 1));
+        const int needed = (index + k_step) & ~(k_step - 1);
+        m_Move(m_capacity < k_linear ? needed : std::max(needed, m_NextCapacity()));
     }
     void* old = m_slots[index];
     if (!old) {
