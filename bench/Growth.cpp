@@ -358,7 +358,7 @@ std::vector<SInput> Messages()
                 const std::string one = Descriptor(tag, std::string(size, fill));
                 inputs.push_back({"descriptors " + std::to_string(tag) + " of " + std::to_string(size) + "x" +
                                       std::to_string(static_cast<unsigned char>(fill)),
-                                  Content(6, Repeat(one))});
+                                  Content(9, Repeat(one))});
             }
         }
         mpt("loops of " + std::to_string(tag), Asset("", 0, Descriptor(tag, std::string(19, '\0'))));
@@ -369,19 +369,19 @@ std::vector<SInput> Messages()
             std::string body(1, '\xFF');
             body += std::string(8000, fill);
             inputs.push_back({"assets in " + std::to_string(tag) + "x" + std::to_string(fill),
-                              Content(6, Repeat(Descriptor(tag, body)))});
+                              Content(9, Repeat(Descriptor(tag, body)))});
         }
     }
     const std::string presentations =
         std::string(1, '\x1') + Bytes(0, 4) + "ac-4" + '\xFF' + '\0' + std::string(510, '\0');
-    inputs.push_back({"presentations", Content(6, Repeat(Descriptor(9, presentations)))});
+    inputs.push_back({"presentations", Content(9, Repeat(Descriptor(9, presentations)))});
     const std::string languages = std::string(1, '\x1') + Bytes(0, 4) + "ac-4" + '\xFF' + '\0' +
                                   Repeat(std::string("\1\4\xFF", 3) + std::string(256, '\0'), 60000);
-    inputs.push_back({"languages", Content(6, Descriptor(9, languages))});
+    inputs.push_back({"languages", Content(9, Descriptor(9, languages))});
     const std::string urls = std::string(1, '\xFF') + Repeat(Bytes(0, 4) + '\xFF' + std::string(510, '\0'), 60000);
-    inputs.push_back({"licence urls", Content(6, Descriptor(13, urls))});
+    inputs.push_back({"licence urls", Content(9, Descriptor(13, urls))});
     const std::string vsp = std::string(1, '\xFF') + Repeat(Bytes(0, 4) + "hev1" + '\0' + std::string(13, '\0'), 60000);
-    inputs.push_back({"video assets", Content(6, Descriptor(5, vsp))});
+    inputs.push_back({"video assets", Content(9, Descriptor(5, vsp))});
     std::string pa(1, '\xFF');
     for (int i = 0; i < 255; ++i) {
         pa += Bytes(0, 4);

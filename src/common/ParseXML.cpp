@@ -4,7 +4,7 @@
 
 #include "common/Log.h"
 
-XMLBase::XMLBase() : t_compressed(false) {}
+XMLBase::XMLBase() : t_compressed(false), t_keepsDocument(true) {}
 
 XMLBase::~XMLBase() = default;
 
@@ -36,6 +36,9 @@ bool XMLBase::Parse(const char* buffer, unsigned int length, bool compressed)
         !VYR_CHECK(m_ProcessParse(root), "m_ProcessParse(root)")) {
         XMLBase::Destroy();
         return false;
+    }
+    if (!t_keepsDocument) {
+        XMLBase::Destroy();
     }
     return true;
 }

@@ -41,7 +41,10 @@ struct CRSAT::SState : vyr::SHandlers {
     SService* current = nullptr;  // set while the children of a service are read
 };
 
-CRSAT::CRSAT() : m(nullptr) {}
+CRSAT::CRSAT() : m(nullptr)
+{
+    t_keepsDocument = false;
+}
 
 CRSAT::~CRSAT() = default;
 

@@ -11,7 +11,7 @@ namespace vyr {
 
 /// What the state of every XML table parser begins with; deleting the state lets go of it all.
 struct STable : SHandlers {
-    CXML xml;  ///< document of the last table
+    CXML xml;  ///< document of a table, while it is parsed
 
     ~STable()
     {
@@ -23,7 +23,7 @@ struct STable : SHandlers {
 
 /// The steps that every XML table's t_Parse shares: lets go of the last table's document, builds one
 /// from the item's bytes behind its cursor, moves to the root and calls `process(root)`, whose name in
-/// the log is `step`. A failed step is logged and leaves no document.
+/// the log is `step`, and lets go of the document. A failed step is logged.
 template <class TProcess>
 bool ParseTableDocument(CXML& xml, IParse::SItem* item, bool compressed, const char* step, const SHere& here,
                         TProcess process)
@@ -47,8 +47,9 @@ bool ParseTableDocument(CXML& xml, IParse::SItem* item, bool compressed, const c
     }
     if (failed) {
         CheckFailed(here, failed);
-        xml.Destroy();
     }
+    // What was read of it is copied: the tree, tens of bytes for a byte of text, is not held until the next table.
+    xml.Destroy();
     return !failed;
 }
 
