@@ -9,7 +9,8 @@ struct SXmlChild;
 
 /// Base of every parser of an XML signalling document or of one element inside such a document.
 /// Life: construct, Create, Parse any number of times, Destroy, delete. A document is kept from a
-/// successful Parse to the next Parse or Destroy. An object is used by one thread at a time.
+/// successful Parse to the next Parse or Destroy, unless the class lets go of it. An object is used by one
+/// thread at a time.
 ///
 /// Out of memory is a failed Create or Parse, with a line in the log; what was held before is still held.
 /// Callbacks of subclasses come inside Parse, on its thread. They may call anything of the object but Parse
@@ -48,6 +49,9 @@ class VYR_API XMLBase {
   protected:
     CXML t_xml;         ///< the document, or the view of somebody else's
     bool t_compressed;  ///< the default flag of the two-argument Parse
+    /// Whether a document in memory is kept after its parse; true at first. False in a class whose results are all
+    /// copies: the tree needs tens of bytes for a byte of text.
+    bool t_keepsDocument;
 
   private:
     friend struct vyr::SXmlChild;

@@ -1,13 +1,13 @@
 #pragma once
 
+#include <functional>
+#include <set>
 #include <string>
-#include <vector>
 
 #include "../platform/Api.h"
 
-/// The store behind every CESGFragmentMap: identifiers of fragments in the order of their coming; one may be
-/// there several times. Look-ups take time in proportion to their number. An object that is not created is
-/// asserted ("m"). Not thread-safe.
+/// The store behind every CESGFragmentMap: identifiers of fragments; one may be there several times. It grows
+/// with every Add until Remove or Destroy. An object that is not created is asserted ("m"). Not thread-safe.
 class VYR_API CESGFragmentMapST {
   public:
     CESGFragmentMapST();
@@ -20,13 +20,15 @@ class VYR_API CESGFragmentMapST {
     virtual void Destroy();
     /// Makes the store, empty; a second call is asserted: false.
     bool Create();
-    /// Appends a copy of the identifier. False: null.
+    /// Adds a copy of the identifier. False: null.
     bool Add(const char* id);
-    /// Removes the first of the equal identifiers. False: null, or not there.
+    /// Removes one of the equal identifiers. False: null, or not there.
     bool Remove(const char* id);
     /// Whether the identifier is there. False: null. Asserts "m != nullptr".
     bool isExisted(const char* id) const;
 
   private:
-    std::vector<std::string>* m;
+    using TIds = std::multiset<std::string, std::less<>>;
+
+    TIds* m;
 };

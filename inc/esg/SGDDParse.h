@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+
 #include "../common/ParseXML.h"
 #include "../platform/Api.h"
 #include "ESGElement/DescriptorEntry.h"
@@ -13,7 +15,7 @@ class VYR_API CSGDDParse : public XMLBase {
     struct SSGDDParse {
         TESGText id;                                     ///< id; null: not given
         int version = 0;                                 ///< version
-        TESGText ns;                                     ///< namespace of the element; null: none
+        std::shared_ptr<const char[]> ns;                ///< namespace of the element; null: none
         TOwnedList<CDescriptorEntry> descriptorEntries;  ///< DescriptorEntry
     };
 
@@ -30,8 +32,13 @@ class VYR_API CSGDDParse : public XMLBase {
     const SSGDDParse* State() const;
 
   private:
+    friend class CSGResponse;
     struct SState;
+    /// Copies of the namespaces of a document, by their addresses in it.
+    using TNamespaces = std::map<const char*, std::shared_ptr<const char[]>>;
 
+    /// Lets the next parse share the copies, which outlive it.
+    bool m_Share(TNamespaces* namespaces);
     bool m_ProcessParse(void* root) override;
 
     static void sm_CbDescriptorEntry(CSGDDParse* root, void* curr);

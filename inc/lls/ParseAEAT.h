@@ -1,6 +1,6 @@
 #pragma once
 
-#include <optional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -71,22 +71,22 @@ struct SParseAEAT {
 
     /// One AEA element: an alert.
     struct SAEAInfo {
-        std::string aeaId;                    ///< identifier of the alert
-        std::string issuer;                   ///< who issued it
-        EAEAAudience audience;                ///< whom it is for
-        EAEAType aeaType;                     ///< alert, update or cancel
-        std::string retAEAId;                 ///< the alert that this one updates or cancels
-        EAEAPriority priority;                ///< as the table carries it
-        bool wakeup;                          ///< wakes receivers
-        std::string effective;                ///< xs:dateTime as it stands
-        std::string expires;                  ///< xs:dateTime as it stands
-        std::string eventCode;                ///< code of the event
-        std::string eventCodeType;            ///< scheme of the code, such as "SAME"
-        std::vector<SText> eventDescs;        ///< EventDesc: short descriptions by language
-        std::vector<SLocation> locations;     ///< Location: where
-        std::optional<SLiveMedia> liveMedia;  ///< LiveMedia: the last one
-        std::vector<SText> texts;             ///< AEAText: messages by language
-        std::vector<SMedia> media;            ///< Media: files that go with it
+        std::string aeaId;                      ///< identifier of the alert
+        std::string issuer;                     ///< who issued it
+        EAEAAudience audience;                  ///< whom it is for
+        EAEAType aeaType;                       ///< alert, update or cancel
+        std::string retAEAId;                   ///< the alert that this one updates or cancels
+        EAEAPriority priority;                  ///< as the table carries it
+        bool wakeup;                            ///< wakes receivers
+        std::string effective;                  ///< xs:dateTime as it stands
+        std::string expires;                    ///< xs:dateTime as it stands
+        std::string eventCode;                  ///< code of the event
+        std::string eventCodeType;              ///< scheme of the code, such as "SAME"
+        std::vector<SText> eventDescs;          ///< EventDesc: short descriptions by language
+        std::vector<SLocation> locations;       ///< Location: where
+        std::unique_ptr<SLiveMedia> liveMedia;  ///< LiveMedia: the last one; null: none
+        std::vector<SText> texts;               ///< AEAText: messages by language
+        std::vector<SMedia> media;              ///< Media: files that go with it
     };
 };
 

@@ -15,8 +15,20 @@
 /// inside Parse, on its thread. They may call anything of the object but Parse and Destroy, which are asserted
 /// there ("!m->parsing") and do nothing, and may throw: the exception leaves Parse, and the object can be used
 /// again.
+///
+/// Required: the records of most tables pile up, those of each new table beside all that came before, until
+/// Destroy. Parsers of such tables have an extension, SetReplace(bool), off at first: while it is on, what a
+/// table brings takes the place of what the last table of its group left. A group is the LLS_group_id of the
+/// header, on one channel where the parser is told the channel. A table that does not parse, or is dropped as
+/// a repeated one, leaves what is held, and so does one of another group; what came before SetReplace stays.
 class VYR_API TCParseLLS : public IParse {
   public:
+    /// With SetReplace: records that a group holds at most, all kinds together; what a table brings beyond is
+    /// dropped, with one log line per table.
+    static constexpr int k_maxPerGroup = 1024;
+    /// With SetReplace: groups of a channel that are held at most; tables of others bring nothing, likewise.
+    static constexpr int k_maxGroups = 16;
+
     TCParseLLS();
     ~TCParseLLS() override;
 
@@ -49,6 +61,8 @@ class VYR_API TCParseLLS : public IParse {
   protected:
     /// Parses the payload behind the header.
     virtual bool t_Parse(IParse::SItem* item) = 0;
+    /// LLS_group_id of the table being parsed.
+    unsigned char t_GroupId() const { return m_lastGroupId; }
     /// The process-wide compression switch.
     bool t_DecompressLLS() const;
     /// False, asserted ("!m->parsing"), inside a callback: what Destroy asks.

@@ -20,7 +20,7 @@ struct XMLBase::SKeeper {
     }
 };
 
-XMLBase::XMLBase() : t_compressed(false), m_parsing(false) {}
+XMLBase::XMLBase() : t_compressed(false), t_keepsDocument(true), m_parsing(false) {}
 
 XMLBase::~XMLBase() = default;
 
@@ -52,9 +52,10 @@ try {
         return false;
     }
     void* root = nullptr;
-    document.keep = VYR_CHECK(t_xml.MoveRoot(&root), "t_xml.MoveRoot(&root)") &&
-                    VYR_CHECK(m_ProcessParse(root), "m_ProcessParse(root)");
-    return document.keep;
+    const bool parsed = VYR_CHECK(t_xml.MoveRoot(&root), "t_xml.MoveRoot(&root)") &&
+                        VYR_CHECK(m_ProcessParse(root), "m_ProcessParse(root)");
+    document.keep = parsed && t_keepsDocument;
+    return parsed;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

@@ -1,7 +1,7 @@
 #include "common/RSAT.h"
 
-#include <iterator>
 #include <memory>
+#include <vector>
 
 #include "common/CoreOS/PtrArray.h"
 #include "common/Log.h"
@@ -9,12 +9,17 @@
 
 using vyr::CNodeText;
 
-static void g_CbRemoveService(void* /*context*/, void* element)
-{
-    delete static_cast<SRSATServiceInfo*>(element);
-}
-
 namespace {
+
+/// A service as it is held.
+struct SService : SRSATServiceInfo {
+    std::vector<const SRSATUpdateInfo*> byIndex;  // its updates, which callers ask for one by one
+};
+
+void g_CbRemoveService(void* /*context*/, void* element)
+{
+    delete static_cast<SService*>(element);
+}
 
 /// What a service and an update have in common.
 template <class TInfo>
@@ -33,10 +38,13 @@ struct CRSAT::SState : vyr::SHandlers {
     std::string timestamp;
     std::string RSATInetURL;
     CCPtrArray services{g_CbRemoveService, nullptr};
-    SRSATServiceInfo* current = nullptr;  // set while the children of a service are read
+    SService* current = nullptr;  // set while the children of a service are read
 };
 
-CRSAT::CRSAT() : m(nullptr) {}
+CRSAT::CRSAT() : m(nullptr)
+{
+    t_keepsDocument = false;
+}
 
 CRSAT::~CRSAT() = default;
 
@@ -78,7 +86,7 @@ void CRSAT::sm_CbService(CRSAT* rsat, void* node)
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbService] ");
     SState* m = rsat->m;
-    auto service = std::make_unique<SRSATServiceInfo>();
+    auto service = std::make_unique<SService>();
     ReadBroadcast(*service, node);
     CNodeText::Attribute(node, "validUntil").CopyTo(service->validUntil);
     {
@@ -93,8 +101,9 @@ void CRSAT::sm_CbUpdate(CRSAT* rsat, void* node)
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::sm_CbUpdate]");
     // Outside a service there is nothing to update.
-    if (SRSATServiceInfo* service = rsat->m->current) {
+    if (SService* service = rsat->m->current) {
         SRSATUpdateInfo& update = service->updates.emplace_back();
+        service->byIndex.push_back(&update);
         ReadBroadcast(update, node);
         CNodeText::Attribute(node, "validFrom").CopyTo(update.validFrom);
         VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbUpdate] %d, %d, %s ", update.majorChannelNo, update.minorChannelNo,
@@ -120,7 +129,7 @@ int CRSAT::NumOfService() const
 const SRSATServiceInfo* CRSAT::m_Service(int index) const
 {
     void* service = nullptr;
-    return VYR_ASSERT(m, "m") && m->services.GetAt(index, &service) ? static_cast<SRSATServiceInfo*>(service) : nullptr;
+    return VYR_ASSERT(m, "m") && m->services.GetAt(index, &service) ? static_cast<SService*>(service) : nullptr;
 }
 
 bool CRSAT::GetServiceInfo(int index, SRSATServiceInfo* info) const
@@ -145,9 +154,9 @@ int CRSAT::NumOfUpdate(int service) const
 
 bool CRSAT::GetUpdateInfo(int service, int update, SRSATUpdateInfo* info) const
 {
-    const SRSATServiceInfo* record = m_Service(service);
-    if (!record || update < 0 || update >= static_cast<int>(record->updates.size()) || !VYR_ASSERT(info, "info")) {
+    const auto* record = static_cast<const SService*>(m_Service(service));
+    if (!record || update < 0 || update >= static_cast<int>(record->byIndex.size()) || !VYR_ASSERT(info, "info")) {
         return false;
     }
-    return vyr::Give(*std::next(record->updates.begin(), update), *info);
+    return vyr::Give(*record->byIndex[static_cast<std::size_t>(update)], *info);
 }

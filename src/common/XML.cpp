@@ -192,6 +192,37 @@ class CExpansion {
     std::unordered_map<xmlEntityPtr, SCost> m_known;
 };
 
+/// Appends what the nodes of an attribute's value stand for. xmlGetProp copies all that it has for every
+/// entity reference anew, which makes a value of many references quadratic.
+void AppendValue(xmlBufferPtr out, xmlDocPtr doc, const xmlNode* node)
+{
+    for (; node; node = node->next) {
+        if (node->type != XML_ENTITY_REF_NODE) {
+            if (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE) {
+                xmlBufferCat(out, node->content);
+            }
+        } else if (const xmlEntityPtr entity = xmlGetDocEntity(doc, node->name)) {
+            AppendValue(out, doc, entity->children);
+        } else {
+            xmlBufferCat(out, node->content);
+        }
+    }
+}
+
+/// The value of an attribute of several nodes, to be freed with xmlFree; null when memory is out.
+xmlChar* AttributeValue(const xmlAttr* attribute)
+{
+    xmlBufferPtr buffer = xmlBufferCreate();
+    if (!buffer) {
+        return nullptr;
+    }
+    xmlBufferSetAllocationScheme(buffer, XML_BUFFER_ALLOC_DOUBLEIT);
+    AppendValue(buffer, attribute->doc, attribute->children);
+    xmlChar* value = xmlBufferDetach(buffer);
+    xmlBufferFree(buffer);
+    return value ? value : xmlStrdup(AsName(""));
+}
+
 struct SContextDeleter {
     void operator()(xmlParserCtxtPtr context) const { xmlFreeParserCtxt(context); }
 };
@@ -234,6 +265,10 @@ TContext NewContext()
         context->keepBlanks = 1;
         if (context->sax) {
             context->sax->ignorableWhitespace = context->sax->characters;
+            // Faults are shown at debug priority only; else nobody need put their place in the text into words.
+            if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+                context->sax->serror = [](void*, auto*) {};
+            }
         }
     }
     return context;
@@ -680,7 +715,7 @@ CNodeText CNodeText::Attribute(void* node, const char* name)
         if (!value->next && value->type == XML_TEXT_NODE && value->content) {
             return {AsText(value->content), false};
         }
-        return {AsText(Allocated(xmlGetProp(element, AsName(name)))), true};
+        return {AsText(Allocated(AttributeValue(attribute))), true};
     }
     if (!element->doc || !element->doc->intSubset) {
         return {nullptr, false};
@@ -766,6 +801,13 @@ void* FindElement(void* node, const char* name)
         element = element->next;
     }
     return element;
+}
+
+const char* NodeNamespace(void* node)
+{
+    // Only elements have the field; other nodes hold something else there.
+    const xmlNsPtr ns = AsNode(node)->type == XML_ELEMENT_NODE ? AsNode(node)->ns : nullptr;
+    return ns ? AsText(ns->href) : nullptr;
 }
 
 const char* NodeName(void* node)
@@ -914,13 +956,11 @@ char* CXML::Ns(void* node, bool* found) const
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(node, "node")) {
         return nullptr;
     }
-    // Only elements have the field; other nodes hold something else there.
-    const xmlNsPtr ns = AsNode(node)->type == XML_ELEMENT_NODE ? AsNode(node)->ns : nullptr;
-    const bool has = ns && ns->href;
+    const char* uri = vyr::NodeNamespace(node);
     if (found) {
-        *found = has;
+        *found = uri != nullptr;
     }
-    const char* uri = has ? AsText(ns->href) : "";
+    uri = uri ? uri : "";
     return NewCopy(uri, std::strlen(uri));
 }
 
@@ -945,8 +985,8 @@ try {
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(out, "out")) {
         return false;
     }
-    const xmlNodePtr element = AsNode(node);
-    xmlChar* value = element && element->type == XML_ELEMENT_NODE && name ? xmlGetProp(element, AsName(name)) : nullptr;
+    const CNodeText text = CNodeText::Attribute(node, name);
+    xmlChar* value = text.Found() ? xmlStrdup(AsName(text.Text())) : nullptr;
     if (!value) {
         return false;
     }

@@ -45,6 +45,8 @@ void* FirstElement(void* node);
 void* NextElement(void* node);
 /// The first element of that local name among the node and its following siblings; null: none.
 void* FindElement(void* node, const char* name);
+/// Namespace of an element, as libxml2 holds it; null: none. Elements of one declaration give one address.
+const char* NodeNamespace(void* node);
 /// Local name of an element or any other node.
 const char* NodeName(void* node);
 

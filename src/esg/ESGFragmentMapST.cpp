@@ -1,7 +1,5 @@
 #include "esg/ESGFragmentMapST.h"
 
-#include <algorithm>
-
 #include "common/Log.h"
 #include "common/OutOfMemory.h"
 
@@ -17,7 +15,7 @@ try {
     if (!VYR_ASSERT(!m, "!m")) {
         return false;
     }
-    m = new std::vector<std::string>;
+    m = new TIds;
     return true;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
@@ -36,7 +34,7 @@ try {
     if (!VYR_ASSERT(m, "m") || !id) {
         return false;
     }
-    m->emplace_back(id);
+    m->emplace(id);
     return true;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
@@ -47,7 +45,7 @@ bool CESGFragmentMapST::Remove(const char* id)
     if (!VYR_ASSERT(m, "m") || !id) {
         return false;
     }
-    const auto found = std::find(m->begin(), m->end(), id);
+    const auto found = m->find(id);
     if (found == m->end()) {
         return false;
     }
@@ -57,5 +55,5 @@ bool CESGFragmentMapST::Remove(const char* id)
 
 bool CESGFragmentMapST::isExisted(const char* id) const
 {
-    return VYR_ASSERT(m, "m != nullptr") && id && std::find(m->begin(), m->end(), id) != m->end();
+    return VYR_ASSERT(m, "m != nullptr") && id && m->find(id) != m->end();
 }

@@ -1,13 +1,19 @@
 #include "esg/SGDDParse.h"
 
+#include <cstring>
+
 #include "common/XmlParser.h"
 #include "esg/ESGKind.h"
 
 struct CSGDDParse::SState : vyr::SHandlers {
     SSGDDParse values;
+    TNamespaces* namespaces = nullptr;  // of the document, while it is parsed with others of its kind
 };
 
-CSGDDParse::CSGDDParse() : m(nullptr) {}
+CSGDDParse::CSGDDParse() : m(nullptr)
+{
+    t_keepsDocument = false;
+}
 
 CSGDDParse::~CSGDDParse()
 {
@@ -37,6 +43,12 @@ void CSGDDParse::SetCompress(bool compressed)
     t_compressed = compressed;
 }
 
+bool CSGDDParse::m_Share(TNamespaces* namespaces)
+{
+    m->namespaces = namespaces;
+    return true;
+}
+
 bool CSGDDParse::m_ProcessParse(void* root)
 {
     if (!VYR_ASSERT(m, "m != nullptr")) {
@@ -48,7 +60,15 @@ bool CSGDDParse::m_ProcessParse(void* root)
     }
     vyr::ReadAttribute(node, "id", m->values.id);
     vyr::ReadAttribute(node, "version", m->values.version);
-    m->values.ns = vyr::Namespace(t_xml, node);
+    // The declaration may stand once above a thousand descriptors, and be as long as them all.
+    TNamespaces own;
+    TNamespaces& namespaces = m->namespaces ? *m->namespaces : own;
+    m->namespaces = nullptr;
+    const char* ns = vyr::NodeNamespace(node);
+    m->values.ns = ns ? namespaces[ns] : nullptr;
+    if (ns && !m->values.ns) {
+        m->values.ns = namespaces[ns] = vyr::NewText(ns, std::strlen(ns));
+    }
     vyr::DispatchChildren(this, m->handlers, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }

@@ -5,9 +5,13 @@
 
 struct CSGResponse::SState : vyr::SHandlers {
     SSGResponse values;
+    CSGDDParse::TNamespaces namespaces;  // of the document, while it is parsed
 };
 
-CSGResponse::CSGResponse() : m(nullptr) {}
+CSGResponse::CSGResponse() : m(nullptr)
+{
+    t_keepsDocument = false;
+}
 
 CSGResponse::~CSGResponse()
 {
@@ -58,7 +62,9 @@ bool CSGResponse::m_ProcessParse(void* root)
     }
     vyr::ReadAttribute(node, "status", m->values.status);
     vyr::ReadAttribute(node, "lastResponseVersion", m->values.lastResponseVersion);
+    m->namespaces.clear();
     vyr::DispatchChildren(this, m->handlers, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    m->namespaces.clear();
     return true;
 }
 
@@ -72,7 +78,9 @@ void CSGResponse::sm_CbSupportedVersionEntry(CSGResponse* root, void* curr)
 void CSGResponse::sm_CbSGDDEntry(CSGResponse* root, void* curr)
 {
     static constexpr vyr::SChildSteps k_steps = {"entry->Create()", "entry->Parse(root->t_xml.Doc(), curr)"};
-    if (auto entry = vyr::BuildXmlChild<CSGDDParse>(root->t_xml.Doc(), curr, k_steps, VYR_HERE)) {
+    if (auto entry =
+            vyr::BuildXmlChild<CSGDDParse>(root->t_xml.Doc(), curr, k_steps, VYR_HERE,
+                                           [root](CSGDDParse& fresh) { return fresh.m_Share(&root->m->namespaces); })) {
         root->m->values.descriptors.push_back(std::move(entry));
     }
 }

@@ -179,10 +179,10 @@ void CParseAEAT::sm_CbAEAText(CParseAEAT* parser, void* node)
 void CParseAEAT::sm_CbLiveMedia(CParseAEAT* parser, void* node)
 {
     if (SAEAInfo* alert = parser->m->current) {
-        alert->liveMedia =
-            SParseAEAT::SLiveMedia{static_cast<unsigned short>(CNodeText::Attribute(node, "bsid").Int(0)),
-                                   static_cast<unsigned short>(CNodeText::Attribute(node, "serviceId").Int(0)),
-                                   {}};
+        alert->liveMedia.reset(
+            new SParseAEAT::SLiveMedia{static_cast<unsigned short>(CNodeText::Attribute(node, "bsid").Int(0)),
+                                       static_cast<unsigned short>(CNodeText::Attribute(node, "serviceId").Int(0)),
+                                       {}});
     }
     vyr::DispatchChildren(parser, parser->m->handlers, node, vyr::LOG_HANDLED_CHILDREN,
                           "[CParseAEAT::sm_CbLiveMedia] %s", VYR_HERE);

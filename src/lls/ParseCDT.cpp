@@ -21,6 +21,7 @@ struct CParseCDT::SState : vyr::STable {
     std::string cmsSignedData;
     std::list<std::string> certificates;
     std::list<std::string> ocspResponses;
+    bool inToBeSigned = false;  // set while the children of a ToBeSignedData are read
 };
 
 CParseCDT::CParseCDT() : m(nullptr) {}
@@ -77,6 +78,7 @@ bool CParseCDT::m_ProcessParseCDT(void* root)
     if (!m->xml.Compare(root, "CertificationData")) {
         return false;
     }
+    m->inToBeSigned = false;
     vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CParseCDT::m_ProcessParseCDT] Name[%s]",
                           VYR_HERE);
     return true;
@@ -86,8 +88,16 @@ void CParseCDT::sm_CbToBeSignedData(CParseCDT* parser, void* node)
 {
     parser->m->certificates.clear();
     parser->m->ocspResponses.clear();
+    SState* m = parser->m;
+    const bool outermost = !m->inToBeSigned;
+    m->inToBeSigned = true;
     parser->m_OnToBeSigendData(node);
-    parser->m_DumpToBeSigendData(node);
+    m->inToBeSigned = !outermost;
+    // The text of one inside another is overwritten by that of the outer one: it is made only where its size
+    // is logged.
+    if (outermost || vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        parser->m_DumpToBeSigendData(node);
+    }
 }
 
 bool CParseCDT::m_OnToBeSigendData(void* node)

@@ -11,7 +11,7 @@ namespace vyr {
 
 /// What the state of every XML table parser begins with; deleting the state lets go of it all.
 struct STable : SHandlers {
-    CXML xml;  ///< document of the last table
+    CXML xml;  ///< document of a table, while it is parsed
 
     ~STable()
     {
@@ -23,7 +23,7 @@ struct STable : SHandlers {
 
 /// The steps that every XML table's t_Parse shares: lets go of the last table's document, builds one
 /// from the item's bytes behind its cursor, moves to the root and calls `process(root)`, whose name in
-/// the log is `step`. A failed step is logged and leaves no document.
+/// the log is `step`, and lets go of the document. A failed step is logged.
 template <class TProcess>
 bool ParseTableDocument(CXML& xml, IParse::SItem* item, bool compressed, const char* step, const SHere& here,
                         TProcess process)
@@ -31,18 +31,19 @@ bool ParseTableDocument(CXML& xml, IParse::SItem* item, bool compressed, const c
     if (xml.FlagCreate()) {
         xml.Destroy();
     }
-    /// Lets go of the document of a table that failed, or that an exception ended.
-    struct SKeeper {
+    /// Lets go of the document. What was read of it is copied: the tree, tens of bytes for a byte of text, is not
+    /// held until the next table.
+    struct SHolder {
         CXML& document;
-        bool keep = false;
 
-        ~SKeeper()
+        ~SHolder()
         {
-            if (!keep && document.FlagCreate()) {
+            if (document.FlagCreate()) {
                 document.Destroy();
             }
         }
-    } keeper{xml};
+    };
+    const SHolder holder{xml};
     const unsigned int start = item->bitpos / 8;
     const unsigned int length = start <= item->size ? item->size - start : 0;
     // A length that no document has becomes one that the document refuses.
@@ -57,8 +58,7 @@ bool ParseTableDocument(CXML& xml, IParse::SItem* item, bool compressed, const c
     } else if (!process(root)) {
         failed = step;
     }
-    keeper.keep = !failed || CheckFailed(here, failed);
-    return keeper.keep;
+    return !failed || CheckFailed(here, failed);
 }
 
 }  // namespace vyr

@@ -4,8 +4,9 @@
 
 /// Growable array of untyped pointers. It owns its elements only in that it hands each one it drops
 /// to the delete callback. The first four slots lie inside the object; after that it grows by eight
-/// slots at a time. Not thread-safe. When memory is out, what would grow it gives false and changes
-/// nothing; only a slot count whose size in bytes overflows throws (std::bad_array_new_length).
+/// slots at a time, and from 1,024 slots on to twice as many. Not thread-safe. When memory is out, what would
+/// grow it gives false and changes nothing; only a slot count whose size in bytes overflows throws
+/// (std::bad_array_new_length).
 class VYR_API CCPtrArray {
   public:
     /// `cbRemove` is called with `context` and each element that is dropped; it may be null.
@@ -49,8 +50,10 @@ class VYR_API CCPtrArray {
   private:
     static constexpr int k_inlineSlots = 4;
     static constexpr int k_step = 8;
+    static constexpr int k_linear = 1024;
 
     bool m_Move(int capacity);
+    int m_NextCapacity() const;
     bool m_Grow();
 
     void** m_slots;

@@ -34,6 +34,11 @@ class VYR_API CMMTElementLocation : public IMMTParser {
     CLocationUnitBase* Location() const { return m_pLocation.get(); }
 
   private:
+    /// Lets go of a unit; those of type 7, which have nothing of their own, are one and the same.
+    struct SRelease {
+        void operator()(CLocationUnitBase* unit) const;
+    };
+
     unsigned int m_locationType;
-    std::unique_ptr<CLocationUnitBase> m_pLocation;
+    std::unique_ptr<CLocationUnitBase, SRelease> m_pLocation;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <new>
 
 #include "common/Log.h"
 #include "common/OutOfMemory.h"
@@ -42,9 +43,22 @@ try {
     return vyr::OutOfMemory(VYR_HERE);
 }
 
+/// The next step: eight slots more, and from k_linear slots on twice as many, so that long lists are not copied
+/// once for every eight elements.
+int CCPtrArray::m_NextCapacity() const
+{
+    if (m_capacity < k_linear) {
+        return m_capacity + k_step;
+    }
+    return m_capacity <= INT_MAX / 2 ? m_capacity * 2 : INT_MAX;
+}
+
 bool CCPtrArray::m_Grow()
 {
-    return m_size < m_capacity || m_Move(m_capacity + k_step);
+    if (m_size == INT_MAX) {
+        throw std::bad_array_new_length();
+    }
+    return m_size < m_capacity || m_Move(m_NextCapacity());
 }
 
 bool CCPtrArray::Add(void* p)
@@ -75,8 +89,11 @@ bool CCPtrArray::Set(int index, void* p)
     if (!VYR_ASSERT(0 <= index && index <= INT_MAX - k_step, "0 <= index")) {
         return false;
     }
-    if (index >= m_capacity && !m_Move((index + k_step) & ~(k_step - 1))) {
-        return false;
+    if (index >= m_capacity) {
+        const int needed = (index + k_step) & ~(k_step - 1);
+        if (!m_Move(m_capacity < k_linear ? needed : std::max(needed, m_NextCapacity()))) {
+            return false;
+        }
     }
     void* old = m_slots[index];
     if (!old) {

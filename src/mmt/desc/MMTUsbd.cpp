@@ -54,7 +54,10 @@ struct CMMTUsbd::SState : vyr::SHandlers {
     SMMTUsbd values;
 };
 
-CMMTUsbd::CMMTUsbd() : m(nullptr) {}
+CMMTUsbd::CMMTUsbd() : m(nullptr)
+{
+    t_keepsDocument = false;
+}
 
 CMMTUsbd::~CMMTUsbd() = default;
 

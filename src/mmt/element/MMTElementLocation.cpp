@@ -7,21 +7,34 @@
 
 namespace {
 
-using CUnit = std::unique_ptr<CLocationUnitBase>;
-
 template <class T>
-CUnit Make()
+CLocationUnitBase* Make()
 {
-    return std::make_unique<T>();
+    return new T;
+}
+
+/// Locations of type 7 are a byte each, and there can be 255 in every asset.
+CLocationUnitBase* Unit7()
+{
+    static CLocationUnit7 s_unit;
+    return &s_unit;
 }
 
 /// By location_type.
-constexpr CUnit (*k_units[])() = {
-    Make<CLocationUnit0>, Make<CLocationUnit1>, Make<CLocationUnit2>, Make<CLocationUnit3>, Make<CLocationUnit4>,
-    Make<CLocationUnit5>, Make<CLocationUnit6>, Make<CLocationUnit7>, Make<CLocationUnit8>, Make<CLocationUnit9>,
-    Make<CLocationUnitA>, Make<CLocationUnitB>, Make<CLocationUnitC>};
+constexpr CLocationUnitBase* (*k_units[])() = {
+    Make<CLocationUnit0>, Make<CLocationUnit1>, Make<CLocationUnit2>, Make<CLocationUnit3>,
+    Make<CLocationUnit4>, Make<CLocationUnit5>, Make<CLocationUnit6>, Unit7,
+    Make<CLocationUnit8>, Make<CLocationUnit9>, Make<CLocationUnitA>, Make<CLocationUnitB>,
+    Make<CLocationUnitC>};
 
 }  // namespace
+
+void CMMTElementLocation::SRelease::operator()(CLocationUnitBase* unit) const
+{
+    if (unit != Unit7()) {
+        delete unit;
+    }
+}
 
 CMMTElementLocation::CMMTElementLocation() : m_locationType(0) {}
 
@@ -37,7 +50,7 @@ try {
     if (!item || !item->valid || m_locationType >= std::size(k_units)) {
         return false;
     }
-    m_pLocation = k_units[m_locationType]();
+    m_pLocation.reset(k_units[m_locationType]());
     if (!m_pLocation->Parse(item)) {
         m_pLocation.reset();
     }

@@ -63,7 +63,10 @@ struct CEFDT::SState : vyr::SHandlers {
     SEFDTInfoCallback callback{};
 };
 
-CEFDT::CEFDT() : m(nullptr) {}
+CEFDT::CEFDT() : m(nullptr)
+{
+    t_keepsDocument = false;
+}
 
 CEFDT::~CEFDT() = default;
 

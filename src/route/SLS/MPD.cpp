@@ -201,7 +201,10 @@ struct CMPD::SState : vyr::SHandlers {
     static void sm_CbEventStream(SState* m, void* node);
 };
 
-CMPD::CMPD() : m(nullptr) {}
+CMPD::CMPD() : m(nullptr)
+{
+    t_keepsDocument = false;
+}
 
 CMPD::~CMPD() = default;
 

@@ -29,7 +29,10 @@ struct CROUTEUsbd::SState : vyr::SHandlers {
     SROUTEUsbd values;
 };
 
-CROUTEUsbd::CROUTEUsbd() : m(nullptr) {}
+CROUTEUsbd::CROUTEUsbd() : m(nullptr)
+{
+    t_keepsDocument = false;
+}
 
 CROUTEUsbd::~CROUTEUsbd() = default;
 

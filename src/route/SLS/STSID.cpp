@@ -18,7 +18,10 @@ struct CSTSID::SState : vyr::SHandlers {
     }
 };
 
-CSTSID::CSTSID() : m(nullptr) {}
+CSTSID::CSTSID() : m(nullptr)
+{
+    t_keepsDocument = false;
+}
 
 CSTSID::~CSTSID() = default;
 

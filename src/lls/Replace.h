@@ -1,0 +1,124 @@
+#pragma once
+
+#include <map>
+#include <tuple>
+#include <vector>
+
+#include "common/CoreOS/PtrArray.h"
+#include "common/Log.h"
+#include "lls/ParseLLS.h"
+
+namespace vyr {
+
+/// A record as a table parser holds it.
+template <class TRecord>
+struct THeld : TRecord {
+    unsigned short group = 0;  ///< CReplace::Group() of its table
+};
+
+/// What SetReplace is in the parsers of tables: the records that a table brings take the place of those that
+/// the last table of its group left, and there is an end to how many are held. While it is off, tables pile up.
+class CReplace {
+  public:
+    /// Channel context, group of the table's header, group that the caller gave.
+    using TGroup = std::tuple<const void*, unsigned char, unsigned char>;
+
+    void Set(bool on) { m_on = on; }
+    bool On() const { return m_on; }
+
+    /// A table begins.
+    void Begin(const TGroup& group)
+    {
+        m_refused = 0;
+        m_left = m_on ? TCParseLLS::k_maxPerGroup : 0;
+        m_group = m_on ? m_Number(group) : 0;
+    }
+    /// What the records of the table carry; 0: they are never replaced.
+    unsigned short Group() const { return m_group; }
+    /// Whether the table may bring one record more.
+    bool Take()
+    {
+        if (m_on && (m_group == 0 || m_left-- <= 0)) {
+            ++m_refused;
+            return false;
+        }
+        return true;
+    }
+
+    /// Drops what the table's group held before, in an array of pointers to THeld<TRecord> whose first `held`
+    /// elements are older than the table.
+    template <class TRecord>
+    void Drop(CCPtrArray& list, int held) const
+    {
+        if (m_group == 0) {
+            return;
+        }
+        struct SOld {
+            const CCPtrArray& list;
+            int held;
+            unsigned short group;
+        } old = {list, held, m_group};
+        list.RemoveIf(
+            [](void* user, int i) {
+                const auto* o = static_cast<const SOld*>(user);
+                return i < o->held && static_cast<const THeld<TRecord>*>(o->list.Data(i))->group == o->group;
+            },
+            &old);
+    }
+    /// The same in a vector of records.
+    template <class TRecord>
+    void Drop(std::vector<THeld<TRecord>>& list, std::size_t held) const
+    {
+        if (m_group == 0) {
+            return;
+        }
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            if (i >= held || list[i].group != m_group) {
+                if (kept != i) {
+                    list[kept] = std::move(list[i]);
+                }
+                ++kept;
+            }
+        }
+        list.resize(kept);
+    }
+    /// The table is over: says how much of it was refused, if any.
+    void End(const char* className, const SHere& here) const
+    {
+        if (m_refused > 0 && LogEnabled(LOG_PRIORITY_INFO)) {
+            Print(LOG_PRIORITY_INFO, here, "[%s::t_Parse] %d records dropped: a group holds %d, a channel %d groups",
+                  className, m_refused, TCParseLLS::k_maxPerGroup, TCParseLLS::k_maxGroups);
+        }
+    }
+
+  private:
+    /// The number of a group; 0: there are too many.
+    unsigned short m_Number(const TGroup& group)
+    {
+        const auto known = m_groups.find(group);
+        if (known != m_groups.end()) {
+            return known->second;
+        }
+        const void* channel = std::get<0>(group);
+        const auto first = m_groups.lower_bound(TGroup(channel, 0, 0));
+        int count = 0;
+        for (auto it = first; it != m_groups.end() && std::get<0>(it->first) == channel; ++it) {
+            ++count;
+        }
+        if (count >= TCParseLLS::k_maxGroups || m_groups.size() >= 0xFFFF) {
+            return 0;
+        }
+        const auto number = static_cast<unsigned short>(m_groups.size() + 1);
+        m_groups.emplace(group, number);
+        return number;
+    }
+
+    bool m_on = false;
+    unsigned short m_group = 0;
+    int m_left = 0;
+    int m_refused = 0;
+    std::map<TGroup, unsigned short> m_groups;
+};
+
+}  // namespace vyr
