@@ -90,7 +90,7 @@ void CRSAT::sm_CbService(CRSAT* rsat, void* node)
     ReadBroadcast(*service, node);
     CNodeText::Attribute(node, "validUntil").CopyTo(service->validUntil);
     {
-        const vyr::CScoped<SRSATServiceInfo*> current(m->current, service.get(), nullptr);
+        const vyr::CScoped<SService*> current(m->current, service.get(), nullptr);
         vyr::DispatchChildren(rsat, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
     }
     vyr::Append(m->services, std::move(service));
