@@ -18,4 +18,5 @@ if(NOT VYR_SANITIZE)
     COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-symbols $<TARGET_FILE:vyr-atsc30-parser>)
   add_test(NAME installed-tree
     COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-install ${PROJECT_BINARY_DIR} ${CMAKE_CXX_COMPILER})
+  add_test(NAME installed-variants COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-builds ${CMAKE_CXX_COMPILER})
 endif()
