@@ -13,9 +13,10 @@ target_include_directories(vyr-headers-alone PRIVATE ${PROJECT_SOURCE_DIR}/inc)
 target_compile_definitions(vyr-headers-alone PRIVATE ${vyr_standard_library})
 vyr_warnings(vyr-headers-alone)
 
-if(NOT VYR_SANITIZE)
+if(NOT VYR_SANITIZE AND vyr_library_type STREQUAL "SHARED")
   add_test(NAME exported-symbols
     COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-symbols $<TARGET_FILE:vyr-atsc30-parser>)
   add_test(NAME installed-tree
     COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-install ${PROJECT_BINARY_DIR} ${CMAKE_CXX_COMPILER})
+  add_test(NAME installed-variants COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-builds ${CMAKE_CXX_COMPILER})
 endif()

@@ -84,6 +84,7 @@ TEST_F(TimeUtilityTest, DateTimesInSeveralZones)
                    {"2027-01-15T12:30:45+09:00", 1800016245, false},
                    {"2027-07-15T12:30:45", 1815654645, true},
                    {"2027-13-01T00:00:00", 1830297600, false},
+                   {"2040-01-15T12:30:45", 2210243445, false},  // past what 32 bits hold
                    {"1969-12-31T23:59:58", -2, false}};
     for (const auto& zone : k_zones) {
         SetZone(zone.zone);

@@ -1,8 +1,8 @@
-// Classes of a program that happen to be named like some of the library's. None of them is ever used.
+// Classes of a program that happen to be named like some of the library's, visible to it. None is ever used.
 #include <cstdlib>
 
 #define OWN(name)                                           \
-    class name {                                            \
+    class __attribute__((visibility("default"))) name {     \
       public:                                               \
         name() { std::abort(); }                            \
         virtual ~name() { std::abort(); }                   \

@@ -121,7 +121,7 @@ TEST_F(ParseCDTTest, RealTable)
     EXPECT_TRUE(m_cdt.GetCertificates(certificates) && certificates.size() == 3);
     EXPECT_TRUE(m_cdt.GetOCSPResponse(responses) && responses.size() == 1);
     std::string next, cms;
-    long from = 0, until = 0;
+    long long from = 0, until = 0;
     int refresh = 0;
     EXPECT_TRUE(m_cdt.GetCertReplacement(next, from, until) && from == 1809129600 + 1 && until == 1810384200 + 1);
     EXPECT_TRUE(m_cdt.GetOCSPRefresh(refresh) && refresh == 604800);

@@ -231,7 +231,7 @@ TEST_F(MMTMsgTest, PaCarriesTables)
     EXPECT_EQ(Logged("_CHECK FAIL: src/mmt/msg/MMTMsgPa:89, p_tbl = CMMTTblFactory::GenerateTbl(item)"), 1);
     EXPECT_FALSE(SFed(pa, MmtMessage(0, 32, list + MmtPaTable() + "\x24")).result);
     EXPECT_EQ(Logged("invalid table id[0x24]"), 1);
-    EXPECT_FALSE(SFed(pa, MmtMessage(0, 32, list + MmtTable(0x11, ""))).result || pa.Table(0));
+    EXPECT_FALSE(SFed(pa, MmtMessage(0, 32, list + MmtTable(0x12, "\2\1\x9"))).result || pa.Table(0));
     EXPECT_EQ(Logged("_CHECK FAIL: src/mmt/msg/MMTMsgPa:90, p_tbl->Parse(item)"), 1);
     EXPECT_FALSE(SFed(pa, MmtMessage(0, 32, list.substr(0, 12))).result || pa.Table(0));
     EXPECT_EQ(pa.TableCount(), 2);
