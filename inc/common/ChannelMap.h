@@ -13,16 +13,26 @@
 /// are numbers: a.b.c.d is a x 2^24 + b x 2^16 + c x 2^8 + d; 0xFFFFFFFF stands for "not set", as
 /// 0xFFFF does for ports.
 ///
-/// Threads: AddService may be called from several at once; of the other operations on the store only
-/// one may run at a time, and nothing may be removed while a list is walked. Handles are created and
-/// destroyed on one thread.
+/// Threads: every operation may be called from several at once, on handles of their own; a handle is
+/// created, destroyed and given a callback on one thread. A service that another thread may remove is
+/// as good as gone.
 ///
-/// A handle that is not created is asserted ("m"), a null service too ("obj"); the result is then
-/// false or null, and outputs are untouched. A mutex that cannot be locked throws std::system_error.
+/// A handle that is not created is asserted ("m"), a service that is null or neither in the store nor
+/// a copy too ("obj"); the result is then false or null, and outputs are untouched. Out of memory is
+/// false or null, with a line in the log, and changes nothing. A mutex that cannot be locked throws
+/// std::system_error.
 class VYR_API CChannelMap {
   public:
-    /// What a caller registers. Called after a service was added or announced again, on the thread
-    /// that added it and outside the store's lock: it may call back into the map.
+    /// What a caller registers. Called inside AddService, on the thread that adds, after a service was
+    /// added or announced again and outside the store's lock. The service has the numbers given to
+    /// AddService; what setters say of it is not there yet: the SLT parser announces a service before it
+    /// sets its name. It is good until it is removed.
+    ///
+    /// It may call everything of the map: add and remove services, this one included (AddService then
+    /// gives null), register and take back callbacks, its own included (new ones are told from the next
+    /// service on), and destroy handles, but for the last one, whose Destroy is asserted ("!m->visited")
+    /// and does nothing. It may throw; the service is added, and those not told yet are not told. One
+    /// taken back from another thread may be in its last call still.
     struct SCallback {
         void* userData;                             ///< handed back to fn
         void (*fn)(void* userData, void* service);  ///< told of the service; null: nobody
@@ -36,14 +46,16 @@ class VYR_API CChannelMap {
 
     /// Joins the store, making it if this is the first handle. False when created already (asserted).
     bool Create();
-    /// Takes back the callback and leaves the store; the last handle frees it.
+    /// Takes back the callback and leaves the store; the last handle frees it. Inside a callback or a
+    /// walk of GetServiceList, on whatever thread, the last handle stays (asserted, "!m->visited").
     void Destroy();
     /// Registers a copy of `callback` in place of the one this handle registered before; null only
     /// takes that one back. True when one is registered now.
     bool SetCallback(const SCallback* callback);
 
     /// Adds a service, or finds the one with the same nine values (all but `existed`), whose other
-    /// fields stay as they are. Both are notified. `existed` may be null.
+    /// fields stay as they are. Both are notified. `existed` may be null. Null: memory is out, or a callback
+    /// removed the service.
     /// `channel` is the caller's transport context, `groupId` the LLS_group_id that announced the
     /// service; the numbers are serviceId, majorChannelNo, minorChannelNo and the SimulcastTSID
     /// fields of the SLT (ATSC A/331 table 6.2).
@@ -52,7 +64,9 @@ class VYR_API CChannelMap {
                      bool* existed);
     /// Removes and frees a service; false when the store has no such service. Nobody is notified.
     bool RemoveService(void* service);
-    /// Calls `fn` for every service in the order they were added.
+    /// Calls `fn` for every service in the order they were added, on this thread and outside the store's
+    /// lock. It may call everything of the map, as SCallback says: services that it removes are not met
+    /// any more, those that it adds are.
     bool GetServiceList(void (*fn)(void* userData, void* service), void* userData);
 
     /// The channel context given to AddService.
@@ -108,7 +122,7 @@ class VYR_API CChannelMap {
     /// Copy of a service outside the store, to be freed with DeleteClonedService; null when one of its
     /// texts is longer than 1,000,000 bytes.
     void* CloneService(void* service);
-    /// Frees a copy made by CloneService (and nothing else).
+    /// Frees a copy made by CloneService; anything else is asserted ("obj"): false.
     bool DeleteClonedService(void* service);
 
   private:

@@ -44,7 +44,8 @@ struct SParseRRT {
 /// range is logged: false or 0, outputs untouched. An object that is not created is asserted ("m").
 class VYR_API CParseRRT : public TCParseLLS {
   public:
-    /// Told after each table that parsed, with the number 1.
+    /// Told with the number 1 after each table that parsed, inside Parse and on its thread: its regions are
+    /// held. What it may call: see TCParseLLS.
     struct SCallback {
         void* userData;                          ///< handed back to fn
         void (*fn)(void* userData, int result);  ///< null: nobody is told

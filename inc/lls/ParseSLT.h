@@ -64,7 +64,9 @@ struct SParseSLT {
 /// An object that is not created is asserted ("m"); results are then false, 0 or empty.
 class VYR_API CParseSLT : public TCParseLLS {
   public:
-    /// Told after each table that parsed, with the number 1.
+    /// Told with the number 1 after each table that parsed, inside Parse and on its thread: the services
+    /// are held, and have been offered to the channel map with all that it keeps of them. What it may call:
+    /// see TCParseLLS.
     struct SCallback {
         void* userData;                          ///< handed back to fn
         void (*fn)(void* userData, int result);  ///< null: nobody is told
@@ -80,8 +82,9 @@ class VYR_API CParseSLT : public TCParseLLS {
         DROP_BROADBAND_UNSUPPORTED,  ///< category 1 to 3 needs broadband, and the settings have none
         DROP_DUPLICATE               ///< removed by the rule for equal services
     };
-    /// Told of each service that is dropped; the service is good during the call only, and holds what
-    /// was read before it was dropped.
+    /// Told of each service that is dropped, inside Parse and on its thread; the service is good during the
+    /// call only, and holds what was read before it was dropped. Services before it in the table are held,
+    /// and not yet in the channel map. What it may call: see TCParseLLS.
     struct SDropCallback {
         void* userData;  ///< handed back to fn
         /// Null: nobody is told.
@@ -125,7 +128,9 @@ class VYR_API CParseSLT : public TCParseLLS {
     /// Gives the channel map's service of the index-th service; false, and nothing changed, outside
     /// the range.
     bool GetService(int index, void*& service) const;
-    /// Calls `fn(userData, service, index)` once per service, in order.
+    /// Calls `fn(userData, service, index)` once per service, in order, on this thread. `service` is null
+    /// when a callback of the channel map removed it as it was announced. Parse and Destroy are refused
+    /// inside, as in callbacks.
     bool GetService(void (*fn)(void* userData, void* service, int index), void* userData) const;
     /// Extension: all that was read of the index-th service, null outside the range; good until the
     /// next Parse or Destroy.

@@ -4,7 +4,9 @@
 
 /// Handle on the process-wide rating store, which the caller fills from a rating region table and then
 /// asks for the abbreviation of a rating. The first handle's Create makes the store, the last one's
-/// Destroy frees it with every region. Handles and store belong to one thread.
+/// Destroy frees it with every region. Operations of handles may come from several threads, each handle from
+/// one at a time; "last" is the last of all threads, so that one region is filled by one thread. Out of memory is
+/// false, with a line in the log, and changes nothing.
 ///
 /// A region is filled in order: Add, SetRegionIdText, and for each dimension SetDimension, SetDimTitle,
 /// and for each rating SetRatingVal, SetRatingValAbbrev, SetRatingValStr. A text is a pair of
@@ -45,8 +47,9 @@ class VYR_API CRRTMap {
     /// Looks in the region's dimensions of that index for the first rating string whose two texts equal
     /// `first` and `second`, and calls `fn` with the second text of the abbreviation at the same place.
     /// True when it did; false without a match, or when no abbreviation stands there (asserted,
-    /// "abbreviation"). The text is the store's own, good until the region is removed or the store freed;
-    /// it is not to be written.
+    /// "abbreviation"). The call comes on this thread, outside the store's lock, and last: it may change
+    /// and destroy whatever it likes. The text is the store's, and good until the region changes or goes.; it is not
+    /// to be written.
     bool GetProgramRating(unsigned int key, unsigned int dimension, char* first, char* second,
                           void (*fn)(void* userData, char* text), void* userData);
 

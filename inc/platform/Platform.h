@@ -9,7 +9,8 @@
 enum ELogPriority { LOG_PRIORITY_DEBUG = 3, LOG_PRIORITY_INFO = 4, LOG_PRIORITY_ERROR = 6, LOG_PRIORITY_SILENT = 8 };
 
 /// What the library needs from the system it runs on. Both functions may be called from every
-/// thread that calls the library.
+/// thread that calls the library, and when memory is out. Nothing of the library is locked then that they could
+/// need: they may call it, but not change or destroy the object that is at work. They must not throw.
 struct SPlatform {
     /// Prints one message. The format already carries the prefix (tag, function, line); `tag` is
     /// given again for systems that keep it apart. `arguments` is valid during the call only.

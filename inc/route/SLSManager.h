@@ -18,7 +18,8 @@ struct SMPDInfo;
 /// tags, parses it, and reports what it found through the caller's callbacks, all inside Parse. Each
 /// document stands alone: one that is broken is logged, and the others are reported.
 ///
-/// Life: construct, Create, Parse any number of times, Destroy, delete. One thread at a time.
+/// Life: construct, Create, Parse any number of times, Destroy, delete. One thread at a time. Out of memory is a
+/// failed Create, or a document that is not reported, with a line in the log.
 class VYR_API CSLSManager {
   public:
     /// The session that carried a buffer, as its caller knows it. The manager reads `sessionId` and hands
@@ -60,6 +61,11 @@ class VYR_API CSLSManager {
 
     /// The caller's callbacks; one that is null is not called. Records and texts are good during the call,
     /// except where it says longer.
+    ///
+    /// They come inside Parse, on its thread, when the document that they tell of is parsed as a whole; those
+    /// behind it in the buffer are not yet. They may call anything of the manager but Parse and Destroy, which
+    /// are asserted ("!m->parsing") and do nothing. They may throw: the exception leaves Parse, what it was to
+    /// report yet is not reported, and the manager can be used again.
     struct SCallback {
         void* pUserData;  ///< handed back as the first argument
 

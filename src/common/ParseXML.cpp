@@ -14,8 +14,8 @@ struct XMLBase::SKeeper {
     explicit SKeeper(XMLBase& p) : parser(p), parsing(p.m_parsing, true, false) {}
     ~SKeeper()
     {
-        if (!keep) {
-            parser.XMLBase::Destroy();
+        if (!keep && parser.t_xml.FlagCreate()) {
+            parser.t_xml.Destroy();
         }
     }
 };
@@ -26,7 +26,7 @@ XMLBase::~XMLBase() = default;
 
 void XMLBase::Destroy()
 {
-    if (t_xml.FlagCreate()) {
+    if (VYR_ASSERT(!m_parsing, "!m->parsing") && t_xml.FlagCreate()) {
         t_xml.Destroy();
     }
 }

@@ -104,6 +104,11 @@ struct SKind {
     TMake make;
 };
 
+void PrintTo(const SKind& kind, std::ostream* out)
+{
+    *out << kind.name;
+}
+
 bool FeedTo(IParse& parser, const std::string& bytes, std::size_t at = 0)
 {
     const unsigned int size = static_cast<unsigned int>(bytes.size());

@@ -41,7 +41,9 @@ class VYR_API CMMTMsg : public IMMTParser {
     virtual void Dump() const;
     /// Hands what was parsed to the callbacks that the class has. After a Parse that succeeded.
     virtual bool Process() = 0;
-    /// Calls `callback(user, descriptor)` for each descriptor of the message; they stay the message's.
+    /// Calls `callback(user, descriptor)` for each descriptor of the message, on this thread; they stay the
+    /// message's. The callback may call anything of the message, and may throw; a PA message's Parse is refused
+    /// inside (asserted, "!m_visiting").
     virtual bool GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user) = 0;
 
     /// The message id in the first two bytes of `data`.

@@ -10,7 +10,8 @@ class VYR_API CMMTTblPa : public CMMTTbl {
     /// Who is told of the entries.
     struct SCallback {
         void* user;  ///< handed to the callback
-        /// The records live until it returns.
+        /// Called inside Process, on its thread. The records live until it returns. It may call anything of the
+        /// table, and of the message that holds it but Parse, and may throw.
         void (*onTableInfo)(void* user, unsigned char tableId, unsigned char tableVersion, SLocationInfo* location,
                             SLocationInfo* alternativeLocation);
     };

@@ -52,7 +52,8 @@ struct VYR_API SEFDTInfo {
     SFDTGlobal* fdtGlobal;          ///< the last FDT instance; null: none
 };
 
-/// Told of an extended FDT at the end of its parse.
+/// Told of an extended FDT at the end of its parse, inside Parse and on its thread: the record is complete, and
+/// good until the parser's next Parse or Destroy. What it may call: see XMLBase.
 struct SEFDTInfoCallback {
     void* context;                               ///< handed back to fn
     void (*fn)(void* context, SEFDTInfo* info);  ///< null: nobody is told; the record stays the parser's

@@ -13,8 +13,10 @@ struct SEFDTInfo;
 /// created is asserted ("m"); without a source flow results are empty, 0, false or null.
 class VYR_API CLS : public XMLBase {
   public:
-    /// Told of each EFDT of the session while it is parsed. The record belongs to the parser, and is good
-    /// until the parser of the whole S-TSID is destroyed.
+    /// Told of each EFDT of the session while it is parsed, inside the Parse of the whole S-TSID and on its
+    /// thread: the EFDT is complete, and the session's number known, but neither is part of the S-TSID yet.
+    /// The record belongs to the parser, and is good until the parser of the whole S-TSID is destroyed, or
+    /// its Parse fails or throws. What it may call: see XMLBase.
     struct SCallback {
         void* context;                                                 ///< handed back to fn
         void (*fn)(void* context, unsigned int tsi, SEFDTInfo* info);  ///< null: nobody is told

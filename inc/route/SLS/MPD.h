@@ -173,7 +173,9 @@ class VYR_API CMPD : public XMLBase {
   public:
     using TRatings = std::set<std::pair<std::string, std::string>>;
 
-    /// Told at the end of each parse that succeeds, in this order; a null function is not called.
+    /// Told at the end of each parse that succeeds, in this order, inside Parse and on its thread: the record is
+    /// complete, and good until the next Parse or Destroy, the ratings during the call. A null function is not
+    /// called. What they may call: see XMLBase; after one that throws there is no record.
     struct SCallback {
         void* context;                                       ///< handed back to the functions
         void (*mpdInfo)(void* context, SMPDInfo* info);      ///< the record stays the parser's

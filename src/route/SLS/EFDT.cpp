@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "common/Log.h"
 #include "common/XmlParser.h"
@@ -121,9 +122,14 @@ bool CEFDT::m_ProcessParse(void* root)
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] version[%d], expiresDelta[%d], transSize[%d]",
             static_cast<int>(info->version), static_cast<int>(info->maxExpiresDelta),
             static_cast<int>(info->maxTransportSize));
-    m->info = std::move(info);
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CEFDT::m_ProcessParseEFDT] %s",
-                          VYR_HERE);
+    std::unique_ptr<SEFDTInfo> before = std::exchange(m->info, std::move(info));
+    try {
+        vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CEFDT::m_ProcessParseEFDT] %s",
+                              VYR_HERE);
+    } catch (...) {
+        m->info = std::move(before);
+        throw;
+    }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] Parse EFDT END !!!");
     if (m->callback.fn) {
         m->callback.fn(m->callback.context, m->info.get());
