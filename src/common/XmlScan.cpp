@@ -302,6 +302,7 @@ class CExactScan {
     struct SEntity {
         std::string text;  // the replacement text: character references are resolved
         std::size_t bytes = 0, references = 0;
+        int nesting = 0;
         enum { UNKNOWN, BEING_ADDED, KNOWN } state = UNKNOWN;
     };
 
@@ -700,6 +701,7 @@ class CExactScan {
             } else {
                 entity.bytes += other->second.bytes;
                 entity.references += other->second.references;
+                entity.nesting = std::max(entity.nesting, other->second.nesting + 1);
             }
             in.Take(";");
             if (!m_Within(entity.bytes, k_maxExpansion, k_expansion) ||
@@ -708,7 +710,8 @@ class CExactScan {
             }
         }
         entity.state = SEntity::KNOWN;
-        return m_Within(entity.bytes, k_maxExpansion, k_expansion);
+        return m_Within(entity.bytes, k_maxExpansion, k_expansion) &&
+               (entity.nesting <= k_maxNesting || m_Refuse(k_expansion));
     }
 
     const char* m_reason = nullptr;
@@ -767,7 +770,7 @@ bool IsAny(const std::string& name, std::initializer_list<const char*> names)
 /// Backslash and tilde, which some replace, are part of no markup.
 bool IncludesAscii(const std::string& encoding)
 {
-    std::string all;
+    std::string all = "\x1B$B0!\x1B(B";
     for (char c = 1; c < '~'; ++c) {
         if (c != '\\') {
             all += c;
