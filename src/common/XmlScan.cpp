@@ -366,8 +366,10 @@ class CExactScan {
             return false;
         }
         in.Blanks();
+        // libxml2 also takes a subset behind the end.
+        const bool ended = in.Take(">");
         if (!in.Take("[")) {
-            return m_End(in);
+            return ended || m_Refuse(k_malformed);
         }
         for (;;) {
             in.Blanks();
