@@ -43,9 +43,17 @@ class VYR_API CXML {
 
     /// Parses `length` bytes at `buf` (not kept). `compressed`: a gzip magic at the start is honoured
     /// (inflated to at most k_maxCompressed bytes), and more than k_maxCompressed bytes are refused.
-    /// Refused, besides what is not well-formed: start tags of more than 1,024 attributes, encodings
-    /// in which they cannot be counted, attribute defaults that multiply, and documents whose own
-    /// entities expand to more than 524,288 bytes. False is failure, and no document is held.
+    /// Refused, besides what is not well-formed:
+    /// - start tags of more than 1,024 attributes; in the document, more than 256 namespace declarations,
+    ///   16,384 different names, as many identifiers (`xml:id`, or declared as such) or 1,024 catalogs;
+    /// - in a document type: parameter entities, entities that could expand to more than 524,288 bytes or
+    ///   nest deeper than 64, more than 1,024 enumerated values, more than 1,024 attribute defaults or 4 M
+    ///   bytes of them for all elements (each counts 64 more, and one for each of its element's), more than
+    ///   8 ID attributes of one element;
+    /// - documents whose attributes and texts expand to more than 524,288 bytes through entities;
+    /// - encodings that do not include ASCII, but for UTF-16.
+    ///
+    /// The reason is logged. False is failure, and no document is held.
     bool Create(const char* buf, int length, bool compressed);
     /// Parses a file.
     bool Create(const char* filename);

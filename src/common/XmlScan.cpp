@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <cstring>
@@ -88,7 +89,15 @@ bool IsNameStart(char c)
 
 bool IsNameChar(char c)
 {
-    return IsNameStart(c) || IsDigit(c) || c == '-' || c == '.';
+    static const std::array<bool, 256> s_table = [] {
+        std::array<bool, 256> table{};
+        for (std::size_t i = 0; i < table.size(); ++i) {
+            const char each = static_cast<char>(i);
+            table[i] = IsNameStart(each) || IsDigit(each) || each == '-' || each == '.';
+        }
+        return table;
+    }();
+    return s_table[static_cast<unsigned char>(c)];
 }
 
 bool IsPubidChar(char c)
@@ -302,6 +311,7 @@ class CExactScan {
     struct SEntity {
         std::string text;  // the replacement text: character references are resolved
         std::size_t bytes = 0, references = 0;
+        int nesting = 0;
         enum { UNKNOWN, BEING_ADDED, KNOWN } state = UNKNOWN;
     };
 
@@ -315,6 +325,14 @@ class CExactScan {
 
     bool m_Count(TText name)
     {
+        // Most names were met shortly before.
+        TText& recent = m_recent[(name.size() * 7 + static_cast<unsigned char>(name.back()) * 3 +
+                                  static_cast<unsigned char>(name.front())) %
+                                 m_recent.size()];
+        if (recent == name) {
+            return true;
+        }
+        recent = name;
         const std::size_t colon = name.find(':');
         m_names.insert(name.substr(0, colon));
         if (colon != TText::npos) {
@@ -348,8 +366,10 @@ class CExactScan {
             return false;
         }
         in.Blanks();
+        // libxml2 also takes a subset behind the end.
+        const bool ended = in.Take(">");
         if (!in.Take("[")) {
-            return m_End(in);
+            return ended || m_Refuse(k_malformed);
         }
         for (;;) {
             in.Blanks();
@@ -700,6 +720,7 @@ class CExactScan {
             } else {
                 entity.bytes += other->second.bytes;
                 entity.references += other->second.references;
+                entity.nesting = std::max(entity.nesting, other->second.nesting + 1);
             }
             in.Take(";");
             if (!m_Within(entity.bytes, k_maxExpansion, k_expansion) ||
@@ -708,13 +729,15 @@ class CExactScan {
             }
         }
         entity.state = SEntity::KNOWN;
-        return m_Within(entity.bytes, k_maxExpansion, k_expansion);
+        return m_Within(entity.bytes, k_maxExpansion, k_expansion) &&
+               (entity.nesting <= k_maxNesting || m_Refuse(k_expansion));
     }
 
     const char* m_reason = nullptr;
     std::unordered_map<TText, SElement, SNameHash> m_elements;
     std::unordered_map<TText, SEntity, SNameHash> m_entities;
     std::unordered_set<TText, SNameHash> m_names;
+    std::array<TText, 256> m_recent;
     std::size_t m_namespaces = 0, m_identifiers = 0, m_enumerated = 0, m_defaults = 0;
     std::uint64_t m_defaulting = 0;
 };
@@ -763,19 +786,21 @@ bool IsAny(const std::string& name, std::initializer_list<const char*> names)
                        [&name](const char* other) { return strcasecmp(name.c_str(), other) == 0; });
 }
 
-/// Whether the bytes of ASCII stand for themselves, and for nothing else: shifts and escapes are among them.
-/// Backslash and tilde, which some replace, are part of no markup.
+/// Whether ASCII is part of the encoding: each of its characters stands for itself, and no shift or escape
+/// changes that. Backslash and tilde, which some replace, are part of no markup.
 bool IncludesAscii(const std::string& encoding)
 {
-    std::string all;
-    for (char c = 1; c < '~'; ++c) {
+    std::string all =
+        "\x0E"
+        "0!\x0F\x1B$B0!\x1B(B\t\n\r";
+    for (char c = ' '; c < '~'; ++c) {
         if (c != '\\') {
             all += c;
         }
     }
     std::string decoded;
-    return DecodeXml(encoding.c_str(), (all + "~\x7F").data(), all.size() + 2, &decoded) &&
-           decoded.size() > all.size() + 1 && decoded.compare(0, all.size(), all) == 0 && decoded.back() == '\x7F';
+    return DecodeXml(encoding.c_str(), (all + "~ ").data(), all.size() + 2, &decoded) &&
+           decoded.size() > all.size() + 1 && decoded.compare(0, all.size(), all) == 0 && decoded.back() == ' ';
 }
 
 /// Whether the exact scan is needed for a document without document type, whose root begins at the cursor.

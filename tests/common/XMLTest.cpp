@@ -189,51 +189,6 @@ TEST_F(XMLTest, AttackOnEntitiesIsRefused)
     EXPECT_FALSE(OpensQuickly(nested + "]><r a='&j;'/>"));
 }
 
-TEST_F(XMLTest, AttackOnAttributesIsRefused)
-{
-    const auto attributes = [](int n) {
-        std::string text;
-        for (int i = 0; i < n; ++i) {
-            text += " a" + std::to_string(i) + "=''";
-        }
-        return text;
-    };
-    const std::string many = attributes(48500);
-    EXPECT_TRUE(OpensQuickly("<r" + attributes(1024) + "/>"));
-    EXPECT_FALSE(OpensQuickly("<r" + attributes(1025) + "/>"));
-    EXPECT_FALSE(OpensQuickly("<r" + many + "/>"));
-    // What only looks like attributes is text.
-    EXPECT_TRUE(OpensQuickly("<r><!-- <a" + many + "> --><![CDATA[<b" + many + ">]]><?p <c" + many + "?></r>"));
-    EXPECT_TRUE(OpensQuickly("<r>" + many + "</r>"));
-    // Hidden: behind a comment that libxml2 leaves early, in an entity, in another encoding, in defaults.
-    EXPECT_FALSE(OpensQuickly("<r><!-- \x01 <a" + many + "/> --></r>"));
-    EXPECT_FALSE(OpensQuickly("<!DOCTYPE r [<!ENTITY e \"&#60;a" + many + "/>\">]><r>&e;</r>"));
-    EXPECT_FALSE(OpensQuickly("<?xml version='1.0' encoding='UTF-7'?><r>+ADw-a" + many + "/></r>"));
-    for (const char* encoding : {"UTF8", "utf-8"}) {
-        EXPECT_FALSE(OpensQuickly(std::string("<?xml version='1.0' encoding='") + encoding +
-                                  "'?><r><!-- \xEF\xBF\xBE <a" + many + "/> --></r>"));
-    }
-    EXPECT_FALSE(
-        OpensQuickly("<?xml version='1.0' encoding='GB18030'?><r><!-- \x84\x31\xA4\x38 <a" + many + "/> --></r>"));
-    std::string wide = "\xFF\xFE";
-    for (const char c : "<r" + many + "/>") {
-        wide += std::string(1, c) + '\0';
-    }
-    EXPECT_FALSE(OpensQuickly(wide));
-    std::string mislabelled = "\xFF\xFE";
-    for (const char c : std::string("<?xml version='1.0' encoding='UTF-16BE'?><r/>")) {
-        mislabelled += std::string(1, c) + '\0';
-    }
-    EXPECT_FALSE(OpensQuickly(mislabelled));
-    std::string elements;
-    for (int i = 0; i < 20000; ++i) {
-        elements += "<a/>";
-    }
-    EXPECT_FALSE(
-        OpensQuickly("<!DOCTYPE r [<!ATTLIST a x CDATA '" + std::string(200000, 'x') + "'>]><r>" + elements + "</r>"));
-    EXPECT_EQ(Logged("refused: "), 11);
-}
-
 TEST_F(XMLTest, EncodingsAndDtdThatAreFine)
 {
     static const struct {

@@ -60,7 +60,6 @@ class XmlScanTest : public CRecorder {
 TEST_F(XmlScanTest, LimitsAndWhatIsInnocent)
 {
     const std::string many = Repeated(1025, " a", "='&#65;'");
-    const std::string dtd = "<!DOCTYPE r [<!ENTITY e '%']><r/>";
     const auto type = [](const std::string& subset, const std::string& root = "<r/>") {
         return "<!DOCTYPE r [" + subset + "]>" + root;
     };
@@ -90,6 +89,7 @@ TEST_F(XmlScanTest, LimitsAndWhatIsInnocent)
         {type("<!ENTITY e \"<a" + many + "/>\">"), "more than 1024 attributes"},
         {type("<!ENTITY e \"&#60;a" + many + "/>\"><!--" + many + "-->"), "more than 1024 attributes"},
         {type("<!ENTITY e \"&#38;#60;a" + many + "/>\"><!--" + many + "--><?p " + many + "?>"), ""},
+        {"<r" + Repeated(16000, " a", "=''") + "/>", "more than 1024 attributes"},
         {"<r/><!--\x01<a" + many + "/>-->", "?"},
         {"<r><!--\x01<a" + many + "/>--></r>", "not well-formed"},
         {"<r><?\xC3\x97 <a" + many + "/>?></r>", "not well-formed"},
@@ -113,6 +113,7 @@ TEST_F(XmlScanTest, LimitsAndWhatIsInnocent)
         // Parameter entities, and where a "%" is innocent.
         {type("<!ENTITY % p ''>"), "parameter entity"},
         {type("\n%p;"), "parameter entity"},
+        {"<!DOCTYPE r>[%p;]><r/>", "parameter entity"},
         {type("<!ENTITY e '%p;'>"), "parameter entity"},
         {type("<!--%p;--><?p %p;?><!ATTLIST r a CDATA '%p;'><!ENTITY e '&#37;p;'><!ENTITY f SYSTEM '%p;'>"
               "<!NOTATION n PUBLIC '%'>",
@@ -286,7 +287,7 @@ TEST_F(XmlScanTest, AgreesWithPlainLibxml2)
                                           "<a" + Repeated(1025, " a", "=''") + "/>",
                                           "<a" + Repeated(1025, " b", "=''"),
                                           Repeated(256, "<a xmlns='u:'/>"),
-                                          Repeated(2, "<a xmlns='u:'/>"),
+                                          Repeated(257, "<a xmlns='u:'/>"),
                                           Repeated(1030, "&#65;="),
                                           "<!ATTLIST a e (v" + Repeated(1023, "|v", " ") + ") #IMPLIED>",
                                           "<!ATTLIST a f (w|x) #IMPLIED>"};
@@ -301,7 +302,7 @@ TEST_F(XmlScanTest, AgreesWithPlainLibxml2)
     const auto below = [&random](std::size_t n) { return random() % n; };
     int accepted = 0;
     std::map<std::string, int> refused;
-    for (int round = 0; round < 6000; ++round) {
+    for (int round = 0; round < 4000; ++round) {
         std::string text = k_roots[below(std::size(k_roots))];
         text += "</r>";
         for (std::size_t n = below(5); n > 0; --n) {
@@ -326,7 +327,7 @@ TEST_F(XmlScanTest, AgreesWithPlainLibxml2)
                 << reason << ": " << text.substr(0, 500);
         }
     }
-    EXPECT_GT(accepted, 1000);
+    EXPECT_GT(accepted, 500);
     for (const char* reason : {"?", "encoding", "not well-formed", "more than 1024 attributes", "parameter entity",
                                "more than 256 namespace declarations", "more than 1024 enumerated values"}) {
         EXPECT_GT(refused[reason], 0) << reason;
