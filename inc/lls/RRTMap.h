@@ -48,7 +48,7 @@ class VYR_API CRRTMap {
     /// `first` and `second`, and calls `fn` with the second text of the abbreviation at the same place.
     /// True when it did; false without a match, or when no abbreviation stands there (asserted,
     /// "abbreviation"). The call comes on this thread, outside the store's lock, and last: it may change
-    /// and destroy whatever it likes. The text is the store's, and good until the region changes or goes.; it is not
+    /// and destroy whatever it likes. The text is the store's, and good until the region changes or goes; it is not
     /// to be written.
     bool GetProgramRating(unsigned int key, unsigned int dimension, char* first, char* second,
                           void (*fn)(void* userData, char* text), void* userData);

@@ -85,6 +85,9 @@ bool Inflate(const void* data, std::size_t size, std::size_t limit, SInflated& o
 const char* InflateBySteps(const void* data, std::size_t size, std::size_t limit, SInflated& out)
 {
     constexpr std::size_t k_step = 51200;
+    // What the trailer says is believed of texts, which do not shrink more than so.
+    constexpr std::size_t k_likely = 128;
+    const std::size_t told = TrailerSize(data, size);
     // A byte more than the limit tells a stream of just that size from a longer one.
     const std::size_t most = limit > 0 && limit < UINT_MAX ? limit + 1 : UINT_MAX;
     z_stream stream{};
@@ -99,7 +102,7 @@ const char* InflateBySteps(const void* data, std::size_t size, std::size_t limit
     int result = Z_OK;
     do {
         if (made == capacity) {
-            capacity = std::min(std::max(k_step, capacity * 2), most);
+            capacity = std::min(capacity > 0 || told / k_likely > size ? std::max(k_step, capacity * 2) : told, most);
             buffer = Resized(buffer.get(), made, capacity);
         }
         if (!buffer || made == capacity) {
@@ -116,11 +119,13 @@ const char* InflateBySteps(const void* data, std::size_t size, std::size_t limit
     } while (result == Z_OK && (stream.avail_in > 0 || stream.avail_out == 0));
     inflateEnd(&stream);
     const bool done = (result == Z_OK || result == Z_STREAM_END) && made < most;
-    std::unique_ptr<char[]> exact = done ? Resized(buffer.get(), made, made) : nullptr;
-    if (!exact) {
+    if (done && made + 1 < capacity) {
+        buffer = Resized(buffer.get(), made, made);
+    }
+    if (!done || !buffer) {
         return "inflate failure";
     }
-    out.data = std::move(exact);
+    out.data = std::move(buffer);
     out.size = made;
     return nullptr;
 }

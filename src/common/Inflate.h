@@ -20,7 +20,7 @@ bool HasGzipMagic(const void* data, std::size_t size);
 bool Inflate(const void* data, std::size_t size, std::size_t limit, SInflated& out);
 
 /// Inflates what there is of one gzip or zlib stream, by steps: to its end, or until the input is used up,
-/// into an array of exactly the size that came out. At most `limit` bytes come out, 0: no limit. Null: done;
+/// into an array of the size that came out, or a byte more. At most `limit` bytes come out, 0: no limit. Null: done;
 /// else what failed, for the log, and `out` is untouched. Memory that runs out is a failure.
 const char* InflateBySteps(const void* data, std::size_t size, std::size_t limit, SInflated& out);
 
