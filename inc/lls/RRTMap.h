@@ -5,6 +5,7 @@
 /// Handle on the process-wide rating store, which the caller fills from a rating region table and then
 /// asks for the abbreviation of a rating. The first handle's Create makes the store, the last one's
 /// Destroy frees it with every region. Handles and store belong to one thread.
+/// Regions grow with every set call until Remove or the end of the store; see SetReplace.
 ///
 /// A region is filled in order: Add, SetRegionIdText, and for each dimension SetDimension, SetDimTitle,
 /// and for each rating SetRatingVal, SetRatingValAbbrev, SetRatingValStr. A text is a pair of
@@ -24,6 +25,10 @@ class VYR_API CRRTMap {
     /// Leaves the store; the last handle frees it.
     void Destroy();
 
+    /// Extension of this handle, off by default: Add puts an empty region in the place of one that is there,
+    /// so that a table filled in again takes the place of the last. There are 256 keys; what stands under one is
+    /// what its caller has filled in.
+    void SetReplace(bool replace);
     /// Makes a region under the key; one that is there already stays.
     bool Add(unsigned char key, unsigned int regionIdentifier);
     /// Frees the region under the key.

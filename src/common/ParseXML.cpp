@@ -4,7 +4,7 @@
 
 #include "common/Log.h"
 
-XMLBase::XMLBase() : t_compressed(false), t_keepsDocument(true) {}
+XMLBase::XMLBase() : t_compressed(false), t_keepsDocument(true), t_replace(false) {}
 
 XMLBase::~XMLBase() = default;
 

@@ -9,6 +9,7 @@
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
+#include "esg/GenreAsking.h"
 
 CSGDUParse::CSGDUParse() : m(nullptr) {}
 
@@ -50,11 +51,40 @@ void CSGDUParse::SetInflateLimit(unsigned int bytes)
     }
 }
 
+void CSGDUParse::SetReplace(bool replace)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->replace = replace;
+    }
+}
+
 bool CSGDUParse::Parse(IParse::SItem* item)
 {
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }
+    const vyr::CGenreAsking asking;
+    if (!m->replace) {
+        return m_ParseUnit(item);
+    }
+    SSGDUParse held;
+    const auto swap = [this, &held] {
+        std::swap(m->extensionOffset, held.extensionOffset);
+        std::swap(m->reserved, held.reserved);
+        std::swap(m->nOServiceGuideFragments, held.nOServiceGuideFragments);
+        m->arrayHead.swap(held.arrayHead);
+        m->arrayFragment.swap(held.arrayFragment);
+    };
+    swap();
+    if (m_ParseUnit(item)) {
+        return true;
+    }
+    swap();
+    return false;
+}
+
+bool CSGDUParse::m_ParseUnit(IParse::SItem* item)
+{
     if (m->compress && !m_ExtractData(item)) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] Extra Data failed ");
         return false;

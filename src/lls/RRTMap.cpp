@@ -3,8 +3,9 @@
 #include "common/Log.h"
 #include "lls/RRTMapST.h"
 
-/// A handle has nothing of its own but the fact that it is created.
-struct CRRTMap::SHandle {};
+struct CRRTMap::SHandle {
+    bool replace = false;
+};
 
 CRRTMap::CRRTMap() : m(nullptr) {}
 
@@ -37,9 +38,16 @@ void CRRTMap::Destroy()
     m = nullptr;
 }
 
+void CRRTMap::SetReplace(bool replace)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->replace = replace;
+    }
+}
+
 bool CRRTMap::Add(unsigned char key, unsigned int regionIdentifier)
 {
-    return VYR_ASSERT(m, "m") && SRRTMap::rrtMap->Add(key, regionIdentifier);
+    return VYR_ASSERT(m, "m") && SRRTMap::rrtMap->Add(key, regionIdentifier, m->replace);
 }
 
 bool CRRTMap::Remove(unsigned char key)

@@ -8,7 +8,7 @@
 
 /// What the broadcast and the unicast application service of a delivery method have in common: base
 /// patterns that the locations of the service's content begin with (ATSC A/331 table 7.1). The patterns
-/// of every element that is parsed join those already held; only Destroy lets go.
+/// of every element that is parsed join those already held, until Destroy; see SetReplace.
 class VYR_API CAppSvc : public XMLBase {
   public:
     /// What was parsed.

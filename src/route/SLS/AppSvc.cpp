@@ -42,6 +42,7 @@ bool CAppSvc::m_ProcessParse(void* root)
     if (!VYR_ASSERT(m, "m != nullptr")) {
         return false;
     }
+    vyr::Renew(t_replace, m->values);
     const std::string format = std::string("[C") + m_name + "::m_ProcessParse" + m_name + "] %s";
     vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, format.c_str(), VYR_HERE);
     return true;
