@@ -35,3 +35,6 @@ std::uint64_t Allocations();
 
 /// Registers the run over one table.
 void Register(const std::string& name, void (*run)(const std::string&), const std::string& table);
+
+/// The most expensive inputs of the entry points that were attacked.
+void PrintAttacks();

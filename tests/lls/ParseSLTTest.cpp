@@ -59,7 +59,7 @@ class ParseSLTTest : public CRecorder {
     {
         std::string xml = "<SLT>";
         for (const int id : ids) {
-            xml += "<SltInetUrl>u</SltInetUrl><Service serviceId='" + std::to_string(id) + "'" + k_flags + "/>";
+            xml += "<sltInetUrl>u</sltInetUrl><Service serviceId='" + std::to_string(id) + "'" + k_flags + "/>";
         }
         m_slt.AddLLSGroupId(group);
         EXPECT_TRUE(ParseTable(std::string("\1") + static_cast<char>(group) + '\0' + static_cast<char>(++m_version) +
