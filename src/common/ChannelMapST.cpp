@@ -97,7 +97,7 @@ unsigned int SChannelMap::refCnt = 0;
 
 struct CChannelMapST::SState {
     std::vector<SServiceRecord*> list;                          // in the order they were added; null: removed since
-    std::unordered_map<const void*, std::size_t> places;        // in the list
+    std::unordered_map<const void*, std::size_t> places;        // in the list; empty until a service is removed
     std::size_t walks = 0;                                      // of the list under way, which its indices must survive
     std::unordered_map<SKey, SServiceRecord*, SKeyHash> index;  // the oldest record of a key
     std::set<const CChannelMap::SCallback*, std::less<>> callbacks;
@@ -107,8 +107,15 @@ struct CChannelMapST::SState {
     void Compact()
     {
         list.erase(std::remove(list.begin(), list.end(), nullptr), list.end());
+        FillPlaces();
+    }
+
+    void FillPlaces()
+    {
         for (std::size_t i = 0; i < list.size(); ++i) {
-            places[list[i]] = i;
+            if (list[i]) {
+                places[list[i]] = i;
+            }
         }
     }
 };
@@ -197,7 +204,9 @@ void* CChannelMapST::AddService(void* channel, unsigned char groupId, int servic
                     channel, groupId, static_cast<void*>(record), serviceId, majorChannel, minorChannel, simulcastTsid,
                     simulcastMajor, simulcastMinor, broadbandAccessRequired);
             *same = record;
-            m->places.emplace(record, m->list.size());
+            if (!m->places.empty()) {
+                m->places.emplace(record, m->list.size());
+            }
             m->list.push_back(record);
         }
     }
@@ -216,6 +225,9 @@ bool CChannelMapST::RemoveService(void* service)
 {
     if (!VYR_ASSERT(service, "obj")) {
         return false;
+    }
+    if (m->places.empty()) {
+        m->FillPlaces();
     }
     const auto place = m->places.find(service);
     if (place == m->places.end()) {
