@@ -61,3 +61,6 @@ void ParseDocument(const std::string& document)
     static_cast<XMLBase&>(parser).Parse(document.data(), static_cast<unsigned int>(document.size()), false);
     parser.Destroy();
 }
+
+/// The most expensive inputs of the entry points that were attacked.
+void PrintAttacks();

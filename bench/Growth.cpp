@@ -480,8 +480,18 @@ SCost Measure(std::unique_ptr<CTarget> (*make)(), const std::string& input)
     return {cost.time / bytes, cost.left / bytes, cost.third / bytes, cost.leftByThird / bytes, cost.lines / bytes};
 }
 
+/// The worst that was found for an entry point.
+struct SAttacks {
+    std::string name;
+    double most[5];
+    std::string inputs[5];
+};
+
+std::vector<SAttacks> g_attacks;
+
 /// The most of each, over the inputs, and which input it was.
-void Attack(benchmark::State& state, std::unique_ptr<CTarget> (*make)(), const std::vector<SInput>& inputs)
+void Attack(benchmark::State& state, const std::string& name, std::unique_ptr<CTarget> (*make)(),
+            const std::vector<SInput>& inputs)
 {
     static const SPlatform k_counting = {[](int, const char*, const char*, va_list) { ++g_lines; }, nullptr};
     SetPlatform(&k_counting);
@@ -507,29 +517,158 @@ void Attack(benchmark::State& state, std::unique_ptr<CTarget> (*make)(), const s
     }
     SetLogPriority(LOG_PRIORITY_SILENT);
     SetPlatform(nullptr);
-    state.counters["ns/B"] = most.time;
-    state.counters["ns/B 3rd"] = most.third;
-    state.counters["left/B"] = most.left;
-    state.counters["left/B 3"] = most.leftByThird;
-    state.counters["lines/B"] = most.lines;
-    state.SetLabel(names[0] + " | " + names[1] + " | " + names[2] + " | " + names[3] + " | " + names[4]);
+    SAttacks row{name, {}, {}};
+    for (int i = 0; i < 5; ++i) {
+        row.most[i] = most.*k_what[i];
+        row.inputs[i] = names[i];
+    }
+    g_attacks.push_back(row);
 }
 
 void RegisterAttack(const std::string& name, std::unique_ptr<CTarget> (*make)(), std::vector<SInput> (*inputs)())
 {
-    benchmark::RegisterBenchmark(("attack/" + name).c_str(), [make, inputs](benchmark::State& state) {
-        Attack(state, make, inputs());
+    benchmark::RegisterBenchmark(("attack/" + name).c_str(), [name, make, inputs](benchmark::State& state) {
+        Attack(state, name, make, inputs());
     })->Iterations(1);
 }
 
+/// One parse by an object made for it, of an input of n elements.
+void Grow(benchmark::State& state, std::unique_ptr<CTarget> (*make)(), const std::string& input)
+{
+    TCParseLLS::SetDecompressLLS(false);  // what is compressed has a limit
+    for (auto _ : state) {
+        make()->Parse(input);
+    }
+    TCParseLLS::SetDecompressLLS(true);
+}
+
+/// Runs of `run` with 1,000, 10,000 and 100,000 elements.
+void RegisterGrowth(const std::string& name, const std::function<void(benchmark::State&, int)>& run)
+{
+    for (const int n : {1000, 10000, 100000}) {
+        benchmark::RegisterBenchmark(("growth/" + name + "/" + std::to_string(n)).c_str(),
+                                     [run, n](benchmark::State& state) { run(state, n); })
+            ->Repetitions(3)
+            ->ReportAggregatesOnly();
+    }
+}
+
+/// Documents of one element n times; "%" in it is its number.
+void RegisterGrowth(const std::string& name, std::unique_ptr<CTarget> (*make)(), const std::string& path,
+                    const std::string& element)
+{
+    RegisterGrowth(name, [=](benchmark::State& state, int n) {
+        const std::size_t mark = element.find('%');
+        std::string body;
+        for (int i = 0; i < n; ++i) {
+            body += mark == std::string::npos ? element
+                                              : element.substr(0, mark) + std::to_string(i) + element.substr(mark + 1);
+        }
+        Grow(state, make, Open(path) + body + Close(path));
+    });
+}
+
+void RegisterAllGrowth()
+{
+    const std::string flags = "' protected='' hidden='' broadbandAccessRequired=''";
+    RegisterGrowth("slt", Make<CSltTarget<false>>, "SLT", "<Service serviceId='%" + flags + "/>");
+    RegisterGrowth("slt-equal", Make<CSltTarget<false>>, "SLT", "<Service serviceId='1" + flags + "/>");
+    RegisterGrowth("slt-urls", Make<CSltTarget<false>>, "SLT", "<sltInetUrl>%</sltInetUrl>");
+    RegisterGrowth("aeat", Make<CLlsTarget<CParseAEAT>>, "AEAT", "<AEA aeaId='%'/>");
+    RegisterGrowth("aeat-media", Make<CLlsTarget<CParseAEAT>>, "AEAT>AEA", "<Media url='%'/>");
+    RegisterGrowth("rrt", Make<CLlsTarget<CParseRRT>>, "RatingRegionTables>RatingRegionTable>Dimension",
+                   "<Rating ratingValue='%'/>");
+    RegisterGrowth("onscreen", Make<CLlsTarget<CParseOnscreenNoti>>, "OnscreenMessageNotification",
+                   "<KeepScreenClear bsid='%'/>");
+    RegisterGrowth("cdt", Make<CLlsTarget<CParseCDT>>, "CertificationData>ToBeSignedData",
+                   "<Certificates>%</Certificates>");
+    RegisterGrowth("rsat", Make<CXmlTarget<CRSAT>>, "RSAT timestamp=''", "<Service frequency='%'/>");
+    RegisterGrowth("stsid-sessions", Make<CXmlTarget<CSTSID>>, "S-TSID>RS", "<LS tsi='%'/>");
+    RegisterGrowth("stsid-ratings", Make<CXmlTarget<CSTSID>>, "S-TSID>RS>LS>SrcFlow>ContentInfo>MediaInfo",
+                   "<ContentRating value='%'/>");
+    RegisterGrowth("efdt", Make<CXmlTarget<CEFDT>>, "EFDT>FDT-Instance", "<File TOI='%'/>");
+    RegisterGrowth("usbd", Make<CXmlTarget<CROUTEUsbd>>, "BundleDescriptionROUTE>UserServiceDescription",
+                   "<ServiceLanguage>%</ServiceLanguage>");
+    RegisterGrowth("usbd-patterns", Make<CXmlTarget<CROUTEUsbd>>,
+                   "BundleDescriptionROUTE>UserServiceDescription>DeliveryMethod>UnicastAppService",
+                   "<BasePattern>%</BasePattern>");
+    RegisterGrowth("mpd-timeline", Make<CXmlTarget<CMPD>>, "MPD>Period>SegmentTemplate>SegmentTimeline", "<S d='%'/>");
+    RegisterGrowth("mpd-representations", Make<CXmlTarget<CMPD>>, "MPD>Period>AdaptationSet codecs='c'",
+                   "<Representation id='%'/>");
+    RegisterGrowth("mmt-usbd", Make<CXmlTarget<CMMTUsbd>>, "BundleDescriptionMMT>UserServiceDescription",
+                   "<ComponentInfo componentProtectedFlag='' componentId='%'/>");
+    RegisterGrowth("esg-genres", Make<CXmlTarget<CESGServiceFragment>>, "Service id=''", "<Genre>:%</Genre>");
+    RegisterGrowth("esg-schedule", Make<CXmlTarget<CESGScheduleFragment>>, "Schedule id=''",
+                   "<ContentReference idRef='%'/>");
+    RegisterGrowth("sgdd", Make<CXmlTarget<CSGDDParse>>,
+                   "ServiceGuideDeliveryDescriptor>DescriptorEntry>ServiceGuideDeliveryUnit", "<Fragment id='%'/>");
+    RegisterGrowth("sg-response", Make<CXmlTarget<CSGResponse>>, "SGResponse xmlns='n'",
+                   "<ServiceGuideDeliveryDescriptor id='%'/>");
+    RegisterGrowth("sgdu", [](benchmark::State& state, int n) {
+        Grow(state, Make<CItemTarget<CSGDUParse>>,
+             Unit(std::vector<std::string>(static_cast<std::size_t>(n), "<Service id='1'/>"), 1));
+    });
+    RegisterGrowth("mmt-descriptors", [](benchmark::State& state, int n) {
+        Grow(state, Make<CMmtTarget>,
+             Content(9, Repeat(Descriptor(9, std::string(4, '\0')), static_cast<std::size_t>(8 * n))));
+    });
+    RegisterGrowth("array", [](benchmark::State& state, int n) {
+        for (auto _ : state) {
+            CCPtrArray array(CCPtrArray::DummyCallback, nullptr);
+            for (int i = 0; i < n; ++i) {
+                array.Add(&array);
+            }
+        }
+    });
+    RegisterGrowth("rsat-getter", [](benchmark::State& state, int n) {
+        CXmlTarget<CRSAT> rsat;
+        rsat.Parse("<RSAT timestamp=''><Service>" + Repeat("<Update/>", static_cast<std::size_t>(9 * n)) +
+                   "</Service></RSAT>");
+        SRSATUpdateInfo info;
+        for (auto _ : state) {
+            for (int i = 0; i < n; ++i) {
+                benchmark::DoNotOptimize(rsat.parser.GetUpdateInfo(0, i, &info));
+            }
+        }
+    });
+    RegisterGrowth("map", [](benchmark::State& state, int n) {
+        CChannelMap map;
+        map.Create();
+        std::vector<void*> services(static_cast<std::size_t>(n));
+        for (auto _ : state) {
+            for (int i = 0; i < n; ++i) {
+                services[static_cast<std::size_t>(i)] = map.AddService(nullptr, 1, i, 1, 1, 0, 0, 0, false, nullptr);
+            }
+            for (void* service : services) {
+                map.RemoveService(service);
+            }
+        }
+        map.Destroy();
+    });
+    RegisterGrowth("fragment-map", [](benchmark::State& state, int n) {
+        CESGFragmentMap map;
+        map.Create();
+        for (auto _ : state) {
+            for (int i = 0; i < n; ++i) {
+                map.Add(std::to_string(i).c_str());
+            }
+            for (int i = n; i-- > 0;) {
+                map.Remove(std::to_string(i).c_str());
+            }
+        }
+        map.Destroy();
+    });
+}
+
 const bool g_registered = [] {
+    RegisterAllGrowth();
     RegisterAttack("slt", Make<CSltTarget<false>>, [] {
-        return Documents({{"SLT", "Service", "Service protected='' hidden='' broadbandAccessRequired=''", "SltInetUrl"},
+        return Documents({{"SLT", "Service", "Service protected='' hidden='' broadbandAccessRequired=''", "sltInetUrl"},
                           {"SLT>Service protected='' hidden='' broadbandAccessRequired=''", "SimulcastTSID",
                            "BroadcastSvcSignaling", "SvcInetUrl"}});
     });
     RegisterAttack("slt-lenient", Make<CSltTarget<true>>, [] {
-        std::vector<SInput> inputs = Documents({{"SLT", "Service", "SltInetUrl"}});
+        std::vector<SInput> inputs = Documents({{"SLT", "Service", "sltInetUrl"}});
         std::string services;
         for (int i = 0; services.size() < k_size; ++i) {
             services += "<Service serviceId='" + std::to_string(i) + "'/>";
@@ -660,3 +799,15 @@ const bool g_registered = [] {
 }();
 
 }  // namespace
+
+void PrintAttacks()
+{
+    static constexpr const char* k_names[] = {"ns per byte", "... third time", "bytes left per byte", "... after three",
+                                              "log lines per byte"};
+    for (const SAttacks& attack : g_attacks) {
+        std::printf("\n%s\n", attack.name.c_str());
+        for (int i = 0; i < 5; ++i) {
+            std::printf("  %-20s %9.2f  %s\n", k_names[i], attack.most[i], attack.inputs[i].c_str());
+        }
+    }
+}

@@ -138,5 +138,6 @@ int main(int argc, char** argv)
     CRatios ratios;
     benchmark::RunSpecifiedBenchmarks(&ratios);
     ratios.Print();
+    PrintAttacks();
     return 0;
 }

@@ -22,6 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CParseSLT slt;
     slt.Create(&map, nullptr);
     slt.SetLenient(options & 1);
+    slt.SetReplace(options & 2, options & 4);
     const std::vector<unsigned char> all = script.Rest();
     // What sets the tables of one input apart.
     static const unsigned char k_mark[] = {0xFF, 'N', 'E', 'X', 'T'};
@@ -31,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::vector<unsigned char> table(begin, end);
         const unsigned int length = static_cast<unsigned int>(table.size());
         IParse::SItem item = {table.data(), length, length * 8, 0, true};
-        slt.AddLLSGroupId(static_cast<unsigned char>(i));
+        slt.AddLLSGroupId(static_cast<unsigned char>(options & 2 ? i / 4 : i));
         if (length > 0) {
             slt.Parse(&item);
         }

@@ -109,7 +109,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     SetLogPriority(LOG_PRIORITY_SILENT);
     CScript script(data, size);
-    const std::uint8_t kind = script.Byte() % 6;
+    const std::uint8_t first = script.Byte();
+    const std::uint8_t kind = first % 6;
+    const bool replace = first >= 128;
     const std::vector<unsigned char> tables = script.Rest();
     CParseSystemTime time;
     CParseRRT rrt;
@@ -124,14 +126,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             break;
         case 1:
             rrt.Create();
+            rrt.SetReplace(replace);
             Run(rrt, tables);
             break;
         case 2:
             aeat.Create(nullptr);
+            aeat.SetReplace(replace);
             Run(aeat, tables);
             break;
         case 3:
             noti.Create();
+            noti.SetReplace(replace);
             Run(noti, tables);
             break;
         case 4:

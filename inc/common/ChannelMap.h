@@ -9,6 +9,9 @@
 /// Handle on the process-wide store of broadcast services that the SLT parser fills. The first
 /// handle's Create makes the store, the last one's Destroy frees it with every service.
 ///
+/// It grows with every new service until RemoveService: a transmitter that invents services fills it, unless
+/// CParseSLT::SetReplace lets those that are gone leave.
+///
 /// A service is an opaque pointer, good until RemoveService or the end of the store. IPv4 addresses
 /// are numbers: a.b.c.d is a x 2^24 + b x 2^16 + c x 2^8 + d; 0xFFFFFFFF stands for "not set", as
 /// 0xFFFF does for ports.

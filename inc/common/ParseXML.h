@@ -40,6 +40,11 @@ class VYR_API XMLBase {
     /// Parses a document in memory. False: not a document of this kind; no document is held then,
     /// and what an earlier parse left stays unless the class says otherwise.
     virtual bool Parse(const char* buffer, unsigned int length, bool compressed);
+    /// Extension, off by default, of the classes whose lists pile up from parse to parse until Destroy: what a
+    /// document brings takes the place of what the last one left. Held is then what one document holds, 64 bytes
+    /// at most for each of its own. A document that does not parse leaves what is held. What was handed out
+    /// before is gone with a Parse. Stays as it is set through Destroy and Create.
+    void SetReplace(bool replace) { t_replace = replace; }
     /// Parses the element `root` of a document that somebody else holds and keeps alive.
     virtual bool Parse(void* doc, void* root);
 
@@ -52,6 +57,7 @@ class VYR_API XMLBase {
     /// Whether a document in memory is kept after its parse; true at first. False in a class whose results are all
     /// copies: the tree needs tens of bytes for a byte of text.
     bool t_keepsDocument;
+    bool t_replace;  ///< as SetReplace said
 
   private:
     friend struct vyr::SXmlChild;

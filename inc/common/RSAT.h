@@ -28,8 +28,8 @@ struct SRSATServiceInfo {
 };
 
 /// Parser of the regional service availability table (RSAT; ATSC A/331): where else services of a
-/// station are on the air. Services of every document that is parsed join those already held; only
-/// Destroy lets go. An object that is not created is asserted ("m"); results are then false or 0.
+/// station are on the air. Services of every document that is parsed join those already held,
+/// until Destroy; see SetReplace. An object that is not created is asserted ("m"); results are then false or 0.
 class VYR_API CRSAT : public XMLBase {
   public:
     CRSAT();

@@ -17,7 +17,7 @@ struct VYR_API SESGFragment : SESGState {
 /// Base of the parsers of the fragments of a service guide (OMA BCAST Service Guide, ATSC A/332). Life:
 /// construct, Create, Parse, Destroy, delete. The results are the record of State(), which each class has; it
 /// is null before Create and good until the next Parse or Destroy. One object is for one fragment: required,
-/// a second parse adds to the lists of the first, and a failed one leaves them. An object that is not created
+/// a second parse adds to the lists of the first, and a failed one leaves them; see SetReplace. An object that is not created
 /// is asserted ("m"); it is used by one thread at a time.
 class VYR_API CESGFragmentBase {
   public:
@@ -35,6 +35,10 @@ class VYR_API CESGFragmentBase {
     virtual bool Parse(const char* buffer, unsigned int length);
     /// Parses a file.
     virtual bool Parse(const char* filename);
+    /// Extension, off by default: a parse begins with an empty record, which takes the place of the last one when
+    /// it succeeds; one that fails leaves the last. Held is then what one fragment holds, 64 bytes at most for
+    /// each of its own. What was handed out before is gone with a Parse. Stays as it is set through Destroy and Create.
+    void SetReplace(bool replace) { m_replace = replace; }
 
   protected:
     CESGFragmentBase();
@@ -59,4 +63,5 @@ class VYR_API CESGFragmentBase {
     bool m_Process(bool created, const char* step);
 
     SESGFragment* m;
+    bool m_replace;
 };

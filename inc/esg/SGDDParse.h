@@ -8,7 +8,7 @@
 
 /// Parser of a service guide delivery descriptor (SGDD; OMA BCAST Service Guide): where the delivery units
 /// of the guide are. The element is looked for among the root, or the node that is parsed, and its
-/// following siblings. Required: a second parse adds to the lists of the first.
+/// following siblings. Required: a second parse adds to the lists of the first, until Destroy; see SetReplace.
 class VYR_API CSGDDParse : public XMLBase {
   public:
     /// What was parsed.

@@ -42,6 +42,7 @@ class VYR_API CSGDUParse : public IParse {
 
         bool compress = false;                                      ///< as SetCompress said
         unsigned int inflateLimit = 0;                              ///< as SetInflateLimit said
+        bool replace = false;                                       ///< as SetReplace said
         std::unique_ptr<char[]> extracted;                          ///< the inflated unit; null: none
         std::size_t extractedSize = 0;                              ///< its size, bytes
         unsigned int extensionOffset = 0;                           ///< extension_offset
@@ -62,7 +63,7 @@ class VYR_API CSGDUParse : public IParse {
     /// not inflate; fragments before that are kept. A compressed unit is inflated, and the item points to
     /// the inflated bytes afterwards, which live until the next Parse or Destroy.
     ///
-    /// Required: table entries and fragments pile up until Destroy, and fragments are cut with the offsets
+    /// Required: table entries and fragments pile up until Destroy (see SetReplace), and fragments are cut with the offsets
     /// that stand first in the pile, so that a second unit is cut with the offsets of the first. A fragment
     /// of another encoding than XML is not stepped over: the next one is read from behind its encoding.
     bool Parse(IParse::SItem* item) override;
@@ -75,6 +76,11 @@ class VYR_API CSGDUParse : public IParse {
     void SetCompress(bool compressed);
     /// Extension: the most that a unit may inflate to, bytes; 0, the default: as much as memory holds.
     void SetInflateLimit(unsigned int bytes);
+
+    /// Extension, off by default: what a unit brings takes the place of what the last one left, so that it is cut
+    /// with its own offsets; a unit that fails leaves what is held. Held is then what one unit holds, 64 bytes at
+    /// most for each of its own, which SetInflateLimit bounds.
+    void SetReplace(bool replace);
 
     /// What was parsed; null before Create, good until the next Parse or Destroy.
     const SSGDUParse* State() const { return m; }

@@ -6,7 +6,7 @@
 
 /// Parser of a service guide response (OMA BCAST Service Guide): delivery descriptors that were asked for over
 /// the interactive channel. The element is looked for among the root, or the node that is parsed, and its
-/// following siblings. Required: a second parse adds to the lists of the first.
+/// following siblings. Required: a second parse adds to the lists of the first, until Destroy; see SetReplace.
 class VYR_API CSGResponse : public XMLBase {
   public:
     /// How long a response holds: the ResponseValidity element.

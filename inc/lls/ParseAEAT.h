@@ -76,8 +76,6 @@ struct SParseAEAT {
         EAEAAudience audience;                  ///< whom it is for
         EAEAType aeaType;                       ///< alert, update or cancel
         std::string retAEAId;                   ///< the alert that this one updates or cancels
-        EAEAPriority priority;                  ///< as the table carries it
-        bool wakeup;                            ///< wakes receivers
         std::string effective;                  ///< xs:dateTime as it stands
         std::string expires;                    ///< xs:dateTime as it stands
         std::string eventCode;                  ///< code of the event
@@ -87,11 +85,13 @@ struct SParseAEAT {
         std::unique_ptr<SLiveMedia> liveMedia;  ///< LiveMedia: the last one; null: none
         std::vector<SText> texts;               ///< AEAText: messages by language
         std::vector<SMedia> media;              ///< Media: files that go with it
+        EAEAPriority priority;                  ///< as the table carries it
+        bool wakeup;                            ///< wakes receivers
     };
 };
 
-/// Parser of the advanced emergency alert table (AEAT, LLS_table_id 4). Required: tables pile up; only
-/// Destroy lets go, so callers use one object per table. Alerts are addressed from 0 in document order;
+/// Parser of the advanced emergency alert table (AEAT, LLS_table_id 4). Required: tables pile up. The
+/// alerts of each join those held, until Destroy; see SetReplace. Alerts are addressed from 0 in document order;
 /// an index outside the list gives false or 0 and leaves outputs untouched. An object that is not
 /// created is asserted ("m").
 class VYR_API CParseAEAT : public TCParseLLS {
@@ -110,6 +110,10 @@ class VYR_API CParseAEAT : public TCParseLLS {
     bool Create(const CParseAEAT::SCallback* callback);
     /// Frees every alert; the object can be created anew.
     void Destroy() override;
+
+    /// Extension, off by default: what a table brings takes the place of what the last table of its group
+    /// left, see TCParseLLS. What was handed out of those is gone then.
+    void SetReplace(bool replace);
 
     /// Number of alerts held.
     int AEACount() const;
@@ -131,7 +135,8 @@ class VYR_API CParseAEAT : public TCParseLLS {
     bool GetAEAEventCode(int index, std::string& eventCode, std::string& eventCodeType) const;
     /// Number of event descriptions, one per language.
     int AEAEventDescCount(int index) const;
-    /// All of the index-th alert, null outside the list; good until Destroy.
+    /// All of the index-th alert, null outside the list; good until Destroy, or with SetReplace until
+    /// the next Parse.
     const SParseAEAT::SAEAInfo* GetAEA(int index) const;
 
   protected:

@@ -7,7 +7,7 @@
 
 /// Parser of the OnscreenMessageNotification table (LLS_table_id 5; ATSC A/331 6.6): the services for
 /// which receivers are to keep the screen clear of messages of their own. Required: tables pile up.
-/// Each adds its entries; only Destroy lets go. An object that is not created is asserted ("m").
+/// The entries of each join those held, until Destroy; see SetReplace. An object that is not created is asserted ("m").
 class VYR_API CParseOnscreenNoti : public TCParseLLS {
   public:
     /// One KeepScreenClear element; what it does not give is 0, empty or false.
@@ -29,6 +29,10 @@ class VYR_API CParseOnscreenNoti : public TCParseLLS {
     /// Frees every entry; the object can be created anew.
     void Destroy() override;
 
+    /// Extension, off by default: what a table brings takes the place of what the last table of its group
+    /// left, see TCParseLLS. What was handed out of those is gone then.
+    void SetReplace(bool replace);
+
     /// Number of entries held.
     unsigned int KSCCount() const;
     /// Broadcast stream of the index-th entry; an index outside the range is asserted: 0.
@@ -37,7 +41,8 @@ class VYR_API CParseOnscreenNoti : public TCParseLLS {
     unsigned short ServiceId(unsigned int index) const;
     /// How many further service ids the index-th entry is for; likewise.
     unsigned short ServiceIdRange(unsigned int index) const;
-    /// All of the index-th entry, null outside the range; good until Destroy.
+    /// All of the index-th entry, null outside the range; good until Destroy, or with SetReplace
+    /// until the next Parse.
     const SKeepScreenClear* GetKSC(unsigned int index) const;
 
   protected:

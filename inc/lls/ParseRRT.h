@@ -38,7 +38,8 @@ struct SParseRRT {
 };
 
 /// Parser of the rating region table (RRT, LLS_table_id 2): regions, each with dimensions, each with
-/// rating values. Required: tables pile up; only Destroy lets go.
+/// rating values. Required: tables pile up. The regions of each join those held, until Destroy; see
+/// SetReplace.
 ///
 /// Getters address a region r, its dimension d and that one's rating k, all from 0. One that is out of
 /// range is logged: false or 0, outputs untouched. An object that is not created is asserted ("m").
@@ -65,6 +66,10 @@ class VYR_API CParseRRT : public TCParseLLS {
     bool Start(void* channel);
     /// Counterpart of Start; changes nothing.
     bool Stop();
+
+    /// Extension, off by default: what a table brings takes the place of what the last table of its group
+    /// left, see TCParseLLS. What was handed out of those is gone then.
+    void SetReplace(bool replace);
 
     /// Number of regions held.
     unsigned int numOfRatingRegionTable() const;

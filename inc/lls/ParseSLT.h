@@ -58,8 +58,9 @@ struct SParseSLT {
 };
 
 /// Parser of the service list table (SLT, LLS_table_id 1; ATSC A/331 6.3). Every service it accepts
-/// is published in the channel map. Required: tables pile up. The services of each new table join
-/// those already held, and all of them are offered to the channel map again; only Destroy lets go.
+/// is published in the channel map. Required: tables pile up. The services and URLs of each new table
+/// join those already held, until Destroy, and all services are offered to the channel map again, which
+/// keeps them beyond that; see SetReplace.
 ///
 /// An object that is not created is asserted ("m"); results are then false, 0 or empty.
 class VYR_API CParseSLT : public TCParseLLS {
@@ -80,7 +81,9 @@ class VYR_API CParseSLT : public TCParseLLS {
         DROP_MAJOR_CHANNEL,          ///< category 1 to 3, majorChannelNo outside 1 to 999
         DROP_MINOR_CHANNEL,          ///< category 1 to 3, minorChannelNo outside 1 to 999
         DROP_BROADBAND_UNSUPPORTED,  ///< category 1 to 3 needs broadband, and the settings have none
-        DROP_DUPLICATE               ///< removed by the rule for equal services
+        DROP_DUPLICATE,              ///< removed by the rule for equal services
+        DROP_LIMIT,                  ///< SetReplace is on, and the group holds its most
+        DROP_GONE                    ///< SetReplace is on, and its group's new table has it no more
     };
     /// Told of each service that is dropped, inside Parse and on its thread; the service is good during the
     /// call only, and holds what was read before it was dropped. Services before it in the table are held,
@@ -110,6 +113,12 @@ class VYR_API CParseSLT : public TCParseLLS {
     /// Extension, off by default: a Service without "protected", "hidden" or "broadbandAccessRequired"
     /// takes the default false that ATSC A/331 gives these attributes, in place of being dropped.
     void SetLenient(bool lenient);
+    /// Extension, off by default: what a table brings takes the place of what the last table of its group
+    /// left, see TCParseLLS; to the group belongs what AddLLSGroupId gave, and the channel. A service that is
+    /// gone is told of as DROP_GONE, with the channel map's service still good, and with `leaveChannelMap`
+    /// leaves the channel map then: pointers to it in the hands of others end there, and nobody else may have
+    /// taken it out before. What GetServiceInfo handed out is good until the next Parse, as ever.
+    void SetReplace(bool replace, bool leaveChannelMap = false);
     /// Extension: tells why services are dropped. Copied; null takes it back.
     void SetDropCallback(const SDropCallback* callback);
 
@@ -149,6 +158,8 @@ class VYR_API CParseSLT : public TCParseLLS {
     bool t_CreateCallback();
     bool m_ProcessParseSLT(void* root);
     void t_RemoveDuplicateServices();
+    void m_PutAside(int services, int urls);
+    void m_Leave();
     void m_Publish(SParseSLT::SService* service);
     void m_RemoveSLT();
     void m_DumpSLT() const;

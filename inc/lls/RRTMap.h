@@ -7,6 +7,7 @@
 /// Destroy frees it with every region. Operations of handles may come from several threads, each handle from
 /// one at a time; "last" is the last of all threads, so that one region is filled by one thread. Out of memory is
 /// false, with a line in the log, and changes nothing.
+/// Regions grow with every set call until Remove or the end of the store; see SetReplace.
 ///
 /// A region is filled in order: Add, SetRegionIdText, and for each dimension SetDimension, SetDimTitle,
 /// and for each rating SetRatingVal, SetRatingValAbbrev, SetRatingValStr. A text is a pair of
@@ -26,6 +27,10 @@ class VYR_API CRRTMap {
     /// Leaves the store; the last handle frees it.
     void Destroy();
 
+    /// Extension of this handle, off by default: Add puts an empty region in the place of one that is there,
+    /// so that a table filled in again takes the place of the last. There are 256 keys; what stands under one is
+    /// what its caller has filled in.
+    void SetReplace(bool replace);
     /// Makes a region under the key; one that is there already stays.
     bool Add(unsigned char key, unsigned int regionIdentifier);
     /// Frees the region under the key.

@@ -20,7 +20,7 @@ struct XMLBase::SKeeper {
     }
 };
 
-XMLBase::XMLBase() : t_compressed(false), t_keepsDocument(true), m_parsing(false) {}
+XMLBase::XMLBase() : t_compressed(false), t_keepsDocument(true), t_replace(false), m_parsing(false) {}
 
 XMLBase::~XMLBase() = default;
 

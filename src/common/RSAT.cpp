@@ -76,6 +76,10 @@ bool CRSAT::m_ProcessParse(void* root)
     if (!CNodeText::Attribute(root, "timestamp").CopyTo(m->timestamp)) {
         return false;
     }
+    if (t_replace) {
+        m->RSATInetURL.clear();
+        m->services.RemoveAll();
+    }
     CNodeText::Attribute(root, "RSATInetURL").CopyTo(m->RSATInetURL);
     vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CRSAT::m_ProcessParseRSAT] Name[%s]",
                           VYR_HERE);

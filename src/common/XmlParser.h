@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "common/CoreOS/PtrArray.h"
@@ -70,6 +71,16 @@ bool SetCallback(TState* m, const TCallback* callback, const SHere& here)
 struct SXmlChild {
     static bool Parse(XMLBase& child, void* document, void* node) { return child.m_ParseElement(document, node); }
 };
+
+/// What SetReplace does to a record of lists once a new document is known to be of its kind.
+template <class TValues>
+void Renew(bool replace, TValues& values)
+{
+    if (replace) {
+        values.~TValues();
+        new (&values) TValues;
+    }
+}
 
 /// BuildChild for a child that is an XMLBase: Create(), `prepare(child)`, Parse(document, node).
 template <class TChild, class TPrepare>

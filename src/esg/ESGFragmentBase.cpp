@@ -2,14 +2,49 @@
 
 #include <climits>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 #include "esg/ESGKind.h"
+#include "esg/GenreAsking.h"
+
+namespace {
+
+/// With `replace`: an empty record in the place of the held one, which comes back unless the parse succeeds.
+class CRecord {
+  public:
+    CRecord(SESGFragment*& record, bool replace) : m_record(record)
+    {
+        if (replace) {
+            m_other.reset(static_cast<SESGFragment*>(vyr::CreateState(*record->kind)));
+            m_Swap();
+        }
+    }
+    ~CRecord()
+    {
+        if (m_other && !parsed) {
+            m_Swap();
+        }
+    }
+    CRecord(const CRecord&) = delete;
+    CRecord& operator=(const CRecord&) = delete;
+
+    bool parsed = false;
+
+  private:
+    void m_Swap() { m_other.reset(std::exchange(m_record, m_other.release())); }
+
+    SESGFragment*& m_record;
+    std::unique_ptr<SESGFragment> m_other;
+};
+
+}  // namespace
 
 SESGFragment::SESGFragment() = default;
 
 SESGFragment::~SESGFragment() = default;
 
-CESGFragmentBase::CESGFragmentBase() : m(nullptr) {}
+CESGFragmentBase::CESGFragmentBase() : m(nullptr), m_replace(false) {}
 
 CESGFragmentBase::~CESGFragmentBase()
 {
@@ -55,20 +90,26 @@ try {
     }
     // A length that no document has becomes one that the document refuses.
     const int size = length <= INT_MAX ? static_cast<int>(length) : -1;
-    return m_Process(m->xml.Create(buffer, size, false), "m->xml.Create(buffer, len)");
+    CRecord record(m, m_replace);
+    return record.parsed = m_Process(m->xml.Create(buffer, size, false), "m->xml.Create(buffer, len)");
 } catch (...) {
     return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
 }
 
 bool CESGFragmentBase::Parse(const char* filename)
 try {
-    return m_Begin(filename, "filename") && m_Process(m->xml.Create(filename), "m->xml.Create(filename)");
+    if (!m_Begin(filename, "filename")) {
+        return false;
+    }
+    CRecord record(m, m_replace);
+    return record.parsed = m_Process(m->xml.Create(filename), "m->xml.Create(filename)");
 } catch (...) {
     return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
 }
 
 bool CESGFragmentBase::m_Process(bool created, const char* step)
 {
+    const vyr::CGenreAsking asking;
     const vyr::SESGKind& kind = *m->kind;
     // All values are copies: a guide of a thousand fragments need not hold a thousand documents.
     const vyr::SDocumentEnd end{m->xml};

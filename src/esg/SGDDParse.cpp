@@ -58,6 +58,7 @@ bool CSGDDParse::m_ProcessParse(void* root)
     if (!node) {
         return false;
     }
+    vyr::Renew(t_replace, m->values);
     vyr::ReadAttribute(node, "id", m->values.id);
     vyr::ReadAttribute(node, "version", m->values.version);
     // The declaration may stand once above a thousand descriptors, and be as long as them all.

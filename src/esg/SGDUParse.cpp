@@ -10,6 +10,7 @@
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
+#include "esg/GenreAsking.h"
 
 CSGDUParse::CSGDUParse() : m(nullptr) {}
 
@@ -50,21 +51,47 @@ void CSGDUParse::SetInflateLimit(unsigned int bytes)
     }
 }
 
+void CSGDUParse::SetReplace(bool replace)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->replace = replace;
+    }
+}
+
 bool CSGDUParse::Parse(IParse::SItem* item)
 {
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }
+    const vyr::CGenreAsking asking;
+    // With `replace` the unit is parsed into nothing, and what was held comes back when that fails.
+    SSGDUParse held;
+    const auto swap = [this, &held] {
+        if (m->replace) {
+            std::swap(m->extensionOffset, held.extensionOffset);
+            std::swap(m->reserved, held.reserved);
+            std::swap(m->nOServiceGuideFragments, held.nOServiceGuideFragments);
+            m->arrayHead.swap(held.arrayHead);
+            m->arrayFragment.swap(held.arrayFragment);
+        }
+    };
+    swap();
     const std::size_t heads = m->arrayHead.size();
     const std::size_t fragments = m->arrayFragment.size();
+    bool parsed = false;
     try {
-        return m_Parse(item);
+        parsed = m_Parse(item);
     } catch (...) {
         // Half a unit would shift the entries of the next.
         m->arrayHead.resize(heads);
         m->arrayFragment.resize(fragments);
+        swap();
         return vyr::OutOfMemory(VYR_HERE);
     }
+    if (!parsed) {
+        swap();
+    }
+    return parsed;
 }
 
 bool CSGDUParse::m_Parse(IParse::SItem* item)

@@ -60,6 +60,7 @@ bool CSGResponse::m_ProcessParse(void* root)
     if (!node) {
         return false;
     }
+    vyr::Renew(t_replace, m->values);
     vyr::ReadAttribute(node, "status", m->values.status);
     vyr::ReadAttribute(node, "lastResponseVersion", m->values.lastResponseVersion);
     m->namespaces.clear();

@@ -5,6 +5,7 @@
 
 #include "common/CoreOS/PtrArray.h"
 #include "common/Log.h"
+#include "lls/Replace.h"
 #include "lls/TableDocument.h"
 
 using vyr::CNodeText;
@@ -12,10 +13,11 @@ using vyr::CNodeText;
 namespace {
 
 typedef SParseAEAT::SAEAInfo SAEAInfo;
+typedef vyr::THeld<SAEAInfo> SHeld;
 
 void g_CbRemoveAEA(void* /*context*/, void* element)
 {
-    delete static_cast<SAEAInfo*>(element);
+    delete static_cast<SHeld*>(element);
 }
 
 /// The number of the first word, counted from 1, that the attribute begins with; 0: none, or absent.
@@ -51,6 +53,10 @@ struct CParseAEAT::SState : vyr::STable {
     SAEAInfo* current = nullptr;  // set while the children of an alert are read
     CCPtrArray alerts{g_CbRemoveAEA, nullptr};
     SCallback callback{};
+    vyr::CReplace replace;
+
+    /// The alert that a list is read for, when there is room for one entry more.
+    SAEAInfo* Listing() { return current && replace.Take() ? current : nullptr; }
 };
 
 CParseAEAT::CParseAEAT() : m(nullptr) {}
@@ -93,13 +99,26 @@ void CParseAEAT::Destroy()
     }
 }
 
+void CParseAEAT::SetReplace(bool replace)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->replace.Set(replace);
+    }
+}
+
 bool CParseAEAT::t_Parse(IParse::SItem* item)
 {
-    if (!VYR_ASSERT(m, "m") ||
-        !vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseAEAT(root)", VYR_HERE,
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    const int held = m->alerts.Size();
+    m->replace.Begin({nullptr, t_GroupId(), 0});
+    if (!vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseAEAT(root)", VYR_HERE,
                                  [this](void* root) { return m_ProcessParseAEAT(root); })) {
         return false;
     }
+    m->replace.Drop<SAEAInfo>(m->alerts, held);
+    m->replace.End("CParseAEAT", VYR_HERE);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseAEAT::t_Parse] AEA Table size[%d]", m->alerts.Size());
     m_DumpAEAT();
     return true;
@@ -118,7 +137,11 @@ bool CParseAEAT::m_ProcessParseAEAT(void* root)
 void CParseAEAT::sm_CbAEA(CParseAEAT* parser, void* node)
 {
     SState* m = parser->m;
-    auto alert = std::make_unique<SAEAInfo>();
+    if (!m->replace.Take()) {
+        return;
+    }
+    auto alert = std::make_unique<SHeld>();
+    alert->group = m->replace.Group();
     alert->aeaId = Attribute(node, "aeaId");
     alert->issuer = Attribute(node, "issuer");
     alert->audience = Word<EAEAAudience>(node, "audience", {"public", "restricted", "private"});
@@ -156,14 +179,14 @@ void CParseAEAT::sm_CbEventCode(CParseAEAT* parser, void* node)
 
 void CParseAEAT::sm_CbEventDesc(CParseAEAT* parser, void* node)
 {
-    if (SAEAInfo* alert = parser->m->current) {
+    if (SAEAInfo* alert = parser->m->Listing()) {
         alert->eventDescs.push_back({Content(node), Attribute(node, "lang")});
     }
 }
 
 void CParseAEAT::sm_CbLocation(CParseAEAT* parser, void* node)
 {
-    if (SAEAInfo* alert = parser->m->current) {
+    if (SAEAInfo* alert = parser->m->Listing()) {
         alert->locations.push_back(
             {Content(node), Word<EAEALocationType>(node, "type", {"FIPS", "SGC", "polygon", "circle"})});
     }
@@ -171,7 +194,7 @@ void CParseAEAT::sm_CbLocation(CParseAEAT* parser, void* node)
 
 void CParseAEAT::sm_CbAEAText(CParseAEAT* parser, void* node)
 {
-    if (SAEAInfo* alert = parser->m->current) {
+    if (SAEAInfo* alert = parser->m->Listing()) {
         alert->texts.push_back({Content(node), Attribute(node, "lang")});
     }
 }
@@ -191,7 +214,7 @@ void CParseAEAT::sm_CbLiveMedia(CParseAEAT* parser, void* node)
 void CParseAEAT::sm_CbServiceName(CParseAEAT* parser, void* node)
 {
     SAEAInfo* alert = parser->m->current;
-    if (alert && alert->liveMedia) {
+    if (alert && alert->liveMedia && parser->m->replace.Take()) {
         // Required: the attribute, not the element's text.
         alert->liveMedia->serviceNames.push_back({Attribute(node, "ServiceName"), Attribute(node, "lang")});
     }
@@ -199,7 +222,7 @@ void CParseAEAT::sm_CbServiceName(CParseAEAT* parser, void* node)
 
 void CParseAEAT::sm_CbMedia(CParseAEAT* parser, void* node)
 {
-    SAEAInfo* alert = parser->m->current;
+    SAEAInfo* alert = parser->m->Listing();
     if (!alert) {
         return;
     }
@@ -223,7 +246,7 @@ int CParseAEAT::AEACount() const
 const SParseAEAT::SAEAInfo* CParseAEAT::GetAEA(int index) const
 {
     void* alert = nullptr;
-    return VYR_ASSERT(m, "m") && m->alerts.GetAt(index, &alert) ? static_cast<SAEAInfo*>(alert) : nullptr;
+    return VYR_ASSERT(m, "m") && m->alerts.GetAt(index, &alert) ? static_cast<SHeld*>(alert) : nullptr;
 }
 
 bool CParseAEAT::GetAEAId(int index, std::string& aeaId, std::string& retAEAId) const

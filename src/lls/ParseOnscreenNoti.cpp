@@ -4,17 +4,21 @@
 
 #include "common/CoreOS/PtrArray.h"
 #include "common/Log.h"
+#include "lls/Replace.h"
 #include "lls/TableDocument.h"
 
 using vyr::CNodeText;
 
+typedef vyr::THeld<CParseOnscreenNoti::SKeepScreenClear> SHeld;
+
 static void g_CbRemoveKSC(void* /*context*/, void* element)
 {
-    delete static_cast<CParseOnscreenNoti::SKeepScreenClear*>(element);
+    delete static_cast<SHeld*>(element);
 }
 
 struct CParseOnscreenNoti::SState : vyr::STable {
     CCPtrArray entries{g_CbRemoveKSC, nullptr};
+    vyr::CReplace replace;
 };
 
 CParseOnscreenNoti::CParseOnscreenNoti() : m(nullptr) {}
@@ -56,9 +60,8 @@ unsigned int CParseOnscreenNoti::KSCCount() const
 const CParseOnscreenNoti::SKeepScreenClear* CParseOnscreenNoti::m_Entry(unsigned int index) const
 {
     // Required: the array itself asserts a bad index.
-    return VYR_ASSERT(m, "m")
-               ? static_cast<SKeepScreenClear*>(m->entries.Data(index <= INT_MAX ? static_cast<int>(index) : -1))
-               : nullptr;
+    return VYR_ASSERT(m, "m") ? static_cast<SHeld*>(m->entries.Data(index <= INT_MAX ? static_cast<int>(index) : -1))
+                              : nullptr;
 }
 
 unsigned short CParseOnscreenNoti::Bsid(unsigned int index) const
@@ -84,16 +87,27 @@ const CParseOnscreenNoti::SKeepScreenClear* CParseOnscreenNoti::GetKSC(unsigned 
     return index < KSCCount() ? m_Entry(index) : nullptr;
 }
 
+void CParseOnscreenNoti::SetReplace(bool replace)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->replace.Set(replace);
+    }
+}
+
 bool CParseOnscreenNoti::t_Parse(IParse::SItem* item)
 {
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::t_Parse]");
+    const int held = m->entries.Size();
+    m->replace.Begin({nullptr, t_GroupId(), 0});
     if (!vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseOnscreenNoti(root)", VYR_HERE,
                                  [this](void* root) { return m_ProcessParseOnscreenNoti(root); })) {
         return false;
     }
+    m->replace.Drop<SKeepScreenClear>(m->entries, held);
+    m->replace.End("CParseOnscreenNoti", VYR_HERE);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::t_Parse] array size[%d]", m->entries.Size());
     m_DumpKSC();
     return true;
@@ -112,7 +126,11 @@ bool CParseOnscreenNoti::m_ProcessParseOnscreenNoti(void* root)
 void CParseOnscreenNoti::sm_CbKSC(CParseOnscreenNoti* parser, void* node)
 {
     const auto number = [node](const char* name) { return CNodeText::Attribute(node, name).Int(0); };
-    auto entry = std::make_unique<SKeepScreenClear>();
+    if (!parser->m->replace.Take()) {
+        return;
+    }
+    auto entry = std::make_unique<SHeld>();
+    entry->group = parser->m->replace.Group();
     entry->bsid = static_cast<unsigned short>(number("bsid"));
     entry->serviceId = static_cast<unsigned short>(number("serviceId"));
     entry->serviceIdRange = static_cast<unsigned short>(number("serviceIdRange"));
@@ -128,7 +146,7 @@ void CParseOnscreenNoti::m_DumpKSC() const
         return;
     }
     for (int i = 0; i < m->entries.Size(); ++i) {
-        const auto* entry = static_cast<const SKeepScreenClear*>(m->entries.Data(i));
+        const auto* entry = static_cast<const SHeld*>(m->entries.Data(i));
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC]index: %d , bsid: %d, serviceId: %d", i,
                 entry->bsid, entry->serviceId);
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC]serviceIdRange: %d , duration: %s",

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "common/Log.h"
+#include "lls/Replace.h"
 #include "lls/TableDocument.h"
 
 using vyr::CNodeText;
@@ -54,12 +55,13 @@ void ReadText(STextType& text, void* node)
 }  // namespace
 
 struct CParseRRT::SState : vyr::STable {
-    std::vector<SRegion> regions;
+    std::vector<vyr::THeld<SRegion>> regions;
     SRegion* region = nullptr;
     SDimension* dimension = nullptr;
     SRating* rating = nullptr;
     void* channel = nullptr;
     SCallback callback{};
+    vyr::CReplace replace;
 
     const SRegion* Region(unsigned int r) const { return At(regions, r); }
 
@@ -133,13 +135,26 @@ bool CParseRRT::Stop()
     return VYR_ASSERT(m, "m");
 }
 
+void CParseRRT::SetReplace(bool replace)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->replace.Set(replace);
+    }
+}
+
 bool CParseRRT::t_Parse(IParse::SItem* item)
 {
-    if (!VYR_ASSERT(m, "m") ||
-        !vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseRRT(root)", VYR_HERE,
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    const std::size_t held = m->regions.size();
+    m->replace.Begin({m->channel, t_GroupId(), 0});
+    if (!vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseRRT(root)", VYR_HERE,
                                  [this](void* root) { return m_ProcessParseRRT(root); })) {
         return false;
     }
+    m->replace.Drop(m->regions, held);
+    m->replace.End("CParseRRT", VYR_HERE);
     if (m->callback.fn) {
         m->callback.fn(m->callback.userData, 1);
     }
@@ -158,7 +173,11 @@ bool CParseRRT::m_ProcessParseRRT(void* root)
 void CParseRRT::sm_CbRatingRegionTable(CParseRRT* parser, void* node)
 {
     SState* m = parser->m;
-    SRegion region;
+    if (!m->replace.Take()) {
+        return;
+    }
+    vyr::THeld<SRegion> region;
+    region.group = m->replace.Group();
     region.regionIdentifier = CNodeText::Attribute(node, "regionIdentifier").Int(0);
     {
         const vyr::CScoped<SRegion*> current(m->region, &region, nullptr);
@@ -178,7 +197,7 @@ void CParseRRT::sm_CbDimension(CParseRRT* parser, void* node)
 {
     SState* m = parser->m;
     SRegion* region = m->region;
-    if (!VYR_ASSERT(region, "m->region")) {
+    if (!VYR_ASSERT(region, "m->region") || !m->replace.Take()) {
         return;
     }
     SDimension dimension;
@@ -203,7 +222,7 @@ void CParseRRT::sm_CbRating(CParseRRT* parser, void* node)
 {
     SState* m = parser->m;
     SDimension* dimension = m->dimension;
-    if (!VYR_ASSERT(dimension, "m->dimension")) {
+    if (!VYR_ASSERT(dimension, "m->dimension") || !m->replace.Take()) {
         return;
     }
     SRating rating;

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "common/ChannelMap.h"
@@ -13,6 +15,7 @@
 #include "common/Log.h"
 #include "common/SeededHash.h"
 #include "common/XmlNode.h"
+#include "lls/Replace.h"
 #include "lls/TableDocument.h"
 
 using vyr::CNodeText;
@@ -20,19 +23,31 @@ using vyr::CNodeText;
 namespace {
 
 typedef SParseSLT::SService SService;
+typedef vyr::THeld<SService> SHeldService;
+typedef vyr::THeld<SParseSLT::SSltInetUrl> SHeldUrl;
+
+/// Services that a new table has replaced, until the channel map has heard of it.
+struct SGone {
+    std::vector<std::unique_ptr<SHeldService>> services;
+    bool open = false;  // what leaves the list comes here
+};
 
 constexpr int k_noMinorChannel = 1000;
 constexpr int k_maxChannel = 999;
 constexpr char k_broadbandSetting[] = "db/menu/broadcasting/atsc3_bb_option";
 
-void g_CbRemoveService(void* /*context*/, void* element)
+void g_CbRemoveService(void* context, void* element)
 {
-    delete static_cast<SService*>(element);
+    std::unique_ptr<SHeldService> service(static_cast<SHeldService*>(element));
+    SGone& gone = *static_cast<SGone*>(context);
+    if (gone.open) {
+        gone.services.push_back(std::move(service));
+    }
 }
 
 void g_CbRemoveSltInetUrl(void* /*context*/, void* element)
 {
-    delete static_cast<SParseSLT::SSltInetUrl*>(element);
+    delete static_cast<SHeldUrl*>(element);
 }
 
 int Number(void* node, const char* name)
@@ -124,7 +139,8 @@ struct CParseSLT::SSLT : vyr::STable {
     std::map<unsigned char, int> bsidByGroup;
     std::string capabilities;
     int lowestMinorChannelNo = k_noMinorChannel;
-    CCPtrArray services{g_CbRemoveService, nullptr};
+    SGone gone;
+    CCPtrArray services{g_CbRemoveService, &gone};
     CCPtrArray sltInetUrls{g_CbRemoveSltInetUrl, nullptr};
     SService* current = nullptr;
     void* channel = nullptr;
@@ -132,8 +148,10 @@ struct CParseSLT::SSLT : vyr::STable {
     SCallback callback{};
     bool lenient = false;
     SDropCallback dropCallback{};
+    vyr::CReplace replace;
+    bool leaveChannelMap = false;
 
-    SService* Service(int index) const { return static_cast<SService*>(services.Data(index)); }
+    SService* Service(int index) const { return static_cast<SHeldService*>(services.Data(index)); }
 
     void Drop(const SService* service, EDropReason reason) const
     {
@@ -227,6 +245,14 @@ void CParseSLT::SetLenient(bool lenient)
     }
 }
 
+void CParseSLT::SetReplace(bool replace, bool leaveChannelMap)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->replace.Set(replace);
+        m->leaveChannelMap = leaveChannelMap;
+    }
+}
+
 void CParseSLT::SetDropCallback(const SDropCallback* callback)
 {
     if (VYR_ASSERT(m, "m")) {
@@ -265,14 +291,14 @@ bool CParseSLT::GetSltInetUrl(int index, std::string& url, EATSC3UrlType& type) 
     if (!VYR_ASSERT(m, "m") || !m->sltInetUrls.GetAt(index, &element)) {
         return false;
     }
-    const auto* record = static_cast<const SParseSLT::SSltInetUrl*>(element);
+    const auto* record = static_cast<const SHeldUrl*>(element);
     return vyr::Give(record->url, url) && vyr::Give(record->urlType, type);
 }
 
 const SParseSLT::SService* CParseSLT::GetServiceInfo(int index) const
 {
     void* element = nullptr;
-    return VYR_ASSERT(m, "m") && m->services.GetAt(index, &element) ? static_cast<SService*>(element) : nullptr;
+    return VYR_ASSERT(m, "m") && m->services.GetAt(index, &element) ? static_cast<SHeldService*>(element) : nullptr;
 }
 
 bool CParseSLT::GetService(int index, void*& service) const
@@ -312,10 +338,14 @@ bool CParseSLT::t_Parse(IParse::SItem* item)
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
+    const int services = m->services.Size();
+    const int urls = m->sltInetUrls.Size();
+    m->replace.Begin({m->channel, t_GroupId(), m->groupId});
     if (!vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseSLT(root)", VYR_HERE,
                                  [this](void* root) { return m_ProcessParseSLT(root); })) {
         return false;
     }
+    m_PutAside(services, urls);
     t_RemoveDuplicateServices();
     m->lowestMinorChannelNo = k_noMinorChannel;
     for (int i = 0; i < m->services.Size(); ++i) {
@@ -328,11 +358,48 @@ bool CParseSLT::t_Parse(IParse::SItem* item)
     for (int i = 0; i < m->services.Size(); ++i) {
         m_Publish(m->Service(i));
     }
+    m_Leave();
     if (m->callback.fn) {
         m->callback.fn(m->callback.userData, 1);
     }
     m_DumpSLT();
     return true;
+}
+
+/// With SetReplace: takes what the table's group held before out of the lists, of which so many are older.
+void CParseSLT::m_PutAside(int services, int urls)
+{
+    if (m->replace.Group() != 0) {
+        m->gone.services.reserve(static_cast<std::size_t>(services));
+        m->gone.open = true;
+        m->replace.Drop<SService>(m->services, services);
+        m->gone.open = false;
+        m->replace.Drop<SParseSLT::SSltInetUrl>(m->sltInetUrls, urls);
+    }
+    m->replace.End("CParseSLT", VYR_HERE);
+}
+
+/// Tells of the services that were put aside and are not offered to the channel map any more.
+void CParseSLT::m_Leave()
+{
+    const auto gone = std::exchange(m->gone.services, {});
+    if (gone.empty()) {
+        return;
+    }
+    std::unordered_set<const void*> offered{nullptr};
+    for (int i = 0; i < m->services.Size(); ++i) {
+        offered.insert(m->Service(i)->service);
+    }
+    for (const auto& service : gone) {
+        if (offered.count(service->service) == 0) {
+            m->Drop(service.get(), DROP_GONE);
+        }
+    }
+    for (const auto& service : gone) {
+        if (m->leaveChannelMap && offered.count(service->service) == 0) {
+            m->channelMap->RemoveService(service->service);
+        }
+    }
 }
 
 bool CParseSLT::m_ProcessParseSLT(void* root)
@@ -390,7 +457,7 @@ void CParseSLT::m_Publish(SParseSLT::SService* service)
 void CParseSLT::sm_CbService(CParseSLT* parser, void* node)
 {
     SSLT* m = parser->m;
-    auto service = std::make_unique<SService>();
+    auto service = std::make_unique<SHeldService>();
     const auto drop = [m, &service](EDropReason reason) { m->Drop(service.get(), reason); };
     service->groupId = m->groupId;
     service->serviceId = static_cast<unsigned short>(Number(node, "serviceId"));
@@ -438,6 +505,10 @@ void CParseSLT::sm_CbService(CParseSLT* parser, void* node)
             return drop(DROP_BROADBAND_UNSUPPORTED);
         }
     }
+    if (!m->replace.Take()) {
+        return drop(DROP_LIMIT);
+    }
+    service->group = m->replace.Group();
     service->svcCapabilities = Text(node, "svcCapabilities");
 
     {
@@ -480,8 +551,10 @@ void CParseSLT::sm_CbSltInetUrl(CParseSLT* parser, void* node)
         return;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSltInetUrl] sltUrl[%s], sltUrlType[%d]", url.Text(), type);
-    vyr::Append(parser->m->sltInetUrls,
-                std::unique_ptr<SParseSLT::SSltInetUrl>(new SParseSLT::SSltInetUrl{url.Text(), type}));
+    SSLT* m = parser->m;
+    if (m->replace.Take()) {
+        vyr::Append(m->sltInetUrls, std::unique_ptr<SHeldUrl>(new SHeldUrl{{url.Text(), type}, m->replace.Group()}));
+    }
 }
 
 void CParseSLT::sm_CbSvcInetUrl(CParseSLT* parser, void* node)

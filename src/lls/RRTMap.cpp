@@ -6,8 +6,9 @@
 #include "common/OutOfMemory.h"
 #include "lls/RRTMapST.h"
 
-/// A handle has nothing of its own but the fact that it is created.
-struct CRRTMap::SHandle {};
+struct CRRTMap::SHandle {
+    bool replace = false;
+};
 
 // Store and count belong to all handles, on whatever thread. Recursive: log and assertion sink may call back.
 static std::recursive_mutex s_mutex;
@@ -50,10 +51,17 @@ void CRRTMap::Destroy()
     m = nullptr;
 }
 
+void CRRTMap::SetReplace(bool replace)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->replace = replace;
+    }
+}
+
 bool CRRTMap::Add(unsigned char key, unsigned int regionIdentifier)
 try {
     const TLock lock(s_mutex);
-    return VYR_ASSERT(m, "m") && SRRTMap::rrtMap->Add(key, regionIdentifier);
+    return VYR_ASSERT(m, "m") && SRRTMap::rrtMap->Add(key, regionIdentifier, m->replace);
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

@@ -43,8 +43,11 @@ CRRTMapST::SRating* CRRTMapST::m_Rating(unsigned char key)
     return &dimension->ratings.back();
 }
 
-bool CRRTMapST::Add(unsigned char key, unsigned int regionIdentifier)
+bool CRRTMapST::Add(unsigned char key, unsigned int regionIdentifier, bool replace)
 {
+    if (replace) {
+        m_rrtMap.erase(key);
+    }
     m_rrtMap.emplace(key, SRatingRegionTable{regionIdentifier, {}, {}});
     return true;
 }

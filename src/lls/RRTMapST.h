@@ -34,7 +34,7 @@ class CRRTMapST {
         std::vector<SDimension> dimensions;  // the last one is being filled
     };
 
-    bool Add(unsigned char key, unsigned int regionIdentifier);
+    bool Add(unsigned char key, unsigned int regionIdentifier, bool replace);
     bool Remove(unsigned char key);
     bool SetRegionIdText(unsigned char key, const char* first, const char* second);
     bool SetDimension(unsigned char key, unsigned int index, bool flag);

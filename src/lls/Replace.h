@@ -2,6 +2,7 @@
 
 #include <map>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "common/CoreOS/PtrArray.h"

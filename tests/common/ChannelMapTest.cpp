@@ -260,4 +260,48 @@ TEST_F(ChannelMapTest, ServicesMayBeAddedFromSeveralThreads)
     EXPECT_EQ(Count(m_map), 500);
 }
 
+/// The order stays, a walk survives removals and additions on its way, and a place that is free again is not
+/// taken for the service that had it.
+TEST_F(ChannelMapTest, RemovalsKeepTheOrder)
+{
+    std::vector<void*> services;
+    SNine nine;
+    const auto add = [&](int id) {
+        nine.numbers[0] = id;
+        services.push_back(Add(m_map, nine));
+    };
+    for (int id = 0; id < 10; ++id) {
+        add(id);
+    }
+    struct SWalk {
+        CChannelMap& map;
+        std::vector<void*>& services;
+        std::string ids;
+    } walk = {m_map, services, ""};
+    const auto visit = [](void* user, void* service) {
+        auto* w = static_cast<SWalk*>(user);
+        int id = 0;
+        w->map.GetServiceNumber(service, nullptr, &id, nullptr, nullptr, nullptr, nullptr, nullptr);
+        w->ids += std::to_string(id) + " ";
+        if (id == 1) {  // its neighbours and itself, and more than half of all
+            for (const std::size_t gone : {0, 1, 2, 5, 6, 7, 8}) {
+                EXPECT_TRUE(w->map.RemoveService(w->services[gone]));
+            }
+            EXPECT_FALSE(w->map.RemoveService(w->services[2]));
+        }
+    };
+    m_map.GetServiceList(visit, &walk);
+    EXPECT_EQ(walk.ids, "0 1 3 4 9 ");
+    EXPECT_TRUE(m_map.RemoveService(services[9]));
+    add(10);
+    walk.ids.clear();
+    m_map.GetServiceList(visit, &walk);
+    EXPECT_EQ(walk.ids, "3 4 10 ");
+    EXPECT_TRUE(m_map.RemoveService(services[3]) && m_map.RemoveService(services[4]) &&
+                m_map.RemoveService(services[10]) && Count(m_map) == 0);
+    add(11);
+    EXPECT_EQ(Count(m_map), 1);
+    EXPECT_TRUE(m_map.RemoveService(services[11]));
+}
+
 }  // namespace

@@ -54,6 +54,36 @@ class ParseSLTTest : public CRecorder {
         EXPECT_TRUE(ParseTable(std::string("\1\0\0", 3) + static_cast<char>(++m_version) + xml));
     }
 
+    /// A table of a group, of services with these ids and of as many URLs.
+    void ParseIds(unsigned char group, const std::vector<int>& ids)
+    {
+        std::string xml = "<SLT>";
+        for (const int id : ids) {
+            xml += "<sltInetUrl>u</sltInetUrl><Service serviceId='" + std::to_string(id) + "'" + k_flags + "/>";
+        }
+        m_slt.AddLLSGroupId(group);
+        EXPECT_TRUE(ParseTable(std::string("\1") + static_cast<char>(group) + '\0' + static_cast<char>(++m_version) +
+                               xml + "</SLT>"));
+    }
+
+    /// Ids of the services in the map.
+    std::string MapIds()
+    {
+        struct SIds {
+            CChannelMap& map;
+            std::string ids;
+        } walk = {m_map, ""};
+        m_map.GetServiceList(
+            [](void* user, void* service) {
+                auto* w = static_cast<SIds*>(user);
+                int id = 0;
+                w->map.GetServiceNumber(service, nullptr, &id, nullptr, nullptr, nullptr, nullptr, nullptr);
+                w->ids += std::to_string(id) + " ";
+            },
+            &walk);
+        return walk.ids;
+    }
+
     /// A table of one service of category 4 with these attributes besides the three flags.
     void ParseService(const std::string& attributes)
     {
@@ -409,6 +439,71 @@ TEST_F(ParseSLTTest, RealTables)
             EXPECT_STREQ(text, c.last);
         }
     }
+}
+
+TEST_F(ParseSLTTest, ReplacesWhatItsGroupLeftWhenToldTo)
+{
+    ParseIds(1, {90});
+    m_slt.SetReplace(true);
+    ParseIds(1, {10, 11});
+    ParseIds(2, {20});
+    ParseIds(1, {11, 12});
+    EXPECT_EQ(Ids(), "90 20 11 12 ") << "another group's stay, and what came before";
+    EXPECT_EQ(m_slt.SltInetUrlCount(), 4);
+    EXPECT_EQ(MapIds(), "90 10 11 20 12 ");
+    EXPECT_EQ(m_drops, "10:" + std::to_string(CParseSLT::DROP_GONE) + " ");
+
+    int told = 0;
+    const CChannelMap::SCallback callback = {&told, [](void* user, void*) { ++*static_cast<int*>(user); }};
+    m_map.SetCallback(&callback);
+    m_slt.SetReplace(true, true);
+    m_drops.clear();
+    ParseIds(1, {12, 13, 13});
+    EXPECT_EQ(Ids(), "90 20 12 13 ") << "of equal services in the table the first stays";
+    EXPECT_EQ(MapIds(), "90 10 20 12 13 ");
+    EXPECT_EQ(told, 4) << "all that are held are offered";
+    EXPECT_EQ(m_drops, "13:6 11:" + std::to_string(CParseSLT::DROP_GONE) + " ");
+    for (const char* bad : {"<SLT><Service", "<ATS/>"}) {
+        Parse(bad);  // of group 1, and of no use
+        EXPECT_EQ(Ids(), "90 20 12 13 ");
+    }
+    ParseIds(2, {});
+    EXPECT_EQ(Ids() + "| " + MapIds(), "90 12 13 | 90 10 12 13 ");
+    m_slt.Start(nullptr);
+    ParseIds(1, {30});
+    EXPECT_EQ(Ids(), "90 12 13 30 ") << "a group of another channel";
+    m_slt.SetReplace(false);
+    ParseIds(1, {31});
+    ParseIds(1, {32});
+    EXPECT_EQ(Ids(), "90 12 13 30 31 32 ");
+}
+
+TEST_F(ParseSLTTest, AGroupHoldsNoMoreThanItsMost)
+{
+    m_slt.SetReplace(true);
+    std::vector<int> ids(TCParseLLS::k_maxPerGroup / 2);
+    for (unsigned int i = 0; i < ids.size(); ++i) {
+        ids[i] = static_cast<int>(i);
+    }
+    for (const int more : {0, 1}) {
+        m_drops.clear();
+        ids.resize(ids.size() + static_cast<unsigned int>(more), 9999);
+        ParseIds(1, ids);
+        EXPECT_EQ(m_slt.ServiceCount() + m_slt.SltInetUrlCount(), TCParseLLS::k_maxPerGroup);
+        EXPECT_EQ(m_drops, more ? "9999:" + std::to_string(CParseSLT::DROP_LIMIT) + " " : "");
+        EXPECT_EQ(Logged("records dropped"), more);
+    }
+    ParseIds(1, {1});
+    for (int group = 2; group <= TCParseLLS::k_maxGroups; ++group) {
+        ParseIds(static_cast<unsigned char>(group), {group});
+    }
+    EXPECT_EQ(m_slt.ServiceCount(), TCParseLLS::k_maxGroups);
+    EXPECT_EQ(Logged("records dropped"), 1);
+    ParseIds(100, {1000});
+    EXPECT_EQ(m_slt.ServiceCount(), TCParseLLS::k_maxGroups);
+    EXPECT_EQ(Logged("records dropped"), 2);
+    ParseIds(2, {77});
+    EXPECT_EQ(m_slt.ServiceCount(), TCParseLLS::k_maxGroups);
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ struct SLocationInfo;
 struct UInternalIdentifier;
 
 /// Base of the MMT signalling tables (ISO/IEC 23008-1): table_id, version, a 16-bit length, and what the
-/// table's own class reads.
+/// table's own class reads. An object takes one table: what a further Parse finds joins the lists of the first.
 class VYR_API CMMTTbl : public IMMTParser {
   public:
     enum EClassType { CLASS_TYPE_PA = 0, CLASS_TYPE_MPI, CLASS_TYPE_MP, CLASS_TYPE_CRI, CLASS_TYPE_DCI, CLASS_TYPE_SI };

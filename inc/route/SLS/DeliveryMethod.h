@@ -9,7 +9,7 @@
 
 /// Parser of a delivery method of a user service description: the paths on which the content of the
 /// service is reached (ATSC A/331 table 7.1). The services of every element that is parsed join those
-/// already held; only Destroy lets go.
+/// already held, until Destroy; see SetReplace.
 class VYR_API CDeliveryMethod : public XMLBase {
   public:
     /// What was parsed; the objects belong to the delivery method.

@@ -9,7 +9,8 @@
 class CSrcFlow;
 struct SEFDTInfo;
 
-/// Parser of the LS element of an S-TSID: one LCT session (ATSC A/331 table 7.2). An object that is not
+/// Parser of the LS element of an S-TSID: one LCT session (ATSC A/331 table 7.2). An object
+/// is for one element: further ones join its lists until Destroy, see SetReplace. An object that is not
 /// created is asserted ("m"); without a source flow results are empty, 0, false or null.
 class VYR_API CLS : public XMLBase {
   public:

@@ -6,7 +6,8 @@
 #include "../../common/ParseXML.h"
 #include "../../platform/Api.h"
 
-/// Parser of the MediaInfo element of an S-TSID: what a media component is (ATSC A/331 table A.3.2). An
+/// Parser of the MediaInfo element of an S-TSID: what a media component is (ATSC A/331 table A.3.2). An object
+/// is for one element: further ones join its lists until Destroy, see SetReplace. An
 /// object that is not created is asserted ("m"); results are then 0 or false.
 class VYR_API CMediaInfo : public XMLBase {
   public:

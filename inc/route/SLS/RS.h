@@ -5,7 +5,8 @@
 #include "../../platform/Api.h"
 #include "LS.h"
 
-/// Parser of the RS element of an S-TSID: one ROUTE session (ATSC A/331 table 7.2).
+/// Parser of the RS element of an S-TSID: one ROUTE session (ATSC A/331 table 7.2). An object
+/// is for one element: further ones join its lists until Destroy, see SetReplace.
 class VYR_API CRS : public XMLBase {
   public:
     /// What was parsed.

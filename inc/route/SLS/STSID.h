@@ -8,8 +8,8 @@
 #include "LS.h"
 
 /// Parser of the service-based transport session instance description (S-TSID; ATSC A/331 7.1.4): where
-/// the components of a service travel. Sessions of every element that is parsed join those already held;
-/// only Destroy lets go, and callers make a new object for each document.
+/// the components of a service travel. Sessions of every element that is parsed join those already held,
+/// until Destroy; see SetReplace. Callers make a new object for each document.
 ///
 /// Below, `i` is a ROUTE session and `j` an LCT session of it, each from 0. One that does not exist is
 /// asserted (GetTSI and GetContentRating tell of it in their result), and gives what an LCT session

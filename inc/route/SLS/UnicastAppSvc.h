@@ -5,7 +5,7 @@
 #include "AppSvc.h"
 
 /// Parser of an application service that is reached over broadband. The patterns of every element that is
-/// parsed join those already held; only Destroy lets go.
+/// parsed join those already held, until Destroy; see SetReplace.
 class VYR_API CUnicastAppSvc : public XMLBase {
   public:
     CUnicastAppSvc();

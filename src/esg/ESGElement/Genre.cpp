@@ -5,14 +5,43 @@
 #include <cstdlib>
 #include <cstring>
 #include <tuple>
+#include <utility>
 
 #include "common/PlatformFile.h"
 #include "esg/ESGKind.h"
+#include "esg/GenreAsking.h"
 #include "esg/GenreNameParse.h"
 #include "esg/GenreNames.h"
 
-/// Fills the map of names, if it is empty. A file that has none is read again only when it has changed: a
-/// guide has thousands of genres, and each of them asks.
+namespace {
+
+thread_local int g_askings = 0;
+thread_local bool g_asked = false;
+
+}  // namespace
+
+namespace vyr {
+
+CGenreAsking::CGenreAsking()
+{
+    if (g_askings++ == 0) {
+        g_asked = false;
+    }
+}
+
+CGenreAsking::~CGenreAsking()
+{
+    --g_askings;
+}
+
+bool CGenreAsking::First()
+{
+    return g_askings == 0 || !std::exchange(g_asked, true);
+}
+
+}  // namespace vyr
+
+/// Fills the map of names, if it is empty. A file that has none is read again only when it has changed.
 static void ReadNames()
 {
     struct SFile {
@@ -23,6 +52,9 @@ static void ReadNames()
         long nanoseconds;
     };
     static thread_local SFile s_useless{};
+    if (SGenreNameParse::refMap.empty() && !vyr::CGenreAsking::First()) {
+        return;
+    }
     const std::string path = vyr::PlatformFile("/opt/data/genre-cs.xml");
     struct stat about {};
     const bool exists = !vyr::GenreNamesKnown() && stat(path.c_str(), &about) == 0;

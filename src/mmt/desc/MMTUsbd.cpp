@@ -104,6 +104,7 @@ bool CMMTUsbd::m_ProcessParse(void* root)
     if (!t_xml.Compare(root, "bundleDescriptionMMT") && !t_xml.Compare(root, "BundleDescriptionMMT")) {
         return false;
     }
+    vyr::Renew(t_replace, m->values);
     vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CMMTUsbd::m_ProcessParseUsbd] %s",
                           VYR_HERE);
     return true;

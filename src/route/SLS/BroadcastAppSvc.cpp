@@ -40,6 +40,7 @@ bool CBroadcastAppSvc::m_ProcessParse(void* root)
     if (!VYR_ASSERT(m, "m != nullptr")) {
         return false;
     }
+    vyr::Renew(t_replace, m->values);
     vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN,
                           "[CBroadcastAppSvc::m_ProcessParseBroadcastAppSvc] %s", VYR_HERE);
     return true;

@@ -6,7 +6,9 @@
 struct CDeliveryMethod::SState : vyr::SHandlers {
     SDeliveryMethod values;
 
-    ~SState()
+    ~SState() { Clear(); }
+
+    void Clear()
     {
         for (CBroadcastAppSvc* service : values.broadcastAppSvcs) {
             vyr::SDestroy()(service);
@@ -14,6 +16,8 @@ struct CDeliveryMethod::SState : vyr::SHandlers {
         for (CUnicastAppSvc* service : values.unicastAppSvcs) {
             vyr::SDestroy()(service);
         }
+        values.broadcastAppSvcs.clear();
+        values.unicastAppSvcs.clear();
     }
 };
 
@@ -51,6 +55,9 @@ bool CDeliveryMethod::m_ProcessParse(void* root)
 {
     if (!VYR_ASSERT(m, "m != nullptr")) {
         return false;
+    }
+    if (t_replace) {
+        m->Clear();
     }
     vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN,
                           "[CDeliveryMethod::m_ProcessParseDeliveryMethod] %s", VYR_HERE);

@@ -49,6 +49,7 @@ bool CLS::m_ProcessParse(void* root)
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CLS::m_ProcessParseLS] process LS");
+    vyr::Renew(t_replace, m->values);
     SLS& values = m->values;
     values.tsi = static_cast<unsigned int>(CNodeText::Attribute(root, "tsi").Int(-1));
     values.bw = static_cast<unsigned int>(CNodeText::Attribute(root, "bw").Int(-1));

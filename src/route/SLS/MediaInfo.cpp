@@ -43,6 +43,7 @@ bool CMediaInfo::m_ProcessParse(void* root)
     if (!VYR_ASSERT(m, "m != nullptr")) {
         return false;
     }
+    vyr::Renew(t_replace, m->values);
     SMediaInfo& values = m->values;
     const CNodeText startUp = CNodeText::Attribute(root, "startUp");
     if (startUp.Found()) {

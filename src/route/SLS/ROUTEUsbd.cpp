@@ -71,6 +71,7 @@ bool CROUTEUsbd::m_ProcessParse(void* root)
     if (!t_xml.Compare(root, "bundleDescriptionROUTE") && !t_xml.Compare(root, "BundleDescriptionROUTE")) {
         return false;
     }
+    vyr::Renew(t_replace, m->values);
     m_Dispatch(root);
     return true;
 }

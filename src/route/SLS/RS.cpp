@@ -48,6 +48,7 @@ bool CRS::m_ProcessParse(void* root)
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CRS::m_ProcessParseRS] process RS");
+    vyr::Renew(t_replace, m->values);
     SRS& values = m->values;
     const CNodeText source = CNodeText::Attribute(root, "sIpAddr");
     if (source.Found()) {

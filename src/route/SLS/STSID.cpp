@@ -52,6 +52,7 @@ bool CSTSID::m_ProcessParse(void* root)
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSTSID::m_ProcessParseSTSID] process STSID");
+    vyr::Renew(t_replace, m->values);
     vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
     return true;
 }

@@ -57,6 +57,7 @@ bool CSrcFlow::m_ProcessParse(void* root)
     if (!VYR_ASSERT(m, "m != nullptr")) {
         return false;
     }
+    vyr::Renew(t_replace, m->values);
     const CNodeText rt = CNodeText::Attribute(root, "rt");
     if (rt.Found()) {
         m->values.rt = std::strcmp(rt.Text(), "true") == 0;

@@ -121,4 +121,24 @@ TEST_F(PtrArrayTest, MisuseIsAssertedAndChangesNothing)
     EXPECT_EQ(TakeAssertions(), "m_callback.cbRemove");
 }
 
+/// On both sides of 1,024 slots, where the steps begin to double; and a far index.
+TEST_F(PtrArrayTest, LongListsKeepEveryElement)
+{
+    std::vector<char> things(5000);
+    for (const int from : {0, 1019, 1020, 1028, 2056}) {
+        CCPtrArray array(CCPtrArray::DummyCallback, nullptr);
+        for (int i = 0; i < from; ++i) {
+            array.Add(&things[static_cast<std::size_t>(i)]);
+        }
+        EXPECT_TRUE(array.Set(3000, &things[3000]) && array.Insert(0, &things[4000]) && array.Set(4500, &things[1]));
+        EXPECT_EQ(array.Size(), 4501);
+        EXPECT_EQ(array.ValidCount(), 2);
+        for (int i = 0; i < 4501; ++i) {
+            const int held = i == 0 ? 4000 : i <= from ? i - 1 : i == 3001 ? 3000 : i == 4500 ? 1 : -1;
+            ASSERT_EQ(array.Data(i), held < 0 ? nullptr : &things[static_cast<std::size_t>(held)]) << from << " " << i;
+        }
+        EXPECT_TRUE(array.RemoveAll() && array.Add(things.data()) && array.Size() == 1);
+    }
+}
+
 }  // namespace

@@ -1,0 +1,175 @@
+// Ten times the work takes about ten times the time. What would be quadratic takes a hundred times.
+#include <ctime>
+#include <functional>
+
+#include "common/ChannelMap.h"
+#include "common/CoreOS/PtrArray.h"
+#include "common/RSAT.h"
+#include "esg/ESGFragmentMap.h"
+#include "esg/SGResponse.h"
+#include "lls/ParseCDT.h"
+#include "platform/Platform.h"
+#include "support/Tables.h"
+
+namespace {
+
+std::string Repeat(const std::string& text, int times)
+{
+    std::string all;
+    while (times-- > 0) {
+        all += text;
+    }
+    return all;
+}
+
+template <class TParser>
+void Parse(TParser& parser, const std::string& xml)
+{
+    EXPECT_TRUE(parser.Parse(xml.data(), static_cast<unsigned int>(xml.size())));
+}
+
+void Append(int n)
+{
+    CCPtrArray array(CCPtrArray::DummyCallback, nullptr);
+    for (int i = 0; i < n; ++i) {
+        array.Add(&array);
+    }
+    EXPECT_EQ(array.Size(), n);
+}
+
+void SetOneByOne(int n)
+{
+    CCPtrArray array(CCPtrArray::DummyCallback, nullptr);
+    for (int i = 0; i < n; ++i) {
+        array.Set(i, &array);
+    }
+    EXPECT_EQ(array.ValidCount(), n);
+}
+
+void Updates(int n)
+{
+    CRSAT rsat;
+    rsat.Create();
+    Parse(rsat,
+          "<RSAT timestamp=''><Service>" + Repeat("<Update/>", n - 1) + "<Update validFrom='z'/></Service></RSAT>");
+    SRSATUpdateInfo info;
+    for (int i = 0; i < rsat.NumOfUpdate(0); ++i) {
+        EXPECT_TRUE(rsat.GetUpdateInfo(0, i, &info));
+    }
+    EXPECT_EQ(info.validFrom, "z");
+    EXPECT_FALSE(rsat.GetUpdateInfo(0, n, &info));
+    rsat.Destroy();
+}
+
+void ServicesThatComeAndGo(int n)
+{
+    CChannelMap map;
+    map.Create();
+    std::vector<void*> services;
+    for (int i = 0; i < n; ++i) {
+        services.push_back(map.AddService(nullptr, 1, i, 1, 1, 0, 0, 0, false, nullptr));
+    }
+    for (void* service : services) {
+        EXPECT_TRUE(map.RemoveService(service));
+    }
+    map.Destroy();
+}
+
+void Fragments(int n)
+{
+    CESGFragmentMap map;
+    map.Create();
+    for (int i = 0; i < n; ++i) {
+        map.Add(std::to_string(i).c_str());
+    }
+    for (int i = n; i-- > 0;) {
+        EXPECT_TRUE(map.isExisted(std::to_string(i).c_str()) && map.Remove(std::to_string(i).c_str()));
+    }
+    map.Destroy();
+}
+
+void References(int n)
+{
+    CXML xml;
+    const std::string text = "<!DOCTYPE a [<!ENTITY e 'y'>]><a b='" + Repeat("x&e;", n) + "'/>";
+    ASSERT_TRUE(xml.Create(text.data(), static_cast<int>(text.size()), false));
+    void* root = nullptr;
+    xml.MoveRoot(&root);
+    EXPECT_EQ(xml.getStringProp(root, "b", nullptr), Repeat("xy", n));
+    xml.Destroy();
+}
+
+void Namespaces(int n)
+{
+    CSGResponse response;
+    response.Create();
+    Parse(response, "<SGResponse xmlns='" + std::string(static_cast<std::size_t>(30 * n), 'u') + "'>" +
+                        Repeat("<ServiceGuideDeliveryDescriptor/>", n) + "</SGResponse>");
+    const auto& descriptors = response.State()->descriptors;
+    EXPECT_EQ(descriptors.size(), static_cast<std::size_t>(n));
+    EXPECT_EQ(descriptors.back()->State()->ns, descriptors.front()->State()->ns);
+    response.Destroy();
+}
+
+double Seconds(const std::function<void()>& run)
+{
+    double least = 1e9;
+    for (int i = 0; i < 3; ++i) {
+        const std::clock_t start = std::clock();
+        run();
+        least = std::min(least, static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
+    }
+    return least;
+}
+
+class GrowthTest : public CRecorder {
+  protected:
+    void SetUp() override
+    {
+        CRecorder::SetUp();
+        SetLogPriority(LOG_PRIORITY_INFO);
+    }
+    void TearDown() override
+    {
+        SetLogPriority(LOG_PRIORITY_DEBUG);
+        CRecorder::TearDown();
+    }
+};
+
+TEST_F(GrowthTest, TenTimesTheWork)
+{
+    const struct {
+        const char* name;
+        void (*run)(int n);
+        int n;
+    } k_cases[] = {{"Append", Append, 100000},     {"SetOneByOne", SetOneByOne, 100000},
+                   {"Updates", Updates, 2000},     {"ServicesThatComeAndGo", ServicesThatComeAndGo, 10000},
+                   {"Fragments", Fragments, 3000}, {"References", References, 6000},
+                   {"Namespaces", Namespaces, 600}};
+    for (const auto& c : k_cases) {
+        const double once = Seconds([&c] { c.run(c.n); });
+        EXPECT_LT(Seconds([&c] { c.run(10 * c.n); }), 35 * once + 0.005) << c.name;
+    }
+}
+
+/// Elements in elements are not written out at every level: two hundred levels cost about what two do.
+TEST_F(GrowthTest, SignedDataInSignedData)
+{
+    CParseCDT cdt;
+    cdt.Create();
+    const auto parse = [&cdt](int levels) {
+        const std::string signedData = Repeat("<ToBeSignedData>", levels) +
+                                       Repeat("<CurrentCert>c</CurrentCert>", 5000) + "<Certificates>d</Certificates>" +
+                                       Repeat("</ToBeSignedData>", levels);
+        FeedXml(cdt, "<CertificationData>" + signedData + "</CertificationData>");
+        std::string text;
+        std::list<std::string> certificates;
+        EXPECT_TRUE(cdt.GetToBeSignedData(text) && text == signedData && cdt.GetCertificates(certificates));
+        EXPECT_EQ(certificates, std::list<std::string>{"d"});
+    };
+    const double two = Seconds([&parse] { parse(2); });
+    EXPECT_LT(Seconds([&parse] { parse(200); }), 5 * two + 0.005);
+    cdt.Destroy();
+}
+
+}  // namespace
