@@ -4,7 +4,8 @@
 
 /// Growable array of untyped pointers. It owns its elements only in that it hands each one it drops
 /// to the delete callback. The first four slots lie inside the object; after that it grows by eight
-/// slots at a time, and from 1,024 slots on to twice as many. Not thread-safe. Only the growth itself can throw (out of memory).
+/// slots at a time, and from 1,024 slots on to twice as many. Not thread-safe. Only the growth itself can throw (out of
+/// memory).
 class VYR_API CCPtrArray {
   public:
     /// `cbRemove` is called with `context` and each element that is dropped; it may be null.
