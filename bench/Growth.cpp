@@ -353,7 +353,7 @@ std::vector<SInput> Messages()
         mpt("locations of type " + std::to_string(type), Asset(locations, 255, ""));
     }
     for (const unsigned int tag : {0u, 1u, 2u, 4u, 5u, 8u, 9u, 12u, 13u, 14u, 0x8001u}) {
-        for (const std::size_t size : {0, 1, 12, 60}) {
+        for (const std::size_t size : {0u, 1u, 12u, 60u}) {
             for (const char fill : {'\0', '\1', '\xFF'}) {
                 const std::string one = Descriptor(tag, std::string(size, fill));
                 inputs.push_back({"descriptors " + std::to_string(tag) + " of " + std::to_string(size) + "x" +

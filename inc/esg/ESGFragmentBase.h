@@ -17,8 +17,8 @@ struct VYR_API SESGFragment : SESGState {
 /// Base of the parsers of the fragments of a service guide (OMA BCAST Service Guide, ATSC A/332). Life:
 /// construct, Create, Parse, Destroy, delete. The results are the record of State(), which each class has; it
 /// is null before Create and good until the next Parse or Destroy. One object is for one fragment: required,
-/// a second parse adds to the lists of the first, and a failed one leaves them; see SetReplace. An object that is not created
-/// is asserted ("m"); it is used by one thread at a time.
+/// a second parse adds to the lists of the first, and a failed one leaves them; see SetReplace. An object that is not
+/// created is asserted ("m"); it is used by one thread at a time.
 class VYR_API CESGFragmentBase {
   public:
     /// Frees nothing: Destroy comes first, else "!m" is asserted.

@@ -63,9 +63,9 @@ class VYR_API CSGDUParse : public IParse {
     /// not inflate; fragments before that are kept. A compressed unit is inflated, and the item points to
     /// the inflated bytes afterwards, which live until the next Parse or Destroy.
     ///
-    /// Required: table entries and fragments pile up until Destroy (see SetReplace), and fragments are cut with the offsets
-    /// that stand first in the pile, so that a second unit is cut with the offsets of the first. A fragment
-    /// of another encoding than XML is not stepped over: the next one is read from behind its encoding.
+    /// Required: table entries and fragments pile up until Destroy (see SetReplace), and fragments are cut with the
+    /// offsets that stand first in the pile, so that a second unit is cut with the offsets of the first. A fragment of
+    /// another encoding than XML is not stepped over: the next one is read from behind its encoding.
     bool Parse(IParse::SItem* item) override;
     /// Frees everything; the object can be created anew.
     virtual void Destroy();

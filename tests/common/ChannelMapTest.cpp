@@ -284,7 +284,7 @@ TEST_F(ChannelMapTest, RemovalsKeepTheOrder)
         w->map.GetServiceNumber(service, nullptr, &id, nullptr, nullptr, nullptr, nullptr, nullptr);
         w->ids += std::to_string(id) + " ";
         if (id == 1) {  // its neighbours and itself, and more than half of all
-            for (const std::size_t gone : {0, 1, 2, 5, 6, 7, 8}) {
+            for (const std::size_t gone : {0u, 1u, 2u, 5u, 6u, 7u, 8u}) {
                 EXPECT_TRUE(w->map.RemoveService(w->services[gone]));
             }
             EXPECT_FALSE(w->map.RemoveService(w->services[2]));

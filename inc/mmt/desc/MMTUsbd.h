@@ -14,7 +14,8 @@ class CMMTRouteComponent;
 class CServiceLinkage;
 
 /// Parser of the user service bundle description of an MMT service (USBD; ATSC A/331 7.2.1). Callers make a new
-/// object for each document: the lists of one that is parsed again grow until Destroy, see SetReplace. An object that is not created is asserted ("m"); results are then 0, false or null.
+/// object for each document: the lists of one that is parsed again grow until Destroy, see SetReplace. An object that
+/// is not created is asserted ("m"); results are then 0, false or null.
 class VYR_API CMMTUsbd : public XMLBase {
   public:
     /// What was parsed; all of it belongs to the USBD. Of an element that is held singly the last one counts.

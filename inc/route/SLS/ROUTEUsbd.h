@@ -7,8 +7,8 @@
 class CServiceLinkage;
 
 /// Parser of the ROUTE user service bundle description of one service (USBD; ATSC A/331 7.1.3). Callers
-/// make a new object for each document: the lists of one that is parsed again grow until Destroy, see SetReplace. An object that is not created is asserted ("m"); results are
-/// then 0, false or null.
+/// make a new object for each document: the lists of one that is parsed again grow until Destroy, see SetReplace. An
+/// object that is not created is asserted ("m"); results are then 0, false or null.
 class VYR_API CROUTEUsbd : public XMLBase {
   public:
     /// What was parsed and has no getter of its own; all of it belongs to the USBD.

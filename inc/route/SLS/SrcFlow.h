@@ -11,7 +11,8 @@ class CContentInfo;
 
 /// Parser of the SrcFlow element of an S-TSID: the source flow of an LCT session (ATSC A/331 table
 /// A.3.2). An object
-/// is for one element: further ones join its lists until Destroy, see SetReplace. An object that is not created is asserted ("m"); results are then empty, 0, false or null.
+/// is for one element: further ones join its lists until Destroy, see SetReplace. An object that is not created is
+/// asserted ("m"); results are then empty, 0, false or null.
 class VYR_API CSrcFlow : public XMLBase {
   public:
     /// What was parsed.
