@@ -72,6 +72,9 @@ std::string DropText(const SParseSLT::SService& service, CParseSLT::EDropReason 
             return "broadbandAccessRequired is true, and the setting db/menu/broadcasting/atsc3_bb_option is off";
         case CParseSLT::DROP_DUPLICATE:
             return "it equals another service of the table";
+        case CParseSLT::DROP_LIMIT:
+        case CParseSLT::DROP_GONE:
+            break;  // SetReplace is off here
     }
     return "unknown reason";
 }

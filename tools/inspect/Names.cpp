@@ -140,6 +140,8 @@ const char* DropAttribute(CParseSLT::EDropReason reason)
         case CParseSLT::DROP_MINOR_CHANNEL:
             return "minorChannelNo";
         case CParseSLT::DROP_DUPLICATE:
+        case CParseSLT::DROP_LIMIT:
+        case CParseSLT::DROP_GONE:
             break;
     }
     return nullptr;
