@@ -1,6 +1,5 @@
-// Ten times the work takes about ten times the time. What would be quadratic takes a hundred times.
+// What would be quadratic does not end in time.
 #include <ctime>
-#include <functional>
 
 #include "common/ChannelMap.h"
 #include "common/CoreOS/PtrArray.h"
@@ -69,8 +68,8 @@ void ServicesThatComeAndGo(int n)
     for (int i = 0; i < n; ++i) {
         services.push_back(map.AddService(nullptr, 1, i, 1, 1, 0, 0, 0, false, nullptr));
     }
-    for (void* service : services) {
-        EXPECT_TRUE(map.RemoveService(service));
+    for (int i = n; i-- > 0;) {
+        EXPECT_TRUE(map.RemoveService(services[static_cast<std::size_t>(i)]));
     }
     map.Destroy();
 }
@@ -111,16 +110,18 @@ void Namespaces(int n)
     response.Destroy();
 }
 
-double Seconds(const std::function<void()>& run)
-{
-    double least = 1e9;
-    for (int i = 0; i < 3; ++i) {
-        const std::clock_t start = std::clock();
-        run();
-        least = std::min(least, static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
-    }
-    return least;
-}
+/// Quadratic work of these sizes takes a minute and more; linear work a fraction of a second.
+class CPatience {
+  public:
+    explicit CPatience(const char* name) : m_name(name), m_start(std::clock()) {}
+    ~CPatience() { EXPECT_LT(std::clock() - m_start, 15 * CLOCKS_PER_SEC) << m_name; }
+    CPatience(const CPatience&) = delete;
+    CPatience& operator=(const CPatience&) = delete;
+
+  private:
+    const char* m_name;
+    std::clock_t m_start;
+};
 
 class GrowthTest : public CRecorder {
   protected:
@@ -136,39 +137,39 @@ class GrowthTest : public CRecorder {
     }
 };
 
-TEST_F(GrowthTest, TenTimesTheWork)
+TEST_F(GrowthTest, LongListsEnd)
 {
     const struct {
         const char* name;
         void (*run)(int n);
         int n;
-    } k_cases[] = {{"Append", Append, 100000},     {"SetOneByOne", SetOneByOne, 100000},
-                   {"Updates", Updates, 2000},     {"ServicesThatComeAndGo", ServicesThatComeAndGo, 10000},
-                   {"Fragments", Fragments, 3000}, {"References", References, 6000},
-                   {"Namespaces", Namespaces, 600}};
+    } k_cases[] = {{"Append", Append, 2000000},      {"SetOneByOne", SetOneByOne, 2000000},
+                   {"Updates", Updates, 200000},     {"ServicesThatComeAndGo", ServicesThatComeAndGo, 300000},
+                   {"Fragments", Fragments, 200000}, {"References", References, 200000},
+                   {"Namespaces", Namespaces, 6000}};
     for (const auto& c : k_cases) {
-        const double once = Seconds([&c] { c.run(c.n); });
-        EXPECT_LT(Seconds([&c] { c.run(10 * c.n); }), 35 * once + 0.005) << c.name;
+        const CPatience patience(c.name);
+        c.run(c.n);
     }
 }
 
-/// Elements in elements are not written out at every level: two hundred levels cost about what two do.
+/// Elements in elements are not written out at every level.
 TEST_F(GrowthTest, SignedDataInSignedData)
 {
+    constexpr int k_levels = 240;
     CParseCDT cdt;
     cdt.Create();
-    const auto parse = [&cdt](int levels) {
-        const std::string signedData = Repeat("<ToBeSignedData>", levels) +
-                                       Repeat("<CurrentCert>c</CurrentCert>", 5000) + "<Certificates>d</Certificates>" +
-                                       Repeat("</ToBeSignedData>", levels);
+    const std::string signedData = Repeat("<ToBeSignedData>", k_levels) +
+                                   Repeat("<CurrentCert>c</CurrentCert>", 18000) + "<Certificates>d</Certificates>" +
+                                   Repeat("</ToBeSignedData>", k_levels);
+    const CPatience patience("levels");
+    for (int i = 0; i < 20; ++i) {
         FeedXml(cdt, "<CertificationData>" + signedData + "</CertificationData>");
-        std::string text;
-        std::list<std::string> certificates;
-        EXPECT_TRUE(cdt.GetToBeSignedData(text) && text == signedData && cdt.GetCertificates(certificates));
-        EXPECT_EQ(certificates, std::list<std::string>{"d"});
-    };
-    const double two = Seconds([&parse] { parse(2); });
-    EXPECT_LT(Seconds([&parse] { parse(200); }), 5 * two + 0.005);
+    }
+    std::string text;
+    std::list<std::string> certificates;
+    EXPECT_TRUE(cdt.GetToBeSignedData(text) && text == signedData && cdt.GetCertificates(certificates));
+    EXPECT_EQ(certificates, std::list<std::string>{"d"});
     cdt.Destroy();
 }
 
