@@ -598,6 +598,7 @@ class CExactScan {
     {
         CCursor in(text, begin);
         std::size_t depth = 0;
+        bool sections = true;  // another CDATA section may end
         if (document && !in.Sees("<")) {
             return m_Refuse(k_malformed);
         }
@@ -608,7 +609,7 @@ class CExactScan {
             begin = in.At();
             bool whole = false;
             if (in.Take("<![CDATA[")) {
-                whole = in.Behind("]]>");
+                whole = sections = sections && in.Behind("]]>");
             } else if (in.Take("</")) {
                 in.Name();
                 in.Blanks();

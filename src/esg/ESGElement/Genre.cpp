@@ -52,12 +52,13 @@ static void ReadNames()
         long nanoseconds;
     };
     static thread_local SFile s_useless{};
-    if (SGenreNameParse::refMap.empty() && !vyr::CGenreAsking::First()) {
+    const bool known = vyr::GenreNamesKnown();
+    if (!known && !vyr::CGenreAsking::First()) {
         return;
     }
     const std::string path = vyr::PlatformFile("/opt/data/genre-cs.xml");
     struct stat about {};
-    const bool exists = !vyr::GenreNamesKnown() && stat(path.c_str(), &about) == 0;
+    const bool exists = !known && stat(path.c_str(), &about) == 0;
     const SFile file = {about.st_dev, about.st_ino, about.st_size, about.st_mtim.tv_sec, about.st_mtim.tv_nsec};
     const auto all = [](const SFile& f) { return std::tie(f.device, f.inode, f.size, f.seconds, f.nanoseconds); };
     CGenreNameParse names;
