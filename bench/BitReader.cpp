@@ -5,6 +5,8 @@
 
 #include "common/Parse.h"
 
+#include "Bench.h"
+
 namespace {
 
 constexpr unsigned int k_bytes = 3840;
@@ -52,6 +54,7 @@ const bool g_registered = [] {
                                              }
                                          })
                 ->Repetitions(5)
+                ->ComputeStatistics("least", Least)
                 ->ReportAggregatesOnly();
         };
         add("floor", [bits] { return Floor(data, bits / 8); });

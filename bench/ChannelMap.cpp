@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "Bench.h"
+
 namespace {
 
 void Fill(CChannelMap& map, int services)
@@ -25,6 +27,7 @@ const bool g_registered = [] {
                                          }
                                      })
             ->Repetitions(5)
+            ->ComputeStatistics("least", Least)
             ->ReportAggregatesOnly();
         benchmark::RegisterBenchmark(("map/offer-again/" + std::to_string(services)).c_str(),
                                      [services](benchmark::State& state) {
@@ -37,6 +40,7 @@ const bool g_registered = [] {
                                          map.Destroy();
                                      })
             ->Repetitions(5)
+            ->ComputeStatistics("least", Least)
             ->ReportAggregatesOnly();
     }
     return true;

@@ -6,6 +6,8 @@
 
 #include "common/CoreOS/StringHash.h"
 
+#include "Bench.h"
+
 namespace {
 
 const char* const k_registered[] = {"sltInetUrl", "SLTInetUrl", "Service", "SimulcastTSID", "BroadcastSvcSignaling",
@@ -15,7 +17,7 @@ const char* const k_seen[] = {"Service", "BroadcastSvcSignaling", "Service", "Br
 
 void Finish(benchmark::internal::Benchmark* benchmark)
 {
-    benchmark->Repetitions(5)->ReportAggregatesOnly();
+    benchmark->Repetitions(5)->ComputeStatistics("least", Least)->ReportAggregatesOnly();
 }
 
 const bool g_registered = [] {

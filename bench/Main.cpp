@@ -1,4 +1,4 @@
-// Runs the benchmarks and tells their times as ratios: against the floor of the same run, per byte, and for
+// Runs the benchmarks and tells their least times as ratios: against the floor of the same run, per byte, and for
 // ten times the size; and how many objects a run allocates (by operator new, so that what libxml2 and zlib
 // allocate is not counted).
 #include <benchmark/benchmark.h>
@@ -24,7 +24,7 @@ class CRatios : public benchmark::ConsoleReporter {
     {
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
+            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "least") {
                 const std::string name = run.run_name.function_name;
                 m_times.emplace_back(name, run.GetAdjustedCPUTime());
                 m_byName[name] = run.GetAdjustedCPUTime();

@@ -130,6 +130,7 @@ const bool g_registered = [] {
                                      manager.Destroy();
                                  })
         ->Repetitions(5)
+        ->ComputeStatistics("least", Least)
         ->ReportAggregatesOnly();
     for (const int size : {1, 10, 100}) {
         RegisterDocument<CSTSID>("stsid", size, MakeStsid(size));

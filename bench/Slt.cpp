@@ -59,6 +59,7 @@ void RegisterRepeat(int services)
                                      map.Destroy();
                                  })
         ->Repetitions(5)
+        ->ComputeStatistics("least", Least)
         ->ReportAggregatesOnly();
     Register("repeat/floor/gzip/" + std::to_string(services), Floor, MakeSlt(services, true));
 }
