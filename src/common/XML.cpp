@@ -505,6 +505,8 @@ using TDocument = std::unique_ptr<xmlDoc, SDocumentDeleter>;
 TDocument ParseInPlace(xmlParserCtxtPtr context, const char* text, std::size_t size)
 {
     xmlCtxtUseOptions(context, XML_PARSE_COMPACT);
+    // Nobody asks for elements by their xml:id. (With a document type this would load external subsets.)
+    context->loadsubset = XML_SKIP_IDS;
 #if LIBXML_VERSION >= 21400
     const xmlParserInputFlags flags =
         static_cast<xmlParserInputFlags>(XML_INPUT_BUF_STATIC | XML_INPUT_BUF_ZERO_TERMINATED);

@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstring>
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <new>
@@ -85,25 +86,48 @@ struct SDocument {
     unsigned int Size() const { return static_cast<unsigned int>(length); }
 };
 
-/// Finds the first of two spellings of a start tag, and behind it the first of those of the end tag.
-SDocument Find(const char* text, const char* const (&startTags)[2], const char* const (&endTags)[2], bool extraByte)
-{
-    SDocument found{};
-    for (int i = 0; i < 2 && startTags[i] && !found.start; ++i) {
-        found.start = std::strstr(text, startTags[i]);
+/// Where each kind of document starts in a text: the first of each start tag, found in one pass.
+class CStarts {
+  public:
+    enum EKind { SMALL_USBD, USBD, STSID, EFDT, MPD, APPLICATION_LIST, HELD, RSAT, KINDS };
+
+    explicit CStarts(const char* text)
+    {
+        static constexpr const char* k_tags[KINDS] = {"<bundleDescriptionROUTE",
+                                                      "<BundleDescriptionROUTE",
+                                                      "<S-TSID",
+                                                      "<EFDT",
+                                                      "<MPD",
+                                                      "<ApplicationList",
+                                                      "<HELD",
+                                                      "<RSAT"};
+        for (const char* at = std::strchr(text, '<'); at; at = std::strchr(at + 1, '<')) {
+            for (int kind = 0; kind < KINDS; ++kind) {
+                const char* tag = k_tags[kind];
+                if (at[1] == tag[1] && !m_starts[kind] && std::strncmp(at, tag, std::strlen(tag)) == 0) {
+                    m_starts[kind] = at;
+                }
+            }
+        }
     }
-    for (int i = 0; i < 2 && endTags[i] && found.start && !found.end; ++i) {
-        found.end = std::strstr(found.start, endTags[i]);
+
+    const char* Of(EKind kind) const { return m_starts[kind]; }
+
+  private:
+    const char* m_starts[KINDS] = {};
+};
+
+/// The document that starts there, if one does: it ends with the first of the end tags that is found.
+SDocument Find(const char* start, std::initializer_list<const char*> endTags, bool extraByte)
+{
+    SDocument found{start, nullptr, 0};
+    for (auto tag = endTags.begin(); start && !found.end && tag != endTags.end(); ++tag) {
+        found.end = std::strstr(start, *tag);
     }
     if (found.end) {
-        found.length = found.end - found.start + static_cast<std::ptrdiff_t>(std::strlen(endTags[0])) + extraByte;
+        found.length = found.end - start + static_cast<std::ptrdiff_t>(std::strlen(*endTags.begin())) + extraByte;
     }
     return found;
-}
-
-SDocument Find(const char* text, const char* startTag, const char* endTag, bool extraByte)
-{
-    return Find(text, {startTag, nullptr}, {endTag, nullptr}, extraByte);
 }
 
 /// Logs that a document is missing, or where it lies; whether it is to be taken. One without its end tag,
@@ -205,31 +229,32 @@ void CSLSManager::Parse(const unsigned char* buffer, unsigned int length, const 
     m_Parse(copy.get(), session, skipMpdParse);
 }
 
-/// Each search is one pass of the text; each kind of document is looked for once.
+/// Each kind of document is looked for once.
 void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool skipMpdParse)
 {
-    static constexpr const char* k_usbdStart[2] = {"<bundleDescriptionROUTE", "<BundleDescriptionROUTE"};
-    static constexpr const char* k_usbdEnd[2] = {"</bundleDescriptionROUTE>", "</BundleDescriptionROUTE>"};
-    const SDocument usbd = Find(text, k_usbdStart, k_usbdEnd, true);
+    const CStarts starts(text);
+    const char* small = starts.Of(CStarts::SMALL_USBD);
+    const SDocument usbd = Find(small ? small : starts.Of(CStarts::USBD),
+                                {"</bundleDescriptionROUTE>", "</BundleDescriptionROUTE>"}, true);
     if (Announce(usbd, "[CSLSManager::Parse] USBD data not included !!!",
                  "[CSLSManager::Parse] PARSE NEW USBD buf1 = 0x%p,  Pos = 0x%p, length = %td", VYR_HERE)) {
         m_ParseUSBD(usbd.start, usbd.Size());
     }
 
-    const SDocument stsid = Find(text, "<S-TSID", "</S-TSID>", true);
+    const SDocument stsid = Find(starts.Of(CStarts::STSID), {"</S-TSID>"}, true);
     if (Announce(stsid, "[CSLSManager::Parse] STSID data not included start check direct EFDT !!!",
                  "[CSLSManager::Parse] PARSE STSID buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
         m_ParseSTSID(stsid.start, stsid.Size());
     }
     if (!stsid.start) {
-        const SDocument efdt = Find(text, "<EFDT", "</EFDT>", false);
+        const SDocument efdt = Find(starts.Of(CStarts::EFDT), {"</EFDT>"}, false);
         if (Announce(efdt, "[CSLSManager::Parse] direct EFDT data not included !!!",
                      "[CSLSManager::Parse] PARSE EFDT buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
             m_ParseDirectEFDT(efdt.start, efdt.Size(), session);
         }
     }
 
-    const SDocument mpd = Find(text, "<MPD", "</MPD>", true);
+    const SDocument mpd = Find(starts.Of(CStarts::MPD), {"</MPD>"}, true);
     if (Announce(mpd, "[CSLSManager::Parse] MPD data not included !!!",
                  "[CSLSManager::Parse] PARSE MPD buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
         if (m->callback.cbMPDData && m->usbd.created) {
@@ -240,14 +265,14 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
         }
     }
 
-    const SDocument list = Find(text, "<ApplicationList", "</ApplicationList>", true);
+    const SDocument list = Find(starts.Of(CStarts::APPLICATION_LIST), {"</ApplicationList>"}, true);
     if (!list.start) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] APP data[%s] not included !!!", "</ApplicationList>");
     } else if (list.Fits()) {
         m_HandAppData(list.start, list.Size(), session);
     }
 
-    const SDocument held = Find(text, "<HELD", "</HELD>", true);
+    const SDocument held = Find(starts.Of(CStarts::HELD), {"</HELD>"}, true);
     if (!held.start) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::Parse] APP data[%s] not included !!!", "</HELD>");
     } else {
@@ -257,7 +282,7 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
         }
     }
 
-    const SDocument rsat = Find(text, "<RSAT", "</RSAT>", true);
+    const SDocument rsat = Find(starts.Of(CStarts::RSAT), {"</RSAT>"}, true);
     if (Announce(rsat, "[CSLSManager::Parse] RSAT data not included !!!",
                  "[CSLSManager::Parse] PARSE RSAT buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
         m_ParseRSAT(rsat.start, rsat.Size());
