@@ -35,11 +35,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(item.bitpos == begin);
         parsed = table && table->Parse(&item);
         if (parsed) {
-            Require(item.valid && item.bitpos > begin && item.bitpos % 8 == 0 && item.bitpos / 8 <= size);
+            auto* mp = dynamic_cast<CMMTTblMp*>(table.get());
+            // Required: an MP table that is cut in front of its assets is taken as one without.
+            Require(item.valid ? item.bitpos > begin && item.bitpos % 8 == 0 && item.bitpos / 8 <= size
+                               : mp && mp->AssetCount() == 0);
             Touch(*table);
-            if (auto* mp = dynamic_cast<CMMTTblMp*>(table.get())) {
+            if (mp) {
                 CRecords::Touch(*mp);
             }
+            parsed = item.valid;
         }
         if (table) {
             // What failed, and a second parse of the same object, must be safe to have and to free.
