@@ -357,9 +357,11 @@ class CExactScan {
     /// Behind "<!DOCTYPE".
     bool m_Type(CCursor& in)
     {
-        TText name;
-        if (!m_Name(in, &name)) {
-            return false;
+        // libxml2 does without blanks here.
+        in.Blanks();
+        const TText name = in.Name();
+        if (name.empty() || !m_Count(name)) {
+            return !m_reason && m_Refuse(k_malformed);
         }
         in.Blanks();
         if ((in.Sees("SYSTEM") || in.Sees("PUBLIC")) && !m_External(in, true)) {
@@ -396,7 +398,7 @@ class CExactScan {
         TText name;
         if (in.Take("<!NOTATION")) {
             if (!m_Name(in, &name) || !in.Blanks() || !m_External(in, false)) {
-                return m_reason || m_Refuse(k_malformed);
+                return !m_reason && m_Refuse(k_malformed);
             }
             return m_End(in);
         }

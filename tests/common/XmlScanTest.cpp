@@ -124,6 +124,8 @@ TEST_F(XmlScanTest, LimitsAndWhatIsInnocent)
         {type("<!NOTATION n PUBLIC '<!ENTITY % p \"\">'>"), "not well-formed"},
         {"<!DOCTYPE r PUBLIC '<[<!ENTITY % p \"\">'>", "not well-formed"},
         {type("<!ELEMENT r ('<!ENTITY % p \"\">')>"), "not well-formed"},
+        {type("<!NOTATION n "), "not well-formed"},
+        {"<!DOCTYPEr><r/>", ""},
         // Entities.
         {type("<!ENTITY a '" + std::string(524280, 'x') + "'><!ENTITY b '&a;&#60;&lt;xxxxxx'>"), ""},
         {type("<!ENTITY a '" + std::string(524280, 'x') + "'><!ENTITY b '&a;&#60;xxxxxxxx'>"),
