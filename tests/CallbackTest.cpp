@@ -179,6 +179,15 @@ TEST_F(CallbackTest, TheObjectThatCallsIsSafe)
              return parsed;
          },
          [] {}, "!m_visiting"},
+        {"table of a PA message", [] {},
+         [&] {
+             const bool parsed = SFed(pa, paBytes).result;
+             for (int i = 0; i < pa.TableCount() && pa.Table(i); ++i) {
+                 pa.Table(i)->GetDescriptors([](void* act, CMMTDesc*) { Act(act); }, &m_act);
+             }
+             return parsed;
+         },
+         [] {}, "!m_visiting"},
     };
     for (const SCaller& caller : k_callers) {
         SCOPED_TRACE(caller.name);

@@ -37,6 +37,7 @@ class VYR_API IParse {
     const unsigned char* t_Byte(SItem* item, unsigned int count);
 
     /// Copy of the next `count` bytes followed by a zero byte, in a new array that the caller frees
-    /// with delete[]; null when the bytes are not there, the cursor is unaligned or memory is out.
+    /// with delete[]; null when the bytes are not there or the cursor is unaligned. Throws std::bad_alloc when
+    /// memory is out, as what the library has in place of an exception is up to the parser's Parse.
     unsigned char* t_AllocAndCopy(SItem* item, unsigned int count);
 };

@@ -34,7 +34,8 @@ class VYR_API CESGContentFragment : public CESGFragmentBase {
         TOwned<CPopularity> popularity;                    ///< Popularity, the last; null: none
         TOwned<CFreshness> freshness;                      ///< Freshness, the last; null: none
         TOwned<CContentPrivateExt> contentExt;             ///< PrivateExt, the last; null: none
-        bool serviceMatch = false;                         ///< whether sm_CbFragServiceId met it since the parse
+        /// Whether sm_CbFragServiceId met it since Create, with SetReplace since the parse.
+        bool serviceMatch = false;
     };
 
     /// The record; null before Create.

@@ -12,7 +12,8 @@ class VYR_API CESGScheduleFragment : public CESGFragmentBase {
         TESGText serviceRefId;                        ///< idRef of the last ServiceReference
         TOwnedList<CScheduleContentRef> contentRefs;  ///< ContentReference
         TOwnedList<CTermsOfUse> termsOfUses;          ///< TermsOfUse
-        bool serviceMatch = false;                    ///< whether sm_CbFragServiceId met it since the parse
+        /// Whether sm_CbFragServiceId met it since Create, with SetReplace since the parse.
+        bool serviceMatch = false;
     };
 
     /// The record; null before Create.

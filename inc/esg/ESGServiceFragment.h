@@ -30,7 +30,7 @@ class VYR_API CESGServiceFragment : public CESGFragmentBase {
         TOwnedList<CTargetUserProfile> targetProfiles;     ///< TargetUserProfile
         TOwnedList<CGenre> genres;                         ///< Genre
         TOwned<CBroadcastArea> broadcaseArea;              ///< BroadcastArea, the last; null: none
-        /// ATSC3ServiceExtension in the last PrivateExt; null: none.
+        /// ATSC3ServiceExtension of the last PrivateExt that has one; null: none.
         TOwned<CATSC3ServiceExt> serviceExt;
         bool sltMatch = false;  ///< whether sm_CbGlobalServiceId met this service since the parse
     };

@@ -52,19 +52,24 @@ bool Inflate(const void* data, std::size_t size, std::size_t limit, SInflated& o
     stream.next_in = static_cast<Bytef*>(const_cast<void*>(data));
     stream.avail_in = static_cast<uInt>(size);
     // 47: the largest window, gzip or zlib header detected.
-    if (inflateInit2(&stream, 47) != Z_OK) {
+    int result = inflateInit2(&stream, 47);
+    if (result == Z_MEM_ERROR) {
+        throw std::bad_alloc();
+    }
+    if (result != Z_OK) {
         return false;
     }
     // What the trailer says of the size is a hint; the whole limit comes second.
     std::unique_ptr<char[]> buffer;
     std::size_t capacity = 0;
-    int result = Z_BUF_ERROR;
+    result = Z_BUF_ERROR;
     for (std::size_t room : {std::min(TrailerSize(data, size), limit), limit}) {
         if (result != Z_BUF_ERROR || stream.avail_out != 0 || (capacity > 0 && room <= capacity)) {
             break;
         }
         std::unique_ptr<char[]> larger = Resized(buffer.get(), capacity, room + 1);
         if (!larger) {
+            result = Z_MEM_ERROR;
             break;
         }
         buffer = std::move(larger);
@@ -79,6 +84,9 @@ bool Inflate(const void* data, std::size_t size, std::size_t limit, SInflated& o
         out.size = stream.total_out;
     }
     inflateEnd(&stream);
+    if (result == Z_MEM_ERROR) {
+        throw std::bad_alloc();
+    }
     return result == Z_STREAM_END;
 }
 

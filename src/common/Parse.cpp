@@ -128,10 +128,8 @@ unsigned char* IParse::t_AllocAndCopy(SItem* item, unsigned int count)
         return nullptr;
     }
     const std::size_t length = count;
-    unsigned char* copy = new (std::nothrow) unsigned char[length + 1];
-    if (copy) {
-        std::memcpy(copy, bytes, length);
-        copy[length] = 0;
-    }
+    unsigned char* copy = new unsigned char[length + 1];
+    std::memcpy(copy, bytes, length);
+    copy[length] = 0;
     return copy;
 }

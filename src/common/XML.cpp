@@ -254,21 +254,19 @@ TContext NewContext()
 {
     xmlInitParser();
     xmlResetLastError();
-    TContext context(xmlNewParserCtxt());
-    if (context) {
-        // The defaults of the process leak into these, and options only ever add to them.
-        context->options = 0;
-        context->replaceEntities = 0;
-        context->loadsubset = 0;
-        context->validate = 0;
-        context->pedantic = 0;
-        context->keepBlanks = 1;
-        if (context->sax) {
-            context->sax->ignorableWhitespace = context->sax->characters;
-            // Faults are shown at debug priority only; else nobody need put their place in the text into words.
-            if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
-                context->sax->serror = [](void*, auto*) {};
-            }
+    TContext context(vyr::Allocated(xmlNewParserCtxt()));
+    // The defaults of the process leak into these, and options only ever add to them.
+    context->options = 0;
+    context->replaceEntities = 0;
+    context->loadsubset = 0;
+    context->validate = 0;
+    context->pedantic = 0;
+    context->keepBlanks = 1;
+    if (context->sax) {
+        context->sax->ignorableWhitespace = context->sax->characters;
+        // Faults are shown at debug priority only; else nobody need put their place in the text into words.
+        if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+            context->sax->serror = [](void*, auto*) {};
         }
     }
     return context;
@@ -536,13 +534,13 @@ TDocument ParseInPlace(xmlParserCtxtPtr context, const char* text, std::size_t s
 #endif
 }
 
-/// The document, unless memory was out on the way, as it may be cut then; libxml2 tells it in one place or the
-/// other.
+/// The document; throws when memory was out on the way, as it may be cut then. libxml2 tells it in one place or
+/// the other.
 TDocument Whole(xmlParserCtxtPtr context, TDocument doc)
 {
     const auto* error = xmlGetLastError();
     if (context->errNo == XML_ERR_NO_MEMORY || (error && error->code == XML_ERR_NO_MEMORY)) {
-        doc = nullptr;
+        throw std::bad_alloc();
     }
     return doc;
 }
@@ -552,9 +550,6 @@ TDocument ParseMemory(const char* text, std::size_t size, bool plain, bool zeroB
 {
     const TContext holder = NewContext();
     const xmlParserCtxtPtr context = holder.get();
-    if (!context) {
-        return nullptr;
-    }
     if (!VYR_XML_IN_PLACE || !plain || size > k_maxInPlace) {
         const int options = XML_PARSE_COMPACT;
         return Whole(context,
@@ -564,8 +559,8 @@ TDocument ParseMemory(const char* text, std::size_t size, bool plain, bool zeroB
         return Whole(context, ParseInPlace(context, text, size));
     }
     if (size > k_maxOnStack) {
-        const std::unique_ptr<char[]> copy(NewCopy(text, size));
-        return copy ? Whole(context, ParseInPlace(context, copy.get(), size)) : nullptr;
+        const std::unique_ptr<char[]> copy(vyr::Allocated(NewCopy(text, size)));
+        return Whole(context, ParseInPlace(context, copy.get(), size));
     }
     char copy[k_maxOnStack + 1];
     std::memcpy(copy, text, size);
@@ -887,7 +882,8 @@ try {
     }
     const CErrorsToLog errors;
     TDocument doc;
-    if (const TContext context = NewContext(); context && filename) {
+    if (filename) {
+        const TContext context = NewContext();
         doc = Whole(context.get(), TDocument(xmlCtxtReadFile(context.get(), filename, nullptr, XML_PARSE_COMPACT)));
     }
     return m_Adopt(doc.release(), "m->pdoc = xmlParseFile((const char*)filename)");

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstring>
 #include <iterator>
-#include <new>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,6 +17,8 @@ namespace vyr {
 namespace {
 
 constexpr std::size_t k_maxAttributes = 1024;
+constexpr std::uint64_t k_comparisons = k_maxAttributes * k_maxAttributes;
+constexpr std::uint64_t k_comparisonsOfByte = 64;
 constexpr std::size_t k_maxNamespaces = 256;
 constexpr std::size_t k_maxNames = 16384;
 constexpr std::size_t k_maxIdentifiers = 16384;
@@ -30,12 +31,14 @@ constexpr std::size_t k_maxExpansion = 524288;
 constexpr int k_maxNesting = 64;
 
 // Shorter than this nothing can be too much: 257 times "<a xmlns=''/>" without what goes between them,
-// 1,025 times " a=''", 16,385 different names of tags and attributes.
+// 1,025 times " a=''" (or as many comparisons in several tags), 16,385 different names of tags and attributes.
 constexpr std::size_t k_namespacesNeed = (k_maxNamespaces + 1) * 9;
-constexpr std::size_t k_attributesNeed = (k_maxAttributes + 1) * 5;
+constexpr std::size_t k_attributeNeeds = 5;
+constexpr std::size_t k_attributesNeed = (k_maxAttributes + 1) * k_attributeNeeds;
 constexpr std::size_t k_namesNeed = (k_maxNames + 1) * 5;
 
 constexpr char k_tooMany[] = "more than 1024 attributes";
+constexpr char k_compared[] = "too many attributes to compare";
 constexpr char k_namespaces[] = "more than 256 namespace declarations";
 constexpr char k_names[] = "more than 16384 names";
 constexpr char k_identifiers[] = "too many identifiers";
@@ -292,6 +295,7 @@ class CExactScan {
     const char* Document(TText text, std::size_t begin)
     {
         CCursor in(text, begin);
+        m_maxComparisons = k_comparisons + k_comparisonsOfByte * text.size();
         m_reason = SkipMisc(in);
         if (!m_reason && in.Take("<!DOCTYPE") && m_Type(in)) {
             m_reason = SkipMisc(in);
@@ -635,7 +639,7 @@ class CExactScan {
                 const TText broken = text.substr(begin, in.At() - begin);
                 const auto quotes =
                     std::count(broken.begin(), broken.end(), '"') + std::count(broken.begin(), broken.end(), '\'');
-                if (!m_Within(static_cast<std::size_t>(quotes) / 2, k_maxAttributes, k_tooMany)) {
+                if (!m_Compare(static_cast<std::size_t>(quotes) / 2, 0)) {
                     return false;
                 }
             }
@@ -670,17 +674,26 @@ class CExactScan {
         if (!in.Take(">")) {
             return false;
         }
+        std::size_t defaults = 0;
         const auto declared = m_elements.empty() ? m_elements.end() : m_elements.find(name);
         if (declared != m_elements.end()) {
             const SElement& element = declared->second;
             m_defaulting += element.bytes + element.defaults * (64 + element.defaults);
             m_namespaces += element.namespaces;
             m_identifiers += std::min(attributes, element.identifiers);
+            defaults = element.defaults;
         }
-        return m_Within(attributes, k_maxAttributes, k_tooMany) &&
-               m_Within(m_namespaces, k_maxNamespaces, k_namespaces) &&
+        return m_Compare(attributes, defaults) && m_Within(m_namespaces, k_maxNamespaces, k_namespaces) &&
                m_Within(m_identifiers, k_maxIdentifiers, k_identifiers) &&
                (m_defaulting <= k_maxDefaulting || m_Refuse(k_defaults));
+    }
+
+    /// Whether a tag may have so many attributes: each is compared with each and with those it has by default.
+    bool m_Compare(std::size_t attributes, std::size_t defaults)
+    {
+        m_comparisons += std::uint64_t{attributes} * (attributes + 2 * defaults);
+        return m_Within(attributes, k_maxAttributes, k_tooMany) &&
+               (m_comparisons <= m_maxComparisons || m_Refuse(k_compared));
     }
 
     /// What all entities expand to, and what stands in them.
@@ -742,7 +755,7 @@ class CExactScan {
     std::unordered_set<TText, SNameHash> m_names;
     std::array<TText, 256> m_recent;
     std::size_t m_namespaces = 0, m_identifiers = 0, m_enumerated = 0, m_defaults = 0;
-    std::uint64_t m_defaulting = 0;
+    std::uint64_t m_defaulting = 0, m_comparisons = 0, m_maxComparisons = 0;
 };
 
 /// One value of the XML declaration; empty without one of this name.
@@ -824,14 +837,14 @@ bool IsSuspicious(TText text, std::size_t begin)
         return true;
     }
     // No attribute value holds a "<": a tag that is too rich reaches at least this far without one.
-    for (std::size_t i = text.find('<', begin); i != TText::npos && text.size() - i >= k_attributesNeed;) {
+    std::uint64_t comparisons = 0;
+    for (std::size_t i = text.find('<', begin); i != TText::npos && rest >= k_attributesNeed;) {
         const std::size_t next = std::min(text.find('<', i + 1), text.size());
-        if (next - i >= k_attributesNeed) {
-            return true;
-        }
-        i = next;
+        const std::uint64_t most = (next - i) / k_attributeNeeds;
+        comparisons += most * most;
+        i = next < text.size() ? next : TText::npos;
     }
-    return false;
+    return comparisons > k_comparisons;
 }
 
 const char* Refusal(TText text, bool* plain)
@@ -888,12 +901,7 @@ const char* Refusal(TText text, bool* plain)
 const char* RefusalOf(const char* data, std::size_t size, bool* plain)
 {
     bool isPlain = false;
-    const char* reason = "out of memory";
-    try {
-        reason = Refusal(TText(data, size), &isPlain);
-    } catch (const std::bad_alloc&) {
-        isPlain = false;
-    }
+    const char* reason = Refusal(TText(data, size), &isPlain);
     if (plain) {
         *plain = isPlain && !std::memchr(data, 0, size);
     }

@@ -7,7 +7,8 @@ namespace vyr {
 
 /// Looks for what would cost libxml2 far more time or memory than its bytes are worth, before libxml2
 /// sees it. Null: the document may be parsed. Else the reason it is refused, for the log:
-/// - a start tag of more than 1,024 attributes (each is compared with each);
+/// - a start tag of more than 1,024 attributes (each is compared with each), or more comparisons of
+///   attributes than one such tag and 64 for each byte of the document;
 /// - more than 256 namespace declarations (searched for every prefix);
 /// - more than 16,384 different names (the dictionary stops growing), or as many identifiers (`xml:id`,
 ///   attributes declared ID, IDREF or IDREFS), or more than 8 ID attributes of one element;

@@ -60,6 +60,7 @@ class XmlScanTest : public CRecorder {
 TEST_F(XmlScanTest, LimitsAndWhatIsInnocent)
 {
     const std::string many = Repeated(1025, " a", "='&#65;'");
+    const std::string thousand = Repeated(1000, " a", "=''");
     const auto type = [](const std::string& subset, const std::string& root = "<r/>") {
         return "<!DOCTYPE r [" + subset + "]>" + root;
     };
@@ -90,6 +91,13 @@ TEST_F(XmlScanTest, LimitsAndWhatIsInnocent)
         {type("<!ENTITY e \"&#60;a" + many + "/>\"><!--" + many + "-->"), "more than 1024 attributes"},
         {type("<!ENTITY e \"&#38;#60;a" + many + "/>\"><!--" + many + "--><?p " + many + "?>"), ""},
         {"<r" + Repeated(16000, " a", "=''") + "/>", "more than 1024 attributes"},
+        {"<r>" + Repeated(2, "<a" + thousand + "/><!--", "-->") + "</r>", ""},
+        {"<r>" + Repeated(3, "<a" + thousand + "/><!--", "-->") + "</r>", "too many attributes to compare"},
+        {"<r>" + Repeated(3, "<a" + thousand + "<!--", "-->") + "</r>", "not well-formed"},
+        {"<r>" + Repeated(20, "<a" + Repeated(1000, " a", "='0123456'") + "/><!--", "-->") + "</r>", ""},
+        {type(defaults(900), "<r>" + Repeated(2, "<n" + Repeated(400, " a", "=''") + "/><!--", "-->") + "</r>"), ""},
+        {type(defaults(900), "<r>" + Repeated(3, "<n" + Repeated(400, " a", "=''") + "/><!--", "-->") + "</r>"),
+         "too many attributes to compare"},
         {"<r/><!--\x01<a" + many + "/>-->", "?"},
         {"<r><!--\x01<a" + many + "/>--></r>", "not well-formed"},
         {"<r><?\xC3\x97 <a" + many + "/>?></r>", "not well-formed"},

@@ -45,7 +45,7 @@ class VYR_API CMMTMsg : public IMMTParser {
     virtual bool Process() = 0;
     /// Calls `callback(user, descriptor)` for each descriptor of the message, on this thread; they stay the
     /// message's. The callback may call anything of the message, and may throw; a PA message's Parse is refused
-    /// inside (asserted, "!m_visiting").
+    /// inside, as it is in callbacks of its tables (asserted, "!m_visiting").
     virtual bool GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user) = 0;
 
     /// The message id in the first two bytes of `data`.

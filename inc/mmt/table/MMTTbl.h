@@ -57,7 +57,11 @@ class VYR_API CMMTTbl : public IMMTParser {
     /// delete[]. Another type is logged: false, `out` has the type alone.
     static bool t_GetIdentifier(SIdentifier* out, const CMMTElementIdentifierMapping* mapping);
 
+    /// While callbacks of Process or GetDescriptors are called: the message that owns the table takes no other.
+    bool t_visiting = false;
+
   private:
+    friend class CMMTMsgPa;
     static bool m_Unit0(const CLocationUnitBase* unit, SInternalLocationInfo* out);
     static bool m_Unit1(const CLocationUnitBase* unit, SInternalLocationInfo* out);
     static bool m_AssetId(const CIdentifierUnitBase* unit, UInternalIdentifier* out);

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
 static void g_CbRemoveUrl(void* /*context*/, void* element)
@@ -14,7 +15,7 @@ CIdentifierUnit1::CIdentifierUnit1() : m_arrayUrl(g_CbRemoveUrl, nullptr) {}
 CIdentifierUnit1::~CIdentifierUnit1() = default;
 
 bool CIdentifierUnit1::Parse(SItem* item)
-{
+try {
     m_arrayUrl.RemoveAll();
     const unsigned int count = t_Value(item, 16);
     if (!item || !item->valid) {
@@ -29,6 +30,8 @@ bool CIdentifierUnit1::Parse(SItem* item)
         url.release();
     }
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CIdentifierUnit1::Dump() const

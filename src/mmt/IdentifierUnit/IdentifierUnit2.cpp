@@ -1,15 +1,18 @@
 #include "mmt/IdentifierUnit/IdentifierUnit2.h"
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 bool CIdentifierUnit2::Parse(SItem* item)
-{
+try {
     if (m_regex) {
         vyr::AssertFailed({vyr::k_source.text, __func__, 10}, "!m_regex");
     }
     const unsigned int length = t_Value(item, 16);
     m_regex.Take(t_AllocAndCopy(item, length), length);
     return item && item->valid;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CIdentifierUnit2::Dump() const

@@ -1,9 +1,10 @@
 #include "mmt/IdentifierUnit/IdentifierUnit3.h"
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 bool CIdentifierUnit3::Parse(SItem* item)
-{
+try {
     const unsigned int length = t_Value(item, 16);
     if (!item || !item->valid) {
         return false;
@@ -13,6 +14,8 @@ bool CIdentifierUnit3::Parse(SItem* item)
     }
     m_representationID.Take(t_AllocAndCopy(item, length), length);
     return item->valid;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CIdentifierUnit3::Dump() const

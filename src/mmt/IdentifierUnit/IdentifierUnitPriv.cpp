@@ -1,9 +1,10 @@
 #include "mmt/IdentifierUnit/IdentifierUnitPriv.h"
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 bool CIdentifierUnitPriv::Parse(SItem* item)
-{
+try {
     if (!item) {
         return vyr::AssertFailed({vyr::k_source.text, __func__, 8}, "item");
     }
@@ -16,6 +17,8 @@ bool CIdentifierUnitPriv::Parse(SItem* item)
     }
     m_priv.Take(t_AllocAndCopy(item, length), length);
     return item->valid;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CIdentifierUnitPriv::Dump() const

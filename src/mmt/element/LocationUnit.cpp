@@ -288,7 +288,7 @@ bool CLocationUnit4::GetMPEG2PID(unsigned short* pid) const
 }
 
 bool CLocationUnit5::Parse(SItem* item)
-{
+try {
     m_url.Take(nullptr, 0);
     const unsigned int length = t_Value(item, 8);
     if (!Valid(item)) {
@@ -296,6 +296,8 @@ bool CLocationUnit5::Parse(SItem* item)
     }
     m_url.Take(t_AllocAndCopy(item, length), length);
     return item->valid;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CLocationUnit5::Dump() const
@@ -312,7 +314,7 @@ try {
 }
 
 bool CLocationUnit6::Parse(SItem* item)
-{
+try {
     m_info.Take(nullptr, 0);
     const unsigned int length = t_Value(item, 16);
     if (!Valid(item)) {
@@ -320,6 +322,8 @@ bool CLocationUnit6::Parse(SItem* item)
     }
     m_info.Take(t_AllocAndCopy(item, length), length);
     return item->valid;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CLocationUnit6::Dump() const

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 
 namespace {
 
@@ -18,13 +19,15 @@ CMMTElementMime::CMMTElementMime() : m_length(0) {}
 CMMTElementMime::~CMMTElementMime() = default;
 
 bool CMMTElementMime::Parse(SItem* item)
-{
+try {
     m_length = static_cast<unsigned char>(t_Value(item, 8));
     if (!item || !item->valid) {
         return false;
     }
     m_mimeType.Take(t_AllocAndCopy(item, m_length), m_length);
     return item->valid;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTElementMime::Dump() const

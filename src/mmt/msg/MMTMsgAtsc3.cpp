@@ -4,6 +4,7 @@
 #include <climits>
 
 #include "common/Inflate.h"
+#include "common/OutOfMemory.h"
 #include "common/RSAT.h"
 #include "mmt/Elements.h"
 #include "mmt/MMTBytes.h"
@@ -78,7 +79,7 @@ CMMTMsgAtsc3::~CMMTMsgAtsc3()
 }
 
 bool CMMTMsgAtsc3::Parse(SItem* item)
-{
+try {
     if (!m_Create() || !t_ParseHeader(item, 32, "[CMMTMsgAtsc3::Parse] Item size ERROR len[%u], length[%u]")) {
         return false;
     }
@@ -98,6 +99,8 @@ bool CMMTMsgAtsc3::Parse(SItem* item)
     }
     m_ParseContent(item, true);
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CMMTMsgAtsc3::m_ParseCompressed(SItem* item)

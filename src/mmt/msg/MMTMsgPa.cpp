@@ -20,7 +20,12 @@ CMMTMsgPa::~CMMTMsgPa() = default;
 
 bool CMMTMsgPa::Parse(SItem* item)
 try {
-    if (!VYR_ASSERT(!m_visiting, "!m_visiting")) {
+    bool visiting = m_visiting;
+    for (int i = 0; i < TableCount(); ++i) {
+        const CMMTTbl* table = Table(i);
+        visiting = visiting || (table && table->t_visiting);
+    }
+    if (!VYR_ASSERT(!visiting, "!m_visiting")) {
         return false;
     }
     m_arrayTableUnit.RemoveAll();

@@ -1,9 +1,11 @@
 #include "mmt/msg/MMTMsgPayload.h"
 
+#include "common/OutOfMemory.h"
+
 CMMTMsgPayload::~CMMTMsgPayload() = default;
 
 bool CMMTMsgPayload::t_ParsePayload(SItem* item, unsigned int bits, const char* format, SItem& payload)
-{
+try {
     if (!t_ParseHeader(item, bits, format)) {
         return false;
     }
@@ -13,6 +15,8 @@ bool CMMTMsgPayload::t_ParsePayload(SItem* item, unsigned int bits, const char* 
     }
     payload = m_payload.Item();
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CMMTMsgPayload::Process()

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <iterator>
-#include <new>
 
 #include "common/Log.h"
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 #include "mmt/IdentifierUnit/IdentifierUnit0.h"
 #include "mmt/element/MMTElementIdentifierMapping.h"
@@ -102,18 +102,17 @@ bool CMMTTbl::t_GetIdentifier(SIdentifier* out, const CMMTElementIdentifierMappi
 }
 
 bool CMMTTbl::m_AssetId(const CIdentifierUnitBase* unit, UInternalIdentifier* out)
-{
+try {
     if (!VYR_ASSERT(unit, "unit")) {
         return false;
     }
     const CMMTElementAssetId& id = *static_cast<const CIdentifierUnit0*>(unit)->AssetId();
     const unsigned int length = id.AssetIdTextLength();
-    out->assetId = new (std::nothrow) char[std::size_t{length} + 1]();
-    if (!out->assetId) {
-        return false;
-    }
+    out->assetId = new char[std::size_t{length} + 1]();
     std::copy(id.AssetIdScheme(), id.AssetIdScheme() + 4, out->assetIdScheme);
     std::copy_n(id.AssetId(), length, out->assetId);
     VYR_LOG(LOG_PRIORITY_DEBUG, "asset id %s", out->assetId);
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }

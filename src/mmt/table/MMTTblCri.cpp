@@ -42,6 +42,7 @@ void CMMTTblCri::Dump() const
 
 bool CMMTTblCri::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
+    const vyr::CScoped<bool> visiting(t_visiting, true, t_visiting);
     return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
 }
 

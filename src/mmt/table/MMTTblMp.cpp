@@ -59,6 +59,7 @@ void CMMTTblMp::Dump() const
 
 bool CMMTTblMp::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
+    const vyr::CScoped<bool> visiting(t_visiting, true, t_visiting);
     if (!vyr::VisitDescriptors(m_arrayDescriptor, callback, user)) {
         return false;
     }

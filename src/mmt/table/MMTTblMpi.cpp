@@ -54,6 +54,7 @@ void CMMTTblMpi::Dump() const
 
 bool CMMTTblMpi::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
+    const vyr::CScoped<bool> visiting(t_visiting, true, t_visiting);
     if (!vyr::VisitDescriptors(m_arrayDescriptor, callback, user)) {
         return false;
     }

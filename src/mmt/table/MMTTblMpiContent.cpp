@@ -1,5 +1,6 @@
 #include "mmt/table/MMTTblMpiContent.h"
 
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
 CMMTTblMpiContent::CMMTTblMpiContent() : m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr) {}
@@ -21,7 +22,7 @@ bool CMMTTblMpiContent::m_Copy(SItem* item, unsigned int bits, vyr::CBytes& byte
 }
 
 bool CMMTTblMpiContent::Parse(SItem* item)
-{
+try {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMpiContent::Parse");
     if (!m_Copy(item, 8, m_piContentType, 24, "!m_piContentType") ||
         !m_Copy(item, 8, m_piContentName, 32, "!m_piContentName")) {
@@ -33,6 +34,8 @@ bool CMMTTblMpiContent::Parse(SItem* item)
         return false;
     }
     return item->valid;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 void CMMTTblMpiContent::Dump() const

@@ -51,6 +51,7 @@ bool CMMTTblPa::GetDescriptors(void (* /*callback*/)(void* user, CMMTDesc* descr
 
 bool CMMTTblPa::Process()
 {
+    const vyr::CScoped<bool> visiting(t_visiting, true, t_visiting);
     for (int i = 0; i < m_arrayTable.Size(); ++i) {
         CMMTTblPaInfo& info = *Info(i);
         SLocationInfo location;

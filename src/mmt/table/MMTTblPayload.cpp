@@ -1,9 +1,11 @@
 #include "mmt/table/MMTTblPayload.h"
 
+#include "common/OutOfMemory.h"
+
 CMMTTblPayload::~CMMTTblPayload() = default;
 
 bool CMMTTblPayload::t_ParsePayload(SItem* item, const char* error, SItem& payload)
-{
+try {
     if (!t_ParseHeader(item, error)) {
         return false;
     }
@@ -13,6 +15,8 @@ bool CMMTTblPayload::t_ParsePayload(SItem* item, const char* error, SItem& paylo
     }
     payload = m_payload.Item();
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CMMTTblPayload::Process()

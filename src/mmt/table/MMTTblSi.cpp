@@ -1,5 +1,6 @@
 #include "mmt/table/MMTTblSi.h"
 
+#include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
 CMMTTblSi::CMMTTblSi() : CMMTTblPayload(CLASS_TYPE_SI), m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr) {}
@@ -24,6 +25,7 @@ void CMMTTblSi::Dump() const
 
 bool CMMTTblSi::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
+    const vyr::CScoped<bool> visiting(t_visiting, true, t_visiting);
     return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
 }
 

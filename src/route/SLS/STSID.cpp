@@ -121,8 +121,11 @@ bool CSTSID::GetTSI(int i, int j, unsigned int* tsi) const
 
 bool CSTSID::GetContentId(int i, int j, std::string& out) const
 {
-    const CLS* ls = m_Ls(i, j);
-    return ls && ls->GetContentId(out);
+    if (const CLS* ls = m_Ls(i, j)) {
+        return ls->GetContentId(out);
+    }
+    out.clear();
+    return false;
 }
 
 std::string CSTSID::GetAEAId(int i, int j) const

@@ -114,6 +114,8 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
     EXPECT_FALSE(m_stsid.GetTSI(0, 4, &tsi));  // told by the result, not asserted
     EXPECT_EQ(TakeAssertions(), "");
     EXPECT_TRUE(!m_stsid.GetRT(0, 4) && m_stsid.DPort(3) == 0 && m_stsid.NumberOfLctSessions(-1) == 0);
+    text = "held";
+    EXPECT_TRUE(!m_stsid.GetContentId(3, 0, text) && text.empty());
     EXPECT_FALSE(TakeAssertions().empty());
 }
 
