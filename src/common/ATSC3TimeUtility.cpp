@@ -6,7 +6,7 @@
 #include <ctime>
 
 #include "common/EpochTime.h"
-#include "common/Log.h"
+#include "platform/Log.h"
 
 unsigned int g_tai = 0;
 unsigned int g_UTC = 0;

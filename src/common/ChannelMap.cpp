@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "common/ChannelMapST.h"
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 /// What a handle has registered with the store.
 struct CChannelMap::SRegistration {

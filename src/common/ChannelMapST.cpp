@@ -6,9 +6,9 @@
 #include <new>
 #include <unordered_set>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "common/SeededHash.h"
+#include "platform/Log.h"
 
 namespace {
 

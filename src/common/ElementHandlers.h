@@ -5,10 +5,10 @@
 #include <memory>
 #include <type_traits>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "common/Owned.h"
 #include "common/XmlNode.h"
+#include "platform/Log.h"
 
 // The one way from element names to handlers. A parser class has
 //   - one table of rows, a static array: SElementHandler<CParser> k_handlers[] = {...};

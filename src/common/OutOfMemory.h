@@ -4,7 +4,7 @@
 #include <new>
 
 #include "common/CoreOS/PtrArray.h"
-#include "common/Log.h"
+#include "platform/Log.h"
 
 // The one way out when memory is out. Inside the library it is std::bad_alloc (or std::length_error), and
 // every public entry that can meet it is a function-try-block that gives the failure result:

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <new>
 
-#include "common/Log.h"
+#include "platform/Log.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <climits>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 /// Holds the object's document for a parse, and beyond it only if that succeeds.
 struct XMLBase::SKeeper {

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "common/CoreOS/PtrArray.h"
-#include "common/Log.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

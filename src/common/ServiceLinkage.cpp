@@ -1,8 +1,8 @@
 #include "common/ServiceLinkage.h"
 
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

@@ -20,10 +20,10 @@
 #include <utility>
 
 #include "common/Inflate.h"
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "common/XmlNode.h"
 #include "common/XmlScan.h"
+#include "platform/Log.h"
 
 // Every call of libxml2 stands in this file. Some are marked deprecated by newer versions.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"

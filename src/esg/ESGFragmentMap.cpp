@@ -3,8 +3,8 @@
 #include <memory>
 #include <mutex>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 CESGFragmentMapST SESGFragmentMap::refMap;
 int SESGFragmentMap::refMapCnt = 0;

@@ -1,7 +1,7 @@
 #include "esg/ESGFragmentMapST.h"
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 CESGFragmentMapST::CESGFragmentMapST() : m(nullptr) {}
 

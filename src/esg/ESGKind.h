@@ -3,9 +3,9 @@
 #include <iterator>
 
 #include "common/ElementHandlers.h"
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "esg/ESGElement/ESGElement.h"
+#include "platform/Log.h"
 
 // What the parsers of the service guide share. A class is its record, a table of handlers for its child
 // elements, and a function that reads its attributes; SESGKind ties the three to the one life cycle that

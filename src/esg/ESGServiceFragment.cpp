@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "common/PlatformFile.h"
 #include "esg/ESGKind.h"
+#include "platform/PlatformFile.h"
 
 namespace {
 

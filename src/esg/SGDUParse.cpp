@@ -6,11 +6,11 @@
 
 #include "common/ElementHandlers.h"
 #include "common/Inflate.h"
-#include "common/Log.h"
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
 #include "esg/GenreAsking.h"
+#include "platform/Log.h"
 
 CSGDUParse::CSGDUParse() : m(nullptr) {}
 

@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "common/CoreOS/PtrArray.h"
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 namespace {
 

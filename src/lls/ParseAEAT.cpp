@@ -4,9 +4,9 @@
 #include <memory>
 
 #include "common/CoreOS/PtrArray.h"
-#include "common/Log.h"
 #include "lls/Replace.h"
 #include "lls/TableDocument.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

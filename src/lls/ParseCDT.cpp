@@ -6,8 +6,8 @@
 
 #include "common/ATSC3TimeUtility.h"
 #include "common/EpochTime.h"
-#include "common/Log.h"
 #include "lls/TableDocument.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

@@ -2,9 +2,9 @@
 #include <cstring>
 
 #include "common/Inflate.h"
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "lls/ParseLLS.h"
+#include "platform/Log.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <climits>
 
 #include "common/CoreOS/PtrArray.h"
-#include "common/Log.h"
 #include "lls/Replace.h"
 #include "lls/TableDocument.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

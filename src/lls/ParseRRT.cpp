@@ -3,9 +3,9 @@
 #include <cstring>
 #include <utility>
 
-#include "common/Log.h"
 #include "lls/Replace.h"
 #include "lls/TableDocument.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

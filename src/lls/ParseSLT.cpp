@@ -12,11 +12,11 @@
 #include "common/ChannelMap.h"
 #include "common/CoreOS/PtrArray.h"
 #include "common/Ipv4.h"
-#include "common/Log.h"
 #include "common/SeededHash.h"
 #include "common/XmlNode.h"
 #include "lls/Replace.h"
 #include "lls/TableDocument.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

@@ -1,9 +1,9 @@
 #include "lls/ParseSystemTime.h"
 
 #include "common/ATSC3TimeUtility.h"
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "lls/TableDocument.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

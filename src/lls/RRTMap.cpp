@@ -2,9 +2,9 @@
 
 #include <mutex>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "lls/RRTMapST.h"
+#include "platform/Log.h"
 
 struct CRRTMap::SHandle {
     bool replace = false;

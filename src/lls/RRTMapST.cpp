@@ -1,6 +1,6 @@
 #include "lls/RRTMapST.h"
 
-#include "common/Log.h"
+#include "platform/Log.h"
 
 std::unique_ptr<CRRTMapST> SRRTMap::rrtMap;
 unsigned int SRRTMap::rrtMapCnt = 0;

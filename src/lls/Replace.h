@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "common/CoreOS/PtrArray.h"
-#include "common/Log.h"
 #include "lls/ParseLLS.h"
+#include "platform/Log.h"
 
 namespace vyr {
 

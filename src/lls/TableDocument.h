@@ -3,9 +3,9 @@
 #include <climits>
 
 #include "common/ElementHandlers.h"
-#include "common/Log.h"
 #include "common/Parse.h"
 #include "common/XML.h"
+#include "platform/Log.h"
 
 namespace vyr {
 

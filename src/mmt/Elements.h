@@ -4,9 +4,9 @@
 #include <memory>
 
 #include "common/CoreOS/PtrArray.h"
-#include "common/Log.h"
 #include "mmt/desc/MMTDesc.h"
 #include "mmt/desc/MMTDescFactory.h"
+#include "platform/Log.h"
 
 // What MMT structures share: bytes left, lists of owned elements, descriptor loops.
 

@@ -9,10 +9,10 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
-#include "common/PlatformFile.h"
+#include "platform/Log.h"
 #include "platform/LogRepeats.h"
+#include "platform/PlatformFile.h"
 
 namespace {
 

@@ -9,10 +9,10 @@
 #include <new>
 
 #include "common/ElementHandlers.h"
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "common/RSAT.h"
 #include "platform/BaseParser.h"
+#include "platform/Log.h"
 #include "route/SLS/DeliveryMethod.h"
 #include "route/SLS/EFDT.h"
 #include "route/SLS/MPD.h"

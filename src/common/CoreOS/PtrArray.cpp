@@ -4,8 +4,8 @@
 #include <climits>
 #include <new>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 CCPtrArray::CCPtrArray(void (*cbRemove)(void*, void*), void* context)
     : m_slots(m_inline),

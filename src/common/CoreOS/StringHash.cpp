@@ -4,8 +4,8 @@
 #include <cstring>
 #include <new>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 namespace {
 

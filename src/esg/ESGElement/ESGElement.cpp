@@ -4,8 +4,8 @@
 #include <cstring>
 #include <ctime>
 
-#include "common/Log.h"
 #include "esg/ESGKind.h"
+#include "platform/Log.h"
 
 SESGState::SESGState() : kind(nullptr) {}
 

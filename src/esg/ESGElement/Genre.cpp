@@ -7,11 +7,11 @@
 #include <tuple>
 #include <utility>
 
-#include "common/PlatformFile.h"
 #include "esg/ESGKind.h"
 #include "esg/GenreAsking.h"
 #include "esg/GenreNameParse.h"
 #include "esg/GenreNames.h"
+#include "platform/PlatformFile.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "mmt/IdentifierUnit/IdentifierUnit2.h"
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 bool CIdentifierUnit2::Parse(SItem* item)
 try {

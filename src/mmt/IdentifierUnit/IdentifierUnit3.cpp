@@ -1,7 +1,7 @@
 #include "mmt/IdentifierUnit/IdentifierUnit3.h"
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 bool CIdentifierUnit3::Parse(SItem* item)
 try {

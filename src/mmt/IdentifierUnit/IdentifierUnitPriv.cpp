@@ -1,7 +1,7 @@
 #include "mmt/IdentifierUnit/IdentifierUnitPriv.h"
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 bool CIdentifierUnitPriv::Parse(SItem* item)
 try {

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

@@ -1,7 +1,7 @@
 #include "mmt/desc/MMTContentAdvisoryRatings.h"
 
-#include "common/Log.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

@@ -1,6 +1,6 @@
 #include "mmt/desc/MMTDesc.h"
 
-#include "common/Log.h"
+#include "platform/Log.h"
 
 CMMTDesc::CMMTDesc() : t_tag(0xFFFF), t_length(0) {}
 

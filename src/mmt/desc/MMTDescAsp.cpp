@@ -1,7 +1,7 @@
 #include "mmt/desc/MMTDescAsp.h"
 
-#include "common/Log.h"
 #include "mmt/PayloadReader.h"
+#include "platform/Log.h"
 
 namespace {
 

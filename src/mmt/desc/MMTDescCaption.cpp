@@ -1,7 +1,7 @@
 #include "mmt/desc/MMTDescCaption.h"
 
-#include "common/Log.h"
 #include "mmt/PayloadReader.h"
+#include "platform/Log.h"
 
 CMMTDescCaption::CMMTDescCaption() : CMMTDescPayload("CMMTDescCaption", 8) {}
 

@@ -1,6 +1,6 @@
 #include "mmt/desc/MMTDescCri.h"
 
-#include "common/Log.h"
+#include "platform/Log.h"
 
 CMMTDescCri::CMMTDescCri() : m_clockRelationId(0), m_reserved(0), m_stcSample(0), m_ntpTimestampSample(0) {}
 

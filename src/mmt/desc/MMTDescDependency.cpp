@@ -1,7 +1,7 @@
 #include "mmt/desc/MMTDescDependency.h"
 
-#include "common/Log.h"
 #include "mmt/PayloadReader.h"
+#include "platform/Log.h"
 
 CMMTDescDependency::CMMTDescDependency() : CMMTDescPayload("CMMTDescDependency", 2) {}
 

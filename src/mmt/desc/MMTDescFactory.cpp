@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <memory>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "mmt/desc/MMTDescAsp.h"
 #include "mmt/desc/MMTDescCaption.h"
@@ -16,6 +15,7 @@
 #include "mmt/desc/MMTDescSi.h"
 #include "mmt/desc/MMTDescSp.h"
 #include "mmt/desc/MMTDescVsp.h"
+#include "platform/Log.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "mmt/desc/MMTDescLowDelay.h"
 
-#include "common/Log.h"
 #include "mmt/PayloadReader.h"
+#include "platform/Log.h"
 
 CMMTDescLowDelay::CMMTDescLowDelay() : CMMTDescPayload("CMMTDescLowDelay", 14) {}
 

@@ -1,7 +1,7 @@
 #include "mmt/desc/MMTDescMpuTimestamp.h"
 
-#include "common/Log.h"
 #include "mmt/PayloadReader.h"
+#include "platform/Log.h"
 
 CMMTDescMpuTimestamp::CMMTDescMpuTimestamp() : CMMTDescPayload("CMMTDescMpuTimestamp", 1) {}
 

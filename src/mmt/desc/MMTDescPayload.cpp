@@ -1,9 +1,9 @@
 #include "mmt/desc/MMTDescPayload.h"
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 #include "mmt/PayloadReader.h"
+#include "platform/Log.h"
 
 CMMTDescPayload::CMMTDescPayload(const char* name, unsigned int tag) : m_name(name), m_wanted(tag) {}
 

@@ -1,7 +1,7 @@
 #include "mmt/desc/MMTDescSi.h"
 
-#include "common/Log.h"
 #include "mmt/PayloadReader.h"
+#include "platform/Log.h"
 
 CMMTDescSi::CMMTDescSi() : CMMTDescPayload("CMMTDescSi", 4) {}
 

@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "common/Ipv4.h"
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

@@ -1,6 +1,5 @@
 #include "mmt/desc/MMTUsbd.h"
 
-#include "common/Log.h"
 #include "common/ServiceLinkage.h"
 #include "common/XmlParser.h"
 #include "mmt/desc/MMTBroadbandComponent.h"
@@ -10,6 +9,7 @@
 #include "mmt/desc/MMTMpuComponent.h"
 #include "mmt/desc/MMTName.h"
 #include "mmt/desc/MMTRouteComponent.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

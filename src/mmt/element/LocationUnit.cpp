@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 CMMTElementAssetId::CMMTElementAssetId() : m_assetIdScheme{}, m_assetIdLength(0) {}
 

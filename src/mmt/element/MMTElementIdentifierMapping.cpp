@@ -1,12 +1,12 @@
 #include "mmt/element/MMTElementIdentifierMapping.h"
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "mmt/IdentifierUnit/IdentifierUnit0.h"
 #include "mmt/IdentifierUnit/IdentifierUnit1.h"
 #include "mmt/IdentifierUnit/IdentifierUnit2.h"
 #include "mmt/IdentifierUnit/IdentifierUnit3.h"
 #include "mmt/IdentifierUnit/IdentifierUnitPriv.h"
+#include "platform/Log.h"
 
 CMMTElementIdentifierMapping::CMMTElementIdentifierMapping() : m_identifierType(0) {}
 

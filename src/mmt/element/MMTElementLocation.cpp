@@ -2,8 +2,8 @@
 
 #include <iterator>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
+#include "platform/Log.h"
 
 namespace {
 

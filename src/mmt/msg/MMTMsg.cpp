@@ -2,8 +2,8 @@
 
 #include <iterator>
 
-#include "common/Log.h"
 #include "mmt/Elements.h"
+#include "platform/Log.h"
 
 CMMTMsg::CMMTMsg(EClassType classType) : m_classType(classType), m_id(0xFFFF), m_version(0), m_length(0) {}
 

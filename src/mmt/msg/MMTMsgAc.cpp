@@ -1,8 +1,8 @@
 #include "mmt/msg/MMTMsgAc.h"
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "mmt/PayloadReader.h"
+#include "platform/Log.h"
 
 CMMTMsgAc::CMMTMsgAc() : CMMTMsgPayload(CLASS_TYPE_AC) {}
 

@@ -1,7 +1,7 @@
 #include "mmt/msg/MMTMsgAdc.h"
 
-#include "common/Log.h"
 #include "mmt/PayloadReader.h"
+#include "platform/Log.h"
 
 CMMTMsgAdc::CMMTMsgAdc() : CMMTMsgPayload(CLASS_TYPE_ADC) {}
 

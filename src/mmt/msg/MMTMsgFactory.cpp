@@ -3,7 +3,6 @@
 #include <mutex>
 #include <utility>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "mmt/msg/MMTMsgAc.h"
 #include "mmt/msg/MMTMsgAdc.h"
@@ -16,6 +15,7 @@
 #include "mmt/msg/MMTMsgMpt.h"
 #include "mmt/msg/MMTMsgPa.h"
 #include "mmt/msg/MMTMsgSmm.h"
+#include "platform/Log.h"
 
 std::map<unsigned short, std::unique_ptr<MMTMsgAbstractFactory>> CMMTMsgFactory::m_factories;
 

@@ -1,6 +1,6 @@
 #include "mmt/msg/MMTMsgMpi.h"
 
-#include "common/Log.h"
+#include "platform/Log.h"
 
 CMMTMsgMpi::CMMTMsgMpi() : CMMTMsg(CLASS_TYPE_MPI), m_reserved(0), m_associatedMPTableFlag(false) {}
 

@@ -1,6 +1,6 @@
 #include "mmt/msg/MMTMsgMpt.h"
 
-#include "common/Log.h"
+#include "platform/Log.h"
 
 CMMTMsgMpt::CMMTMsgMpt() : CMMTMsg(CLASS_TYPE_MPT) {}
 

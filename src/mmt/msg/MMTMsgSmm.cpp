@@ -1,9 +1,9 @@
 #include "mmt/msg/MMTMsgSmm.h"
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "mmt/PayloadReader.h"
 #include "mmt/msg/MMTMsgFactory.h"
+#include "platform/Log.h"
 
 CMMTMsgSmm::CMMTMsgSmm() : CMMTMsgPayload(CLASS_TYPE_SMM), m_serviceId(0), m_depth(0) {}
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <iterator>
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 #include "mmt/IdentifierUnit/IdentifierUnit0.h"
 #include "mmt/element/MMTElementIdentifierMapping.h"
 #include "mmt/element/MMTElementLocation.h"
+#include "platform/Log.h"
 
 CMMTTbl::CMMTTbl(unsigned int classType) : m_tableId(0xFF), m_version(0), m_length(0), m_classType(classType) {}
 

@@ -1,6 +1,5 @@
 #include "mmt/table/MMTTblFactory.h"
 
-#include "common/Log.h"
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 #include "mmt/table/MMTTblCri.h"
@@ -9,6 +8,7 @@
 #include "mmt/table/MMTTblMpi.h"
 #include "mmt/table/MMTTblPa.h"
 #include "mmt/table/MMTTblSi.h"
+#include "platform/Log.h"
 
 CMMTTbl* CMMTTblFactory::GenerateTbl(IParse::SItem* item)
 try {

@@ -1,6 +1,6 @@
 #include "mmt/table/MMTTblPaInfo.h"
 
-#include "common/Log.h"
+#include "platform/Log.h"
 
 CMMTTblPaInfo::CMMTTblPaInfo() : m_tableId(0), m_tableVersion(0), m_reserved(0), m_flag(0) {}
 

@@ -1,8 +1,8 @@
 #include "route/SLS/ContentInfo.h"
 
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 #include "route/SLS/MediaInfo.h"
 
 using vyr::CNodeText;

@@ -1,8 +1,8 @@
 #include "route/SLS/ContentRating.h"
 
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 
 struct CContentRating::SState : vyr::SHandlers {
     SContentRating values;

@@ -1,7 +1,7 @@
 #include "route/SLS/DeliveryMethod.h"
 
-#include "common/Log.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 
 struct CDeliveryMethod::SState : vyr::SHandlers {
     SDeliveryMethod values;

@@ -4,8 +4,8 @@
 #include <memory>
 #include <utility>
 
-#include "common/Log.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

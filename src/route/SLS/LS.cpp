@@ -1,9 +1,9 @@
 #include "route/SLS/LS.h"
 
 #include "common/ATSC3TimeUtility.h"
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 #include "route/SLS/SrcFlow.h"
 
 using vyr::CNodeText;

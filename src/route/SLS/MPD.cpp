@@ -3,10 +3,10 @@
 #include <cstring>
 #include <memory_resource>
 
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "common/XmlParser.h"
 #include "common/XsTime.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

@@ -2,9 +2,9 @@
 
 #include <cstring>
 
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 #include "route/SLS/ContentRating.h"
 
 using vyr::CNodeText;

@@ -1,8 +1,8 @@
 #include "route/SLS/ROUTEUsbd.h"
 
-#include "common/Log.h"
 #include "common/ServiceLinkage.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 #include "route/SLS/DeliveryMethod.h"
 #include "route/SLS/ServiceName.h"
 

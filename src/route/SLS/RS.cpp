@@ -1,9 +1,9 @@
 #include "route/SLS/RS.h"
 
 #include "common/Ipv4.h"
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

@@ -1,7 +1,7 @@
 #include "route/SLS/STSID.h"
 
-#include "common/Log.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 #include "route/SLS/RS.h"
 
 CSTSID::SSTSID::SSTSID() : routeSessions(vyr::RemoveChild<CRS>, nullptr) {}

@@ -2,9 +2,9 @@
 
 #include <memory>
 
-#include "common/Log.h"
 #include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 
 struct CServiceName::SState {
     std::unique_ptr<char[]> lang;

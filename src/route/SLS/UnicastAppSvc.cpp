@@ -1,7 +1,7 @@
 #include "route/SLS/UnicastAppSvc.h"
 
-#include "common/Log.h"
 #include "common/XmlParser.h"
+#include "platform/Log.h"
 
 using vyr::CNodeText;
 

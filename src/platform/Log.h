@@ -17,6 +17,13 @@ struct SHere {
     const char* file;  ///< path below src/, without ending
     const char* function;
     int line;
+
+    /// The function and line that call the function whose default argument this is, see VYR_CALLER.
+    static constexpr SHere Caller(const char* file, const char* function = __builtin_FUNCTION(),
+                                  int line = __builtin_LINE())
+    {
+        return {file, function, line};
+    }
 };
 
 /// Where "src/common/XML" begins in "…/src/common/XML.cpp".
@@ -84,6 +91,9 @@ bool AssertFailed(const SHere& here, const char* text);
 bool GetSetting(const char* key, int* value);
 
 }  // namespace vyr
+
+// Last parameter of a helper that speaks for its caller; nothing is given for it at the call.
+#define VYR_CALLER const ::vyr::SHere& here = ::vyr::SHere::Caller(::vyr::k_source.text)
 
 #define VYR_HERE (::vyr::SHere{::vyr::k_source.text, __func__, __LINE__})
 

@@ -1,4 +1,4 @@
-#include "common/Log.h"
+#include "platform/Log.h"
 
 #include <stdexcept>
 
