@@ -3,6 +3,7 @@
 #include <climits>
 
 #include "common/OutOfMemory.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 /// Holds the object's document for a parse, and beyond it only if that succeeds.
@@ -38,6 +39,7 @@ bool XMLBase::Parse(const char* buffer, unsigned int length)
 
 bool XMLBase::Parse(const char* buffer, unsigned int length, bool compressed)
 try {
+    const vyr::CEntry entry;
     if (!buffer) {
         return vyr::AssertFailed({vyr::k_source.text, __func__, 20}, "buffer");
     }
@@ -52,16 +54,22 @@ try {
         return false;
     }
     void* root = nullptr;
-    const bool parsed = VYR_CHECK(t_xml.MoveRoot(&root), "t_xml.MoveRoot(&root)") &&
-                        VYR_CHECK(m_ProcessParse(root), "m_ProcessParse(root)");
-    document.keep = parsed && t_keepsDocument;
-    return parsed;
+    if (!VYR_CHECK(t_xml.MoveRoot(&root), "t_xml.MoveRoot(&root)")) {
+        return false;
+    }
+    if (!m_ProcessParse(root)) {
+        vyr::KeepFailure(FAILURE_KIND);
+        return VYR_CHECK(false, "m_ProcessParse(root)");
+    }
+    document.keep = t_keepsDocument;
+    return true;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool XMLBase::Parse(void* doc, void* root)
 try {
+    const vyr::CEntry entry;
     return VYR_ASSERT(!m_parsing, "!m->parsing") && m_ParseElement(doc, root);
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);

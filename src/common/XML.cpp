@@ -23,6 +23,7 @@
 #include "common/OutOfMemory.h"
 #include "common/XmlNode.h"
 #include "common/XmlScan.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 // Every call of libxml2 stands in this file. Some are marked deprecated by newer versions.
@@ -228,6 +229,33 @@ struct SContextDeleter {
 };
 using TContext = std::unique_ptr<xmlParserCtxt, SContextDeleter>;
 
+/// The first fault that libxml2 tells of a document. It is why a document is not taken; one that is may have some.
+struct SXmlFault {
+    int line;
+    bool next;  // its words come next
+    char text[160];
+
+    void Hear(const char* words, int inLine)
+    {
+        if (text[0] == 0) {
+            line = inLine;
+            std::snprintf(text, sizeof text, "%.*s", static_cast<int>(std::strcspn(words, "\n")), words);
+        }
+    }
+
+    /// libxml2 tells a fault in pieces: "Entity: line 3: ", "parser ", "error : ", the words, and where they are.
+    void HearPiece(const char* piece)
+    {
+        if (next) {
+            Hear(piece, line);
+        } else if (text[0] == 0 && std::strncmp(piece, "Entity: line ", 13) == 0) {
+            line = std::atoi(piece + 13);
+        }
+        next = std::strcmp(piece, "error : ") == 0;
+    }
+};
+thread_local SXmlFault t_fault;
+
 /// While it lives libxml2 reports the calling thread's errors to XmlError; afterwards to whom it did before.
 class CErrorsToLog {
   public:
@@ -239,6 +267,8 @@ class CErrorsToLog {
         m_handler = xmlGenericError;
         m_context = xmlGenericErrorContext;
         xmlSetGenericErrorFunc(nullptr, XmlError);
+        t_fault.text[0] = 0;
+        t_fault.next = false;
     }
     ~CErrorsToLog() { xmlSetGenericErrorFunc(m_context, m_handler); }
     CErrorsToLog(const CErrorsToLog&) = delete;
@@ -264,9 +294,13 @@ TContext NewContext()
     context->keepBlanks = 1;
     if (context->sax) {
         context->sax->ignorableWhitespace = context->sax->characters;
-        // Faults are shown at debug priority only; else nobody need put their place in the text into words.
+        // Faults are shown at debug priority only; else nobody need put their place in the text into pieces.
         if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
-            context->sax->serror = [](void*, auto*) {};
+            context->sax->serror = [](void*, auto* error) {
+                if (error->level >= XML_ERR_ERROR) {
+                    t_fault.Hear(error->message ? error->message : "", error->line);
+                }
+            };
         }
     }
     return context;
@@ -842,20 +876,19 @@ CXML::~CXML() = default;
 
 bool CXML::Create(const char* buf, int length, bool compressed)
 try {
+    const vyr::CEntry entry;
     if (!VYR_ASSERT(!m, "!m")) {
         return false;
     }
     if (!buf || length < 2) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "XML Create Fail buffer[%p], length[%d]", static_cast<const void*>(buf), length);
-        return false;
+        return VYR_FAIL(FAILURE_SIZE, "XML Create Fail buffer[%p], length[%d]", static_cast<const void*>(buf), length);
     }
     vyr::SInflated inflated;
     const char* text = buf;
     std::size_t size = static_cast<std::size_t>(length);
     if (compressed) {
         if (length > k_maxCompressed) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "XML Create Fail. File size is too big. length[%d]", length);
-            return false;
+            return VYR_FAIL(FAILURE_SIZE, "XML Create Fail. File size is too big. length[%d]", length);
         }
         if (vyr::HasGzipMagic(buf, size) && vyr::Inflate(buf, size, k_maxCompressed, inflated)) {
             text = inflated.data.get();
@@ -867,6 +900,7 @@ try {
     bool plain = false;
     if (const char* reason = vyr::RefusalOf(text, size, &plain)) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CXML::Create] refused: %s", reason);
+        vyr::KeepFailure(std::strcmp(reason, "not well-formed") == 0 ? FAILURE_XML : FAILURE_LIMIT, reason);
     } else {
         doc = ParseMemory(text, size, plain, text != buf);
     }
@@ -877,6 +911,7 @@ try {
 
 bool CXML::Create(const char* filename)
 try {
+    const vyr::CEntry entry;
     if (!VYR_ASSERT(!m, "!m")) {
         return false;
     }
@@ -907,10 +942,14 @@ bool CXML::m_Adopt(void* parsed, const char* text)
     TDocument doc(static_cast<xmlDocPtr>(parsed));
     if (doc && doc->intSubset && doc->intSubset->entities && !CExpansion::WithinLimit(doc.get())) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CXML::Create] refused: entities expand to more than %zu bytes", k_maxExpansion);
+        vyr::KeepFailure(FAILURE_LIMIT, "entities expand to more than 524288 bytes");
         doc.reset();
     }
-    if (!VYR_CHECK(doc, text)) {
-        return false;
+    if (!doc) {
+        if (t_fault.text[0]) {
+            vyr::KeepFailure(FAILURE_XML, t_fault.text, t_fault.line);
+        }
+        return VYR_CHECK(false, text);
     }
     m_held = {doc.release(), true};
     m = &m_held;
@@ -1123,5 +1162,6 @@ void XmlError(void* /*ctx*/, const char* format, ...)
     va_start(arguments, format);
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
+    t_fault.HearPiece(text);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[Xml Error Info]%s", text);
 }

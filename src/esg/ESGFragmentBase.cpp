@@ -7,6 +7,7 @@
 
 #include "esg/ESGKind.h"
 #include "esg/GenreAsking.h"
+#include "platform/FailureKeeping.h"
 
 namespace {
 
@@ -85,6 +86,7 @@ bool CESGFragmentBase::m_Begin(const char* input, const char* text) const
 
 bool CESGFragmentBase::Parse(const char* buffer, unsigned int length)
 try {
+    const vyr::CEntry entry;
     if (!m_Begin(buffer, "buffer")) {
         return false;
     }
@@ -98,6 +100,7 @@ try {
 
 bool CESGFragmentBase::Parse(const char* filename)
 try {
+    const vyr::CEntry entry;
     if (!m_Begin(filename, "filename")) {
         return false;
     }
@@ -120,6 +123,7 @@ bool CESGFragmentBase::m_Process(bool created, const char* step)
     } else if (!m->xml.MoveRoot(&root)) {
         failed = "m->xml.MoveRoot(&root)";
     } else if (!m->xml.Compare(root, kind.element) || !kind.read(*m, root)) {
+        vyr::KeepFailure(FAILURE_KIND);
         failed = kind.process;
     }
     if (failed) {

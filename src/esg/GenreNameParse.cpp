@@ -8,6 +8,7 @@
 #include "common/XML.h"
 #include "esg/ESGKind.h"
 #include "esg/GenreNames.h"
+#include "platform/FailureKeeping.h"
 
 using vyr::CNodeText;
 
@@ -76,6 +77,7 @@ bool CGenreNameParse::m_Known() const
 
 bool CGenreNameParse::Parse(const char* filePath)
 try {
+    const vyr::CEntry entry;
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(filePath, "filePath")) {
         return false;
     }
@@ -90,6 +92,7 @@ try {
 
 bool CGenreNameParse::Parse(const char* buffer, unsigned int length)
 try {
+    const vyr::CEntry entry;
     if (!VYR_ASSERT(m, "m") || !VYR_CHECK(buffer, "buffer")) {
         return false;
     }

@@ -10,6 +10,7 @@
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
 #include "esg/GenreAsking.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 CSGDUParse::CSGDUParse() : m(nullptr) {}
@@ -60,6 +61,7 @@ void CSGDUParse::SetReplace(bool replace)
 
 bool CSGDUParse::Parse(IParse::SItem* item)
 {
+    const vyr::CEntry entry;
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }

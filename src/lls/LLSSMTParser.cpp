@@ -6,6 +6,7 @@
 
 #include "common/CoreOS/PtrArray.h"
 #include "common/OutOfMemory.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 namespace {
@@ -76,6 +77,7 @@ void CLLSSMTParser::Destroy()
 
 bool CLLSSMTParser::Parse(IParse::SItem* item)
 try {
+    const vyr::CEntry entry;
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] parse SMT");
     if (!m) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] does not exist !!!");
@@ -115,9 +117,8 @@ try {
     item->bitpos = start * 8;
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] signedBlocklength[%u] item size[%u]", signedLength, item->size);
     if (item->size - std::min(start, item->size) < signedLength) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] Signed Block size ERROR length[%u] item size[%u]",
-                signedLength, item->size);
-        return false;
+        return VYR_FAIL(FAILURE_SIZE, "[CLLSSMTParser::Parse] Signed Block size ERROR length[%u] item size[%u]",
+                        signedLength, item->size);
     }
     if (signedLength == 0) {
         return true;

@@ -3,6 +3,7 @@
 #include <tuple>
 
 #include "common/OutOfMemory.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 namespace {
@@ -66,6 +67,7 @@ bool TCParseLLS::m_CheckVersion(unsigned char tableId, unsigned char groupId, un
 
 bool TCParseLLS::Parse(IParse::SItem* item)
 {
+    const vyr::CEntry entry;
     if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer") || !t_Idle()) {
         return false;
     }

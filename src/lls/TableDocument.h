@@ -5,6 +5,7 @@
 #include "common/ElementHandlers.h"
 #include "common/Parse.h"
 #include "common/XML.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 namespace vyr {
@@ -56,6 +57,7 @@ bool ParseTableDocument(CXML& xml, IParse::SItem* item, bool compressed, const c
     if (!xml.MoveRoot(&root)) {
         failed = "m->xml.MoveRoot(&root)";
     } else if (!process(root)) {
+        KeepFailure(FAILURE_KIND);
         failed = step;
     }
     return !failed || CheckFailed(here, failed);

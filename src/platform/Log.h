@@ -83,8 +83,10 @@ inline bool LogEnabled(ELogPriority priority)
 /// Hands a message to the platform, behind the prefix "tag: function(line) > "; callers ask
 /// LogEnabled first.
 void Print(ELogPriority priority, const SHere& here, const char* format, ...) __attribute__((format(printf, 3, 4)));
-/// Logs the "_CHECK FAIL" line; false.
+/// Logs the "_CHECK FAIL" line and keeps the step for LastFailure; false.
 bool CheckFailed(const SHere& here, const char* text);
+/// The same of a step whose failure costs nothing but itself: it is only logged.
+bool StepFailed(const SHere& here, const char* text);
 /// Logs the "ASSERT!" line and tells the assertion sink; false.
 bool AssertFailed(const SHere& here, const char* text);
 /// Integer setting of the platform.

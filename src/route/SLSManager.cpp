@@ -12,6 +12,7 @@
 #include "common/OutOfMemory.h"
 #include "common/RSAT.h"
 #include "platform/BaseParser.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 #include "route/SLS/DeliveryMethod.h"
 #include "route/SLS/EFDT.h"
@@ -205,6 +206,7 @@ const CSTSID* CSLSManager::Stsid() const
 void CSLSManager::Parse(const unsigned char* buffer, unsigned int length, const SSessionInfo* session,
                         bool skipMpdParse)
 {
+    const vyr::CEntry entry;
     if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(!m->parsing, "!m->parsing")) {
         return;
     }
@@ -238,18 +240,21 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
                                 {"</bundleDescriptionROUTE>", "</BundleDescriptionROUTE>"}, true);
     if (Announce(usbd, "[CSLSManager::Parse] USBD data not included !!!",
                  "[CSLSManager::Parse] PARSE NEW USBD buf1 = 0x%p,  Pos = 0x%p, length = %td", VYR_HERE)) {
+        const vyr::CDocumentOfPackage document("USBD");
         m_ParseUSBD(usbd.start, usbd.Size());
     }
 
     const SDocument stsid = Find(starts.Of(CStarts::STSID), {"</S-TSID>"}, true);
     if (Announce(stsid, "[CSLSManager::Parse] STSID data not included start check direct EFDT !!!",
                  "[CSLSManager::Parse] PARSE STSID buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
+        const vyr::CDocumentOfPackage document("STSID");
         m_ParseSTSID(stsid.start, stsid.Size());
     }
     if (!stsid.start) {
         const SDocument efdt = Find(starts.Of(CStarts::EFDT), {"</EFDT>"}, false);
         if (Announce(efdt, "[CSLSManager::Parse] direct EFDT data not included !!!",
                      "[CSLSManager::Parse] PARSE EFDT buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
+            const vyr::CDocumentOfPackage document("EFDT");
             m_ParseDirectEFDT(efdt.start, efdt.Size(), session);
         }
     }
@@ -261,6 +266,7 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
             m->callback.cbMPDData(m->callback.pUserData, mpd.start, mpd.Size(), m->usbd.parser.ServiceId());
         }
         if (!skipMpdParse) {
+            const vyr::CDocumentOfPackage document("MPD");
             m_ParseMPD(mpd.start, mpd.Size());
         }
     }
@@ -285,6 +291,7 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
     const SDocument rsat = Find(starts.Of(CStarts::RSAT), {"</RSAT>"}, true);
     if (Announce(rsat, "[CSLSManager::Parse] RSAT data not included !!!",
                  "[CSLSManager::Parse] PARSE RSAT buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
+        const vyr::CDocumentOfPackage document("RSAT");
         m_ParseRSAT(rsat.start, rsat.Size());
     }
 }

@@ -106,13 +106,14 @@ TOwned<CESGFragmentBase> ParseFragment(unsigned type, SBytes text, std::string& 
 {
     TOwned<CESGFragmentBase> fragment(MakeFragment(type).release());
     fragment->Create();
-    const CRefusalListener listener;
     if (fragment->Parse(reinterpret_cast<const char*>(text.data), static_cast<unsigned>(text.size))) {
         return fragment;
     }
     const TView root = RootName(text);
-    reason = listener.Reason();
-    if (reason.empty()) {
+    const SFailure* failure = LastFailure();
+    if (failure && failure->cause != FAILURE_KIND) {
+        reason = Reason();
+    } else {
         reason = root != FragmentTypeName(type) ? "its root element is " + Quoted(Short(std::string(root)))
                                                 : std::string("it has no id");
     }
@@ -282,14 +283,11 @@ void ReadDocument(SBytes text, TContent content, SGuideRead& read)
 {
     TParser parser;
     parser.Create();
-    {
-        const CRefusalListener listener;
-        if (parser.Parse(reinterpret_cast<const char*>(text.data), static_cast<unsigned>(text.size), false)) {
-            read.content = content(parser);
-        } else {
-            const std::string reason = listener.Reason();
-            read.faults.push_back(reason.empty() ? "the library gave no reason" : reason);
-        }
+    if (parser.Parse(reinterpret_cast<const char*>(text.data), static_cast<unsigned>(text.size), false)) {
+        read.content = content(parser);
+    } else {
+        const std::string reason = Reason();
+        read.faults.push_back(reason.empty() ? "the library gave no reason" : reason);
     }
     parser.Destroy();
 }

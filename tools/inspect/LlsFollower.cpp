@@ -289,11 +289,8 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& tabl
     parser.AddLLSGroupId(table.header.groupId);
     IParse::SItem item = {bytes.data, static_cast<unsigned>(bytes.size), static_cast<unsigned>(bytes.size) * 8, 0,
                           true};
-    {
-        const CRefusalListener listener;
-        parser.Parse(&item);
-        outcome.reason = parsed ? std::string() : listener.Reason();
-    }
+    parser.Parse(&item);
+    outcome.reason = parsed ? std::string() : Reason();
     outcome.faults = std::move(drops.faults);
     if (parsed) {
         outcome.slt.emplace().dropped = static_cast<unsigned>(outcome.faults.size());

@@ -37,10 +37,9 @@ bool Feed(TTable& parser, SBytes bytes, std::string& reason)
 {
     IParse::SItem item = {bytes.data, static_cast<unsigned>(bytes.size), static_cast<unsigned>(bytes.size) * 8, 0,
                           true};
-    const CRefusalListener listener;
     parser.Parse(&item);
-    reason = listener.Failed() ? listener.Reason() : std::string();
-    return !listener.Failed();
+    reason = StepFailed() ? Reason() : std::string();
+    return !StepFailed();
 }
 
 SContent ReadSystemTime(const CParseSystemTime& parser)

@@ -31,9 +31,11 @@ namespace {
 
 /// What the library said while it parsed.
 struct SRemarks {
-    explicit SRemarks(const CRefusalListener& listener)
-        : refusal(listener.Reason()), failedStep(listener.FailedStep()), unknownTags(listener.UnknownTags())
+    SRemarks() : refusal(Reason()), failedStep(FailedStep())
     {
+        if (const SFailure* failure = LastFailure()) {
+            unknownTags.insert(failure->unknownTags, failure->unknownTags + failure->tags);
+        }
     }
 
     std::string refusal;
@@ -334,33 +336,28 @@ SMessageOutcome ReadMessage(SBytes bytes)
         return outcome;
     }
     IParse::SItem item = {bytes.data, size, size * 8, 0, true};
-    std::optional<SRemarks> remarks;
-    bool parsed = false;
-    {
-        const CRefusalListener listener;
-        parsed = message->Parse(&item);
-        remarks.emplace(listener);
-    }
+    const bool parsed = message->Parse(&item);
+    SRemarks remarks;
     if (!parsed) {
-        outcome.reason = !remarks->refusal.empty()      ? remarks->refusal
-                         : !remarks->failedStep.empty() ? remarks->failedStep
-                                                        : "it ends inside a field";
+        outcome.reason = !remarks.refusal.empty()      ? remarks.refusal
+                         : !remarks.failedStep.empty() ? remarks.failedStep
+                                                       : "it ends inside a field";
         return outcome;
     }
     message->Process();
     std::uint64_t descriptors = 0;
     message->GetDescriptors(CountDescriptor, &descriptors);
-    SContent content = CMessageReader(*remarks, outcome).Read(*message, bytes);
+    SContent content = CMessageReader(remarks, outcome).Read(*message, bytes);
     content.headline = Joined({content.headline, descriptors != 0 ? Counted(descriptors, "descriptor") : ""});
-    for (const unsigned tag : remarks->unknownTags) {
+    for (const unsigned tag : remarks.unknownTags) {
         content.text += "  a descriptor of tag " + std::to_string(tag) + " is not known: none behind it is read\n";
         content.json["unknownDescriptorTags"].push_back(tag);
     }
     for (const std::string& fault : content.faults) {
         outcome.faults.emplace_back(EFault::DOCUMENT_NOT_PARSED, fault);
     }
-    if (!remarks->refusal.empty()) {
-        outcome.faults.emplace_back(EFault::MESSAGE_NOT_PARSED, "a part did not parse: " + remarks->refusal);
+    if (!remarks.refusal.empty()) {
+        outcome.faults.emplace_back(EFault::MESSAGE_NOT_PARSED, "a part did not parse: " + remarks.refusal);
     }
     outcome.content = std::move(content);
     return outcome;

@@ -374,11 +374,8 @@ std::optional<SContent> ReadMpd(const std::string& document, std::string& reason
             AddRatings({ratings.begin(), ratings.end()}, **static_cast<std::optional<SContent>*>(context));
         }};
     mpd.SetCallback(&callback);
-    {
-        const CRefusalListener listener;
-        mpd.Parse(document.data(), static_cast<unsigned>(document.size()), false);
-        reason = listener.Reason();
-    }
+    mpd.Parse(document.data(), static_cast<unsigned>(document.size()), false);
+    reason = Reason();
     mpd.Destroy();
     reason = content ? "" : reason.empty() ? "the library gave no reason" : reason;
     return content;

@@ -146,9 +146,8 @@ std::vector<SEnvelopeItem> ReadEnvelope(SBytes bytes, std::string& reason)
     }
     CXML xml;
     void* root = nullptr;
-    const CRefusalListener listener;
     if (envelope.size() > k_maxDocument || !xml.Create(envelope.data(), static_cast<int>(envelope.size()), false)) {
-        reason = envelope.size() > k_maxDocument ? "longer than 131,071 bytes" : listener.Reason();
+        reason = envelope.size() > k_maxDocument ? "longer than 131,071 bytes" : Reason();
         return items;
     }
     xml.MoveRoot(&root);

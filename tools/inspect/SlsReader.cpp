@@ -13,14 +13,14 @@ namespace vyr::inspect {
 
 namespace {
 
-/// What the library's log calls the document; empty: it is not parsed.
-const char* LogName(ESlsDocument kind)
+/// What the library calls the document; empty: it is not parsed.
+const char* LibraryName(ESlsDocument kind)
 {
-    constexpr const char* k_names[] = {"NEW USBD", "STSID", "EFDT", "MPD", "", "", "RSAT"};
+    constexpr const char* k_names[] = {"USBD", "STSID", "EFDT", "MPD", "", "", "RSAT"};
     return k_names[static_cast<std::size_t>(kind)];
 }
 
-std::string RefusalReason(const SSlsText& document, const CRefusalListener& listener)
+std::string RefusalReason(const SSlsText& document)
 {
     if (!document.ended) {
         return "its end tag is missing";
@@ -28,10 +28,12 @@ std::string RefusalReason(const SSlsText& document, const CRefusalListener& list
     if (!document.parsed) {
         return "longer than 131,071 bytes";
     }
-    if (document.kind == ESlsDocument::RSAT && listener.Reason("RSAT").find("root element") != std::string::npos) {
+    const char* name = LibraryName(document.kind);
+    const SFailure* failure = *name ? LastFailure(name) : nullptr;
+    if (failure && failure->cause == FAILURE_KIND && document.kind == ESlsDocument::RSAT) {
         return "its timestamp is missing";
     }
-    const std::string reason = listener.Reason(LogName(document.kind));
+    const std::string reason = failure ? Reason(name) : std::string();
     return reason.empty() ? "the library gave no reason" : reason;
 }
 
@@ -85,7 +87,6 @@ std::vector<SSlsDocument> CSlsReader::Read(SBytes text, const std::vector<SSlsTe
     }
     m_contents = {};
     m_usbdService.reset();
-    const CRefusalListener listener;
     m_manager->Parse(text.data, static_cast<unsigned>(text.size), &m_session, false);
     std::vector<SSlsDocument> read;
     for (const SSlsText& document : documents) {
@@ -105,7 +106,7 @@ std::vector<SSlsDocument> CSlsReader::Read(SBytes text, const std::vector<SSlsTe
         entry.size = document.bytes.size;
         entry.content = std::move(m_Content(document.kind));
         if (!entry.content) {
-            entry.reason = RefusalReason(document, listener);
+            entry.reason = RefusalReason(document);
         }
     }
     return read;

@@ -1,5 +1,6 @@
 #include "mmt/desc/MMTDescCri.h"
 
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 CMMTDescCri::CMMTDescCri() : m_clockRelationId(0), m_reserved(0), m_stcSample(0), m_ntpTimestampSample(0) {}
@@ -19,9 +20,8 @@ bool CMMTDescCri::Parse(SItem* item)
         return false;
     }
     if (t_length == 0 || t_length % k_unitSize != 0) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescCri::Parse] DescLength mismatch ERROR Length = %u", t_length);
         item->valid = false;
-        return false;
+        return VYR_FAIL(FAILURE_SIZE, "[CMMTDescCri::Parse] DescLength mismatch ERROR Length = %u", t_length);
     }
     // Required: a descriptor of several records is accepted, and its records are not read.
     if (t_length != k_unitSize) {

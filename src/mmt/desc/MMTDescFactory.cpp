@@ -15,6 +15,7 @@
 #include "mmt/desc/MMTDescSi.h"
 #include "mmt/desc/MMTDescSp.h"
 #include "mmt/desc/MMTDescVsp.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 namespace {
@@ -84,6 +85,7 @@ try {
         default:
             break;
     }
+    vyr::KeepUnknownTag(tag);
     if (tag >= 0x8000) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescFactory::GenerateDesc] Private Description TAG [%u]", tag);
     } else if (tag >= 6) {
@@ -105,10 +107,15 @@ bool CMMTDescFactory::ParseDescriptors(IParse::SItem* item, int length, CCPtrArr
             static_cast<int>(item->bitpos), static_cast<int>(end));
     while (item->bitpos < end) {
         std::unique_ptr<CMMTDesc> p_desc(CMMTDescFactory::GenerateDesc(item));
-        // Required: a tag without a class ends the loop; what follows it is not parsed.
-        if (!VYR_CHECK(p_desc, "p_desc = CMMTDescFactory::GenerateDesc(item)") ||
-            !VYR_CHECK(p_desc->Parse(item), "p_desc->Parse(item)") ||
-            !VYR_CHECK(array->Add(p_desc.get()), "array->Add(p_desc)")) {
+        // Required: a tag without a class ends the loop; what follows it is not parsed. No more than the loop
+        // fails by it.
+        if (!p_desc) {
+            return vyr::StepFailed(VYR_HERE, "p_desc = CMMTDescFactory::GenerateDesc(item)");
+        }
+        if (!p_desc->Parse(item)) {
+            return vyr::StepFailed(VYR_HERE, "p_desc->Parse(item)");
+        }
+        if (!VYR_CHECK(array->Add(p_desc.get()), "array->Add(p_desc)")) {
             return false;
         }
         p_desc.release();

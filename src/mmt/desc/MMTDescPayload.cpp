@@ -3,6 +3,7 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 #include "mmt/PayloadReader.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 CMMTDescPayload::CMMTDescPayload(const char* name, unsigned int tag) : m_name(name), m_wanted(tag) {}
@@ -29,8 +30,7 @@ try {
         return false;
     }
     if (vyr::BytesLeft(*item) < t_length) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[%s::Parse] DescLength mismatch ERROR Length = %u", m_name, t_length);
-        return false;
+        return VYR_FAIL(FAILURE_SIZE, "[%s::Parse] DescLength mismatch ERROR Length = %u", m_name, t_length);
     }
     vyr::CBytes raw;
     raw.Take(t_AllocAndCopy(item, t_length), t_length);

@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "mmt/Elements.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 CMMTMsg::CMMTMsg(EClassType classType) : m_classType(classType), m_id(0xFFFF), m_version(0), m_length(0) {}
@@ -16,6 +17,7 @@ unsigned short CMMTMsg::MessageId(const unsigned char* data)
 
 bool CMMTMsg::Parse(SItem* item)
 {
+    const vyr::CEntry entry;
     if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }
@@ -34,8 +36,7 @@ bool CMMTMsg::t_ParseHeader(SItem* item, unsigned int bits, const char* format)
         return false;
     }
     if (vyr::BytesLeft(*item) < m_length) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, format, item->size, m_length);
-        return false;
+        return VYR_FAIL(FAILURE_SIZE, format, item->size, m_length);
     }
     return true;
 }

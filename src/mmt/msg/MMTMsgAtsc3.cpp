@@ -10,6 +10,7 @@
 #include "mmt/MMTBytes.h"
 #include "mmt/desc/MMTUsbd.h"
 #include "mmt/table/MMTTblSi.h"
+#include "platform/FailureKeeping.h"
 
 struct CMMTMsgAtsc3::SState {
     unsigned short serviceId = 0;
@@ -80,6 +81,7 @@ CMMTMsgAtsc3::~CMMTMsgAtsc3()
 
 bool CMMTMsgAtsc3::Parse(SItem* item)
 try {
+    const vyr::CEntry entry;
     if (!m_Create() || !t_ParseHeader(item, 32, "[CMMTMsgAtsc3::Parse] Item size ERROR len[%u], length[%u]")) {
         return false;
     }
@@ -106,8 +108,7 @@ try {
 bool CMMTMsgAtsc3::m_ParseCompressed(SItem* item)
 {
     if (m->contentLength < 2 || m->contentLength > k_maxContent) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "Prepare uncompress Fail length[%d]", static_cast<int>(m->contentLength));
-        return false;
+        return VYR_FAIL(FAILURE_SIZE, "Prepare uncompress Fail length[%d]", static_cast<int>(m->contentLength));
     }
     const unsigned int size = std::min(m->contentLength, vyr::BytesLeft(*item));
     const unsigned char* compressed = item->buffer + item->bitpos / 8;
@@ -171,7 +172,7 @@ bool CMMTMsgAtsc3::m_CopyContent(SItem* item, bool evenEmpty)
     if (m->contentLength > 0 || evenEmpty) {
         m->content.reset(t_AllocAndCopy(item, m->contentLength));
         if (!m->content) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Parse] content is not whole length[%u]", m->contentLength);
+            VYR_FAIL(FAILURE_SIZE, "[CMMTMsgAtsc3::Parse] content is not whole length[%u]", m->contentLength);
         }
     }
     return m->content != nullptr;

@@ -8,6 +8,7 @@
 #include "mmt/IdentifierUnit/IdentifierUnit0.h"
 #include "mmt/element/MMTElementIdentifierMapping.h"
 #include "mmt/element/MMTElementLocation.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 CMMTTbl::CMMTTbl(unsigned int classType) : m_tableId(0xFF), m_version(0), m_length(0), m_classType(classType) {}
@@ -34,8 +35,7 @@ bool CMMTTbl::t_ParseHeader(SItem* item, const char* error)
         return false;
     }
     if (vyr::BytesLeft(*item) < m_length) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "%s", error);
-        return false;
+        return VYR_FAIL(FAILURE_SIZE, "%s", error);
     }
     return true;
 }

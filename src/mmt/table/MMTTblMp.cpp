@@ -2,6 +2,7 @@
 
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
+#include "platform/FailureKeeping.h"
 
 CMMTTblMp::CMMTTblMp()
     : CMMTTbl(CLASS_TYPE_MP),
@@ -22,8 +23,7 @@ try {
     }
     const unsigned char id = TableId();
     if (id < 0x11 || id > 0x20) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] Table ID ERROR ID=%x", id);
-        return false;
+        return VYR_FAIL(FAILURE_KIND, "[CMMTTblMp::Parse] Table ID ERROR ID=%x", id);
     }
     m_reserved = static_cast<unsigned char>(t_Value(item, 6));
     m_mode = static_cast<unsigned char>(t_Value(item, 2));

@@ -2,6 +2,7 @@
 
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
+#include "platform/FailureKeeping.h"
 
 CMMTTblMpi::CMMTTblMpi()
     : CMMTTbl(CLASS_TYPE_MPI),
@@ -22,8 +23,7 @@ try {
     }
     const unsigned char id = TableId();
     if (id < 0x01 || id > 0x10) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMpi::Parse] Table ID ERROR ID=%x", id);
-        return false;
+        return VYR_FAIL(FAILURE_KIND, "[CMMTTblMpi::Parse] Table ID ERROR ID=%x", id);
     }
     m_reservedBeforeMode = static_cast<unsigned char>(t_Value(item, 4));
     m_piMode = static_cast<unsigned char>(t_Value(item, 2));

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/Failure.h"
+
+namespace vyr {
+
+struct SHere;
+
+/// A call from outside, for its life: the outermost of a thread forgets what failed in the one before. Every public
+/// entry that LastFailure speaks of has one.
+class CEntry {
+  public:
+    CEntry();
+    ~CEntry();
+    CEntry(const CEntry&) = delete;
+    CEntry& operator=(const CEntry&) = delete;
+};
+
+/// What fails from now on, for its life, belongs to a document of a package.
+class CDocumentOfPackage {
+  public:
+    explicit CDocumentOfPackage(const char* name);
+    ~CDocumentOfPackage();
+    CDocumentOfPackage(const CDocumentOfPackage&) = delete;
+    CDocumentOfPackage& operator=(const CDocumentOfPackage&) = delete;
+};
+
+/// Keeps a cause, and logs it at debug priority; false.
+bool Fail(EFailure cause, const SHere& here, const char* format, ...) __attribute__((format(printf, 3, 4)));
+/// Keeps a cause in words that are not logged here.
+void KeepFailure(EFailure cause, const char* detail = "", int documentLine = 0);
+/// Keeps the step that failed.
+void KeepStep(const SHere& here, const char* text);
+/// Keeps the tag of a descriptor that has no class.
+void KeepUnknownTag(unsigned tag);
+
+}  // namespace vyr
+
+#define VYR_FAIL(cause, ...) ::vyr::Fail(cause, VYR_HERE, __VA_ARGS__)

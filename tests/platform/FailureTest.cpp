@@ -1,0 +1,143 @@
+#include "platform/Failure.h"
+
+#include <functional>
+
+#include "common/RSAT.h"
+#include "esg/ESGServiceFragment.h"
+#include "lls/LLSSMTParser.h"
+#include "lls/ParseSystemTime.h"
+#include "mmt/msg/MMTMsgAtsc3.h"
+#include "mmt/msg/MMTMsgPa.h"
+#include "route/SLS/EFDT.h"
+#include "route/SLSManager.h"
+#include "support/MmtBuilder.h"
+#include "support/Seed.h"
+
+namespace {
+
+using FailureTest = CRecorder;
+
+/// "cause: detail (line) | step at source", the parts that there are; empty: nothing failed.
+std::string Told(const char* document = "")
+{
+    const SFailure* failure = LastFailure(document);
+    if (!failure) {
+        return "";
+    }
+    constexpr const char* k_causes[] = {"none", "misuse", "memory", "size", "xml", "limit", "kind"};
+    std::string text = k_causes[failure->cause];
+    text += *failure->detail ? ": " + std::string(failure->detail) : "";
+    text += failure->documentLine > 0 ? " (" + std::to_string(failure->documentLine) + ")" : "";
+    EXPECT_EQ(*failure->step != 0, failure->line > 0);
+    return text + (*failure->step ? " | " + std::string(failure->step) + " at " + failure->source : "");
+}
+
+TEST_F(FailureTest, WhatFailedFirstAndWhy)
+{
+    CRSAT rsat;
+    CESGServiceFragment service;
+    CParseSystemTime time;
+    CMMTMsgPa pa;
+    CMMTMsgAtsc3 atsc;
+    CLLSSMTParser signedTable;
+    ASSERT_TRUE(rsat.Create() && service.Create() && time.Create(1) && signedTable.Create());
+    const auto xml = [&rsat](const std::string& text) {
+        rsat.Parse(text.data(), static_cast<unsigned int>(text.size()), true);
+    };
+    unsigned char version = 0;
+    const auto table = [&](const std::string& text) {
+        SFed(time, std::string("\3\1\0", 3) + static_cast<char>(++version) + text);
+    };
+    std::string rich = "<RSAT";
+    for (int i = 0; i < 1025; ++i) {
+        rich += " a" + std::to_string(i) + "=''";
+    }
+    const std::string create = " | m->pdoc = xmlParseMemory((const char*)buf, size) at src/common/XML";
+    const struct {
+        const char* name;
+        std::function<void()> call;
+        std::string told;
+    } k_cases[] = {
+        {"taken", [&] { xml("<RSAT timestamp='1'/>"); }, ""},
+        {"not well-formed", [&] { xml("<RSAT>\n<a>\n</b></RSAT>"); },
+         "xml: Opening and ending tag mismatch: a line 2 and b (3)" + create},
+        {"a fault of a document that is taken, but for its root", [&] { xml("<p:RSAT/>"); },
+         "kind | m_ProcessParse(root) at src/common/ParseXML"},
+        {"taken again", [&] { xml("<RSAT timestamp='1'/>"); }, ""},
+        {"beyond a limit", [&] { xml(rich + "/>"); }, "limit: more than 1024 attributes" + create},
+        {"refused by the scan", [&] { xml("<!DOCTYPE a [<!x>]><a/>"); }, "xml: not well-formed" + create},
+        {"gzip too long", [&] { xml(std::string(524289, ' ')); },
+         "size: XML Create Fail. File size is too big. length[524289] | t_xml.Create(buffer, length, compressed) at "
+         "src/common/ParseXML"},
+        {"misuse", [&] { rsat.Parse(nullptr, 0); }, "misuse: buffer"},
+        {"table of another kind", [&] { table("<RSAT/>"); },
+         "kind | m_ProcessParseSystemTime(root) at src/lls/ParseSystemTime"},
+        {"table", [&] { table("<SystemTime currentUtcOffset='37'/>"); }, ""},
+        {"fragment", [&] { service.Parse("<Content id='1'/>", 17); },
+         "kind | m_ProcessParseServiceFragment(root) at src/esg/ESGServiceFragment"},
+        {"message too short", [&] { SFed(pa, CMmtBuilder().Put(16, 0).Put(8, 1).Put(32, 9).Put(8, 0).Bytes()); },
+         "size: [CMMTMsgPa::Parse] Item size ERROR len[8], length[9]"},
+        {"table of a message",
+         [&] { SFed(pa, CMmtBuilder().Put(16, 0).Put(8, 1).Put(32, 9).Put(8, 1).Put(32, 0).Put(32, 9).Bytes()); }, ""},
+    };
+    for (const auto priority : {LOG_PRIORITY_DEBUG, LOG_PRIORITY_INFO}) {
+        SetLogPriority(priority);
+        for (const auto& trial : k_cases) {
+            trial.call();
+            EXPECT_EQ(Told(), trial.told) << trial.name;
+            TakeAssertions();
+        }
+    }
+    rsat.Destroy();
+    service.Destroy();
+    time.Destroy();
+    signedTable.Destroy();
+}
+
+TEST_F(FailureTest, EachDocumentOfAPackage)
+{
+    CSLSManager manager;
+    const CSLSManager::SCallback callback{};
+    const CSLSManager::SSessionInfo session{};
+    ASSERT_TRUE(manager.Create(&callback));
+    const auto parse = [&](const std::string& text) {
+        manager.Parse(reinterpret_cast<const unsigned char*>(text.data()), static_cast<unsigned int>(text.size()),
+                      &session, false);
+    };
+    parse("<S-TSID><RS></S-TSID> <RSAT></RSAT> <MPD></MPD> ");
+    EXPECT_EQ(Told("STSID").substr(0, 35), "xml: Opening and ending tag mismatc");
+    EXPECT_EQ(Told("RSAT").substr(0, 7), "kind | ");
+    for (const char* document : {"", "USBD", "EFDT", "MPD", "another"}) {
+        EXPECT_EQ(Told(document), "") << document;
+    }
+    EXPECT_EQ(LastFailure(nullptr), nullptr);
+    parse("<S-TSID></S-TSID> ");
+    EXPECT_EQ(Told("STSID") + Told("RSAT"), "");
+    manager.Destroy();
+}
+
+TEST_F(FailureTest, TagsWithoutAClass)
+{
+    CMmtBuilder b;
+    b.Put(16, 0x8100)
+        .Put(8, 3)
+        .Open(32)
+        .Put(16, 1)
+        .Put(16, CMMTMsgAtsc3::CONTENT_TYPE_ASP)
+        .Put(8, 1)
+        .Put(8, 1)
+        .Put(8, 0);
+    b.Open(32).Put(16, 0x8001).Put(16, 1).Put(8, 0).Close().Close();
+    CMMTMsgAtsc3 message;
+    EXPECT_TRUE(SFed(message, b.Bytes()).result);
+    const SFailure* failure = LastFailure();
+    ASSERT_TRUE(failure && failure->tags == 1);
+    EXPECT_EQ(failure->unknownTags[0], 0x8001U);
+    EXPECT_EQ(Told(), "none");
+    CEFDT efdt;
+    ASSERT_TRUE(efdt.Create() && efdt.Parse("<EFDT/>", 7));
+    EXPECT_EQ(LastFailure(), nullptr);
+    efdt.Destroy();
+}
+
+}  // namespace
