@@ -1,4 +1,4 @@
-#include "common/XmlScan.h"
+#include "common/xml/Refusal.h"
 
 #include <strings.h>
 
@@ -13,7 +13,10 @@
 #include <unordered_map>
 #include <unordered_set>
 
-namespace vyr {
+#include "common/xml/Decode.h"
+#include "common/xml/Expansion.h"
+
+namespace vyr::xml {
 namespace {
 
 constexpr std::size_t k_maxAttributes = 1024;
@@ -27,7 +30,6 @@ constexpr std::size_t k_maxCatalogs = 1024;
 constexpr std::size_t k_maxEnumerated = 1024;
 constexpr std::size_t k_maxDefaults = 1024;
 constexpr std::uint64_t k_maxDefaulting = 4u << 20;
-constexpr std::size_t k_maxExpansion = 524288;
 constexpr int k_maxNesting = 64;
 
 // Shorter than this nothing can be too much: 257 times "<a xmlns=''/>" without what goes between them,
@@ -908,4 +910,4 @@ const char* RefusalOf(const char* data, std::size_t size, bool* plain)
     return reason;
 }
 
-}  // namespace vyr
+}  // namespace vyr::xml
