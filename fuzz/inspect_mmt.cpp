@@ -23,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         follower.Take({}, message, {"fuzz", 0, {}});
         follower.Take({}, message, {"fuzz", 0, {}});
         const SSummary& summary = reports.Finish();
-        Require(summary.messages[0] == summary.messages[static_cast<std::size_t>(EStatus::REPEATED)]);
+        Require(summary.messages.byStatus[0] == summary.messages.byStatus[static_cast<std::size_t>(EStatus::REPEATED)]);
         return 0;
     }
     const std::vector<SService> services = {{1, 2, {k_address, 1, 0}}, {2, 2, {k_address, 2, 0}}, {3, 2, {}}};

@@ -50,9 +50,11 @@ class CGuideSessions::CStream {
     std::size_t Open() const { return m_assembler.Open().size(); }
     void Count(SGuideCounts& counts) const
     {
-        counts.sessions += followed ? 1 : 0;
-        counts.packets += m_packets;
-        counts.assembled += m_assembler.Counts();
+        SGuideCounts own;
+        own.sessions = followed ? 1 : 0;
+        own.packets = m_packets;
+        own.objects = m_assembler.Counts();
+        AddCounts(counts, own);
     }
     void SetFiles(const SEFDTInfo* efdt)
     {
@@ -259,7 +261,7 @@ std::string CGuideSessions::m_Missing(const SOwner& owner) const
     if (counts.packets == 0) {
         return "no packets of the " + sessions + " that its S-TSID names";
     }
-    return Counted(counts.assembled.complete, "object") + " of " + sessions + " hold nothing of it" +
+    return Counted(counts.objects.complete, "object") + " of " + sessions + " hold nothing of it" +
            (open != 0 ? ", " + std::to_string(open) + " incomplete" : "");
 }
 

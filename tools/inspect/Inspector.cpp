@@ -176,7 +176,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
     });
     const auto finish = [&] {
         decoder.Finish();
-        m_report.Summary().packets += decoder.Counts();
+        AddCounts(m_report.Summary().packets, decoder.Counts());
         for (const auto& [stream, follower] : followers) {
             m_report.Summary().llsDatagrams += follower->Tables();
             m_Finish(*follower);

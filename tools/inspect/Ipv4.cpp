@@ -15,19 +15,6 @@ constexpr std::size_t k_block = 8;
 
 }  // namespace
 
-SPacketCounts& SPacketCounts::operator+=(const SPacketCounts& other)
-{
-    packets += other.packets;
-    cut += other.cut;
-    otherProtocol += other.otherProtocol;
-    otherLinkPackets += other.otherLinkPackets;
-    malformed += other.malformed;
-    fragments += other.fragments;
-    datagrams += other.datagrams;
-    incompleteDatagrams += other.incompleteDatagrams;
-    return *this;
-}
-
 CIpv4Decoder::CIpv4Decoder(SPacketCounts& counts, std::function<void(const SDatagram&)> sink)
     : m_counts(counts), m_sink(std::move(sink))
 {

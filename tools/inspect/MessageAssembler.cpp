@@ -13,15 +13,6 @@ constexpr unsigned k_last = 3;
 
 }  // namespace
 
-SMessageCounts& SMessageCounts::operator+=(const SMessageCounts& other)
-{
-    complete += other.complete;
-    lost += other.lost;
-    dropped += other.dropped;
-    repeated += other.repeated;
-    return *this;
-}
-
 CMessageAssembler::CMessageAssembler(CAssemblyMemory& memory, TSink sink)
     : m_sink(std::move(sink)), m_objects(memory, [this](const TToi& toi, SBytes message) {
           ++m_counts.complete;

@@ -10,16 +10,6 @@
 
 namespace vyr::inspect {
 
-/// What became of the messages of a session.
-struct SMessageCounts {
-    std::uint64_t complete = 0;  ///< repeats included
-    std::uint64_t lost = 0;      ///< of which fragments are missing
-    std::uint64_t dropped = 0;   ///< for want of memory, or larger than the tool takes
-    std::uint64_t repeated = 0;  ///< packets that came before
-
-    SMessageCounts& operator+=(const SMessageCounts& other);
-};
-
 /// Takes the signalling messages out of the MMTP packets of a session: whole ones, several in a packet, and
 /// fragments of one in consecutive packets of a packet id, in bounded memory.
 class CMessageAssembler {

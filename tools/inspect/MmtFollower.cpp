@@ -63,7 +63,7 @@ void CMmtSession::Count(SSummary& summary) const
 {
     SMmtpCounts counts = m_counts;
     counts.messages = m_assembler.Counts();
-    summary.mmtp += counts;
+    AddCounts(summary.mmtp, counts);
 }
 
 std::string CMmtSession::Missing() const

@@ -6,14 +6,6 @@
 
 namespace vyr::inspect {
 
-SObjectCounts& SObjectCounts::operator+=(const SObjectCounts& other)
-{
-    complete += other.complete;
-    dropped += other.dropped;
-    tooLarge += other.tooLarge;
-    return *this;
-}
-
 CObjectAssembler::CObjectAssembler(CAssemblyMemory& memory, std::function<void(const TToi&, SBytes)> sink)
     : m_memory(memory), m_sink(std::move(sink))
 {

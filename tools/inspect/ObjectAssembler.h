@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "Counts.h"
 #include "Lct.h"
 
 namespace vyr::inspect {
@@ -24,15 +25,6 @@ class CAssemblyMemory {
     std::size_t m_held = 0;
     std::uint64_t m_next = 0;
     std::map<std::uint64_t, CObjectAssembler*> m_open;  ///< by when they were begun
-};
-
-/// What became of the objects of a session.
-struct SObjectCounts {
-    std::uint64_t complete = 0;  ///< repeats included
-    std::uint64_t dropped = 0;   ///< for want of memory, or because another object took their TOI
-    std::uint64_t tooLarge = 0;  ///< packets of objects, or beyond the end of objects, that are not taken
-
-    SObjectCounts& operator+=(const SObjectCounts& other);
 };
 
 /// Puts the objects of one transport session together, in bounded memory, whatever order their bytes

@@ -117,7 +117,7 @@ void CRouteSession::Count(SSummary& summary) const
     for (const CObjectAssembler::SIncomplete& open : m_assembler.Open()) {
         counts.incomplete += m_follower.Has(open.toi, open.length) ? 0 : 1;
     }
-    summary.route += counts;
+    AddCounts(summary.route, counts);
 }
 
 std::string CRouteSession::Missing() const
