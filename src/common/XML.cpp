@@ -8,11 +8,8 @@
 #include "common/Inflate.h"
 #include "common/OutOfMemory.h"
 #include "common/XmlNode.h"
-#include "common/xml/Document.h"
-#include "common/xml/Dump.h"
-#include "common/xml/Expansion.h"
-#include "common/xml/Node.h"
 #include "common/xml/Refusal.h"
+#include "common/xml/Xml.h"
 #include "platform/Log.h"
 
 using vyr::CNodeText;

@@ -1,14 +1,15 @@
-#include "common/xml/Document.h"
+#include "common/xml/Xml.h"
 
 #include <libxml/parserInternals.h>
 #include <libxml/xmlerror.h>
 
+#include <climits>
 #include <cstring>
 #include <new>
 #include <utility>
 
 #include "common/OutOfMemory.h"
-#include "common/xml/Errors.h"
+#include "common/XML.h"
 #include "common/xml/LibXml.h"
 #include "common/xml/SpareNodes.h"
 
@@ -80,8 +81,9 @@ TDocument ParseInPlace(xmlParserCtxtPtr context, const char* text, std::size_t s
         xmlFreeInputStream(input);
         return nullptr;
     }
-    const CNodeLoan loan(context);
+    LendNodes(context);
     xmlParseDocument(context);
+    TakeBackNodes(context);
     TDocument doc(std::exchange(context->myDoc, nullptr));
     if (!context->wellFormed) {
         doc = nullptr;
@@ -102,6 +104,21 @@ TDocument Whole(xmlParserCtxtPtr context, TDocument doc)
 }
 
 }  // namespace
+
+CErrorsToLog::CErrorsToLog()
+{
+    // The start of libxml2 is nothing for two threads at a time, and comes before its globals are looked at.
+    static const bool s_started = (xmlInitParser(), true);
+    static_cast<void>(s_started);
+    m_handler = xmlGenericError;
+    m_context = xmlGenericErrorContext;
+    xmlSetGenericErrorFunc(nullptr, XmlError);
+}
+
+CErrorsToLog::~CErrorsToLog()
+{
+    xmlSetGenericErrorFunc(m_context, m_handler);
+}
 
 void SFreeDocument::operator()(void* document) const
 {
@@ -139,6 +156,33 @@ TDocument ParseFile(const char* name)
     const CErrorsToLog errors;
     const TContext context = NewContext();
     return Whole(context.get(), TDocument(xmlCtxtReadFile(context.get(), name, nullptr, XML_PARSE_COMPACT)));
+}
+
+bool DecodeXml(const char* encoding, const char* data, std::size_t size, std::string* out)
+{
+    const CErrorsToLog errors;
+    xmlCharEncodingHandlerPtr decoder = xmlFindCharEncodingHandler(encoding);
+    if (!decoder) {
+        return false;
+    }
+    // It may do less than everything at a time, and stops for good before what it cannot decode.
+    // A copy: for its message it reads four bytes from the wrong one on.
+    const xmlBufferPtr text = xmlBufferCreate();
+    const xmlBufferPtr rest = xmlBufferCreateSize(size + 4);
+    if (rest) {
+        xmlBufferAdd(rest, reinterpret_cast<const xmlChar*>(data), static_cast<int>(size));
+    }
+    for (int before = INT_MAX; text && rest && xmlBufferLength(rest) > 0 && xmlBufferLength(rest) < before;) {
+        before = xmlBufferLength(rest);
+        xmlCharEncInFunc(decoder, text, rest);
+    }
+    if (text && xmlBufferContent(text)) {
+        out->assign(AsText(xmlBufferContent(text)), static_cast<std::size_t>(xmlBufferLength(text)));
+    }
+    xmlBufferFree(text);
+    xmlBufferFree(rest);
+    xmlCharEncCloseFunc(decoder);
+    return true;
 }
 
 }  // namespace vyr::xml

@@ -1,5 +1,3 @@
-#include "common/xml/Dump.h"
-
 #include <libxml/parserInternals.h>
 #include <libxml/xmlIO.h>
 
@@ -7,8 +5,8 @@
 #include <cstring>
 #include <new>
 
-#include "common/xml/Errors.h"
 #include "common/xml/LibXml.h"
+#include "common/xml/Xml.h"
 
 namespace vyr::xml {
 

@@ -1,9 +1,8 @@
-#include "common/xml/Expansion.h"
-
 #include <cstring>
 #include <unordered_map>
 
 #include "common/xml/LibXml.h"
+#include "common/xml/Xml.h"
 
 namespace vyr::xml {
 

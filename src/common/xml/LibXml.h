@@ -30,4 +30,17 @@ inline const char* AsText(const xmlChar* text)
     return reinterpret_cast<const char*>(text);
 }
 
+/// While it lives libxml2 reports the calling thread's errors to XmlError; afterwards to whom it did before.
+class CErrorsToLog {
+  public:
+    CErrorsToLog();
+    ~CErrorsToLog();
+    CErrorsToLog(const CErrorsToLog&) = delete;
+    CErrorsToLog& operator=(const CErrorsToLog&) = delete;
+
+  private:
+    xmlGenericErrorFunc m_handler;
+    void* m_context;
+};
+
 }  // namespace vyr::xml

@@ -1,11 +1,10 @@
-#include "common/xml/Node.h"
-
 #include <cstdlib>
 #include <cstring>
 
 #include "common/OutOfMemory.h"
 #include "common/XmlNode.h"
 #include "common/xml/LibXml.h"
+#include "common/xml/Xml.h"
 
 namespace vyr {
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
@@ -13,8 +12,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "common/xml/Decode.h"
-#include "common/xml/Expansion.h"
+#include "common/SeededHash.h"
+#include "common/xml/Xml.h"
 
 namespace vyr::xml {
 namespace {
@@ -54,20 +53,8 @@ constexpr char k_malformed[] = "not well-formed";
 
 using TText = std::string_view;
 
-/// Hash that cannot be foreseen, so that nobody makes names that share one.
 struct SNameHash {
-    std::size_t operator()(TText name) const
-    {
-        static const std::uint64_t s_seed =
-            static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()) *
-                0x9E3779B97F4A7C15u ^
-            reinterpret_cast<std::uintptr_t>(&s_seed);
-        std::uint64_t hash = s_seed;
-        for (const char c : name) {
-            hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3u;
-        }
-        return static_cast<std::size_t>(hash ^ hash >> 32);
-    }
+    std::size_t operator()(TText name) const { return CSeededHash().Add(name).Value(); }
 };
 
 bool IsBlank(char c)

@@ -27,6 +27,8 @@
 
 namespace vyr::xml {
 
+namespace {
+
 class CSpareNodes {
   public:
     /// The calling thread's nodes. Null when none can be kept, when it has none and none are to be made, when memory
@@ -208,17 +210,19 @@ class CSpareNodes {
     SList<xmlAttr> m_attributes;
 };
 
-CNodeLoan::CNodeLoan(xmlParserCtxtPtr context) : m_context(context), m_spare(CSpareNodes::Mine(true))
+}  // namespace
+
+void LendNodes(xmlParserCtxtPtr context)
 {
-    if (m_spare) {
-        m_spare->Lend(m_context);
+    if (CSpareNodes* spare = CSpareNodes::Mine(true)) {
+        spare->Lend(context);
     }
 }
 
-CNodeLoan::~CNodeLoan()
+void TakeBackNodes(xmlParserCtxtPtr context)
 {
-    if (m_spare) {
-        m_spare->TakeBack(m_context);
+    if (CSpareNodes* spare = CSpareNodes::Mine(false)) {
+        spare->TakeBack(context);
     }
 }
 
@@ -238,10 +242,8 @@ void KeepNodes(xmlDocPtr doc)
 
 namespace vyr::xml {
 
-CNodeLoan::CNodeLoan(xmlParserCtxtPtr context) : m_context(context), m_spare(nullptr) {}
-
-CNodeLoan::~CNodeLoan() = default;
-
+void LendNodes(xmlParserCtxtPtr /*context*/) {}
+void TakeBackNodes(xmlParserCtxtPtr /*context*/) {}
 void KeepNodes(xmlDocPtr /*doc*/) {}
 
 }  // namespace vyr::xml

@@ -10,21 +10,10 @@
 
 namespace vyr::xml {
 
-class CSpareNodes;
-
-/// Lends the thread's nodes to a context, and takes back what is left.
-class CNodeLoan {
-  public:
-    explicit CNodeLoan(xmlParserCtxtPtr context);
-    ~CNodeLoan();
-    CNodeLoan(const CNodeLoan&) = delete;
-    CNodeLoan& operator=(const CNodeLoan&) = delete;
-
-  private:
-    [[maybe_unused]] xmlParserCtxtPtr m_context;
-    [[maybe_unused]] CSpareNodes* m_spare;
-};
-
+/// Lends the thread's nodes to a context, which frees what it is not relieved of.
+void LendNodes(xmlParserCtxtPtr context);
+/// Takes back what is left.
+void TakeBackNodes(xmlParserCtxtPtr context);
 /// Takes the nodes out of a document that is about to be freed. Allocates nothing.
 void KeepNodes(xmlDocPtr doc);
 
