@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "Elements.h"
 #include "Lct.h"
+#include "PtrArrays.h"
 #include "Text.h"
 #include "route/SLS/EFDT.h"
 #include "route/SLS/RS.h"
@@ -26,7 +26,7 @@ class CGuideSessions::CStream {
           m_tsi(tsi),
           m_sessions(sessions),
           m_owner(owner),
-          m_assembler(sessions.m_memory, [this](const TToi& toi, SBytes object) { m_Object(toi, object); })
+          m_assembler(sessions.m_memory, [this](const TToi& toi, SView object) { m_Object(toi, object); })
     {
         m_name = EndpointText(session.destination, session.port);
     }
@@ -75,7 +75,7 @@ class CGuideSessions::CStream {
     bool followed = false;
 
   private:
-    void m_Object(const TToi& toi, SBytes object)
+    void m_Object(const TToi& toi, SView object)
     {
         SGuidePlace place = {m_name, m_tsi, toi, {}, {}, m_owner.services};
         const auto file = toi.first == 0 ? files.find(toi.second) : files.end();

@@ -36,7 +36,7 @@ std::string ZoneText(int seconds)
 
 /// Gives the table to a fresh parser; false, with the reason, when it does not parse.
 template <class TTable>
-bool Feed(TTable& parser, SBytes bytes, std::string& reason)
+bool Feed(TTable& parser, SView bytes, std::string& reason)
 {
     IParse::SItem item = {bytes.data, static_cast<unsigned>(bytes.size), static_cast<unsigned>(bytes.size) * 8, 0,
                           true};
@@ -306,7 +306,7 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
 
 /// Splits the multi-table; its tables go on to their own parsers, each behind a header made of what the
 /// multi-table says of it.
-void ReadMultiTable(const SLlsHeader& header, SBytes bytes, STableOutcome& outcome)
+void ReadMultiTable(const SLlsHeader& header, SView bytes, STableOutcome& outcome)
 {
     CLLSSMTParser parser;
     parser.Create();
@@ -360,7 +360,7 @@ void ReadMultiTable(const SLlsHeader& header, SBytes bytes, STableOutcome& outco
 
 /// Gives the table to a fresh parser, and what it holds to `TRead`.
 template <class TParser, auto TRead>
-void Read(const SLlsHeader& header, SBytes bytes, STableOutcome& outcome)
+void Read(const SLlsHeader& header, SView bytes, STableOutcome& outcome)
 {
     TParser parser;
     if constexpr (std::is_same_v<TParser, CParseSystemTime>) {
@@ -383,7 +383,7 @@ void Read(const SLlsHeader& header, SBytes bytes, STableOutcome& outcome)
 struct STableKind {
     unsigned id;
     const char* name;
-    void (*read)(const SLlsHeader& header, SBytes bytes, STableOutcome& outcome);  ///< null: not here
+    void (*read)(const SLlsHeader& header, SView bytes, STableOutcome& outcome);  ///< null: not here
 };
 
 constexpr STableKind k_tables[] = {{1, "SLT", nullptr},
@@ -416,7 +416,7 @@ bool HasParser(unsigned tableId)
     return kind && kind->read;
 }
 
-STableOutcome ParseTable(const SLlsHeader& header, SBytes bytes)
+STableOutcome ParseTable(const SLlsHeader& header, SView bytes)
 {
     STableOutcome outcome;
     Find(header.tableId)->read(header, bytes, outcome);

@@ -21,6 +21,6 @@ const char* TableName(unsigned tableId);
 /// Whether ParseTable knows the table id.
 bool HasParser(unsigned tableId);
 /// Hands a whole LLS table that has a parser, header included, to it and reads what it found.
-STableOutcome ParseTable(const SLlsHeader& header, SBytes bytes);
+STableOutcome ParseTable(const SLlsHeader& header, SView bytes);
 
 }  // namespace vyr::inspect

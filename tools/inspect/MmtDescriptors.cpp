@@ -6,15 +6,7 @@
 
 #include "MmtContent.h"
 #include "Text.h"
-#include "mmt/desc/MMTDescAsp.h"
-#include "mmt/desc/MMTDescCaption.h"
-#include "mmt/desc/MMTDescCri.h"
-#include "mmt/desc/MMTDescDependency.h"
-#include "mmt/desc/MMTDescLowDelay.h"
-#include "mmt/desc/MMTDescMpuTimestamp.h"
-#include "mmt/desc/MMTDescSi.h"
-#include "mmt/desc/MMTDescSp.h"
-#include "mmt/desc/MMTDescVsp.h"
+#include "mmt/desc/MMTDescs.h"
 
 namespace vyr::inspect {
 
@@ -23,7 +15,7 @@ namespace {
 constexpr char k_tag[] = "descriptor_tag";
 constexpr char k_payload[] = "payload";
 
-SBytes BytesOf(std::string_view bytes)
+SView BytesOf(std::string_view bytes)
 {
     return {reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()};
 }

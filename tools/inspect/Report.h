@@ -59,7 +59,7 @@ struct STable {
     std::string stream;  ///< "224.0.23.60:4937"; empty for a raw file
     SLlsHeader header;
     EStatus status = EStatus::NEW;
-    SBytes payload;  ///< behind the header, good during the report only
+    SView payload;  ///< behind the header, good during the report only
     const char* encoding = "";
     std::optional<double> interval;  ///< seconds since the same table came last
     bool parserExists = false;
@@ -117,7 +117,7 @@ struct SMessage {
     unsigned id = 0;
     unsigned version = 0;
     EStatus status = EStatus::NEW;
-    SBytes payload;  ///< behind the header, good during the report only
+    SView payload;  ///< behind the header, good during the report only
     bool supported = false;
     std::optional<SContent> content;  ///< when it parsed
 };
