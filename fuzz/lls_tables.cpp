@@ -14,6 +14,12 @@
 
 namespace {
 
+/// Of a class whose getters promise nothing in particular.
+template <class TTable>
+void Read(const TTable& /*parser*/)
+{
+}
+
 void Read(const CParseSystemTime& time)
 {
     const CParseSystemTime::SSystemTime& t = *time.State();
