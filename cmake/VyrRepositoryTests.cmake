@@ -1,4 +1,4 @@
-# Tests of the repository itself: headers, exported symbols, the installed tree.
+# Tests of the repository itself: headers, includes, exported symbols, the installed tree.
 
 file(GLOB_RECURSE headers RELATIVE ${PROJECT_SOURCE_DIR}/inc CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/inc/*.h)
 set(header_sources)
@@ -13,6 +13,7 @@ target_include_directories(vyr-headers-alone PRIVATE ${PROJECT_SOURCE_DIR}/inc)
 target_compile_definitions(vyr-headers-alone PRIVATE ${vyr_standard_library})
 vyr_warnings(vyr-headers-alone)
 
+add_test(NAME includes COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-includes)
 if(NOT VYR_SANITIZE AND vyr_library_type STREQUAL "SHARED")
   add_test(NAME exported-symbols
     COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-symbols $<TARGET_FILE:vyr-atsc30-parser>)

@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } else {
         ForEachPacket(rest, [&](unsigned pick, const std::vector<unsigned char>& object) {
             if (pick & 0x80) {
-                SService service;
+                SListedService service;
                 service.serviceId = pick;
                 service.globalServiceId.assign(object.begin(), object.end());
                 guide.Announce({{1, 1}, 0}, {service});

@@ -16,24 +16,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CFuzzReport reports((options & 1) != 0);
     const std::vector<unsigned char> rest = script.Rest();
     if (options & 2) {
-        const SBytes message = {rest.data(), rest.size()};
+        const SView message = {rest.data(), rest.size()};
         const SFollowed followed;
         CMessageFollower follower(followed, reports.Report());
         IsMessageFile(message);
         follower.Take({}, message, {"fuzz", 0, {}});
         follower.Take({}, message, {"fuzz", 0, {}});
         const SSummary& summary = reports.Finish();
-        Require(summary.messages[0] == summary.messages[static_cast<std::size_t>(EStatus::REPEATED)]);
+        Require(summary.messages.byStatus[0] == summary.messages.byStatus[static_cast<std::size_t>(EStatus::REPEATED)]);
         return 0;
     }
-    const std::vector<SService> services = {{1, 2, {k_address, 1, 0}}, {2, 2, {k_address, 2, 0}}, {3, 2, {}}};
+    const std::vector<SListedService> services = {{1, 2, {k_address, 1, 0}}, {2, 2, {k_address, 2, 0}}, {3, 2, {}}};
     const auto follower = FollowMmtp({{k_address, 0}}, reports.Report());
     const CSessionFollower::TGroup group = {{1, 1}, 0};
     follower->Announce(group, services);
     std::uint64_t packets = 0;
     ForEachPacket(rest, [&](unsigned pick, const std::vector<unsigned char>& payload) {
         if (pick & 0x80) {
-            follower->Announce(group, pick & 0x40 ? services : std::vector<SService>());
+            follower->Announce(group, pick & 0x40 ? services : std::vector<SListedService>());
         }
         const SDatagram datagram = {
             1, k_address, 1, static_cast<std::uint16_t>(pick & 3), {payload.data(), payload.size()}};

@@ -24,10 +24,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         reports.Finish();
         return 0;
     }
-    const std::vector<SService> services = {{1, 1, {k_address, 1, 0}},
-                                            {2, 1, {k_address, 1, k_source}, 4, {}},
-                                            {3, 1, {k_address, 2, k_source}},
-                                            {4, 1, {}}};
+    const std::vector<SListedService> services = {{1, 1, {k_address, 1, 0}},
+                                                  {2, 1, {k_address, 1, k_source}, 4, {}},
+                                                  {3, 1, {k_address, 2, k_source}},
+                                                  {4, 1, {}}};
     CGuideFollower guide(report);
     CGuideSessions guideSessions(guide, report);
     const auto follower = FollowRoute({{k_address, 0}}, guideSessions, report);
@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const SSource source = {"fuzz", 1, {}};
     ForEachPacket(rest, [&](unsigned pick, const std::vector<unsigned char>& payload) {
         if (pick & 0x80) {
-            follower->Announce(group, pick & 0x40 ? services : std::vector<SService>());
+            follower->Announce(group, pick & 0x40 ? services : std::vector<SListedService>());
         }
         const SDatagram datagram = {pick & 4 ? 1 : k_source,
                                     k_address,

@@ -14,6 +14,12 @@
 
 namespace {
 
+/// Of a class whose getters promise nothing in particular.
+template <class TTable>
+void Read(const TTable& /*parser*/)
+{
+}
+
 void Read(const CParseSystemTime& time)
 {
     const CParseSystemTime::SSystemTime& t = *time.State();
@@ -91,9 +97,37 @@ void Read(const CLLSSMTParser& smt)
     smt.GetSignedBlock(bytes.data());
 }
 
-template <class TTable>
-void Run(TTable& parser, const std::vector<unsigned char>& all)
+void Create(CParseSystemTime& time)
 {
+    time.Create(1);
+}
+
+void Create(CParseAEAT& aeat)
+{
+    aeat.Create(nullptr);
+}
+
+template <class TTable>
+void Create(TTable& parser)
+{
+    parser.Create();
+}
+
+/// SetReplace, where the class has it.
+template <class TTable>
+auto Replace(TTable* parser, bool replace) -> decltype(parser->SetReplace(replace))
+{
+    parser->SetReplace(replace);
+}
+
+void Replace(void* /*parser*/, bool /*replace*/) {}
+
+template <class TTable>
+void Run(const std::vector<unsigned char>& all, bool replace)
+{
+    TTable parser;
+    Create(parser);
+    Replace(&parser, replace);
     ForEachPart(all, 8, [&parser](const std::vector<unsigned char>& table) {
         const unsigned int size = static_cast<unsigned int>(table.size());
         IParse::SItem item = {table.data(), size, size * 8, 0, true};
@@ -103,6 +137,13 @@ void Run(TTable& parser, const std::vector<unsigned char>& all)
     parser.Destroy();
 }
 
+template <class... TTables>
+void RunOne(std::uint8_t first, const std::vector<unsigned char>& tables)
+{
+    std::size_t skip = first % sizeof...(TTables);
+    ((skip-- == 0 ? Run<TTables>(tables, first >= 128) : void()), ...);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -110,43 +151,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     SetLogPriority(LOG_PRIORITY_SILENT);
     CScript script(data, size);
     const std::uint8_t first = script.Byte();
-    const std::uint8_t kind = first % 6;
-    const bool replace = first >= 128;
-    const std::vector<unsigned char> tables = script.Rest();
-    CParseSystemTime time;
-    CParseRRT rrt;
-    CParseAEAT aeat;
-    CParseOnscreenNoti noti;
-    CParseCDT cdt;
-    CLLSSMTParser smt;
-    switch (kind) {
-        case 0:
-            time.Create(1);
-            Run(time, tables);
-            break;
-        case 1:
-            rrt.Create();
-            rrt.SetReplace(replace);
-            Run(rrt, tables);
-            break;
-        case 2:
-            aeat.Create(nullptr);
-            aeat.SetReplace(replace);
-            Run(aeat, tables);
-            break;
-        case 3:
-            noti.Create();
-            noti.SetReplace(replace);
-            Run(noti, tables);
-            break;
-        case 4:
-            cdt.Create();
-            Run(cdt, tables);
-            break;
-        default:
-            smt.Create();
-            Run(smt, tables);
-            break;
-    }
+    RunOne<CParseSystemTime, CParseRRT, CParseAEAT, CParseOnscreenNoti, CParseCDT, CLLSSMTParser>(first, script.Rest());
     return 0;
 }

@@ -3,16 +3,8 @@
 
 #include "Fuzz.h"
 #include "MmtWalk.h"
-#include "mmt/desc/MMTDescAsp.h"
-#include "mmt/desc/MMTDescCaption.h"
-#include "mmt/desc/MMTDescCri.h"
-#include "mmt/desc/MMTDescDependency.h"
 #include "mmt/desc/MMTDescFactory.h"
-#include "mmt/desc/MMTDescLowDelay.h"
-#include "mmt/desc/MMTDescMpuTimestamp.h"
-#include "mmt/desc/MMTDescSi.h"
-#include "mmt/desc/MMTDescSp.h"
-#include "mmt/desc/MMTDescVsp.h"
+#include "mmt/desc/MMTDescs.h"
 
 namespace {
 
@@ -107,16 +99,11 @@ void Read(const CMMTDescLowDelay& desc)
     Require(!desc.Fields().defaultSampleFlags || desc.Fields().basePresentationTimeOffset);
 }
 
-/// True, after a look at everything in it, when the descriptor is of that class.
-template <class TDesc>
-bool ReadAs(const CMMTDesc& desc)
+/// A look at everything in the descriptor when it is of one of those classes.
+template <class... TDescs>
+void ReadAny(const CMMTDesc& desc)
 {
-    const auto* known = dynamic_cast<const TDesc*>(&desc);
-    if (known) {
-        Require(known->RawData() != nullptr && known->RawLength() == known->Length());
-        Read(*known);
-    }
-    return known != nullptr;
+    ((dynamic_cast<const TDescs*>(&desc) ? Read(static_cast<const TDescs&>(desc)) : void()), ...);
 }
 
 void Remove(void* /*context*/, void* element)
@@ -143,10 +130,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(item.bitpos <= item.bitsize && (!whole || item.valid));
     for (int i = 0; i < array.Size(); ++i) {
         const CMMTDesc& desc = *static_cast<CMMTDesc*>(array.Data(i));
-        Require(dynamic_cast<const CMMTDescCri*>(&desc) || ReadAs<CMMTDescMpuTimestamp>(desc) ||
-                ReadAs<CMMTDescDependency>(desc) || ReadAs<CMMTDescSi>(desc) || ReadAs<CMMTDescVsp>(desc) ||
-                ReadAs<CMMTDescCaption>(desc) || ReadAs<CMMTDescAsp>(desc) || ReadAs<CMMTDescSp>(desc) ||
-                ReadAs<CMMTDescLowDelay>(desc));
+        const auto* payload = dynamic_cast<const CMMTDescPayload*>(&desc);
+        Require(payload ? payload->RawData() && payload->RawLength() == payload->Length()
+                        : dynamic_cast<const CMMTDescCri*>(&desc) != nullptr);
+        ReadAny<CMMTDescMpuTimestamp, CMMTDescDependency, CMMTDescSi, CMMTDescVsp, CMMTDescCaption, CMMTDescAsp,
+                CMMTDescSp, CMMTDescLowDelay>(desc);
         desc.Dump();
     }
     return 0;

@@ -6,7 +6,7 @@
 
 #include "Fuzz.h"
 #include "common/XML.h"
-#include "common/XmlScan.h"
+#include "common/xml/Refusal.h"
 #include "platform/Platform.h"
 #include "support/XmlOracle.h"
 
@@ -48,7 +48,7 @@ void Walk(const CXML& xml, void* node, int depth, int* budget)
 void Compare(const std::string& text, bool created)
 {
     bool plain = false;
-    const char* reason = vyr::RefusalOf(text.data(), text.size(), &plain);
+    const char* reason = vyr::xml::RefusalOf(text.data(), text.size(), &plain);
     Require(!(created && reason) && !(plain && reason));
     // Plain libxml2 could be busy with these for ever.
     for (const char* slow : {"parameter", "entities", "identifiers"}) {

@@ -129,7 +129,7 @@ class VYR_API CChannelMap {
     bool DeleteClonedService(void* service);
 
   private:
-    struct SRegistration;
-    SRegistration* m;
+    struct SState;
+    SState* m;
     std::mutex m_mutex;
 };

@@ -8,7 +8,7 @@
 #include "platform/Log.h"
 
 /// What a handle has registered with the store.
-struct CChannelMap::SRegistration {
+struct CChannelMap::SState {
     const SCallback* key;
 };
 
@@ -28,7 +28,7 @@ try {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         const std::lock_guard<std::mutex> storeLock(SChannelMap::mutex);
-        auto slot = std::make_unique<SRegistration>(SRegistration{nullptr});
+        auto slot = std::make_unique<SState>(SState{nullptr});
         if (SChannelMap::refCnt == 0) {
             auto store = std::make_unique<CChannelMapST>();
             store->Create();

@@ -9,11 +9,11 @@ namespace vyr {
 namespace {
 
 /// Reads a text from the left; `failed` stays once something did not fit.
-struct CReader {
+struct SReader {
     const char* at;
     bool failed = false;
 
-    explicit CReader(const char* text) : at(text) { SkipSpace(); }
+    explicit SReader(const char* text) : at(text) { SkipSpace(); }
 
     void SkipSpace() { at += std::strspn(at, " \t\r\n"); }
 
@@ -89,7 +89,7 @@ bool ReadDuration(const char* text, double& seconds)
     };
     static constexpr SUnit k_units[2][3] = {{{'Y', 31536000}, {'M', 2592000}, {'D', 86400}},
                                             {{'H', 3600}, {'M', 60}, {'S', 1}}};
-    CReader reader(text);
+    SReader reader(text);
     const bool negative = reader.Take('-');
     reader.Need('P');
     double sum = 0;
@@ -100,7 +100,7 @@ bool ReadDuration(const char* text, double& seconds)
         }
         const int before = fields;
         int unit = 0;
-        while (CReader::IsDigit(*reader.at) && !reader.failed) {
+        while (SReader::IsDigit(*reader.at) && !reader.failed) {
             const double whole = reader.Number(1);
             const bool point = *reader.at == '.';
             const double fraction = reader.Fraction();
@@ -126,7 +126,7 @@ bool ReadDuration(const char* text, double& seconds)
 
 bool ReadDateTime(const char* text, double& seconds)
 {
-    CReader reader(text);
+    SReader reader(text);
     const bool negative = reader.Take('-');
     const double year = reader.Number(4);
     reader.failed = reader.failed || year < 1 || year > 999999999;

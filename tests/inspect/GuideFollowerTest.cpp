@@ -15,7 +15,7 @@ using namespace vyr::inspect;
 using guide::Fragment;
 using packets::Number;
 
-SBytes Bytes(const std::string& text)
+SView Bytes(const std::string& text)
 {
     return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
 }
@@ -130,7 +130,7 @@ TEST_F(GuideFollower, HoldsABoundedGuide)
 
 TEST_F(GuideFollower, ServicesOfTheListAreJoinedWheneverTheyCome)
 {
-    SService listed;
+    SListedService listed;
     listed.serviceId = 7;
     listed.globalServiceId = "urn:x:2";
     m_follower.Announce({}, {listed});

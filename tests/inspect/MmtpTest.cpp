@@ -24,10 +24,10 @@ struct SBlock {
     }
 
     std::unique_ptr<unsigned char[]> block;
-    SBytes bytes;
+    SView bytes;
 };
 
-std::string Text(SBytes bytes)
+std::string Text(SView bytes)
 {
     return std::string(reinterpret_cast<const char*>(bytes.data), bytes.size);
 }
@@ -84,7 +84,7 @@ TEST(Mmtp, HeaderOfEveryForm)
 /// An assembler and what it delivered.
 struct SRun {
     explicit SRun(CAssemblyMemory& memory)
-        : assembler(memory, [this](std::uint16_t packetId, SBytes message) {
+        : assembler(memory, [this](std::uint16_t packetId, SView message) {
               messages.push_back(std::to_string(packetId) + ':' + Text(message));
           })
     {

@@ -113,7 +113,7 @@ TEST(Lct, FieldsOfEveryWidth)
 /// An assembler and what it delivered.
 struct SRun {
     explicit SRun(CAssemblyMemory& memory)
-        : assembler(memory, [this](const TToi&, SBytes object) {
+        : assembler(memory, [this](const TToi&, SView object) {
               objects.emplace_back(reinterpret_cast<const char*>(object.data), object.size);
           })
     {

@@ -66,7 +66,7 @@ TEST_F(SlsFollower, WhatIsNewOfEachObject)
     EXPECT_EQ(m_Take(4, k_stsid + "<MPD ></MPD>\n"), TLines({"changed; S-TSID unchanged same; MPD changed same"}));
     EXPECT_EQ(m_Take(4, k_mpd),
               TLines({"changed-without-version; MPD changed same", "fault: changed-without-version"}));
-    EXPECT_EQ(m_report.Summary().objects[static_cast<std::size_t>(EStatus::REPEATED)], 2u);
+    EXPECT_EQ(m_report.Summary().signalling.byStatus[static_cast<std::size_t>(EStatus::REPEATED)], 2u);
 }
 
 TEST_F(SlsFollower, NothingOfAnEarlierPackageIsShownAgain)

@@ -29,7 +29,7 @@ TEST(Text, WhatATerminalWouldObeyIsEscaped)
     for (const auto& test : cases) {
         EXPECT_EQ(Printable(test.text), test.expected) << test.name;
     }
-    EXPECT_EQ(DisplayWidth("Télév 日本"), 8u);
+    EXPECT_EQ(Aligned({{"Télév 日本", "a"}, {"12345678", "b"}}), "  Télév 日本  a\n  12345678  b\n");
 }
 
 TEST(Text, Numbers)

@@ -573,7 +573,7 @@ std::string UnitText(const CSGDeliveryUnit::SSGDeliveryUnit& unit)
                         SpanText(fragment.validFrom, fragment.validTo),
                         SpanText(fragment.startTime, fragment.endTime)});
     }
-    return text + '\n' + Table(rows);
+    return text + '\n' + TableText(rows);
 }
 
 std::string EntryText(const CDescriptorEntry::SDescriptorEntry& entry)

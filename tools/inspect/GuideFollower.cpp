@@ -59,7 +59,7 @@ class CGuideFollower::CJoin {
     explicit CJoin(const CGuideFollower& follower) : m_limit(follower.m_limits.joined)
     {
         for (const auto& [group, services] : follower.m_services) {
-            for (const SService& service : services) {
+            for (const SListedService& service : services) {
                 if (!service.globalServiceId.empty()) {
                     m_listed.try_emplace(service.globalServiceId, &service);
                 }
@@ -97,7 +97,7 @@ class CGuideFollower::CJoin {
         if (entry == m_listed.end()) {
             return;
         }
-        const SService& listed = *entry->second;
+        const SListedService& listed = *entry->second;
         service.serviceId = listed.serviceId;
         if (!service.majorChannelNo && listed.majorChannelNo != 0) {
             service.majorChannelNo = listed.majorChannelNo;
@@ -177,8 +177,8 @@ class CGuideFollower::CJoin {
     }
 
     const std::size_t m_limit;
-    std::map<std::string, const SService*> m_listed;  ///< by globalServiceID
-    std::map<std::string, std::size_t> m_index;       ///< of the services, by the ids of their fragments
+    std::map<std::string, const SListedService*> m_listed;  ///< by globalServiceID
+    std::map<std::string, std::size_t> m_index;             ///< of the services, by the ids of their fragments
     std::map<std::string, const SGuideFragment*> m_contents;
     std::vector<const SGuideFragment*> m_schedules;
     std::set<std::string> m_scheduled;
@@ -187,12 +187,12 @@ class CGuideFollower::CJoin {
     std::size_t m_cost = 0;
 };
 
-bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SBytes object, const SSource& source)
+bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SView object, const SSource& source)
 {
     SGuideObject report;
     report.source = source;
     report.size = object.size;
-    const SBytes body = EntityBody(object);
+    const SView body = EntityBody(object);
     report.gzip = IsGzip(body);
     SObject now = {object.size, ContentHash(object), 0, 0, false, place ? place->contentLocation : ""};
     SObject before;
@@ -211,7 +211,7 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SBytes object
     }
     std::vector<unsigned char> inflated;
     const bool whole = !report.gzip || Gunzip(body, k_maxGuideObject, inflated);
-    const SBytes text = report.gzip ? SBytes{inflated.data(), inflated.size()} : body;
+    const SView text = report.gzip ? SView{inflated.data(), inflated.size()} : body;
     std::optional<EGuideObject> kind;
     if (whole) {
         kind = GuideKind(text);
@@ -363,10 +363,10 @@ void CGuideFollower::m_MakeRoom(const SSource& source)
     }
 }
 
-void CGuideFollower::Announce(const TGroup& group, const std::vector<SService>& services)
+void CGuideFollower::Announce(const TGroup& group, const std::vector<SListedService>& services)
 {
-    std::vector<SService>& held = m_services[group];
-    const auto same = [](const SService& a, const SService& b) {
+    std::vector<SListedService>& held = m_services[group];
+    const auto same = [](const SListedService& a, const SListedService& b) {
         return std::tie(a.serviceId, a.globalServiceId, a.majorChannelNo, a.minorChannelNo) ==
                std::tie(b.serviceId, b.globalServiceId, b.majorChannelNo, b.minorChannelNo);
     };

@@ -43,10 +43,10 @@ class CGuideFollower {
     explicit CGuideFollower(CReport& report, SGuideLimits limits = {}) : m_report(report), m_limits(limits) {}
 
     /// Takes one whole object, from a session or a raw file. False: it is nothing of the guide.
-    bool Take(const std::optional<SGuidePlace>& place, SBytes object, const SSource& source);
+    bool Take(const std::optional<SGuidePlace>& place, SView object, const SSource& source);
     /// The services that the list of an LLS group, known by its stream and id, announces from now on.
     using TGroup = std::pair<std::pair<std::uint32_t, std::uint16_t>, unsigned char>;
-    void Announce(const TGroup& group, const std::vector<SService>& services);
+    void Announce(const TGroup& group, const std::vector<SListedService>& services);
     /// The end of the input: shows the guide unless it was shown as it stands, and adds to the summary. Of a
     /// `capture`, what the guide lacks is a fault.
     void Finish(const std::string& file, bool capture);
@@ -91,7 +91,7 @@ class CGuideFollower {
     std::map<TFragment, SHeld> m_fragments;
     std::list<TFragment> m_order;  ///< of m_fragments, oldest first
     std::size_t m_held = 0;        ///< bytes of the fragments' texts
-    std::map<TGroup, std::vector<SService>> m_services;
+    std::map<TGroup, std::vector<SListedService>> m_services;
     std::size_t m_sinceShown = 0;      ///< bytes of the objects that came since, inflated, repeats included
     std::size_t m_sentSinceShown = 0;  ///< the same as they were sent
     std::size_t m_shownCost = 0;       ///< bytes of the programmes that were shown, about

@@ -28,7 +28,7 @@ constexpr std::size_t k_entry = 12;
 constexpr TView k_roots[] = {"ServiceGuideDeliveryDescriptor", "SGResponse", "Service", "Content", "Schedule"};
 
 /// Name of the root element without its prefix; empty: the bytes do not begin like a document.
-TView RootName(SBytes bytes)
+TView RootName(SView bytes)
 {
     constexpr TView k_mark = "\xEF\xBB\xBF";
     constexpr TView k_blanks = " \t\r\n";
@@ -64,12 +64,12 @@ unsigned FragmentType(TView root)
     return 0;
 }
 
-unsigned Offset(SBytes unit, std::size_t index)
+unsigned Offset(SView unit, std::size_t index)
 {
     return unit.Be32(k_header + index * k_entry + 8);
 }
 
-bool IsUnit(SBytes bytes)
+bool IsUnit(SView bytes)
 {
     if (bytes.size < k_header) {
         return false;
@@ -102,7 +102,7 @@ std::unique_ptr<CESGFragmentBase> MakeFragment(unsigned type)
 }
 
 /// The fragment, or null with the reason.
-TOwned<CESGFragmentBase> ParseFragment(unsigned type, SBytes text, std::string& reason)
+TOwned<CESGFragmentBase> ParseFragment(unsigned type, SView text, std::string& reason)
 {
     TOwned<CESGFragmentBase> fragment(MakeFragment(type).release());
     fragment->Create();
@@ -120,7 +120,7 @@ TOwned<CESGFragmentBase> ParseFragment(unsigned type, SBytes text, std::string& 
     return nullptr;
 }
 
-void Hold(unsigned type, const CESGFragmentBase& fragment, SBytes text, SGuideRead& read)
+void Hold(unsigned type, const CESGFragmentBase& fragment, SView text, SGuideRead& read)
 {
     SGuideFragment& held = read.fragments.emplace_back(GuideFragment(type, fragment));
     held.size = text.size;
@@ -139,7 +139,7 @@ SContent OneFragment(unsigned type, const CESGFragmentBase& fragment)
 /// Goes through a unit with the steps of the library, which tells neither what it dropped nor why.
 class CUnitWalk {
   public:
-    CUnitWalk(const CSGDUParse::SSGDUParse& unit, SBytes bytes, SGuideRead& read)
+    CUnitWalk(const CSGDUParse::SSGDUParse& unit, SView bytes, SGuideRead& read)
         : m_unit(unit), m_bytes(bytes), m_read(read)
     {
     }
@@ -167,7 +167,7 @@ class CUnitWalk {
   private:
     bool m_Fragment(std::size_t index)
     {
-        const SBytes rest = m_bytes.From(m_at);
+        const SView rest = m_bytes.From(m_at);
         if (rest.size < 2 && (rest.size == 0 || rest[0] == 0)) {
             return false;
         }
@@ -208,7 +208,7 @@ class CUnitWalk {
         return true;
     }
 
-    void m_Xml(unsigned type, SBytes text, const std::string& title, TJson& json, std::string& line)
+    void m_Xml(unsigned type, SView text, const std::string& title, TJson& json, std::string& line)
     {
         const char* name = FragmentTypeName(type);
         json["fragmentType"] = type;
@@ -239,7 +239,7 @@ class CUnitWalk {
     }
 
     /// The parsed fragment when the library kept this one as its next. It keeps the same of the same bytes.
-    const CESGFragmentBase* m_Take(unsigned encoding, SBytes text)
+    const CESGFragmentBase* m_Take(unsigned encoding, SView text)
     {
         if (m_kept == m_unit.arrayFragment.size()) {
             return nullptr;
@@ -254,13 +254,13 @@ class CUnitWalk {
     }
 
     const CSGDUParse::SSGDUParse& m_unit;
-    const SBytes m_bytes;
+    const SView m_bytes;
     SGuideRead& m_read;
     std::size_t m_at = 0;
     std::size_t m_kept = 0;
 };
 
-void ReadUnit(SBytes object, SBytes text, SGuideRead& read)
+void ReadUnit(SView object, SView text, SGuideRead& read)
 {
     CSGDUParse unit;
     unit.Create();
@@ -279,7 +279,7 @@ void ReadUnit(SBytes object, SBytes text, SGuideRead& read)
 }
 
 template <class TParser, class TContent>
-void ReadDocument(SBytes text, TContent content, SGuideRead& read)
+void ReadDocument(SView text, TContent content, SGuideRead& read)
 {
     TParser parser;
     parser.Create();
@@ -294,7 +294,7 @@ void ReadDocument(SBytes text, TContent content, SGuideRead& read)
 
 }  // namespace
 
-SBytes EntityBody(SBytes object)
+SView EntityBody(SView object)
 {
     constexpr TView k_field = "content-";
     constexpr TView k_end = "\r\n\r\n";
@@ -307,7 +307,7 @@ SBytes EntityBody(SBytes object)
     return end == TView::npos ? object : object.From(end + k_end.size());
 }
 
-std::optional<EGuideObject> GuideKind(SBytes bytes)
+std::optional<EGuideObject> GuideKind(SView bytes)
 {
     const TView root = RootName(bytes);
     for (std::size_t i = 0; i < std::size(k_roots); ++i) {
@@ -320,7 +320,7 @@ std::optional<EGuideObject> GuideKind(SBytes bytes)
     return IsUnit(bytes) ? std::optional(EGuideObject::DELIVERY_UNIT) : std::nullopt;
 }
 
-SGuideRead ReadGuideObject(EGuideObject kind, SBytes object, SBytes text)
+SGuideRead ReadGuideObject(EGuideObject kind, SView object, SView text)
 {
     SGuideRead read;
     if (kind == EGuideObject::DELIVERY_UNIT) {

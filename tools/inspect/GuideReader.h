@@ -13,13 +13,13 @@ constexpr std::size_t k_maxGuideObject = 8388608;  ///< bytes of an inflated obj
 
 /// What an object in entity mode (RFC 9223 2.1) has behind its header fields and the empty line; any other
 /// object as it is.
-SBytes EntityBody(SBytes object);
+SView EntityBody(SView object);
 
 /// What the bytes of an object, inflated, are of the guide; none: nothing. A document is known by the name
 /// of its root element. A unit is known by its table: it has entries, they and an encoding and a type for
 /// each fit into the unit, the first fragment's encoding and type are known, and its end, where another
 /// follows, is behind its start and in the unit.
-std::optional<EGuideObject> GuideKind(SBytes bytes);
+std::optional<EGuideObject> GuideKind(SView bytes);
 
 /// An object of the guide, as the library reads it.
 struct SGuideRead {
@@ -29,6 +29,6 @@ struct SGuideRead {
 };
 
 /// Reads an object as it was sent; `text` is the same inflated.
-SGuideRead ReadGuideObject(EGuideObject kind, SBytes object, SBytes text);
+SGuideRead ReadGuideObject(EGuideObject kind, SView object, SView text);
 
 }  // namespace vyr::inspect

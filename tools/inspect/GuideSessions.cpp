@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "Elements.h"
 #include "Lct.h"
+#include "PtrArrays.h"
 #include "Text.h"
 #include "route/SLS/EFDT.h"
 #include "route/SLS/RS.h"
@@ -26,7 +26,7 @@ class CGuideSessions::CStream {
           m_tsi(tsi),
           m_sessions(sessions),
           m_owner(owner),
-          m_assembler(sessions.m_memory, [this](const TToi& toi, SBytes object) { m_Object(toi, object); })
+          m_assembler(sessions.m_memory, [this](const TToi& toi, SView object) { m_Object(toi, object); })
     {
         m_name = EndpointText(session.destination, session.port);
     }
@@ -50,9 +50,11 @@ class CGuideSessions::CStream {
     std::size_t Open() const { return m_assembler.Open().size(); }
     void Count(SGuideCounts& counts) const
     {
-        counts.sessions += followed ? 1 : 0;
-        counts.packets += m_packets;
-        counts.assembled += m_assembler.Counts();
+        SGuideCounts own;
+        own.sessions = followed ? 1 : 0;
+        own.packets = m_packets;
+        own.objects = m_assembler.Counts();
+        AddCounts(counts, own);
     }
     void SetFiles(const SEFDTInfo* efdt)
     {
@@ -73,7 +75,7 @@ class CGuideSessions::CStream {
     bool followed = false;
 
   private:
-    void m_Object(const TToi& toi, SBytes object)
+    void m_Object(const TToi& toi, SView object)
     {
         SGuidePlace place = {m_name, m_tsi, toi, {}, {}, m_owner.services};
         const auto file = toi.first == 0 ? files.find(toi.second) : files.end();
@@ -259,7 +261,7 @@ std::string CGuideSessions::m_Missing(const SOwner& owner) const
     if (counts.packets == 0) {
         return "no packets of the " + sessions + " that its S-TSID names";
     }
-    return Counted(counts.assembled.complete, "object") + " of " + sessions + " hold nothing of it" +
+    return Counted(counts.objects.complete, "object") + " of " + sessions + " hold nothing of it" +
            (open != 0 ? ", " + std::to_string(open) + " incomplete" : "");
 }
 

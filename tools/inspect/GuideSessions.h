@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "GuideFollower.h"
-#include "Ipv4.h"
+#include "Ipv4Decoder.h"
 #include "ObjectAssembler.h"
 #include "ServiceSession.h"
 

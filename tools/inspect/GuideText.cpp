@@ -98,7 +98,7 @@ class CDay {
     }
     std::string Text() const
     {
-        const std::string table = Table(m_rows);
+        const std::string table = TableText(m_rows);
         std::string text;
         std::size_t at = 0;
         for (const std::string& description : m_descriptions) {

@@ -6,12 +6,12 @@
 
 namespace vyr::inspect {
 
-bool IsGzip(SBytes bytes)
+bool IsGzip(SView bytes)
 {
     return bytes.size >= 2 && bytes.Be16(0) == 0x1F8B;
 }
 
-bool Gunzip(SBytes bytes, std::size_t limit, std::vector<unsigned char>& out)
+bool Gunzip(SView bytes, std::size_t limit, std::vector<unsigned char>& out)
 {
     constexpr int k_gzipOnly = 15 + 16;
     constexpr std::size_t k_step = 65536;
@@ -43,7 +43,7 @@ bool Gunzip(SBytes bytes, std::size_t limit, std::vector<unsigned char>& out)
     return result == Z_STREAM_END;
 }
 
-std::uint64_t ContentHash(SBytes bytes)
+std::uint64_t ContentHash(SView bytes)
 {
     const bool gzip = bytes.size >= 8 && IsGzip(bytes);
     std::uint64_t hash = 0xCBF29CE484222325u;

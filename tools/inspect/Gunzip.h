@@ -6,12 +6,12 @@
 
 namespace vyr::inspect {
 
-bool IsGzip(SBytes bytes);
+bool IsGzip(SView bytes);
 /// Inflates one gzip stream of at most `limit` bytes; what follows it is not looked at. False: it is
 /// damaged, has no end, or is larger.
-bool Gunzip(SBytes bytes, std::size_t limit, std::vector<unsigned char>& out);
+bool Gunzip(SView bytes, std::size_t limit, std::vector<unsigned char>& out);
 /// Number that tells contents apart. A sender that compresses each copy anew changes nothing but the
 /// time stamp of the gzip header, which does not count.
-std::uint64_t ContentHash(SBytes bytes);
+std::uint64_t ContentHash(SView bytes);
 
 }  // namespace vyr::inspect

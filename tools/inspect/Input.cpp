@@ -23,7 +23,7 @@ constexpr std::size_t k_magic = 4;
 constexpr std::int64_t k_endOfTime = 253402300800;  // the year 10000
 volatile std::sig_atomic_t g_stop = 0;
 
-bool IsCaptureMagic(SBytes start)
+bool IsCaptureMagic(SView start)
 {
     if (start.size < k_magic) {
         return false;
@@ -40,19 +40,19 @@ bool IsCaptureMagic(SBytes start)
     }
 }
 
-bool IsTableStart(SBytes start)
+bool IsTableStart(SView start)
 {
     return start.size >= k_magic && ((start[0] >= 1 && start[0] <= 6) || start[0] >= 0xFE);
 }
 
 /// Whether it may be a delivery unit of the guide: their extensions are not behind 16 MiB.
-bool IsUnitStart(SBytes start)
+bool IsUnitStart(SView start)
 {
     return start[0] == 0;
 }
 
 /// Whether it may be a document, or a package of signalling, gzip-compressed or not; its content tells.
-bool IsTextStart(SBytes start)
+bool IsTextStart(SView start)
 {
     const std::string text(reinterpret_cast<const char*>(start.data), start.size);
     return IsGzip(start) || text.find_first_of("< \t\r\n") == 0 || text.rfind("\xEF\xBB\xBF", 0) == 0 ||
@@ -127,7 +127,7 @@ CInput::CInput(const std::string& name) : m_file(std::make_unique<SFile>())
     if (m_file->error != 0) {
         throw CInputError(EFault::INPUT_UNREADABLE, std::strerror(m_file->error));
     }
-    const SBytes start = {m_file->start.data(), m_file->startSize};
+    const SView start = {m_file->start.data(), m_file->startSize};
     if (start.size == 0) {
         throw CInputError(EFault::INPUT_EMPTY, "is empty");
     }

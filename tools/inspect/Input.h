@@ -26,7 +26,7 @@ class CInputError : public std::runtime_error {
 };
 
 struct SPacket {
-    SBytes bytes;  ///< good until the next packet
+    SView bytes;  ///< good until the next packet
     bool cut = false;
     std::optional<STime> time;
 };
@@ -54,7 +54,7 @@ class CInput {
     /// Next packet of a capture; false at its end. Throws CInputError for a damaged capture.
     bool Next(SPacket& packet);
     /// Bytes of what is no capture.
-    SBytes Bytes() const { return {m_bytes.data(), m_bytes.size()}; }
+    SView Bytes() const { return {m_bytes.data(), m_bytes.size()}; }
 
     /// Ends every input at the bytes read so far; for signal handlers.
     static void Stop();

@@ -41,7 +41,7 @@ std::string Busiest(const std::map<std::pair<std::uint32_t, std::uint16_t>, std:
 
 /// Of what begins like an LLS table of id 2 (RRT): whether it is a message that fits the file, and no table
 /// that parses.
-bool IsMessageAndNoTable(SBytes bytes)
+bool IsMessageAndNoTable(SView bytes)
 {
     if (!IsMessageFile(bytes)) {
         return false;
@@ -151,7 +151,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
     for (const auto& [stream, follower] : followers) {
         const TEndpoint& lls = stream;
         follower->SetServiceListener(
-            [&sessions, &guide, lls](unsigned char groupId, const std::vector<SService>& services) {
+            [&sessions, &guide, lls](unsigned char groupId, const std::vector<SListedService>& services) {
                 for (const auto& protocol : sessions) {
                     protocol->Announce({lls, groupId}, services);
                 }
@@ -176,7 +176,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
     });
     const auto finish = [&] {
         decoder.Finish();
-        m_report.Summary().packets += decoder.Counts();
+        AddCounts(m_report.Summary().packets, decoder.Counts());
         for (const auto& [stream, follower] : followers) {
             m_report.Summary().llsDatagrams += follower->Tables();
             m_Finish(*follower);
@@ -236,7 +236,7 @@ void CInspector::m_CaptureFaults(const std::string& name, const SPacketCounts& c
     }
 }
 
-void CInspector::m_RawTable(SBytes table, const std::string& name)
+void CInspector::m_RawTable(SView table, const std::string& name)
 {
     CLlsFollower follower("", !m_options.strict, m_channelMap, m_report);
     follower.Take(table, {name, 0, {}});
@@ -244,7 +244,7 @@ void CInspector::m_RawTable(SBytes table, const std::string& name)
 }
 
 /// False: it is nothing of the guide.
-bool CInspector::m_GuideFile(SBytes bytes, const std::string& name)
+bool CInspector::m_GuideFile(SView bytes, const std::string& name)
 {
     CGuideFollower guide(m_report);
     if (!guide.Take({}, bytes, {name, 0, {}})) {
@@ -255,7 +255,7 @@ bool CInspector::m_GuideFile(SBytes bytes, const std::string& name)
     return true;
 }
 
-void CInspector::m_SlsFile(SBytes bytes, const std::string& name)
+void CInspector::m_SlsFile(SView bytes, const std::string& name)
 {
     const SFollowed followed;
     CSlsFollower follower(followed, m_report);
@@ -265,7 +265,7 @@ void CInspector::m_SlsFile(SBytes bytes, const std::string& name)
     ++m_report.Summary().slsFiles;
 }
 
-void CInspector::m_MessageFile(SBytes bytes, const std::string& name)
+void CInspector::m_MessageFile(SView bytes, const std::string& name)
 {
     if (!IsMessageFile(bytes)) {
         throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);

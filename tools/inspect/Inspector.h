@@ -37,10 +37,10 @@ class CInspector {
 
     void m_Inspect(const std::string& name);
     void m_Capture(CInput& input, const std::string& name);
-    void m_RawTable(SBytes table, const std::string& name);
-    bool m_GuideFile(SBytes bytes, const std::string& name);
-    void m_SlsFile(SBytes bytes, const std::string& name);
-    void m_MessageFile(SBytes bytes, const std::string& name);
+    void m_RawTable(SView table, const std::string& name);
+    bool m_GuideFile(SView bytes, const std::string& name);
+    void m_SlsFile(SView bytes, const std::string& name);
+    void m_MessageFile(SView bytes, const std::string& name);
     void m_CaptureFaults(const std::string& name, const SPacketCounts& counts, const TFollowers& followers,
                          const TDestinations& destinations);
     void m_Finish(const CLlsFollower& follower);

@@ -6,6 +6,7 @@
 
 #include "Guide.h"
 #include "Json.h"
+#include "LlsTables.h"
 #include "Names.h"
 #include "Text.h"
 
@@ -111,14 +112,38 @@ TJson GuideServiceJson(const SGuideService& service)
     return json;
 }
 
-TJson StatusesJson(const std::array<std::uint64_t, k_statuses>& counts)
-{
-    TJson json = TJson::object();
-    for (std::size_t i = 0; i < k_statuses; ++i) {
-        json[StatusName(static_cast<EStatus>(i))] = counts[i];
+/// Writes each count that it is told of.
+struct SPutCount {
+    TJson& json;
+
+    void operator()(const char* name, std::uint64_t count) const { json[name] = count; }
+    void operator()(const char* name, double count) const { json[name] = count; }
+
+    template <class TCounts>
+    void operator()(const char* name, const TCounts& counts) const
+    {
+        TJson& object = json[name] = TJson::object();
+        TCounts::Each(counts, SPutCount{object});
     }
-    return json;
-}
+
+    void operator()(const char* name, const std::map<unsigned, STableCounts>& tables) const
+    {
+        TJson& array = json[name] = TJson::array();
+        for (const auto& [tableId, counts] : tables) {
+            TJson& table = array.emplace_back(TJson::object());
+            PutNamed(table, "LLS_table_id", tableId, TableName(tableId));
+            STableCounts::Each(counts, SPutCount{table});
+        }
+    }
+
+    void operator()(const char* name, const std::map<EFault, std::uint64_t>& faults) const
+    {
+        TJson& object = json[name] = TJson::object();
+        for (const auto& [code, count] : faults) {
+            object[FaultName(code)] = count;
+        }
+    }
+};
 
 void PutToi(TJson& json, const TToi& toi)
 {
@@ -358,80 +383,7 @@ void CJsonReport::Fault(const SFault& fault)
 void CJsonReport::Summary(const SSummary& summary)
 {
     TJson json = Object("summary");
-    json["inputs"] = summary.inputs;
-    json["captures"] = summary.captures;
-    json["rawTables"] = summary.rawTables;
-    json["slsFiles"] = summary.slsFiles;
-    json["rawMessages"] = summary.rawMessages;
-    json["guideFiles"] = summary.guideFiles;
-    json["packets"] = summary.packets.packets;
-    json["packetsCut"] = summary.packets.cut;
-    json["packetsMalformed"] = summary.packets.malformed;
-    json["packetsOther"] = summary.packets.otherProtocol;
-    json["linkLayerPacketsOther"] = summary.packets.otherLinkPackets;
-    json["fragments"] = summary.packets.fragments;
-    json["datagramsIncomplete"] = summary.packets.incompleteDatagrams;
-    json["udpDatagrams"] = summary.packets.datagrams;
-    json["llsDatagrams"] = summary.llsDatagrams;
-    json["tables"] = TJson::array();
-    for (const auto& [tableId, counts] : summary.tables) {
-        TJson table = TJson::object();
-        PutNamed(table, "LLS_table_id", tableId, TableName(tableId));
-        for (std::size_t i = 0; i < k_statuses; ++i) {
-            table[StatusName(static_cast<EStatus>(i))] = counts.byStatus[i];
-        }
-        table["notParsed"] = counts.notParsed;
-        if (counts.intervals != 0) {
-            table["meanIntervalSeconds"] = counts.intervalSum / static_cast<double>(counts.intervals);
-        }
-        json["tables"].push_back(std::move(table));
-    }
-    json["services"] = summary.services;
-    json["servicesDropped"] = summary.servicesDropped;
-    json["routeServices"] = summary.routeServices;
-    json["mmtpServices"] = summary.mmtpServices;
-    json["servicesSignalled"] = summary.servicesSignalled;
-    json["routeSessions"] = summary.route.sessions;
-    json["lctPackets"] = summary.route.packets;
-    json["lctPacketsMalformed"] = summary.route.malformed;
-    json["lctPacketsSignalling"] = summary.route.signalling;
-    json["lctPacketsNotTaken"] = summary.route.objects.tooLarge;
-    json["objects"] = summary.route.objects.complete;
-    json["objectsIncomplete"] = summary.route.incomplete;
-    json["objectsDropped"] = summary.route.objects.dropped;
-    TJson signalling = StatusesJson(summary.objects);
-    signalling["documentsNotParsed"] = summary.documentsNotParsed;
-    json["signalling"] = std::move(signalling);
-    json["mmtpSessions"] = summary.mmtp.sessions;
-    json["mmtpPackets"] = summary.mmtp.packets;
-    json["mmtpPacketsMalformed"] = summary.mmtp.malformed;
-    json["mmtpPacketsOtherVersions"] = summary.mmtp.otherVersions;
-    json["mmtpPacketsOther"] = summary.mmtp.otherTypes;
-    json["mmtpPacketsSignalling"] = summary.mmtp.signalling;
-    json["mmtpPacketsRepeated"] = summary.mmtp.messages.repeated;
-    json["mmtMessages"] = summary.mmtp.messages.complete;
-    json["mmtMessagesIncomplete"] = summary.mmtp.messages.lost;
-    json["mmtMessagesDropped"] = summary.mmtp.messages.dropped;
-    TJson messages = StatusesJson(summary.messages);
-    messages["notParsed"] = summary.messagesNotParsed;
-    messages["notSupported"] = summary.messagesUnsupported;
-    json["messages"] = std::move(messages);
-    TJson guide = StatusesJson(summary.guide.objects);
-    guide["sessions"] = summary.guide.sessions;
-    guide["packets"] = summary.guide.packets;
-    guide["objects"] = summary.guide.assembled.complete;
-    guide["objectsDropped"] = summary.guide.assembled.dropped;
-    guide["packetsNotTaken"] = summary.guide.assembled.tooLarge;
-    guide["notParsed"] = summary.guide.notParsed;
-    guide["fragments"] = summary.guide.fragments;
-    guide["services"] = summary.guide.services;
-    guide["programmes"] = summary.guide.programmes;
-    json["guide"] = std::move(guide);
-    json["faults"] = summary.faults;
-    json["faultsByCode"] = TJson::object();
-    for (const auto& [code, count] : summary.faultsByCode) {
-        json["faultsByCode"][FaultName(code)] = count;
-    }
+    summary.Each(SPutCount{json});
     m_output.Write(JsonLine(json));
 }
 

@@ -14,7 +14,7 @@ constexpr unsigned k_extTol24 = 194;
 constexpr unsigned k_firstShort = 128;
 
 /// Up to 8 bytes, big-endian.
-std::uint64_t Number(SBytes bytes)
+std::uint64_t Number(SView bytes)
 {
     std::uint64_t number = 0;
     for (std::size_t i = 0; i < bytes.size; ++i) {
@@ -24,7 +24,7 @@ std::uint64_t Number(SBytes bytes)
 }
 
 /// Header extensions up to the end of the header; one that does not fit in what is left is malformed.
-bool ReadExtensions(SBytes bytes, SLctPacket& packet)
+bool ReadExtensions(SView bytes, SLctPacket& packet)
 {
     std::optional<std::uint64_t> fti;
     while (bytes.size != 0) {  // whole words are left
@@ -51,7 +51,7 @@ bool ReadExtensions(SBytes bytes, SLctPacket& packet)
 
 }  // namespace
 
-bool ReadLct(SBytes payload, SLctPacket& packet)
+bool ReadLct(SView payload, SLctPacket& packet)
 {
     packet = {};
     if (payload.size < k_fixed || payload[0] >> 4 != k_version) {
@@ -71,15 +71,15 @@ bool ReadLct(SBytes payload, SLctPacket& packet)
     packet.closeSession = (flags & 2) != 0;
     packet.closeObject = (flags & 1) != 0;
     packet.codePoint = payload[3];
-    const SBytes ids = payload.First(header).From(k_fixed + cci);
+    const SView ids = payload.First(header).From(k_fixed + cci);
     packet.tsi = Number(ids.First(tsi));
-    const SBytes object = ids.First(tsi + toi).From(tsi);
+    const SView object = ids.First(tsi + toi).From(tsi);
     const std::size_t high = object.size > 8 ? object.size - 8 : 0;
     packet.toi = {Number(object.First(high)), Number(object.From(high))};
     if (!ReadExtensions(ids.From(tsi + toi), packet)) {
         return false;
     }
-    const SBytes rest = payload.From(header);
+    const SView rest = payload.From(header);
     if (rest.size == 0) {
         return packet.closeSession || packet.closeObject;
     }

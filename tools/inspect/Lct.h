@@ -22,11 +22,11 @@ struct SLctPacket {
     TToi toi;
     std::optional<std::uint64_t> transferLength;  ///< bytes of the whole object, from EXT_TOL or EXT_FTI
     std::uint32_t startOffset = 0;                ///< of the data in the object
-    SBytes data;                                  ///< empty: the packet only closes its object or session
+    SView data;                                   ///< empty: the packet only closes its object or session
 };
 
 /// Reads one UDP payload. False: it is no LCT packet of version 1, or ends inside its header.
-bool ReadLct(SBytes payload, SLctPacket& packet);
+bool ReadLct(SView payload, SLctPacket& packet);
 
 /// Decimal up to 64 bits, hexadecimal beyond.
 std::string ToiText(const TToi& toi);

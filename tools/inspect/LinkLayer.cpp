@@ -42,7 +42,7 @@ bool CPacketDecoder::Knows(int linkType)
     }
 }
 
-void CPacketDecoder::Decode(SBytes packet, bool cut)
+void CPacketDecoder::Decode(SView packet, bool cut)
 {
     ++m_counts.packets;
     m_counts.cut += cut ? 1 : 0;
@@ -85,7 +85,7 @@ void CPacketDecoder::Finish()
     m_ipv4.Finish();
 }
 
-void CPacketDecoder::m_EtherType(unsigned type, SBytes rest, bool cut)
+void CPacketDecoder::m_EtherType(unsigned type, SView rest, bool cut)
 {
     for (int tags = 0; IsVlanTag(type) && tags < k_maxVlanTags; ++tags) {
         if (rest.size < 4) {
@@ -103,7 +103,7 @@ void CPacketDecoder::m_EtherType(unsigned type, SBytes rest, bool cut)
 }
 
 /// The address family is written in the byte order of the machine that captured; IPv4 is 2 on all.
-void CPacketDecoder::m_Family(SBytes packet, bool cut)
+void CPacketDecoder::m_Family(SView packet, bool cut)
 {
     if (packet.size < 4) {
         m_Short(cut);
@@ -118,7 +118,7 @@ void CPacketDecoder::m_Family(SBytes packet, bool cut)
 }
 
 /// ATSC link-layer protocol, ATSC A/330 5.1.
-void CPacketDecoder::m_Alp(SBytes packet, bool cut)
+void CPacketDecoder::m_Alp(SView packet, bool cut)
 {
     if (packet.size < 2) {
         m_Short(cut);
@@ -131,7 +131,7 @@ void CPacketDecoder::m_Alp(SBytes packet, bool cut)
     const bool severalOrPart = (packet[0] & 0x10) != 0;
     const bool secondFlag = (packet[0] & 0x08) != 0;
     std::size_t length = packet.Be16(0) & 0x07FFu;
-    SBytes rest = packet.From(2);
+    SView rest = packet.From(2);
     if (severalOrPart) {
         secondFlag ? m_AlpConcatenation(rest, cut, length) : m_AlpSegment(rest, cut, length);
         return;
@@ -157,7 +157,7 @@ void CPacketDecoder::m_Alp(SBytes packet, bool cut)
 }
 
 /// Segments of one packet follow each other; the link carries one packet at a time.
-void CPacketDecoder::m_AlpSegment(SBytes rest, bool cut, std::size_t length)
+void CPacketDecoder::m_AlpSegment(SView rest, bool cut, std::size_t length)
 {
     ++m_counts.fragments;
     if (rest.size < 1) {
@@ -189,7 +189,7 @@ void CPacketDecoder::m_AlpSegment(SBytes rest, bool cut, std::size_t length)
     }
 }
 
-void CPacketDecoder::m_AlpConcatenation(SBytes rest, bool cut, std::size_t length)
+void CPacketDecoder::m_AlpConcatenation(SView rest, bool cut, std::size_t length)
 {
     if (rest.size < 1) {
         m_Short(cut);
@@ -198,7 +198,7 @@ void CPacketDecoder::m_AlpConcatenation(SBytes rest, bool cut, std::size_t lengt
     length |= (rest[0] & 0xF0u) << 7;
     const std::size_t lengths = (rest[0] >> 1 & 7u) + 1;  // of all components but the last
     const bool extension = (rest[0] & 1) != 0;
-    const SBytes table = rest.From(1);
+    const SView table = rest.From(1);
     const std::size_t tableSize = (lengths * 12 + 7) / 8;
     if (table.size < tableSize) {
         m_Short(cut);
@@ -224,7 +224,7 @@ void CPacketDecoder::m_AlpConcatenation(SBytes rest, bool cut, std::size_t lengt
 }
 
 /// Steps over the sub-stream id and the header extension.
-bool CPacketDecoder::m_AlpOptions(SBytes& rest, bool subStream, bool extension)
+bool CPacketDecoder::m_AlpOptions(SView& rest, bool subStream, bool extension)
 {
     std::size_t size = subStream ? 1 : 0;
     if (extension) {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "Bytes.h"
-#include "Ipv4.h"
+#include "Ipv4Decoder.h"
 
 namespace vyr::inspect {
 
@@ -19,18 +19,18 @@ class CPacketDecoder {
 
     static bool Knows(int linkType);
 
-    void Decode(SBytes packet, bool cut);
+    void Decode(SView packet, bool cut);
     /// No more packets come.
     void Finish();
     const SPacketCounts& Counts() const { return m_counts; }
 
   private:
-    void m_EtherType(unsigned type, SBytes rest, bool cut);
-    void m_Family(SBytes packet, bool cut);
-    void m_Alp(SBytes packet, bool cut);
-    void m_AlpSegment(SBytes packet, bool cut, std::size_t length);
-    void m_AlpConcatenation(SBytes packet, bool cut, std::size_t length);
-    bool m_AlpOptions(SBytes& rest, bool subStream, bool extension);
+    void m_EtherType(unsigned type, SView rest, bool cut);
+    void m_Family(SView packet, bool cut);
+    void m_Alp(SView packet, bool cut);
+    void m_AlpSegment(SView packet, bool cut, std::size_t length);
+    void m_AlpConcatenation(SView packet, bool cut, std::size_t length);
+    bool m_AlpOptions(SView& rest, bool subStream, bool extension);
     void m_DropSegments();
     void m_Short(bool cut);
 

@@ -19,7 +19,7 @@ constexpr std::size_t k_header = 4;
 constexpr unsigned k_slt = 1;
 constexpr std::uint32_t k_noAddress = 0xFFFFFFFF;
 
-const char* Encoding(SBytes payload)
+const char* Encoding(SView payload)
 {
     if (payload.size == 0) {
         return "empty";
@@ -79,9 +79,9 @@ std::string DropText(const SParseSLT::SService& service, CParseSLT::EDropReason 
     return "unknown reason";
 }
 
-SService ListedService(const SParseSLT::SService& service)
+SListedService ListedService(const SParseSLT::SService& service)
 {
-    SService listed;
+    SListedService listed;
     listed.serviceId = static_cast<unsigned>(service.serviceId);
     listed.category = service.serviceCategory;
     listed.globalServiceId = service.globalServiceId.value_or("");
@@ -152,7 +152,7 @@ std::size_t CLlsFollower::Services() const
     return count;
 }
 
-void CLlsFollower::m_Take(SBytes bytes, const SSource& source, bool insideMultiTable)
+void CLlsFollower::m_Take(SView bytes, const SSource& source, bool insideMultiTable)
 {
     m_taken += insideMultiTable ? 0 : 1;
     if (bytes.size < k_header) {
@@ -194,7 +194,7 @@ void CLlsFollower::m_Take(SBytes bytes, const SSource& source, bool insideMultiT
         m_report.Fault(fault);
     }
     for (const std::vector<unsigned char>& inner : outcome.inner) {
-        const SBytes inside = {inner.data(), inner.size()};
+        const SView inside = {inner.data(), inner.size()};
         if (!insideMultiTable) {
             m_Take(inside, source, true);
         } else {
@@ -204,7 +204,7 @@ void CLlsFollower::m_Take(SBytes bytes, const SSource& source, bool insideMultiT
     }
 }
 
-CLlsFollower::SOutcome CLlsFollower::m_ParseOther(SBytes bytes, STable& table)
+CLlsFollower::SOutcome CLlsFollower::m_ParseOther(SView bytes, STable& table)
 {
     SOutcome outcome;
     TakeAssertions();
@@ -246,7 +246,7 @@ void CLlsFollower::m_AddAssertions(const std::vector<SAssertion>& assertions, co
     }
 }
 
-EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SBytes payload, STable& table, const SSource& source)
+EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SView payload, STable& table, const SSource& source)
 {
     const std::uint64_t hash = ContentHash(payload);
     const auto [entry, isNew] = m_states.try_emplace(Key(header));
@@ -269,7 +269,7 @@ EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SBytes payload, STable
 
 /// A parser object piles up the services of all its tables: each table has one of its own. Its
 /// services get a channel of their own too, so that nothing of the previous list is left in them.
-CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& table)
+CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SView bytes, const STable& table)
 {
     SOutcome outcome;
     auto current = std::make_unique<SCurrentSlt>();
@@ -295,7 +295,7 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& tabl
     if (parsed) {
         outcome.slt.emplace().dropped = static_cast<unsigned>(outcome.faults.size());
         m_Read(parser, bytes, table, outcome);
-        std::vector<SService> services;
+        std::vector<SListedService> services;
         for (const SParseSLT::SService& service : outcome.slt->services) {
             current->services.push_back(service.service);
             services.push_back(ListedService(service));
@@ -312,7 +312,7 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SBytes bytes, const STable& tabl
     return outcome;
 }
 
-void CLlsFollower::m_Read(CParseSLT& parser, SBytes bytes, const STable& table, SOutcome& outcome)
+void CLlsFollower::m_Read(CParseSLT& parser, SView bytes, const STable& table, SOutcome& outcome)
 {
     SSlt& slt = *outcome.slt;
     slt.bsid = parser.Bsid();

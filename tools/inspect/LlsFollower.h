@@ -27,14 +27,14 @@ class CLlsFollower {
     CLlsFollower& operator=(const CLlsFollower&) = delete;
 
     /// Takes one LLS table: one UDP payload of the stream.
-    void Take(SBytes table, const SSource& source) { m_Take(table, source, false); }
+    void Take(SView table, const SSource& source) { m_Take(table, source, false); }
 
     std::uint64_t Tables() const { return m_taken; }
     bool SawSlt() const { return m_sawSlt; }
     /// Services in the lists that hold now.
     std::size_t Services() const;
     /// Told, whenever the list of an LLS group is replaced or let go, which services it has from now on.
-    using TServiceListener = std::function<void(unsigned char groupId, std::vector<SService>)>;
+    using TServiceListener = std::function<void(unsigned char groupId, std::vector<SListedService>)>;
     void SetServiceListener(TServiceListener listener) { m_serviceListener = std::move(listener); }
 
   private:
@@ -57,13 +57,13 @@ class CLlsFollower {
         std::vector<std::vector<unsigned char>> inner;
     };
 
-    void m_Take(SBytes table, const SSource& source, bool insideMultiTable);
-    SOutcome m_ParseOther(SBytes bytes, STable& table);
-    EStatus m_Compare(const SLlsHeader& header, SBytes payload, STable& table, const SSource& source);
+    void m_Take(SView table, const SSource& source, bool insideMultiTable);
+    SOutcome m_ParseOther(SView bytes, STable& table);
+    EStatus m_Compare(const SLlsHeader& header, SView payload, STable& table, const SSource& source);
     static void m_Explain(const STable& table, SOutcome& outcome);
     static void m_AddAssertions(const std::vector<SAssertion>& assertions, const STable& table, SOutcome& outcome);
-    SOutcome m_ParseSlt(SBytes bytes, const STable& table);
-    void m_Read(CParseSLT& parser, SBytes bytes, const STable& table, SOutcome& outcome);
+    SOutcome m_ParseSlt(SView bytes, const STable& table);
+    void m_Read(CParseSLT& parser, SView bytes, const STable& table, SOutcome& outcome);
     void m_Hold(unsigned char groupId, std::unique_ptr<SCurrentSlt> current, const STable& table, SOutcome& outcome);
     void m_Release(unsigned char groupId);
 
@@ -71,7 +71,7 @@ class CLlsFollower {
     const bool m_lenient;
     CChannelMap& m_channelMap;
     CReport& m_report;
-    TServiceListener m_serviceListener = [](unsigned char, const std::vector<SService>&) {};
+    TServiceListener m_serviceListener = [](unsigned char, const std::vector<SListedService>&) {};
     std::map<unsigned, SState> m_states;  ///< by table id and group id
     std::map<unsigned char, std::unique_ptr<SCurrentSlt>> m_current;
     std::list<unsigned char> m_groups;  ///< of m_current, oldest list first

@@ -1,8 +1,11 @@
 #include "LlsTables.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <list>
+#include <type_traits>
 
 #include "Certificates.h"
 #include "LibraryPort.h"
@@ -33,7 +36,7 @@ std::string ZoneText(int seconds)
 
 /// Gives the table to a fresh parser; false, with the reason, when it does not parse.
 template <class TTable>
-bool Feed(TTable& parser, SBytes bytes, std::string& reason)
+bool Feed(TTable& parser, SView bytes, std::string& reason)
 {
     IParse::SItem item = {bytes.data, static_cast<unsigned>(bytes.size), static_cast<unsigned>(bytes.size) * 8, 0,
                           true};
@@ -302,7 +305,7 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
 
 /// Splits the multi-table; its tables go on to their own parsers, each behind a header made of what the
 /// multi-table says of it.
-void ReadMultiTable(const SLlsHeader& header, SBytes bytes, STableOutcome& outcome)
+void ReadMultiTable(const SLlsHeader& header, SView bytes, STableOutcome& outcome)
 {
     CLLSSMTParser parser;
     parser.Create();
@@ -354,66 +357,68 @@ void ReadMultiTable(const SLlsHeader& header, SBytes bytes, STableOutcome& outco
     parser.Destroy();
 }
 
+/// Gives the table to a fresh parser, and what it holds to `TRead`.
+template <class TParser, auto TRead>
+void Read(const SLlsHeader& header, SView bytes, STableOutcome& outcome)
+{
+    TParser parser;
+    if constexpr (std::is_same_v<TParser, CParseSystemTime>) {
+        parser.Create(header.groupId);
+    } else if constexpr (std::is_same_v<TParser, CParseAEAT>) {
+        parser.Create(nullptr);
+    } else {
+        parser.Create();
+    }
+    if (Feed(parser, bytes, outcome.reason)) {
+        if constexpr (std::is_invocable_v<decltype(TRead), const TParser&>) {
+            outcome.content = TRead(parser);
+        } else {
+            outcome.content = TRead(parser, outcome);
+        }
+    }
+    parser.Destroy();
+}
+
+struct STableKind {
+    unsigned id;
+    const char* name;
+    void (*read)(const SLlsHeader& header, SView bytes, STableOutcome& outcome);  ///< null: not here
+};
+
+constexpr STableKind k_tables[] = {{1, "SLT", nullptr},
+                                   {2, "RRT", Read<CParseRRT, ReadRrt>},
+                                   {3, "SystemTime", Read<CParseSystemTime, ReadSystemTime>},
+                                   {4, "AEAT", Read<CParseAEAT, ReadAeat>},
+                                   {5, "OnscreenMessageNotification", Read<CParseOnscreenNoti, ReadOnscreen>},
+                                   {6, "CertificationData", Read<CParseCDT, ReadCdt>},
+                                   {0xFE, "SignedMultiTable", ReadMultiTable},
+                                   {0xFF, "UserDefined", nullptr}};
+
+const STableKind* Find(unsigned tableId)
+{
+    const auto* kind = std::find_if(std::begin(k_tables), std::end(k_tables),
+                                    [tableId](const STableKind& each) { return each.id == tableId; });
+    return kind != std::end(k_tables) ? kind : nullptr;
+}
+
 }  // namespace
+
+const char* TableName(unsigned tableId)
+{
+    const STableKind* kind = Find(tableId);
+    return kind ? kind->name : nullptr;
+}
 
 bool HasParser(unsigned tableId)
 {
-    return (tableId >= 2 && tableId <= 6) || tableId == 0xFE;
+    const STableKind* kind = Find(tableId);
+    return kind && kind->read;
 }
 
-STableOutcome ParseTable(const SLlsHeader& header, SBytes bytes)
+STableOutcome ParseTable(const SLlsHeader& header, SView bytes)
 {
     STableOutcome outcome;
-    switch (header.tableId) {
-        case 2: {
-            CParseRRT parser;
-            parser.Create();
-            if (Feed(parser, bytes, outcome.reason)) {
-                outcome.content = ReadRrt(parser);
-            }
-            parser.Destroy();
-            break;
-        }
-        case 3: {
-            CParseSystemTime parser;
-            parser.Create(header.groupId);
-            if (Feed(parser, bytes, outcome.reason)) {
-                outcome.content = ReadSystemTime(parser);
-            }
-            parser.Destroy();
-            break;
-        }
-        case 4: {
-            CParseAEAT parser;
-            parser.Create(nullptr);
-            if (Feed(parser, bytes, outcome.reason)) {
-                outcome.content = ReadAeat(parser);
-            }
-            parser.Destroy();
-            break;
-        }
-        case 5: {
-            CParseOnscreenNoti parser;
-            parser.Create();
-            if (Feed(parser, bytes, outcome.reason)) {
-                outcome.content = ReadOnscreen(parser);
-            }
-            parser.Destroy();
-            break;
-        }
-        case 6: {
-            CParseCDT parser;
-            parser.Create();
-            if (Feed(parser, bytes, outcome.reason)) {
-                outcome.content = ReadCdt(parser, outcome);
-            }
-            parser.Destroy();
-            break;
-        }
-        default:
-            ReadMultiTable(header, bytes, outcome);
-            break;
-    }
+    Find(header.tableId)->read(header, bytes, outcome);
     return outcome;
 }
 

@@ -16,9 +16,11 @@ struct STableOutcome {
     std::vector<std::vector<unsigned char>> inner;  ///< tables within, each behind a header of its own
 };
 
+/// Name of a table; null: the id has none.
+const char* TableName(unsigned tableId);
 /// Whether ParseTable knows the table id.
 bool HasParser(unsigned tableId);
-/// Hands a whole LLS table, header included, to its parser and reads what it found.
-STableOutcome ParseTable(const SLlsHeader& header, SBytes bytes);
+/// Hands a whole LLS table that has a parser, header included, to it and reads what it found.
+STableOutcome ParseTable(const SLlsHeader& header, SView bytes);
 
 }  // namespace vyr::inspect

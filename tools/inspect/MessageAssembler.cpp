@@ -13,17 +13,8 @@ constexpr unsigned k_last = 3;
 
 }  // namespace
 
-SMessageCounts& SMessageCounts::operator+=(const SMessageCounts& other)
-{
-    complete += other.complete;
-    lost += other.lost;
-    dropped += other.dropped;
-    repeated += other.repeated;
-    return *this;
-}
-
 CMessageAssembler::CMessageAssembler(CAssemblyMemory& memory, TSink sink)
-    : m_sink(std::move(sink)), m_objects(memory, [this](const TToi& toi, SBytes message) {
+    : m_sink(std::move(sink)), m_objects(memory, [this](const TToi& toi, SView message) {
           ++m_counts.complete;
           m_sink(static_cast<std::uint16_t>(toi.first), message);
       })
@@ -42,7 +33,7 @@ bool CMessageAssembler::Take(const SMmtpPacket& packet)
     if (arrival == EArrival::BEHIND_A_GAP) {
         m_Lose(flow);
     }
-    const SBytes payload = packet.payload;
+    const SView payload = packet.payload;
     if (payload.size <= k_header) {
         m_Lose(flow);
         return false;
@@ -50,7 +41,7 @@ bool CMessageAssembler::Take(const SMmtpPacket& packet)
     const unsigned indicator = payload[0] >> 6;
     const std::size_t lengthSize = (payload[0] & 0x02) != 0 ? 4 : 2;
     const bool several = (payload[0] & 0x01) != 0;
-    const SBytes data = payload.From(k_header);
+    const SView data = payload.From(k_header);
     if (indicator == k_whole) {
         if (arrival != EArrival::LATE) {
             m_Lose(flow);
@@ -110,7 +101,7 @@ CMessageAssembler::EArrival CMessageAssembler::m_Arrive(SFlow& flow, std::uint32
     return next ? EArrival::NEXT : EArrival::BEHIND_A_GAP;
 }
 
-bool CMessageAssembler::m_TakeWhole(const SMmtpPacket& packet, SBytes data, bool several, std::size_t lengthSize)
+bool CMessageAssembler::m_TakeWhole(const SMmtpPacket& packet, SView data, bool several, std::size_t lengthSize)
 {
     if (!several) {
         ++m_counts.complete;
@@ -130,7 +121,7 @@ bool CMessageAssembler::m_TakeWhole(const SMmtpPacket& packet, SBytes data, bool
     return true;
 }
 
-void CMessageAssembler::m_TakeFragment(const SMmtpPacket& packet, SFlow& flow, unsigned indicator, SBytes data)
+void CMessageAssembler::m_TakeFragment(const SMmtpPacket& packet, SFlow& flow, unsigned indicator, SView data)
 {
     if (indicator == k_first) {
         m_Lose(flow);

@@ -10,16 +10,6 @@
 
 namespace vyr::inspect {
 
-/// What became of the messages of a session.
-struct SMessageCounts {
-    std::uint64_t complete = 0;  ///< repeats included
-    std::uint64_t lost = 0;      ///< of which fragments are missing
-    std::uint64_t dropped = 0;   ///< for want of memory, or larger than the tool takes
-    std::uint64_t repeated = 0;  ///< packets that came before
-
-    SMessageCounts& operator+=(const SMessageCounts& other);
-};
-
 /// Takes the signalling messages out of the MMTP packets of a session: whole ones, several in a packet, and
 /// fragments of one in consecutive packets of a packet id, in bounded memory.
 class CMessageAssembler {
@@ -27,7 +17,7 @@ class CMessageAssembler {
     static constexpr std::size_t k_maxMessage = 1048576;  ///< bytes
     static constexpr std::size_t k_maxFlows = 64;         ///< packet ids; beyond, the one first seen is forgotten
 
-    using TSink = std::function<void(std::uint16_t packetId, SBytes message)>;
+    using TSink = std::function<void(std::uint16_t packetId, SView message)>;
 
     /// The sink's message is good during the call only.
     CMessageAssembler(CAssemblyMemory& memory, TSink sink);
@@ -54,8 +44,8 @@ class CMessageAssembler {
 
     SFlow& m_Flow(std::uint16_t packetId);
     static EArrival m_Arrive(SFlow& flow, std::uint32_t sequenceNumber);
-    bool m_TakeWhole(const SMmtpPacket& packet, SBytes data, bool several, std::size_t lengthSize);
-    void m_TakeFragment(const SMmtpPacket& packet, SFlow& flow, unsigned indicator, SBytes data);
+    bool m_TakeWhole(const SMmtpPacket& packet, SView data, bool several, std::size_t lengthSize);
+    void m_TakeFragment(const SMmtpPacket& packet, SFlow& flow, unsigned indicator, SView data);
     void m_Lose(SFlow& flow);
 
     TSink m_sink;

@@ -11,7 +11,7 @@ CMessageFollower::CMessageFollower(const SFollowed& followed, CReport& report) :
 {
 }
 
-void CMessageFollower::Take(const std::optional<std::uint16_t>& packetId, SBytes bytes, const SSource& source)
+void CMessageFollower::Take(const std::optional<std::uint16_t>& packetId, SView bytes, const SSource& source)
 {
     const std::string place = packetId ? " of packet id " + std::to_string(*packetId) : "";
     SMessageHead head;

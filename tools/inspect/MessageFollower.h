@@ -21,7 +21,7 @@ class CMessageFollower {
     CMessageFollower(const SFollowed& followed, CReport& report);
 
     /// Takes one whole message; `packetId` is none for a raw file.
-    void Take(const std::optional<std::uint16_t>& packetId, SBytes message, const SSource& source);
+    void Take(const std::optional<std::uint16_t>& packetId, SView message, const SSource& source);
     /// Whether any message has parsed.
     bool Signals() const { return m_parsed; }
     /// Why what has parsed does not signal the service; empty: it does.

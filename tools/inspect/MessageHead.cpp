@@ -23,17 +23,17 @@ std::size_t LengthSize(unsigned id)
     }
 }
 
-void Mix(std::uint64_t& hash, SBytes bytes)
+void Mix(std::uint64_t& hash, SView bytes)
 {
     hash = hash * 1099511628211u ^ ContentHash(bytes);
 }
 
-SBytes Uri(SBytes payload)
+SView Uri(SView payload)
 {
     return payload.From(k_uriLength + 1).First(payload[k_uriLength]);
 }
 
-void AddName(std::vector<unsigned>& kind, SBytes name)
+void AddName(std::vector<unsigned>& kind, SView name)
 {
     const std::uint64_t hash = ContentHash(name);
     kind.insert(kind.end(), {static_cast<unsigned>(hash >> 32), static_cast<unsigned>(hash)});
@@ -43,7 +43,7 @@ void AddName(std::vector<unsigned>& kind, SBytes name)
 void ReadMpt(SMessageHead& head)
 {
     constexpr std::size_t k_idLength = 5;
-    const SBytes table = head.payload;
+    const SView table = head.payload;
     if (table.size > k_idLength && (table[0] == 0x11 || table[0] == 0x20)) {
         AddName(head.kind, table.From(k_idLength + 1).First(table[k_idLength]));
     }
@@ -59,7 +59,7 @@ void ReadAtsc3(SMessageHead& head)
     }
     head.kind.insert(head.kind.end(), {head.payload.Be16(0), head.payload.Be16(k_type)});
     head.versions.push_back(head.payload[k_version]);
-    const std::optional<SBytes> content = Atsc3Content(head.payload);
+    const std::optional<SView> content = Atsc3Content(head.payload);
     if (content) {
         AddName(head.kind, Uri(head.payload));
     }
@@ -67,13 +67,13 @@ void ReadAtsc3(SMessageHead& head)
     Mix(head.hash, head.payload.First(k_version));
     // Of one that is not whole there is no telling the URI from the content.
     Mix(head.hash, content.value_or(head.payload.From(k_version + 1)));
-    Mix(head.hash, content ? Uri(head.payload) : SBytes());
+    Mix(head.hash, content ? Uri(head.payload) : SView());
     head.hash = head.hash * 31 + (content ? head.payload[k_compression] : 0u);
 }
 
 /// False: the bytes end before the length does. Signed messages in signed ones are followed as deep as the
 /// library does.
-bool Read(SBytes bytes, int depth, SMessageHead& head)
+bool Read(SView bytes, int depth, SMessageHead& head)
 {
     if (bytes.size < k_beforeLength) {
         return false;
@@ -85,7 +85,7 @@ bool Read(SBytes bytes, int depth, SMessageHead& head)
         return false;
     }
     const std::size_t length = lengthSize == 4 ? bytes.Be32(k_beforeLength) : bytes.Be16(k_beforeLength);
-    const SBytes behind = bytes.From(k_beforeLength + lengthSize);
+    const SView behind = bytes.From(k_beforeLength + lengthSize);
     head.payload = behind.First(length);
     head.whole = behind.size >= length;
     head.trailing = behind.From(length);
@@ -110,12 +110,12 @@ bool Read(SBytes bytes, int depth, SMessageHead& head)
 
 }  // namespace
 
-bool ReadMessageHead(SBytes bytes, SMessageHead& head)
+bool ReadMessageHead(SView bytes, SMessageHead& head)
 {
     return Read(bytes, 1, head);
 }
 
-std::optional<SBytes> Atsc3Content(SBytes payload)
+std::optional<SView> Atsc3Content(SView payload)
 {
     if (payload.size <= k_uriLength) {
         return std::nullopt;
@@ -127,7 +127,7 @@ std::optional<SBytes> Atsc3Content(SBytes payload)
     return payload.From(at + 4).First(payload.Be32(at));
 }
 
-bool IsMessageStart(SBytes start)
+bool IsMessageStart(SView start)
 {
     if (start.size < 2) {
         return false;
@@ -136,7 +136,7 @@ bool IsMessageStart(SBytes start)
     return id <= 0x0020 || (id >= 0x0200 && id <= 0x020E) || id == k_atsc3Message || id == k_signedMessage;
 }
 
-bool IsMessageFile(SBytes bytes)
+bool IsMessageFile(SView bytes)
 {
     constexpr std::size_t k_padding = 16;
     SMessageHead head;

@@ -12,9 +12,9 @@ namespace vyr::inspect {
 struct SMessageHead {
     std::uint16_t id = 0;
     std::uint8_t version = 0;
-    SBytes payload;      ///< what the length spans, as far as it is there
+    SView payload;       ///< what the length spans, as far as it is there
     bool whole = false;  ///< whether all of it is there
-    SBytes trailing;     ///< what stands behind it
+    SView trailing;      ///< what stands behind it
     /// Whether messages are of one kind, so that one replaces the other: the message id; of an ATSC 3.0
     /// message the service, the content type and the URI, of an MPT message the package; of a signed message
     /// the service and what the message it wraps has.
@@ -30,15 +30,15 @@ constexpr unsigned k_atsc3Message = 0x8100;
 constexpr unsigned k_signedMessage = 0x8101;
 
 /// False: the bytes end before the length does.
-bool ReadMessageHead(SBytes bytes, SMessageHead& head);
+bool ReadMessageHead(SView bytes, SMessageHead& head);
 
 /// Content of an ATSC 3.0 message as it was sent; none: the payload ends before it does.
-std::optional<SBytes> Atsc3Content(SBytes payload);
+std::optional<SView> Atsc3Content(SView payload);
 
 /// Whether a file that begins so may be a message: its id is a known one.
-bool IsMessageStart(SBytes start);
+bool IsMessageStart(SView start);
 /// Whether the bytes are one message of a known id and nothing, or padding of up to 16 bytes, behind it; no
 /// padding for the ids 0x0200 to 0x020E, which LLS tables of id 2 begin with, too.
-bool IsMessageFile(SBytes bytes);
+bool IsMessageFile(SView bytes);
 
 }  // namespace vyr::inspect

@@ -304,7 +304,7 @@ SContent AcContent(const CMMTMsgAc& message)
         PutValue(json, "rtx_window_timeout", entry.windowTimeout);
         const auto* address = reinterpret_cast<const unsigned char*>(entry.serverAddress.data());
         if (entry.serverAddress.size() == 4) {
-            json["arq_server_address"] = Ipv4Text(SBytes{address, 4}.Be32(0));
+            json["arq_server_address"] = Ipv4Text(SView{address, 4}.Be32(0));
         } else if (entry.serverAddress.size() == 16) {
             json["arq_server_address"] = Ipv6Text(address);
         }

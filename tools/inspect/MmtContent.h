@@ -24,9 +24,9 @@ SContent MmtUsbdContent(const CMMTUsbd& usbd);
 SContent MmtPayloadContent(const CMMTMsgPayload& message);
 /// A message or descriptor of low delay consumption.
 void PutLowDelay(TJson& json, const CMMTDescLowDelay::SLowDelay& fields);
-/// A 64-bit NTP timestamp as ISO 8601, UTC.
 /// The id of an asset; as hex where it is no printable text, such as a UUID.
 std::string AssetIdText(std::string_view id);
+/// A 64-bit NTP timestamp as ISO 8601, UTC.
 std::string NtpText(unsigned long long timestamp);
 
 }  // namespace vyr::inspect

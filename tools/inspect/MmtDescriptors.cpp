@@ -1,19 +1,12 @@
 #include "MmtDescriptors.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string_view>
 
 #include "MmtContent.h"
-#include "Names.h"
 #include "Text.h"
-#include "mmt/desc/MMTDescAsp.h"
-#include "mmt/desc/MMTDescCaption.h"
-#include "mmt/desc/MMTDescCri.h"
-#include "mmt/desc/MMTDescDependency.h"
-#include "mmt/desc/MMTDescLowDelay.h"
-#include "mmt/desc/MMTDescMpuTimestamp.h"
-#include "mmt/desc/MMTDescSi.h"
-#include "mmt/desc/MMTDescSp.h"
-#include "mmt/desc/MMTDescVsp.h"
+#include "mmt/desc/MMTDescs.h"
 
 namespace vyr::inspect {
 
@@ -22,7 +15,7 @@ namespace {
 constexpr char k_tag[] = "descriptor_tag";
 constexpr char k_payload[] = "payload";
 
-SBytes BytesOf(std::string_view bytes)
+SView BytesOf(std::string_view bytes)
 {
     return {reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()};
 }
@@ -51,12 +44,12 @@ void PutEach(TJson& json, const char* key, const TList& list, TFill fill)
 }
 
 /// The assets of a descriptor, each with its id.
-template <class TDescriptor, class TFill>
-void PutAssets(TJson& json, const CMMTDesc& descriptor, TFill fill)
+template <class TDescriptor, void (*TPut)(const typename TDescriptor::SAsset& asset, TJson& entry)>
+void PutAssets(TJson& json, const CMMTDesc& descriptor)
 {
-    PutEach(json, "assets", static_cast<const TDescriptor&>(descriptor).Assets(), [&](const auto& asset, TJson& entry) {
+    PutEach(json, "assets", static_cast<const TDescriptor&>(descriptor).Assets(), [](const auto& asset, TJson& entry) {
         entry["asset_id"] = AssetIdText(asset.assetId);
-        fill(asset, entry);
+        TPut(asset, entry);
     });
 }
 
@@ -76,6 +69,11 @@ void PutTimestamps(TJson& json, const CMMTDescMpuTimestamp& descriptor)
             });
 }
 
+void PutDependency(const CMMTDescDependency::SAsset& asset, TJson& json)
+{
+    json["asset_id_scheme"] = FourCcText(BytesOf(asset.scheme));
+}
+
 void PutSecurity(TJson& json, const CMMTDescSi& descriptor)
 {
     PutEach(json, "systems", descriptor.Systems(), [](const CMMTDescSi::SSystem& system, TJson& entry) {
@@ -85,6 +83,36 @@ void PutSecurity(TJson& json, const CMMTDescSi& descriptor)
         }
         PutHex(entry, "data", system.data);
     });
+}
+
+void PutProfile(TJson& json, const CMMTDescVsp::SProfile& profile)
+{
+    json["profile_space"] = profile.profileSpace;
+    json["tier_flag"] = profile.tierFlag;
+    json["profile_idc"] = profile.profileIdc;
+    json["profile_compatibility_flags"] = profile.compatibilityFlags;
+    json["progressive_source_flag"] = profile.progressiveSourceFlag;
+    json["interlaced_source_flag"] = profile.interlacedSourceFlag;
+    json["non_packed_constraint_flag"] = profile.nonPackedConstraintFlag;
+    json["frame_only_constraint_flag"] = profile.frameOnlyConstraintFlag;
+    json["constraint_flags"] = profile.constraintFlags;
+}
+
+void PutLevels(const CMMTDescVsp::SAsset& asset, TJson& json)
+{
+    if (!asset.profileTierLevel) {
+        return;
+    }
+    TJson& levels = json["profile_tier_level"];
+    PutProfile(levels, asset.profileTierLevel->profile);
+    levels["level_idc"] = asset.profileTierLevel->levelIdc;
+    PutEach(levels, "sub_layers", asset.profileTierLevel->subLayers,
+            [](const CMMTDescVsp::SSubLayer& layer, TJson& entry) {
+                if (layer.profile) {
+                    PutProfile(entry, *layer.profile);
+                }
+                PutValue(entry, "level_idc", layer.levelIdc);
+            });
 }
 
 void PutVideo(const CMMTDescVsp::SAsset& asset, TJson& json)
@@ -131,36 +159,7 @@ void PutVideo(const CMMTDescVsp::SAsset& asset, TJson& json)
         PutValue(json, "cg_compatibility", colour.cgCompatibility);
         PutHex(json, "eotf_info", colour.eotfInfo);
     }
-}
-
-void PutProfile(TJson& json, const CMMTDescVsp::SProfile& profile)
-{
-    json["profile_space"] = profile.profileSpace;
-    json["tier_flag"] = profile.tierFlag;
-    json["profile_idc"] = profile.profileIdc;
-    json["profile_compatibility_flags"] = profile.compatibilityFlags;
-    json["progressive_source_flag"] = profile.progressiveSourceFlag;
-    json["interlaced_source_flag"] = profile.interlacedSourceFlag;
-    json["non_packed_constraint_flag"] = profile.nonPackedConstraintFlag;
-    json["frame_only_constraint_flag"] = profile.frameOnlyConstraintFlag;
-    json["constraint_flags"] = profile.constraintFlags;
-}
-
-void PutLevels(const CMMTDescVsp::SAsset& asset, TJson& json)
-{
-    if (!asset.profileTierLevel) {
-        return;
-    }
-    TJson& levels = json["profile_tier_level"];
-    PutProfile(levels, asset.profileTierLevel->profile);
-    levels["level_idc"] = asset.profileTierLevel->levelIdc;
-    PutEach(levels, "sub_layers", asset.profileTierLevel->subLayers,
-            [](const CMMTDescVsp::SSubLayer& layer, TJson& entry) {
-                if (layer.profile) {
-                    PutProfile(entry, *layer.profile);
-                }
-                PutValue(entry, "level_idc", layer.levelIdc);
-            });
+    PutLevels(asset, json);
 }
 
 void PutPresentation(const CMMTDescAsp::SPresentation& presentation, TJson& json)
@@ -232,37 +231,42 @@ void PutProtection(const CMMTDescSp::SAsset& asset, TJson& json)
     });
 }
 
-void PutFields(TJson& json, const CMMTDesc& descriptor)
+void PutDelay(TJson& json, const CMMTDescLowDelay& descriptor)
 {
-    switch (descriptor.Tag()) {
-        case 0:
-            return PutClock(json, static_cast<const CMMTDescCri&>(descriptor));
-        case 1:
-            return PutTimestamps(json, static_cast<const CMMTDescMpuTimestamp&>(descriptor));
-        case 2:
-            return PutAssets<CMMTDescDependency>(json, descriptor,
-                                                 [](const CMMTDescDependency::SAsset& asset, TJson& entry) {
-                                                     entry["asset_id_scheme"] = FourCcText(BytesOf(asset.scheme));
-                                                 });
-        case 4:
-            return PutSecurity(json, static_cast<const CMMTDescSi&>(descriptor));
-        case 5:
-            return PutAssets<CMMTDescVsp>(json, descriptor, [](const CMMTDescVsp::SAsset& asset, TJson& entry) {
-                PutVideo(asset, entry);
-                PutLevels(asset, entry);
-            });
-        case 8:
-            return PutAssets<CMMTDescCaption>(json, descriptor, PutCaption);
-        case 9:
-            return PutAssets<CMMTDescAsp>(json, descriptor, PutAudio);
-        case 12:
-        case 13:
-            return PutAssets<CMMTDescSp>(json, descriptor, PutProtection);
-        case 14:
-            return PutLowDelay(json, static_cast<const CMMTDescLowDelay&>(descriptor).Fields());
-        default:
-            return;
-    }
+    PutLowDelay(json, descriptor.Fields());
+}
+
+template <class TDescriptor, auto TPut>
+void Put(TJson& json, const CMMTDesc& descriptor)
+{
+    TPut(json, static_cast<const TDescriptor&>(descriptor));
+}
+
+struct SDescriptorKind {
+    unsigned tag;
+    const char* name;
+    void (*put)(TJson& json, const CMMTDesc& descriptor);
+};
+
+constexpr SDescriptorKind k_descriptors[] = {
+    {0, "clock relation", Put<CMMTDescCri, PutClock>},
+    {1, "MPU timestamp", Put<CMMTDescMpuTimestamp, PutTimestamps>},
+    {2, "dependency", PutAssets<CMMTDescDependency, PutDependency>},
+    {4, "security information", Put<CMMTDescSi, PutSecurity>},
+    {5, "video stream properties", PutAssets<CMMTDescVsp, PutVideo>},
+    {8, "caption assets", PutAssets<CMMTDescCaption, PutCaption>},
+    {9, "audio stream properties", PutAssets<CMMTDescAsp, PutAudio>},
+    {12, "security properties", PutAssets<CMMTDescSp, PutProtection>},
+    {13, "licence servers", PutAssets<CMMTDescSp, PutProtection>},
+    {14, "low delay", Put<CMMTDescLowDelay, PutDelay>},
+};
+
+/// Null: no class of the library has the tag.
+const SDescriptorKind* Find(unsigned tag)
+{
+    const auto* kind = std::find_if(std::begin(k_descriptors), std::end(k_descriptors),
+                                    [tag](const SDescriptorKind& each) { return each.tag == tag; });
+    return kind != std::end(k_descriptors) ? kind : nullptr;
 }
 
 }  // namespace
@@ -270,8 +274,11 @@ void PutFields(TJson& json, const CMMTDesc& descriptor)
 TJson DescriptorJson(const CMMTDesc& descriptor)
 {
     TJson json = TJson::object();
-    PutNamed(json, k_tag, descriptor.Tag(), DescriptorName(descriptor.Tag()));
-    PutFields(json, descriptor);
+    const SDescriptorKind* kind = Find(descriptor.Tag());
+    PutNamed(json, k_tag, descriptor.Tag(), kind ? kind->name : nullptr);
+    if (kind) {
+        kind->put(json, descriptor);
+    }
     // Where the fields are in doubt, the bytes are not.
     if (const auto* payload = dynamic_cast<const CMMTDescPayload*>(&descriptor)) {
         json[k_payload] = Hex({payload->RawData(), payload->RawLength()});
@@ -282,14 +289,14 @@ TJson DescriptorJson(const CMMTDesc& descriptor)
 std::string DescriptorText(const std::string& indent, const TJson& descriptor)
 {
     const unsigned tag = descriptor[k_tag];
-    const char* name = DescriptorName(tag);
+    const SDescriptorKind* kind = Find(tag);
     TJson fields = TJson::object();
     for (const auto& [key, value] : descriptor.items()) {
         if (key.rfind(k_tag, 0) != 0 && key != k_payload) {
             fields[key] = value;
         }
     }
-    return indent + "descriptor " + (name != nullptr ? std::string(name) + ' ' : "") + '(' + std::to_string(tag) +
+    return indent + "descriptor " + (kind ? std::string(kind->name) + ' ' : "") + '(' + std::to_string(tag) +
            "): " + FieldsText(fields) + '\n';
 }
 

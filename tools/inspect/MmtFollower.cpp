@@ -16,12 +16,12 @@ class CMmtSession : public CSession {
           m_memory(std::move(memory)),
           m_follower(followed, report),
           m_assembler(*m_memory,
-                      [this](std::uint16_t packetId, SBytes message) { m_follower.Take(packetId, message, *m_source); })
+                      [this](std::uint16_t packetId, SView message) { m_follower.Take(packetId, message, *m_source); })
     {
         m_counts.sessions = 1;
     }
 
-    void Take(SBytes payload, const SSource& source) override;
+    void Take(SView payload, const SSource& source) override;
     bool Signals() const override { return m_follower.Signals(); }
     std::string Missing(unsigned serviceId) const override { return m_follower.Missing(serviceId); }
     std::string Missing() const override;
@@ -36,7 +36,7 @@ class CMmtSession : public CSession {
     const SSource* m_source = nullptr;
 };
 
-void CMmtSession::Take(SBytes payload, const SSource& source)
+void CMmtSession::Take(SView payload, const SSource& source)
 {
     SMmtpPacket packet;
     m_source = &source;
@@ -63,7 +63,7 @@ void CMmtSession::Count(SSummary& summary) const
 {
     SMmtpCounts counts = m_counts;
     counts.messages = m_assembler.Counts();
-    summary.mmtp += counts;
+    AddCounts(summary.mmtp, counts);
 }
 
 std::string CMmtSession::Missing() const

@@ -48,7 +48,7 @@ class CMessageReader {
   public:
     CMessageReader(SRemarks& remarks, SMessageOutcome& outcome) : m_remarks(remarks), m_outcome(outcome) {}
 
-    SContent Read(CMMTMsg& message, SBytes bytes);
+    SContent Read(CMMTMsg& message, SView bytes);
 
   private:
     void m_Add(const char* key, const std::string& title, SContent part, SContent& content);
@@ -56,18 +56,18 @@ class CMessageReader {
     void m_AddUnlessRefused(const char* name, bool refused, SContent part, SContent& content);
     void m_ReadPa(CMMTMsgPa& message, SContent& content);
     void m_ReadMpi(CMMTMsgMpi& message, SContent& content);
-    void m_ReadAtsc3(CMMTMsgAtsc3& message, SBytes bytes, SContent& content);
-    void m_ReadAtsc3Content(CMMTMsgAtsc3& message, SBytes bytes, SContent& content);
+    void m_ReadAtsc3(CMMTMsgAtsc3& message, SView bytes, SContent& content);
+    void m_ReadAtsc3Content(CMMTMsgAtsc3& message, SView bytes, SContent& content);
     void m_ReadRsat(const CRSAT& rsat, SContent& content);
     void m_ReadMpd(const CMMTMsgAtsc3& message, SContent& content);
-    void m_ReadOther(const CMMTMsgAtsc3& message, SBytes bytes, SContent& content);
+    void m_ReadOther(const CMMTMsgAtsc3& message, SView bytes, SContent& content);
     void m_ReadSigned(CMMTMsgSmm& message, SContent& content);
 
     SRemarks& m_remarks;
     SMessageOutcome& m_outcome;
 };
 
-SContent CMessageReader::Read(CMMTMsg& message, SBytes bytes)
+SContent CMessageReader::Read(CMMTMsg& message, SView bytes)
 {
     SContent content;
     switch (message.ClassType()) {
@@ -159,7 +159,7 @@ void CMessageReader::m_ReadMpi(CMMTMsgMpi& message, SContent& content)
     }
 }
 
-void CMessageReader::m_ReadAtsc3(CMMTMsgAtsc3& message, SBytes bytes, SContent& content)
+void CMessageReader::m_ReadAtsc3(CMMTMsgAtsc3& message, SView bytes, SContent& content)
 {
     const unsigned type = message.ContentType();
     const char* name = ContentTypeName(type);
@@ -179,7 +179,7 @@ void CMessageReader::m_ReadAtsc3(CMMTMsgAtsc3& message, SBytes bytes, SContent& 
     m_ReadAtsc3Content(message, bytes, content);
 }
 
-void CMessageReader::m_ReadAtsc3Content(CMMTMsgAtsc3& message, SBytes bytes, SContent& content)
+void CMessageReader::m_ReadAtsc3Content(CMMTMsgAtsc3& message, SView bytes, SContent& content)
 {
     switch (message.ContentType()) {
         case CMMTMsgAtsc3::CONTENT_TYPE_USBD: {
@@ -245,17 +245,17 @@ void CMessageReader::m_ReadMpd(const CMMTMsgAtsc3& message, SContent& content)
 }
 
 /// A content that the library does not keep: taken from the message itself.
-void CMessageReader::m_ReadOther(const CMMTMsgAtsc3& message, SBytes bytes, SContent& content)
+void CMessageReader::m_ReadOther(const CMMTMsgAtsc3& message, SView bytes, SContent& content)
 {
     constexpr unsigned k_held = 3;
     SMessageHead head;
     ReadMessageHead(bytes, head);
-    const std::optional<SBytes> sent = Atsc3Content(head.payload);
+    const std::optional<SView> sent = Atsc3Content(head.payload);
     if (!sent) {
         content.faults.emplace_back("the content is not whole");
         return;
     }
-    SBytes plain = *sent;
+    SView plain = *sent;
     std::vector<unsigned char> inflated;
     if (IsGzip(plain)) {
         if (!Gunzip(plain, CMMTMsgAtsc3::k_maxContent, inflated)) {
@@ -271,8 +271,8 @@ void CMessageReader::m_ReadOther(const CMMTMsgAtsc3& message, SBytes bytes, SCon
 
 void CMessageReader::m_ReadSigned(CMMTMsgSmm& message, SContent& content)
 {
-    const SBytes wrapped = {reinterpret_cast<const unsigned char*>(message.MessageData().data()),
-                            message.MessageData().size()};
+    const SView wrapped = {reinterpret_cast<const unsigned char*>(message.MessageData().data()),
+                           message.MessageData().size()};
     const std::string_view bytes = message.Signature();
     const SSignature signature = ReadSignature(std::vector<unsigned char>(bytes.begin(), bytes.end()));
     SMessageHead head;
@@ -326,7 +326,7 @@ std::string MessageTitle(unsigned id)
     return name != nullptr ? std::string(name) + " (" + number + ')' : "message " + std::string(number);
 }
 
-SMessageOutcome ReadMessage(SBytes bytes)
+SMessageOutcome ReadMessage(SView bytes)
 {
     SMessageOutcome outcome;
     const unsigned size = static_cast<unsigned>(bytes.size);

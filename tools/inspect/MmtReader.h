@@ -20,7 +20,7 @@ struct SMessageOutcome {
 };
 
 /// Hands a whole message to its parser and reads what it found.
-SMessageOutcome ReadMessage(SBytes bytes);
+SMessageOutcome ReadMessage(SView bytes);
 /// "MPT (0x0020)".
 std::string MessageTitle(unsigned id);
 

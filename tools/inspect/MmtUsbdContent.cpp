@@ -1,7 +1,7 @@
-#include "Elements.h"
 #include "Json.h"
 #include "MmtContent.h"
 #include "Names.h"
+#include "PtrArrays.h"
 #include "SlsContent.h"
 #include "Text.h"
 #include "mmt/desc/MMTBroadbandComponent.h"

@@ -2,7 +2,7 @@
 
 namespace vyr::inspect {
 
-EMmtp ReadMmtp(SBytes bytes, SMmtpPacket& packet)
+EMmtp ReadMmtp(SView bytes, SMmtpPacket& packet)
 {
     constexpr std::size_t k_header = 12;
     if (bytes.size == 0) {

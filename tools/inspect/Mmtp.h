@@ -21,13 +21,13 @@ struct SMmtpPacket {
     std::uint32_t sequenceNumber = 0;        ///< packet_sequence_number, of this packet id
     std::optional<std::uint32_t> counter;    ///< packet_counter
     std::optional<std::uint16_t> extension;  ///< type of the header extension
-    SBytes extensionData;
-    SBytes payload;  ///< without the source FEC payload id
+    SView extensionData;
+    SView payload;  ///< without the source FEC payload id
 };
 
 enum class EMmtp { FINE, OTHER_VERSION, MALFORMED };
 
 /// Reads one UDP payload. Packets of other versions are not looked into.
-EMmtp ReadMmtp(SBytes bytes, SMmtpPacket& packet);
+EMmtp ReadMmtp(SView bytes, SMmtpPacket& packet);
 
 }  // namespace vyr::inspect

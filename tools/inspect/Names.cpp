@@ -2,30 +2,6 @@
 
 namespace vyr::inspect {
 
-const char* TableName(unsigned tableId)
-{
-    switch (tableId) {
-        case 1:
-            return "SLT";
-        case 2:
-            return "RRT";
-        case 3:
-            return "SystemTime";
-        case 4:
-            return "AEAT";
-        case 5:
-            return "OnscreenMessageNotification";
-        case 6:
-            return "CertificationData";
-        case 0xFE:
-            return "SignedMultiTable";
-        case 0xFF:
-            return "UserDefined";
-        default:
-            return nullptr;
-    }
-}
-
 const char* ServiceCategoryName(int category)
 {
     constexpr const char* k_names[] = {nullptr, "linear A/V", "linear audio", "application", "ESG", "EAS", "DRM data"};
@@ -89,15 +65,6 @@ const char* MmtTableName(unsigned tableId)
         return tableId <= 0x10 ? "MPI" : "MP";
     }
     return tableId <= 0x23 ? k_names[tableId - 0x21] : nullptr;
-}
-
-const char* DescriptorName(unsigned tag)
-{
-    constexpr const char* k_names[] = {"clock relation",       "MPU timestamp",           "dependency", nullptr,
-                                       "security information", "video stream properties", nullptr,      nullptr,
-                                       "caption assets",       "audio stream properties", nullptr,      nullptr,
-                                       "security properties",  "licence servers",         "low delay"};
-    return tag <= 14 ? k_names[tag] : nullptr;
 }
 
 const char* ContentTypeName(unsigned contentType)

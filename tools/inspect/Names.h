@@ -5,7 +5,6 @@
 namespace vyr::inspect {
 
 /// Names of the numbers of the standards; null where a number has none.
-const char* TableName(unsigned tableId);
 const char* ServiceCategoryName(int category);
 const char* ProtocolName(int protocol);
 const char* UrlTypeName(int urlType);
@@ -14,7 +13,6 @@ const char* AudienceName(int audience);
 const char* LocationTypeName(int type);
 const char* MessageName(unsigned messageId);
 const char* MmtTableName(unsigned tableId);
-const char* DescriptorName(unsigned tag);
 const char* ContentTypeName(unsigned contentType);
 const char* ComponentTypeName(unsigned componentType);
 /// The attribute on whose account a service was dropped; null: none alone.

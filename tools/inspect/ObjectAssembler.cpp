@@ -6,15 +6,7 @@
 
 namespace vyr::inspect {
 
-SObjectCounts& SObjectCounts::operator+=(const SObjectCounts& other)
-{
-    complete += other.complete;
-    dropped += other.dropped;
-    tooLarge += other.tooLarge;
-    return *this;
-}
-
-CObjectAssembler::CObjectAssembler(CAssemblyMemory& memory, std::function<void(const TToi&, SBytes)> sink)
+CObjectAssembler::CObjectAssembler(CAssemblyMemory& memory, std::function<void(const TToi&, SView)> sink)
     : m_memory(memory), m_sink(std::move(sink))
 {
 }
@@ -90,7 +82,7 @@ CObjectAssembler::SObject& CObjectAssembler::m_Begin(const TToi& toi)
 }
 
 /// Whether the packet cannot belong to the object held: another length, or other bytes at one place.
-bool CObjectAssembler::m_Contradicts(const SObject& object, std::size_t start, SBytes data,
+bool CObjectAssembler::m_Contradicts(const SObject& object, std::size_t start, SView data,
                                      const std::optional<std::uint64_t>& length)
 {
     if (object.chunks.empty()) {
@@ -118,7 +110,7 @@ bool CObjectAssembler::m_Contradicts(const SObject& object, std::size_t start, S
 }
 
 /// Keeps the bytes that are not there yet.
-void CObjectAssembler::m_Put(SObject& object, std::size_t start, SBytes data)
+void CObjectAssembler::m_Put(SObject& object, std::size_t start, SView data)
 {
     const std::size_t end = start + data.size;
     std::size_t at = start;
@@ -141,7 +133,7 @@ void CObjectAssembler::m_Put(SObject& object, std::size_t start, SBytes data)
     }
 }
 
-void CObjectAssembler::m_PutGap(SObject& object, std::size_t start, SBytes data)
+void CObjectAssembler::m_PutGap(SObject& object, std::size_t start, SView data)
 {
     auto before = object.chunks.lower_bound(start);
     std::size_t cost = data.size;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "Counts.h"
 #include "Lct.h"
 
 namespace vyr::inspect {
@@ -26,15 +27,6 @@ class CAssemblyMemory {
     std::map<std::uint64_t, CObjectAssembler*> m_open;  ///< by when they were begun
 };
 
-/// What became of the objects of a session.
-struct SObjectCounts {
-    std::uint64_t complete = 0;  ///< repeats included
-    std::uint64_t dropped = 0;   ///< for want of memory, or because another object took their TOI
-    std::uint64_t tooLarge = 0;  ///< packets of objects, or beyond the end of objects, that are not taken
-
-    SObjectCounts& operator+=(const SObjectCounts& other);
-};
-
 /// Puts the objects of one transport session together, in bounded memory, whatever order their bytes
 /// come in. An object is whole when its length is known and all its bytes are there; what comes of it
 /// afterwards begins it anew. Bytes that contradict those held begin it anew too: the sender has
@@ -53,7 +45,7 @@ class CObjectAssembler {
     };
 
     /// The sink's object is good during the call only.
-    CObjectAssembler(CAssemblyMemory& memory, std::function<void(const TToi&, SBytes)> sink);
+    CObjectAssembler(CAssemblyMemory& memory, std::function<void(const TToi&, SView)> sink);
     ~CObjectAssembler();
     CObjectAssembler(const CObjectAssembler&) = delete;
     CObjectAssembler& operator=(const CObjectAssembler&) = delete;
@@ -78,16 +70,16 @@ class CObjectAssembler {
     using TOpen = std::map<TToi, SObject>;
 
     SObject& m_Begin(const TToi& toi);
-    static bool m_Contradicts(const SObject& object, std::size_t start, SBytes data,
+    static bool m_Contradicts(const SObject& object, std::size_t start, SView data,
                               const std::optional<std::uint64_t>& length);
-    void m_Put(SObject& object, std::size_t start, SBytes data);
-    void m_PutGap(SObject& object, std::size_t start, SBytes data);
+    void m_Put(SObject& object, std::size_t start, SView data);
+    void m_PutGap(SObject& object, std::size_t start, SView data);
     void m_Drop(TOpen::iterator object);
     void m_MakeRoom();
     void m_Deliver(TOpen::iterator object);
 
     CAssemblyMemory& m_memory;
-    std::function<void(const TToi&, SBytes)> m_sink;
+    std::function<void(const TToi&, SView)> m_sink;
     TOpen m_open;
     std::map<std::uint64_t, TToi> m_order;  ///< of m_open, by when they were begun
     std::size_t m_held = 0;

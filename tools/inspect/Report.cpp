@@ -1,91 +1,15 @@
 #include "Report.h"
 
+#include <iterator>
+
 #include "Guide.h"
 
 namespace vyr::inspect {
 
 const char* FaultName(EFault code)
 {
-    switch (code) {
-        case EFault::INPUT_MISSING:
-            return "input-missing";
-        case EFault::INPUT_UNREADABLE:
-            return "input-unreadable";
-        case EFault::INPUT_DIRECTORY:
-            return "input-directory";
-        case EFault::INPUT_EMPTY:
-            return "input-empty";
-        case EFault::INPUT_UNKNOWN:
-            return "input-unknown";
-        case EFault::INPUT_TOO_LARGE:
-            return "input-too-large";
-        case EFault::CAPTURE_DAMAGED:
-            return "capture-damaged";
-        case EFault::LINK_TYPE:
-            return "link-type";
-        case EFault::PACKETS_CUT:
-            return "packets-cut";
-        case EFault::PACKETS_MALFORMED:
-            return "packets-malformed";
-        case EFault::TABLE_TOO_SHORT:
-            return "table-too-short";
-        case EFault::TABLE_NOT_PARSED:
-            return "table-not-parsed";
-        case EFault::CHANGED_WITHOUT_VERSION:
-            return "changed-without-version";
-        case EFault::SERVICE_DROPPED:
-            return "service-dropped";
-        case EFault::BAD_ADDRESS:
-            return "bad-address";
-        case EFault::BAD_CERTIFICATE:
-            return "bad-certificate";
-        case EFault::BAD_SIGNATURE:
-            return "bad-signature";
-        case EFault::TOO_MANY_SERVICES:
-            return "too-many-services";
-        case EFault::ASSERTION:
-            return "assertion";
-        case EFault::NO_LLS:
-            return "no-lls";
-        case EFault::NO_SLT:
-            return "no-slt";
-        case EFault::LCT_MALFORMED:
-            return "lct-malformed";
-        case EFault::MMTP_MALFORMED:
-            return "mmtp-malformed";
-        case EFault::OBJECT_NOT_READ:
-            return "object-not-read";
-        case EFault::DOCUMENT_NOT_PARSED:
-            return "document-not-parsed";
-        case EFault::MESSAGE_NOT_PARSED:
-            return "message-not-parsed";
-        case EFault::NO_SIGNALLING:
-            return "no-signalling";
-        case EFault::GUIDE_NOT_PARSED:
-            return "guide-not-parsed";
-        case EFault::GUIDE_INCOMPLETE:
-            return "guide-incomplete";
-        case EFault::GUIDE_TOO_LARGE:
-            return "guide-too-large";
-    }
-    return "";
-}
-
-const char* StatusName(EStatus status)
-{
-    switch (status) {
-        case EStatus::NEW:
-            return "new";
-        case EStatus::CHANGED:
-            return "changed";
-        case EStatus::REPEATED:
-            return "repeated";
-        case EStatus::CHANGED_WITHOUT_VERSION:
-            return "changed-without-version";
-        case EStatus::NEW_VERSION_SAME_CONTENT:
-            return "new-version-same-content";
-    }
-    return "";
+    static_assert(std::size(k_faultNames) == static_cast<std::size_t>(EFault::GUIDE_TOO_LARGE) + 1);
+    return k_faultNames[static_cast<std::size_t>(code)];
 }
 
 const char* DocumentName(ESlsDocument kind)
@@ -105,32 +29,6 @@ const char* GuideObjectName(EGuideObject kind)
 {
     constexpr const char* k_names[] = {"SGDU", "ServiceGuideDeliveryDescriptor", "SGResponse", "fragment"};
     return k_names[static_cast<std::size_t>(kind)];
-}
-
-SSessionCounts& SSessionCounts::operator+=(const SSessionCounts& other)
-{
-    sessions += other.sessions;
-    packets += other.packets;
-    malformed += other.malformed;
-    signalling += other.signalling;
-    return *this;
-}
-
-SRouteCounts& SRouteCounts::operator+=(const SRouteCounts& other)
-{
-    SSessionCounts::operator+=(other);
-    objects += other.objects;
-    incomplete += other.incomplete;
-    return *this;
-}
-
-SMmtpCounts& SMmtpCounts::operator+=(const SMmtpCounts& other)
-{
-    SSessionCounts::operator+=(other);
-    otherVersions += other.otherVersions;
-    otherTypes += other.otherTypes;
-    messages += other.messages;
-    return *this;
 }
 
 bool IsInputFault(EFault code)
@@ -162,7 +60,7 @@ void CReport::m_Tell(TTell tell)
 void CReport::Table(const STable& table)
 {
     STableCounts& counts = m_summary.tables[table.header.tableId];
-    ++counts.byStatus[static_cast<std::size_t>(table.status)];
+    counts.byStatus.Add(table.status);
     counts.notParsed += table.parserExists && !table.slt && !table.content && table.status != EStatus::REPEATED ? 1 : 0;
     if (table.interval) {
         ++counts.intervals;
@@ -174,10 +72,10 @@ void CReport::Table(const STable& table)
 
 void CReport::Signalling(const SSignalling& signalling)
 {
-    ++m_summary.objects[static_cast<std::size_t>(signalling.status)];
+    m_summary.signalling.byStatus.Add(signalling.status);
     for (const SSlsDocument& document : signalling.documents) {
         const bool again = document.status == EDocumentStatus::UNCHANGED;
-        m_summary.documentsNotParsed += document.content || again ? 0 : 1;
+        m_summary.signalling.documentsNotParsed += document.content || again ? 0 : 1;
     }
     if (signalling.status != EStatus::REPEATED) {
         m_Tell([&](IReportWriter& writer) { writer.Signalling(signalling); });
@@ -186,18 +84,18 @@ void CReport::Signalling(const SSignalling& signalling)
 
 void CReport::Message(const SMessage& message)
 {
-    ++m_summary.messages[static_cast<std::size_t>(message.status)];
+    m_summary.messages.byStatus.Add(message.status);
     if (message.status == EStatus::REPEATED) {
         return;
     }
-    m_summary.messagesUnsupported += message.supported ? 0 : 1;
-    m_summary.messagesNotParsed += message.supported && !message.content ? 1 : 0;
+    m_summary.messages.notSupported += message.supported ? 0 : 1;
+    m_summary.messages.notParsed += message.supported && !message.content ? 1 : 0;
     m_Tell([&](IReportWriter& writer) { writer.Message(message); });
 }
 
 void CReport::GuideObject(const SGuideObject& object)
 {
-    ++m_summary.guide.objects[static_cast<std::size_t>(object.status)];
+    m_summary.guide.byStatus.Add(object.status);
     if (object.status != EStatus::REPEATED) {
         m_Tell([&](IReportWriter& writer) { writer.GuideObject(object); });
     }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -9,10 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "Ipv4.h"
+#include "Counts.h"
 #include "Lct.h"
-#include "MessageAssembler.h"
-#include "ObjectAssembler.h"
 #include "lls/ParseSLT.h"
 
 namespace vyr::inspect {
@@ -38,9 +35,6 @@ struct SLlsHeader {
     unsigned char version = 0;
 };
 
-enum class EStatus { NEW, CHANGED, REPEATED, CHANGED_WITHOUT_VERSION, NEW_VERSION_SAME_CONTENT };
-constexpr std::size_t k_statuses = 5;
-
 /// What the service list table holds.
 struct SSlt {
     int bsid = 0;
@@ -65,7 +59,7 @@ struct STable {
     std::string stream;  ///< "224.0.23.60:4937"; empty for a raw file
     SLlsHeader header;
     EStatus status = EStatus::NEW;
-    SBytes payload;  ///< behind the header, good during the report only
+    SView payload;  ///< behind the header, good during the report only
     const char* encoding = "";
     std::optional<double> interval;  ///< seconds since the same table came last
     bool parserExists = false;
@@ -123,7 +117,7 @@ struct SMessage {
     unsigned id = 0;
     unsigned version = 0;
     EStatus status = EStatus::NEW;
-    SBytes payload;  ///< behind the header, good during the report only
+    SView payload;  ///< behind the header, good during the report only
     bool supported = false;
     std::optional<SContent> content;  ///< when it parsed
 };
@@ -161,6 +155,37 @@ enum class EFault {
     GUIDE_TOO_LARGE
 };
 
+constexpr const char* k_faultNames[] = {"input-missing",
+                                        "input-unreadable",
+                                        "input-directory",
+                                        "input-empty",
+                                        "input-unknown",
+                                        "input-too-large",
+                                        "capture-damaged",
+                                        "link-type",
+                                        "packets-cut",
+                                        "packets-malformed",
+                                        "table-too-short",
+                                        "table-not-parsed",
+                                        "changed-without-version",
+                                        "service-dropped",
+                                        "bad-address",
+                                        "bad-certificate",
+                                        "bad-signature",
+                                        "too-many-services",
+                                        "assertion",
+                                        "no-lls",
+                                        "no-slt",
+                                        "lct-malformed",
+                                        "mmtp-malformed",
+                                        "object-not-read",
+                                        "document-not-parsed",
+                                        "message-not-parsed",
+                                        "no-signalling",
+                                        "guide-not-parsed",
+                                        "guide-incomplete",
+                                        "guide-too-large"};
+
 struct SFault {
     EFault code = EFault::INPUT_UNKNOWN;
     std::string message;
@@ -176,8 +201,6 @@ std::string ServiceListName(const std::string& stream, unsigned groupId);
 
 /// "table-not-parsed" and the like.
 const char* FaultName(EFault code);
-/// "new", "changed-without-version" and the like.
-const char* StatusName(EStatus status);
 /// "BundleDescriptionROUTE" and the like: the name of its element.
 const char* DocumentName(ESlsDocument kind);
 /// "new", "changed" or "unchanged".
@@ -185,79 +208,56 @@ const char* DocumentStatusName(EDocumentStatus status);
 /// Whether the input itself could not be inspected.
 bool IsInputFault(EFault code);
 
-struct STableCounts {
-    std::array<std::uint64_t, k_statuses> byStatus{};
-    std::uint64_t notParsed = 0;
-    std::uint64_t intervals = 0;
-    double intervalSum = 0;
-};
-
-/// What came on the sessions of one protocol.
-struct SSessionCounts {
-    unsigned sessions = 0;
-    std::uint64_t packets = 0;  ///< to these sessions, whatever they carry
-    std::uint64_t malformed = 0;
-    std::uint64_t signalling = 0;  ///< ROUTE: of TSI 0, with source data
-
-    SSessionCounts& operator+=(const SSessionCounts& other);
-};
-
-/// What came on the sessions that carry signalling by ROUTE.
-struct SRouteCounts : SSessionCounts {
-    SObjectCounts objects;
-    std::uint64_t incomplete = 0;  ///< objects that came in part and were never whole
-
-    SRouteCounts& operator+=(const SRouteCounts& other);
-};
-
-/// What came on the sessions that carry signalling by MMTP.
-struct SMmtpCounts : SSessionCounts {
-    std::uint64_t otherVersions = 0;  ///< packets of versions that are not read
-    std::uint64_t otherTypes = 0;     ///< packets that carry something else than signalling
-    SMessageCounts messages;
-
-    SMmtpCounts& operator+=(const SMmtpCounts& other);
-};
-
-/// What came of the service guide.
-struct SGuideCounts {
-    unsigned sessions = 0;
-    std::uint64_t packets = 0;                        ///< of these sessions
-    std::array<std::uint64_t, k_statuses> objects{};  ///< by status
-    SObjectCounts assembled;
-    std::uint64_t notParsed = 0;  ///< fragments, and objects as a whole
-    // At the end of each input, summed:
-    std::uint64_t fragments = 0;
-    std::uint64_t services = 0;
-    std::uint64_t programmes = 0;
-};
-
+/// What a run found, by the names of the JSON report.
 struct SSummary {
-    unsigned inputs = 0;
-    unsigned captures = 0;
-    unsigned rawTables = 0;
-    unsigned slsFiles = 0;
-    unsigned rawMessages = 0;
-    unsigned guideFiles = 0;
+    std::uint64_t inputs = 0;
+    std::uint64_t captures = 0;
+    std::uint64_t rawTables = 0;
+    std::uint64_t slsFiles = 0;
+    std::uint64_t rawMessages = 0;
+    std::uint64_t guideFiles = 0;
     SPacketCounts packets;
     std::uint64_t llsDatagrams = 0;
     std::map<unsigned, STableCounts> tables;  ///< by LLS_table_id
     std::uint64_t services = 0;               ///< in the tables that hold at the end
     std::uint64_t servicesDropped = 0;
+    std::uint64_t routeServices = 0;      ///< of `services`, those that are carried by ROUTE
+    std::uint64_t mmtpServices = 0;       ///< of `services`, those that MMTP carries
+    std::uint64_t servicesSignalled = 0;  ///< of both, those whose signalling came
     SRouteCounts route;
-    std::uint64_t routeServices = 0;  ///< of `services`, those that are carried by ROUTE
+    SSignallingCounts signalling;
     SMmtpCounts mmtp;
-    std::uint64_t mmtpServices = 0;                    ///< of `services`, those that MMTP carries
-    std::uint64_t servicesSignalled = 0;               ///< of both, those whose signalling came
-    std::array<std::uint64_t, k_statuses> messages{};  ///< of MMT signalling, by status
-    std::uint64_t messagesNotParsed = 0;
-    std::uint64_t messagesUnsupported = 0;
-    std::array<std::uint64_t, k_statuses> objects{};  ///< of signalling, by status
-    std::uint64_t documentsNotParsed = 0;
+    SMmtMessageCounts messages;
     SGuideCounts guide;
     std::uint64_t faults = 0;
     std::map<EFault, std::uint64_t> faultsByCode;
     std::vector<SFault> firstFaults;
+
+    template <class TVisit>
+    void Each(const TVisit& visit) const
+    {
+        visit("inputs", inputs);
+        visit("captures", captures);
+        visit("rawTables", rawTables);
+        visit("slsFiles", slsFiles);
+        visit("rawMessages", rawMessages);
+        visit("guideFiles", guideFiles);
+        SPacketCounts::Each(packets, visit);
+        visit("llsDatagrams", llsDatagrams);
+        visit("tables", tables);
+        visit("services", services);
+        visit("servicesDropped", servicesDropped);
+        visit("routeServices", routeServices);
+        visit("mmtpServices", mmtpServices);
+        visit("servicesSignalled", servicesSignalled);
+        SRouteCounts::Each(route, visit);
+        visit("signalling", signalling);
+        SMmtpCounts::Each(mmtp, visit);
+        visit("messages", messages);
+        visit("guide", guide);
+        visit("faults", faults);
+        visit("faultsByCode", faultsByCode);
+    }
 };
 
 struct SGuide;

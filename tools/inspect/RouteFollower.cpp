@@ -26,7 +26,7 @@ class CRouteSession : public CSession {
         : CSession(session),
           m_shared(std::move(shared)),
           m_follower(followed, m_shared->report, [this](const CSTSID& stsid) { m_Signal(stsid); }),
-          m_assembler(m_shared->memory, [this](const TToi& toi, SBytes object) { m_Object(toi, object); })
+          m_assembler(m_shared->memory, [this](const TToi& toi, SView object) { m_Object(toi, object); })
     {
         m_counts.sessions = 1;
     }
@@ -37,7 +37,7 @@ class CRouteSession : public CSession {
     }
 
     void Announced() override;
-    void Take(SBytes payload, const SSource& source) override
+    void Take(SView payload, const SSource& source) override
     {
         SLctPacket packet;
         m_source = &source;
@@ -60,7 +60,7 @@ class CRouteSession : public CSession {
     static constexpr std::size_t k_maxManagers = 64;
 
     void m_Signal(const CSTSID& stsid);
-    void m_Object(const TToi& toi, SBytes object);
+    void m_Object(const TToi& toi, SView object);
 
     std::shared_ptr<SShared> m_shared;
     CSlsFollower m_follower;
@@ -96,7 +96,7 @@ std::string CRouteSession::MissingGuide() const
     return m_signalled ? std::string() : "no S-TSID came, which would name its sessions";
 }
 
-void CRouteSession::m_Object(const TToi& toi, SBytes object)
+void CRouteSession::m_Object(const TToi& toi, SView object)
 {
     m_follower.Take(toi, object, *m_source);
     std::list<CSlsFollower*>& recent = m_shared->recent;
@@ -117,7 +117,7 @@ void CRouteSession::Count(SSummary& summary) const
     for (const CObjectAssembler::SIncomplete& open : m_assembler.Open()) {
         counts.incomplete += m_follower.Has(open.toi, open.length) ? 0 : 1;
     }
-    summary.route += counts;
+    AddCounts(summary.route, counts);
 }
 
 std::string CRouteSession::Missing() const

@@ -23,7 +23,7 @@ struct SServiceSession {
 };
 
 /// A service of the service list.
-struct SService {
+struct SListedService {
     unsigned serviceId = 0;
     int slsProtocol = 0;  ///< 0: it does not say where its signalling is sent
     SServiceSession session;

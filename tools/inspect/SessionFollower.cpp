@@ -41,12 +41,14 @@ CSessionFollower::CSessionFollower(const SProtocol& protocol, const std::set<TEn
     }
 }
 
-void CSessionFollower::Announce(const TGroup& group, std::vector<SService> services)
+void CSessionFollower::Announce(const TGroup& group, std::vector<SListedService> services)
 {
-    const auto foreign = [this](const SService& service) { return service.slsProtocol != m_protocol.slsProtocol; };
+    const auto foreign = [this](const SListedService& service) {
+        return service.slsProtocol != m_protocol.slsProtocol;
+    };
     services.erase(std::remove_if(services.begin(), services.end(), foreign), services.end());
     // The new ones come first: a session of both lists goes on.
-    for (const SService& service : services) {
+    for (const SListedService& service : services) {
         if (service.session.destination != 0) {
             SFollowed& followed = m_Add(service.session).followed;
             followed.services.insert(service.serviceId);
@@ -56,7 +58,7 @@ void CSessionFollower::Announce(const TGroup& group, std::vector<SService> servi
         }
     }
     services.swap(m_services[group]);
-    for (const SService& service : services) {
+    for (const SListedService& service : services) {
         if (service.session.destination == 0) {
             continue;
         }
@@ -115,14 +117,14 @@ void CSessionFollower::Finish(const std::string& file)
         }
     }
     for (const auto& [group, services] : m_services) {
-        for (const SService& service : services) {
+        for (const SListedService& service : services) {
             m_Judge(group, service, source);
         }
     }
 }
 
 /// Counts the service, or tells why it was not signalled.
-void CSessionFollower::m_Judge(const TGroup& group, const SService& service, const SSource& source)
+void CSessionFollower::m_Judge(const TGroup& group, const SListedService& service, const SSource& source)
 {
     SSummary& summary = m_report.Summary();
     ++(summary.*m_protocol.services);

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "Ipv4.h"
+#include "Ipv4Decoder.h"
 #include "Report.h"
 #include "ServiceSession.h"
 
@@ -23,7 +23,7 @@ class CSession {
     CSession(const CSession&) = delete;
     CSession& operator=(const CSession&) = delete;
 
-    virtual void Take(SBytes payload, const SSource& source) = 0;
+    virtual void Take(SView payload, const SSource& source) = 0;
     /// The services of `followed` may have changed.
     virtual void Announced() {}
     /// Whether anything of its signalling could be read.
@@ -65,7 +65,7 @@ class CSessionFollower {
 
     /// The services that the list of an LLS group, known by its stream and id, announces from now on; those of
     /// other protocols do not count. Sessions that no list names any more are let go.
-    void Announce(const TGroup& group, std::vector<SService> services);
+    void Announce(const TGroup& group, std::vector<SListedService> services);
     /// Takes a datagram; false: it belongs to none of the sessions.
     bool Take(const SDatagram& datagram, const SSource& source);
     /// The end of the input: adds to the summary, and tells which services were not signalled.
@@ -80,7 +80,7 @@ class CSessionFollower {
 
     CSession& m_Add(const SServiceSession& key);
     void m_Remove(TSessions::iterator session);
-    void m_Judge(const TGroup& group, const SService& service, const SSource& source);
+    void m_Judge(const TGroup& group, const SListedService& service, const SSource& source);
     std::string m_Missing(const CSession& session) const;
 
     const SProtocol m_protocol;
@@ -88,7 +88,7 @@ class CSessionFollower {
     CReport& m_report;
     TSessions m_sessions;
     std::map<TEndpoint, SEndpoint> m_endpoints;  ///< of m_sessions
-    std::map<TGroup, std::vector<SService>> m_services;
+    std::map<TGroup, std::vector<SListedService>> m_services;
 };
 
 }  // namespace vyr::inspect

@@ -1,8 +1,8 @@
 #include "SlsContent.h"
 
-#include "Elements.h"
 #include "Json.h"
 #include "Names.h"
+#include "PtrArrays.h"
 #include "Text.h"
 #include "common/RSAT.h"
 #include "route/SLS/ContentInfo.h"
@@ -321,7 +321,7 @@ SContent StsidContent(const CSTSID& stsid)
     });
     content.headline = Counted(content.json["RS"].size(), "ROUTE session") + ", " +
                        Counted(sessions.size() - 1, "LCT session") + ", " + Counted(files.count, "file");
-    content.text = Table(sessions) + Table(files.rows);
+    content.text = TableText(sessions) + TableText(files.rows);
     return content;
 }
 
@@ -334,7 +334,7 @@ SContent EfdtContent(const SEFDTInfo& efdt)
     content.headline =
         Joined({efdt.tsi != k_none ? "TSI " + std::to_string(efdt.tsi) : "",
                 efdt.version != k_none ? "version " + std::to_string(efdt.version) : "", Counted(files.count, "file")});
-    content.text = Table(files.rows);
+    content.text = TableText(files.rows);
     return content;
 }
 

@@ -23,7 +23,7 @@ CSlsFollower::CSlsFollower(const SFollowed& followed, CReport& report, TStsidLis
 {
 }
 
-bool CSlsFollower::Take(const std::optional<TToi>& toi, SBytes object, const SSource& source)
+bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSource& source)
 {
     SSignalling signalling;
     signalling.source = source;
@@ -41,7 +41,7 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SBytes object, const SSo
     }
     std::vector<unsigned char> inflated;
     const bool whole = !signalling.gzip || Gunzip(object, k_maxPackage, inflated);
-    const SBytes text = signalling.gzip ? SBytes{inflated.data(), inflated.size()} : object;
+    const SView text = signalling.gzip ? SView{inflated.data(), inflated.size()} : object;
     now.textHash = whole ? ContentHash(text) : 0;
     m_Remember(toi, now);
     if (!whole) {

@@ -27,7 +27,7 @@ class CSlsFollower {
     CSlsFollower(const SFollowed& followed, CReport& report, TStsidListener stsidListener = {});
 
     /// Takes one whole object; `toi` is none for a raw file. False: it holds no document.
-    bool Take(const std::optional<TToi>& toi, SBytes object, const SSource& source);
+    bool Take(const std::optional<TToi>& toi, SView object, const SSource& source);
     /// Whether an object of this TOI and length has come whole.
     bool Has(const TToi& toi, const std::optional<std::uint64_t>& size) const;
     /// Whether any document has parsed.

@@ -34,13 +34,13 @@ constexpr SKind k_kinds[] = {{ESlsDocument::USBD, "<bundleDescriptionROUTE", "<B
                              {ESlsDocument::RSAT, "<RSAT", "", "</RSAT>", "", 1}};
 
 /// The text as the library searches it: up to the first zero byte.
-TView Searched(SBytes text)
+TView Searched(SView text)
 {
     const TView all(reinterpret_cast<const char*>(text.data), text.size);
     return all.substr(0, all.find('\0'));
 }
 
-SBytes Bytes(TView text)
+SView Bytes(TView text)
 {
     return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
 }
@@ -94,7 +94,7 @@ TView Envelope(TView text)
 
 }  // namespace
 
-std::vector<SSlsText> FindSlsDocuments(SBytes bytes)
+std::vector<SSlsText> FindSlsDocuments(SView bytes)
 {
     const TView text = Searched(bytes);
     std::vector<SSlsText> documents;
@@ -117,7 +117,7 @@ std::vector<SSlsText> FindSlsDocuments(SBytes bytes)
     return documents;
 }
 
-std::string PackageType(SBytes bytes)
+std::string PackageType(SView bytes)
 {
     constexpr TView k_field = "content-type:";
     TView text = Searched(bytes);
@@ -137,7 +137,7 @@ std::string PackageType(SBytes bytes)
     return {};
 }
 
-std::vector<SEnvelopeItem> ReadEnvelope(SBytes bytes, std::string& reason)
+std::vector<SEnvelopeItem> ReadEnvelope(SView bytes, std::string& reason)
 {
     std::vector<SEnvelopeItem> items;
     const TView envelope = Envelope(Searched(bytes));

@@ -58,7 +58,7 @@ void CSlsReader::Release()
     }
 }
 
-std::vector<SSlsDocument> CSlsReader::Read(SBytes text, const std::vector<SSlsText>& documents)
+std::vector<SSlsDocument> CSlsReader::Read(SView text, const std::vector<SSlsText>& documents)
 {
     if (!m_manager) {
         CSLSManager::SCallback callback{};

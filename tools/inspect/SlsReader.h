@@ -27,7 +27,7 @@ class CSlsReader {
 
     /// Gives a package, inflated, to the manager. Of each document that FindSlsDocuments found: its
     /// content, or why there is none.
-    std::vector<SSlsDocument> Read(SBytes text, const std::vector<SSlsText>& documents);
+    std::vector<SSlsDocument> Read(SView text, const std::vector<SSlsText>& documents);
     /// Service of the USBD of the last package; none: it had none that parsed.
     std::optional<unsigned> UsbdService() const { return m_usbdService; }
     /// Lets the manager and all it holds go; the next package gets a new one.

@@ -45,6 +45,16 @@ bool Invisible(unsigned value)
            (value >= 0x2028 && value <= 0x202E) || (value >= 0x2060 && value <= 0x206F) || value == 0xFEFF;
 }
 
+/// Columns that printable text takes: one for each character.
+std::size_t DisplayWidth(const std::string& text)
+{
+    std::size_t width = 0;
+    for (const char c : text) {
+        width += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
+    }
+    return width;
+}
+
 }  // namespace
 
 std::string Printable(const std::string& text)
@@ -70,16 +80,7 @@ std::string Printable(const std::string& text)
     return out;
 }
 
-std::size_t DisplayWidth(const std::string& text)
-{
-    std::size_t width = 0;
-    for (const char c : text) {
-        width += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
-    }
-    return width;
-}
-
-std::string Hex(SBytes bytes)
+std::string Hex(SView bytes)
 {
     constexpr char k_digits[] = "0123456789abcdef";
     std::string out;
@@ -104,7 +105,7 @@ std::string Ipv6Text(const unsigned char* address)
     return text;
 }
 
-std::string FourCcText(SBytes code)
+std::string FourCcText(SView code)
 {
     const bool readable =
         std::all_of(code.data, code.data + code.size, [](unsigned char c) { return c >= 0x20 && c < 0x7F; });
@@ -229,7 +230,7 @@ std::string Aligned(const std::vector<TRow>& rows)
     return text;
 }
 
-std::string Table(const std::vector<TRow>& rows)
+std::string TableText(const std::vector<TRow>& rows)
 {
     if (rows.size() < 2) {
         return {};

@@ -12,15 +12,13 @@ namespace vyr::inspect {
 /// Text that is safe on a terminal: control and direction characters and what is not UTF-8 become
 /// visible escapes.
 std::string Printable(const std::string& text);
-/// Columns that a printable text takes: one per code point.
-std::size_t DisplayWidth(const std::string& text);
-std::string Hex(SBytes bytes);
+std::string Hex(SView bytes);
 /// "192.0.2.10".
 std::string Ipv4Text(std::uint32_t address);
 /// "2001:db8::1", of 16 bytes.
 std::string Ipv6Text(const unsigned char* address);
 /// A four-character code; as hex where a character is none.
-std::string FourCcText(SBytes code);
+std::string FourCcText(SView code);
 /// "192.0.2.10:4937".
 std::string EndpointText(std::uint32_t address, unsigned port);
 /// "1 service", "2 services"; `plural` where an s does not do.
@@ -52,6 +50,6 @@ using TRow = std::vector<std::string>;
 /// The rows as indented lines with their columns aligned.
 std::string Aligned(const std::vector<TRow>& rows);
 /// The rows below their heads without the columns that are empty; nothing for heads alone.
-std::string Table(const std::vector<TRow>& rows);
+std::string TableText(const std::vector<TRow>& rows);
 
 }  // namespace vyr::inspect

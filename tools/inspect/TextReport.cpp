@@ -7,6 +7,7 @@
 
 #include "Guide.h"
 #include "GuideText.h"
+#include "LlsTables.h"
 #include "MmtReader.h"
 #include "Names.h"
 #include "Text.h"
@@ -156,18 +157,35 @@ std::string FaultText(const SFault& fault)
     return Place(fault.source) + (IsInputFault(fault.code) ? "" : "fault: ") + Printable(fault.message) + '\n';
 }
 
+/// Appends "; 3 of this kind"; nothing for none.
+class CAdder {
+  public:
+    explicit CAdder(std::string& text) : m_text(text) {}
+
+    void operator()(std::uint64_t count, const std::string& what) const
+    {
+        if (count != 0) {
+            m_text += (m_text.empty() ? "" : "; ") + std::to_string(count) + ' ' + what;
+        }
+    }
+
+    void operator()(const SStatusCounts& counts) const
+    {
+        for (std::size_t i = 0; i < k_statuses; ++i) {
+            (*this)(counts[i], StatusText(static_cast<EStatus>(i)));
+        }
+    }
+
+  private:
+    std::string& m_text;
+};
+
 std::string CountsText(const STableCounts& counts)
 {
     std::string text;
-    for (std::size_t i = 0; i < k_statuses; ++i) {
-        if (counts.byStatus[i] != 0) {
-            text += (text.empty() ? "" : "; ") + std::to_string(counts.byStatus[i]) + ' ' +
-                    StatusText(static_cast<EStatus>(i));
-        }
-    }
-    if (counts.notParsed != 0) {
-        text += "; " + std::to_string(counts.notParsed) + " did not parse";
-    }
+    const CAdder add(text);
+    add(counts.byStatus);
+    add(counts.notParsed, "did not parse");
     if (counts.intervals != 0) {
         char mean[48];
         std::snprintf(mean, sizeof mean, "; every %.3f s on average",
@@ -177,21 +195,11 @@ std::string CountsText(const STableCounts& counts)
     return text;
 }
 
-/// Appends "; 3 of this kind"; nothing for none.
-auto Adder(std::string& text)
-{
-    return [&text](std::uint64_t count, const std::string& what) {
-        if (count != 0) {
-            text += (text.empty() ? "" : "; ") + std::to_string(count) + ' ' + what;
-        }
-    };
-}
-
 std::string RouteText(const SRouteCounts& counts)
 {
     std::string text = Counted(counts.packets, "packet") + " on " + Counted(counts.sessions, "session") + "; " +
                        std::to_string(counts.signalling) + " of TSI 0";
-    const auto add = Adder(text);
+    const CAdder add(text);
     add(counts.malformed, "malformed");
     add(counts.objects.complete, counts.objects.complete == 1 ? "object complete" : "objects complete");
     add(counts.incomplete, "incomplete");
@@ -204,7 +212,7 @@ std::string MmtpText(const SMmtpCounts& counts)
 {
     std::string text = Counted(counts.packets, "packet") + " on " + Counted(counts.sessions, "session") + "; " +
                        std::to_string(counts.signalling) + " of signalling";
-    const auto add = Adder(text);
+    const CAdder add(text);
     add(counts.otherTypes, "of other types");
     add(counts.otherVersions, "of other versions");
     add(counts.malformed, "malformed");
@@ -215,30 +223,26 @@ std::string MmtpText(const SMmtpCounts& counts)
     return text;
 }
 
-std::string MessagesText(const SSummary& summary)
+std::string MessagesText(const SMmtMessageCounts& counts)
 {
     std::string text;
-    const auto add = Adder(text);
-    for (std::size_t i = 0; i < k_statuses; ++i) {
-        add(summary.messages[i], StatusText(static_cast<EStatus>(i)));
-    }
-    add(summary.messagesNotParsed, "did not parse");
-    add(summary.messagesUnsupported, "not supported");
+    const CAdder add(text);
+    add(counts.byStatus);
+    add(counts.notParsed, "did not parse");
+    add(counts.notSupported, "not supported");
     return text.empty() ? "none" : text;
 }
 
 std::string SignallingText(const SSummary& summary)
 {
     std::string text;
-    const auto add = Adder(text);
+    const CAdder add(text);
     if (const std::uint64_t services = summary.routeServices + summary.mmtpServices; services != 0) {
         text = std::to_string(summary.servicesSignalled) + " of " + Counted(services, "service");
     }
-    for (std::size_t i = 0; i < k_statuses; ++i) {
-        add(summary.objects[i], StatusText(static_cast<EStatus>(i)));
-    }
-    add(summary.documentsNotParsed,
-        summary.documentsNotParsed == 1 ? "document did not parse" : "documents did not parse");
+    add(summary.signalling.byStatus);
+    const std::uint64_t documents = summary.signalling.documentsNotParsed;
+    add(documents, documents == 1 ? "document did not parse" : "documents did not parse");
     return text.empty() ? "none" : text;
 }
 
@@ -246,21 +250,19 @@ std::string GuideCountsText(const SGuideCounts& counts)
 {
     std::string text = Counted(counts.services, "service") + ", " + Counted(counts.programmes, "programme") + " of " +
                        Counted(counts.fragments, "fragment");
-    const auto add = Adder(text);
-    for (std::size_t i = 0; i < k_statuses; ++i) {
-        add(counts.objects[i], StatusText(static_cast<EStatus>(i)));
-    }
+    const CAdder add(text);
+    add(counts.byStatus);
     add(counts.notParsed, "did not parse");
     add(counts.packets, counts.packets == 1 ? "packet" : "packets");
-    add(counts.assembled.dropped, "dropped");
-    add(counts.assembled.tooLarge, "not taken");
+    add(counts.objects.dropped, "dropped");
+    add(counts.objects.tooLarge, "not taken");
     return text;
 }
 
 std::string PacketsText(const SPacketCounts& packets)
 {
     std::string text = std::to_string(packets.packets);
-    const auto add = Adder(text);
+    const CAdder add(text);
     add(packets.cut, "cut by the capture");
     add(packets.malformed, "malformed");
     add(packets.otherProtocol, "not IPv4 and UDP");
@@ -367,7 +369,7 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
         rows.push_back({"MMTP", MmtpText(summary.mmtp)});
     }
     if (summary.mmtp.sessions + summary.rawMessages != 0) {
-        rows.push_back({"messages", MessagesText(summary)});
+        rows.push_back({"messages", MessagesText(summary.messages)});
     }
     if (summary.routeServices + summary.mmtpServices + summary.route.sessions + summary.slsFiles != 0) {
         rows.push_back({"signalling", SignallingText(summary)});

@@ -6,29 +6,16 @@
 #include <vector>
 
 #include "Bytes.h"
+#include "Counts.h"
 
 namespace vyr::inspect {
-
-/// What the packets of a capture were.
-struct SPacketCounts {
-    std::uint64_t packets = 0;
-    std::uint64_t cut = 0;                  ///< captured shorter than they were
-    std::uint64_t otherProtocol = 0;        ///< not IPv4 over this link, or IPv4 without UDP
-    std::uint64_t otherLinkPackets = 0;     ///< link-layer packets of another kind than IPv4
-    std::uint64_t malformed = 0;            ///< headers that contradict themselves or the packet's length
-    std::uint64_t fragments = 0;            ///< IPv4 and link-layer pieces
-    std::uint64_t datagrams = 0;            ///< whole UDP datagrams
-    std::uint64_t incompleteDatagrams = 0;  ///< pieces that never became whole
-
-    SPacketCounts& operator+=(const SPacketCounts& other);
-};
 
 struct SDatagram {
     std::uint32_t source = 0;
     std::uint32_t destination = 0;
     std::uint16_t sourcePort = 0;
     std::uint16_t destinationPort = 0;
-    SBytes payload;
+    SView payload;
 };
 
 /// Finds the UDP datagrams in IPv4 packets and puts fragmented ones together in bounded memory.
@@ -39,7 +26,7 @@ class CIpv4Decoder {
     CIpv4Decoder(SPacketCounts& counts, std::function<void(const SDatagram&)> sink);
 
     /// `cut`: the capture may hold less of the packet than its header announces.
-    void Decode(SBytes packet, bool cut);
+    void Decode(SView packet, bool cut);
     /// No more packets come: what is still open counts as incomplete.
     void Finish();
 
@@ -58,9 +45,9 @@ class CIpv4Decoder {
         std::uint64_t completedAt = 0;
     };
 
-    void m_Fragment(SBytes packet, SBytes data, unsigned flagsAndOffset);
-    bool m_Put(SAssembly& assembly, SBytes data, std::size_t offset, bool more);
-    void m_Udp(std::uint32_t source, std::uint32_t destination, SBytes data);
+    void m_Fragment(SView packet, SView data, unsigned flagsAndOffset);
+    bool m_Put(SAssembly& assembly, SView data, std::size_t offset, bool more);
+    void m_Udp(std::uint32_t source, std::uint32_t destination, SView data);
     void m_Drop(std::list<SAssembly>::iterator assembly);
 
     SPacketCounts& m_counts;

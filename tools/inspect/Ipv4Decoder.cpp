@@ -1,4 +1,4 @@
-#include "Ipv4.h"
+#include "Ipv4Decoder.h"
 
 #include <algorithm>
 #include <cstring>
@@ -15,25 +15,12 @@ constexpr std::size_t k_block = 8;
 
 }  // namespace
 
-SPacketCounts& SPacketCounts::operator+=(const SPacketCounts& other)
-{
-    packets += other.packets;
-    cut += other.cut;
-    otherProtocol += other.otherProtocol;
-    otherLinkPackets += other.otherLinkPackets;
-    malformed += other.malformed;
-    fragments += other.fragments;
-    datagrams += other.datagrams;
-    incompleteDatagrams += other.incompleteDatagrams;
-    return *this;
-}
-
 CIpv4Decoder::CIpv4Decoder(SPacketCounts& counts, std::function<void(const SDatagram&)> sink)
     : m_counts(counts), m_sink(std::move(sink))
 {
 }
 
-void CIpv4Decoder::Decode(SBytes packet, bool cut)
+void CIpv4Decoder::Decode(SView packet, bool cut)
 {
     ++m_decoded;
     if (packet.size < 20) {
@@ -58,7 +45,7 @@ void CIpv4Decoder::Decode(SBytes packet, bool cut)
         m_counts.malformed += cut ? 0 : 1;
         return;
     }
-    const SBytes data = packet.First(total).From(header);
+    const SView data = packet.First(total).From(header);
     const unsigned flagsAndOffset = packet.Be16(6);
     if ((flagsAndOffset & (k_moreFragments | k_offsetMask)) != 0) {
         m_Fragment(packet, data, flagsAndOffset);
@@ -74,7 +61,7 @@ void CIpv4Decoder::Finish()
     }
 }
 
-void CIpv4Decoder::m_Fragment(SBytes packet, SBytes data, unsigned flagsAndOffset)
+void CIpv4Decoder::m_Fragment(SView packet, SView data, unsigned flagsAndOffset)
 {
     ++m_counts.fragments;
     const bool more = (flagsAndOffset & k_moreFragments) != 0;
@@ -120,7 +107,7 @@ void CIpv4Decoder::m_Fragment(SBytes packet, SBytes data, unsigned flagsAndOffse
 }
 
 /// What came first stays where fragments overlap. False: the fragments contradict each other.
-bool CIpv4Decoder::m_Put(SAssembly& assembly, SBytes data, std::size_t offset, bool more)
+bool CIpv4Decoder::m_Put(SAssembly& assembly, SView data, std::size_t offset, bool more)
 {
     const std::size_t end = offset + data.size;
     if (!more) {
@@ -144,7 +131,7 @@ bool CIpv4Decoder::m_Put(SAssembly& assembly, SBytes data, std::size_t offset, b
     return true;
 }
 
-void CIpv4Decoder::m_Udp(std::uint32_t source, std::uint32_t destination, SBytes data)
+void CIpv4Decoder::m_Udp(std::uint32_t source, std::uint32_t destination, SView data)
 {
     if (data.size < 8 || data.Be16(4) < 8 || data.Be16(4) > data.size) {
         ++m_counts.malformed;

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 
-namespace vyr {
+namespace vyr::xml {
 
 /// Looks for what would cost libxml2 far more time or memory than its bytes are worth, before libxml2
 /// sees it. Null: the document may be parsed. Else the reason it is refused, for the log:
@@ -27,8 +26,4 @@ namespace vyr {
 /// `*plain`: whether an accepted document is UTF-8, without document type and without zero byte.
 const char* RefusalOf(const char* data, std::size_t size, bool* plain = nullptr);
 
-/// Decodes a document from a named encoding to UTF-8 as libxml2 would, up to the first byte it cannot.
-/// False when the encoding is not known.
-bool DecodeXml(const char* encoding, const char* data, std::size_t size, std::string* out);
-
-}  // namespace vyr
+}  // namespace vyr::xml

@@ -1,10 +1,9 @@
-#include "common/XmlScan.h"
+#include "common/xml/Refusal.h"
 
 #include <strings.h>
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
@@ -13,7 +12,10 @@
 #include <unordered_map>
 #include <unordered_set>
 
-namespace vyr {
+#include "common/SeededHash.h"
+#include "common/xml/Xml.h"
+
+namespace vyr::xml {
 namespace {
 
 constexpr std::size_t k_maxAttributes = 1024;
@@ -27,7 +29,6 @@ constexpr std::size_t k_maxCatalogs = 1024;
 constexpr std::size_t k_maxEnumerated = 1024;
 constexpr std::size_t k_maxDefaults = 1024;
 constexpr std::uint64_t k_maxDefaulting = 4u << 20;
-constexpr std::size_t k_maxExpansion = 524288;
 constexpr int k_maxNesting = 64;
 
 // Shorter than this nothing can be too much: 257 times "<a xmlns=''/>" without what goes between them,
@@ -52,20 +53,8 @@ constexpr char k_malformed[] = "not well-formed";
 
 using TText = std::string_view;
 
-/// Hash that cannot be foreseen, so that nobody makes names that share one.
 struct SNameHash {
-    std::size_t operator()(TText name) const
-    {
-        static const std::uint64_t s_seed =
-            static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()) *
-                0x9E3779B97F4A7C15u ^
-            reinterpret_cast<std::uintptr_t>(&s_seed);
-        std::uint64_t hash = s_seed;
-        for (const char c : name) {
-            hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3u;
-        }
-        return static_cast<std::size_t>(hash ^ hash >> 32);
-    }
+    std::size_t operator()(TText name) const { return CSeededHash().Add(name).Value(); }
 };
 
 bool IsBlank(char c)
@@ -908,4 +897,4 @@ const char* RefusalOf(const char* data, std::size_t size, bool* plain)
     return reason;
 }
 
-}  // namespace vyr
+}  // namespace vyr::xml

@@ -1,4 +1,4 @@
-#include "common/XmlScan.h"
+#include "common/xml/Refusal.h"
 
 #include <chrono>
 #include <random>
@@ -32,7 +32,7 @@ std::string Labelled(const std::string& encoding, const std::string& text)
     return "<?xml version='1.0' encoding='" + encoding + "'?>" + text;
 }
 
-class XmlScanTest : public CRecorder {
+class XmlRefusalTest : public CRecorder {
   protected:
     /// The reason for which the document is refused, "" when it is accepted, "?" when libxml2 does not
     /// take it. Within a fraction of what an attack would take.
@@ -57,7 +57,7 @@ class XmlScanTest : public CRecorder {
     }
 };
 
-TEST_F(XmlScanTest, LimitsAndWhatIsInnocent)
+TEST_F(XmlRefusalTest, LimitsAndWhatIsInnocent)
 {
     const std::string many = Repeated(1025, " a", "='&#65;'");
     const std::string thousand = Repeated(1000, " a", "=''");
@@ -172,7 +172,7 @@ TEST_F(XmlScanTest, LimitsAndWhatIsInnocent)
     }
 }
 
-TEST_F(XmlScanTest, Encodings)
+TEST_F(XmlRefusalTest, Encodings)
 {
     for (const char* name :
          {"utf-8",  "UTF8",        "US-ASCII", "ANSI_X3.4-1968", "ISO646-US", "ascii", "ISO-8859-1", "ISO_8859-15",
@@ -209,12 +209,12 @@ TEST_F(XmlScanTest, Encodings)
                    {Labelled("UTF-7", "<r/>"), false}};
     for (const auto& c : k_plain) {
         bool plain = !c.plain;
-        vyr::RefusalOf(c.text.data(), c.text.size(), &plain);
+        vyr::xml::RefusalOf(c.text.data(), c.text.size(), &plain);
         EXPECT_EQ(plain, c.plain) << c.text.substr(0, 60);
     }
 }
 
-TEST_F(XmlScanTest, AttacksEndAtOnce)
+TEST_F(XmlRefusalTest, AttacksEndAtOnce)
 {
     const std::string bomb = "<!DOCTYPE r [<!ENTITY % a 'x'>" + [] {
         std::string text;
@@ -237,7 +237,7 @@ TEST_F(XmlScanTest, AttacksEndAtOnce)
 
 /// Documents put together at random from parts that open, close, hide and exceed, in many encodings: the
 /// library takes what plain libxml2 takes, but for what is refused for a reason that is true.
-TEST_F(XmlScanTest, AgreesWithPlainLibxml2)
+TEST_F(XmlRefusalTest, AgreesWithPlainLibxml2)
 {
     static const std::string k_parts[] = {"<a>",
                                           "</a>",

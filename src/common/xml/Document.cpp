@@ -1,0 +1,227 @@
+#include "common/xml/Xml.h"
+
+#include <libxml/parserInternals.h>
+#include <libxml/xmlerror.h>
+
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "common/OutOfMemory.h"
+#include "common/XML.h"
+#include "common/xml/LibXml.h"
+#include "common/xml/SpareNodes.h"
+#include "platform/FailureKeeping.h"
+
+// A text is parsed where it lies. VYR_XML_PLAIN leaves out this short cut and that of SpareNodes.cpp.
+#if !defined(VYR_XML_PLAIN) && (LIBXML_VERSION < 21000 || LIBXML_VERSION >= 21400)
+#define VYR_XML_IN_PLACE 1
+#else
+#define VYR_XML_IN_PLACE 0
+#endif
+
+namespace vyr::xml {
+
+namespace {
+
+// Documents up to this size are copied to the stack to be zero-terminated.
+constexpr std::size_t k_maxOnStack = 8191;
+// Larger ones are parsed from libxml2's own copy.
+constexpr std::size_t k_maxInPlace = 1048576;
+
+struct SContextDeleter {
+    void operator()(xmlParserCtxtPtr context) const { xmlFreeParserCtxt(context); }
+};
+using TContext = std::unique_ptr<xmlParserCtxt, SContextDeleter>;
+
+/// The first fault that libxml2 tells of a document. It is why a document is not taken; one that is may have some.
+struct SFault {
+    int line;
+    bool next;  // its words come next
+    char text[160];
+
+    void Hear(const char* words, int inLine)
+    {
+        if (text[0] == 0) {
+            line = inLine;
+            std::snprintf(text, sizeof text, "%.*s", static_cast<int>(std::strcspn(words, "\n")), words);
+        }
+    }
+};
+thread_local SFault t_fault;
+
+/// A parser context that does what libxml2 does by default, whatever the process has set globally.
+TContext NewContext()
+{
+    xmlInitParser();
+    xmlResetLastError();
+    TContext context(Allocated(xmlNewParserCtxt()));
+    // The defaults of the process leak into these, and options only ever add to them.
+    context->options = 0;
+    context->replaceEntities = 0;
+    context->loadsubset = 0;
+    context->validate = 0;
+    context->pedantic = 0;
+    context->keepBlanks = 1;
+    if (context->sax) {
+        context->sax->ignorableWhitespace = context->sax->characters;
+        // Faults are shown at debug priority only; else nobody need put their place in the text into pieces.
+        if (!LogEnabled(LOG_PRIORITY_DEBUG)) {
+            context->sax->serror = [](void*, auto* error) {
+                if (error->level >= XML_ERR_ERROR) {
+                    t_fault.Hear(error->message ? error->message : "", error->line);
+                }
+            };
+        }
+    }
+    return context;
+}
+
+/// Parses text with a zero byte behind it where it lies. xmlCtxtReadMemory makes a copy, and asks that for more
+/// at every turn near its end.
+TDocument ParseInPlace(xmlParserCtxtPtr context, const char* text, std::size_t size)
+{
+    xmlCtxtUseOptions(context, XML_PARSE_COMPACT);
+    // Nobody asks for elements by their xml:id. (With a document type this would load external subsets.)
+    context->loadsubset = XML_SKIP_IDS;
+#if LIBXML_VERSION >= 21400
+    const xmlParserInputFlags flags =
+        static_cast<xmlParserInputFlags>(XML_INPUT_BUF_STATIC | XML_INPUT_BUF_ZERO_TERMINATED);
+    const xmlParserInputPtr input = xmlNewInputFromMemory(nullptr, text, size, flags);
+    return TDocument(input ? xmlCtxtParseDocument(context, input) : nullptr);
+#else
+    const xmlParserInputPtr input = xmlNewInputStream(context);
+    if (!input) {
+        return nullptr;
+    }
+    input->base = input->cur = AsName(text);
+    input->end = input->base + size;
+    input->length = static_cast<int>(size);
+    if (inputPush(context, input) < 0) {
+        xmlFreeInputStream(input);
+        return nullptr;
+    }
+    LendNodes(context);
+    xmlParseDocument(context);
+    TakeBackNodes(context);
+    TDocument doc(std::exchange(context->myDoc, nullptr));
+    if (!context->wellFormed) {
+        doc = nullptr;
+    }
+    return doc;
+#endif
+}
+
+/// The document; throws when memory was out on the way, as it may be cut then. libxml2 tells it in one place or
+/// the other.
+TDocument Whole(xmlParserCtxtPtr context, TDocument doc)
+{
+    const auto* error = xmlGetLastError();
+    if (context->errNo == XML_ERR_NO_MEMORY || (error && error->code == XML_ERR_NO_MEMORY)) {
+        throw std::bad_alloc();
+    }
+    if (!doc && t_fault.text[0]) {
+        KeepFailure(FAILURE_XML, t_fault.text, t_fault.line);
+    }
+    return doc;
+}
+
+}  // namespace
+
+CErrorsToLog::CErrorsToLog()
+{
+    // The start of libxml2 is nothing for two threads at a time, and comes before its globals are looked at.
+    static const bool s_started = (xmlInitParser(), true);
+    static_cast<void>(s_started);
+    m_handler = xmlGenericError;
+    m_context = xmlGenericErrorContext;
+    xmlSetGenericErrorFunc(nullptr, XmlError);
+    t_fault.text[0] = 0;
+    t_fault.next = false;
+}
+
+CErrorsToLog::~CErrorsToLog()
+{
+    xmlSetGenericErrorFunc(m_context, m_handler);
+}
+
+/// "Entity: line 3: ", "parser ", "error : ", the words, and where they are.
+void HearPiece(const char* piece)
+{
+    if (t_fault.next) {
+        t_fault.Hear(piece, t_fault.line);
+    } else if (t_fault.text[0] == 0 && std::strncmp(piece, "Entity: line ", 13) == 0) {
+        t_fault.line = std::atoi(piece + 13);
+    }
+    t_fault.next = std::strcmp(piece, "error : ") == 0;
+}
+
+void SFreeDocument::operator()(void* document) const
+{
+    KeepNodes(AsDoc(document));
+    xmlFreeDoc(AsDoc(document));
+}
+
+TDocument ParseText(const char* text, std::size_t size, bool plain, bool zeroBehind)
+{
+    const CErrorsToLog errors;
+    const TContext holder = NewContext();
+    const xmlParserCtxtPtr context = holder.get();
+    if (!VYR_XML_IN_PLACE || !plain || size > k_maxInPlace) {
+        const int options = XML_PARSE_COMPACT;
+        return Whole(context,
+                     TDocument(xmlCtxtReadMemory(context, text, static_cast<int>(size), nullptr, nullptr, options)));
+    }
+    if (zeroBehind) {
+        return Whole(context, ParseInPlace(context, text, size));
+    }
+    if (size > k_maxOnStack) {
+        const std::unique_ptr<char[]> copy(new char[size + 1]);
+        std::memcpy(copy.get(), text, size);
+        copy[size] = 0;
+        return Whole(context, ParseInPlace(context, copy.get(), size));
+    }
+    char copy[k_maxOnStack + 1];
+    std::memcpy(copy, text, size);
+    copy[size] = 0;
+    return Whole(context, ParseInPlace(context, copy, size));
+}
+
+TDocument ParseFile(const char* name)
+{
+    const CErrorsToLog errors;
+    const TContext context = NewContext();
+    return Whole(context.get(), TDocument(xmlCtxtReadFile(context.get(), name, nullptr, XML_PARSE_COMPACT)));
+}
+
+bool DecodeXml(const char* encoding, const char* data, std::size_t size, std::string* out)
+{
+    const CErrorsToLog errors;
+    xmlCharEncodingHandlerPtr decoder = xmlFindCharEncodingHandler(encoding);
+    if (!decoder) {
+        return false;
+    }
+    // It may do less than everything at a time, and stops for good before what it cannot decode.
+    // A copy: for its message it reads four bytes from the wrong one on.
+    const xmlBufferPtr text = xmlBufferCreate();
+    const xmlBufferPtr rest = xmlBufferCreateSize(size + 4);
+    if (rest) {
+        xmlBufferAdd(rest, reinterpret_cast<const xmlChar*>(data), static_cast<int>(size));
+    }
+    for (int before = INT_MAX; text && rest && xmlBufferLength(rest) > 0 && xmlBufferLength(rest) < before;) {
+        before = xmlBufferLength(rest);
+        xmlCharEncInFunc(decoder, text, rest);
+    }
+    if (text && xmlBufferContent(text)) {
+        out->assign(AsText(xmlBufferContent(text)), static_cast<std::size_t>(xmlBufferLength(text)));
+    }
+    xmlBufferFree(text);
+    xmlBufferFree(rest);
+    xmlCharEncCloseFunc(decoder);
+    return true;
+}
+
+}  // namespace vyr::xml
