@@ -17,8 +17,6 @@ class CPayloadReader;
 /// it is not zero-terminated, and it lives until the next Parse or the descriptor's end.
 class VYR_API CMMTDescPayload : public CMMTDesc {
   public:
-    ~CMMTDescPayload() override;
-
     /// Leaves the cursor at the end that the length names. False: another tag, a length that runs past the
     /// item (which stays valid), or a cursor inside a byte.
     bool Parse(SItem* item) override;

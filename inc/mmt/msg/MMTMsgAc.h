@@ -19,7 +19,6 @@ class VYR_API CMMTMsgAc : public CMMTMsgPayload {
     };
 
     CMMTMsgAc();
-    ~CMMTMsgAc() override;
 
     bool Parse(SItem* item) override;
     void Dump() const override;

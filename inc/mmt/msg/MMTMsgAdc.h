@@ -29,7 +29,6 @@ class VYR_API CMMTMsgAdc : public CMMTMsgPayload {
     };
 
     CMMTMsgAdc();
-    ~CMMTMsgAdc() override;
 
     bool Parse(SItem* item) override;
     void Dump() const override;

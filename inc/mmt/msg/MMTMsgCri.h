@@ -7,7 +7,6 @@
 class VYR_API CMMTMsgCri : public CMMTMsgPayload {
   public:
     CMMTMsgCri();
-    ~CMMTMsgCri() override;
 
     /// False too when the table does not parse.
     bool Parse(SItem* item) override;

@@ -7,7 +7,6 @@
 class VYR_API CMMTMsgDci : public CMMTMsgPayload {
   public:
     CMMTMsgDci();
-    ~CMMTMsgDci() override;
 
     /// False too when the table does not parse.
     bool Parse(SItem* item) override;

@@ -8,7 +8,6 @@
 class VYR_API CMMTMsgLdc : public CMMTMsgPayload {
   public:
     CMMTMsgLdc();
-    ~CMMTMsgLdc() override;
 
     bool Parse(SItem* item) override;
     void Dump() const override;

@@ -7,7 +7,6 @@
 class VYR_API CMMTMsgLr : public CMMTMsgLicence {
   public:
     CMMTMsgLr();
-    ~CMMTMsgLr() override;
 
     bool Parse(SItem* item) override;
 };

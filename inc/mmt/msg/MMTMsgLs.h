@@ -6,7 +6,6 @@
 class VYR_API CMMTMsgLs : public CMMTMsgLicence {
   public:
     CMMTMsgLs();
-    ~CMMTMsgLs() override;
 
     bool Parse(SItem* item) override;
 };

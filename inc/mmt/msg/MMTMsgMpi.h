@@ -9,7 +9,6 @@
 class VYR_API CMMTMsgMpi : public CMMTMsg {
   public:
     CMMTMsgMpi();
-    ~CMMTMsgMpi() override;
 
     bool Parse(SItem* item) override;
     void Dump() const override;
@@ -26,8 +25,8 @@ class VYR_API CMMTMsgMpi : public CMMTMsg {
     CMMTTblMp* MPTable() { return &m_mpTable; }
 
   private:
-    unsigned char m_reserved;
-    bool m_associatedMPTableFlag;
+    unsigned char m_reserved = 0;
+    bool m_associatedMPTableFlag = false;
     CMMTTblMpi m_mpiTable;
     CMMTTblMp m_mpTable;
 };

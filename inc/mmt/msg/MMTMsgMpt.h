@@ -7,7 +7,6 @@
 class VYR_API CMMTMsgMpt : public CMMTMsg {
   public:
     CMMTMsgMpt();
-    ~CMMTMsgMpt() override;
 
     bool Parse(SItem* item) override;
     void Dump() const override;

@@ -9,7 +9,6 @@
 class VYR_API CMMTMsgPayload : public CMMTMsg {
   public:
     using CMMTMsg::CMMTMsg;
-    ~CMMTMsgPayload() override;
 
     bool Parse(SItem* item) override = 0;
     /// True: there is nothing to report.

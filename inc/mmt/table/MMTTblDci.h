@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
 #include "../element/MMTElementAssetId.h"
 #include "../element/MMTElementMime.h"
 #include "MMTTblPayload.h"
@@ -27,7 +27,6 @@ class VYR_API CMMTTblDci : public CMMTTblPayload {
     };
 
     CMMTTblDci();
-    ~CMMTTblDci() override;
 
     bool Parse(SItem* item) override;
     void Dump() const override;
@@ -37,8 +36,8 @@ class VYR_API CMMTTblDci : public CMMTTblPayload {
     /// Number of assets whose id and MIME type are there.
     int AssetCount() const { return m_arrayAsset.Size(); }
     /// The index-th asset, the table's own; null for an index outside the range (asserted).
-    const SAsset* Asset(int index) const;
+    const SAsset* Asset(int index) const { return m_arrayAsset.At(index); }
 
   private:
-    CCPtrArray m_arrayAsset;
+    TPtrArray<SAsset> m_arrayAsset;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
 #include "MMTTbl.h"
 #include "MMTTblPaInfo.h"
 
@@ -17,7 +17,6 @@ class VYR_API CMMTTblPa : public CMMTTbl {
     };
 
     CMMTTblPa();
-    ~CMMTTblPa() override;
 
     /// Required: a table longer than the data makes the item invalid. The private extension is not read.
     bool Parse(SItem* item) override;
@@ -35,11 +34,11 @@ class VYR_API CMMTTblPa : public CMMTTbl {
 
     int InfoCount() const { return m_arrayTable.Size(); }
     /// The index-th entry, the table's own; null for an index outside the range (asserted).
-    CMMTTblPaInfo* Info(int index) const;
+    CMMTTblPaInfo* Info(int index) const { return m_arrayTable.At(index); }
 
   private:
-    CCPtrArray m_arrayTable;
-    unsigned char m_reserved;
-    unsigned char m_privateFlag;
-    SCallback m_callback;
+    TPtrArray<CMMTTblPaInfo> m_arrayTable;
+    unsigned char m_reserved = 0;
+    unsigned char m_privateFlag = 0;
+    SCallback m_callback = {};
 };

@@ -9,7 +9,6 @@
 class VYR_API CMMTTblPayload : public CMMTTbl {
   public:
     using CMMTTbl::CMMTTbl;
-    ~CMMTTblPayload() override;
 
     bool Parse(SItem* item) override = 0;
     /// True: there is nothing to report.

@@ -1,13 +1,12 @@
 #pragma once
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
 #include "MMTTblPayload.h"
 
 /// Security information table (SI table, table_id 0x23): descriptors up to its end.
 class VYR_API CMMTTblSi : public CMMTTblPayload {
   public:
     CMMTTblSi();
-    ~CMMTTblSi() override;
 
     bool Parse(SItem* item) override;
     void Dump() const override;
@@ -16,8 +15,8 @@ class VYR_API CMMTTblSi : public CMMTTblPayload {
 
     int DescriptorCount() const { return m_arrayDescriptor.Size(); }
     /// The index-th descriptor, the table's own; null for an index outside the range (asserted).
-    CMMTDesc* Descriptor(int index) const;
+    CMMTDesc* Descriptor(int index) const { return m_arrayDescriptor.At(index); }
 
   private:
-    CCPtrArray m_arrayDescriptor;
+    TPtrArray<CMMTDesc> m_arrayDescriptor;
 };

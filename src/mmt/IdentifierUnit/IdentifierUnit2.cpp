@@ -5,9 +5,7 @@
 
 bool CIdentifierUnit2::Parse(SItem* item)
 try {
-    if (m_regex) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 10}, "!m_regex");
-    }
+    VYR_ASSERT_AT(10, !m_regex, "!m_regex");
     const unsigned int length = t_Value(item, 16);
     m_regex.Take(t_AllocAndCopy(item, length), length);
     return item && item->valid;

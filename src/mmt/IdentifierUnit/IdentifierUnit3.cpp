@@ -9,9 +9,7 @@ try {
     if (!item || !item->valid) {
         return false;
     }
-    if (m_representationID) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 14}, "!m_representationID");
-    }
+    VYR_ASSERT_AT(14, !m_representationID, "!m_representationID");
     m_representationID.Take(t_AllocAndCopy(item, length), length);
     return item->valid;
 } catch (...) {

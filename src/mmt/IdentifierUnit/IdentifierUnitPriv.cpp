@@ -5,16 +5,14 @@
 
 bool CIdentifierUnitPriv::Parse(SItem* item)
 try {
-    if (!item) {
-        return vyr::AssertFailed({vyr::k_source.text, __func__, 8}, "item");
+    if (!VYR_ASSERT_AT(8, item, "item")) {
+        return false;
     }
     const unsigned int length = t_Value(item, 16);
     if (!item->valid) {
         return false;
     }
-    if (m_priv) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 16}, "!m_priv");
-    }
+    VYR_ASSERT_AT(16, !m_priv, "!m_priv");
     m_priv.Take(t_AllocAndCopy(item, length), length);
     return item->valid;
 } catch (...) {

@@ -2,8 +2,6 @@
 
 #include "platform/Log.h"
 
-CMMTDescCri::CMMTDescCri() : m_clockRelationId(0), m_reserved(0), m_stcSample(0), m_ntpTimestampSample(0) {}
-
 bool CMMTDescCri::Parse(SItem* item)
 {
     if (!VYR_ASSERT(item, "item")) {

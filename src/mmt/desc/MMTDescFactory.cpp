@@ -96,7 +96,7 @@ try {
 }
 
 bool CMMTDescFactory::ParseDescriptors(IParse::SItem* item, int length, CCPtrArray* array)
-{
+try {
     if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(array, "array") || !VYR_ASSERT(length >= 0, "length >= 0")) {
         return false;
     }
@@ -107,11 +107,12 @@ bool CMMTDescFactory::ParseDescriptors(IParse::SItem* item, int length, CCPtrArr
         std::unique_ptr<CMMTDesc> p_desc(CMMTDescFactory::GenerateDesc(item));
         // Required: a tag without a class ends the loop; what follows it is not parsed.
         if (!VYR_CHECK(p_desc, "p_desc = CMMTDescFactory::GenerateDesc(item)") ||
-            !VYR_CHECK(p_desc->Parse(item), "p_desc->Parse(item)") ||
-            !VYR_CHECK(array->Add(p_desc.get()), "array->Add(p_desc)")) {
+            !VYR_CHECK(p_desc->Parse(item), "p_desc->Parse(item)")) {
             return false;
         }
-        p_desc.release();
+        vyr::Append(*array, std::move(p_desc));
     }
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }

@@ -7,8 +7,6 @@
 
 CMMTDescPayload::CMMTDescPayload(const char* name, unsigned int tag) : m_name(name), m_wanted(tag) {}
 
-CMMTDescPayload::~CMMTDescPayload() = default;
-
 bool CMMTDescPayload::t_Takes(unsigned int tag) const
 {
     return tag == m_wanted;

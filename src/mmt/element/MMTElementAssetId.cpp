@@ -6,10 +6,6 @@
 #include "common/OutOfMemory.h"
 #include "platform/Log.h"
 
-CMMTElementAssetId::CMMTElementAssetId() : m_assetIdScheme{}, m_assetIdLength(0) {}
-
-CMMTElementAssetId::~CMMTElementAssetId() = default;
-
 bool CMMTElementAssetId::Parse(SItem* item)
 try {
     const unsigned char* scheme = t_Byte(item, 4);

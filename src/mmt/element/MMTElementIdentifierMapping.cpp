@@ -8,10 +8,6 @@
 #include "mmt/IdentifierUnit/IdentifierUnitPriv.h"
 #include "platform/Log.h"
 
-CMMTElementIdentifierMapping::CMMTElementIdentifierMapping() : m_identifierType(0) {}
-
-CMMTElementIdentifierMapping::~CMMTElementIdentifierMapping() = default;
-
 bool CMMTElementIdentifierMapping::Parse(SItem* item)
 try {
     m_identifier.reset();
@@ -36,11 +32,10 @@ try {
             m_identifier = std::make_unique<CIdentifierUnitPriv>();
             break;
     }
-    if (!m_identifier->Parse(item)) {
+    if (!VYR_CHECK_AT(43, m_identifier->Parse(item), "m_identifier->Parse(item)")) {
         m_identifier.reset();
-        return vyr::CheckFailed({vyr::k_source.text, __func__, 43}, "m_identifier->Parse(item)");
     }
-    return true;
+    return m_identifier != nullptr;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

@@ -36,17 +36,13 @@ void CMMTElementLocation::SRelease::operator()(CLocationUnitBase* unit) const
     }
 }
 
-CMMTElementLocation::CMMTElementLocation() : m_locationType(0) {}
-
 CMMTElementLocation::~CMMTElementLocation() = default;
 
 bool CMMTElementLocation::Parse(SItem* item)
 try {
     m_locationType = t_Value(item, 8);
-    if (m_pLocation) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 23}, "!m_pLocation");
-        m_pLocation.reset();
-    }
+    VYR_ASSERT_AT(23, !m_pLocation, "!m_pLocation");
+    m_pLocation.reset();
     if (!item || !item->valid || m_locationType >= std::size(k_units)) {
         return false;
     }

@@ -14,10 +14,6 @@ bool BeginsWith(const vyr::CBytes& text, const char (&word)[6])
 
 }  // namespace
 
-CMMTElementMime::CMMTElementMime() : m_length(0) {}
-
-CMMTElementMime::~CMMTElementMime() = default;
-
 bool CMMTElementMime::Parse(SItem* item)
 try {
     m_length = static_cast<unsigned char>(t_Value(item, 8));

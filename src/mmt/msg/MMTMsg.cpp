@@ -5,9 +5,7 @@
 #include "mmt/Elements.h"
 #include "platform/Log.h"
 
-CMMTMsg::CMMTMsg(EClassType classType) : m_classType(classType), m_id(0xFFFF), m_version(0), m_length(0) {}
-
-CMMTMsg::~CMMTMsg() = default;
+CMMTMsg::CMMTMsg(EClassType classType) : m_classType(classType) {}
 
 unsigned short CMMTMsg::MessageId(const unsigned char* data)
 {

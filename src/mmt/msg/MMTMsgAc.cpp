@@ -6,8 +6,6 @@
 
 CMMTMsgAc::CMMTMsgAc() : CMMTMsgPayload(CLASS_TYPE_AC) {}
 
-CMMTMsgAc::~CMMTMsgAc() = default;
-
 bool CMMTMsgAc::Parse(SItem* item)
 try {
     m_entries.clear();

@@ -5,8 +5,6 @@
 
 CMMTMsgAdc::CMMTMsgAdc() : CMMTMsgPayload(CLASS_TYPE_ADC) {}
 
-CMMTMsgAdc::~CMMTMsgAdc() = default;
-
 bool CMMTMsgAdc::Parse(SItem* item)
 {
     m_fields = {};

@@ -19,11 +19,11 @@ struct CMMTMsgAtsc3::SState {
     unsigned int contentLength = 0;
     vyr::CBytes uri;
     std::unique_ptr<unsigned char[]> content;
-    CCPtrArray audioStreamProperties{vyr::g_CbRemove<CMMTDesc>, nullptr};
-    CCPtrArray videoStreamProperties{vyr::g_CbRemove<CMMTDesc>, nullptr};
-    CCPtrArray captionAssets{vyr::g_CbRemove<CMMTDesc>, nullptr};
-    CCPtrArray securityProperties{vyr::g_CbRemove<CMMTDesc>, nullptr};
-    CCPtrArray licenseUrls{vyr::g_CbRemove<CMMTDesc>, nullptr};
+    TPtrArray<CMMTDesc> audioStreamProperties;
+    TPtrArray<CMMTDesc> videoStreamProperties;
+    TPtrArray<CMMTDesc> captionAssets;
+    TPtrArray<CMMTDesc> securityProperties;
+    TPtrArray<CMMTDesc> licenseUrls;
     CMMTUsbd usbd;
     CRSAT rsat;
     CMMTTblSi siTable;
@@ -31,8 +31,8 @@ struct CMMTMsgAtsc3::SState {
     bool created = false;  ///< all of it
 
     /// In the order in which descriptors are handed out.
-    const CCPtrArray* const arrays[5] = {&audioStreamProperties, &videoStreamProperties, &captionAssets,
-                                         &securityProperties, &licenseUrls};
+    const TPtrArray<CMMTDesc>* const arrays[5] = {&audioStreamProperties, &videoStreamProperties, &captionAssets,
+                                                  &securityProperties, &licenseUrls};
 
     SState() = default;
     ~SState()
@@ -197,8 +197,8 @@ void CMMTMsgAtsc3::Dump() const
             m->serviceId, m->contentType, m->contentVersion, m->contentCompression);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Dump] URI[%s] content length[%u]", m->uri ? m->uri.Text() : "",
             m->contentLength);
-    for (const CCPtrArray* array : m->arrays) {
-        vyr::DumpElements<CMMTDesc>(*array);
+    for (const TPtrArray<CMMTDesc>* array : m->arrays) {
+        vyr::DumpElements(*array);
     }
 }
 
@@ -212,7 +212,7 @@ bool CMMTMsgAtsc3::GetDescriptors(void (*callback)(void* user, CMMTDesc* descrip
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
-    for (const CCPtrArray* array : m->arrays) {
+    for (const TPtrArray<CMMTDesc>* array : m->arrays) {
         if (!vyr::VisitDescriptors(*array, callback, user)) {
             return false;
         }

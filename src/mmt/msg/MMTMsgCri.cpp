@@ -2,8 +2,6 @@
 
 CMMTMsgCri::CMMTMsgCri() : CMMTMsgPayload(CLASS_TYPE_CRI) {}
 
-CMMTMsgCri::~CMMTMsgCri() = default;
-
 bool CMMTMsgCri::Parse(SItem* item)
 {
     SItem payload;

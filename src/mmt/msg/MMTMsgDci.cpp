@@ -2,8 +2,6 @@
 
 CMMTMsgDci::CMMTMsgDci() : CMMTMsgPayload(CLASS_TYPE_DCI) {}
 
-CMMTMsgDci::~CMMTMsgDci() = default;
-
 bool CMMTMsgDci::Parse(SItem* item)
 {
     SItem payload;

@@ -73,10 +73,7 @@ void CMMTMsgFactory::InitializeFactory()
 
 std::shared_ptr<CMMTMsg> CMMTMsgFactory::CreateMessage(const unsigned char* data, unsigned int length)
 try {
-    if (!data) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 77}, "data");
-    }
-    if (!data || length < 2) {
+    if (!VYR_ASSERT_AT(77, data, "data") || length < 2) {
         return nullptr;
     }
     std::call_once(MMTFactoryInitFlag, InitializeFactory);

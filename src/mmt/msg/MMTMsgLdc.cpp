@@ -4,8 +4,6 @@
 
 CMMTMsgLdc::CMMTMsgLdc() : CMMTMsgPayload(CLASS_TYPE_LDC) {}
 
-CMMTMsgLdc::~CMMTMsgLdc() = default;
-
 bool CMMTMsgLdc::Parse(SItem* item)
 {
     SItem payload;

@@ -2,8 +2,6 @@
 
 CMMTMsgLr::CMMTMsgLr() : CMMTMsgLicence(CLASS_TYPE_LR) {}
 
-CMMTMsgLr::~CMMTMsgLr() = default;
-
 bool CMMTMsgLr::Parse(SItem* item)
 {
     return t_ParseLicences(item, "[CMMTMsgLr::Parse] Item size ERROR len[%u], length[%u]");

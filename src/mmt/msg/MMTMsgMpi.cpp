@@ -2,9 +2,7 @@
 
 #include "platform/Log.h"
 
-CMMTMsgMpi::CMMTMsgMpi() : CMMTMsg(CLASS_TYPE_MPI), m_reserved(0), m_associatedMPTableFlag(false) {}
-
-CMMTMsgMpi::~CMMTMsgMpi() = default;
+CMMTMsgMpi::CMMTMsgMpi() : CMMTMsg(CLASS_TYPE_MPI) {}
 
 bool CMMTMsgMpi::Parse(SItem* item)
 {

@@ -4,8 +4,6 @@
 
 CMMTMsgMpt::CMMTMsgMpt() : CMMTMsg(CLASS_TYPE_MPT) {}
 
-CMMTMsgMpt::~CMMTMsgMpt() = default;
-
 bool CMMTMsgMpt::Parse(SItem* item)
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgMpt::Parse]");

@@ -2,8 +2,6 @@
 
 #include "common/OutOfMemory.h"
 
-CMMTMsgPayload::~CMMTMsgPayload() = default;
-
 bool CMMTMsgPayload::t_ParsePayload(SItem* item, unsigned int bits, const char* format, SItem& payload)
 try {
     if (!t_ParseHeader(item, bits, format)) {

@@ -5,9 +5,7 @@
 #include "mmt/msg/MMTMsgFactory.h"
 #include "platform/Log.h"
 
-CMMTMsgSmm::CMMTMsgSmm() : CMMTMsgPayload(CLASS_TYPE_SMM), m_serviceId(0), m_depth(0) {}
-
-CMMTMsgSmm::~CMMTMsgSmm() = default;
+CMMTMsgSmm::CMMTMsgSmm() : CMMTMsgPayload(CLASS_TYPE_SMM) {}
 
 bool CMMTMsgSmm::Parse(SItem* item)
 try {

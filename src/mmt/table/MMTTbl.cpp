@@ -10,9 +10,7 @@
 #include "mmt/element/MMTElementLocation.h"
 #include "platform/Log.h"
 
-CMMTTbl::CMMTTbl(unsigned int classType) : m_tableId(0xFF), m_version(0), m_length(0), m_classType(classType) {}
-
-CMMTTbl::~CMMTTbl() = default;
+CMMTTbl::CMMTTbl(unsigned int classType) : m_classType(classType) {}
 
 bool CMMTTbl::Parse(SItem* item)
 {

@@ -3,9 +3,7 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblCri::CMMTTblCri() : CMMTTblPayload(CLASS_TYPE_CRI), m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr) {}
-
-CMMTTblCri::~CMMTTblCri() = default;
+CMMTTblCri::CMMTTblCri() : CMMTTblPayload(CLASS_TYPE_CRI) {}
 
 bool CMMTTblCri::Parse(SItem* item)
 try {
@@ -23,7 +21,7 @@ try {
         }
         // A clock relation descriptor of several units leaves its body unread.
         const unsigned int next = begin + (4 + descriptor->Length()) * 8;
-        vyr::Append(m_arrayDescriptor, std::move(descriptor));
+        m_arrayDescriptor.Append(std::move(descriptor));
         if (next > payload.bitsize) {
             break;
         }
@@ -37,16 +35,11 @@ try {
 void CMMTTblCri::Dump() const
 {
     CMMTTbl::Dump();
-    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
+    vyr::DumpElements(m_arrayDescriptor);
 }
 
 bool CMMTTblCri::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
     const vyr::CScoped<bool> visiting(t_visiting, true, t_visiting);
     return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
-}
-
-CMMTDesc* CMMTTblCri::Descriptor(int index) const
-{
-    return vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, index);
 }

@@ -4,9 +4,7 @@
 #include "mmt/Elements.h"
 #include "mmt/PayloadReader.h"
 
-CMMTTblDci::CMMTTblDci() : CMMTTblPayload(CLASS_TYPE_DCI), m_arrayAsset(vyr::g_CbRemove<SAsset>, nullptr) {}
-
-CMMTTblDci::~CMMTTblDci() = default;
+CMMTTblDci::CMMTTblDci() : CMMTTblPayload(CLASS_TYPE_DCI) {}
 
 bool CMMTTblDci::Parse(SItem* item)
 try {
@@ -22,7 +20,7 @@ try {
             break;
         }
         SAsset& a = *asset;
-        vyr::Append(m_arrayAsset, std::move(asset));
+        m_arrayAsset.Append(std::move(asset));
         reader.Value(7);
         reader.Field(1, a.codecComplexityFlag);
         const bool video = a.mimeType.IsVideo();
@@ -64,9 +62,4 @@ void CMMTTblDci::Dump() const
 bool CMMTTblDci::GetDescriptors(void (* /*callback*/)(void* user, CMMTDesc* descriptor), void* /*user*/)
 {
     return true;
-}
-
-const CMMTTblDci::SAsset* CMMTTblDci::Asset(int index) const
-{
-    return vyr::ElementAt<SAsset>(m_arrayAsset, index);
 }

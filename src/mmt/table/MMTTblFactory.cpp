@@ -12,11 +12,7 @@
 
 CMMTTbl* CMMTTblFactory::GenerateTbl(IParse::SItem* item)
 try {
-    if (!item) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 24}, "item");
-        return nullptr;
-    }
-    if (!VYR_ASSERT(item->buffer, "item->buffer") || vyr::BytesLeft(*item) == 0) {
+    if (!VYR_ASSERT_AT(24, item, "item") || !VYR_ASSERT(item->buffer, "item->buffer") || vyr::BytesLeft(*item) == 0) {
         return nullptr;
     }
     const unsigned int id = item->buffer[item->bitpos / 8];

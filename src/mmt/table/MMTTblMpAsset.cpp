@@ -5,21 +5,6 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblMpAsset::CMMTTblMpAsset()
-    : m_assetType{},
-      m_reserved(0),
-      m_assetClockRelationId(0),
-      m_defaultAssetFlag(false),
-      m_assetClockRelationFlag(false),
-      m_assetTimeScaleFlag(false),
-      m_assetTimeScale(0),
-      m_arrayLocation(vyr::g_CbRemove<CMMTElementLocation>, nullptr),
-      m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr)
-{
-}
-
-CMMTTblMpAsset::~CMMTTblMpAsset() = default;
-
 bool CMMTTblMpAsset::Parse(SItem* item)
 try {
     if (!m_identifier.Parse(item)) {
@@ -42,13 +27,11 @@ try {
         }
     }
     const unsigned int locations = t_Value(item, 8);
-    if (!item->valid ||
-        !vyr::ParseElements<CMMTElementLocation>(item, locations, m_arrayLocation, {vyr::k_source.text, __func__, 73},
-                                                 "location->Parse(item)", "m_arrayLocation.Add(location)")) {
+    if (!item->valid || !vyr::ParseElements(item, locations, m_arrayLocation, 73, "location->Parse(item)")) {
         return false;
     }
     const unsigned int length = t_Value(item, 16);
-    if (!item->valid || !vyr::ParseDescriptorLoop(item, length, &m_arrayDescriptor)) {
+    if (!item->valid || !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
         return false;
     }
     Dump();
@@ -67,8 +50,8 @@ void CMMTTblMpAsset::Dump() const
             m_assetType[1], m_assetType[2], m_assetType[3], m_reserved, m_defaultAssetFlag);
     VYR_LOG(LOG_PRIORITY_DEBUG, "clock relation [%d] id [%u] timescale [%d] [%u]", m_assetClockRelationFlag,
             m_assetClockRelationId, m_assetTimeScaleFlag, m_assetTimeScale);
-    vyr::DumpElements<CMMTElementLocation>(m_arrayLocation);
-    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
+    vyr::DumpElements(m_arrayLocation);
+    vyr::DumpElements(m_arrayDescriptor);
 }
 
 bool CMMTTblMpAsset::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
@@ -76,13 +59,7 @@ bool CMMTTblMpAsset::GetDescriptors(void (*callback)(void* user, CMMTDesc* descr
     return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
 }
 
-CMMTElementLocation* CMMTTblMpAsset::Location(unsigned char index) const
-{
-    return vyr::ElementAt<CMMTElementLocation>(m_arrayLocation, index);
-}
-
 CMMTDesc* CMMTTblMpAsset::AssetDescriptor(unsigned int index) const
 {
-    return index < AssetDescriptorSize() ? vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, static_cast<int>(index))
-                                         : nullptr;
+    return index < AssetDescriptorSize() ? m_arrayDescriptor.At(static_cast<int>(index)) : nullptr;
 }

@@ -3,10 +3,6 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblMpiContent::CMMTTblMpiContent() : m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr) {}
-
-CMMTTblMpiContent::~CMMTTblMpiContent() = default;
-
 /// Copies what a length of `bits` spans into `bytes`; `held` is asserted when there is a copy already.
 bool CMMTTblMpiContent::m_Copy(SItem* item, unsigned int bits, vyr::CBytes& bytes, int line, const char* held)
 {
@@ -29,7 +25,7 @@ try {
         return false;
     }
     const unsigned int length = t_Value(item, 16);
-    if (!item->valid || !vyr::ParseDescriptorLoop(item, length, &m_arrayDescriptor) ||
+    if (!item->valid || !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor) ||
         !m_Copy(item, 16, m_piContent, 49, "!m_piContent")) {
         return false;
     }
@@ -42,15 +38,10 @@ void CMMTTblMpiContent::Dump() const
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "content type [%s] name [%s] length [%u]", m_piContentType ? PiContentType() : "",
             m_piContentName ? PiContentName() : "", m_piContent.Length());
-    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
+    vyr::DumpElements(m_arrayDescriptor);
 }
 
 bool CMMTTblMpiContent::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
     return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
-}
-
-CMMTDesc* CMMTTblMpiContent::Descriptor(int index) const
-{
-    return vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, index);
 }

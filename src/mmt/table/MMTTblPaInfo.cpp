@@ -2,10 +2,6 @@
 
 #include "platform/Log.h"
 
-CMMTTblPaInfo::CMMTTblPaInfo() : m_tableId(0), m_tableVersion(0), m_reserved(0), m_flag(0) {}
-
-CMMTTblPaInfo::~CMMTTblPaInfo() = default;
-
 bool CMMTTblPaInfo::Parse(SItem* item)
 {
     m_tableId = static_cast<unsigned char>(t_Value(item, 8));

@@ -2,8 +2,6 @@
 
 #include "common/OutOfMemory.h"
 
-CMMTTblPayload::~CMMTTblPayload() = default;
-
 bool CMMTTblPayload::t_ParsePayload(SItem* item, const char* error, SItem& payload)
 try {
     if (!t_ParseHeader(item, error)) {
