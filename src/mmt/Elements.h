@@ -3,21 +3,15 @@
 #include <algorithm>
 #include <memory>
 
+#include "common/BitReader.h"
 #include "common/Owned.h"
 #include "mmt/desc/MMTDesc.h"
 #include "mmt/desc/MMTDescFactory.h"
 #include "platform/Log.h"
 
-// What MMT structures share: bytes left, lists of owned elements, descriptor loops.
+// What MMT structures share: lists of owned elements, descriptor loops.
 
 namespace vyr {
-
-/// Whole bytes behind the cursor.
-inline unsigned int BytesLeft(const IParse::SItem& item)
-{
-    const unsigned int position = item.bitpos / 8;
-    return position < item.size ? item.size - position : 0;
-}
 
 /// Logs every element of an array, at debug priority.
 template <class T>

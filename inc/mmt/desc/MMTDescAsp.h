@@ -52,12 +52,12 @@ class VYR_API CMMTDescAsp : public CMMTDescPayload {
     const std::vector<SAsset>& Assets() const { return m_assets; }
 
   private:
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
-    void m_ParseAsset(vyr::CPayloadReader& reader, SAsset& asset);
-    void m_ParsePresentation(vyr::CPayloadReader& reader, bool multiStreamInfoPresent, SPresentation& presentation);
-    void m_ParseMultiStream(vyr::CPayloadReader& reader, SAsset& asset);
-    void m_ParseTime(vyr::CPayloadReader& reader, std::optional<STime>& time);
-    void m_ParseBytes(vyr::CPayloadReader& reader, unsigned int count, std::vector<unsigned char>& bytes);
+    void t_ParsePayload(vyr::CBitReader& reader) override;
+    void m_ParseAsset(vyr::CBitReader& reader, SAsset& asset);
+    void m_ParsePresentation(vyr::CBitReader& reader, bool multiStreamInfoPresent, SPresentation& presentation);
+    void m_ParseMultiStream(vyr::CBitReader& reader, SAsset& asset);
+    void m_ParseTime(vyr::CBitReader& reader, std::optional<STime>& time);
+    void m_ParseBytes(vyr::CBitReader& reader, unsigned int count, std::vector<unsigned char>& bytes);
 
     std::vector<SAsset> m_assets;
 };

@@ -18,7 +18,7 @@ class VYR_API CMMTDescDependency : public CMMTDescPayload {
     const std::vector<SAsset>& Assets() const { return m_assets; }
 
   private:
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
+    void t_ParsePayload(vyr::CBitReader& reader) override;
 
     std::vector<SAsset> m_assets;
 };

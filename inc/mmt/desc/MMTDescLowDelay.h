@@ -23,10 +23,10 @@ class VYR_API CMMTDescLowDelay : public CMMTDescPayload {
     const SLowDelay& Fields() const { return m_fields; }
 
     /// Reads the fields alone, which are all that the item has: so the low delay consumption message carries them.
-    void ParseFields(vyr::CPayloadReader& reader);
+    void ParseFields(vyr::CBitReader& reader);
 
   private:
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
+    void t_ParsePayload(vyr::CBitReader& reader) override;
 
     SLowDelay m_fields;
 };

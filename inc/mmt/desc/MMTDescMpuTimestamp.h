@@ -18,7 +18,7 @@ class VYR_API CMMTDescMpuTimestamp : public CMMTDescPayload {
     const std::vector<STimestamp>& Timestamps() const { return m_timestamps; }
 
   private:
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
+    void t_ParsePayload(vyr::CBitReader& reader) override;
 
     std::vector<STimestamp> m_timestamps;
 };

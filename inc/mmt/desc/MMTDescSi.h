@@ -19,7 +19,7 @@ class VYR_API CMMTDescSi : public CMMTDescPayload {
     const std::vector<SSystem>& Systems() const { return m_systems; }
 
   private:
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
+    void t_ParsePayload(vyr::CBitReader& reader) override;
 
     std::vector<SSystem> m_systems;
 };

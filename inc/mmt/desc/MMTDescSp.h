@@ -33,7 +33,7 @@ class VYR_API CMMTDescSp : public CMMTDescPayload {
 
   private:
     bool t_Takes(unsigned int tag) const override;
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
+    void t_ParsePayload(vyr::CBitReader& reader) override;
 
     std::vector<SAsset> m_assets;
 };

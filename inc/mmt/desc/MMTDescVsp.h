@@ -95,14 +95,14 @@ class VYR_API CMMTDescVsp : public CMMTDescPayload {
     const std::vector<SAsset>& Assets() const { return m_assets; }
 
   private:
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
-    void m_ParseAsset(vyr::CPayloadReader& reader, SAsset& asset);
-    STemporalScalability m_TemporalScalability(vyr::CPayloadReader& reader);
-    SMultiview m_Multiview(vyr::CPayloadReader& reader);
-    SResolution m_Resolution(vyr::CPayloadReader& reader);
-    SColour m_Colour(vyr::CPayloadReader& reader);
-    SProfile m_Profile(vyr::CPayloadReader& reader);
-    SProfileTierLevel m_ProfileTierLevel(vyr::CPayloadReader& reader, unsigned int m);
+    void t_ParsePayload(vyr::CBitReader& reader) override;
+    void m_ParseAsset(vyr::CBitReader& reader, SAsset& asset);
+    STemporalScalability m_TemporalScalability(vyr::CBitReader& reader);
+    SMultiview m_Multiview(vyr::CBitReader& reader);
+    SResolution m_Resolution(vyr::CBitReader& reader);
+    SColour m_Colour(vyr::CBitReader& reader);
+    SProfile m_Profile(vyr::CBitReader& reader);
+    SProfileTierLevel m_ProfileTierLevel(vyr::CBitReader& reader, unsigned int m);
 
     std::vector<SAsset> m_assets;
 };

@@ -3,8 +3,12 @@
 #include <array>
 #include <string>
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "../MMTParser.h"
+
+namespace vyr {
+class CBitReader;
+}
 
 /// What follows location_type in MMT_general_location_info (ISO/IEC 23008-1): one class per type, which says what
 /// fields the type has. A getter answers false, its output untouched, unless the type has that field; a null
@@ -67,7 +71,7 @@ class VYR_API CLocationUnitBase : public IMMTParser {
     using TWords = std::array<unsigned short, 8>;
 
     bool m_Has(unsigned int field) const { return (m_fields >> field & 1u) != 0; }
-    void m_ReadAddress(SItem* item, TWords& address);
+    void m_ReadAddress(vyr::CBitReader& reader, TWords& address);
     unsigned int m_Ipv4(const TWords& address) const;
 
     unsigned short m_fields;

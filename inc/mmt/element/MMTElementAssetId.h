@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "../MMTParser.h"
 
 /// Name of an asset: asset_id of ISO/IEC 23008-1, a scheme and an identifier.

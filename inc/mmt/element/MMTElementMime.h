@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "../MMTParser.h"
 
 /// A MIME type behind an 8-bit length, as the device capability information names assets' types.

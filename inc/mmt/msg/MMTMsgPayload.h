@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "MMTMsg.h"
 
 /// Base of the messages that keep the bytes of their payload beside what they read of it. The cursor ends

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "../../common/Bytes.h"
 #include "../../common/Owned.h"
-#include "../MMTBytes.h"
 #include "MMTTbl.h"
 #include "MMTTblMpAsset.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "../../common/Bytes.h"
 #include "../../common/Owned.h"
-#include "../MMTBytes.h"
 #include "../MMTParser.h"
 #include "../desc/MMTDesc.h"
 
@@ -34,8 +34,6 @@ class VYR_API CMMTTblMpiContent : public IMMTParser {
     CMMTDesc* Descriptor(int index) const { return m_arrayDescriptor.At(index); }
 
   private:
-    bool m_Copy(SItem* item, unsigned int bits, vyr::CBytes& bytes, int line, const char* held);
-
     vyr::CBytes m_piContentType;
     vyr::CBytes m_piContentName;
     TPtrArray<CMMTDesc> m_arrayDescriptor;

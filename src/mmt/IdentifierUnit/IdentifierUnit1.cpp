@@ -8,13 +8,14 @@
 bool CIdentifierUnit1::Parse(SItem* item)
 try {
     m_arrayUrl.RemoveAll();
-    const unsigned int count = t_Value(item, 16);
-    if (!item || !item->valid) {
+    vyr::CBitReader reader(item);
+    const unsigned int count = reader.Value(16);
+    if (!reader.Valid()) {
         return false;
     }
-    for (unsigned int i = 0; i < count && vyr::BytesLeft(*item) > 0; ++i) {
-        const unsigned int length = t_Value(item, 16);
-        std::unique_ptr<unsigned char, std::default_delete<unsigned char[]>> url(t_AllocAndCopy(item, length));
+    for (unsigned int i = 0; i < count && reader.Left() > 0; ++i) {
+        const unsigned int length = reader.Value(16);
+        std::unique_ptr<unsigned char, std::default_delete<unsigned char[]>> url(vyr::ReadCopy(item, length));
         if (!url) {
             return false;
         }

@@ -1,17 +1,19 @@
 #include "mmt/IdentifierUnit/IdentifierUnit3.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
 #include "platform/Log.h"
 
 bool CIdentifierUnit3::Parse(SItem* item)
 try {
-    const unsigned int length = t_Value(item, 16);
-    if (!item || !item->valid) {
+    vyr::CBitReader reader(item);
+    const unsigned int length = reader.Value(16);
+    if (!reader.Valid()) {
         return false;
     }
     VYR_ASSERT_AT(14, !m_representationID, "!m_representationID");
-    m_representationID.Take(t_AllocAndCopy(item, length), length);
-    return item->valid;
+    reader.Keep(length, m_representationID);
+    return reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

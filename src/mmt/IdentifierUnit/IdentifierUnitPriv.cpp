@@ -1,5 +1,6 @@
 #include "mmt/IdentifierUnit/IdentifierUnitPriv.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
 #include "platform/Log.h"
 
@@ -8,13 +9,14 @@ try {
     if (!VYR_ASSERT_AT(8, item, "item")) {
         return false;
     }
-    const unsigned int length = t_Value(item, 16);
-    if (!item->valid) {
+    vyr::CBitReader reader(item);
+    const unsigned int length = reader.Value(16);
+    if (!reader.Valid()) {
         return false;
     }
     VYR_ASSERT_AT(16, !m_priv, "!m_priv");
-    m_priv.Take(t_AllocAndCopy(item, length), length);
-    return item->valid;
+    reader.Keep(length, m_priv);
+    return reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

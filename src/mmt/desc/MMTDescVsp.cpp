@@ -1,13 +1,13 @@
 #include "mmt/desc/MMTDescVsp.h"
 
-#include "mmt/PayloadReader.h"
+#include "common/BitReader.h"
 #include "platform/Log.h"
 
 namespace {
 
 /// Keeps a group of fields that fitted whole.
 template <class T>
-void Keep(const vyr::CPayloadReader& reader, T group, std::optional<T>& kept)
+void Keep(const vyr::CBitReader& reader, T group, std::optional<T>& kept)
 {
     if (reader.Valid()) {
         kept = std::move(group);
@@ -18,12 +18,12 @@ void Keep(const vyr::CPayloadReader& reader, T group, std::optional<T>& kept)
 
 CMMTDescVsp::CMMTDescVsp() : CMMTDescPayload("CMMTDescVsp", 5) {}
 
-void CMMTDescVsp::t_ParsePayload(vyr::CPayloadReader& reader)
+void CMMTDescVsp::t_ParsePayload(vyr::CBitReader& reader)
 {
     reader.Assets(m_assets, [&](SAsset& asset) { m_ParseAsset(reader, asset); });
 }
 
-void CMMTDescVsp::m_ParseAsset(vyr::CPayloadReader& reader, SAsset& asset)
+void CMMTDescVsp::m_ParseAsset(vyr::CBitReader& reader, SAsset& asset)
 {
     asset.codecCode = reader.View(4);
     const bool temporalScalabilityPresent = reader.Flag();
@@ -52,26 +52,19 @@ void CMMTDescVsp::m_ParseAsset(vyr::CPayloadReader& reader, SAsset& asset)
     if (resCfBdInfoPresent) {
         Keep(reader, m_Resolution(reader), asset.resolution);
     }
-    const auto nothing = [](auto&) {};
     if (prInfoPresent) {
-        reader.Entries(
-            m + 1, asset.pictureRates,
-            [&](SPictureRate& rate) {
-                rate.code = static_cast<unsigned char>(reader.Value(8));
-                if (rate.code == 255) {
-                    reader.Field(16, rate.average);
-                }
-            },
-            nothing);
+        reader.Entries(m + 1, asset.pictureRates, [&](SPictureRate& rate) {
+            reader.Field(8, rate.code);
+            if (rate.code == 255) {
+                reader.Field(16, rate.average);
+            }
+        });
     }
     if (brInfoPresent) {
-        reader.Entries(
-            m + 1, asset.bitRates,
-            [&](SBitRate& rate) {
-                rate.average = static_cast<unsigned short>(reader.Value(16));
-                rate.maximum = static_cast<unsigned short>(reader.Value(16));
-            },
-            nothing);
+        reader.Entries(m + 1, asset.bitRates, [&](SBitRate& rate) {
+            reader.Field(16, rate.average);
+            reader.Field(16, rate.maximum);
+        });
     }
     if (colorInfoPresent) {
         Keep(reader, m_Colour(reader), asset.colour);
@@ -79,14 +72,14 @@ void CMMTDescVsp::m_ParseAsset(vyr::CPayloadReader& reader, SAsset& asset)
     Keep(reader, m_ProfileTierLevel(reader, m), asset.profileTierLevel);
 }
 
-CMMTDescVsp::STemporalScalability CMMTDescVsp::m_TemporalScalability(vyr::CPayloadReader& reader)
+CMMTDescVsp::STemporalScalability CMMTDescVsp::m_TemporalScalability(vyr::CBitReader& reader)
 {
     STemporalScalability temporal{};
-    temporal.maxSubLayersInstream = static_cast<unsigned char>(reader.Value(6));
+    reader.Field(6, temporal.maxSubLayersInstream);
     temporal.subLayerProfileTierLevelPresent = reader.Flag();
     temporal.temporalFilterPresent = reader.Flag();
-    temporal.tidMax = static_cast<unsigned char>(reader.Value(3));
-    temporal.tidMin = static_cast<unsigned char>(reader.Value(3));
+    reader.Field(3, temporal.tidMax);
+    reader.Field(3, temporal.tidMin);
     const unsigned int tfweight = reader.Value(2);
     if (temporal.temporalFilterPresent) {
         temporal.tfweight = static_cast<unsigned char>(tfweight);
@@ -94,24 +87,24 @@ CMMTDescVsp::STemporalScalability CMMTDescVsp::m_TemporalScalability(vyr::CPaylo
     return temporal;
 }
 
-CMMTDescVsp::SMultiview CMMTDescVsp::m_Multiview(vyr::CPayloadReader& reader)
+CMMTDescVsp::SMultiview CMMTDescVsp::m_Multiview(vyr::CBitReader& reader)
 {
     SMultiview multiview{};
-    multiview.viewNuhLayerId = static_cast<unsigned char>(reader.Value(6));
-    multiview.viewPos = static_cast<unsigned char>(reader.Value(6));
+    reader.Field(6, multiview.viewNuhLayerId);
+    reader.Field(6, multiview.viewPos);
     reader.Value(4);
-    multiview.minDispWithOffset = static_cast<unsigned short>(reader.Value(11));
-    multiview.maxDispRange = static_cast<unsigned short>(reader.Value(11));
+    reader.Field(11, multiview.minDispWithOffset);
+    reader.Field(11, multiview.maxDispRange);
     reader.Value(2);
     return multiview;
 }
 
-CMMTDescVsp::SResolution CMMTDescVsp::m_Resolution(vyr::CPayloadReader& reader)
+CMMTDescVsp::SResolution CMMTDescVsp::m_Resolution(vyr::CBitReader& reader)
 {
     SResolution resolution{};
-    resolution.width = static_cast<unsigned short>(reader.Value(16));
-    resolution.height = static_cast<unsigned short>(reader.Value(16));
-    resolution.chromaFormatIdc = static_cast<unsigned char>(reader.Value(2));
+    reader.Field(16, resolution.width);
+    reader.Field(16, resolution.height);
+    reader.Field(2, resolution.chromaFormatIdc);
     const bool separateColourPlaneFlag = reader.Flag();
     if (resolution.chromaFormatIdc == 3) {
         resolution.separateColourPlaneFlag = separateColourPlaneFlag;
@@ -119,17 +112,17 @@ CMMTDescVsp::SResolution CMMTDescVsp::m_Resolution(vyr::CPayloadReader& reader)
     reader.Value(3);
     resolution.videoStillPresent = reader.Flag();
     resolution.video24hrPicPresent = reader.Flag();
-    resolution.bitDepthLumaMinus8 = static_cast<unsigned char>(reader.Value(4));
-    resolution.bitDepthChromaMinus8 = static_cast<unsigned char>(reader.Value(4));
+    reader.Field(4, resolution.bitDepthLumaMinus8);
+    reader.Field(4, resolution.bitDepthChromaMinus8);
     return resolution;
 }
 
-CMMTDescVsp::SColour CMMTDescVsp::m_Colour(vyr::CPayloadReader& reader)
+CMMTDescVsp::SColour CMMTDescVsp::m_Colour(vyr::CBitReader& reader)
 {
     SColour colour{};
-    colour.colourPrimaries = static_cast<unsigned char>(reader.Value(8));
-    colour.transferCharacteristics = static_cast<unsigned char>(reader.Value(8));
-    colour.matrixCoeffs = static_cast<unsigned char>(reader.Value(8));
+    reader.Field(8, colour.colourPrimaries);
+    reader.Field(8, colour.transferCharacteristics);
+    reader.Field(8, colour.matrixCoeffs);
     if (colour.colourPrimaries >= 9) {
         reader.Field(1, colour.cgCompatibility);
         reader.Value(7);
@@ -145,12 +138,12 @@ CMMTDescVsp::SColour CMMTDescVsp::m_Colour(vyr::CPayloadReader& reader)
     return colour;
 }
 
-CMMTDescVsp::SProfile CMMTDescVsp::m_Profile(vyr::CPayloadReader& reader)
+CMMTDescVsp::SProfile CMMTDescVsp::m_Profile(vyr::CBitReader& reader)
 {
     SProfile profile{};
-    profile.profileSpace = static_cast<unsigned char>(reader.Value(2));
+    reader.Field(2, profile.profileSpace);
     profile.tierFlag = reader.Flag();
-    profile.profileIdc = static_cast<unsigned char>(reader.Value(5));
+    reader.Field(5, profile.profileIdc);
     profile.compatibilityFlags = reader.Value(32);
     profile.progressiveSourceFlag = reader.Flag();
     profile.interlacedSourceFlag = reader.Flag();
@@ -160,12 +153,12 @@ CMMTDescVsp::SProfile CMMTDescVsp::m_Profile(vyr::CPayloadReader& reader)
     return profile;
 }
 
-CMMTDescVsp::SProfileTierLevel CMMTDescVsp::m_ProfileTierLevel(vyr::CPayloadReader& reader, unsigned int m)
+CMMTDescVsp::SProfileTierLevel CMMTDescVsp::m_ProfileTierLevel(vyr::CBitReader& reader, unsigned int m)
 {
     constexpr unsigned int k_most = 6;
     SProfileTierLevel level{};
     level.profile = m_Profile(reader);
-    level.levelIdc = static_cast<unsigned char>(reader.Value(8));
+    reader.Field(8, level.levelIdc);
     if (m > k_most) {
         // No stream has so many sub-layers: where this ends, and with it the next asset's start, is unknown.
         reader.Stop();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
 #include "platform/Log.h"
 
@@ -46,53 +47,48 @@ try {
     return vyr::OutOfMemory(here);
 }
 
-/// Whether the reads so far had their bytes; the first of them has asserted a null item.
-bool Valid(const IParse::SItem* item)
-{
-    return item && item->valid;
-}
-
 }  // namespace
 
 CLocationUnitBase::~CLocationUnitBase() = default;
 
-void CLocationUnitBase::m_ReadAddress(SItem* item, TWords& address)
+void CLocationUnitBase::m_ReadAddress(vyr::CBitReader& reader, TWords& address)
 {
     if (m_Has(IPV4)) {
-        const unsigned int value = t_Value(item, 32);
+        const unsigned int value = reader.Value(32);
         address[0] = static_cast<unsigned short>(value >> 16);
         address[1] = static_cast<unsigned short>(value);
         return;
     }
     for (unsigned short& word : address) {
-        word = static_cast<unsigned short>(t_Value(item, 16));
+        reader.Field(16, word);
     }
 }
 
 bool CLocationUnitBase::Parse(SItem* item)
 try {
+    vyr::CBitReader reader(item);
     if (m_Has(IPV4) || m_Has(IPV6)) {
-        m_ReadAddress(item, m_source);
-        m_ReadAddress(item, m_destination);
+        m_ReadAddress(reader, m_source);
+        m_ReadAddress(reader, m_destination);
     }
     for (unsigned int i = 0; i < NUMBER_COUNT; ++i) {
         if (m_Has(i)) {
-            m_numbers[i] = static_cast<unsigned short>(t_Value(item, k_numbers[i].bits));
+            reader.Field(k_numbers[i].bits, m_numbers[i]);
             // A flow that is cut leaves what is behind it as it was.
-            if (i == DST_PORT && !Valid(item)) {
+            if (i == DST_PORT && !reader.Valid()) {
                 return false;
             }
         }
     }
     if (m_Has(URL) || m_Has(PRIVATE_INFO)) {
-        m_text.Take(nullptr, 0);
-        const unsigned int length = t_Value(item, m_Has(URL) ? 8 : 16);
+        m_text.Clear();
+        const unsigned int length = reader.Value(m_Has(URL) ? 8 : 16);
         // An empty text takes no memory: there can be 255 in every asset.
-        if (Valid(item) && t_Byte(item, 0) && length > 0) {
-            m_text.Take(t_AllocAndCopy(item, length), length);
+        if (reader.Valid() && reader.Bytes(0) && length > 0) {
+            reader.Keep(length, m_text);
         }
     }
-    return m_fields == 0 || Valid(item);
+    return m_fields == 0 || reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

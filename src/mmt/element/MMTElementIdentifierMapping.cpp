@@ -1,5 +1,6 @@
 #include "mmt/element/MMTElementIdentifierMapping.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
 #include "mmt/IdentifierUnit/IdentifierUnit0.h"
 #include "mmt/IdentifierUnit/IdentifierUnit1.h"
@@ -11,8 +12,9 @@
 bool CMMTElementIdentifierMapping::Parse(SItem* item)
 try {
     m_identifier.reset();
-    m_identifierType = static_cast<unsigned char>(t_Value(item, 8));
-    if (!item || !item->valid) {
+    vyr::CBitReader reader(item);
+    reader.Field(8, m_identifierType);
+    if (!reader.Valid()) {
         return false;
     }
     switch (m_identifierType) {

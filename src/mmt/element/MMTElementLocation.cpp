@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
 #include "platform/Log.h"
 
@@ -40,10 +41,11 @@ CMMTElementLocation::~CMMTElementLocation() = default;
 
 bool CMMTElementLocation::Parse(SItem* item)
 try {
-    m_locationType = t_Value(item, 8);
+    vyr::CBitReader reader(item);
+    reader.Field(8, m_locationType);
     VYR_ASSERT_AT(23, !m_pLocation, "!m_pLocation");
     m_pLocation.reset();
-    if (!item || !item->valid || m_locationType >= std::size(k_units)) {
+    if (!reader.Valid() || m_locationType >= std::size(k_units)) {
         return false;
     }
     m_pLocation.reset(k_units[m_locationType]());

@@ -1,7 +1,7 @@
 #include "mmt/msg/MMTMsgAc.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
-#include "mmt/PayloadReader.h"
 #include "platform/Log.h"
 
 CMMTMsgAc::CMMTMsgAc() : CMMTMsgPayload(CLASS_TYPE_AC) {}
@@ -13,11 +13,11 @@ try {
     if (!t_ParsePayload(item, 16, "[CMMTMsgAC::Parse] Item size ERROR len[%u], length[%u]", payload)) {
         return false;
     }
-    vyr::CPayloadReader reader(payload);
+    vyr::CBitReader reader(&payload);
     const unsigned int count = reader.Value(8);
     for (unsigned int i = 0; i < count && reader.Valid(); ++i) {
         SEntry entry{};
-        entry.packetId = static_cast<unsigned short>(reader.Value(16));
+        reader.Field(16, entry.packetId);
         if (!reader.Valid()) {
             break;
         }

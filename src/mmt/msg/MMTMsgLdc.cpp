@@ -1,6 +1,6 @@
 #include "mmt/msg/MMTMsgLdc.h"
 
-#include "mmt/PayloadReader.h"
+#include "common/BitReader.h"
 
 CMMTMsgLdc::CMMTMsgLdc() : CMMTMsgPayload(CLASS_TYPE_LDC) {}
 
@@ -10,7 +10,7 @@ bool CMMTMsgLdc::Parse(SItem* item)
     if (!t_ParsePayload(item, 16, "[CMMTMsgLdc::Parse] Item size ERROR len[%u], length[%u]", payload)) {
         return false;
     }
-    vyr::CPayloadReader reader(payload);
+    vyr::CBitReader reader(&payload);
     m_lowDelay.ParseFields(reader);
     return true;
 }

@@ -11,14 +11,14 @@ try {
     if (!t_ParsePayload(item, 32, format, payload)) {
         return false;
     }
-    const unsigned int count = t_Value(&payload, 8);
+    vyr::CBitReader reader(&payload);
+    const unsigned int count = reader.Value(8);
     for (unsigned int i = 0; i < count; ++i) {
         auto licence = std::make_unique<SLicence>();
         if (!licence->assetId.Parse(&payload)) {
             break;
         }
-        const unsigned int length = t_Value(&payload, 16);
-        licence->data.Take(t_AllocAndCopy(&payload, length), length);
+        reader.Keep(reader.Value(16), licence->data);
         m_arrayLicence.Append(std::move(licence));
     }
     return true;

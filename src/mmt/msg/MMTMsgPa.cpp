@@ -27,13 +27,14 @@ try {
     if (!t_ParseHeader(item, 32, "[CMMTMsgPa::Parse] Item size ERROR len[%u], length[%u]")) {
         return false;
     }
-    const unsigned int count = t_Value(item, 8);
+    vyr::CBitReader reader(item);
+    const unsigned int count = reader.Value(8);
     for (unsigned int i = 0; i < count; ++i) {
         auto unit = std::make_unique<STableUnit>();
-        unit->tableId = static_cast<unsigned char>(t_Value(item, 8));
-        unit->version = static_cast<unsigned char>(t_Value(item, 8));
-        unit->length = static_cast<unsigned short>(t_Value(item, 16));
-        if (!item->valid) {
+        reader.Field(8, unit->tableId);
+        reader.Field(8, unit->version);
+        reader.Field(16, unit->length);
+        if (!reader.Valid()) {
             return false;
         }
         m_arrayTableUnit.Append(std::move(unit));

@@ -17,9 +17,10 @@ bool CMMTTbl::Parse(SItem* item)
     if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }
-    m_tableId = static_cast<unsigned char>(t_Value(item, 8));
-    m_version = static_cast<unsigned char>(t_Value(item, 8));
-    m_length = static_cast<unsigned short>(t_Value(item, 16));
+    vyr::CBitReader reader(item);
+    reader.Field(8, m_tableId);
+    reader.Field(8, m_version);
+    reader.Field(16, m_length);
     VYR_LOG(LOG_PRIORITY_DEBUG, "CMMTTbl table id [%u]", m_tableId);
     VYR_LOG(LOG_PRIORITY_DEBUG, "CMMTTbl version  [%u]", m_version);
     VYR_LOG(LOG_PRIORITY_DEBUG, "CMMTTbl length   [%u]", m_length);

@@ -11,8 +11,9 @@ try {
     if (!t_ParsePayload(item, "[CMMTTblCri::Parse] ERROR", payload)) {
         return false;
     }
-    const unsigned int count = t_Value(&payload, 8);
-    for (unsigned int i = 0; i < count && vyr::BytesLeft(payload) > 0; ++i) {
+    vyr::CBitReader reader(&payload);
+    const unsigned int count = reader.Value(8);
+    for (unsigned int i = 0; i < count && reader.Left() > 0; ++i) {
         const unsigned int begin = payload.bitpos;
         std::unique_ptr<CMMTDesc> descriptor(CMMTDescFactory::GenerateDesc(&payload));
         if (!descriptor || !descriptor->Parse(&payload)) {

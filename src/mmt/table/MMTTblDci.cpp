@@ -1,8 +1,8 @@
 #include "mmt/table/MMTTblDci.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
-#include "mmt/PayloadReader.h"
 
 CMMTTblDci::CMMTTblDci() : CMMTTblPayload(CLASS_TYPE_DCI) {}
 
@@ -12,7 +12,7 @@ try {
     if (!t_ParsePayload(item, "[CMMTTblDci::Parse] ERROR", payload)) {
         return false;
     }
-    vyr::CPayloadReader reader(payload);
+    vyr::CBitReader reader(&payload);
     const unsigned int count = reader.Value(8);
     for (unsigned int i = 0; i < count; ++i) {
         auto asset = std::make_unique<SAsset>();

@@ -16,19 +16,19 @@ try {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] Table ID ERROR ID=%x", id);
         return false;
     }
-    m_reserved = static_cast<unsigned char>(t_Value(item, 6));
-    m_mode = static_cast<unsigned char>(t_Value(item, 2));
+    vyr::CBitReader reader(item);
+    reader.Field(6, m_reserved);
+    reader.Field(2, m_mode);
     if (id == 0x11 || id == 0x20) {
-        const unsigned int packageIdLength = t_Value(item, 8);
-        m_packageId.Take(t_AllocAndCopy(item, packageIdLength), packageIdLength);
+        reader.Keep(reader.Value(8), m_packageId);
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] packageId = %s", m_packageId ? m_packageId.Text() : "");
-        const unsigned int length = t_Value(item, 16);
+        const unsigned int length = reader.Value(16);
         // Required: where the data end here, the rest is empty, and the table is good.
-        if (item->valid && !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
+        if (reader.Valid() && !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
             return false;
         }
     }
-    const unsigned int assets = t_Value(item, 8);
+    const unsigned int assets = reader.Value(8);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] assetNum = %d", static_cast<int>(assets));
     return vyr::ParseElements(item, assets, m_arrayAsset, 84, "p_asset->Parse(item)");
 } catch (...) {

@@ -10,28 +10,29 @@ try {
     if (!m_identifier.Parse(item)) {
         return false;
     }
-    const unsigned char* type = t_Byte(item, 4);
+    vyr::CBitReader reader(item);
+    const unsigned char* type = reader.Bytes(4);
     if (!type) {
         return false;
     }
     std::copy(type, type + m_assetType.size(), m_assetType.begin());
-    m_reserved = static_cast<unsigned char>(t_Value(item, 6));
-    m_defaultAssetFlag = t_Value(item, 1) != 0;
-    m_assetClockRelationFlag = t_Value(item, 1) != 0;
+    reader.Field(6, m_reserved);
+    reader.Field(1, m_defaultAssetFlag);
+    reader.Field(1, m_assetClockRelationFlag);
     if (m_assetClockRelationFlag) {
-        m_assetClockRelationId = static_cast<unsigned char>(t_Value(item, 8));
-        m_reserved = static_cast<unsigned char>(t_Value(item, 7));
-        m_assetTimeScaleFlag = t_Value(item, 1) != 0;
+        reader.Field(8, m_assetClockRelationId);
+        reader.Field(7, m_reserved);
+        reader.Field(1, m_assetTimeScaleFlag);
         if (m_assetTimeScaleFlag) {
-            m_assetTimeScale = t_Value(item, 32);
+            reader.Field(32, m_assetTimeScale);
         }
     }
-    const unsigned int locations = t_Value(item, 8);
-    if (!item->valid || !vyr::ParseElements(item, locations, m_arrayLocation, 73, "location->Parse(item)")) {
+    const unsigned int locations = reader.Value(8);
+    if (!reader.Valid() || !vyr::ParseElements(item, locations, m_arrayLocation, 73, "location->Parse(item)")) {
         return false;
     }
-    const unsigned int length = t_Value(item, 16);
-    if (!item->valid || !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
+    const unsigned int length = reader.Value(16);
+    if (!reader.Valid() || !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
         return false;
     }
     Dump();

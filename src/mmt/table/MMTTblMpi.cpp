@@ -15,15 +15,16 @@ try {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMpi::Parse] Table ID ERROR ID=%x", id);
         return false;
     }
-    m_reservedBeforeMode = static_cast<unsigned char>(t_Value(item, 4));
-    m_piMode = static_cast<unsigned char>(t_Value(item, 2));
-    m_reservedBehindMode = static_cast<unsigned char>(t_Value(item, 2));
-    const unsigned int length = t_Value(item, 16);
-    if (!item->valid || !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
+    vyr::CBitReader reader(item);
+    reader.Field(4, m_reservedBeforeMode);
+    reader.Field(2, m_piMode);
+    reader.Field(2, m_reservedBehindMode);
+    const unsigned int length = reader.Value(16);
+    if (!reader.Valid() || !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
         return false;
     }
-    const unsigned int contents = t_Value(item, 8);
-    return item->valid && vyr::ParseElements(item, contents, m_arrayPiContent, 71, "p_content->Parse(item)");
+    const unsigned int contents = reader.Value(8);
+    return reader.Valid() && vyr::ParseElements(item, contents, m_arrayPiContent, 71, "p_content->Parse(item)");
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

@@ -3,33 +3,38 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-/// Copies what a length of `bits` spans into `bytes`; `held` is asserted when there is a copy already.
-bool CMMTTblMpiContent::m_Copy(SItem* item, unsigned int bits, vyr::CBytes& bytes, int line, const char* held)
+namespace {
+
+/// Copies what a length of `bits` spans into `bytes`; the caller's assertion `held` fails when there is a copy already.
+bool Copy(vyr::CBitReader& reader, unsigned int bits, vyr::CBytes& bytes, int line, const char* held, VYR_CALLER)
 {
-    const unsigned int length = t_Value(item, bits);
-    if (!item || !item->valid) {
+    const unsigned int length = reader.Value(bits);
+    if (!reader.Valid()) {
         return false;
     }
     if (bytes) {
-        vyr::AssertFailed({vyr::k_source.text, "Parse", line}, held);
+        vyr::AssertFailed({here.file, here.function, line}, held);
     }
-    bytes.Take(t_AllocAndCopy(item, length), length);
+    reader.Keep(length, bytes);
     return true;
 }
+
+}  // namespace
 
 bool CMMTTblMpiContent::Parse(SItem* item)
 try {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMpiContent::Parse");
-    if (!m_Copy(item, 8, m_piContentType, 24, "!m_piContentType") ||
-        !m_Copy(item, 8, m_piContentName, 32, "!m_piContentName")) {
+    vyr::CBitReader reader(item);
+    if (!Copy(reader, 8, m_piContentType, 24, "!m_piContentType") ||
+        !Copy(reader, 8, m_piContentName, 32, "!m_piContentName")) {
         return false;
     }
-    const unsigned int length = t_Value(item, 16);
-    if (!item->valid || !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor) ||
-        !m_Copy(item, 16, m_piContent, 49, "!m_piContent")) {
+    const unsigned int length = reader.Value(16);
+    if (!reader.Valid() || !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor) ||
+        !Copy(reader, 16, m_piContent, 49, "!m_piContent")) {
         return false;
     }
-    return item->valid;
+    return reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

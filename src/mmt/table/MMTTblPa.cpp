@@ -13,13 +13,14 @@ try {
         }
         return false;
     }
-    const unsigned int count = t_Value(item, 8);
+    vyr::CBitReader reader(item);
+    const unsigned int count = reader.Value(8);
     if (!vyr::ParseElements(item, count, m_arrayTable, 75, "p_unit->Parse(item)")) {
         return false;
     }
-    m_reserved = static_cast<unsigned char>(t_Value(item, 7));
-    m_privateFlag = static_cast<unsigned char>(t_Value(item, 1));
-    return item->valid;
+    reader.Field(7, m_reserved);
+    reader.Field(1, m_privateFlag);
+    return reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }
