@@ -13,6 +13,13 @@
 
 namespace vyr {
 
+/// Makes a T: what stands in a row of a factory.
+template <class TBase, class T>
+TBase* New()
+{
+    return new T;
+}
+
 /// Logs every element of an array, at debug priority.
 template <class T>
 void DumpElements(const TPtrArray<T>& array)

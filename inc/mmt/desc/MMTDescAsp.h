@@ -5,6 +5,8 @@
 /// Audio stream properties of assets (ATSC A/331 7.2.3), tag 9.
 class VYR_API CMMTDescAsp : public CMMTDescPayload {
   public:
+    static constexpr unsigned int k_tag = 9;  ///< descriptor_tag
+
     /// One presentation of an audio asset.
     struct SPresentation {
         unsigned char id;                                       ///< presentation_id
@@ -45,7 +47,7 @@ class VYR_API CMMTDescAsp : public CMMTDescPayload {
         std::optional<STime> emergencyEnd;         ///< likewise
     };
 
-    CMMTDescAsp();
+    CMMTDescAsp() : CMMTDescPayload("CMMTDescAsp", k_tag) {}
     void Dump() const override;
 
     /// In order.

@@ -6,6 +6,8 @@
 /// time bases.
 class VYR_API CMMTDescCri : public CMMTDesc {
   public:
+    static constexpr unsigned int k_tag = 0;  ///< descriptor_tag
+
     /// Length of the one record that is read, in bytes.
     static constexpr unsigned int k_unitSize = 15;
 

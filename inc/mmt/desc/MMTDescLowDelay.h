@@ -6,6 +6,8 @@
 /// metadata arrives.
 class VYR_API CMMTDescLowDelay : public CMMTDescPayload {
   public:
+    static constexpr unsigned int k_tag = 14;  ///< descriptor_tag
+
     /// The fields, each as far as the length reaches.
     struct SLowDelay {
         std::optional<unsigned int> basePresentationTimeOffset;  ///< base_presentation_time_offset
@@ -16,7 +18,7 @@ class VYR_API CMMTDescLowDelay : public CMMTDescPayload {
         std::optional<unsigned int> defaultSampleFlags;          ///< default_sample_flags
     };
 
-    CMMTDescLowDelay();
+    CMMTDescLowDelay() : CMMTDescPayload("CMMTDescLowDelay", k_tag) {}
     void Dump() const override;
 
     /// The fields, each as far as the length reaches.

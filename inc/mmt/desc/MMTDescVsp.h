@@ -5,6 +5,8 @@
 /// Video stream properties of assets (ATSC A/331 7.2.3.2), tag 5.
 class VYR_API CMMTDescVsp : public CMMTDescPayload {
   public:
+    static constexpr unsigned int k_tag = 5;  ///< descriptor_tag
+
     /// Sub-layers of the stream.
     struct STemporalScalability {
         unsigned char maxSubLayersInstream;     ///< max_sub_layers_instream, 6 bits
@@ -87,7 +89,7 @@ class VYR_API CMMTDescVsp : public CMMTDescPayload {
         std::optional<SProfileTierLevel> profileTierLevel;        ///< always there when it fits
     };
 
-    CMMTDescVsp();
+    CMMTDescVsp() : CMMTDescPayload("CMMTDescVsp", k_tag) {}
     void Dump() const override;
 
     /// In order. The rates are those of the sub-layers 0 to m, where m is maxSubLayersInstream - 1 when

@@ -8,7 +8,9 @@
 /// MPI table and, when it says so, an MP table.
 class VYR_API CMMTMsgMpi : public CMMTMsg {
   public:
-    CMMTMsgMpi();
+    static constexpr unsigned short k_messageId = 0x0001;      ///< first message_id
+    static constexpr unsigned short k_lastMessageId = 0x0010;  ///< last
+    CMMTMsgMpi() : CMMTMsg(CLASS_TYPE_MPI) {}
 
     bool Parse(SItem* item) override;
     void Dump() const override;

@@ -8,6 +8,7 @@
 /// the tables.
 class VYR_API CMMTMsgPa : public CMMTMsg {
   public:
+    static constexpr unsigned short k_messageId = 0x0000;  ///< message_id
     CMMTMsgPa();
 
     /// A table that is unknown or does not parse fails the message; those before it are kept. Asserted

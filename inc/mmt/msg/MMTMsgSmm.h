@@ -9,7 +9,8 @@
 /// so over SignedBlock.
 class VYR_API CMMTMsgSmm : public CMMTMsgPayload {
   public:
-    CMMTMsgSmm();
+    static constexpr unsigned short k_messageId = 0x8101;  ///< message_id
+    CMMTMsgSmm() : CMMTMsgPayload(CLASS_TYPE_SMM) {}
 
     /// A wrapped message that is unsupported or does not parse does not fail this one. Signed messages in
     /// signed messages are followed four deep.

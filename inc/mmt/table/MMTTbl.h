@@ -6,9 +6,7 @@ class CMMTDesc;
 class CMMTElementIdentifierMapping;
 class CMMTElementLocation;
 class CIdentifierUnitBase;
-class CLocationUnitBase;
 struct SIdentifier;
-struct SInternalLocationInfo;
 struct SLocationInfo;
 struct UInternalIdentifier;
 
@@ -61,8 +59,6 @@ class VYR_API CMMTTbl : public IMMTParser {
 
   private:
     friend class CMMTMsgPa;
-    static bool m_Unit0(const CLocationUnitBase* unit, SInternalLocationInfo* out);
-    static bool m_Unit1(const CLocationUnitBase* unit, SInternalLocationInfo* out);
     static bool m_AssetId(const CIdentifierUnitBase* unit, UInternalIdentifier* out);
 
     unsigned char m_tableId = 0xFF;

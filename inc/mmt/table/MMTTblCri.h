@@ -1,13 +1,15 @@
 #pragma once
 
 #include "../../common/Owned.h"
+#include "../desc/MMTDesc.h"
 #include "MMTTblPayload.h"
 
 /// Clock relation information table (CRI table, table_id 0x21; ISO/IEC 23008-1): how the clocks of assets relate
 /// to NTP time.
 class VYR_API CMMTTblCri : public CMMTTblPayload {
   public:
-    CMMTTblCri();
+    static constexpr unsigned char k_tableId = 0x21;  ///< table_id
+    CMMTTblCri() : CMMTTblPayload(CLASS_TYPE_CRI) {}
 
     /// False too when a clock relation descriptor has a length that it cannot have.
     bool Parse(SItem* item) override;

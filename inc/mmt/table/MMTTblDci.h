@@ -11,6 +11,8 @@
 /// of for each asset.
 class VYR_API CMMTTblDci : public CMMTTblPayload {
   public:
+    static constexpr unsigned char k_tableId = 0x22;  ///< table_id
+
     /// One asset; a field that its kind does not have, or that does not fit in the table, is absent. Rates,
     /// sizes and resolutions are in the units of the DCI table.
     struct SAsset {
@@ -26,7 +28,7 @@ class VYR_API CMMTTblDci : public CMMTTblPayload {
         std::optional<unsigned int> requiredStorage;         ///< without codecComplexityFlag
     };
 
-    CMMTTblDci();
+    CMMTTblDci() : CMMTTblPayload(CLASS_TYPE_DCI) {}
 
     bool Parse(SItem* item) override;
     void Dump() const override;

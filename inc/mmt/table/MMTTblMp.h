@@ -8,7 +8,9 @@
 /// MMT package table (MP table, table_ids 0x11 to 0x20; ISO/IEC 23008-1): the assets of a package.
 class VYR_API CMMTTblMp : public CMMTTbl {
   public:
-    CMMTTblMp();
+    static constexpr unsigned char k_tableId = 0x11;      ///< first table_id
+    static constexpr unsigned char k_lastTableId = 0x20;  ///< last
+    CMMTTblMp() : CMMTTbl(CLASS_TYPE_MP) {}
 
     /// False: a table_id outside the range, descriptors that run past the data, an asset that does not parse;
     /// assets before are kept. Required: only table_ids 0x11 and 0x20 have a package id and table

@@ -7,7 +7,9 @@
 /// Media presentation information table (MPI table, table_ids 0x01 to 0x10; ISO/IEC 23008-1).
 class VYR_API CMMTTblMpi : public CMMTTbl {
   public:
-    CMMTTblMpi();
+    static constexpr unsigned char k_tableId = 0x01;      ///< first table_id
+    static constexpr unsigned char k_lastTableId = 0x10;  ///< last
+    CMMTTblMpi() : CMMTTbl(CLASS_TYPE_MPI) {}
 
     /// False: a table_id outside the range, a content that does not parse, or the data ended; contents before
     /// are kept.

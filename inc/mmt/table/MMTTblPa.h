@@ -7,6 +7,8 @@
 /// Package access table (PA table, table_id 0x00; ISO/IEC 23008-1): where each signalling table is delivered.
 class VYR_API CMMTTblPa : public CMMTTbl {
   public:
+    static constexpr unsigned char k_tableId = 0x00;  ///< table_id
+
     /// Who is told of the entries.
     struct SCallback {
         void* user;  ///< handed to the callback
@@ -16,7 +18,7 @@ class VYR_API CMMTTblPa : public CMMTTbl {
                             SLocationInfo* alternativeLocation);
     };
 
-    CMMTTblPa();
+    CMMTTblPa() : CMMTTbl(CLASS_TYPE_PA) {}
 
     /// Required: a table longer than the data makes the item invalid. The private extension is not read.
     bool Parse(SItem* item) override;

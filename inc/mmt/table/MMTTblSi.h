@@ -1,12 +1,14 @@
 #pragma once
 
 #include "../../common/Owned.h"
+#include "../desc/MMTDesc.h"
 #include "MMTTblPayload.h"
 
 /// Security information table (SI table, table_id 0x23): descriptors up to its end.
 class VYR_API CMMTTblSi : public CMMTTblPayload {
   public:
-    CMMTTblSi();
+    static constexpr unsigned char k_tableId = 0x23;  ///< table_id
+    CMMTTblSi() : CMMTTblPayload(CLASS_TYPE_SI) {}
 
     bool Parse(SItem* item) override;
     void Dump() const override;

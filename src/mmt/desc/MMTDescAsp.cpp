@@ -3,8 +3,6 @@
 #include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTDescAsp::CMMTDescAsp() : CMMTDescPayload("CMMTDescAsp", 9) {}
-
 void CMMTDescAsp::t_ParsePayload(vyr::CBitReader& reader)
 {
     reader.Assets(m_assets, [&](SAsset& asset) { m_ParseAsset(reader, asset); });

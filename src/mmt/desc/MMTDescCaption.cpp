@@ -3,8 +3,6 @@
 #include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTDescCaption::CMMTDescCaption() : CMMTDescPayload("CMMTDescCaption", 8) {}
-
 void CMMTDescCaption::t_ParsePayload(vyr::CBitReader& reader)
 {
     reader.Assets(m_assets, [&](SAsset& asset) {

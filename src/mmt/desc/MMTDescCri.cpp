@@ -14,7 +14,7 @@ bool CMMTDescCri::Parse(SItem* item)
     if (!reader.Valid()) {
         return false;
     }
-    if (t_tag != 0) {
+    if (t_tag != k_tag) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescCri::Parse] Wrong tag : %d", static_cast<int>(t_tag));
         return false;
     }

@@ -3,8 +3,6 @@
 #include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTDescDependency::CMMTDescDependency() : CMMTDescPayload("CMMTDescDependency", 2) {}
-
 void CMMTDescDependency::t_ParsePayload(vyr::CBitReader& reader)
 {
     m_assets.clear();

@@ -3,8 +3,6 @@
 #include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTDescLowDelay::CMMTDescLowDelay() : CMMTDescPayload("CMMTDescLowDelay", 14) {}
-
 void CMMTDescLowDelay::t_ParsePayload(vyr::CBitReader& reader)
 {
     ParseFields(reader);

@@ -3,8 +3,6 @@
 #include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTDescMpuTimestamp::CMMTDescMpuTimestamp() : CMMTDescPayload("CMMTDescMpuTimestamp", 1) {}
-
 void CMMTDescMpuTimestamp::t_ParsePayload(vyr::CBitReader& reader)
 {
     constexpr unsigned int k_entrySize = 12;

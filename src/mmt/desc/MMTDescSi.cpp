@@ -3,8 +3,6 @@
 #include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTDescSi::CMMTDescSi() : CMMTDescPayload("CMMTDescSi", 4) {}
-
 void CMMTDescSi::t_ParsePayload(vyr::CBitReader& reader)
 {
     constexpr unsigned int k_idSize = 16;

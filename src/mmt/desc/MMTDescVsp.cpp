@@ -16,8 +16,6 @@ void Keep(const vyr::CBitReader& reader, T group, std::optional<T>& kept)
 
 }  // namespace
 
-CMMTDescVsp::CMMTDescVsp() : CMMTDescPayload("CMMTDescVsp", 5) {}
-
 void CMMTDescVsp::t_ParsePayload(vyr::CBitReader& reader)
 {
     reader.Assets(m_assets, [&](SAsset& asset) { m_ParseAsset(reader, asset); });

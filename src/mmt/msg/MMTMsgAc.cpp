@@ -4,8 +4,6 @@
 #include "common/OutOfMemory.h"
 #include "platform/Log.h"
 
-CMMTMsgAc::CMMTMsgAc() : CMMTMsgPayload(CLASS_TYPE_AC) {}
-
 bool CMMTMsgAc::Parse(SItem* item)
 try {
     m_entries.clear();
@@ -14,22 +12,17 @@ try {
         return false;
     }
     vyr::CBitReader reader(&payload);
-    const unsigned int count = reader.Value(8);
-    for (unsigned int i = 0; i < count && reader.Valid(); ++i) {
-        SEntry entry{};
-        reader.Field(16, entry.packetId);
-        if (!reader.Valid()) {
-            break;
-        }
-        reader.Field(32, entry.windowTimeout);
-        const bool ipv6 = reader.Flag();
-        reader.Value(7);
-        if (reader.Valid()) {
-            entry.serverAddress = reader.View(ipv6 ? 16 : 4);
-            reader.Field(16, entry.serverPort);
-        }
-        m_entries.push_back(entry);
-    }
+    reader.List(
+        m_entries, [&](SEntry& entry) { reader.Field(16, entry.packetId); },
+        [&](SEntry& entry) {
+            reader.Field(32, entry.windowTimeout);
+            const bool ipv6 = reader.Flag();
+            reader.Value(7);
+            if (reader.Valid()) {
+                entry.serverAddress = reader.View(ipv6 ? 16 : 4);
+                reader.Field(16, entry.serverPort);
+            }
+        });
     return true;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);

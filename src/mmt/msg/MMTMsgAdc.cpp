@@ -3,8 +3,6 @@
 #include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTMsgAdc::CMMTMsgAdc() : CMMTMsgPayload(CLASS_TYPE_ADC) {}
-
 bool CMMTMsgAdc::Parse(SItem* item)
 {
     m_fields = {};

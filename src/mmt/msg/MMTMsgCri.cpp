@@ -1,7 +1,5 @@
 #include "mmt/msg/MMTMsgCri.h"
 
-CMMTMsgCri::CMMTMsgCri() : CMMTMsgPayload(CLASS_TYPE_CRI) {}
-
 bool CMMTMsgCri::Parse(SItem* item)
 {
     SItem payload;

@@ -1,7 +1,5 @@
 #include "mmt/msg/MMTMsgDci.h"
 
-CMMTMsgDci::CMMTMsgDci() : CMMTMsgPayload(CLASS_TYPE_DCI) {}
-
 bool CMMTMsgDci::Parse(SItem* item)
 {
     SItem payload;

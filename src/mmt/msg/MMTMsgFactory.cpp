@@ -10,6 +10,7 @@
 #include "mmt/msg/MMTMsgCri.h"
 #include "mmt/msg/MMTMsgDci.h"
 #include "mmt/msg/MMTMsgLdc.h"
+#include "mmt/msg/MMTMsgLr.h"
 #include "mmt/msg/MMTMsgLs.h"
 #include "mmt/msg/MMTMsgMpi.h"
 #include "mmt/msg/MMTMsgMpt.h"
@@ -20,6 +21,27 @@
 std::map<unsigned short, std::unique_ptr<MMTMsgAbstractFactory>> CMMTMsgFactory::m_factories;
 
 static std::once_flag MMTFactoryInitFlag;
+
+/// All message_ids of a class go by its first.
+template <class T>
+static bool Has(unsigned short id)
+{
+    return id >= T::k_messageId && id <= T::k_lastMessageId;
+}
+
+static unsigned short Key(unsigned short id)
+{
+    if (Has<CMMTMsgMpi>(id)) {
+        return CMMTMsgMpi::k_messageId;
+    }
+    return Has<CMMTMsgMpt>(id) ? CMMTMsgMpt::k_messageId : id;
+}
+
+template <class T, class TFactories>
+static void Add(TFactories& factories)
+{
+    factories[T::k_messageId] = std::make_unique<MMTMsgFactory<T>>();
+}
 
 MMTMsgAbstractFactory::~MMTMsgAbstractFactory() = default;
 
@@ -46,27 +68,27 @@ void CMMTMsgFactory::InitializeFactory()
     const auto unsupported = [&factories](unsigned short id, const char* name) {
         factories[id] = std::make_unique<MMTMsgFactoryUnsupported>(id, name);
     };
-    factories[0x0000] = std::make_unique<MMTMsgFactory<CMMTMsgPa>>();
-    factories[0x0001] = std::make_unique<MMTMsgFactory<CMMTMsgMpi>>();
-    factories[0x0011] = std::make_unique<MMTMsgFactory<CMMTMsgMpt>>();
-    factories[0x0200] = std::make_unique<MMTMsgFactory<CMMTMsgCri>>();
-    factories[0x0201] = std::make_unique<MMTMsgFactory<CMMTMsgDci>>();
+    Add<CMMTMsgPa>(factories);
+    Add<CMMTMsgMpi>(factories);
+    Add<CMMTMsgMpt>(factories);
+    Add<CMMTMsgCri>(factories);
+    Add<CMMTMsgDci>(factories);
     unsupported(0x0202, "MMT_MSG_ID_SSWR");
     unsupported(0x0203, "MMT_MSG_ID_AL_FEC");
     unsupported(0x0204, "MMT_MSG_ID_HRBM");
     unsupported(0x0205, "MMT_MSG_ID_MC");
-    factories[0x0206] = std::make_unique<MMTMsgFactory<CMMTMsgAc>>();
+    Add<CMMTMsgAc>(factories);
     unsupported(0x0207, "MMT_MSG_ID_AF");
     unsupported(0x0208, "MMT_MSG_ID_RQF");
-    factories[0x0209] = std::make_unique<MMTMsgFactory<CMMTMsgAdc>>();
+    Add<CMMTMsgAdc>(factories);
     unsupported(0x020A, "MMT_MSG_ID_HRBM_REMOVAL");
-    factories[0x020B] = std::make_unique<MMTMsgFactory<CMMTMsgLs>>();
+    Add<CMMTMsgLs>(factories);
     // Required: the class exists, and its messages are not made here.
-    unsupported(0x020C, "MMT_MSG_ID_LR");
+    unsupported(CMMTMsgLr::k_messageId, "MMT_MSG_ID_LR");
     unsupported(0x020D, "MMT_MSG_ID_NAMF");
-    factories[0x020E] = std::make_unique<MMTMsgFactory<CMMTMsgLdc>>();
-    factories[0x8100] = std::make_unique<MMTMsgFactory<CMMTMsgAtsc3>>();
-    factories[0x8101] = std::make_unique<MMTMsgFactory<CMMTMsgSmm>>();
+    Add<CMMTMsgLdc>(factories);
+    Add<CMMTMsgAtsc3>(factories);
+    Add<CMMTMsgSmm>(factories);
     m_factories.swap(factories);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::InitializeFactory] END");
 }
@@ -79,13 +101,7 @@ try {
     std::call_once(MMTFactoryInitFlag, InitializeFactory);
     const unsigned short id = CMMTMsg::MessageId(data);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::CreateMessage] type: 0x%0x", id);
-    unsigned short key = id;
-    if (id >= 0x0001 && id <= 0x0010) {
-        key = 0x0001;
-    } else if (id >= 0x0011 && id <= 0x0020) {
-        key = 0x0011;
-    }
-    const auto found = m_factories.find(key);
+    const auto found = m_factories.find(Key(id));
     if (found != m_factories.end()) {
         return found->second->Create();
     }

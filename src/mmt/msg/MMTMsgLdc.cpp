@@ -2,8 +2,6 @@
 
 #include "common/BitReader.h"
 
-CMMTMsgLdc::CMMTMsgLdc() : CMMTMsgPayload(CLASS_TYPE_LDC) {}
-
 bool CMMTMsgLdc::Parse(SItem* item)
 {
     SItem payload;

@@ -3,8 +3,6 @@
 #include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTMsgMpi::CMMTMsgMpi() : CMMTMsg(CLASS_TYPE_MPI) {}
-
 bool CMMTMsgMpi::Parse(SItem* item)
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgMpi::Parse");

@@ -5,8 +5,6 @@
 #include "mmt/msg/MMTMsgFactory.h"
 #include "platform/Log.h"
 
-CMMTMsgSmm::CMMTMsgSmm() : CMMTMsgPayload(CLASS_TYPE_SMM) {}
-
 bool CMMTMsgSmm::Parse(SItem* item)
 try {
     m_message.reset();

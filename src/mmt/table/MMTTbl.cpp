@@ -65,25 +65,11 @@ bool CMMTTbl::t_GetMMTGeneralLocationInfo(SLocationInfo* out, const CMMTElementL
     }
     *out = {};
     out->locationType = location->LocationType();
-    switch (out->locationType) {
-        case 0:
-            return m_Unit0(location->Location(), &out->info);
-        case 1:
-            return m_Unit1(location->Location(), &out->info);
-        default:
-            VYR_LOG(LOG_PRIORITY_DEBUG, "location type 0x%2x", out->locationType);
-            return false;
+    if (out->locationType <= 1) {
+        return location->Location()->GetPacketId(&out->info.packetId);
     }
-}
-
-bool CMMTTbl::m_Unit0(const CLocationUnitBase* unit, SInternalLocationInfo* out)
-{
-    return unit->GetPacketId(&out->packetId);
-}
-
-bool CMMTTbl::m_Unit1(const CLocationUnitBase* unit, SInternalLocationInfo* out)
-{
-    return unit->GetPacketId(&out->packetId);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "location type 0x%2x", out->locationType);
+    return false;
 }
 
 bool CMMTTbl::t_GetIdentifier(SIdentifier* out, const CMMTElementIdentifierMapping* mapping)

@@ -3,8 +3,6 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblCri::CMMTTblCri() : CMMTTblPayload(CLASS_TYPE_CRI) {}
-
 bool CMMTTblCri::Parse(SItem* item)
 try {
     SItem payload;

@@ -4,8 +4,6 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblDci::CMMTTblDci() : CMMTTblPayload(CLASS_TYPE_DCI) {}
-
 bool CMMTTblDci::Parse(SItem* item)
 try {
     SItem payload;

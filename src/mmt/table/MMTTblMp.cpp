@@ -3,8 +3,6 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblMp::CMMTTblMp() : CMMTTbl(CLASS_TYPE_MP) {}
-
 bool CMMTTblMp::Parse(SItem* item)
 try {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse]");
@@ -12,14 +10,14 @@ try {
         return false;
     }
     const unsigned char id = TableId();
-    if (id < 0x11 || id > 0x20) {
+    if (id < k_tableId || id > k_lastTableId) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] Table ID ERROR ID=%x", id);
         return false;
     }
     vyr::CBitReader reader(item);
     reader.Field(6, m_reserved);
     reader.Field(2, m_mode);
-    if (id == 0x11 || id == 0x20) {
+    if (id == k_tableId || id == k_lastTableId) {
         reader.Keep(reader.Value(8), m_packageId);
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] packageId = %s", m_packageId ? m_packageId.Text() : "");
         const unsigned int length = reader.Value(16);

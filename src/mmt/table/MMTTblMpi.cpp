@@ -3,15 +3,13 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblMpi::CMMTTblMpi() : CMMTTbl(CLASS_TYPE_MPI) {}
-
 bool CMMTTblMpi::Parse(SItem* item)
 try {
     if (!t_ParseHeader(item, "[CMMTTblMpi::Parse] ERROR")) {
         return false;
     }
     const unsigned char id = TableId();
-    if (id < 0x01 || id > 0x10) {
+    if (id < k_tableId || id > k_lastTableId) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMpi::Parse] Table ID ERROR ID=%x", id);
         return false;
     }

@@ -3,8 +3,6 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblPa::CMMTTblPa() : CMMTTbl(CLASS_TYPE_PA) {}
-
 bool CMMTTblPa::Parse(SItem* item)
 try {
     if (!t_ParseHeader(item, "[CMMTTblPa::Parse] ERROR")) {

@@ -3,8 +3,6 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblSi::CMMTTblSi() : CMMTTblPayload(CLASS_TYPE_SI) {}
-
 bool CMMTTblSi::Parse(SItem* item)
 {
     SItem payload;
