@@ -20,6 +20,21 @@ TBase* New()
     return new T;
 }
 
+/// Keeps what a length of `bits` bits spans. False: the length is not there. What is held already is the caller's
+/// failed assertion `text` at `line`.
+inline bool KeepFirst(CBitReader& reader, unsigned int bits, CBytes& bytes, int line, const char* text, VYR_CALLER)
+{
+    const unsigned int length = reader.Value(bits);
+    if (!reader.Valid()) {
+        return false;
+    }
+    if (bytes) {
+        AssertFailed({here.file, here.function, line}, text);
+    }
+    reader.Keep(length, bytes);
+    return true;
+}
+
 /// Logs every element of an array, at debug priority.
 template <class T>
 void DumpElements(const TPtrArray<T>& array)

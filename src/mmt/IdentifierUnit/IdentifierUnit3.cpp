@@ -1,19 +1,12 @@
 #include "mmt/IdentifierUnit/IdentifierUnit3.h"
 
-#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
-#include "platform/Log.h"
+#include "mmt/Elements.h"
 
 bool CIdentifierUnit3::Parse(SItem* item)
 try {
     vyr::CBitReader reader(item);
-    const unsigned int length = reader.Value(16);
-    if (!reader.Valid()) {
-        return false;
-    }
-    VYR_ASSERT_AT(14, !m_representationID, "!m_representationID");
-    reader.Keep(length, m_representationID);
-    return reader.Valid();
+    return vyr::KeepFirst(reader, 16, m_representationID, 14, "!m_representationID") && reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

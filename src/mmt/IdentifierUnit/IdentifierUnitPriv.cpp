@@ -1,8 +1,7 @@
 #include "mmt/IdentifierUnit/IdentifierUnitPriv.h"
 
-#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
-#include "platform/Log.h"
+#include "mmt/Elements.h"
 
 bool CIdentifierUnitPriv::Parse(SItem* item)
 try {
@@ -10,13 +9,7 @@ try {
         return false;
     }
     vyr::CBitReader reader(item);
-    const unsigned int length = reader.Value(16);
-    if (!reader.Valid()) {
-        return false;
-    }
-    VYR_ASSERT_AT(16, !m_priv, "!m_priv");
-    reader.Keep(length, m_priv);
-    return reader.Valid();
+    return vyr::KeepFirst(reader, 16, m_priv, 16, "!m_priv") && reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

@@ -88,9 +88,10 @@ try {
     reader.Field(8, m->contentCompression);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Parse] m_content_type[%d], version[%d], m_content_version[%d]",
             m->contentType, Version(), m->contentVersion);
-    m->uri.Clear();
-    if (const unsigned int uriLength = reader.Value(8); uriLength > 0) {
-        reader.Keep(uriLength, m->uri);
+    if (const unsigned int length = reader.Value(8); length > 0) {
+        reader.Keep(length, m->uri);
+    } else {
+        m->uri.Clear();
     }
     reader.Field(32, m->contentLength);
     // Required: a USBD stays compressed, its own parser inflates it.
