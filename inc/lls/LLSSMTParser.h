@@ -42,10 +42,7 @@ class VYR_API CLLSSMTParser : public IParse {
     bool GetSignedBlock(unsigned char* buffer) const;
 
   private:
-    struct SPayload;
     struct SParseSMT;
-
-    const SPayload* m_Payload(int index) const;
 
     SParseSMT* m = nullptr;
 };

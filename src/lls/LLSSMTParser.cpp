@@ -9,11 +9,38 @@
 #include "common/Owned.h"
 #include "platform/Log.h"
 
+namespace {
+
 /// One table of the multi-table.
-struct CLLSSMTParser::SPayload {
+struct SPayload {
     unsigned int tableId = 0;
     vyr::CBytes bytes;
 };
+
+const SPayload* Payload(const TPtrArray<SPayload>& payloads, int index, VYR_CALLER)
+{
+    if (payloads.Size() == 0) {
+        if (vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+            vyr::Print(LOG_PRIORITY_DEBUG, here, "[CLLSSMTParser::GetPayload] No SMT payload");
+        }
+        return nullptr;
+    }
+    const SPayload* smtPayload = payloads.Get(index);
+    if (!smtPayload) {
+        vyr::AssertFailed(here, "smtPayload");
+    }
+    return smtPayload;
+}
+
+bool CopyTo(unsigned char* buffer, unsigned int room, const vyr::CBytes& bytes)
+{
+    if (bytes && buffer) {
+        std::memcpy(buffer, bytes.Data(), std::min(bytes.Length(), room));
+    }
+    return bytes && buffer;
+}
+
+}  // namespace
 
 struct CLLSSMTParser::SParseSMT {
     int payloadCount = 0;
@@ -22,14 +49,6 @@ struct CLLSSMTParser::SParseSMT {
     vyr::CBytes signedBlock;
     TPtrArray<SPayload> payloads;
 };
-
-static bool CopyTo(unsigned char* buffer, unsigned int room, const vyr::CBytes& bytes)
-{
-    if (bytes && buffer) {
-        std::memcpy(buffer, bytes.Data(), std::min(bytes.Length(), room));
-    }
-    return bytes && buffer;
-}
 
 CLLSSMTParser::~CLLSSMTParser()
 {
@@ -122,23 +141,9 @@ int CLLSSMTParser::PayloadCount() const
     return VYR_ASSERT(m, "m") ? m->payloadCount : 0;
 }
 
-const CLLSSMTParser::SPayload* CLLSSMTParser::m_Payload(int index) const
-{
-    if (!VYR_ASSERT(m, "m")) {
-        return nullptr;
-    }
-    if (m->payloads.Size() == 0) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::GetPayload] No SMT payload");
-        return nullptr;
-    }
-    const SPayload* smtPayload = m->payloads.Get(index);
-    VYR_ASSERT(smtPayload, "smtPayload");
-    return smtPayload;
-}
-
 bool CLLSSMTParser::GetPayloadLength(int index, unsigned int& length) const
 {
-    const SPayload* payload = m_Payload(index);
+    const SPayload* payload = VYR_ASSERT(m, "m") ? Payload(m->payloads, index) : nullptr;
     if (payload) {
         length = payload->bytes.Length();
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::GetPayload] index[%d], length[%u]", index, length);
@@ -148,7 +153,7 @@ bool CLLSSMTParser::GetPayloadLength(int index, unsigned int& length) const
 
 bool CLLSSMTParser::GetPayload(int index, unsigned int& tableId, unsigned char* buffer) const
 {
-    const SPayload* payload = m_Payload(index);
+    const SPayload* payload = VYR_ASSERT(m, "m") ? Payload(m->payloads, index) : nullptr;
     if (payload) {
         tableId = payload->tableId;
         CopyTo(buffer, payload->bytes.Length(), payload->bytes);

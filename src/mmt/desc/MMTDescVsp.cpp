@@ -5,9 +5,9 @@
 
 namespace {
 
-/// Keeps a group of fields that fitted whole.
+/// Stores a group of fields that fitted whole.
 template <class T>
-void Keep(const vyr::CBitReader& reader, T group, std::optional<T>& kept)
+void StoreIfWhole(const vyr::CBitReader& reader, T group, std::optional<T>& kept)
 {
     if (reader.Valid()) {
         kept = std::move(group);
@@ -38,17 +38,17 @@ void CMMTDescVsp::m_ParseAsset(vyr::CBitReader& reader, SAsset& asset)
         if (temporal.subLayerProfileTierLevelPresent && temporal.maxSubLayersInstream > 0) {
             m = temporal.maxSubLayersInstream - 1u;
         }
-        Keep(reader, temporal, asset.temporalScalability);
+        StoreIfWhole(reader, temporal, asset.temporalScalability);
     }
     if (scalabilityInfoPresent) {
         reader.Field(6, asset.assetLayerId);
         reader.Value(2);
     }
     if (multiviewInfoPresent) {
-        Keep(reader, m_Multiview(reader), asset.multiview);
+        StoreIfWhole(reader, m_Multiview(reader), asset.multiview);
     }
     if (resCfBdInfoPresent) {
-        Keep(reader, m_Resolution(reader), asset.resolution);
+        StoreIfWhole(reader, m_Resolution(reader), asset.resolution);
     }
     if (prInfoPresent) {
         reader.Entries(m + 1, asset.pictureRates, [&](SPictureRate& rate) {
@@ -65,9 +65,9 @@ void CMMTDescVsp::m_ParseAsset(vyr::CBitReader& reader, SAsset& asset)
         });
     }
     if (colorInfoPresent) {
-        Keep(reader, m_Colour(reader), asset.colour);
+        StoreIfWhole(reader, m_Colour(reader), asset.colour);
     }
-    Keep(reader, m_ProfileTierLevel(reader, m), asset.profileTierLevel);
+    StoreIfWhole(reader, m_ProfileTierLevel(reader, m), asset.profileTierLevel);
 }
 
 CMMTDescVsp::STemporalScalability CMMTDescVsp::m_TemporalScalability(vyr::CBitReader& reader)

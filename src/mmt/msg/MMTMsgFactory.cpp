@@ -1,5 +1,6 @@
 #include "mmt/msg/MMTMsgFactory.h"
 
+#include <map>
 #include <mutex>
 #include <utility>
 
@@ -18,30 +19,22 @@
 #include "mmt/msg/MMTMsgSmm.h"
 #include "platform/Log.h"
 
-std::map<unsigned short, std::unique_ptr<MMTMsgAbstractFactory>> CMMTMsgFactory::m_factories;
+namespace {
 
-static std::once_flag MMTFactoryInitFlag;
+using TFactories = std::map<unsigned short, std::unique_ptr<MMTMsgAbstractFactory>>;
 
-/// All message_ids of a class go by its first.
+TFactories g_factories;  // by message_id
+std::once_flag MMTFactoryInitFlag;
+
 template <class T>
-static bool Has(unsigned short id)
+void Add(TFactories& factories, unsigned short last = T::k_messageId)
 {
-    return id >= T::k_messageId && id <= T::k_lastMessageId;
-}
-
-static unsigned short Key(unsigned short id)
-{
-    if (Has<CMMTMsgMpi>(id)) {
-        return CMMTMsgMpi::k_messageId;
+    for (unsigned short id = T::k_messageId; id <= last; ++id) {
+        factories[id] = std::make_unique<MMTMsgFactory<T>>();
     }
-    return Has<CMMTMsgMpt>(id) ? CMMTMsgMpt::k_messageId : id;
 }
 
-template <class T, class TFactories>
-static void Add(TFactories& factories)
-{
-    factories[T::k_messageId] = std::make_unique<MMTMsgFactory<T>>();
-}
+}  // namespace
 
 MMTMsgAbstractFactory::~MMTMsgAbstractFactory() = default;
 
@@ -59,18 +52,18 @@ std::shared_ptr<CMMTMsg> MMTMsgFactoryUnsupported::Create() const
 
 void CMMTMsgFactory::InitializeFactory()
 {
-    if (!m_factories.empty()) {
+    if (!g_factories.empty()) {
         return;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::InitializeFactory] BEGIN");
     // Whole or not at all: one that memory was out for is filled at the next call.
-    decltype(m_factories) factories;
+    TFactories factories;
     const auto unsupported = [&factories](unsigned short id, const char* name) {
         factories[id] = std::make_unique<MMTMsgFactoryUnsupported>(id, name);
     };
     Add<CMMTMsgPa>(factories);
-    Add<CMMTMsgMpi>(factories);
-    Add<CMMTMsgMpt>(factories);
+    Add<CMMTMsgMpi>(factories, CMMTMsgMpi::k_lastMessageId);
+    Add<CMMTMsgMpt>(factories, CMMTMsgMpt::k_lastMessageId);
     Add<CMMTMsgCri>(factories);
     Add<CMMTMsgDci>(factories);
     unsupported(0x0202, "MMT_MSG_ID_SSWR");
@@ -89,7 +82,7 @@ void CMMTMsgFactory::InitializeFactory()
     Add<CMMTMsgLdc>(factories);
     Add<CMMTMsgAtsc3>(factories);
     Add<CMMTMsgSmm>(factories);
-    m_factories.swap(factories);
+    g_factories.swap(factories);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::InitializeFactory] END");
 }
 
@@ -101,8 +94,8 @@ try {
     std::call_once(MMTFactoryInitFlag, InitializeFactory);
     const unsigned short id = CMMTMsg::MessageId(data);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::CreateMessage] type: 0x%0x", id);
-    const auto found = m_factories.find(Key(id));
-    if (found != m_factories.end()) {
+    const auto found = g_factories.find(id);
+    if (found != g_factories.end()) {
         return found->second->Create();
     }
     if (id >= 0x020F && id <= 0x6FFF) {
