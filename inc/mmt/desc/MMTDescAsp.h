@@ -55,11 +55,6 @@ class VYR_API CMMTDescAsp : public CMMTDescPayload {
 
   private:
     void t_ParsePayload(vyr::CBitReader& reader) override;
-    void m_ParseAsset(vyr::CBitReader& reader, SAsset& asset);
-    void m_ParsePresentation(vyr::CBitReader& reader, bool multiStreamInfoPresent, SPresentation& presentation);
-    void m_ParseMultiStream(vyr::CBitReader& reader, SAsset& asset);
-    void m_ParseTime(vyr::CBitReader& reader, std::optional<STime>& time);
-    void m_ParseBytes(vyr::CBitReader& reader, unsigned int count, std::vector<unsigned char>& bytes);
 
     std::vector<SAsset> m_assets;
 };

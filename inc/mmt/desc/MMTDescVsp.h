@@ -98,13 +98,6 @@ class VYR_API CMMTDescVsp : public CMMTDescPayload {
 
   private:
     void t_ParsePayload(vyr::CBitReader& reader) override;
-    void m_ParseAsset(vyr::CBitReader& reader, SAsset& asset);
-    STemporalScalability m_TemporalScalability(vyr::CBitReader& reader);
-    SMultiview m_Multiview(vyr::CBitReader& reader);
-    SResolution m_Resolution(vyr::CBitReader& reader);
-    SColour m_Colour(vyr::CBitReader& reader);
-    SProfile m_Profile(vyr::CBitReader& reader);
-    SProfileTierLevel m_ProfileTierLevel(vyr::CBitReader& reader, unsigned int m);
 
     std::vector<SAsset> m_assets;
 };

@@ -3,38 +3,25 @@
 #include "common/BitReader.h"
 #include "platform/Log.h"
 
-void CMMTDescAsp::t_ParsePayload(vyr::CBitReader& reader)
+namespace {
+
+void ParseBytes(vyr::CBitReader& reader, unsigned int count, std::vector<unsigned char>& bytes)
 {
-    reader.Assets(m_assets, [&](SAsset& asset) { m_ParseAsset(reader, asset); });
+    reader.Entries(count, bytes, [&](unsigned char& byte) { reader.Field(8, byte); });
 }
 
-void CMMTDescAsp::m_ParseAsset(vyr::CBitReader& reader, SAsset& asset)
+void ParseTime(vyr::CBitReader& reader, std::optional<CMMTDescAsp::STime>& time)
 {
-    asset.codecCode = reader.View(4);
-    const unsigned int numPresentations = reader.Value(8);
-    const bool multiStreamInfoPresent = reader.Flag();
-    const bool emergencyInfoTimePresent = reader.Flag();
+    CMMTDescAsp::STime read{};
+    read.seconds = reader.Value(32);
     reader.Value(6);
-    reader.Entries(
-        numPresentations, asset.presentations, [&](SPresentation& presentation) { reader.Field(8, presentation.id); },
-        [&](SPresentation& presentation) { m_ParsePresentation(reader, multiStreamInfoPresent, presentation); });
-    if (multiStreamInfoPresent) {
-        m_ParseMultiStream(reader, asset);
-    }
-    if (emergencyInfoTimePresent) {
-        const bool startPresent = reader.Flag();
-        const bool endPresent = reader.Flag();
-        reader.Value(6);
-        if (startPresent) {
-            m_ParseTime(reader, asset.emergencyStart);
-        }
-        if (endPresent) {
-            m_ParseTime(reader, asset.emergencyEnd);
-        }
+    reader.Field(10, read.milliseconds);
+    if (reader.Valid()) {
+        time = read;
     }
 }
 
-void CMMTDescAsp::m_ParsePresentation(vyr::CBitReader& reader, bool multiStreamInfoPresent, SPresentation& presentation)
+void ParsePresentation(vyr::CBitReader& reader, bool multiStreamInfoPresent, CMMTDescAsp::SPresentation& presentation)
 {
     presentation.interactivityEnabled = reader.Flag();
     const bool profileChannelConfigPresent = reader.Flag();
@@ -58,7 +45,7 @@ void CMMTDescAsp::m_ParsePresentation(vyr::CBitReader& reader, bool multiStreamI
                        [&](std::string_view& language) { language = reader.CountedView(8); });
     }
     if (accessibilityRolePresent) {
-        m_ParseBytes(reader, numLanguages, presentation.accessibility);
+        ParseBytes(reader, numLanguages, presentation.accessibility);
         reader.Field(8, presentation.role);
     }
     if (labelPresent) {
@@ -66,13 +53,13 @@ void CMMTDescAsp::m_ParsePresentation(vyr::CBitReader& reader, bool multiStreamI
     }
     if (multiStreamInfoPresent) {
         const unsigned int numPresentationAuxStreams = reader.Value(8);
-        m_ParseBytes(reader, numPresentationAuxStreams, presentation.auxStreamIds);
+        ParseBytes(reader, numPresentationAuxStreams, presentation.auxStreamIds);
     }
 }
 
-void CMMTDescAsp::m_ParseMultiStream(vyr::CBitReader& reader, SAsset& asset)
+void ParseMultiStream(vyr::CBitReader& reader, CMMTDescAsp::SAsset& asset)
 {
-    SMultiStream stream{};
+    CMMTDescAsp::SMultiStream stream{};
     stream.thisIsMainStream = reader.Flag();
     reader.Field(7, stream.thisStreamId);
     reader.Value(1);
@@ -83,7 +70,7 @@ void CMMTDescAsp::m_ParseMultiStream(vyr::CBitReader& reader, SAsset& asset)
     if (stream.thisIsMainStream) {
         reader.Value(1);
         const unsigned int numAuxiliaryStreams = reader.Value(7);
-        reader.Entries(numAuxiliaryStreams, stream.auxiliaryStreams, [&](SAuxiliaryStream& auxiliary) {
+        reader.Entries(numAuxiliaryStreams, stream.auxiliaryStreams, [&](CMMTDescAsp::SAuxiliaryStream& auxiliary) {
             auxiliary.deliveryMethod = reader.Flag();
             reader.Field(7, auxiliary.auxiliaryStreamId);
         });
@@ -91,20 +78,40 @@ void CMMTDescAsp::m_ParseMultiStream(vyr::CBitReader& reader, SAsset& asset)
     asset.multiStream = std::move(stream);
 }
 
-void CMMTDescAsp::m_ParseTime(vyr::CBitReader& reader, std::optional<STime>& time)
+void ParseAsset(vyr::CBitReader& reader, CMMTDescAsp::SAsset& asset)
 {
-    STime read{};
-    read.seconds = reader.Value(32);
+    asset.codecCode = reader.View(4);
+    const unsigned int numPresentations = reader.Value(8);
+    const bool multiStreamInfoPresent = reader.Flag();
+    const bool emergencyInfoTimePresent = reader.Flag();
     reader.Value(6);
-    reader.Field(10, read.milliseconds);
-    if (reader.Valid()) {
-        time = read;
+    reader.Entries(
+        numPresentations, asset.presentations,
+        [&](CMMTDescAsp::SPresentation& presentation) { reader.Field(8, presentation.id); },
+        [&](CMMTDescAsp::SPresentation& presentation) {
+            ParsePresentation(reader, multiStreamInfoPresent, presentation);
+        });
+    if (multiStreamInfoPresent) {
+        ParseMultiStream(reader, asset);
+    }
+    if (emergencyInfoTimePresent) {
+        const bool startPresent = reader.Flag();
+        const bool endPresent = reader.Flag();
+        reader.Value(6);
+        if (startPresent) {
+            ParseTime(reader, asset.emergencyStart);
+        }
+        if (endPresent) {
+            ParseTime(reader, asset.emergencyEnd);
+        }
     }
 }
 
-void CMMTDescAsp::m_ParseBytes(vyr::CBitReader& reader, unsigned int count, std::vector<unsigned char>& bytes)
+}  // namespace
+
+void CMMTDescAsp::t_ParsePayload(vyr::CBitReader& reader)
 {
-    reader.Entries(count, bytes, [&](unsigned char& byte) { reader.Field(8, byte); });
+    reader.Assets(m_assets, [&](SAsset& asset) { ParseAsset(reader, asset); });
 }
 
 void CMMTDescAsp::Dump() const

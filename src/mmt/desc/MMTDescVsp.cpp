@@ -14,65 +14,9 @@ void StoreIfWhole(const vyr::CBitReader& reader, T group, std::optional<T>& kept
     }
 }
 
-}  // namespace
-
-void CMMTDescVsp::t_ParsePayload(vyr::CBitReader& reader)
+CMMTDescVsp::STemporalScalability TemporalScalability(vyr::CBitReader& reader)
 {
-    reader.Assets(m_assets, [&](SAsset& asset) { m_ParseAsset(reader, asset); });
-}
-
-void CMMTDescVsp::m_ParseAsset(vyr::CBitReader& reader, SAsset& asset)
-{
-    asset.codecCode = reader.View(4);
-    const bool temporalScalabilityPresent = reader.Flag();
-    const bool scalabilityInfoPresent = reader.Flag();
-    const bool multiviewInfoPresent = reader.Flag();
-    const bool resCfBdInfoPresent = reader.Flag();
-    const bool prInfoPresent = reader.Flag();
-    const bool brInfoPresent = reader.Flag();
-    const bool colorInfoPresent = reader.Flag();
-    reader.Value(1);
-    unsigned int m = 0;
-    if (temporalScalabilityPresent) {
-        const STemporalScalability temporal = m_TemporalScalability(reader);
-        if (temporal.subLayerProfileTierLevelPresent && temporal.maxSubLayersInstream > 0) {
-            m = temporal.maxSubLayersInstream - 1u;
-        }
-        StoreIfWhole(reader, temporal, asset.temporalScalability);
-    }
-    if (scalabilityInfoPresent) {
-        reader.Field(6, asset.assetLayerId);
-        reader.Value(2);
-    }
-    if (multiviewInfoPresent) {
-        StoreIfWhole(reader, m_Multiview(reader), asset.multiview);
-    }
-    if (resCfBdInfoPresent) {
-        StoreIfWhole(reader, m_Resolution(reader), asset.resolution);
-    }
-    if (prInfoPresent) {
-        reader.Entries(m + 1, asset.pictureRates, [&](SPictureRate& rate) {
-            reader.Field(8, rate.code);
-            if (rate.code == 255) {
-                reader.Field(16, rate.average);
-            }
-        });
-    }
-    if (brInfoPresent) {
-        reader.Entries(m + 1, asset.bitRates, [&](SBitRate& rate) {
-            reader.Field(16, rate.average);
-            reader.Field(16, rate.maximum);
-        });
-    }
-    if (colorInfoPresent) {
-        StoreIfWhole(reader, m_Colour(reader), asset.colour);
-    }
-    StoreIfWhole(reader, m_ProfileTierLevel(reader, m), asset.profileTierLevel);
-}
-
-CMMTDescVsp::STemporalScalability CMMTDescVsp::m_TemporalScalability(vyr::CBitReader& reader)
-{
-    STemporalScalability temporal{};
+    CMMTDescVsp::STemporalScalability temporal{};
     reader.Field(6, temporal.maxSubLayersInstream);
     temporal.subLayerProfileTierLevelPresent = reader.Flag();
     temporal.temporalFilterPresent = reader.Flag();
@@ -85,9 +29,9 @@ CMMTDescVsp::STemporalScalability CMMTDescVsp::m_TemporalScalability(vyr::CBitRe
     return temporal;
 }
 
-CMMTDescVsp::SMultiview CMMTDescVsp::m_Multiview(vyr::CBitReader& reader)
+CMMTDescVsp::SMultiview Multiview(vyr::CBitReader& reader)
 {
-    SMultiview multiview{};
+    CMMTDescVsp::SMultiview multiview{};
     reader.Field(6, multiview.viewNuhLayerId);
     reader.Field(6, multiview.viewPos);
     reader.Value(4);
@@ -97,9 +41,9 @@ CMMTDescVsp::SMultiview CMMTDescVsp::m_Multiview(vyr::CBitReader& reader)
     return multiview;
 }
 
-CMMTDescVsp::SResolution CMMTDescVsp::m_Resolution(vyr::CBitReader& reader)
+CMMTDescVsp::SResolution Resolution(vyr::CBitReader& reader)
 {
-    SResolution resolution{};
+    CMMTDescVsp::SResolution resolution{};
     reader.Field(16, resolution.width);
     reader.Field(16, resolution.height);
     reader.Field(2, resolution.chromaFormatIdc);
@@ -115,9 +59,9 @@ CMMTDescVsp::SResolution CMMTDescVsp::m_Resolution(vyr::CBitReader& reader)
     return resolution;
 }
 
-CMMTDescVsp::SColour CMMTDescVsp::m_Colour(vyr::CBitReader& reader)
+CMMTDescVsp::SColour Colour(vyr::CBitReader& reader)
 {
-    SColour colour{};
+    CMMTDescVsp::SColour colour{};
     reader.Field(8, colour.colourPrimaries);
     reader.Field(8, colour.transferCharacteristics);
     reader.Field(8, colour.matrixCoeffs);
@@ -136,9 +80,9 @@ CMMTDescVsp::SColour CMMTDescVsp::m_Colour(vyr::CBitReader& reader)
     return colour;
 }
 
-CMMTDescVsp::SProfile CMMTDescVsp::m_Profile(vyr::CBitReader& reader)
+CMMTDescVsp::SProfile Profile(vyr::CBitReader& reader)
 {
-    SProfile profile{};
+    CMMTDescVsp::SProfile profile{};
     reader.Field(2, profile.profileSpace);
     profile.tierFlag = reader.Flag();
     reader.Field(5, profile.profileIdc);
@@ -151,11 +95,11 @@ CMMTDescVsp::SProfile CMMTDescVsp::m_Profile(vyr::CBitReader& reader)
     return profile;
 }
 
-CMMTDescVsp::SProfileTierLevel CMMTDescVsp::m_ProfileTierLevel(vyr::CBitReader& reader, unsigned int m)
+CMMTDescVsp::SProfileTierLevel ProfileTierLevel(vyr::CBitReader& reader, unsigned int m)
 {
     constexpr unsigned int k_most = 6;
-    SProfileTierLevel level{};
-    level.profile = m_Profile(reader);
+    CMMTDescVsp::SProfileTierLevel level{};
+    level.profile = Profile(reader);
     reader.Field(8, level.levelIdc);
     if (m > k_most) {
         // No stream has so many sub-layers: where this ends, and with it the next asset's start, is unknown.
@@ -172,15 +116,71 @@ CMMTDescVsp::SProfileTierLevel CMMTDescVsp::m_ProfileTierLevel(vyr::CBitReader& 
         reader.Value(2 * (8 - m));
     }
     for (unsigned int i = 0; i < m && reader.Valid(); ++i) {
-        SSubLayer& subLayer = level.subLayers.emplace_back();
+        CMMTDescVsp::SSubLayer& subLayer = level.subLayers.emplace_back();
         if (profilePresent[i]) {
-            subLayer.profile = m_Profile(reader);
+            subLayer.profile = Profile(reader);
         }
         if (levelPresent[i]) {
             reader.Field(8, subLayer.levelIdc);
         }
     }
     return level;
+}
+
+void ParseAsset(vyr::CBitReader& reader, CMMTDescVsp::SAsset& asset)
+{
+    asset.codecCode = reader.View(4);
+    const bool temporalScalabilityPresent = reader.Flag();
+    const bool scalabilityInfoPresent = reader.Flag();
+    const bool multiviewInfoPresent = reader.Flag();
+    const bool resCfBdInfoPresent = reader.Flag();
+    const bool prInfoPresent = reader.Flag();
+    const bool brInfoPresent = reader.Flag();
+    const bool colorInfoPresent = reader.Flag();
+    reader.Value(1);
+    unsigned int m = 0;
+    if (temporalScalabilityPresent) {
+        const CMMTDescVsp::STemporalScalability temporal = TemporalScalability(reader);
+        if (temporal.subLayerProfileTierLevelPresent && temporal.maxSubLayersInstream > 0) {
+            m = temporal.maxSubLayersInstream - 1u;
+        }
+        StoreIfWhole(reader, temporal, asset.temporalScalability);
+    }
+    if (scalabilityInfoPresent) {
+        reader.Field(6, asset.assetLayerId);
+        reader.Value(2);
+    }
+    if (multiviewInfoPresent) {
+        StoreIfWhole(reader, Multiview(reader), asset.multiview);
+    }
+    if (resCfBdInfoPresent) {
+        StoreIfWhole(reader, Resolution(reader), asset.resolution);
+    }
+    if (prInfoPresent) {
+        reader.Entries(m + 1, asset.pictureRates, [&](CMMTDescVsp::SPictureRate& rate) {
+            reader.Field(8, rate.code);
+            if (rate.code == 255) {
+                reader.Field(16, rate.average);
+            }
+        });
+    }
+    if (brInfoPresent) {
+        reader.Entries(m + 1, asset.bitRates, [&](CMMTDescVsp::SBitRate& rate) {
+            reader.Field(16, rate.average);
+            reader.Field(16, rate.maximum);
+        });
+    }
+    if (colorInfoPresent) {
+        StoreIfWhole(reader, Colour(reader), asset.colour);
+    }
+    StoreIfWhole(reader, ProfileTierLevel(reader, m), asset.profileTierLevel);
+}
+
+}  // namespace
+
+void CMMTDescVsp::t_ParsePayload(vyr::CBitReader& reader)
+{
+    reader.Assets(m_assets, [&](SAsset& asset) { ParseAsset(reader, asset); });
 }
 
 void CMMTDescVsp::Dump() const
