@@ -347,11 +347,12 @@ std::vector<SInput> Messages()
         inputs.push_back({"MPT " + name, Message(0x11, 16, Table(0x20, body))});
     };
     mpt("empty assets", Asset("", 0, ""));
-    for (const int type : {0, 1, 7, 8}) {
-        const int size[] = {2, 12, 0, 0, 0, 0, 0, 0, 2};
+    for (const int type : {0, 1, 5, 7, 8}) {
+        const int size[] = {2, 12, 0, 0, 0, 1, 0, 0, 2};
         std::string locations;
         for (int i = 0; i < 255; ++i) {
-            locations += static_cast<char>(type) + std::string(static_cast<std::size_t>(size[type]), '\1');
+            locations +=
+                static_cast<char>(type) + std::string(static_cast<std::size_t>(size[type]), type == 5 ? '\0' : '\1');
         }
         mpt("locations of type " + std::to_string(type), Asset(locations, 255, ""));
     }

@@ -11,7 +11,7 @@
 /// results are then false or 0 and outputs untouched.
 class VYR_API CLLSSMTParser : public IParse {
   public:
-    CLLSSMTParser();
+    CLLSSMTParser() = default;
     /// Destroy comes first, else "!m" is asserted.
     ~CLLSSMTParser() override;
 
@@ -44,7 +44,5 @@ class VYR_API CLLSSMTParser : public IParse {
   private:
     struct SParseSMT;
 
-    const void* m_Payload(int index) const;
-
-    SParseSMT* m;
+    SParseSMT* m = nullptr;
 };

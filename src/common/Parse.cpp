@@ -2,8 +2,8 @@
 
 #include <cstdint>
 #include <cstring>
-#include <new>
 
+#include "common/BitReader.h"
 #include "platform/Log.h"
 
 namespace {
@@ -68,11 +68,12 @@ std::uint64_t Gather(const unsigned char* buffer, std::uint64_t bitpos, std::uin
 
 }  // namespace
 
-IParse::~IParse() = default;
+// What asserts are the readers of IParse, whoever reads.
+namespace vyr {
 
-unsigned int IParse::t_Value(SItem* item, unsigned int bits)
+unsigned int ReadValue(IParse::SItem* item, unsigned int bits)
 {
-    if (!Readable(item, VYR_HERE)) {
+    if (!Readable(item, {k_source.text, "t_Value", __LINE__})) {
         return 0;
     }
     // bitsize is the bound; a bitsize beyond the bytes is a caller's mistake that reads nothing.
@@ -88,9 +89,9 @@ unsigned int IParse::t_Value(SItem* item, unsigned int bits)
     return static_cast<unsigned int>(Gather(item->buffer, position, bits));
 }
 
-unsigned long long IParse::t_Value64(SItem* item, unsigned int bits)
+unsigned long long ReadValue64(IParse::SItem* item, unsigned int bits)
 {
-    if (!Readable(item, VYR_HERE) || !Fits(item, bits, SizeInBits(item))) {
+    if (!Readable(item, {k_source.text, "t_Value64", __LINE__}) || !Fits(item, bits, SizeInBits(item))) {
         return 0;
     }
     const std::uint32_t position = item->bitpos;
@@ -104,10 +105,15 @@ unsigned long long IParse::t_Value64(SItem* item, unsigned int bits)
     return Gather(item->buffer, position, bits);
 }
 
-const unsigned char* IParse::t_Byte(SItem* item, unsigned int count)
+const unsigned char* ReadBytes(IParse::SItem* item, unsigned int count)
 {
-    const bool readable = Readable(item, VYR_HERE);
-    if (!item || !item->buffer || !VYR_ASSERT(item->bitpos % 8 == 0, "item->bitpos % 8 == 0")) {
+    const SHere here = {k_source.text, "t_Byte", __LINE__};
+    const bool readable = Readable(item, here);
+    if (!item || !item->buffer) {
+        return nullptr;
+    }
+    if (item->bitpos % 8 != 0) {
+        AssertFailed(here, "item->bitpos % 8 == 0");
         return nullptr;
     }
     if (!readable || !Fits(item, static_cast<std::uint64_t>(count) * 8, SizeInBits(item))) {
@@ -118,12 +124,12 @@ const unsigned char* IParse::t_Byte(SItem* item, unsigned int count)
     return bytes;
 }
 
-unsigned char* IParse::t_AllocAndCopy(SItem* item, unsigned int count)
+unsigned char* ReadCopy(IParse::SItem* item, unsigned int count)
 {
-    if (!Readable(item, VYR_HERE)) {
+    if (!Readable(item, {k_source.text, "t_AllocAndCopy", __LINE__})) {
         return nullptr;
     }
-    const unsigned char* bytes = t_Byte(item, count);
+    const unsigned char* bytes = ReadBytes(item, count);
     if (!bytes) {
         return nullptr;
     }
@@ -132,4 +138,28 @@ unsigned char* IParse::t_AllocAndCopy(SItem* item, unsigned int count)
     std::memcpy(copy, bytes, length);
     copy[length] = 0;
     return copy;
+}
+
+}  // namespace vyr
+
+IParse::~IParse() = default;
+
+unsigned int IParse::t_Value(SItem* item, unsigned int bits)
+{
+    return vyr::ReadValue(item, bits);
+}
+
+unsigned long long IParse::t_Value64(SItem* item, unsigned int bits)
+{
+    return vyr::ReadValue64(item, bits);
+}
+
+const unsigned char* IParse::t_Byte(SItem* item, unsigned int count)
+{
+    return vyr::ReadBytes(item, count);
+}
+
+unsigned char* IParse::t_AllocAndCopy(SItem* item, unsigned int count)
+{
+    return vyr::ReadCopy(item, count);
 }

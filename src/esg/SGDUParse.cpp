@@ -4,6 +4,7 @@
 #include <functional>
 #include <utility>
 
+#include "common/BitReader.h"
 #include "common/ElementHandlers.h"
 #include "common/Inflate.h"
 #include "esg/ESGContentFragment.h"
@@ -102,9 +103,10 @@ bool CSGDUParse::m_Parse(IParse::SItem* item)
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] Extra Data failed ");
         return false;
     }
-    m->extensionOffset = t_Value(item, 32);
-    m->reserved = static_cast<unsigned short>(t_Value(item, 16));
-    m->nOServiceGuideFragments = t_Value(item, 24);
+    vyr::CBitReader reader(item);
+    reader.Field(32, m->extensionOffset);
+    reader.Field(16, m->reserved);
+    reader.Field(24, m->nOServiceGuideFragments);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] extensionOffset=%u", m->extensionOffset);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] reserved=%u", m->reserved);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] nOServiceGuideFragments=%u", m->nOServiceGuideFragments);
@@ -129,25 +131,26 @@ bool CSGDUParse::m_Parse(IParse::SItem* item)
 bool CSGDUParse::t_ProcessServiceGuide(IParse::SItem* item)
 {
     auto head = std::make_unique<SFragmentHead>();
-    head->fragmentTransportID = t_Value(item, 32);
-    head->fragmentVersion = t_Value(item, 32);
-    head->fragmentOffset = t_Value(item, 32);
-    if (item->valid) {
+    vyr::CBitReader reader(item);
+    reader.Field(32, head->fragmentTransportID);
+    reader.Field(32, head->fragmentVersion);
+    reader.Field(32, head->fragmentOffset);
+    if (reader.Valid()) {
         m->arrayHead.push_back(std::move(head));
     }
-    return item->valid;
+    return reader.Valid();
 }
 
 /// Reads the fragment `index` of the unit; false: the unit cannot be read any further.
 bool CSGDUParse::m_ProcessFragmentSGDU(IParse::SItem* item, unsigned int index, bool last)
 {
     auto frag = std::make_unique<SFragmentSGDU>();
-    frag->fragmentEncoding = static_cast<unsigned char>(t_Value(item, 8));
+    vyr::CBitReader reader(item);
+    reader.Field(8, frag->fragmentEncoding);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] p_frag->fragmentEncoding =%u", frag->fragmentEncoding);
     if (frag->fragmentEncoding == 0) {
-        frag->fragmentType = static_cast<unsigned char>(t_Value(item, 8));
-        const unsigned int position = item->bitpos / 8;
-        frag->length = position < item->size ? item->size - position : 0;
+        reader.Field(8, frag->fragmentType);
+        frag->length = reader.Left();
         bool fits = frag->length > 0;
         if (!last) {
             // Required: the entries are counted from the first one ever read.

@@ -4,35 +4,41 @@
 #include <cstring>
 #include <memory>
 
-#include "common/CoreOS/PtrArray.h"
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
+#include "common/Owned.h"
 #include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 namespace {
 
-/// Bytes that are owned, and how many there are.
-struct SBytes {
-    std::unique_ptr<unsigned char[]> data;
-    unsigned int length = 0;
-
-    bool CopyTo(unsigned char* buffer, unsigned int room) const
-    {
-        if (data && buffer) {
-            std::memcpy(buffer, data.get(), std::min(length, room));
-        }
-        return data && buffer;
-    }
+/// One table of the multi-table.
+struct SPayload {
+    unsigned int tableId = 0;
+    vyr::CBytes bytes;
 };
 
-struct SSPayload {
-    unsigned int tableId;
-    SBytes bytes;
-};
-
-void g_CbRemovePayload(void* /*context*/, void* element)
+const SPayload* Payload(const TPtrArray<SPayload>& payloads, int index, VYR_CALLER)
 {
-    delete static_cast<SSPayload*>(element);
+    if (payloads.Size() == 0) {
+        if (vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+            vyr::Print(LOG_PRIORITY_DEBUG, here, "[CLLSSMTParser::GetPayload] No SMT payload");
+        }
+        return nullptr;
+    }
+    const SPayload* smtPayload = payloads.Get(index);
+    if (!smtPayload) {
+        vyr::AssertFailed(here, "smtPayload");
+    }
+    return smtPayload;
+}
+
+bool CopyTo(unsigned char* buffer, unsigned int room, const vyr::CBytes& bytes)
+{
+    if (bytes && buffer) {
+        std::memcpy(buffer, bytes.Data(), std::min(bytes.Length(), room));
+    }
+    return bytes && buffer;
 }
 
 }  // namespace
@@ -40,12 +46,10 @@ void g_CbRemovePayload(void* /*context*/, void* element)
 struct CLLSSMTParser::SParseSMT {
     int payloadCount = 0;
     unsigned int signatureLength = 0;
-    SBytes signature;
-    SBytes signedBlock;
-    CCPtrArray payloads{g_CbRemovePayload, nullptr};
+    vyr::CBytes signature;
+    vyr::CBytes signedBlock;
+    TPtrArray<SPayload> payloads;
 };
-
-CLLSSMTParser::CLLSSMTParser() : m(nullptr) {}
 
 CLLSSMTParser::~CLLSSMTParser()
 {
@@ -86,31 +90,30 @@ try {
     if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }
+    vyr::CBitReader reader(item);
     m->payloads.RemoveAll();
     const unsigned int start = item->bitpos / 8;
-    m->payloadCount = static_cast<int>(t_Value(item, 8));
+    reader.Field(8, m->payloadCount);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] payloadcnt[%u]", static_cast<unsigned int>(m->payloadCount));
     for (int i = 0; i < m->payloadCount; ++i) {
-        auto payload = std::make_unique<SSPayload>();
-        payload->tableId = t_Value(item, 8);
-        const unsigned int version = t_Value(item, 8);
-        payload->bytes.length = t_Value(item, 16);
-        payload->bytes.data.reset(t_AllocAndCopy(item, payload->bytes.length));
-        if (!payload->bytes.data) {
+        auto payload = std::make_unique<SPayload>();
+        reader.Field(8, payload->tableId);
+        const unsigned int version = reader.Value(8);
+        const unsigned int length = reader.Value(16);
+        if (!reader.Keep(length, payload->bytes)) {
             VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] SMT ID:%d VER:%d allocation payload[%u] fail !!!",
-                    static_cast<int>(payload->tableId), static_cast<int>(version), payload->bytes.length);
+                    static_cast<int>(payload->tableId), static_cast<int>(version), length);
             return false;
         }
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] SMT ID:%d VER:%d LEN:%d",
-                static_cast<int>(payload->tableId), static_cast<int>(version), static_cast<int>(payload->bytes.length));
-        vyr::Append(m->payloads, std::move(payload));
+                static_cast<int>(payload->tableId), static_cast<int>(version), static_cast<int>(length));
+        m->payloads.Append(std::move(payload));
     }
 
     const unsigned int signedLength = item->bitpos / 8 - start;
-    m->signatureLength = t_Value(item, 16);
-    if (unsigned char* signature = t_AllocAndCopy(item, m->signatureLength)) {
-        m->signature.data.reset(signature);
-        m->signature.length = m->signatureLength;
+    reader.Field(16, m->signatureLength);
+    if (vyr::CBytes signature; reader.Keep(m->signatureLength, signature)) {
+        m->signature = std::move(signature);
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] signatureLength[%u]", m->signatureLength);
 
@@ -118,18 +121,17 @@ try {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] signedBlocklength[%u] item size[%u]", signedLength, item->size);
     if (item->size - std::min(start, item->size) < signedLength) {
         return VYR_FAIL(FAILURE_SIZE, "[CLLSSMTParser::Parse] Signed Block size ERROR length[%u] item size[%u]",
-                        signedLength, item->size);
+                signedLength, item->size);
     }
     if (signedLength == 0) {
         return true;
     }
-    unsigned char* block = t_AllocAndCopy(item, signedLength);
-    if (!block) {
+    vyr::CBytes block;
+    if (!reader.Keep(signedLength, block)) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] Signed Block t_AllocAndCopy Error");
         return false;
     }
-    m->signedBlock.data.reset(block);
-    m->signedBlock.length = signedLength;
+    m->signedBlock = std::move(block);
     return true;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
@@ -140,26 +142,11 @@ int CLLSSMTParser::PayloadCount() const
     return VYR_ASSERT(m, "m") ? m->payloadCount : 0;
 }
 
-const void* CLLSSMTParser::m_Payload(int index) const
-{
-    if (!VYR_ASSERT(m, "m")) {
-        return nullptr;
-    }
-    if (m->payloads.Size() == 0) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::GetPayload] No SMT payload");
-        return nullptr;
-    }
-    void* smtPayload = nullptr;
-    m->payloads.GetAt(index, &smtPayload);
-    VYR_ASSERT(smtPayload, "smtPayload");
-    return smtPayload;
-}
-
 bool CLLSSMTParser::GetPayloadLength(int index, unsigned int& length) const
 {
-    const auto* payload = static_cast<const SSPayload*>(m_Payload(index));
+    const SPayload* payload = VYR_ASSERT(m, "m") ? Payload(m->payloads, index) : nullptr;
     if (payload) {
-        length = payload->bytes.length;
+        length = payload->bytes.Length();
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::GetPayload] index[%d], length[%u]", index, length);
     }
     return payload != nullptr;
@@ -167,10 +154,10 @@ bool CLLSSMTParser::GetPayloadLength(int index, unsigned int& length) const
 
 bool CLLSSMTParser::GetPayload(int index, unsigned int& tableId, unsigned char* buffer) const
 {
-    const auto* payload = static_cast<const SSPayload*>(m_Payload(index));
+    const SPayload* payload = VYR_ASSERT(m, "m") ? Payload(m->payloads, index) : nullptr;
     if (payload) {
         tableId = payload->tableId;
-        payload->bytes.CopyTo(buffer, payload->bytes.length);
+        CopyTo(buffer, payload->bytes.Length(), payload->bytes);
     }
     return payload != nullptr;
 }
@@ -186,7 +173,7 @@ bool CLLSSMTParser::GetSignatureLength(unsigned int& length) const
 
 bool CLLSSMTParser::GetSignatureData(unsigned char* buffer) const
 {
-    return VYR_ASSERT(m, "m") && m->signature.CopyTo(buffer, m->signatureLength);
+    return VYR_ASSERT(m, "m") && CopyTo(buffer, m->signatureLength, m->signature);
 }
 
 bool CLLSSMTParser::GetSignedBlockLength(unsigned int& length) const
@@ -194,11 +181,11 @@ bool CLLSSMTParser::GetSignedBlockLength(unsigned int& length) const
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
-    length = m->signedBlock.length;
+    length = m->signedBlock.Length();
     return true;
 }
 
 bool CLLSSMTParser::GetSignedBlock(unsigned char* buffer) const
 {
-    return VYR_ASSERT(m, "m") && m->signedBlock.CopyTo(buffer, m->signedBlock.length);
+    return VYR_ASSERT(m, "m") && CopyTo(buffer, m->signedBlock.Length(), m->signedBlock);
 }

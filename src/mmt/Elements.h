@@ -3,63 +3,61 @@
 #include <algorithm>
 #include <memory>
 
-#include "common/CoreOS/PtrArray.h"
+#include "common/BitReader.h"
+#include "common/Owned.h"
 #include "mmt/desc/MMTDesc.h"
 #include "mmt/desc/MMTDescFactory.h"
 #include "platform/Log.h"
 
-// What MMT structures share: bytes left, lists of owned elements, descriptor loops.
+// What MMT structures share: lists of owned elements, descriptor loops.
 
 namespace vyr {
 
-/// Whole bytes behind the cursor.
-inline unsigned int BytesLeft(const IParse::SItem& item)
+/// Makes a T: what stands in a row of a factory.
+template <class TBase, class T>
+TBase* New()
 {
-    const unsigned int position = item.bitpos / 8;
-    return position < item.size ? item.size - position : 0;
+    return new T;
 }
 
-/// Release callback of an array that owns objects of T.
-template <class T>
-void g_CbRemove(void* /*context*/, void* element)
+/// Keeps what a length of `bits` bits spans. False: the length is not there. What is held already is the caller's
+/// failed assertion `text` at `line`.
+inline bool KeepFirst(CBitReader& reader, unsigned int bits, CBytes& bytes, int line, const char* text, VYR_CALLER)
 {
-    delete static_cast<T*>(element);
+    const unsigned int length = reader.Value(bits);
+    if (!reader.Valid()) {
+        return false;
+    }
+    if (bytes) {
+        AssertFailed({here.file, here.function, line}, text);
+    }
+    reader.Keep(length, bytes);
+    return true;
 }
 
-/// Element `index` of an array of T; outside the range asserted: null.
+/// Logs every element of an array, at debug priority.
 template <class T>
-T* ElementAt(const CCPtrArray& array, int index)
-{
-    return static_cast<T*>(array.Data(index));
-}
-
-/// Logs every element of an array of T, at debug priority.
-template <class T>
-void DumpElements(const CCPtrArray& array)
+void DumpElements(const TPtrArray<T>& array)
 {
     if (!LogEnabled(LOG_PRIORITY_DEBUG)) {
         return;
     }
     for (int i = 0; i < array.Size(); ++i) {
-        ElementAt<T>(array, i)->Dump();
+        array.At(i)->Dump();
     }
 }
 
-/// Parses `count` elements of T into `array`. The first that fails ends it, logged as a failed check of
-/// `parseText` at `here`; one that cannot be added is logged with `addText`, a line below.
+/// Parses `count` elements into `array`. The first that fails ends it, logged as the caller's failed check of
+/// `text` at `line`.
 template <class T>
-bool ParseElements(IParse::SItem* item, unsigned int count, CCPtrArray& array, const SHere& here, const char* parseText,
-                   const char* addText)
+bool ParseElements(IParse::SItem* item, unsigned int count, TPtrArray<T>& array, int line, const char* text, VYR_CALLER)
 {
     for (unsigned int i = 0; i < count; ++i) {
         auto element = std::make_unique<T>();
         if (!element->Parse(item)) {
-            return CheckFailed(here, parseText);
+            return CheckFailed({here.file, here.function, line}, text);
         }
-        if (!array.Add(element.get())) {
-            return CheckFailed({here.file, here.function, here.line + 1}, addText);
-        }
-        element.release();
+        array.Append(std::move(element));
     }
     return true;
 }
@@ -67,7 +65,7 @@ bool ParseElements(IParse::SItem* item, unsigned int count, CCPtrArray& array, c
 /// Parses a loop of `length` bytes of descriptors into `array` and puts the cursor behind it, whatever
 /// became of its descriptors: one that is unknown costs nothing that follows the loop. False when a
 /// descriptor made the item invalid, or the loop runs past the data.
-inline bool ParseDescriptorLoop(IParse::SItem* item, unsigned int length, CCPtrArray* array)
+inline bool ParseDescriptorLoop(IParse::SItem* item, unsigned int length, TPtrArray<CMMTDesc>& array)
 {
     // A descriptor may run past its loop, as a clock relation descriptor of 19 bytes can by 18. Further than
     // that it is refused: what it read would be read again with what follows, and copied once per loop.
@@ -76,7 +74,7 @@ inline bool ParseDescriptorLoop(IParse::SItem* item, unsigned int length, CCPtrA
     IParse::SItem loop = *item;
     loop.size = item->bitpos / 8 + std::min(left, length + k_overrun);
     loop.bitsize = loop.size * 8;
-    CMMTDescFactory::ParseDescriptors(&loop, static_cast<int>(length), array);
+    CMMTDescFactory::ParseDescriptors(&loop, static_cast<int>(length), &array);
     item->valid = loop.valid && length <= left;
     if (item->valid) {
         item->bitpos += length * 8;
@@ -84,14 +82,16 @@ inline bool ParseDescriptorLoop(IParse::SItem* item, unsigned int length, CCPtrA
     return item->valid;
 }
 
-/// Calls `callback(user, descriptor)` for each descriptor of the array; true.
-inline bool VisitDescriptors(const CCPtrArray& array, void (*callback)(void* user, CMMTDesc* descriptor), void* user)
+/// Calls `callback(user, descriptor)` for each descriptor of the array; true. A null callback is the caller's
+/// failed assertion.
+inline bool VisitDescriptors(const TPtrArray<CMMTDesc>& array, void (*callback)(void* user, CMMTDesc* descriptor),
+                             void* user, VYR_CALLER)
 {
-    if (!VYR_ASSERT(callback, "callback")) {
-        return false;
+    if (!callback) {
+        return AssertFailed(here, "callback");
     }
     for (int i = 0; i < array.Size(); ++i) {
-        callback(user, ElementAt<CMMTDesc>(array, i));
+        callback(user, array.At(i));
     }
     return true;
 }

@@ -109,3 +109,10 @@ bool GetSetting(const char* key, int* value);
 #define VYR_CHECK(expression, text) ((expression) ? true : ::vyr::CheckFailed(VYR_HERE, text))
 
 #define VYR_ASSERT(expression, text) ((expression) ? true : ::vyr::AssertFailed(VYR_HERE, text))
+
+// The same with the line that the message must name.
+#define VYR_CHECK_AT(line, expression, failed) \
+    ((expression) ? true : ::vyr::CheckFailed({::vyr::k_source.text, __func__, line}, failed))
+
+#define VYR_ASSERT_AT(line, expression, failed) \
+    ((expression) ? true : ::vyr::AssertFailed({::vyr::k_source.text, __func__, line}, failed))

@@ -65,6 +65,7 @@ TEST_F(LLSSMTParserTest, PayloadsSignatureAndSignedBlock)
     EXPECT_TRUE(Feed(m_smt, k_table));
     EXPECT_FALSE(m_smt.GetPayloadLength(2, length) || m_smt.GetPayloadLength(-1, length));
     EXPECT_EQ(TakeAssertions(), "smtPayload; smtPayload");
+    EXPECT_EQ(Logged("ASSERT!, Func:GetPayloadLength, Line:"), 2);
 }
 
 TEST_F(LLSSMTParserTest, TheCursorEndsBehindTheSignedBlock)

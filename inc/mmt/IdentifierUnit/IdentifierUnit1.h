@@ -1,14 +1,11 @@
 #pragma once
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
 #include "IdentifierUnitBase.h"
 
 /// Identifier type 0x01: a list of URLs.
 class VYR_API CIdentifierUnit1 : public CIdentifierUnitBase {
   public:
-    CIdentifierUnit1();
-    ~CIdentifierUnit1() override;
-
     /// Required: data that ends before the announced number of URLs is accepted; one that ends inside a
     /// URL is not.
     bool Parse(SItem* item) override;
@@ -20,5 +17,5 @@ class VYR_API CIdentifierUnit1 : public CIdentifierUnitBase {
     const char* Url(unsigned short index) const;
 
   private:
-    CCPtrArray m_arrayUrl;
+    TPtrArray<unsigned char, std::default_delete<unsigned char[]>> m_arrayUrl;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "IdentifierUnitBase.h"
 
 /// Identifier type 0x02: a regular expression.

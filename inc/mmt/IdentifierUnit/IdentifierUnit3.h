@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "IdentifierUnitBase.h"
 
 /// Identifier type 0x03: the id of a DASH representation.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "IdentifierUnitBase.h"
 
 /// Identifier types 0x04 and above: private bytes.

@@ -5,8 +5,7 @@
 /// Base of the MMT descriptors (ISO/IEC 23008-1 10.5): a 16-bit tag, a 16-bit length, and that many bytes.
 class VYR_API CMMTDesc : public IMMTParser {
   public:
-    CMMTDesc();
-    ~CMMTDesc() override;
+    CMMTDesc() = default;
     CMMTDesc(const CMMTDesc&) = delete;
     CMMTDesc& operator=(const CMMTDesc&) = delete;
 
@@ -21,6 +20,6 @@ class VYR_API CMMTDesc : public IMMTParser {
     unsigned int Length() const { return t_length; }
 
   protected:
-    unsigned int t_tag;     ///< see Tag
-    unsigned int t_length;  ///< see Length
+    unsigned int t_tag = 0xFFFF;  ///< see Tag
+    unsigned int t_length = 0;    ///< see Length
 };

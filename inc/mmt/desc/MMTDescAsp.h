@@ -5,6 +5,8 @@
 /// Audio stream properties of assets (ATSC A/331 7.2.3), tag 9.
 class VYR_API CMMTDescAsp : public CMMTDescPayload {
   public:
+    static constexpr unsigned int k_tag = 9;  ///< descriptor_tag
+
     /// One presentation of an audio asset.
     struct SPresentation {
         unsigned char id;                                       ///< presentation_id
@@ -45,19 +47,14 @@ class VYR_API CMMTDescAsp : public CMMTDescPayload {
         std::optional<STime> emergencyEnd;         ///< likewise
     };
 
-    CMMTDescAsp();
+    CMMTDescAsp() : CMMTDescPayload("CMMTDescAsp", k_tag) {}
     void Dump() const override;
 
     /// In order.
     const std::vector<SAsset>& Assets() const { return m_assets; }
 
   private:
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
-    void m_ParseAsset(vyr::CPayloadReader& reader, SAsset& asset);
-    void m_ParsePresentation(vyr::CPayloadReader& reader, bool multiStreamInfoPresent, SPresentation& presentation);
-    void m_ParseMultiStream(vyr::CPayloadReader& reader, SAsset& asset);
-    void m_ParseTime(vyr::CPayloadReader& reader, std::optional<STime>& time);
-    void m_ParseBytes(vyr::CPayloadReader& reader, unsigned int count, std::vector<unsigned char>& bytes);
+    void t_ParsePayload(vyr::CBitReader& reader) override;
 
     std::vector<SAsset> m_assets;
 };

@@ -5,6 +5,8 @@
 /// Caption assets (ATSC A/331 7.2.3), tag 8.
 class VYR_API CMMTDescCaption : public CMMTDescPayload {
   public:
+    static constexpr unsigned int k_tag = 8;  ///< descriptor_tag
+
     /// One caption asset.
     struct SAsset {
         std::string_view assetId;                  ///< asset_id
@@ -16,14 +18,14 @@ class VYR_API CMMTDescCaption : public CMMTDescPayload {
         std::optional<bool> support3d;             ///< 3d_support
     };
 
-    CMMTDescCaption();
+    CMMTDescCaption() : CMMTDescPayload("CMMTDescCaption", k_tag) {}
     void Dump() const override;
 
     /// In order.
     const std::vector<SAsset>& Assets() const { return m_assets; }
 
   private:
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
+    void t_ParsePayload(vyr::CBitReader& reader) override;
 
     std::vector<SAsset> m_assets;
 };

@@ -6,10 +6,10 @@
 /// time bases.
 class VYR_API CMMTDescCri : public CMMTDesc {
   public:
+    static constexpr unsigned int k_tag = 0;  ///< descriptor_tag
+
     /// Length of the one record that is read, in bytes.
     static constexpr unsigned int k_unitSize = 15;
-
-    CMMTDescCri();
 
     /// False: another tag, or a length that is 0 or no multiple of 15; such a length also makes the item
     /// invalid. Required: of a length of 30, 45 and so on nothing is read, and the cursor stays behind the
@@ -27,8 +27,8 @@ class VYR_API CMMTDescCri : public CMMTDesc {
     unsigned int NTPTimestampSample() const { return m_ntpTimestampSample; }
 
   private:
-    unsigned char m_clockRelationId;
-    unsigned char m_reserved;
-    unsigned int m_stcSample;
-    unsigned int m_ntpTimestampSample;
+    unsigned char m_clockRelationId = 0;
+    unsigned char m_reserved = 0;
+    unsigned int m_stcSample = 0;
+    unsigned int m_ntpTimestampSample = 0;
 };

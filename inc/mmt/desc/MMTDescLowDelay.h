@@ -6,6 +6,8 @@
 /// metadata arrives.
 class VYR_API CMMTDescLowDelay : public CMMTDescPayload {
   public:
+    static constexpr unsigned int k_tag = 14;  ///< descriptor_tag
+
     /// The fields, each as far as the length reaches.
     struct SLowDelay {
         std::optional<unsigned int> basePresentationTimeOffset;  ///< base_presentation_time_offset
@@ -16,17 +18,17 @@ class VYR_API CMMTDescLowDelay : public CMMTDescPayload {
         std::optional<unsigned int> defaultSampleFlags;          ///< default_sample_flags
     };
 
-    CMMTDescLowDelay();
+    CMMTDescLowDelay() : CMMTDescPayload("CMMTDescLowDelay", k_tag) {}
     void Dump() const override;
 
     /// The fields, each as far as the length reaches.
     const SLowDelay& Fields() const { return m_fields; }
 
     /// Reads the fields alone, which are all that the item has: so the low delay consumption message carries them.
-    void ParseFields(vyr::CPayloadReader& reader);
+    void ParseFields(vyr::CBitReader& reader);
 
   private:
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
+    void t_ParsePayload(vyr::CBitReader& reader) override;
 
     SLowDelay m_fields;
 };

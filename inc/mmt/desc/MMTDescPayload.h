@@ -4,11 +4,11 @@
 #include <string_view>
 #include <vector>
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "MMTDesc.h"
 
 namespace vyr {
-class CPayloadReader;
+class CBitReader;
 }
 
 /// Base of the descriptors whose payload is kept: read inside the bounds of their own length. Fields that do
@@ -17,8 +17,6 @@ class CPayloadReader;
 /// it is not zero-terminated, and it lives until the next Parse or the descriptor's end.
 class VYR_API CMMTDescPayload : public CMMTDesc {
   public:
-    ~CMMTDescPayload() override;
-
     /// Leaves the cursor at the end that the length names. False: another tag, a length that runs past the
     /// item (which stays valid), or a cursor inside a byte.
     bool Parse(SItem* item) override;
@@ -35,7 +33,7 @@ class VYR_API CMMTDescPayload : public CMMTDesc {
     /// Whether the class reads descriptors of this tag.
     virtual bool t_Takes(unsigned int tag) const;
     /// Reads the payload into the object's records in place of earlier ones.
-    virtual void t_ParsePayload(vyr::CPayloadReader& reader) = 0;
+    virtual void t_ParsePayload(vyr::CBitReader& reader) = 0;
 
   private:
     const char* m_name;

@@ -5,6 +5,8 @@
 /// Security information (ISO/IEC 23008-1), tag 4: the security systems that protect something, and their keys.
 class VYR_API CMMTDescSi : public CMMTDescPayload {
   public:
+    static constexpr unsigned int k_tag = 4;  ///< descriptor_tag
+
     /// One security system.
     struct SSystem {
         std::string_view systemId;             ///< 16 bytes
@@ -12,14 +14,14 @@ class VYR_API CMMTDescSi : public CMMTDescPayload {
         std::string_view data;                 ///< private to the system
     };
 
-    CMMTDescSi();
+    CMMTDescSi() : CMMTDescPayload("CMMTDescSi", k_tag) {}
     void Dump() const override;
 
     /// In order.
     const std::vector<SSystem>& Systems() const { return m_systems; }
 
   private:
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
+    void t_ParsePayload(vyr::CBitReader& reader) override;
 
     std::vector<SSystem> m_systems;
 };

@@ -6,6 +6,9 @@
 /// Tag() tells which.
 class VYR_API CMMTDescSp : public CMMTDescPayload {
   public:
+    static constexpr unsigned int k_tag = 12;            ///< descriptor_tag of security properties
+    static constexpr unsigned int k_licenseUrlTag = 13;  ///< of licence URLs
+
     /// A security system of tag 12.
     struct SSystem {
         std::string_view systemId;  ///< 16 bytes
@@ -25,7 +28,7 @@ class VYR_API CMMTDescSp : public CMMTDescPayload {
         std::vector<SLicenseUrl> licenseUrls;  ///< tag 13
     };
 
-    CMMTDescSp();
+    CMMTDescSp() : CMMTDescPayload("CMMTDescSp", k_tag) {}
     void Dump() const override;
 
     /// In order.
@@ -33,7 +36,7 @@ class VYR_API CMMTDescSp : public CMMTDescPayload {
 
   private:
     bool t_Takes(unsigned int tag) const override;
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
+    void t_ParsePayload(vyr::CBitReader& reader) override;
 
     std::vector<SAsset> m_assets;
 };

@@ -5,6 +5,8 @@
 /// Video stream properties of assets (ATSC A/331 7.2.3.2), tag 5.
 class VYR_API CMMTDescVsp : public CMMTDescPayload {
   public:
+    static constexpr unsigned int k_tag = 5;  ///< descriptor_tag
+
     /// Sub-layers of the stream.
     struct STemporalScalability {
         unsigned char maxSubLayersInstream;     ///< max_sub_layers_instream, 6 bits
@@ -87,7 +89,7 @@ class VYR_API CMMTDescVsp : public CMMTDescPayload {
         std::optional<SProfileTierLevel> profileTierLevel;        ///< always there when it fits
     };
 
-    CMMTDescVsp();
+    CMMTDescVsp() : CMMTDescPayload("CMMTDescVsp", k_tag) {}
     void Dump() const override;
 
     /// In order. The rates are those of the sub-layers 0 to m, where m is maxSubLayersInstream - 1 when
@@ -95,14 +97,7 @@ class VYR_API CMMTDescVsp : public CMMTDescPayload {
     const std::vector<SAsset>& Assets() const { return m_assets; }
 
   private:
-    void t_ParsePayload(vyr::CPayloadReader& reader) override;
-    void m_ParseAsset(vyr::CPayloadReader& reader, SAsset& asset);
-    STemporalScalability m_TemporalScalability(vyr::CPayloadReader& reader);
-    SMultiview m_Multiview(vyr::CPayloadReader& reader);
-    SResolution m_Resolution(vyr::CPayloadReader& reader);
-    SColour m_Colour(vyr::CPayloadReader& reader);
-    SProfile m_Profile(vyr::CPayloadReader& reader);
-    SProfileTierLevel m_ProfileTierLevel(vyr::CPayloadReader& reader, unsigned int m);
+    void t_ParsePayload(vyr::CBitReader& reader) override;
 
     std::vector<SAsset> m_assets;
 };

@@ -2,15 +2,12 @@
 
 #include <array>
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "../MMTParser.h"
 
 /// Name of an asset: asset_id of ISO/IEC 23008-1, a scheme and an identifier.
 class VYR_API CMMTElementAssetId : public IMMTParser {
   public:
-    CMMTElementAssetId();
-    ~CMMTElementAssetId() override;
-
     /// Reads it; a 16-byte identifier whose scheme ends in a zero byte is a UUID. False: the data ended.
     bool Parse(SItem* item) override;
     /// Logs the fields, at debug priority.
@@ -26,7 +23,7 @@ class VYR_API CMMTElementAssetId : public IMMTParser {
     unsigned int AssetIdTextLength() const { return m_assetId.Length(); }
 
   private:
-    std::array<unsigned char, 4> m_assetIdScheme;
-    unsigned int m_assetIdLength;
+    std::array<unsigned char, 4> m_assetIdScheme = {};
+    unsigned int m_assetIdLength = 0;
     vyr::CBytes m_assetId;
 };

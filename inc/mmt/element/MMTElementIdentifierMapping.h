@@ -19,11 +19,6 @@ struct SIdentifier {
 /// What names an asset: identifier_mapping of ISO/IEC 23008-1.
 class VYR_API CMMTElementIdentifierMapping : public IMMTParser {
   public:
-    CMMTElementIdentifierMapping();
-    ~CMMTElementIdentifierMapping() override;
-    CMMTElementIdentifierMapping(const CMMTElementIdentifierMapping&) = delete;
-    CMMTElementIdentifierMapping& operator=(const CMMTElementIdentifierMapping&) = delete;
-
     /// False: the data ended; there is no unit then.
     bool Parse(SItem* item) override;
     /// Logs type and unit, at debug priority.
@@ -36,6 +31,6 @@ class VYR_API CMMTElementIdentifierMapping : public IMMTParser {
     CIdentifierUnitBase* Identifier() const { return m_identifier.get(); }
 
   private:
-    unsigned char m_identifierType;
+    unsigned char m_identifierType = 0;
     std::unique_ptr<CIdentifierUnitBase> m_identifier;
 };

@@ -18,7 +18,7 @@ struct SLocationInfo {
 /// Where a table or an asset is delivered: MMT_general_location_info of ISO/IEC 23008-1.
 class VYR_API CMMTElementLocation : public IMMTParser {
   public:
-    CMMTElementLocation();
+    CMMTElementLocation() = default;
     ~CMMTElementLocation() override;
     CMMTElementLocation(const CMMTElementLocation&) = delete;
     CMMTElementLocation& operator=(const CMMTElementLocation&) = delete;
@@ -39,6 +39,6 @@ class VYR_API CMMTElementLocation : public IMMTParser {
         void operator()(CLocationUnitBase* unit) const;
     };
 
-    unsigned int m_locationType;
+    unsigned int m_locationType = 0;
     std::unique_ptr<CLocationUnitBase, SRelease> m_pLocation;
 };

@@ -1,14 +1,11 @@
 #pragma once
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "../MMTParser.h"
 
 /// A MIME type behind an 8-bit length, as the device capability information names assets' types.
 class VYR_API CMMTElementMime : public IMMTParser {
   public:
-    CMMTElementMime();
-    ~CMMTElementMime() override;
-
     /// False: the data ended.
     bool Parse(SItem* item) override;
     /// Logs the type, at debug priority.
@@ -24,6 +21,6 @@ class VYR_API CMMTElementMime : public IMMTParser {
     bool IsVideo() const;
 
   private:
-    unsigned char m_length;
+    unsigned char m_length = 0;
     vyr::CBytes m_mimeType;
 };

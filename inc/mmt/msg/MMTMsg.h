@@ -33,7 +33,6 @@ class VYR_API CMMTMsg : public IMMTParser {
     };
 
     explicit CMMTMsg(EClassType classType);
-    ~CMMTMsg() override;
     CMMTMsg(const CMMTMsg&) = delete;
     CMMTMsg& operator=(const CMMTMsg&) = delete;
 
@@ -69,7 +68,7 @@ class VYR_API CMMTMsg : public IMMTParser {
 
   private:
     EClassType m_classType;
-    unsigned short m_id;
-    unsigned char m_version;
-    unsigned int m_length;
+    unsigned short m_id = 0xFFFF;
+    unsigned char m_version = 0;
+    unsigned int m_length = 0;
 };

@@ -10,6 +10,8 @@
 /// ask for lost packets.
 class VYR_API CMMTMsgAc : public CMMTMsgPayload {
   public:
+    static constexpr unsigned short k_messageId = 0x0206;  ///< message_id
+
     /// The packets of one packet id; a field that does not fit in the message is absent.
     struct SEntry {
         unsigned short packetId;
@@ -18,8 +20,7 @@ class VYR_API CMMTMsgAc : public CMMTMsgPayload {
         std::optional<unsigned short> serverPort;   ///< UDP port
     };
 
-    CMMTMsgAc();
-    ~CMMTMsgAc() override;
+    CMMTMsgAc() : CMMTMsgPayload(CLASS_TYPE_AC) {}
 
     bool Parse(SItem* item) override;
     void Dump() const override;

@@ -8,6 +8,8 @@
 /// an asset needs of a network.
 class VYR_API CMMTMsgAdc : public CMMTMsgPayload {
   public:
+    static constexpr unsigned short k_messageId = 0x0209;  ///< message_id
+
     /// A field that its flag leaves out, or that does not fit in the message, is absent.
     struct SAdc {
         std::optional<unsigned int> validityStartTime;   ///< validity_start_time
@@ -28,8 +30,7 @@ class VYR_API CMMTMsgAdc : public CMMTMsgPayload {
         std::optional<unsigned char> flowLabel;          ///< flow_label, 7 bits, with flowLabelFlag
     };
 
-    CMMTMsgAdc();
-    ~CMMTMsgAdc() override;
+    CMMTMsgAdc() : CMMTMsgPayload(CLASS_TYPE_ADC) {}
 
     bool Parse(SItem* item) override;
     void Dump() const override;

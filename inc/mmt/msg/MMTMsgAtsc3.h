@@ -12,6 +12,8 @@ class CRSAT;
 /// message; descriptors, USBD and RSAT of a second one in the same object join those of the first.
 class VYR_API CMMTMsgAtsc3 : public CMMTMsg {
   public:
+    static constexpr unsigned short k_messageId = 0x8100;  ///< message_id
+
     /// atsc3_message_content_type of the contents that are read.
     enum EContentType {
         CONTENT_TYPE_USBD = 1,

@@ -6,8 +6,8 @@
 /// Clock relation information message (CRI message, message_id 0x0200; ISO/IEC 23008-1): one CRI table.
 class VYR_API CMMTMsgCri : public CMMTMsgPayload {
   public:
-    CMMTMsgCri();
-    ~CMMTMsgCri() override;
+    static constexpr unsigned short k_messageId = 0x0200;  ///< message_id
+    CMMTMsgCri() : CMMTMsgPayload(CLASS_TYPE_CRI) {}
 
     /// False too when the table does not parse.
     bool Parse(SItem* item) override;

@@ -6,8 +6,8 @@
 /// Device capability information message (DCI message, message_id 0x0201; ISO/IEC 23008-1): one DCI table.
 class VYR_API CMMTMsgDci : public CMMTMsgPayload {
   public:
-    CMMTMsgDci();
-    ~CMMTMsgDci() override;
+    static constexpr unsigned short k_messageId = 0x0201;  ///< message_id
+    CMMTMsgDci() : CMMTMsgPayload(CLASS_TYPE_DCI) {}
 
     /// False too when the table does not parse.
     bool Parse(SItem* item) override;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <memory>
 #include <string>
 
@@ -41,7 +40,4 @@ class VYR_API CMMTMsgFactory {
     static std::shared_ptr<CMMTMsg> CreateMessage(const unsigned char* data, unsigned int length);
     /// Fills the registry; nothing when it is filled. CreateMessage does this once in a process.
     static void InitializeFactory();
-
-  private:
-    static std::map<unsigned short, std::unique_ptr<MMTMsgAbstractFactory>> m_factories;
 };

@@ -7,8 +7,8 @@
 /// descriptor.
 class VYR_API CMMTMsgLdc : public CMMTMsgPayload {
   public:
-    CMMTMsgLdc();
-    ~CMMTMsgLdc() override;
+    static constexpr unsigned short k_messageId = 0x020E;  ///< message_id
+    CMMTMsgLdc() : CMMTMsgPayload(CLASS_TYPE_LDC) {}
 
     bool Parse(SItem* item) override;
     void Dump() const override;

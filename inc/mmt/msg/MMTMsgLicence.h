@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
 #include "../element/MMTElementAssetId.h"
 #include "MMTMsgPayload.h"
 
@@ -14,14 +14,12 @@ class VYR_API CMMTMsgLicence : public CMMTMsgPayload {
         vyr::CBytes data;            ///< not held when it does not fit in the message
     };
 
-    ~CMMTMsgLicence() override;
-
     void Dump() const override;
 
     /// Number of licences whose asset id is there.
     int LicenceCount() const { return m_arrayLicence.Size(); }
     /// The index-th licence, the message's own; null for an index outside the range (asserted).
-    const SLicence* Licence(int index) const;
+    const SLicence* Licence(int index) const { return m_arrayLicence.At(index); }
 
   protected:
     explicit CMMTMsgLicence(EClassType classType);
@@ -29,5 +27,5 @@ class VYR_API CMMTMsgLicence : public CMMTMsgPayload {
     bool t_ParseLicences(SItem* item, const char* format);
 
   private:
-    CCPtrArray m_arrayLicence;
+    TPtrArray<SLicence> m_arrayLicence;
 };

@@ -6,8 +6,8 @@
 /// not make it.
 class VYR_API CMMTMsgLr : public CMMTMsgLicence {
   public:
-    CMMTMsgLr();
-    ~CMMTMsgLr() override;
+    static constexpr unsigned short k_messageId = 0x020C;  ///< message_id
+    CMMTMsgLr() : CMMTMsgLicence(CLASS_TYPE_LR) {}
 
     bool Parse(SItem* item) override;
 };

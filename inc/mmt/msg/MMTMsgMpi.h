@@ -8,8 +8,9 @@
 /// MPI table and, when it says so, an MP table.
 class VYR_API CMMTMsgMpi : public CMMTMsg {
   public:
-    CMMTMsgMpi();
-    ~CMMTMsgMpi() override;
+    static constexpr unsigned short k_messageId = 0x0001;      ///< first message_id
+    static constexpr unsigned short k_lastMessageId = 0x0010;  ///< last
+    CMMTMsgMpi() : CMMTMsg(CLASS_TYPE_MPI) {}
 
     bool Parse(SItem* item) override;
     void Dump() const override;
@@ -26,8 +27,8 @@ class VYR_API CMMTMsgMpi : public CMMTMsg {
     CMMTTblMp* MPTable() { return &m_mpTable; }
 
   private:
-    unsigned char m_reserved;
-    bool m_associatedMPTableFlag;
+    unsigned char m_reserved = 0;
+    bool m_associatedMPTableFlag = false;
     CMMTTblMpi m_mpiTable;
     CMMTTblMp m_mpTable;
 };

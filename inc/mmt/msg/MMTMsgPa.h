@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
 #include "../table/MMTTbl.h"
 #include "MMTMsg.h"
 
@@ -8,8 +8,8 @@
 /// the tables.
 class VYR_API CMMTMsgPa : public CMMTMsg {
   public:
+    static constexpr unsigned short k_messageId = 0x0000;  ///< message_id
     CMMTMsgPa();
-    ~CMMTMsgPa() override;
 
     /// A table that is unknown or does not parse fails the message; those before it are kept. Asserted
     /// ("!m_visiting"), false and nothing inside a callback of the message: its tables are in use.
@@ -32,6 +32,6 @@ class VYR_API CMMTMsgPa : public CMMTMsg {
   private:
     struct STableUnit;
 
-    CCPtrArray m_arrayTableUnit;
-    bool m_visiting;
+    TPtrArray<STableUnit> m_arrayTableUnit;
+    bool m_visiting = false;
 };

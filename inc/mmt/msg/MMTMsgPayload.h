@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "MMTMsg.h"
 
 /// Base of the messages that keep the bytes of their payload beside what they read of it. The cursor ends
@@ -9,7 +9,6 @@
 class VYR_API CMMTMsgPayload : public CMMTMsg {
   public:
     using CMMTMsg::CMMTMsg;
-    ~CMMTMsgPayload() override;
 
     bool Parse(SItem* item) override = 0;
     /// True: there is nothing to report.

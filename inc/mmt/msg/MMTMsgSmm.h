@@ -9,8 +9,8 @@
 /// so over SignedBlock.
 class VYR_API CMMTMsgSmm : public CMMTMsgPayload {
   public:
-    CMMTMsgSmm();
-    ~CMMTMsgSmm() override;
+    static constexpr unsigned short k_messageId = 0x8101;  ///< message_id
+    CMMTMsgSmm() : CMMTMsgPayload(CLASS_TYPE_SMM) {}
 
     /// A wrapped message that is unsupported or does not parse does not fail this one. Signed messages in
     /// signed messages are followed four deep.
@@ -35,8 +35,8 @@ class VYR_API CMMTMsgSmm : public CMMTMsgPayload {
   private:
     void m_ParseMessage();
 
-    unsigned short m_serviceId;
-    unsigned int m_depth;  // number of signed messages around this one
+    unsigned short m_serviceId = 0;
+    unsigned int m_depth = 0;  // number of signed messages around this one
     std::shared_ptr<CMMTMsg> m_message;
     std::string_view m_messageData;
     std::string_view m_signedBlock;

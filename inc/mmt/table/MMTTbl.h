@@ -6,9 +6,7 @@ class CMMTDesc;
 class CMMTElementIdentifierMapping;
 class CMMTElementLocation;
 class CIdentifierUnitBase;
-class CLocationUnitBase;
 struct SIdentifier;
-struct SInternalLocationInfo;
 struct SLocationInfo;
 struct UInternalIdentifier;
 
@@ -19,7 +17,6 @@ class VYR_API CMMTTbl : public IMMTParser {
     enum EClassType { CLASS_TYPE_PA = 0, CLASS_TYPE_MPI, CLASS_TYPE_MP, CLASS_TYPE_CRI, CLASS_TYPE_DCI, CLASS_TYPE_SI };
 
     explicit CMMTTbl(unsigned int classType);
-    ~CMMTTbl() override;
     CMMTTbl(const CMMTTbl&) = delete;
     CMMTTbl& operator=(const CMMTTbl&) = delete;
 
@@ -62,12 +59,10 @@ class VYR_API CMMTTbl : public IMMTParser {
 
   private:
     friend class CMMTMsgPa;
-    static bool m_Unit0(const CLocationUnitBase* unit, SInternalLocationInfo* out);
-    static bool m_Unit1(const CLocationUnitBase* unit, SInternalLocationInfo* out);
     static bool m_AssetId(const CIdentifierUnitBase* unit, UInternalIdentifier* out);
 
-    unsigned char m_tableId;
-    unsigned char m_version;
-    unsigned short m_length;
+    unsigned char m_tableId = 0xFF;
+    unsigned char m_version = 0;
+    unsigned short m_length = 0;
     unsigned int m_classType;
 };

@@ -1,14 +1,15 @@
 #pragma once
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
+#include "../desc/MMTDesc.h"
 #include "MMTTblPayload.h"
 
 /// Clock relation information table (CRI table, table_id 0x21; ISO/IEC 23008-1): how the clocks of assets relate
 /// to NTP time.
 class VYR_API CMMTTblCri : public CMMTTblPayload {
   public:
-    CMMTTblCri();
-    ~CMMTTblCri() override;
+    static constexpr unsigned char k_tableId = 0x21;  ///< table_id
+    CMMTTblCri() : CMMTTblPayload(CLASS_TYPE_CRI) {}
 
     /// False too when a clock relation descriptor has a length that it cannot have.
     bool Parse(SItem* item) override;
@@ -18,8 +19,8 @@ class VYR_API CMMTTblCri : public CMMTTblPayload {
 
     int DescriptorCount() const { return m_arrayDescriptor.Size(); }
     /// The index-th descriptor, the table's own; null for an index outside the range (asserted).
-    CMMTDesc* Descriptor(int index) const;
+    CMMTDesc* Descriptor(int index) const { return m_arrayDescriptor.At(index); }
 
   private:
-    CCPtrArray m_arrayDescriptor;
+    TPtrArray<CMMTDesc> m_arrayDescriptor;
 };

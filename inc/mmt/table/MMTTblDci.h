@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
 #include "../element/MMTElementAssetId.h"
 #include "../element/MMTElementMime.h"
 #include "MMTTblPayload.h"
@@ -11,6 +11,8 @@
 /// of for each asset.
 class VYR_API CMMTTblDci : public CMMTTblPayload {
   public:
+    static constexpr unsigned char k_tableId = 0x22;  ///< table_id
+
     /// One asset; a field that its kind does not have, or that does not fit in the table, is absent. Rates,
     /// sizes and resolutions are in the units of the DCI table.
     struct SAsset {
@@ -26,8 +28,7 @@ class VYR_API CMMTTblDci : public CMMTTblPayload {
         std::optional<unsigned int> requiredStorage;         ///< without codecComplexityFlag
     };
 
-    CMMTTblDci();
-    ~CMMTTblDci() override;
+    CMMTTblDci() : CMMTTblPayload(CLASS_TYPE_DCI) {}
 
     bool Parse(SItem* item) override;
     void Dump() const override;
@@ -37,8 +38,8 @@ class VYR_API CMMTTblDci : public CMMTTblPayload {
     /// Number of assets whose id and MIME type are there.
     int AssetCount() const { return m_arrayAsset.Size(); }
     /// The index-th asset, the table's own; null for an index outside the range (asserted).
-    const SAsset* Asset(int index) const;
+    const SAsset* Asset(int index) const { return m_arrayAsset.At(index); }
 
   private:
-    CCPtrArray m_arrayAsset;
+    TPtrArray<SAsset> m_arrayAsset;
 };

@@ -1,15 +1,16 @@
 #pragma once
 
-#include "../../common/CoreOS/PtrArray.h"
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
+#include "../../common/Owned.h"
 #include "MMTTbl.h"
 #include "MMTTblMpAsset.h"
 
 /// MMT package table (MP table, table_ids 0x11 to 0x20; ISO/IEC 23008-1): the assets of a package.
 class VYR_API CMMTTblMp : public CMMTTbl {
   public:
-    CMMTTblMp();
-    ~CMMTTblMp() override;
+    static constexpr unsigned char k_tableId = 0x11;      ///< first table_id
+    static constexpr unsigned char k_lastTableId = 0x20;  ///< last
+    CMMTTblMp() : CMMTTbl(CLASS_TYPE_MP) {}
 
     /// False: a table_id outside the range, descriptors that run past the data, an asset that does not parse;
     /// assets before are kept. Required: only table_ids 0x11 and 0x20 have a package id and table
@@ -30,16 +31,16 @@ class VYR_API CMMTTblMp : public CMMTTbl {
 
     int DescriptorCount() const { return m_arrayDescriptor.Size(); }
     /// The index-th of the table's own descriptors; null for an index outside the range (asserted).
-    CMMTDesc* Descriptor(int index) const;
+    CMMTDesc* Descriptor(int index) const { return m_arrayDescriptor.At(index); }
 
     int AssetCount() const { return m_arrayAsset.Size(); }
     /// The index-th asset, the table's own; null for an index outside the range (asserted).
-    CMMTTblMpAsset* Asset(int index) const;
+    CMMTTblMpAsset* Asset(int index) const { return m_arrayAsset.At(index); }
 
   private:
-    unsigned char m_reserved;
-    unsigned char m_mode;
+    unsigned char m_reserved = 0;
+    unsigned char m_mode = 0;
     vyr::CBytes m_packageId;
-    CCPtrArray m_arrayDescriptor;
-    CCPtrArray m_arrayAsset;
+    TPtrArray<CMMTDesc> m_arrayDescriptor;
+    TPtrArray<CMMTTblMpAsset> m_arrayAsset;
 };

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
 #include "../desc/MMTDesc.h"
 #include "../element/MMTElementIdentifierMapping.h"
 #include "../element/MMTElementLocation.h"
@@ -10,9 +10,6 @@
 /// One asset of the MP table (ISO/IEC 23008-1).
 class VYR_API CMMTTblMpAsset : public IMMTParser {
   public:
-    CMMTTblMpAsset();
-    ~CMMTTblMpAsset() override;
-
     /// False: identifier or a location does not parse, or the data ended.
     bool Parse(SItem* item) override;
     /// Logs the fields, at debug priority.
@@ -35,7 +32,7 @@ class VYR_API CMMTTblMpAsset : public IMMTParser {
 
     unsigned char LocationCount() const { return static_cast<unsigned char>(m_arrayLocation.Size()); }
     /// The index-th location, the asset's own; null for an index outside the range (asserted).
-    CMMTElementLocation* Location(unsigned char index) const;
+    CMMTElementLocation* Location(unsigned char index) const { return m_arrayLocation.At(index); }
 
     unsigned int AssetDescriptorSize() const { return static_cast<unsigned int>(m_arrayDescriptor.Size()); }
     /// The index-th descriptor, the asset's own; null for an index outside the range.
@@ -43,13 +40,13 @@ class VYR_API CMMTTblMpAsset : public IMMTParser {
 
   private:
     CMMTElementIdentifierMapping m_identifier;
-    std::array<unsigned char, 4> m_assetType;
-    unsigned char m_reserved;
-    unsigned char m_assetClockRelationId;
-    bool m_defaultAssetFlag;
-    bool m_assetClockRelationFlag;
-    bool m_assetTimeScaleFlag;
-    unsigned int m_assetTimeScale;
-    CCPtrArray m_arrayLocation;
-    CCPtrArray m_arrayDescriptor;
+    std::array<unsigned char, 4> m_assetType = {};
+    unsigned char m_reserved = 0;
+    unsigned char m_assetClockRelationId = 0;
+    bool m_defaultAssetFlag = false;
+    bool m_assetClockRelationFlag = false;
+    bool m_assetTimeScaleFlag = false;
+    unsigned int m_assetTimeScale = 0;
+    TPtrArray<CMMTElementLocation> m_arrayLocation;
+    TPtrArray<CMMTDesc> m_arrayDescriptor;
 };

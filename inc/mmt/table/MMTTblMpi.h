@@ -1,14 +1,15 @@
 #pragma once
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
 #include "MMTTbl.h"
 #include "MMTTblMpiContent.h"
 
 /// Media presentation information table (MPI table, table_ids 0x01 to 0x10; ISO/IEC 23008-1).
 class VYR_API CMMTTblMpi : public CMMTTbl {
   public:
-    CMMTTblMpi();
-    ~CMMTTblMpi() override;
+    static constexpr unsigned char k_tableId = 0x01;      ///< first table_id
+    static constexpr unsigned char k_lastTableId = 0x10;  ///< last
+    CMMTTblMpi() : CMMTTbl(CLASS_TYPE_MPI) {}
 
     /// False: a table_id outside the range, a content that does not parse, or the data ended; contents before
     /// are kept.
@@ -22,16 +23,16 @@ class VYR_API CMMTTblMpi : public CMMTTbl {
 
     int DescriptorCount() const { return m_arrayDescriptor.Size(); }
     /// The index-th of the table's own descriptors; null for an index outside the range (asserted).
-    CMMTDesc* Descriptor(int index) const;
+    CMMTDesc* Descriptor(int index) const { return m_arrayDescriptor.At(index); }
 
     unsigned char PiContentCount() const { return static_cast<unsigned char>(m_arrayPiContent.Size()); }
     /// The index-th content, the table's own; null for an index outside the range (asserted).
-    CMMTTblMpiContent* PiContent(unsigned short index) const;
+    CMMTTblMpiContent* PiContent(unsigned short index) const { return m_arrayPiContent.At(index); }
 
   private:
-    unsigned char m_reservedBeforeMode;
-    unsigned char m_piMode;
-    unsigned char m_reservedBehindMode;
-    CCPtrArray m_arrayDescriptor;
-    CCPtrArray m_arrayPiContent;
+    unsigned char m_reservedBeforeMode = 0;
+    unsigned char m_piMode = 0;
+    unsigned char m_reservedBehindMode = 0;
+    TPtrArray<CMMTDesc> m_arrayDescriptor;
+    TPtrArray<CMMTTblMpiContent> m_arrayPiContent;
 };

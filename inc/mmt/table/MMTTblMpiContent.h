@@ -1,16 +1,13 @@
 #pragma once
 
-#include "../../common/CoreOS/PtrArray.h"
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
+#include "../../common/Owned.h"
 #include "../MMTParser.h"
 #include "../desc/MMTDesc.h"
 
 /// One presentation information document of the MPI table (ISO/IEC 23008-1).
 class VYR_API CMMTTblMpiContent : public IMMTParser {
   public:
-    CMMTTblMpiContent();
-    ~CMMTTblMpiContent() override;
-
     /// False: the data ended.
     bool Parse(SItem* item) override;
     /// Logs the fields, at debug priority.
@@ -34,13 +31,11 @@ class VYR_API CMMTTblMpiContent : public IMMTParser {
 
     int DescriptorCount() const { return m_arrayDescriptor.Size(); }
     /// The index-th descriptor, the content's own; null for an index outside the range (asserted).
-    CMMTDesc* Descriptor(int index) const;
+    CMMTDesc* Descriptor(int index) const { return m_arrayDescriptor.At(index); }
 
   private:
-    bool m_Copy(SItem* item, unsigned int bits, vyr::CBytes& bytes, int line, const char* held);
-
     vyr::CBytes m_piContentType;
     vyr::CBytes m_piContentName;
-    CCPtrArray m_arrayDescriptor;
+    TPtrArray<CMMTDesc> m_arrayDescriptor;
     vyr::CBytes m_piContent;
 };

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
 #include "MMTTbl.h"
 #include "MMTTblPaInfo.h"
 
 /// Package access table (PA table, table_id 0x00; ISO/IEC 23008-1): where each signalling table is delivered.
 class VYR_API CMMTTblPa : public CMMTTbl {
   public:
+    static constexpr unsigned char k_tableId = 0x00;  ///< table_id
+
     /// Who is told of the entries.
     struct SCallback {
         void* user;  ///< handed to the callback
@@ -16,8 +18,7 @@ class VYR_API CMMTTblPa : public CMMTTbl {
                             SLocationInfo* alternativeLocation);
     };
 
-    CMMTTblPa();
-    ~CMMTTblPa() override;
+    CMMTTblPa() : CMMTTbl(CLASS_TYPE_PA) {}
 
     /// Required: a table longer than the data makes the item invalid. The private extension is not read.
     bool Parse(SItem* item) override;
@@ -35,11 +36,11 @@ class VYR_API CMMTTblPa : public CMMTTbl {
 
     int InfoCount() const { return m_arrayTable.Size(); }
     /// The index-th entry, the table's own; null for an index outside the range (asserted).
-    CMMTTblPaInfo* Info(int index) const;
+    CMMTTblPaInfo* Info(int index) const { return m_arrayTable.At(index); }
 
   private:
-    CCPtrArray m_arrayTable;
-    unsigned char m_reserved;
-    unsigned char m_privateFlag;
-    SCallback m_callback;
+    TPtrArray<CMMTTblPaInfo> m_arrayTable;
+    unsigned char m_reserved = 0;
+    unsigned char m_privateFlag = 0;
+    SCallback m_callback = {};
 };

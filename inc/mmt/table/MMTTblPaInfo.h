@@ -5,9 +5,6 @@
 /// Where one signalling table is delivered: an entry of the PA table (ISO/IEC 23008-1).
 class VYR_API CMMTTblPaInfo : public IMMTParser {
   public:
-    CMMTTblPaInfo();
-    ~CMMTTblPaInfo() override;
-
     /// False: a location does not parse, or the data ended.
     bool Parse(SItem* item) override;
     /// Logs the fields, at debug priority.
@@ -25,10 +22,10 @@ class VYR_API CMMTTblPaInfo : public IMMTParser {
     CMMTElementLocation* AlternativeLocation() { return &m_alternativeLocation; }
 
   private:
-    unsigned char m_tableId;
-    unsigned char m_tableVersion;
-    unsigned char m_reserved;
-    unsigned char m_flag;
+    unsigned char m_tableId = 0;
+    unsigned char m_tableVersion = 0;
+    unsigned char m_reserved = 0;
+    unsigned char m_flag = 0;
     CMMTElementLocation m_location;
     CMMTElementLocation m_alternativeLocation;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../MMTBytes.h"
+#include "../../common/Bytes.h"
 #include "MMTTbl.h"
 
 /// Base of the tables that keep the bytes of their body beside what they read of it. The cursor ends where
@@ -9,7 +9,6 @@
 class VYR_API CMMTTblPayload : public CMMTTbl {
   public:
     using CMMTTbl::CMMTTbl;
-    ~CMMTTblPayload() override;
 
     bool Parse(SItem* item) override = 0;
     /// True: there is nothing to report.

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "../../common/CoreOS/PtrArray.h"
+#include "../../common/Owned.h"
+#include "../desc/MMTDesc.h"
 #include "MMTTblPayload.h"
 
 /// Security information table (SI table, table_id 0x23): descriptors up to its end.
 class VYR_API CMMTTblSi : public CMMTTblPayload {
   public:
-    CMMTTblSi();
-    ~CMMTTblSi() override;
+    static constexpr unsigned char k_tableId = 0x23;  ///< table_id
+    CMMTTblSi() : CMMTTblPayload(CLASS_TYPE_SI) {}
 
     bool Parse(SItem* item) override;
     void Dump() const override;
@@ -16,8 +17,8 @@ class VYR_API CMMTTblSi : public CMMTTblPayload {
 
     int DescriptorCount() const { return m_arrayDescriptor.Size(); }
     /// The index-th descriptor, the table's own; null for an index outside the range (asserted).
-    CMMTDesc* Descriptor(int index) const;
+    CMMTDesc* Descriptor(int index) const { return m_arrayDescriptor.At(index); }
 
   private:
-    CCPtrArray m_arrayDescriptor;
+    TPtrArray<CMMTDesc> m_arrayDescriptor;
 };

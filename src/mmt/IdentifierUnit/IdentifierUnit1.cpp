@@ -5,29 +5,21 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-static void g_CbRemoveUrl(void* /*context*/, void* element)
-{
-    delete[] static_cast<unsigned char*>(element);
-}
-
-CIdentifierUnit1::CIdentifierUnit1() : m_arrayUrl(g_CbRemoveUrl, nullptr) {}
-
-CIdentifierUnit1::~CIdentifierUnit1() = default;
-
 bool CIdentifierUnit1::Parse(SItem* item)
 try {
     m_arrayUrl.RemoveAll();
-    const unsigned int count = t_Value(item, 16);
-    if (!item || !item->valid) {
+    vyr::CBitReader reader(item);
+    const unsigned int count = reader.Value(16);
+    if (!reader.Valid()) {
         return false;
     }
-    for (unsigned int i = 0; i < count && vyr::BytesLeft(*item) > 0; ++i) {
-        const unsigned int length = t_Value(item, 16);
-        std::unique_ptr<unsigned char[]> url(t_AllocAndCopy(item, length));
-        if (!url || !m_arrayUrl.Add(url.get())) {
+    for (unsigned int i = 0; i < count && reader.Left() > 0; ++i) {
+        const unsigned int length = reader.Value(16);
+        std::unique_ptr<unsigned char, std::default_delete<unsigned char[]>> url(vyr::ReadCopy(item, length));
+        if (!url) {
             return false;
         }
-        url.release();
+        m_arrayUrl.Append(std::move(url));
     }
     return true;
 } catch (...) {
@@ -46,5 +38,5 @@ void CIdentifierUnit1::Dump() const
 
 const char* CIdentifierUnit1::Url(unsigned short index) const
 {
-    return vyr::ElementAt<char>(m_arrayUrl, index);
+    return reinterpret_cast<const char*>(m_arrayUrl.At(index));
 }

@@ -1,16 +1,15 @@
 #include "mmt/IdentifierUnit/IdentifierUnit2.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
 #include "platform/Log.h"
 
 bool CIdentifierUnit2::Parse(SItem* item)
 try {
-    if (m_regex) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 10}, "!m_regex");
-    }
-    const unsigned int length = t_Value(item, 16);
-    m_regex.Take(t_AllocAndCopy(item, length), length);
-    return item && item->valid;
+    VYR_ASSERT_AT(10, !m_regex, "!m_regex");
+    vyr::CBitReader reader(item);
+    reader.Keep(reader.Value(16), m_regex);
+    return reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

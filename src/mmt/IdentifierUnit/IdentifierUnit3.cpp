@@ -1,19 +1,12 @@
 #include "mmt/IdentifierUnit/IdentifierUnit3.h"
 
 #include "common/OutOfMemory.h"
-#include "platform/Log.h"
+#include "mmt/Elements.h"
 
 bool CIdentifierUnit3::Parse(SItem* item)
 try {
-    const unsigned int length = t_Value(item, 16);
-    if (!item || !item->valid) {
-        return false;
-    }
-    if (m_representationID) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 14}, "!m_representationID");
-    }
-    m_representationID.Take(t_AllocAndCopy(item, length), length);
-    return item->valid;
+    vyr::CBitReader reader(item);
+    return vyr::KeepFirst(reader, 16, m_representationID, 14, "!m_representationID") && reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

@@ -1,22 +1,15 @@
 #include "mmt/IdentifierUnit/IdentifierUnitPriv.h"
 
 #include "common/OutOfMemory.h"
-#include "platform/Log.h"
+#include "mmt/Elements.h"
 
 bool CIdentifierUnitPriv::Parse(SItem* item)
 try {
-    if (!item) {
-        return vyr::AssertFailed({vyr::k_source.text, __func__, 8}, "item");
-    }
-    const unsigned int length = t_Value(item, 16);
-    if (!item->valid) {
+    if (!VYR_ASSERT_AT(8, item, "item")) {
         return false;
     }
-    if (m_priv) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 16}, "!m_priv");
-    }
-    m_priv.Take(t_AllocAndCopy(item, length), length);
-    return item->valid;
+    vyr::CBitReader reader(item);
+    return vyr::KeepFirst(reader, 16, m_priv, 16, "!m_priv") && reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

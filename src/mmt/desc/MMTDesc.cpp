@@ -2,10 +2,6 @@
 
 #include "platform/Log.h"
 
-CMMTDesc::CMMTDesc() : t_tag(0xFFFF), t_length(0) {}
-
-CMMTDesc::~CMMTDesc() = default;
-
 void CMMTDesc::Dump() const
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "descriptor tag[%u]", t_tag);

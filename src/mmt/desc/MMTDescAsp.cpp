@@ -1,54 +1,27 @@
 #include "mmt/desc/MMTDescAsp.h"
 
-#include "mmt/PayloadReader.h"
+#include "common/BitReader.h"
 #include "platform/Log.h"
 
 namespace {
 
-/// For lists whose entries are read whole at once.
-template <class T>
-void Nothing(T& /*entry*/)
+void ParseBytes(vyr::CBitReader& reader, unsigned int count, std::vector<unsigned char>& bytes)
 {
+    reader.Entries(count, bytes, [&](unsigned char& byte) { reader.Field(8, byte); });
 }
 
-}  // namespace
-
-CMMTDescAsp::CMMTDescAsp() : CMMTDescPayload("CMMTDescAsp", 9) {}
-
-void CMMTDescAsp::t_ParsePayload(vyr::CPayloadReader& reader)
+void ParseTime(vyr::CBitReader& reader, std::optional<CMMTDescAsp::STime>& time)
 {
-    reader.Assets(m_assets, [&](SAsset& asset) { m_ParseAsset(reader, asset); });
-}
-
-void CMMTDescAsp::m_ParseAsset(vyr::CPayloadReader& reader, SAsset& asset)
-{
-    asset.codecCode = reader.View(4);
-    const unsigned int numPresentations = reader.Value(8);
-    const bool multiStreamInfoPresent = reader.Flag();
-    const bool emergencyInfoTimePresent = reader.Flag();
+    CMMTDescAsp::STime read{};
+    read.seconds = reader.Value(32);
     reader.Value(6);
-    reader.Entries(
-        numPresentations, asset.presentations,
-        [&](SPresentation& presentation) { presentation.id = static_cast<unsigned char>(reader.Value(8)); },
-        [&](SPresentation& presentation) { m_ParsePresentation(reader, multiStreamInfoPresent, presentation); });
-    if (multiStreamInfoPresent) {
-        m_ParseMultiStream(reader, asset);
-    }
-    if (emergencyInfoTimePresent) {
-        const bool startPresent = reader.Flag();
-        const bool endPresent = reader.Flag();
-        reader.Value(6);
-        if (startPresent) {
-            m_ParseTime(reader, asset.emergencyStart);
-        }
-        if (endPresent) {
-            m_ParseTime(reader, asset.emergencyEnd);
-        }
+    reader.Field(10, read.milliseconds);
+    if (reader.Valid()) {
+        time = read;
     }
 }
 
-void CMMTDescAsp::m_ParsePresentation(vyr::CPayloadReader& reader, bool multiStreamInfoPresent,
-                                      SPresentation& presentation)
+void ParsePresentation(vyr::CBitReader& reader, bool multiStreamInfoPresent, CMMTDescAsp::SPresentation& presentation)
 {
     presentation.interactivityEnabled = reader.Flag();
     const bool profileChannelConfigPresent = reader.Flag();
@@ -68,12 +41,11 @@ void CMMTDescAsp::m_ParsePresentation(vyr::CPayloadReader& reader, bool multiStr
     unsigned int numLanguages = 0;
     if (languagePresent) {
         numLanguages = reader.Value(8) + 1;
-        reader.Entries(
-            numLanguages, presentation.languages, [&](std::string_view& language) { language = reader.CountedView(8); },
-            Nothing<std::string_view>);
+        reader.Entries(numLanguages, presentation.languages,
+                       [&](std::string_view& language) { language = reader.CountedView(8); });
     }
     if (accessibilityRolePresent) {
-        m_ParseBytes(reader, numLanguages, presentation.accessibility);
+        ParseBytes(reader, numLanguages, presentation.accessibility);
         reader.Field(8, presentation.role);
     }
     if (labelPresent) {
@@ -81,50 +53,65 @@ void CMMTDescAsp::m_ParsePresentation(vyr::CPayloadReader& reader, bool multiStr
     }
     if (multiStreamInfoPresent) {
         const unsigned int numPresentationAuxStreams = reader.Value(8);
-        m_ParseBytes(reader, numPresentationAuxStreams, presentation.auxStreamIds);
+        ParseBytes(reader, numPresentationAuxStreams, presentation.auxStreamIds);
     }
 }
 
-void CMMTDescAsp::m_ParseMultiStream(vyr::CPayloadReader& reader, SAsset& asset)
+void ParseMultiStream(vyr::CBitReader& reader, CMMTDescAsp::SAsset& asset)
 {
-    SMultiStream stream{};
+    CMMTDescAsp::SMultiStream stream{};
     stream.thisIsMainStream = reader.Flag();
-    stream.thisStreamId = static_cast<unsigned char>(reader.Value(7));
+    reader.Field(7, stream.thisStreamId);
     reader.Value(1);
-    stream.bundleId = static_cast<unsigned char>(reader.Value(7));
+    reader.Field(7, stream.bundleId);
     if (!reader.Valid()) {
         return;
     }
     if (stream.thisIsMainStream) {
         reader.Value(1);
         const unsigned int numAuxiliaryStreams = reader.Value(7);
-        reader.Entries(
-            numAuxiliaryStreams, stream.auxiliaryStreams,
-            [&](SAuxiliaryStream& auxiliary) {
-                auxiliary.deliveryMethod = reader.Flag();
-                auxiliary.auxiliaryStreamId = static_cast<unsigned char>(reader.Value(7));
-            },
-            Nothing<SAuxiliaryStream>);
+        reader.Entries(numAuxiliaryStreams, stream.auxiliaryStreams, [&](CMMTDescAsp::SAuxiliaryStream& auxiliary) {
+            auxiliary.deliveryMethod = reader.Flag();
+            reader.Field(7, auxiliary.auxiliaryStreamId);
+        });
     }
     asset.multiStream = std::move(stream);
 }
 
-void CMMTDescAsp::m_ParseTime(vyr::CPayloadReader& reader, std::optional<STime>& time)
+void ParseAsset(vyr::CBitReader& reader, CMMTDescAsp::SAsset& asset)
 {
-    STime read{};
-    read.seconds = reader.Value(32);
+    asset.codecCode = reader.View(4);
+    const unsigned int numPresentations = reader.Value(8);
+    const bool multiStreamInfoPresent = reader.Flag();
+    const bool emergencyInfoTimePresent = reader.Flag();
     reader.Value(6);
-    read.milliseconds = static_cast<unsigned short>(reader.Value(10));
-    if (reader.Valid()) {
-        time = read;
+    reader.Entries(
+        numPresentations, asset.presentations,
+        [&](CMMTDescAsp::SPresentation& presentation) { reader.Field(8, presentation.id); },
+        [&](CMMTDescAsp::SPresentation& presentation) {
+            ParsePresentation(reader, multiStreamInfoPresent, presentation);
+        });
+    if (multiStreamInfoPresent) {
+        ParseMultiStream(reader, asset);
+    }
+    if (emergencyInfoTimePresent) {
+        const bool startPresent = reader.Flag();
+        const bool endPresent = reader.Flag();
+        reader.Value(6);
+        if (startPresent) {
+            ParseTime(reader, asset.emergencyStart);
+        }
+        if (endPresent) {
+            ParseTime(reader, asset.emergencyEnd);
+        }
     }
 }
 
-void CMMTDescAsp::m_ParseBytes(vyr::CPayloadReader& reader, unsigned int count, std::vector<unsigned char>& bytes)
+}  // namespace
+
+void CMMTDescAsp::t_ParsePayload(vyr::CBitReader& reader)
 {
-    reader.Entries(
-        count, bytes, [&](unsigned char& byte) { byte = static_cast<unsigned char>(reader.Value(8)); },
-        Nothing<unsigned char>);
+    reader.Assets(m_assets, [&](SAsset& asset) { ParseAsset(reader, asset); });
 }
 
 void CMMTDescAsp::Dump() const

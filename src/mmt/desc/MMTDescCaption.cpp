@@ -1,11 +1,9 @@
 #include "mmt/desc/MMTDescCaption.h"
 
-#include "mmt/PayloadReader.h"
+#include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTDescCaption::CMMTDescCaption() : CMMTDescPayload("CMMTDescCaption", 8) {}
-
-void CMMTDescCaption::t_ParsePayload(vyr::CPayloadReader& reader)
+void CMMTDescCaption::t_ParsePayload(vyr::CBitReader& reader)
 {
     reader.Assets(m_assets, [&](SAsset& asset) {
         asset.language = reader.CountedView(8);

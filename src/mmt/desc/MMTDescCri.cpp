@@ -1,37 +1,37 @@
 #include "mmt/desc/MMTDescCri.h"
 
-#include "platform/FailureKeeping.h"
+#include "common/BitReader.h"
 #include "platform/Log.h"
-
-CMMTDescCri::CMMTDescCri() : m_clockRelationId(0), m_reserved(0), m_stcSample(0), m_ntpTimestampSample(0) {}
 
 bool CMMTDescCri::Parse(SItem* item)
 {
     if (!VYR_ASSERT(item, "item")) {
         return false;
     }
-    t_tag = t_Value(item, 16);
-    t_length = t_Value(item, 16);
-    if (!item->valid) {
+    vyr::CBitReader reader(item);
+    reader.Field(16, t_tag);
+    reader.Field(16, t_length);
+    if (!reader.Valid()) {
         return false;
     }
-    if (t_tag != 0) {
+    if (t_tag != k_tag) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescCri::Parse] Wrong tag : %d", static_cast<int>(t_tag));
         return false;
     }
     if (t_length == 0 || t_length % k_unitSize != 0) {
-        item->valid = false;
-        return VYR_FAIL(FAILURE_SIZE, "[CMMTDescCri::Parse] DescLength mismatch ERROR Length = %u", t_length);
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescCri::Parse] DescLength mismatch ERROR Length = %u", t_length);
+        reader.Stop();
+        return false;
     }
     // Required: a descriptor of several records is accepted, and its records are not read.
     if (t_length != k_unitSize) {
         return true;
     }
-    m_clockRelationId = static_cast<unsigned char>(t_Value(item, 8));
-    m_reserved = static_cast<unsigned char>(t_Value(item, 6));
-    m_stcSample = static_cast<unsigned int>(t_Value64(item, 42));
-    m_ntpTimestampSample = static_cast<unsigned int>(t_Value64(item, 64));
-    return item->valid;
+    reader.Field(8, m_clockRelationId);
+    reader.Field(6, m_reserved);
+    m_stcSample = static_cast<unsigned int>(reader.Value64(42));
+    m_ntpTimestampSample = static_cast<unsigned int>(reader.Value64(64));
+    return reader.Valid();
 }
 
 void CMMTDescCri::Dump() const

@@ -1,20 +1,15 @@
 #include "mmt/desc/MMTDescDependency.h"
 
-#include "mmt/PayloadReader.h"
+#include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTDescDependency::CMMTDescDependency() : CMMTDescPayload("CMMTDescDependency", 2) {}
-
-void CMMTDescDependency::t_ParsePayload(vyr::CPayloadReader& reader)
+void CMMTDescDependency::t_ParsePayload(vyr::CBitReader& reader)
 {
     m_assets.clear();
-    reader.List(
-        m_assets,
-        [&](SAsset& asset) {
-            asset.scheme = reader.View(4);
-            asset.assetId = reader.CountedView(32);
-        },
-        [](SAsset&) {});
+    reader.List(m_assets, [&](SAsset& asset) {
+        asset.scheme = reader.View(4);
+        asset.assetId = reader.CountedView(32);
+    });
 }
 
 void CMMTDescDependency::Dump() const

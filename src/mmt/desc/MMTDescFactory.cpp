@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "common/OutOfMemory.h"
+#include "mmt/Elements.h"
 #include "mmt/desc/MMTDescAsp.h"
 #include "mmt/desc/MMTDescCaption.h"
 #include "mmt/desc/MMTDescCri.h"
@@ -25,6 +26,20 @@ unsigned int Peek16(const unsigned char* bytes)
 {
     return static_cast<unsigned int>(bytes[0]) << 8 | bytes[1];
 }
+
+constexpr struct {
+    unsigned int tag;
+    CMMTDesc* (*make)();
+} k_descriptors[] = {{CMMTDescCri::k_tag, vyr::New<CMMTDesc, CMMTDescCri>},
+                     {CMMTDescMpuTimestamp::k_tag, vyr::New<CMMTDesc, CMMTDescMpuTimestamp>},
+                     {CMMTDescDependency::k_tag, vyr::New<CMMTDesc, CMMTDescDependency>},
+                     {CMMTDescSi::k_tag, vyr::New<CMMTDesc, CMMTDescSi>},
+                     {CMMTDescVsp::k_tag, vyr::New<CMMTDesc, CMMTDescVsp>},
+                     {CMMTDescCaption::k_tag, vyr::New<CMMTDesc, CMMTDescCaption>},
+                     {CMMTDescAsp::k_tag, vyr::New<CMMTDesc, CMMTDescAsp>},
+                     {CMMTDescSp::k_tag, vyr::New<CMMTDesc, CMMTDescSp>},
+                     {CMMTDescSp::k_licenseUrlTag, vyr::New<CMMTDesc, CMMTDescSp>},
+                     {CMMTDescLowDelay::k_tag, vyr::New<CMMTDesc, CMMTDescLowDelay>}};
 
 }  // namespace
 
@@ -62,28 +77,10 @@ try {
     }
     const unsigned int tag = Peek16(item->buffer + item->bitpos / 8);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescFactory::GenerateDesc] desTag: 0x%x", tag);
-    switch (tag) {
-        case 0:
-            return new CMMTDescCri;
-        case 1:
-            return new CMMTDescMpuTimestamp;
-        case 2:
-            return new CMMTDescDependency;
-        case 4:
-            return new CMMTDescSi;
-        case 5:
-            return new CMMTDescVsp;
-        case 8:
-            return new CMMTDescCaption;
-        case 9:
-            return new CMMTDescAsp;
-        case 12:
-        case 13:
-            return new CMMTDescSp;
-        case 14:
-            return new CMMTDescLowDelay;
-        default:
-            break;
+    for (const auto& row : k_descriptors) {
+        if (row.tag == tag) {
+            return row.make();
+        }
     }
     vyr::KeepUnknownTag(tag);
     if (tag >= 0x8000) {
@@ -98,7 +95,7 @@ try {
 }
 
 bool CMMTDescFactory::ParseDescriptors(IParse::SItem* item, int length, CCPtrArray* array)
-{
+try {
     if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(array, "array") || !VYR_ASSERT(length >= 0, "length >= 0")) {
         return false;
     }
@@ -115,10 +112,9 @@ bool CMMTDescFactory::ParseDescriptors(IParse::SItem* item, int length, CCPtrArr
         if (!p_desc->Parse(item)) {
             return vyr::StepFailed(VYR_HERE, "p_desc->Parse(item)");
         }
-        if (!VYR_CHECK(array->Add(p_desc.get()), "array->Add(p_desc)")) {
-            return false;
-        }
-        p_desc.release();
+        vyr::Append(*array, std::move(p_desc));
     }
     return true;
+} catch (...) {
+    return vyr::OutOfMemory(VYR_HERE);
 }

@@ -1,16 +1,14 @@
 #include "mmt/desc/MMTDescLowDelay.h"
 
-#include "mmt/PayloadReader.h"
+#include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTDescLowDelay::CMMTDescLowDelay() : CMMTDescPayload("CMMTDescLowDelay", 14) {}
-
-void CMMTDescLowDelay::t_ParsePayload(vyr::CPayloadReader& reader)
+void CMMTDescLowDelay::t_ParsePayload(vyr::CBitReader& reader)
 {
     ParseFields(reader);
 }
 
-void CMMTDescLowDelay::ParseFields(vyr::CPayloadReader& reader)
+void CMMTDescLowDelay::ParseFields(vyr::CBitReader& reader)
 {
     m_fields = {};
     reader.Field(32, m_fields.basePresentationTimeOffset);

@@ -1,23 +1,18 @@
 #include "mmt/desc/MMTDescMpuTimestamp.h"
 
-#include "mmt/PayloadReader.h"
+#include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTDescMpuTimestamp::CMMTDescMpuTimestamp() : CMMTDescPayload("CMMTDescMpuTimestamp", 1) {}
-
-void CMMTDescMpuTimestamp::t_ParsePayload(vyr::CPayloadReader& reader)
+void CMMTDescMpuTimestamp::t_ParsePayload(vyr::CBitReader& reader)
 {
     constexpr unsigned int k_entrySize = 12;
     m_timestamps.clear();
-    reader.Entries(
-        reader.Left() / k_entrySize, m_timestamps,
-        [&](STimestamp& timestamp) {
-            timestamp.mpuSequenceNumber = reader.Value(32);
-            // In halves: an aligned read of 64 bits yields only the low ones.
-            const unsigned long long seconds = reader.Value(32);
-            timestamp.presentationTime = seconds << 32 | reader.Value(32);
-        },
-        [](STimestamp&) {});
+    reader.Entries(reader.Left() / k_entrySize, m_timestamps, [&](STimestamp& timestamp) {
+        timestamp.mpuSequenceNumber = reader.Value(32);
+        // In halves: an aligned read of 64 bits yields only the low ones.
+        const unsigned long long seconds = reader.Value(32);
+        timestamp.presentationTime = seconds << 32 | reader.Value(32);
+    });
 }
 
 void CMMTDescMpuTimestamp::Dump() const

@@ -1,14 +1,11 @@
 #include "mmt/desc/MMTDescPayload.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
-#include "mmt/Elements.h"
-#include "mmt/PayloadReader.h"
 #include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 CMMTDescPayload::CMMTDescPayload(const char* name, unsigned int tag) : m_name(name), m_wanted(tag) {}
-
-CMMTDescPayload::~CMMTDescPayload() = default;
 
 bool CMMTDescPayload::t_Takes(unsigned int tag) const
 {
@@ -20,26 +17,27 @@ try {
     if (!VYR_ASSERT(item, "item")) {
         return false;
     }
-    t_tag = t_Value(item, 16);
-    t_length = t_Value(item, 16);
-    if (!item->valid) {
+    vyr::CBitReader reader(item);
+    reader.Field(16, t_tag);
+    reader.Field(16, t_length);
+    if (!reader.Valid()) {
         return false;
     }
     if (!t_Takes(t_tag)) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[%s::Parse] Wrong tag : %d", m_name, static_cast<int>(t_tag));
         return false;
     }
-    if (vyr::BytesLeft(*item) < t_length) {
+    if (reader.Left() < t_length) {
         return VYR_FAIL(FAILURE_SIZE, "[%s::Parse] DescLength mismatch ERROR Length = %u", m_name, t_length);
     }
     vyr::CBytes raw;
-    raw.Take(t_AllocAndCopy(item, t_length), t_length);
-    if (!raw) {
+    if (!reader.Keep(t_length, raw)) {
         return false;
     }
     m_raw = std::move(raw);
-    vyr::CPayloadReader reader(m_raw.Item());
-    t_ParsePayload(reader);
+    SItem payload = m_raw.Item();
+    vyr::CBitReader fields(&payload);
+    t_ParsePayload(fields);
     return true;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);

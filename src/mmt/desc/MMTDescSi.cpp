@@ -1,20 +1,16 @@
 #include "mmt/desc/MMTDescSi.h"
 
-#include "mmt/PayloadReader.h"
+#include "common/BitReader.h"
 #include "platform/Log.h"
 
-CMMTDescSi::CMMTDescSi() : CMMTDescPayload("CMMTDescSi", 4) {}
-
-void CMMTDescSi::t_ParsePayload(vyr::CPayloadReader& reader)
+void CMMTDescSi::t_ParsePayload(vyr::CBitReader& reader)
 {
     constexpr unsigned int k_idSize = 16;
     m_systems.clear();
     reader.List(
         m_systems, [&](SSystem& system) { system.systemId = reader.View(k_idSize); },
         [&](SSystem& system) {
-            reader.List(
-                system.keyIds, [&](std::string_view& keyId) { keyId = reader.View(k_idSize); },
-                [](std::string_view&) {});
+            reader.List(system.keyIds, [&](std::string_view& keyId) { keyId = reader.View(k_idSize); });
             system.data = reader.CountedView(16);
         });
 }

@@ -1,35 +1,27 @@
 #include "mmt/desc/MMTDescSp.h"
 
-#include "mmt/PayloadReader.h"
+#include "common/BitReader.h"
 #include "platform/Log.h"
 
 namespace {
 
-constexpr unsigned int k_properties = 12;
-constexpr unsigned int k_licenseUrls = 13;
 constexpr unsigned int k_idSize = 16;
 
 }  // namespace
 
-CMMTDescSp::CMMTDescSp() : CMMTDescPayload("CMMTDescSp", k_properties) {}
-
 bool CMMTDescSp::t_Takes(unsigned int tag) const
 {
-    return tag == k_properties || tag == k_licenseUrls;
+    return tag == k_tag || tag == k_licenseUrlTag;
 }
 
-void CMMTDescSp::t_ParsePayload(vyr::CPayloadReader& reader)
+void CMMTDescSp::t_ParsePayload(vyr::CBitReader& reader)
 {
-    const auto nothing = [](auto&) {};
     reader.Assets(m_assets, [&](SAsset& asset) {
-        if (t_tag == k_licenseUrls) {
-            reader.List(
-                asset.licenseUrls,
-                [&](SLicenseUrl& license) {
-                    license.type = static_cast<unsigned char>(reader.Value(8));
-                    license.url = reader.CountedView(8);
-                },
-                nothing);
+        if (t_tag == k_licenseUrlTag) {
+            reader.List(asset.licenseUrls, [&](SLicenseUrl& license) {
+                reader.Field(8, license.type);
+                license.url = reader.CountedView(8);
+            });
             return;
         }
         asset.schemeCode = reader.View(4);

@@ -1,92 +1,27 @@
 #include "mmt/desc/MMTDescVsp.h"
 
-#include "mmt/PayloadReader.h"
+#include "common/BitReader.h"
 #include "platform/Log.h"
 
 namespace {
 
-/// Keeps a group of fields that fitted whole.
+/// Stores a group of fields that fitted whole.
 template <class T>
-void Keep(const vyr::CPayloadReader& reader, T group, std::optional<T>& kept)
+void StoreIfWhole(const vyr::CBitReader& reader, T group, std::optional<T>& kept)
 {
     if (reader.Valid()) {
         kept = std::move(group);
     }
 }
 
-}  // namespace
-
-CMMTDescVsp::CMMTDescVsp() : CMMTDescPayload("CMMTDescVsp", 5) {}
-
-void CMMTDescVsp::t_ParsePayload(vyr::CPayloadReader& reader)
+CMMTDescVsp::STemporalScalability TemporalScalability(vyr::CBitReader& reader)
 {
-    reader.Assets(m_assets, [&](SAsset& asset) { m_ParseAsset(reader, asset); });
-}
-
-void CMMTDescVsp::m_ParseAsset(vyr::CPayloadReader& reader, SAsset& asset)
-{
-    asset.codecCode = reader.View(4);
-    const bool temporalScalabilityPresent = reader.Flag();
-    const bool scalabilityInfoPresent = reader.Flag();
-    const bool multiviewInfoPresent = reader.Flag();
-    const bool resCfBdInfoPresent = reader.Flag();
-    const bool prInfoPresent = reader.Flag();
-    const bool brInfoPresent = reader.Flag();
-    const bool colorInfoPresent = reader.Flag();
-    reader.Value(1);
-    unsigned int m = 0;
-    if (temporalScalabilityPresent) {
-        const STemporalScalability temporal = m_TemporalScalability(reader);
-        if (temporal.subLayerProfileTierLevelPresent && temporal.maxSubLayersInstream > 0) {
-            m = temporal.maxSubLayersInstream - 1u;
-        }
-        Keep(reader, temporal, asset.temporalScalability);
-    }
-    if (scalabilityInfoPresent) {
-        reader.Field(6, asset.assetLayerId);
-        reader.Value(2);
-    }
-    if (multiviewInfoPresent) {
-        Keep(reader, m_Multiview(reader), asset.multiview);
-    }
-    if (resCfBdInfoPresent) {
-        Keep(reader, m_Resolution(reader), asset.resolution);
-    }
-    const auto nothing = [](auto&) {};
-    if (prInfoPresent) {
-        reader.Entries(
-            m + 1, asset.pictureRates,
-            [&](SPictureRate& rate) {
-                rate.code = static_cast<unsigned char>(reader.Value(8));
-                if (rate.code == 255) {
-                    reader.Field(16, rate.average);
-                }
-            },
-            nothing);
-    }
-    if (brInfoPresent) {
-        reader.Entries(
-            m + 1, asset.bitRates,
-            [&](SBitRate& rate) {
-                rate.average = static_cast<unsigned short>(reader.Value(16));
-                rate.maximum = static_cast<unsigned short>(reader.Value(16));
-            },
-            nothing);
-    }
-    if (colorInfoPresent) {
-        Keep(reader, m_Colour(reader), asset.colour);
-    }
-    Keep(reader, m_ProfileTierLevel(reader, m), asset.profileTierLevel);
-}
-
-CMMTDescVsp::STemporalScalability CMMTDescVsp::m_TemporalScalability(vyr::CPayloadReader& reader)
-{
-    STemporalScalability temporal{};
-    temporal.maxSubLayersInstream = static_cast<unsigned char>(reader.Value(6));
+    CMMTDescVsp::STemporalScalability temporal{};
+    reader.Field(6, temporal.maxSubLayersInstream);
     temporal.subLayerProfileTierLevelPresent = reader.Flag();
     temporal.temporalFilterPresent = reader.Flag();
-    temporal.tidMax = static_cast<unsigned char>(reader.Value(3));
-    temporal.tidMin = static_cast<unsigned char>(reader.Value(3));
+    reader.Field(3, temporal.tidMax);
+    reader.Field(3, temporal.tidMin);
     const unsigned int tfweight = reader.Value(2);
     if (temporal.temporalFilterPresent) {
         temporal.tfweight = static_cast<unsigned char>(tfweight);
@@ -94,24 +29,24 @@ CMMTDescVsp::STemporalScalability CMMTDescVsp::m_TemporalScalability(vyr::CPaylo
     return temporal;
 }
 
-CMMTDescVsp::SMultiview CMMTDescVsp::m_Multiview(vyr::CPayloadReader& reader)
+CMMTDescVsp::SMultiview Multiview(vyr::CBitReader& reader)
 {
-    SMultiview multiview{};
-    multiview.viewNuhLayerId = static_cast<unsigned char>(reader.Value(6));
-    multiview.viewPos = static_cast<unsigned char>(reader.Value(6));
+    CMMTDescVsp::SMultiview multiview{};
+    reader.Field(6, multiview.viewNuhLayerId);
+    reader.Field(6, multiview.viewPos);
     reader.Value(4);
-    multiview.minDispWithOffset = static_cast<unsigned short>(reader.Value(11));
-    multiview.maxDispRange = static_cast<unsigned short>(reader.Value(11));
+    reader.Field(11, multiview.minDispWithOffset);
+    reader.Field(11, multiview.maxDispRange);
     reader.Value(2);
     return multiview;
 }
 
-CMMTDescVsp::SResolution CMMTDescVsp::m_Resolution(vyr::CPayloadReader& reader)
+CMMTDescVsp::SResolution Resolution(vyr::CBitReader& reader)
 {
-    SResolution resolution{};
-    resolution.width = static_cast<unsigned short>(reader.Value(16));
-    resolution.height = static_cast<unsigned short>(reader.Value(16));
-    resolution.chromaFormatIdc = static_cast<unsigned char>(reader.Value(2));
+    CMMTDescVsp::SResolution resolution{};
+    reader.Field(16, resolution.width);
+    reader.Field(16, resolution.height);
+    reader.Field(2, resolution.chromaFormatIdc);
     const bool separateColourPlaneFlag = reader.Flag();
     if (resolution.chromaFormatIdc == 3) {
         resolution.separateColourPlaneFlag = separateColourPlaneFlag;
@@ -119,17 +54,17 @@ CMMTDescVsp::SResolution CMMTDescVsp::m_Resolution(vyr::CPayloadReader& reader)
     reader.Value(3);
     resolution.videoStillPresent = reader.Flag();
     resolution.video24hrPicPresent = reader.Flag();
-    resolution.bitDepthLumaMinus8 = static_cast<unsigned char>(reader.Value(4));
-    resolution.bitDepthChromaMinus8 = static_cast<unsigned char>(reader.Value(4));
+    reader.Field(4, resolution.bitDepthLumaMinus8);
+    reader.Field(4, resolution.bitDepthChromaMinus8);
     return resolution;
 }
 
-CMMTDescVsp::SColour CMMTDescVsp::m_Colour(vyr::CPayloadReader& reader)
+CMMTDescVsp::SColour Colour(vyr::CBitReader& reader)
 {
-    SColour colour{};
-    colour.colourPrimaries = static_cast<unsigned char>(reader.Value(8));
-    colour.transferCharacteristics = static_cast<unsigned char>(reader.Value(8));
-    colour.matrixCoeffs = static_cast<unsigned char>(reader.Value(8));
+    CMMTDescVsp::SColour colour{};
+    reader.Field(8, colour.colourPrimaries);
+    reader.Field(8, colour.transferCharacteristics);
+    reader.Field(8, colour.matrixCoeffs);
     if (colour.colourPrimaries >= 9) {
         reader.Field(1, colour.cgCompatibility);
         reader.Value(7);
@@ -145,12 +80,12 @@ CMMTDescVsp::SColour CMMTDescVsp::m_Colour(vyr::CPayloadReader& reader)
     return colour;
 }
 
-CMMTDescVsp::SProfile CMMTDescVsp::m_Profile(vyr::CPayloadReader& reader)
+CMMTDescVsp::SProfile Profile(vyr::CBitReader& reader)
 {
-    SProfile profile{};
-    profile.profileSpace = static_cast<unsigned char>(reader.Value(2));
+    CMMTDescVsp::SProfile profile{};
+    reader.Field(2, profile.profileSpace);
     profile.tierFlag = reader.Flag();
-    profile.profileIdc = static_cast<unsigned char>(reader.Value(5));
+    reader.Field(5, profile.profileIdc);
     profile.compatibilityFlags = reader.Value(32);
     profile.progressiveSourceFlag = reader.Flag();
     profile.interlacedSourceFlag = reader.Flag();
@@ -160,12 +95,12 @@ CMMTDescVsp::SProfile CMMTDescVsp::m_Profile(vyr::CPayloadReader& reader)
     return profile;
 }
 
-CMMTDescVsp::SProfileTierLevel CMMTDescVsp::m_ProfileTierLevel(vyr::CPayloadReader& reader, unsigned int m)
+CMMTDescVsp::SProfileTierLevel ProfileTierLevel(vyr::CBitReader& reader, unsigned int m)
 {
     constexpr unsigned int k_most = 6;
-    SProfileTierLevel level{};
-    level.profile = m_Profile(reader);
-    level.levelIdc = static_cast<unsigned char>(reader.Value(8));
+    CMMTDescVsp::SProfileTierLevel level{};
+    level.profile = Profile(reader);
+    reader.Field(8, level.levelIdc);
     if (m > k_most) {
         // No stream has so many sub-layers: where this ends, and with it the next asset's start, is unknown.
         reader.Stop();
@@ -181,15 +116,71 @@ CMMTDescVsp::SProfileTierLevel CMMTDescVsp::m_ProfileTierLevel(vyr::CPayloadRead
         reader.Value(2 * (8 - m));
     }
     for (unsigned int i = 0; i < m && reader.Valid(); ++i) {
-        SSubLayer& subLayer = level.subLayers.emplace_back();
+        CMMTDescVsp::SSubLayer& subLayer = level.subLayers.emplace_back();
         if (profilePresent[i]) {
-            subLayer.profile = m_Profile(reader);
+            subLayer.profile = Profile(reader);
         }
         if (levelPresent[i]) {
             reader.Field(8, subLayer.levelIdc);
         }
     }
     return level;
+}
+
+void ParseAsset(vyr::CBitReader& reader, CMMTDescVsp::SAsset& asset)
+{
+    asset.codecCode = reader.View(4);
+    const bool temporalScalabilityPresent = reader.Flag();
+    const bool scalabilityInfoPresent = reader.Flag();
+    const bool multiviewInfoPresent = reader.Flag();
+    const bool resCfBdInfoPresent = reader.Flag();
+    const bool prInfoPresent = reader.Flag();
+    const bool brInfoPresent = reader.Flag();
+    const bool colorInfoPresent = reader.Flag();
+    reader.Value(1);
+    unsigned int m = 0;
+    if (temporalScalabilityPresent) {
+        const CMMTDescVsp::STemporalScalability temporal = TemporalScalability(reader);
+        if (temporal.subLayerProfileTierLevelPresent && temporal.maxSubLayersInstream > 0) {
+            m = temporal.maxSubLayersInstream - 1u;
+        }
+        StoreIfWhole(reader, temporal, asset.temporalScalability);
+    }
+    if (scalabilityInfoPresent) {
+        reader.Field(6, asset.assetLayerId);
+        reader.Value(2);
+    }
+    if (multiviewInfoPresent) {
+        StoreIfWhole(reader, Multiview(reader), asset.multiview);
+    }
+    if (resCfBdInfoPresent) {
+        StoreIfWhole(reader, Resolution(reader), asset.resolution);
+    }
+    if (prInfoPresent) {
+        reader.Entries(m + 1, asset.pictureRates, [&](CMMTDescVsp::SPictureRate& rate) {
+            reader.Field(8, rate.code);
+            if (rate.code == 255) {
+                reader.Field(16, rate.average);
+            }
+        });
+    }
+    if (brInfoPresent) {
+        reader.Entries(m + 1, asset.bitRates, [&](CMMTDescVsp::SBitRate& rate) {
+            reader.Field(16, rate.average);
+            reader.Field(16, rate.maximum);
+        });
+    }
+    if (colorInfoPresent) {
+        StoreIfWhole(reader, Colour(reader), asset.colour);
+    }
+    StoreIfWhole(reader, ProfileTierLevel(reader, m), asset.profileTierLevel);
+}
+
+}  // namespace
+
+void CMMTDescVsp::t_ParsePayload(vyr::CBitReader& reader)
+{
+    reader.Assets(m_assets, [&](SAsset& asset) { ParseAsset(reader, asset); });
 }
 
 void CMMTDescVsp::Dump() const

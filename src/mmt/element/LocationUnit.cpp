@@ -1,462 +1,189 @@
 #include "mmt/element/LocationUnit.h"
 
 #include <algorithm>
-#include <cstdint>
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
 #include "platform/Log.h"
 
 namespace {
 
+/// The numbers, by their place in EField.
+constexpr struct {
+    unsigned int bits;
+    const char* name;
+} k_numbers[] = {
+    {16, "destination port"}, {16, "network id"}, {16, "transport stream id"}, {16, "packet id"}, {16, "message id"},
+    {3, "reserved"},          {13, "PID"}};
+
 template <class T>
-bool Answer(T* out, T value)
+bool Answer(bool has, T* out, unsigned int value, VYR_CALLER)
 {
-    if (!VYR_ASSERT(out, "out")) {
+    if (!has) {
         return false;
     }
-    *out = value;
+    if (!out) {
+        return vyr::AssertFailed(here, "out");
+    }
+    *out = static_cast<T>(value);
     return true;
 }
 
-/// Whether the reads so far had their bytes; the first of them has asserted a null item.
-bool Valid(const IParse::SItem* item)
+bool Answer(bool has, unsigned short* out, const std::array<unsigned short, 8>& words)
 {
-    return item && item->valid;
+    if (has && out) {
+        std::copy(words.begin(), words.end(), out);
+    }
+    return has && out;
 }
 
-std::uint32_t Swapped(std::uint32_t value)
-{
-    return value << 24 | (value & 0xFF00) << 8 | (value >> 8 & 0xFF00) | value >> 24;
-}
-
-void DumpWords(const char* name, const std::array<unsigned short, 8>& w)
-{
-    VYR_LOG(LOG_PRIORITY_DEBUG, "%s [%x:%x:%x:%x:%x:%x:%x:%x]", name, w[0], w[1], w[2], w[3], w[4], w[5], w[6], w[7]);
-}
-
-void DumpNumber(const char* name, unsigned int value)
-{
-    VYR_LOG(LOG_PRIORITY_DEBUG, "%s [%u]", name, value);
+bool Answer(bool has, std::string& out, const vyr::CBytes& text, VYR_CALLER)
+try {
+    if (has) {
+        out.assign(text ? text.Text() : "", text.Length());
+    }
+    return has;
+} catch (...) {
+    return vyr::OutOfMemory(here);
 }
 
 }  // namespace
 
 CLocationUnitBase::~CLocationUnitBase() = default;
 
-bool CLocationUnitBase::GetPacketId(unsigned int* /*packetId*/) const
+void CLocationUnitBase::m_ReadAddress(vyr::CBitReader& reader, TWords& address)
 {
-    return false;
-}
-
-bool CLocationUnitBase::GetDstPort(unsigned short* /*port*/) const
-{
-    return false;
-}
-
-bool CLocationUnitBase::GetNetworkId(unsigned short* /*networkId*/) const
-{
-    return false;
-}
-
-bool CLocationUnitBase::GetMPEG2TsId(unsigned short* /*transportStreamId*/) const
-{
-    return false;
-}
-
-bool CLocationUnitBase::GetMPEG2PID(unsigned short* /*pid*/) const
-{
-    return false;
-}
-
-bool CLocationUnitBase::GetMsgId(unsigned short* /*messageId*/) const
-{
-    return false;
-}
-
-bool CLocationUnitBase::GetIpv4SrcAddr(unsigned int* /*address*/) const
-{
-    return false;
-}
-
-bool CLocationUnitBase::GetIpv4DstAddr(unsigned int* /*address*/) const
-{
-    return false;
-}
-
-bool CLocationUnitBase::GetIpv6SrcAddr(unsigned short* /*address*/) const
-{
-    return false;
-}
-
-bool CLocationUnitBase::GetIpv6DstAddr(unsigned short* /*address*/) const
-{
-    return false;
-}
-
-bool CLocationUnitBase::GetUrl(std::string& /*url*/) const
-{
-    return false;
-}
-
-bool CLocationUnitBase::GetPrivateLocationInfo(std::string& /*info*/) const
-{
-    return false;
-}
-
-bool CLocationUnitIpv4::t_ReadFlow(SItem* item)
-{
-    m_srcAddr = t_Value(item, 32);
-    m_dstAddr = t_Value(item, 32);
-    m_dstPort = static_cast<unsigned short>(t_Value(item, 16));
-    return Valid(item);
-}
-
-void CLocationUnitIpv4::Dump() const
-{
-    VYR_LOG(LOG_PRIORITY_DEBUG, "source [0x%08x] destination [0x%08x]", m_srcAddr, m_dstAddr);
-    DumpNumber("destination port", m_dstPort);
-}
-
-bool CLocationUnitIpv4::GetDstPort(unsigned short* port) const
-{
-    return Answer(port, m_dstPort);
-}
-
-bool CLocationUnitIpv4::GetIpv4SrcAddr(unsigned int* address) const
-{
-    return Answer(address, m_swapped ? Swapped(m_srcAddr) : m_srcAddr);
-}
-
-bool CLocationUnitIpv4::GetIpv4DstAddr(unsigned int* address) const
-{
-    return Answer(address, m_swapped ? Swapped(m_dstAddr) : m_dstAddr);
-}
-
-CLocationUnitIpv6::CWords CLocationUnitIpv6::m_Read(SItem* item)
-{
-    CWords words = {};
-    for (unsigned short& word : words) {
-        word = static_cast<unsigned short>(t_Value(item, 16));
+    if (m_Has(IPV4)) {
+        const unsigned int value = reader.Value(32);
+        address[0] = static_cast<unsigned short>(value >> 16);
+        address[1] = static_cast<unsigned short>(value);
+        return;
     }
-    return words;
-}
-
-bool CLocationUnitIpv6::t_ReadFlow(SItem* item)
-{
-    m_srcAddr = m_Read(item);
-    m_dstAddr = m_Read(item);
-    m_dstPort = static_cast<unsigned short>(t_Value(item, 16));
-    return Valid(item);
-}
-
-void CLocationUnitIpv6::Dump() const
-{
-    DumpWords("source", m_srcAddr);
-    DumpWords("destination", m_dstAddr);
-    DumpNumber("destination port", m_dstPort);
-}
-
-bool CLocationUnitIpv6::GetDstPort(unsigned short* port) const
-{
-    return Answer(port, m_dstPort);
-}
-
-bool CLocationUnitIpv6::GetIpv6SrcAddr(unsigned short* address) const
-{
-    if (address) {
-        std::copy(m_srcAddr.begin(), m_srcAddr.end(), address);
+    for (unsigned short& word : address) {
+        reader.Field(16, word);
     }
-    return address != nullptr;
 }
 
-bool CLocationUnitIpv6::GetIpv6DstAddr(unsigned short* address) const
-{
-    if (address) {
-        std::copy(m_dstAddr.begin(), m_dstAddr.end(), address);
-    }
-    return address != nullptr;
-}
-
-bool CLocationUnit0::Parse(SItem* item)
-{
-    m_packetId = static_cast<unsigned short>(t_Value(item, 16));
-    return Valid(item);
-}
-
-void CLocationUnit0::Dump() const
-{
-    DumpNumber("packet id", m_packetId);
-}
-
-bool CLocationUnit0::GetPacketId(unsigned int* packetId) const
-{
-    return Answer<unsigned int>(packetId, m_packetId);
-}
-
-bool CLocationUnit1::Parse(SItem* item)
-{
-    if (!t_ReadFlow(item)) {
-        return false;
-    }
-    m_packetId = static_cast<unsigned short>(t_Value(item, 16));
-    return Valid(item);
-}
-
-void CLocationUnit1::Dump() const
-{
-    CLocationUnitIpv4::Dump();
-    DumpNumber("packet id", m_packetId);
-}
-
-bool CLocationUnit1::GetPacketId(unsigned int* packetId) const
-{
-    return Answer<unsigned int>(packetId, m_packetId);
-}
-
-bool CLocationUnit2::Parse(SItem* item)
-{
-    if (!t_ReadFlow(item)) {
-        return false;
-    }
-    m_packetId = static_cast<unsigned short>(t_Value(item, 16));
-    return Valid(item);
-}
-
-void CLocationUnit2::Dump() const
-{
-    CLocationUnitIpv6::Dump();
-    DumpNumber("packet id", m_packetId);
-}
-
-bool CLocationUnit2::GetPacketId(unsigned int* packetId) const
-{
-    return Answer<unsigned int>(packetId, m_packetId);
-}
-
-bool CLocationUnit3::Parse(SItem* item)
-{
-    m_networkId = static_cast<unsigned short>(t_Value(item, 16));
-    m_transportStreamId = static_cast<unsigned short>(t_Value(item, 16));
-    m_reserved = static_cast<unsigned char>(t_Value(item, 3));
-    m_pid = static_cast<unsigned short>(t_Value(item, 13));
-    return Valid(item);
-}
-
-void CLocationUnit3::Dump() const
-{
-    DumpNumber("network id", m_networkId);
-    DumpNumber("transport stream id", m_transportStreamId);
-    DumpNumber("reserved", m_reserved);
-    DumpNumber("PID", m_pid);
-}
-
-bool CLocationUnit3::GetNetworkId(unsigned short* networkId) const
-{
-    return Answer(networkId, m_networkId);
-}
-
-bool CLocationUnit3::GetMPEG2TsId(unsigned short* transportStreamId) const
-{
-    return Answer(transportStreamId, m_transportStreamId);
-}
-
-bool CLocationUnit3::GetMPEG2PID(unsigned short* pid) const
-{
-    return Answer(pid, m_pid);
-}
-
-bool CLocationUnit4::Parse(SItem* item)
-{
-    if (!t_ReadFlow(item)) {
-        return false;
-    }
-    m_reserved = static_cast<unsigned char>(t_Value(item, 3));
-    m_pid = static_cast<unsigned short>(t_Value(item, 13));
-    return Valid(item);
-}
-
-void CLocationUnit4::Dump() const
-{
-    CLocationUnitIpv6::Dump();
-    DumpNumber("reserved", m_reserved);
-    DumpNumber("PID", m_pid);
-}
-
-bool CLocationUnit4::GetMPEG2PID(unsigned short* pid) const
-{
-    return Answer(pid, m_pid);
-}
-
-bool CLocationUnit5::Parse(SItem* item)
+bool CLocationUnitBase::Parse(SItem* item)
 try {
-    m_url.Take(nullptr, 0);
-    const unsigned int length = t_Value(item, 8);
-    if (!Valid(item)) {
-        return false;
+    vyr::CBitReader reader(item);
+    if (m_Has(IPV4) || m_Has(IPV6)) {
+        m_ReadAddress(reader, m_source);
+        m_ReadAddress(reader, m_destination);
     }
-    m_url.Take(t_AllocAndCopy(item, length), length);
-    return item->valid;
+    for (unsigned int i = 0; i < NUMBER_COUNT; ++i) {
+        if (m_Has(i)) {
+            reader.Field(k_numbers[i].bits, m_numbers[i]);
+            // A flow that is cut leaves what is behind it as it was.
+            if (i == DST_PORT && !reader.Valid()) {
+                return false;
+            }
+        }
+    }
+    if (m_Has(URL) || m_Has(PRIVATE_INFO)) {
+        m_text.Clear();
+        const unsigned int length = reader.Value(m_Has(URL) ? 8 : 16);
+        // An empty text takes no memory: there can be 255 in every asset.
+        if (reader.Valid() && reader.Bytes(0) && length > 0) {
+            reader.Keep(length, m_text);
+        }
+    }
+    return m_fields == 0 || reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }
 
-void CLocationUnit5::Dump() const
+void CLocationUnitBase::Dump() const
 {
-    VYR_LOG(LOG_PRIORITY_DEBUG, "URL [%s]", m_url ? m_url.Text() : "");
-}
-
-bool CLocationUnit5::GetUrl(std::string& url) const
-try {
-    url.assign(m_url ? m_url.Text() : "", m_url.Length());
-    return true;
-} catch (...) {
-    return vyr::OutOfMemory(VYR_HERE);
-}
-
-bool CLocationUnit6::Parse(SItem* item)
-try {
-    m_info.Take(nullptr, 0);
-    const unsigned int length = t_Value(item, 16);
-    if (!Valid(item)) {
-        return false;
+    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        return;
     }
-    m_info.Take(t_AllocAndCopy(item, length), length);
-    return item->valid;
-} catch (...) {
-    return vyr::OutOfMemory(VYR_HERE);
-}
-
-void CLocationUnit6::Dump() const
-{
-    DumpNumber("private location info, bytes", m_info.Length());
-}
-
-bool CLocationUnit6::GetPrivateLocationInfo(std::string& info) const
-try {
-    info.assign(m_info ? m_info.Text() : "", m_info.Length());
-    return true;
-} catch (...) {
-    return vyr::OutOfMemory(VYR_HERE);
-}
-
-bool CLocationUnit7::Parse(SItem* /*item*/)
-{
-    return true;
-}
-
-void CLocationUnit7::Dump() const {}
-
-bool CLocationUnit8::Parse(SItem* item)
-{
-    m_messageId = static_cast<unsigned short>(t_Value(item, 16));
-    return Valid(item);
-}
-
-void CLocationUnit8::Dump() const
-{
-    DumpNumber("message id", m_messageId);
-}
-
-bool CLocationUnit8::GetMsgId(unsigned short* messageId) const
-{
-    return Answer(messageId, m_messageId);
-}
-
-bool CLocationUnit9::Parse(SItem* item)
-{
-    m_packetId = static_cast<unsigned short>(t_Value(item, 16));
-    m_messageId = static_cast<unsigned short>(t_Value(item, 16));
-    return Valid(item);
-}
-
-void CLocationUnit9::Dump() const
-{
-    DumpNumber("packet id", m_packetId);
-    DumpNumber("message id", m_messageId);
-}
-
-bool CLocationUnit9::GetPacketId(unsigned int* packetId) const
-{
-    return Answer<unsigned int>(packetId, m_packetId);
-}
-
-bool CLocationUnit9::GetMsgId(unsigned short* messageId) const
-{
-    return Answer(messageId, m_messageId);
-}
-
-bool CLocationUnitA::Parse(SItem* item)
-{
-    if (!t_ReadFlow(item)) {
-        return false;
+    if (m_Has(IPV4)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "source [0x%04x%04x] destination [0x%04x%04x]", m_source[0], m_source[1],
+                m_destination[0], m_destination[1]);
+    } else if (m_Has(IPV6)) {
+        for (const TWords* words : {&m_source, &m_destination}) {
+            const TWords& w = *words;
+            VYR_LOG(LOG_PRIORITY_DEBUG, "%s [%x:%x:%x:%x:%x:%x:%x:%x]", words == &m_source ? "source" : "destination",
+                    w[0], w[1], w[2], w[3], w[4], w[5], w[6], w[7]);
+        }
     }
-    m_packetId = static_cast<unsigned short>(t_Value(item, 16));
-    m_messageId = static_cast<unsigned short>(t_Value(item, 16));
-    return Valid(item);
-}
-
-void CLocationUnitA::Dump() const
-{
-    CLocationUnitIpv4::Dump();
-    DumpNumber("packet id", m_packetId);
-    DumpNumber("message id", m_messageId);
-}
-
-bool CLocationUnitA::GetPacketId(unsigned int* packetId) const
-{
-    return Answer<unsigned int>(packetId, m_packetId);
-}
-
-bool CLocationUnitA::GetMsgId(unsigned short* messageId) const
-{
-    return Answer(messageId, m_messageId);
-}
-
-bool CLocationUnitB::Parse(SItem* item)
-{
-    if (!t_ReadFlow(item)) {
-        return false;
+    for (unsigned int i = 0; i < NUMBER_COUNT; ++i) {
+        if (m_Has(i)) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "%s [%u]", k_numbers[i].name, m_numbers[i]);
+        }
     }
-    m_packetId = static_cast<unsigned short>(t_Value(item, 16));
-    m_messageId = static_cast<unsigned short>(t_Value(item, 16));
-    return Valid(item);
-}
-
-void CLocationUnitB::Dump() const
-{
-    CLocationUnitIpv6::Dump();
-    DumpNumber("packet id", m_packetId);
-    DumpNumber("message id", m_messageId);
-}
-
-bool CLocationUnitB::GetPacketId(unsigned int* packetId) const
-{
-    return Answer<unsigned int>(packetId, m_packetId);
-}
-
-bool CLocationUnitB::GetMsgId(unsigned short* messageId) const
-{
-    return Answer(messageId, m_messageId);
-}
-
-bool CLocationUnitC::Parse(SItem* item)
-{
-    if (!t_ReadFlow(item)) {
-        return false;
+    if (m_Has(URL)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "URL [%s]", m_text ? m_text.Text() : "");
+    } else if (m_Has(PRIVATE_INFO)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "private location info, bytes [%u]", m_text.Length());
     }
-    m_reserved = static_cast<unsigned char>(t_Value(item, 3));
-    m_pid = static_cast<unsigned short>(t_Value(item, 13));
-    return Valid(item);
 }
 
-void CLocationUnitC::Dump() const
+bool CLocationUnitBase::GetPacketId(unsigned int* packetId) const
 {
-    CLocationUnitIpv4::Dump();
-    DumpNumber("reserved", m_reserved);
-    DumpNumber("PID", m_pid);
+    return Answer(m_Has(PACKET_ID), packetId, m_numbers[PACKET_ID]);
 }
 
-bool CLocationUnitC::GetMPEG2PID(unsigned short* pid) const
+bool CLocationUnitBase::GetDstPort(unsigned short* port) const
 {
-    return Answer(pid, m_pid);
+    return Answer(m_Has(DST_PORT), port, m_numbers[DST_PORT]);
+}
+
+bool CLocationUnitBase::GetNetworkId(unsigned short* networkId) const
+{
+    return Answer(m_Has(NETWORK_ID), networkId, m_numbers[NETWORK_ID]);
+}
+
+bool CLocationUnitBase::GetMPEG2TsId(unsigned short* transportStreamId) const
+{
+    return Answer(m_Has(TRANSPORT_STREAM_ID), transportStreamId, m_numbers[TRANSPORT_STREAM_ID]);
+}
+
+bool CLocationUnitBase::GetMPEG2PID(unsigned short* pid) const
+{
+    return Answer(m_Has(PID), pid, m_numbers[PID]);
+}
+
+bool CLocationUnitBase::GetMsgId(unsigned short* messageId) const
+{
+    return Answer(m_Has(MESSAGE_ID), messageId, m_numbers[MESSAGE_ID]);
+}
+
+unsigned int CLocationUnitBase::m_Ipv4(const TWords& address) const
+{
+    const auto swapped = [](unsigned int word) { return (word << 8 | word >> 8) & 0xFFFF; };
+    const unsigned int high = address[0];
+    const unsigned int low = address[1];
+    return m_Has(SWAPPED) ? swapped(low) << 16 | swapped(high) : high << 16 | low;
+}
+
+bool CLocationUnitBase::GetIpv4SrcAddr(unsigned int* address) const
+{
+    return Answer(m_Has(IPV4), address, m_Ipv4(m_source));
+}
+
+bool CLocationUnitBase::GetIpv4DstAddr(unsigned int* address) const
+{
+    return Answer(m_Has(IPV4), address, m_Ipv4(m_destination));
+}
+
+bool CLocationUnitBase::GetIpv6SrcAddr(unsigned short* address) const
+{
+    return Answer(m_Has(IPV6), address, m_source);
+}
+
+bool CLocationUnitBase::GetIpv6DstAddr(unsigned short* address) const
+{
+    return Answer(m_Has(IPV6), address, m_destination);
+}
+
+bool CLocationUnitBase::GetUrl(std::string& url) const
+{
+    return Answer(m_Has(URL), url, m_text);
+}
+
+bool CLocationUnitBase::GetPrivateLocationInfo(std::string& info) const
+{
+    return Answer(m_Has(PRIVATE_INFO), info, m_text);
 }

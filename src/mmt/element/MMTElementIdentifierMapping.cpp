@@ -1,6 +1,9 @@
 #include "mmt/element/MMTElementIdentifierMapping.h"
 
+#include <iterator>
+
 #include "common/OutOfMemory.h"
+#include "mmt/Elements.h"
 #include "mmt/IdentifierUnit/IdentifierUnit0.h"
 #include "mmt/IdentifierUnit/IdentifierUnit1.h"
 #include "mmt/IdentifierUnit/IdentifierUnit2.h"
@@ -8,39 +11,28 @@
 #include "mmt/IdentifierUnit/IdentifierUnitPriv.h"
 #include "platform/Log.h"
 
-CMMTElementIdentifierMapping::CMMTElementIdentifierMapping() : m_identifierType(0) {}
+namespace {
 
-CMMTElementIdentifierMapping::~CMMTElementIdentifierMapping() = default;
+/// By identifier_type.
+constexpr CIdentifierUnitBase* (*k_units[])() = {
+    vyr::New<CIdentifierUnitBase, CIdentifierUnit0>, vyr::New<CIdentifierUnitBase, CIdentifierUnit1>,
+    vyr::New<CIdentifierUnitBase, CIdentifierUnit2>, vyr::New<CIdentifierUnitBase, CIdentifierUnit3>};
+
+}  // namespace
 
 bool CMMTElementIdentifierMapping::Parse(SItem* item)
 try {
     m_identifier.reset();
-    m_identifierType = static_cast<unsigned char>(t_Value(item, 8));
-    if (!item || !item->valid) {
+    vyr::CBitReader reader(item);
+    reader.Field(8, m_identifierType);
+    if (!reader.Valid()) {
         return false;
     }
-    switch (m_identifierType) {
-        case 0:
-            m_identifier = std::make_unique<CIdentifierUnit0>();
-            break;
-        case 1:
-            m_identifier = std::make_unique<CIdentifierUnit1>();
-            break;
-        case 2:
-            m_identifier = std::make_unique<CIdentifierUnit2>();
-            break;
-        case 3:
-            m_identifier = std::make_unique<CIdentifierUnit3>();
-            break;
-        default:
-            m_identifier = std::make_unique<CIdentifierUnitPriv>();
-            break;
-    }
-    if (!m_identifier->Parse(item)) {
+    m_identifier.reset(m_identifierType < std::size(k_units) ? k_units[m_identifierType]() : new CIdentifierUnitPriv);
+    if (!VYR_CHECK_AT(43, m_identifier->Parse(item), "m_identifier->Parse(item)")) {
         m_identifier.reset();
-        return vyr::CheckFailed({vyr::k_source.text, __func__, 43}, "m_identifier->Parse(item)");
     }
-    return true;
+    return m_identifier != nullptr;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

@@ -2,16 +2,12 @@
 
 #include <iterator>
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
+#include "mmt/Elements.h"
 #include "platform/Log.h"
 
 namespace {
-
-template <class T>
-CLocationUnitBase* Make()
-{
-    return new T;
-}
 
 /// Locations of type 7 are a byte each, and there can be 255 in every asset.
 CLocationUnitBase* Unit7()
@@ -22,10 +18,13 @@ CLocationUnitBase* Unit7()
 
 /// By location_type.
 constexpr CLocationUnitBase* (*k_units[])() = {
-    Make<CLocationUnit0>, Make<CLocationUnit1>, Make<CLocationUnit2>, Make<CLocationUnit3>,
-    Make<CLocationUnit4>, Make<CLocationUnit5>, Make<CLocationUnit6>, Unit7,
-    Make<CLocationUnit8>, Make<CLocationUnit9>, Make<CLocationUnitA>, Make<CLocationUnitB>,
-    Make<CLocationUnitC>};
+    vyr::New<CLocationUnitBase, CLocationUnit0>, vyr::New<CLocationUnitBase, CLocationUnit1>,
+    vyr::New<CLocationUnitBase, CLocationUnit2>, vyr::New<CLocationUnitBase, CLocationUnit3>,
+    vyr::New<CLocationUnitBase, CLocationUnit4>, vyr::New<CLocationUnitBase, CLocationUnit5>,
+    vyr::New<CLocationUnitBase, CLocationUnit6>, Unit7,
+    vyr::New<CLocationUnitBase, CLocationUnit8>, vyr::New<CLocationUnitBase, CLocationUnit9>,
+    vyr::New<CLocationUnitBase, CLocationUnitA>, vyr::New<CLocationUnitBase, CLocationUnitB>,
+    vyr::New<CLocationUnitBase, CLocationUnitC>};
 
 }  // namespace
 
@@ -36,18 +35,15 @@ void CMMTElementLocation::SRelease::operator()(CLocationUnitBase* unit) const
     }
 }
 
-CMMTElementLocation::CMMTElementLocation() : m_locationType(0) {}
-
 CMMTElementLocation::~CMMTElementLocation() = default;
 
 bool CMMTElementLocation::Parse(SItem* item)
 try {
-    m_locationType = t_Value(item, 8);
-    if (m_pLocation) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 23}, "!m_pLocation");
-        m_pLocation.reset();
-    }
-    if (!item || !item->valid || m_locationType >= std::size(k_units)) {
+    vyr::CBitReader reader(item);
+    reader.Field(8, m_locationType);
+    VYR_ASSERT_AT(23, !m_pLocation, "!m_pLocation");
+    m_pLocation.reset();
+    if (!reader.Valid() || m_locationType >= std::size(k_units)) {
         return false;
     }
     m_pLocation.reset(k_units[m_locationType]());

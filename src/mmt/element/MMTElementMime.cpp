@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
 #include "platform/Log.h"
 
@@ -14,18 +15,15 @@ bool BeginsWith(const vyr::CBytes& text, const char (&word)[6])
 
 }  // namespace
 
-CMMTElementMime::CMMTElementMime() : m_length(0) {}
-
-CMMTElementMime::~CMMTElementMime() = default;
-
 bool CMMTElementMime::Parse(SItem* item)
 try {
-    m_length = static_cast<unsigned char>(t_Value(item, 8));
-    if (!item || !item->valid) {
+    vyr::CBitReader reader(item);
+    reader.Field(8, m_length);
+    if (!reader.Valid()) {
         return false;
     }
-    m_mimeType.Take(t_AllocAndCopy(item, m_length), m_length);
-    return item->valid;
+    reader.Keep(m_length, m_mimeType);
+    return reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

@@ -2,13 +2,11 @@
 
 #include <iterator>
 
-#include "mmt/Elements.h"
+#include "common/BitReader.h"
 #include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
-CMMTMsg::CMMTMsg(EClassType classType) : m_classType(classType), m_id(0xFFFF), m_version(0), m_length(0) {}
-
-CMMTMsg::~CMMTMsg() = default;
+CMMTMsg::CMMTMsg(EClassType classType) : m_classType(classType) {}
 
 unsigned short CMMTMsg::MessageId(const unsigned char* data)
 {
@@ -21,9 +19,10 @@ bool CMMTMsg::Parse(SItem* item)
     if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }
-    m_id = static_cast<unsigned short>(t_Value(item, 16));
-    m_version = static_cast<unsigned char>(t_Value(item, 8));
-    return item->valid;
+    vyr::CBitReader reader(item);
+    reader.Field(16, m_id);
+    reader.Field(8, m_version);
+    return reader.Valid();
 }
 
 bool CMMTMsg::t_ParseHeader(SItem* item, unsigned int bits, const char* format)
@@ -31,11 +30,12 @@ bool CMMTMsg::t_ParseHeader(SItem* item, unsigned int bits, const char* format)
     if (!CMMTMsg::Parse(item)) {
         return false;
     }
-    m_length = t_Value(item, bits);
-    if (!item->valid) {
+    vyr::CBitReader reader(item);
+    reader.Field(bits, m_length);
+    if (!reader.Valid()) {
         return false;
     }
-    if (vyr::BytesLeft(*item) < m_length) {
+    if (reader.Left() < m_length) {
         return VYR_FAIL(FAILURE_SIZE, format, item->size, m_length);
     }
     return true;

@@ -1,12 +1,8 @@
 #include "mmt/msg/MMTMsgAc.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
-#include "mmt/PayloadReader.h"
 #include "platform/Log.h"
-
-CMMTMsgAc::CMMTMsgAc() : CMMTMsgPayload(CLASS_TYPE_AC) {}
-
-CMMTMsgAc::~CMMTMsgAc() = default;
 
 bool CMMTMsgAc::Parse(SItem* item)
 try {
@@ -15,23 +11,18 @@ try {
     if (!t_ParsePayload(item, 16, "[CMMTMsgAC::Parse] Item size ERROR len[%u], length[%u]", payload)) {
         return false;
     }
-    vyr::CPayloadReader reader(payload);
-    const unsigned int count = reader.Value(8);
-    for (unsigned int i = 0; i < count && reader.Valid(); ++i) {
-        SEntry entry{};
-        entry.packetId = static_cast<unsigned short>(reader.Value(16));
-        if (!reader.Valid()) {
-            break;
-        }
-        reader.Field(32, entry.windowTimeout);
-        const bool ipv6 = reader.Flag();
-        reader.Value(7);
-        if (reader.Valid()) {
-            entry.serverAddress = reader.View(ipv6 ? 16 : 4);
-            reader.Field(16, entry.serverPort);
-        }
-        m_entries.push_back(entry);
-    }
+    vyr::CBitReader reader(&payload);
+    reader.List(
+        m_entries, [&](SEntry& entry) { reader.Field(16, entry.packetId); },
+        [&](SEntry& entry) {
+            reader.Field(32, entry.windowTimeout);
+            const bool ipv6 = reader.Flag();
+            reader.Value(7);
+            if (reader.Valid()) {
+                entry.serverAddress = reader.View(ipv6 ? 16 : 4);
+                reader.Field(16, entry.serverPort);
+            }
+        });
     return true;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);

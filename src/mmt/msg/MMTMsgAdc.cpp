@@ -1,11 +1,7 @@
 #include "mmt/msg/MMTMsgAdc.h"
 
-#include "mmt/PayloadReader.h"
+#include "common/BitReader.h"
 #include "platform/Log.h"
-
-CMMTMsgAdc::CMMTMsgAdc() : CMMTMsgPayload(CLASS_TYPE_ADC) {}
-
-CMMTMsgAdc::~CMMTMsgAdc() = default;
 
 bool CMMTMsgAdc::Parse(SItem* item)
 {
@@ -14,7 +10,7 @@ bool CMMTMsgAdc::Parse(SItem* item)
     if (!t_ParsePayload(item, 32, "[CMMTMsgAdc::Parse] Item size ERROR len[%u], actual_len[%u]", payload)) {
         return false;
     }
-    vyr::CPayloadReader reader(payload);
+    vyr::CBitReader reader(&payload);
     reader.Field(32, m_fields.validityStartTime);
     reader.Field(32, m_fields.validityDuration);
     reader.Field(1, m_fields.adcLevelFlag);

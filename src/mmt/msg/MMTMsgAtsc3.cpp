@@ -7,7 +7,6 @@
 #include "common/OutOfMemory.h"
 #include "common/RSAT.h"
 #include "mmt/Elements.h"
-#include "mmt/MMTBytes.h"
 #include "mmt/desc/MMTUsbd.h"
 #include "mmt/table/MMTTblSi.h"
 #include "platform/FailureKeeping.h"
@@ -19,12 +18,12 @@ struct CMMTMsgAtsc3::SState {
     unsigned char contentCompression = 0;
     unsigned int contentLength = 0;
     vyr::CBytes uri;
-    std::unique_ptr<unsigned char[]> content;
-    CCPtrArray audioStreamProperties{vyr::g_CbRemove<CMMTDesc>, nullptr};
-    CCPtrArray videoStreamProperties{vyr::g_CbRemove<CMMTDesc>, nullptr};
-    CCPtrArray captionAssets{vyr::g_CbRemove<CMMTDesc>, nullptr};
-    CCPtrArray securityProperties{vyr::g_CbRemove<CMMTDesc>, nullptr};
-    CCPtrArray licenseUrls{vyr::g_CbRemove<CMMTDesc>, nullptr};
+    vyr::CBytes content;
+    TPtrArray<CMMTDesc> audioStreamProperties;
+    TPtrArray<CMMTDesc> videoStreamProperties;
+    TPtrArray<CMMTDesc> captionAssets;
+    TPtrArray<CMMTDesc> securityProperties;
+    TPtrArray<CMMTDesc> licenseUrls;
     CMMTUsbd usbd;
     CRSAT rsat;
     CMMTTblSi siTable;
@@ -32,8 +31,8 @@ struct CMMTMsgAtsc3::SState {
     bool created = false;  ///< all of it
 
     /// In the order in which descriptors are handed out.
-    const CCPtrArray* const arrays[5] = {&audioStreamProperties, &videoStreamProperties, &captionAssets,
-                                         &securityProperties, &licenseUrls};
+    const TPtrArray<CMMTDesc>* const arrays[5] = {&audioStreamProperties, &videoStreamProperties, &captionAssets,
+                                                  &securityProperties, &licenseUrls};
 
     SState() = default;
     ~SState()
@@ -47,8 +46,6 @@ struct CMMTMsgAtsc3::SState {
     }
     SState(const SState&) = delete;
     SState& operator=(const SState&) = delete;
-
-    const char* Text() const { return reinterpret_cast<const char*>(content.get()); }
 };
 
 CMMTMsgAtsc3::CMMTMsgAtsc3() : CMMTMsg(CLASS_TYPE_ATSC3), m(nullptr)
@@ -85,16 +82,20 @@ try {
     if (!m_Create() || !t_ParseHeader(item, 32, "[CMMTMsgAtsc3::Parse] Item size ERROR len[%u], length[%u]")) {
         return false;
     }
-    m->content.reset();
-    m->serviceId = static_cast<unsigned short>(t_Value(item, 16));
-    m->contentType = static_cast<unsigned short>(t_Value(item, 16));
-    m->contentVersion = static_cast<unsigned char>(t_Value(item, 8));
-    m->contentCompression = static_cast<unsigned char>(t_Value(item, 8));
+    vyr::CBitReader reader(item);
+    m->content.Clear();
+    reader.Field(16, m->serviceId);
+    reader.Field(16, m->contentType);
+    reader.Field(8, m->contentVersion);
+    reader.Field(8, m->contentCompression);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Parse] m_content_type[%d], version[%d], m_content_version[%d]",
             m->contentType, Version(), m->contentVersion);
-    const unsigned int uriLength = t_Value(item, 8);
-    m->uri.Take(uriLength > 0 ? t_AllocAndCopy(item, uriLength) : nullptr, uriLength);
-    m->contentLength = t_Value(item, 32);
+    if (const unsigned int length = reader.Value(8); length > 0) {
+        reader.Keep(length, m->uri);
+    } else {
+        m->uri.Clear();
+    }
+    reader.Field(32, m->contentLength);
     // Required: a USBD stays compressed, its own parser inflates it.
     if (m->contentCompression == k_gzip && m->contentType >= CONTENT_TYPE_MPD) {
         return m_ParseCompressed(item);
@@ -135,7 +136,7 @@ void CMMTMsgAtsc3::m_ParseContent(SItem* item, bool asItStands)
     switch (m->contentType) {
         case CONTENT_TYPE_USBD:
             if (m_CopyContent(item, false)) {
-                m->usbd.Parse(m->Text(), m->contentLength, m->contentCompression == k_gzip);
+                m->usbd.Parse(m->content.Text(), m->contentLength, m->contentCompression == k_gzip);
             }
             break;
         case CONTENT_TYPE_MPD:
@@ -143,7 +144,7 @@ void CMMTMsgAtsc3::m_ParseContent(SItem* item, bool asItStands)
             break;
         case CONTENT_TYPE_RSAT:
             if (m_CopyContent(item, asItStands)) {
-                m->rsat.Parse(m->Text(), m->contentLength);
+                m->rsat.Parse(m->content.Text(), m->contentLength);
             }
             break;
         case CONTENT_TYPE_ASP:
@@ -170,12 +171,11 @@ void CMMTMsgAtsc3::m_ParseContent(SItem* item, bool asItStands)
 bool CMMTMsgAtsc3::m_CopyContent(SItem* item, bool evenEmpty)
 {
     if (m->contentLength > 0 || evenEmpty) {
-        m->content.reset(t_AllocAndCopy(item, m->contentLength));
-        if (!m->content) {
+        if (!vyr::CBitReader(item).Keep(m->contentLength, m->content)) {
             VYR_FAIL(FAILURE_SIZE, "[CMMTMsgAtsc3::Parse] content is not whole length[%u]", m->contentLength);
         }
     }
-    return m->content != nullptr;
+    return static_cast<bool>(m->content);
 }
 
 void CMMTMsgAtsc3::m_ParseDescriptors(SItem* item, CCPtrArray& array)
@@ -198,8 +198,8 @@ void CMMTMsgAtsc3::Dump() const
             m->serviceId, m->contentType, m->contentVersion, m->contentCompression);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Dump] URI[%s] content length[%u]", m->uri ? m->uri.Text() : "",
             m->contentLength);
-    for (const CCPtrArray* array : m->arrays) {
-        vyr::DumpElements<CMMTDesc>(*array);
+    for (const TPtrArray<CMMTDesc>* array : m->arrays) {
+        vyr::DumpElements(*array);
     }
 }
 
@@ -213,7 +213,7 @@ bool CMMTMsgAtsc3::GetDescriptors(void (*callback)(void* user, CMMTDesc* descrip
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
-    for (const CCPtrArray* array : m->arrays) {
+    for (const TPtrArray<CMMTDesc>* array : m->arrays) {
         if (!vyr::VisitDescriptors(*array, callback, user)) {
             return false;
         }
@@ -226,7 +226,7 @@ bool CMMTMsgAtsc3::GetContent(void (*callback)(void* user, unsigned char* data, 
     if (!VYR_ASSERT(callback, "callback") || !VYR_ASSERT(m, "m")) {
         return false;
     }
-    callback(user, m->content.get(), m->contentLength);
+    callback(user, const_cast<unsigned char*>(m->content.Data()), m->contentLength);
     return true;
 }
 

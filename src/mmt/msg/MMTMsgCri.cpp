@@ -1,9 +1,5 @@
 #include "mmt/msg/MMTMsgCri.h"
 
-CMMTMsgCri::CMMTMsgCri() : CMMTMsgPayload(CLASS_TYPE_CRI) {}
-
-CMMTMsgCri::~CMMTMsgCri() = default;
-
 bool CMMTMsgCri::Parse(SItem* item)
 {
     SItem payload;

@@ -1,9 +1,5 @@
 #include "mmt/msg/MMTMsgDci.h"
 
-CMMTMsgDci::CMMTMsgDci() : CMMTMsgPayload(CLASS_TYPE_DCI) {}
-
-CMMTMsgDci::~CMMTMsgDci() = default;
-
 bool CMMTMsgDci::Parse(SItem* item)
 {
     SItem payload;

@@ -1,5 +1,6 @@
 #include "mmt/msg/MMTMsgFactory.h"
 
+#include <map>
 #include <mutex>
 #include <utility>
 
@@ -10,6 +11,7 @@
 #include "mmt/msg/MMTMsgCri.h"
 #include "mmt/msg/MMTMsgDci.h"
 #include "mmt/msg/MMTMsgLdc.h"
+#include "mmt/msg/MMTMsgLr.h"
 #include "mmt/msg/MMTMsgLs.h"
 #include "mmt/msg/MMTMsgMpi.h"
 #include "mmt/msg/MMTMsgMpt.h"
@@ -17,9 +19,22 @@
 #include "mmt/msg/MMTMsgSmm.h"
 #include "platform/Log.h"
 
-std::map<unsigned short, std::unique_ptr<MMTMsgAbstractFactory>> CMMTMsgFactory::m_factories;
+namespace {
 
-static std::once_flag MMTFactoryInitFlag;
+using TFactories = std::map<unsigned short, std::unique_ptr<MMTMsgAbstractFactory>>;
+
+TFactories g_factories;  // by message_id
+std::once_flag MMTFactoryInitFlag;
+
+template <class T>
+void Add(TFactories& factories, unsigned short last = T::k_messageId)
+{
+    for (unsigned short id = T::k_messageId; id <= last; ++id) {
+        factories[id] = std::make_unique<MMTMsgFactory<T>>();
+    }
+}
+
+}  // namespace
 
 MMTMsgAbstractFactory::~MMTMsgAbstractFactory() = default;
 
@@ -37,59 +52,50 @@ std::shared_ptr<CMMTMsg> MMTMsgFactoryUnsupported::Create() const
 
 void CMMTMsgFactory::InitializeFactory()
 {
-    if (!m_factories.empty()) {
+    if (!g_factories.empty()) {
         return;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::InitializeFactory] BEGIN");
     // Whole or not at all: one that memory was out for is filled at the next call.
-    decltype(m_factories) factories;
+    TFactories factories;
     const auto unsupported = [&factories](unsigned short id, const char* name) {
         factories[id] = std::make_unique<MMTMsgFactoryUnsupported>(id, name);
     };
-    factories[0x0000] = std::make_unique<MMTMsgFactory<CMMTMsgPa>>();
-    factories[0x0001] = std::make_unique<MMTMsgFactory<CMMTMsgMpi>>();
-    factories[0x0011] = std::make_unique<MMTMsgFactory<CMMTMsgMpt>>();
-    factories[0x0200] = std::make_unique<MMTMsgFactory<CMMTMsgCri>>();
-    factories[0x0201] = std::make_unique<MMTMsgFactory<CMMTMsgDci>>();
+    Add<CMMTMsgPa>(factories);
+    Add<CMMTMsgMpi>(factories, CMMTMsgMpi::k_lastMessageId);
+    Add<CMMTMsgMpt>(factories, CMMTMsgMpt::k_lastMessageId);
+    Add<CMMTMsgCri>(factories);
+    Add<CMMTMsgDci>(factories);
     unsupported(0x0202, "MMT_MSG_ID_SSWR");
     unsupported(0x0203, "MMT_MSG_ID_AL_FEC");
     unsupported(0x0204, "MMT_MSG_ID_HRBM");
     unsupported(0x0205, "MMT_MSG_ID_MC");
-    factories[0x0206] = std::make_unique<MMTMsgFactory<CMMTMsgAc>>();
+    Add<CMMTMsgAc>(factories);
     unsupported(0x0207, "MMT_MSG_ID_AF");
     unsupported(0x0208, "MMT_MSG_ID_RQF");
-    factories[0x0209] = std::make_unique<MMTMsgFactory<CMMTMsgAdc>>();
+    Add<CMMTMsgAdc>(factories);
     unsupported(0x020A, "MMT_MSG_ID_HRBM_REMOVAL");
-    factories[0x020B] = std::make_unique<MMTMsgFactory<CMMTMsgLs>>();
+    Add<CMMTMsgLs>(factories);
     // Required: the class exists, and its messages are not made here.
-    unsupported(0x020C, "MMT_MSG_ID_LR");
+    unsupported(CMMTMsgLr::k_messageId, "MMT_MSG_ID_LR");
     unsupported(0x020D, "MMT_MSG_ID_NAMF");
-    factories[0x020E] = std::make_unique<MMTMsgFactory<CMMTMsgLdc>>();
-    factories[0x8100] = std::make_unique<MMTMsgFactory<CMMTMsgAtsc3>>();
-    factories[0x8101] = std::make_unique<MMTMsgFactory<CMMTMsgSmm>>();
-    m_factories.swap(factories);
+    Add<CMMTMsgLdc>(factories);
+    Add<CMMTMsgAtsc3>(factories);
+    Add<CMMTMsgSmm>(factories);
+    g_factories.swap(factories);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::InitializeFactory] END");
 }
 
 std::shared_ptr<CMMTMsg> CMMTMsgFactory::CreateMessage(const unsigned char* data, unsigned int length)
 try {
-    if (!data) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 77}, "data");
-    }
-    if (!data || length < 2) {
+    if (!VYR_ASSERT_AT(77, data, "data") || length < 2) {
         return nullptr;
     }
     std::call_once(MMTFactoryInitFlag, InitializeFactory);
     const unsigned short id = CMMTMsg::MessageId(data);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgFactory::CreateMessage] type: 0x%0x", id);
-    unsigned short key = id;
-    if (id >= 0x0001 && id <= 0x0010) {
-        key = 0x0001;
-    } else if (id >= 0x0011 && id <= 0x0020) {
-        key = 0x0011;
-    }
-    const auto found = m_factories.find(key);
-    if (found != m_factories.end()) {
+    const auto found = g_factories.find(id);
+    if (found != g_factories.end()) {
         return found->second->Create();
     }
     if (id >= 0x020F && id <= 0x6FFF) {

@@ -1,10 +1,6 @@
 #include "mmt/msg/MMTMsgLdc.h"
 
-#include "mmt/PayloadReader.h"
-
-CMMTMsgLdc::CMMTMsgLdc() : CMMTMsgPayload(CLASS_TYPE_LDC) {}
-
-CMMTMsgLdc::~CMMTMsgLdc() = default;
+#include "common/BitReader.h"
 
 bool CMMTMsgLdc::Parse(SItem* item)
 {
@@ -12,7 +8,7 @@ bool CMMTMsgLdc::Parse(SItem* item)
     if (!t_ParsePayload(item, 16, "[CMMTMsgLdc::Parse] Item size ERROR len[%u], length[%u]", payload)) {
         return false;
     }
-    vyr::CPayloadReader reader(payload);
+    vyr::CBitReader reader(&payload);
     m_lowDelay.ParseFields(reader);
     return true;
 }

@@ -3,12 +3,7 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTMsgLicence::CMMTMsgLicence(EClassType classType)
-    : CMMTMsgPayload(classType), m_arrayLicence(vyr::g_CbRemove<SLicence>, nullptr)
-{
-}
-
-CMMTMsgLicence::~CMMTMsgLicence() = default;
+CMMTMsgLicence::CMMTMsgLicence(EClassType classType) : CMMTMsgPayload(classType) {}
 
 bool CMMTMsgLicence::t_ParseLicences(SItem* item, const char* format)
 try {
@@ -16,15 +11,15 @@ try {
     if (!t_ParsePayload(item, 32, format, payload)) {
         return false;
     }
-    const unsigned int count = t_Value(&payload, 8);
+    vyr::CBitReader reader(&payload);
+    const unsigned int count = reader.Value(8);
     for (unsigned int i = 0; i < count; ++i) {
         auto licence = std::make_unique<SLicence>();
         if (!licence->assetId.Parse(&payload)) {
             break;
         }
-        const unsigned int length = t_Value(&payload, 16);
-        licence->data.Take(t_AllocAndCopy(&payload, length), length);
-        vyr::Append(m_arrayLicence, std::move(licence));
+        reader.Keep(reader.Value(16), licence->data);
+        m_arrayLicence.Append(std::move(licence));
     }
     return true;
 } catch (...) {
@@ -41,9 +36,4 @@ void CMMTMsgLicence::Dump() const
         Licence(i)->assetId.Dump();
         VYR_LOG(LOG_PRIORITY_DEBUG, "licence of %u bytes", Licence(i)->data.Length());
     }
-}
-
-const CMMTMsgLicence::SLicence* CMMTMsgLicence::Licence(int index) const
-{
-    return vyr::ElementAt<SLicence>(m_arrayLicence, index);
 }

@@ -1,9 +1,5 @@
 #include "mmt/msg/MMTMsgLr.h"
 
-CMMTMsgLr::CMMTMsgLr() : CMMTMsgLicence(CLASS_TYPE_LR) {}
-
-CMMTMsgLr::~CMMTMsgLr() = default;
-
 bool CMMTMsgLr::Parse(SItem* item)
 {
     return t_ParseLicences(item, "[CMMTMsgLr::Parse] Item size ERROR len[%u], length[%u]");

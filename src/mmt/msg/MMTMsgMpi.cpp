@@ -1,10 +1,7 @@
 #include "mmt/msg/MMTMsgMpi.h"
 
+#include "common/BitReader.h"
 #include "platform/Log.h"
-
-CMMTMsgMpi::CMMTMsgMpi() : CMMTMsg(CLASS_TYPE_MPI), m_reserved(0), m_associatedMPTableFlag(false) {}
-
-CMMTMsgMpi::~CMMTMsgMpi() = default;
 
 bool CMMTMsgMpi::Parse(SItem* item)
 {
@@ -12,8 +9,9 @@ bool CMMTMsgMpi::Parse(SItem* item)
     if (!t_ParseHeader(item, 32, "[CMMTMsgMpi::Parse] Item size ERROR len[%u], length[%u]")) {
         return false;
     }
-    m_reserved = static_cast<unsigned char>(t_Value(item, 7));
-    m_associatedMPTableFlag = t_Value(item, 1) != 0;
+    vyr::CBitReader reader(item);
+    reader.Field(7, m_reserved);
+    reader.Field(1, m_associatedMPTableFlag);
     return m_mpiTable.Parse(item) && (!m_associatedMPTableFlag || m_mpTable.Parse(item));
 }
 

@@ -2,10 +2,6 @@
 
 #include "platform/Log.h"
 
-CMMTMsgMpt::CMMTMsgMpt() : CMMTMsg(CLASS_TYPE_MPT) {}
-
-CMMTMsgMpt::~CMMTMsgMpt() = default;
-
 bool CMMTMsgMpt::Parse(SItem* item)
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgMpt::Parse]");

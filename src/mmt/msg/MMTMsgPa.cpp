@@ -11,12 +11,7 @@ struct CMMTMsgPa::STableUnit {
     std::unique_ptr<CMMTTbl> table;
 };
 
-CMMTMsgPa::CMMTMsgPa()
-    : CMMTMsg(CLASS_TYPE_PA), m_arrayTableUnit(vyr::g_CbRemove<STableUnit>, nullptr), m_visiting(false)
-{
-}
-
-CMMTMsgPa::~CMMTMsgPa() = default;
+CMMTMsgPa::CMMTMsgPa() : CMMTMsg(CLASS_TYPE_PA) {}
 
 bool CMMTMsgPa::Parse(SItem* item)
 try {
@@ -32,28 +27,27 @@ try {
     if (!t_ParseHeader(item, 32, "[CMMTMsgPa::Parse] Item size ERROR len[%u], length[%u]")) {
         return false;
     }
-    const unsigned int count = t_Value(item, 8);
+    vyr::CBitReader reader(item);
+    const unsigned int count = reader.Value(8);
     for (unsigned int i = 0; i < count; ++i) {
         auto unit = std::make_unique<STableUnit>();
-        unit->tableId = static_cast<unsigned char>(t_Value(item, 8));
-        unit->version = static_cast<unsigned char>(t_Value(item, 8));
-        unit->length = static_cast<unsigned short>(t_Value(item, 16));
-        if (!item->valid) {
+        reader.Field(8, unit->tableId);
+        reader.Field(8, unit->version);
+        reader.Field(16, unit->length);
+        if (!reader.Valid()) {
             return false;
         }
-        vyr::Append(m_arrayTableUnit, std::move(unit));
+        m_arrayTableUnit.Append(std::move(unit));
     }
     for (int i = 0; i < TableCount(); ++i) {
-        auto* p_unit = vyr::ElementAt<STableUnit>(m_arrayTableUnit, i);
-        if (!p_unit) {
-            return vyr::AssertFailed({vyr::k_source.text, __func__, 76}, "p_unit");
+        STableUnit* p_unit = m_arrayTableUnit.At(i);
+        if (!VYR_ASSERT_AT(76, p_unit, "p_unit")) {
+            return false;
         }
         std::unique_ptr<CMMTTbl> p_tbl(CMMTTblFactory::GenerateTbl(item));
-        if (!p_tbl) {
-            return vyr::CheckFailed({vyr::k_source.text, __func__, 89}, "p_tbl = CMMTTblFactory::GenerateTbl(item)");
-        }
-        if (!p_tbl->Parse(item)) {
-            return vyr::CheckFailed({vyr::k_source.text, __func__, 90}, "p_tbl->Parse(item)");
+        if (!VYR_CHECK_AT(89, p_tbl, "p_tbl = CMMTTblFactory::GenerateTbl(item)") ||
+            !VYR_CHECK_AT(90, p_tbl->Parse(item), "p_tbl->Parse(item)")) {
+            return false;
         }
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgPa::Parse] Table ClassType: %d/%s", static_cast<int>(p_tbl->ClassType()),
                 p_tbl->ClassString());
@@ -92,10 +86,8 @@ bool CMMTMsgPa::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor
 {
     const vyr::CScoped<bool> visiting(m_visiting, true, m_visiting);
     for (int i = 0; i < TableCount(); ++i) {
-        const auto* p_unit = vyr::ElementAt<STableUnit>(m_arrayTableUnit, i);
-        if (!p_unit) {
-            vyr::AssertFailed({vyr::k_source.text, __func__, 125}, "p_unit");
-        } else if (p_unit->table) {
+        const STableUnit* p_unit = m_arrayTableUnit.At(i);
+        if (VYR_ASSERT_AT(125, p_unit, "p_unit") && p_unit->table) {
             p_unit->table->GetDescriptors(callback, user);
         }
     }
@@ -104,13 +96,13 @@ bool CMMTMsgPa::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor
 
 CMMTTbl* CMMTMsgPa::Table(int index) const
 {
-    const auto* unit = vyr::ElementAt<STableUnit>(m_arrayTableUnit, index);
+    const STableUnit* unit = m_arrayTableUnit.At(index);
     return unit ? unit->table.get() : nullptr;
 }
 
 bool CMMTMsgPa::GetTableInfo(int index, unsigned char& tableId, unsigned char& version, unsigned short& length) const
 {
-    const auto* unit = vyr::ElementAt<STableUnit>(m_arrayTableUnit, index);
+    const STableUnit* unit = m_arrayTableUnit.At(index);
     if (unit) {
         tableId = unit->tableId;
         version = unit->version;

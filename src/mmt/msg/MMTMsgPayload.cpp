@@ -1,16 +1,11 @@
 #include "mmt/msg/MMTMsgPayload.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
-
-CMMTMsgPayload::~CMMTMsgPayload() = default;
 
 bool CMMTMsgPayload::t_ParsePayload(SItem* item, unsigned int bits, const char* format, SItem& payload)
 try {
-    if (!t_ParseHeader(item, bits, format)) {
-        return false;
-    }
-    m_payload.Take(t_AllocAndCopy(item, Length()), Length());
-    if (!m_payload) {
+    if (!t_ParseHeader(item, bits, format) || !vyr::CBitReader(item).Keep(Length(), m_payload)) {
         return false;
     }
     payload = m_payload.Item();

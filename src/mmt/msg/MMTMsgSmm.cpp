@@ -1,13 +1,9 @@
 #include "mmt/msg/MMTMsgSmm.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
-#include "mmt/PayloadReader.h"
 #include "mmt/msg/MMTMsgFactory.h"
 #include "platform/Log.h"
-
-CMMTMsgSmm::CMMTMsgSmm() : CMMTMsgPayload(CLASS_TYPE_SMM), m_serviceId(0), m_depth(0) {}
-
-CMMTMsgSmm::~CMMTMsgSmm() = default;
 
 bool CMMTMsgSmm::Parse(SItem* item)
 try {
@@ -17,8 +13,8 @@ try {
     if (!t_ParsePayload(item, 32, "[CMMTMsgSmm::Parse] Item size ERROR len[%u], length[%u]", payload)) {
         return false;
     }
-    vyr::CPayloadReader reader(payload);
-    m_serviceId = static_cast<unsigned short>(reader.Value(16));
+    vyr::CBitReader reader(&payload);
+    reader.Field(16, m_serviceId);
     m_messageData = reader.View(reader.Value(32));
     if (!reader.Valid()) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgSmm::Parse] no message in [%u] bytes", PayloadLength());

@@ -11,18 +11,17 @@
 #include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
-CMMTTbl::CMMTTbl(unsigned int classType) : m_tableId(0xFF), m_version(0), m_length(0), m_classType(classType) {}
-
-CMMTTbl::~CMMTTbl() = default;
+CMMTTbl::CMMTTbl(unsigned int classType) : m_classType(classType) {}
 
 bool CMMTTbl::Parse(SItem* item)
 {
     if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }
-    m_tableId = static_cast<unsigned char>(t_Value(item, 8));
-    m_version = static_cast<unsigned char>(t_Value(item, 8));
-    m_length = static_cast<unsigned short>(t_Value(item, 16));
+    vyr::CBitReader reader(item);
+    reader.Field(8, m_tableId);
+    reader.Field(8, m_version);
+    reader.Field(16, m_length);
     VYR_LOG(LOG_PRIORITY_DEBUG, "CMMTTbl table id [%u]", m_tableId);
     VYR_LOG(LOG_PRIORITY_DEBUG, "CMMTTbl version  [%u]", m_version);
     VYR_LOG(LOG_PRIORITY_DEBUG, "CMMTTbl length   [%u]", m_length);
@@ -66,25 +65,11 @@ bool CMMTTbl::t_GetMMTGeneralLocationInfo(SLocationInfo* out, const CMMTElementL
     }
     *out = {};
     out->locationType = location->LocationType();
-    switch (out->locationType) {
-        case 0:
-            return m_Unit0(location->Location(), &out->info);
-        case 1:
-            return m_Unit1(location->Location(), &out->info);
-        default:
-            VYR_LOG(LOG_PRIORITY_DEBUG, "location type 0x%2x", out->locationType);
-            return false;
+    if (out->locationType <= 1) {
+        return location->Location()->GetPacketId(&out->info.packetId);
     }
-}
-
-bool CMMTTbl::m_Unit0(const CLocationUnitBase* unit, SInternalLocationInfo* out)
-{
-    return unit->GetPacketId(&out->packetId);
-}
-
-bool CMMTTbl::m_Unit1(const CLocationUnitBase* unit, SInternalLocationInfo* out)
-{
-    return unit->GetPacketId(&out->packetId);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "location type 0x%2x", out->locationType);
+    return false;
 }
 
 bool CMMTTbl::t_GetIdentifier(SIdentifier* out, const CMMTElementIdentifierMapping* mapping)

@@ -3,18 +3,15 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblCri::CMMTTblCri() : CMMTTblPayload(CLASS_TYPE_CRI), m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr) {}
-
-CMMTTblCri::~CMMTTblCri() = default;
-
 bool CMMTTblCri::Parse(SItem* item)
 try {
     SItem payload;
     if (!t_ParsePayload(item, "[CMMTTblCri::Parse] ERROR", payload)) {
         return false;
     }
-    const unsigned int count = t_Value(&payload, 8);
-    for (unsigned int i = 0; i < count && vyr::BytesLeft(payload) > 0; ++i) {
+    vyr::CBitReader reader(&payload);
+    const unsigned int count = reader.Value(8);
+    for (unsigned int i = 0; i < count && reader.Left() > 0; ++i) {
         const unsigned int begin = payload.bitpos;
         std::unique_ptr<CMMTDesc> descriptor(CMMTDescFactory::GenerateDesc(&payload));
         if (!descriptor || !descriptor->Parse(&payload)) {
@@ -23,7 +20,7 @@ try {
         }
         // A clock relation descriptor of several units leaves its body unread.
         const unsigned int next = begin + (4 + descriptor->Length()) * 8;
-        vyr::Append(m_arrayDescriptor, std::move(descriptor));
+        m_arrayDescriptor.Append(std::move(descriptor));
         if (next > payload.bitsize) {
             break;
         }
@@ -37,16 +34,11 @@ try {
 void CMMTTblCri::Dump() const
 {
     CMMTTbl::Dump();
-    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
+    vyr::DumpElements(m_arrayDescriptor);
 }
 
 bool CMMTTblCri::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
     const vyr::CScoped<bool> visiting(t_visiting, true, t_visiting);
     return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
-}
-
-CMMTDesc* CMMTTblCri::Descriptor(int index) const
-{
-    return vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, index);
 }

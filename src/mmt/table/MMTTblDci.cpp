@@ -1,12 +1,8 @@
 #include "mmt/table/MMTTblDci.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
-#include "mmt/PayloadReader.h"
-
-CMMTTblDci::CMMTTblDci() : CMMTTblPayload(CLASS_TYPE_DCI), m_arrayAsset(vyr::g_CbRemove<SAsset>, nullptr) {}
-
-CMMTTblDci::~CMMTTblDci() = default;
 
 bool CMMTTblDci::Parse(SItem* item)
 try {
@@ -14,7 +10,7 @@ try {
     if (!t_ParsePayload(item, "[CMMTTblDci::Parse] ERROR", payload)) {
         return false;
     }
-    vyr::CPayloadReader reader(payload);
+    vyr::CBitReader reader(&payload);
     const unsigned int count = reader.Value(8);
     for (unsigned int i = 0; i < count; ++i) {
         auto asset = std::make_unique<SAsset>();
@@ -22,7 +18,7 @@ try {
             break;
         }
         SAsset& a = *asset;
-        vyr::Append(m_arrayAsset, std::move(asset));
+        m_arrayAsset.Append(std::move(asset));
         reader.Value(7);
         reader.Field(1, a.codecComplexityFlag);
         const bool video = a.mimeType.IsVideo();
@@ -64,9 +60,4 @@ void CMMTTblDci::Dump() const
 bool CMMTTblDci::GetDescriptors(void (* /*callback*/)(void* user, CMMTDesc* descriptor), void* /*user*/)
 {
     return true;
-}
-
-const CMMTTblDci::SAsset* CMMTTblDci::Asset(int index) const
-{
-    return vyr::ElementAt<SAsset>(m_arrayAsset, index);
 }

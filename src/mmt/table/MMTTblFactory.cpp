@@ -10,36 +10,34 @@
 #include "mmt/table/MMTTblSi.h"
 #include "platform/Log.h"
 
+namespace {
+
+constexpr struct {
+    unsigned int first;
+    unsigned int last;
+    CMMTTbl* (*make)();
+} k_tables[] = {{CMMTTblPa::k_tableId, CMMTTblPa::k_tableId, vyr::New<CMMTTbl, CMMTTblPa>},
+                {CMMTTblMpi::k_tableId, CMMTTblMpi::k_lastTableId, vyr::New<CMMTTbl, CMMTTblMpi>},
+                {CMMTTblMp::k_tableId, CMMTTblMp::k_lastTableId, vyr::New<CMMTTbl, CMMTTblMp>},
+                {CMMTTblCri::k_tableId, CMMTTblCri::k_tableId, vyr::New<CMMTTbl, CMMTTblCri>},
+                {CMMTTblDci::k_tableId, CMMTTblDci::k_tableId, vyr::New<CMMTTbl, CMMTTblDci>},
+                {CMMTTblSi::k_tableId, CMMTTblSi::k_tableId, vyr::New<CMMTTbl, CMMTTblSi>}};
+
+}  // namespace
+
 CMMTTbl* CMMTTblFactory::GenerateTbl(IParse::SItem* item)
 try {
-    if (!item) {
-        vyr::AssertFailed({vyr::k_source.text, __func__, 24}, "item");
-        return nullptr;
-    }
-    if (!VYR_ASSERT(item->buffer, "item->buffer") || vyr::BytesLeft(*item) == 0) {
+    if (!VYR_ASSERT_AT(24, item, "item") || !VYR_ASSERT(item->buffer, "item->buffer") || vyr::BytesLeft(*item) == 0) {
         return nullptr;
     }
     const unsigned int id = item->buffer[item->bitpos / 8];
-    if (id == 0) {
-        return new CMMTTblPa;
+    for (const auto& row : k_tables) {
+        if (id >= row.first && id <= row.last) {
+            return row.make();
+        }
     }
-    if (id <= 0x10) {
-        return new CMMTTblMpi;
-    }
-    if (id <= 0x20) {
-        return new CMMTTblMp;
-    }
-    switch (id) {
-        case 0x21:
-            return new CMMTTblCri;
-        case 0x22:
-            return new CMMTTblDci;
-        case 0x23:
-            return new CMMTTblSi;
-        default:
-            VYR_LOG(LOG_PRIORITY_DEBUG, "invalid table id[0x%x]", id);
-            return nullptr;
-    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "invalid table id[0x%x]", id);
+    return nullptr;
 } catch (...) {
     return vyr::OutOfMemory<CMMTTbl*>(VYR_HERE);
 }

@@ -4,17 +4,6 @@
 #include "mmt/Elements.h"
 #include "platform/FailureKeeping.h"
 
-CMMTTblMp::CMMTTblMp()
-    : CMMTTbl(CLASS_TYPE_MP),
-      m_reserved(0),
-      m_mode(0),
-      m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr),
-      m_arrayAsset(vyr::g_CbRemove<CMMTTblMpAsset>, nullptr)
-{
-}
-
-CMMTTblMp::~CMMTTblMp() = default;
-
 bool CMMTTblMp::Parse(SItem* item)
 try {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse]");
@@ -22,25 +11,24 @@ try {
         return false;
     }
     const unsigned char id = TableId();
-    if (id < 0x11 || id > 0x20) {
+    if (id < k_tableId || id > k_lastTableId) {
         return VYR_FAIL(FAILURE_KIND, "[CMMTTblMp::Parse] Table ID ERROR ID=%x", id);
     }
-    m_reserved = static_cast<unsigned char>(t_Value(item, 6));
-    m_mode = static_cast<unsigned char>(t_Value(item, 2));
-    if (id == 0x11 || id == 0x20) {
-        const unsigned int packageIdLength = t_Value(item, 8);
-        m_packageId.Take(t_AllocAndCopy(item, packageIdLength), packageIdLength);
+    vyr::CBitReader reader(item);
+    reader.Field(6, m_reserved);
+    reader.Field(2, m_mode);
+    if (id == k_tableId || id == k_lastTableId) {
+        reader.Keep(reader.Value(8), m_packageId);
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] packageId = %s", m_packageId ? m_packageId.Text() : "");
-        const unsigned int length = t_Value(item, 16);
+        const unsigned int length = reader.Value(16);
         // Required: where the data end here, the rest is empty, and the table is good.
-        if (item->valid && !vyr::ParseDescriptorLoop(item, length, &m_arrayDescriptor)) {
+        if (reader.Valid() && !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
             return false;
         }
     }
-    const unsigned int assets = t_Value(item, 8);
+    const unsigned int assets = reader.Value(8);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] assetNum = %d", static_cast<int>(assets));
-    return vyr::ParseElements<CMMTTblMpAsset>(item, assets, m_arrayAsset, {vyr::k_source.text, __func__, 84},
-                                              "p_asset->Parse(item)", "m_arrayAsset.Add(p_asset)");
+    return vyr::ParseElements(item, assets, m_arrayAsset, 84, "p_asset->Parse(item)");
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }
@@ -53,8 +41,8 @@ void CMMTTblMp::Dump() const
     CMMTTbl::Dump();
     VYR_LOG(LOG_PRIORITY_DEBUG, "reserved [%u] mode [%u] package id [%s]", m_reserved, m_mode,
             m_packageId ? m_packageId.Text() : "");
-    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
-    vyr::DumpElements<CMMTTblMpAsset>(m_arrayAsset);
+    vyr::DumpElements(m_arrayDescriptor);
+    vyr::DumpElements(m_arrayAsset);
 }
 
 bool CMMTTblMp::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
@@ -72,14 +60,4 @@ bool CMMTTblMp::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor
 bool CMMTTblMp::Process()
 {
     return true;
-}
-
-CMMTDesc* CMMTTblMp::Descriptor(int index) const
-{
-    return vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, index);
-}
-
-CMMTTblMpAsset* CMMTTblMp::Asset(int index) const
-{
-    return vyr::ElementAt<CMMTTblMpAsset>(m_arrayAsset, index);
 }

@@ -5,50 +5,34 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblMpAsset::CMMTTblMpAsset()
-    : m_assetType{},
-      m_reserved(0),
-      m_assetClockRelationId(0),
-      m_defaultAssetFlag(false),
-      m_assetClockRelationFlag(false),
-      m_assetTimeScaleFlag(false),
-      m_assetTimeScale(0),
-      m_arrayLocation(vyr::g_CbRemove<CMMTElementLocation>, nullptr),
-      m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr)
-{
-}
-
-CMMTTblMpAsset::~CMMTTblMpAsset() = default;
-
 bool CMMTTblMpAsset::Parse(SItem* item)
 try {
     if (!m_identifier.Parse(item)) {
         return false;
     }
-    const unsigned char* type = t_Byte(item, 4);
+    vyr::CBitReader reader(item);
+    const unsigned char* type = reader.Bytes(4);
     if (!type) {
         return false;
     }
     std::copy(type, type + m_assetType.size(), m_assetType.begin());
-    m_reserved = static_cast<unsigned char>(t_Value(item, 6));
-    m_defaultAssetFlag = t_Value(item, 1) != 0;
-    m_assetClockRelationFlag = t_Value(item, 1) != 0;
+    reader.Field(6, m_reserved);
+    reader.Field(1, m_defaultAssetFlag);
+    reader.Field(1, m_assetClockRelationFlag);
     if (m_assetClockRelationFlag) {
-        m_assetClockRelationId = static_cast<unsigned char>(t_Value(item, 8));
-        m_reserved = static_cast<unsigned char>(t_Value(item, 7));
-        m_assetTimeScaleFlag = t_Value(item, 1) != 0;
+        reader.Field(8, m_assetClockRelationId);
+        reader.Field(7, m_reserved);
+        reader.Field(1, m_assetTimeScaleFlag);
         if (m_assetTimeScaleFlag) {
-            m_assetTimeScale = t_Value(item, 32);
+            reader.Field(32, m_assetTimeScale);
         }
     }
-    const unsigned int locations = t_Value(item, 8);
-    if (!item->valid ||
-        !vyr::ParseElements<CMMTElementLocation>(item, locations, m_arrayLocation, {vyr::k_source.text, __func__, 73},
-                                                 "location->Parse(item)", "m_arrayLocation.Add(location)")) {
+    const unsigned int locations = reader.Value(8);
+    if (!reader.Valid() || !vyr::ParseElements(item, locations, m_arrayLocation, 73, "location->Parse(item)")) {
         return false;
     }
-    const unsigned int length = t_Value(item, 16);
-    if (!item->valid || !vyr::ParseDescriptorLoop(item, length, &m_arrayDescriptor)) {
+    const unsigned int length = reader.Value(16);
+    if (!reader.Valid() || !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
         return false;
     }
     Dump();
@@ -67,8 +51,8 @@ void CMMTTblMpAsset::Dump() const
             m_assetType[1], m_assetType[2], m_assetType[3], m_reserved, m_defaultAssetFlag);
     VYR_LOG(LOG_PRIORITY_DEBUG, "clock relation [%d] id [%u] timescale [%d] [%u]", m_assetClockRelationFlag,
             m_assetClockRelationId, m_assetTimeScaleFlag, m_assetTimeScale);
-    vyr::DumpElements<CMMTElementLocation>(m_arrayLocation);
-    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
+    vyr::DumpElements(m_arrayLocation);
+    vyr::DumpElements(m_arrayDescriptor);
 }
 
 bool CMMTTblMpAsset::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
@@ -76,13 +60,7 @@ bool CMMTTblMpAsset::GetDescriptors(void (*callback)(void* user, CMMTDesc* descr
     return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
 }
 
-CMMTElementLocation* CMMTTblMpAsset::Location(unsigned char index) const
-{
-    return vyr::ElementAt<CMMTElementLocation>(m_arrayLocation, index);
-}
-
 CMMTDesc* CMMTTblMpAsset::AssetDescriptor(unsigned int index) const
 {
-    return index < AssetDescriptorSize() ? vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, static_cast<int>(index))
-                                         : nullptr;
+    return index < AssetDescriptorSize() ? m_arrayDescriptor.At(static_cast<int>(index)) : nullptr;
 }

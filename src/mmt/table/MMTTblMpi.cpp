@@ -4,38 +4,25 @@
 #include "mmt/Elements.h"
 #include "platform/FailureKeeping.h"
 
-CMMTTblMpi::CMMTTblMpi()
-    : CMMTTbl(CLASS_TYPE_MPI),
-      m_reservedBeforeMode(0),
-      m_piMode(0),
-      m_reservedBehindMode(0),
-      m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr),
-      m_arrayPiContent(vyr::g_CbRemove<CMMTTblMpiContent>, nullptr)
-{
-}
-
-CMMTTblMpi::~CMMTTblMpi() = default;
-
 bool CMMTTblMpi::Parse(SItem* item)
 try {
     if (!t_ParseHeader(item, "[CMMTTblMpi::Parse] ERROR")) {
         return false;
     }
     const unsigned char id = TableId();
-    if (id < 0x01 || id > 0x10) {
+    if (id < k_tableId || id > k_lastTableId) {
         return VYR_FAIL(FAILURE_KIND, "[CMMTTblMpi::Parse] Table ID ERROR ID=%x", id);
     }
-    m_reservedBeforeMode = static_cast<unsigned char>(t_Value(item, 4));
-    m_piMode = static_cast<unsigned char>(t_Value(item, 2));
-    m_reservedBehindMode = static_cast<unsigned char>(t_Value(item, 2));
-    const unsigned int length = t_Value(item, 16);
-    if (!item->valid || !vyr::ParseDescriptorLoop(item, length, &m_arrayDescriptor)) {
+    vyr::CBitReader reader(item);
+    reader.Field(4, m_reservedBeforeMode);
+    reader.Field(2, m_piMode);
+    reader.Field(2, m_reservedBehindMode);
+    const unsigned int length = reader.Value(16);
+    if (!reader.Valid() || !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
         return false;
     }
-    const unsigned int contents = t_Value(item, 8);
-    return item->valid &&
-           vyr::ParseElements<CMMTTblMpiContent>(item, contents, m_arrayPiContent, {vyr::k_source.text, __func__, 71},
-                                                 "p_content->Parse(item)", "m_arrayPiContent.Add(p_content)");
+    const unsigned int contents = reader.Value(8);
+    return reader.Valid() && vyr::ParseElements(item, contents, m_arrayPiContent, 71, "p_content->Parse(item)");
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }
@@ -48,8 +35,8 @@ void CMMTTblMpi::Dump() const
     CMMTTbl::Dump();
     VYR_LOG(LOG_PRIORITY_DEBUG, "reserved [%u] PI mode [%u] reserved [%u]", m_reservedBeforeMode, m_piMode,
             m_reservedBehindMode);
-    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
-    vyr::DumpElements<CMMTTblMpiContent>(m_arrayPiContent);
+    vyr::DumpElements(m_arrayDescriptor);
+    vyr::DumpElements(m_arrayPiContent);
 }
 
 bool CMMTTblMpi::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
@@ -59,17 +46,7 @@ bool CMMTTblMpi::GetDescriptors(void (*callback)(void* user, CMMTDesc* descripto
         return false;
     }
     for (int i = 0; i < m_arrayPiContent.Size(); ++i) {
-        vyr::ElementAt<CMMTTblMpiContent>(m_arrayPiContent, i)->GetDescriptors(callback, user);
+        m_arrayPiContent.At(i)->GetDescriptors(callback, user);
     }
     return true;
-}
-
-CMMTDesc* CMMTTblMpi::Descriptor(int index) const
-{
-    return vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, index);
-}
-
-CMMTTblMpiContent* CMMTTblMpi::PiContent(unsigned short index) const
-{
-    return vyr::ElementAt<CMMTTblMpiContent>(m_arrayPiContent, index);
 }

@@ -3,37 +3,20 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblMpiContent::CMMTTblMpiContent() : m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr) {}
-
-CMMTTblMpiContent::~CMMTTblMpiContent() = default;
-
-/// Copies what a length of `bits` spans into `bytes`; `held` is asserted when there is a copy already.
-bool CMMTTblMpiContent::m_Copy(SItem* item, unsigned int bits, vyr::CBytes& bytes, int line, const char* held)
-{
-    const unsigned int length = t_Value(item, bits);
-    if (!item || !item->valid) {
-        return false;
-    }
-    if (bytes) {
-        vyr::AssertFailed({vyr::k_source.text, "Parse", line}, held);
-    }
-    bytes.Take(t_AllocAndCopy(item, length), length);
-    return true;
-}
-
 bool CMMTTblMpiContent::Parse(SItem* item)
 try {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMpiContent::Parse");
-    if (!m_Copy(item, 8, m_piContentType, 24, "!m_piContentType") ||
-        !m_Copy(item, 8, m_piContentName, 32, "!m_piContentName")) {
+    vyr::CBitReader reader(item);
+    if (!vyr::KeepFirst(reader, 8, m_piContentType, 24, "!m_piContentType") ||
+        !vyr::KeepFirst(reader, 8, m_piContentName, 32, "!m_piContentName")) {
         return false;
     }
-    const unsigned int length = t_Value(item, 16);
-    if (!item->valid || !vyr::ParseDescriptorLoop(item, length, &m_arrayDescriptor) ||
-        !m_Copy(item, 16, m_piContent, 49, "!m_piContent")) {
+    const unsigned int length = reader.Value(16);
+    if (!reader.Valid() || !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor) ||
+        !vyr::KeepFirst(reader, 16, m_piContent, 49, "!m_piContent")) {
         return false;
     }
-    return item->valid;
+    return reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }
@@ -42,15 +25,10 @@ void CMMTTblMpiContent::Dump() const
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "content type [%s] name [%s] length [%u]", m_piContentType ? PiContentType() : "",
             m_piContentName ? PiContentName() : "", m_piContent.Length());
-    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
+    vyr::DumpElements(m_arrayDescriptor);
 }
 
 bool CMMTTblMpiContent::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
     return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
-}
-
-CMMTDesc* CMMTTblMpiContent::Descriptor(int index) const
-{
-    return vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, index);
 }

@@ -3,17 +3,6 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblPa::CMMTTblPa()
-    : CMMTTbl(CLASS_TYPE_PA),
-      m_arrayTable(vyr::g_CbRemove<CMMTTblPaInfo>, nullptr),
-      m_reserved(0),
-      m_privateFlag(0),
-      m_callback{}
-{
-}
-
-CMMTTblPa::~CMMTTblPa() = default;
-
 bool CMMTTblPa::Parse(SItem* item)
 try {
     if (!t_ParseHeader(item, "[CMMTTblPa::Parse] ERROR")) {
@@ -22,14 +11,14 @@ try {
         }
         return false;
     }
-    const unsigned int count = t_Value(item, 8);
-    if (!vyr::ParseElements<CMMTTblPaInfo>(item, count, m_arrayTable, {vyr::k_source.text, __func__, 75},
-                                           "p_unit->Parse(item)", "m_arrayTable.Add(p_unit)")) {
+    vyr::CBitReader reader(item);
+    const unsigned int count = reader.Value(8);
+    if (!vyr::ParseElements(item, count, m_arrayTable, 75, "p_unit->Parse(item)")) {
         return false;
     }
-    m_reserved = static_cast<unsigned char>(t_Value(item, 7));
-    m_privateFlag = static_cast<unsigned char>(t_Value(item, 1));
-    return item->valid;
+    reader.Field(7, m_reserved);
+    reader.Field(1, m_privateFlag);
+    return reader.Valid();
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }
@@ -40,7 +29,7 @@ void CMMTTblPa::Dump() const
         return;
     }
     CMMTTbl::Dump();
-    vyr::DumpElements<CMMTTblPaInfo>(m_arrayTable);
+    vyr::DumpElements(m_arrayTable);
     VYR_LOG(LOG_PRIORITY_DEBUG, "reserved [%u] private extension [%u]", m_reserved, m_privateFlag);
 }
 
@@ -68,9 +57,4 @@ bool CMMTTblPa::Process()
 void CMMTTblPa::SetCallback(const SCallback* callback)
 {
     m_callback = callback ? *callback : SCallback{};
-}
-
-CMMTTblPaInfo* CMMTTblPa::Info(int index) const
-{
-    return vyr::ElementAt<CMMTTblPaInfo>(m_arrayTable, index);
 }

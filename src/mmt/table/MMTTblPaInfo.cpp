@@ -1,24 +1,22 @@
 #include "mmt/table/MMTTblPaInfo.h"
 
+#include "common/BitReader.h"
 #include "platform/Log.h"
-
-CMMTTblPaInfo::CMMTTblPaInfo() : m_tableId(0), m_tableVersion(0), m_reserved(0), m_flag(0) {}
-
-CMMTTblPaInfo::~CMMTTblPaInfo() = default;
 
 bool CMMTTblPaInfo::Parse(SItem* item)
 {
-    m_tableId = static_cast<unsigned char>(t_Value(item, 8));
-    m_tableVersion = static_cast<unsigned char>(t_Value(item, 8));
+    vyr::CBitReader reader(item);
+    reader.Field(8, m_tableId);
+    reader.Field(8, m_tableVersion);
     if (!m_location.Parse(item)) {
         return false;
     }
-    m_reserved = static_cast<unsigned char>(t_Value(item, 7));
-    m_flag = static_cast<unsigned char>(t_Value(item, 1));
+    reader.Field(7, m_reserved);
+    reader.Field(1, m_flag);
     if (m_flag && !m_alternativeLocation.Parse(item)) {
         return false;
     }
-    return item->valid;
+    return reader.Valid();
 }
 
 void CMMTTblPaInfo::Dump() const

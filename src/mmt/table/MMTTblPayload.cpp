@@ -1,16 +1,11 @@
 #include "mmt/table/MMTTblPayload.h"
 
+#include "common/BitReader.h"
 #include "common/OutOfMemory.h"
-
-CMMTTblPayload::~CMMTTblPayload() = default;
 
 bool CMMTTblPayload::t_ParsePayload(SItem* item, const char* error, SItem& payload)
 try {
-    if (!t_ParseHeader(item, error)) {
-        return false;
-    }
-    m_payload.Take(t_AllocAndCopy(item, Length()), Length());
-    if (!m_payload) {
+    if (!t_ParseHeader(item, error) || !vyr::CBitReader(item).Keep(Length(), m_payload)) {
         return false;
     }
     payload = m_payload.Item();

@@ -3,33 +3,24 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 
-CMMTTblSi::CMMTTblSi() : CMMTTblPayload(CLASS_TYPE_SI), m_arrayDescriptor(vyr::g_CbRemove<CMMTDesc>, nullptr) {}
-
-CMMTTblSi::~CMMTTblSi() = default;
-
 bool CMMTTblSi::Parse(SItem* item)
 {
     SItem payload;
     if (!t_ParsePayload(item, "[CMMTTblSi::Parse] ERROR", payload)) {
         return false;
     }
-    item->valid = vyr::ParseDescriptorLoop(&payload, payload.size, &m_arrayDescriptor);
+    item->valid = vyr::ParseDescriptorLoop(&payload, payload.size, m_arrayDescriptor);
     return item->valid;
 }
 
 void CMMTTblSi::Dump() const
 {
     CMMTTbl::Dump();
-    vyr::DumpElements<CMMTDesc>(m_arrayDescriptor);
+    vyr::DumpElements(m_arrayDescriptor);
 }
 
 bool CMMTTblSi::GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user)
 {
     const vyr::CScoped<bool> visiting(t_visiting, true, t_visiting);
     return vyr::VisitDescriptors(m_arrayDescriptor, callback, user);
-}
-
-CMMTDesc* CMMTTblSi::Descriptor(int index) const
-{
-    return vyr::ElementAt<CMMTDesc>(m_arrayDescriptor, index);
 }

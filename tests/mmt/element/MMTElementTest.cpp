@@ -136,6 +136,36 @@ TEST_F(MMTElementTest, LocationsOfEveryType)
     }
 }
 
+TEST_F(MMTElementTest, UnitsKeepWhatACutFlowLeavesAndSpeakUnderTheirGettersName)
+{
+    const std::string whole("\xC0\xA8\x00\x01\xE0\x00\x17\x3C\x13\x88\x12\x34\x81\x01", 14);
+    CLocationUnitA unit;
+    EXPECT_EQ(Answers(unit), "packet=0 port=0 msg=0 src4=0 dst4=0");
+    EXPECT_TRUE(SFed(unit, whole).result);
+    EXPECT_FALSE(SFed(unit, whole.substr(0, 9)).result);
+    EXPECT_EQ(Answers(unit), "packet=1234 port=0 msg=8101 src4=100a8c0 dst4=3c1700e0");
+    EXPECT_FALSE(unit.GetMsgId(nullptr));
+    EXPECT_EQ(Logged("GetMsgId("), 1);
+    EXPECT_EQ(Logged("ASSERT!, Func:GetMsgId, Line:"), 1);
+    EXPECT_EQ(TakeAssertions(), "out");
+    s_log.clear();
+    unit.Dump();
+    std::string dumped;
+    for (const std::string& line : s_log) {
+        EXPECT_NE(line.find(" Dump("), std::string::npos) << line;
+        dumped += line.substr(line.find("> "));
+    }
+    EXPECT_EQ(dumped,
+              "> source [0xc0a80001] destination [0xe000173c]> destination port [0]> packet id [4660]"
+              "> message id [33025]");
+    CLocationUnit5 url;
+    EXPECT_EQ(Answers(url), "url=");
+    EXPECT_TRUE(SFed(url, "\3abc").result);
+    EXPECT_FALSE(SFed(url, "\3ab").result);
+    EXPECT_EQ(Answers(url), "url=");
+    EXPECT_TRUE(CLocationUnit7().Parse(nullptr));
+}
+
 TEST_F(MMTElementTest, LocationsThatDoNotParse)
 {
     for (const int type : {0x0D, 0xFF}) {
