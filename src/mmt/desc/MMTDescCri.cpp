@@ -1,6 +1,7 @@
 #include "mmt/desc/MMTDescCri.h"
 
 #include "common/BitReader.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 bool CMMTDescCri::Parse(SItem* item)
@@ -19,9 +20,8 @@ bool CMMTDescCri::Parse(SItem* item)
         return false;
     }
     if (t_length == 0 || t_length % k_unitSize != 0) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTDescCri::Parse] DescLength mismatch ERROR Length = %u", t_length);
         reader.Stop();
-        return false;
+        return VYR_FAIL(FAILURE_SIZE, "[CMMTDescCri::Parse] DescLength mismatch ERROR Length = %u", t_length);
     }
     // Required: a descriptor of several records is accepted, and its records are not read.
     if (t_length != k_unitSize) {
