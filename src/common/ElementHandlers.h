@@ -5,6 +5,7 @@
 #include <memory>
 #include <type_traits>
 
+#include "common/Give.h"
 #include "common/OutOfMemory.h"
 #include "common/Owned.h"
 #include "common/XmlNode.h"
@@ -78,35 +79,19 @@ bool CreateState(TState*& m, const SHere& here, TAdd addHandlers)
     return CreateState(m, here) && addHandlers();
 }
 
-/// Gives a value to a getter's output; false: memory is out, and the output is untouched.
-template <class T, class TOut>
-bool Give(const T& value, TOut& out)
-{
-    if constexpr (std::is_trivially_copyable_v<T>) {
-        out = static_cast<TOut>(value);
-    } else {
-        try {
-            out = static_cast<TOut>(value);
-        } catch (...) {
-            return OutOfMemory(VYR_HERE);
-        }
-    }
-    return true;
-}
-
 /// Which child elements a walk logs by name.
 enum EChildLog { LOG_ALL_CHILDREN, LOG_HANDLED_CHILDREN, LOG_NO_CHILDREN };
 
 /// Calls the handler of each child element of `node` that has one, in document order; the others, and
-/// whatever is not an element, are skipped. `format` is the message that logs a name, with one %s.
+/// whatever is not an element, are skipped. `format` is the message that logs a name, with one %s; null: none does.
 template <class TParser>
-void DispatchChildren(TParser* parser, const SRows& handlers, void* node, EChildLog log, const char* format,
-                      const SHere& here)
+void DispatchChildren(TParser* parser, const SRows& rows, void* node, EChildLog log = LOG_NO_CHILDREN,
+                      const char* format = nullptr, VYR_CALLER)
 {
-    const bool shown = LogEnabled(LOG_PRIORITY_DEBUG);
+    const bool shown = format && LogEnabled(LOG_PRIORITY_DEBUG);
     for (void* child = FirstElement(node); child; child = NextElement(child)) {
         const char* name = NodeName(child);
-        const SElementHandler<TParser>* row = handlers.Find<TParser>(name);
+        const SElementHandler<TParser>* row = rows.Find<TParser>(name);
         if (shown && (log == LOG_ALL_CHILDREN || (row && log == LOG_HANDLED_CHILDREN))) {
             Print(LOG_PRIORITY_DEBUG, here, format, name);
         }
@@ -114,6 +99,14 @@ void DispatchChildren(TParser* parser, const SRows& handlers, void* node, EChild
             row->handler(parser, child);
         }
     }
+}
+
+/// The same with the rows of a class.
+template <class TParser, std::size_t N>
+void DispatchChildren(TParser* parser, const SElementHandler<TParser> (&table)[N], void* node,
+                      EChildLog log = LOG_NO_CHILDREN, const char* format = nullptr, VYR_CALLER)
+{
+    DispatchChildren(parser, SRows{table, N}, node, log, format, here);
 }
 
 using ::SDestroy;

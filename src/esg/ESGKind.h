@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "common/ElementHandlers.h"
-#include "common/XmlNode.h"
+#include "common/XmlRead.h"
 #include "esg/ESGElement/ESGElement.h"
 #include "platform/Log.h"
 
@@ -51,7 +51,7 @@ SRows Handlers()
 template <class TState>
 void TakeChildren(TState* state, void* node)
 {
-    DispatchChildren(state, state->kind->handlers(), node, LOG_NO_CHILDREN, "%s", VYR_HERE);
+    DispatchChildren(state, state->kind->handlers(), node);
 }
 
 /// SESGKind::read of an element without children.
@@ -98,30 +98,16 @@ constexpr SESGKind ElementKind(const char* file, const char* className, const ch
 /// A new record of the class.
 SESGState* CreateState(const SESGKind& kind);
 
-/// Copy of a text of `length` bytes, zero-terminated.
-TESGText NewText(const char* text, std::size_t length);
-
 /// The namespace of an element; null: none.
 TESGText Namespace(const CXML& xml, void* node);
 
-// A value from an attribute or an element's text that may be missing.
-void Read(const CNodeText& text, TESGText& out);
-void Read(const CNodeText& text, int& out);
-void Read(const CNodeText& text, unsigned int& out);
-void Read(const CNodeText& text, unsigned short& out);
 /// True for "true", false for "false"; other text leaves it.
 void Read(const CNodeText& text, bool& out);
 
 /// Seconds since 1970 of a date such as "2026-01-31T20:15:00Z"; 0 for other text or none.
 void ReadDate(void* node, const char* name, long long& out);
 
-template <class T>
-void ReadAttribute(void* node, const char* name, T& out)
-{
-    Read(CNodeText::Attribute(node, name), out);
-}
-
-/// The same; an attribute that is not there leaves the value.
+/// ReadAttribute; an attribute that is not there leaves the value.
 template <class T>
 void UpdateAttribute(void* node, const char* name, T& out)
 {

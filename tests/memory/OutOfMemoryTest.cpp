@@ -380,7 +380,7 @@ std::vector<SKind> Kinds()
     kinds.push_back(Xml<CROUTEUsbd>("route_documents/usbd", 1, [](const CROUTEUsbd& usbd) {
         const CDeliveryMethod* method =
             static_cast<const CDeliveryMethod*>(usbd.State()->deliveryMethods.Data(usbd.NumOfDeliveryMethod() - 1));
-        return Text(usbd.GlobalServiceId()) + std::to_string(method->State()->unicastAppSvcs.size()) +
+        return Text(usbd.GlobalServiceId()) + std::to_string(method->State()->unicastAppSvcs.Size()) +
                Text(usbd.ActivationTime());
     }));
     kinds.push_back(Xml<CEFDT>("route_documents/real-fdt", 1, [](const CEFDT& efdt) {

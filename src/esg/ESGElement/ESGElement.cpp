@@ -1,6 +1,5 @@
 #include "esg/ESGElement/ESGElement.h"
 
-#include <algorithm>
 #include <cstring>
 #include <ctime>
 
@@ -103,39 +102,11 @@ SESGState* CreateState(const SESGKind& kind)
     return state;
 }
 
-TESGText NewText(const char* text, std::size_t length)
-{
-    TESGText copy(new char[length + 1]);
-    std::copy_n(text, length, copy.get());
-    copy[length] = 0;
-    return copy;
-}
-
 TESGText Namespace(const CXML& xml, void* node)
 {
     bool found = false;
     TESGText ns(xml.Ns(node, &found));
     return found ? std::move(ns) : nullptr;
-}
-
-void Read(const CNodeText& text, TESGText& out)
-{
-    out = text.Found() ? NewText(text.Text(), std::strlen(text.Text())) : nullptr;
-}
-
-void Read(const CNodeText& text, int& out)
-{
-    out = text.Int(0);
-}
-
-void Read(const CNodeText& text, unsigned int& out)
-{
-    out = static_cast<unsigned int>(text.Int(0));
-}
-
-void Read(const CNodeText& text, unsigned short& out)
-{
-    out = static_cast<unsigned short>(text.Int(0));
 }
 
 void Read(const CNodeText& text, bool& out)
