@@ -84,7 +84,7 @@ bool SState::m_ProcessParse(void* root)
         services.RemoveAll();
     }
     vyr::ReadAttribute(root, "RSATInetURL", RSATInetURL);
-    vyr::DispatchChildren(this, k_handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CRSAT::m_ProcessParseRSAT] Name[%s]");
+    vyr::DispatchChildren(this, k_handlers, root, "[CRSAT::m_ProcessParseRSAT] Name[%s]");
     return true;
 }
 

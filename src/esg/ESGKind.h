@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "common/ElementHandlers.h"
+#include "common/XmlDocument.h"
 #include "common/XmlRead.h"
 #include "esg/ESGElement/ESGElement.h"
 #include "platform/Log.h"
@@ -18,7 +19,7 @@ namespace vyr {
 
 /// What a class of the guide is.
 struct SESGKind {
-    const char* file;       ///< its source, as the log has it
+    SHere where;            ///< where it is told: the source of the class, and a line of it
     const char* className;  ///< its name, as the log has it
     const char* element;    ///< name of the element that it parses
     const char* process;    ///< the step of reading it, as the log has it
@@ -29,7 +30,8 @@ struct SESGKind {
     bool (*read)(SESGState& state, void* node);
     const char* otherElement = nullptr;  ///< second name of the element, or null
 
-    SHere Here(const char* function, int line) const { return {file, function, line}; }
+    /// Where a message comes from that a function of the base has for the class.
+    SHere Here(const char* function) const { return {where.file, function, where.line}; }
 };
 
 /// SESGKind::create of a class with the record TState.
@@ -73,19 +75,19 @@ bool ReadElementAndChildren(SESGState& state, void* node)
 
 /// What an element without children is: TRead(record, node), on the base TBase of the record TState, reads it.
 template <class TState, auto TRead, class TBase = TState>
-constexpr SESGKind ElementKind(const char* file, const char* className, const char* element,
-                               const char* otherElement = nullptr)
+constexpr SESGKind ElementKind(const char* className, const char* element, const char* otherElement = nullptr,
+                               VYR_CALLER)
 {
-    return {file,        className, element, "m_Process()", NewState<TState>, nullptr, ReadElement<TBase, TRead>,
+    return {here,        className, element, "m_Process()", NewState<TState>, nullptr, ReadElement<TBase, TRead>,
             otherElement};
 }
 
 /// What an element with children is, whose handlers are the table THandlers.
 template <class TState, auto TRead, const auto& THandlers>
-constexpr SESGKind ElementKind(const char* file, const char* className, const char* element,
-                               const char* otherElement = nullptr)
+constexpr SESGKind ElementKind(const char* className, const char* element, const char* otherElement = nullptr,
+                               VYR_CALLER)
 {
-    return {file,
+    return {here,
             className,
             element,
             "m_Process()",
@@ -168,18 +170,6 @@ void TakeRecord(typename SMember<TMember>::TState* state, void* node)
 {
     TRead(Fresh(state->*TMember), node);
 }
-
-/// Lets go of a document when the parse ends, however it does.
-struct SDocumentEnd {
-    CXML& xml;
-
-    ~SDocumentEnd()
-    {
-        if (xml.FlagCreate()) {
-            xml.Destroy();
-        }
-    }
-};
 
 /// CESGElement::Parse inside the parse of another: memory that is out ends the whole.
 struct SESGChild {

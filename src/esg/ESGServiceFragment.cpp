@@ -95,7 +95,7 @@ void CESGServiceFragment::sm_CbGetSltService(void* /*service*/, void* /*fragment
 
 const vyr::SESGKind& CESGServiceFragment::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = {vyr::k_source.text,
+    static constexpr vyr::SESGKind k_kind = {VYR_HERE,
                                              "CESGServiceFragment",
                                              "Service",
                                              "m_ProcessESGServiceFragment(root)",

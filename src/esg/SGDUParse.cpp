@@ -21,7 +21,7 @@ CSGDUParse::~CSGDUParse()
 
 bool CSGDUParse::Create()
 {
-    if (!vyr::CreateState(m, VYR_HERE)) {
+    if (!vyr::CreateState(m)) {
         return false;
     }
     VYR_LOG(LOG_PRIORITY_INFO, "create SGDU");

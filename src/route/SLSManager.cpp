@@ -174,7 +174,7 @@ CSLSManager::~CSLSManager()
 
 bool CSLSManager::Create(const SCallback* cb)
 {
-    if (!vyr::CreateState(m, VYR_HERE)) {
+    if (!vyr::CreateState(m)) {
         return false;
     }
     if (cb) {

@@ -52,7 +52,7 @@ struct CTree::SState : vyr::TXmlState<STree> {
             return false;
         }
         values.name += name.Found() ? name.Text() : "";
-        vyr::DispatchChildren(this, k_handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CTree::m_ProcessParse] Name[%s]");
+        vyr::DispatchChildren(this, k_handlers, root, "[CTree::m_ProcessParse] Name[%s]");
         return true;
     }
 };

@@ -54,6 +54,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 const vyr::SESGKind& CBroadcastArea::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CBroadcastArea", "BroadcastArea");
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CBroadcastArea", "BroadcastArea");
     return k_kind;
 }

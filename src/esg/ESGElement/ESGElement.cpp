@@ -24,14 +24,14 @@ CESGElement::CESGElement() : m(nullptr) {}
 CESGElement::~CESGElement()
 {
     if (m) {
-        vyr::AssertFailed(m->kind->Here(__func__, __LINE__), "!m");
+        vyr::AssertFailed(m->kind->Here(__func__), "!m");
     }
 }
 
 bool CESGElement::Create(void* doc, void* node)
 try {
     const vyr::SESGKind& kind = t_Kind();
-    const vyr::SHere here = kind.Here(__func__, __LINE__);
+    const vyr::SHere here = kind.Here(__func__);
     const char* wrong = m ? "!m" : !doc ? "doc" : !node ? "node" : nullptr;
     if (wrong) {
         return vyr::AssertFailed(here, wrong);
@@ -44,20 +44,20 @@ try {
     }
     return m != nullptr;
 } catch (...) {
-    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
+    return vyr::OutOfMemory(t_Kind().Here(__func__));
 }
 
 bool CESGElement::Parse()
 try {
     return m_Parse();
 } catch (...) {
-    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
+    return vyr::OutOfMemory(t_Kind().Here(__func__));
 }
 
 /// Parse, which throws when memory is out; the object may try again then.
 bool CESGElement::m_Parse()
 {
-    const vyr::SHere here = t_Kind().Here("Parse", __LINE__);
+    const vyr::SHere here = t_Kind().Here("Parse");
     if (!m) {
         return vyr::AssertFailed(here, "m");
     }
@@ -85,7 +85,7 @@ bool CESGElement::m_Process()
 void CESGElement::Destroy()
 {
     if (!m) {
-        vyr::AssertFailed(t_Kind().Here(__func__, __LINE__), "m");
+        vyr::AssertFailed(t_Kind().Here(__func__), "m");
         return;
     }
     VYR_LOG(LOG_PRIORITY_INFO, "[%s::Destroy]", m->kind->className);

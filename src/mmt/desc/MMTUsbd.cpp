@@ -119,7 +119,7 @@ void sm_CbUSD(SState* m, void* node)
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTUsbd::sm_CbUSD] globalServiceId [%s] serviceId [%d]",
             values.globalServiceId ? values.globalServiceId : "", values.serviceId);
     values.serviceStatus = CNodeText::Attribute(node, "serviceStatus").Int(-1) == 1;
-    vyr::DispatchChildren(m, k_handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CMMTUsbd::sm_CbUSD] %s");
+    vyr::DispatchChildren(m, k_handlers, node, "[CMMTUsbd::sm_CbUSD] %s");
 }
 
 bool SState::m_ProcessParse(void* root)
@@ -131,7 +131,7 @@ bool SState::m_ProcessParse(void* root)
     if (!values.globalServiceId) {
         globalServiceId.reset();
     }
-    vyr::DispatchChildren(this, k_handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CMMTUsbd::m_ProcessParseUsbd] %s");
+    vyr::DispatchChildren(this, k_handlers, root, "[CMMTUsbd::m_ProcessParseUsbd] %s");
     return true;
 }
 

@@ -41,7 +41,7 @@ template <const SNotes& TNotes>
 bool SState<TNotes>::m_ProcessParse(void* root)
 {
     vyr::Renew(*this);
-    vyr::DispatchChildren(this, k_handlers<TNotes>, root, vyr::LOG_HANDLED_CHILDREN, TNotes.process);
+    vyr::DispatchChildren(this, k_handlers<TNotes>, root, TNotes.process);
     return true;
 }
 

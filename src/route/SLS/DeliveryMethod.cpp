@@ -30,8 +30,7 @@ constexpr vyr::SElementHandler<SState> k_handlers[] = {
 bool SState::m_ProcessParse(void* root)
 {
     vyr::Renew(*this);
-    vyr::DispatchChildren(this, k_handlers, root, vyr::LOG_HANDLED_CHILDREN,
-                          "[CDeliveryMethod::m_ProcessParseDeliveryMethod] %s");
+    vyr::DispatchChildren(this, k_handlers, root, "[CDeliveryMethod::m_ProcessParseDeliveryMethod] %s");
     return true;
 }
 

@@ -121,7 +121,7 @@ bool SState::m_ProcessParse(void* root)
             static_cast<int>(fresh->maxTransportSize));
     std::unique_ptr<SEFDTInfo> before = std::exchange(info, std::move(fresh));
     try {
-        vyr::DispatchChildren(this, k_handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CEFDT::m_ProcessParseEFDT] %s");
+        vyr::DispatchChildren(this, k_handlers, root, "[CEFDT::m_ProcessParseEFDT] %s");
     } catch (...) {
         info = std::move(before);
         throw;
@@ -165,7 +165,7 @@ void SState::m_OnFDTParameters(void* node)
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CFDTParameters::m_OnFDTParameters] afdt:efdtVersion not exist!!");
     }
     // An instance inside this one takes its place, so that `global` is not to be used below.
-    vyr::DispatchChildren(this, k_handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CFDTParameters::m_OnFDTParameters] %s");
+    vyr::DispatchChildren(this, k_handlers, node, "[CFDTParameters::m_OnFDTParameters] %s");
 }
 
 }  // namespace

@@ -263,7 +263,7 @@ bool SState::m_ProcessParse(void* root)
 
 void SState::Walk(void* node)
 {
-    vyr::DispatchChildren(this, k_handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CMPD::m_ProcessParseMPD] %s");
+    vyr::DispatchChildren(this, k_handlers, node, "[CMPD::m_ProcessParseMPD] %s");
 }
 
 /// A text of the record, which lives as long as the record.

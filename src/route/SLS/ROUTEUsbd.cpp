@@ -87,7 +87,7 @@ bool SState::m_ProcessParse(void* root)
 
 void SState::m_Dispatch(void* node)
 {
-    vyr::DispatchChildren(this, k_handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CROUTEUsbd::m_ProcessParseUsbd] %s");
+    vyr::DispatchChildren(this, k_handlers, node, "[CROUTEUsbd::m_ProcessParseUsbd] %s");
 }
 
 }  // namespace
