@@ -178,7 +178,7 @@ struct SESGChild {
 
 /// An element object made of a child, and parsed; null after logging the failed step.
 template <class TChild>
-TOwned<TChild> BuildElement(void* doc, void* node, const SChildSteps& steps, const SHere& here)
+TOwned<TChild> BuildElement(void* doc, void* node, const SChildSteps& steps, VYR_CALLER)
 {
     return BuildChild<TChild>(
         steps, here, [doc, node](TChild& child) { return child.Create(doc, node); }, [](TChild&) { return true; },
@@ -186,13 +186,13 @@ TOwned<TChild> BuildElement(void* doc, void* node, const SChildSteps& steps, con
 }
 
 template <class TChild>
-void Build(TOwned<TChild>& single, void* doc, void* node, const SChildSteps& steps, const SHere& here)
+void Build(TOwned<TChild>& single, void* doc, void* node, const SChildSteps& steps, VYR_CALLER)
 {
     single = BuildElement<TChild>(doc, node, steps, here);
 }
 
 template <class TChild>
-void Build(TOwnedList<TChild>& list, void* doc, void* node, const SChildSteps& steps, const SHere& here)
+void Build(TOwnedList<TChild>& list, void* doc, void* node, const SChildSteps& steps, VYR_CALLER)
 {
     if (TOwned<TChild> child = BuildElement<TChild>(doc, node, steps, here)) {
         list.push_back(std::move(child));
@@ -204,7 +204,7 @@ void Build(TOwnedList<TChild>& list, void* doc, void* node, const SChildSteps& s
 template <auto TMember, const SChildSteps& TSteps>
 void TakeElement(typename SMember<TMember>::TState* state, void* node)
 {
-    Build(state->*TMember, state->xml.Doc(), node, TSteps, VYR_HERE);
+    Build(state->*TMember, state->xml.Doc(), node, TSteps, state->kind->Here(__func__));
 }
 
 /// The steps of an element object that a fragment has a list of.

@@ -55,7 +55,7 @@ bool CSGDDParse::SState::m_ProcessParse(void* root)
 void CSGDDParse::SState::sm_CbDescriptorEntry(SState* m, void* curr)
 {
     static constexpr vyr::SChildSteps k_steps = {"entry->Create(root->t_xml.Doc(), curr)", "entry->Parse()"};
-    vyr::Build(m->values.descriptorEntries, m->xml->Doc(), curr, k_steps, VYR_HERE);
+    vyr::Build(m->values.descriptorEntries, m->xml->Doc(), curr, k_steps);
 }
 
 vyr::SXmlKind CSGDDParse::t_Kind() const

@@ -226,7 +226,7 @@ bool CParseAEAT::t_Parse(IParse::SItem* item)
         return false;
     }
     m->replace.Drop<SAEAInfo>(m->alerts, held);
-    m->replace.End("CParseAEAT", VYR_HERE);
+    m->replace.End("CParseAEAT");
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseAEAT::t_Parse] AEA Table size[%d]", m->alerts.Size());
     m_DumpAEAT();
     return true;

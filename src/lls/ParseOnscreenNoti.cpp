@@ -130,7 +130,7 @@ bool CParseOnscreenNoti::t_Parse(IParse::SItem* item)
         return false;
     }
     m->replace.Drop<SKeepScreenClear>(m->entries, held);
-    m->replace.End("CParseOnscreenNoti", VYR_HERE);
+    m->replace.End("CParseOnscreenNoti");
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::t_Parse] array size[%d]", m->entries.Size());
     m_DumpKSC();
     return true;

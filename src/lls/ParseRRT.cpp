@@ -242,7 +242,7 @@ bool CParseRRT::t_Parse(IParse::SItem* item)
         return false;
     }
     m->replace.Drop(m->regions, held);
-    m->replace.End("CParseRRT", VYR_HERE);
+    m->replace.End("CParseRRT");
     if (m->callback.fn) {
         m->callback.fn(m->callback.userData, 1);
     }

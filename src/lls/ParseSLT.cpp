@@ -487,7 +487,7 @@ void CParseSLT::m_PutAside(int services, int urls)
         m->gone.open = false;
         m->replace.Drop<SParseSLT::SSltInetUrl>(m->sltInetUrls, urls);
     }
-    m->replace.End("CParseSLT", VYR_HERE);
+    m->replace.End("CParseSLT");
 }
 
 /// Tells of the services that were put aside and are not offered to the channel map any more.

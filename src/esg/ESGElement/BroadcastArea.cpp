@@ -34,7 +34,7 @@ void TakeCells(TState* state, void* child)
 {
     static constexpr vyr::SChildSteps k_steps = {"root->m->p_area->cellTargetArea->Create(root->m->pdoc, curr)",
                                                  "root->m->p_area->cellTargetArea->Parse()"};
-    vyr::Build(Area(state).cellTargetArea, state->pdoc, child, k_steps, VYR_HERE);
+    vyr::Build(Area(state).cellTargetArea, state->pdoc, child, k_steps);
 }
 
 void ReadAttributes(TState& state, void* node)

@@ -2,8 +2,7 @@
 
 #include "common/Give.h"
 #include "common/ServiceLinkage.h"
-#include "common/XmlParser.h"
-#include "common/XmlRead.h"
+#include "common/UsbdState.h"
 #include "mmt/desc/MMTBroadbandComponent.h"
 #include "mmt/desc/MMTChannel.h"
 #include "mmt/desc/MMTComponentInfo.h"
@@ -17,11 +16,8 @@ using vyr::CNodeText;
 
 namespace {
 
-struct SState : vyr::TXmlState<CMMTUsbd::SMMTUsbd> {
-    std::unique_ptr<char[]> globalServiceId;  // what the record points to
-
+struct SState : vyr::TUsbdState<CMMTUsbd::SMMTUsbd> {
     bool m_ProcessParse(void* root) override;
-    void ReadDescription(void* node);
 };
 
 void sm_CbUSD(SState* m, void* node);
@@ -109,27 +105,17 @@ constexpr vyr::SElementHandler<SState> k_handlers[] = {
 
 void sm_CbUSD(SState* m, void* node)
 {
-    vyr::ReadAttribute(node, "globalServiceID", m->globalServiceId);
-    if (!m->globalServiceId) {
-        vyr::ReadAttribute(node, "globalServiceId", m->globalServiceId);
-    }
-    CMMTUsbd::SMMTUsbd& values = m->values;
-    values.globalServiceId = m->globalServiceId.get();
-    vyr::ReadAttribute(node, "serviceId", values.serviceId, -1);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTUsbd::sm_CbUSD] globalServiceId [%s] serviceId [%d]",
-            values.globalServiceId ? values.globalServiceId : "", values.serviceId);
-    values.serviceStatus = CNodeText::Attribute(node, "serviceStatus").Int(-1) == 1;
+    m->ReadDescription(node);
+    const char* id = m->values.globalServiceId;
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTUsbd::sm_CbUSD] globalServiceId [%s] serviceId [%d]", id ? id : "",
+            m->values.serviceId);
     vyr::DispatchChildren(m, k_handlers, node, "[CMMTUsbd::sm_CbUSD] %s");
 }
 
 bool SState::m_ProcessParse(void* root)
 {
-    if (!xml->Compare(root, "bundleDescriptionMMT") && !xml->Compare(root, "BundleDescriptionMMT")) {
+    if (!Begin(root, "bundleDescriptionMMT", "BundleDescriptionMMT")) {
         return false;
-    }
-    vyr::Renew(*this);
-    if (!values.globalServiceId) {
-        globalServiceId.reset();
     }
     vyr::DispatchChildren(this, k_handlers, root, "[CMMTUsbd::m_ProcessParseUsbd] %s");
     return true;

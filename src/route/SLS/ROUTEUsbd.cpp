@@ -1,8 +1,7 @@
 #include "route/SLS/ROUTEUsbd.h"
 
 #include "common/ServiceLinkage.h"
-#include "common/XmlParser.h"
-#include "common/XmlRead.h"
+#include "common/UsbdState.h"
 #include "platform/Log.h"
 #include "route/SLS/DeliveryMethod.h"
 #include "route/SLS/ServiceName.h"
@@ -11,24 +10,15 @@ using vyr::CNodeText;
 
 namespace {
 
-struct SState : vyr::TXmlState<CROUTEUsbd::SROUTEUsbd> {
-    std::unique_ptr<char[]> globalServiceId;  // what the record points to
-
+struct SState : vyr::TUsbdState<CROUTEUsbd::SROUTEUsbd> {
     bool m_ProcessParse(void* root) override;
     void m_Dispatch(void* node);
 };
 
 void sm_CbUSD(SState* m, void* node)
 {
-    vyr::ReadAttribute(node, "globalServiceID", m->globalServiceId);
-    if (!m->globalServiceId) {
-        vyr::ReadAttribute(node, "globalServiceId", m->globalServiceId);
-    }
-    m->values.globalServiceId = m->globalServiceId.get();
-    vyr::ReadAttribute(node, "serviceId", m->values.serviceId, -1);
+    m->ReadDescription(node);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CROUTEUsbd::m_ProcessParseUsbd] serviceId [%d]", m->values.serviceId);
-    // Required: the description decides alone, so that a missing attribute is false.
-    m->values.serviceStatus = CNodeText::Attribute(node, "serviceStatus").Int(-1) == 1;
     m->m_Dispatch(node);
 }
 
@@ -74,12 +64,8 @@ constexpr vyr::SElementHandler<SState> k_handlers[] = {
 
 bool SState::m_ProcessParse(void* root)
 {
-    if (!xml->Compare(root, "bundleDescriptionROUTE") && !xml->Compare(root, "BundleDescriptionROUTE")) {
+    if (!Begin(root, "bundleDescriptionROUTE", "BundleDescriptionROUTE")) {
         return false;
-    }
-    vyr::Renew(*this);
-    if (!values.globalServiceId) {
-        globalServiceId.reset();
     }
     m_Dispatch(root);
     return true;
