@@ -13,6 +13,7 @@
 //   - its m_ProcessParse, which reads the attributes and hands the rows to DispatchChildren;
 //   - a handler for each row, sm_Cb and the element's name, which takes the state and the child;
 //   - its t_Kind, and its getters.
+// What a record owns is let go of from its last member to its first, and the log shows it.
 
 namespace vyr {
 

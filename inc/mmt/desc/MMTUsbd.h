@@ -26,15 +26,15 @@ class VYR_API CMMTUsbd : public CXmlElement {
         const char* globalServiceId = nullptr;                           ///< null: not given
         unsigned short serviceId = 0;                                    ///< 65,535: not given; 0: no description yet
         bool serviceStatus = false;                                      ///< whether the service is on
-        TOwned<CMMTRouteComponent> routeComponent;                       ///< null: none
-        TOwned<CMMTBroadbandComponent> broadbandComponent;               ///< null: none
-        TOwned<CMMTMpuComponent> mpuComponent;                           ///< null: none
-        TOwned<CMMTChannel> channel;                                     ///< null: none
-        TOwned<CServiceLinkage> serviceLinkage;                          ///< null: none
         TOwnedArray<CMMTName> names;                                     ///< Name
         TTextArray svcLanguages;                                         ///< the text of each serviceLanguage
         TOwnedArray<CMMTComponentInfo> componentInfos;                   ///< ComponentInfo
         TOwnedArray<CMMTContentAdvisoryRatings> contentAdvisoryRatings;  ///< ContentAdvisoryRatings
+        TOwned<CServiceLinkage> serviceLinkage;                          ///< null: none
+        TOwned<CMMTChannel> channel;                                     ///< null: none
+        TOwned<CMMTMpuComponent> mpuComponent;                           ///< null: none
+        TOwned<CMMTBroadbandComponent> broadbandComponent;               ///< null: none
+        TOwned<CMMTRouteComponent> routeComponent;                       ///< null: none
     };
 
     /// globalServiceID, else globalServiceId; null: neither. Good until the next Parse or Destroy.

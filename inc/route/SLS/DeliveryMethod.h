@@ -13,8 +13,8 @@ class VYR_API CDeliveryMethod : public CXmlElement {
   public:
     /// What was parsed.
     struct SDeliveryMethod {
-        TOwnedArray<CBroadcastAppSvc> broadcastAppSvcs;  ///< in document order
         TOwnedArray<CUnicastAppSvc> unicastAppSvcs;      ///< in document order
+        TOwnedArray<CBroadcastAppSvc> broadcastAppSvcs;  ///< in document order
     };
 
     /// What was parsed; null before Create, good until Destroy.

@@ -21,8 +21,8 @@ class VYR_API CSrcFlow : public CXmlElement {
         unsigned int minBuffSize = 0xFFFFFFFF;  ///< kilobytes to buffer; 0xFFFFFFFF: not given
         std::string contentId;                  ///< of the content information
         std::string aeaId;                      ///< of the content information
-        TOwned<CContentInfo> contentInfo;       ///< the last one; null: none
         TOwnedArray<CEFDT> efdts;               ///< the last one counts, all were reported
+        TOwned<CContentInfo> contentInfo;       ///< the last one; null: none
     };
 
     /// Copies the record that each EFDT is given; null takes it back. False before Create.
