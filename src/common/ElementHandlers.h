@@ -43,19 +43,6 @@ struct SRows {
     }
 };
 
-/// What every Create shares: makes the state. One that is there already is asserted.
-template <class TState>
-bool CreateState(TState*& m, VYR_CALLER)
-try {
-    if (m) {
-        return AssertFailed(here, "!m");
-    }
-    m = new TState;
-    return true;
-} catch (...) {
-    return OutOfMemory(here);
-}
-
 /// Which child elements a walk logs by name.
 enum EChildLog { LOG_HANDLED_CHILDREN, LOG_ALL_CHILDREN };
 

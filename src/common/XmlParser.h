@@ -6,6 +6,7 @@
 
 #include "common/ElementHandlers.h"
 #include "common/ParseXML.h"
+#include "common/State.h"
 #include "common/XmlElement.h"
 
 // What the parsers on CXmlElement share. Such a class is
@@ -34,17 +35,6 @@ SXmlKind XmlKind(const char* className, ELogPriority priority = LOG_PRIORITY_DEB
                  VYR_CALLER)
 {
     return {here, className, []() -> SXmlState* { return new TState; }, priority, noteEnd};
-}
-
-/// What every SetCallback shares: copies the record, null takes it back; no state is asserted: false.
-template <class TState, class TCallback>
-bool SetCallback(TState* m, const TCallback* callback, VYR_CALLER)
-{
-    if (!m) {
-        return AssertFailed(here, "m");
-    }
-    m->callback = callback ? *callback : TCallback{};
-    return true;
 }
 
 /// XMLBase::Parse of an element inside the parse of another: memory that is out ends the whole.

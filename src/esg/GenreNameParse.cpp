@@ -4,6 +4,7 @@
 #include <cstring>
 #include <mutex>
 
+#include "common/State.h"
 #include "common/XML.h"
 #include "esg/ESGKind.h"
 #include "esg/GenreNames.h"
@@ -50,10 +51,7 @@ bool CGenreNameParse::Create()
 
 void CGenreNameParse::Destroy()
 {
-    if (VYR_ASSERT(m, "m")) {
-        delete m;
-        m = nullptr;
-    }
+    vyr::DestroyState(m);
 }
 
 bool CGenreNameParse::m_Known() const

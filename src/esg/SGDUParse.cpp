@@ -4,8 +4,8 @@
 #include <functional>
 #include <utility>
 
-#include "common/ElementHandlers.h"
 #include "common/Inflate.h"
+#include "common/State.h"
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"

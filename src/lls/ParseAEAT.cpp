@@ -201,10 +201,7 @@ bool CParseAEAT::Create(const CParseAEAT::SCallback* callback)
 
 void CParseAEAT::Destroy()
 {
-    if (VYR_ASSERT(m, "m")) {
-        delete m;
-        m = nullptr;
-    }
+    vyr::DestroyState(m);
 }
 
 void CParseAEAT::SetReplace(bool replace)

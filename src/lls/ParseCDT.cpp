@@ -154,19 +154,12 @@ CParseCDT::~CParseCDT()
 
 bool CParseCDT::Create()
 {
-    if (!m) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::Create]");
-    }
-    return vyr::CreateState(m);
+    return vyr::CreateState(m, "[CParseCDT::Create]");
 }
 
 void CParseCDT::Destroy()
 {
-    if (VYR_ASSERT(m, "m")) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::Destroy]");
-        delete m;
-        m = nullptr;
-    }
+    vyr::DestroyState(m, "[CParseCDT::Destroy]");
 }
 
 bool CParseCDT::t_Parse(IParse::SItem* item)

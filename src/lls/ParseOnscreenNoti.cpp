@@ -59,20 +59,12 @@ CParseOnscreenNoti::~CParseOnscreenNoti()
 
 bool CParseOnscreenNoti::Create()
 {
-    if (!m) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::Create]");
-    }
-    return vyr::CreateState(m);
+    return vyr::CreateState(m, "[CParseOnscreenNoti::Create]");
 }
 
 void CParseOnscreenNoti::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::Destroy]");
-    delete m;
-    m = nullptr;
+    vyr::DestroyState(m, "[CParseOnscreenNoti::Destroy]");
 }
 
 unsigned int CParseOnscreenNoti::KSCCount() const

@@ -194,19 +194,14 @@ bool CParseRRT::Create()
 
 void CParseRRT::Destroy()
 {
-    if (VYR_ASSERT(m, "m") && t_Idle()) {
-        delete m;
-        m = nullptr;
+    if (!m || t_Idle()) {
+        vyr::DestroyState(m);
     }
 }
 
 bool CParseRRT::SetCallback(const CParseRRT::SCallback* callback)
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    m->callback = callback ? *callback : SCallback{};
-    return true;
+    return vyr::SetCallback(m, callback);
 }
 
 bool CParseRRT::Start(void* channel)

@@ -314,8 +314,7 @@ void CParseSLT::Destroy()
         return;
     }
     m_RemoveSLT();
-    delete m;
-    m = nullptr;
+    vyr::DestroyState(m);
 }
 
 void CParseSLT::m_RemoveSLT()

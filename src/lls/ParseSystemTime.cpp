@@ -54,10 +54,7 @@ CParseSystemTime::~CParseSystemTime()
 
 bool CParseSystemTime::Create(unsigned char groupId)
 {
-    if (!m) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::Create]");
-    }
-    if (!vyr::CreateState(m)) {
+    if (!vyr::CreateState(m, "[CParseSystemTime::Create]")) {
         return false;
     }
     m->time.groupId = groupId;
@@ -66,11 +63,7 @@ bool CParseSystemTime::Create(unsigned char groupId)
 
 void CParseSystemTime::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
-    delete m;
-    m = nullptr;
+    vyr::DestroyState(m);
 }
 
 bool CParseSystemTime::Start(void* channel)

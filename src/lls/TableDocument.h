@@ -2,6 +2,7 @@
 
 #include "common/ElementHandlers.h"
 #include "common/Parse.h"
+#include "common/State.h"
 #include "common/XmlDocument.h"
 #include "platform/Log.h"
 

@@ -11,6 +11,7 @@
 #include "common/ElementHandlers.h"
 #include "common/OutOfMemory.h"
 #include "common/RSAT.h"
+#include "common/State.h"
 #include "platform/BaseParser.h"
 #include "platform/Log.h"
 #include "route/SLS/DeliveryMethod.h"
@@ -180,11 +181,9 @@ bool CSLSManager::Create(const SCallback* cb)
 
 void CSLSManager::Destroy()
 {
-    if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(!m->parsing, "!m->parsing")) {
-        return;
+    if (!m || VYR_ASSERT(!m->parsing, "!m->parsing")) {
+        vyr::DestroyState(m);
     }
-    delete m;
-    m = nullptr;
 }
 
 const CROUTEUsbd* CSLSManager::Usbd() const
