@@ -38,6 +38,12 @@ class TPtrArray : public CCPtrArray {
         }
         return element.release();
     }
+    /// The same of elements that are arrays, such as texts.
+    template <class U>
+    T* Append(std::unique_ptr<U[], TFree> element)
+    {
+        return Append(std::unique_ptr<T, TFree>(element.release()));
+    }
     /// Element `index`, from 0; outside the range asserted: null.
     T* At(int index) const { return static_cast<T*>(Data(index)); }
     /// The same; outside the range null, in silence.
@@ -47,6 +53,24 @@ class TPtrArray : public CCPtrArray {
         GetAt(index, &element);
         return static_cast<T*>(element);
     }
+    /// The last element; null: there is none.
+    T* Last() const { return Get(Size() - 1); }
+
+    /// Walks the elements: for (T* element : array).
+    struct SIterator {
+        const TPtrArray& array;
+        int index;
+
+        T* operator*() const { return array.At(index); }
+        SIterator& operator++()
+        {
+            ++index;
+            return *this;
+        }
+        bool operator!=(const SIterator& other) const { return index != other.index; }
+    };
+    SIterator begin() const { return {*this, 0}; }
+    SIterator end() const { return {*this, Size()}; }
 };
 
 /// An array of objects that are built in two phases.

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "../platform/Api.h"
-#include "ParseXML.h"
+#include "XmlElement.h"
 
 /// An update announced for a service of the RSAT. Channel numbers that are not given are 65,535.
 struct SRSATUpdateInfo {
@@ -30,14 +30,8 @@ struct SRSATServiceInfo {
 /// Parser of the regional service availability table (RSAT; ATSC A/331): where else services of a
 /// station are on the air. Services of every document that is parsed join those already held,
 /// until Destroy; see SetReplace. An object that is not created is asserted ("m"); results are then false or 0.
-class VYR_API CRSAT : public XMLBase {
+class VYR_API CRSAT : public CXmlElement {
   public:
-    CRSAT();
-    ~CRSAT() override;
-
-    bool Create() override;
-    void Destroy() override;
-
     /// Attribute "timestamp" of the last document, xs:dateTime as it stands.
     bool GetTimestamp(std::string& timestamp) const;
     /// Attribute "RSATInetURL" of the last document that had one.
@@ -52,14 +46,5 @@ class VYR_API CRSAT : public XMLBase {
     bool GetUpdateInfo(int service, int update, SRSATUpdateInfo* info) const;
 
   private:
-    struct SState;
-
-    bool t_CreateCallback();
-    bool m_ProcessParse(void* root) override;
-    const SRSATServiceInfo* m_Service(int index) const;
-
-    static void sm_CbService(CRSAT* rsat, void* node);
-    static void sm_CbUpdate(CRSAT* rsat, void* node);
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "../platform/Api.h"
-#include "ParseXML.h"
+#include "XmlElement.h"
 
 /// Parser of a service linkage: another service that stands in for the one it is found with, and when.
 /// An object that is not created is asserted ("m"); results are then 0 or null.
-class VYR_API CServiceLinkage : public XMLBase {
+class VYR_API CServiceLinkage : public CXmlElement {
   public:
     /// Values of the element; numbers that are not given have all bits set.
     struct SServiceLinkage {
@@ -21,12 +21,6 @@ class VYR_API CServiceLinkage : public XMLBase {
         const char* linkageData;       ///< null: not given
     };
 
-    CServiceLinkage();
-    ~CServiceLinkage() override;
-
-    bool Create() override;
-    void Destroy() override;
-
     /// Id of the linked service.
     unsigned short LinkServiceId() const;
     /// Begin and end of the linkage, xs:dateTime as it stands; null: not given. Good until the next
@@ -39,14 +33,10 @@ class VYR_API CServiceLinkage : public XMLBase {
     /// Kind of linkage.
     int LinkageType() const;
     /// All values; null before Create, good until Destroy.
-    const SServiceLinkage* State() const;
+    const SServiceLinkage* State() const { return t_Values<SServiceLinkage>(); }
     /// Writes the values to the log.
     void Dump() const;
 
   private:
-    struct SState;
-
-    bool m_ProcessParse(void* root) override;
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "../common/ParseXML.h"
+#include "../common/XmlElement.h"
 #include "../platform/Api.h"
 #include "SGDDParse.h"
 
 /// Parser of a service guide response (OMA BCAST Service Guide): delivery descriptors that were asked for over
 /// the interactive channel. The element is looked for among the root, or the node that is parsed, and its
 /// following siblings. Required: a second parse adds to the lists of the first, until Destroy; see SetReplace.
-class VYR_API CSGResponse : public XMLBase {
+class VYR_API CSGResponse : public CXmlElement {
   public:
     /// How long a response holds: the ResponseValidity element.
     struct SResponseValidity {
@@ -27,28 +27,18 @@ class VYR_API CSGResponse : public XMLBase {
         TESGText privateExt;                                  ///< PrivateExt, text; null: none
     };
 
-    CSGResponse();
     /// Frees nothing: Destroy comes first, else "!m" is asserted.
     ~CSGResponse() override;
 
     bool Create() override;
-    void Destroy() override;
     /// Whether the two-argument Parse takes gzip; false after Create. Asserts "m".
     void SetCompress(bool compressed);
 
     /// What was parsed; null before Create, good until the next Parse or Destroy.
-    const SSGResponse* State() const;
+    const SSGResponse* State() const { return t_Values<SSGResponse>(); }
 
   private:
     struct SState;
 
-    bool t_CreateCallback();
-    bool m_ProcessParse(void* root) override;
-
-    static void sm_CbSupportedVersionEntry(CSGResponse* root, void* curr);
-    static void sm_CbSGDDEntry(CSGResponse* root, void* curr);
-    static void sm_CbResponseValidityEntry(CSGResponse* root, void* curr);
-    static void sm_CbPrivateExtEntry(CSGResponse* root, void* curr);
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

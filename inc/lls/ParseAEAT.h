@@ -145,19 +145,7 @@ class VYR_API CParseAEAT : public TCParseLLS {
   private:
     struct SState;
 
-    bool t_CreateCallback();
-    bool m_ProcessParseAEAT(void* root);
     void m_DumpAEAT() const;
-
-    static void sm_CbAEA(CParseAEAT* parser, void* node);
-    static void sm_CbHeader(CParseAEAT* parser, void* node);
-    static void sm_CbEventCode(CParseAEAT* parser, void* node);
-    static void sm_CbEventDesc(CParseAEAT* parser, void* node);
-    static void sm_CbLocation(CParseAEAT* parser, void* node);
-    static void sm_CbAEAText(CParseAEAT* parser, void* node);
-    static void sm_CbLiveMedia(CParseAEAT* parser, void* node);
-    static void sm_CbServiceName(CParseAEAT* parser, void* node);
-    static void sm_CbMedia(CParseAEAT* parser, void* node);
 
     SState* m;
 };

@@ -45,19 +45,7 @@ class VYR_API CParseCDT : public TCParseLLS {
   private:
     struct SState;
 
-    bool t_CreateCallback();
-    bool m_ProcessParseCDT(void* root);
-    bool m_OnToBeSigendData(void* node);
-    bool m_DumpToBeSigendData(void* node);
     void m_DumpCDT() const;
-
-    static void sm_CbToBeSignedData(CParseCDT* parser, void* node);
-    static void sm_CbCertificates(CParseCDT* parser, void* node);
-    static void sm_CbCurrentCert(CParseCDT* parser, void* node);
-    static void sm_CbCertReplacement(CParseCDT* parser, void* node);
-    static void sm_CbOCSPRefresh(CParseCDT* parser, void* node);
-    static void sm_CbCMSSignedData(CParseCDT* parser, void* node);
-    static void sm_CbOCSPResponse(CParseCDT* parser, void* node);
 
     SState* m;
 };

@@ -51,12 +51,8 @@ class VYR_API CParseOnscreenNoti : public TCParseLLS {
   private:
     struct SState;
 
-    bool t_CreateCallback();
-    bool m_ProcessParseOnscreenNoti(void* root);
     const SKeepScreenClear* m_Entry(unsigned int index) const;
     void m_DumpKSC() const;
-
-    static void sm_CbKSC(CParseOnscreenNoti* parser, void* node);
 
     SState* m;
 };

@@ -102,17 +102,7 @@ class VYR_API CParseRRT : public TCParseLLS {
   private:
     struct SState;
 
-    bool t_CreateCallback();
-    bool m_ProcessParseRRT(void* root);
     bool m_isValidIndex(unsigned int r, unsigned int d, unsigned int k) const;
-
-    static void sm_CbRatingRegionTable(CParseRRT* parser, void* node);
-    static void sm_CbRegionIdText(CParseRRT* parser, void* node);
-    static void sm_CbDimension(CParseRRT* parser, void* node);
-    static void sm_CbDimensionTitle(CParseRRT* parser, void* node);
-    static void sm_CbRating(CParseRRT* parser, void* node);
-    static void sm_CbRatingValueAbbrev(CParseRRT* parser, void* node);
-    static void sm_CbRatingValueString(CParseRRT* parser, void* node);
 
     SState* m;
 };

@@ -155,20 +155,12 @@ class VYR_API CParseSLT : public TCParseLLS {
   private:
     struct SSLT;
 
-    bool t_CreateCallback();
-    bool m_ProcessParseSLT(void* root);
     void t_RemoveDuplicateServices();
     void m_PutAside(int services, int urls);
     void m_Leave();
     void m_Publish(SParseSLT::SService* service);
     void m_RemoveSLT();
     void m_DumpSLT() const;
-
-    static void sm_CbSltInetUrl(CParseSLT* parser, void* node);
-    static void sm_CbService(CParseSLT* parser, void* node);
-    static void sm_CbSimulcastTSID(CParseSLT* parser, void* node);
-    static void sm_CbBroadcastSvcSignaling(CParseSLT* parser, void* node);
-    static void sm_CbSvcInetUrl(CParseSLT* parser, void* node);
 
     SSLT* m;
 };

@@ -48,7 +48,5 @@ class VYR_API CParseSystemTime : public TCParseLLS {
   private:
     struct SState;
 
-    bool m_ProcessParseSystemTime(void* root);
-
     SState* m;
 };

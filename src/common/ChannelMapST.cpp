@@ -141,7 +141,7 @@ struct CChannelMapST::SState {
 
     /// Runs `step(record)` for a service of the store or a copy, under its lock; anything else is asserted.
     template <class TStep>
-    bool With(void* service, const vyr::SHere& here, TStep step)
+    bool With(void* service, TStep step, VYR_CALLER)
     {
         if (service) {
             {
@@ -389,14 +389,14 @@ bool CChannelMapST::GetServiceList(void (*fn)(void*, void*), void* userData)
 void* CChannelMapST::Channel(void* service)
 {
     void* channel = nullptr;
-    m->With(service, VYR_HERE, [&](const SServiceRecord& record) { channel = record.key.channel; });
+    m->With(service, [&](const SServiceRecord& record) { channel = record.key.channel; });
     return channel;
 }
 
 bool CChannelMapST::GetServiceNumber(void* service, unsigned char* groupId, int* serviceId, int* major, int* minor,
                                      int* simulcastTsid, int* simulcastMajor, int* simulcastMinor)
 {
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) {
+    return m->With(service, [&](SServiceRecord& record) {
         const SKey& key = record.key;
         Give(groupId, key.groupId);
         Give(serviceId, key.serviceId);
@@ -414,7 +414,7 @@ bool CChannelMapST::SetDestination(void* service, unsigned int address, unsigned
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetDestination] service: %p, address: %d.%d.%d.%d, port: %d",
                 service, address >> 24, address >> 16 & 0xFF, address >> 8 & 0xFF, address & 0xFF, port);
     }
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) {
+    return m->With(service, [&](SServiceRecord& record) {
         record.destination = address;
         record.destinationPort = port;
     });
@@ -422,7 +422,7 @@ bool CChannelMapST::SetDestination(void* service, unsigned int address, unsigned
 
 bool CChannelMapST::GetDestination(void* service, unsigned int* address, unsigned short* port)
 {
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) {
+    return m->With(service, [&](SServiceRecord& record) {
         Give(address, record.destination);
         Give(port, record.destinationPort);
     });
@@ -434,12 +434,12 @@ bool CChannelMapST::SetSource(void* service, unsigned int address)
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetSource] service: %p, address: %d.%d.%d.%d", service,
                 address >> 24, address >> 16 & 0xFF, address >> 8 & 0xFF, address & 0xFF);
     }
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.source = address; });
+    return m->With(service, [&](SServiceRecord& record) { record.source = address; });
 }
 
 bool CChannelMapST::GetSource(void* service, unsigned int* address)
 {
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { Give(address, record.source); });
+    return m->With(service, [&](SServiceRecord& record) { Give(address, record.source); });
 }
 
 bool CChannelMapST::SetProtected(void* service, bool isProtected)
@@ -447,12 +447,12 @@ bool CChannelMapST::SetProtected(void* service, bool isProtected)
     if (service) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetProtected] service: %p, protected: %d", service, isProtected);
     }
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.isProtected = isProtected; });
+    return m->With(service, [&](SServiceRecord& record) { record.isProtected = isProtected; });
 }
 
 bool CChannelMapST::GetProtected(void* service, bool* isProtected)
 {
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { Give(isProtected, record.isProtected); });
+    return m->With(service, [&](SServiceRecord& record) { Give(isProtected, record.isProtected); });
 }
 
 bool CChannelMapST::SetSvcInetUrl(void* service, const char* url)
@@ -465,12 +465,12 @@ bool CChannelMapST::SetSvcInetUrl(void* service, const char* url)
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetSvcInetUrl] service: %p, url: %s", service, url);
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.svcInetUrl = url; });
+    return m->With(service, [&](SServiceRecord& record) { record.svcInetUrl = url; });
 }
 
 bool CChannelMapST::GetSvcInetUrl(void* service, std::string& url)
 {
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { url = record.svcInetUrl; });
+    return m->With(service, [&](SServiceRecord& record) { url = record.svcInetUrl; });
 }
 
 bool CChannelMapST::SetSvcInetUrlType(void* service, EATSC3UrlType type)
@@ -478,12 +478,12 @@ bool CChannelMapST::SetSvcInetUrlType(void* service, EATSC3UrlType type)
     if (service) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetSvcInetUrlType] service: %p, type: %d", service, type);
     }
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.svcInetUrlType = type; });
+    return m->With(service, [&](SServiceRecord& record) { record.svcInetUrlType = type; });
 }
 
 bool CChannelMapST::GetSvcInetUrlType(void* service, EATSC3UrlType* type)
 {
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { Give(type, record.svcInetUrlType); });
+    return m->With(service, [&](SServiceRecord& record) { Give(type, record.svcInetUrlType); });
 }
 
 bool CChannelMapST::SetGlobalServiceId(void* service, const char* id, int size)
@@ -496,13 +496,13 @@ bool CChannelMapST::SetGlobalServiceId(void* service, const char* id, int size)
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetGlobalServiceId] service: %p, id: %.*s", service, size, id);
-    return m->With(service, VYR_HERE,
+    return m->With(service,
                    [&](SServiceRecord& record) { record.globalServiceId.assign(id, static_cast<std::size_t>(size)); });
 }
 
 bool CChannelMapST::GetGlobalServiceId(void* service, std::string& id)
 {
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { id = record.globalServiceId; });
+    return m->With(service, [&](SServiceRecord& record) { id = record.globalServiceId; });
 }
 
 bool CChannelMapST::SetServiceName(void* service, const char* name, int size)
@@ -511,7 +511,7 @@ bool CChannelMapST::SetServiceName(void* service, const char* name, int size)
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetServiceName] service: %p, name: %.*s", service, size, name);
-    return m->With(service, VYR_HERE,
+    return m->With(service,
                    [&](SServiceRecord& record) { record.serviceName.assign(name, static_cast<std::size_t>(size)); });
 }
 
@@ -523,7 +523,7 @@ bool CChannelMapST::GetServiceName(void* service, unsigned char* buffer, unsigne
     // Required: the lengths are compared as 16-bit numbers. What is copied is there all the same.
     unsigned short size = 0;
     bool cut = false;
-    const bool known = m->With(service, VYR_HERE, [&](const SServiceRecord& record) {
+    const bool known = m->With(service, [&](const SServiceRecord& record) {
         size = static_cast<unsigned short>(record.serviceName.size());
         cut = size >= length;
         length = cut ? length : size;
@@ -544,7 +544,7 @@ bool CChannelMapST::SetServiceCategory(void* service, int category, bool broadba
             "[CChannelMapST::SetServiceCategory] service: %p, category: %d, broadbandAccessRequired: %d, hidden: %d",
             service, category, broadbandAccessRequired, hidden);
     }
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) {
+    return m->With(service, [&](SServiceRecord& record) {
         record.category = category;
         record.broadbandAccessRequired = broadbandAccessRequired;
         record.hidden = hidden;
@@ -553,7 +553,7 @@ bool CChannelMapST::SetServiceCategory(void* service, int category, bool broadba
 
 bool CChannelMapST::GetServiceCategory(void* service, int* category, bool* broadbandAccessRequired, bool* hidden)
 {
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) {
+    return m->With(service, [&](SServiceRecord& record) {
         Give(category, record.category);
         Give(broadbandAccessRequired, record.broadbandAccessRequired);
         Give(hidden, record.hidden);
@@ -565,12 +565,12 @@ bool CChannelMapST::SetProtocolType(void* service, EATSC3ProtocolType type)
     if (service) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetProtocolType] service: %p, type: %d", service, type);
     }
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.protocolType = type; });
+    return m->With(service, [&](SServiceRecord& record) { record.protocolType = type; });
 }
 
 bool CChannelMapST::GetProtocolType(void* service, EATSC3ProtocolType* type)
 {
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { Give(type, record.protocolType); });
+    return m->With(service, [&](SServiceRecord& record) { Give(type, record.protocolType); });
 }
 
 bool CChannelMapST::SetDrmSystemID(void* service, std::string id)
@@ -578,18 +578,18 @@ bool CChannelMapST::SetDrmSystemID(void* service, std::string id)
     if (service) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CChannelMapST::SetDrmSystemID] service: %p, id: %s", service, id.c_str());
     }
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { record.drmSystemId = std::move(id); });
+    return m->With(service, [&](SServiceRecord& record) { record.drmSystemId = std::move(id); });
 }
 
 bool CChannelMapST::GetDrmSystemID(void* service, std::string& id)
 {
-    return m->With(service, VYR_HERE, [&](SServiceRecord& record) { id = record.drmSystemId; });
+    return m->With(service, [&](SServiceRecord& record) { id = record.drmSystemId; });
 }
 
 void* CChannelMapST::CloneService(void* service)
 {
     std::unique_ptr<SServiceRecord> clone;
-    m->With(service, VYR_HERE, [&](const SServiceRecord& record) {
+    m->With(service, [&](const SServiceRecord& record) {
         bool fits = true;
         for (const std::string* text :
              {&record.globalServiceId, &record.svcInetUrl, &record.serviceName, &record.drmSystemId}) {

@@ -1,8 +1,7 @@
 #include "common/ParseXML.h"
 
-#include <climits>
-
 #include "common/OutOfMemory.h"
+#include "common/XmlDocument.h"
 #include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
@@ -48,21 +47,12 @@ try {
     }
     XMLBase::Destroy();
     SKeeper document(*this);
-    // A length that no document has becomes one that the document refuses.
-    const int size = length <= INT_MAX ? static_cast<int>(length) : -1;
-    if (!VYR_CHECK(t_xml.Create(buffer, size, compressed), "t_xml.Create(buffer, length, compressed)")) {
-        return false;
-    }
-    void* root = nullptr;
-    if (!VYR_CHECK(t_xml.MoveRoot(&root), "t_xml.MoveRoot(&root)")) {
-        return false;
-    }
-    if (!m_ProcessParse(root)) {
-        vyr::KeepFailure(FAILURE_KIND);
-        return VYR_CHECK(false, "m_ProcessParse(root)");
-    }
-    document.keep = t_keepsDocument;
-    return true;
+    const bool created = t_xml.Create(buffer, vyr::DocumentSize(length), compressed);
+    const bool parsed = vyr::ProcessRoot(
+        t_xml, created, {"t_xml.Create(buffer, length, compressed)", "t_xml.MoveRoot(&root)", "m_ProcessParse(root)"},
+        [this](const CXML&, void* root) { return m_ProcessParse(root); });
+    document.keep = parsed && t_keepsDocument;
+    return parsed;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }

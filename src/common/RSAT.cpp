@@ -3,8 +3,10 @@
 #include <memory>
 #include <vector>
 
-#include "common/CoreOS/PtrArray.h"
+#include "common/Give.h"
+#include "common/Owned.h"
 #include "common/XmlParser.h"
+#include "common/XmlRead.h"
 #include "platform/Log.h"
 
 using vyr::CNodeText;
@@ -16,134 +18,111 @@ struct SService : SRSATServiceInfo {
     std::vector<const SRSATUpdateInfo*> byIndex;  // its updates, which callers ask for one by one
 };
 
-void g_CbRemoveService(void* /*context*/, void* element)
-{
-    delete static_cast<SService*>(element);
-}
-
 /// What a service and an update have in common.
 template <class TInfo>
 void ReadBroadcast(TInfo& info, void* node)
 {
     info.preferred = CNodeText::Attribute(node, "preferred").Bool();
-    info.majorChannelNo = static_cast<unsigned short>(CNodeText::Attribute(node, "majorChannelNo").Int(-1));
-    info.minorChannelNo = static_cast<unsigned short>(CNodeText::Attribute(node, "minorChannelNo").Int(-1));
-    CNodeText::Attribute(node, "frequency").CopyTo(info.frequency);
-    CNodeText::Attribute(node, "broadcastType").CopyTo(info.broadcastType);
+    vyr::ReadAttribute(node, "majorChannelNo", info.majorChannelNo, -1);
+    vyr::ReadAttribute(node, "minorChannelNo", info.minorChannelNo, -1);
+    vyr::ReadAttribute(node, "frequency", info.frequency);
+    vyr::ReadAttribute(node, "broadcastType", info.broadcastType);
 }
 
-}  // namespace
-
-struct CRSAT::SState : vyr::SHandlers {
+struct SState : vyr::SXmlState {
     std::string timestamp;
     std::string RSATInetURL;
-    CCPtrArray services{g_CbRemoveService, nullptr};
+    TPtrArray<SService> services;
     SService* current = nullptr;  // set while the children of a service are read
+
+    bool m_ProcessParse(void* root) override;
 };
 
-CRSAT::CRSAT() : m(nullptr)
-{
-    t_keepsDocument = false;
-}
+void sm_CbService(SState* m, void* node);
 
-CRSAT::~CRSAT() = default;
-
-bool CRSAT::Create()
-{
-    return vyr::CreateXmlParser(m, "[CRSAT::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
-}
-
-bool CRSAT::t_CreateCallback()
-{
-    static constexpr vyr::SElementHandler<CRSAT> k_handlers[] = {{"Service", sm_CbService}, {"Update", sm_CbUpdate}};
-    return vyr::AddHandlers(m->handlers, k_handlers);
-}
-
-void CRSAT::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CRSAT::Destroy]", VYR_HERE);
-}
-
-bool CRSAT::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
-    }
-    if (!t_xml.Compare(root, "RSAT")) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::m_ProcessParseRSAT] NOT RSAT FILE");
-        return false;
-    }
-    if (!CNodeText::Attribute(root, "timestamp").CopyTo(m->timestamp)) {
-        return false;
-    }
-    if (t_replace) {
-        m->RSATInetURL.clear();
-        m->services.RemoveAll();
-    }
-    CNodeText::Attribute(root, "RSATInetURL").CopyTo(m->RSATInetURL);
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CRSAT::m_ProcessParseRSAT] Name[%s]",
-                          VYR_HERE);
-    return true;
-}
-
-void CRSAT::sm_CbService(CRSAT* rsat, void* node)
-{
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbService] ");
-    SState* m = rsat->m;
-    auto service = std::make_unique<SService>();
-    ReadBroadcast(*service, node);
-    CNodeText::Attribute(node, "validUntil").CopyTo(service->validUntil);
-    {
-        const vyr::CScoped<SService*> current(m->current, service.get(), nullptr);
-        vyr::DispatchChildren(rsat, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    }
-    vyr::Append(m->services, std::move(service));
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbService] %d ", m->services.Size());
-}
-
-void CRSAT::sm_CbUpdate(CRSAT* rsat, void* node)
+void sm_CbUpdate(SState* m, void* node)
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::sm_CbUpdate]");
     // Outside a service there is nothing to update.
-    if (SService* service = rsat->m->current) {
+    if (SService* service = m->current) {
         SRSATUpdateInfo& update = service->updates.emplace_back();
         service->byIndex.push_back(&update);
         ReadBroadcast(update, node);
-        CNodeText::Attribute(node, "validFrom").CopyTo(update.validFrom);
+        vyr::ReadAttribute(node, "validFrom", update.validFrom);
         VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbUpdate] %d, %d, %s ", update.majorChannelNo, update.minorChannelNo,
                 update.validFrom.c_str());
     }
 }
 
+constexpr vyr::SElementHandler<SState> k_handlers[] = {{"Service", sm_CbService}, {"Update", sm_CbUpdate}};
+
+void sm_CbService(SState* m, void* node)
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbService] ");
+    auto service = std::make_unique<SService>();
+    ReadBroadcast(*service, node);
+    vyr::ReadAttribute(node, "validUntil", service->validUntil);
+    {
+        const vyr::CScoped<SService*> current(m->current, service.get(), nullptr);
+        vyr::DispatchChildren(m, k_handlers, node);
+    }
+    m->services.Append(std::move(service));
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[sm_CbService] %d ", m->services.Size());
+}
+
+bool SState::m_ProcessParse(void* root)
+{
+    if (!xml->Compare(root, "RSAT")) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::m_ProcessParseRSAT] NOT RSAT FILE");
+        return false;
+    }
+    if (!vyr::ReadAttribute(root, "timestamp", timestamp)) {
+        return false;
+    }
+    if (replace) {
+        RSATInetURL.clear();
+        services.RemoveAll();
+    }
+    vyr::ReadAttribute(root, "RSATInetURL", RSATInetURL);
+    vyr::DispatchChildren(this, k_handlers, root, "[CRSAT::m_ProcessParseRSAT] Name[%s]");
+    return true;
+}
+
+/// A service; null: there is none.
+const SService* Service(const SState* m, int index, VYR_CALLER)
+{
+    return m || vyr::AssertFailed(here, "m") ? m->services.Get(index) : nullptr;
+}
+
+}  // namespace
+
 bool CRSAT::GetTimestamp(std::string& timestamp) const
 {
+    const auto* m = t_State<SState>();
     return VYR_ASSERT(m, "m") && vyr::Give(m->timestamp, timestamp);
 }
 
 bool CRSAT::GetRSATInetURL(std::string& url) const
 {
+    const auto* m = t_State<SState>();
     return VYR_ASSERT(m, "m") && vyr::Give(m->RSATInetURL, url);
 }
 
 int CRSAT::NumOfService() const
 {
+    const auto* m = t_State<SState>();
     return VYR_ASSERT(m, "m") ? m->services.Size() : 0;
-}
-
-const SRSATServiceInfo* CRSAT::m_Service(int index) const
-{
-    void* service = nullptr;
-    return VYR_ASSERT(m, "m") && m->services.GetAt(index, &service) ? static_cast<SService*>(service) : nullptr;
 }
 
 bool CRSAT::GetServiceInfo(int index, SRSATServiceInfo* info) const
 {
-    const SRSATServiceInfo* service = m_Service(index);
+    const auto* m = t_State<SState>();
+    const SService* service = Service(m, index);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::GetServiceInfo] array size[%d]", m ? m->services.Size() : 0);
     if (!service || !VYR_ASSERT(info, "info")) {
         return false;
     }
-    if (!vyr::Give(*service, *info)) {
+    if (!vyr::Give<SRSATServiceInfo>(*service, *info)) {
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CRSAT::GetServiceInfo] update size[%d]", static_cast<int>(info->updates.size()));
@@ -152,15 +131,20 @@ bool CRSAT::GetServiceInfo(int index, SRSATServiceInfo* info) const
 
 int CRSAT::NumOfUpdate(int service) const
 {
-    const SRSATServiceInfo* record = m_Service(service);
+    const SService* record = Service(t_State<SState>(), service);
     return record ? static_cast<int>(record->updates.size()) : 0;
 }
 
 bool CRSAT::GetUpdateInfo(int service, int update, SRSATUpdateInfo* info) const
 {
-    const auto* record = static_cast<const SService*>(m_Service(service));
+    const SService* record = Service(t_State<SState>(), service);
     if (!record || update < 0 || update >= static_cast<int>(record->byIndex.size()) || !VYR_ASSERT(info, "info")) {
         return false;
     }
     return vyr::Give(*record->byIndex[static_cast<std::size_t>(update)], *info);
+}
+
+vyr::SXmlKind CRSAT::t_Kind() const
+{
+    return vyr::XmlKind<SState>("CRSAT");
 }

@@ -1,120 +1,95 @@
 #include "common/ServiceLinkage.h"
 
-#include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "common/XmlRead.h"
 #include "platform/Log.h"
 
 using vyr::CNodeText;
 
-struct CServiceLinkage::SState {
-    SServiceLinkage values{};
+namespace {
 
-    SState() = default;
-    SState(const SState&) = delete;
-    SState& operator=(const SState&) = delete;
-    ~SState() { Clear(); }
+struct SState : vyr::TXmlState<CServiceLinkage::SServiceLinkage> {
+    TTextArray texts;  // what the record points to
 
-    /// Lets go of the texts and returns to what Create made.
-    void Clear()
-    {
-        for (const char* text :
-             {values.activationTime, values.deActivationTime, values.svcCapabilities, values.linkageData}) {
-            delete[] text;
-        }
-        values = SServiceLinkage{};
-    }
+    bool m_ProcessParse(void* root) override;
+    const char* Text(void* node, const char* name);
 };
 
-CServiceLinkage::CServiceLinkage() : m(nullptr) {}
-
-CServiceLinkage::~CServiceLinkage() = default;
-
-bool CServiceLinkage::Create()
+void Dump(const CServiceLinkage::SServiceLinkage& v)
 {
-    return vyr::CreateXmlParser(m, "[CServiceLinkage::Create]", VYR_HERE);
-}
-
-void CServiceLinkage::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CServiceLinkage::Destroy]", VYR_HERE);
-}
-
-bool CServiceLinkage::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
-    }
-    const auto number = [root](const char* name) { return CNodeText::Attribute(root, name).Int(-1); };
-    const auto text = [this, root](const char* name) -> const char* {
-        bool found = false;
-        char* copy = vyr::Allocated(t_xml.PropStr(root, name, &found));
-        if (!found) {
-            delete[] copy;
-            copy = nullptr;
-        }
-        return copy;
-    };
-    m->Clear();
-    SServiceLinkage& v = m->values;
-    v.bsid = static_cast<unsigned short>(number("bsid"));
-    v.LLSGroupId = static_cast<unsigned char>(number("LLSGroupId"));
-    v.serviceId = static_cast<unsigned short>(number("serviceId"));
-    v.serviceCategory = number("serviceCategory");
-    v.linkageType = number("linkageType");
-    v.activationTime = text("activationTime");
-    v.deActivationTime = text("deActivationTime");
-    v.svcCapabilities = text("svcCapabilities");
-    if (!v.svcCapabilities) {
-        v.svcCapabilities = text("SvcCapabilities");
-    }
-    v.linkageData = text("linkageData");
-    // Required: the name is spelt without the second r.
-    v.broadbandAccessRequired = CNodeText::Attribute(root, "broadbandAccessRequied").Bool();
-    Dump();
-    return true;
-}
-
-unsigned short CServiceLinkage::LinkServiceId() const
-{
-    return VYR_ASSERT(m, "m") ? m->values.serviceId : 0;
-}
-
-const char* CServiceLinkage::ActivationTime() const
-{
-    return VYR_ASSERT(m, "m") ? m->values.activationTime : nullptr;
-}
-
-const char* CServiceLinkage::DeActivationTime() const
-{
-    return VYR_ASSERT(m, "m") ? m->values.deActivationTime : nullptr;
-}
-
-int CServiceLinkage::ServiceCategory() const
-{
-    return VYR_ASSERT(m, "m") ? m->values.serviceCategory : 0;
-}
-
-int CServiceLinkage::LinkageType() const
-{
-    return VYR_ASSERT(m, "m") ? m->values.linkageType : 0;
-}
-
-const CServiceLinkage::SServiceLinkage* CServiceLinkage::State() const
-{
-    return m ? &m->values : nullptr;
-}
-
-void CServiceLinkage::Dump() const
-{
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
     const auto shown = [](const char* text) { return text ? text : ""; };
-    const SServiceLinkage& v = m->values;
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CServiceLinkage::Dump] bsid [%u], LLSGroupId [%u] broadbandAccessRequied [%u]",
             v.bsid, v.LLSGroupId, v.broadbandAccessRequired);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CServiceLinkage::Dump] serviceId [%u], serviceCategory [%u] linkageType [%u]",
             v.serviceId, static_cast<unsigned int>(v.serviceCategory), static_cast<unsigned int>(v.linkageType));
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CServiceLinkage::Dump] activationTime [%s], deActivationTime [%s] ",
             shown(v.activationTime), shown(v.deActivationTime));
+}
+
+/// Copy of an attribute; null: it is not there.
+const char* SState::Text(void* node, const char* name)
+{
+    const CNodeText text = CNodeText::Attribute(node, name);
+    return text.Found() ? texts.Append(vyr::NewText(text)) : nullptr;
+}
+
+bool SState::m_ProcessParse(void* root)
+{
+    values = {};
+    texts.RemoveAll();
+    vyr::ReadAttribute(root, "bsid", values.bsid, -1);
+    vyr::ReadAttribute(root, "LLSGroupId", values.LLSGroupId, -1);
+    vyr::ReadAttribute(root, "serviceId", values.serviceId, -1);
+    vyr::ReadAttribute(root, "serviceCategory", values.serviceCategory, -1);
+    vyr::ReadAttribute(root, "linkageType", values.linkageType, -1);
+    values.activationTime = Text(root, "activationTime");
+    values.deActivationTime = Text(root, "deActivationTime");
+    values.svcCapabilities = Text(root, "svcCapabilities");
+    if (!values.svcCapabilities) {
+        values.svcCapabilities = Text(root, "SvcCapabilities");
+    }
+    values.linkageData = Text(root, "linkageData");
+    // Required: the name is spelt without the second r.
+    values.broadbandAccessRequired = CNodeText::Attribute(root, "broadbandAccessRequied").Bool();
+    Dump(values);
+    return true;
+}
+
+}  // namespace
+
+unsigned short CServiceLinkage::LinkServiceId() const
+{
+    return VYR_ASSERT(State(), "m") ? State()->serviceId : 0;
+}
+
+const char* CServiceLinkage::ActivationTime() const
+{
+    return VYR_ASSERT(State(), "m") ? State()->activationTime : nullptr;
+}
+
+const char* CServiceLinkage::DeActivationTime() const
+{
+    return VYR_ASSERT(State(), "m") ? State()->deActivationTime : nullptr;
+}
+
+int CServiceLinkage::ServiceCategory() const
+{
+    return VYR_ASSERT(State(), "m") ? State()->serviceCategory : 0;
+}
+
+int CServiceLinkage::LinkageType() const
+{
+    return VYR_ASSERT(State(), "m") ? State()->linkageType : 0;
+}
+
+void CServiceLinkage::Dump() const
+{
+    if (VYR_ASSERT(State(), "m")) {
+        ::Dump(*State());
+    }
+}
+
+vyr::SXmlKind CServiceLinkage::t_Kind() const
+{
+    return vyr::XmlKind<SState>("CServiceLinkage");
 }

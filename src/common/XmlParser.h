@@ -4,67 +4,37 @@
 #include <new>
 #include <utility>
 
-#include "common/CoreOS/PtrArray.h"
 #include "common/ElementHandlers.h"
 #include "common/ParseXML.h"
+#include "common/State.h"
+#include "common/XmlElement.h"
 
-// What the XMLBase subclasses share beside their handlers.
+// What the parsers on CXmlElement share. Such a class is
+//   - a state, which has the public record and what the parser keeps beside it: SState, on TXmlState or SXmlState;
+//   - its m_ProcessParse, which reads the attributes and hands the rows to DispatchChildren;
+//   - a handler for each row, sm_Cb and the element's name, which takes the state and the child;
+//   - its t_Kind, and its getters.
+// What a record owns is let go of from its last member to its first, and the log shows it.
 
 namespace vyr {
 
-/// What every Create with handlers shares: a state that is there already is asserted; else `message` is
-/// logged, and the state made with its handlers, as CreateState says.
-template <class TState, class TAdd>
-bool CreateXmlParser(TState*& m, const char* message, const SHere& here, TAdd addHandlers,
-                     ELogPriority priority = LOG_PRIORITY_DEBUG)
-{
-    if (!m && LogEnabled(priority)) {
-        Print(priority, here, "%s", message);
-    }
-    return CreateState(m, here, addHandlers);
-}
+/// What a class is.
+struct SXmlKind {
+    SHere where;  ///< where it is told: the source of the class, and a line of it
+    const char* className;
+    SXmlState* (*create)();
+    ELogPriority priority;  ///< of the notes of Create and Destroy
+    const char* noteEnd;    ///< what the note of Create ends with
 
-/// The same for a parser of an element without children.
+    /// Where a message comes from that a function of CXmlElement has for the class.
+    SHere Here(const char* function) const { return {where.file, function, where.line}; }
+};
+
 template <class TState>
-bool CreateXmlParser(TState*& m, const char* message, const SHere& here)
+SXmlKind XmlKind(const char* className, ELogPriority priority = LOG_PRIORITY_DEBUG, const char* noteEnd = "",
+                 VYR_CALLER)
 {
-    if (!m && LogEnabled(LOG_PRIORITY_DEBUG)) {
-        Print(LOG_PRIORITY_DEBUG, here, "%s", message);
-    }
-    return CreateState(m, here);
-}
-
-/// What every Destroy shares: logs `message`, lets go of the state, children that look into the document
-/// among it, and of the document; no state, and a call inside a callback of the parser, are asserted.
-template <class TState>
-void DestroyXmlParser(XMLBase& parser, TState*& m, const char* message, const SHere& here,
-                      ELogPriority priority = LOG_PRIORITY_DEBUG)
-{
-    if (!m) {
-        AssertFailed(here, "m");
-        return;
-    }
-    if (parser.Parsing()) {
-        AssertFailed(here, "!m->parsing");
-        return;
-    }
-    if (LogEnabled(priority)) {
-        Print(priority, here, "%s", message);
-    }
-    delete m;
-    m = nullptr;
-    parser.XMLBase::Destroy();
-}
-
-/// What every SetCallback shares: copies the record, null takes it back; no state is asserted: false.
-template <class TState, class TCallback>
-bool SetCallback(TState* m, const TCallback* callback, const SHere& here)
-{
-    if (!m) {
-        return AssertFailed(here, "m");
-    }
-    m->callback = callback ? *callback : TCallback{};
-    return true;
+    return {here, className, []() -> SXmlState* { return new TState; }, priority, noteEnd};
 }
 
 /// XMLBase::Parse of an element inside the parse of another: memory that is out ends the whole.
@@ -74,67 +44,66 @@ struct SXmlChild {
 
 /// What SetReplace does to a record of lists once a new document is known to be of its kind.
 template <class TValues>
-void Renew(bool replace, TValues& values)
+void Renew(TXmlState<TValues>& state)
 {
-    if (replace) {
-        values.~TValues();
-        new (&values) TValues;
+    if (state.replace) {
+        state.values.~TValues();
+        new (&state.values) TValues{};
     }
 }
 
-/// BuildChild for a child that is an XMLBase: Create(), `prepare(child)`, Parse(document, node).
-template <class TChild, class TPrepare>
-std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, const SChildSteps& steps, const SHere& here,
-                                                TPrepare prepare)
+/// BuildChild for a child that is an XMLBase: Create(), `prepare(child)`, Parse on the parent's document.
+template <class T, class TPrepare>
+TOwned<T> BuildXmlChild(const SXmlState& parent, void* node, const SChildSteps& steps, TPrepare prepare, VYR_CALLER)
 {
-    return BuildChild<TChild>(
-        steps, here, [](TChild& child) { return child.Create(); }, prepare,
-        [document, node](TChild& child) { return SXmlChild::Parse(child, document, node); });
+    return BuildChild<T>(
+        steps, here, [](T& child) { return child.Create(); }, prepare,
+        [&parent, node](T& child) { return SXmlChild::Parse(child, parent.xml->Doc(), node); });
 }
 
 /// The same for a child that must know nothing beforehand.
-template <class TChild>
-std::unique_ptr<TChild, SDestroy> BuildXmlChild(void* document, void* node, const SChildSteps& steps, const SHere& here)
+template <class T>
+TOwned<T> BuildXmlChild(const SXmlState& parent, void* node, const SChildSteps& steps, VYR_CALLER)
 {
-    return BuildXmlChild<TChild>(document, node, steps, here, [](TChild&) { return true; });
+    return BuildXmlChild<T>(
+        parent, node, steps, [](T&) { return true; }, here);
 }
 
-/// Puts a child in the place of the one held before, if any; null lets go of it.
-template <class TChild>
-void HoldChild(TChild*& held, std::unique_ptr<TChild, SDestroy> child)
+/// Puts a child behind those of a list, or in the place of the one held before.
+template <class T>
+void Keep(TOwnedArray<T>& list, TOwned<T> child)
 {
-    std::unique_ptr<TChild, SDestroy> old(held);
-    held = child.release();
+    list.Append(std::move(child));
 }
 
-/// Builds a child that is held singly; one that cannot be built leaves the held one.
-template <class TChild>
-void HoldXmlChild(TChild*& held, void* document, void* node, const SChildSteps& steps, const SHere& here)
+template <class T>
+void Keep(TOwnedList<T>& list, TOwned<T> child)
 {
-    if (auto child = BuildXmlChild<TChild>(document, node, steps, here)) {
-        HoldChild(held, std::move(child));
+    list.push_back(std::move(child));
+}
+
+template <class T>
+void Keep(TOwned<T>& single, TOwned<T> child)
+{
+    single = std::move(child);
+}
+
+/// Builds a child and keeps it in its place. One that cannot be built changes nothing.
+template <class T, class TPlace, class TPrepare>
+void AddChild(TPlace& place, const SXmlState& parent, void* node, const SChildSteps& steps, TPrepare prepare,
+              VYR_CALLER)
+{
+    if (TOwned<T> child = BuildXmlChild<T>(parent, node, steps, prepare, here)) {
+        Keep(place, std::move(child));
     }
 }
 
-/// Builds a child and appends it to its array.
-template <class TChild>
-void AddXmlChild(CCPtrArray& children, void* document, void* node, const SChildSteps& steps, const SHere& here)
+/// The same for a child that must know nothing beforehand.
+template <class T, class TPlace>
+void AddChild(TPlace& place, const SXmlState& parent, void* node, const SChildSteps& steps, VYR_CALLER)
 {
-    if (auto child = BuildXmlChild<TChild>(document, node, steps, here)) {
-        Append(children, std::move(child));
-    }
-}
-
-/// Appends a text of an element to a CCPtrArray of texts.
-inline void AddText(CCPtrArray& texts, char* text)
-{
-    Append(texts, std::unique_ptr<char[]>(Allocated(text)));
-}
-
-/// Frees a text of a CCPtrArray of texts; the array's release callback.
-inline void RemoveText(void* /*context*/, void* element)
-{
-    delete[] static_cast<char*>(element);
+    AddChild<T>(
+        place, parent, node, steps, [](T&) { return true; }, here);
 }
 
 }  // namespace vyr

@@ -75,7 +75,7 @@ void CESGContentFragment::sm_CbGetSltService(void* /*service*/, void* /*fragment
 
 const vyr::SESGKind& CESGContentFragment::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = {vyr::k_source.text,
+    static constexpr vyr::SESGKind k_kind = {VYR_HERE,
                                              "CESGContentFragment",
                                              "Content",
                                              "m_ProcessESGContentFragment(root)",

@@ -1,6 +1,5 @@
 #include "esg/ESGFragmentBase.h"
 
-#include <climits>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -50,7 +49,7 @@ CESGFragmentBase::CESGFragmentBase() : m(nullptr), m_replace(false) {}
 CESGFragmentBase::~CESGFragmentBase()
 {
     if (m) {
-        vyr::AssertFailed(m->kind->Here(__func__, __LINE__), "!m");
+        vyr::AssertFailed(m->kind->Here(__func__), "!m");
     }
 }
 
@@ -58,19 +57,19 @@ bool CESGFragmentBase::Create()
 try {
     const vyr::SESGKind& kind = t_Kind();
     if (m) {
-        return vyr::AssertFailed(kind.Here(__func__, __LINE__), "!m");
+        return vyr::AssertFailed(kind.Here(__func__), "!m");
     }
     VYR_LOG(LOG_PRIORITY_INFO, "[%s::Create]", kind.className);
     m = static_cast<SESGFragment*>(vyr::CreateState(kind));
     return m != nullptr;
 } catch (...) {
-    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
+    return vyr::OutOfMemory(t_Kind().Here(__func__));
 }
 
 void CESGFragmentBase::Destroy()
 {
     if (!m) {
-        vyr::AssertFailed(t_Kind().Here(__func__, __LINE__), "m");
+        vyr::AssertFailed(t_Kind().Here(__func__), "m");
         return;
     }
     VYR_LOG(LOG_PRIORITY_INFO, "[%s::Destroy]", m->kind->className);
@@ -81,7 +80,7 @@ void CESGFragmentBase::Destroy()
 /// What both parses assert.
 bool CESGFragmentBase::m_Begin(const char* input, const char* text) const
 {
-    return (m && input) || vyr::AssertFailed(t_Kind().Here("Parse", __LINE__), m ? text : "m");
+    return (m && input) || vyr::AssertFailed(t_Kind().Here("Parse"), m ? text : "m");
 }
 
 bool CESGFragmentBase::Parse(const char* buffer, unsigned int length)
@@ -90,12 +89,11 @@ try {
     if (!m_Begin(buffer, "buffer")) {
         return false;
     }
-    // A length that no document has becomes one that the document refuses.
-    const int size = length <= INT_MAX ? static_cast<int>(length) : -1;
     CRecord record(m, m_replace);
-    return record.parsed = m_Process(m->xml.Create(buffer, size, false), "m->xml.Create(buffer, len)");
+    const bool created = m->xml.Create(buffer, vyr::DocumentSize(length), false);
+    return record.parsed = m_Process(created, "m->xml.Create(buffer, len)");
 } catch (...) {
-    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
+    return vyr::OutOfMemory(t_Kind().Here(__func__));
 }
 
 bool CESGFragmentBase::Parse(const char* filename)
@@ -107,7 +105,7 @@ try {
     CRecord record(m, m_replace);
     return record.parsed = m_Process(m->xml.Create(filename), "m->xml.Create(filename)");
 } catch (...) {
-    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
+    return vyr::OutOfMemory(t_Kind().Here(__func__));
 }
 
 bool CESGFragmentBase::m_Process(bool created, const char* step)
@@ -116,20 +114,10 @@ bool CESGFragmentBase::m_Process(bool created, const char* step)
     const vyr::SESGKind& kind = *m->kind;
     // All values are copies: a guide of a thousand fragments need not hold a thousand documents.
     const vyr::SDocumentEnd end{m->xml};
-    void* root = nullptr;
-    const char* failed = nullptr;
-    if (!created) {
-        failed = step;
-    } else if (!m->xml.MoveRoot(&root)) {
-        failed = "m->xml.MoveRoot(&root)";
-    } else if (!m->xml.Compare(root, kind.element) || !kind.read(*m, root)) {
-        vyr::KeepFailure(FAILURE_KIND);
-        failed = kind.process;
-    }
-    if (failed) {
-        vyr::CheckFailed(kind.Here("Parse", __LINE__), failed);
-    }
-    return !failed;
+    return vyr::ProcessRoot(
+        m->xml, created, {step, "m->xml.MoveRoot(&root)", kind.process},
+        [this, &kind](const CXML& xml, void* root) { return xml.Compare(root, kind.element) && kind.read(*m, root); },
+        kind.Here("Parse"));
 }
 
 /// Every fragment that has an id is accepted.

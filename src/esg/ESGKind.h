@@ -3,7 +3,8 @@
 #include <iterator>
 
 #include "common/ElementHandlers.h"
-#include "common/XmlNode.h"
+#include "common/XmlDocument.h"
+#include "common/XmlRead.h"
 #include "esg/ESGElement/ESGElement.h"
 #include "platform/Log.h"
 
@@ -18,7 +19,7 @@ namespace vyr {
 
 /// What a class of the guide is.
 struct SESGKind {
-    const char* file;       ///< its source, as the log has it
+    SHere where;            ///< where it is told: the source of the class, and a line of it
     const char* className;  ///< its name, as the log has it
     const char* element;    ///< name of the element that it parses
     const char* process;    ///< the step of reading it, as the log has it
@@ -29,7 +30,8 @@ struct SESGKind {
     bool (*read)(SESGState& state, void* node);
     const char* otherElement = nullptr;  ///< second name of the element, or null
 
-    SHere Here(const char* function, int line) const { return {file, function, line}; }
+    /// Where a message comes from that a function of the base has for the class.
+    SHere Here(const char* function) const { return {where.file, function, where.line}; }
 };
 
 /// SESGKind::create of a class with the record TState.
@@ -51,7 +53,7 @@ SRows Handlers()
 template <class TState>
 void TakeChildren(TState* state, void* node)
 {
-    DispatchChildren(state, state->kind->handlers(), node, LOG_NO_CHILDREN, "%s", VYR_HERE);
+    DispatchChildren(state, state->kind->handlers(), node);
 }
 
 /// SESGKind::read of an element without children.
@@ -73,19 +75,19 @@ bool ReadElementAndChildren(SESGState& state, void* node)
 
 /// What an element without children is: TRead(record, node), on the base TBase of the record TState, reads it.
 template <class TState, auto TRead, class TBase = TState>
-constexpr SESGKind ElementKind(const char* file, const char* className, const char* element,
-                               const char* otherElement = nullptr)
+constexpr SESGKind ElementKind(const char* className, const char* element, const char* otherElement = nullptr,
+                               VYR_CALLER)
 {
-    return {file,        className, element, "m_Process()", NewState<TState>, nullptr, ReadElement<TBase, TRead>,
+    return {here,        className, element, "m_Process()", NewState<TState>, nullptr, ReadElement<TBase, TRead>,
             otherElement};
 }
 
 /// What an element with children is, whose handlers are the table THandlers.
 template <class TState, auto TRead, const auto& THandlers>
-constexpr SESGKind ElementKind(const char* file, const char* className, const char* element,
-                               const char* otherElement = nullptr)
+constexpr SESGKind ElementKind(const char* className, const char* element, const char* otherElement = nullptr,
+                               VYR_CALLER)
 {
-    return {file,
+    return {here,
             className,
             element,
             "m_Process()",
@@ -98,30 +100,16 @@ constexpr SESGKind ElementKind(const char* file, const char* className, const ch
 /// A new record of the class.
 SESGState* CreateState(const SESGKind& kind);
 
-/// Copy of a text of `length` bytes, zero-terminated.
-TESGText NewText(const char* text, std::size_t length);
-
 /// The namespace of an element; null: none.
 TESGText Namespace(const CXML& xml, void* node);
 
-// A value from an attribute or an element's text that may be missing.
-void Read(const CNodeText& text, TESGText& out);
-void Read(const CNodeText& text, int& out);
-void Read(const CNodeText& text, unsigned int& out);
-void Read(const CNodeText& text, unsigned short& out);
 /// True for "true", false for "false"; other text leaves it.
 void Read(const CNodeText& text, bool& out);
 
 /// Seconds since 1970 of a date such as "2026-01-31T20:15:00Z"; 0 for other text or none.
 void ReadDate(void* node, const char* name, long long& out);
 
-template <class T>
-void ReadAttribute(void* node, const char* name, T& out)
-{
-    Read(CNodeText::Attribute(node, name), out);
-}
-
-/// The same; an attribute that is not there leaves the value.
+/// ReadAttribute; an attribute that is not there leaves the value.
 template <class T>
 void UpdateAttribute(void* node, const char* name, T& out)
 {
@@ -183,18 +171,6 @@ void TakeRecord(typename SMember<TMember>::TState* state, void* node)
     TRead(Fresh(state->*TMember), node);
 }
 
-/// Lets go of a document when the parse ends, however it does.
-struct SDocumentEnd {
-    CXML& xml;
-
-    ~SDocumentEnd()
-    {
-        if (xml.FlagCreate()) {
-            xml.Destroy();
-        }
-    }
-};
-
 /// CESGElement::Parse inside the parse of another: memory that is out ends the whole.
 struct SESGChild {
     static bool Parse(CESGElement& child) { return child.m_Parse(); }
@@ -202,7 +178,7 @@ struct SESGChild {
 
 /// An element object made of a child, and parsed; null after logging the failed step.
 template <class TChild>
-TOwned<TChild> BuildElement(void* doc, void* node, const SChildSteps& steps, const SHere& here)
+TOwned<TChild> BuildElement(void* doc, void* node, const SChildSteps& steps, VYR_CALLER)
 {
     return BuildChild<TChild>(
         steps, here, [doc, node](TChild& child) { return child.Create(doc, node); }, [](TChild&) { return true; },
@@ -210,13 +186,13 @@ TOwned<TChild> BuildElement(void* doc, void* node, const SChildSteps& steps, con
 }
 
 template <class TChild>
-void Build(TOwned<TChild>& single, void* doc, void* node, const SChildSteps& steps, const SHere& here)
+void Build(TOwned<TChild>& single, void* doc, void* node, const SChildSteps& steps, VYR_CALLER)
 {
     single = BuildElement<TChild>(doc, node, steps, here);
 }
 
 template <class TChild>
-void Build(TOwnedList<TChild>& list, void* doc, void* node, const SChildSteps& steps, const SHere& here)
+void Build(TOwnedList<TChild>& list, void* doc, void* node, const SChildSteps& steps, VYR_CALLER)
 {
     if (TOwned<TChild> child = BuildElement<TChild>(doc, node, steps, here)) {
         list.push_back(std::move(child));
@@ -228,7 +204,7 @@ void Build(TOwnedList<TChild>& list, void* doc, void* node, const SChildSteps& s
 template <auto TMember, const SChildSteps& TSteps>
 void TakeElement(typename SMember<TMember>::TState* state, void* node)
 {
-    Build(state->*TMember, state->xml.Doc(), node, TSteps, VYR_HERE);
+    Build(state->*TMember, state->xml.Doc(), node, TSteps, state->kind->Here(__func__));
 }
 
 /// The steps of an element object that a fragment has a list of.

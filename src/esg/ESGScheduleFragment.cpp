@@ -46,7 +46,7 @@ void CESGScheduleFragment::sm_CbGetSltService(void* /*service*/, void* /*fragmen
 
 const vyr::SESGKind& CESGScheduleFragment::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = {vyr::k_source.text,
+    static constexpr vyr::SESGKind k_kind = {VYR_HERE,
                                              "CESGScheduleFragment",
                                              "Schedule",
                                              "m_ProcessESGScheduleFragment(root)",

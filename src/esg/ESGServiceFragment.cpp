@@ -36,7 +36,7 @@ void TakePrivateExt(TState* state, void* node)
     static constexpr vyr::SChildSteps k_steps = {"root->m->serviceExt->Create(root->m->xml.Doc(), cur)",
                                                  "root->m->serviceExt->Parse()"};
     if (void* cur = vyr::FindElement(vyr::FirstElement(node), "ATSC3ServiceExtension")) {
-        vyr::Build(state->serviceExt, state->xml.Doc(), cur, k_steps, VYR_HERE);
+        vyr::Build(state->serviceExt, state->xml.Doc(), cur, k_steps);
     }
 }
 
@@ -95,7 +95,7 @@ void CESGServiceFragment::sm_CbGetSltService(void* /*service*/, void* /*fragment
 
 const vyr::SESGKind& CESGServiceFragment::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = {vyr::k_source.text,
+    static constexpr vyr::SESGKind k_kind = {VYR_HERE,
                                              "CESGServiceFragment",
                                              "Service",
                                              "m_ProcessESGServiceFragment(root)",

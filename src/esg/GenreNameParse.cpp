@@ -1,10 +1,10 @@
 #include "esg/GenreNameParse.h"
 
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
 
+#include "common/State.h"
 #include "common/XML.h"
 #include "esg/ESGKind.h"
 #include "esg/GenreNames.h"
@@ -35,14 +35,7 @@ const char* GenreName(int index)
 }  // namespace vyr
 
 struct CGenreNameParse::SState {
-    CXML xml;
-
-    void Close()
-    {
-        if (xml.FlagCreate()) {
-            xml.Destroy();
-        }
-    }
+    CXML xml;  // the document, while it is parsed
 };
 
 CGenreNameParse::CGenreNameParse() : m(nullptr) {}
@@ -54,16 +47,12 @@ CGenreNameParse::~CGenreNameParse()
 
 bool CGenreNameParse::Create()
 {
-    return vyr::CreateState(m, VYR_HERE);
+    return vyr::CreateState(m);
 }
 
 void CGenreNameParse::Destroy()
 {
-    if (VYR_ASSERT(m, "m")) {
-        m->Close();
-        delete m;
-        m = nullptr;
-    }
+    vyr::DestroyState(m);
 }
 
 bool CGenreNameParse::m_Known() const
@@ -84,7 +73,6 @@ try {
     if (m_Known()) {
         return true;
     }
-    m->Close();
     return m_Parse(m->xml.Create(filePath), "m->xml.Create(filePath)");
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
@@ -99,23 +87,16 @@ try {
     if (m_Known()) {
         return true;
     }
-    m->Close();
-    // A length that no document has becomes one that the document refuses.
-    const int size = length <= INT_MAX ? static_cast<int>(length) : -1;
-    return m_Parse(m->xml.Create(buffer, size, false), "m->xml.Create(buffer, len)");
+    return m_Parse(m->xml.Create(buffer, vyr::DocumentSize(length), false), "m->xml.Create(buffer, len)");
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }
 
 bool CGenreNameParse::m_Parse(bool created, const char* step)
 {
-    void* root = nullptr;
-    const bool parsed = VYR_CHECK(created, step) && VYR_CHECK(m->xml.MoveRoot(&root), "m->xml.MoveRoot(&root)") &&
-                        VYR_CHECK(t_Process(root), "t_Process(root)");
-    if (!parsed) {
-        m->Close();
-    }
-    return parsed;
+    const vyr::SDocumentEnd end{m->xml};
+    return vyr::ProcessRoot(m->xml, created, {step, "m->xml.MoveRoot(&root)", "t_Process(root)"},
+                            [this](const CXML&, void* root) { return t_Process(root); });
 }
 
 bool CGenreNameParse::t_Process(void* root)

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "common/BitReader.h"
-#include "common/ElementHandlers.h"
 #include "common/Inflate.h"
+#include "common/State.h"
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
@@ -23,7 +23,7 @@ CSGDUParse::~CSGDUParse()
 
 bool CSGDUParse::Create()
 {
-    if (!vyr::CreateState(m, VYR_HERE)) {
+    if (!vyr::CreateState(m)) {
         return false;
     }
     VYR_LOG(LOG_PRIORITY_INFO, "create SGDU");

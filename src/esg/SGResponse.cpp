@@ -3,102 +3,86 @@
 #include "common/XmlParser.h"
 #include "esg/ESGKind.h"
 
-struct CSGResponse::SState : vyr::SHandlers {
-    SSGResponse values;
+struct CSGResponse::SState : vyr::TXmlState<SSGResponse> {
     CSGDDParse::TNamespaces namespaces;  // of the document, while it is parsed
-};
 
-CSGResponse::CSGResponse() : m(nullptr)
-{
-    t_keepsDocument = false;
-}
+    bool m_ProcessParse(void* root) override;
+
+    static void sm_CbSupportedVersionEntry(SState* m, void* curr);
+    static void sm_CbSGDDEntry(SState* m, void* curr);
+    static void sm_CbResponseValidityEntry(SState* m, void* curr);
+    static void sm_CbPrivateExtEntry(SState* m, void* curr);
+};
 
 CSGResponse::~CSGResponse()
 {
-    VYR_ASSERT(!m, "!m");
+    VYR_ASSERT(!State(), "!m");
 }
 
 bool CSGResponse::Create()
 {
-    const bool created = vyr::CreateXmlParser(
-        m, "[CSGResponse::Create]", VYR_HERE, [this] { return t_CreateCallback(); }, LOG_PRIORITY_INFO);
+    const bool created = CXmlElement::Create();
     if (created) {
         t_compressed = false;
     }
     return created;
 }
 
-bool CSGResponse::t_CreateCallback()
+void CSGResponse::SetCompress(bool compressed)
 {
-    static constexpr vyr::SElementHandler<CSGResponse> k_handlers[] = {
+    if (VYR_ASSERT(State(), "m")) {
+        t_compressed = compressed;
+    }
+}
+
+bool CSGResponse::SState::m_ProcessParse(void* root)
+{
+    static constexpr vyr::SElementHandler<SState> k_handlers[] = {
         {"SupportedVersion", sm_CbSupportedVersionEntry},
         {"ServiceGuideDeliveryDescriptor", sm_CbSGDDEntry},
         {"ResponseValidity", sm_CbResponseValidityEntry},
         {"PrivateExt", sm_CbPrivateExtEntry},
     };
-    return vyr::AddHandlers(m->handlers, k_handlers);
-}
-
-void CSGResponse::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CSGResponse::Destroy]", VYR_HERE, LOG_PRIORITY_INFO);
-}
-
-void CSGResponse::SetCompress(bool compressed)
-{
-    if (VYR_ASSERT(m, "m")) {
-        t_compressed = compressed;
-    }
-}
-
-bool CSGResponse::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
-    }
     void* node = vyr::FindElement(root, "SGResponse");
     if (!node) {
         return false;
     }
-    vyr::Renew(t_replace, m->values);
-    vyr::ReadAttribute(node, "status", m->values.status);
-    vyr::ReadAttribute(node, "lastResponseVersion", m->values.lastResponseVersion);
-    m->namespaces.clear();
-    vyr::DispatchChildren(this, m->handlers, node, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
-    m->namespaces.clear();
+    vyr::Renew(*this);
+    vyr::ReadAttribute(node, "status", values.status);
+    vyr::ReadAttribute(node, "lastResponseVersion", values.lastResponseVersion);
+    namespaces.clear();
+    vyr::DispatchChildren(this, k_handlers, node);
+    namespaces.clear();
     return true;
 }
 
-void CSGResponse::sm_CbSupportedVersionEntry(CSGResponse* root, void* curr)
+void CSGResponse::SState::sm_CbSupportedVersionEntry(SState* m, void* curr)
 {
     if (vyr::CNodeText::Content(curr).HasText()) {
-        vyr::ReadContent(curr, root->m->values.supportedVersions);
+        vyr::ReadContent(curr, m->values.supportedVersions);
     }
 }
 
-void CSGResponse::sm_CbSGDDEntry(CSGResponse* root, void* curr)
+void CSGResponse::SState::sm_CbSGDDEntry(SState* m, void* curr)
 {
-    static constexpr vyr::SChildSteps k_steps = {"entry->Create()", "entry->Parse(root->t_xml.Doc(), curr)"};
-    if (auto entry =
-            vyr::BuildXmlChild<CSGDDParse>(root->t_xml.Doc(), curr, k_steps, VYR_HERE,
-                                           [root](CSGDDParse& fresh) { return fresh.m_Share(&root->m->namespaces); })) {
-        root->m->values.descriptors.push_back(std::move(entry));
-    }
+    vyr::AddChild<CSGDDParse>(m->values.descriptors, *m, curr,
+                              {"entry->Create()", "entry->Parse(root->t_xml.Doc(), curr)"},
+                              [m](CSGDDParse& entry) { return entry.m_Share(&m->namespaces); });
 }
 
-void CSGResponse::sm_CbResponseValidityEntry(CSGResponse* root, void* curr)
+void CSGResponse::SState::sm_CbResponseValidityEntry(SState* m, void* curr)
 {
-    SResponseValidity& validity = vyr::Fresh(root->m->values.responseValidity);
+    SResponseValidity& validity = vyr::Fresh(m->values.responseValidity);
     vyr::ReadAttribute(curr, "expirationTime", validity.expirationTime);
     vyr::ReadAttribute(curr, "timeWindow", validity.timeWindow);
 }
 
-void CSGResponse::sm_CbPrivateExtEntry(CSGResponse* root, void* curr)
+void CSGResponse::SState::sm_CbPrivateExtEntry(SState* m, void* curr)
 {
-    vyr::ReadContent(curr, root->m->values.privateExt);
+    vyr::ReadContent(curr, m->values.privateExt);
 }
 
-const CSGResponse::SSGResponse* CSGResponse::State() const
+vyr::SXmlKind CSGResponse::t_Kind() const
 {
-    return m ? &m->values : nullptr;
+    return vyr::XmlKind<SState>("CSGResponse", LOG_PRIORITY_INFO);
 }

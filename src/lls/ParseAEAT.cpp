@@ -3,7 +3,9 @@
 #include <cstring>
 #include <memory>
 
-#include "common/CoreOS/PtrArray.h"
+#include "common/Give.h"
+#include "common/Owned.h"
+#include "common/XmlRead.h"
 #include "lls/Replace.h"
 #include "lls/TableDocument.h"
 #include "platform/Log.h"
@@ -14,11 +16,6 @@ namespace {
 
 typedef SParseAEAT::SAEAInfo SAEAInfo;
 typedef vyr::THeld<SAEAInfo> SHeld;
-
-void g_CbRemoveAEA(void* /*context*/, void* element)
-{
-    delete static_cast<SHeld*>(element);
-}
 
 /// The number of the first word, counted from 1, that the attribute begins with; 0: none, or absent.
 template <class TEnum, std::size_t N>
@@ -47,17 +44,144 @@ std::string Content(void* node)
     return text;
 }
 
-}  // namespace
-
-struct CParseAEAT::SState : vyr::STable {
+struct SAlerts {
     SAEAInfo* current = nullptr;  // set while the children of an alert are read
-    CCPtrArray alerts{g_CbRemoveAEA, nullptr};
-    SCallback callback{};
+    TPtrArray<SHeld> alerts;
+    CParseAEAT::SCallback callback{};
     vyr::CReplace replace;
 
     /// The alert that a list is read for, when there is room for one entry more.
     SAEAInfo* Listing() { return current && replace.Take() ? current : nullptr; }
 };
+
+// Elements are handled wherever they stand; without an alert around them they are read and dropped.
+
+void sm_CbAEA(SAlerts* m, void* node);
+void sm_CbHeader(SAlerts* m, void* node);
+void sm_CbLiveMedia(SAlerts* m, void* node);
+
+void sm_CbEventCode(SAlerts* m, void* node)
+{
+    if (SAEAInfo* alert = m->current) {
+        alert->eventCode = Content(node);
+        alert->eventCodeType = Attribute(node, "type");
+    }
+}
+
+void sm_CbEventDesc(SAlerts* m, void* node)
+{
+    if (SAEAInfo* alert = m->Listing()) {
+        alert->eventDescs.push_back({Content(node), Attribute(node, "lang")});
+    }
+}
+
+void sm_CbLocation(SAlerts* m, void* node)
+{
+    if (SAEAInfo* alert = m->Listing()) {
+        alert->locations.push_back(
+            {Content(node), Word<EAEALocationType>(node, "type", {"FIPS", "SGC", "polygon", "circle"})});
+    }
+}
+
+void sm_CbAEAText(SAlerts* m, void* node)
+{
+    if (SAEAInfo* alert = m->Listing()) {
+        alert->texts.push_back({Content(node), Attribute(node, "lang")});
+    }
+}
+
+void sm_CbServiceName(SAlerts* m, void* node)
+{
+    SAEAInfo* alert = m->current;
+    if (alert && alert->liveMedia && m->replace.Take()) {
+        // Required: the attribute, not the element's text.
+        alert->liveMedia->serviceNames.push_back({Attribute(node, "ServiceName"), Attribute(node, "lang")});
+    }
+}
+
+void sm_CbMedia(SAlerts* m, void* node)
+{
+    SAEAInfo* alert = m->Listing();
+    if (!alert) {
+        return;
+    }
+    SParseAEAT::SMedia media{};
+    media.lang = Attribute(node, "lang");
+    // Required: "mediaDesc" is overwritten by "mediaType", present or not, and nothing becomes the type.
+    media.mediaDesc = Attribute(node, "mediaType");
+    media.url = Attribute(node, "url");
+    media.alternateUrl = Attribute(node, "alternateUrl");
+    media.contentType = Attribute(node, "contentType");
+    media.contentLength = static_cast<unsigned int>(CNodeText::Attribute(node, "contentLength").LLong(0));
+    media.mediaAssoc = Attribute(node, "mediaAssoc");
+    alert->media.push_back(std::move(media));
+}
+
+constexpr vyr::SElementHandler<SAlerts> k_handlers[] = {
+    {"AEA", sm_CbAEA},
+    {"Header", sm_CbHeader},
+    {"EventCode", sm_CbEventCode},
+    {"EventDesc", sm_CbEventDesc},
+    {"Location", sm_CbLocation},
+    {"AEAText", sm_CbAEAText},
+    {"LiveMedia", sm_CbLiveMedia},
+    {"ServiceName", sm_CbServiceName},
+    {"Media", sm_CbMedia},
+};
+
+void sm_CbAEA(SAlerts* m, void* node)
+{
+    if (!m->replace.Take()) {
+        return;
+    }
+    auto alert = std::make_unique<SHeld>();
+    alert->group = m->replace.Group();
+    alert->aeaId = Attribute(node, "aeaId");
+    alert->issuer = Attribute(node, "issuer");
+    alert->audience = Word<EAEAAudience>(node, "audience", {"public", "restricted", "private"});
+    alert->aeaType = Word<EAEAType>(node, "aeaType", {"alert", "update", "cancel"});
+    alert->retAEAId = Attribute(node, "retAEAId");
+    alert->priority = static_cast<EAEAPriority>(CNodeText::Attribute(node, "priority").Int(0));
+    alert->wakeup = CNodeText::Attribute(node, "wakeup").Bool();
+    {
+        const vyr::CScoped<SAEAInfo*> current(m->current, alert.get(), nullptr);
+        vyr::DispatchChildren(m, k_handlers, node, "[CParseAEAT::sm_CbAEA] %s");
+    }
+    m->alerts.Append(std::move(alert));
+}
+
+void sm_CbHeader(SAlerts* m, void* node)
+{
+    if (SAEAInfo* alert = m->current) {
+        alert->effective = Attribute(node, "effective");
+        alert->expires = Attribute(node, "expires");
+    }
+    vyr::DispatchChildren(m, k_handlers, node, "[CParseAEAT::sm_CbHeader] %s");
+}
+
+void sm_CbLiveMedia(SAlerts* m, void* node)
+{
+    if (SAEAInfo* alert = m->current) {
+        alert->liveMedia.reset(
+            new SParseAEAT::SLiveMedia{static_cast<unsigned short>(CNodeText::Attribute(node, "bsid").Int(0)),
+                                       static_cast<unsigned short>(CNodeText::Attribute(node, "serviceId").Int(0)),
+                                       {}});
+    }
+    vyr::DispatchChildren(m, k_handlers, node, "[CParseAEAT::sm_CbLiveMedia] %s");
+}
+
+bool m_ProcessParseAEAT(SAlerts& m, const CXML& xml, void* root)
+{
+    if (!xml.Compare(root, "AEAT")) {
+        return false;
+    }
+    vyr::DispatchChildren(&m, k_handlers, root, "[CParseAEAT::m_ProcessParseAEAT] Name[%s]");
+    return true;
+}
+
+}  // namespace
+
+struct CParseAEAT::SState : SAlerts {};
 
 CParseAEAT::CParseAEAT() : m(nullptr) {}
 
@@ -68,35 +192,16 @@ CParseAEAT::~CParseAEAT()
 
 bool CParseAEAT::Create(const CParseAEAT::SCallback* callback)
 {
-    if (!vyr::CreateState(m, VYR_HERE, [this] { return t_CreateCallback(); })) {
+    if (!vyr::CreateState(m)) {
         return false;
     }
     m->callback = callback ? *callback : SCallback{};
     return true;
 }
 
-bool CParseAEAT::t_CreateCallback()
-{
-    static constexpr vyr::SElementHandler<CParseAEAT> k_handlers[] = {
-        {"AEA", sm_CbAEA},
-        {"Header", sm_CbHeader},
-        {"EventCode", sm_CbEventCode},
-        {"EventDesc", sm_CbEventDesc},
-        {"Location", sm_CbLocation},
-        {"AEAText", sm_CbAEAText},
-        {"LiveMedia", sm_CbLiveMedia},
-        {"ServiceName", sm_CbServiceName},
-        {"Media", sm_CbMedia},
-    };
-    return vyr::AddHandlers(m->handlers, k_handlers);
-}
-
 void CParseAEAT::Destroy()
 {
-    if (VYR_ASSERT(m, "m")) {
-        delete m;
-        m = nullptr;
-    }
+    vyr::DestroyState(m);
 }
 
 void CParseAEAT::SetReplace(bool replace)
@@ -113,129 +218,15 @@ bool CParseAEAT::t_Parse(IParse::SItem* item)
     }
     const int held = m->alerts.Size();
     m->replace.Begin({nullptr, t_GroupId(), 0});
-    if (!vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseAEAT(root)", VYR_HERE,
-                                 [this](void* root) { return m_ProcessParseAEAT(root); })) {
+    if (!vyr::ParseTableDocument(item, t_DecompressLLS(), "m_ProcessParseAEAT(root)",
+                                 [this](const CXML& xml, void* root) { return m_ProcessParseAEAT(*m, xml, root); })) {
         return false;
     }
     m->replace.Drop<SAEAInfo>(m->alerts, held);
-    m->replace.End("CParseAEAT", VYR_HERE);
+    m->replace.End("CParseAEAT");
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseAEAT::t_Parse] AEA Table size[%d]", m->alerts.Size());
     m_DumpAEAT();
     return true;
-}
-
-bool CParseAEAT::m_ProcessParseAEAT(void* root)
-{
-    if (!m->xml.Compare(root, "AEAT")) {
-        return false;
-    }
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN,
-                          "[CParseAEAT::m_ProcessParseAEAT] Name[%s]", VYR_HERE);
-    return true;
-}
-
-void CParseAEAT::sm_CbAEA(CParseAEAT* parser, void* node)
-{
-    SState* m = parser->m;
-    if (!m->replace.Take()) {
-        return;
-    }
-    auto alert = std::make_unique<SHeld>();
-    alert->group = m->replace.Group();
-    alert->aeaId = Attribute(node, "aeaId");
-    alert->issuer = Attribute(node, "issuer");
-    alert->audience = Word<EAEAAudience>(node, "audience", {"public", "restricted", "private"});
-    alert->aeaType = Word<EAEAType>(node, "aeaType", {"alert", "update", "cancel"});
-    alert->retAEAId = Attribute(node, "retAEAId");
-    alert->priority = static_cast<EAEAPriority>(CNodeText::Attribute(node, "priority").Int(0));
-    alert->wakeup = CNodeText::Attribute(node, "wakeup").Bool();
-    {
-        const vyr::CScoped<SAEAInfo*> current(m->current, alert.get(), nullptr);
-        vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CParseAEAT::sm_CbAEA] %s",
-                              VYR_HERE);
-    }
-    vyr::Append(m->alerts, std::move(alert));
-}
-
-// Elements are handled wherever they stand; without an alert around them they are read and dropped.
-
-void CParseAEAT::sm_CbHeader(CParseAEAT* parser, void* node)
-{
-    if (SAEAInfo* alert = parser->m->current) {
-        alert->effective = Attribute(node, "effective");
-        alert->expires = Attribute(node, "expires");
-    }
-    vyr::DispatchChildren(parser, parser->m->handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CParseAEAT::sm_CbHeader] %s",
-                          VYR_HERE);
-}
-
-void CParseAEAT::sm_CbEventCode(CParseAEAT* parser, void* node)
-{
-    if (SAEAInfo* alert = parser->m->current) {
-        alert->eventCode = Content(node);
-        alert->eventCodeType = Attribute(node, "type");
-    }
-}
-
-void CParseAEAT::sm_CbEventDesc(CParseAEAT* parser, void* node)
-{
-    if (SAEAInfo* alert = parser->m->Listing()) {
-        alert->eventDescs.push_back({Content(node), Attribute(node, "lang")});
-    }
-}
-
-void CParseAEAT::sm_CbLocation(CParseAEAT* parser, void* node)
-{
-    if (SAEAInfo* alert = parser->m->Listing()) {
-        alert->locations.push_back(
-            {Content(node), Word<EAEALocationType>(node, "type", {"FIPS", "SGC", "polygon", "circle"})});
-    }
-}
-
-void CParseAEAT::sm_CbAEAText(CParseAEAT* parser, void* node)
-{
-    if (SAEAInfo* alert = parser->m->Listing()) {
-        alert->texts.push_back({Content(node), Attribute(node, "lang")});
-    }
-}
-
-void CParseAEAT::sm_CbLiveMedia(CParseAEAT* parser, void* node)
-{
-    if (SAEAInfo* alert = parser->m->current) {
-        alert->liveMedia.reset(
-            new SParseAEAT::SLiveMedia{static_cast<unsigned short>(CNodeText::Attribute(node, "bsid").Int(0)),
-                                       static_cast<unsigned short>(CNodeText::Attribute(node, "serviceId").Int(0)),
-                                       {}});
-    }
-    vyr::DispatchChildren(parser, parser->m->handlers, node, vyr::LOG_HANDLED_CHILDREN,
-                          "[CParseAEAT::sm_CbLiveMedia] %s", VYR_HERE);
-}
-
-void CParseAEAT::sm_CbServiceName(CParseAEAT* parser, void* node)
-{
-    SAEAInfo* alert = parser->m->current;
-    if (alert && alert->liveMedia && parser->m->replace.Take()) {
-        // Required: the attribute, not the element's text.
-        alert->liveMedia->serviceNames.push_back({Attribute(node, "ServiceName"), Attribute(node, "lang")});
-    }
-}
-
-void CParseAEAT::sm_CbMedia(CParseAEAT* parser, void* node)
-{
-    SAEAInfo* alert = parser->m->Listing();
-    if (!alert) {
-        return;
-    }
-    SParseAEAT::SMedia media{};
-    media.lang = Attribute(node, "lang");
-    // Required: "mediaDesc" is overwritten by "mediaType", present or not, and nothing becomes the type.
-    media.mediaDesc = Attribute(node, "mediaType");
-    media.url = Attribute(node, "url");
-    media.alternateUrl = Attribute(node, "alternateUrl");
-    media.contentType = Attribute(node, "contentType");
-    media.contentLength = static_cast<unsigned int>(CNodeText::Attribute(node, "contentLength").LLong(0));
-    media.mediaAssoc = Attribute(node, "mediaAssoc");
-    alert->media.push_back(std::move(media));
 }
 
 int CParseAEAT::AEACount() const
@@ -245,8 +236,7 @@ int CParseAEAT::AEACount() const
 
 const SParseAEAT::SAEAInfo* CParseAEAT::GetAEA(int index) const
 {
-    void* alert = nullptr;
-    return VYR_ASSERT(m, "m") && m->alerts.GetAt(index, &alert) ? static_cast<SHeld*>(alert) : nullptr;
+    return VYR_ASSERT(m, "m") ? m->alerts.Get(index) : nullptr;
 }
 
 bool CParseAEAT::GetAEAId(int index, std::string& aeaId, std::string& retAEAId) const

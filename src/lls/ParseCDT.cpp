@@ -6,12 +6,16 @@
 
 #include "common/ATSC3TimeUtility.h"
 #include "common/EpochTime.h"
+#include "common/Give.h"
+#include "common/XmlRead.h"
 #include "lls/TableDocument.h"
 #include "platform/Log.h"
 
 using vyr::CNodeText;
 
-struct CParseCDT::SState : vyr::STable {
+namespace {
+
+struct SCertificates {
     std::string currentCert;
     std::string nextCert;
     long long nextCertFrom = 0;
@@ -21,145 +25,42 @@ struct CParseCDT::SState : vyr::STable {
     std::string cmsSignedData;
     std::list<std::string> certificates;
     std::list<std::string> ocspResponses;
+    const CXML* xml = nullptr;  // the document, while it is parsed
     bool inToBeSigned = false;  // set while the children of a ToBeSignedData are read
 };
 
-CParseCDT::CParseCDT() : m(nullptr) {}
+void sm_CbToBeSignedData(SCertificates* m, void* node);
 
-CParseCDT::~CParseCDT()
+void sm_CbCertificates(SCertificates* m, void* node)
 {
-    VYR_ASSERT(!m, "!m && \"call Destroy() before deleting the parser\"");
-}
-
-bool CParseCDT::Create()
-{
-    if (!m) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::Create]");
-    }
-    return vyr::CreateState(m, VYR_HERE, [this] { return t_CreateCallback(); });
-}
-
-bool CParseCDT::t_CreateCallback()
-{
-    static constexpr vyr::SElementHandler<CParseCDT> k_handlers[] = {
-        {"ToBeSignedData", sm_CbToBeSignedData}, {"Certificates", sm_CbCertificates},
-        {"CurrentCert", sm_CbCurrentCert},       {"CertReplacement", sm_CbCertReplacement},
-        {"OCSPRefresh", sm_CbOCSPRefresh},       {"CMSSignedData", sm_CbCMSSignedData},
-        {"OCSPResponse", sm_CbOCSPResponse},
-    };
-    return vyr::AddHandlers(m->handlers, k_handlers);
-}
-
-void CParseCDT::Destroy()
-{
-    if (VYR_ASSERT(m, "m")) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::Destroy]");
-        delete m;
-        m = nullptr;
-    }
-}
-
-bool CParseCDT::t_Parse(IParse::SItem* item)
-{
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::t_Parse]");
-    if (!vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseCDT(root)", VYR_HERE,
-                                 [this](void* root) { return m_ProcessParseCDT(root); })) {
-        return false;
-    }
-    m_DumpCDT();
-    return true;
-}
-
-bool CParseCDT::m_ProcessParseCDT(void* root)
-{
-    if (!m->xml.Compare(root, "CertificationData")) {
-        return false;
-    }
-    m->inToBeSigned = false;
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CParseCDT::m_ProcessParseCDT] Name[%s]",
-                          VYR_HERE);
-    return true;
-}
-
-void CParseCDT::sm_CbToBeSignedData(CParseCDT* parser, void* node)
-{
-    parser->m->certificates.clear();
-    parser->m->ocspResponses.clear();
-    SState* m = parser->m;
-    const bool outermost = !m->inToBeSigned;
-    m->inToBeSigned = true;
-    parser->m_OnToBeSigendData(node);
-    m->inToBeSigned = !outermost;
-    // The text of one inside another is overwritten by that of the outer one: it is made only where its size
-    // is logged.
-    if (outermost || vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
-        parser->m_DumpToBeSigendData(node);
-    }
-}
-
-bool CParseCDT::m_OnToBeSigendData(void* node)
-{
-    const CNodeText refresh = CNodeText::Attribute(node, "OCSPRefresh");
-    if (refresh.Found()) {
-        m->ocspRefresh = TimeUtility::DurationToSec(refresh.Text());
-    }
-    vyr::DispatchChildren(this, m->handlers, node, vyr::LOG_HANDLED_CHILDREN,
-                          "[CParseCDT::sm_CbToBeSignedData] Name[%s]", VYR_HERE);
-    return true;
-}
-
-/// Keeps the element's exact text.
-bool CParseCDT::m_DumpToBeSigendData(void* node)
-{
-    if (!m->xml.Compare(node, "ToBeSignedData")) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::m_DumpToBeSigendData] Error: Tag Name[%s]", m->xml.Name(node));
-        return false;
-    }
-    int size = 0;
-    const std::unique_ptr<char[]> text(m->xml.NodeDump(node, &size));
-    if (!text) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::m_DumpToBeSigendData] nodeDump does not exist !!!");
-        return false;
-    }
-    m->toBeSigned.assign(text.get(), static_cast<std::size_t>(size));
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::m_DumpToBeSigendData] Size[%zu]", m->toBeSigned.size());
-    return true;
-}
-
-void CParseCDT::sm_CbCertificates(CParseCDT* parser, void* node)
-{
-    std::string& certificate = parser->m->certificates.emplace_back();
-    CNodeText::Content(node).CopyTo(certificate);
+    std::string& certificate = m->certificates.emplace_back();
+    vyr::Read(CNodeText::Content(node), certificate);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbCertificates] Certificate[%s]", certificate.c_str());
 }
 
-void CParseCDT::sm_CbOCSPResponse(CParseCDT* parser, void* node)
+void sm_CbOCSPResponse(SCertificates* m, void* node)
 {
-    std::string& response = parser->m->ocspResponses.emplace_back();
-    CNodeText::Content(node).CopyTo(response);
+    std::string& response = m->ocspResponses.emplace_back();
+    vyr::Read(CNodeText::Content(node), response);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbOCSPResponse] Response[%s]", response.c_str());
 }
 
-void CParseCDT::sm_CbCurrentCert(CParseCDT* parser, void* node)
+void sm_CbCurrentCert(SCertificates* m, void* node)
 {
-    CNodeText::Content(node).CopyTo(parser->m->currentCert);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbCurrentCert] CurrentCert[%s]", parser->m->currentCert.c_str());
+    vyr::Read(CNodeText::Content(node), m->currentCert);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbCurrentCert] CurrentCert[%s]", m->currentCert.c_str());
 }
 
-void CParseCDT::sm_CbCMSSignedData(CParseCDT* parser, void* node)
+void sm_CbCMSSignedData(SCertificates* m, void* node)
 {
-    CNodeText::Content(node).CopyTo(parser->m->cmsSignedData);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbCMSSignedData] Signed Data[%s]", parser->m->cmsSignedData.c_str());
+    vyr::Read(CNodeText::Content(node), m->cmsSignedData);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbCMSSignedData] Signed Data[%s]", m->cmsSignedData.c_str());
 }
 
-void CParseCDT::sm_CbCertReplacement(CParseCDT* parser, void* node)
+void sm_CbCertReplacement(SCertificates* m, void* node)
 {
-    SState* m = parser->m;
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbCertReplacement]");
-    CNodeText::Attribute(node, "NextCert").CopyTo(m->nextCert);
+    vyr::ReadAttribute(node, "NextCert", m->nextCert);
     const CNodeText from = CNodeText::Attribute(node, "NextCertFrom");
     if (from.Found()) {
         m->nextCertFrom = g_EpochTime(from.Text());
@@ -170,15 +71,109 @@ void CParseCDT::sm_CbCertReplacement(CParseCDT* parser, void* node)
     }
 }
 
-void CParseCDT::sm_CbOCSPRefresh(CParseCDT* parser, void* node)
+void sm_CbOCSPRefresh(SCertificates* m, void* node)
 {
-    int& refresh = parser->m->ocspRefresh;
+    int& refresh = m->ocspRefresh;
     const CNodeText text = CNodeText::Attribute(node, "OCSPRefresh");
     if (!text.Found()) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbOCSPRefresh] spec violation no OCSP Refresh time !!!");
     }
     refresh = text.Int(refresh);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbOCSPRefresh] Refresh Time[%d]", refresh);
+}
+
+constexpr vyr::SElementHandler<SCertificates> k_handlers[] = {
+    {"ToBeSignedData", sm_CbToBeSignedData}, {"Certificates", sm_CbCertificates},
+    {"CurrentCert", sm_CbCurrentCert},       {"CertReplacement", sm_CbCertReplacement},
+    {"OCSPRefresh", sm_CbOCSPRefresh},       {"CMSSignedData", sm_CbCMSSignedData},
+    {"OCSPResponse", sm_CbOCSPResponse},
+};
+
+void m_OnToBeSigendData(SCertificates* m, void* node)
+{
+    const CNodeText refresh = CNodeText::Attribute(node, "OCSPRefresh");
+    if (refresh.Found()) {
+        m->ocspRefresh = TimeUtility::DurationToSec(refresh.Text());
+    }
+    vyr::DispatchChildren(m, k_handlers, node, "[CParseCDT::sm_CbToBeSignedData] Name[%s]");
+}
+
+/// Keeps the element's exact text.
+void m_DumpToBeSigendData(SCertificates* m, void* node)
+{
+    if (!m->xml->Compare(node, "ToBeSignedData")) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::m_DumpToBeSigendData] Error: Tag Name[%s]", m->xml->Name(node));
+        return;
+    }
+    int size = 0;
+    const std::unique_ptr<char[]> text(m->xml->NodeDump(node, &size));
+    if (!text) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::m_DumpToBeSigendData] nodeDump does not exist !!!");
+        return;
+    }
+    m->toBeSigned.assign(text.get(), static_cast<std::size_t>(size));
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::m_DumpToBeSigendData] Size[%zu]", m->toBeSigned.size());
+}
+
+void sm_CbToBeSignedData(SCertificates* m, void* node)
+{
+    m->certificates.clear();
+    m->ocspResponses.clear();
+    const bool outermost = !m->inToBeSigned;
+    m->inToBeSigned = true;
+    m_OnToBeSigendData(m, node);
+    m->inToBeSigned = !outermost;
+    // The text of one inside another is overwritten by that of the outer one: it is made only where its size
+    // is logged.
+    if (outermost || vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
+        m_DumpToBeSigendData(m, node);
+    }
+}
+
+bool m_ProcessParseCDT(SCertificates& m, const CXML& xml, void* root)
+{
+    if (!xml.Compare(root, "CertificationData")) {
+        return false;
+    }
+    m.xml = &xml;
+    m.inToBeSigned = false;
+    vyr::DispatchChildren(&m, k_handlers, root, "[CParseCDT::m_ProcessParseCDT] Name[%s]");
+    return true;
+}
+
+}  // namespace
+
+struct CParseCDT::SState : SCertificates {};
+
+CParseCDT::CParseCDT() : m(nullptr) {}
+
+CParseCDT::~CParseCDT()
+{
+    VYR_ASSERT(!m, "!m && \"call Destroy() before deleting the parser\"");
+}
+
+bool CParseCDT::Create()
+{
+    return vyr::CreateState(m, "[CParseCDT::Create]");
+}
+
+void CParseCDT::Destroy()
+{
+    vyr::DestroyState(m, "[CParseCDT::Destroy]");
+}
+
+bool CParseCDT::t_Parse(IParse::SItem* item)
+{
+    if (!VYR_ASSERT(m, "m")) {
+        return false;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::t_Parse]");
+    if (!vyr::ParseTableDocument(item, t_DecompressLLS(), "m_ProcessParseCDT(root)",
+                                 [this](const CXML& xml, void* root) { return m_ProcessParseCDT(*m, xml, root); })) {
+        return false;
+    }
+    m_DumpCDT();
+    return true;
 }
 
 bool CParseCDT::GetCurrentCert(std::string& cert) const

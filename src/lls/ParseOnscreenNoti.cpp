@@ -2,24 +2,53 @@
 
 #include <climits>
 
-#include "common/CoreOS/PtrArray.h"
+#include "common/Owned.h"
+#include "common/XmlRead.h"
 #include "lls/Replace.h"
 #include "lls/TableDocument.h"
 #include "platform/Log.h"
 
 using vyr::CNodeText;
 
+namespace {
+
 typedef vyr::THeld<CParseOnscreenNoti::SKeepScreenClear> SHeld;
 
-static void g_CbRemoveKSC(void* /*context*/, void* element)
-{
-    delete static_cast<SHeld*>(element);
-}
-
-struct CParseOnscreenNoti::SState : vyr::STable {
-    CCPtrArray entries{g_CbRemoveKSC, nullptr};
+struct SEntries {
+    TPtrArray<SHeld> entries;
     vyr::CReplace replace;
 };
+
+void sm_CbKSC(SEntries* m, void* node)
+{
+    if (!m->replace.Take()) {
+        return;
+    }
+    auto entry = std::make_unique<SHeld>();
+    entry->group = m->replace.Group();
+    vyr::ReadAttribute(node, "bsid", entry->bsid);
+    vyr::ReadAttribute(node, "serviceId", entry->serviceId);
+    vyr::ReadAttribute(node, "serviceIdRange", entry->serviceIdRange);
+    vyr::ReadAttribute(node, "notificationDuration", entry->notificationDuration);
+    entry->kscFlag = CNodeText::Attribute(node, "kscFlag").Bool();
+    vyr::ReadAttribute(node, "version", entry->version);
+    m->entries.Append(std::move(entry));
+}
+
+constexpr vyr::SElementHandler<SEntries> k_handlers[] = {{"KeepScreenClear", sm_CbKSC}};
+
+bool m_ProcessParseOnscreenNoti(SEntries& m, const CXML& xml, void* root)
+{
+    if (!xml.Compare(root, "OnscreenMessageNotification")) {
+        return false;
+    }
+    vyr::DispatchChildren(&m, k_handlers, root, "[CParseOnscreenNoti::m_ProcessParseOnscreenNoti] Name[%s]");
+    return true;
+}
+
+}  // namespace
+
+struct CParseOnscreenNoti::SState : SEntries {};
 
 CParseOnscreenNoti::CParseOnscreenNoti() : m(nullptr) {}
 
@@ -30,26 +59,12 @@ CParseOnscreenNoti::~CParseOnscreenNoti()
 
 bool CParseOnscreenNoti::Create()
 {
-    if (!m) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::Create]");
-    }
-    return vyr::CreateState(m, VYR_HERE, [this] { return t_CreateCallback(); });
-}
-
-bool CParseOnscreenNoti::t_CreateCallback()
-{
-    static constexpr vyr::SElementHandler<CParseOnscreenNoti> k_handlers[] = {{"KeepScreenClear", sm_CbKSC}};
-    return vyr::AddHandlers(m->handlers, k_handlers);
+    return vyr::CreateState(m, "[CParseOnscreenNoti::Create]");
 }
 
 void CParseOnscreenNoti::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::Destroy]");
-    delete m;
-    m = nullptr;
+    vyr::DestroyState(m, "[CParseOnscreenNoti::Destroy]");
 }
 
 unsigned int CParseOnscreenNoti::KSCCount() const
@@ -60,8 +75,7 @@ unsigned int CParseOnscreenNoti::KSCCount() const
 const CParseOnscreenNoti::SKeepScreenClear* CParseOnscreenNoti::m_Entry(unsigned int index) const
 {
     // Required: the array itself asserts a bad index.
-    return VYR_ASSERT(m, "m") ? static_cast<SHeld*>(m->entries.Data(index <= INT_MAX ? static_cast<int>(index) : -1))
-                              : nullptr;
+    return VYR_ASSERT(m, "m") ? m->entries.At(index <= INT_MAX ? static_cast<int>(index) : -1) : nullptr;
 }
 
 unsigned short CParseOnscreenNoti::Bsid(unsigned int index) const
@@ -102,42 +116,16 @@ bool CParseOnscreenNoti::t_Parse(IParse::SItem* item)
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::t_Parse]");
     const int held = m->entries.Size();
     m->replace.Begin({nullptr, t_GroupId(), 0});
-    if (!vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseOnscreenNoti(root)", VYR_HERE,
-                                 [this](void* root) { return m_ProcessParseOnscreenNoti(root); })) {
+    if (!vyr::ParseTableDocument(
+            item, t_DecompressLLS(), "m_ProcessParseOnscreenNoti(root)",
+            [this](const CXML& xml, void* root) { return m_ProcessParseOnscreenNoti(*m, xml, root); })) {
         return false;
     }
     m->replace.Drop<SKeepScreenClear>(m->entries, held);
-    m->replace.End("CParseOnscreenNoti", VYR_HERE);
+    m->replace.End("CParseOnscreenNoti");
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::t_Parse] array size[%d]", m->entries.Size());
     m_DumpKSC();
     return true;
-}
-
-bool CParseOnscreenNoti::m_ProcessParseOnscreenNoti(void* root)
-{
-    if (!m->xml.Compare(root, "OnscreenMessageNotification")) {
-        return false;
-    }
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN,
-                          "[CParseOnscreenNoti::m_ProcessParseOnscreenNoti] Name[%s]", VYR_HERE);
-    return true;
-}
-
-void CParseOnscreenNoti::sm_CbKSC(CParseOnscreenNoti* parser, void* node)
-{
-    const auto number = [node](const char* name) { return CNodeText::Attribute(node, name).Int(0); };
-    if (!parser->m->replace.Take()) {
-        return;
-    }
-    auto entry = std::make_unique<SHeld>();
-    entry->group = parser->m->replace.Group();
-    entry->bsid = static_cast<unsigned short>(number("bsid"));
-    entry->serviceId = static_cast<unsigned short>(number("serviceId"));
-    entry->serviceIdRange = static_cast<unsigned short>(number("serviceIdRange"));
-    CNodeText::Attribute(node, "notificationDuration").CopyTo(entry->notificationDuration);
-    entry->kscFlag = CNodeText::Attribute(node, "kscFlag").Bool();
-    entry->version = static_cast<unsigned char>(number("version"));
-    vyr::Append(parser->m->entries, std::move(entry));
 }
 
 void CParseOnscreenNoti::m_DumpKSC() const
@@ -146,7 +134,7 @@ void CParseOnscreenNoti::m_DumpKSC() const
         return;
     }
     for (int i = 0; i < m->entries.Size(); ++i) {
-        const auto* entry = static_cast<const SHeld*>(m->entries.Data(i));
+        const SHeld* entry = m->entries.At(i);
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC]index: %d , bsid: %d, serviceId: %d", i,
                 entry->bsid, entry->serviceId);
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC]serviceIdRange: %d , duration: %s",

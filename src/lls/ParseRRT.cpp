@@ -3,6 +3,8 @@
 #include <cstring>
 #include <utility>
 
+#include "common/Give.h"
+#include "common/XmlRead.h"
 #include "lls/Replace.h"
 #include "lls/TableDocument.h"
 #include "platform/Log.h"
@@ -20,9 +22,9 @@ constexpr unsigned int k_unchecked = 0xFFFFFFFF;
 
 /// The element, or null after the assertion of an index that was left unchecked.
 template <class T>
-const T* At(const std::vector<T>& list, unsigned int index)
+const T* At(const std::vector<T>& list, unsigned int index, const vyr::SHere& here)
 {
-    return VYR_ASSERT(index < list.size(), "index < list.size()") ? &list[index] : nullptr;
+    return index < list.size() || vyr::AssertFailed(here, "index < list.size()") ? &list[index] : nullptr;
 }
 
 template <class T>
@@ -33,7 +35,7 @@ unsigned int Count(const std::vector<T>& list)
 
 /// Whether the index is inside; else logged with the message, which takes index and size.
 template <class T>
-bool IsInside(const std::vector<T>& list, unsigned int index, const char* format, const vyr::SHere& here)
+bool IsInside(const std::vector<T>& list, unsigned int index, const char* format, VYR_CALLER)
 {
     if (index < list.size()) {
         return true;
@@ -52,31 +54,131 @@ void ReadText(STextType& text, void* node)
     text.lang = lang.Found() ? lang.Text() : "en";
 }
 
-}  // namespace
-
-struct CParseRRT::SState : vyr::STable {
+struct SRegions {
     std::vector<vyr::THeld<SRegion>> regions;
     SRegion* region = nullptr;
     SDimension* dimension = nullptr;
     SRating* rating = nullptr;
     void* channel = nullptr;
-    SCallback callback{};
+    CParseRRT::SCallback callback{};
     vyr::CReplace replace;
 
-    const SRegion* Region(unsigned int r) const { return At(regions, r); }
+    const SRegion* Region(unsigned int r, VYR_CALLER) const { return At(regions, r, here); }
 
-    const SDimension* Dimension(unsigned int r, unsigned int d) const
+    const SDimension* Dimension(unsigned int r, unsigned int d, VYR_CALLER) const
     {
-        const SRegion* owner = Region(r);
-        return owner ? At(owner->dimensions, d) : nullptr;
+        const SRegion* owner = Region(r, here);
+        return owner ? At(owner->dimensions, d, here) : nullptr;
     }
 
-    const SRating* Rating(unsigned int r, unsigned int d, unsigned int k) const
+    const SRating* Rating(unsigned int r, unsigned int d, unsigned int k, VYR_CALLER) const
     {
-        const SDimension* owner = Dimension(r, d);
-        return owner ? At(owner->ratings, k) : nullptr;
+        const SDimension* owner = Dimension(r, d, here);
+        return owner ? At(owner->ratings, k, here) : nullptr;
     }
 };
+
+void sm_CbRatingRegionTable(SRegions* m, void* node);
+void sm_CbDimension(SRegions* m, void* node);
+void sm_CbRating(SRegions* m, void* node);
+
+void sm_CbRegionIdText(SRegions* m, void* node)
+{
+    if (VYR_ASSERT(m->region, "m->region")) {
+        ReadText(m->region->text, node);
+    }
+}
+
+void sm_CbDimensionTitle(SRegions* m, void* node)
+{
+    if (VYR_ASSERT(m->dimension, "m->dimension")) {
+        ReadText(m->dimension->title, node);
+    }
+}
+
+void sm_CbRatingValueAbbrev(SRegions* m, void* node)
+{
+    if (VYR_ASSERT(m->rating, "m->rating")) {
+        ReadText(m->rating->abbreviation, node);
+    }
+}
+
+void sm_CbRatingValueString(SRegions* m, void* node)
+{
+    if (VYR_ASSERT(m->rating, "m->rating")) {
+        ReadText(m->rating->text, node);
+    }
+}
+
+constexpr vyr::SElementHandler<SRegions> k_handlers[] = {
+    {"RatingRegionTable", sm_CbRatingRegionTable},
+    {"RegionIdText", sm_CbRegionIdText},
+    {"Dimension", sm_CbDimension},
+    {"DimensionTitle", sm_CbDimensionTitle},
+    {"Rating", sm_CbRating},
+    {"RatingValueAbbrev", sm_CbRatingValueAbbrev},
+    {"RatingValueString", sm_CbRatingValueString},
+};
+
+void sm_CbRatingRegionTable(SRegions* m, void* node)
+{
+    if (!m->replace.Take()) {
+        return;
+    }
+    vyr::THeld<SRegion> region;
+    region.group = m->replace.Group();
+    vyr::ReadAttribute(node, "regionIdentifier", region.regionIdentifier);
+    {
+        const vyr::CScoped<SRegion*> current(m->region, &region, nullptr);
+        vyr::DispatchChildren(m, k_handlers, node);
+    }
+    m->regions.push_back(std::move(region));
+}
+
+void sm_CbDimension(SRegions* m, void* node)
+{
+    SRegion* region = m->region;
+    if (!VYR_ASSERT(region, "m->region") || !m->replace.Take()) {
+        return;
+    }
+    SDimension dimension;
+    vyr::ReadAttribute(node, "dimensionLevels", dimension.dimensionLevels);
+    const CNodeText graduated = CNodeText::Attribute(node, "dimensionGraduated");
+    dimension.dimensionGraduated = graduated.Found() && std::strcmp(graduated.Text(), "true") == 0;
+    {
+        const vyr::CScoped<SDimension*> current(m->dimension, &dimension, nullptr);
+        vyr::DispatchChildren(m, k_handlers, node);
+    }
+    region->dimensions.push_back(std::move(dimension));
+}
+
+void sm_CbRating(SRegions* m, void* node)
+{
+    SDimension* dimension = m->dimension;
+    if (!VYR_ASSERT(dimension, "m->dimension") || !m->replace.Take()) {
+        return;
+    }
+    SRating rating;
+    vyr::ReadAttribute(node, "ratingValue", rating.ratingValue);
+    {
+        const vyr::CScoped<SRating*> current(m->rating, &rating, nullptr);
+        vyr::DispatchChildren(m, k_handlers, node);
+    }
+    dimension->ratings.push_back(std::move(rating));
+}
+
+bool m_ProcessParseRRT(SRegions& m, const CXML& xml, void* root)
+{
+    if (!xml.Compare(root, "RatingRegionTables")) {
+        return false;
+    }
+    vyr::DispatchChildren(&m, k_handlers, root);
+    return true;
+}
+
+}  // namespace
+
+struct CParseRRT::SState : SRegions {};
 
 CParseRRT::CParseRRT() : m(nullptr) {}
 
@@ -87,38 +189,19 @@ CParseRRT::~CParseRRT()
 
 bool CParseRRT::Create()
 {
-    return vyr::CreateState(m, VYR_HERE, [this] { return t_CreateCallback(); });
-}
-
-bool CParseRRT::t_CreateCallback()
-{
-    static constexpr vyr::SElementHandler<CParseRRT> k_handlers[] = {
-        {"RatingRegionTable", sm_CbRatingRegionTable},
-        {"RegionIdText", sm_CbRegionIdText},
-        {"Dimension", sm_CbDimension},
-        {"DimensionTitle", sm_CbDimensionTitle},
-        {"Rating", sm_CbRating},
-        {"RatingValueAbbrev", sm_CbRatingValueAbbrev},
-        {"RatingValueString", sm_CbRatingValueString},
-    };
-    return vyr::AddHandlers(m->handlers, k_handlers);
+    return vyr::CreateState(m);
 }
 
 void CParseRRT::Destroy()
 {
-    if (VYR_ASSERT(m, "m") && t_Idle()) {
-        delete m;
-        m = nullptr;
+    if (!m || t_Idle()) {
+        vyr::DestroyState(m);
     }
 }
 
 bool CParseRRT::SetCallback(const CParseRRT::SCallback* callback)
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return false;
-    }
-    m->callback = callback ? *callback : SCallback{};
-    return true;
+    return vyr::SetCallback(m, callback);
 }
 
 bool CParseRRT::Start(void* channel)
@@ -149,103 +232,16 @@ bool CParseRRT::t_Parse(IParse::SItem* item)
     }
     const std::size_t held = m->regions.size();
     m->replace.Begin({m->channel, t_GroupId(), 0});
-    if (!vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseRRT(root)", VYR_HERE,
-                                 [this](void* root) { return m_ProcessParseRRT(root); })) {
+    if (!vyr::ParseTableDocument(item, t_DecompressLLS(), "m_ProcessParseRRT(root)",
+                                 [this](const CXML& xml, void* root) { return m_ProcessParseRRT(*m, xml, root); })) {
         return false;
     }
     m->replace.Drop(m->regions, held);
-    m->replace.End("CParseRRT", VYR_HERE);
+    m->replace.End("CParseRRT");
     if (m->callback.fn) {
         m->callback.fn(m->callback.userData, 1);
     }
     return true;
-}
-
-bool CParseRRT::m_ProcessParseRRT(void* root)
-{
-    if (!m->xml.Compare(root, "RatingRegionTables")) {
-        return false;
-    }
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    return true;
-}
-
-void CParseRRT::sm_CbRatingRegionTable(CParseRRT* parser, void* node)
-{
-    SState* m = parser->m;
-    if (!m->replace.Take()) {
-        return;
-    }
-    vyr::THeld<SRegion> region;
-    region.group = m->replace.Group();
-    region.regionIdentifier = CNodeText::Attribute(node, "regionIdentifier").Int(0);
-    {
-        const vyr::CScoped<SRegion*> current(m->region, &region, nullptr);
-        vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    }
-    m->regions.push_back(std::move(region));
-}
-
-void CParseRRT::sm_CbRegionIdText(CParseRRT* parser, void* node)
-{
-    if (VYR_ASSERT(parser->m->region, "m->region")) {
-        ReadText(parser->m->region->text, node);
-    }
-}
-
-void CParseRRT::sm_CbDimension(CParseRRT* parser, void* node)
-{
-    SState* m = parser->m;
-    SRegion* region = m->region;
-    if (!VYR_ASSERT(region, "m->region") || !m->replace.Take()) {
-        return;
-    }
-    SDimension dimension;
-    dimension.dimensionLevels = CNodeText::Attribute(node, "dimensionLevels").Int(0);
-    const CNodeText graduated = CNodeText::Attribute(node, "dimensionGraduated");
-    dimension.dimensionGraduated = graduated.Found() && std::strcmp(graduated.Text(), "true") == 0;
-    {
-        const vyr::CScoped<SDimension*> current(m->dimension, &dimension, nullptr);
-        vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    }
-    region->dimensions.push_back(std::move(dimension));
-}
-
-void CParseRRT::sm_CbDimensionTitle(CParseRRT* parser, void* node)
-{
-    if (VYR_ASSERT(parser->m->dimension, "m->dimension")) {
-        ReadText(parser->m->dimension->title, node);
-    }
-}
-
-void CParseRRT::sm_CbRating(CParseRRT* parser, void* node)
-{
-    SState* m = parser->m;
-    SDimension* dimension = m->dimension;
-    if (!VYR_ASSERT(dimension, "m->dimension") || !m->replace.Take()) {
-        return;
-    }
-    SRating rating;
-    rating.ratingValue = CNodeText::Attribute(node, "ratingValue").Int(0);
-    {
-        const vyr::CScoped<SRating*> current(m->rating, &rating, nullptr);
-        vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    }
-    dimension->ratings.push_back(std::move(rating));
-}
-
-void CParseRRT::sm_CbRatingValueAbbrev(CParseRRT* parser, void* node)
-{
-    if (VYR_ASSERT(parser->m->rating, "m->rating")) {
-        ReadText(parser->m->rating->abbreviation, node);
-    }
-}
-
-void CParseRRT::sm_CbRatingValueString(CParseRRT* parser, void* node)
-{
-    if (VYR_ASSERT(parser->m->rating, "m->rating")) {
-        ReadText(parser->m->rating->text, node);
-    }
 }
 
 /// Whether the indices name something; 0xFFFFFFFF leaves a level unchecked. Required: the messages name
@@ -253,21 +249,18 @@ void CParseRRT::sm_CbRatingValueString(CParseRRT* parser, void* node)
 bool CParseRRT::m_isValidIndex(unsigned int r, unsigned int d, unsigned int k) const
 {
     if (!VYR_ASSERT(m, "m") ||
-        !IsInside(m->regions, r, "[CParseRRT::GetRegionIdentifier] index error rrt index[%d] total[%d] !!!",
-                  VYR_HERE)) {
+        !IsInside(m->regions, r, "[CParseRRT::GetRegionIdentifier] index error rrt index[%d] total[%d] !!!")) {
         return false;
     }
     const std::vector<SDimension>& dimensions = m->regions[r].dimensions;
     if (d == k_unchecked) {
         return true;
     }
-    if (!IsInside(dimensions, d, "[CParseRRT::GetDimensionLevels] index error dimension index[%d] total[%d] !!!",
-                  VYR_HERE)) {
+    if (!IsInside(dimensions, d, "[CParseRRT::GetDimensionLevels] index error dimension index[%d] total[%d] !!!")) {
         return false;
     }
-    return k == k_unchecked ||
-           IsInside(dimensions[d].ratings, k,
-                    "[CParseRRT::GetDimensionLevels] index error rating index[%d] total[%d] !!!", VYR_HERE);
+    return k == k_unchecked || IsInside(dimensions[d].ratings, k,
+                                        "[CParseRRT::GetDimensionLevels] index error rating index[%d] total[%d] !!!");
 }
 
 unsigned int CParseRRT::numOfRatingRegionTable() const

@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "common/ChannelMap.h"
-#include "common/CoreOS/PtrArray.h"
-#include "common/Ipv4.h"
+#include "common/Give.h"
+#include "common/Owned.h"
 #include "common/SeededHash.h"
-#include "common/XmlNode.h"
+#include "common/XmlRead.h"
 #include "lls/Replace.h"
 #include "lls/TableDocument.h"
 #include "platform/Log.h"
@@ -43,23 +43,6 @@ void g_CbRemoveService(void* context, void* element)
     if (gone.open) {
         gone.services.push_back(std::move(service));
     }
-}
-
-void g_CbRemoveSltInetUrl(void* /*context*/, void* element)
-{
-    delete static_cast<SHeldUrl*>(element);
-}
-
-int Number(void* node, const char* name)
-{
-    return CNodeText::Attribute(node, name).Int(0);
-}
-
-/// Dotted IPv4 text as a number in host order; absent: 0.
-std::uint32_t Address(void* node, const char* name)
-{
-    const CNodeText text = CNodeText::Attribute(node, name);
-    return text.Found() ? vyr::Ipv4Address(text.Text()) : 0;
 }
 
 std::optional<std::string> Text(void* node, const char* name)
@@ -130,9 +113,7 @@ class CRemovals {
     std::vector<bool> m_removed;
 };
 
-}  // namespace
-
-struct CParseSLT::SSLT : vyr::STable {
+struct SServices {
     unsigned char groupId = 0;
     std::set<unsigned char> groupIds;
     int bsid = 0;
@@ -141,25 +122,174 @@ struct CParseSLT::SSLT : vyr::STable {
     int lowestMinorChannelNo = k_noMinorChannel;
     SGone gone;
     CCPtrArray services{g_CbRemoveService, &gone};
-    CCPtrArray sltInetUrls{g_CbRemoveSltInetUrl, nullptr};
+    TPtrArray<SHeldUrl> sltInetUrls;
     SService* current = nullptr;
     void* channel = nullptr;
     CChannelMap* channelMap = nullptr;
-    SCallback callback{};
+    CParseSLT::SCallback callback{};
     bool lenient = false;
-    SDropCallback dropCallback{};
+    CParseSLT::SDropCallback dropCallback{};
     vyr::CReplace replace;
     bool leaveChannelMap = false;
 
     SService* Service(int index) const { return static_cast<SHeldService*>(services.Data(index)); }
 
-    void Drop(const SService* service, EDropReason reason) const
+    void Drop(const SService* service, CParseSLT::EDropReason reason) const
     {
         if (dropCallback.fn) {
             dropCallback.fn(dropCallback.userData, service, reason);
         }
     }
 };
+
+void sm_CbService(SServices* m, void* node);
+
+void sm_CbSimulcastTSID(SServices* m, void* node)
+{
+    SService* service = m->current;
+    if (VYR_ASSERT(service, "m->current")) {
+        vyr::ReadAttribute(node, "SimulcastTSID", service->simulcastTsid);
+        vyr::ReadAttribute(node, "simulcastMajorChannelNo", service->simulcastMajorChannelNo);
+        vyr::ReadAttribute(node, "simulcastMinorChannelNo", service->simulcastMinorChannelNo);
+    }
+}
+
+void sm_CbBroadcastSvcSignaling(SServices* m, void* node)
+{
+    SService* service = m->current;
+    if (VYR_ASSERT(service, "m->current")) {
+        service->hasBroadcastSvcSignaling = true;
+        vyr::ReadAttribute(node, "slsProtocol", service->slsProtocol);
+        vyr::ReadAttribute(node, "slsMajorProtocolVersion", service->slsMajorProtocolVersion);
+        vyr::ReadAttribute(node, "slsMinorProtocolVersion", service->slsMinorProtocolVersion);
+        vyr::ReadAttribute(node, "slsDestinationUdpPort", service->slsDestinationUdpPort);
+        service->slsDestinationIpAddress = 0;
+        vyr::ReadIpv4(CNodeText::Attribute(node, "slsDestinationIpAddress"), service->slsDestinationIpAddress);
+        service->slsSourceIpAddress = 0;
+        vyr::ReadIpv4(CNodeText::Attribute(node, "slsSourceIpAddress"), service->slsSourceIpAddress);
+    }
+}
+
+void sm_CbSltInetUrl(SServices* m, void* node)
+{
+    const int type = CNodeText::Attribute(node, "urlType").Int(-1);
+    const CNodeText url = CNodeText::Content(node);
+    if (!url.HasText()) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSltInetUrl] sltInetUrl value is not exist !!!");
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSltInetUrl] sltUrl[%s], sltUrlType[%d]", url.Text(), type);
+    if (m->replace.Take()) {
+        m->sltInetUrls.Append(std::unique_ptr<SHeldUrl>(new SHeldUrl{{url.Text(), type}, m->replace.Group()}));
+    }
+}
+
+void sm_CbSvcInetUrl(SServices* m, void* node)
+{
+    SService* service = m->current;
+    if (!VYR_ASSERT(service, "m->current")) {
+        return;
+    }
+    const int type = CNodeText::Attribute(node, "urlType").Int(-1);
+    const CNodeText url = CNodeText::Content(node);
+    if (!url.HasText()) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSvcInetUrl] svcInetUrl value is not exist !!!");
+        return;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSvcInetUrl] svcUrl[%s], svcUrlType[%d]", url.Text(), type);
+    service->svcInetUrl = {url.Text(), type, true};
+}
+
+constexpr vyr::SElementHandler<SServices> k_handlers[] = {
+    {"sltInetUrl", sm_CbSltInetUrl},
+    {"SLTInetUrl", sm_CbSltInetUrl},
+    {"Service", sm_CbService},
+    {"SimulcastTSID", sm_CbSimulcastTSID},
+    {"BroadcastSvcSignaling", sm_CbBroadcastSvcSignaling},
+    {"svcInetUrl", sm_CbSvcInetUrl},
+    {"SvcInetUrl", sm_CbSvcInetUrl},
+};
+
+void sm_CbService(SServices* m, void* node)
+{
+    auto service = std::make_unique<SHeldService>();
+    const auto drop = [m, &service](CParseSLT::EDropReason reason) { m->Drop(service.get(), reason); };
+    service->groupId = m->groupId;
+    vyr::ReadAttribute(node, "serviceId", service->serviceId);
+    service->globalServiceId = Text(node, "globalServiceID");
+    if (!service->globalServiceId) {
+        service->globalServiceId = Text(node, "globalServiceId");
+    }
+    vyr::ReadAttribute(node, "sltSvcSeqNum", service->sltSvcSeqNum);
+
+    const CNodeText protected1 = CNodeText::Attribute(node, "protected");
+    if (!m->lenient && !VYR_ASSERT(protected1.Found(), "protected1 != nullptr")) {
+        return drop(CParseSLT::DROP_NO_PROTECTED);
+    }
+    service->isProtected = protected1.Bool();
+    const CNodeText hidden1 = CNodeText::Attribute(node, "hidden");
+    if (!m->lenient && !VYR_ASSERT(hidden1.Found(), "hidden1 != nullptr")) {
+        return drop(CParseSLT::DROP_NO_HIDDEN);
+    }
+    service->hidden = hidden1.Bool();
+    const CNodeText broadbandAccessRequired1 = CNodeText::Attribute(node, "broadbandAccessRequired");
+    if (!m->lenient && !VYR_ASSERT(broadbandAccessRequired1.Found(), "broadbandAccessRequired1 != nullptr")) {
+        return drop(CParseSLT::DROP_NO_BROADBAND);
+    }
+    service->broadbandAccessRequired = broadbandAccessRequired1.Bool();
+
+    vyr::ReadAttribute(node, "majorChannelNo", service->majorChannelNo);
+    vyr::ReadAttribute(node, "minorChannelNo", service->minorChannelNo);
+    vyr::ReadAttribute(node, "serviceCategory", service->serviceCategory);
+    service->shortServiceName = Text(node, "shortServiceName");
+    vyr::ReadAttribute(node, "drmSystemID", service->drmSystemID);
+    if (service->serviceCategory >= 1 && service->serviceCategory <= 3) {
+        if (service->majorChannelNo < 1 || service->majorChannelNo > k_maxChannel) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbService] mojor channel number ERROR major[%d]",
+                    service->majorChannelNo);
+            return drop(CParseSLT::DROP_MAJOR_CHANNEL);
+        }
+        if (service->minorChannelNo < 1 || service->minorChannelNo > k_maxChannel) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbService] minor channel number ERROR minor[%d]",
+                    service->minorChannelNo);
+            return drop(CParseSLT::DROP_MINOR_CHANNEL);
+        }
+        int supported = 0;
+        if (service->broadbandAccessRequired && (!vyr::GetSetting(k_broadbandSetting, &supported) || supported == 0)) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbService] Broadband service is NOT supported !!!");
+            return drop(CParseSLT::DROP_BROADBAND_UNSUPPORTED);
+        }
+    }
+    if (!m->replace.Take()) {
+        return drop(CParseSLT::DROP_LIMIT);
+    }
+    service->group = m->replace.Group();
+    service->svcCapabilities = Text(node, "svcCapabilities");
+
+    {
+        const vyr::CScoped<SService*> current(m->current, service.get(), nullptr);
+        vyr::DispatchChildren(m, k_handlers, node);
+    }
+    vyr::Append(m->services, std::move(service));
+}
+
+bool m_ProcessParseSLT(SServices& m, const CXML& xml, void* root)
+{
+    if (!xml.Compare(root, "SLT")) {
+        return false;
+    }
+    vyr::ReadAttribute(root, "bsid", m.bsid);
+    m.bsidByGroup.emplace(m.groupId, m.bsid);
+    if (!vyr::ReadAttribute(root, "sltCapabilities", m.capabilities)) {
+        vyr::ReadAttribute(root, "SLTCapabilities", m.capabilities);
+    }
+    vyr::DispatchChildren(&m, k_handlers, root, "[CParseSLT::m_ProcessParseSLT] Name[%s]", vyr::LOG_ALL_CHILDREN);
+    return true;
+}
+
+}  // namespace
+
+struct CParseSLT::SSLT : SServices {};
 
 CParseSLT::CParseSLT() : m(nullptr) {}
 
@@ -170,27 +300,12 @@ CParseSLT::~CParseSLT()
 
 bool CParseSLT::Create(CChannelMap* channelMap, const CParseSLT::SCallback* callback)
 {
-    if ((!m && !VYR_ASSERT(channelMap, "channelMap")) ||
-        !vyr::CreateState(m, VYR_HERE, [this] { return t_CreateCallback(); })) {
+    if ((!m && !VYR_ASSERT(channelMap, "channelMap")) || !vyr::CreateState(m)) {
         return false;
     }
     m->channelMap = channelMap;
     m->callback = callback ? *callback : SCallback{};
     return true;
-}
-
-bool CParseSLT::t_CreateCallback()
-{
-    static constexpr vyr::SElementHandler<CParseSLT> k_handlers[] = {
-        {"sltInetUrl", sm_CbSltInetUrl},
-        {"SLTInetUrl", sm_CbSltInetUrl},
-        {"Service", sm_CbService},
-        {"SimulcastTSID", sm_CbSimulcastTSID},
-        {"BroadcastSvcSignaling", sm_CbBroadcastSvcSignaling},
-        {"svcInetUrl", sm_CbSvcInetUrl},
-        {"SvcInetUrl", sm_CbSvcInetUrl},
-    };
-    return vyr::AddHandlers(m->handlers, k_handlers);
 }
 
 void CParseSLT::Destroy()
@@ -199,8 +314,7 @@ void CParseSLT::Destroy()
         return;
     }
     m_RemoveSLT();
-    delete m;
-    m = nullptr;
+    vyr::DestroyState(m);
 }
 
 void CParseSLT::m_RemoveSLT()
@@ -287,12 +401,8 @@ bool CParseSLT::GetSltCapability(std::string& capability) const
 
 bool CParseSLT::GetSltInetUrl(int index, std::string& url, EATSC3UrlType& type) const
 {
-    void* element = nullptr;
-    if (!VYR_ASSERT(m, "m") || !m->sltInetUrls.GetAt(index, &element)) {
-        return false;
-    }
-    const auto* record = static_cast<const SHeldUrl*>(element);
-    return vyr::Give(record->url, url) && vyr::Give(record->urlType, type);
+    const SHeldUrl* record = VYR_ASSERT(m, "m") ? m->sltInetUrls.Get(index) : nullptr;
+    return record && vyr::Give(record->url, url) && vyr::Give(record->urlType, type);
 }
 
 const SParseSLT::SService* CParseSLT::GetServiceInfo(int index) const
@@ -341,8 +451,8 @@ bool CParseSLT::t_Parse(IParse::SItem* item)
     const int services = m->services.Size();
     const int urls = m->sltInetUrls.Size();
     m->replace.Begin({m->channel, t_GroupId(), m->groupId});
-    if (!vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseSLT(root)", VYR_HERE,
-                                 [this](void* root) { return m_ProcessParseSLT(root); })) {
+    if (!vyr::ParseTableDocument(item, t_DecompressLLS(), "m_ProcessParseSLT(root)",
+                                 [this](const CXML& xml, void* root) { return m_ProcessParseSLT(*m, xml, root); })) {
         return false;
     }
     m_PutAside(services, urls);
@@ -376,7 +486,7 @@ void CParseSLT::m_PutAside(int services, int urls)
         m->gone.open = false;
         m->replace.Drop<SParseSLT::SSltInetUrl>(m->sltInetUrls, urls);
     }
-    m->replace.End("CParseSLT", VYR_HERE);
+    m->replace.End("CParseSLT");
 }
 
 /// Tells of the services that were put aside and are not offered to the channel map any more.
@@ -400,21 +510,6 @@ void CParseSLT::m_Leave()
             m->channelMap->RemoveService(service->service);
         }
     }
-}
-
-bool CParseSLT::m_ProcessParseSLT(void* root)
-{
-    if (!m->xml.Compare(root, "SLT")) {
-        return false;
-    }
-    m->bsid = Number(root, "bsid");
-    m->bsidByGroup.emplace(m->groupId, m->bsid);
-    if (!CNodeText::Attribute(root, "sltCapabilities").CopyTo(m->capabilities)) {
-        CNodeText::Attribute(root, "SLTCapabilities").CopyTo(m->capabilities);
-    }
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_ALL_CHILDREN, "[CParseSLT::m_ProcessParseSLT] Name[%s]",
-                          VYR_HERE);
-    return true;
 }
 
 /// Offers a service to the channel map and hands over what the map keeps of it.
@@ -452,125 +547,6 @@ void CParseSLT::m_Publish(SParseSLT::SService* service)
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::t_Parse] systemID[%s]", service->drmSystemID.c_str());
         map->SetDrmSystemID(entry, service->drmSystemID);
     }
-}
-
-void CParseSLT::sm_CbService(CParseSLT* parser, void* node)
-{
-    SSLT* m = parser->m;
-    auto service = std::make_unique<SHeldService>();
-    const auto drop = [m, &service](EDropReason reason) { m->Drop(service.get(), reason); };
-    service->groupId = m->groupId;
-    service->serviceId = static_cast<unsigned short>(Number(node, "serviceId"));
-    service->globalServiceId = Text(node, "globalServiceID");
-    if (!service->globalServiceId) {
-        service->globalServiceId = Text(node, "globalServiceId");
-    }
-    service->sltSvcSeqNum = Number(node, "sltSvcSeqNum");
-
-    const CNodeText protected1 = CNodeText::Attribute(node, "protected");
-    if (!m->lenient && !VYR_ASSERT(protected1.Found(), "protected1 != nullptr")) {
-        return drop(DROP_NO_PROTECTED);
-    }
-    service->isProtected = protected1.Bool();
-    const CNodeText hidden1 = CNodeText::Attribute(node, "hidden");
-    if (!m->lenient && !VYR_ASSERT(hidden1.Found(), "hidden1 != nullptr")) {
-        return drop(DROP_NO_HIDDEN);
-    }
-    service->hidden = hidden1.Bool();
-    const CNodeText broadbandAccessRequired1 = CNodeText::Attribute(node, "broadbandAccessRequired");
-    if (!m->lenient && !VYR_ASSERT(broadbandAccessRequired1.Found(), "broadbandAccessRequired1 != nullptr")) {
-        return drop(DROP_NO_BROADBAND);
-    }
-    service->broadbandAccessRequired = broadbandAccessRequired1.Bool();
-
-    service->majorChannelNo = Number(node, "majorChannelNo");
-    service->minorChannelNo = Number(node, "minorChannelNo");
-    service->serviceCategory = Number(node, "serviceCategory");
-    service->shortServiceName = Text(node, "shortServiceName");
-    CNodeText::Attribute(node, "drmSystemID").CopyTo(service->drmSystemID);
-    if (service->serviceCategory >= 1 && service->serviceCategory <= 3) {
-        if (service->majorChannelNo < 1 || service->majorChannelNo > k_maxChannel) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbService] mojor channel number ERROR major[%d]",
-                    service->majorChannelNo);
-            return drop(DROP_MAJOR_CHANNEL);
-        }
-        if (service->minorChannelNo < 1 || service->minorChannelNo > k_maxChannel) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbService] minor channel number ERROR minor[%d]",
-                    service->minorChannelNo);
-            return drop(DROP_MINOR_CHANNEL);
-        }
-        int supported = 0;
-        if (service->broadbandAccessRequired && (!vyr::GetSetting(k_broadbandSetting, &supported) || supported == 0)) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbService] Broadband service is NOT supported !!!");
-            return drop(DROP_BROADBAND_UNSUPPORTED);
-        }
-    }
-    if (!m->replace.Take()) {
-        return drop(DROP_LIMIT);
-    }
-    service->group = m->replace.Group();
-    service->svcCapabilities = Text(node, "svcCapabilities");
-
-    {
-        const vyr::CScoped<SService*> current(m->current, service.get(), nullptr);
-        vyr::DispatchChildren(parser, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    }
-    vyr::Append(m->services, std::move(service));
-}
-
-void CParseSLT::sm_CbSimulcastTSID(CParseSLT* parser, void* node)
-{
-    SService* service = parser->m->current;
-    if (VYR_ASSERT(service, "m->current")) {
-        service->simulcastTsid = Number(node, "SimulcastTSID");
-        service->simulcastMajorChannelNo = Number(node, "simulcastMajorChannelNo");
-        service->simulcastMinorChannelNo = Number(node, "simulcastMinorChannelNo");
-    }
-}
-
-void CParseSLT::sm_CbBroadcastSvcSignaling(CParseSLT* parser, void* node)
-{
-    SService* service = parser->m->current;
-    if (VYR_ASSERT(service, "m->current")) {
-        service->hasBroadcastSvcSignaling = true;
-        service->slsProtocol = Number(node, "slsProtocol");
-        service->slsMajorProtocolVersion = Number(node, "slsMajorProtocolVersion");
-        service->slsMinorProtocolVersion = Number(node, "slsMinorProtocolVersion");
-        service->slsDestinationUdpPort = Number(node, "slsDestinationUdpPort");
-        service->slsDestinationIpAddress = Address(node, "slsDestinationIpAddress");
-        service->slsSourceIpAddress = Address(node, "slsSourceIpAddress");
-    }
-}
-
-void CParseSLT::sm_CbSltInetUrl(CParseSLT* parser, void* node)
-{
-    const int type = CNodeText::Attribute(node, "urlType").Int(-1);
-    const CNodeText url = CNodeText::Content(node);
-    if (!url.HasText()) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSltInetUrl] sltInetUrl value is not exist !!!");
-        return;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSltInetUrl] sltUrl[%s], sltUrlType[%d]", url.Text(), type);
-    SSLT* m = parser->m;
-    if (m->replace.Take()) {
-        vyr::Append(m->sltInetUrls, std::unique_ptr<SHeldUrl>(new SHeldUrl{{url.Text(), type}, m->replace.Group()}));
-    }
-}
-
-void CParseSLT::sm_CbSvcInetUrl(CParseSLT* parser, void* node)
-{
-    SService* service = parser->m->current;
-    if (!VYR_ASSERT(service, "m->current")) {
-        return;
-    }
-    const int type = CNodeText::Attribute(node, "urlType").Int(-1);
-    const CNodeText url = CNodeText::Content(node);
-    if (!url.HasText()) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSvcInetUrl] svcInetUrl value is not exist !!!");
-        return;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::sm_CbSvcInetUrl] svcUrl[%s], svcUrlType[%d]", url.Text(), type);
-    service->svcInetUrl = {url.Text(), type, true};
 }
 
 /// Every pair of equal services lists the index of its later one; the list in ascending order, its

@@ -1,13 +1,46 @@
 #include "lls/ParseSystemTime.h"
 
 #include "common/ATSC3TimeUtility.h"
-#include "common/XmlNode.h"
+#include "common/XmlRead.h"
 #include "lls/TableDocument.h"
 #include "platform/Log.h"
 
 using vyr::CNodeText;
 
-struct CParseSystemTime::SState : vyr::STable {
+namespace {
+
+bool m_ProcessParseSystemTime(CParseSystemTime::SSystemTime& time, const CXML& xml, void* root)
+{
+    if (!xml.Compare(root, "SystemTime")) {
+        return false;
+    }
+    vyr::ReadAttribute(root, "currentUtcOffset", time.currentUtcOffset);
+    vyr::ReadAttribute(root, "ptpPrepend", time.ptpPrepend);
+    // Required: these only ever become true.
+    time.leap59 = CNodeText::Attribute(root, "leap59").Bool() || time.leap59;
+    time.leap61 = CNodeText::Attribute(root, "leap61").Bool() || time.leap61;
+    time.dsStatus = CNodeText::Attribute(root, "dsStatus").Bool() || time.dsStatus;
+    const CNodeText utcLocalOffset = CNodeText::Attribute(root, "utcLocalOffset");
+    if (utcLocalOffset.Found()) {
+        time.utcLocalOffset = TimeUtility::DurationToSec(utcLocalOffset.Text());
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::Parse] utcLocalOffset.String():%s", utcLocalOffset.Text());
+    }
+    const int day = CNodeText::Attribute(root, "dsDayOfMonth").Int(0);
+    if (day >= 1 && day <= 31) {
+        time.dsDayOfMonth = day;
+    }
+    const int hour = CNodeText::Attribute(root, "dsHour").Int(0);
+    if (hour >= 0 && hour <= 24) {
+        time.dsHour = hour;
+    }
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::Parse] CurrentUtcOffset:%d utcLocalOffset:%d",
+            time.currentUtcOffset, time.utcLocalOffset);
+    return true;
+}
+
+}  // namespace
+
+struct CParseSystemTime::SState {
     SSystemTime time{};
     void* channel = nullptr;
 };
@@ -21,10 +54,7 @@ CParseSystemTime::~CParseSystemTime()
 
 bool CParseSystemTime::Create(unsigned char groupId)
 {
-    if (!m) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::Create]");
-    }
-    if (!vyr::CreateState(m, VYR_HERE)) {
+    if (!vyr::CreateState(m, "[CParseSystemTime::Create]")) {
         return false;
     }
     m->time.groupId = groupId;
@@ -33,11 +63,7 @@ bool CParseSystemTime::Create(unsigned char groupId)
 
 void CParseSystemTime::Destroy()
 {
-    if (!VYR_ASSERT(m, "m")) {
-        return;
-    }
-    delete m;
-    m = nullptr;
+    vyr::DestroyState(m);
 }
 
 bool CParseSystemTime::Start(void* channel)
@@ -80,36 +106,7 @@ bool CParseSystemTime::t_Parse(IParse::SItem* item)
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::t_Parse]");
-    return vyr::ParseTableDocument(m->xml, item, t_DecompressLLS(), "m_ProcessParseSystemTime(root)", VYR_HERE,
-                                   [this](void* root) { return m_ProcessParseSystemTime(root); });
-}
-
-bool CParseSystemTime::m_ProcessParseSystemTime(void* root)
-{
-    if (!m->xml.Compare(root, "SystemTime")) {
-        return false;
-    }
-    SSystemTime& time = m->time;
-    time.currentUtcOffset = CNodeText::Attribute(root, "currentUtcOffset").Int(0);
-    time.ptpPrepend = static_cast<unsigned short>(CNodeText::Attribute(root, "ptpPrepend").Int(0));
-    // Required: these only ever become true.
-    time.leap59 = CNodeText::Attribute(root, "leap59").Bool() || time.leap59;
-    time.leap61 = CNodeText::Attribute(root, "leap61").Bool() || time.leap61;
-    time.dsStatus = CNodeText::Attribute(root, "dsStatus").Bool() || time.dsStatus;
-    const CNodeText utcLocalOffset = CNodeText::Attribute(root, "utcLocalOffset");
-    if (utcLocalOffset.Found()) {
-        time.utcLocalOffset = TimeUtility::DurationToSec(utcLocalOffset.Text());
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::Parse] utcLocalOffset.String():%s", utcLocalOffset.Text());
-    }
-    const int day = CNodeText::Attribute(root, "dsDayOfMonth").Int(0);
-    if (day >= 1 && day <= 31) {
-        time.dsDayOfMonth = day;
-    }
-    const int hour = CNodeText::Attribute(root, "dsHour").Int(0);
-    if (hour >= 0 && hour <= 24) {
-        time.dsHour = hour;
-    }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::Parse] CurrentUtcOffset:%d utcLocalOffset:%d",
-            time.currentUtcOffset, time.utcLocalOffset);
-    return true;
+    return vyr::ParseTableDocument(
+        item, t_DecompressLLS(), "m_ProcessParseSystemTime(root)",
+        [this](const CXML& xml, void* root) { return m_ProcessParseSystemTime(m->time, xml, root); });
 }

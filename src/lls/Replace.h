@@ -85,7 +85,7 @@ class CReplace {
         list.resize(kept);
     }
     /// The table is over: says how much of it was refused, if any.
-    void End(const char* className, const SHere& here) const
+    void End(const char* className, VYR_CALLER) const
     {
         if (m_refused > 0 && LogEnabled(LOG_PRIORITY_INFO)) {
             Print(LOG_PRIORITY_INFO, here, "[%s::t_Parse] %d records dropped: a group holds %d, a channel %d groups",

@@ -11,6 +11,7 @@
 #include "common/ElementHandlers.h"
 #include "common/OutOfMemory.h"
 #include "common/RSAT.h"
+#include "common/State.h"
 #include "platform/BaseParser.h"
 #include "platform/FailureKeeping.h"
 #include "platform/Log.h"
@@ -44,17 +45,11 @@ struct SHeld {
     }
 };
 
-/// Texts of the steps of a parse, as the log shows them when one fails.
-struct SSteps {
-    const char* create;
-    const char* parse;
-};
-
 /// Parses a document on a parser made anew: Create(), `prepare(parser)`, Parse(…). Keeps the parser when
 /// that succeeds; else logs the failed step and holds nothing.
 template <class TParser, class TPrepare>
-bool Reparse(SHeld<TParser>& held, const char* buffer, unsigned int size, const SSteps& steps, const vyr::SHere& here,
-             TPrepare prepare)
+bool Reparse(SHeld<TParser>& held, const char* buffer, unsigned int size, const vyr::SChildSteps& steps,
+             TPrepare prepare, VYR_CALLER)
 {
     held.Destroy();
     if (!held.parser.Create()) {
@@ -72,9 +67,10 @@ bool Reparse(SHeld<TParser>& held, const char* buffer, unsigned int size, const 
 }
 
 template <class TParser>
-bool Reparse(SHeld<TParser>& held, const char* buffer, unsigned int size, const SSteps& steps, const vyr::SHere& here)
+bool Reparse(SHeld<TParser>& held, const char* buffer, unsigned int size, const vyr::SChildSteps& steps, VYR_CALLER)
 {
-    return Reparse(held, buffer, size, steps, here, [](TParser&) { return true; });
+    return Reparse(
+        held, buffer, size, steps, [](TParser&) { return true; }, here);
 }
 
 /// Where a document lies in a buffer.
@@ -133,7 +129,7 @@ SDocument Find(const char* start, std::initializer_list<const char*> endTags, bo
 
 /// Logs that a document is missing, or where it lies; whether it is to be taken. One without its end tag,
 /// or too long, is passed over.
-bool Announce(const SDocument& document, const char* missing, const char* format, const vyr::SHere& here)
+bool Announce(const SDocument& document, const char* missing, const char* format, VYR_CALLER)
 {
     if (vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
         if (!document.start) {
@@ -175,7 +171,7 @@ CSLSManager::~CSLSManager()
 
 bool CSLSManager::Create(const SCallback* cb)
 {
-    if (!vyr::CreateState(m, VYR_HERE)) {
+    if (!vyr::CreateState(m)) {
         return false;
     }
     if (cb) {
@@ -186,11 +182,9 @@ bool CSLSManager::Create(const SCallback* cb)
 
 void CSLSManager::Destroy()
 {
-    if (!VYR_ASSERT(m, "m") || !VYR_ASSERT(!m->parsing, "!m->parsing")) {
-        return;
+    if (!m || VYR_ASSERT(!m->parsing, "!m->parsing")) {
+        vyr::DestroyState(m);
     }
-    delete m;
-    m = nullptr;
 }
 
 const CROUTEUsbd* CSLSManager::Usbd() const
@@ -239,21 +233,21 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
     const SDocument usbd = Find(small ? small : starts.Of(CStarts::USBD),
                                 {"</bundleDescriptionROUTE>", "</BundleDescriptionROUTE>"}, true);
     if (Announce(usbd, "[CSLSManager::Parse] USBD data not included !!!",
-                 "[CSLSManager::Parse] PARSE NEW USBD buf1 = 0x%p,  Pos = 0x%p, length = %td", VYR_HERE)) {
+                 "[CSLSManager::Parse] PARSE NEW USBD buf1 = 0x%p,  Pos = 0x%p, length = %td")) {
         const vyr::CDocumentOfPackage document("USBD");
         m_ParseUSBD(usbd.start, usbd.Size());
     }
 
     const SDocument stsid = Find(starts.Of(CStarts::STSID), {"</S-TSID>"}, true);
     if (Announce(stsid, "[CSLSManager::Parse] STSID data not included start check direct EFDT !!!",
-                 "[CSLSManager::Parse] PARSE STSID buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
+                 "[CSLSManager::Parse] PARSE STSID buf1 = 0x%p, Pos = 0x%p, length = %td")) {
         const vyr::CDocumentOfPackage document("STSID");
         m_ParseSTSID(stsid.start, stsid.Size());
     }
     if (!stsid.start) {
         const SDocument efdt = Find(starts.Of(CStarts::EFDT), {"</EFDT>"}, false);
         if (Announce(efdt, "[CSLSManager::Parse] direct EFDT data not included !!!",
-                     "[CSLSManager::Parse] PARSE EFDT buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
+                     "[CSLSManager::Parse] PARSE EFDT buf1 = 0x%p, Pos = 0x%p, length = %td")) {
             const vyr::CDocumentOfPackage document("EFDT");
             m_ParseDirectEFDT(efdt.start, efdt.Size(), session);
         }
@@ -261,7 +255,7 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
 
     const SDocument mpd = Find(starts.Of(CStarts::MPD), {"</MPD>"}, true);
     if (Announce(mpd, "[CSLSManager::Parse] MPD data not included !!!",
-                 "[CSLSManager::Parse] PARSE MPD buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
+                 "[CSLSManager::Parse] PARSE MPD buf1 = 0x%p, Pos = 0x%p, length = %td")) {
         if (m->callback.cbMPDData && m->usbd.created) {
             m->callback.cbMPDData(m->callback.pUserData, mpd.start, mpd.Size(), m->usbd.parser.ServiceId());
         }
@@ -290,7 +284,7 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
 
     const SDocument rsat = Find(starts.Of(CStarts::RSAT), {"</RSAT>"}, true);
     if (Announce(rsat, "[CSLSManager::Parse] RSAT data not included !!!",
-                 "[CSLSManager::Parse] PARSE RSAT buf1 = 0x%p, Pos = 0x%p, length = %td", VYR_HERE)) {
+                 "[CSLSManager::Parse] PARSE RSAT buf1 = 0x%p, Pos = 0x%p, length = %td")) {
         const vyr::CDocumentOfPackage document("RSAT");
         m_ParseRSAT(rsat.start, rsat.Size());
     }
@@ -298,9 +292,9 @@ void CSLSManager::m_Parse(const char* text, const SSessionInfo* session, bool sk
 
 void CSLSManager::m_ParseUSBD(const char* buffer, unsigned int size)
 try {
-    static constexpr SSteps k_steps = {"m->usbd.Create()", "m->usbd.Parse((const char*)buffer, size)"};
+    static constexpr vyr::SChildSteps k_steps = {"m->usbd.Create()", "m->usbd.Parse((const char*)buffer, size)"};
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::m_ParseUSBD]");
-    if (!Reparse(m->usbd, buffer, size, k_steps, VYR_HERE)) {
+    if (!Reparse(m->usbd, buffer, size, k_steps)) {
         return;
     }
     const CROUTEUsbd& usbd = m->usbd.parser;
@@ -334,11 +328,11 @@ try {
 
 void CSLSManager::m_ParseSTSID(const char* buffer, unsigned int size)
 {
-    static constexpr SSteps k_steps = {"m->stsid.Create()", "m->stsid.Parse((const char*)buffer, size)"};
+    static constexpr vyr::SChildSteps k_steps = {"m->stsid.Create()", "m->stsid.Parse((const char*)buffer, size)"};
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::m_ParseSTSID]");
     m->efdtMap.clear();
     const CLS::SCallback cb = {this, sm_CbEFDTInfo};
-    const bool parsed = Reparse(m->stsid, buffer, size, k_steps, VYR_HERE, [&cb](CSTSID& stsid) {
+    const bool parsed = Reparse(m->stsid, buffer, size, k_steps, [&cb](CSTSID& stsid) {
         return VYR_CHECK(stsid.SetCallback(&cb), "m->stsid.SetCallback(&cb)");
     });
     if (!parsed) {
@@ -376,14 +370,14 @@ void CSLSManager::m_ParseSTSID(const char* buffer, unsigned int size)
 
 void CSLSManager::m_ParseDirectEFDT(const char* buffer, unsigned int size, const SSessionInfo* session)
 {
-    static constexpr SSteps k_steps = {"m->efdt.Create()", "m->efdt.Parse((const char*)buffer, size)"};
+    static constexpr vyr::SChildSteps k_steps = {"m->efdt.Create()", "m->efdt.Parse((const char*)buffer, size)"};
     if (!session) {
         return;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::m_ParseDirectEFDT]");
     m->directEfdtMap.clear();
     const SEFDTInfoCallback cb = {this, sm_CbDirectEFDTInfo};
-    const bool parsed = Reparse(m->efdt, buffer, size, k_steps, VYR_HERE, [&cb](CEFDT& efdt) {
+    const bool parsed = Reparse(m->efdt, buffer, size, k_steps, [&cb](CEFDT& efdt) {
         return VYR_CHECK(efdt.SetCallback(&cb), "m->efdt.SetCallback(&cb)");
     });
     if (parsed) {
@@ -399,18 +393,18 @@ void CSLSManager::m_ParseDirectEFDT(const char* buffer, unsigned int size, const
 
 void CSLSManager::m_ParseMPD(const char* buffer, unsigned int size)
 {
-    static constexpr SSteps k_steps = {"m->mpd.Create()", "m->mpd.Parse((const char*)buffer, size)"};
+    static constexpr vyr::SChildSteps k_steps = {"m->mpd.Create()", "m->mpd.Parse((const char*)buffer, size)"};
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::m_ParseMPD]");
     const CMPD::SCallback cb = {this, sm_CbMPDInfo, sm_CbRatingInfo};
-    Reparse(m->mpd, buffer, size, k_steps, VYR_HERE,
+    Reparse(m->mpd, buffer, size, k_steps,
             [&cb](CMPD& mpd) { return VYR_CHECK(mpd.SetCallback(&cb), "m->mpd.SetCallback(&cb)"); });
 }
 
 void CSLSManager::m_ParseRSAT(const char* buffer, unsigned int size)
 {
-    static constexpr SSteps k_steps = {"m->rsat.Create()", "m->rsat.Parse((const char*)buffer, size)"};
+    static constexpr vyr::SChildSteps k_steps = {"m->rsat.Create()", "m->rsat.Parse((const char*)buffer, size)"};
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSLSManager::m_ParseRSAT]");
-    if (Reparse(m->rsat, buffer, size, k_steps, VYR_HERE) && m->callback.cbRSAT) {
+    if (Reparse(m->rsat, buffer, size, k_steps) && m->callback.cbRSAT) {
         m->callback.cbRSAT(m->callback.pUserData, &m->rsat.parser);
     }
 }

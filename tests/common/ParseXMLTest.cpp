@@ -1,6 +1,5 @@
 #include "common/ParseXML.h"
 
-#include "common/CoreOS/PtrArray.h"
 #include "common/XmlParser.h"
 #include "support/Recorder.h"
 
@@ -9,63 +8,64 @@
 
 namespace {
 
-class CTree : public XMLBase {
+class CTree : public CXmlElement {
   public:
-    struct STree : vyr::SHandlers {
-        CCPtrArray children{vyr::RemoveChild<CTree>, nullptr};
+    struct STree {
+        TOwnedArray<CTree> children;
         std::string name;
     };
+    struct SState;
 
-    bool Create() override
-    {
-        return vyr::CreateXmlParser(m, "[CTree::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
-    }
-
-    void Destroy() override { vyr::DestroyXmlParser(*this, m, "[CTree::Destroy]", VYR_HERE); }
-
-    bool t_CreateCallback()
-    {
-        static constexpr vyr::SElementHandler<CTree> k_handlers[] = {{"Node", sm_CbNode}, {"node", sm_CbNode}};
-        return vyr::AddHandlers(m->handlers, k_handlers);
-    }
-
-    static void sm_CbNode(CTree* parent, void* cur)
-    {
-        static constexpr vyr::SChildSteps k_steps = {"node->Create()", "node->Parse(root->t_xml.Doc(), cur)"};
-        auto node = vyr::BuildXmlChild<CTree>(parent->t_xml.Doc(), cur, k_steps, VYR_HERE, [parent](CTree& child) {
-            child.m->name = parent->m->name + "/";
-            return parent->m->name != "/unready";
-        });
-        if (node) {
-            parent->m->children.Add(node.release());
-        }
-    }
-
-    bool m_ProcessParse(void* root) override
-    {
-        const vyr::CNodeText name = vyr::CNodeText::Attribute(root, "name");
-        if (name.Found() && std::string(name.Text()) == "bad") {
-            return false;
-        }
-        m->name += name.Found() ? name.Text() : "";
-        vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CTree::m_ProcessParse] Name[%s]",
-                              VYR_HERE);
-        return true;
-    }
+    STree& Values() const;
 
     std::string Show() const
     {
-        std::string text = m->name;
-        for (int i = 0; i < m->children.Size(); ++i) {
-            text += "(" + static_cast<CTree*>(m->children.Data(i))->Show() + ")";
+        std::string text = Values().name;
+        for (const CTree* child : Values().children) {
+            text += "(" + child->Show() + ")";
         }
         return text;
     }
 
     bool Holds() const { return t_xml.FlagCreate(); }
+    void Keep() { t_keepsDocument = true; }
 
-    STree* m = nullptr;
+  private:
+    vyr::SXmlKind t_Kind() const override;
 };
+
+struct CTree::SState : vyr::TXmlState<STree> {
+    static void sm_CbNode(SState* m, void* cur)
+    {
+        vyr::AddChild<CTree>(m->values.children, *m, cur, {"node->Create()", "node->Parse(root->t_xml.Doc(), cur)"},
+                             [m](CTree& child) {
+                                 child.Values().name = m->values.name + "/";
+                                 return m->values.name != "/unready";
+                             });
+    }
+
+    bool m_ProcessParse(void* root) override
+    {
+        static constexpr vyr::SElementHandler<SState> k_handlers[] = {{"Node", sm_CbNode}, {"node", sm_CbNode}};
+        const vyr::CNodeText name = vyr::CNodeText::Attribute(root, "name");
+        if (name.Found() && std::string(name.Text()) == "bad") {
+            return false;
+        }
+        values.name += name.Found() ? name.Text() : "";
+        vyr::DispatchChildren(this, k_handlers, root, "[CTree::m_ProcessParse] Name[%s]");
+        return true;
+    }
+};
+
+CTree::STree& CTree::Values() const
+{
+    return t_State<SState>()->values;
+}
+
+vyr::SXmlKind CTree::t_Kind() const
+{
+    return vyr::XmlKind<SState>("CTree");
+}
 
 class ParseXMLTest : public CRecorder {
   protected:
@@ -100,8 +100,11 @@ TEST_F(ParseXMLTest, ChildrenAreDispatchedByNameAndBuiltOnTheDocument)
     EXPECT_EQ(Logged(", node->Parse(root->t_xml.Doc(), cur)"), 1);
 }
 
-TEST_F(ParseXMLTest, DocumentIsKeptAfterSuccessOnly)
+TEST_F(ParseXMLTest, DocumentIsKeptOnRequestAndAfterSuccessOnly)
 {
+    EXPECT_TRUE(Parse("<t/>"));
+    EXPECT_FALSE(m_tree.Holds());
+    m_tree.Keep();
     EXPECT_TRUE(Parse("<t/>"));
     EXPECT_TRUE(m_tree.Holds());
     EXPECT_TRUE(Parse("<t/>"));

@@ -80,8 +80,7 @@ TEST_F(ReplaceTest, PilesUpUntilToldNotTo)
     CDocumentSubject<CSTSID> stsid([](CSTSID& p) { return p.NumberOfRouteSessions(); });
     CDocumentSubject<CRS> rs([](CRS& p) { return p.State()->ls.Size(); });
     CDocumentSubject<CROUTEUsbd> usbd([](CROUTEUsbd& p) { return p.NumOfDeliveryMethod(); });
-    CDocumentSubject<CDeliveryMethod> method(
-        [](CDeliveryMethod& p) { return static_cast<int>(p.State()->unicastAppSvcs.size()); });
+    CDocumentSubject<CDeliveryMethod> method([](CDeliveryMethod& p) { return p.State()->unicastAppSvcs.Size(); });
     CDocumentSubject<CMMTUsbd> mmt([](CMMTUsbd& p) { return p.ComponentInfoSize(); });
     CDocumentSubject<CSGDDParse> sgdd(
         [](CSGDDParse& p) { return static_cast<int>(p.State()->descriptorEntries.size()); });

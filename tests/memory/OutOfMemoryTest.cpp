@@ -380,7 +380,7 @@ std::vector<SKind> Kinds()
     kinds.push_back(Xml<CROUTEUsbd>("route_documents/usbd", 1, [](const CROUTEUsbd& usbd) {
         const CDeliveryMethod* method =
             static_cast<const CDeliveryMethod*>(usbd.State()->deliveryMethods.Data(usbd.NumOfDeliveryMethod() - 1));
-        return Text(usbd.GlobalServiceId()) + std::to_string(method->State()->unicastAppSvcs.size()) +
+        return Text(usbd.GlobalServiceId()) + std::to_string(method->State()->unicastAppSvcs.Size()) +
                Text(usbd.ActivationTime());
     }));
     kinds.push_back(Xml<CEFDT>("route_documents/real-fdt", 1, [](const CEFDT& efdt) {
@@ -678,6 +678,33 @@ INSTANTIATE_TEST_SUITE_P(Every, OutOfMemoryTest, testing::ValuesIn(Kinds()),
                              }
                              return name;
                          });
+
+/// A description that cannot be read for want of memory leaves an id that can.
+template <class T>
+void ReadIdAgain(const std::string& root)
+{
+    memory::Install();
+    T usbd;
+    ASSERT_TRUE(usbd.Create());
+    XMLBase& base = usbd;
+    const std::string begin = '<' + root + "><UserServiceDescription globalServiceI", end = "/></" + root + '>';
+    const std::string first = begin + "D='the first of them'" + end, second = begin + "d='the second of them'" + end;
+    for (long n = 1, hit = 1; hit > 0; ++n) {
+        ASSERT_TRUE(base.Parse(first.data(), static_cast<unsigned int>(first.size()), false));
+        memory::Arm(n, false);
+        const bool parsed = base.Parse(second.data(), static_cast<unsigned int>(second.size()), false);
+        hit = memory::Disarm();
+        const std::string id = Text(usbd.GlobalServiceId());
+        EXPECT_TRUE(id == "the second of them" || (!parsed && id == "the first of them")) << n << ": " << id;
+    }
+    usbd.Destroy();
+}
+
+TEST(OutOfMemoryAgainTest, IdsOfDescriptionsStayReadable)
+{
+    ReadIdAgain<CROUTEUsbd>("BundleDescriptionROUTE");
+    ReadIdAgain<CMMTUsbd>("BundleDescriptionMMT");
+}
 
 }  // namespace
 

@@ -2,11 +2,11 @@
 
 #include <string>
 
-#include "../../common/ParseXML.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 
 /// Parser of the channel of an MMT service (ATSC A/331 7.2.1). Texts that are not given are empty.
-class VYR_API CMMTChannel : public XMLBase {
+class VYR_API CMMTChannel : public CXmlElement {
   public:
     /// Attributes of the element.
     struct SChannel {
@@ -14,17 +14,9 @@ class VYR_API CMMTChannel : public XMLBase {
         std::string serviceIcon;   ///< URL of its icon
     };
 
-    CMMTChannel();
-    ~CMMTChannel() override;
-
-    bool Create() override;
-    void Destroy() override;
-
     /// What was parsed; null before Create, good until Destroy.
-    const SChannel* State() const { return m; }
+    const SChannel* State() const { return t_Values<SChannel>(); }
 
   private:
-    bool m_ProcessParse(void* root) override;
-
-    SChannel* m;
+    vyr::SXmlKind t_Kind() const override;
 };

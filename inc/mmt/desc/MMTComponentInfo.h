@@ -2,11 +2,11 @@
 
 #include <string>
 
-#include "../../common/ParseXML.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 
 /// Parser of the description of one component of an MMT service (ATSC A/331 7.2.1).
-class VYR_API CMMTComponentInfo : public XMLBase {
+class VYR_API CMMTComponentInfo : public CXmlElement {
   public:
     /// Attributes of the element.
     struct SComponentInfo {
@@ -17,17 +17,9 @@ class VYR_API CMMTComponentInfo : public XMLBase {
         std::string componentName;            ///< for people; empty: not given
     };
 
-    CMMTComponentInfo();
-    ~CMMTComponentInfo() override;
-
-    bool Create() override;
-    void Destroy() override;
-
     /// What was parsed; null before Create, good until Destroy.
-    const SComponentInfo* State() const { return m; }
+    const SComponentInfo* State() const { return t_Values<SComponentInfo>(); }
 
   private:
-    bool m_ProcessParse(void* root) override;
-
-    SComponentInfo* m;
+    vyr::SXmlKind t_Kind() const override;
 };

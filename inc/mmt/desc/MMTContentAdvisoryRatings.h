@@ -3,12 +3,12 @@
 #include <string>
 #include <vector>
 
-#include "../../common/ParseXML.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 
 /// Parser of the content advisory ratings of one rating region (ATSC A/331 7.2.1; rating regions are those of
 /// the RRT). Each element parsed takes the place of the one before.
-class VYR_API CMMTContentAdvisoryRatings : public XMLBase {
+class VYR_API CMMTContentAdvisoryRatings : public CXmlElement {
   public:
     /// A text in one language.
     struct SText {
@@ -28,31 +28,13 @@ class VYR_API CMMTContentAdvisoryRatings : public XMLBase {
         std::vector<SDimension> ratings;  ///< in document order
     };
 
-    CMMTContentAdvisoryRatings();
-    ~CMMTContentAdvisoryRatings() override;
-
-    bool Create() override;
-    void Destroy() override;
-
     /// The rating as one string: region, description and each dimension with its value, such as
     /// "1,'TV-PG-L',{0 'TV-PG'}{1 'L'}". Of texts in several languages it has the first; a text that is not
     /// given is empty in it. True; an object that is not created is asserted ("m"): false.
     bool GetContentRatingString(std::string& rating) const;
     /// What was parsed; null before Create, good until Destroy.
-    const SContentAdvisoryRatings* State() const;
+    const SContentAdvisoryRatings* State() const { return t_Values<SContentAdvisoryRatings>(); }
 
   private:
-    struct SState;
-
-    bool t_CreateCallback();
-    bool m_ProcessParse(void* root) override;
-
-    static void sm_CbRegionIdentifier(CMMTContentAdvisoryRatings* ratings, void* node);
-    static void sm_CbRatingDescription(CMMTContentAdvisoryRatings* ratings, void* node);
-    static void sm_CbRatedDimensions(CMMTContentAdvisoryRatings* ratings, void* node);
-    static void sm_CbRatingDimVal(CMMTContentAdvisoryRatings* ratings, void* node);
-    static void sm_CbRatingDimension(CMMTContentAdvisoryRatings* ratings, void* node);
-    static void sm_CbRatingValueString(CMMTContentAdvisoryRatings* ratings, void* node);
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

@@ -2,12 +2,12 @@
 
 #include <string>
 
-#include "../../common/ParseXML.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 
 /// Parser of the MPU component of an MMT service (ATSC A/331 7.2.1): its packages and contents, now and next.
 /// Texts that are not given are empty.
-class VYR_API CMMTMpuComponent : public XMLBase {
+class VYR_API CMMTMpuComponent : public CXmlElement {
   public:
     /// Attributes of the element.
     struct SMpuComponent {
@@ -19,17 +19,9 @@ class VYR_API CMMTMpuComponent : public XMLBase {
         std::string nextContentIdValue;        ///< id of the content that follows
     };
 
-    CMMTMpuComponent();
-    ~CMMTMpuComponent() override;
-
-    bool Create() override;
-    void Destroy() override;
-
     /// What was parsed; null before Create, good until Destroy.
-    const SMpuComponent* State() const { return m; }
+    const SMpuComponent* State() const { return t_Values<SMpuComponent>(); }
 
   private:
-    bool m_ProcessParse(void* root) override;
-
-    SMpuComponent* m;
+    vyr::SXmlKind t_Kind() const override;
 };

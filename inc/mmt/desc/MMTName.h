@@ -2,11 +2,11 @@
 
 #include <string>
 
-#include "../../common/ParseXML.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 
 /// Parser of a name element of the user service bundle description of an MMT service (ATSC A/331 7.2.1).
-class VYR_API CMMTName : public XMLBase {
+class VYR_API CMMTName : public CXmlElement {
   public:
     /// A name.
     struct SName {
@@ -14,17 +14,9 @@ class VYR_API CMMTName : public XMLBase {
         std::string lang;  ///< its language, BCP 47; empty: not given
     };
 
-    CMMTName();
-    ~CMMTName() override;
-
-    bool Create() override;
-    void Destroy() override;
-
     /// What was parsed; null before Create, good until Destroy.
-    const SName* State() const { return m; }
+    const SName* State() const { return t_Values<SName>(); }
 
   private:
-    bool m_ProcessParse(void* root) override;
-
-    SName* m;
+    vyr::SXmlKind t_Kind() const override;
 };

@@ -2,11 +2,11 @@
 
 #include <string>
 
-#include "../../common/ParseXML.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 
 /// Parser of the ROUTE component of an MMT service (ATSC A/331 7.2.1): where the S-TSID of its ROUTE part is.
-class VYR_API CMMTRouteComponent : public XMLBase {
+class VYR_API CMMTRouteComponent : public CXmlElement {
   public:
     /// Attributes of the element.
     struct SRouteComponent {
@@ -18,17 +18,9 @@ class VYR_API CMMTRouteComponent : public XMLBase {
         int sTSIDMinorProtocolVersion = 0;           ///< 0: not given
     };
 
-    CMMTRouteComponent();
-    ~CMMTRouteComponent() override;
-
-    bool Create() override;
-    void Destroy() override;
-
     /// What was parsed; null before Create, good until Destroy.
-    const SRouteComponent* State() const { return m; }
+    const SRouteComponent* State() const { return t_Values<SRouteComponent>(); }
 
   private:
-    bool m_ProcessParse(void* root) override;
-
-    SRouteComponent* m;
+    vyr::SXmlKind t_Kind() const override;
 };

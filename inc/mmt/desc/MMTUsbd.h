@@ -3,47 +3,39 @@
 #include <string>
 #include <vector>
 
-#include "../../common/CoreOS/PtrArray.h"
-#include "../../common/ParseXML.h"
+#include "../../common/Owned.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 
 class CMMTBroadbandComponent;
 class CMMTChannel;
+class CMMTComponentInfo;
+class CMMTContentAdvisoryRatings;
 class CMMTMpuComponent;
+class CMMTName;
 class CMMTRouteComponent;
 class CServiceLinkage;
 
 /// Parser of the user service bundle description of an MMT service (USBD; ATSC A/331 7.2.1). Callers make a new
 /// object for each document: the lists of one that is parsed again grow until Destroy, see SetReplace. An object that
 /// is not created is asserted ("m"); results are then 0, false or null.
-class VYR_API CMMTUsbd : public XMLBase {
+class VYR_API CMMTUsbd : public CXmlElement {
   public:
     /// What was parsed; all of it belongs to the USBD. Of an element that is held singly the last one counts.
     struct SMMTUsbd {
-        SMMTUsbd();
-        ~SMMTUsbd();
-        SMMTUsbd(const SMMTUsbd&) = delete;
-        SMMTUsbd& operator=(const SMMTUsbd&) = delete;
-
-        char* globalServiceId;                       ///< new[]; null: not given
-        unsigned short serviceId;                    ///< 65,535: not given; 0: no description yet
-        bool serviceStatus;                          ///< whether the service is on
-        CMMTRouteComponent* routeComponent;          ///< null: none
-        CMMTBroadbandComponent* broadbandComponent;  ///< null: none
-        CMMTMpuComponent* mpuComponent;              ///< null: none
-        CMMTChannel* channel;                        ///< null: none
-        CServiceLinkage* serviceLinkage;             ///< null: none
-        CCPtrArray names;                            ///< of CMMTName
-        CCPtrArray svcLanguages;                     ///< of char*, new[]: the text of each serviceLanguage
-        CCPtrArray componentInfos;                   ///< of CMMTComponentInfo
-        CCPtrArray contentAdvisoryRatings;           ///< of CMMTContentAdvisoryRatings
+        const char* globalServiceId = nullptr;                           ///< null: not given
+        unsigned short serviceId = 0;                                    ///< 65,535: not given; 0: no description yet
+        bool serviceStatus = false;                                      ///< whether the service is on
+        TOwnedArray<CMMTName> names;                                     ///< Name
+        TTextArray svcLanguages;                                         ///< the text of each serviceLanguage
+        TOwnedArray<CMMTComponentInfo> componentInfos;                   ///< ComponentInfo
+        TOwnedArray<CMMTContentAdvisoryRatings> contentAdvisoryRatings;  ///< ContentAdvisoryRatings
+        TOwned<CServiceLinkage> serviceLinkage;                          ///< null: none
+        TOwned<CMMTChannel> channel;                                     ///< null: none
+        TOwned<CMMTMpuComponent> mpuComponent;                           ///< null: none
+        TOwned<CMMTBroadbandComponent> broadbandComponent;               ///< null: none
+        TOwned<CMMTRouteComponent> routeComponent;                       ///< null: none
     };
-
-    CMMTUsbd();
-    ~CMMTUsbd() override;
-
-    bool Create() override;
-    void Destroy() override;
 
     /// globalServiceID, else globalServiceId; null: neither. Good until the next Parse or Destroy.
     const char* GlobalServiceId() const;
@@ -101,24 +93,8 @@ class VYR_API CMMTUsbd : public XMLBase {
     bool GetRatingStringTable(std::vector<std::string>& ratings) const;
 
     /// What was parsed; null before Create, good until Destroy.
-    const SMMTUsbd* State() const;
+    const SMMTUsbd* State() const { return t_Values<SMMTUsbd>(); }
 
   private:
-    struct SState;
-
-    bool t_CreateCallback();
-    bool m_ProcessParse(void* root) override;
-
-    static void sm_CbUSD(CMMTUsbd* usbd, void* node);
-    static void sm_CbName(CMMTUsbd* root, void* cur);
-    static void sm_CbSvcLanguage(CMMTUsbd* usbd, void* node);
-    static void sm_CbChannel(CMMTUsbd* root, void* cur);
-    static void sm_CbMpuComponent(CMMTUsbd* root, void* cur);
-    static void sm_CbRouteComponent(CMMTUsbd* root, void* cur);
-    static void sm_CbBroadbandComponent(CMMTUsbd* root, void* cur);
-    static void sm_CbComponentInfo(CMMTUsbd* root, void* cur);
-    static void sm_CbServiceLinkage(CMMTUsbd* root, void* cur);
-    static void sm_CbContentAdvisoryRatings(CMMTUsbd* root, void* cur);
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

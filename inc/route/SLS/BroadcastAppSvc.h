@@ -1,28 +1,16 @@
 #pragma once
 
-#include "../../common/ParseXML.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 #include "AppSvc.h"
 
 /// Parser of an application service that is reached over the air. The patterns of every element that is
 /// parsed join those already held, until Destroy; see SetReplace.
-class VYR_API CBroadcastAppSvc : public XMLBase {
+class VYR_API CBroadcastAppSvc : public CXmlElement {
   public:
-    CBroadcastAppSvc();
-    ~CBroadcastAppSvc() override;
-
-    bool Create() override;
-    void Destroy() override;
     /// What was parsed; null before Create, good until Destroy.
-    const SAppSvc* State() const;
+    const SAppSvc* State() const { return t_Values<SAppSvc>(); }
 
   private:
-    struct SState;
-
-    bool t_CreateCallback();
-    bool m_ProcessParse(void* root) override;
-
-    static void sm_CbBasePattern(CBroadcastAppSvc* service, void* node);
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

@@ -2,32 +2,23 @@
 
 #include <string>
 
-#include "../../common/ParseXML.h"
+#include "../../common/Owned.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 
 class CMediaInfo;
 
 /// Parser of the ContentInfo element of an S-TSID: what a source flow carries (ATSC A/331 table A.3.2).
 /// An object that is not created is asserted ("m"); results are then empty, 0 or false.
-class VYR_API CContentInfo : public XMLBase {
+class VYR_API CContentInfo : public CXmlElement {
   public:
     /// What was parsed.
     struct SContentInfo {
-        SContentInfo();
-        ~SContentInfo();
-        SContentInfo(const SContentInfo&) = delete;
-        SContentInfo& operator=(const SContentInfo&) = delete;
-
-        std::string contentId;  ///< repId of the media information, else the text of the element
-        std::string aeaId;      ///< emergency alert that the content belongs to; empty: none
-        CMediaInfo* mediaInfo;  ///< the last one, owned; null: none
+        std::string contentId;         ///< repId of the media information, else the text of the element
+        std::string aeaId;             ///< emergency alert that the content belongs to; empty: none
+        TOwned<CMediaInfo> mediaInfo;  ///< the last one; null: none
     };
 
-    CContentInfo();
-    ~CContentInfo() override;
-
-    bool Create() override;
-    void Destroy() override;
     /// Copies the content identifier; true. False, with `out` as it was, before Create.
     bool GetContentId(std::string& out) const;
     std::string GetAEAId() const;
@@ -35,16 +26,8 @@ class VYR_API CContentInfo : public XMLBase {
     /// Copies the value of rating `index` of the media information; false, with `out` as it was: none.
     bool GetContentRating(int index, std::string& out) const;
     /// What was parsed; null before Create, good until Destroy.
-    const SContentInfo* State() const;
+    const SContentInfo* State() const { return t_Values<SContentInfo>(); }
 
   private:
-    struct SState;
-
-    bool t_CreateCallback();
-    bool m_ProcessParse(void* root) override;
-
-    static void sm_CbAEAMedia(CContentInfo* info, void* node);
-    static void sm_CbMediaInfo(CContentInfo* info, void* cur);
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <list>
-
-#include "../../common/ParseXML.h"
+#include "../../common/Owned.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 #include "BroadcastAppSvc.h"
 #include "UnicastAppSvc.h"
@@ -10,30 +9,17 @@
 /// Parser of a delivery method of a user service description: the paths on which the content of the
 /// service is reached (ATSC A/331 table 7.1). The services of every element that is parsed join those
 /// already held, until Destroy; see SetReplace.
-class VYR_API CDeliveryMethod : public XMLBase {
+class VYR_API CDeliveryMethod : public CXmlElement {
   public:
-    /// What was parsed; the objects belong to the delivery method.
+    /// What was parsed.
     struct SDeliveryMethod {
-        std::list<CBroadcastAppSvc*> broadcastAppSvcs;  ///< in document order
-        std::list<CUnicastAppSvc*> unicastAppSvcs;      ///< in document order
+        TOwnedArray<CUnicastAppSvc> unicastAppSvcs;      ///< in document order
+        TOwnedArray<CBroadcastAppSvc> broadcastAppSvcs;  ///< in document order
     };
 
-    CDeliveryMethod();
-    ~CDeliveryMethod() override;
-
-    bool Create() override;
-    void Destroy() override;
     /// What was parsed; null before Create, good until Destroy.
-    const SDeliveryMethod* State() const;
+    const SDeliveryMethod* State() const { return t_Values<SDeliveryMethod>(); }
 
   private:
-    struct SState;
-
-    bool t_CreateCallback();
-    bool m_ProcessParse(void* root) override;
-
-    static void sm_CbBroadcastAppSvc(CDeliveryMethod* method, void* cur);
-    static void sm_CbUnicastAppSvc(CDeliveryMethod* method, void* cur);
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

@@ -3,8 +3,8 @@
 #include <list>
 #include <string>
 
-#include "../../common/CoreOS/PtrArray.h"
-#include "../../common/ParseXML.h"
+#include "../../common/Owned.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 
 /// One file of an extended FDT: the File element (RFC 6726 3.4.2, ATSC A/331 annex A.3.3). Numbers that
@@ -23,33 +23,33 @@ struct VYR_API SFDTFile {
 
 /// Parameters of an FDT instance, and its files.
 struct VYR_API SFDTGlobal {
-    SFDTGlobal();
+    SFDTGlobal() = default;
     virtual ~SFDTGlobal();
     SFDTGlobal(const SFDTGlobal&) = delete;
     SFDTGlobal& operator=(const SFDTGlobal&) = delete;
 
-    long long expires;                        ///< NTP seconds; -1: not given
-    char* contentType;                        ///< new[]; null: not given
-    char* contentEncoding;                    ///< new[]; null: not given
-    int efdtVersion;                          ///< -1: not given
+    long long expires = -1;                   ///< NTP seconds; -1: not given
+    char* contentType = nullptr;              ///< new[]; null: not given
+    char* contentEncoding = nullptr;          ///< new[]; null: not given
+    int efdtVersion = -1;                     ///< -1: not given
     std::list<std::string> appContextIdList;  ///< URIs of the applications that use the files
-    CCPtrArray files;                         ///< of SFDTFile, owned
+    TPtrArray<SFDTFile> files;                ///< in document order
 };
 
 /// What an extended FDT holds. Numbers that are not given are 0xFFFFFFFF.
 struct VYR_API SEFDTInfo {
-    SEFDTInfo();
+    SEFDTInfo() = default;
     virtual ~SEFDTInfo();
     SEFDTInfo(const SEFDTInfo&) = delete;
     SEFDTInfo& operator=(const SEFDTInfo&) = delete;
 
-    unsigned int tsi;               ///< transport session identifier
-    char* idRef;                    ///< new[]; empty: not given
-    unsigned int version;           ///< of the EFDT
-    unsigned int maxExpiresDelta;   ///< seconds
-    unsigned int maxTransportSize;  ///< bytes of the largest object
-    char* fileTemplate;             ///< new[]; null: none
-    SFDTGlobal* fdtGlobal;          ///< the last FDT instance; null: none
+    unsigned int tsi = 0xFFFFFFFF;               ///< transport session identifier
+    char* idRef = nullptr;                       ///< new[]; empty: not given
+    unsigned int version = 0xFFFFFFFF;           ///< of the EFDT
+    unsigned int maxExpiresDelta = 0xFFFFFFFF;   ///< seconds
+    unsigned int maxTransportSize = 0xFFFFFFFF;  ///< bytes of the largest object
+    char* fileTemplate = nullptr;                ///< new[]; null: none
+    SFDTGlobal* fdtGlobal = nullptr;             ///< the last FDT instance; null: none
 };
 
 /// Told of an extended FDT at the end of its parse, inside Parse and on its thread: the record is complete, and
@@ -61,28 +61,13 @@ struct SEFDTInfoCallback {
 
 /// Parser of an extended file delivery table (EFDT; ATSC A/331 annex A.3.3): the files of one LCT
 /// session. Each parse that succeeds replaces the record of the one before.
-class VYR_API CEFDT : public XMLBase {
+class VYR_API CEFDT : public CXmlElement {
   public:
-    CEFDT();
-    ~CEFDT() override;
-
-    bool Create() override;
-    void Destroy() override;
     /// Copies the record; null takes it back.
     bool SetCallback(const SEFDTInfoCallback* callback);
     /// The record of the last parse, null before the first; good until the next Parse or Destroy.
     SEFDTInfo* GetEFDTInfo() const;
 
   private:
-    struct SState;
-
-    bool t_CreateCallback();
-    bool m_ProcessParse(void* root) override;
-    void m_OnFDTParameters(void* node);
-
-    static void sm_CbFDTParameters(CEFDT* efdt, void* node);
-    static void sm_CbFile(CEFDT* efdt, void* node);
-    static void sm_CbFileTemplate(CEFDT* efdt, void* node);
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "../../common/CoreOS/PtrArray.h"
-#include "../../common/ParseXML.h"
+#include "../../common/Owned.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 
 class CSrcFlow;
@@ -12,7 +12,7 @@ struct SEFDTInfo;
 /// Parser of the LS element of an S-TSID: one LCT session (ATSC A/331 table 7.2). An object
 /// is for one element: further ones join its lists until Destroy, see SetReplace. An object that is not
 /// created is asserted ("m"); without a source flow results are empty, 0, false or null.
-class VYR_API CLS : public XMLBase {
+class VYR_API CLS : public CXmlElement {
   public:
     /// Told of each EFDT of the session while it is parsed, inside the Parse of the whole S-TSID and on its
     /// thread: the EFDT is complete, and the session's number known, but neither is part of the S-TSID yet.
@@ -25,20 +25,13 @@ class VYR_API CLS : public XMLBase {
 
     /// What was parsed.
     struct SLS {
-        SLS();
-
-        unsigned int tsi;     ///< transport session identifier; 0xFFFFFFFF: not given
-        unsigned int bw;      ///< maximum bandwidth, kbit/s; 0xFFFFFFFF: not given
-        long long startTime;  ///< epoch seconds, see TimeUtility::ConvertDateTime2Epoch; -1: not given
-        long long endTime;    ///< likewise
-        CCPtrArray srcFlows;  ///< of CSrcFlow, owned; the last one counts, the EFDTs of all were reported
+        unsigned int tsi = 0xFFFFFFFF;   ///< transport session identifier; 0xFFFFFFFF: not given
+        unsigned int bw = 0xFFFFFFFF;    ///< maximum bandwidth, kbit/s; 0xFFFFFFFF: not given
+        long long startTime = -1;        ///< epoch seconds, see TimeUtility::ConvertDateTime2Epoch; -1: not given
+        long long endTime = -1;          ///< likewise
+        TOwnedArray<CSrcFlow> srcFlows;  ///< the last one counts, the EFDTs of all were reported
     };
 
-    CLS();
-    ~CLS() override;
-
-    bool Create() override;
-    void Destroy() override;
     /// Copies the record; null takes it back. False before Create.
     bool SetCallback(const SCallback* callback);
 
@@ -53,17 +46,8 @@ class VYR_API CLS : public XMLBase {
     /// Record of the last EFDT of the source flow; null: none. Good until Destroy.
     SEFDTInfo* GetEFDTInfo() const;
     /// What was parsed; null before Create, good until Destroy.
-    const SLS* State() const;
+    const SLS* State() const { return t_Values<SLS>(); }
 
   private:
-    struct SState;
-
-    bool t_CreateCallback();
-    bool m_ProcessParse(void* root) override;
-    const CSrcFlow* m_SrcFlow() const;
-
-    static void sm_CbSrcFlow(CLS* ls, void* cur);
-    static void sm_CbEFDTInfo(void* context, SEFDTInfo* info);
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

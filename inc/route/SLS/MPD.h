@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "../../common/ParseXML.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 
 // What an MPD (ISO/IEC 23009-1 clause 5) says, in records to walk. Texts are zero-terminated and belong to
@@ -169,7 +169,7 @@ struct SMPDInfo {
 
 /// Parser of a DASH media presentation description. A parse that succeeds replaces the record of the one
 /// before; one that fails leaves none. An object that is not created is asserted ("m").
-class VYR_API CMPD : public XMLBase {
+class VYR_API CMPD : public CXmlElement {
   public:
     using TRatings = std::set<std::pair<std::string, std::string>>;
 
@@ -182,11 +182,6 @@ class VYR_API CMPD : public XMLBase {
         void (*ratingInfo)(void* context, const TRatings&);  ///< scheme and value of every Rating, maybe none
     };
 
-    CMPD();
-    ~CMPD() override;
-
-    bool Create() override;
-    void Destroy() override;
     /// Copies the record; null takes it back. False before Create.
     bool SetCallback(const SCallback* callback);
 
@@ -198,9 +193,5 @@ class VYR_API CMPD : public XMLBase {
     SMPDInfo* GetMPDInfo() const;
 
   private:
-    struct SState;
-
-    bool m_ProcessParse(void* root) override;
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

@@ -2,10 +2,12 @@
 
 #include <string>
 
-#include "../../common/CoreOS/PtrArray.h"
-#include "../../common/ParseXML.h"
+#include "../../common/Owned.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 #include "LS.h"
+
+class CRS;
 
 /// Parser of the service-based transport session instance description (S-TSID; ATSC A/331 7.1.4): where
 /// the components of a service travel. Sessions of every element that is parsed join those already held,
@@ -14,20 +16,13 @@
 /// Below, `i` is a ROUTE session and `j` an LCT session of it, each from 0. One that does not exist is
 /// asserted (GetTSI and GetContentRating tell of it in their result), and gives what an LCT session
 /// without a source flow gives: an empty string, false, 0, null.
-class VYR_API CSTSID : public XMLBase {
+class VYR_API CSTSID : public CXmlElement {
   public:
     /// What was parsed.
     struct SSTSID {
-        SSTSID();
-
-        CCPtrArray routeSessions;  ///< of CRS, owned, in document order
+        TOwnedArray<CRS> routeSessions;  ///< in document order
     };
 
-    CSTSID();
-    ~CSTSID() override;
-
-    bool Create() override;
-    void Destroy() override;
     /// Copies the record that every LCT session is given, to be told of each EFDT while it is parsed; null
     /// takes it back. After Create and before Parse; false (asserted) before Create.
     bool SetCallback(const CLS::SCallback* callback);
@@ -60,16 +55,8 @@ class VYR_API CSTSID : public XMLBase {
     /// Record of the EFDT of the session; null: none. Good until Destroy.
     SEFDTInfo* GetEFDTInfo(int i, int j) const;
     /// What was parsed; null before Create, good until Destroy.
-    const SSTSID* State() const;
+    const SSTSID* State() const { return t_Values<SSTSID>(); }
 
   private:
-    struct SState;
-
-    bool t_CreateCallback();
-    bool m_ProcessParse(void* root) override;
-    const CLS* m_Ls(int i, int j) const;
-
-    static void sm_CbRS(CSTSID* stsid, void* cur);
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

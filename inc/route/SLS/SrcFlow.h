@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "../../common/CoreOS/PtrArray.h"
-#include "../../common/ParseXML.h"
+#include "../../common/Owned.h"
+#include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
 #include "EFDT.h"
 
@@ -13,28 +13,18 @@ class CContentInfo;
 /// A.3.2). An object
 /// is for one element: further ones join its lists until Destroy, see SetReplace. An object that is not created is
 /// asserted ("m"); results are then empty, 0, false or null.
-class VYR_API CSrcFlow : public XMLBase {
+class VYR_API CSrcFlow : public CXmlElement {
   public:
     /// What was parsed.
     struct SSrcFlow {
-        SSrcFlow();
-        ~SSrcFlow();
-        SSrcFlow(const SSrcFlow&) = delete;
-        SSrcFlow& operator=(const SSrcFlow&) = delete;
-
-        bool rt;                    ///< whether it carries streaming media
-        unsigned int minBuffSize;   ///< kilobytes to buffer; 0xFFFFFFFF: not given
-        std::string contentId;      ///< of the content information
-        std::string aeaId;          ///< of the content information
-        CContentInfo* contentInfo;  ///< the last one, owned; null: none
-        CCPtrArray efdts;           ///< of CEFDT; the last one counts, all were reported
+        bool rt = false;                        ///< whether it carries streaming media
+        unsigned int minBuffSize = 0xFFFFFFFF;  ///< kilobytes to buffer; 0xFFFFFFFF: not given
+        std::string contentId;                  ///< of the content information
+        std::string aeaId;                      ///< of the content information
+        TOwnedArray<CEFDT> efdts;               ///< the last one counts, all were reported
+        TOwned<CContentInfo> contentInfo;       ///< the last one; null: none
     };
 
-    CSrcFlow();
-    ~CSrcFlow() override;
-
-    bool Create() override;
-    void Destroy() override;
     /// Copies the record that each EFDT is given; null takes it back. False before Create.
     bool SetCallback(const SEFDTInfoCallback* callback);
 
@@ -48,16 +38,8 @@ class VYR_API CSrcFlow : public XMLBase {
     /// Record of the last EFDT; null: none. Good until Destroy.
     SEFDTInfo* GetEFDTInfo() const;
     /// What was parsed; null before Create, good until Destroy.
-    const SSrcFlow* State() const;
+    const SSrcFlow* State() const { return t_Values<SSrcFlow>(); }
 
   private:
-    struct SState;
-
-    bool t_CreateCallback();
-    bool m_ProcessParse(void* root) override;
-
-    static void sm_CbContentInfo(CSrcFlow* flow, void* cur);
-    static void sm_CbEFDT(CSrcFlow* flow, void* cur);
-
-    SState* m;
+    vyr::SXmlKind t_Kind() const override;
 };

@@ -21,7 +21,7 @@ void ReadAttributes(TState& state, void* node)
 
 const vyr::SESGKind& CATSC3ServiceExt::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes, k_handlers>(
-        vyr::k_source.text, "CATSC3ServiceExt", "ATSC3ServiceExtension");
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CATSC3ServiceExt", "ATSC3ServiceExtension");
     return k_kind;
 }

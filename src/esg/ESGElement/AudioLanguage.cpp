@@ -5,6 +5,6 @@
 const vyr::SESGKind& CAudioLanguage::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<SAudioLanguage, sm_Read, SLanguageTag>(vyr::k_source.text, "CAudioLanguage", "AudioLanguage");
+        vyr::ElementKind<SAudioLanguage, sm_Read, SLanguageTag>("CAudioLanguage", "AudioLanguage");
     return k_kind;
 }

@@ -34,7 +34,7 @@ void TakeCells(TState* state, void* child)
 {
     static constexpr vyr::SChildSteps k_steps = {"root->m->p_area->cellTargetArea->Create(root->m->pdoc, curr)",
                                                  "root->m->p_area->cellTargetArea->Parse()"};
-    vyr::Build(Area(state).cellTargetArea, state->pdoc, child, k_steps, VYR_HERE);
+    vyr::Build(Area(state).cellTargetArea, state->pdoc, child, k_steps);
 }
 
 void ReadAttributes(TState& state, void* node)
@@ -54,6 +54,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 const vyr::SESGKind& CBroadcastArea::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CBroadcastArea", "BroadcastArea");
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CBroadcastArea", "BroadcastArea");
     return k_kind;
 }

@@ -36,6 +36,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 const vyr::SESGKind& CCellTargetArea::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CCellTargetArea", "CellTargetArea");
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CCellTargetArea", "CellTargetArea");
     return k_kind;
 }

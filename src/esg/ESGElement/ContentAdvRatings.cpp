@@ -65,7 +65,7 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CContentAdvRatings::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes, k_handlers>(
-        vyr::k_source.text, "CContentAdvRatings", "ContentAdvisoryRatings");
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CContentAdvRatings", "ContentAdvisoryRatings");
     return k_kind;
 }

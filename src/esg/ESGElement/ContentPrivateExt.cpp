@@ -26,6 +26,6 @@ void ReadAttributes(TState& state, void* node)
 const vyr::SESGKind& CContentPrivateExt::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CContentPrivateExt", "PrivateExt");
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CContentPrivateExt", "PrivateExt");
     return k_kind;
 }

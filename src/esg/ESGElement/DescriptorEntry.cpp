@@ -29,6 +29,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 const vyr::SESGKind& CDescriptorEntry::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CDescriptorEntry", "DescriptorEntry");
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CDescriptorEntry", "DescriptorEntry");
     return k_kind;
 }

@@ -1,6 +1,5 @@
 #include "esg/ESGElement/ESGElement.h"
 
-#include <algorithm>
 #include <cstring>
 #include <ctime>
 
@@ -25,14 +24,14 @@ CESGElement::CESGElement() : m(nullptr) {}
 CESGElement::~CESGElement()
 {
     if (m) {
-        vyr::AssertFailed(m->kind->Here(__func__, __LINE__), "!m");
+        vyr::AssertFailed(m->kind->Here(__func__), "!m");
     }
 }
 
 bool CESGElement::Create(void* doc, void* node)
 try {
     const vyr::SESGKind& kind = t_Kind();
-    const vyr::SHere here = kind.Here(__func__, __LINE__);
+    const vyr::SHere here = kind.Here(__func__);
     const char* wrong = m ? "!m" : !doc ? "doc" : !node ? "node" : nullptr;
     if (wrong) {
         return vyr::AssertFailed(here, wrong);
@@ -45,20 +44,20 @@ try {
     }
     return m != nullptr;
 } catch (...) {
-    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
+    return vyr::OutOfMemory(t_Kind().Here(__func__));
 }
 
 bool CESGElement::Parse()
 try {
     return m_Parse();
 } catch (...) {
-    return vyr::OutOfMemory(t_Kind().Here(__func__, __LINE__));
+    return vyr::OutOfMemory(t_Kind().Here(__func__));
 }
 
 /// Parse, which throws when memory is out; the object may try again then.
 bool CESGElement::m_Parse()
 {
-    const vyr::SHere here = t_Kind().Here("Parse", __LINE__);
+    const vyr::SHere here = t_Kind().Here("Parse");
     if (!m) {
         return vyr::AssertFailed(here, "m");
     }
@@ -86,7 +85,7 @@ bool CESGElement::m_Process()
 void CESGElement::Destroy()
 {
     if (!m) {
-        vyr::AssertFailed(t_Kind().Here(__func__, __LINE__), "m");
+        vyr::AssertFailed(t_Kind().Here(__func__), "m");
         return;
     }
     VYR_LOG(LOG_PRIORITY_INFO, "[%s::Destroy]", m->kind->className);
@@ -103,39 +102,11 @@ SESGState* CreateState(const SESGKind& kind)
     return state;
 }
 
-TESGText NewText(const char* text, std::size_t length)
-{
-    TESGText copy(new char[length + 1]);
-    std::copy_n(text, length, copy.get());
-    copy[length] = 0;
-    return copy;
-}
-
 TESGText Namespace(const CXML& xml, void* node)
 {
     bool found = false;
     TESGText ns(xml.Ns(node, &found));
     return found ? std::move(ns) : nullptr;
-}
-
-void Read(const CNodeText& text, TESGText& out)
-{
-    out = text.Found() ? NewText(text.Text(), std::strlen(text.Text())) : nullptr;
-}
-
-void Read(const CNodeText& text, int& out)
-{
-    out = text.Int(0);
-}
-
-void Read(const CNodeText& text, unsigned int& out)
-{
-    out = static_cast<unsigned int>(text.Int(0));
-}
-
-void Read(const CNodeText& text, unsigned short& out)
-{
-    out = static_cast<unsigned short>(text.Int(0));
 }
 
 void Read(const CNodeText& text, bool& out)

@@ -19,7 +19,6 @@ void ReadAttributes(TState& state, void* node)
 
 const vyr::SESGKind& CESGTransport::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes>(vyr::k_source.text, "CESGTransport", "Transport");
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes>("CESGTransport", "Transport");
     return k_kind;
 }

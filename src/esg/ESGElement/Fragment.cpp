@@ -31,6 +31,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 const vyr::SESGKind& CFragment::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CFragment", "Fragment");
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CFragment", "Fragment");
     return k_kind;
 }

@@ -16,7 +16,6 @@ void ReadFreshness(TState& state, void* node)
 
 const vyr::SESGKind& CFreshness::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadFreshness>(vyr::k_source.text, "CFreshness", "Freshness");
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadFreshness>("CFreshness", "Freshness");
     return k_kind;
 }

@@ -97,6 +97,6 @@ void CGenre::sm_Read(SGenre& state, void* node)
 
 const vyr::SESGKind& CGenre::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<SGenre, sm_Read>(vyr::k_source.text, "CGenre", "Genre");
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<SGenre, sm_Read>("CGenre", "Genre");
     return k_kind;
 }

@@ -35,6 +35,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 const vyr::SESGKind& CGroupingCri::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CGroupingCri", "GroupingCriteria");
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CGroupingCri", "GroupingCriteria");
     return k_kind;
 }

@@ -25,7 +25,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CIcon::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CIcon", "Icon");
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes, k_handlers>("CIcon", "Icon");
     return k_kind;
 }

@@ -18,7 +18,6 @@ void ReadPopularity(TState& state, void* node)
 
 const vyr::SESGKind& CPopularity::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadPopularity>(vyr::k_source.text, "CPopularity", "Popularity");
+    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadPopularity>("CPopularity", "Popularity");
     return k_kind;
 }

@@ -26,6 +26,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 const vyr::SESGKind& CPreviewData::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CPreviewData", "Preview");
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CPreviewData", "Preview");
     return k_kind;
 }

@@ -18,7 +18,7 @@ void ReadDescription(TState& state, void* node)
 
 const vyr::SESGKind& CPreviewDesc::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadDescription>(
-        vyr::k_source.text, "CPreviewDesc", "PreviewDescription", "Description");
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadDescription>("CPreviewDesc", "PreviewDescription", "Description");
     return k_kind;
 }

@@ -25,7 +25,7 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CSGDeliveryUnit::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes, k_handlers>(
-        vyr::k_source.text, "CSGDeliveryUnit", "ServiceGuideDeliveryUnit");
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CSGDeliveryUnit", "ServiceGuideDeliveryUnit");
     return k_kind;
 }

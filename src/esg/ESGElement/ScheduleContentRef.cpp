@@ -22,7 +22,7 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CScheduleContentRef::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes, k_handlers>(
-        vyr::k_source.text, "CScheduleContentRef", "ContentReference");
+    static constexpr vyr::SESGKind k_kind =
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CScheduleContentRef", "ContentReference");
     return k_kind;
 }

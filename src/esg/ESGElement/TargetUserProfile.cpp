@@ -17,6 +17,6 @@ void ReadAttributes(TState& state, void* node)
 const vyr::SESGKind& CTargetUserProfile::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes>(vyr::k_source.text, "CTargetUserProfile", "TargetUserProfile");
+        vyr::ElementKind<TState, ReadAttributes>("CTargetUserProfile", "TargetUserProfile");
     return k_kind;
 }

@@ -24,6 +24,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 const vyr::SESGKind& CTermsOfUse::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>(vyr::k_source.text, "CTermsOfUse", "TermsOfUse");
+        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CTermsOfUse", "TermsOfUse");
     return k_kind;
 }

@@ -5,6 +5,6 @@
 const vyr::SESGKind& CTextLanguage::t_Kind() const
 {
     static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<STextLanguage, sm_Read, SLanguageTag>(vyr::k_source.text, "CTextLanguage", "TextLanguage");
+        vyr::ElementKind<STextLanguage, sm_Read, SLanguageTag>("CTextLanguage", "TextLanguage");
     return k_kind;
 }

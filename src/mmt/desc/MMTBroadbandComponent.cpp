@@ -1,34 +1,23 @@
 #include "mmt/desc/MMTBroadbandComponent.h"
 
-#include <utility>
-
-#include "common/XmlNode.h"
 #include "common/XmlParser.h"
-#include "platform/Log.h"
+#include "common/XmlRead.h"
 
-using vyr::CNodeText;
+namespace {
 
-CMMTBroadbandComponent::CMMTBroadbandComponent() : m(nullptr) {}
-
-CMMTBroadbandComponent::~CMMTBroadbandComponent() = default;
-
-bool CMMTBroadbandComponent::Create()
-{
-    return vyr::CreateXmlParser(m, "[CMMTBroadbandComponent::Create]", VYR_HERE);
-}
-
-void CMMTBroadbandComponent::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CMMTBroadbandComponent::Destroy]", VYR_HERE);
-}
-
-bool CMMTBroadbandComponent::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
+struct SState : vyr::TXmlState<CMMTBroadbandComponent::SBroadbandComponent> {
+    bool m_ProcessParse(void* root) override
+    {
+        CMMTBroadbandComponent::SBroadbandComponent component;
+        vyr::ReadAttribute(root, "fullMPDUri", component.fullMPDUri);
+        values = std::move(component);
+        return true;
     }
-    SBroadbandComponent component;
-    CNodeText::Attribute(root, "fullMPDUri").CopyTo(component.fullMPDUri);
-    *m = std::move(component);
-    return true;
+};
+
+}  // namespace
+
+vyr::SXmlKind CMMTBroadbandComponent::t_Kind() const
+{
+    return vyr::XmlKind<SState>("CMMTBroadbandComponent");
 }

@@ -1,35 +1,24 @@
 #include "mmt/desc/MMTChannel.h"
 
-#include <utility>
-
-#include "common/XmlNode.h"
 #include "common/XmlParser.h"
-#include "platform/Log.h"
+#include "common/XmlRead.h"
 
-using vyr::CNodeText;
+namespace {
 
-CMMTChannel::CMMTChannel() : m(nullptr) {}
-
-CMMTChannel::~CMMTChannel() = default;
-
-bool CMMTChannel::Create()
-{
-    return vyr::CreateXmlParser(m, "[CMMTChannel::Create]", VYR_HERE);
-}
-
-void CMMTChannel::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CMMTChannel::Destroy]", VYR_HERE);
-}
-
-bool CMMTChannel::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
+struct SState : vyr::TXmlState<CMMTChannel::SChannel> {
+    bool m_ProcessParse(void* root) override
+    {
+        CMMTChannel::SChannel channel;
+        vyr::ReadAttribute(root, "serviceGenre", channel.serviceGenre);
+        vyr::ReadAttribute(root, "serviceIcon", channel.serviceIcon);
+        values = std::move(channel);
+        return true;
     }
-    SChannel channel;
-    CNodeText::Attribute(root, "serviceGenre").CopyTo(channel.serviceGenre);
-    CNodeText::Attribute(root, "serviceIcon").CopyTo(channel.serviceIcon);
-    *m = std::move(channel);
-    return true;
+};
+
+}  // namespace
+
+vyr::SXmlKind CMMTChannel::t_Kind() const
+{
+    return vyr::XmlKind<SState>("CMMTChannel");
 }

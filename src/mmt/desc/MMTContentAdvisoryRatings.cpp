@@ -1,21 +1,26 @@
 #include "mmt/desc/MMTContentAdvisoryRatings.h"
 
+#include "common/Give.h"
 #include "common/XmlParser.h"
+#include "common/XmlRead.h"
 #include "platform/Log.h"
 
 using vyr::CNodeText;
 
-struct CMMTContentAdvisoryRatings::SState : vyr::SHandlers {
-    SContentAdvisoryRatings values;
-    std::string ratingString;
-    SDimension* current = nullptr;  // set while the children of a RatingDimVal are read
-};
-
 namespace {
+
+using TRatings = CMMTContentAdvisoryRatings;
+
+struct SState : vyr::TXmlState<TRatings::SContentAdvisoryRatings> {
+    std::string ratingString;
+    TRatings::SDimension* current = nullptr;  // set while the children of a RatingDimVal are read
+
+    bool m_ProcessParse(void* root) override;
+};
 
 /// Appends to a rating string one of its pieces: `open`, the number, `between`, the first of the texts, `close`.
 void AppendPiece(std::string& rating, const char* open, int number, const char* between,
-                 const std::vector<CMMTContentAdvisoryRatings::SText>& texts, const char* close)
+                 const std::vector<TRatings::SText>& texts, const char* close)
 {
     rating += open;
     rating += std::to_string(number);
@@ -27,104 +32,83 @@ void AppendPiece(std::string& rating, const char* open, int number, const char* 
 }
 
 /// A text and its language.
-void AddText(std::vector<CMMTContentAdvisoryRatings::SText>& texts, void* node)
+void AddText(std::vector<TRatings::SText>& texts, void* node)
 {
-    CMMTContentAdvisoryRatings::SText& text = texts.emplace_back();
-    CNodeText::Content(node).CopyTo(text.text);
-    CNodeText::Attribute(node, "lang").CopyTo(text.lang);
+    TRatings::SText& text = texts.emplace_back();
+    vyr::Read(CNodeText::Content(node), text.text);
+    vyr::ReadAttribute(node, "lang", text.lang);
 }
 
-}  // namespace
+void sm_CbRatingDimVal(SState* m, void* node);
 
-CMMTContentAdvisoryRatings::CMMTContentAdvisoryRatings() : m(nullptr) {}
-
-CMMTContentAdvisoryRatings::~CMMTContentAdvisoryRatings() = default;
-
-bool CMMTContentAdvisoryRatings::Create()
+void sm_CbRegionIdentifier(SState* m, void* node)
 {
-    return vyr::CreateXmlParser(m, "[CMMTContentAdvisoryRatings::Create]", VYR_HERE,
-                                [this] { return t_CreateCallback(); });
+    vyr::Read(CNodeText::Content(node), m->values.regionIdentifier);
 }
 
-bool CMMTContentAdvisoryRatings::t_CreateCallback()
+void sm_CbRatingDescription(SState* m, void* node)
 {
-    static constexpr vyr::SElementHandler<CMMTContentAdvisoryRatings> k_handlers[] = {
-        {"RegionIdentifier", sm_CbRegionIdentifier}, {"RatingDescription", sm_CbRatingDescription},
-        {"RatedDimensions", sm_CbRatedDimensions},   {"RatingDimension", sm_CbRatingDimension},
-        {"RatingDimVal", sm_CbRatingDimVal},         {"RatingValueString", sm_CbRatingValueString},
-    };
-    return vyr::AddHandlers(m->handlers, k_handlers);
+    AddText(m->values.descriptions, node);
 }
 
-void CMMTContentAdvisoryRatings::Destroy()
+void sm_CbRatedDimensions(SState* m, void* node)
 {
-    vyr::DestroyXmlParser(*this, m, "[CMMTContentAdvisoryRatings::Destroy]", VYR_HERE);
+    vyr::Read(CNodeText::Content(node), m->values.ratedDimensions);
 }
 
-bool CMMTContentAdvisoryRatings::m_ProcessParse(void* root)
+void sm_CbRatingDimension(SState* m, void* node)
 {
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
-    }
-    if (!t_xml.Compare(root, "ContentAdvisoryRatings") && !t_xml.Compare(root, "ContentAdvisoryRating")) {
-        return false;
-    }
-    SContentAdvisoryRatings& values = m->values;
-    values = SContentAdvisoryRatings();
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
-    m->ratingString.clear();
-    AppendPiece(m->ratingString, "", values.regionIdentifier, ",'", values.descriptions, "',");
-    for (const SDimension& rating : values.ratings) {
-        AppendPiece(m->ratingString, "{", rating.dimension, " '", rating.values, "'}");
-    }
-    return true;
-}
-
-void CMMTContentAdvisoryRatings::sm_CbRegionIdentifier(CMMTContentAdvisoryRatings* ratings, void* node)
-{
-    ratings->m->values.regionIdentifier = CNodeText::Content(node).Int(0);
-}
-
-void CMMTContentAdvisoryRatings::sm_CbRatingDescription(CMMTContentAdvisoryRatings* ratings, void* node)
-{
-    AddText(ratings->m->values.descriptions, node);
-}
-
-void CMMTContentAdvisoryRatings::sm_CbRatedDimensions(CMMTContentAdvisoryRatings* ratings, void* node)
-{
-    ratings->m->values.ratedDimensions = CNodeText::Content(node).Int(0);
-}
-
-void CMMTContentAdvisoryRatings::sm_CbRatingDimVal(CMMTContentAdvisoryRatings* ratings, void* node)
-{
-    SState* m = ratings->m;
-    // One inside another has no meaning.
-    if (!m->current) {
-        const vyr::CScoped<SDimension*> current(m->current, &m->values.ratings.emplace_back(), nullptr);
-        vyr::DispatchChildren(ratings, m->handlers, node, vyr::LOG_NO_CHILDREN, "", VYR_HERE);
+    if (TRatings::SDimension* current = m->current) {
+        vyr::Read(CNodeText::Content(node), current->dimension);
     }
 }
 
-void CMMTContentAdvisoryRatings::sm_CbRatingDimension(CMMTContentAdvisoryRatings* ratings, void* node)
+void sm_CbRatingValueString(SState* m, void* node)
 {
-    if (SDimension* current = ratings->m->current) {
-        current->dimension = CNodeText::Content(node).Int(0);
-    }
-}
-
-void CMMTContentAdvisoryRatings::sm_CbRatingValueString(CMMTContentAdvisoryRatings* ratings, void* node)
-{
-    if (SDimension* current = ratings->m->current) {
+    if (TRatings::SDimension* current = m->current) {
         AddText(current->values, node);
     }
 }
 
+constexpr vyr::SElementHandler<SState> k_handlers[] = {
+    {"RegionIdentifier", sm_CbRegionIdentifier}, {"RatingDescription", sm_CbRatingDescription},
+    {"RatedDimensions", sm_CbRatedDimensions},   {"RatingDimension", sm_CbRatingDimension},
+    {"RatingDimVal", sm_CbRatingDimVal},         {"RatingValueString", sm_CbRatingValueString},
+};
+
+void sm_CbRatingDimVal(SState* m, void* node)
+{
+    // One inside another has no meaning.
+    if (!m->current) {
+        const vyr::CScoped<TRatings::SDimension*> current(m->current, &m->values.ratings.emplace_back(), nullptr);
+        vyr::DispatchChildren(m, k_handlers, node);
+    }
+}
+
+bool SState::m_ProcessParse(void* root)
+{
+    if (!xml->Compare(root, "ContentAdvisoryRatings") && !xml->Compare(root, "ContentAdvisoryRating")) {
+        return false;
+    }
+    values = {};
+    vyr::DispatchChildren(this, k_handlers, root);
+    ratingString.clear();
+    AppendPiece(ratingString, "", values.regionIdentifier, ",'", values.descriptions, "',");
+    for (const TRatings::SDimension& rating : values.ratings) {
+        AppendPiece(ratingString, "{", rating.dimension, " '", rating.values, "'}");
+    }
+    return true;
+}
+
+}  // namespace
+
 bool CMMTContentAdvisoryRatings::GetContentRatingString(std::string& rating) const
 {
+    const auto* m = t_State<SState>();
     return VYR_ASSERT(m, "m") && vyr::Give(m->ratingString, rating);
 }
 
-const CMMTContentAdvisoryRatings::SContentAdvisoryRatings* CMMTContentAdvisoryRatings::State() const
+vyr::SXmlKind CMMTContentAdvisoryRatings::t_Kind() const
 {
-    return m ? &m->values : nullptr;
+    return vyr::XmlKind<SState>("CMMTContentAdvisoryRatings");
 }

@@ -1,42 +1,31 @@
 #include "mmt/desc/MMTMpuComponent.h"
 
-#include <utility>
-
-#include "common/XmlNode.h"
 #include "common/XmlParser.h"
-#include "platform/Log.h"
+#include "common/XmlRead.h"
 
-using vyr::CNodeText;
+namespace {
 
-CMMTMpuComponent::CMMTMpuComponent() : m(nullptr) {}
-
-CMMTMpuComponent::~CMMTMpuComponent() = default;
-
-bool CMMTMpuComponent::Create()
-{
-    return vyr::CreateXmlParser(m, "[CMMTMpuComponent::Create]", VYR_HERE);
-}
-
-void CMMTMpuComponent::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CMMTMpuComponent::Destroy]", VYR_HERE);
-}
-
-bool CMMTMpuComponent::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
+struct SState : vyr::TXmlState<CMMTMpuComponent::SMpuComponent> {
+    bool m_ProcessParse(void* root) override
+    {
+        CMMTMpuComponent::SMpuComponent component;
+        vyr::ReadAttribute(root, "mmtPackageId", component.mmtPackageId);
+        vyr::ReadAttribute(root, "contentIdSchemeIdUri", component.contentIdSchemeIdUri);
+        vyr::ReadAttribute(root, "contentIdValue", component.contentIdValue);
+        // Read in either spelling.
+        if (!vyr::ReadAttribute(root, "nextMMTPackageId", component.nextMMTPackageId)) {
+            vyr::ReadAttribute(root, "nextMmtPackageId", component.nextMMTPackageId);
+        }
+        vyr::ReadAttribute(root, "nextContentIdSchemeIdUri", component.nextContentIdSchemeIdUri);
+        vyr::ReadAttribute(root, "nextContentIdValue", component.nextContentIdValue);
+        values = std::move(component);
+        return true;
     }
-    SMpuComponent component;
-    CNodeText::Attribute(root, "mmtPackageId").CopyTo(component.mmtPackageId);
-    CNodeText::Attribute(root, "contentIdSchemeIdUri").CopyTo(component.contentIdSchemeIdUri);
-    CNodeText::Attribute(root, "contentIdValue").CopyTo(component.contentIdValue);
-    // Read in either spelling.
-    if (!CNodeText::Attribute(root, "nextMMTPackageId").CopyTo(component.nextMMTPackageId)) {
-        CNodeText::Attribute(root, "nextMmtPackageId").CopyTo(component.nextMMTPackageId);
-    }
-    CNodeText::Attribute(root, "nextContentIdSchemeIdUri").CopyTo(component.nextContentIdSchemeIdUri);
-    CNodeText::Attribute(root, "nextContentIdValue").CopyTo(component.nextContentIdValue);
-    *m = std::move(component);
-    return true;
+};
+
+}  // namespace
+
+vyr::SXmlKind CMMTMpuComponent::t_Kind() const
+{
+    return vyr::XmlKind<SState>("CMMTMpuComponent");
 }

@@ -1,35 +1,26 @@
 #include "mmt/desc/MMTName.h"
 
-#include <utility>
-
-#include "common/XmlNode.h"
 #include "common/XmlParser.h"
-#include "platform/Log.h"
+#include "common/XmlRead.h"
 
 using vyr::CNodeText;
 
-CMMTName::CMMTName() : m(nullptr) {}
+namespace {
 
-CMMTName::~CMMTName() = default;
-
-bool CMMTName::Create()
-{
-    return vyr::CreateXmlParser(m, "[CMMTName::Create]", VYR_HERE);
-}
-
-void CMMTName::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CMMTName::Destroy]", VYR_HERE);
-}
-
-bool CMMTName::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
+struct SState : vyr::TXmlState<CMMTName::SName> {
+    bool m_ProcessParse(void* root) override
+    {
+        CMMTName::SName name;
+        vyr::Read(CNodeText::Content(root), name.name);
+        vyr::ReadAttribute(root, "lang", name.lang);
+        values = std::move(name);
+        return true;
     }
-    SName name;
-    CNodeText::Content(root).CopyTo(name.name);
-    CNodeText::Attribute(root, "lang").CopyTo(name.lang);
-    *m = std::move(name);
-    return true;
+};
+
+}  // namespace
+
+vyr::SXmlKind CMMTName::t_Kind() const
+{
+    return vyr::XmlKind<SState>("CMMTName");
 }

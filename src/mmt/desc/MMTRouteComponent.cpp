@@ -1,47 +1,33 @@
 #include "mmt/desc/MMTRouteComponent.h"
 
-#include <utility>
-
-#include "common/Ipv4.h"
-#include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "common/XmlRead.h"
 #include "platform/Log.h"
 
 using vyr::CNodeText;
 
-CMMTRouteComponent::CMMTRouteComponent() : m(nullptr) {}
+namespace {
 
-CMMTRouteComponent::~CMMTRouteComponent() = default;
-
-bool CMMTRouteComponent::Create()
-{
-    return vyr::CreateXmlParser(m, "[CMMTRouteComponent::Create]", VYR_HERE);
-}
-
-void CMMTRouteComponent::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CMMTRouteComponent::Destroy]", VYR_HERE);
-}
-
-bool CMMTRouteComponent::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
+struct SState : vyr::TXmlState<CMMTRouteComponent::SRouteComponent> {
+    bool m_ProcessParse(void* root) override
+    {
+        CMMTRouteComponent::SRouteComponent component;
+        vyr::ReadAttribute(root, "sTSIDUri", component.sTSIDUri);
+        vyr::ReadIpv4(CNodeText::Attribute(root, "sTSIDDestinationIpAddress"), component.sTSIDDestinationIpAddress);
+        vyr::ReadAttribute(root, "sTSIDDestinationUdpPort", component.sTSIDDestinationUdpPort);
+        vyr::ReadIpv4(CNodeText::Attribute(root, "sTSIDSourceIpAddress"), component.sTSIDSourceIpAddress);
+        vyr::ReadAttribute(root, "sTSIDMajorProtocolVersion", component.sTSIDMajorProtocolVersion);
+        vyr::ReadAttribute(root, "sTSIDMinorProtocolVersion", component.sTSIDMinorProtocolVersion);
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTUsbd::m_ProcessParseRouteComponent] dip[%d] port[%d]",
+                static_cast<int>(component.sTSIDDestinationIpAddress), component.sTSIDDestinationUdpPort);
+        values = std::move(component);
+        return true;
     }
-    SRouteComponent component;
-    const auto address = [root](const char* name) {
-        const CNodeText text = CNodeText::Attribute(root, name);
-        return text.Found() ? vyr::Ipv4Address(text.Text()) : 0;
-    };
-    CNodeText::Attribute(root, "sTSIDUri").CopyTo(component.sTSIDUri);
-    component.sTSIDDestinationIpAddress = address("sTSIDDestinationIpAddress");
-    component.sTSIDDestinationUdpPort =
-        static_cast<unsigned short>(CNodeText::Attribute(root, "sTSIDDestinationUdpPort").Int(0));
-    component.sTSIDSourceIpAddress = address("sTSIDSourceIpAddress");
-    component.sTSIDMajorProtocolVersion = CNodeText::Attribute(root, "sTSIDMajorProtocolVersion").Int(0);
-    component.sTSIDMinorProtocolVersion = CNodeText::Attribute(root, "sTSIDMinorProtocolVersion").Int(0);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTUsbd::m_ProcessParseRouteComponent] dip[%d] port[%d]",
-            static_cast<int>(component.sTSIDDestinationIpAddress), component.sTSIDDestinationUdpPort);
-    *m = std::move(component);
-    return true;
+};
+
+}  // namespace
+
+vyr::SXmlKind CMMTRouteComponent::t_Kind() const
+{
+    return vyr::XmlKind<SState>("CMMTRouteComponent");
 }

@@ -1,7 +1,8 @@
 #include "mmt/desc/MMTUsbd.h"
 
+#include "common/Give.h"
 #include "common/ServiceLinkage.h"
-#include "common/XmlParser.h"
+#include "common/UsbdState.h"
 #include "mmt/desc/MMTBroadbandComponent.h"
 #include "mmt/desc/MMTChannel.h"
 #include "mmt/desc/MMTComponentInfo.h"
@@ -15,126 +16,18 @@ using vyr::CNodeText;
 
 namespace {
 
-/// The record of the index-th component info; null without one.
-const CMMTComponentInfo::SComponentInfo* ComponentInfo(const CMMTUsbd::SMMTUsbd& values, int index)
-{
-    void* info = nullptr;
-    return values.componentInfos.GetAt(index, &info) ? static_cast<CMMTComponentInfo*>(info)->State() : nullptr;
-}
-
-}  // namespace
-
-CMMTUsbd::SMMTUsbd::SMMTUsbd()
-    : globalServiceId(nullptr),
-      serviceId(0),
-      serviceStatus(false),
-      routeComponent(nullptr),
-      broadbandComponent(nullptr),
-      mpuComponent(nullptr),
-      channel(nullptr),
-      serviceLinkage(nullptr),
-      names(vyr::RemoveChild<CMMTName>, nullptr),
-      svcLanguages(vyr::RemoveText, nullptr),
-      componentInfos(vyr::RemoveChild<CMMTComponentInfo>, nullptr),
-      contentAdvisoryRatings(vyr::RemoveChild<CMMTContentAdvisoryRatings>, nullptr)
-{
-}
-
-CMMTUsbd::SMMTUsbd::~SMMTUsbd()
-{
-    delete[] globalServiceId;
-    vyr::HoldChild(routeComponent, {});
-    vyr::HoldChild(broadbandComponent, {});
-    vyr::HoldChild(mpuComponent, {});
-    vyr::HoldChild(channel, {});
-    vyr::HoldChild(serviceLinkage, {});
-}
-
-struct CMMTUsbd::SState : vyr::SHandlers {
-    SMMTUsbd values;
+struct SState : vyr::TUsbdState<CMMTUsbd::SMMTUsbd> {
+    bool m_ProcessParse(void* root) override;
 };
 
-CMMTUsbd::CMMTUsbd() : m(nullptr)
+void sm_CbUSD(SState* m, void* node);
+
+void sm_CbName(SState* m, void* cur)
 {
-    t_keepsDocument = false;
+    vyr::AddChild<CMMTName>(m->values.names, *m, cur, {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"});
 }
 
-CMMTUsbd::~CMMTUsbd() = default;
-
-bool CMMTUsbd::Create()
-{
-    return vyr::CreateXmlParser(m, "[CMMTUsbd::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
-}
-
-bool CMMTUsbd::t_CreateCallback()
-{
-    static constexpr vyr::SElementHandler<CMMTUsbd> k_handlers[] = {
-        {"userServiceDescription", sm_CbUSD},
-        {"UserServiceDescription", sm_CbUSD},
-        {"name", sm_CbName},
-        {"Name", sm_CbName},
-        {"serviceLanguage", sm_CbSvcLanguage},
-        {"ServiceLanguage", sm_CbSvcLanguage},
-        {"Channel", sm_CbChannel},
-        {"mpuComponent", sm_CbMpuComponent},
-        {"MPUComponent", sm_CbMpuComponent},
-        {"routeComponent", sm_CbRouteComponent},
-        {"ROUTEComponent", sm_CbRouteComponent},
-        {"broadbandComponent", sm_CbBroadbandComponent},
-        {"BroadbandComponent", sm_CbBroadbandComponent},
-        {"ComponentInfo", sm_CbComponentInfo},
-        {"serviceLinkage", sm_CbServiceLinkage},
-        {"ServiceLinkage", sm_CbServiceLinkage},
-        {"ContentAdvisoryRatings", sm_CbContentAdvisoryRatings},
-        {"ContentAdvisoryRating", sm_CbContentAdvisoryRatings},
-    };
-    return vyr::AddHandlers(m->handlers, k_handlers);
-}
-
-void CMMTUsbd::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CMMTUsbd::Destroy]", VYR_HERE);
-}
-
-bool CMMTUsbd::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
-    }
-    if (!t_xml.Compare(root, "bundleDescriptionMMT") && !t_xml.Compare(root, "BundleDescriptionMMT")) {
-        return false;
-    }
-    vyr::Renew(t_replace, m->values);
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CMMTUsbd::m_ProcessParseUsbd] %s",
-                          VYR_HERE);
-    return true;
-}
-
-void CMMTUsbd::sm_CbUSD(CMMTUsbd* usbd, void* node)
-{
-    SMMTUsbd& values = usbd->m->values;
-    delete[] values.globalServiceId;
-    values.globalServiceId = nullptr;
-    for (const char* name : {"globalServiceID", "globalServiceId"}) {
-        if (!values.globalServiceId && CNodeText::Attribute(node, name).Found()) {
-            values.globalServiceId = vyr::Allocated(usbd->t_xml.PropStr(node, name, nullptr));
-        }
-    }
-    values.serviceId = static_cast<unsigned short>(CNodeText::Attribute(node, "serviceId").Int(-1));
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTUsbd::sm_CbUSD] globalServiceId [%s] serviceId [%d]",
-            values.globalServiceId ? values.globalServiceId : "", values.serviceId);
-    values.serviceStatus = CNodeText::Attribute(node, "serviceStatus").Int(-1) == 1;
-    vyr::DispatchChildren(usbd, usbd->m->handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CMMTUsbd::sm_CbUSD] %s",
-                          VYR_HERE);
-}
-
-void CMMTUsbd::sm_CbName(CMMTUsbd* root, void* cur)
-{
-    static constexpr vyr::SChildSteps k_steps = {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"};
-    vyr::AddXmlChild<CMMTName>(root->m->values.names, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
-}
-
-void CMMTUsbd::sm_CbSvcLanguage(CMMTUsbd* usbd, void* node)
+void sm_CbSvcLanguage(SState* m, void* node)
 {
     const CNodeText language = CNodeText::Content(node);
     if (!language.HasText()) {
@@ -143,198 +36,242 @@ void CMMTUsbd::sm_CbSvcLanguage(CMMTUsbd* usbd, void* node)
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTUsbd::sm_CbSvcLanguage] language[%s], size[%zu]", language.Text(),
             std::char_traits<char>::length(language.Text()));
-    vyr::AddText(usbd->m->values.svcLanguages, usbd->t_xml.Content(node, nullptr));
+    m->values.svcLanguages.Append(vyr::NewText(language));
 }
 
-void CMMTUsbd::sm_CbChannel(CMMTUsbd* root, void* cur)
+void sm_CbChannel(SState* m, void* cur)
 {
-    static constexpr vyr::SChildSteps k_steps = {"channel->Create()", "channel->Parse(root->t_xml.Doc(), cur)"};
-    vyr::HoldXmlChild(root->m->values.channel, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::AddChild<CMMTChannel>(m->values.channel, *m, cur,
+                               {"channel->Create()", "channel->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void CMMTUsbd::sm_CbMpuComponent(CMMTUsbd* root, void* cur)
+void sm_CbMpuComponent(SState* m, void* cur)
 {
-    static constexpr vyr::SChildSteps k_steps = {"mpuComponent->Create()",
-                                                 "mpuComponent->Parse(root->t_xml.Doc(), cur)"};
-    vyr::HoldXmlChild(root->m->values.mpuComponent, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::AddChild<CMMTMpuComponent>(m->values.mpuComponent, *m, cur,
+                                    {"mpuComponent->Create()", "mpuComponent->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void CMMTUsbd::sm_CbRouteComponent(CMMTUsbd* root, void* cur)
+void sm_CbRouteComponent(SState* m, void* cur)
 {
-    static constexpr vyr::SChildSteps k_steps = {"routeComponent->Create()",
-                                                 "routeComponent->Parse(root->t_xml.Doc(), cur)"};
-    vyr::HoldXmlChild(root->m->values.routeComponent, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::AddChild<CMMTRouteComponent>(m->values.routeComponent, *m, cur,
+                                      {"routeComponent->Create()", "routeComponent->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void CMMTUsbd::sm_CbBroadbandComponent(CMMTUsbd* root, void* cur)
+void sm_CbBroadbandComponent(SState* m, void* cur)
 {
-    static constexpr vyr::SChildSteps k_steps = {"broadbandComponent->Create()",
-                                                 "broadbandComponent->Parse(root->t_xml.Doc(), cur)"};
-    vyr::HoldXmlChild(root->m->values.broadbandComponent, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::AddChild<CMMTBroadbandComponent>(
+        m->values.broadbandComponent, *m, cur,
+        {"broadbandComponent->Create()", "broadbandComponent->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void CMMTUsbd::sm_CbComponentInfo(CMMTUsbd* root, void* cur)
+void sm_CbComponentInfo(SState* m, void* cur)
 {
-    static constexpr vyr::SChildSteps k_steps = {"componentInfo->Create()",
-                                                 "componentInfo->Parse(root->t_xml.Doc(), cur)"};
-    vyr::AddXmlChild<CMMTComponentInfo>(root->m->values.componentInfos, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::AddChild<CMMTComponentInfo>(m->values.componentInfos, *m, cur,
+                                     {"componentInfo->Create()", "componentInfo->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void CMMTUsbd::sm_CbServiceLinkage(CMMTUsbd* root, void* cur)
+void sm_CbServiceLinkage(SState* m, void* cur)
 {
-    static constexpr vyr::SChildSteps k_steps = {"serviceLinkage->Create()",
-                                                 "serviceLinkage->Parse(root->t_xml.Doc(), cur)"};
-    vyr::HoldXmlChild(root->m->values.serviceLinkage, root->t_xml.Doc(), cur, k_steps, VYR_HERE);
+    vyr::AddChild<CServiceLinkage>(m->values.serviceLinkage, *m, cur,
+                                   {"serviceLinkage->Create()", "serviceLinkage->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void CMMTUsbd::sm_CbContentAdvisoryRatings(CMMTUsbd* root, void* cur)
+void sm_CbContentAdvisoryRatings(SState* m, void* cur)
 {
-    static constexpr vyr::SChildSteps k_steps = {"rating->Create()", "rating->Parse(root->t_xml.Doc(), cur)"};
-    vyr::AddXmlChild<CMMTContentAdvisoryRatings>(root->m->values.contentAdvisoryRatings, root->t_xml.Doc(), cur,
-                                                 k_steps, VYR_HERE);
+    vyr::AddChild<CMMTContentAdvisoryRatings>(m->values.contentAdvisoryRatings, *m, cur,
+                                              {"rating->Create()", "rating->Parse(root->t_xml.Doc(), cur)"});
 }
+
+constexpr vyr::SElementHandler<SState> k_handlers[] = {
+    {"userServiceDescription", sm_CbUSD},
+    {"UserServiceDescription", sm_CbUSD},
+    {"name", sm_CbName},
+    {"Name", sm_CbName},
+    {"serviceLanguage", sm_CbSvcLanguage},
+    {"ServiceLanguage", sm_CbSvcLanguage},
+    {"Channel", sm_CbChannel},
+    {"mpuComponent", sm_CbMpuComponent},
+    {"MPUComponent", sm_CbMpuComponent},
+    {"routeComponent", sm_CbRouteComponent},
+    {"ROUTEComponent", sm_CbRouteComponent},
+    {"broadbandComponent", sm_CbBroadbandComponent},
+    {"BroadbandComponent", sm_CbBroadbandComponent},
+    {"ComponentInfo", sm_CbComponentInfo},
+    {"serviceLinkage", sm_CbServiceLinkage},
+    {"ServiceLinkage", sm_CbServiceLinkage},
+    {"ContentAdvisoryRatings", sm_CbContentAdvisoryRatings},
+    {"ContentAdvisoryRating", sm_CbContentAdvisoryRatings},
+};
+
+void sm_CbUSD(SState* m, void* node)
+{
+    m->ReadDescription(node);
+    const char* id = m->values.globalServiceId;
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTUsbd::sm_CbUSD] globalServiceId [%s] serviceId [%d]", id ? id : "",
+            m->values.serviceId);
+    vyr::DispatchChildren(m, k_handlers, node, "[CMMTUsbd::sm_CbUSD] %s");
+}
+
+bool SState::m_ProcessParse(void* root)
+{
+    if (!Begin(root, "bundleDescriptionMMT", "BundleDescriptionMMT")) {
+        return false;
+    }
+    vyr::DispatchChildren(this, k_handlers, root, "[CMMTUsbd::m_ProcessParseUsbd] %s");
+    return true;
+}
+
+/// The record of the index-th component info; null without one.
+const CMMTComponentInfo::SComponentInfo* ComponentInfo(const CMMTUsbd::SMMTUsbd* values, int index, VYR_CALLER)
+{
+    const CMMTComponentInfo* info =
+        values || vyr::AssertFailed(here, "m") ? values->componentInfos.Get(index) : nullptr;
+    return info ? info->State() : nullptr;
+}
+
+}  // namespace
 
 const char* CMMTUsbd::GlobalServiceId() const
 {
-    return VYR_ASSERT(m, "m") ? m->values.globalServiceId : nullptr;
+    return VYR_ASSERT(State(), "m") ? State()->globalServiceId : nullptr;
 }
 
 unsigned short CMMTUsbd::ServiceId() const
 {
-    return VYR_ASSERT(m, "m") ? m->values.serviceId : 0;
+    return VYR_ASSERT(State(), "m") ? State()->serviceId : 0;
 }
 
 bool CMMTUsbd::ServiceStatus() const
 {
-    return VYR_ASSERT(m, "m") && m->values.serviceStatus;
+    return VYR_ASSERT(State(), "m") && State()->serviceStatus;
 }
 
 bool CMMTUsbd::CheckRouteComponent() const
 {
-    return VYR_ASSERT(m, "m") && m->values.routeComponent;
+    return VYR_ASSERT(State(), "m") && State()->routeComponent;
 }
 
 bool CMMTUsbd::CheckBroadbandComponent() const
 {
-    return VYR_ASSERT(m, "m") && m->values.broadbandComponent;
+    return VYR_ASSERT(State(), "m") && State()->broadbandComponent;
 }
 
 bool CMMTUsbd::GetsTSIDUri(std::string& uri) const
 {
-    return CheckRouteComponent() && vyr::Give(m->values.routeComponent->State()->sTSIDUri, uri);
+    return CheckRouteComponent() && vyr::Give(State()->routeComponent->State()->sTSIDUri, uri);
 }
 
 bool CMMTUsbd::GetRouteComponentSrcIp(unsigned int& address) const
 {
-    return CheckRouteComponent() && vyr::Give(m->values.routeComponent->State()->sTSIDSourceIpAddress, address);
+    return CheckRouteComponent() && vyr::Give(State()->routeComponent->State()->sTSIDSourceIpAddress, address);
 }
 
 bool CMMTUsbd::GetRouteComponentDestIp(unsigned int& address) const
 {
-    return CheckRouteComponent() && vyr::Give(m->values.routeComponent->State()->sTSIDDestinationIpAddress, address);
+    return CheckRouteComponent() && vyr::Give(State()->routeComponent->State()->sTSIDDestinationIpAddress, address);
 }
 
 bool CMMTUsbd::GetRouteComponentDestPort(unsigned short& port) const
 {
-    return CheckRouteComponent() && vyr::Give(m->values.routeComponent->State()->sTSIDDestinationUdpPort, port);
+    return CheckRouteComponent() && vyr::Give(State()->routeComponent->State()->sTSIDDestinationUdpPort, port);
 }
 
 bool CMMTUsbd::GetFullMPDUri(std::string& uri) const
 {
-    return CheckBroadbandComponent() && vyr::Give(m->values.broadbandComponent->State()->fullMPDUri, uri);
+    return CheckBroadbandComponent() && vyr::Give(State()->broadbandComponent->State()->fullMPDUri, uri);
 }
 
 int CMMTUsbd::ComponentInfoSize() const
 {
-    return VYR_ASSERT(m, "m") ? m->values.componentInfos.Size() : 0;
+    return VYR_ASSERT(State(), "m") ? State()->componentInfos.Size() : 0;
 }
 
 bool CMMTUsbd::GetComponentType(int index, unsigned char& type) const
 {
-    const auto* info = VYR_ASSERT(m, "m") ? ComponentInfo(m->values, index) : nullptr;
+    const auto* info = ComponentInfo(State(), index);
     return info && vyr::Give(info->componentType, type);
 }
 
 bool CMMTUsbd::GetComponentRole(int index, unsigned char& role) const
 {
-    const auto* info = VYR_ASSERT(m, "m") ? ComponentInfo(m->values, index) : nullptr;
+    const auto* info = ComponentInfo(State(), index);
     return info && vyr::Give(info->componentRole, role);
 }
 
 bool CMMTUsbd::ComponentProtectedFlag(int index) const
 {
-    const auto* info = VYR_ASSERT(m, "m") ? ComponentInfo(m->values, index) : nullptr;
+    const auto* info = ComponentInfo(State(), index);
     return info && info->componentProtectedFlag;
 }
 
 bool CMMTUsbd::GetComponentId(int index, std::string& id) const
 {
-    const auto* info = VYR_ASSERT(m, "m") ? ComponentInfo(m->values, index) : nullptr;
+    const auto* info = ComponentInfo(State(), index);
     return info && vyr::Give(info->componentId, id);
 }
 
 bool CMMTUsbd::GetComponentName(int index, std::string& name) const
 {
-    const auto* info = VYR_ASSERT(m, "m") ? ComponentInfo(m->values, index) : nullptr;
+    const auto* info = ComponentInfo(State(), index);
     return info && vyr::Give(info->componentName, name);
 }
 
 int CMMTUsbd::LanguageSize() const
 {
-    return VYR_ASSERT(m, "m") ? m->values.svcLanguages.Size() : 0;
+    return VYR_ASSERT(State(), "m") ? State()->svcLanguages.Size() : 0;
 }
 
 bool CMMTUsbd::GetLanguageInfo(int index, char** language) const
 {
-    void* text = nullptr;
-    return VYR_ASSERT(m, "m") && VYR_ASSERT(language, "language") && m->values.svcLanguages.GetAt(index, &text) &&
-           vyr::Give(static_cast<char*>(text), *language);
+    char* text =
+        VYR_ASSERT(State(), "m") && VYR_ASSERT(language, "language") ? State()->svcLanguages.Get(index) : nullptr;
+    return text && vyr::Give(text, *language);
 }
 
 int CMMTUsbd::LinkServiceId() const
 {
-    return !VYR_ASSERT(m, "m") ? 0 : m->values.serviceLinkage ? m->values.serviceLinkage->LinkServiceId() : -1;
+    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->LinkServiceId() : -1;
 }
 
 const char* CMMTUsbd::ActivationTime() const
 {
-    return VYR_ASSERT(m, "m") && m->values.serviceLinkage ? m->values.serviceLinkage->ActivationTime() : nullptr;
+    return VYR_ASSERT(State(), "m") && State()->serviceLinkage ? State()->serviceLinkage->ActivationTime() : nullptr;
 }
 
 const char* CMMTUsbd::DeActivationTime() const
 {
-    return VYR_ASSERT(m, "m") && m->values.serviceLinkage ? m->values.serviceLinkage->DeActivationTime() : nullptr;
+    return VYR_ASSERT(State(), "m") && State()->serviceLinkage ? State()->serviceLinkage->DeActivationTime() : nullptr;
 }
 
 int CMMTUsbd::ServiceCategory() const
 {
-    return !VYR_ASSERT(m, "m") ? 0 : m->values.serviceLinkage ? m->values.serviceLinkage->ServiceCategory() : -1;
+    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->ServiceCategory() : -1;
 }
 
 int CMMTUsbd::LinkageType() const
 {
-    return !VYR_ASSERT(m, "m") ? 0 : m->values.serviceLinkage ? m->values.serviceLinkage->LinkageType() : -1;
+    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->LinkageType() : -1;
 }
 
 bool CMMTUsbd::GetRatingStringTable(std::vector<std::string>& ratings) const
 try {
-    if (!VYR_ASSERT(m, "m")) {
+    if (!VYR_ASSERT(State(), "m")) {
         return false;
     }
-    const CCPtrArray& parsed = m->values.contentAdvisoryRatings;
+    const auto& parsed = State()->contentAdvisoryRatings;
     if (parsed.Size() == 0) {
         VYR_LOG(LOG_PRIORITY_ERROR, "[CMMTUsbd::GetRatingStringTable] Content Advisory Data not parsed");
         return false;
     }
-    for (int i = 0; i < parsed.Size(); ++i) {
-        static_cast<CMMTContentAdvisoryRatings*>(parsed.Data(i))->GetContentRatingString(ratings.emplace_back());
+    for (const CMMTContentAdvisoryRatings* rating : parsed) {
+        rating->GetContentRatingString(ratings.emplace_back());
     }
     return true;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);
 }
 
-const CMMTUsbd::SMMTUsbd* CMMTUsbd::State() const
+vyr::SXmlKind CMMTUsbd::t_Kind() const
 {
-    return m ? &m->values : nullptr;
+    return vyr::XmlKind<SState>("CMMTUsbd");
 }

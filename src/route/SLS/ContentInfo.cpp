@@ -1,97 +1,72 @@
 #include "route/SLS/ContentInfo.h"
 
-#include "common/XmlNode.h"
+#include "common/Give.h"
 #include "common/XmlParser.h"
+#include "common/XmlRead.h"
 #include "platform/Log.h"
 #include "route/SLS/MediaInfo.h"
 
 using vyr::CNodeText;
 
-CContentInfo::SContentInfo::SContentInfo() : mediaInfo(nullptr) {}
+namespace {
 
-CContentInfo::SContentInfo::~SContentInfo()
-{
-    vyr::HoldChild(mediaInfo, {});
-}
-
-struct CContentInfo::SState : vyr::SHandlers {
-    SContentInfo values;
+struct SState : vyr::TXmlState<CContentInfo::SContentInfo> {
+    bool m_ProcessParse(void* root) override;
 };
 
-CContentInfo::CContentInfo() : m(nullptr) {}
-
-CContentInfo::~CContentInfo() = default;
-
-bool CContentInfo::Create()
+void sm_CbAEAMedia(SState* m, void* node)
 {
-    return vyr::CreateXmlParser(m, "[CContentInfo::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    vyr::ReadAttribute(node, "AEAId", m->values.aeaId);
 }
 
-bool CContentInfo::t_CreateCallback()
+void sm_CbMediaInfo(SState* m, void* cur)
 {
-    static constexpr vyr::SElementHandler<CContentInfo> k_handlers[] = {
-        {"AEAMedia", sm_CbAEAMedia},
-        {"MediaInfo", sm_CbMediaInfo},
-    };
-    return vyr::AddHandlers(m->handlers, k_handlers);
-}
-
-void CContentInfo::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CContentInfo::Destroy]", VYR_HERE);
-}
-
-bool CContentInfo::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
-    }
-    m->values.contentId.clear();
-    CNodeText::Content(root).CopyTo(m->values.contentId);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CContentInfo::m_ProcessParseContentInfo] %s", m->values.contentId.c_str());
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
-    return true;
-}
-
-void CContentInfo::sm_CbAEAMedia(CContentInfo* info, void* node)
-{
-    CNodeText::Attribute(node, "AEAId").CopyTo(info->m->values.aeaId);
-}
-
-void CContentInfo::sm_CbMediaInfo(CContentInfo* info, void* cur)
-{
-    static constexpr vyr::SChildSteps k_steps = {"mediaInfo->Create()", "mediaInfo->Parse(root->t_xml.Doc(), cur)"};
-    if (auto mediaInfo = vyr::BuildXmlChild<CMediaInfo>(info->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
-        SContentInfo& values = info->m->values;
+    CContentInfo::SContentInfo& values = m->values;
+    TOwned<CMediaInfo> mediaInfo =
+        vyr::BuildXmlChild<CMediaInfo>(*m, cur, {"mediaInfo->Create()", "mediaInfo->Parse(root->t_xml.Doc(), cur)"});
+    if (mediaInfo) {
         mediaInfo->GetRepId(values.contentId);
-        vyr::HoldChild(values.mediaInfo, std::move(mediaInfo));
+        values.mediaInfo = std::move(mediaInfo);
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CContentInfo::sm_CbMediaInfo] ContentID[%s]", values.contentId.c_str());
     }
 }
 
+constexpr vyr::SElementHandler<SState> k_handlers[] = {{"AEAMedia", sm_CbAEAMedia}, {"MediaInfo", sm_CbMediaInfo}};
+
+bool SState::m_ProcessParse(void* root)
+{
+    values.contentId.clear();
+    vyr::Read(CNodeText::Content(root), values.contentId);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CContentInfo::m_ProcessParseContentInfo] %s", values.contentId.c_str());
+    vyr::DispatchChildren(this, k_handlers, root);
+    return true;
+}
+
+}  // namespace
+
 bool CContentInfo::GetContentId(std::string& out) const
 {
-    return VYR_ASSERT(m, "m") && vyr::Give(m->values.contentId, out);
+    return VYR_ASSERT(State(), "m") && vyr::Give(State()->contentId, out);
 }
 
 std::string CContentInfo::GetAEAId() const
 try {
-    return VYR_ASSERT(m, "m") ? m->values.aeaId : std::string();
+    return VYR_ASSERT(State(), "m") ? State()->aeaId : std::string();
 } catch (...) {
     return vyr::OutOfMemory<std::string>(VYR_HERE);
 }
 
 int CContentInfo::NumberOfContentRating() const
 {
-    return VYR_ASSERT(m, "m") && m->values.mediaInfo ? m->values.mediaInfo->NumberOfContentRating() : 0;
+    return VYR_ASSERT(State(), "m") && State()->mediaInfo ? State()->mediaInfo->NumberOfContentRating() : 0;
 }
 
 bool CContentInfo::GetContentRating(int index, std::string& out) const
 {
-    return VYR_ASSERT(m, "m") && m->values.mediaInfo && m->values.mediaInfo->GetContentRating(index, out);
+    return VYR_ASSERT(State(), "m") && State()->mediaInfo && State()->mediaInfo->GetContentRating(index, out);
 }
 
-const CContentInfo::SContentInfo* CContentInfo::State() const
+vyr::SXmlKind CContentInfo::t_Kind() const
 {
-    return m ? &m->values : nullptr;
+    return vyr::XmlKind<SState>("CContentInfo");
 }

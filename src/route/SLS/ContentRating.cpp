@@ -1,51 +1,29 @@
 #include "route/SLS/ContentRating.h"
 
-#include "common/XmlNode.h"
+#include "common/Give.h"
 #include "common/XmlParser.h"
-#include "platform/Log.h"
+#include "common/XmlRead.h"
 
-struct CContentRating::SState : vyr::SHandlers {
-    SContentRating values;
+namespace {
+
+struct SState : vyr::TXmlState<CContentRating::SContentRating> {
+    bool m_ProcessParse(void* root) override
+    {
+        vyr::ReadAttribute(root, "schemeIdUri", values.schemeIdUri);
+        values.value.clear();
+        vyr::ReadAttribute(root, "value", values.value);
+        return true;
+    }
 };
 
-CContentRating::CContentRating() : m(nullptr) {}
-
-CContentRating::~CContentRating() = default;
-
-bool CContentRating::Create()
-{
-    return vyr::CreateXmlParser(m, "[CContentRating::Create] ContentRating CREATE", VYR_HERE,
-                                [this] { return t_CreateCallback(); });
-}
-
-/// Required: there are no elements to handle.
-bool CContentRating::t_CreateCallback()
-{
-    return true;
-}
-
-void CContentRating::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CContentRating::Destroy]", VYR_HERE);
-}
-
-bool CContentRating::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
-    }
-    vyr::CNodeText::Attribute(root, "schemeIdUri").CopyTo(m->values.schemeIdUri);
-    m->values.value.clear();
-    vyr::CNodeText::Attribute(root, "value").CopyTo(m->values.value);
-    return true;
-}
+}  // namespace
 
 bool CContentRating::GetContentRating(std::string& out) const
 {
-    return VYR_ASSERT(m, "m") && vyr::Give(m->values.value, out);
+    return VYR_ASSERT(State(), "m") && vyr::Give(State()->value, out);
 }
 
-const CContentRating::SContentRating* CContentRating::State() const
+vyr::SXmlKind CContentRating::t_Kind() const
 {
-    return m ? &m->values : nullptr;
+    return vyr::XmlKind<SState>("CContentRating", LOG_PRIORITY_DEBUG, " ContentRating CREATE");
 }

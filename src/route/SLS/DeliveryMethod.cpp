@@ -1,85 +1,42 @@
 #include "route/SLS/DeliveryMethod.h"
 
 #include "common/XmlParser.h"
-#include "platform/Log.h"
 
-struct CDeliveryMethod::SState : vyr::SHandlers {
-    SDeliveryMethod values;
+namespace {
 
-    ~SState() { Clear(); }
-
-    void Clear()
-    {
-        for (CBroadcastAppSvc* service : values.broadcastAppSvcs) {
-            vyr::SDestroy()(service);
-        }
-        for (CUnicastAppSvc* service : values.unicastAppSvcs) {
-            vyr::SDestroy()(service);
-        }
-        values.broadcastAppSvcs.clear();
-        values.unicastAppSvcs.clear();
-    }
+struct SState : vyr::TXmlState<CDeliveryMethod::SDeliveryMethod> {
+    bool m_ProcessParse(void* root) override;
 };
 
-CDeliveryMethod::CDeliveryMethod() : m(nullptr) {}
-
-CDeliveryMethod::~CDeliveryMethod() = default;
-
-bool CDeliveryMethod::Create()
+void sm_CbBroadcastAppSvc(SState* m, void* cur)
 {
-    return vyr::CreateXmlParser(m, "[CDeliveryMethod::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
+    vyr::AddChild<CBroadcastAppSvc>(m->values.broadcastAppSvcs, *m, cur,
+                                    {"broadcastAppSvc->Create()", "broadcastAppSvc->Parse(root->t_xml.Doc(), cur)"});
 }
 
-bool CDeliveryMethod::t_CreateCallback()
+void sm_CbUnicastAppSvc(SState* m, void* cur)
 {
-    static constexpr vyr::SElementHandler<CDeliveryMethod> k_handlers[] = {
-        {"BroadcastAppService", sm_CbBroadcastAppSvc},
-        {"broadcastAppService", sm_CbBroadcastAppSvc},
-        {"UnicastAppService", sm_CbUnicastAppSvc},
-        {"unicastAppService", sm_CbUnicastAppSvc},
-    };
-    return vyr::AddHandlers(m->handlers, k_handlers);
+    vyr::AddChild<CUnicastAppSvc>(m->values.unicastAppSvcs, *m, cur,
+                                  {"unicastAppSvc->Create()", "unicastAppSvc->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void CDeliveryMethod::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CDeliveryMethod::Destroy]", VYR_HERE);
-}
+constexpr vyr::SElementHandler<SState> k_handlers[] = {
+    {"BroadcastAppService", sm_CbBroadcastAppSvc},
+    {"broadcastAppService", sm_CbBroadcastAppSvc},
+    {"UnicastAppService", sm_CbUnicastAppSvc},
+    {"unicastAppService", sm_CbUnicastAppSvc},
+};
 
-const CDeliveryMethod::SDeliveryMethod* CDeliveryMethod::State() const
+bool SState::m_ProcessParse(void* root)
 {
-    return m ? &m->values : nullptr;
-}
-
-bool CDeliveryMethod::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
-    }
-    if (t_replace) {
-        m->Clear();
-    }
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN,
-                          "[CDeliveryMethod::m_ProcessParseDeliveryMethod] %s", VYR_HERE);
+    vyr::Renew(*this);
+    vyr::DispatchChildren(this, k_handlers, root, "[CDeliveryMethod::m_ProcessParseDeliveryMethod] %s");
     return true;
 }
 
-void CDeliveryMethod::sm_CbBroadcastAppSvc(CDeliveryMethod* method, void* cur)
-{
-    static constexpr vyr::SChildSteps k_steps = {"broadcastAppSvc->Create()",
-                                                 "broadcastAppSvc->Parse(root->t_xml.Doc(), cur)"};
-    if (auto service = vyr::BuildXmlChild<CBroadcastAppSvc>(method->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
-        method->m->values.broadcastAppSvcs.push_back(service.get());
-        service.release();
-    }
-}
+}  // namespace
 
-void CDeliveryMethod::sm_CbUnicastAppSvc(CDeliveryMethod* method, void* cur)
+vyr::SXmlKind CDeliveryMethod::t_Kind() const
 {
-    static constexpr vyr::SChildSteps k_steps = {"unicastAppSvc->Create()",
-                                                 "unicastAppSvc->Parse(root->t_xml.Doc(), cur)"};
-    if (auto service = vyr::BuildXmlChild<CUnicastAppSvc>(method->t_xml.Doc(), cur, k_steps, VYR_HERE)) {
-        method->m->values.unicastAppSvcs.push_back(service.get());
-        service.release();
-    }
+    return vyr::XmlKind<SState>("CDeliveryMethod");
 }

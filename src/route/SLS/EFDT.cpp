@@ -5,16 +5,12 @@
 #include <utility>
 
 #include "common/XmlParser.h"
+#include "common/XmlRead.h"
 #include "platform/Log.h"
 
 using vyr::CNodeText;
 
 namespace {
-
-void g_CbRemoveFile(void* /*context*/, void* element)
-{
-    delete static_cast<SFDTFile*>(element);
-}
 
 /// The tokens of a text, set apart by single spaces.
 std::list<std::string> Split(const char* text)
@@ -30,26 +26,10 @@ std::list<std::string> Split(const char* text)
 
 }  // namespace
 
-SFDTGlobal::SFDTGlobal()
-    : expires(-1), contentType(nullptr), contentEncoding(nullptr), efdtVersion(-1), files(g_CbRemoveFile, nullptr)
-{
-}
-
 SFDTGlobal::~SFDTGlobal()
 {
     delete[] contentType;
     delete[] contentEncoding;
-}
-
-SEFDTInfo::SEFDTInfo()
-    : tsi(0xFFFFFFFF),
-      idRef(nullptr),
-      version(0xFFFFFFFF),
-      maxExpiresDelta(0xFFFFFFFF),
-      maxTransportSize(0xFFFFFFFF),
-      fileTemplate(nullptr),
-      fdtGlobal(nullptr)
-{
 }
 
 SEFDTInfo::~SEFDTInfo()
@@ -59,100 +39,109 @@ SEFDTInfo::~SEFDTInfo()
     delete fdtGlobal;
 }
 
-struct CEFDT::SState : vyr::SHandlers {
+namespace {
+
+struct SState : vyr::SXmlState {
     std::unique_ptr<SEFDTInfo> info;
     SEFDTInfoCallback callback{};
+
+    bool m_ProcessParse(void* root) override;
+    void m_OnFDTParameters(void* node);
 };
 
-CEFDT::CEFDT() : m(nullptr)
+void sm_CbFDTParameters(SState* m, void* node)
 {
-    t_keepsDocument = false;
+    SEFDTInfo& info = *m->info;
+    auto global = std::make_unique<SFDTGlobal>();
+    delete info.fdtGlobal;
+    info.fdtGlobal = global.release();
+    m->m_OnFDTParameters(node);
 }
 
-CEFDT::~CEFDT() = default;
-
-bool CEFDT::Create()
+void sm_CbFile(SState* m, void* node)
 {
-    return vyr::CreateXmlParser(m, "[CEFDT::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
-}
-
-bool CEFDT::t_CreateCallback()
-{
-    static constexpr vyr::SElementHandler<CEFDT> k_handlers[] = {
-        {"FDT-Instance", sm_CbFDTParameters},
-        {"FDTParameters", sm_CbFDTParameters},
-        {"File", sm_CbFile},
-        {"FileTemplate", sm_CbFileTemplate},
-    };
-    return vyr::AddHandlers(m->handlers, k_handlers);
-}
-
-void CEFDT::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CEFDT::Destroy]", VYR_HERE);
-}
-
-bool CEFDT::SetCallback(const SEFDTInfoCallback* callback)
-{
-    return vyr::SetCallback(m, callback, VYR_HERE);
-}
-
-SEFDTInfo* CEFDT::GetEFDTInfo() const
-{
-    return VYR_ASSERT(m, "m") ? m->info.get() : nullptr;
-}
-
-bool CEFDT::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
+    SFDTGlobal* global = m->info->fdtGlobal;
+    if (!global) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] no FDT instance before the file");
+        return;
     }
-    const auto number = [root](const char* name) {
-        return static_cast<unsigned int>(CNodeText::Attribute(root, name).Int(-1));
-    };
-    auto info = std::make_unique<SEFDTInfo>();
+    auto file = std::make_unique<SFDTFile>();
+    const bool located = vyr::ReadAttribute(node, "Content-Location", file->contentLocation);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] location[%s], exist[%d]", file->contentLocation.c_str(), located);
+    vyr::ReadAttribute(node, "TOI", file->toi, -1);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] toi[%llu]", file->toi);
+    const CNodeText transferLength = CNodeText::Attribute(node, "Transfer-Length");
+    file->transferLength = transferLength.LLong(-1);
+    vyr::ReadAttribute(node, "Content-Length", file->contentLength, -1);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] transferLen[%llu], exist[%d], contentLen[%llu]",
+            static_cast<unsigned long long>(file->transferLength), transferLength.Found(),
+            static_cast<unsigned long long>(file->contentLength));
+    const CNodeText ids = CNodeText::Attribute(node, "appContextIdList");
+    if (ids.Found()) {
+        file->appContextIdList = Split(ids.Text());
+        for (const std::string& id : file->appContextIdList) {
+            VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] Add File:appContextIdList [%s]", id.c_str());
+        }
+    }
+    const bool typed = vyr::ReadAttribute(node, "Content-Type", file->contentType);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] contentType[%s], exist[%d]", file->contentType.c_str(), typed);
+    const bool encoded = vyr::ReadAttribute(node, "Content-Encoding", file->contentEncoding);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] contentEncoding = [%s], exist = %d", file->contentEncoding.c_str(),
+            encoded);
+    global->files.Append(std::move(file));
+}
+
+void sm_CbFileTemplate(SState* m, void* node)
+{
+    std::unique_ptr<char[]> text = vyr::NewText(CNodeText::Content(node));
+    delete[] m->info->fileTemplate;
+    m->info->fileTemplate = text.release();
+}
+
+constexpr vyr::SElementHandler<SState> k_handlers[] = {
+    {"FDT-Instance", sm_CbFDTParameters},
+    {"FDTParameters", sm_CbFDTParameters},
+    {"File", sm_CbFile},
+    {"FileTemplate", sm_CbFileTemplate},
+};
+
+bool SState::m_ProcessParse(void* root)
+{
+    auto fresh = std::make_unique<SEFDTInfo>();
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] Parse EFDT START !!!");
-    info->tsi = number("tsi");
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] tsi[%d]", static_cast<int>(info->tsi));
-    info->idRef = vyr::Allocated(t_xml.PropStr(root, "idRef", nullptr));
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] idRef[%s]", info->idRef ? info->idRef : "");
-    info->version = number("version");
-    info->maxExpiresDelta = number("maxExpiresDelta");
-    info->maxTransportSize = number("maxTransportSize");
+    vyr::ReadAttribute(root, "tsi", fresh->tsi, -1);
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] tsi[%d]", static_cast<int>(fresh->tsi));
+    fresh->idRef = vyr::NewText(CNodeText::Attribute(root, "idRef")).release();
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] idRef[%s]", fresh->idRef);
+    vyr::ReadAttribute(root, "version", fresh->version, -1);
+    vyr::ReadAttribute(root, "maxExpiresDelta", fresh->maxExpiresDelta, -1);
+    vyr::ReadAttribute(root, "maxTransportSize", fresh->maxTransportSize, -1);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] version[%d], expiresDelta[%d], transSize[%d]",
-            static_cast<int>(info->version), static_cast<int>(info->maxExpiresDelta),
-            static_cast<int>(info->maxTransportSize));
-    std::unique_ptr<SEFDTInfo> before = std::exchange(m->info, std::move(info));
+            static_cast<int>(fresh->version), static_cast<int>(fresh->maxExpiresDelta),
+            static_cast<int>(fresh->maxTransportSize));
+    std::unique_ptr<SEFDTInfo> before = std::exchange(info, std::move(fresh));
     try {
-        vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_HANDLED_CHILDREN, "[CEFDT::m_ProcessParseEFDT] %s",
-                              VYR_HERE);
+        vyr::DispatchChildren(this, k_handlers, root, "[CEFDT::m_ProcessParseEFDT] %s");
     } catch (...) {
-        m->info = std::move(before);
+        info = std::move(before);
         throw;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::m_ProcessParseEFDT] Parse EFDT END !!!");
-    if (m->callback.fn) {
-        m->callback.fn(m->callback.context, m->info.get());
+    if (callback.fn) {
+        callback.fn(callback.context, info.get());
     }
     return true;
 }
 
-void CEFDT::sm_CbFDTParameters(CEFDT* efdt, void* node)
+void SState::m_OnFDTParameters(void* node)
 {
-    SEFDTInfo& info = *efdt->m->info;
-    auto global = std::make_unique<SFDTGlobal>();
-    delete info.fdtGlobal;
-    info.fdtGlobal = global.release();
-    efdt->m_OnFDTParameters(node);
-}
-
-void CEFDT::m_OnFDTParameters(void* node)
-{
-    SFDTGlobal& global = *m->info->fdtGlobal;
-    const auto text = [this, node](const char* name) -> char* {
-        return CNodeText::Attribute(node, name).Found() ? vyr::Allocated(t_xml.PropStr(node, name, nullptr)) : nullptr;
+    SFDTGlobal& global = *info->fdtGlobal;
+    const auto text = [node](const char* name) {
+        std::unique_ptr<char[]> copy;
+        vyr::ReadAttribute(node, name, copy);
+        return copy.release();
     };
-    global.expires = CNodeText::Attribute(node, "Expires").LLong(-1);
+    vyr::ReadAttribute(node, "Expires", global.expires, -1);
     global.contentType = text("Content-Type");
     if (!global.contentType) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CFDTParameters::m_OnFDTParameters] Content-Type not exist!!");
@@ -176,47 +165,23 @@ void CEFDT::m_OnFDTParameters(void* node)
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CFDTParameters::m_OnFDTParameters] afdt:efdtVersion not exist!!");
     }
     // An instance inside this one takes its place, so that `global` is not to be used below.
-    vyr::DispatchChildren(this, m->handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CFDTParameters::m_OnFDTParameters] %s",
-                          VYR_HERE);
+    vyr::DispatchChildren(this, k_handlers, node, "[CFDTParameters::m_OnFDTParameters] %s");
 }
 
-void CEFDT::sm_CbFile(CEFDT* efdt, void* node)
+}  // namespace
+
+bool CEFDT::SetCallback(const SEFDTInfoCallback* callback)
 {
-    SFDTGlobal* global = efdt->m->info->fdtGlobal;
-    if (!global) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] no FDT instance before the file");
-        return;
-    }
-    auto file = std::make_unique<SFDTFile>();
-    const bool located = CNodeText::Attribute(node, "Content-Location").CopyTo(file->contentLocation);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] location[%s], exist[%d]", file->contentLocation.c_str(), located);
-    file->toi = static_cast<unsigned long long>(CNodeText::Attribute(node, "TOI").LLong(-1));
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] toi[%llu]", file->toi);
-    const CNodeText transferLength = CNodeText::Attribute(node, "Transfer-Length");
-    file->transferLength = transferLength.LLong(-1);
-    file->contentLength = CNodeText::Attribute(node, "Content-Length").LLong(-1);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] transferLen[%llu], exist[%d], contentLen[%llu]",
-            static_cast<unsigned long long>(file->transferLength), transferLength.Found(),
-            static_cast<unsigned long long>(file->contentLength));
-    const CNodeText ids = CNodeText::Attribute(node, "appContextIdList");
-    if (ids.Found()) {
-        file->appContextIdList = Split(ids.Text());
-        for (const std::string& id : file->appContextIdList) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] Add File:appContextIdList [%s]", id.c_str());
-        }
-    }
-    const bool typed = CNodeText::Attribute(node, "Content-Type").CopyTo(file->contentType);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] contentType[%s], exist[%d]", file->contentType.c_str(), typed);
-    const bool encoded = CNodeText::Attribute(node, "Content-Encoding").CopyTo(file->contentEncoding);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CEFDT::sm_CbFile] contentEncoding = [%s], exist = %d", file->contentEncoding.c_str(),
-            encoded);
-    vyr::Append(global->files, std::move(file));
+    return vyr::SetCallback(t_State<SState>(), callback);
 }
 
-void CEFDT::sm_CbFileTemplate(CEFDT* efdt, void* node)
+SEFDTInfo* CEFDT::GetEFDTInfo() const
 {
-    SEFDTInfo& info = *efdt->m->info;
-    char* text = vyr::Allocated(efdt->t_xml.Content(node, nullptr));
-    delete[] info.fileTemplate;
-    info.fileTemplate = text;
+    const auto* m = t_State<SState>();
+    return VYR_ASSERT(m, "m") ? m->info.get() : nullptr;
+}
+
+vyr::SXmlKind CEFDT::t_Kind() const
+{
+    return vyr::XmlKind<SState>("CEFDT");
 }

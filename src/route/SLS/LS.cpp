@@ -1,58 +1,45 @@
 #include "route/SLS/LS.h"
 
 #include "common/ATSC3TimeUtility.h"
-#include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "common/XmlRead.h"
 #include "platform/Log.h"
 #include "route/SLS/SrcFlow.h"
 
 using vyr::CNodeText;
 
-CLS::SLS::SLS()
-    : tsi(0xFFFFFFFF), bw(0xFFFFFFFF), startTime(-1), endTime(-1), srcFlows(vyr::RemoveChild<CSrcFlow>, nullptr)
-{
-}
+namespace {
 
-struct CLS::SState : vyr::SHandlers {
-    SLS values;
-    SCallback callback{};
+struct SState : vyr::TXmlState<CLS::SLS> {
+    CLS::SCallback callback{};
+
+    bool m_ProcessParse(void* root) override;
 };
 
-CLS::CLS() : m(nullptr) {}
-
-CLS::~CLS() = default;
-
-bool CLS::Create()
+void sm_CbEFDTInfo(void* context, SEFDTInfo* info)
 {
-    return vyr::CreateXmlParser(m, "[CLS::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
-}
-
-bool CLS::t_CreateCallback()
-{
-    static constexpr vyr::SElementHandler<CLS> k_handlers[] = {{"SrcFlow", sm_CbSrcFlow}};
-    return vyr::AddHandlers(m->handlers, k_handlers);
-}
-
-void CLS::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CLS::Destroy]", VYR_HERE);
-}
-
-bool CLS::SetCallback(const SCallback* callback)
-{
-    return vyr::SetCallback(m, callback, VYR_HERE);
-}
-
-bool CLS::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
+    const SState* m = static_cast<const SState*>(context);
+    if (m->callback.fn) {
+        m->callback.fn(m->callback.context, m->values.tsi, info);
     }
+}
+
+void sm_CbSrcFlow(SState* m, void* cur)
+{
+    const SEFDTInfoCallback cb = {m, sm_CbEFDTInfo};
+    vyr::AddChild<CSrcFlow>(
+        m->values.srcFlows, *m, cur, {"srcFlow->Create()", "srcFlow->Parse(root->t_xml.Doc(), cur)"},
+        [&cb](CSrcFlow& srcFlow) { return VYR_CHECK(srcFlow.SetCallback(&cb), "srcFlow->SetCallback(&cb)"); });
+}
+
+constexpr vyr::SElementHandler<SState> k_handlers[] = {{"SrcFlow", sm_CbSrcFlow}};
+
+bool SState::m_ProcessParse(void* root)
+{
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CLS::m_ProcessParseLS] process LS");
-    vyr::Renew(t_replace, m->values);
-    SLS& values = m->values;
-    values.tsi = static_cast<unsigned int>(CNodeText::Attribute(root, "tsi").Int(-1));
-    values.bw = static_cast<unsigned int>(CNodeText::Attribute(root, "bw").Int(-1));
+    vyr::Renew(*this);
+    vyr::ReadAttribute(root, "tsi", values.tsi, -1);
+    vyr::ReadAttribute(root, "bw", values.bw, -1);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CLS::m_ProcessParseLS] tsi[%d] maxBw[%d]", static_cast<int>(values.tsi),
             static_cast<int>(values.bw));
     const CNodeText startTime = CNodeText::Attribute(root, "startTime");
@@ -63,47 +50,31 @@ bool CLS::m_ProcessParse(void* root)
     if (endTime.Found()) {
         values.endTime = TimeUtility::ConvertDateTime2Epoch(endTime.Text());
     }
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    vyr::DispatchChildren(this, k_handlers, root);
     return true;
 }
 
-void CLS::sm_CbSrcFlow(CLS* ls, void* cur)
+/// The source flow that counts; null: none.
+const CSrcFlow* SrcFlow(const CLS::SLS* values, VYR_CALLER)
 {
-    static constexpr vyr::SChildSteps k_steps = {"srcFlow->Create()", "srcFlow->Parse(root->t_xml.Doc(), cur)"};
-    const SEFDTInfoCallback cb = {ls, sm_CbEFDTInfo};
-    auto srcFlow = vyr::BuildXmlChild<CSrcFlow>(ls->t_xml.Doc(), cur, k_steps, VYR_HERE, [&cb](CSrcFlow& fresh) {
-        return VYR_CHECK(fresh.SetCallback(&cb), "srcFlow->SetCallback(&cb)");
-    });
-    if (srcFlow) {
-        vyr::Append(ls->m->values.srcFlows, std::move(srcFlow));
-    }
+    return values || vyr::AssertFailed(here, "m") ? values->srcFlows.Last() : nullptr;
 }
 
-void CLS::sm_CbEFDTInfo(void* context, SEFDTInfo* info)
-{
-    const CLS* ls = static_cast<const CLS*>(context);
-    if (ls && ls->m->callback.fn) {
-        ls->m->callback.fn(ls->m->callback.context, ls->m->values.tsi, info);
-    }
-}
+}  // namespace
 
-const CSrcFlow* CLS::m_SrcFlow() const
+bool CLS::SetCallback(const SCallback* callback)
 {
-    void* srcFlow = nullptr;
-    if (VYR_ASSERT(m, "m")) {
-        m->values.srcFlows.GetAt(m->values.srcFlows.Size() - 1, &srcFlow);
-    }
-    return static_cast<const CSrcFlow*>(srcFlow);
+    return vyr::SetCallback(t_State<SState>(), callback);
 }
 
 unsigned int CLS::TSI() const
 {
-    return VYR_ASSERT(m, "m") ? m->values.tsi : 0;
+    return VYR_ASSERT(State(), "m") ? State()->tsi : 0;
 }
 
 bool CLS::GetContentId(std::string& out) const
 {
-    const CSrcFlow* srcFlow = m_SrcFlow();
+    const CSrcFlow* srcFlow = SrcFlow(State());
     if (!srcFlow) {
         out.clear();
         return false;
@@ -113,7 +84,7 @@ bool CLS::GetContentId(std::string& out) const
 
 std::string CLS::GetAEAId() const
 try {
-    const CSrcFlow* srcFlow = m_SrcFlow();
+    const CSrcFlow* srcFlow = SrcFlow(State());
     return srcFlow ? srcFlow->GetAEAId() : std::string();
 } catch (...) {
     return vyr::OutOfMemory<std::string>(VYR_HERE);
@@ -121,29 +92,29 @@ try {
 
 bool CLS::GetRT() const
 {
-    const CSrcFlow* srcFlow = m_SrcFlow();
+    const CSrcFlow* srcFlow = SrcFlow(State());
     return srcFlow && srcFlow->GetRT();
 }
 
 int CLS::NumberOfContentRatings() const
 {
-    const CSrcFlow* srcFlow = m_SrcFlow();
+    const CSrcFlow* srcFlow = SrcFlow(State());
     return srcFlow ? srcFlow->NumberOfContentRatings() : 0;
 }
 
 bool CLS::GetContentRating(int index, std::string& out) const
 {
-    const CSrcFlow* srcFlow = m_SrcFlow();
+    const CSrcFlow* srcFlow = SrcFlow(State());
     return srcFlow && srcFlow->GetContentRating(index, out);
 }
 
 SEFDTInfo* CLS::GetEFDTInfo() const
 {
-    const CSrcFlow* srcFlow = m_SrcFlow();
+    const CSrcFlow* srcFlow = SrcFlow(State());
     return srcFlow ? srcFlow->GetEFDTInfo() : nullptr;
 }
 
-const CLS::SLS* CLS::State() const
+vyr::SXmlKind CLS::t_Kind() const
 {
-    return m ? &m->values : nullptr;
+    return vyr::XmlKind<SState>("CLS");
 }

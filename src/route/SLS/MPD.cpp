@@ -133,14 +133,12 @@ void Resolve(SMPDPeriod& period)
     }
 }
 
-}  // namespace
-
 /// The walk keeps where it is in the current pointers; an element where it has no business is passed over.
-struct CMPD::SState : vyr::SHandlers {
+struct SState : vyr::SXmlState {
     std::pmr::monotonic_buffer_resource texts;
     std::unique_ptr<SMPDInfo> info;
-    TRatings ratings;
-    SCallback callback{};
+    CMPD::TRatings ratings;
+    CMPD::SCallback callback{};
 
     SMPDPeriod* period = nullptr;
     SMPDAdaptationSet* set = nullptr;
@@ -160,7 +158,7 @@ struct CMPD::SState : vyr::SHandlers {
         texts.release();
     }
 
-    bool Register();
+    bool m_ProcessParse(void* root) override;
     void Walk(void* node);
     const char* Keep(const char* text, std::size_t length);
     const char* Keep(void* node, const char* name);
@@ -201,79 +199,37 @@ struct CMPD::SState : vyr::SHandlers {
     static void sm_CbEventStream(SState* m, void* node);
 };
 
-CMPD::CMPD() : m(nullptr)
-{
-    t_keepsDocument = false;
-}
+// A prefix that the document does not declare stays part of the name.
+constexpr vyr::SElementHandler<SState> k_handlers[] = {
+    {"Period", SState::sm_CbPeriod},
+    {"AdaptationSet", SState::sm_CbAdaptationSet},
+    {"Representation", SState::sm_CbRepresentation},
+    {"SegmentTemplate", SState::sm_CbSegmentTemplate},
+    {"SegmentList", SState::sm_CbSegmentList},
+    {"Initialization", SState::sm_CbInitialization},
+    {"SegmentURL", SState::sm_CbSegmentURL},
+    {"SegmentTimeline", SState::sm_CbSegmentTimeline},
+    {"S", SState::sm_CbS},
+    {"BaseURL", SState::sm_CbBaseURL},
+    {"ContentProtection", SState::sm_CbContentProtection},
+    {"pssh", SState::sm_CbPssh},
+    {"cenc:pssh", SState::sm_CbPssh},
+    {"Laurl", SState::sm_CbLaurl},
+    {"dashif:Laurl", SState::sm_CbLaurl},
+    {"laurl", SState::sm_CbLaurl},
+    {"dashif:laurl", SState::sm_CbLaurl},
+    {"Role", SState::sm_CbRole},
+    {"Accessibility", SState::sm_CbAccessibility},
+    {"EssentialProperty", SState::sm_CbEssentialProperty},
+    {"Rating", SState::sm_CbRating},
+    {"Preselection", SState::sm_CbPreselection},
+    {"EventStream", SState::sm_CbEventStream},
+};
 
-CMPD::~CMPD() = default;
-
-bool CMPD::Create()
+bool SState::m_ProcessParse(void* root)
 {
-    return vyr::CreateXmlParser(m, "[CMPD::Create]", VYR_HERE, [this] { return m->Register(); });
-}
-
-bool CMPD::SState::Register()
-{
-    // A prefix that the document does not declare stays part of the name.
-    static constexpr vyr::SElementHandler<SState> k_handlers[] = {
-        {"Period", sm_CbPeriod},
-        {"AdaptationSet", sm_CbAdaptationSet},
-        {"Representation", sm_CbRepresentation},
-        {"SegmentTemplate", sm_CbSegmentTemplate},
-        {"SegmentList", sm_CbSegmentList},
-        {"Initialization", sm_CbInitialization},
-        {"SegmentURL", sm_CbSegmentURL},
-        {"SegmentTimeline", sm_CbSegmentTimeline},
-        {"S", sm_CbS},
-        {"BaseURL", sm_CbBaseURL},
-        {"ContentProtection", sm_CbContentProtection},
-        {"pssh", sm_CbPssh},
-        {"cenc:pssh", sm_CbPssh},
-        {"Laurl", sm_CbLaurl},
-        {"dashif:Laurl", sm_CbLaurl},
-        {"laurl", sm_CbLaurl},
-        {"dashif:laurl", sm_CbLaurl},
-        {"Role", sm_CbRole},
-        {"Accessibility", sm_CbAccessibility},
-        {"EssentialProperty", sm_CbEssentialProperty},
-        {"Rating", sm_CbRating},
-        {"Preselection", sm_CbPreselection},
-        {"EventStream", sm_CbEventStream},
-    };
-    return vyr::AddHandlers(handlers, k_handlers);
-}
-
-void CMPD::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CMPD::Destroy]", VYR_HERE);
-}
-
-bool CMPD::SetCallback(const SCallback* callback)
-{
-    return vyr::SetCallback(m, callback, VYR_HERE);
-}
-
-SMPDInfo* CMPD::GetMPDInfo() const
-{
-    return VYR_ASSERT(m, "m") ? m->info.get() : nullptr;
-}
-
-bool CMPD::Parse(const char* buffer, unsigned int length, bool compressed)
-{
-    if (m && !Parsing()) {
-        m->Clear();
-    }
-    return XMLBase::Parse(buffer, length, compressed);
-}
-
-bool CMPD::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
-    }
-    m->Clear();
-    if (!t_xml.Compare(root, "MPD")) {
+    Clear();
+    if (!xml->Compare(root, "MPD")) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMPD::m_ProcessParseMPD] the root is %s", vyr::NodeName(root));
         return false;
     }
@@ -288,30 +244,30 @@ bool CMPD::m_ProcessParse(void* root)
                 state->Clear();
             }
         }
-    } record{m};
-    m->info = std::make_unique<SMPDInfo>();
-    m->ReadMpd(root);
-    m->Walk(root);
-    for (SMPDPeriod& period : m->info->periods) {
-        Resolve(period);
+    } record{this};
+    info = std::make_unique<SMPDInfo>();
+    ReadMpd(root);
+    Walk(root);
+    for (SMPDPeriod& each : info->periods) {
+        Resolve(each);
     }
-    if (m->callback.mpdInfo) {
-        m->callback.mpdInfo(m->callback.context, m->info.get());
+    if (callback.mpdInfo) {
+        callback.mpdInfo(callback.context, info.get());
     }
-    if (m->callback.ratingInfo) {
-        m->callback.ratingInfo(m->callback.context, m->ratings);
+    if (callback.ratingInfo) {
+        callback.ratingInfo(callback.context, ratings);
     }
     record.keep = true;
     return true;
 }
 
-void CMPD::SState::Walk(void* node)
+void SState::Walk(void* node)
 {
-    vyr::DispatchChildren(this, handlers, node, vyr::LOG_HANDLED_CHILDREN, "[CMPD::m_ProcessParseMPD] %s", VYR_HERE);
+    vyr::DispatchChildren(this, k_handlers, node, "[CMPD::m_ProcessParseMPD] %s");
 }
 
 /// A text of the record, which lives as long as the record.
-const char* CMPD::SState::Keep(const char* text, std::size_t length)
+const char* SState::Keep(const char* text, std::size_t length)
 {
     char* copy = static_cast<char*>(texts.allocate(length + 1, 1));
     std::memcpy(copy, text, length);
@@ -319,14 +275,14 @@ const char* CMPD::SState::Keep(const char* text, std::size_t length)
     return copy;
 }
 
-const char* CMPD::SState::Keep(void* node, const char* name)
+const char* SState::Keep(void* node, const char* name)
 {
     const CNodeText text = CNodeText::Attribute(node, name);
     return text.Found() ? Keep(text.Text(), std::strlen(text.Text())) : nullptr;
 }
 
 /// The text of an element without the white space around it; null when nothing is left.
-const char* CMPD::SState::KeepUri(void* node)
+const char* SState::KeepUri(void* node)
 {
     static constexpr char k_space[] = " \t\r\n";
     const CNodeText text = CNodeText::Content(node);
@@ -341,13 +297,13 @@ const char* CMPD::SState::KeepUri(void* node)
     return length > 0 ? Keep(begin, length) : nullptr;
 }
 
-bool CMPD::SState::Misplaced(void* node)
+bool SState::Misplaced(void* node)
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMPD::m_ProcessParseMPD] %s is out of place", vyr::NodeName(node));
     return true;
 }
 
-void CMPD::SState::ReadMpd(void* node)
+void SState::ReadMpd(void* node)
 {
     info->id = Keep(node, "id");
     info->profiles = Keep(node, "profiles");
@@ -363,7 +319,7 @@ void CMPD::SState::ReadMpd(void* node)
     info->suggestedPresentationDelay = Seconds(node, "suggestedPresentationDelay", vyr::ReadDuration);
 }
 
-void CMPD::SState::sm_CbPeriod(SState* m, void* node)
+void SState::sm_CbPeriod(SState* m, void* node)
 {
     if (m->period && Misplaced(node)) {
         return;
@@ -376,7 +332,7 @@ void CMPD::SState::sm_CbPeriod(SState* m, void* node)
     m->Walk(node);
 }
 
-void CMPD::SState::ReadCommon(void* node, SMPDCommon& common)
+void SState::ReadCommon(void* node, SMPDCommon& common)
 {
     common.profiles = Keep(node, "profiles");
     common.width = Number(node, "width");
@@ -392,7 +348,7 @@ void CMPD::SState::ReadCommon(void* node, SMPDCommon& common)
     common.tag = Keep(node, "tag");
 }
 
-void CMPD::SState::sm_CbAdaptationSet(SState* m, void* node)
+void SState::sm_CbAdaptationSet(SState* m, void* node)
 {
     if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
         return;
@@ -417,7 +373,7 @@ void CMPD::SState::sm_CbAdaptationSet(SState* m, void* node)
     m->Walk(node);
 }
 
-void CMPD::SState::sm_CbRepresentation(SState* m, void* node)
+void SState::sm_CbRepresentation(SState* m, void* node)
 {
     if ((!m->set || m->representation) && Misplaced(node)) {
         return;
@@ -432,7 +388,7 @@ void CMPD::SState::sm_CbRepresentation(SState* m, void* node)
     m->Walk(node);
 }
 
-void CMPD::SState::sm_CbPreselection(SState* m, void* node)
+void SState::sm_CbPreselection(SState* m, void* node)
 {
     if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
         return;
@@ -446,7 +402,7 @@ void CMPD::SState::sm_CbPreselection(SState* m, void* node)
     m->Walk(node);
 }
 
-void CMPD::SState::sm_CbEventStream(SState* m, void* node)
+void SState::sm_CbEventStream(SState* m, void* node)
 {
     if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
         return;
@@ -454,7 +410,7 @@ void CMPD::SState::sm_CbEventStream(SState* m, void* node)
     m->ReadDescriptor(node, m->period->eventStreams.emplace_back());
 }
 
-void CMPD::SState::ReadSegments(void* node, SMPDSegments& values)
+void SState::ReadSegments(void* node, SMPDSegments& values)
 {
     values.timescale = Number(node, "timescale");
     values.duration = Number(node, "duration");
@@ -464,7 +420,7 @@ void CMPD::SState::ReadSegments(void* node, SMPDSegments& values)
     Walk(node);
 }
 
-void CMPD::SState::sm_CbSegmentTemplate(SState* m, void* node)
+void SState::sm_CbSegmentTemplate(SState* m, void* node)
 {
     if ((!m->Level() || m->segments) && Misplaced(node)) {
         return;
@@ -477,7 +433,7 @@ void CMPD::SState::sm_CbSegmentTemplate(SState* m, void* node)
     m->Level()->segmentTemplate = segmentTemplate;
 }
 
-void CMPD::SState::sm_CbSegmentList(SState* m, void* node)
+void SState::sm_CbSegmentList(SState* m, void* node)
 {
     if ((!m->Level() || m->segments) && Misplaced(node)) {
         return;
@@ -493,7 +449,7 @@ void CMPD::SState::sm_CbSegmentList(SState* m, void* node)
     m->Level()->segmentList = list;
 }
 
-void CMPD::SState::sm_CbInitialization(SState* m, void* node)
+void SState::sm_CbInitialization(SState* m, void* node)
 {
     if (!m->list && Misplaced(node)) {
         return;
@@ -502,7 +458,7 @@ void CMPD::SState::sm_CbInitialization(SState* m, void* node)
     m->list->initializationRange = m->Keep(node, "range");
 }
 
-void CMPD::SState::sm_CbSegmentURL(SState* m, void* node)
+void SState::sm_CbSegmentURL(SState* m, void* node)
 {
     if (!m->urls && Misplaced(node)) {
         return;
@@ -514,7 +470,7 @@ void CMPD::SState::sm_CbSegmentURL(SState* m, void* node)
     url.indexRange = m->Keep(node, "indexRange");
 }
 
-void CMPD::SState::sm_CbSegmentTimeline(SState* m, void* node)
+void SState::sm_CbSegmentTimeline(SState* m, void* node)
 {
     if ((!m->segments || m->timeline) && Misplaced(node)) {
         return;
@@ -526,7 +482,7 @@ void CMPD::SState::sm_CbSegmentTimeline(SState* m, void* node)
     m->segments->timeline = timeline;
 }
 
-void CMPD::SState::sm_CbS(SState* m, void* node)
+void SState::sm_CbS(SState* m, void* node)
 {
     if (!m->timeline && Misplaced(node)) {
         return;
@@ -546,21 +502,21 @@ void CMPD::SState::sm_CbS(SState* m, void* node)
     }
 }
 
-void CMPD::SState::sm_CbBaseURL(SState* m, void* node)
+void SState::sm_CbBaseURL(SState* m, void* node)
 {
     if (const char* url = m->KeepUri(node)) {
         (m->Level() ? m->Level()->baseUrls : m->info->baseUrls).push_back(url);
     }
 }
 
-void CMPD::SState::ReadDescriptor(void* node, SMPDDescriptor& descriptor)
+void SState::ReadDescriptor(void* node, SMPDDescriptor& descriptor)
 {
     descriptor.schemeIdUri = Keep(node, "schemeIdUri");
     descriptor.value = Keep(node, "value");
     descriptor.id = Keep(node, "id");
 }
 
-void CMPD::SState::sm_CbContentProtection(SState* m, void* node)
+void SState::sm_CbContentProtection(SState* m, void* node)
 {
     if ((!m->Descriptors() || m->protection) && Misplaced(node)) {
         return;
@@ -575,7 +531,7 @@ void CMPD::SState::sm_CbContentProtection(SState* m, void* node)
     m->Walk(node);
 }
 
-void CMPD::SState::sm_CbPssh(SState* m, void* node)
+void SState::sm_CbPssh(SState* m, void* node)
 {
     if (!m->protection && Misplaced(node)) {
         return;
@@ -585,7 +541,7 @@ void CMPD::SState::sm_CbPssh(SState* m, void* node)
     }
 }
 
-void CMPD::SState::sm_CbLaurl(SState* m, void* node)
+void SState::sm_CbLaurl(SState* m, void* node)
 {
     if (!m->protection && Misplaced(node)) {
         return;
@@ -596,7 +552,7 @@ void CMPD::SState::sm_CbLaurl(SState* m, void* node)
     }
 }
 
-void CMPD::SState::Add(void* node, std::vector<SMPDDescriptor> SMPDDescriptors::*kind)
+void SState::Add(void* node, std::vector<SMPDDescriptor> SMPDDescriptors::*kind)
 {
     if (!Descriptors() && Misplaced(node)) {
         return;
@@ -604,17 +560,17 @@ void CMPD::SState::Add(void* node, std::vector<SMPDDescriptor> SMPDDescriptors::
     ReadDescriptor(node, (Descriptors()->*kind).emplace_back());
 }
 
-void CMPD::SState::sm_CbRole(SState* m, void* node)
+void SState::sm_CbRole(SState* m, void* node)
 {
     m->Add(node, &SMPDDescriptors::roles);
 }
 
-void CMPD::SState::sm_CbAccessibility(SState* m, void* node)
+void SState::sm_CbAccessibility(SState* m, void* node)
 {
     m->Add(node, &SMPDDescriptors::accessibilities);
 }
 
-void CMPD::SState::sm_CbEssentialProperty(SState* m, void* node)
+void SState::sm_CbEssentialProperty(SState* m, void* node)
 {
     if (m->period) {
         m->Add(node, &SMPDDescriptors::essentialProperties);
@@ -623,11 +579,38 @@ void CMPD::SState::sm_CbEssentialProperty(SState* m, void* node)
     }
 }
 
-void CMPD::SState::sm_CbRating(SState* m, void* node)
+void SState::sm_CbRating(SState* m, void* node)
 {
     std::pair<std::string, std::string> rating;
     CNodeText::Attribute(node, "schemeIdUri").CopyTo(rating.first);
     CNodeText::Attribute(node, "value").CopyTo(rating.second);
     m->ratings.insert(std::move(rating));
     m->Add(node, &SMPDDescriptors::ratings);
+}
+
+}  // namespace
+
+bool CMPD::SetCallback(const SCallback* callback)
+{
+    return vyr::SetCallback(t_State<SState>(), callback);
+}
+
+SMPDInfo* CMPD::GetMPDInfo() const
+{
+    const auto* m = t_State<SState>();
+    return VYR_ASSERT(m, "m") ? m->info.get() : nullptr;
+}
+
+bool CMPD::Parse(const char* buffer, unsigned int length, bool compressed)
+{
+    auto* m = t_State<SState>();
+    if (m && !Parsing()) {
+        m->Clear();
+    }
+    return XMLBase::Parse(buffer, length, compressed);
+}
+
+vyr::SXmlKind CMPD::t_Kind() const
+{
+    return vyr::XmlKind<SState>("CMPD");
 }

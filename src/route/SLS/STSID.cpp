@@ -4,124 +4,100 @@
 #include "platform/Log.h"
 #include "route/SLS/RS.h"
 
-CSTSID::SSTSID::SSTSID() : routeSessions(vyr::RemoveChild<CRS>, nullptr) {}
+namespace {
 
-struct CSTSID::SState : vyr::SHandlers {
-    SSTSID values;
+struct SState : vyr::TXmlState<CSTSID::SSTSID> {
     CLS::SCallback callback{};
 
-    /// An index without a session is asserted by the array: null.
-    const CRS::SRS* Rs(int i) const
-    {
-        const auto* rs = static_cast<const CRS*>(values.routeSessions.Data(i));
-        return rs ? rs->State() : nullptr;
-    }
+    bool m_ProcessParse(void* root) override;
 };
 
-CSTSID::CSTSID() : m(nullptr)
+void sm_CbRS(SState* m, void* cur)
 {
-    t_keepsDocument = false;
+    vyr::AddChild<CRS>(m->values.routeSessions, *m, cur, {"rs->Create()", "rs->Parse(root->t_xml.Doc(), cur)"},
+                       [m](CRS& rs) { return rs.SetCallback(&m->callback); });
 }
 
-CSTSID::~CSTSID() = default;
+constexpr vyr::SElementHandler<SState> k_handlers[] = {{"RS", sm_CbRS}};
 
-bool CSTSID::Create()
+bool SState::m_ProcessParse(void* root)
 {
-    return vyr::CreateXmlParser(m, "[CSTSID::Create]", VYR_HERE, [this] { return t_CreateCallback(); });
-}
-
-bool CSTSID::t_CreateCallback()
-{
-    static constexpr vyr::SElementHandler<CSTSID> k_handlers[] = {{"RS", sm_CbRS}};
-    return vyr::AddHandlers(m->handlers, k_handlers);
-}
-
-void CSTSID::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CSTSID::Destroy]", VYR_HERE);
-}
-
-bool CSTSID::SetCallback(const CLS::SCallback* callback)
-{
-    return vyr::SetCallback(m, callback, VYR_HERE);
-}
-
-bool CSTSID::m_ProcessParse(void* root)
-{
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
-    }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CSTSID::m_ProcessParseSTSID] process STSID");
-    vyr::Renew(t_replace, m->values);
-    vyr::DispatchChildren(this, m->handlers, root, vyr::LOG_NO_CHILDREN, "%s", VYR_HERE);
+    vyr::Renew(*this);
+    vyr::DispatchChildren(this, k_handlers, root);
     return true;
 }
 
-void CSTSID::sm_CbRS(CSTSID* stsid, void* cur)
+/// A ROUTE session; an index without one is asserted by the array: null.
+const CRS::SRS* Rs(const CSTSID::SSTSID* values, int i, VYR_CALLER)
 {
-    static constexpr vyr::SChildSteps k_steps = {"rs->Create()", "rs->Parse(root->t_xml.Doc(), cur)"};
-    auto rs = vyr::BuildXmlChild<CRS>(stsid->t_xml.Doc(), cur, k_steps, VYR_HERE,
-                                      [stsid](CRS& fresh) { return fresh.SetCallback(&stsid->m->callback); });
-    if (rs) {
-        vyr::Append(stsid->m->values.routeSessions, std::move(rs));
-    }
+    const CRS* rs = values || vyr::AssertFailed(here, "m") ? values->routeSessions.At(i) : nullptr;
+    return rs ? rs->State() : nullptr;
 }
 
-const CLS* CSTSID::m_Ls(int i, int j) const
+/// An LCT session of it, likewise.
+const CLS* Ls(const CSTSID::SSTSID* values, int i, int j, VYR_CALLER)
 {
-    const CRS::SRS* rs = VYR_ASSERT(m, "m") ? m->Rs(i) : nullptr;
-    return rs ? static_cast<const CLS*>(rs->ls.Data(j)) : nullptr;
+    const CRS::SRS* rs = Rs(values, i, here);
+    return rs ? rs->ls.At(j) : nullptr;
+}
+
+}  // namespace
+
+bool CSTSID::SetCallback(const CLS::SCallback* callback)
+{
+    return vyr::SetCallback(t_State<SState>(), callback);
 }
 
 int CSTSID::NumberOfRouteSessions() const
 {
-    return VYR_ASSERT(m, "m") ? m->values.routeSessions.Size() : 0;
+    return VYR_ASSERT(State(), "m") ? State()->routeSessions.Size() : 0;
 }
 
 int CSTSID::NumberOfLctSessions(int i) const
 {
-    const CRS::SRS* rs = VYR_ASSERT(m, "m") ? m->Rs(i) : nullptr;
+    const CRS::SRS* rs = Rs(State(), i);
     return rs ? rs->ls.Size() : 0;
 }
 
 unsigned short CSTSID::BsId(int i) const
 {
-    const CRS::SRS* rs = VYR_ASSERT(m, "m") ? m->Rs(i) : nullptr;
+    const CRS::SRS* rs = Rs(State(), i);
     return rs ? rs->bsid : static_cast<unsigned short>(0);
 }
 
 unsigned int CSTSID::SIpAddr(int i) const
 {
-    const CRS::SRS* rs = VYR_ASSERT(m, "m") ? m->Rs(i) : nullptr;
+    const CRS::SRS* rs = Rs(State(), i);
     return rs ? rs->sIpAddr : 0;
 }
 
 unsigned int CSTSID::DIpAddr(int i) const
 {
-    const CRS::SRS* rs = VYR_ASSERT(m, "m") ? m->Rs(i) : nullptr;
+    const CRS::SRS* rs = Rs(State(), i);
     return rs ? rs->dIpAddr : 0;
 }
 
 unsigned short CSTSID::DPort(int i) const
 {
-    const CRS::SRS* rs = VYR_ASSERT(m, "m") ? m->Rs(i) : nullptr;
+    const CRS::SRS* rs = Rs(State(), i);
     return rs ? rs->dPort : static_cast<unsigned short>(0);
 }
 
 bool CSTSID::GetTSI(int i, int j, unsigned int* tsi) const
 {
-    const CRS::SRS* rs = VYR_ASSERT(m, "m") ? m->Rs(i) : nullptr;
-    void* ls = nullptr;
-    if (!rs || !rs->ls.GetAt(j, &ls) || !VYR_ASSERT(tsi, "tsi")) {
+    const CRS::SRS* rs = Rs(State(), i);
+    const CLS* ls = rs ? rs->ls.Get(j) : nullptr;
+    if (!ls || !VYR_ASSERT(tsi, "tsi")) {
         return false;
     }
-    *tsi = static_cast<const CLS*>(ls)->TSI();
+    *tsi = ls->TSI();
     return true;
 }
 
 bool CSTSID::GetContentId(int i, int j, std::string& out) const
 {
-    if (const CLS* ls = m_Ls(i, j)) {
+    if (const CLS* ls = Ls(State(), i, j)) {
         return ls->GetContentId(out);
     }
     out.clear();
@@ -130,7 +106,7 @@ bool CSTSID::GetContentId(int i, int j, std::string& out) const
 
 std::string CSTSID::GetAEAId(int i, int j) const
 try {
-    const CLS* ls = m_Ls(i, j);
+    const CLS* ls = Ls(State(), i, j);
     return ls ? ls->GetAEAId() : std::string();
 } catch (...) {
     return vyr::OutOfMemory<std::string>(VYR_HERE);
@@ -138,29 +114,29 @@ try {
 
 bool CSTSID::GetRT(int i, int j) const
 {
-    const CLS* ls = m_Ls(i, j);
+    const CLS* ls = Ls(State(), i, j);
     return ls && ls->GetRT();
 }
 
 int CSTSID::NumberOfContentRatings(int i, int j) const
 {
-    const CLS* ls = m_Ls(i, j);
+    const CLS* ls = Ls(State(), i, j);
     return ls ? ls->NumberOfContentRatings() : 0;
 }
 
 bool CSTSID::GetContentRating(int i, int j, int k, std::string& out) const
 {
-    const CLS* ls = m_Ls(i, j);
+    const CLS* ls = Ls(State(), i, j);
     return ls && ls->GetContentRating(k, out);
 }
 
 SEFDTInfo* CSTSID::GetEFDTInfo(int i, int j) const
 {
-    const CLS* ls = m_Ls(i, j);
+    const CLS* ls = Ls(State(), i, j);
     return ls ? ls->GetEFDTInfo() : nullptr;
 }
 
-const CSTSID::SSTSID* CSTSID::State() const
+vyr::SXmlKind CSTSID::t_Kind() const
 {
-    return m ? &m->values : nullptr;
+    return vyr::XmlKind<SState>("CSTSID");
 }

@@ -1,40 +1,30 @@
 #include "route/SLS/ServiceName.h"
 
-#include <memory>
-
-#include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "common/XmlRead.h"
 #include "platform/Log.h"
 
-struct CServiceName::SState {
+namespace {
+
+struct SState : vyr::SXmlState {
     std::unique_ptr<char[]> lang;
+
+    bool m_ProcessParse(void* root) override
+    {
+        vyr::ReadAttribute(root, "lang", lang);
+        return true;
+    }
 };
 
-CServiceName::CServiceName() : m(nullptr) {}
-
-CServiceName::~CServiceName() = default;
-
-bool CServiceName::Create()
-{
-    return vyr::CreateXmlParser(m, "[CServiceName::Create]", VYR_HERE);
-}
-
-void CServiceName::Destroy()
-{
-    vyr::DestroyXmlParser(*this, m, "[CServiceName::Destroy]", VYR_HERE);
-}
+}  // namespace
 
 const char* CServiceName::Lang() const
 {
+    const auto* m = t_State<SState>();
     return VYR_ASSERT(m, "m") ? m->lang.get() : nullptr;
 }
 
-bool CServiceName::m_ProcessParse(void* root)
+vyr::SXmlKind CServiceName::t_Kind() const
 {
-    if (!VYR_ASSERT(m, "m != nullptr")) {
-        return false;
-    }
-    const bool given = vyr::CNodeText::Attribute(root, "lang").Found();
-    m->lang.reset(given ? vyr::Allocated(t_xml.PropStr(root, "lang", nullptr)) : nullptr);
-    return true;
+    return vyr::XmlKind<SState>("CServiceName");
 }

@@ -18,10 +18,10 @@ TEST_F(DeliveryMethodTest, ServicesAndBasePatterns)
     ASSERT_TRUE(method.Create());
     ASSERT_TRUE(method.XMLBase::Parse(text.data(), static_cast<unsigned>(text.size()), false));
     const CDeliveryMethod::SDeliveryMethod& state = *method.State();
-    ASSERT_TRUE(state.broadcastAppSvcs.size() == 2 && state.unicastAppSvcs.size() == 2);
-    EXPECT_EQ(state.broadcastAppSvcs.front()->State()->basePatterns, (std::list<std::string>{"b1", "b2"}));
-    EXPECT_TRUE(state.broadcastAppSvcs.back()->State()->basePatterns.empty());
-    EXPECT_EQ(state.unicastAppSvcs.front()->State()->basePatterns, std::list<std::string>{"u1"});
+    ASSERT_TRUE(state.broadcastAppSvcs.Size() == 2 && state.unicastAppSvcs.Size() == 2);
+    EXPECT_EQ(state.broadcastAppSvcs.Get(0)->State()->basePatterns, (std::list<std::string>{"b1", "b2"}));
+    EXPECT_TRUE(state.broadcastAppSvcs.Last()->State()->basePatterns.empty());
+    EXPECT_EQ(state.unicastAppSvcs.Get(0)->State()->basePatterns, std::list<std::string>{"u1"});
     EXPECT_EQ(Logged("[CBroadcastAppSvc::sm_CbBasePattern] basePattern value is not exist !!!"), 1);
     EXPECT_EQ(Logged("[CDeliveryMethod::m_ProcessParseDeliveryMethod] unicastAppService"), 1);
     EXPECT_EQ(Logged("[CUnicastAppSvc::m_ProcessParseUnicastAppSvc] basePattern"), 1);

@@ -51,7 +51,7 @@ TEST_F(ROUTEUsbdTest, EveryElementInBothCapitalisations)
     EXPECT_EQ(static_cast<CServiceName*>(state.names.Data(1))->Lang(), nullptr);
     EXPECT_STREQ(static_cast<char*>(state.languages.Data(1)), " ");
     const auto* method = static_cast<const CDeliveryMethod*>(state.deliveryMethods.Data(0));
-    EXPECT_EQ(method->State()->unicastAppSvcs.front()->State()->basePatterns.front(), "u");
+    EXPECT_EQ(method->State()->unicastAppSvcs.Get(0)->State()->basePatterns.front(), "u");
     EXPECT_EQ(Logged("[CROUTEUsbd::sm_CbSvcLanguage] svcLanguage value is not exist !!!"), 1);
     EXPECT_EQ(Logged("[CServiceLinkage::Destroy]"), 1);  // the first is let go
 }

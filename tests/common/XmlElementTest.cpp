@@ -1,0 +1,64 @@
+#include "common/XmlElement.h"
+
+#include <fstream>
+
+#include "esg/ESGElement/Icon.h"
+#include "esg/ESGServiceFragment.h"
+#include "esg/SGResponse.h"
+#include "mmt/desc/MMTName.h"
+#include "route/SLS/RS.h"
+#include "route/SLS/UnicastAppSvc.h"
+#include "support/Recorder.h"
+
+namespace {
+
+bool Parse(XMLBase& parser, const std::string& text)
+{
+    return parser.Parse(text.data(), static_cast<unsigned int>(text.size()), false);
+}
+
+/// A line of a source, from 1; empty: there is none.
+std::string Line(const std::string& source, unsigned int number)
+{
+    std::ifstream file(std::string(VYR_TEST_DATA) + "/../../" + source + ".cpp");
+    std::string line;
+    for (; number > 0 && std::getline(file, line); --number) {
+    }
+    return number == 0 ? line : std::string();
+}
+
+class XmlElementTest : public CRecorder {};
+
+TEST_F(XmlElementTest, WhatABaseAssertsNamesTheSourceOfTheClassAndALineOfIt)
+{
+    const struct {
+        const char* source;
+        const char* asserted;
+        void (*misuse)();
+    } k_cases[] = {
+        {"src/route/SLS/RS", "m; m != nullptr; !m",
+         [] {
+             CRS rs;
+             rs.Destroy();
+             EXPECT_FALSE(Parse(rs, "<RS/>"));
+             EXPECT_TRUE(rs.Create() && !rs.Create() && rs.State());
+             rs.Destroy();
+             EXPECT_EQ(rs.State(), nullptr);
+         }},
+        {"src/route/SLS/AppSvc", "m", [] { CUnicastAppSvc().Destroy(); }},
+        {"src/mmt/desc/MMTName", "m", [] { CMMTName().Destroy(); }},
+        {"src/esg/SGResponse", "m", [] { CSGResponse().Destroy(); }},
+        {"src/esg/ESGElement/Icon", "doc", [] { CIcon().Create(nullptr, nullptr); }},
+        {"src/esg/ESGServiceFragment", "m", [] { CESGServiceFragment().Destroy(); }},
+    };
+    for (const auto& one : k_cases) {
+        one.misuse();
+        for (const SAssertion& assertion : s_assertions) {
+            EXPECT_EQ(assertion.file, one.source);
+            EXPECT_NE(Line(assertion.file, assertion.line).find("Kind"), std::string::npos) << assertion.line;
+        }
+        EXPECT_EQ(TakeAssertions(), one.asserted);
+    }
+}
+
+}  // namespace
