@@ -17,12 +17,12 @@ enum EFailure {
 /// What failed first in a call.
 struct SFailure {
     EFailure cause;            ///< the first that was met; FAILURE_MISUSE only without another
-    const char* step;       ///< text of the first check that failed, as it is logged; empty: none
-    const char* source;     ///< its source, such as "src/common/XML"; empty without a step
-    int line;               ///< and the line there; 0 without a step
-    int documentLine;       ///< with FAILURE_XML: line of the document, from 1; 0: not known
-    char detail[160];       ///< the cause in words; empty: there are none
-    unsigned char tags;     ///< number of unknownTags
+    const char* step;          ///< text of the first check that failed, as it is logged; empty: none
+    const char* source;        ///< its source, such as "src/common/XML"; empty without a step
+    int line;                  ///< and the line there; 0 without a step
+    int documentLine;          ///< with FAILURE_XML: line of the document, from 1; 0: not known
+    char detail[160];          ///< the cause in words; empty: there are none
+    unsigned char tags;        ///< number of unknownTags
     unsigned unknownTags[16];  ///< tags of descriptors without a class, each once, in the order they came; nothing
                                ///< behind such a one was read
 };

@@ -121,7 +121,7 @@ try {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CLLSSMTParser::Parse] signedBlocklength[%u] item size[%u]", signedLength, item->size);
     if (item->size - std::min(start, item->size) < signedLength) {
         return VYR_FAIL(FAILURE_SIZE, "[CLLSSMTParser::Parse] Signed Block size ERROR length[%u] item size[%u]",
-                signedLength, item->size);
+                        signedLength, item->size);
     }
     if (signedLength == 0) {
         return true;
