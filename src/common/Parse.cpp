@@ -9,13 +9,10 @@
 namespace {
 
 /// The entry checks of every reader but the alignment: false when there is nothing to read from.
-bool Readable(const IParse::SItem* item, const vyr::SHere& here)
+bool Readable(const IParse::SItem* item, const char* function, int line)
 {
-    if (!item) {
-        return vyr::AssertFailed(here, "item");
-    }
-    if (!item->buffer) {
-        return vyr::AssertFailed(here, "item->buffer");
+    if (!item || !item->buffer) {
+        return vyr::AssertFailed({vyr::k_source.text, function, line}, item ? "item->buffer" : "item");
     }
     return item->valid;
 }
@@ -73,7 +70,7 @@ namespace vyr {
 
 unsigned int ReadValue(IParse::SItem* item, unsigned int bits)
 {
-    if (!Readable(item, {k_source.text, "t_Value", __LINE__})) {
+    if (!Readable(item, "t_Value", __LINE__)) {
         return 0;
     }
     // bitsize is the bound; a bitsize beyond the bytes is a caller's mistake that reads nothing.
@@ -91,7 +88,7 @@ unsigned int ReadValue(IParse::SItem* item, unsigned int bits)
 
 unsigned long long ReadValue64(IParse::SItem* item, unsigned int bits)
 {
-    if (!Readable(item, {k_source.text, "t_Value64", __LINE__}) || !Fits(item, bits, SizeInBits(item))) {
+    if (!Readable(item, "t_Value64", __LINE__) || !Fits(item, bits, SizeInBits(item))) {
         return 0;
     }
     const std::uint32_t position = item->bitpos;
@@ -107,13 +104,12 @@ unsigned long long ReadValue64(IParse::SItem* item, unsigned int bits)
 
 const unsigned char* ReadBytes(IParse::SItem* item, unsigned int count)
 {
-    const SHere here = {k_source.text, "t_Byte", __LINE__};
-    const bool readable = Readable(item, here);
+    const bool readable = Readable(item, "t_Byte", __LINE__);
     if (!item || !item->buffer) {
         return nullptr;
     }
     if (item->bitpos % 8 != 0) {
-        AssertFailed(here, "item->bitpos % 8 == 0");
+        AssertFailed({k_source.text, "t_Byte", __LINE__}, "item->bitpos % 8 == 0");
         return nullptr;
     }
     if (!readable || !Fits(item, static_cast<std::uint64_t>(count) * 8, SizeInBits(item))) {
@@ -126,7 +122,7 @@ const unsigned char* ReadBytes(IParse::SItem* item, unsigned int count)
 
 unsigned char* ReadCopy(IParse::SItem* item, unsigned int count)
 {
-    if (!Readable(item, {k_source.text, "t_AllocAndCopy", __LINE__})) {
+    if (!Readable(item, "t_AllocAndCopy", __LINE__)) {
         return nullptr;
     }
     const unsigned char* bytes = ReadBytes(item, count);

@@ -160,7 +160,7 @@ bool CSGDUParse::m_ProcessFragmentSGDU(IParse::SItem* item, unsigned int index, 
             frag->length = b - a - 2;
         }
         if (fits) {
-            frag->data.reset(t_AllocAndCopy(item, frag->length));
+            frag->data.reset(vyr::ReadCopy(item, frag->length));
         }
         if (!frag->data) {
             VYR_LOG(LOG_PRIORITY_DEBUG, "[CSGDUParse::Parse] invalid offset -a[%d] ", static_cast<int>(index));

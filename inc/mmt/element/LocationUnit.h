@@ -46,19 +46,19 @@ class VYR_API CLocationUnitBase : public IMMTParser {
   protected:
     /// What a type can have, numbers first and in wire order.
     enum EField {
-        DST_PORT,
-        NETWORK_ID,
-        TRANSPORT_STREAM_ID,
-        PACKET_ID,
-        MESSAGE_ID,
-        RESERVED,
-        PID,
+        FIELD_DST_PORT,
+        FIELD_NETWORK_ID,
+        FIELD_TRANSPORT_STREAM_ID,
+        FIELD_PACKET_ID,
+        FIELD_MESSAGE_ID,
+        FIELD_RESERVED,
+        FIELD_PID,
         NUMBER_COUNT,
-        IPV4 = NUMBER_COUNT,  ///< source and destination, in front of the numbers
-        IPV6,                 ///< the same
-        SWAPPED,              ///< the getters give the bytes of IPv4 addresses in reverse
-        URL,
-        PRIVATE_INFO
+        FIELD_IPV4 = NUMBER_COUNT,  ///< source and destination, in front of the numbers
+        FIELD_IPV6,                 ///< the same
+        FIELD_SWAPPED,              ///< the getters give the bytes of IPv4 addresses in reverse
+        FIELD_URL,
+        FIELD_PRIVATE_INFO
     };
 
     /// A unit of a type with these fields.
@@ -84,43 +84,43 @@ class VYR_API CLocationUnitBase : public IMMTParser {
 /// Location type 0x00: the packet flow that carries the location info.
 class VYR_API CLocationUnit0 : public CLocationUnitBase {
   public:
-    CLocationUnit0() : CLocationUnitBase(PACKET_ID) {}
+    CLocationUnit0() : CLocationUnitBase(FIELD_PACKET_ID) {}
 };
 
 /// Location type 0x01: an MMTP packet flow over IPv4.
 class VYR_API CLocationUnit1 : public CLocationUnitBase {
   public:
-    CLocationUnit1() : CLocationUnitBase(IPV4, DST_PORT, PACKET_ID) {}
+    CLocationUnit1() : CLocationUnitBase(FIELD_IPV4, FIELD_DST_PORT, FIELD_PACKET_ID) {}
 };
 
 /// Location type 0x02: an MMTP packet flow over IPv6.
 class VYR_API CLocationUnit2 : public CLocationUnitBase {
   public:
-    CLocationUnit2() : CLocationUnitBase(IPV6, DST_PORT, PACKET_ID) {}
+    CLocationUnit2() : CLocationUnitBase(FIELD_IPV6, FIELD_DST_PORT, FIELD_PACKET_ID) {}
 };
 
 /// Location type 0x03: an elementary stream of an MPEG-2 transport stream in a broadcast network.
 class VYR_API CLocationUnit3 : public CLocationUnitBase {
   public:
-    CLocationUnit3() : CLocationUnitBase(NETWORK_ID, TRANSPORT_STREAM_ID, RESERVED, PID) {}
+    CLocationUnit3() : CLocationUnitBase(FIELD_NETWORK_ID, FIELD_TRANSPORT_STREAM_ID, FIELD_RESERVED, FIELD_PID) {}
 };
 
 /// Location type 0x04: an elementary stream of an MPEG-2 transport stream over IPv6.
 class VYR_API CLocationUnit4 : public CLocationUnitBase {
   public:
-    CLocationUnit4() : CLocationUnitBase(IPV6, DST_PORT, RESERVED, PID) {}
+    CLocationUnit4() : CLocationUnitBase(FIELD_IPV6, FIELD_DST_PORT, FIELD_RESERVED, FIELD_PID) {}
 };
 
 /// Location type 0x05: a URL.
 class VYR_API CLocationUnit5 : public CLocationUnitBase {
   public:
-    CLocationUnit5() : CLocationUnitBase(URL) {}
+    CLocationUnit5() : CLocationUnitBase(FIELD_URL) {}
 };
 
 /// Location type 0x06: private location information.
 class VYR_API CLocationUnit6 : public CLocationUnitBase {
   public:
-    CLocationUnit6() : CLocationUnitBase(PRIVATE_INFO) {}
+    CLocationUnit6() : CLocationUnitBase(FIELD_PRIVATE_INFO) {}
 };
 
 /// Location type 0x07: the signalling message itself.
@@ -129,29 +129,31 @@ class VYR_API CLocationUnit7 : public CLocationUnitBase {};
 /// Location type 0x08: a signalling message of the same packet flow.
 class VYR_API CLocationUnit8 : public CLocationUnitBase {
   public:
-    CLocationUnit8() : CLocationUnitBase(MESSAGE_ID) {}
+    CLocationUnit8() : CLocationUnitBase(FIELD_MESSAGE_ID) {}
 };
 
 /// Location type 0x09: a signalling message of another packet flow.
 class VYR_API CLocationUnit9 : public CLocationUnitBase {
   public:
-    CLocationUnit9() : CLocationUnitBase(PACKET_ID, MESSAGE_ID) {}
+    CLocationUnit9() : CLocationUnitBase(FIELD_PACKET_ID, FIELD_MESSAGE_ID) {}
 };
 
 /// Location type 0x0A: a signalling message of an MMTP packet flow over IPv4.
 class VYR_API CLocationUnitA : public CLocationUnitBase {
   public:
-    CLocationUnitA() : CLocationUnitBase(IPV4, SWAPPED, DST_PORT, PACKET_ID, MESSAGE_ID) {}
+    CLocationUnitA() : CLocationUnitBase(FIELD_IPV4, FIELD_SWAPPED, FIELD_DST_PORT, FIELD_PACKET_ID, FIELD_MESSAGE_ID)
+    {
+    }
 };
 
 /// Location type 0x0B: a signalling message of an MMTP packet flow over IPv6.
 class VYR_API CLocationUnitB : public CLocationUnitBase {
   public:
-    CLocationUnitB() : CLocationUnitBase(IPV6, DST_PORT, PACKET_ID, MESSAGE_ID) {}
+    CLocationUnitB() : CLocationUnitBase(FIELD_IPV6, FIELD_DST_PORT, FIELD_PACKET_ID, FIELD_MESSAGE_ID) {}
 };
 
 /// Location type 0x0C: an elementary stream of an MPEG-2 transport stream over IPv4.
 class VYR_API CLocationUnitC : public CLocationUnitBase {
   public:
-    CLocationUnitC() : CLocationUnitBase(IPV4, SWAPPED, DST_PORT, RESERVED, PID) {}
+    CLocationUnitC() : CLocationUnitBase(FIELD_IPV4, FIELD_SWAPPED, FIELD_DST_PORT, FIELD_RESERVED, FIELD_PID) {}
 };

@@ -148,19 +148,35 @@ TEST_F(MMTElementTest, UnitsKeepWhatACutFlowLeavesAndSpeakUnderTheirGettersName)
     EXPECT_EQ(Logged("GetMsgId("), 1);
     EXPECT_EQ(Logged("ASSERT!, Func:GetMsgId, Line:"), 1);
     EXPECT_EQ(TakeAssertions(), "out");
-    s_log.clear();
-    unit.Dump();
-    std::string dumped;
-    for (const std::string& line : s_log) {
-        EXPECT_NE(line.find(" Dump("), std::string::npos) << line;
-        dumped += line.substr(line.find("> "));
-    }
-    EXPECT_EQ(dumped,
+    const auto dumped = [](const CLocationUnitBase& of) {
+        s_log.clear();
+        of.Dump();
+        std::string lines;
+        for (const std::string& line : s_log) {
+            EXPECT_NE(line.find(" Dump("), std::string::npos) << line;
+            lines += line.substr(line.find("> "));
+        }
+        return lines;
+    };
+    EXPECT_EQ(dumped(unit),
               "> source [0xc0a80001] destination [0xe000173c]> destination port [0]> packet id [4660]"
               "> message id [33025]");
+    CLocationUnit4 stream6;
+    EXPECT_TRUE(
+        SFed(stream6, std::string(15, '\0') + "\1\xFF\x0E" + std::string(14, '\0') + "\x13\x89\xE1\x23").result);
+    EXPECT_EQ(dumped(stream6),
+              "> source [0:0:0:0:0:0:0:1]> destination [ff0e:0:0:0:0:0:0:0]> destination port [5001]"
+              "> reserved [7]> PID [291]");
+    CLocationUnit3 stream;
+    EXPECT_TRUE(SFed(stream, "\x11\x12\x21\x22\xFF\xFE").result);
+    EXPECT_EQ(dumped(stream), "> network id [4370]> transport stream id [8482]> reserved [7]> PID [8190]");
+    CLocationUnit6 own;
+    EXPECT_TRUE(SFed(own, std::string("\0\2pi", 4)).result);
+    EXPECT_EQ(dumped(own), "> private location info, bytes [2]");
     CLocationUnit5 url;
     EXPECT_EQ(Answers(url), "url=");
     EXPECT_TRUE(SFed(url, "\3abc").result);
+    EXPECT_EQ(dumped(url), "> URL [abc]");
     EXPECT_FALSE(SFed(url, "\3ab").result);
     EXPECT_EQ(Answers(url), "url=");
     EXPECT_TRUE(CLocationUnit7().Parse(nullptr));
