@@ -69,16 +69,17 @@ TEST_F(FailureTest, WhatFailedFirstAndWhy)
         {"gzip too long", [&] { xml(std::string(524289, ' ')); },
          "size: XML Create Fail. File size is too big. length[524289] | t_xml.Create(buffer, length, compressed) at "
          "src/common/ParseXML"},
-        {"misuse", [&] { rsat.Parse(nullptr, 0); }, "misuse: buffer"},
+        {"misuse", [&] { rsat.Parse(static_cast<const char*>(nullptr), 0U); }, "misuse: buffer"},
         {"table of another kind", [&] { table("<RSAT/>"); },
          "kind | m_ProcessParseSystemTime(root) at src/lls/ParseSystemTime"},
         {"table", [&] { table("<SystemTime currentUtcOffset='37'/>"); }, ""},
         {"fragment", [&] { service.Parse("<Content id='1'/>", 17); },
-         "kind | m_ProcessParseServiceFragment(root) at src/esg/ESGServiceFragment"},
+         "kind | m_ProcessESGServiceFragment(root) at src/esg/ESGServiceFragment"},
         {"message too short", [&] { SFed(pa, CMmtBuilder().Put(16, 0).Put(8, 1).Put(32, 9).Put(8, 0).Bytes()); },
          "size: [CMMTMsgPa::Parse] Item size ERROR len[8], length[9]"},
         {"table of a message",
-         [&] { SFed(pa, CMmtBuilder().Put(16, 0).Put(8, 1).Put(32, 9).Put(8, 1).Put(32, 0).Put(32, 9).Bytes()); }, ""},
+         [&] { SFed(pa, CMmtBuilder().Put(16, 0).Put(8, 1).Put(32, 9).Put(8, 1).Put(32, 0).Put(32, 9).Bytes()); },
+         "size: [CMMTTblPa::Parse] ERROR | p_tbl->Parse(item) at src/mmt/msg/MMTMsgPa"},
     };
     for (const auto priority : {LOG_PRIORITY_DEBUG, LOG_PRIORITY_INFO}) {
         SetLogPriority(priority);
