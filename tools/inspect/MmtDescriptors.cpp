@@ -249,16 +249,16 @@ struct SDescriptorKind {
 };
 
 constexpr SDescriptorKind k_descriptors[] = {
-    {0, "clock relation", Put<CMMTDescCri, PutClock>},
-    {1, "MPU timestamp", Put<CMMTDescMpuTimestamp, PutTimestamps>},
-    {2, "dependency", PutAssets<CMMTDescDependency, PutDependency>},
-    {4, "security information", Put<CMMTDescSi, PutSecurity>},
-    {5, "video stream properties", PutAssets<CMMTDescVsp, PutVideo>},
-    {8, "caption assets", PutAssets<CMMTDescCaption, PutCaption>},
-    {9, "audio stream properties", PutAssets<CMMTDescAsp, PutAudio>},
-    {12, "security properties", PutAssets<CMMTDescSp, PutProtection>},
-    {13, "licence servers", PutAssets<CMMTDescSp, PutProtection>},
-    {14, "low delay", Put<CMMTDescLowDelay, PutDelay>},
+    {CMMTDescCri::k_tag, "clock relation", Put<CMMTDescCri, PutClock>},
+    {CMMTDescMpuTimestamp::k_tag, "MPU timestamp", Put<CMMTDescMpuTimestamp, PutTimestamps>},
+    {CMMTDescDependency::k_tag, "dependency", PutAssets<CMMTDescDependency, PutDependency>},
+    {CMMTDescSi::k_tag, "security information", Put<CMMTDescSi, PutSecurity>},
+    {CMMTDescVsp::k_tag, "video stream properties", PutAssets<CMMTDescVsp, PutVideo>},
+    {CMMTDescCaption::k_tag, "caption assets", PutAssets<CMMTDescCaption, PutCaption>},
+    {CMMTDescAsp::k_tag, "audio stream properties", PutAssets<CMMTDescAsp, PutAudio>},
+    {CMMTDescSp::k_tag, "security properties", PutAssets<CMMTDescSp, PutProtection>},
+    {CMMTDescSp::k_licenseUrlTag, "licence servers", PutAssets<CMMTDescSp, PutProtection>},
+    {CMMTDescLowDelay::k_tag, "low delay", Put<CMMTDescLowDelay, PutDelay>},
 };
 
 /// Null: no class of the library has the tag.

@@ -7,15 +7,7 @@
 
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
-#include "mmt/desc/MMTDescAsp.h"
-#include "mmt/desc/MMTDescCaption.h"
-#include "mmt/desc/MMTDescCri.h"
-#include "mmt/desc/MMTDescDependency.h"
-#include "mmt/desc/MMTDescLowDelay.h"
-#include "mmt/desc/MMTDescMpuTimestamp.h"
-#include "mmt/desc/MMTDescSi.h"
-#include "mmt/desc/MMTDescSp.h"
-#include "mmt/desc/MMTDescVsp.h"
+#include "mmt/desc/MMTDescs.h"
 #include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
