@@ -35,8 +35,8 @@ void TakePrivateExt(TState* state, void* node)
 {
     static constexpr vyr::SChildSteps k_steps = {"root->m->serviceExt->Create(root->m->xml.Doc(), cur)",
                                                  "root->m->serviceExt->Parse()"};
-    if (void* cur = vyr::FindElement(vyr::FirstElement(node), "ATSC3ServiceExtension")) {
-        vyr::Build(state->serviceExt, state->xml.Doc(), cur, k_steps);
+    if (void* extension = vyr::FindElement(vyr::FirstElement(node), "ATSC3ServiceExtension")) {
+        vyr::Build(state->serviceExt, state->xml.Doc(), extension, k_steps);
     }
 }
 

@@ -10,7 +10,7 @@ struct CSGDDParse::SState : vyr::TXmlState<SSGDDParse> {
 
     bool m_ProcessParse(void* root) override;
 
-    static void sm_CbDescriptorEntry(SState* m, void* curr);
+    static void sm_CbDescriptorEntry(SState* m, void* node);
 };
 
 CSGDDParse::~CSGDDParse()
@@ -52,10 +52,10 @@ bool CSGDDParse::SState::m_ProcessParse(void* root)
     return true;
 }
 
-void CSGDDParse::SState::sm_CbDescriptorEntry(SState* m, void* curr)
+void CSGDDParse::SState::sm_CbDescriptorEntry(SState* m, void* node)
 {
     static constexpr vyr::SChildSteps k_steps = {"entry->Create(root->t_xml.Doc(), curr)", "entry->Parse()"};
-    vyr::Build(m->values.descriptorEntries, m->xml->Doc(), curr, k_steps);
+    vyr::Build(m->values.descriptorEntries, m->xml->Doc(), node, k_steps);
 }
 
 vyr::SXmlKind CSGDDParse::t_Kind() const

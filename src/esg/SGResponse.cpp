@@ -8,10 +8,10 @@ struct CSGResponse::SState : vyr::TXmlState<SSGResponse> {
 
     bool m_ProcessParse(void* root) override;
 
-    static void sm_CbSupportedVersionEntry(SState* m, void* curr);
-    static void sm_CbSGDDEntry(SState* m, void* curr);
-    static void sm_CbResponseValidityEntry(SState* m, void* curr);
-    static void sm_CbPrivateExtEntry(SState* m, void* curr);
+    static void sm_CbSupportedVersionEntry(SState* m, void* node);
+    static void sm_CbSGDDEntry(SState* m, void* node);
+    static void sm_CbResponseValidityEntry(SState* m, void* node);
+    static void sm_CbPrivateExtEntry(SState* m, void* node);
 };
 
 CSGResponse::~CSGResponse()
@@ -56,30 +56,30 @@ bool CSGResponse::SState::m_ProcessParse(void* root)
     return true;
 }
 
-void CSGResponse::SState::sm_CbSupportedVersionEntry(SState* m, void* curr)
+void CSGResponse::SState::sm_CbSupportedVersionEntry(SState* m, void* node)
 {
-    if (vyr::CNodeText::Content(curr).HasText()) {
-        vyr::ReadContent(curr, m->values.supportedVersions);
+    if (vyr::CNodeText::Content(node).HasText()) {
+        vyr::ReadContent(node, m->values.supportedVersions);
     }
 }
 
-void CSGResponse::SState::sm_CbSGDDEntry(SState* m, void* curr)
+void CSGResponse::SState::sm_CbSGDDEntry(SState* m, void* node)
 {
-    vyr::AddChild<CSGDDParse>(m->values.descriptors, *m, curr,
+    vyr::AddChild<CSGDDParse>(m->values.descriptors, *m, node,
                               {"entry->Create()", "entry->Parse(root->t_xml.Doc(), curr)"},
                               [m](CSGDDParse& entry) { return entry.m_Share(&m->namespaces); });
 }
 
-void CSGResponse::SState::sm_CbResponseValidityEntry(SState* m, void* curr)
+void CSGResponse::SState::sm_CbResponseValidityEntry(SState* m, void* node)
 {
     SResponseValidity& validity = vyr::Fresh(m->values.responseValidity);
-    vyr::ReadAttribute(curr, "expirationTime", validity.expirationTime);
-    vyr::ReadAttribute(curr, "timeWindow", validity.timeWindow);
+    vyr::ReadAttribute(node, "expirationTime", validity.expirationTime);
+    vyr::ReadAttribute(node, "timeWindow", validity.timeWindow);
 }
 
-void CSGResponse::SState::sm_CbPrivateExtEntry(SState* m, void* curr)
+void CSGResponse::SState::sm_CbPrivateExtEntry(SState* m, void* node)
 {
-    vyr::ReadContent(curr, m->values.privateExt);
+    vyr::ReadContent(node, m->values.privateExt);
 }
 
 vyr::SXmlKind CSGResponse::t_Kind() const

@@ -22,9 +22,9 @@ struct SState : vyr::TUsbdState<CMMTUsbd::SMMTUsbd> {
 
 void sm_CbUSD(SState* m, void* node);
 
-void sm_CbName(SState* m, void* cur)
+void sm_CbName(SState* m, void* node)
 {
-    vyr::AddChild<CMMTName>(m->values.names, *m, cur, {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild<CMMTName>(m->values.names, *m, node, {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbSvcLanguage(SState* m, void* node)
@@ -39,46 +39,46 @@ void sm_CbSvcLanguage(SState* m, void* node)
     m->values.svcLanguages.Append(vyr::NewText(language));
 }
 
-void sm_CbChannel(SState* m, void* cur)
+void sm_CbChannel(SState* m, void* node)
 {
-    vyr::AddChild<CMMTChannel>(m->values.channel, *m, cur,
+    vyr::AddChild<CMMTChannel>(m->values.channel, *m, node,
                                {"channel->Create()", "channel->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void sm_CbMpuComponent(SState* m, void* cur)
+void sm_CbMpuComponent(SState* m, void* node)
 {
-    vyr::AddChild<CMMTMpuComponent>(m->values.mpuComponent, *m, cur,
+    vyr::AddChild<CMMTMpuComponent>(m->values.mpuComponent, *m, node,
                                     {"mpuComponent->Create()", "mpuComponent->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void sm_CbRouteComponent(SState* m, void* cur)
+void sm_CbRouteComponent(SState* m, void* node)
 {
-    vyr::AddChild<CMMTRouteComponent>(m->values.routeComponent, *m, cur,
+    vyr::AddChild<CMMTRouteComponent>(m->values.routeComponent, *m, node,
                                       {"routeComponent->Create()", "routeComponent->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void sm_CbBroadbandComponent(SState* m, void* cur)
+void sm_CbBroadbandComponent(SState* m, void* node)
 {
     vyr::AddChild<CMMTBroadbandComponent>(
-        m->values.broadbandComponent, *m, cur,
+        m->values.broadbandComponent, *m, node,
         {"broadbandComponent->Create()", "broadbandComponent->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void sm_CbComponentInfo(SState* m, void* cur)
+void sm_CbComponentInfo(SState* m, void* node)
 {
-    vyr::AddChild<CMMTComponentInfo>(m->values.componentInfos, *m, cur,
+    vyr::AddChild<CMMTComponentInfo>(m->values.componentInfos, *m, node,
                                      {"componentInfo->Create()", "componentInfo->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void sm_CbServiceLinkage(SState* m, void* cur)
+void sm_CbServiceLinkage(SState* m, void* node)
 {
-    vyr::AddChild<CServiceLinkage>(m->values.serviceLinkage, *m, cur,
+    vyr::AddChild<CServiceLinkage>(m->values.serviceLinkage, *m, node,
                                    {"serviceLinkage->Create()", "serviceLinkage->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void sm_CbContentAdvisoryRatings(SState* m, void* cur)
+void sm_CbContentAdvisoryRatings(SState* m, void* node)
 {
-    vyr::AddChild<CMMTContentAdvisoryRatings>(m->values.contentAdvisoryRatings, *m, cur,
+    vyr::AddChild<CMMTContentAdvisoryRatings>(m->values.contentAdvisoryRatings, *m, node,
                                               {"rating->Create()", "rating->Parse(root->t_xml.Doc(), cur)"});
 }
 

@@ -19,11 +19,11 @@ void sm_CbAEAMedia(SState* m, void* node)
     vyr::ReadAttribute(node, "AEAId", m->values.aeaId);
 }
 
-void sm_CbMediaInfo(SState* m, void* cur)
+void sm_CbMediaInfo(SState* m, void* node)
 {
     CContentInfo::SContentInfo& values = m->values;
     TOwned<CMediaInfo> mediaInfo =
-        vyr::BuildXmlChild<CMediaInfo>(*m, cur, {"mediaInfo->Create()", "mediaInfo->Parse(root->t_xml.Doc(), cur)"});
+        vyr::BuildXmlChild<CMediaInfo>(*m, node, {"mediaInfo->Create()", "mediaInfo->Parse(root->t_xml.Doc(), cur)"});
     if (mediaInfo) {
         mediaInfo->GetRepId(values.contentId);
         values.mediaInfo = std::move(mediaInfo);

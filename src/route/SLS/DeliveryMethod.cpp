@@ -8,15 +8,15 @@ struct SState : vyr::TXmlState<CDeliveryMethod::SDeliveryMethod> {
     bool m_ProcessParse(void* root) override;
 };
 
-void sm_CbBroadcastAppSvc(SState* m, void* cur)
+void sm_CbBroadcastAppSvc(SState* m, void* node)
 {
-    vyr::AddChild<CBroadcastAppSvc>(m->values.broadcastAppSvcs, *m, cur,
+    vyr::AddChild<CBroadcastAppSvc>(m->values.broadcastAppSvcs, *m, node,
                                     {"broadcastAppSvc->Create()", "broadcastAppSvc->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void sm_CbUnicastAppSvc(SState* m, void* cur)
+void sm_CbUnicastAppSvc(SState* m, void* node)
 {
-    vyr::AddChild<CUnicastAppSvc>(m->values.unicastAppSvcs, *m, cur,
+    vyr::AddChild<CUnicastAppSvc>(m->values.unicastAppSvcs, *m, node,
                                   {"unicastAppSvc->Create()", "unicastAppSvc->Parse(root->t_xml.Doc(), cur)"});
 }
 

@@ -24,11 +24,11 @@ void sm_CbEFDTInfo(void* context, SEFDTInfo* info)
     }
 }
 
-void sm_CbSrcFlow(SState* m, void* cur)
+void sm_CbSrcFlow(SState* m, void* node)
 {
     const SEFDTInfoCallback cb = {m, sm_CbEFDTInfo};
     vyr::AddChild<CSrcFlow>(
-        m->values.srcFlows, *m, cur, {"srcFlow->Create()", "srcFlow->Parse(root->t_xml.Doc(), cur)"},
+        m->values.srcFlows, *m, node, {"srcFlow->Create()", "srcFlow->Parse(root->t_xml.Doc(), cur)"},
         [&cb](CSrcFlow& srcFlow) { return VYR_CHECK(srcFlow.SetCallback(&cb), "srcFlow->SetCallback(&cb)"); });
 }
 

@@ -23,9 +23,9 @@ void Dump(const CMediaInfo::SMediaInfo& values)
             values.repId.c_str());
 }
 
-void sm_CbContentRating(SState* m, void* cur)
+void sm_CbContentRating(SState* m, void* node)
 {
-    vyr::AddChild<CContentRating>(m->values.contentRatings, *m, cur,
+    vyr::AddChild<CContentRating>(m->values.contentRatings, *m, node,
                                   {"contentRating->Create()", "contentRating->Parse(root->t_xml.Doc(), cur)"});
 }
 

@@ -22,9 +22,9 @@ void sm_CbUSD(SState* m, void* node)
     m->m_Dispatch(node);
 }
 
-void sm_CbName(SState* m, void* cur)
+void sm_CbName(SState* m, void* node)
 {
-    vyr::AddChild<CServiceName>(m->values.names, *m, cur, {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild<CServiceName>(m->values.names, *m, node, {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbSvcLanguage(SState* m, void* node)
@@ -37,15 +37,15 @@ void sm_CbSvcLanguage(SState* m, void* node)
     m->values.languages.Append(vyr::NewText(language));
 }
 
-void sm_CbDeliveryMethod(SState* m, void* cur)
+void sm_CbDeliveryMethod(SState* m, void* node)
 {
-    vyr::AddChild<CDeliveryMethod>(m->values.deliveryMethods, *m, cur,
+    vyr::AddChild<CDeliveryMethod>(m->values.deliveryMethods, *m, node,
                                    {"deliveryMethod->Create()", "deliveryMethod->Parse(root->t_xml.Doc(), cur)"});
 }
 
-void sm_CbServiceLinkage(SState* m, void* cur)
+void sm_CbServiceLinkage(SState* m, void* node)
 {
-    vyr::AddChild<CServiceLinkage>(m->values.serviceLinkage, *m, cur,
+    vyr::AddChild<CServiceLinkage>(m->values.serviceLinkage, *m, node,
                                    {"serviceLinkage->Create()", "serviceLinkage->Parse(root->t_xml.Doc(), cur)"});
 }
 

@@ -14,9 +14,9 @@ struct SState : vyr::TXmlState<CRS::SRS> {
     bool m_ProcessParse(void* root) override;
 };
 
-void sm_CbLS(SState* m, void* cur)
+void sm_CbLS(SState* m, void* node)
 {
-    vyr::AddChild<CLS>(m->values.ls, *m, cur, {"ls->Create()", "ls->Parse(root->t_xml.Doc(), cur)"}, [m](CLS& ls) {
+    vyr::AddChild<CLS>(m->values.ls, *m, node, {"ls->Create()", "ls->Parse(root->t_xml.Doc(), cur)"}, [m](CLS& ls) {
         return VYR_CHECK(ls.SetCallback(&m->callback), "ls->SetCallback(&m->callback)");
     });
 }

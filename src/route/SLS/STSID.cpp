@@ -12,9 +12,9 @@ struct SState : vyr::TXmlState<CSTSID::SSTSID> {
     bool m_ProcessParse(void* root) override;
 };
 
-void sm_CbRS(SState* m, void* cur)
+void sm_CbRS(SState* m, void* node)
 {
-    vyr::AddChild<CRS>(m->values.routeSessions, *m, cur, {"rs->Create()", "rs->Parse(root->t_xml.Doc(), cur)"},
+    vyr::AddChild<CRS>(m->values.routeSessions, *m, node, {"rs->Create()", "rs->Parse(root->t_xml.Doc(), cur)"},
                        [m](CRS& rs) { return rs.SetCallback(&m->callback); });
 }
 

@@ -18,11 +18,11 @@ struct SState : vyr::TXmlState<CSrcFlow::SSrcFlow> {
     bool m_ProcessParse(void* root) override;
 };
 
-void sm_CbContentInfo(SState* m, void* cur)
+void sm_CbContentInfo(SState* m, void* node)
 {
     CSrcFlow::SSrcFlow& values = m->values;
     TOwned<CContentInfo> contentInfo = vyr::BuildXmlChild<CContentInfo>(
-        *m, cur, {"contentInfo->Create()", "contentInfo->Parse(root->t_xml.Doc(), cur)"});
+        *m, node, {"contentInfo->Create()", "contentInfo->Parse(root->t_xml.Doc(), cur)"});
     if (contentInfo) {
         contentInfo->GetContentId(values.contentId);
         values.aeaId = contentInfo->GetAEAId();
@@ -31,10 +31,10 @@ void sm_CbContentInfo(SState* m, void* cur)
     }
 }
 
-void sm_CbEFDT(SState* m, void* cur)
+void sm_CbEFDT(SState* m, void* node)
 {
     vyr::AddChild<CEFDT>(
-        m->values.efdts, *m, cur, {"efdt->Create()", "efdt->Parse(root->t_xml.Doc(), cur)"},
+        m->values.efdts, *m, node, {"efdt->Create()", "efdt->Parse(root->t_xml.Doc(), cur)"},
         [m](CEFDT& efdt) { return VYR_CHECK(efdt.SetCallback(&m->callback), "efdt->SetCallback(&m->callback)"); });
 }
 
