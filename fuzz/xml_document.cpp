@@ -7,6 +7,7 @@
 #include "Fuzz.h"
 #include "common/XML.h"
 #include "common/xml/Refusal.h"
+#include "platform/Failure.h"
 #include "platform/Platform.h"
 #include "support/XmlOracle.h"
 
@@ -74,6 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CXML xml;
     const bool created =
         xml.Create(reinterpret_cast<const char*>(text.data()), static_cast<int>(text.size()), compressed);
+    Require(created == (LastFailure() == nullptr));
     if (!compressed && text.size() >= 2) {
         Compare(std::string(text.begin(), text.end()), created);
     }
