@@ -8,7 +8,7 @@ namespace vyr {
 struct SXmlKind;
 
 /// What a parser holds between Create and Destroy, for its own use.
-struct SXmlState {
+struct VYR_API SXmlState {
     SXmlState();
     virtual ~SXmlState();
     SXmlState(const SXmlState&) = delete;
