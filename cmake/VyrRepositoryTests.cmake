@@ -14,6 +14,12 @@ target_compile_definitions(vyr-headers-alone PRIVATE ${vyr_standard_library})
 vyr_warnings(vyr-headers-alone)
 
 add_test(NAME includes COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-includes)
+find_program(doxygen doxygen)
+if(doxygen)
+  # Every public declaration is documented, and every link leads somewhere: a warning fails.
+  file(MAKE_DIRECTORY ${PROJECT_SOURCE_DIR}/build)
+  add_test(NAME documents COMMAND ${doxygen} docs/Doxyfile WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
+endif()
 if(NOT VYR_SANITIZE AND vyr_library_type STREQUAL "SHARED")
   add_test(NAME exported-symbols
     COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-symbols $<TARGET_FILE:vyr-atsc30-parser>)

@@ -19,6 +19,7 @@ class CBytes {
     /// Nothing is held.
     void Clear() { Take(nullptr, 0); }
 
+    /// True: there are bytes.
     explicit operator bool() const { return m_data != nullptr; }
     /// Null when nothing is held.
     const unsigned char* Data() const { return m_data.get(); }

@@ -8,6 +8,7 @@
 
 /// Frees an object that is built in two phases: Destroy, then delete.
 struct SDestroy {
+    /// Destroys and deletes; null: nothing.
     template <class T>
     void operator()(T* object) const
     {
@@ -58,18 +59,25 @@ class TPtrArray : public CCPtrArray {
 
     /// Walks the elements: for (T* element : array).
     struct SIterator {
+        /// The array walked.
         const TPtrArray& array;
+        /// Where in it: 0 to Size().
         int index;
 
+        /// The element.
         T* operator*() const { return array.At(index); }
+        /// Goes on to the next element.
         SIterator& operator++()
         {
             ++index;
             return *this;
         }
+        /// Whether the two stand at different places.
         bool operator!=(const SIterator& other) const { return index != other.index; }
     };
+    /// At the first element.
     SIterator begin() const { return {*this, 0}; }
+    /// Behind the last element.
     SIterator end() const { return {*this, Size()}; }
 };
 

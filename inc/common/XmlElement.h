@@ -24,6 +24,7 @@ struct VYR_API SXmlState {
 /// The same with the record that State gives.
 template <class TValues>
 struct TXmlState : SXmlState {
+    /// What the element said, zero and empty before its parse.
     TValues values{};
 };
 

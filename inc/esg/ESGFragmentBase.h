@@ -42,6 +42,7 @@ class VYR_API CESGFragmentBase {
 
   protected:
     CESGFragmentBase();
+    /// The record, for the derived class; null before Create.
     SESGFragment* t_State() const { return m; }
     /// Reads what all fragments have; false: there is no id.
     static bool t_Read(SESGFragment& state, void* node);

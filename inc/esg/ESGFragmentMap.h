@@ -22,6 +22,7 @@ class VYR_API CESGFragmentMap {
     CESGFragmentMap(const CESGFragmentMap&) = delete;
     CESGFragmentMap& operator=(const CESGFragmentMap&) = delete;
 
+    /// Lets go of all fragments. Asserts that the map was created.
     virtual void Destroy();
     /// A second call is asserted: false.
     bool Create();

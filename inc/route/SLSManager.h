@@ -57,6 +57,7 @@ class VYR_API CSLSManager {
         bool rt;                ///< whether it carries streaming media
     };
 
+    /// Ratings: scheme and value, in document order.
     using TRatings = std::list<std::pair<std::string, std::string>>;
 
     /// The caller's callbacks; one that is null is not called. Records and texts are good during the call,

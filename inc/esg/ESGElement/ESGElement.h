@@ -47,6 +47,7 @@ class VYR_API CESGElement {
 
   protected:
     CESGElement();
+    /// The record, for the derived class; null before Create.
     const SESGElement* t_State() const { return m; }
 
   private:

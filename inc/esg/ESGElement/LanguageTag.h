@@ -12,5 +12,6 @@ class VYR_API CLanguageTag : public CESGElement {
     };
 
   protected:
+    /// Reads the element into the record.
     static void sm_Read(SLanguageTag& state, void* node);
 };

@@ -26,6 +26,8 @@ class VYR_API CSpokenText : public CESGElement {
     };
 
   protected:
+    /// The handlers of the element's children.
     static vyr::SRows sm_Handlers();
+    /// Reads the element and its children into the record; true.
     static bool sm_Read(SESGState& state, void* node);
 };

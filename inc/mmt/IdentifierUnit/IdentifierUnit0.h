@@ -11,6 +11,7 @@ class VYR_API CIdentifierUnit0 : public CIdentifierUnitBase {
 
     /// The unit's own, never null.
     CMMTElementAssetId* AssetId() { return &m_assetId; }
+    /// The unit's own, never null.
     const CMMTElementAssetId* AssetId() const { return &m_assetId; }
 
   private:

@@ -25,11 +25,17 @@ class VYR_API CLocationUnitBase : public IMMTParser {
     /// Logs the fields, at debug priority.
     virtual void Dump() const;
 
+    /// packet_id.
     virtual bool GetPacketId(unsigned int* packetId) const;
+    /// UDP destination port.
     virtual bool GetDstPort(unsigned short* port) const;
+    /// network_id of MPEG-2 signalling.
     virtual bool GetNetworkId(unsigned short* networkId) const;
+    /// MPEG-2_transport_stream_id.
     virtual bool GetMPEG2TsId(unsigned short* transportStreamId) const;
+    /// MPEG-2_PID, 13 bits.
     virtual bool GetMPEG2PID(unsigned short* pid) const;
+    /// message_id.
     virtual bool GetMsgId(unsigned short* messageId) const;
     /// Required: a.b.c.d is a x 2^24 + b x 2^16 + c x 2^8 + d from CLocationUnit1, and the reverse, a being
     /// the lowest byte, from CLocationUnitA and CLocationUnitC.
@@ -40,7 +46,9 @@ class VYR_API CLocationUnitBase : public IMMTParser {
     virtual bool GetIpv6SrcAddr(unsigned short* address) const;
     /// As GetIpv6SrcAddr.
     virtual bool GetIpv6DstAddr(unsigned short* address) const;
+    /// The URL, as it was sent.
     virtual bool GetUrl(std::string& url) const;
+    /// What a private location says, as it was sent.
     virtual bool GetPrivateLocationInfo(std::string& info) const;
 
   protected:

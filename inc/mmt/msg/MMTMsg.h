@@ -9,6 +9,7 @@ class CMMTDesc;
 /// so that who reuses one keeps all. Held is 64 bytes at most for each of the message, inflated.
 class VYR_API CMMTMsg : public IMMTParser {
   public:
+    /// Which message, as its class tells.
     enum EClassType {
         CLASS_TYPE_PA = 0,
         CLASS_TYPE_MPI,
@@ -32,6 +33,7 @@ class VYR_API CMMTMsg : public IMMTParser {
         CLASS_TYPE_SMM
     };
 
+    /// Of a class derived from it.
     explicit CMMTMsg(EClassType classType);
     CMMTMsg(const CMMTMsg&) = delete;
     CMMTMsg& operator=(const CMMTMsg&) = delete;
@@ -52,6 +54,7 @@ class VYR_API CMMTMsg : public IMMTParser {
     /// "CLASS_TYPE_PA" and so on; required: "UNKONWN CLASS TYPE" for a type without a name.
     const char* ClassString() const;
 
+    /// Which message it is.
     EClassType ClassType() const { return m_classType; }
     /// Message id of the header; 0xFFFF before Parse.
     unsigned short Id() const { return m_id; }

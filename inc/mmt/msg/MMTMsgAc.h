@@ -14,6 +14,7 @@ class VYR_API CMMTMsgAc : public CMMTMsgPayload {
 
     /// The packets of one packet id; a field that does not fit in the message is absent.
     struct SEntry {
+        /// packet_id.
         unsigned short packetId;
         std::optional<unsigned int> windowTimeout;  ///< retransmission window timeout
         std::string_view serverAddress;             ///< in Payload(): 4 bytes of IPv4 or 16 of IPv6, in wire order

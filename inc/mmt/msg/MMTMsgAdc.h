@@ -35,6 +35,7 @@ class VYR_API CMMTMsgAdc : public CMMTMsgPayload {
     bool Parse(SItem* item) override;
     void Dump() const override;
 
+    /// What the message said, zeros before Parse; the message's own.
     const SAdc& Fields() const { return m_fields; }
 
   private:

@@ -23,6 +23,7 @@ class MMTMsgFactory : public MMTMsgAbstractFactory {
 /// Stands for messages that are known by name and not parsed.
 class VYR_API MMTMsgFactoryUnsupported : public MMTMsgAbstractFactory {
   public:
+    /// `id` is the message's message_id, `name` what the log calls it.
     MMTMsgFactoryUnsupported(unsigned short id, std::string name);
     /// Logs id and name; empty.
     std::shared_ptr<CMMTMsg> Create() const override;

@@ -13,6 +13,7 @@ class VYR_API CMMTMsgLdc : public CMMTMsgPayload {
     bool Parse(SItem* item) override;
     void Dump() const override;
 
+    /// What the message said, zeros before Parse; the message's own.
     const CMMTDescLowDelay::SLowDelay& Fields() const { return m_lowDelay.Fields(); }
 
   private:

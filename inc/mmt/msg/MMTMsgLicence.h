@@ -22,6 +22,7 @@ class VYR_API CMMTMsgLicence : public CMMTMsgPayload {
     const SLicence* Licence(int index) const { return m_arrayLicence.At(index); }
 
   protected:
+    /// Of the request or of the response.
     explicit CMMTMsgLicence(EClassType classType);
     /// Reads header and list; `format` as for t_ParseHeader.
     bool t_ParseLicences(SItem* item, const char* format);

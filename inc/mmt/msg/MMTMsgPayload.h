@@ -8,6 +8,7 @@
 /// that does not fit is absent.
 class VYR_API CMMTMsgPayload : public CMMTMsg {
   public:
+    /// As CMMTMsg.
     using CMMTMsg::CMMTMsg;
 
     bool Parse(SItem* item) override = 0;
@@ -18,6 +19,7 @@ class VYR_API CMMTMsgPayload : public CMMTMsg {
 
     /// What the message's length spans, PayloadLength() bytes; null before Parse.
     const unsigned char* Payload() const { return m_payload.Data(); }
+    /// Bytes at Payload().
     unsigned int PayloadLength() const { return m_payload.Length(); }
 
   protected:

@@ -14,8 +14,10 @@ struct UInternalIdentifier;
 /// table's own class reads. An object takes one table: what a further Parse finds joins the lists of the first.
 class VYR_API CMMTTbl : public IMMTParser {
   public:
+    /// Which table, as its class tells.
     enum EClassType { CLASS_TYPE_PA = 0, CLASS_TYPE_MPI, CLASS_TYPE_MP, CLASS_TYPE_CRI, CLASS_TYPE_DCI, CLASS_TYPE_SI };
 
+    /// `classType` is an EClassType.
     explicit CMMTTbl(unsigned int classType);
     CMMTTbl(const CMMTTbl&) = delete;
     CMMTTbl& operator=(const CMMTTbl&) = delete;

@@ -17,6 +17,7 @@ class VYR_API CMMTTblCri : public CMMTTblPayload {
     /// True; a null callback is asserted: false.
     bool GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user) override;
 
+    /// Number of descriptors kept.
     int DescriptorCount() const { return m_arrayDescriptor.Size(); }
     /// The index-th descriptor, the table's own; null for an index outside the range (asserted).
     CMMTDesc* Descriptor(int index) const { return m_arrayDescriptor.At(index); }

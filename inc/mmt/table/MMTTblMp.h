@@ -29,10 +29,12 @@ class VYR_API CMMTTblMp : public CMMTTbl {
     /// MMT_package_id, zero-terminated, the table's own; null when the table has none.
     const char* PackageId() const { return m_packageId.Text(); }
 
+    /// Number of descriptors kept.
     int DescriptorCount() const { return m_arrayDescriptor.Size(); }
     /// The index-th of the table's own descriptors; null for an index outside the range (asserted).
     CMMTDesc* Descriptor(int index) const { return m_arrayDescriptor.At(index); }
 
+    /// Number of assets kept.
     int AssetCount() const { return m_arrayAsset.Size(); }
     /// The index-th asset, the table's own; null for an index outside the range (asserted).
     CMMTTblMpAsset* Asset(int index) const { return m_arrayAsset.At(index); }

@@ -22,18 +22,23 @@ class VYR_API CMMTTblMpAsset : public IMMTParser {
     CMMTElementIdentifierMapping* Identifier() { return &m_identifier; }
     /// asset_type, a four-character code: four bytes in wire order, zeros before Parse.
     const unsigned char* AssetType() const { return m_assetType.data(); }
+    /// default_asset_flag: the asset is a default one of the package.
     bool DefaultAssetFlag() const { return m_defaultAssetFlag; }
+    /// asset_clock_relation_flag: AssetClockRelationId was sent.
     bool AssetClockRelationFlag() const { return m_assetClockRelationFlag; }
     /// asset_clock_relation_id; 0 unless AssetClockRelationFlag.
     unsigned char AssetClockRelationId() const { return m_assetClockRelationId; }
+    /// asset_timescale_flag: AssetTimeScale was sent.
     bool AssetTimeScaleFlag() const { return m_assetTimeScaleFlag; }
     /// asset_timescale, in units a second; 0 unless AssetTimeScaleFlag.
     unsigned int AssetTimeScale() const { return m_assetTimeScale; }
 
+    /// Number of locations kept, 0 to 255.
     unsigned char LocationCount() const { return static_cast<unsigned char>(m_arrayLocation.Size()); }
     /// The index-th location, the asset's own; null for an index outside the range (asserted).
     CMMTElementLocation* Location(unsigned char index) const { return m_arrayLocation.At(index); }
 
+    /// Number of descriptors kept.
     unsigned int AssetDescriptorSize() const { return static_cast<unsigned int>(m_arrayDescriptor.Size()); }
     /// The index-th descriptor, the asset's own; null for an index outside the range.
     CMMTDesc* AssetDescriptor(unsigned int index) const;

@@ -21,10 +21,12 @@ class VYR_API CMMTTblMpi : public CMMTTbl {
     /// PI_mode, 0 to 3.
     unsigned char PiMode() const { return m_piMode; }
 
+    /// Number of descriptors kept.
     int DescriptorCount() const { return m_arrayDescriptor.Size(); }
     /// The index-th of the table's own descriptors; null for an index outside the range (asserted).
     CMMTDesc* Descriptor(int index) const { return m_arrayDescriptor.At(index); }
 
+    /// Number of contents kept, 0 to 255.
     unsigned char PiContentCount() const { return static_cast<unsigned char>(m_arrayPiContent.Size()); }
     /// The index-th content, the table's own; null for an index outside the range (asserted).
     CMMTTblMpiContent* PiContent(unsigned short index) const { return m_arrayPiContent.At(index); }

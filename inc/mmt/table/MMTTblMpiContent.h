@@ -29,6 +29,7 @@ class VYR_API CMMTTblMpiContent : public IMMTParser {
     /// PI_content_byte, the document, with a zero byte behind it, the content's own; null before Parse.
     const char* PiContent() const { return m_piContent.Text(); }
 
+    /// Number of descriptors kept.
     int DescriptorCount() const { return m_arrayDescriptor.Size(); }
     /// The index-th descriptor, the content's own; null for an index outside the range (asserted).
     CMMTDesc* Descriptor(int index) const { return m_arrayDescriptor.At(index); }

@@ -34,6 +34,7 @@ class VYR_API CMMTTblPa : public CMMTTbl {
     /// private_extension_flag, 0 or 1.
     unsigned char PrivateFlag() const { return m_privateFlag; }
 
+    /// Number of tables told of.
     int InfoCount() const { return m_arrayTable.Size(); }
     /// The index-th entry, the table's own; null for an index outside the range (asserted).
     CMMTTblPaInfo* Info(int index) const { return m_arrayTable.At(index); }

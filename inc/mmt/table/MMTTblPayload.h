@@ -8,6 +8,7 @@
 /// not fit is absent.
 class VYR_API CMMTTblPayload : public CMMTTbl {
   public:
+    /// As CMMTTbl.
     using CMMTTbl::CMMTTbl;
 
     bool Parse(SItem* item) override = 0;
@@ -16,6 +17,7 @@ class VYR_API CMMTTblPayload : public CMMTTbl {
 
     /// The table's body, PayloadLength() bytes; null before Parse.
     const unsigned char* Payload() const { return m_payload.Data(); }
+    /// Bytes at Payload().
     unsigned int PayloadLength() const { return m_payload.Length(); }
 
   protected:

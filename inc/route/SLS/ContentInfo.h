@@ -21,7 +21,9 @@ class VYR_API CContentInfo : public CXmlElement {
 
     /// Copies the content identifier; true. False, with `out` as it was, before Create.
     bool GetContentId(std::string& out) const;
+    /// Emergency alert that the content belongs to (AEAId); empty: none.
     std::string GetAEAId() const;
+    /// Number of content ratings, 0 before Create.
     int NumberOfContentRating() const;
     /// Copies the value of rating `index` of the media information; false, with `out` as it was: none.
     bool GetContentRating(int index, std::string& out) const;

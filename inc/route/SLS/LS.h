@@ -35,11 +35,15 @@ class VYR_API CLS : public CXmlElement {
     /// Copies the record; null takes it back. False before Create.
     bool SetCallback(const SCallback* callback);
 
+    /// Transport session identifier; 0 before Create.
     unsigned int TSI() const;
     /// Copies the content identifier; true. False, with `out` empty: no source flow.
     bool GetContentId(std::string& out) const;
+    /// As CSrcFlow::GetAEAId; empty without a source flow.
     std::string GetAEAId() const;
+    /// As CSrcFlow::GetRT; false without a source flow.
     bool GetRT() const;
+    /// As CSrcFlow's; 0 without a source flow.
     int NumberOfContentRatings() const;
     /// Copies the value of rating `index`; false, with `out` as it was: there is none.
     bool GetContentRating(int index, std::string& out) const;

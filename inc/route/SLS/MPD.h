@@ -171,6 +171,7 @@ struct SMPDInfo {
 /// before; one that fails leaves none. An object that is not created is asserted ("m").
 class VYR_API CMPD : public CXmlElement {
   public:
+    /// Ratings: scheme and value, without doubles.
     using TRatings = std::set<std::pair<std::string, std::string>>;
 
     /// Told at the end of each parse that succeeds, in this order, inside Parse and on its thread: the record is

@@ -13,6 +13,7 @@ class CContentRating;
 /// object that is not created is asserted ("m"); results are then 0 or false.
 class VYR_API CMediaInfo : public CXmlElement {
   public:
+    /// Kind of the media; CONTENT_OTHER also where it is not told.
     enum EContentType { CONTENT_OTHER = 0, CONTENT_AUDIO = 1, CONTENT_VIDEO = 2, CONTENT_SUBTITLES = 3 };
 
     /// What was parsed.
@@ -26,6 +27,7 @@ class VYR_API CMediaInfo : public CXmlElement {
 
     /// Copies the id of the DASH representation; true. False, with `out` as it was, before Create.
     bool GetRepId(std::string& out) const;
+    /// Number of content ratings, 0 before Create.
     int NumberOfContentRating() const;
     /// Copies the value of rating `index`, from 0; false, with `out` as it was: there is none.
     bool GetContentRating(int index, std::string& out) const;

@@ -27,7 +27,9 @@ class VYR_API CSTSID : public CXmlElement {
     /// takes it back. After Create and before Parse; false (asserted) before Create.
     bool SetCallback(const CLS::SCallback* callback);
 
+    /// Number of ROUTE sessions, 0 before Create.
     int NumberOfRouteSessions() const;
+    /// Number of LCT sessions of ROUTE session `i`; 0 without that one.
     int NumberOfLctSessions(int i) const;
 
     /// 65,535 always; required: it is not read.
@@ -49,6 +51,7 @@ class VYR_API CSTSID : public CXmlElement {
     std::string GetAEAId(int i, int j) const;
     /// Whether the session carries streaming media.
     bool GetRT(int i, int j) const;
+    /// Number of content ratings of LCT session `j` of ROUTE session `i`; 0 without that one.
     int NumberOfContentRatings(int i, int j) const;
     /// Copies the value of rating `k`; false, with `out` as it was: there is none.
     bool GetContentRating(int i, int j, int k, std::string& out) const;

@@ -30,8 +30,11 @@ class VYR_API CSrcFlow : public CXmlElement {
 
     /// Copies the content identifier; true. False, with `out` as it was, before Create.
     bool GetContentId(std::string& out) const;
+    /// Emergency alert that the content belongs to (AEAId); empty: none.
     std::string GetAEAId() const;
+    /// Whether the session carries streaming media (rt).
     bool GetRT() const;
+    /// Number of content ratings, 0 without content info.
     int NumberOfContentRatings() const;
     /// Copies the value of rating `index`; false, with `out` as it was: there is none.
     bool GetContentRating(int index, std::string& out) const;
