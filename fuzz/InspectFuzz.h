@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "Fuzz.h"
-#include "HtmlReport.h"
-#include "JsonReport.h"
-#include "LibraryPort.h"
-#include "Output.h"
-#include "Progress.h"
-#include "TextReport.h"
+#include "content/LibraryPort.h"
 #include "inspect/Markup.h"
+#include "report/HtmlReport.h"
+#include "report/JsonReport.h"
+#include "report/Output.h"
+#include "report/Progress.h"
+#include "report/TextReport.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***);
 

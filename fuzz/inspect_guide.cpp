@@ -1,8 +1,8 @@
 // The inspector's way from the guide's objects to its report: the first byte picks text or JSON, the limits,
 // and a raw file or objects of a session; these follow, each behind its 16-bit length and a byte that is its
 // TOI, or renames the services of the service list.
-#include "GuideFollower.h"
 #include "InspectFuzz.h"
+#include "follow/GuideFollower.h"
 
 using namespace vyr::inspect;
 

@@ -2,9 +2,9 @@
 // raw message; then UDP payloads follow, each behind its 16-bit length and a byte that picks its session, or
 // lets sessions go and come.
 #include "InspectFuzz.h"
-#include "MessageFollower.h"
-#include "MessageHead.h"
-#include "MmtFollower.h"
+#include "content/MessageHead.h"
+#include "follow/MessageFollower.h"
+#include "follow/MmtFollower.h"
 
 using namespace vyr::inspect;
 

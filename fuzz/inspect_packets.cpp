@@ -7,7 +7,7 @@
 #include <cstring>
 #include <memory>
 
-#include "LinkLayer.h"
+#include "wire/LinkLayer.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

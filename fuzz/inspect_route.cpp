@@ -1,10 +1,10 @@
 // The inspector's way from LCT packets to its report: the first byte picks text or JSON and packets or a
 // raw file; then UDP payloads follow, each behind its 16-bit length and a byte that picks its session, or
 // lets sessions go and come.
-#include "GuideSessions.h"
 #include "InspectFuzz.h"
-#include "RouteFollower.h"
-#include "SlsFollower.h"
+#include "follow/GuideSessions.h"
+#include "follow/RouteFollower.h"
+#include "follow/SlsFollower.h"
 
 using namespace vyr::inspect;
 

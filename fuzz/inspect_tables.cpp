@@ -1,8 +1,8 @@
 // The inspector's way from LLS tables to its report, certificates and signatures included: the first
 // byte picks text or JSON, then tables follow, each behind its 16-bit length, of one stream.
 #include "InspectFuzz.h"
-#include "LlsFollower.h"
 #include "common/ChannelMap.h"
+#include "follow/LlsFollower.h"
 
 using namespace vyr::inspect;
 

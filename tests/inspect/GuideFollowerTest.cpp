@@ -1,4 +1,4 @@
-#include "GuideFollower.h"
+#include "follow/GuideFollower.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "GuideObjects.h"
-#include "LibraryPort.h"
+#include "content/LibraryPort.h"
 #include "support/Gzip.h"
 
 namespace {

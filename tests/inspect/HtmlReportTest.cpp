@@ -1,4 +1,4 @@
-#include "HtmlReport.h"
+#include "report/HtmlReport.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "Html.h"
-#include "HtmlGuide.h"
 #include "Markup.h"
+#include "report/Html.h"
+#include "report/HtmlGuide.h"
 
 namespace {
 

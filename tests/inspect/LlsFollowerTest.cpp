@@ -1,4 +1,4 @@
-#include "LlsFollower.h"
+#include "follow/LlsFollower.h"
 
 #include <gtest/gtest.h>
 

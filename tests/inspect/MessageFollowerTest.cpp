@@ -1,4 +1,4 @@
-#include "MessageFollower.h"
+#include "follow/MessageFollower.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Mmtp.h"
+#include "wire/Mmtp.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "MessageAssembler.h"
 #include "Packets.h"
+#include "wire/MessageAssembler.h"
 
 namespace {
 

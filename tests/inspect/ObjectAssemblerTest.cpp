@@ -1,4 +1,4 @@
-#include "ObjectAssembler.h"
+#include "wire/ObjectAssembler.h"
 
 #include <gtest/gtest.h>
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "LinkLayer.h"
 #include "Packets.h"
+#include "wire/LinkLayer.h"
 
 namespace {
 

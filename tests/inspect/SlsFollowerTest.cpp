@@ -1,11 +1,11 @@
-#include "SlsFollower.h"
+#include "follow/SlsFollower.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "LibraryPort.h"
+#include "content/LibraryPort.h"
 #include "support/Gzip.h"
 
 namespace {

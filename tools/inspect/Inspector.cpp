@@ -7,17 +7,17 @@
 #include <stdexcept>
 #include <vector>
 
-#include "GuideSessions.h"
-#include "LibraryPort.h"
-#include "LinkLayer.h"
-#include "LlsTables.h"
-#include "MessageFollower.h"
-#include "MessageHead.h"
-#include "MmtFollower.h"
-#include "RouteFollower.h"
-#include "SlsFollower.h"
-#include "Text.h"
+#include "base/Text.h"
+#include "content/LibraryPort.h"
+#include "content/LlsTables.h"
+#include "content/MessageHead.h"
 #include "esg/GenreNameParse.h"
+#include "follow/GuideSessions.h"
+#include "follow/MessageFollower.h"
+#include "follow/MmtFollower.h"
+#include "follow/RouteFollower.h"
+#include "follow/SlsFollower.h"
+#include "wire/LinkLayer.h"
 
 namespace vyr::inspect {
 

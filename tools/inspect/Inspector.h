@@ -7,13 +7,13 @@
 #include <utility>
 
 #include "ExitStatus.h"
-#include "Input.h"
-#include "LlsFollower.h"
 #include "Options.h"
-#include "Output.h"
-#include "Progress.h"
-#include "Report.h"
 #include "common/ChannelMap.h"
+#include "follow/LlsFollower.h"
+#include "model/Report.h"
+#include "report/Output.h"
+#include "report/Progress.h"
+#include "wire/Input.h"
 
 namespace vyr::inspect {
 

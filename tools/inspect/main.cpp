@@ -4,12 +4,12 @@
 #include <cstring>
 #include <exception>
 
-#include "HtmlReport.h"
 #include "Inspector.h"
-#include "JsonReport.h"
 #include "Options.h"
-#include "Text.h"
-#include "TextReport.h"
+#include "base/Text.h"
+#include "report/HtmlReport.h"
+#include "report/JsonReport.h"
+#include "report/TextReport.h"
 
 namespace {
 

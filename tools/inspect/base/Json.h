@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string>
+
+#include "model/Report.h"
+
+namespace vyr::inspect {
+
+/// Sets the field unless the text is not given (null).
+inline void PutText(TJson& object, const char* key, const char* text)
+{
+    if (text != nullptr) {
+        object[key] = text;
+    }
+}
+
+/// Sets the field unless the text is not given (empty).
+inline void PutText(TJson& object, const char* key, const std::string& text)
+{
+    if (!text.empty()) {
+        object[key] = text;
+    }
+}
+
+/// Sets the field unless it has no value.
+template <class TValue>
+void PutValue(TJson& object, const char* key, const std::optional<TValue>& value)
+{
+    if (value) {
+        object[key] = *value;
+    }
+}
+
+/// Sets the field unless the number is the one that stands for "not given".
+template <class TNumber>
+void PutNumber(TJson& object, const char* key, TNumber number, TNumber notGiven)
+{
+    if (number != notGiven) {
+        object[key] = number;
+    }
+}
+
+/// Sets the field unless the list is empty.
+inline void PutList(TJson& object, const char* key, TJson list)
+{
+    if (!list.empty()) {
+        object[key] = std::move(list);
+    }
+}
+
+/// Sets the field `key`, and with a name for the number the field of that name with "Name" behind it.
+void PutNamed(TJson& object, const std::string& key, long long number, const char* name);
+/// The fields of an object for people: "packet_id 5, assets (asset_id a, codec_code hev1)". Long texts and
+/// lists are cut short.
+std::string FieldsText(const TJson& object);
+
+}  // namespace vyr::inspect

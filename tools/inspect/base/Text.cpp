@@ -1,0 +1,256 @@
+#include "base/Text.h"
+
+#include <arpa/inet.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+
+namespace vyr::inspect {
+
+namespace {
+
+struct SCodePoint {
+    unsigned value;
+    std::size_t length;  ///< 0: the bytes are not UTF-8
+};
+
+SCodePoint Decode(const std::string& text, std::size_t at)
+{
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned first = byte(at);
+    if (first < 0x80) {
+        return {first, 1};
+    }
+    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    if (first < 0xC2 || first > 0xF4 || at + length > text.size()) {
+        return {0, 0};
+    }
+    unsigned value = first & (0xFFu >> (length + 1));
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(at + i) & 0xC0) != 0x80) {
+            return {0, 0};
+        }
+        value = value << 6 | (byte(at + i) & 0x3Fu);
+    }
+    constexpr unsigned k_least[] = {0, 0, 0x80, 0x800, 0x10000};
+    const bool surrogate = value >= 0xD800 && value <= 0xDFFF;
+    return value < k_least[length] || value > 0x10FFFF || surrogate ? SCodePoint{0, 0} : SCodePoint{value, length};
+}
+
+bool Invisible(unsigned value)
+{
+    return value < 0x20 || (value >= 0x7F && value < 0xA0) || (value >= 0x200B && value <= 0x200F) ||
+           (value >= 0x2028 && value <= 0x202E) || (value >= 0x2060 && value <= 0x206F) || value == 0xFEFF;
+}
+
+/// Columns that printable text takes: one for each character.
+std::size_t DisplayWidth(const std::string& text)
+{
+    std::size_t width = 0;
+    for (const char c : text) {
+        width += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
+    }
+    return width;
+}
+
+}  // namespace
+
+std::string Printable(const std::string& text)
+{
+    std::string out;
+    char escape[16];
+    for (std::size_t at = 0; at < text.size();) {
+        const SCodePoint point = Decode(text, at);
+        if (point.length == 0) {
+            std::snprintf(escape, sizeof escape, "\\x%02X", static_cast<unsigned char>(text[at]));
+            out += escape;
+            ++at;
+            continue;
+        }
+        if (Invisible(point.value)) {
+            std::snprintf(escape, sizeof escape, point.value < 0x100 ? "\\x%02X" : "\\u%04X", point.value);
+            out += escape;
+        } else {
+            out.append(text, at, point.length);
+        }
+        at += point.length;
+    }
+    return out;
+}
+
+std::string Hex(SView bytes)
+{
+    constexpr char k_digits[] = "0123456789abcdef";
+    std::string out;
+    out.reserve(bytes.size * 2);
+    for (std::size_t i = 0; i < bytes.size; ++i) {
+        out += k_digits[bytes[i] >> 4];
+        out += k_digits[bytes[i] & 0x0F];
+    }
+    return out;
+}
+
+std::string Ipv4Text(std::uint32_t address)
+{
+    return std::to_string(address >> 24) + '.' + std::to_string(address >> 16 & 0xFF) + '.' +
+           std::to_string(address >> 8 & 0xFF) + '.' + std::to_string(address & 0xFF);
+}
+
+std::string Ipv6Text(const unsigned char* address)
+{
+    char text[INET6_ADDRSTRLEN] = "";
+    inet_ntop(AF_INET6, address, text, sizeof text);
+    return text;
+}
+
+std::string FourCcText(SView code)
+{
+    const bool readable =
+        std::all_of(code.data, code.data + code.size, [](unsigned char c) { return c >= 0x20 && c < 0x7F; });
+    return readable ? std::string(code.data, code.data + code.size) : "0x" + Hex(code);
+}
+
+std::string EndpointText(std::uint32_t address, unsigned port)
+{
+    return Ipv4Text(address) + ':' + std::to_string(port);
+}
+
+std::string Counted(std::uint64_t count, const std::string& singular, const std::string& plural)
+{
+    return std::to_string(count) + ' ' + (count == 1 ? singular : plural.empty() ? singular + 's' : plural);
+}
+
+std::string Quoted(const std::string& text)
+{
+    return '"' + Printable(text) + '"';
+}
+
+std::string Joined(const std::vector<std::string>& texts)
+{
+    std::string joined;
+    for (const std::string& text : texts) {
+        joined += (joined.empty() || text.empty() ? "" : ", ") + text;
+    }
+    return joined;
+}
+
+std::string InLanguage(const std::string& lang)
+{
+    return lang.empty() ? std::string() : " (" + Printable(lang) + ')';
+}
+
+std::string Short(const std::string& text)
+{
+    constexpr std::size_t k_columns = 64;
+    std::size_t at = 0;
+    for (std::size_t columns = 0; at < text.size(); ++at) {
+        const bool begins = (static_cast<unsigned char>(text[at]) & 0xC0) != 0x80;
+        columns += begins ? 1 : 0;
+        if (columns > k_columns) {
+            return text.substr(0, at) + "\u2026";
+        }
+    }
+    return text;
+}
+
+std::int64_t NtpSeconds(std::uint32_t ntp)
+{
+    constexpr std::int64_t k_from1900To1970 = 2208988800;
+    constexpr std::int64_t k_era = std::int64_t{1} << 32;
+    return ntp - k_from1900To1970 + (ntp < 0x80000000u ? k_era : 0);
+}
+
+std::string EpochText(double seconds)
+{
+    constexpr double k_endOfTime = 253402300800;  // the year 10000
+    if (!(seconds >= 0 && seconds < k_endOfTime - 1)) {
+        return NumberText(seconds);
+    }
+    const long long milliseconds = std::llround(seconds * 1000);
+    const std::time_t whole = static_cast<std::time_t>(milliseconds / 1000);
+    std::tm utc{};
+    char text[32];
+    gmtime_r(&whole, &utc);
+    const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &utc);
+    std::string out(text, length);
+    if (milliseconds % 1000 != 0) {
+        std::snprintf(text, sizeof text, ".%03d", static_cast<int>(milliseconds % 1000));
+        out += text;
+    }
+    return out + 'Z';
+}
+
+std::string NumberText(double number)
+{
+    char text[40];
+    std::snprintf(text, sizeof text, "%.9g", number);
+    return text;
+}
+
+std::string Line(const char* label, const std::string& text)
+{
+    char line[32];
+    std::snprintf(line, sizeof line, "    %-10s", label);
+    return text.empty() ? std::string() : line + text + '\n';
+}
+
+std::string Indented(const std::string& text, const std::string& indent)
+{
+    std::string indented;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
+        indented += indent + text.substr(at, end - at);
+        at = end;
+    }
+    return indented;
+}
+
+std::string Aligned(const std::vector<TRow>& rows)
+{
+    // A cell beyond this is not waited for: the broadcast could make every row as long as its longest.
+    constexpr std::size_t k_widest = 80;
+    std::vector<std::size_t> widths;
+    for (const TRow& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            widths[i] = std::max(widths[i], std::min(DisplayWidth(row[i]), k_widest));
+        }
+    }
+    std::string text;
+    for (const TRow& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            const std::size_t width = DisplayWidth(row[i]);
+            line += "  " + row[i] + std::string(widths[i] > width ? widths[i] - width : 0, ' ');
+        }
+        text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
+    }
+    return text;
+}
+
+std::string TableText(const std::vector<TRow>& rows)
+{
+    if (rows.size() < 2) {
+        return {};
+    }
+    std::vector<bool> used(rows.front().size());
+    for (auto row = std::next(rows.begin()); row != rows.end(); ++row) {
+        for (std::size_t i = 0; i < row->size(); ++i) {
+            used[i] = used[i] || !(*row)[i].empty();
+        }
+    }
+    std::vector<TRow> shown;
+    for (const TRow& row : rows) {
+        TRow& cells = shown.emplace_back();
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            if (used[i]) {
+                cells.push_back(row[i]);
+            }
+        }
+    }
+    return Aligned(shown);
+}
+
+}  // namespace vyr::inspect

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/Bytes.h"
+
+namespace vyr::inspect {
+
+/// Text that is safe on a terminal: control and direction characters and what is not UTF-8 become
+/// visible escapes.
+std::string Printable(const std::string& text);
+std::string Hex(SView bytes);
+/// "192.0.2.10".
+std::string Ipv4Text(std::uint32_t address);
+/// "2001:db8::1", of 16 bytes.
+std::string Ipv6Text(const unsigned char* address);
+/// A four-character code; as hex where a character is none.
+std::string FourCcText(SView code);
+/// "192.0.2.10:4937".
+std::string EndpointText(std::uint32_t address, unsigned port);
+/// "1 service", "2 services"; `plural` where an s does not do.
+std::string Counted(std::uint64_t count, const std::string& singular, const std::string& plural = {});
+
+/// The text, printable, between double quotes.
+std::string Quoted(const std::string& text);
+/// The texts that are not empty, set apart by commas.
+std::string Joined(const std::vector<std::string>& texts);
+/// " (en)", printable; nothing for no language.
+std::string InLanguage(const std::string& lang);
+/// The first columns of a printable text, "…" behind it when it is longer.
+std::string Short(const std::string& text);
+/// Seconds since 1970 as "2026-11-21T02:02:23.328Z", to the millisecond; as a number when they are no
+/// date of four digits.
+std::string EpochText(double seconds);
+/// Seconds since 1970 of NTP seconds, which begin anew in 2036: those below 2^31 are of that era.
+std::int64_t NtpSeconds(std::uint32_t ntp);
+/// A number without needless digits: "2", "2.5".
+std::string NumberText(double number);
+/// An indented line: a label in a column of its own, then the text; nothing for no text.
+std::string Line(const char* label, const std::string& text);
+
+/// The lines of the text, each behind `indent`.
+std::string Indented(const std::string& text, const std::string& indent);
+
+/// Cells of a table's row, printable.
+using TRow = std::vector<std::string>;
+/// The rows as indented lines with their columns aligned.
+std::string Aligned(const std::vector<TRow>& rows);
+/// The rows below their heads without the columns that are empty; nothing for heads alone.
+std::string TableText(const std::vector<TRow>& rows);
+
+}  // namespace vyr::inspect

@@ -1,0 +1,425 @@
+#include "content/LlsTables.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+#include <list>
+#include <type_traits>
+
+#include "base/Names.h"
+#include "base/Text.h"
+#include "content/Certificates.h"
+#include "content/LibraryPort.h"
+#include "lls/LLSSMTParser.h"
+#include "lls/ParseAEAT.h"
+#include "lls/ParseCDT.h"
+#include "lls/ParseOnscreenNoti.h"
+#include "lls/ParseRRT.h"
+#include "lls/ParseSystemTime.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr std::size_t k_header = 4;
+
+/// "UTC-5", "UTC+5:30".
+std::string ZoneText(int seconds)
+{
+    const long minutes = std::labs(static_cast<long>(seconds)) / 60;
+    char text[48];
+    std::snprintf(text, sizeof text, minutes % 60 != 0 ? "UTC%c%ld:%02ld" : "UTC%c%ld", seconds < 0 ? '-' : '+',
+                  minutes / 60, minutes % 60);
+    return text;
+}
+
+/// Gives the table to a fresh parser; false, with the reason, when it does not parse.
+template <class TTable>
+bool Feed(TTable& parser, SView bytes, std::string& reason)
+{
+    IParse::SItem item = {bytes.data, static_cast<unsigned>(bytes.size), static_cast<unsigned>(bytes.size) * 8, 0,
+                          true};
+    parser.Parse(&item);
+    reason = StepFailed() ? Reason() : std::string();
+    return !StepFailed();
+}
+
+SContent ReadSystemTime(const CParseSystemTime& parser)
+{
+    const CParseSystemTime::SSystemTime& time = *parser.State();
+    SContent content;
+    content.headline =
+        "TAI-UTC " + std::to_string(time.currentUtcOffset) + " s, local time " + ZoneText(time.utcLocalOffset);
+    content.headline += time.dsStatus ? ", daylight saving" : "";
+    content.headline += time.leap59 || time.leap61 ? ", leap second ahead" : "";
+    if (time.dsDayOfMonth != 0) {
+        content.headline += ", daylight saving changes on day " + std::to_string(time.dsDayOfMonth) + " at hour " +
+                            std::to_string(time.dsHour);
+    }
+    content.json = {{"currentUtcOffset", time.currentUtcOffset},
+                    {"ptpPrepend", time.ptpPrepend},
+                    {"leap59", time.leap59},
+                    {"leap61", time.leap61},
+                    {"utcLocalOffsetSeconds", time.utcLocalOffset},
+                    {"utcLocalOffsetHours", time.utcLocalOffset / 3600.0},
+                    {"dsStatus", time.dsStatus},
+                    {"dsDayOfMonth", time.dsDayOfMonth},
+                    {"dsHour", time.dsHour}};
+    return content;
+}
+
+TJson TextJson(const SParseRRT::STextType& text)
+{
+    return {{"lang", text.lang}, {"text", text.text}};
+}
+
+SContent ReadRrt(const CParseRRT& parser)
+{
+    SContent content;
+    content.headline = Counted(parser.numOfRatingRegionTable(), "region");
+    content.json["RatingRegionTable"] = TJson::array();
+    for (unsigned r = 0; r < parser.numOfRatingRegionTable(); ++r) {
+        const SParseRRT::SRegion& region = *parser.GetRegion(r);
+        content.text +=
+            "  region " + std::to_string(region.regionIdentifier) + ": " + Printable(region.text.text) + '\n';
+        TJson json = {{"regionIdentifier", region.regionIdentifier},
+                      {"RegionIdText", TextJson(region.text)},
+                      {"Dimension", TJson::array()}};
+        std::vector<TRow> rows = {{"  dimension", "levels", "graduated", "value", "abbreviation", "meaning"}};
+        for (const SParseRRT::SDimension& dimension : region.dimensions) {
+            TRow row = {"  " + Printable(dimension.title.text), std::to_string(dimension.dimensionLevels),
+                        dimension.dimensionGraduated ? "yes" : "no"};
+            TJson ratings = TJson::array();
+            for (const SParseRRT::SRating& rating : dimension.ratings) {
+                row.insert(row.end(), {std::to_string(rating.ratingValue), Printable(rating.abbreviation.text),
+                                       Printable(rating.text.text)});
+                rows.push_back(row);
+                row = {"", "", ""};
+                ratings.push_back({{"ratingValue", rating.ratingValue},
+                                   {"RatingValueAbbrev", TextJson(rating.abbreviation)},
+                                   {"RatingValueString", TextJson(rating.text)}});
+            }
+            if (dimension.ratings.empty()) {
+                rows.push_back(row);
+            }
+            json["Dimension"].push_back({{"DimensionTitle", TextJson(dimension.title)},
+                                         {"dimensionLevels", dimension.dimensionLevels},
+                                         {"dimensionGraduated", dimension.dimensionGraduated},
+                                         {"Rating", std::move(ratings)}});
+        }
+        if (rows.size() > 1) {
+            content.text += Aligned(rows);
+        }
+        content.json["RatingRegionTable"].push_back(std::move(json));
+    }
+    return content;
+}
+
+TJson TextsJson(const std::vector<SParseAEAT::SText>& texts)
+{
+    TJson json = TJson::array();
+    for (const SParseAEAT::SText& text : texts) {
+        json.push_back({{"lang", text.lang}, {"text", text.text}});
+    }
+    return json;
+}
+
+void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
+{
+    std::string headline;
+    for (const SParseAEAT::SText& desc : alert.eventDescs) {
+        headline += (headline.empty() ? "" : " / ") + Printable(desc.text) + InLanguage(desc.lang);
+    }
+    const char* type = AlertTypeName(alert.aeaType);
+    const char* audience = AudienceName(alert.audience);
+    std::string& text = content.text;
+    text += "  " + (headline.empty() ? "alert " + Quoted(alert.aeaId) : headline) + '\n';
+    text += Line("alert", Quoted(alert.aeaId) + (type ? std::string(", ") + type : "") +
+                              (alert.retAEAId.empty() ? "" : " of " + Quoted(alert.retAEAId)) + ", priority " +
+                              std::to_string(alert.priority) + (alert.wakeup ? ", wakes receivers" : ""));
+    text += Line("issuer", Printable(alert.issuer));
+    text += Line("audience", audience ? audience : "");
+    if (!alert.effective.empty() || !alert.expires.empty()) {
+        text += Line("time", "from " + Printable(alert.effective.empty() ? "-" : alert.effective) + " until " +
+                                 Printable(alert.expires.empty() ? "-" : alert.expires));
+    }
+    if (!alert.eventCode.empty()) {
+        text += Line("event", Printable(alert.eventCode) +
+                                  (alert.eventCodeType.empty() ? "" : " (" + Printable(alert.eventCodeType) + ')'));
+    }
+    TJson json = {{"aeaId", alert.aeaId},
+                  {"issuer", alert.issuer},
+                  {"audience", alert.audience},
+                  {"aeaType", alert.aeaType},
+                  {"retAEAId", alert.retAEAId},
+                  {"priority", alert.priority},
+                  {"wakeup", alert.wakeup},
+                  {"effective", alert.effective},
+                  {"expires", alert.expires},
+                  {"eventCode", alert.eventCode},
+                  {"eventCodeType", alert.eventCodeType},
+                  {"EventDesc", TextsJson(alert.eventDescs)},
+                  {"AEAText", TextsJson(alert.texts)},
+                  {"Location", TJson::array()},
+                  {"Media", TJson::array()}};
+    json["audienceName"] = audience ? audience : "unknown";
+    json["aeaTypeName"] = type ? type : "unknown";
+    for (const SParseAEAT::SLocation& location : alert.locations) {
+        const char* kind = LocationTypeName(location.type);
+        text += Line("place", Printable(location.location) + (kind ? std::string(" (") + kind + ')' : ""));
+        json["Location"].push_back({{"location", location.location}, {"type", location.type}});
+        if (kind) {
+            json["Location"].back()["typeName"] = kind;
+        }
+    }
+    for (const SParseAEAT::SText& aeaText : alert.texts) {
+        text += Line("text", Printable(aeaText.text) + InLanguage(aeaText.lang));
+    }
+    for (const SParseAEAT::SMedia& media : alert.media) {
+        text += Line("media", Joined({Printable(media.mediaDesc), Printable(media.contentType),
+                                      Counted(media.contentLength, "byte"), Printable(media.url)}) +
+                                  InLanguage(media.lang));
+        json["Media"].push_back({{"lang", media.lang},
+                                 {"mediaType", media.mediaDesc},
+                                 {"url", media.url},
+                                 {"alternateUrl", media.alternateUrl},
+                                 {"contentType", media.contentType},
+                                 {"contentLength", media.contentLength},
+                                 {"mediaAssoc", media.mediaAssoc}});
+    }
+    if (alert.liveMedia) {
+        std::string names;
+        for (const SParseAEAT::SText& name : alert.liveMedia->serviceNames) {
+            names += (names.empty() ? ": " : ", ") + Quoted(name.text) + InLanguage(name.lang);
+        }
+        text += Line("live", "service " + std::to_string(alert.liveMedia->serviceId) + " of bsid " +
+                                 std::to_string(alert.liveMedia->bsid) + names);
+        json["LiveMedia"] = {{"bsid", alert.liveMedia->bsid},
+                             {"serviceId", alert.liveMedia->serviceId},
+                             {"ServiceName", TextsJson(alert.liveMedia->serviceNames)}};
+    }
+    content.json["AEA"].push_back(std::move(json));
+}
+
+SContent ReadAeat(const CParseAEAT& parser)
+{
+    SContent content;
+    content.headline = Counted(static_cast<std::uint64_t>(parser.AEACount()), "alert");
+    content.json["AEA"] = TJson::array();
+    for (int i = 0; i < parser.AEACount(); ++i) {
+        ReadAlert(*parser.GetAEA(i), content);
+    }
+    return content;
+}
+
+SContent ReadOnscreen(const CParseOnscreenNoti& parser)
+{
+    SContent content;
+    content.headline = Counted(parser.KSCCount(), "entry", "entries");
+    content.json["KeepScreenClear"] = TJson::array();
+    for (unsigned i = 0; i < parser.KSCCount(); ++i) {
+        const CParseOnscreenNoti::SKeepScreenClear& entry = *parser.GetKSC(i);
+        const unsigned last = entry.serviceId + entry.serviceIdRange;
+        content.text += std::string("  ") + (entry.kscFlag ? "keep clear" : "release") + ": bsid " +
+                        std::to_string(entry.bsid) + ", service " + std::to_string(entry.serviceId) +
+                        (entry.serviceIdRange != 0 ? " to " + std::to_string(last) : "") +
+                        (entry.notificationDuration.empty() ? "" : ", for " + Printable(entry.notificationDuration)) +
+                        ", version " + std::to_string(entry.version) + '\n';
+        content.json["KeepScreenClear"].push_back({{"bsid", entry.bsid},
+                                                   {"serviceId", entry.serviceId},
+                                                   {"serviceIdRange", entry.serviceIdRange},
+                                                   {"notificationDuration", entry.notificationDuration},
+                                                   {"kscFlag", entry.kscFlag},
+                                                   {"version", entry.version}});
+    }
+    return content;
+}
+
+SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
+{
+    std::list<std::string> certificates;
+    std::list<std::string> responses;
+    std::string current;
+    std::string next;
+    std::string cms;
+    std::string toBeSigned;
+    long long from = 0;
+    long long until = 0;
+    int refresh = 0;
+    parser.GetCertificates(certificates);
+    parser.GetOCSPResponse(responses);
+    parser.GetCurrentCert(current);
+    parser.GetCertReplacement(next, from, until);
+    parser.GetOCSPRefresh(refresh);
+    parser.GetCMSSignedData(cms);
+    parser.GetToBeSignedData(toBeSigned);
+
+    SContent content;
+    content.headline = Counted(certificates.size(), "certificate") + ", " + Counted(responses.size(), "OCSP response");
+    content.json["Certificates"] = TJson::array();
+    for (const std::string& base64 : certificates) {
+        const SCertificate certificate = ReadCertificate(base64);
+        if (!certificate.error.empty()) {
+            outcome.faults.emplace_back(EFault::BAD_CERTIFICATE, "a certificate of the table is " + certificate.error);
+            content.text += "  certificate: " + certificate.error + '\n';
+            content.json["Certificates"].push_back({{"error", certificate.error}});
+            continue;
+        }
+        content.text += "  certificate\n" + Line("subject", Printable(certificate.subject)) +
+                        Line("issuer", Printable(certificate.issuer)) +
+                        Line("valid", certificate.notBefore + " to " + certificate.notAfter);
+        content.json["Certificates"].push_back({{"subject", certificate.subject},
+                                                {"issuer", certificate.issuer},
+                                                {"notBefore", certificate.notBefore},
+                                                {"notAfter", certificate.notAfter}});
+    }
+    content.text += current.empty() ? "" : "  current certificate: " + Printable(current) + '\n';
+    if (!next.empty()) {
+        // The library's times of this table are one second late.
+        content.text += "  next certificate: " + Printable(next) + ", from " +
+                        EpochText(static_cast<double>(from - 1)) + ", the current one until " +
+                        EpochText(static_cast<double>(until - 1)) + '\n';
+        content.json["CertReplacement"] = {{"NextCert", next},
+                                           {"NextCertFrom", EpochText(static_cast<double>(from - 1))},
+                                           {"CurrentCertUntil", EpochText(static_cast<double>(until - 1))}};
+    }
+    content.text += "  OCSP responses are renewed every " + std::to_string(refresh) + " s\n";
+    content.json["CurrentCert"] = current;
+    content.json["OCSPRefreshSeconds"] = refresh;
+    content.json["OCSPResponses"] = responses.size();
+    content.json["ToBeSignedDataSize"] = toBeSigned.size();
+    if (cms.empty()) {
+        outcome.faults.emplace_back(EFault::BAD_SIGNATURE, "the table has no CMSSignedData");
+    } else {
+        const SSignature signature = ReadSignature(cms);
+        content.text +=
+            "  signature over " + Counted(toBeSigned.size(), "byte") + ": " + SignatureText(signature) + '\n';
+        content.json["CMSSignedData"] = SignatureJson(signature);
+        if (!signature.error.empty()) {
+            outcome.faults.emplace_back(EFault::BAD_SIGNATURE, "CMSSignedData: " + signature.error);
+        }
+    }
+    return content;
+}
+
+/// Splits the multi-table; its tables go on to their own parsers, each behind a header made of what the
+/// multi-table says of it.
+void ReadMultiTable(const SLlsHeader& header, SView bytes, STableOutcome& outcome)
+{
+    CLLSSMTParser parser;
+    parser.Create();
+    IParse::SItem item = {bytes.data, static_cast<unsigned>(bytes.size), static_cast<unsigned>(bytes.size) * 8,
+                          k_header * 8, true};
+    if (!parser.Parse(&item)) {
+        outcome.reason = "shorter than its lengths say";
+        parser.Destroy();
+        return;
+    }
+    unsigned length = 0;
+    parser.GetSignedBlockLength(length);
+    std::vector<unsigned char> block(length);
+    parser.GetSignedBlock(block.data());
+    SContent& content = outcome.content.emplace();
+    content.headline = Counted(static_cast<std::uint64_t>(parser.PayloadCount()), "table");
+    content.json["payloads"] = TJson::array();
+    std::size_t at = 1;
+    for (int i = 0; i < parser.PayloadCount(); ++i) {
+        unsigned id = 0;
+        parser.GetPayloadLength(i, length);
+        std::vector<unsigned char> table(k_header + length);
+        parser.GetPayload(i, id, table.data() + k_header);
+        const unsigned char version = block[at + 1];
+        at += k_header + length;
+        table[0] = static_cast<unsigned char>(id);
+        table[1] = header.groupId;
+        table[2] = header.groupCountMinus1;
+        table[3] = version;
+        TJson json = {{"LLS_table_id", id}, {"LLS_table_version", version}, {"size", length}};
+        if (TableName(id)) {
+            json["LLS_table_idName"] = TableName(id);
+        }
+        content.json["payloads"].push_back(std::move(json));
+        outcome.inner.push_back(std::move(table));
+    }
+    parser.GetSignatureLength(length);
+    std::vector<unsigned char> der(length);
+    if (!parser.GetSignatureData(der.data())) {
+        der.clear();
+    }
+    const SSignature signature = ReadSignature(der);
+    content.text = "  signature over " + Counted(block.size(), "byte") + ": " + SignatureText(signature) + '\n';
+    content.json["signedSize"] = block.size();
+    content.json["signature"] = SignatureJson(signature);
+    if (!signature.error.empty()) {
+        outcome.faults.emplace_back(EFault::BAD_SIGNATURE, "the signature is " + signature.error);
+    }
+    parser.Destroy();
+}
+
+/// Gives the table to a fresh parser, and what it holds to `TRead`.
+template <class TParser, auto TRead>
+void Read(const SLlsHeader& header, SView bytes, STableOutcome& outcome)
+{
+    TParser parser;
+    if constexpr (std::is_same_v<TParser, CParseSystemTime>) {
+        parser.Create(header.groupId);
+    } else if constexpr (std::is_same_v<TParser, CParseAEAT>) {
+        parser.Create(nullptr);
+    } else {
+        parser.Create();
+    }
+    if (Feed(parser, bytes, outcome.reason)) {
+        if constexpr (std::is_invocable_v<decltype(TRead), const TParser&>) {
+            outcome.content = TRead(parser);
+        } else {
+            outcome.content = TRead(parser, outcome);
+        }
+    }
+    parser.Destroy();
+}
+
+struct STableKind {
+    unsigned id;
+    const char* name;
+    void (*read)(const SLlsHeader& header, SView bytes, STableOutcome& outcome);  ///< null: not here
+};
+
+constexpr STableKind k_tables[] = {{1, "SLT", nullptr},
+                                   {2, "RRT", Read<CParseRRT, ReadRrt>},
+                                   {3, "SystemTime", Read<CParseSystemTime, ReadSystemTime>},
+                                   {4, "AEAT", Read<CParseAEAT, ReadAeat>},
+                                   {5, "OnscreenMessageNotification", Read<CParseOnscreenNoti, ReadOnscreen>},
+                                   {6, "CertificationData", Read<CParseCDT, ReadCdt>},
+                                   {0xFE, "SignedMultiTable", ReadMultiTable},
+                                   {0xFF, "UserDefined", nullptr}};
+
+const STableKind* Find(unsigned tableId)
+{
+    const auto* kind = std::find_if(std::begin(k_tables), std::end(k_tables),
+                                    [tableId](const STableKind& each) { return each.id == tableId; });
+    return kind != std::end(k_tables) ? kind : nullptr;
+}
+
+}  // namespace
+
+const char* TableName(unsigned tableId)
+{
+    const STableKind* kind = Find(tableId);
+    return kind ? kind->name : nullptr;
+}
+
+bool HasParser(unsigned tableId)
+{
+    const STableKind* kind = Find(tableId);
+    return kind && kind->read;
+}
+
+STableOutcome ParseTable(const SLlsHeader& header, SView bytes)
+{
+    STableOutcome outcome;
+    Find(header.tableId)->read(header, bytes, outcome);
+    return outcome;
+}
+
+}  // namespace vyr::inspect

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "model/Report.h"
+
+namespace vyr::inspect {
+
+/// What the library makes of an MMT signalling message.
+struct SMessageOutcome {
+    bool supported = false;
+    std::optional<SContent> content;
+    std::string reason;  ///< why there is none
+    std::vector<std::pair<EFault, std::string>> faults;
+    std::set<unsigned> services;  ///< whose signalling it carries, where it says so
+};
+
+/// Hands a whole message to its parser and reads what it found.
+SMessageOutcome ReadMessage(SView bytes);
+/// "MPT (0x0020)".
+std::string MessageTitle(unsigned id);
+
+}  // namespace vyr::inspect

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "model/Report.h"
+#include "route/SLSManager.h"
+
+struct SMPDInfo;
+
+namespace vyr::inspect {
+
+/// What an MPD says, in text (without its segments) and JSON. What a level has from the level above
+/// stands there again when it is short: texts beyond 64 bytes and segments stand where they are said.
+SContent MpdContent(const SMPDInfo& mpd);
+/// Parses an MPD; none: `reason` tells why.
+std::optional<SContent> ReadMpd(const std::string& document, std::string& reason);
+/// Adds the ratings that the library reports of the whole MPD.
+void AddRatings(const CSLSManager::TRatings& ratings, SContent& content);
+
+}  // namespace vyr::inspect

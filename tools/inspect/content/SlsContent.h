@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "common/ServiceLinkage.h"
+#include "model/Report.h"
+
+class CROUTEUsbd;
+class CRSAT;
+class CSTSID;
+struct SEFDTInfo;
+
+namespace vyr::inspect {
+
+// What the documents of the service-layer signalling say, in text and JSON.
+SContent UsbdContent(const CROUTEUsbd& usbd);
+SContent StsidContent(const CSTSID& stsid);
+SContent EfdtContent(const SEFDTInfo& efdt);
+SContent RsatContent(const CRSAT& rsat);
+/// The linkage of a service to another one, which the USBD of either protocol can have.
+TJson LinkageJson(const CServiceLinkage::SServiceLinkage& linkage);
+std::string LinkageText(const CServiceLinkage::SServiceLinkage& linkage);
+/// An application list or a HELD: the library hands on its text.
+SContent AppDataContent(const std::string& text);
+
+}  // namespace vyr::inspect

@@ -1,0 +1,376 @@
+#include "follow/LlsFollower.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "base/Gunzip.h"
+#include "base/Names.h"
+#include "base/Text.h"
+#include "content/LibraryPort.h"
+#include "content/LlsTables.h"
+#include "lls/ParseSLT.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr std::size_t k_header = 4;
+constexpr unsigned k_slt = 1;
+constexpr std::uint32_t k_noAddress = 0xFFFFFFFF;
+
+const char* Encoding(SView payload)
+{
+    if (payload.size == 0) {
+        return "empty";
+    }
+    if (IsGzip(payload)) {
+        return "gzip";
+    }
+    if (payload.size >= 2 && (payload[0] & 0x0F) == 8 && payload[0] <= 0x78 && payload.Be16(0) % 31 == 0) {
+        return "zlib";
+    }
+    std::size_t at = payload.size >= 3 && payload.Be16(0) == 0xEFBB && payload[2] == 0xBF ? 3 : 0;
+    while (at < payload.size && (payload[at] == ' ' || (payload[at] >= '\t' && payload[at] <= '\r'))) {
+        ++at;
+    }
+    return at < payload.size && payload[at] == '<' ? "XML" : "binary";
+}
+
+double Seconds(const STime& time)
+{
+    return static_cast<double>(time.seconds) + time.nanoseconds / 1e9;
+}
+
+unsigned Key(const SLlsHeader& header)
+{
+    return unsigned{header.tableId} << 8 | header.groupId;
+}
+
+std::string Title(const SLlsHeader& header)
+{
+    const char* name = TableName(header.tableId);
+    return (name != nullptr ? std::string(name) : "table " + std::to_string(header.tableId)) + " version " +
+           std::to_string(header.version) + " group " + std::to_string(header.groupId);
+}
+
+std::string DropText(const SParseSLT::SService& service, CParseSLT::EDropReason reason)
+{
+    const auto range = [](int value) {
+        return value == 0 ? std::string(" is missing or 0") : ' ' + std::to_string(value) + " is outside 1 to 999";
+    };
+    switch (reason) {
+        case CParseSLT::DROP_NO_PROTECTED:
+        case CParseSLT::DROP_NO_HIDDEN:
+        case CParseSLT::DROP_NO_BROADBAND:
+            return std::string("the attribute ") + DropAttribute(reason) + " is missing";
+        case CParseSLT::DROP_MAJOR_CHANNEL:
+            return "majorChannelNo" + range(service.majorChannelNo);
+        case CParseSLT::DROP_MINOR_CHANNEL:
+            return "minorChannelNo" + range(service.minorChannelNo);
+        case CParseSLT::DROP_BROADBAND_UNSUPPORTED:
+            return "broadbandAccessRequired is true, and the setting db/menu/broadcasting/atsc3_bb_option is off";
+        case CParseSLT::DROP_DUPLICATE:
+            return "it equals another service of the table";
+        case CParseSLT::DROP_LIMIT:
+        case CParseSLT::DROP_GONE:
+            break;  // SetReplace is off here
+    }
+    return "unknown reason";
+}
+
+SListedService ListedService(const SParseSLT::SService& service)
+{
+    SListedService listed;
+    listed.serviceId = static_cast<unsigned>(service.serviceId);
+    listed.category = service.serviceCategory;
+    listed.globalServiceId = service.globalServiceId.value_or("");
+    listed.majorChannelNo = service.majorChannelNo;
+    listed.minorChannelNo = service.minorChannelNo;
+    if (!service.hasBroadcastSvcSignaling) {
+        return listed;
+    }
+    listed.slsProtocol = service.slsProtocol;
+    const bool usable = service.slsDestinationIpAddress != 0 && service.slsDestinationIpAddress != k_noAddress &&
+                        service.slsDestinationUdpPort > 0 && service.slsDestinationUdpPort <= 0xFFFF;
+    if (usable) {
+        listed.session.destination = service.slsDestinationIpAddress;
+        listed.session.port = static_cast<std::uint16_t>(service.slsDestinationUdpPort);
+        listed.session.source = service.slsSourceIpAddress != k_noAddress ? service.slsSourceIpAddress : 0;
+    }
+    return listed;
+}
+
+/// What the drop callback works on.
+struct SDrops {
+    const STable& table;
+    std::vector<SFault> faults;
+    std::vector<SAssertion> assertions;
+};
+
+void HearDrop(void* userData, const SParseSLT::SService* service, CParseSLT::EDropReason reason)
+{
+    SDrops& drops = *static_cast<SDrops*>(userData);
+    std::vector<SAssertion> assertions = TakeAssertions();
+    if (reason <= CParseSLT::DROP_NO_BROADBAND && !assertions.empty()) {
+        assertions.pop_back();  // the library asserts what this drop says
+    }
+    drops.assertions.insert(drops.assertions.end(), assertions.begin(), assertions.end());
+    const std::string name = service->shortServiceName ? " \"" + *service->shortServiceName + '"' : std::string();
+    const char* attribute = DropAttribute(reason);
+    drops.faults.push_back(
+        {EFault::SERVICE_DROPPED,
+         "service " + std::to_string(service->serviceId) + name + " dropped: " + DropText(*service, reason),
+         drops.table.source, drops.table.header, service->serviceId, attribute ? attribute : ""});
+}
+
+void HearParsed(void* userData, int)
+{
+    *static_cast<bool*>(userData) = true;
+}
+
+}  // namespace
+
+CLlsFollower::CLlsFollower(std::string stream, bool lenient, CChannelMap& channelMap, CReport& report)
+    : m_stream(std::move(stream)), m_lenient(lenient), m_channelMap(channelMap), m_report(report)
+{
+}
+
+CLlsFollower::~CLlsFollower()
+{
+    while (!m_groups.empty()) {
+        m_Release(m_groups.front());
+    }
+}
+
+std::size_t CLlsFollower::Services() const
+{
+    std::size_t count = 0;
+    for (const auto& [groupId, current] : m_current) {
+        count += current->services.size();
+    }
+    return count;
+}
+
+void CLlsFollower::m_Take(SView bytes, const SSource& source, bool insideMultiTable)
+{
+    m_taken += insideMultiTable ? 0 : 1;
+    if (bytes.size < k_header) {
+        m_report.Fault({EFault::TABLE_TOO_SHORT,
+                        "LLS table of " + Counted(bytes.size, "byte") + ", shorter than its header", source});
+        return;
+    }
+    STable table;
+    table.source = source;
+    table.stream = m_stream;
+    table.header = {bytes[0], bytes[1], bytes[2], bytes[3]};
+    table.payload = bytes.From(k_header);
+    table.encoding = Encoding(table.payload);
+    table.insideMultiTable = insideMultiTable;
+    table.parserExists = table.header.tableId == k_slt || HasParser(table.header.tableId);
+    m_sawSlt = m_sawSlt || table.header.tableId == k_slt;
+
+    const auto known = m_states.find(Key(table.header));
+    const std::size_t sizeBefore = known != m_states.end() ? known->second.size : 0;
+    table.status = m_Compare(table.header, table.payload, table, source);
+
+    SOutcome outcome;
+    if (table.parserExists && table.status != EStatus::REPEATED) {
+        outcome = table.header.tableId == k_slt ? m_ParseSlt(bytes, table) : m_ParseOther(bytes, table);
+        table.slt = std::move(outcome.slt);
+    }
+    m_report.Table(table);
+    if (table.status == EStatus::CHANGED_WITHOUT_VERSION) {
+        m_report.Fault({EFault::CHANGED_WITHOUT_VERSION,
+                        Title(table.header) + " changed without a new version (payload of " +
+                            Counted(table.payload.size, "byte") + ", before " + std::to_string(sizeBefore) + ')',
+                        source, table.header});
+    }
+    if (!outcome.reason.empty()) {
+        m_report.Fault({EFault::TABLE_NOT_PARSED, Title(table.header) + " did not parse: " + outcome.reason, source,
+                        table.header});
+    }
+    for (const SFault& fault : outcome.faults) {
+        m_report.Fault(fault);
+    }
+    for (const std::vector<unsigned char>& inner : outcome.inner) {
+        const SView inside = {inner.data(), inner.size()};
+        if (!insideMultiTable) {
+            m_Take(inside, source, true);
+        } else {
+            m_report.Fault(
+                {EFault::TABLE_NOT_PARSED, "a signed multi-table in another is not followed", source, table.header});
+        }
+    }
+}
+
+CLlsFollower::SOutcome CLlsFollower::m_ParseOther(SView bytes, STable& table)
+{
+    SOutcome outcome;
+    TakeAssertions();
+    STableOutcome parsed = ParseTable(table.header, bytes);
+    table.content = std::move(parsed.content);
+    outcome.reason = std::move(parsed.reason);
+    outcome.inner = std::move(parsed.inner);
+    for (const auto& [code, message] : parsed.faults) {
+        outcome.faults.push_back({code, Title(table.header) + ": " + message, table.source, table.header});
+    }
+    if (!table.content) {
+        m_Explain(table, outcome);
+    }
+    m_AddAssertions(TakeAssertions(), table, outcome);
+    return outcome;
+}
+
+/// Why a table did not parse, where the library's words alone do not say it.
+void CLlsFollower::m_Explain(const STable& table, SOutcome& outcome)
+{
+    if (std::string(table.encoding) == "zlib") {
+        outcome.reason = "compressed with zlib, not gzip";
+    } else if (table.payload.size < 2) {
+        outcome.reason = "its payload is " + Counted(table.payload.size, "byte");
+    } else if (outcome.reason.empty()) {
+        outcome.reason = "the library gave no reason";
+    } else if (std::string(table.encoding) == "gzip" &&
+               outcome.reason.find("Start tag expected") != std::string::npos) {
+        outcome.reason += " (or the gzip data does not inflate)";
+    }
+}
+
+void CLlsFollower::m_AddAssertions(const std::vector<SAssertion>& assertions, const STable& table, SOutcome& outcome)
+{
+    for (const SAssertion& assertion : assertions) {
+        outcome.faults.push_back({EFault::ASSERTION,
+                                  "the library asserts \"" + assertion.expression + "\" at " + assertion.place,
+                                  table.source, table.header});
+    }
+}
+
+EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SView payload, STable& table, const SSource& source)
+{
+    const std::uint64_t hash = ContentHash(payload);
+    const auto [entry, isNew] = m_states.try_emplace(Key(header));
+    SState& state = entry->second;
+    if (source.time && state.lastSeen && Seconds(*source.time) >= Seconds(*state.lastSeen)) {
+        table.interval = Seconds(*source.time) - Seconds(*state.lastSeen);
+    }
+    const bool sameContent = state.size == payload.size && state.hash == hash;
+    const bool sameVersion = state.header.version == header.version;
+    const bool sameCount = state.header.groupCountMinus1 == header.groupCountMinus1;
+    state = {header, payload.size, hash, source.time};
+    if (isNew) {
+        return EStatus::NEW;
+    }
+    if (sameVersion && sameCount) {
+        return sameContent ? EStatus::REPEATED : EStatus::CHANGED_WITHOUT_VERSION;
+    }
+    return sameContent && !sameVersion ? EStatus::NEW_VERSION_SAME_CONTENT : EStatus::CHANGED;
+}
+
+/// A parser object piles up the services of all its tables: each table has one of its own. Its
+/// services get a channel of their own too, so that nothing of the previous list is left in them.
+CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SView bytes, const STable& table)
+{
+    SOutcome outcome;
+    auto current = std::make_unique<SCurrentSlt>();
+    bool parsed = false;
+    const CParseSLT::SCallback callback = {&parsed, HearParsed};
+    SDrops drops = {table, {}, {}};
+    const CParseSLT::SDropCallback dropCallback = {&drops, HearDrop};
+    TakeAssertions();
+    CParseSLT parser;
+    if (!parser.Create(&m_channelMap, &callback)) {
+        outcome.reason = "the library made no parser";
+        return outcome;
+    }
+    parser.SetLenient(m_lenient);
+    parser.SetDropCallback(&dropCallback);
+    parser.Start(current.get());
+    parser.AddLLSGroupId(table.header.groupId);
+    IParse::SItem item = {bytes.data, static_cast<unsigned>(bytes.size), static_cast<unsigned>(bytes.size) * 8, 0,
+                          true};
+    parser.Parse(&item);
+    outcome.reason = parsed ? std::string() : Reason();
+    outcome.faults = std::move(drops.faults);
+    if (parsed) {
+        outcome.slt.emplace().dropped = static_cast<unsigned>(outcome.faults.size());
+        m_Read(parser, bytes, table, outcome);
+        std::vector<SListedService> services;
+        for (const SParseSLT::SService& service : outcome.slt->services) {
+            current->services.push_back(service.service);
+            services.push_back(ListedService(service));
+        }
+        m_Hold(table.header.groupId, std::move(current), table, outcome);
+        m_serviceListener(table.header.groupId, std::move(services));
+    } else {
+        m_Explain(table, outcome);
+    }
+    parser.Stop();
+    parser.Destroy();
+    m_AddAssertions(drops.assertions, table, outcome);
+    m_AddAssertions(TakeAssertions(), table, outcome);
+    return outcome;
+}
+
+void CLlsFollower::m_Read(CParseSLT& parser, SView bytes, const STable& table, SOutcome& outcome)
+{
+    SSlt& slt = *outcome.slt;
+    slt.bsid = parser.Bsid();
+    parser.GetSltCapability(slt.capabilities);
+    for (int i = 0; i < parser.SltInetUrlCount(); ++i) {
+        std::string url;
+        EATSC3UrlType type = ATSC3_URL_NONE;
+        parser.GetSltInetUrl(i, url, type);
+        slt.inetUrls.push_back({url, type});
+    }
+    std::string xml;
+    std::string cms;
+    slt.cmsSignedData = parser.CheckCMS(bytes.data, static_cast<int>(bytes.size), xml, cms);
+    for (int i = 0; i < parser.ServiceCount(); ++i) {
+        const SParseSLT::SService& service = slt.services.emplace_back(*parser.GetServiceInfo(i));
+        for (const auto& [name, address] : {std::pair("slsDestinationIpAddress", service.slsDestinationIpAddress),
+                                            std::pair("slsSourceIpAddress", service.slsSourceIpAddress)}) {
+            if (address == k_noAddress) {
+                outcome.faults.push_back(
+                    {EFault::BAD_ADDRESS,
+                     "service " + std::to_string(service.serviceId) + ": " + name + " is not an IPv4 address",
+                     table.source, table.header, service.serviceId, name});
+            }
+        }
+    }
+}
+
+void CLlsFollower::m_Hold(unsigned char groupId, std::unique_ptr<SCurrentSlt> current, const STable& table,
+                          SOutcome& outcome)
+{
+    m_Release(groupId);
+    m_current[groupId] = std::move(current);
+    m_groups.push_back(groupId);
+    while (m_groups.size() > 1 && Services() > k_maxServices) {
+        outcome.faults.push_back({EFault::TOO_MANY_SERVICES,
+                                  "more than " + std::to_string(k_maxServices) +
+                                      " services are announced: those of LLS group " +
+                                      std::to_string(m_groups.front()) + " are let go",
+                                  table.source, table.header});
+        m_serviceListener(m_groups.front(), {});
+        m_Release(m_groups.front());
+    }
+}
+
+void CLlsFollower::m_Release(unsigned char groupId)
+{
+    const auto current = m_current.find(groupId);
+    if (current == m_current.end()) {
+        return;
+    }
+    std::set<void*> removed;  // two services of a list can share one entry of the map
+    for (void* service : current->second->services) {
+        if (removed.insert(service).second) {
+            m_channelMap.RemoveService(service);
+        }
+    }
+    m_current.erase(current);
+    m_groups.remove(groupId);
+}
+
+}  // namespace vyr::inspect

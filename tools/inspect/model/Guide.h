@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/Report.h"
+
+namespace vyr::inspect {
+
+/// A text of the guide and its language (BCP 47; empty: not given).
+struct SGuideText {
+    std::string lang;
+    std::string text;
+};
+
+/// One presentation of a content: a row of a programme list, a box of the time grid.
+struct SProgramme {
+    std::string contentId;              ///< id of the content fragment; empty: the schedule names none that came
+    std::optional<std::int64_t> start;  ///< seconds since 1970, UTC; absent: no schedule gives it a time
+    std::optional<std::int64_t> end;
+    std::vector<SGuideText> titles;
+    std::vector<SGuideText> descriptions;
+    std::vector<std::string> genres;
+    std::vector<std::string> ratings;
+    std::vector<std::string> audioLanguages;
+    std::vector<std::string> textLanguages;
+};
+
+/// A service of the guide with its programmes.
+struct SGuideService {
+    std::string fragmentId;
+    std::string globalServiceId;
+    std::optional<unsigned> serviceId;  ///< of the service list, where the two can be joined
+    std::optional<int> majorChannelNo;
+    std::optional<int> minorChannelNo;
+    std::vector<SGuideText> names;
+    std::vector<SGuideText> descriptions;
+    std::vector<std::string> genres;
+    std::vector<SProgramme> programmes;  ///< by start, those without one last
+};
+
+/// The guide as it stands after the units that came: schedule, content and service fragments joined.
+struct SGuide {
+    SSource source;
+    std::vector<SGuideService> services;
+    std::size_t fragments = 0;            ///< that hold now
+    std::size_t unscheduledContents = 0;  ///< content fragments that no schedule names
+    std::size_t missingContents = 0;      ///< that schedules name, and that did not come
+    std::size_t missingServices = 0;      ///< that schedules and contents name, and that did not come
+};
+
+/// What carries fragments of the guide, or announces them.
+enum class EGuideObject { DELIVERY_UNIT, DELIVERY_DESCRIPTOR, RESPONSE, FRAGMENT };
+
+/// One object of the guide that is not a repeat.
+struct SGuideObject {
+    SSource source;
+    std::string session;               ///< "239.255.7.1:30100"; empty for a raw file
+    std::optional<std::uint64_t> tsi;  ///< not for a raw file
+    std::optional<TToi> toi;           ///< not for a raw file
+    std::string contentLocation;       ///< of the file, where the session's EFDT tells
+    EGuideObject kind = EGuideObject::DELIVERY_UNIT;
+    EStatus status = EStatus::NEW;
+    std::size_t size = 0;  ///< bytes as they were sent
+    bool gzip = false;
+    std::optional<SContent> content;  ///< none: it did not parse
+};
+
+/// "SGDU", "ServiceGuideDeliveryDescriptor", "SGResponse" or "fragment".
+const char* GuideObjectName(EGuideObject kind);
+
+}  // namespace vyr::inspect

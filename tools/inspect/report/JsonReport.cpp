@@ -1,0 +1,390 @@
+#include "report/JsonReport.h"
+
+#include <cstdio>
+#include <ctime>
+#include <nlohmann/json.hpp>
+
+#include "base/Json.h"
+#include "base/Names.h"
+#include "base/Text.h"
+#include "content/LlsTables.h"
+#include "model/Guide.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr int k_schemaVersion = 1;
+
+TJson Object(const char* type)
+{
+    return {{"schema_version", k_schemaVersion}, {"type", type}};
+}
+
+std::string TimeText(const STime& time)
+{
+    const std::time_t seconds = static_cast<std::time_t>(time.seconds);
+    std::tm utc{};
+    gmtime_r(&seconds, &utc);
+    char text[80];
+    const bool fine = time.nanoseconds % 1000 != 0;
+    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%0*dZ", utc.tm_year + 1900, utc.tm_mon + 1,
+                  utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec, fine ? 9 : 6,
+                  fine ? time.nanoseconds : time.nanoseconds / 1000);
+    return text;
+}
+
+TJson SourceJson(const SSource& source)
+{
+    TJson json = {{"file", source.file}};
+    if (source.packet != 0) {
+        json["packet"] = source.packet;
+    }
+    if (source.time) {
+        json["time"] = TimeText(*source.time);
+    }
+    return json;
+}
+
+void PutHeader(TJson& json, const SLlsHeader& header)
+{
+    PutNamed(json, "LLS_table_id", header.tableId, TableName(header.tableId));
+    json["LLS_group_id"] = header.groupId;
+    json["group_count_minus1"] = header.groupCountMinus1;
+    json["LLS_table_version"] = header.version;
+}
+
+TJson UrlJson(int urlType, const std::string& url)
+{
+    TJson json = TJson::object();
+    if (urlType >= 0) {
+        PutNamed(json, "urlType", urlType, UrlTypeName(urlType));
+    }
+    json["url"] = url;
+    return json;
+}
+
+TJson TextsJson(const std::vector<SGuideText>& texts)
+{
+    TJson json = TJson::array();
+    for (const SGuideText& text : texts) {
+        TJson& entry = json.emplace_back(TJson::object());
+        PutText(entry, "lang", text.lang);
+        entry["text"] = text.text;
+    }
+    return json;
+}
+
+TJson ProgrammeJson(const SProgramme& programme)
+{
+    TJson json = TJson::object();
+    PutText(json, "contentId", programme.contentId);
+    if (programme.start) {
+        json["start"] = EpochText(static_cast<double>(*programme.start));
+    }
+    if (programme.end) {
+        json["end"] = EpochText(static_cast<double>(*programme.end));
+    }
+    PutList(json, "Name", TextsJson(programme.titles));
+    PutList(json, "Description", TextsJson(programme.descriptions));
+    PutList(json, "Genre", programme.genres);
+    PutList(json, "ContentAdvisoryRatings", programme.ratings);
+    PutList(json, "AudioLanguage", programme.audioLanguages);
+    PutList(json, "TextLanguage", programme.textLanguages);
+    return json;
+}
+
+TJson GuideServiceJson(const SGuideService& service)
+{
+    TJson json = TJson::object();
+    PutText(json, "id", service.fragmentId);
+    PutText(json, "globalServiceID", service.globalServiceId);
+    PutValue(json, "serviceId", service.serviceId);
+    PutValue(json, "majorChannelNo", service.majorChannelNo);
+    PutValue(json, "minorChannelNo", service.minorChannelNo);
+    PutList(json, "Name", TextsJson(service.names));
+    PutList(json, "Description", TextsJson(service.descriptions));
+    PutList(json, "Genre", service.genres);
+    json["programmes"] = TJson::array();
+    for (const SProgramme& programme : service.programmes) {
+        json["programmes"].push_back(ProgrammeJson(programme));
+    }
+    return json;
+}
+
+/// Writes each count that it is told of.
+struct SPutCount {
+    TJson& json;
+
+    void operator()(const char* name, std::uint64_t count) const { json[name] = count; }
+    void operator()(const char* name, double count) const { json[name] = count; }
+
+    template <class TCounts>
+    void operator()(const char* name, const TCounts& counts) const
+    {
+        TJson& object = json[name] = TJson::object();
+        TCounts::Each(counts, SPutCount{object});
+    }
+
+    void operator()(const char* name, const std::map<unsigned, STableCounts>& tables) const
+    {
+        TJson& array = json[name] = TJson::array();
+        for (const auto& [tableId, counts] : tables) {
+            TJson& table = array.emplace_back(TJson::object());
+            PutNamed(table, "LLS_table_id", tableId, TableName(tableId));
+            STableCounts::Each(counts, SPutCount{table});
+        }
+    }
+
+    void operator()(const char* name, const std::map<EFault, std::uint64_t>& faults) const
+    {
+        TJson& object = json[name] = TJson::object();
+        for (const auto& [code, count] : faults) {
+            object[FaultName(code)] = count;
+        }
+    }
+};
+
+void PutToi(TJson& json, const TToi& toi)
+{
+    if (toi.first == 0) {
+        json["TOI"] = toi.second;
+    } else {
+        json["TOI"] = ToiText(toi);
+    }
+}
+
+std::string JsonLine(const TJson& json)
+{
+    return json.dump(-1, ' ', false, TJson::error_handler_t::replace) + '\n';
+}
+
+}  // namespace
+
+TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
+{
+    TJson json = Object("service");
+    json["source"] = SourceJson(table.source);
+    if (!table.stream.empty()) {
+        json["stream"] = table.stream;
+    }
+    PutHeader(json, table.header);
+    json["bsid"] = table.slt->bsid;
+    json["serviceId"] = service.serviceId;
+    PutValue(json, "globalServiceID", service.globalServiceId);
+    json["sltSvcSeqNum"] = service.sltSvcSeqNum;
+    json["protected"] = service.isProtected;
+    if (service.majorChannelNo != 0 || service.minorChannelNo != 0) {
+        json["majorChannelNo"] = service.majorChannelNo;
+        json["minorChannelNo"] = service.minorChannelNo;
+    }
+    PutNamed(json, "serviceCategory", service.serviceCategory, ServiceCategoryName(service.serviceCategory));
+    PutValue(json, "shortServiceName", service.shortServiceName);
+    json["hidden"] = service.hidden;
+    json["broadbandAccessRequired"] = service.broadbandAccessRequired;
+    PutValue(json, "svcCapabilities", service.svcCapabilities);
+    if (!service.drmSystemID.empty()) {
+        json["drmSystemID"] = service.drmSystemID;
+    }
+    if (service.simulcastTsid != 0) {
+        json["simulcastTSID"] = service.simulcastTsid;
+        json["simulcastMajorChannelNo"] = service.simulcastMajorChannelNo;
+        json["simulcastMinorChannelNo"] = service.simulcastMinorChannelNo;
+    }
+    if (service.hasBroadcastSvcSignaling) {
+        PutNamed(json, "slsProtocol", service.slsProtocol, ProtocolName(service.slsProtocol));
+        json["slsMajorProtocolVersion"] = service.slsMajorProtocolVersion;
+        json["slsMinorProtocolVersion"] = service.slsMinorProtocolVersion;
+        json["slsDestinationIpAddress"] = Ipv4Text(service.slsDestinationIpAddress);
+        json["slsDestinationUdpPort"] = service.slsDestinationUdpPort;
+        if (service.slsSourceIpAddress != 0) {
+            json["slsSourceIpAddress"] = Ipv4Text(service.slsSourceIpAddress);
+        }
+    }
+    if (service.svcInetUrl.present) {
+        json["svcInetUrl"] = UrlJson(service.svcInetUrl.urlType, service.svcInetUrl.url);
+    }
+    return json;
+}
+
+TJson TableJson(const STable& table)
+{
+    TJson json = Object("table");
+    json["source"] = SourceJson(table.source);
+    if (!table.stream.empty()) {
+        json["stream"] = table.stream;
+    }
+    PutHeader(json, table.header);
+    if (table.insideMultiTable) {
+        json["insideSignedMultiTable"] = true;
+    }
+    json["status"] = StatusName(table.status);
+    json["size"] = table.payload.size;
+    json["encoding"] = table.encoding;
+    if (table.interval) {
+        json["intervalSeconds"] = *table.interval;
+    }
+    if (table.status == EStatus::REPEATED) {
+        return json;
+    }
+    if (!table.parserExists) {
+        json["payload"] = Hex(table.payload);
+    } else {
+        json["parsed"] = table.slt.has_value() || table.content.has_value();
+    }
+    if (table.content) {
+        json.update(table.content->json);
+    }
+    if (table.slt) {
+        json["bsid"] = table.slt->bsid;
+        if (!table.slt->capabilities.empty()) {
+            json["sltCapabilities"] = table.slt->capabilities;
+        }
+        for (const SParseSLT::SSltInetUrl& url : table.slt->inetUrls) {
+            json["sltInetUrl"].push_back(UrlJson(url.urlType, url.url));
+        }
+        json["cmsSignedData"] = table.slt->cmsSignedData;
+        json["services"] = table.slt->services.size();
+        json["servicesDropped"] = table.slt->dropped;
+    }
+    return json;
+}
+
+TJson EnvelopeJson(const std::vector<SEnvelopeItem>& items)
+{
+    TJson json = TJson::array();
+    for (const SEnvelopeItem& item : items) {
+        TJson entry = TJson::object();
+        PutValue(entry, "metadataURI", item.metadataURI);
+        PutValue(entry, "version", item.version);
+        PutValue(entry, "contentType", item.contentType);
+        json.push_back(std::move(entry));
+    }
+    return json;
+}
+
+void CJsonReport::Table(const STable& table)
+{
+    m_output.Write(JsonLine(TableJson(table)));
+    if (table.slt) {
+        for (const SParseSLT::SService& service : table.slt->services) {
+            m_output.Write(JsonLine(ServiceJson(table, service)));
+        }
+    }
+}
+
+void CJsonReport::Signalling(const SSignalling& signalling)
+{
+    TJson json = Object("signalling");
+    json["source"] = SourceJson(signalling.source);
+    PutText(json, "session", signalling.session);
+    PutList(json, "serviceIds", signalling.services);
+    if (signalling.toi) {
+        json["TSI"] = 0;
+        PutToi(json, *signalling.toi);
+    }
+    json["status"] = StatusName(signalling.status);
+    json["size"] = signalling.size;
+    json["gzip"] = signalling.gzip;
+    PutText(json, "contentType", signalling.contentType);
+    PutList(json, "metadataEnvelope", EnvelopeJson(signalling.items));
+    for (const SSlsDocument& document : signalling.documents) {
+        TJson entry = {{"name", DocumentName(document.kind)},
+                       {"size", document.size},
+                       {"status", DocumentStatusName(document.status)},
+                       {"parsed", document.content.has_value()}};
+        PutText(entry, "reason", document.reason);
+        json["documents"].push_back(std::move(entry));
+    }
+    for (const SSlsDocument& document : signalling.documents) {
+        if (document.content) {
+            json[DocumentName(document.kind)] = document.content->json;
+        }
+    }
+    m_output.Write(JsonLine(json));
+}
+
+void CJsonReport::Message(const SMessage& message)
+{
+    TJson json = Object("message");
+    json["source"] = SourceJson(message.source);
+    PutText(json, "session", message.session);
+    PutList(json, "serviceIds", message.services);
+    PutValue(json, "packet_id", message.packetId);
+    PutNamed(json, "message_id", message.id, MessageName(message.id));
+    json["version"] = message.version;
+    json["status"] = StatusName(message.status);
+    json["size"] = message.payload.size;
+    if (message.supported) {
+        json["parsed"] = message.content.has_value();
+    } else {
+        json["payload"] = Hex(message.payload);
+    }
+    if (message.content) {
+        json.update(message.content->json);
+    }
+    m_output.Write(JsonLine(json));
+}
+
+void CJsonReport::GuideObject(const SGuideObject& object)
+{
+    TJson json = Object("guideObject");
+    json["source"] = SourceJson(object.source);
+    PutText(json, "session", object.session);
+    PutValue(json, "TSI", object.tsi);
+    if (object.toi) {
+        PutToi(json, *object.toi);
+    }
+    PutText(json, "Content-Location", object.contentLocation);
+    json["name"] = GuideObjectName(object.kind);
+    json["status"] = StatusName(object.status);
+    json["size"] = object.size;
+    json["gzip"] = object.gzip;
+    json["parsed"] = object.content.has_value();
+    if (object.content) {
+        json[GuideObjectName(object.kind)] = object.content->json;
+    }
+    m_output.Write(JsonLine(json));
+}
+
+void CJsonReport::Guide(const SGuide& guide)
+{
+    TJson json = Object("guide");
+    json["source"] = SourceJson(guide.source);
+    json["fragments"] = guide.fragments;
+    json["unscheduledContents"] = guide.unscheduledContents;
+    json["missingContents"] = guide.missingContents;
+    json["missingServices"] = guide.missingServices;
+    json["services"] = TJson::array();
+    for (const SGuideService& service : guide.services) {
+        json["services"].push_back(GuideServiceJson(service));
+    }
+    m_output.Write(JsonLine(json));
+}
+
+void CJsonReport::Fault(const SFault& fault)
+{
+    TJson json = Object("fault");
+    json["source"] = SourceJson(fault.source);
+    json["code"] = FaultName(fault.code);
+    json["message"] = fault.message;
+    if (fault.header) {
+        PutHeader(json, *fault.header);
+    }
+    if (fault.serviceId) {
+        json["serviceId"] = *fault.serviceId;
+    }
+    if (!fault.attribute.empty()) {
+        json["attribute"] = fault.attribute;
+    }
+    m_output.Write(JsonLine(json));
+}
+
+void CJsonReport::Summary(const SSummary& summary)
+{
+    TJson json = Object("summary");
+    summary.Each(SPutCount{json});
+    m_output.Write(JsonLine(json));
+}
+
+}  // namespace vyr::inspect

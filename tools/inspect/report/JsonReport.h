@@ -1,0 +1,32 @@
+#pragma once
+
+#include <vector>
+
+#include "model/Report.h"
+#include "report/Output.h"
+
+namespace vyr::inspect {
+
+/// The objects of the JSON report that other forms show as well.
+TJson TableJson(const STable& table);
+TJson ServiceJson(const STable& table, const SParseSLT::SService& service);
+TJson EnvelopeJson(const std::vector<SEnvelopeItem>& items);
+
+/// The report for programs: one JSON object per line, complete in itself.
+class CJsonReport : public IReportWriter {
+  public:
+    explicit CJsonReport(COutput& output) : m_output(output) {}
+
+    void Table(const STable& table) override;
+    void Signalling(const SSignalling& signalling) override;
+    void Message(const SMessage& message) override;
+    void GuideObject(const SGuideObject& object) override;
+    void Guide(const SGuide& guide) override;
+    void Fault(const SFault& fault) override;
+    void Summary(const SSummary& summary) override;
+
+  private:
+    COutput& m_output;
+};
+
+}  // namespace vyr::inspect

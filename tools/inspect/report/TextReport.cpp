@@ -1,0 +1,447 @@
+#include "report/TextReport.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <vector>
+
+#include "base/Names.h"
+#include "base/Text.h"
+#include "content/LlsTables.h"
+#include "content/MmtReader.h"
+#include "model/Guide.h"
+#include "report/GuideText.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr std::size_t k_shownBytes = 16;
+
+std::string ClockText(const STime& time)
+{
+    const std::time_t seconds = static_cast<std::time_t>(time.seconds);
+    std::tm utc{};
+    gmtime_r(&seconds, &utc);
+    char text[48];
+    std::snprintf(text, sizeof text, "%02d:%02d:%02d.%03d", utc.tm_hour, utc.tm_min, utc.tm_sec,
+                  time.nanoseconds / 1000000);
+    return text;
+}
+
+std::string Place(const SSource& source)
+{
+    std::string text = Printable(source.file) + ':';
+    if (source.packet != 0) {
+        text += " packet " + std::to_string(source.packet);
+        text += source.time ? ", " + ClockText(*source.time) + ' ' : std::string(" ");
+    }
+    return text + ' ';
+}
+
+std::string Named(int number, const char* name)
+{
+    return std::to_string(number) + (name != nullptr ? std::string(" ") + name : std::string());
+}
+
+std::string TableTitle(unsigned tableId)
+{
+    const char* name = TableName(tableId);
+    const std::string number = std::to_string(tableId);
+    return name != nullptr ? std::string(name) + " (" + number + ')' : "table " + number;
+}
+
+const char* StatusText(EStatus status)
+{
+    switch (status) {
+        case EStatus::CHANGED_WITHOUT_VERSION:
+            return "changed without a new version";
+        case EStatus::NEW_VERSION_SAME_CONTENT:
+            return "new version, same content";
+        default:
+            return StatusName(status);
+    }
+}
+
+/// "of service 2001 on 239.255.7.1:30100", what a session's signalling is of.
+std::string SessionText(const std::vector<unsigned>& serviceIds, const std::string& session)
+{
+    std::vector<std::string> services;
+    for (const unsigned serviceId : serviceIds) {
+        services.push_back(std::to_string(serviceId));
+    }
+    const std::string text =
+        services.empty() ? "" : (services.size() == 1 ? " of service " : " of services ") + Joined(services);
+    return text + (session.empty() ? "" : " on " + session);
+}
+
+/// Items of the envelope, with their types where they are first met.
+std::string ItemsText(const SSignalling& signalling)
+{
+    std::vector<std::string> items;
+    for (const SEnvelopeItem& item : signalling.items) {
+        items.push_back(
+            Printable(item.metadataURI.value_or("-")) + (item.version ? " version " + Printable(*item.version) : "") +
+            (item.contentType && signalling.status == EStatus::NEW ? " (" + Printable(*item.contentType) + ')' : ""));
+    }
+    return items.empty() ? std::string() : "  envelope: " + Joined(items) + '\n';
+}
+
+std::string DocumentText(const SSlsDocument& document)
+{
+    std::string text = std::string("  ") + DocumentName(document.kind);
+    text += document.status != EDocumentStatus::NEW ? std::string(" ") + DocumentStatusName(document.status) : "";
+    if (!document.content) {
+        return text + ": did not parse\n";
+    }
+    if (document.status == EDocumentStatus::UNCHANGED) {
+        return text + '\n';
+    }
+    if (document.sameText) {
+        return text + ", not in what is shown here\n";
+    }
+    return text + ": " + document.content->headline + '\n' + document.content->text;
+}
+
+std::string FlagsText(const SParseSLT::SService& service)
+{
+    std::string flags;
+    const auto add = [&flags](bool set, const char* name) {
+        if (set) {
+            flags += (flags.empty() ? "" : ", ") + std::string(name);
+        }
+    };
+    add(service.isProtected, "protected");
+    add(service.hidden, "hidden");
+    add(service.broadbandAccessRequired, "broadband");
+    add(!service.drmSystemID.empty(), "DRM");
+    add(service.svcInetUrl.present, "URL");
+    add(service.simulcastTsid != 0, "simulcast");
+    return flags;
+}
+
+TRow ServiceRow(const SParseSLT::SService& service)
+{
+    const bool numbered = service.majorChannelNo != 0 || service.minorChannelNo != 0;
+    TRow row = {std::to_string(service.serviceId),
+                numbered ? std::to_string(service.majorChannelNo) + '.' + std::to_string(service.minorChannelNo) : "-",
+                Printable(service.shortServiceName.value_or("-")),
+                Named(service.serviceCategory, ServiceCategoryName(service.serviceCategory)),
+                "-",
+                "-",
+                "-",
+                FlagsText(service)};
+    if (service.hasBroadcastSvcSignaling) {
+        row[4] = Named(service.slsProtocol, ProtocolName(service.slsProtocol));
+        row[5] = EndpointText(service.slsDestinationIpAddress, static_cast<unsigned>(service.slsDestinationUdpPort));
+        row[6] = service.slsSourceIpAddress != 0 ? Ipv4Text(service.slsSourceIpAddress) : "-";
+    }
+    return row;
+}
+
+std::string SltText(const SSlt& slt)
+{
+    std::string text;
+    if (!slt.capabilities.empty()) {
+        text += "  capabilities: " + Printable(slt.capabilities) + '\n';
+    }
+    for (const SParseSLT::SSltInetUrl& url : slt.inetUrls) {
+        text += "  URL" + (url.urlType >= 0 ? " of type " + Named(url.urlType, UrlTypeName(url.urlType)) : "") + ": " +
+                Printable(url.url) + '\n';
+    }
+    return text + (slt.services.empty() ? std::string() : Aligned(ServiceRows(slt.services)));
+}
+
+std::string FaultText(const SFault& fault)
+{
+    return Place(fault.source) + (IsInputFault(fault.code) ? "" : "fault: ") + Printable(fault.message) + '\n';
+}
+
+/// Appends "; 3 of this kind"; nothing for none.
+class CAdder {
+  public:
+    explicit CAdder(std::string& text) : m_text(text) {}
+
+    void operator()(std::uint64_t count, const std::string& what) const
+    {
+        if (count != 0) {
+            m_text += (m_text.empty() ? "" : "; ") + std::to_string(count) + ' ' + what;
+        }
+    }
+
+    void operator()(const SStatusCounts& counts) const
+    {
+        for (std::size_t i = 0; i < k_statuses; ++i) {
+            (*this)(counts[i], StatusText(static_cast<EStatus>(i)));
+        }
+    }
+
+  private:
+    std::string& m_text;
+};
+
+std::string CountsText(const STableCounts& counts)
+{
+    std::string text;
+    const CAdder add(text);
+    add(counts.byStatus);
+    add(counts.notParsed, "did not parse");
+    if (counts.intervals != 0) {
+        char mean[48];
+        std::snprintf(mean, sizeof mean, "; every %.3f s on average",
+                      counts.intervalSum / static_cast<double>(counts.intervals));
+        text += mean;
+    }
+    return text;
+}
+
+std::string RouteText(const SRouteCounts& counts)
+{
+    std::string text = Counted(counts.packets, "packet") + " on " + Counted(counts.sessions, "session") + "; " +
+                       std::to_string(counts.signalling) + " of TSI 0";
+    const CAdder add(text);
+    add(counts.malformed, "malformed");
+    add(counts.objects.complete, counts.objects.complete == 1 ? "object complete" : "objects complete");
+    add(counts.incomplete, "incomplete");
+    add(counts.objects.dropped, "dropped");
+    add(counts.objects.tooLarge, "not taken");
+    return text;
+}
+
+std::string MmtpText(const SMmtpCounts& counts)
+{
+    std::string text = Counted(counts.packets, "packet") + " on " + Counted(counts.sessions, "session") + "; " +
+                       std::to_string(counts.signalling) + " of signalling";
+    const CAdder add(text);
+    add(counts.otherTypes, "of other types");
+    add(counts.otherVersions, "of other versions");
+    add(counts.malformed, "malformed");
+    add(counts.messages.repeated, "sent again");
+    add(counts.messages.complete, counts.messages.complete == 1 ? "message complete" : "messages complete");
+    add(counts.messages.lost, "incomplete");
+    add(counts.messages.dropped, "dropped");
+    return text;
+}
+
+std::string MessagesText(const SMmtMessageCounts& counts)
+{
+    std::string text;
+    const CAdder add(text);
+    add(counts.byStatus);
+    add(counts.notParsed, "did not parse");
+    add(counts.notSupported, "not supported");
+    return text.empty() ? "none" : text;
+}
+
+std::string SignallingText(const SSummary& summary)
+{
+    std::string text;
+    const CAdder add(text);
+    if (const std::uint64_t services = summary.routeServices + summary.mmtpServices; services != 0) {
+        text = std::to_string(summary.servicesSignalled) + " of " + Counted(services, "service");
+    }
+    add(summary.signalling.byStatus);
+    const std::uint64_t documents = summary.signalling.documentsNotParsed;
+    add(documents, documents == 1 ? "document did not parse" : "documents did not parse");
+    return text.empty() ? "none" : text;
+}
+
+std::string GuideCountsText(const SGuideCounts& counts)
+{
+    std::string text = Counted(counts.services, "service") + ", " + Counted(counts.programmes, "programme") + " of " +
+                       Counted(counts.fragments, "fragment");
+    const CAdder add(text);
+    add(counts.byStatus);
+    add(counts.notParsed, "did not parse");
+    add(counts.packets, counts.packets == 1 ? "packet" : "packets");
+    add(counts.objects.dropped, "dropped");
+    add(counts.objects.tooLarge, "not taken");
+    return text;
+}
+
+std::string PacketsText(const SPacketCounts& packets)
+{
+    std::string text = std::to_string(packets.packets);
+    const CAdder add(text);
+    add(packets.cut, "cut by the capture");
+    add(packets.malformed, "malformed");
+    add(packets.otherProtocol, "not IPv4 and UDP");
+    add(packets.otherLinkPackets, "link-layer packets of other kinds");
+    add(packets.fragments, "fragments");
+    add(packets.incompleteDatagrams, "of them never whole");
+    return text;
+}
+
+}  // namespace
+
+std::vector<TRow> ServiceRows(const std::vector<SParseSLT::SService>& services)
+{
+    std::vector<TRow> rows = {{"id", "channel", "name", "category", "protocol", "destination", "source", "flags"}};
+    std::transform(services.begin(), services.end(), std::back_inserter(rows), ServiceRow);
+    return rows;
+}
+
+std::string Headline(const STable& table)
+{
+    std::string text = TableTitle(table.header.tableId) + " version " + std::to_string(table.header.version) +
+                       " group " + std::to_string(table.header.groupId);
+    if (table.header.groupCountMinus1 != 0) {
+        text += " of " + Counted(table.header.groupCountMinus1 + 1u, "group");
+    }
+    text += table.insideMultiTable ? ", in a signed multi-table" : "";
+    text += std::string(": ") + StatusText(table.status);
+    if (table.slt) {
+        text += ", bsid " + std::to_string(table.slt->bsid) + ", " + Counted(table.slt->services.size(), "service");
+        text += table.slt->dropped != 0 ? ", " + std::to_string(table.slt->dropped) + " dropped" : "";
+        return text + (table.slt->cmsSignedData ? ", with CMSSignedData" : "");
+    }
+    if (table.content) {
+        return text + ", " + table.content->headline;
+    }
+    text += ", " + Counted(table.payload.size, "byte") + " (" + table.encoding + ')';
+    text += table.parserExists ? "" : ": " + Hex(table.payload.First(k_shownBytes));
+    return text + (!table.parserExists && table.payload.size > k_shownBytes ? "..." : "");
+}
+
+std::string Headline(const SSignalling& signalling)
+{
+    std::string text = "signalling" + SessionText(signalling.services, signalling.session);
+    text += signalling.toi ? " TOI " + ToiText(*signalling.toi) : "";
+    return text + ": " + StatusText(signalling.status) + ", " + Counted(signalling.documents.size(), "document") +
+           ", " + Counted(signalling.size, "byte") + (signalling.gzip ? " (gzip)" : "");
+}
+
+std::string Headline(const SMessage& message)
+{
+    std::string text = "message" + SessionText(message.services, message.session);
+    text += message.packetId ? " packet id " + std::to_string(*message.packetId) : "";
+    text += ": " + MessageTitle(message.id) + " version " + std::to_string(message.version) + ": " +
+            StatusText(message.status);
+    if (message.content) {
+        return text + (message.content->headline.empty() ? "" : ", " + message.content->headline);
+    }
+    text += ", " + Counted(message.payload.size, "byte");
+    text += message.supported ? "" : ", not supported: " + Hex(message.payload.First(k_shownBytes));
+    return text + (!message.supported && message.payload.size > k_shownBytes ? "..." : "");
+}
+
+std::string Headline(const SGuideObject& object)
+{
+    std::string text = std::string("guide ") + GuideObjectName(object.kind);
+    text += object.session.empty() ? "" : " on " + object.session;
+    text += object.tsi ? " TSI " + std::to_string(*object.tsi) : "";
+    text += object.toi ? " TOI " + ToiText(*object.toi) : "";
+    text += object.contentLocation.empty() ? "" : ' ' + Printable(object.contentLocation);
+    text += std::string(": ") + StatusText(object.status) + ", " + Counted(object.size, "byte");
+    text += object.gzip ? " (gzip)" : "";
+    return text + (object.content ? ", " + object.content->headline : ", did not parse");
+}
+
+std::vector<TRow> SummaryRows(const SSummary& summary)
+{
+    std::vector<TRow> rows = {{"inputs", std::to_string(summary.inputs) + ": " + Counted(summary.captures, "capture") +
+                                             ", " + Counted(summary.rawTables, "raw table")}};
+    if (summary.slsFiles != 0) {
+        rows.back().back() += ", " + Counted(summary.slsFiles, "signalling file");
+    }
+    if (summary.rawMessages != 0) {
+        rows.back().back() += ", " + Counted(summary.rawMessages, "raw message");
+    }
+    if (summary.guideFiles != 0) {
+        rows.back().back() += ", " + Counted(summary.guideFiles, "guide file");
+    }
+    if (summary.captures != 0) {
+        rows.push_back({"packets", PacketsText(summary.packets)});
+        rows.push_back({"UDP", Counted(summary.packets.datagrams, "datagram") + ", " +
+                                   std::to_string(summary.llsDatagrams) + " of them LLS"});
+    }
+    for (const auto& [tableId, counts] : summary.tables) {
+        rows.push_back({TableTitle(tableId), CountsText(counts)});
+    }
+    rows.push_back(
+        {"services",
+         std::to_string(summary.services) + " announced" +
+             (summary.servicesDropped != 0 ? "; " + std::to_string(summary.servicesDropped) + " dropped" : "")});
+    if (summary.route.sessions != 0) {
+        rows.push_back({"ROUTE", RouteText(summary.route)});
+    }
+    if (summary.mmtp.sessions != 0) {
+        rows.push_back({"MMTP", MmtpText(summary.mmtp)});
+    }
+    if (summary.mmtp.sessions + summary.rawMessages != 0) {
+        rows.push_back({"messages", MessagesText(summary.messages)});
+    }
+    if (summary.routeServices + summary.mmtpServices + summary.route.sessions + summary.slsFiles != 0) {
+        rows.push_back({"signalling", SignallingText(summary)});
+    }
+    if (summary.guide.sessions + summary.guideFiles != 0) {
+        rows.push_back({"guide", GuideCountsText(summary.guide)});
+    }
+    rows.push_back({"faults", std::to_string(summary.faults)});
+    return rows;
+}
+
+void CTextReport::Table(const STable& table)
+{
+    if (table.status == EStatus::REPEATED) {
+        return;
+    }
+    std::string text = Place(table.source) + Headline(table) + '\n';
+    if (table.status != EStatus::NEW_VERSION_SAME_CONTENT) {
+        text += table.slt ? SltText(*table.slt) : table.content ? table.content->text : std::string();
+    }
+    m_output.Write(text);
+}
+
+void CTextReport::Signalling(const SSignalling& signalling)
+{
+    std::string text = Place(signalling.source) + Headline(signalling) + '\n';
+    if (signalling.status != EStatus::NEW_VERSION_SAME_CONTENT) {
+        text += ItemsText(signalling);
+        for (const SSlsDocument& document : signalling.documents) {
+            text += DocumentText(document);
+        }
+    }
+    m_output.Write(text);
+}
+
+void CTextReport::Message(const SMessage& message)
+{
+    const bool shown = message.content && message.status != EStatus::NEW_VERSION_SAME_CONTENT;
+    m_output.Write(Place(message.source) + Headline(message) + '\n' + (shown ? message.content->text : ""));
+}
+
+void CTextReport::GuideObject(const SGuideObject& object)
+{
+    m_output.Write(Place(object.source) + Headline(object) + '\n' + (object.content ? object.content->text : ""));
+}
+
+void CTextReport::Guide(const SGuide& guide)
+{
+    m_output.Write(Place(guide.source) + GuideText(guide, m_localTime));
+}
+
+void CTextReport::Fault(const SFault& fault)
+{
+    // Of an input that is none, stderr tells.
+    if (!IsInputFault(fault.code)) {
+        m_output.Write(FaultText(fault));
+    }
+}
+
+void CTextReport::Summary(const SSummary& summary)
+{
+    if (summary.captures + summary.rawTables + summary.slsFiles + summary.rawMessages + summary.guideFiles == 0) {
+        return;
+    }
+    std::string text = "\nsummary\n" + Aligned(SummaryRows(summary));
+    for (const SFault& fault : summary.firstFaults) {
+        text += "    " + FaultText(fault);
+    }
+    if (summary.faults > summary.firstFaults.size()) {
+        text += "    and " + std::to_string(summary.faults - summary.firstFaults.size()) + " more\n";
+    }
+    m_output.Write(text);
+}
+
+}  // namespace vyr::inspect

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/Text.h"
+#include "model/Report.h"
+#include "report/Output.h"
+
+namespace vyr::inspect {
+
+/// The line that tells of one thing that came: what it is, and what is new about it.
+std::string Headline(const STable& table);
+std::string Headline(const SSignalling& signalling);
+std::string Headline(const SMessage& message);
+std::string Headline(const SGuideObject& object);
+/// The services of a list, below their column titles.
+std::vector<TRow> ServiceRows(const std::vector<SParseSLT::SService>& services);
+/// What the summary counts, each behind its label.
+std::vector<TRow> SummaryRows(const SSummary& summary);
+
+/// The report for people.
+class CTextReport : public IReportWriter {
+  public:
+    /// With `localTime`, the times of the guide are those of the machine's time zone.
+    explicit CTextReport(COutput& output, bool localTime = false) : m_output(output), m_localTime(localTime) {}
+
+    void Table(const STable& table) override;
+    void Signalling(const SSignalling& signalling) override;
+    void Message(const SMessage& message) override;
+    void GuideObject(const SGuideObject& object) override;
+    void Guide(const SGuide& guide) override;
+    void Fault(const SFault& fault) override;
+    void Summary(const SSummary& summary) override;
+
+  private:
+    COutput& m_output;
+    const bool m_localTime;
+};
+
+}  // namespace vyr::inspect
