@@ -106,6 +106,10 @@ TEST(PacketDecoder, TakesNoPartOfAPacketForAPacket)
             EXPECT_EQ(counts.cut, 1u);
             EXPECT_EQ(counts.malformed, 1u);
         }
+        // A capture that left out what stands behind the datagram, a checksum or padding, lost nothing of it.
+        SRun whole(link.linkType);
+        EXPECT_EQ(whole.Take(packet, true).payloads, TTexts({k_text})) << link.name;
+        EXPECT_EQ(whole.Finish().cut, 0u) << link.name;
     }
 }
 

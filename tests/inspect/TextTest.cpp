@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 namespace {
 
 using namespace vyr::inspect;
@@ -18,6 +20,11 @@ TEST(Text, WhatATerminalWouldObeyIsEscaped)
         {"zero byte", std::string("a\0b", 3), "a\\x00b"},
         {"C1 control", "\xC2\x9B\xC2\xA0", "\\x9B\xC2\xA0"},
         {"direction override", "\xE2\x80\xAE", "\\u202E"},
+        {"Arabic letter mark", "\u061B\u061C\u061D", "\u061B\\u061C\u061D"},
+        {"soft hyphen", "\u00AC\u00AD\u00AE", "\u00AC\\xAD\u00AE"},
+        {"annotation", "\uFFF9\uFFFB\uFFFC", "\\uFFF9\\uFFFB\uFFFC"},
+        {"tag characters", "\U000E0041\U000E1000", "\\U000E0041\U000E1000"},
+        {"emoji as a picture", "\u2764\uFE0F", "\u2764\uFE0F"},
         {"stray continuation", "\x80z", "\\x80z"},
         {"cut at the end", "T\xC3", "T\\xC3"},
         {"cut in the middle", "\xE6\x97z", "\\xE6\\x97z"},
@@ -30,6 +37,14 @@ TEST(Text, WhatATerminalWouldObeyIsEscaped)
         EXPECT_EQ(Printable(test.text), test.expected) << test.name;
     }
     EXPECT_EQ(Aligned({{"Télév 日本", "a"}, {"12345678", "b"}}), "  Télév 日本  a\n  12345678  b\n");
+}
+
+TEST(Text, JsonStaysOneLineAndSaysTheSame)
+{
+    const std::string text = "\"a\u2028b\u0085c\u00A0\U000E0041\U0001F4FA\x7F\"";
+    const std::string json = PlainJson(text);
+    EXPECT_EQ(json, "\"a\\u2028b\\u0085c\u00A0\\udb40\\udc41\U0001F4FA\\u007f\"");
+    EXPECT_EQ(nlohmann::json::parse(json), nlohmann::json::parse(text));
 }
 
 TEST(Text, Numbers)

@@ -1,6 +1,10 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 
@@ -15,12 +19,27 @@ namespace {
 
 using namespace vyr::inspect;
 
-/// An interrupt ends the input, so that the summary still comes.
+/// Takes the numbers of standard streams that are closed, so that no file of ours gets one of them: what goes to
+/// standard output would go there.
+void OpenStandardStreams()
+{
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+        if (fcntl(stream, F_GETFD) == -1 && errno == EBADF && open("/dev/null", O_RDWR) != stream) {
+            std::_Exit(EXIT_FAILED);
+        }
+    }
+}
+
+/// An interrupt ends the input, so that the summary still comes; a second one ends the program.
 void WatchSignals()
 {
     std::signal(SIGPIPE, SIG_IGN);
     struct sigaction action {};
-    action.sa_handler = [](int) { CInput::Stop(); };
+    action.sa_handler = [](int) {
+        CInput::Stop();
+        std::signal(SIGINT, SIG_DFL);
+        std::signal(SIGTERM, SIG_DFL);
+    };
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }
@@ -72,6 +91,7 @@ int Inspect(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    OpenStandardStreams();
     try {
         return Inspect(argc, argv);
     } catch (const std::exception& error) {

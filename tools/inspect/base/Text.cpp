@@ -39,10 +39,19 @@ SCodePoint Decode(const std::string& text, std::size_t at)
     return value < k_least[length] || value > 0x10FFFF || surrogate ? SCodePoint{0, 0} : SCodePoint{value, length};
 }
 
+/// Controls, what sets the direction of text, line separators, and what is drawn as nothing (Unicode's
+/// Default_Ignorable_Code_Point and annotation marks). The two that choose how an emoji is drawn are no harm.
 bool Invisible(unsigned value)
 {
-    return value < 0x20 || (value >= 0x7F && value < 0xA0) || (value >= 0x200B && value <= 0x200F) ||
-           (value >= 0x2028 && value <= 0x202E) || (value >= 0x2060 && value <= 0x206F) || value == 0xFEFF;
+    constexpr struct {
+        unsigned first;
+        unsigned last;
+    } k_ranges[] = {{0x00, 0x1F},     {0x7F, 0x9F},       {0xAD, 0xAD},       {0x34F, 0x34F},    {0x61C, 0x61C},
+                    {0x115F, 0x1160}, {0x17B4, 0x17B5},   {0x180B, 0x180F},   {0x200B, 0x200F},  {0x2028, 0x202E},
+                    {0x2060, 0x206F}, {0x3164, 0x3164},   {0xFE00, 0xFE0D},   {0xFEFF, 0xFEFF},  {0xFFA0, 0xFFA0},
+                    {0xFFF0, 0xFFFB}, {0x1BCA0, 0x1BCA3}, {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF}};
+    return std::any_of(std::begin(k_ranges), std::end(k_ranges),
+                       [value](const auto& range) { return value >= range.first && value <= range.last; });
 }
 
 /// Columns that printable text takes: one for each character.
@@ -70,12 +79,36 @@ std::string Printable(const std::string& text)
             continue;
         }
         if (Invisible(point.value)) {
-            std::snprintf(escape, sizeof escape, point.value < 0x100 ? "\\x%02X" : "\\u%04X", point.value);
+            const char* format = point.value < 0x100 ? "\\x%02X" : point.value < 0x10000 ? "\\u%04X" : "\\U%08X";
+            std::snprintf(escape, sizeof escape, format, point.value);
             out += escape;
         } else {
             out.append(text, at, point.length);
         }
         at += point.length;
+    }
+    return out;
+}
+
+std::string PlainJson(const std::string& json)
+{
+    std::string out;
+    out.reserve(json.size());
+    char escape[16];
+    for (std::size_t at = 0; at < json.size();) {
+        const SCodePoint point = Decode(json, at);
+        // What is below is escaped already, but for the line's end.
+        if (point.value < 0x7F || !Invisible(point.value)) {
+            out.append(json, at, std::max<std::size_t>(point.length, 1));
+        } else if (point.value < 0x10000) {
+            std::snprintf(escape, sizeof escape, "\\u%04x", point.value);
+            out += escape;
+        } else {
+            const unsigned pair = point.value - 0x10000;
+            std::snprintf(escape, sizeof escape, "\\u%04x\\u%04x", 0xD800 | pair >> 10, 0xDC00 | (pair & 0x3FF));
+            out += escape;
+        }
+        at += std::max<std::size_t>(point.length, 1);
     }
     return out;
 }

@@ -12,6 +12,9 @@ namespace vyr::inspect {
 /// Text that is safe on a terminal: control and direction characters and what is not UTF-8 become
 /// visible escapes.
 std::string Printable(const std::string& text);
+/// JSON with escapes in place of the characters that Printable escapes: it says the same, and one line of it
+/// is one line to every reader.
+std::string PlainJson(const std::string& json);
 std::string Hex(SView bytes);
 /// "192.0.2.10".
 std::string Ipv4Text(std::uint32_t address);

@@ -39,13 +39,16 @@ struct SStatusCounts : std::array<std::uint64_t, k_statuses> {
 /// What the packets of a capture were.
 struct SPacketCounts {
     std::uint64_t packets = 0;
-    std::uint64_t cut = 0;                  ///< captured shorter than they were
+    std::uint64_t cut = 0;                  ///< of which the capture lacks what their headers announce
     std::uint64_t malformed = 0;            ///< headers that contradict themselves or the packet's length
     std::uint64_t otherProtocol = 0;        ///< not IPv4 over this link, or IPv4 without UDP
     std::uint64_t otherLinkPackets = 0;     ///< link-layer packets of another kind than IPv4
     std::uint64_t fragments = 0;            ///< IPv4 and link-layer pieces
     std::uint64_t incompleteDatagrams = 0;  ///< pieces that never became whole
     std::uint64_t datagrams = 0;            ///< whole UDP datagrams
+
+    /// A packet ends before its headers say; `captureCut`: the capture holds less of it than there was.
+    void Short(bool captureCut) { ++(captureCut ? cut : malformed); }
 
     template <class TSelf, class TVisit>
     static void Each(TSelf& self, const TVisit& visit)

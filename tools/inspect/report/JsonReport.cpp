@@ -156,7 +156,7 @@ void PutToi(TJson& json, const TToi& toi)
 
 std::string JsonLine(const TJson& json)
 {
-    return json.dump(-1, ' ', false, TJson::error_handler_t::replace) + '\n';
+    return PlainJson(json.dump(-1, ' ', false, TJson::error_handler_t::replace)) + '\n';
 }
 
 }  // namespace

@@ -4,9 +4,9 @@
 #include <pcap/pcap.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <zlib.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -62,54 +62,143 @@ bool IsTextStart(SView start)
 }  // namespace
 
 /// A file whose first bytes have been looked at, readable from its start again: a pipe cannot be
-/// wound back.
+/// wound back. It may be read inflated.
 struct CInput::SFile {
     int descriptor = -1;
-    std::array<unsigned char, k_magic> start{};
-    std::size_t startSize = 0;
-    std::size_t position = 0;
-    int error = 0;
+    std::vector<unsigned char> held;  ///< read ahead
+    std::size_t position = 0;         ///< in `held`
+    std::string error;                ///< empty: none
+    bool inflating = false;
+    bool onlyHeld = false;  ///< the end is that of `held`
+    bool inMember = false;  ///< the last member's end has not come
+    z_stream stream{};
+    std::vector<unsigned char> deflated;  ///< what `stream` reads
 
+    SFile() = default;
     ~SFile()
     {
+        StopInflating();
         if (descriptor > STDIN_FILENO) {
             close(descriptor);
         }
     }
+    SFile(const SFile&) = delete;
+    SFile& operator=(const SFile&) = delete;
 
-    ssize_t Read(char* to, std::size_t size)
+    ssize_t Read(char* to, std::size_t size) { return inflating ? ReadInflated(to, size) : ReadRaw(to, size); }
+
+    /// The first bytes: up to `size`, fewer at the end of a file.
+    SView Peek(std::size_t size)
     {
-        if (position < startSize) {
-            const std::size_t count = std::min(size, startSize - position);
-            std::memcpy(to, start.data() + position, count);
-            position += count;
-            return static_cast<ssize_t>(count);
+        while (held.size() < size) {
+            const std::size_t before = held.size();
+            position = before;
+            held.resize(size);
+            const ssize_t count = ReadFile(reinterpret_cast<char*>(held.data()) + before, size - before);
+            held.resize(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+            if (count <= 0) {
+                break;
+            }
         }
+        position = 0;
+        return SView{held.data(), held.size()}.First(size);
+    }
+
+    /// Whether a file that is compressed by gzip is a capture; it is read inflated then.
+    bool InflatesToCapture()
+    {
+        constexpr std::size_t k_ahead = 65536;  // a gzip header may have a name and a comment
+        Peek(k_ahead);
+        unsigned char start[k_magic] = {};
+        StartInflating();
+        onlyHeld = true;
+        const ssize_t count = ReadInflated(reinterpret_cast<char*>(start), sizeof start);
+        onlyHeld = false;
+        StopInflating();
+        position = 0;
+        error.clear();
+        const bool capture = count == sizeof start && IsCaptureMagic({start, sizeof start});
+        if (capture) {
+            StartInflating();
+        }
+        return capture;
+    }
+
+  private:
+    void StartInflating()
+    {
+        constexpr int k_gzipOnly = 15 + 16;
+        stream = {};
+        inflating = inflateInit2(&stream, k_gzipOnly) == Z_OK;
+        inMember = true;
+    }
+
+    void StopInflating()
+    {
+        if (inflating) {
+            inflateEnd(&stream);
+            inflating = false;
+        }
+    }
+
+    ssize_t ReadFile(char* to, std::size_t size)
+    {
         while (g_stop == 0) {
             const ssize_t count = read(descriptor, to, size);
             if (count >= 0) {
                 return count;
             }
             if (errno != EINTR) {
-                error = errno;
+                error = std::strerror(errno);
                 return -1;
             }
         }
         return 0;
     }
 
-    void Peek()
+    ssize_t ReadRaw(char* to, std::size_t size)
     {
-        while (startSize < k_magic) {
-            const std::size_t held = startSize;
-            position = startSize;
-            const ssize_t count = Read(reinterpret_cast<char*>(start.data()) + held, k_magic - held);
-            if (count <= 0) {
-                break;
-            }
-            startSize += static_cast<std::size_t>(count);
+        if (position < held.size()) {
+            const std::size_t count = std::min(size, held.size() - position);
+            std::memcpy(to, held.data() + position, count);
+            position += count;
+            return static_cast<ssize_t>(count);
         }
-        position = 0;
+        return onlyHeld ? 0 : ReadFile(to, size);
+    }
+
+    /// Members of a gzip file follow each other; what is behind the last one is passed over, as zeros of a tape.
+    ssize_t ReadInflated(char* to, std::size_t size)
+    {
+        constexpr std::size_t k_step = 65536;
+        stream.next_out = reinterpret_cast<Bytef*>(to);
+        stream.avail_out = static_cast<uInt>(std::min<std::size_t>(size, 1u << 30));
+        const uInt wanted = stream.avail_out;
+        while (stream.avail_out == wanted) {
+            if (stream.avail_in == 0) {
+                deflated.resize(k_step);
+                const ssize_t count = ReadRaw(reinterpret_cast<char*>(deflated.data()), k_step);
+                if (count <= 0) {
+                    error = count == 0 && inMember && g_stop == 0 ? "its gzip data ends early" : error;
+                    return error.empty() ? 0 : -1;
+                }
+                stream.next_in = deflated.data();
+                stream.avail_in = static_cast<uInt>(count);
+            }
+            if (!inMember && stream.next_in[0] != 0x1F) {
+                return 0;
+            }
+            inMember = true;
+            const int result = inflate(&stream, Z_NO_FLUSH);
+            if (result == Z_STREAM_END) {
+                inMember = false;
+                inflateReset(&stream);
+            } else if (result != Z_OK && result != Z_BUF_ERROR) {
+                error = "its gzip data is damaged";
+                return stream.avail_out == wanted ? -1 : static_cast<ssize_t>(wanted - stream.avail_out);
+            }
+        }
+        return static_cast<ssize_t>(wanted - stream.avail_out);
     }
 };
 
@@ -123,15 +212,15 @@ CInput::CInput(const std::string& name) : m_file(std::make_unique<SFile>())
     if (fstat(m_file->descriptor, &about) == 0 && S_ISDIR(about.st_mode)) {
         throw CInputError(EFault::INPUT_DIRECTORY, "is a directory");
     }
-    m_file->Peek();
-    if (m_file->error != 0) {
-        throw CInputError(EFault::INPUT_UNREADABLE, std::strerror(m_file->error));
+    const bool gzip = IsGzip(m_file->Peek(k_magic)) && m_file->InflatesToCapture();
+    const SView start = m_file->Peek(k_magic);
+    if (!m_file->error.empty()) {
+        throw CInputError(EFault::INPUT_UNREADABLE, m_file->error);
     }
-    const SView start = {m_file->start.data(), m_file->startSize};
     if (start.size == 0) {
         throw CInputError(EFault::INPUT_EMPTY, "is empty");
     }
-    if (IsCaptureMagic(start)) {
+    if (gzip || IsCaptureMagic(start)) {
         m_OpenCapture();
     } else if (IsTableStart(start)) {
         m_kind = EKind::TABLE;
@@ -171,8 +260,7 @@ bool CInput::Next(SPacket& packet)
     const unsigned char* bytes = nullptr;
     const int result = g_stop == 0 ? pcap_next_ex(m_capture, &header, &bytes) : PCAP_ERROR_BREAK;
     if (result == PCAP_ERROR && g_stop == 0) {
-        throw CInputError(m_file->error != 0 ? EFault::INPUT_UNREADABLE : EFault::CAPTURE_DAMAGED,
-                          m_file->error != 0 ? std::strerror(m_file->error) : pcap_geterr(m_capture));
+        throw CInputError(m_Unreadable(), m_file->error.empty() ? pcap_geterr(m_capture) : m_file->error);
     }
     if (result != 1) {
         return false;
@@ -198,6 +286,12 @@ void CInput::Stop()
     g_stop = 1;
 }
 
+/// What a capture that cannot be read on is.
+EFault CInput::m_Unreadable() const
+{
+    return m_file->error.empty() || m_file->inflating ? EFault::CAPTURE_DAMAGED : EFault::INPUT_UNREADABLE;
+}
+
 void CInput::m_OpenCapture()
 {
     cookie_io_functions_t functions{};
@@ -210,7 +304,7 @@ void CInput::m_OpenCapture()
     m_capture = pcap_fopen_offline_with_tstamp_precision(stream, PCAP_TSTAMP_PRECISION_NANO, error);
     if (m_capture == nullptr) {
         std::fclose(stream);
-        throw CInputError(m_file->error != 0 ? EFault::INPUT_UNREADABLE : EFault::CAPTURE_DAMAGED, error);
+        throw CInputError(m_Unreadable(), m_file->error.empty() ? error : m_file->error);
     }
 }
 
@@ -228,8 +322,8 @@ void CInput::m_ReadBytes()
                                                            std::to_string(limit) + " bytes");
         }
     }
-    if (m_file->error != 0) {
-        throw CInputError(EFault::INPUT_UNREADABLE, std::strerror(m_file->error));
+    if (!m_file->error.empty()) {
+        throw CInputError(EFault::INPUT_UNREADABLE, m_file->error);
     }
 }
 

@@ -31,9 +31,9 @@ struct SPacket {
     std::optional<STime> time;
 };
 
-/// One input, known by its first bytes: a capture, read packet by packet as it grows, one raw LLS table,
-/// service-layer signalling (a document or a package), an object of the service guide, or one MMT signalling
-/// message.
+/// One input, known by its first bytes: a capture, compressed by gzip or not, read packet by packet as it grows, one
+/// raw LLS table, service-layer signalling (a document or a package), an object of the service guide, or one MMT
+/// signalling message.
 class CInput {
   public:
     /// Opens a file, or standard input for "-". Throws CInputError.
@@ -67,6 +67,7 @@ class CInput {
     static constexpr std::size_t k_maxUnit = 8388608;
 
     void m_OpenCapture();
+    EFault m_Unreadable() const;
     void m_ReadBytes();
 
     std::unique_ptr<SFile> m_file;

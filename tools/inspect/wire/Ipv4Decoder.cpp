@@ -24,7 +24,7 @@ void CIpv4Decoder::Decode(SView packet, bool cut)
 {
     ++m_decoded;
     if (packet.size < 20) {
-        m_counts.malformed += cut ? 0 : 1;
+        m_counts.Short(cut);
         return;
     }
     if (packet[0] >> 4 != 4) {
@@ -42,7 +42,7 @@ void CIpv4Decoder::Decode(SView packet, bool cut)
         return;
     }
     if (total > packet.size) {
-        m_counts.malformed += cut ? 0 : 1;
+        m_counts.Short(cut);
         return;
     }
     const SView data = packet.First(total).From(header);

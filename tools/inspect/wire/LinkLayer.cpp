@@ -45,7 +45,6 @@ bool CPacketDecoder::Knows(int linkType)
 void CPacketDecoder::Decode(SView packet, bool cut)
 {
     ++m_counts.packets;
-    m_counts.cut += cut ? 1 : 0;
     std::size_t header = 0;
     std::size_t typeAt = 0;
     switch (m_linkType) {
@@ -73,7 +72,7 @@ void CPacketDecoder::Decode(SView packet, bool cut)
             return;
     }
     if (packet.size < header) {
-        m_Short(cut);
+        m_counts.Short(cut);
         return;
     }
     m_EtherType(packet.Be16(typeAt), packet.From(header), cut);
@@ -89,7 +88,7 @@ void CPacketDecoder::m_EtherType(unsigned type, SView rest, bool cut)
 {
     for (int tags = 0; IsVlanTag(type) && tags < k_maxVlanTags; ++tags) {
         if (rest.size < 4) {
-            m_Short(cut);
+            m_counts.Short(cut);
             return;
         }
         type = rest.Be16(2);
@@ -106,7 +105,7 @@ void CPacketDecoder::m_EtherType(unsigned type, SView rest, bool cut)
 void CPacketDecoder::m_Family(SView packet, bool cut)
 {
     if (packet.size < 4) {
-        m_Short(cut);
+        m_counts.Short(cut);
         return;
     }
     const std::uint32_t family = packet.Be32(0);
@@ -121,7 +120,7 @@ void CPacketDecoder::m_Family(SView packet, bool cut)
 void CPacketDecoder::m_Alp(SView packet, bool cut)
 {
     if (packet.size < 2) {
-        m_Short(cut);
+        m_counts.Short(cut);
         return;
     }
     if (packet[0] >> 5 != 0) {
@@ -138,14 +137,14 @@ void CPacketDecoder::m_Alp(SView packet, bool cut)
     }
     if (secondFlag) {
         if (rest.size < 1) {
-            m_Short(cut);
+            m_counts.Short(cut);
             return;
         }
         const unsigned flags = rest[0];
         length |= std::size_t{flags >> 3} << 11;
         rest = rest.From(1);
         if (!m_AlpOptions(rest, (flags & 2) != 0, (flags & 1) != 0)) {
-            m_Short(cut);
+            m_counts.Short(cut);
             return;
         }
     }
@@ -162,7 +161,7 @@ void CPacketDecoder::m_AlpSegment(SView rest, bool cut, std::size_t length)
     ++m_counts.fragments;
     if (rest.size < 1) {
         m_DropSegments();
-        m_Short(cut);
+        m_counts.Short(cut);
         return;
     }
     const unsigned flags = rest[0];
@@ -171,7 +170,7 @@ void CPacketDecoder::m_AlpSegment(SView rest, bool cut, std::size_t length)
     rest = rest.From(1);
     if (!m_AlpOptions(rest, (flags & 2) != 0, (flags & 1) != 0) || length > rest.size) {
         m_DropSegments();
-        m_Short(cut);
+        m_counts.Short(cut);
         return;
     }
     if (sequence != m_nextSegment) {
@@ -192,7 +191,7 @@ void CPacketDecoder::m_AlpSegment(SView rest, bool cut, std::size_t length)
 void CPacketDecoder::m_AlpConcatenation(SView rest, bool cut, std::size_t length)
 {
     if (rest.size < 1) {
-        m_Short(cut);
+        m_counts.Short(cut);
         return;
     }
     length |= (rest[0] & 0xF0u) << 7;
@@ -201,12 +200,12 @@ void CPacketDecoder::m_AlpConcatenation(SView rest, bool cut, std::size_t length
     const SView table = rest.From(1);
     const std::size_t tableSize = (lengths * 12 + 7) / 8;
     if (table.size < tableSize) {
-        m_Short(cut);
+        m_counts.Short(cut);
         return;
     }
     rest = table.From(tableSize);
     if (!m_AlpOptions(rest, false, extension) || (length > rest.size && !cut)) {
-        m_Short(cut);
+        m_counts.Short(cut);
         return;
     }
     rest = rest.First(length);
@@ -214,7 +213,7 @@ void CPacketDecoder::m_AlpConcatenation(SView rest, bool cut, std::size_t length
         const std::size_t at = i * 12 / 8;
         const std::size_t component = i % 2 == 0 ? table.Be16(at) >> 4 : table.Be16(at) & 0x0FFFu;
         if (component > rest.size) {
-            m_Short(cut);
+            m_counts.Short(cut);
             return;
         }
         m_ipv4.Decode(rest.First(component), false);
@@ -245,12 +244,6 @@ void CPacketDecoder::m_DropSegments()
     m_counts.incompleteDatagrams += m_nextSegment != 0 ? 1 : 0;
     m_segments.clear();
     m_nextSegment = 0;
-}
-
-/// A packet that the capture cut is counted as that already.
-void CPacketDecoder::m_Short(bool cut)
-{
-    m_counts.malformed += cut ? 0 : 1;
 }
 
 }  // namespace vyr::inspect

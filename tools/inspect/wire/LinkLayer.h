@@ -32,7 +32,6 @@ class CPacketDecoder {
     void m_AlpConcatenation(SView packet, bool cut, std::size_t length);
     bool m_AlpOptions(SView& rest, bool subStream, bool extension);
     void m_DropSegments();
-    void m_Short(bool cut);
 
     const int m_linkType;
     SPacketCounts m_counts;
