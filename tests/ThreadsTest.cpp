@@ -1,6 +1,4 @@
 // A parser per thread, and stores that threads share: for the thread sanitizer, and quick without it.
-#include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <thread>
@@ -10,7 +8,7 @@
 #include "esg/ESGServiceFragment.h"
 #include "esg/GenreNameParse.h"
 #include "lls/RRTMap.h"
-#include "support/Recorder.h"
+#include "support/Services.h"
 
 namespace {
 
@@ -41,24 +39,7 @@ class ThreadsTest : public CRecorder {
   protected:
     // With a zone named, the C library writes nothing at mktime; it does so under a lock that the sanitizer
     // does not see.
-    void SetUp() override
-    {
-        CRecorder::SetUp();
-        const char* zone = std::getenv("TZ");
-        m_zone = zone ? zone : "";
-        setenv("TZ", "UTC0", 1);
-        tzset();
-    }
-
-    void TearDown() override
-    {
-        m_zone.empty() ? unsetenv("TZ") : setenv("TZ", m_zone.c_str(), 1);
-        tzset();
-        CRecorder::TearDown();
-    }
-
-  private:
-    std::string m_zone;
+    const SZone m_zone{"UTC0"};
 };
 
 TEST_F(ThreadsTest, AParserPerThreadAndStoresThatAreShared)
@@ -111,9 +92,7 @@ TEST_F(ThreadsTest, TheChannelMapIsShared)
                 void* own = map.AddService(&map, 1, i, t, 3, 4, 5, 6, false, nullptr);
                 void* shared = map.AddService(nullptr, 1, 7, 3, 4, 5, 6, 7, false, nullptr);
                 EXPECT_TRUE(own && shared && map.SetServiceName(own, "name", 4) && map.SetServiceName(shared, "n", 1));
-                int count = 0;
-                map.GetServiceList([](void* user, void*) { ++*static_cast<int*>(user); }, &count);
-                EXPECT_GT(count, 0);
+                EXPECT_FALSE(ServicesOf(map).empty());
                 EXPECT_TRUE(map.RemoveService(own));
             }
             map.Destroy();
@@ -122,9 +101,7 @@ TEST_F(ThreadsTest, TheChannelMapIsShared)
     for (std::thread& thread : threads) {
         thread.join();
     }
-    int count = 0;
-    first.GetServiceList([](void* user, void*) { ++*static_cast<int*>(user); }, &count);
-    EXPECT_EQ(count, 1);
+    EXPECT_EQ(ServicesOf(first).size(), 1u);
     first.Destroy();
 }
 

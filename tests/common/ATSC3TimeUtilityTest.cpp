@@ -8,20 +8,7 @@
 
 namespace {
 
-class TimeUtilityTest : public CRecorder {
-  protected:
-    void TearDown() override
-    {
-        SetZone(nullptr);
-        CRecorder::TearDown();
-    }
-
-    static void SetZone(const char* zone)
-    {
-        zone ? setenv("TZ", zone, 1) : unsetenv("TZ");
-        tzset();
-    }
-};
+using TimeUtilityTest = CRecorder;
 
 TEST_F(TimeUtilityTest, DurationsAreFoldedAsTheyStand)
 {
@@ -81,7 +68,7 @@ TEST_F(TimeUtilityTest, DateTimesInSeveralZones)
                    {"2040-01-15T12:30:45", 2210243445, false},  // past what 32 bits hold
                    {"1969-12-31T23:59:58", -2, false}};
     for (const auto& zone : k_zones) {
-        SetZone(zone.zone);
+        const SZone set(zone.zone);
         for (const auto& time : k_times) {
             SCOPED_TRACE(testing::Message() << zone.zone << ' ' << time.text);
             EXPECT_EQ(TimeUtility::ConvertDateTime2Epoch(time.text), time.utc - zone.offset);
@@ -92,7 +79,7 @@ TEST_F(TimeUtilityTest, DateTimesInSeveralZones)
 
 TEST_F(TimeUtilityTest, AnyTextGivesSomeNumber)
 {
-    SetZone("UTC0");
+    const SZone zone("UTC0");
     // Fields that do not scan are 0: month 0 is the December before, day 0 the day before.
     EXPECT_EQ(TimeUtility::ConvertDateTime2Epoch("2000"), 943920000);
     EXPECT_EQ(g_EpochTime("2000"), 943920001);

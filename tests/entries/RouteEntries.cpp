@@ -1,3 +1,4 @@
+#include <numeric>
 #include <set>
 
 #include "common/RSAT.h"
@@ -27,11 +28,7 @@ std::string Digest(const CSTSID& stsid)
         }
         sessions.insert(rs + "\n");
     }
-    std::string text;
-    for (const std::string& rs : sessions) {
-        text += rs;
-    }
-    return text;
+    return std::accumulate(sessions.begin(), sessions.end(), std::string());
 }
 
 bool CreateWithCallback(CSTSID& stsid, const std::string& /*input*/)

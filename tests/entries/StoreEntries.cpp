@@ -1,3 +1,4 @@
+#include <numeric>
 #include <set>
 
 #include "common/CoreOS/PtrArray.h"
@@ -7,31 +8,15 @@
 #include "esg/ESGFragmentMap.h"
 #include "lls/ParseSystemTime.h"
 #include "lls/RRTMap.h"
+#include "support/Services.h"
 
 std::string Services(const CChannelMap& map)
 {
-    struct SWalk {
-        CChannelMap& map;
-        std::set<std::string> lines;
-    } walk = {const_cast<CChannelMap&>(map), {}};
-    walk.map.GetServiceList(
-        [](void* user, void* service) {
-            auto& w = *static_cast<SWalk*>(user);
-            unsigned char name[64];
-            unsigned short length = sizeof name;
-            std::string id, url, drm;
-            w.map.GetServiceName(service, name, length);
-            w.map.GetGlobalServiceId(service, id);
-            w.map.GetSvcInetUrl(service, url);
-            w.map.GetDrmSystemID(service, drm);
-            w.lines.insert(std::string(name, name + length) + id + url + drm + "\n");
-        },
-        &walk);
-    std::string text;
-    for (const std::string& line : walk.lines) {
-        text += line;
+    std::set<std::string> lines;
+    for (void* service : ServicesOf(const_cast<CChannelMap&>(map))) {
+        lines.insert(ShowService(const_cast<CChannelMap&>(map), service) + "\n");
     }
-    return text;
+    return std::accumulate(lines.begin(), lines.end(), std::string());
 }
 
 namespace {

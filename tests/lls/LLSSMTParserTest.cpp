@@ -1,5 +1,6 @@
 #include "lls/LLSSMTParser.h"
 
+#include "support/MmtBuilder.h"
 #include "support/ParserTest.h"
 #include "support/Tables.h"
 
@@ -34,7 +35,8 @@ TEST_F(LLSSMTParserTest, PayloadsSignatureAndSignedBlock)
     m_held = 0;
     EXPECT_EQ(State(), "0: sig -");
     m_held = 2;
-    EXPECT_TRUE(Feed(m_parser, k_table));
+    const SFed fed(m_parser, k_table);
+    EXPECT_TRUE(fed.result && fed.item.valid && fed.Cursor() == 12) << "behind the signed block";
     EXPECT_EQ(State(), "2: 1=abc 3= sig SIG! block");
     EXPECT_EQ(Logged("[CLLSSMTParser::Parse] SMT ID:1 VER:7 LEN:3"), 1);
     EXPECT_EQ(Logged("[CLLSSMTParser::Parse] signatureLength[4]"), 1);
@@ -54,14 +56,6 @@ TEST_F(LLSSMTParserTest, PayloadsSignatureAndSignedBlock)
     EXPECT_FALSE(m_parser.GetPayloadLength(2, length) || m_parser.GetPayloadLength(-1, length));
     EXPECT_EQ(TakeAssertions(), "smtPayload; smtPayload");
     EXPECT_EQ(Logged("ASSERT!, Func:GetPayloadLength, Line:"), 2);
-}
-
-TEST_F(LLSSMTParserTest, TheCursorEndsBehindTheSignedBlock)
-{
-    IParse::SItem item = {reinterpret_cast<const unsigned char*>(k_table.data()), 18, 144, 0, true};
-    EXPECT_TRUE(m_parser.Parse(&item));
-    EXPECT_EQ(item.bitpos, 12u * 8);
-    EXPECT_TRUE(item.valid);
 }
 
 TEST_F(LLSSMTParserTest, EveryPrefix)

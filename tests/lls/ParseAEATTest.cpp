@@ -1,7 +1,16 @@
 #include "lls/ParseAEAT.h"
 
 #include "support/ParserTest.h"
+#include "support/Show.h"
 #include "support/Tables.h"
+
+SHOW(SParseAEAT::SText, s.text, s.lang)
+SHOW(SParseAEAT::SLocation, s.location, s.type)
+SHOW(SParseAEAT::SLiveMedia, s.bsid, s.serviceId, s.serviceNames)
+SHOW(SParseAEAT::SMedia, s.lang, s.mediaDesc, s.mediaType, s.url, s.alternateUrl, s.contentType, s.contentLength,
+     s.mediaAssoc)
+SHOW(SParseAEAT::SAEAInfo, s.aeaId, s.issuer, s.audience, s.aeaType, s.retAEAId, s.effective, s.expires, s.eventCode,
+     s.eventCodeType, s.eventDescs, s.locations, s.liveMedia, s.texts, s.media, s.priority, s.wakeup)
 
 namespace {
 
@@ -39,22 +48,10 @@ TEST_F(ParseAEATTest, EverythingOfAnAlert)
     EXPECT_TRUE(m_parser.GetAEATimeInfo(0, a, b) && a == "2027-01-01T00:00:00Z" && b == "later");
     EXPECT_TRUE(m_parser.GetAEAEventCode(0, a, b) && a == "EVI" && b == "SAME");
     EXPECT_EQ(m_parser.AEAEventDescCount(0), 2);
-    const SParseAEAT::SAEAInfo& alert = Last();
-    EXPECT_TRUE(alert.eventDescs[1].text == "Evacuar" && alert.eventDescs[1].lang == "es");
-    ASSERT_EQ(alert.locations.size(), 3u);
-    EXPECT_TRUE(alert.locations[0].type == AEA_LOCATION_SGC && alert.locations[0].location == "1");
-    EXPECT_TRUE(alert.locations[1].type == AEA_LOCATION_CIRCLE && alert.locations[2].type == AEA_LOCATION_UNKNOWN);
-    ASSERT_EQ(alert.texts.size(), 1u);
-    EXPECT_TRUE(alert.texts[0].text == "Go now." && alert.texts[0].lang == "en");
-    ASSERT_TRUE(alert.liveMedia);
-    EXPECT_TRUE(alert.liveMedia->bsid == 4464 && alert.liveMedia->serviceId == 1);
-    ASSERT_EQ(alert.liveMedia->serviceNames.size(), 2u);
-    EXPECT_TRUE(alert.liveMedia->serviceNames[0].text == "attr" && alert.liveMedia->serviceNames[1].text.empty());
-    ASSERT_EQ(alert.media.size(), 2u);
-    EXPECT_TRUE(alert.media[0].mediaDesc == "b" && alert.media[0].mediaType.empty() &&
-                alert.media[1].mediaDesc.empty());
-    EXPECT_TRUE(alert.media[0].contentLength == 1 && alert.media[0].alternateUrl == "au" &&
-                alert.media[0].mediaAssoc == "as");
+    EXPECT_EQ(
+        Show(Last()),
+        "id|is|1|2|ret|2027-01-01T00:00:00Z|later|EVI|SAME|[Evacuate|en Evacuar|es]|[1|2 2|4 3|0]|4464|1|[attr|en |]|"
+        "[Go now.|en]|[en|b||u|au|image/png|1|as ||||||0|]|4|1");
     for (const char* line :
          {"[CParseAEAT::m_ProcessParseAEAT] Name[AEA]", "[CParseAEAT::sm_CbHeader] EventCode",
           "[CParseAEAT::t_Parse] AEA Table size[1]", "AEA Info RET ID[ret], PRIORITY[4], WAKEUP[1]",

@@ -1,8 +1,6 @@
 #include "lls/ParseCDT.h"
 
-#include <cstdlib>
 #include <cstring>
-#include <ctime>
 
 #include "support/ParserTest.h"
 #include "support/Tables.h"
@@ -11,20 +9,6 @@ namespace {
 
 class ParseCDTTest : public TParserTest<CParseCDT> {
   protected:
-    void SetUp() override
-    {
-        TParserTest::SetUp();
-        setenv("TZ", "UTC0", 1);
-        tzset();
-    }
-
-    void TearDown() override
-    {
-        unsetenv("TZ");
-        tzset();
-        TParserTest::TearDown();
-    }
-
     /// Every stored value in one text.
     std::string State()
     {
@@ -51,6 +35,8 @@ class ParseCDTTest : public TParserTest<CParseCDT> {
         EXPECT_TRUE(m_parser.GetToBeSignedData(text));
         return text;
     }
+
+    const SZone m_zone{"UTC0"};
 };
 
 TEST_F(ParseCDTTest, WhatEachTableLeaves)

@@ -11,6 +11,15 @@ bool ParseXml(TParser& parser, const std::string& text)
     return parser.Parse(reinterpret_cast<const char*>(block.data()), static_cast<unsigned int>(block.size()));
 }
 
+/// An object that is created, with these arguments, and destroyed at its end.
+template <class T, auto... TArguments>
+struct SCreated : T {
+    SCreated() { EXPECT_TRUE(this->Create(TArguments...)); }
+    ~SCreated() { this->Destroy(); }
+    SCreated(const SCreated&) = delete;
+    SCreated& operator=(const SCreated&) = delete;
+};
+
 /// Fixture of one parser, which is created, with these arguments, before the test and destroyed after it.
 template <class TParser, auto... TArguments>
 class TParserTest : public CRecorder {

@@ -3,6 +3,7 @@
 #include <iterator>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 // Records as one text, so that a test compares all of it at once: values in their order with "|" between, "-"
@@ -41,11 +42,11 @@ std::string Show(const T& value)
         std::ostringstream text;
         text << +value;
         return text.str();
-    } else if constexpr (std::is_same_v<T, std::string>) {
-        return value;
     } else if constexpr (std::is_convertible_v<T, const char*>) {
         const char* text = value;
         return text ? text : "-";
+    } else if constexpr (std::is_convertible_v<T, std::string_view>) {
+        return std::string(value);
     } else if constexpr (g_ownsText<T>) {
         return value ? value.get() : "-";
     } else if constexpr (g_isList<T>) {
