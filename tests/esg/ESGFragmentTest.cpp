@@ -50,12 +50,6 @@ class ESGFragmentTest : public CRecorder {
     std::string m_root;
 };
 
-template <class TParser>
-struct SCreated : TParser {
-    SCreated() { EXPECT_TRUE(this->Create()); }
-    ~SCreated() override { this->Destroy(); }
-};
-
 TEST_F(ESGFragmentTest, Service)
 {
     SCreated<CESGServiceFragment> fragment;

@@ -5,6 +5,9 @@
 #include "support/EsgRecords.h"
 #include "support/ParserTest.h"
 
+SHOW(CSGResponse::SResponseValidity, s.expirationTime, s.timeWindow)
+SHOW(CSGResponse::SSGResponse, s.status, s.lastResponseVersion, s.supportedVersions, s.descriptors, s.responseValidity,
+     s.privateExt)
 SHOW(CSGDDParse::SSGDDParse, s.ns, s.id, s.version, s.descriptorEntries)
 
 namespace {
@@ -23,11 +26,7 @@ TEST_F(SGDDParseTest, Descriptor)
     ASSERT_TRUE(sgdd.Create());
     ASSERT_TRUE(ParseXml(sgdd, k_sgdd));
     const auto& state = *sgdd.State();
-    EXPECT_STREQ(state.id.get(), "a");
-    EXPECT_STREQ(state.ns.get(), "u");
-    ASSERT_TRUE(state.version == 2 && state.descriptorEntries.size() == 2);
-    EXPECT_EQ(state.descriptorEntries[0]->State()->transport->State()->port, 4);
-    EXPECT_EQ(state.descriptorEntries[1]->State()->type, 5);
+    EXPECT_EQ(Show(state), "u|a|2|[{3|-|{-|4|-|0|0}|[]|[]} {5|-|-|[]|[]}]");
     EXPECT_FALSE(ParseXml(sgdd, Gzip(k_sgdd)));
     EXPECT_EQ(state.descriptorEntries.size(), 2u);  // the record of the one before stays
     sgdd.SetCompress(true);
@@ -68,14 +67,7 @@ TEST_F(SGDDParseTest, Response)
                              "<ResponseValidity expirationTime='3981234567' timeWindow='4'/><PrivateExt>c</PrivateExt>"
                              "<PrivateExt>d</PrivateExt></x:SGResponse>"));
     const auto& state = *response.State();
-    EXPECT_TRUE(state.status == 1 && state.lastResponseVersion == 2);
-    ASSERT_EQ(state.supportedVersions.size(), 2u);
-    EXPECT_STREQ(state.supportedVersions[1].get(), "1.1");
-    ASSERT_EQ(state.descriptors.size(), 2u);
-    EXPECT_EQ(state.descriptors[0]->State()->descriptorEntries.size(), 2u);
-    EXPECT_STREQ(state.descriptors[1]->State()->id.get(), "b");
-    EXPECT_TRUE(state.responseValidity->expirationTime == 3981234567u && state.responseValidity->timeWindow == 4);
-    EXPECT_STREQ(state.privateExt.get(), "d");
+    EXPECT_EQ(Show(state), "1|2|[1.0 1.1]|[{u|a|2|[{3|-|{-|4|-|0|0}|[]|[]} {5|-|-|[]|[]}]} {-|b|0|[]}]|3981234567|4|d");
     response.SetCompress(true);
     EXPECT_TRUE(ParseXml(response, Gzip("<SGResponse/>")));
     EXPECT_TRUE(state.status == 0 && state.lastResponseVersion == 0 && state.supportedVersions.size() == 2 &&

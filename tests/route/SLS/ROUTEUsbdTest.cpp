@@ -52,11 +52,4 @@ TEST_F(ROUTEUsbdTest, DefaultsAndFailures)
     EXPECT_EQ(TakeAssertions(), "!m");
 }
 
-TEST_F(ROUTEUsbdTest, RealDocument)
-{
-    ASSERT_TRUE(Parse(ReadData("route/gpac-a1-single-service-sls3-usbd.xml")));
-    EXPECT_EQ(m_parser.ServiceId(), 1001);
-    EXPECT_EQ(m_parser.NumOfDeliveryMethod(), 1);
-}
-
 }  // namespace

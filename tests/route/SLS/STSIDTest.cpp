@@ -5,6 +5,7 @@
 #include "route/SLS/RS.h"
 #include "route/SLS/SrcFlow.h"
 #include "support/ParserTest.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -17,11 +18,16 @@ class STSIDTest : public TParserTest<CSTSID> {
         ASSERT_TRUE(m_parser.SetCallback(&callback));
     }
 
-    std::string ContentId(int i, int j) const
+    /// What the getters give of a session, its first rating included; "-" for what they do not give.
+    std::string Session(int i, int j) const
     {
-        std::string id = "untouched";
+        unsigned int tsi = 7;
+        std::string id = "untouched", rating = "-";
+        m_parser.GetTSI(i, j, &tsi);
         m_parser.GetContentId(i, j, id);
-        return id;
+        m_parser.GetContentRating(i, j, 0, rating);
+        return Join(tsi, id, m_parser.GetRT(i, j), m_parser.GetAEAId(i, j), m_parser.NumberOfContentRatings(i, j),
+                    rating);
     }
 
     static void OnEfdt(void* context, unsigned int tsi, SEFDTInfo* info)
@@ -42,10 +48,7 @@ TEST_F(STSIDTest, Sessions)
     EXPECT_EQ(m_parser.DIpAddr(0), 0xE1010100u);
     EXPECT_EQ(m_parser.SIpAddr(0), 0xC000020Au);
     EXPECT_TRUE(m_parser.DPort(0) == 6000 && m_parser.BsId(0) == 65535);
-    unsigned int tsi = 0;
-    EXPECT_TRUE(m_parser.GetTSI(0, 1, &tsi) && tsi == 20);
-    EXPECT_EQ(ContentId(0, 0) + ContentId(0, 1), "12");
-    EXPECT_TRUE(m_parser.GetRT(0, 0));
+    EXPECT_EQ(Session(0, 0) + " " + Session(0, 1), "10|1|1||0|- 20|2|1||0|-");
     EXPECT_EQ(m_tsis, (std::vector<unsigned int>{10, 20}));
     EXPECT_EQ(m_parser.GetEFDTInfo(0, 1), m_efdts[1]);
     EXPECT_EQ(m_efdts[0]->fdtGlobal->files.Size(), 1);
@@ -70,25 +73,15 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
     EXPECT_EQ(m_parser.DPort(0) * 10 + m_parser.DPort(1), 40002);
     EXPECT_EQ(m_parser.DPort(2), 65535);
     EXPECT_TRUE(m_parser.BsId(0) == 65535 && m_parser.SIpAddr(0) == 0xFFFFFFFF && m_parser.DIpAddr(0) == 0xFFFFFFFF);
-    unsigned int tsi = 0;
-    EXPECT_TRUE(m_parser.GetTSI(0, 0, &tsi) && tsi == 0xFFFFFFFF);
-    // Without a source flow.
+    // Without a source flow; with it; and with a representation's id, though it is empty.
+    EXPECT_EQ(Session(0, 0), "4294967295||0||0|-");
+    EXPECT_FALSE(m_parser.GetEFDTInfo(0, 0));
+    EXPECT_EQ(Session(0, 1), "1| ab|0||0|-");
+    EXPECT_EQ(Session(0, 2), "2|r|1|x|2|v");
+    EXPECT_EQ(Session(0, 3), "3||0||0|-");
     std::string text = "untouched";
-    EXPECT_FALSE(m_parser.GetRT(0, 0) || m_parser.GetContentRating(0, 0, 0, text));
-    EXPECT_EQ(text, "untouched");
-    EXPECT_FALSE(m_parser.GetContentId(0, 0, text));
-    EXPECT_TRUE(text.empty() && m_parser.GetAEAId(0, 0).empty() && !m_parser.GetEFDTInfo(0, 0));
-    EXPECT_EQ(m_parser.NumberOfContentRatings(0, 0), 0);
-    EXPECT_EQ(ContentId(0, 1), " ab");
-    EXPECT_EQ(ContentId(0, 2), "r");
-    EXPECT_EQ(ContentId(0, 3), "");  // the representation's, though it is empty
-    EXPECT_TRUE(!m_parser.GetRT(0, 1) && m_parser.GetRT(0, 2) && !m_parser.GetRT(0, 3));
-    EXPECT_EQ(m_parser.GetAEAId(0, 2), "x");
-    EXPECT_EQ(m_parser.NumberOfContentRatings(0, 2), 2);
-    EXPECT_TRUE(m_parser.GetContentRating(0, 2, 0, text) && text == "v");
     EXPECT_TRUE(m_parser.GetContentRating(0, 2, 1, text) && text.empty());
     EXPECT_FALSE(m_parser.GetContentRating(0, 2, 2, text));
-    EXPECT_FALSE(m_parser.GetContentRating(0, 3, 0, text));
     EXPECT_EQ(Logged("[CMediaInfo::GetContentRating] ContentRating index:2 not found."), 1);
     EXPECT_EQ(Logged("[CMediaInfo::GetContentRating] No ContentRating Information."), 1);
     EXPECT_EQ(Logged("[CMediaInfo::Dump] contentType[0] repId[r]"), 1);
@@ -96,6 +89,7 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
     EXPECT_EQ(Logged("[CLS::m_ProcessParseLS] tsi[-1] maxBw[-1]"), 1);
     EXPECT_TRUE(m_efdts.empty());
 
+    unsigned int tsi = 0;
     EXPECT_FALSE(m_parser.GetTSI(0, 4, &tsi));  // told by the result, not asserted
     EXPECT_EQ(TakeAssertions(), "");
     EXPECT_TRUE(!m_parser.GetRT(0, 4) && m_parser.DPort(3) == 0 && m_parser.NumberOfLctSessions(-1) == 0);
@@ -112,7 +106,7 @@ TEST_F(STSIDTest, EveryReportedEfdtLivesUntilDestroy)
     ASSERT_EQ(m_tsis, (std::vector<unsigned int>{8, 8, 8}));
     EXPECT_TRUE(m_efdts[0]->tsi == 1 && m_efdts[1]->tsi == 2);
     EXPECT_TRUE(m_parser.GetEFDTInfo(0, 0) == m_efdts[2] && m_efdts[2]->tsi == 3);
-    EXPECT_EQ(ContentId(0, 0), "c");
+    EXPECT_EQ(Session(0, 0).substr(0, 4), "8|c|");
 
     m_parser.SetCallback(nullptr);
     EXPECT_FALSE(Parse("<S-TSID><RS>"));
