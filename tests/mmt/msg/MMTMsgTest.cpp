@@ -111,6 +111,8 @@ TEST_F(MMTMsgTest, FactoryWithoutAnId)
     EXPECT_TRUE(Create(0) && Create(0));
     CMMTMsgFactory::InitializeFactory();
     EXPECT_LE(Logged("[CMMTMsgFactory::InitializeFactory] BEGIN"), 1);
+    SetLogPriority(LOG_PRIORITY_SILENT);
+    EXPECT_FALSE(Create(0x020C));
 }
 
 struct CProbe : CMMTMsg {
