@@ -5,28 +5,20 @@
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
+#include "support/MmtWriter.h"
 #include "support/ParserTest.h"
 #include "support/Tables.h"
 
 namespace {
 
-std::string Number(unsigned int value, int bytes)
-{
-    std::string text;
-    while (bytes-- > 0) {
-        text += static_cast<char>(value >> 8 * bytes);
-    }
-    return text;
-}
-
 std::string Header(unsigned int fragments)
 {
-    return Number(0x01020304, 4) + Number(0x0506, 2) + Number(fragments, 3);
+    return CMmtBuilder().Put(32, 0x01020304).Put(16, 0x0506).Put(24, fragments).Bytes();
 }
 
 std::string Entry(unsigned int id, unsigned int offset)
 {
-    return Number(id, 4) + Number(id + 1, 4) + Number(offset, 4);
+    return CMmtBuilder().Put(32, id).Put(32, id + 1).Put(32, offset).Bytes();
 }
 
 /// A fragment as it stands in a unit: encoding, type, text.

@@ -143,29 +143,26 @@ std::unique_ptr<CMMTMsg> Make()
 
 TEST_F(MMTMsgTest, Framing)
 {
-    const std::string wrapped = MmtMessage(0x20, 16, MmtMpTable(0x20));
     struct {
         std::unique_ptr<CMMTMsg> (*make)();
         unsigned int bits;
         std::string payload;
-        const char* text;
+        const char* name;
     } const k_cases[] = {
-        {Make<CMMTMsgPa>, 32, std::string("\1\x20\3\0\0", 5) + MmtMpTable(0x20),
-         "Pa::Parse] Item size ERROR len[%u], length[%u]"},
-        {Make<CMMTMsgMpi>, 32, "\x1" + MmtMpiTable(0x10) + MmtMpTable(0x11),
-         "Mpi::Parse] Item size ERROR len[%u], length[%u]"},
-        {Make<CMMTMsgMpt>, 16, MmtMpTable(0x20), "Mpt::Parse] Item size ERROR len[%u], length[%u]"},
-        {Make<CMMTMsgCri>, 16, MmtTable(0x21, "\1" + MmtCri(1)), "Cri::Parse] Item size ERROR len[%u], length[%u]"},
-        {Make<CMMTMsgDci>, 16, MmtTable(0x22, std::string(1, '\0')), "Dci::Parse] Item size ERROR len[%u], length[%u]"},
-        {Make<CMMTMsgAc>, 16, "abc", "AC::Parse] Item size ERROR len[%u], length[%u]"},
-        {Make<CMMTMsgAdc>, 32, "abc", "Adc::Parse] Item size ERROR len[%u], actual_len[%u]"},
-        {Make<CMMTMsgLs>, 32, "abc", "Ls::Parse] Item size ERROR len[%u], length[%u]"},
-        {Make<CMMTMsgLr>, 32, "abc", "Lr::Parse] Item size ERROR len[%u], length[%u]"},
-        {Make<CMMTMsgLdc>, 16, "abc", "Ldc::Parse] Item size ERROR len[%u], length[%u]"},
-        {Make<CMMTMsgSmm>, 32, "abc", "Smm::Parse] Item size ERROR len[%u], length[%u]"},
+        {Make<CMMTMsgPa>, 32, std::string("\1\x20\3\0\0", 5) + MmtMpTable(0x20), "Pa"},
+        {Make<CMMTMsgMpi>, 32, "\x1" + MmtMpiTable(0x10) + MmtMpTable(0x11), "Mpi"},
+        {Make<CMMTMsgMpt>, 16, MmtMpTable(0x20), "Mpt"},
+        {Make<CMMTMsgCri>, 16, MmtTable(0x21, "\1" + MmtCri(1)), "Cri"},
+        {Make<CMMTMsgDci>, 16, MmtTable(0x22, std::string(1, '\0')), "Dci"},
+        {Make<CMMTMsgAc>, 16, "abc", "AC"},
+        {Make<CMMTMsgAdc>, 32, "abc", "Adc"},
+        {Make<CMMTMsgLs>, 32, "abc", "Ls"},
+        {Make<CMMTMsgLr>, 32, "abc", "Lr"},
+        {Make<CMMTMsgLdc>, 16, "abc", "Ldc"},
+        {Make<CMMTMsgSmm>, 32, "abc", "Smm"},
     };
     for (const auto& c : k_cases) {
-        SCOPED_TRACE(c.text);
+        SCOPED_TRACE(c.name);
         const std::string bytes = MmtMessage(0x8234, c.bits, c.payload);
         const auto whole = c.make();
         const SFed fed(*whole, bytes + "trail");
@@ -181,10 +178,11 @@ TEST_F(MMTMsgTest, Framing)
             const auto cut = c.make();
             EXPECT_FALSE(SFed(*cut, bytes.substr(0, size)).result) << size;
             EXPECT_EQ(Logged("Item size ERROR"), size < header ? 0 : 1) << size;
-            char text[120];
-            std::snprintf(text, sizeof text, c.text, static_cast<unsigned>(size),
-                          static_cast<unsigned>(c.payload.size()));
-            EXPECT_EQ(Logged(std::string("> [CMMTMsg") + text), size < header ? 0 : 1);
+            const bool adc = whole->ClassType() == CMMTMsg::CLASS_TYPE_ADC;
+            const std::string text = std::string("> [CMMTMsg") + c.name + "::Parse] Item size ERROR len[" +
+                                     std::to_string(size) + (adc ? "], actual_len[" : "], length[") +
+                                     std::to_string(c.payload.size()) + "]";
+            EXPECT_EQ(Logged(text), size < header ? 0 : 1);
             cut->GetDescriptors([](void*, CMMTDesc*) {}, nullptr);
             cut->Process();
             cut->Dump();
