@@ -13,7 +13,7 @@
 #include "route/SLS/STSID.h"
 #include "route/SLSManager.h"
 #include "support/MmtBuilder.h"
-#include "support/Recorder.h"
+#include "support/ParserTest.h"
 #include "support/Seed.h"
 #include "support/Tables.h"
 
@@ -21,7 +21,9 @@ namespace {
 
 using TAct = std::function<void()>;
 
-void Act(void* act)
+/// A callback of any kind, whose user data is what is to be done.
+template <class... T>
+void Act(void* act, T... /*arguments*/)
 {
     (*static_cast<TAct*>(act))();
 }
@@ -61,20 +63,10 @@ TEST_F(CallbackTest, TheObjectThatCallsIsSafe)
     const std::string rrtXml = Seed("lls_tables/rrt", 5), stsidXml = Seed("route_documents/stsid", 1),
                       efdtXml = Seed("route_documents/efdt", 1), mpdXml = Seed("mpd/template-timeline", 0),
                       package = Seed("sls_manager/every-kind", 1) + "\n", paBytes = Seed("mmt_message/pa", 0);
-    const auto xml = [](XMLBase& parser, const std::string& text) {
-        return parser.Parse(text.data(), static_cast<unsigned int>(text.size()), false);
-    };
-    const auto feed = [&manager](const std::string& text) {
-        const CSLSManager::SSessionInfo session{};
-        manager.Parse(reinterpret_cast<const unsigned char*>(text.data()), static_cast<unsigned int>(text.size()),
-                      &session, false);
-        return true;
-    };
     const auto createSlt = [this, &slt](bool result, bool drop, bool map) {
-        const CParseSLT::SCallback callback = {&m_act, [](void* act, int) { Act(act); }};
-        const CParseSLT::SDropCallback dropCallback = {
-            &m_act, [](void* act, const SParseSLT::SService*, CParseSLT::EDropReason) { Act(act); }};
-        const CChannelMap::SCallback mapCallback = {&m_act, [](void* act, void*) { Act(act); }};
+        const CParseSLT::SCallback callback = {&m_act, Act};
+        const CParseSLT::SDropCallback dropCallback = {&m_act, Act};
+        const CChannelMap::SCallback mapCallback = {&m_act, Act};
         slt.Create(&m_map, result ? &callback : nullptr);
         slt.SetLenient(true);
         slt.SetDropCallback(drop ? &dropCallback : nullptr);
@@ -82,14 +74,7 @@ TEST_F(CallbackTest, TheObjectThatCallsIsSafe)
     };
     const auto parseSlt = [&slt] { return FeedXml(slt, k_slt); };
     const auto destroySlt = [&slt] { slt.Destroy(); };
-    const auto manage = [this, &manager](auto set) {
-        CSLSManager::SCallback callback{};
-        callback.pUserData = &m_act;
-        set(callback);
-        manager.Create(&callback);
-    };
-    const auto destroyManager = [&manager] { manager.Destroy(); };
-    const SCaller k_callers[] = {
+    std::vector<SCaller> callers = {
         {"SLT, result", [&] { createSlt(true, false, false); }, parseSlt, destroySlt},
         {"SLT, drop", [&] { createSlt(false, true, false); }, parseSlt, destroySlt},
         {"SLT, channel map", [&] { createSlt(false, false, true); }, parseSlt, destroySlt},
@@ -98,84 +83,11 @@ TEST_F(CallbackTest, TheObjectThatCallsIsSafe)
              createSlt(false, false, false);
              parseSlt();
          },
-         [&] { return slt.GetService([](void* act, void*, int) { Act(act); }, &m_act) && parseSlt(); }, destroySlt},
-        {"RRT",
-         [&] {
-             const CParseRRT::SCallback callback = {&m_act, [](void* act, int) { Act(act); }};
-             rrt.Create();
-             rrt.SetCallback(&callback);
-         },
-         [&] { return FeedXml(rrt, rrtXml); }, [&] { rrt.Destroy(); }},
-        {"S-TSID",
-         [&] {
-             const CLS::SCallback callback = {&m_act, [](void* act, unsigned int, SEFDTInfo*) { Act(act); }};
-             stsid.Create();
-             stsid.SetCallback(&callback);
-         },
-         [&] { return xml(stsid, stsidXml); }, [&] { stsid.Destroy(); }},
-        {"EFDT",
-         [&] {
-             const SEFDTInfoCallback callback = {&m_act, [](void* act, SEFDTInfo*) { Act(act); }};
-             efdt.Create();
-             efdt.SetCallback(&callback);
-         },
-         [&] { return xml(efdt, efdtXml); }, [&] { efdt.Destroy(); }},
-        {"MPD",
-         [&] {
-             const CMPD::SCallback callback = {&m_act, [](void* act, SMPDInfo*) { Act(act); }, nullptr};
-             mpd.Create();
-             mpd.SetCallback(&callback);
-         },
-         [&] { return xml(mpd, mpdXml) && mpd.GetMPDInfo(); }, [&] { mpd.Destroy(); }},
-        {"MPD, ratings",
-         [&] {
-             const CMPD::SCallback callback = {&m_act, nullptr, [](void* act, const CMPD::TRatings&) { Act(act); }};
-             mpd.Create();
-             mpd.SetCallback(&callback);
-         },
-         [&] { return xml(mpd, mpdXml) && mpd.GetMPDInfo(); }, [&] { mpd.Destroy(); }},
-        {"package, session",
-         [&] { manage([](auto& c) { c.cbLctSession = [](void* act, CSLSManager::SLctSession*) { Act(act); }; }); },
-         [&] { return feed(stsidXml); }, destroyManager},
-        {"package, EFDT",
-         [&] { manage([](auto& c) { c.cbEFDTInfo = [](void* act, unsigned int, SEFDTInfo*) { Act(act); }; }); },
-         [&] { return feed(stsidXml); }, destroyManager},
-        {"package, USBD",
-         [&] { manage([](auto& c) { c.cbUSBDInfo = [](void* act, CSLSManager::SUSBDInfo*) { Act(act); }; }); },
-         [&] { return feed(package); }, destroyManager},
-        {"package, EFDT of its own",
-         [&] {
-             manage([](auto& c) {
-                 c.cbDirectEFDTInfo = [](void* act, unsigned int, SEFDTInfo*, const CSLSManager::SSessionInfo*) {
-                     Act(act);
-                 };
-             });
-         },
-         [&] { return feed(package); }, destroyManager},
-        {"package, MPD", [&] { manage([](auto& c) { c.cbMPDInfo = [](void* act, SMPDInfo*) { Act(act); }; }); },
-         [&] { return feed(package); }, destroyManager},
-        {"package, ratings",
-         [&] { manage([](auto& c) { c.cbRatingInfo = [](void* act, const CSLSManager::TRatings&) { Act(act); }; }); },
-         [&] { return feed(package); }, destroyManager},
-        {"package, text of an MPD",
-         [&] {
-             manage(
-                 [](auto& c) { c.cbMPDData = [](void* act, const char*, unsigned int, unsigned short) { Act(act); }; });
-         },
-         [&] { return feed(package); }, destroyManager},
-        {"package, application data",
-         [&] {
-             manage([](auto& c) {
-                 c.cbAppData = [](void* act, const char*, unsigned int, const CSLSManager::SSessionInfo*) { Act(act); };
-             });
-         },
-         [&] { return feed(package); }, destroyManager},
-        {"package, RSAT", [&] { manage([](auto& c) { c.cbRSAT = [](void* act, CRSAT*) { Act(act); }; }); },
-         [&] { return feed(package); }, destroyManager},
+         [&] { return slt.GetService(Act, &m_act) && parseSlt(); }, destroySlt},
         {"PA message", [] {},
          [&] {
              const bool parsed = SFed(pa, paBytes).result;
-             pa.GetDescriptors([](void* act, CMMTDesc*) { Act(act); }, &m_act);
+             pa.GetDescriptors(Act, &m_act);
              return parsed;
          },
          [] {}, "!m_visiting"},
@@ -183,13 +95,57 @@ TEST_F(CallbackTest, TheObjectThatCallsIsSafe)
          [&] {
              const bool parsed = SFed(pa, paBytes).result;
              for (int i = 0; i < pa.TableCount() && pa.Table(i); ++i) {
-                 pa.Table(i)->GetDescriptors([](void* act, CMMTDesc*) { Act(act); }, &m_act);
+                 pa.Table(i)->GetDescriptors(Act, &m_act);
              }
              return parsed;
          },
          [] {}, "!m_visiting"},
     };
-    for (const SCaller& caller : k_callers) {
+    const auto add = [&](const char* name, auto& parser, const auto& callback, const std::function<bool()>& parse) {
+        const auto create = [&parser, callback] {
+            parser.Create();
+            parser.SetCallback(&callback);
+        };
+        callers.push_back({name, create, parse, [&parser] { parser.Destroy(); }});
+    };
+    const auto parseMpd = [&] { return ParseXml(mpd, mpdXml) && mpd.GetMPDInfo(); };
+    add("RRT", rrt, CParseRRT::SCallback{&m_act, Act}, [&] { return FeedXml(rrt, rrtXml); });
+    add("S-TSID", stsid, CLS::SCallback{&m_act, Act}, [&] { return ParseXml(stsid, stsidXml); });
+    add("EFDT", efdt, SEFDTInfoCallback{&m_act, Act}, [&] { return ParseXml(efdt, efdtXml); });
+    add("MPD", mpd, CMPD::SCallback{&m_act, Act, nullptr}, parseMpd);
+    add("MPD, ratings", mpd, CMPD::SCallback{&m_act, nullptr, Act}, parseMpd);
+    using TManaged = CSLSManager::SCallback;
+    const struct {
+        const char* name;
+        void (*set)(TManaged& callback);
+        const std::string& text;
+    } k_managed[] = {
+        {"package, session", [](TManaged& c) { c.cbLctSession = Act; }, stsidXml},
+        {"package, EFDT", [](TManaged& c) { c.cbEFDTInfo = Act; }, stsidXml},
+        {"package, USBD", [](TManaged& c) { c.cbUSBDInfo = Act; }, package},
+        {"package, EFDT of its own", [](TManaged& c) { c.cbDirectEFDTInfo = Act; }, package},
+        {"package, MPD", [](TManaged& c) { c.cbMPDInfo = Act; }, package},
+        {"package, ratings", [](TManaged& c) { c.cbRatingInfo = Act; }, package},
+        {"package, text of an MPD", [](TManaged& c) { c.cbMPDData = Act; }, package},
+        {"package, application data", [](TManaged& c) { c.cbAppData = Act; }, package},
+        {"package, RSAT", [](TManaged& c) { c.cbRSAT = Act; }, package},
+    };
+    for (const auto& managed : k_managed) {
+        const auto create = [&manager, &managed, this] {
+            TManaged callback{};
+            callback.pUserData = &m_act;
+            managed.set(callback);
+            manager.Create(&callback);
+        };
+        const auto parse = [&manager, &managed] {
+            const CSLSManager::SSessionInfo session{};
+            manager.Parse(reinterpret_cast<const unsigned char*>(managed.text.data()),
+                          static_cast<unsigned int>(managed.text.size()), &session, false);
+            return true;
+        };
+        callers.push_back({managed.name, create, parse, [&manager] { manager.Destroy(); }});
+    }
+    for (const SCaller& caller : callers) {
         SCOPED_TRACE(caller.name);
         int calls = 0;
         m_act = [] {};
@@ -248,20 +204,19 @@ TEST_F(CallbackTest, TheMapSurvivesWhatItsCallbacksDo)
     s_map = &m_map;
     s_calls = 0;
     const auto add = [this](int id) { return m_map.AddService(nullptr, 1, id, 3, 4, 5, 6, 7, false, nullptr); };
-    // One that registers itself anew is told once; the last handle cannot be destroyed.
+    // One that registers itself anew is told once, whether it then lies before or behind what it was; the last
+    // handle cannot be destroyed.
     static const CChannelMap::SCallback s_again = {nullptr, [](void*, void*) {
                                                        ++s_calls;
-                                                       std::vector<char> held[4];  // so that addresses differ
-                                                       for (auto& block : held) {
-                                                           block.resize(sizeof s_again + 8);
-                                                       }
                                                        s_map->SetCallback(&s_again);
                                                        s_map->Destroy();
                                                    }};
     EXPECT_TRUE(m_map.SetCallback(&s_again));
-    EXPECT_NE(add(1), nullptr);
-    EXPECT_EQ(s_calls, 1);
-    EXPECT_EQ(TakeAssertions(), "!m->visited");
+    for (int round = 1; round < 9; ++round) {
+        EXPECT_NE(add(1), nullptr);
+        EXPECT_EQ(s_calls, round);
+        EXPECT_EQ(TakeAssertions(), "!m->visited");
+    }
     // Another handle can, with what it registered.
     CChannelMap other;
     ASSERT_TRUE(other.Create());

@@ -1,8 +1,7 @@
 #include "common/ChannelMap.h"
 
-#include <thread>
-
-#include "support/Recorder.h"
+#include "support/ParserTest.h"
+#include "support/Services.h"
 
 namespace {
 
@@ -20,29 +19,12 @@ void* Add(CChannelMap& map, const SNine& nine, bool* existed = nullptr)
     return map.AddService(nine.channel, nine.group, n[0], n[1], n[2], n[3], n[4], n[5], nine.broadband, existed);
 }
 
-class ChannelMapTest : public CRecorder {
-  protected:
-    void SetUp() override
-    {
-        CRecorder::SetUp();
-        ASSERT_TRUE(m_map.Create());
-    }
+using ChannelMapTest = TParserTest<CChannelMap>;
 
-    void TearDown() override
-    {
-        m_map.Destroy();
-        CRecorder::TearDown();
-    }
-
-    static int Count(CChannelMap& map)
-    {
-        int count = 0;
-        EXPECT_TRUE(map.GetServiceList([](void* user, void*) { ++*static_cast<int*>(user); }, &count));
-        return count;
-    }
-
-    CChannelMap m_map;
-};
+std::size_t Count(CChannelMap& map)
+{
+    return ServicesOf(map).size();
+}
 
 TEST_F(ChannelMapTest, ServicesAreToldApartByAllNineValues)
 {
@@ -56,100 +38,71 @@ TEST_F(ChannelMapTest, ServicesAreToldApartByAllNineValues)
     std::vector<void*> services;
     bool existed = true;
     for (const SNine& nine : all) {
-        services.push_back(Add(m_map, nine, &existed));
+        services.push_back(Add(m_parser, nine, &existed));
         EXPECT_FALSE(existed);
     }
-    EXPECT_EQ(Count(m_map), 10);
+    EXPECT_EQ(Count(m_parser), 10u);
     for (std::size_t i = 0; i < all.size(); ++i) {
-        EXPECT_EQ(Add(m_map, all[i], &existed), services[i]);
+        EXPECT_EQ(Add(m_parser, all[i], &existed), services[i]);
         EXPECT_TRUE(existed);
     }
-    EXPECT_EQ(Count(m_map), 10);
-    EXPECT_EQ(m_map.Channel(services[1]), this);
-    unsigned char group = 0;
-    int n[6];
-    EXPECT_TRUE(m_map.GetServiceNumber(services[2], &group, n, n + 1, n + 2, n + 3, n + 4, n + 5));
-    EXPECT_TRUE(m_map.GetServiceNumber(services[2], nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_EQ(group, 9);
-    EXPECT_EQ(std::vector<int>(n, n + 6), (std::vector<int>{2, 3, 4, 5, 6, 7}));
+    EXPECT_EQ(Count(m_parser), 10u);
+    EXPECT_EQ(m_parser.Channel(services[1]), this);
+    EXPECT_TRUE(m_parser.GetServiceNumber(services[2], nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(ShowService(m_parser, services[2]).substr(0, 16), "9|[2 3 4 5 6 7]|");
 
-    EXPECT_TRUE(m_map.RemoveService(services[4]));
-    EXPECT_FALSE(m_map.RemoveService(services[4]));
-    EXPECT_FALSE(m_map.RemoveService(this));
-    EXPECT_EQ(Count(m_map), 9);
-    EXPECT_NE(Add(m_map, all[4], &existed), nullptr);
+    EXPECT_TRUE(m_parser.RemoveService(services[4]));
+    EXPECT_FALSE(m_parser.RemoveService(services[4]));
+    EXPECT_FALSE(m_parser.RemoveService(this));
+    EXPECT_EQ(Count(m_parser), 9u);
+    EXPECT_NE(Add(m_parser, all[4], &existed), nullptr);
     EXPECT_FALSE(existed);
 }
 
 TEST_F(ChannelMapTest, TheCategorySetterChangesWhatIsMatched)
 {
     SNine nine;
-    void* first = Add(m_map, nine);
-    EXPECT_TRUE(m_map.SetServiceCategory(first, 3, true, true));
+    void* first = Add(m_parser, nine);
+    EXPECT_TRUE(m_parser.SetServiceCategory(first, 3, true, true));
     bool existed = true;
-    void* second = Add(m_map, nine, &existed);
+    void* second = Add(m_parser, nine, &existed);
     EXPECT_FALSE(existed);
-    EXPECT_TRUE(m_map.SetServiceCategory(second, 1, true, false));
+    EXPECT_TRUE(m_parser.SetServiceCategory(second, 1, true, false));
     nine.broadband = true;
-    EXPECT_EQ(Add(m_map, nine), first);  // of two that match, the older
-    EXPECT_TRUE(m_map.RemoveService(first));
-    EXPECT_EQ(Add(m_map, nine), second);
+    EXPECT_EQ(Add(m_parser, nine), first);  // of two that match, the older
+    EXPECT_TRUE(m_parser.RemoveService(first));
+    EXPECT_EQ(Add(m_parser, nine), second);
 }
 
 TEST_F(ChannelMapTest, FieldsAndTheirDefaults)
 {
-    void* service = Add(m_map, SNine());
-    unsigned int address = 0;
-    unsigned short port = 0;
-    int category = 0;
-    bool broadband = true, hidden = true, isProtected = true;
-    EATSC3ProtocolType protocol = ATSC3_PROTOCOL_MMTP;
-    std::string text = "x";
-    EXPECT_TRUE(m_map.GetDestination(service, &address, &port));
-    EXPECT_EQ(address, 0xFFFFFFFF);
-    EXPECT_EQ(port, 0xFFFF);
-    EXPECT_TRUE(m_map.GetSource(service, &address));
-    EXPECT_EQ(address, 0xFFFFFFFF);
-    EXPECT_TRUE(m_map.GetServiceCategory(service, &category, &broadband, &hidden));
-    EXPECT_TRUE(m_map.GetProtected(service, &isProtected));
-    EXPECT_TRUE(m_map.GetProtocolType(service, &protocol));
-    EXPECT_TRUE(category == -1 && !broadband && !hidden && !isProtected && protocol == 0);
-    EXPECT_TRUE(m_map.GetDrmSystemID(service, text));
-    EXPECT_EQ(text, "");
-
-    EXPECT_TRUE(m_map.SetDestination(service, 0xE000173C, 4937));
+    void* service = Add(m_parser, SNine());
+    EXPECT_EQ(ShowService(m_parser, service), "1|[2 3 4 5 6 7]|4294967295|65535|4294967295|0|0|-1|0|0||||0|");
+    EXPECT_TRUE(m_parser.SetDestination(service, 0xE000173C, 4937));
     EXPECT_EQ(Logged("address: 224.0.23.60, port: 4937"), 1);
-    EXPECT_TRUE(
-        m_map.SetSource(service, 7) && m_map.SetProtected(service, true) && m_map.SetDrmSystemID(service, "drm") &&
-        m_map.SetSvcInetUrl(service, "http://u") && m_map.SetProtocolType(service, ATSC3_PROTOCOL_MMTP) &&
-        m_map.SetSvcInetUrlType(service, ATSC3_URL_ESG_SERVER) && m_map.SetServiceCategory(service, 4, true, true));
+    EXPECT_TRUE(m_parser.SetSource(service, 7) && m_parser.SetProtected(service, true) &&
+                m_parser.SetDrmSystemID(service, "drm") && m_parser.SetSvcInetUrl(service, "http://u") &&
+                m_parser.SetProtocolType(service, ATSC3_PROTOCOL_MMTP) &&
+                m_parser.SetSvcInetUrlType(service, ATSC3_URL_ESG_SERVER) &&
+                m_parser.SetServiceCategory(service, 4, true, true));
     // A copy keeps all of it after the service is gone.
-    void* clone = m_map.CloneService(service);
-    EXPECT_TRUE(m_map.RemoveService(service));
-    EXPECT_EQ(Count(m_map), 0);
-    EATSC3UrlType type = ATSC3_URL_NONE;
-    EXPECT_TRUE(m_map.GetDestination(clone, &address, &port) && address == 0xE000173C && port == 4937);
-    EXPECT_TRUE(m_map.GetSource(clone, &address) && address == 7);
-    EXPECT_TRUE(m_map.GetProtected(clone, &isProtected) && isProtected);
-    EXPECT_TRUE(m_map.GetDrmSystemID(clone, text) && text == "drm");
-    EXPECT_TRUE(m_map.GetSvcInetUrl(clone, text) && text == "http://u");
-    EXPECT_TRUE(m_map.GetSvcInetUrlType(clone, &type) && type == ATSC3_URL_ESG_SERVER);
-    EXPECT_TRUE(m_map.GetProtocolType(clone, &protocol) && protocol == ATSC3_PROTOCOL_MMTP);
-    EXPECT_TRUE(m_map.GetServiceCategory(clone, &category, &broadband, &hidden) && category == 4 && broadband &&
-                hidden);
-    EXPECT_FALSE(m_map.RemoveService(clone));
-    EXPECT_TRUE(m_map.DeleteClonedService(clone));
+    void* clone = m_parser.CloneService(service);
+    EXPECT_TRUE(m_parser.RemoveService(service));
+    EXPECT_EQ(Count(m_parser), 0u);
+    EXPECT_EQ(ShowService(m_parser, clone), "1|[2 3 4 5 6 7]|3758102332|4937|7|2|1|4|1|1|||http://u|2|drm");
+    EXPECT_FALSE(m_parser.RemoveService(clone));
+    EXPECT_TRUE(m_parser.DeleteClonedService(clone));
 }
 
 TEST_F(ChannelMapTest, TextLimits)
 {
-    void* service = Add(m_map, SNine());
+    void* service = Add(m_parser, SNine());
     const std::string big(1000001, 'x');
-    EXPECT_FALSE(m_map.SetGlobalServiceId(service, big.data(), 1000000));
+    EXPECT_FALSE(m_parser.SetGlobalServiceId(service, big.data(), 1000000));
     EXPECT_EQ(Logged("[CChannelMapST::SetGlobalServiceId] string size is too big size[1000000]"), 1);
-    EXPECT_TRUE(m_map.SetGlobalServiceId(service, big.data(), 999999));
+    EXPECT_TRUE(m_parser.SetGlobalServiceId(service, big.data(), 999999));
     std::string text;
-    EXPECT_TRUE(m_map.GetGlobalServiceId(service, text));
+    EXPECT_TRUE(m_parser.GetGlobalServiceId(service, text));
     EXPECT_EQ(text.size(), 999999u);
 
     static const struct {
@@ -158,22 +111,22 @@ TEST_F(ChannelMapTest, TextLimits)
     } k_cases[] = {{10, 4, 4}, {10, 10, 10}, {10, 11, 10}, {0, 5, 0}, {0, 0, 0}, {65540, 10, 4}, {65540, 4, 4}};
     for (const auto& c : k_cases) {
         SCOPED_TRACE(testing::Message() << c.stored << " bytes into " << c.room);
-        EXPECT_TRUE(m_map.SetServiceName(service, big.data(), c.stored));
+        EXPECT_TRUE(m_parser.SetServiceName(service, big.data(), c.stored));
         std::vector<unsigned char> buffer(c.room + 1u, '#');
         unsigned short length = c.room;
-        EXPECT_TRUE(m_map.GetServiceName(service, buffer.data(), length));
+        EXPECT_TRUE(m_parser.GetServiceName(service, buffer.data(), length));
         EXPECT_EQ(length, c.length);
         EXPECT_EQ(std::string(buffer.begin(), buffer.end()),
                   std::string(length, 'x') + std::string(c.room + 1u - length, '#'));
     }
     EXPECT_EQ(Logged("!! ERROR service name is too long length = ["), 4);
 
-    EXPECT_TRUE(m_map.SetServiceName(service, big.data(), 1000000));
-    void* clone = m_map.CloneService(service);
+    EXPECT_TRUE(m_parser.SetServiceName(service, big.data(), 1000000));
+    void* clone = m_parser.CloneService(service);
     EXPECT_NE(clone, nullptr);
-    EXPECT_TRUE(m_map.DeleteClonedService(clone));
-    EXPECT_TRUE(m_map.SetServiceName(service, big.data(), 1000001));
-    EXPECT_EQ(m_map.CloneService(service), nullptr);
+    EXPECT_TRUE(m_parser.DeleteClonedService(clone));
+    EXPECT_TRUE(m_parser.SetServiceName(service, big.data(), 1000001));
+    EXPECT_EQ(m_parser.CloneService(service), nullptr);
 }
 
 TEST_F(ChannelMapTest, NotificationsComeOutsideTheLock)
@@ -181,7 +134,7 @@ TEST_F(ChannelMapTest, NotificationsComeOutsideTheLock)
     struct SHost {
         CChannelMap* map;
         std::vector<void*> told;
-    } host{&m_map, {}};
+    } host{&m_parser, {}};
     const CChannelMap::SCallback callback = {&host, [](void* user, void* service) {
                                                  SHost* h = static_cast<SHost*>(user);
                                                  h->told.push_back(service);
@@ -195,22 +148,22 @@ TEST_F(ChannelMapTest, NotificationsComeOutsideTheLock)
                                              }};
     CChannelMap second;
     ASSERT_TRUE(second.Create());
-    EXPECT_TRUE(m_map.SetCallback(&callback));
-    EXPECT_TRUE(m_map.SetCallback(&callback));  // replaces, does not add
-    void* service = Add(m_map, SNine());
+    EXPECT_TRUE(m_parser.SetCallback(&callback));
+    EXPECT_TRUE(m_parser.SetCallback(&callback));  // replaces, does not add
+    void* service = Add(m_parser, SNine());
     ASSERT_EQ(host.told.size(), 2u);
     EXPECT_EQ(host.told[0], service);
-    EXPECT_FALSE(m_map.SetCallback(nullptr));
-    Add(m_map, SNine());
+    EXPECT_FALSE(m_parser.SetCallback(nullptr));
+    Add(m_parser, SNine());
     EXPECT_EQ(host.told.size(), 2u);
 
     // One record through two handles is told twice, of a repeat too; a destroyed handle is told no more.
-    EXPECT_TRUE(m_map.SetCallback(&callback));
+    EXPECT_TRUE(m_parser.SetCallback(&callback));
     EXPECT_TRUE(second.SetCallback(&callback));
-    Add(m_map, SNine());
+    Add(m_parser, SNine());
     EXPECT_EQ(host.told.size(), 4u);
     second.Destroy();
-    Add(m_map, SNine());
+    Add(m_parser, SNine());
     EXPECT_EQ(host.told.size(), 5u);
 }
 
@@ -219,45 +172,26 @@ TEST_F(ChannelMapTest, TheLastHandleFreesTheStore)
     CChannelMap second;
     ASSERT_TRUE(second.Create());
     void* service = Add(second, SNine());
-    m_map.Destroy();
-    EXPECT_EQ(Count(second), 1);
+    m_parser.Destroy();
+    EXPECT_EQ(Count(second), 1u);
     EXPECT_EQ(Logged("m->refCnt[1]"), 2);
     second.Destroy();
     EXPECT_EQ(Logged("m->refCnt[0]"), 1);
-    EXPECT_EQ(Add(m_map, SNine()), nullptr);
-    EXPECT_FALSE(m_map.RemoveService(service) || m_map.SetCallback(nullptr));
-    m_map.Destroy();
+    EXPECT_EQ(Add(m_parser, SNine()), nullptr);
+    EXPECT_FALSE(m_parser.RemoveService(service) || m_parser.SetCallback(nullptr));
+    m_parser.Destroy();
     EXPECT_EQ(s_assertions.back().file, "src/common/ChannelMap");
     EXPECT_EQ(TakeAssertions(), "m; m; m; m");
-    ASSERT_TRUE(m_map.Create());
-    EXPECT_EQ(Count(m_map), 0);
-    EXPECT_FALSE(m_map.Create());
+    ASSERT_TRUE(m_parser.Create());
+    EXPECT_EQ(Count(m_parser), 0u);
+    EXPECT_FALSE(m_parser.Create());
     EXPECT_EQ(TakeAssertions(), "!m");
     std::string text;
-    EXPECT_FALSE(m_map.GetDrmSystemID(nullptr, text) || m_map.RemoveService(nullptr) ||
-                 m_map.SetProtected(nullptr, true));
-    EXPECT_FALSE(m_map.SetSvcInetUrl(nullptr, "u"));
+    EXPECT_FALSE(m_parser.GetDrmSystemID(nullptr, text) || m_parser.RemoveService(nullptr) ||
+                 m_parser.SetProtected(nullptr, true));
+    EXPECT_FALSE(m_parser.SetSvcInetUrl(nullptr, "u"));
     EXPECT_EQ(s_assertions.back().file, "src/common/ChannelMapST");
     EXPECT_EQ(TakeAssertions(), "obj; obj; obj");
-}
-
-TEST_F(ChannelMapTest, ServicesMayBeAddedFromSeveralThreads)
-{
-    SetLogPriority(LOG_PRIORITY_SILENT);  // the recorder itself takes no lock
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([this] {
-            for (int i = 0; i < 500; ++i) {
-                SNine nine;
-                nine.numbers[0] = i;
-                Add(m_map, nine);
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(Count(m_map), 500);
 }
 
 /// The order stays, a walk survives removals and additions on its way, and a place that is free again is not
@@ -268,7 +202,7 @@ TEST_F(ChannelMapTest, RemovalsKeepTheOrder)
     SNine nine;
     const auto add = [&](int id) {
         nine.numbers[0] = id;
-        services.push_back(Add(m_map, nine));
+        services.push_back(Add(m_parser, nine));
     };
     for (int id = 0; id < 10; ++id) {
         add(id);
@@ -277,7 +211,7 @@ TEST_F(ChannelMapTest, RemovalsKeepTheOrder)
         CChannelMap& map;
         std::vector<void*>& services;
         std::string ids;
-    } walk = {m_map, services, ""};
+    } walk = {m_parser, services, ""};
     const auto visit = [](void* user, void* service) {
         auto* w = static_cast<SWalk*>(user);
         int id = 0;
@@ -290,18 +224,18 @@ TEST_F(ChannelMapTest, RemovalsKeepTheOrder)
             EXPECT_FALSE(w->map.RemoveService(w->services[2]));
         }
     };
-    m_map.GetServiceList(visit, &walk);
+    m_parser.GetServiceList(visit, &walk);
     EXPECT_EQ(walk.ids, "0 1 3 4 9 ");
-    EXPECT_TRUE(m_map.RemoveService(services[9]));
+    EXPECT_TRUE(m_parser.RemoveService(services[9]));
     add(10);
     walk.ids.clear();
-    m_map.GetServiceList(visit, &walk);
+    m_parser.GetServiceList(visit, &walk);
     EXPECT_EQ(walk.ids, "3 4 10 ");
-    EXPECT_TRUE(m_map.RemoveService(services[3]) && m_map.RemoveService(services[4]) &&
-                m_map.RemoveService(services[10]) && Count(m_map) == 0);
+    EXPECT_TRUE(m_parser.RemoveService(services[3]) && m_parser.RemoveService(services[4]) &&
+                m_parser.RemoveService(services[10]) && Count(m_parser) == 0);
     add(11);
-    EXPECT_EQ(Count(m_map), 1);
-    EXPECT_TRUE(m_map.RemoveService(services[11]));
+    EXPECT_EQ(Count(m_parser), 1u);
+    EXPECT_TRUE(m_parser.RemoveService(services[11]));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "esg/SGResponse.h"
 #include "lls/ParseCDT.h"
 #include "platform/Platform.h"
+#include "support/ParserTest.h"
 #include "support/Tables.h"
 
 namespace {
@@ -19,95 +20,6 @@ std::string Repeat(const std::string& text, int times)
         all += text;
     }
     return all;
-}
-
-template <class TParser>
-void Parse(TParser& parser, const std::string& xml)
-{
-    EXPECT_TRUE(parser.Parse(xml.data(), static_cast<unsigned int>(xml.size())));
-}
-
-void Append(int n)
-{
-    CCPtrArray array(CCPtrArray::DummyCallback, nullptr);
-    for (int i = 0; i < n; ++i) {
-        array.Add(&array);
-    }
-    EXPECT_EQ(array.Size(), n);
-}
-
-void SetOneByOne(int n)
-{
-    CCPtrArray array(CCPtrArray::DummyCallback, nullptr);
-    for (int i = 0; i < n; ++i) {
-        array.Set(i, &array);
-    }
-    EXPECT_EQ(array.ValidCount(), n);
-}
-
-void Updates(int n)
-{
-    CRSAT rsat;
-    rsat.Create();
-    Parse(rsat,
-          "<RSAT timestamp=''><Service>" + Repeat("<Update/>", n - 1) + "<Update validFrom='z'/></Service></RSAT>");
-    SRSATUpdateInfo info;
-    for (int i = 0; i < rsat.NumOfUpdate(0); ++i) {
-        EXPECT_TRUE(rsat.GetUpdateInfo(0, i, &info));
-    }
-    EXPECT_EQ(info.validFrom, "z");
-    EXPECT_FALSE(rsat.GetUpdateInfo(0, n, &info));
-    rsat.Destroy();
-}
-
-void ServicesThatComeAndGo(int n)
-{
-    CChannelMap map;
-    map.Create();
-    std::vector<void*> services;
-    for (int i = 0; i < n; ++i) {
-        services.push_back(map.AddService(nullptr, 1, i, 1, 1, 0, 0, 0, false, nullptr));
-    }
-    for (int i = n; i-- > 0;) {
-        EXPECT_TRUE(map.RemoveService(services[static_cast<std::size_t>(i)]));
-    }
-    map.Destroy();
-}
-
-void Fragments(int n)
-{
-    CESGFragmentMap map;
-    map.Create();
-    for (int i = 0; i < n; ++i) {
-        map.Add(std::to_string(i).c_str());
-    }
-    for (int i = n; i-- > 0;) {
-        EXPECT_TRUE(map.isExisted(std::to_string(i).c_str()) && map.Remove(std::to_string(i).c_str()));
-    }
-    map.Destroy();
-}
-
-void References(int n)
-{
-    CXML xml;
-    const std::string text = "<!DOCTYPE a [<!ENTITY e 'y'>]><a b='" + Repeat("x&e;", n) + "'/>";
-    ASSERT_TRUE(xml.Create(text.data(), static_cast<int>(text.size()), false));
-    void* root = nullptr;
-    xml.MoveRoot(&root);
-    EXPECT_EQ(xml.getStringProp(root, "b", nullptr), Repeat("xy", n));
-    xml.Destroy();
-}
-
-void Namespaces(int n)
-{
-    CSGResponse response;
-    response.Create();
-    Parse(response, "<SGResponse xmlns='" + std::string(static_cast<std::size_t>(30 * n), 'u') + "'>" +
-                        Repeat("<ServiceGuideDeliveryDescriptor/>", n) + "</SGResponse>");
-    const auto& descriptors = response.State()->descriptors;
-    EXPECT_EQ(descriptors.size(), static_cast<std::size_t>(n));
-    EXPECT_EQ(descriptors.back()->State()->ns, descriptors.front()->State()->ns);
-    response.Destroy();
 }
 
 /// Quadratic work of these sizes takes a minute and more; linear work a fraction of a second.
@@ -139,14 +51,85 @@ class GrowthTest : public CRecorder {
 
 TEST_F(GrowthTest, LongListsEnd)
 {
-    const struct {
+    static const struct {
         const char* name;
-        void (*run)(int n);
         int n;
-    } k_cases[] = {{"Append", Append, 2000000},      {"SetOneByOne", SetOneByOne, 2000000},
-                   {"Updates", Updates, 200000},     {"ServicesThatComeAndGo", ServicesThatComeAndGo, 300000},
-                   {"Fragments", Fragments, 200000}, {"References", References, 200000},
-                   {"Namespaces", Namespaces, 6000}};
+        void (*run)(int n);
+    } k_cases[] = {
+        {"Append", 2000000,
+         [](int n) {
+             CCPtrArray array(CCPtrArray::DummyCallback, nullptr);
+             for (int i = 0; i < n; ++i) {
+                 array.Add(&array);
+             }
+             EXPECT_EQ(array.Size(), n);
+         }},
+        {"Set one by one", 2000000,
+         [](int n) {
+             CCPtrArray array(CCPtrArray::DummyCallback, nullptr);
+             for (int i = 0; i < n; ++i) {
+                 array.Set(i, &array);
+             }
+             EXPECT_EQ(array.ValidCount(), n);
+         }},
+        {"Updates", 200000,
+         [](int n) {
+             CRSAT rsat;
+             rsat.Create();
+             EXPECT_TRUE(ParseXml(rsat, "<RSAT timestamp=''><Service>" + Repeat("<Update/>", n - 1) +
+                                            "<Update validFrom='z'/></Service></RSAT>"));
+             SRSATUpdateInfo info;
+             for (int i = 0; i < rsat.NumOfUpdate(0); ++i) {
+                 EXPECT_TRUE(rsat.GetUpdateInfo(0, i, &info));
+             }
+             EXPECT_EQ(info.validFrom, "z");
+             EXPECT_FALSE(rsat.GetUpdateInfo(0, n, &info));
+             rsat.Destroy();
+         }},
+        {"Services that come and go", 300000,
+         [](int n) {
+             SCreated<CChannelMap> map;
+             std::vector<void*> services;
+             for (int i = 0; i < n; ++i) {
+                 services.push_back(map.AddService(nullptr, 1, i, 1, 1, 0, 0, 0, false, nullptr));
+             }
+             for (int i = n; i-- > 0;) {
+                 EXPECT_TRUE(map.RemoveService(services[static_cast<std::size_t>(i)]));
+             }
+         }},
+        {"Fragments", 200000,
+         [](int n) {
+             SCreated<CESGFragmentMap> map;
+             for (int i = 0; i < n; ++i) {
+                 map.Add(std::to_string(i).c_str());
+             }
+             for (int i = n; i-- > 0;) {
+                 EXPECT_TRUE(map.isExisted(std::to_string(i).c_str()) && map.Remove(std::to_string(i).c_str()));
+             }
+         }},
+        {"References", 200000,
+         [](int n) {
+             CXML xml;
+             const std::string text = "<!DOCTYPE a [<!ENTITY e 'y'>]><a b='" + Repeat("x&e;", n) + "'/>";
+             ASSERT_TRUE(xml.Create(text.data(), static_cast<int>(text.size()), false));
+             void* root = nullptr;
+             xml.MoveRoot(&root);
+             EXPECT_EQ(xml.getStringProp(root, "b", nullptr), Repeat("xy", n));
+             xml.Destroy();
+         }},
+        {"Namespaces", 6000,
+         [](int n) {
+             CSGResponse response;
+             response.Create();
+             EXPECT_TRUE(ParseXml(response, "<SGResponse xmlns='" + std::string(static_cast<std::size_t>(30 * n), 'u') +
+                                                "'>" + Repeat("<ServiceGuideDeliveryDescriptor/>", n) +
+                                                "</SGResponse>"));
+             const auto& descriptors = response.State()->descriptors;
+             EXPECT_EQ(descriptors.size(), static_cast<std::size_t>(n));
+             EXPECT_EQ(descriptors.back()->State()->ns, descriptors.front()->State()->ns);
+             response.Destroy();
+         }},
+    };
     for (const auto& c : k_cases) {
         const CPatience patience(c.name);
         c.run(c.n);
@@ -157,8 +140,7 @@ TEST_F(GrowthTest, LongListsEnd)
 TEST_F(GrowthTest, SignedDataInSignedData)
 {
     constexpr int k_levels = 240;
-    CParseCDT cdt;
-    cdt.Create();
+    SCreated<CParseCDT> cdt;
     const std::string signedData = Repeat("<ToBeSignedData>", k_levels) +
                                    Repeat("<CurrentCert>c</CurrentCert>", 18000) + "<Certificates>d</Certificates>" +
                                    Repeat("</ToBeSignedData>", k_levels);
@@ -170,7 +152,6 @@ TEST_F(GrowthTest, SignedDataInSignedData)
     std::list<std::string> certificates;
     EXPECT_TRUE(cdt.GetToBeSignedData(text) && text == signedData && cdt.GetCertificates(certificates));
     EXPECT_EQ(certificates, std::list<std::string>{"d"});
-    cdt.Destroy();
 }
 
 }  // namespace

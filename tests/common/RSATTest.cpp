@@ -1,47 +1,42 @@
 #include "common/RSAT.h"
 
 #include "common/ServiceLinkage.h"
-#include "support/Recorder.h"
+#include "support/ParserTest.h"
+#include "support/Show.h"
+
+SHOW(SRSATUpdateInfo, s.preferred, s.majorChannelNo, s.minorChannelNo, s.frequency, s.broadcastType, s.validFrom)
+SHOW(SRSATServiceInfo, s.preferred, s.majorChannelNo, s.minorChannelNo, s.frequency, s.broadcastType, s.validUntil,
+     s.updates)
+SHOW(CServiceLinkage::SServiceLinkage, s.bsid, s.LLSGroupId, s.serviceId, s.serviceCategory, s.linkageType,
+     s.activationTime, s.deActivationTime, s.svcCapabilities, s.linkageData, s.broadbandAccessRequired)
 
 namespace {
 
-class RSATTest : public CRecorder {
-  protected:
-    static bool Parse(XMLBase& parser, const std::string& text)
-    {
-        const std::vector<unsigned char> block = Exact(text);
-        return parser.Parse(reinterpret_cast<const char*>(block.data()), static_cast<unsigned>(block.size()), false);
-    }
-};
+using RSATTest = CRecorder;
 
 TEST_F(RSATTest, ServicesAndTheirUpdates)
 {
     CRSAT rsat;
     ASSERT_TRUE(rsat.Create());
-    EXPECT_FALSE(Parse(rsat, "<SLT timestamp='t'/>"));
+    EXPECT_FALSE(ParseXml(rsat, "<SLT timestamp='t'/>"));
     EXPECT_EQ(Logged("[CRSAT::m_ProcessParseRSAT] NOT RSAT FILE"), 1);
-    EXPECT_FALSE(Parse(rsat, "<RSAT RSATInetURL='u'/>"));
+    EXPECT_FALSE(ParseXml(rsat, "<RSAT RSATInetURL='u'/>"));
     ASSERT_TRUE(
-        Parse(rsat,
-              "<RSAT timestamp='2027' RSATInetURL='http://r'><Update/>"
-              "<Service preferred='trueish' majorChannelNo='65541' frequency='f' broadcastType='b' validUntil='v'>"
-              "<Update preferred='TRUE' majorChannelNo='7' minorChannelNo='8' frequency='uf' broadcastType='ub' "
-              "validFrom='vf'/><Update/></Service><Service/></RSAT>"));
+        ParseXml(rsat,
+                 "<RSAT timestamp='2027' RSATInetURL='http://r'><Update/>"
+                 "<Service preferred='trueish' majorChannelNo='65541' frequency='f' broadcastType='b' validUntil='v'>"
+                 "<Update preferred='TRUE' majorChannelNo='7' minorChannelNo='8' frequency='uf' broadcastType='ub' "
+                 "validFrom='vf'/><Update/></Service><Service/></RSAT>"));
     std::string text;
     EXPECT_TRUE(rsat.GetTimestamp(text) && text == "2027");
     EXPECT_TRUE(rsat.GetRSATInetURL(text) && text == "http://r");
     ASSERT_EQ(rsat.NumOfService(), 2);
     SRSATServiceInfo service;
     ASSERT_TRUE(rsat.GetServiceInfo(0, &service));
-    EXPECT_TRUE(service.preferred && service.majorChannelNo == 5 && service.minorChannelNo == 65535 &&
-                service.frequency == "f" && service.broadcastType == "b" && service.validUntil == "v");
-    ASSERT_EQ(service.updates.size(), 2u);
+    EXPECT_EQ(Show(service), "1|5|65535|f|b|v|[0|7|8|uf|ub|vf 0|65535|65535|||]");
     SRSATUpdateInfo update;
-    ASSERT_TRUE(rsat.GetUpdateInfo(0, 0, &update));
-    EXPECT_TRUE(!update.preferred && update.majorChannelNo == 7 && update.minorChannelNo == 8 &&
-                update.frequency == "uf" && update.broadcastType == "ub" && update.validFrom == "vf");
     ASSERT_TRUE(rsat.GetUpdateInfo(0, 1, &update));
-    EXPECT_EQ(update.majorChannelNo, 65535);
+    EXPECT_EQ(Show(update), Show(service.updates.back()));
     EXPECT_TRUE(rsat.NumOfUpdate(0) == 2 && rsat.NumOfUpdate(1) == 0 && rsat.NumOfUpdate(2) == 0);
     EXPECT_FALSE(rsat.GetServiceInfo(2, &service) || rsat.GetUpdateInfo(0, 2, &update) ||
                  rsat.GetUpdateInfo(0, -1, &update) || rsat.GetUpdateInfo(-1, 0, &update));
@@ -49,7 +44,7 @@ TEST_F(RSATTest, ServicesAndTheirUpdates)
     EXPECT_EQ(Logged("[sm_CbUpdate] 7, 8, vf "), 1);
     EXPECT_FALSE(rsat.Create());
     rsat.Destroy();
-    EXPECT_FALSE(Parse(rsat, "<RSAT timestamp='t'/>") || rsat.NumOfService() || rsat.GetTimestamp(text));
+    EXPECT_FALSE(ParseXml(rsat, "<RSAT timestamp='t'/>") || rsat.NumOfService() || rsat.GetTimestamp(text));
     EXPECT_EQ(TakeAssertions(), "!m; m != nullptr; m; m");
     rsat.Parse(nullptr, 0u);
     EXPECT_EQ(TakeAssertions(), "buffer");
@@ -60,23 +55,19 @@ TEST_F(RSATTest, ServiceLinkage)
 {
     CServiceLinkage linkage;
     ASSERT_TRUE(linkage.Create());
-    ASSERT_TRUE(Parse(linkage,
-                      "<x bsid='65537' LLSGroupId='257' serviceId='65538' serviceCategory='3' linkageType='4' "
-                      "activationTime='a' deActivationTime='d' SvcCapabilities='s' linkageData='l' "
-                      "broadbandAccessRequied='true'/>"));
+    ASSERT_TRUE(ParseXml(linkage,
+                         "<x bsid='65537' LLSGroupId='257' serviceId='65538' serviceCategory='3' linkageType='4' "
+                         "activationTime='a' deActivationTime='d' SvcCapabilities='s' linkageData='l' "
+                         "broadbandAccessRequied='true'/>"));
     const CServiceLinkage::SServiceLinkage& v = *linkage.State();
-    EXPECT_TRUE(v.bsid == 1 && v.LLSGroupId == 1 && linkage.LinkServiceId() == 2 && linkage.ServiceCategory() == 3 &&
-                linkage.LinkageType() == 4 && v.broadbandAccessRequired);
-    EXPECT_STREQ(linkage.ActivationTime(), "a");
-    EXPECT_STREQ(linkage.DeActivationTime(), "d");
-    EXPECT_STREQ(v.svcCapabilities, "s");
-    EXPECT_STREQ(v.linkageData, "l");
+    EXPECT_EQ(Show(v), "1|1|2|3|4|a|d|s|l|1");
+    EXPECT_EQ(Join(linkage.LinkServiceId(), linkage.ServiceCategory(), linkage.LinkageType(), linkage.ActivationTime(),
+                   linkage.DeActivationTime()),
+              "2|3|4|a|d");
     EXPECT_EQ(Logged("[CServiceLinkage::Dump] bsid [1], LLSGroupId [1] broadbandAccessRequied [1]"), 1);
     // The right spelling is the wrong one; what is absent has all bits set, or is null.
-    ASSERT_TRUE(Parse(linkage, "<x broadbandAccessRequired='true' svcCapabilities='1' SvcCapabilities='2'/>"));
-    EXPECT_TRUE(v.bsid == 0xFFFF && v.LLSGroupId == 0xFF && v.serviceId == 0xFFFF && v.linkageType == -1 &&
-                !v.broadbandAccessRequired && !v.activationTime && !v.linkageData);
-    EXPECT_STREQ(v.svcCapabilities, "1");
+    ASSERT_TRUE(ParseXml(linkage, "<x broadbandAccessRequired='true' svcCapabilities='1' SvcCapabilities='2'/>"));
+    EXPECT_EQ(Show(v), "65535|255|65535|-1|-1|-|-|1|-|0");
     linkage.Destroy();
     EXPECT_TRUE(linkage.LinkServiceId() == 0 && !linkage.ActivationTime() && !linkage.State());
     EXPECT_EQ(TakeAssertions(), "m; m");

@@ -1,5 +1,8 @@
 // SetReplace, alike in every class whose lists pile up: off they do; on, a second input takes the place of the
 // first, one that fails leaves what is held, and so does a table of another group.
+#include <functional>
+#include <memory>
+
 #include "common/RSAT.h"
 #include "esg/ESGServiceFragment.h"
 #include "esg/SGDUParse.h"
@@ -13,108 +16,87 @@
 #include "route/SLS/ROUTEUsbd.h"
 #include "route/SLS/RS.h"
 #include "route/SLS/STSID.h"
+#include "support/ParserTest.h"
 #include "support/Tables.h"
 
 namespace {
 
-/// What is the same in the tests of tables and of documents.
-struct CSubject {
-    virtual ~CSubject() = default;
-    virtual void SetReplace(bool replace) = 0;
-    virtual void Parse(const std::string& xml, unsigned char group) = 0;
-    virtual int Count() = 0;
+/// A parser of tables or of documents, with a document of entries that it lists.
+struct SSubject {
+    std::function<void(bool replace)> setReplace;
+    std::function<void(const std::string& xml, unsigned char group)> parse;
+    std::function<int()> count;
+    std::string open, entry, close;
+    bool table;
 };
 
-bool Create(CParseAEAT& parser)
+template <class T, auto... TArguments>
+SSubject Subject(int (*count)(T&), const char* open, const char* entry, const char* close)
 {
-    return parser.Create(nullptr);
+    constexpr bool k_table = std::is_base_of_v<IParse, T>;
+    const std::shared_ptr<T> parser(new T, [](T* object) {
+        object->Destroy();
+        delete object;
+    });
+    EXPECT_TRUE(parser->Create(TArguments...));
+    const auto parse = [parser](const std::string& xml, unsigned char group) {
+        if constexpr (k_table) {
+            static unsigned char s_version = 0;
+            const std::string header = {'\1', static_cast<char>(group), '\0', static_cast<char>(++s_version)};
+            EXPECT_TRUE(Feed(*parser, header + xml));
+        } else {
+            static_cast<XMLBase&>(*parser).Parse(xml.data(), static_cast<unsigned int>(xml.size()), false);
+        }
+    };
+    return {[parser](bool replace) { parser->SetReplace(replace); },
+            parse,
+            [parser, count] { return count(*parser); },
+            open,
+            entry,
+            close,
+            k_table};
 }
-template <class T>
-bool Create(T& parser)
-{
-    return parser.Create();
-}
 
-template <class T>
-struct CTableSubject : CSubject {
-    explicit CTableSubject(int (*count)(T&)) : m_count(count) { EXPECT_TRUE(Create(m_parser)); }
-    ~CTableSubject() override { m_parser.Destroy(); }
-    void SetReplace(bool replace) override { m_parser.SetReplace(replace); }
-    void Parse(const std::string& xml, unsigned char group) override
-    {
-        EXPECT_TRUE(
-            Feed(m_parser, std::string("\1") + static_cast<char>(group) + '\0' + static_cast<char>(++m_version) + xml));
-    }
-    int Count() override { return m_count(m_parser); }
-
-  private:
-    T m_parser;
-    int (*m_count)(T&);
-    int m_version = 0;
-};
-
-template <class T>
-struct CDocumentSubject : CSubject {
-    explicit CDocumentSubject(int (*count)(T&)) : m_count(count) { EXPECT_TRUE(m_parser.Create()); }
-    ~CDocumentSubject() override { m_parser.Destroy(); }
-    void SetReplace(bool replace) override { m_parser.SetReplace(replace); }
-    void Parse(const std::string& xml, unsigned char /*group*/) override
-    {
-        m_parser.Parse(xml.data(), static_cast<unsigned int>(xml.size()), false);
-    }
-    int Count() override { return m_count(m_parser); }
-
-  private:
-    T m_parser;
-    int (*m_count)(T&);
-};
-
-class ReplaceTest : public CRecorder {};
+using ReplaceTest = CRecorder;
 
 TEST_F(ReplaceTest, PilesUpUntilToldNotTo)
 {
-    CTableSubject<CParseAEAT> aeat([](CParseAEAT& p) { return p.AEACount(); });
-    CTableSubject<CParseOnscreenNoti> noti([](CParseOnscreenNoti& p) { return static_cast<int>(p.KSCCount()); });
-    CTableSubject<CParseRRT> rrt([](CParseRRT& p) { return static_cast<int>(p.numOfRatingRegionTable()); });
-    CDocumentSubject<CRSAT> rsat([](CRSAT& p) { return p.NumOfService(); });
-    CDocumentSubject<CSTSID> stsid([](CSTSID& p) { return p.NumberOfRouteSessions(); });
-    CDocumentSubject<CRS> rs([](CRS& p) { return p.State()->ls.Size(); });
-    CDocumentSubject<CROUTEUsbd> usbd([](CROUTEUsbd& p) { return p.NumOfDeliveryMethod(); });
-    CDocumentSubject<CDeliveryMethod> method([](CDeliveryMethod& p) { return p.State()->unicastAppSvcs.Size(); });
-    CDocumentSubject<CMMTUsbd> mmt([](CMMTUsbd& p) { return p.ComponentInfoSize(); });
-    CDocumentSubject<CSGDDParse> sgdd(
-        [](CSGDDParse& p) { return static_cast<int>(p.State()->descriptorEntries.size()); });
-    CDocumentSubject<CSGResponse> response(
-        [](CSGResponse& p) { return static_cast<int>(p.State()->supportedVersions.size()); });
-    const struct {
-        CSubject& subject;
-        std::string open, entry, close;
-        bool table;
-    } k_cases[] = {
-        {aeat, "<AEAT>", "<AEA/>", "</AEAT>", true},
-        {noti, "<OnscreenMessageNotification>", "<KeepScreenClear/>", "</OnscreenMessageNotification>", true},
-        {rrt, "<RatingRegionTables>", "<RatingRegionTable/>", "</RatingRegionTables>", true},
-        {rsat, "<RSAT timestamp='t'>", "<Service><Update/></Service>", "</RSAT>", false},
-        {stsid, "<S-TSID>", "<RS><LS/></RS>", "</S-TSID>", false},
-        {rs, "<RS>", "<LS/>", "</RS>", false},
-        {usbd, "<BundleDescriptionROUTE><UserServiceDescription>", "<DeliveryMethod/>",
-         "<ServiceLinkage/></UserServiceDescription></BundleDescriptionROUTE>", false},
-        {method, "<DeliveryMethod>", "<UnicastAppService/>", "</DeliveryMethod>", false},
-        {mmt, "<BundleDescriptionMMT><UserServiceDescription>", "<ComponentInfo componentProtectedFlag='true'/>",
-         "<Channel/></UserServiceDescription></BundleDescriptionMMT>", false},
-        {sgdd, "<ServiceGuideDeliveryDescriptor>", "<DescriptorEntry/>", "</ServiceGuideDeliveryDescriptor>", false},
-        {response, "<SGResponse>", "<SupportedVersion>1</SupportedVersion>", "</SGResponse>", false},
+    const SSubject k_cases[] = {
+        Subject<CParseAEAT, nullptr>([](CParseAEAT& p) { return p.AEACount(); }, "<AEAT>", "<AEA/>", "</AEAT>"),
+        Subject<CParseOnscreenNoti>([](CParseOnscreenNoti& p) { return static_cast<int>(p.KSCCount()); },
+                                    "<OnscreenMessageNotification>", "<KeepScreenClear/>",
+                                    "</OnscreenMessageNotification>"),
+        Subject<CParseRRT>([](CParseRRT& p) { return static_cast<int>(p.numOfRatingRegionTable()); },
+                           "<RatingRegionTables>", "<RatingRegionTable/>", "</RatingRegionTables>"),
+        Subject<CRSAT>([](CRSAT& p) { return p.NumOfService(); }, "<RSAT timestamp='t'>",
+                       "<Service><Update/></Service>", "</RSAT>"),
+        Subject<CSTSID>([](CSTSID& p) { return p.NumberOfRouteSessions(); }, "<S-TSID>", "<RS><LS/></RS>", "</S-TSID>"),
+        Subject<CRS>([](CRS& p) { return p.State()->ls.Size(); }, "<RS>", "<LS/>", "</RS>"),
+        Subject<CROUTEUsbd>([](CROUTEUsbd& p) { return p.NumOfDeliveryMethod(); },
+                            "<BundleDescriptionROUTE><UserServiceDescription>", "<DeliveryMethod/>",
+                            "<ServiceLinkage/></UserServiceDescription></BundleDescriptionROUTE>"),
+        Subject<CDeliveryMethod>([](CDeliveryMethod& p) { return p.State()->unicastAppSvcs.Size(); },
+                                 "<DeliveryMethod>", "<UnicastAppService/>", "</DeliveryMethod>"),
+        Subject<CMMTUsbd>([](CMMTUsbd& p) { return p.ComponentInfoSize(); },
+                          "<BundleDescriptionMMT><UserServiceDescription>",
+                          "<ComponentInfo componentProtectedFlag='true'/>",
+                          "<Channel/></UserServiceDescription></BundleDescriptionMMT>"),
+        Subject<CSGDDParse>([](CSGDDParse& p) { return static_cast<int>(p.State()->descriptorEntries.size()); },
+                            "<ServiceGuideDeliveryDescriptor>", "<DescriptorEntry/>",
+                            "</ServiceGuideDeliveryDescriptor>"),
+        Subject<CSGResponse>([](CSGResponse& p) { return static_cast<int>(p.State()->supportedVersions.size()); },
+                             "<SGResponse>", "<SupportedVersion>1</SupportedVersion>", "</SGResponse>"),
     };
-    for (const auto& c : k_cases) {
+    for (const SSubject& c : k_cases) {
         const std::string one = c.open + c.entry + c.close;
         const std::string two = c.open + c.entry + c.entry + c.close;
         const auto count = [&c](const std::string& xml, unsigned char group) {
-            c.subject.Parse(xml, group);
-            return c.subject.Count();
+            c.parse(xml, group);
+            return c.count();
         };
         EXPECT_EQ(count(one, 1), 1) << one;
         EXPECT_EQ(count(two, 1), 3) << one << " piles up";
-        c.subject.SetReplace(true);
+        c.setReplace(true);
         const int old = c.table ? 3 : 0;  // what came before stays in a table's parser
         EXPECT_EQ(count(two, 1), old + 2) << one;
         EXPECT_EQ(count(one, 1), old + 1) << one;
@@ -133,7 +115,7 @@ TEST_F(ReplaceTest, PilesUpUntilToldNotTo)
             EXPECT_EQ(Logged("records dropped"), 1);
         }
         EXPECT_EQ(count(c.open + c.close, 1), c.table ? old + 2 : 0) << one;
-        c.subject.SetReplace(false);
+        c.setReplace(false);
         EXPECT_EQ(count(two, 1), c.table ? old + 4 : 2) << one << " piles up again";
     }
 }
@@ -168,8 +150,7 @@ TEST_F(ReplaceTest, UnitsAreCutWithTheirOwnOffsets)
         }
         return bytes + std::string("\0\1", 2) + first + std::string("\0\1", 2) + second;
     };
-    CSGDUParse sgdu;
-    ASSERT_TRUE(sgdu.Create());
+    SCreated<CSGDUParse> sgdu;
     sgdu.SetReplace(true);
     const char* const k_ids[] = {"a", "longer", "much longer"};
     for (const std::string id : k_ids) {
@@ -184,13 +165,11 @@ TEST_F(ReplaceTest, UnitsAreCutWithTheirOwnOffsets)
     sgdu.SetReplace(false);
     Feed(sgdu, unit("<Service id='e'/>", ""));
     EXPECT_EQ(sgdu.State()->arrayHead.size(), 4u);
-    sgdu.Destroy();
 }
 
 TEST_F(ReplaceTest, RatingStoreStartsARegionAnew)
 {
-    CRRTMap map;
-    ASSERT_TRUE(map.Create());
+    SCreated<CRRTMap> map;
     char empty[] = "", text[] = "t", abbreviation[] = "a";
     const auto rated = [&] {
         return map.GetProgramRating(
@@ -201,7 +180,6 @@ TEST_F(ReplaceTest, RatingStoreStartsARegionAnew)
     EXPECT_TRUE(map.Add(1, 8) && rated());
     map.SetReplace(true);
     EXPECT_TRUE(map.Add(1, 9) && !rated());
-    map.Destroy();
 }
 
 }  // namespace

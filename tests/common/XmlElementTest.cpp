@@ -8,14 +8,9 @@
 #include "mmt/desc/MMTName.h"
 #include "route/SLS/RS.h"
 #include "route/SLS/UnicastAppSvc.h"
-#include "support/Recorder.h"
+#include "support/ParserTest.h"
 
 namespace {
-
-bool Parse(XMLBase& parser, const std::string& text)
-{
-    return parser.Parse(text.data(), static_cast<unsigned int>(text.size()), false);
-}
 
 /// A line of a source, from 1; empty: there is none.
 std::string Line(const std::string& source, unsigned int number)
@@ -27,7 +22,7 @@ std::string Line(const std::string& source, unsigned int number)
     return number == 0 ? line : std::string();
 }
 
-class XmlElementTest : public CRecorder {};
+using XmlElementTest = CRecorder;
 
 TEST_F(XmlElementTest, WhatABaseAssertsNamesTheSourceOfTheClassAndALineOfIt)
 {
@@ -40,7 +35,7 @@ TEST_F(XmlElementTest, WhatABaseAssertsNamesTheSourceOfTheClassAndALineOfIt)
          [] {
              CRS rs;
              rs.Destroy();
-             EXPECT_FALSE(Parse(rs, "<RS/>"));
+             EXPECT_FALSE(ParseXml(rs, "<RS/>"));
              EXPECT_TRUE(rs.Create() && !rs.Create() && rs.State());
              rs.Destroy();
              EXPECT_EQ(rs.State(), nullptr);

@@ -7,7 +7,17 @@
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
 #include "esg/GenreNameParse.h"
-#include "support/Recorder.h"
+#include "support/EsgRecords.h"
+#include "support/ParserTest.h"
+
+SHOW(CESGServiceFragment::SESGServiceFragment, s.ns, s.id, s.version, s.validFrom, s.validTo, s.globalServiceID,
+     s.weight, s.emergency, s.serviceType, s.names, s.descriptions, s.audioLanguages, s.textLanguages,
+     s.contentAdvRatings, s.targetProfiles, s.genres, s.broadcaseArea, s.serviceExt)
+SHOW(CESGContentFragment::SESGContentFragment, s.ns, s.id, s.version, s.validFrom, s.validTo, s.globalContentID,
+     s.baseCID, s.serviceRefId, s.serviceRefWeight, s.names, s.descriptions, s.audioLanguages, s.textLanguages,
+     s.length, s.contentAdvRatings, s.targetProfiles, s.genres, s.termsOfUses, s.popularity, s.freshness, s.contentExt)
+SHOW(CESGScheduleFragment::SESGScheduleFragment, s.ns, s.id, s.version, s.validFrom, s.validTo, s.serviceRefId,
+     s.contentRefs, s.termsOfUses)
 
 namespace {
 
@@ -37,27 +47,13 @@ class ESGFragmentTest : public CRecorder {
         return m_root + path;
     }
 
-    /// Parses a fragment, or a genre scheme, from a block of just its size.
-    template <class TParser>
-    static bool Parse(TParser& parser, const std::string& text)
-    {
-        const std::vector<unsigned char> block = Exact(text);
-        return parser.Parse(reinterpret_cast<const char*>(block.data()), static_cast<unsigned int>(block.size()));
-    }
-
     std::string m_root;
-};
-
-template <class TParser>
-struct SCreated : TParser {
-    SCreated() { EXPECT_TRUE(this->Create()); }
-    ~SCreated() override { this->Destroy(); }
 };
 
 TEST_F(ESGFragmentTest, Service)
 {
     SCreated<CESGServiceFragment> fragment;
-    ASSERT_TRUE(Parse(
+    ASSERT_TRUE(ParseXml(
         fragment,
         "<e:Service xmlns:e='u:esg' id='a' version='2' validFrom='3981234567' validTo='3981234568' "
         "globalServiceID='urn:one' weight='65535' emergency='-1'><ServiceType>5</ServiceType><Name>b</Name>"
@@ -67,34 +63,19 @@ TEST_F(ESGFragmentTest, Service)
         "<BroadcastArea polarity='true'/><PrivateExt><Other/><ATSC3ServiceExtension><MajorChannelNum>8"
         "</MajorChannelNum></ATSC3ServiceExtension><ATSC3ServiceExtension/></PrivateExt><PrivateExt/></e:Service>"));
     const auto& s = *fragment.State();
-    EXPECT_STREQ(s.ns.get(), "u:esg");
-    EXPECT_STREQ(s.id.get(), "a");
-    EXPECT_TRUE(s.version == 2 && s.validFrom == 3981234567u && s.validTo == 3981234568u);
-    EXPECT_STREQ(s.globalServiceID.get(), "urn:one");
-    EXPECT_TRUE(s.weight == 65535 && s.emergency && s.serviceType == 5);
-    ASSERT_EQ(s.names.size(), 2u);
-    EXPECT_STREQ(s.names[1]->State()->content.get(), "c");
-    EXPECT_STREQ(s.descriptions.at(0)->State()->content.get(), "d");
-    EXPECT_STREQ(s.audioLanguages.at(0)->State()->languageSDPTag.get(), "e");
-    EXPECT_STREQ(s.textLanguages.at(0)->State()->languageSDPTag.get(), "f");
-    EXPECT_EQ(s.contentAdvRatings.at(0)->State()->ratedDimensions, 6);
-    EXPECT_STREQ(s.targetProfiles.at(0)->State()->attributeName.get(), "g");
-    const auto& genre = *s.genres.at(0)->State();
-    EXPECT_STREQ(genre.type.get(), "h");
-    EXPECT_STREQ(genre.href.get(), "i");
-    EXPECT_STREQ(genre.content.get(), "j:7");
-    EXPECT_TRUE(genre.index == 7 && !genre.name);  // there is no file of names
-    EXPECT_TRUE(s.broadcaseArea->State()->polarity);
+    // There is no file of names for the genre.
+    EXPECT_EQ(Show(s),
+              "u:esg|a|2|3981234567|3981234568|urn:one|65535|1|5|[{-|-|b|[]|[]} {-|-|c|[]|[]}]|[{-|-|d|[]|[]}]|[{|e}]|"
+              "[{|f}]|[{-|0|6|[]|[]}]|[{g|-}]|[{h|i|j:7|7|-}]|{1|-|-|-|-}|{-|0|0|0|8|0|[]}");
     EXPECT_EQ(Logged("[CBroadcastArea::Destroy]"), 1);  // the first is let go
-    EXPECT_EQ(s.serviceExt->State()->majorChannelNum, 8);
 
     // Required: the next one adds to it; one that fails leaves it.
-    ASSERT_TRUE(Parse(fragment, "<Service id='z' emergency='0'><ServiceType/><Name/></Service>"));
+    ASSERT_TRUE(ParseXml(fragment, "<Service id='z' emergency='0'><ServiceType/><Name/></Service>"));
     EXPECT_EQ(TakeAssertions(), "content != nullptr");
     EXPECT_TRUE(!s.ns && !s.globalServiceID && !s.emergency && s.names.size() == 3 && s.broadcaseArea);
-    EXPECT_FALSE(Parse(fragment, "<Service id='y'"));
+    EXPECT_FALSE(ParseXml(fragment, "<Service id='y'"));
     EXPECT_STREQ(s.id.get(), "z");
-    EXPECT_FALSE(Parse(fragment, "<Service><Name/></Service>"));
+    EXPECT_FALSE(ParseXml(fragment, "<Service><Name/></Service>"));
     EXPECT_TRUE(!s.id && s.names.size() == 3);
     EXPECT_EQ(Logged("_CHECK FAIL: src/esg/ESGServiceFragment:"), 2);
 }
@@ -102,7 +83,7 @@ TEST_F(ESGFragmentTest, Service)
 TEST_F(ESGFragmentTest, Content)
 {
     SCreated<CESGContentFragment> fragment;
-    ASSERT_TRUE(Parse(
+    ASSERT_TRUE(ParseXml(
         fragment,
         "<Content id='a' version='1' validFrom='2' validTo='4294967295' globalContentID='b' baseCID='c'>"
         "<ServiceReference idRef='d' weight='3'/><Name>e</Name><Description>f</Description><AudioLanguage/>"
@@ -111,26 +92,14 @@ TEST_F(ESGFragmentTest, Content)
         "<Freshness/><Freshness releastDate='1970-01-01T00:00:09Z'/><PrivateExt/><PrivateExt><Capabilities>i"
         "</Capabilities></PrivateExt></Content>"));
     const auto& s = *fragment.State();
-    EXPECT_STREQ(s.id.get(), "a");
-    EXPECT_TRUE(!s.ns && s.version == 1 && s.validFrom == 2 && s.validTo == 4294967295u);
-    EXPECT_STREQ(s.globalContentID.get(), "b");
-    EXPECT_STREQ(s.baseCID.get(), "c");
-    EXPECT_STREQ(s.serviceRefId.get(), "d");
-    EXPECT_TRUE(s.serviceRefWeight == 3 && s.length == 1800 && s.audioLanguages.size() == 2);
-    EXPECT_STREQ(s.names.at(0)->State()->content.get(), "e");
-    EXPECT_STREQ(s.descriptions.at(0)->State()->content.get(), "f");
-    EXPECT_TRUE(s.textLanguages.size() == 1 && s.contentAdvRatings.size() == 1);
-    EXPECT_STREQ(s.targetProfiles.at(0)->State()->attributeValue.get(), "g");
-    EXPECT_EQ(s.genres.at(0)->State()->index, 4);
-    EXPECT_STREQ(s.termsOfUses.at(0)->State()->id.get(), "h");
-    EXPECT_EQ(s.popularity->State()->rating, 6);
-    EXPECT_EQ(s.freshness->State()->releaseDate, 9);
-    EXPECT_STREQ(s.contentExt->State()->capabilities.get(), "i");
+    EXPECT_EQ(Show(s),
+              "-|a|1|2|4294967295|b|c|d|3|[{-|-|e|[]|[]}]|[{-|-|f|[]|[]}]|[{|-} {|-}]|[{|-}]|1800|[{-|0|0|[]|[]}]|"
+              "[{-|g}]|[{-|-|4|4|-}]|[{0|h|0|[]|-|-}]|{6|0|0|0}|{0|9}|{-|0|0|0|i|-|[]|[]}");
     EXPECT_TRUE(Logged("[CPopularity::Destroy]") == 1 && Logged("[CFreshness::Destroy]") == 1 &&
                 Logged("[CContentPrivateExt::Destroy]") == 1);
 
     ASSERT_TRUE(
-        Parse(fragment, "<Content id=''><ServiceReference idRef='x'/><ServiceReference weight='1'/></Content>"));
+        ParseXml(fragment, "<Content id=''><ServiceReference idRef='x'/><ServiceReference weight='1'/></Content>"));
     EXPECT_EQ(fragment.State()->serviceRefId, nullptr);
     EXPECT_EQ(Logged("[CESGContentFragment::sm_CbServiceReferenceEntry] serviceRef Id is NULL!!"), 1);
 }
@@ -138,30 +107,22 @@ TEST_F(ESGFragmentTest, Content)
 TEST_F(ESGFragmentTest, Schedule)
 {
     SCreated<CESGScheduleFragment> fragment;
-    ASSERT_TRUE(Parse(fragment,
-                      "<Schedule id='a' version='1' validFrom='2' validTo='3'><ServiceReference idRef='b'/>"
-                      "<ContentReference idRef='c'><PresentationWindow startTime='3981234567'/></ContentReference>"
-                      "<ContentReference idRef='d'/><TermsOfUse id='e'/></Schedule>"));
+    ASSERT_TRUE(ParseXml(fragment,
+                         "<Schedule id='a' version='1' validFrom='2' validTo='3'><ServiceReference idRef='b'/>"
+                         "<ContentReference idRef='c'><PresentationWindow startTime='3981234567'/></ContentReference>"
+                         "<ContentReference idRef='d'/><TermsOfUse id='e'/></Schedule>"));
     const auto& s = *fragment.State();
-    EXPECT_TRUE(s.version == 1 && s.validFrom == 2 && s.validTo == 3);
-    EXPECT_STREQ(s.serviceRefId.get(), "b");
-    ASSERT_EQ(s.contentRefs.size(), 2u);
-    EXPECT_EQ(s.contentRefs[0]->State()->presentationWindows.at(0)->State()->startTime, 3981234567u);
-    EXPECT_STREQ(s.contentRefs[1]->State()->idRef.get(), "d");
-    EXPECT_STREQ(s.termsOfUses.at(0)->State()->id.get(), "e");
-    ASSERT_TRUE(Parse(fragment, "<Schedule id='a'><ServiceReference/></Schedule>"));
+    EXPECT_EQ(Show(s), "-|a|1|2|3|b|[{c|-|[{-|3981234567|0|0|0|0}]} {d|-|[]}]|[{0|e|0|[]|-|-}]");
+    ASSERT_TRUE(ParseXml(fragment, "<Schedule id='a'><ServiceReference/></Schedule>"));
     EXPECT_EQ(Logged("[CESGScheduleFragment::sm_CbServiceReferenceEntry] serviceRef Id is NULL!!"), 1);
 }
 
 template <class TFragment>
 void ExpectRefused(const std::string& className, const std::string& element)
 {
-    const auto parse = [](TFragment& fragment, const std::string& text) {
-        return fragment.Parse(text.data(), static_cast<unsigned int>(text.size()));
-    };
     {
         TFragment fragment;
-        EXPECT_FALSE(parse(fragment, "<a/>"));
+        EXPECT_FALSE(ParseXml(fragment, "<a/>"));
         fragment.Destroy();
         EXPECT_EQ(fragment.State(), nullptr);
         ASSERT_TRUE(fragment.Create());
@@ -171,9 +132,9 @@ void ExpectRefused(const std::string& className, const std::string& element)
         EXPECT_FALSE(fragment.Parse("/no/such/file"));
         for (const std::string text :
              {"<X id='a'/>", "<x id='a'/>", "", "<X", "<Service/>", "<Content/>", "<Schedule/>"}) {
-            EXPECT_FALSE(parse(fragment, text)) << text;
+            EXPECT_FALSE(ParseXml(fragment, text)) << text;
         }
-        EXPECT_TRUE(parse(fragment, "<!-- --><" + element + " id='a'/>"));
+        EXPECT_TRUE(ParseXml(fragment, "<!-- --><" + element + " id='a'/>"));
         fragment.Destroy();
     }
     std::string asserted;
@@ -204,10 +165,10 @@ TEST_F(ESGFragmentTest, PreviewOverridesTheServiceId)
     ASSERT_TRUE(fragment.Parse(file.c_str()));
     EXPECT_STREQ(fragment.State()->globalServiceID.get(), "urn:mine");
     Write("/bin/preview", "");
-    ASSERT_TRUE(Parse(fragment, text));
+    ASSERT_TRUE(ParseXml(fragment, text));
     EXPECT_STREQ(fragment.State()->globalServiceID.get(), "urn:atsc:serviceid:sbs_uhd");
     SetFileRoot(nullptr);
-    ASSERT_TRUE(Parse(fragment, text));
+    ASSERT_TRUE(ParseXml(fragment, text));
     EXPECT_STREQ(fragment.State()->globalServiceID.get(), "urn:mine");
 }
 
@@ -218,9 +179,9 @@ TEST_F(ESGFragmentTest, MatchCallbacks)
     SCreated<CESGScheduleFragment> schedule;
     EXPECT_EQ(CESGServiceFragment::sm_CbGlobalServiceId(&service, "", 0), 0);  // no id is no match
     EXPECT_FALSE(service.State()->sltMatch);
-    ASSERT_TRUE(Parse(service, "<Service id='a' globalServiceID='urn:one'/>"));
-    ASSERT_TRUE(Parse(content, "<Content id='a'><ServiceReference idRef='s1'/></Content>"));
-    ASSERT_TRUE(Parse(schedule, "<Schedule id='a'><ServiceReference idRef='s1'/></Schedule>"));
+    ASSERT_TRUE(ParseXml(service, "<Service id='a' globalServiceID='urn:one'/>"));
+    ASSERT_TRUE(ParseXml(content, "<Content id='a'><ServiceReference idRef='s1'/></Content>"));
+    ASSERT_TRUE(ParseXml(schedule, "<Schedule id='a'><ServiceReference idRef='s1'/></Schedule>"));
     EXPECT_EQ(CESGServiceFragment::sm_CbGlobalServiceId(&service, "urn:two", 7), 0);
     EXPECT_FALSE(service.State()->sltMatch);
     EXPECT_EQ(CESGServiceFragment::sm_CbGlobalServiceId(&service, "urn:two", 4), 0);
@@ -240,7 +201,7 @@ TEST_F(ESGFragmentTest, MatchCallbacks)
     EXPECT_EQ(CESGContentFragment::sm_CbFragServiceId(&content, nullptr, 1), 0);
     EXPECT_EQ(CESGContentFragment::sm_CbFragServiceId(&content, "s1", -1), 0);
     EXPECT_EQ(TakeAssertions(), "fragment; fragment; id; length >= 0");
-    ASSERT_TRUE(Parse(service, "<Service id='a'/>"));
+    ASSERT_TRUE(ParseXml(service, "<Service id='a'/>"));
     EXPECT_FALSE(service.State()->sltMatch);
 }
 
@@ -254,25 +215,19 @@ TEST_F(ESGFragmentTest, GenreNames)
           "<NameX>twelve</NameX></TermX><Other termID='6'><Name>six</Name></Other></ClassificationScheme>");
     SCreated<CESGServiceFragment> fragment;
     ASSERT_TRUE(
-        Parse(fragment,
-              "<Service id='a'><Genre>urn:cs:3</Genre><Genre>urn:cs:12</Genre><Genre>12.9</Genre><Genre>12:</Genre>"
-              "<Genre>:4</Genre><Genre/></Service>"));
-    static const struct {
-        int index;
-        const char* name;
-    } k_expected[] = {{3, "three"}, {12, "twelve"}, {12, "twelve"}, {0, nullptr}, {4, nullptr}, {0, nullptr}};
-    ASSERT_EQ(fragment.State()->genres.size(), 6u);
-    for (int i = 0; i < 6; ++i) {
-        const auto& genre = *fragment.State()->genres[static_cast<unsigned int>(i)]->State();
-        EXPECT_EQ(genre.index, k_expected[i].index);
-        EXPECT_STREQ(genre.name, k_expected[i].name);
-    }
+        ParseXml(fragment,
+                 "<Service id='a'><Genre>urn:cs:3</Genre><Genre>urn:cs:12</Genre><Genre>12.9</Genre><Genre>12:</Genre>"
+                 "<Genre>:4</Genre><Genre/></Service>"));
+    EXPECT_EQ(Show(fragment.State()->genres),
+              "[{-|-|urn:cs:3|3|three} {-|-|urn:cs:12|12|twelve} {-|-|12.9|12|twelve} {-|-|12:|0|-} {-|-|:4|4|-} "
+              "{-|-||0|-}]");
     EXPECT_EQ(SGenreNameParse::refMap.size(), 2u);
     EXPECT_EQ(Logged("[CGenre::t_ProcessGenreName] Index = [12], Name = [twelve]"), 2);
     EXPECT_EQ(Logged("[CGenreNameParse::Parse] Genre Map exsits."), 4);  // read once, then found filled
 
     SCreated<CGenreNameParse> names;
-    EXPECT_TRUE(Parse(names, "<ClassificationScheme><Term termID='99'><Name>n</Name></Term></ClassificationScheme>"));
+    EXPECT_TRUE(
+        ParseXml(names, "<ClassificationScheme><Term termID='99'><Name>n</Name></Term></ClassificationScheme>"));
     EXPECT_TRUE(names.Parse("/no/such/file"));
     EXPECT_EQ(SGenreNameParse::refMap.count(99), 0u);
 }
@@ -281,14 +236,14 @@ TEST_F(ESGFragmentTest, AFileOfGenresWithoutNamesIsReadOnce)
 {
     SCreated<CESGServiceFragment> fragment;
     const std::string text = "<Service id='a'><Genre>1</Genre><Genre>1</Genre><Genre>1</Genre></Service>";
-    EXPECT_TRUE(Parse(fragment, text));
+    EXPECT_TRUE(ParseXml(fragment, text));
     EXPECT_EQ(Logged(", m->xml.Create(filePath)"), 1) << "asked for once per fragment";
     Write("/opt/data/genre-cs.xml", "<ClassificationScheme>");
-    EXPECT_TRUE(Parse(fragment, text));
+    EXPECT_TRUE(ParseXml(fragment, text));
     EXPECT_EQ(Logged(", m->xml.Create(filePath)"), 2);
     Write("/opt/data/genre-cs.xml",
           "<ClassificationScheme><Term termID='1'><Name>n</Name></Term></ClassificationScheme>");
-    EXPECT_TRUE(Parse(fragment, text));
+    EXPECT_TRUE(ParseXml(fragment, text));
     EXPECT_STREQ(fragment.State()->genres.at(6)->State()->name, "n");
 }
 
@@ -297,11 +252,11 @@ TEST_F(ESGFragmentTest, ReplacesItsRecordWhenToldTo)
     SCreated<CESGServiceFragment> fragment;
     for (const bool replace : {false, true}) {
         fragment.SetReplace(replace);
-        EXPECT_TRUE(Parse(fragment, "<Service id='a' weight='3'><Name>1</Name></Service>"));
-        EXPECT_TRUE(Parse(fragment, "<Service id='b'><Name>2</Name><Name>3</Name></Service>"));
+        EXPECT_TRUE(ParseXml(fragment, "<Service id='a' weight='3'><Name>1</Name></Service>"));
+        EXPECT_TRUE(ParseXml(fragment, "<Service id='b'><Name>2</Name><Name>3</Name></Service>"));
         EXPECT_EQ(fragment.State()->names.size(), replace ? 2u : 3u);
-        EXPECT_FALSE(Parse(fragment, "<Service><Name>4</Name></Service>"));
-        EXPECT_FALSE(Parse(fragment, "<Service"));
+        EXPECT_FALSE(ParseXml(fragment, "<Service><Name>4</Name></Service>"));
+        EXPECT_FALSE(ParseXml(fragment, "<Service"));
         EXPECT_STREQ(fragment.State()->id.get(), replace ? "b" : nullptr);
         EXPECT_EQ(fragment.State()->names.size(), replace ? 2u : 3u);
     }
@@ -311,14 +266,14 @@ TEST_F(ESGFragmentTest, GenreSchemeBesideTheRootOrMissing)
 {
     {
         SCreated<CGenreNameParse> names;
-        EXPECT_FALSE(Parse(names, "<Other><ClassificationScheme/></Other>"));
+        EXPECT_FALSE(ParseXml(names, "<Other><ClassificationScheme/></Other>"));
         EXPECT_EQ(Logged("t_Process(root)"), 1);
-        EXPECT_FALSE(Parse(names, "<Other"));
+        EXPECT_FALSE(ParseXml(names, "<Other"));
         EXPECT_FALSE(names.Parse("/no/such/file"));
         // An empty scheme is read, and leaves the next one to be read.
-        EXPECT_TRUE(Parse(names, "<ClassificationScheme/>"));
+        EXPECT_TRUE(ParseXml(names, "<ClassificationScheme/>"));
         EXPECT_TRUE(
-            Parse(names, "<ClassificationScheme><Term termID='-1'><Name>n</Name></Term></ClassificationScheme>"));
+            ParseXml(names, "<ClassificationScheme><Term termID='-1'><Name>n</Name></Term></ClassificationScheme>"));
         EXPECT_STREQ(SGenreNameParse::refMap.at(-1).get(), "n");
         EXPECT_FALSE(names.Create());
         EXPECT_FALSE(names.Parse(nullptr));

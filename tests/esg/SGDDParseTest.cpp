@@ -2,18 +2,17 @@
 
 #include "esg/ESGFragmentMap.h"
 #include "esg/SGResponse.h"
-#include "support/Recorder.h"
+#include "support/EsgRecords.h"
+#include "support/ParserTest.h"
+
+SHOW(CSGResponse::SResponseValidity, s.expirationTime, s.timeWindow)
+SHOW(CSGResponse::SSGResponse, s.status, s.lastResponseVersion, s.supportedVersions, s.descriptors, s.responseValidity,
+     s.privateExt)
+SHOW(CSGDDParse::SSGDDParse, s.ns, s.id, s.version, s.descriptorEntries)
 
 namespace {
 
 using SGDDParseTest = CRecorder;
-
-template <class TParser>
-bool Parse(TParser& parser, const std::string& text)
-{
-    const std::vector<unsigned char> block = Exact(text);
-    return parser.Parse(reinterpret_cast<const char*>(block.data()), static_cast<unsigned int>(block.size()));
-}
 
 const std::string k_sgdd =
     "<ServiceGuideDeliveryDescriptor xmlns='u' id='a' version='2'><DescriptorEntry type='3'><Transport port='4'/>"
@@ -22,23 +21,19 @@ const std::string k_sgdd =
 TEST_F(SGDDParseTest, Descriptor)
 {
     CSGDDParse sgdd;
-    EXPECT_FALSE(Parse(sgdd, k_sgdd));
+    EXPECT_FALSE(ParseXml(sgdd, k_sgdd));
     EXPECT_EQ(TakeAssertions(), "m != nullptr");
     ASSERT_TRUE(sgdd.Create());
-    ASSERT_TRUE(Parse(sgdd, k_sgdd));
+    ASSERT_TRUE(ParseXml(sgdd, k_sgdd));
     const auto& state = *sgdd.State();
-    EXPECT_STREQ(state.id.get(), "a");
-    EXPECT_STREQ(state.ns.get(), "u");
-    ASSERT_TRUE(state.version == 2 && state.descriptorEntries.size() == 2);
-    EXPECT_EQ(state.descriptorEntries[0]->State()->transport->State()->port, 4);
-    EXPECT_EQ(state.descriptorEntries[1]->State()->type, 5);
-    EXPECT_FALSE(Parse(sgdd, Gzip(k_sgdd)));
+    EXPECT_EQ(Show(state), "u|a|2|[{3|-|{-|4|-|0|0}|[]|[]} {5|-|-|[]|[]}]");
+    EXPECT_FALSE(ParseXml(sgdd, Gzip(k_sgdd)));
     EXPECT_EQ(state.descriptorEntries.size(), 2u);  // the record of the one before stays
     sgdd.SetCompress(true);
-    EXPECT_TRUE(Parse(sgdd, Gzip(k_sgdd)));
-    EXPECT_TRUE(Parse(sgdd, "<ServiceGuideDeliveryDescriptor/>"));
+    EXPECT_TRUE(ParseXml(sgdd, Gzip(k_sgdd)));
+    EXPECT_TRUE(ParseXml(sgdd, "<ServiceGuideDeliveryDescriptor/>"));
     EXPECT_TRUE(!state.id && !state.ns && state.version == 0 && state.descriptorEntries.size() == 4);
-    EXPECT_FALSE(Parse(sgdd, "<SGResponse>" + k_sgdd + "</SGResponse>"));
+    EXPECT_FALSE(ParseXml(sgdd, "<SGResponse>" + k_sgdd + "</SGResponse>"));
     EXPECT_EQ(TakeAssertions(), "");
 
     CXML outer;
@@ -64,31 +59,24 @@ TEST_F(SGDDParseTest, Response)
     response.SetCompress(true);
     EXPECT_EQ(TakeAssertions(), "m");
     ASSERT_TRUE(response.Create());
-    ASSERT_TRUE(Parse(response,
-                      "<x:SGResponse xmlns:x='u' status='1' lastResponseVersion='2'><SupportedVersion>1.0"
-                      "</SupportedVersion><SupportedVersion/><SupportedVersion>1.1</SupportedVersion>" +
-                          k_sgdd +
-                          "<ServiceGuideDeliveryDescriptor id='b'/><ResponseValidity expirationTime='1'/>"
-                          "<ResponseValidity expirationTime='3981234567' timeWindow='4'/><PrivateExt>c</PrivateExt>"
-                          "<PrivateExt>d</PrivateExt></x:SGResponse>"));
+    ASSERT_TRUE(ParseXml(response,
+                         "<x:SGResponse xmlns:x='u' status='1' lastResponseVersion='2'><SupportedVersion>1.0"
+                         "</SupportedVersion><SupportedVersion/><SupportedVersion>1.1</SupportedVersion>" +
+                             k_sgdd +
+                             "<ServiceGuideDeliveryDescriptor id='b'/><ResponseValidity expirationTime='1'/>"
+                             "<ResponseValidity expirationTime='3981234567' timeWindow='4'/><PrivateExt>c</PrivateExt>"
+                             "<PrivateExt>d</PrivateExt></x:SGResponse>"));
     const auto& state = *response.State();
-    EXPECT_TRUE(state.status == 1 && state.lastResponseVersion == 2);
-    ASSERT_EQ(state.supportedVersions.size(), 2u);
-    EXPECT_STREQ(state.supportedVersions[1].get(), "1.1");
-    ASSERT_EQ(state.descriptors.size(), 2u);
-    EXPECT_EQ(state.descriptors[0]->State()->descriptorEntries.size(), 2u);
-    EXPECT_STREQ(state.descriptors[1]->State()->id.get(), "b");
-    EXPECT_TRUE(state.responseValidity->expirationTime == 3981234567u && state.responseValidity->timeWindow == 4);
-    EXPECT_STREQ(state.privateExt.get(), "d");
+    EXPECT_EQ(Show(state), "1|2|[1.0 1.1]|[{u|a|2|[{3|-|{-|4|-|0|0}|[]|[]} {5|-|-|[]|[]}]} {-|b|0|[]}]|3981234567|4|d");
     response.SetCompress(true);
-    EXPECT_TRUE(Parse(response, Gzip("<SGResponse/>")));
+    EXPECT_TRUE(ParseXml(response, Gzip("<SGResponse/>")));
     EXPECT_TRUE(state.status == 0 && state.lastResponseVersion == 0 && state.supportedVersions.size() == 2 &&
                 state.descriptors.size() == 2 && state.responseValidity && state.privateExt);
-    EXPECT_FALSE(Parse(response, k_sgdd));
+    EXPECT_FALSE(ParseXml(response, k_sgdd));
     response.Destroy();
     EXPECT_EQ(Logged("[CSGDDParse::Destroy]"), 2);
     ASSERT_TRUE(response.Create());
-    EXPECT_FALSE(Parse(response, Gzip("<SGResponse/>")));  // Create takes the switch back
+    EXPECT_FALSE(ParseXml(response, Gzip("<SGResponse/>")));  // Create takes the switch back
     response.Destroy();
 }
 

@@ -5,27 +5,20 @@
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
+#include "support/MmtWriter.h"
+#include "support/ParserTest.h"
 #include "support/Tables.h"
 
 namespace {
 
-std::string Number(unsigned int value, int bytes)
-{
-    std::string text;
-    while (bytes-- > 0) {
-        text += static_cast<char>(value >> 8 * bytes);
-    }
-    return text;
-}
-
 std::string Header(unsigned int fragments)
 {
-    return Number(0x01020304, 4) + Number(0x0506, 2) + Number(fragments, 3);
+    return CMmtBuilder().Put(32, 0x01020304).Put(16, 0x0506).Put(24, fragments).Bytes();
 }
 
 std::string Entry(unsigned int id, unsigned int offset)
 {
-    return Number(id, 4) + Number(id + 1, 4) + Number(offset, 4);
+    return CMmtBuilder().Put(32, id).Put(32, id + 1).Put(32, offset).Bytes();
 }
 
 /// A fragment as it stands in a unit: encoding, type, text.
@@ -49,33 +42,13 @@ std::string Unit(const std::vector<SPart>& parts, unsigned int origin = 100)
     return table + bytes;
 }
 
-class SGDUParseTest : public CRecorder {
+class SGDUParseTest : public TParserTest<CSGDUParse> {
   protected:
-    void SetUp() override
-    {
-        CRecorder::SetUp();
-        ASSERT_TRUE(m_sgdu.Create());
-    }
-
-    void TearDown() override
-    {
-        if (m_sgdu.State()) {
-            m_sgdu.Destroy();
-        }
-        CRecorder::TearDown();
-    }
-
-    void Renew()
-    {
-        m_sgdu.Destroy();
-        ASSERT_TRUE(m_sgdu.Create());
-    }
-
     /// Types of the fragments kept, with their ids; "-" for one that was not parsed.
     std::string Kept() const
     {
         std::string all;
-        for (const auto& fragment : m_sgdu.State()->arrayFragment) {
+        for (const auto& fragment : m_parser.State()->arrayFragment) {
             all += std::to_string(fragment->fragmentType);
             const CESGFragmentBase* parsed = fragment->fragment.get();
             if (const auto* service = dynamic_cast<const CESGServiceFragment*>(parsed)) {
@@ -90,8 +63,6 @@ class SGDUParseTest : public CRecorder {
         }
         return all;
     }
-
-    CSGDUParse m_sgdu;
 };
 
 const SPart k_service = {0, 1, "<Service id='a'/>"};
@@ -100,8 +71,8 @@ const SPart k_schedule = {0, 3, "<Schedule id='ccc'/>"};
 
 TEST_F(SGDUParseTest, EveryField)
 {
-    ASSERT_TRUE(Feed(m_sgdu, Unit({k_schedule, k_service, k_content})));
-    const CSGDUParse::SSGDUParse& state = *m_sgdu.State();
+    ASSERT_TRUE(Feed(m_parser, Unit({k_schedule, k_service, k_content})));
+    const CSGDUParse::SSGDUParse& state = *m_parser.State();
     EXPECT_TRUE(state.extensionOffset == 0x01020304 && state.reserved == 0x0506 && state.nOServiceGuideFragments == 3);
     ASSERT_EQ(state.arrayHead.size(), 3u);
     EXPECT_TRUE(state.arrayHead[1]->fragmentTransportID == 220 && state.arrayHead[1]->fragmentVersion == 221 &&
@@ -112,8 +83,8 @@ TEST_F(SGDUParseTest, EveryField)
     EXPECT_STREQ(reinterpret_cast<const char*>(second.data.get()), k_service.text.c_str());
     EXPECT_EQ(Logged("[CSGDUParse::Parse] nOServiceGuideFragments=3"), 1);
     EXPECT_EQ(Logged("[CSGDUParse::Parse] m->arrayFragment.push_back() -a[2] "), 1);
-    m_sgdu.Destroy();
-    EXPECT_TRUE(Logged("create SGDU") == 1 && Logged("destroy SGDU") == 1 &&
+    Renew();
+    EXPECT_TRUE(Logged("create SGDU") == 2 && Logged("destroy SGDU") == 1 &&
                 Logged("[CESGContentFragment::Destroy]") == 1);
 }
 
@@ -133,7 +104,7 @@ TEST_F(SGDUParseTest, OneBadFragmentCostsNoOther)
     for (const auto& c : k_cases) {
         Renew();
         s_log.clear();
-        EXPECT_TRUE(Feed(m_sgdu, Unit({k_service, c.bad, k_content})));
+        EXPECT_TRUE(Feed(m_parser, Unit({k_service, c.bad, k_content})));
         EXPECT_EQ(Kept(), c.kept);
         EXPECT_EQ(Logged(c.logged), 1) << c.logged;
         EXPECT_EQ(Logged("0 = p_xmlfrag - parse failed-a[1] "), c.bad.encoding == 0);
@@ -141,7 +112,7 @@ TEST_F(SGDUParseTest, OneBadFragmentCostsNoOther)
     // Of another encoding only the encoding itself is stepped over, whatever the table says.
     Renew();
     const std::string between = std::string("\1") + '\0' + '\2' + "<Content id='n'/>";
-    EXPECT_TRUE(Feed(m_sgdu, Header(2) + Entry(1, 0) + Entry(2, 500) + between));
+    EXPECT_TRUE(Feed(m_parser, Header(2) + Entry(1, 0) + Entry(2, 500) + between));
     EXPECT_EQ(Kept(), "0-2Cn");
 }
 
@@ -172,29 +143,29 @@ TEST_F(SGDUParseTest, OffsetsAndCountsThatLie)
     for (const auto& c : k_cases) {
         Renew();
         s_log.clear();
-        EXPECT_EQ(Feed(m_sgdu, c.unit), c.parsed) << &c - k_cases;
+        EXPECT_EQ(Feed(m_parser, c.unit), c.parsed) << &c - k_cases;
         EXPECT_EQ(Kept(), c.kept) << &c - k_cases;
         EXPECT_EQ(Logged("invalid offset -a["), c.logged) << &c - k_cases;
     }
     Renew();
     const std::string whole = Unit({k_service, k_content});
     for (std::size_t size = 1; size + k_content.text.size() < whole.size(); ++size) {
-        EXPECT_FALSE(Feed(m_sgdu, whole.substr(0, size)));
+        EXPECT_FALSE(Feed(m_parser, whole.substr(0, size)));
     }
 }
 
 TEST_F(SGDUParseTest, SecondUnitIsCutWithTheOffsetsOfTheFirst)
 {
-    ASSERT_TRUE(Feed(m_sgdu, Unit({k_service, k_content})));
-    EXPECT_TRUE(Feed(m_sgdu, Unit({k_service, k_schedule}, 7)));  // as long a first fragment
+    ASSERT_TRUE(Feed(m_parser, Unit({k_service, k_content})));
+    EXPECT_TRUE(Feed(m_parser, Unit({k_service, k_schedule}, 7)));  // as long a first fragment
     EXPECT_EQ(Kept(), "1Sa2Cbb1Sa3Pccc");
-    EXPECT_EQ(m_sgdu.State()->arrayHead.size(), 4u);
+    EXPECT_EQ(m_parser.State()->arrayHead.size(), 4u);
     s_log.clear();
-    EXPECT_TRUE(Feed(m_sgdu, Unit({k_schedule, k_service})));  // cut three bytes early
+    EXPECT_TRUE(Feed(m_parser, Unit({k_schedule, k_service})));  // cut three bytes early
     EXPECT_EQ(Kept(), "1Sa2Cbb1Sa3Pccc0-");
     EXPECT_EQ(Logged("new failure"), 1);
     Renew();
-    EXPECT_TRUE(Feed(m_sgdu, Unit({k_schedule, k_service})));
+    EXPECT_TRUE(Feed(m_parser, Unit({k_schedule, k_service})));
     EXPECT_EQ(Kept(), "3Pccc1Sa");
 }
 
@@ -202,33 +173,33 @@ TEST_F(SGDUParseTest, Compressed)
 {
     const std::string unit = Unit({k_service, {0, 2, "<Content id='b'>" + std::string(200000, ' ') + "</Content>"}});
     const std::string gzip = Gzip(unit);
-    m_sgdu.SetCompress(true);
-    EXPECT_TRUE(Feed(m_sgdu, gzip));
+    m_parser.SetCompress(true);
+    EXPECT_TRUE(Feed(m_parser, gzip));
     EXPECT_EQ(Kept(), "1Sa2Cb");
-    EXPECT_FALSE(Feed(m_sgdu, unit));  // not gzip
-    EXPECT_FALSE(Feed(m_sgdu, "\x1F"));
-    EXPECT_FALSE(Feed(m_sgdu, "\x1F\x8B"));
+    EXPECT_FALSE(Feed(m_parser, unit));  // not gzip
+    EXPECT_FALSE(Feed(m_parser, "\x1F"));
+    EXPECT_FALSE(Feed(m_parser, "\x1F\x8B"));
     EXPECT_EQ(Logged("inflate failure"), 0);
 
     // Cut off in the trailer or before: what came out is taken.
     for (const std::size_t cut : {gzip.size() - 1, gzip.size() - 9}) {
         Renew();
-        m_sgdu.SetCompress(true);
-        EXPECT_TRUE(Feed(m_sgdu, gzip.substr(0, cut)));
+        m_parser.SetCompress(true);
+        EXPECT_TRUE(Feed(m_parser, gzip.substr(0, cut)));
         EXPECT_EQ(Kept(), "1Sa2Cb");
     }
     std::string damaged = gzip;
     damaged[gzip.size() - 5] ^= 1;  // the checksum
-    EXPECT_FALSE(Feed(m_sgdu, damaged));
+    EXPECT_FALSE(Feed(m_parser, damaged));
     EXPECT_TRUE(Logged("inflate failure") == 1 && Logged("[CSGDUParse::Parse] Extra Data failed ") == 1);
-    EXPECT_EQ(m_sgdu.State()->extracted, nullptr);
+    EXPECT_EQ(m_parser.State()->extracted, nullptr);
 
     // The limit, and a byte less.
     for (const unsigned int missing : {0u, 1u}) {
         Renew();
-        m_sgdu.SetCompress(true);
-        m_sgdu.SetInflateLimit(static_cast<unsigned int>(unit.size()) - missing);
-        EXPECT_EQ(Feed(m_sgdu, gzip + "what follows"), missing == 0);
+        m_parser.SetCompress(true);
+        m_parser.SetInflateLimit(static_cast<unsigned int>(unit.size()) - missing);
+        EXPECT_EQ(Feed(m_parser, gzip + "what follows"), missing == 0);
     }
 }
 
@@ -237,39 +208,39 @@ TEST_F(SGDUParseTest, ItemIsUsedAgain)
     // The unit in the gzip is a gzip itself: the second call reads what the first inflated.
     const std::string inner = Gzip(Unit({k_service}));
     const std::string outer = Gzip(inner);
-    m_sgdu.SetCompress(true);
+    m_parser.SetCompress(true);
     for (const bool damaged : {false, true}) {
         std::string unit = damaged ? Gzip("?" + inner.substr(0, 12) + std::string(20, '\xFF')) : outer;
         const std::vector<unsigned char> block = Exact(unit);
         IParse::SItem item = {block.data(), static_cast<unsigned int>(block.size()),
                               static_cast<unsigned int>(block.size()) * 8, 0, true};
-        EXPECT_FALSE(!damaged && m_sgdu.Parse(&item) && Kept() == "1Sa");
+        EXPECT_FALSE(!damaged && m_parser.Parse(&item) && Kept() == "1Sa");
         item.buffer += damaged ? 1 : 0;
         item.size -= damaged ? 1 : 0;
         item.bitpos = 0;
         item.valid = true;
-        EXPECT_EQ(m_sgdu.Parse(&item), !damaged);
+        EXPECT_EQ(m_parser.Parse(&item), !damaged);
         item.valid = true;
-        EXPECT_FALSE(m_sgdu.Parse(&item));
+        EXPECT_FALSE(m_parser.Parse(&item));
     }
 }
 
 TEST_F(SGDUParseTest, EndlessGzipMeetsTheLimitQuickly)
 {
     const std::string bomb = Gzip(std::string(64 << 20, '\0'));
-    m_sgdu.SetCompress(true);
-    m_sgdu.SetInflateLimit(1 << 20);
+    m_parser.SetCompress(true);
+    m_parser.SetInflateLimit(1 << 20);
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_FALSE(Feed(m_sgdu, bomb));
+    EXPECT_FALSE(Feed(m_parser, bomb));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
 }
 
 TEST_F(SGDUParseTest, Misuse)
 {
-    EXPECT_FALSE(m_sgdu.Create());
-    EXPECT_FALSE(m_sgdu.Parse(nullptr));
+    EXPECT_FALSE(m_parser.Create());
+    EXPECT_FALSE(m_parser.Parse(nullptr));
     IParse::SItem item = {nullptr, 0, 0, 0, true};
-    EXPECT_FALSE(m_sgdu.Parse(&item));
+    EXPECT_FALSE(m_parser.Parse(&item));
     {
         CSGDUParse fresh;
         fresh.SetCompress(true);

@@ -1,5 +1,7 @@
 #include "lls/LLSSMTParser.h"
 
+#include "support/MmtBuilder.h"
+#include "support/ParserTest.h"
 #include "support/Tables.h"
 
 namespace {
@@ -8,36 +10,23 @@ namespace {
 const std::string k_table("\2\1\7\0\3abc\3\x9\0\0\0\4SIG!", 18);
 const std::string k_signed = k_table.substr(0, 12);
 
-class LLSSMTParserTest : public CRecorder {
+class LLSSMTParserTest : public TParserTest<CLLSSMTParser> {
   protected:
-    void SetUp() override
-    {
-        CRecorder::SetUp();
-        ASSERT_TRUE(m_smt.Create());
-    }
-
-    void TearDown() override
-    {
-        m_smt.Destroy();
-        CRecorder::TearDown();
-    }
-
     /// What the getters give: payloads, signature and signed block.
     std::string State()
     {
-        std::string all = std::to_string(m_smt.PayloadCount()) + ":";
+        std::string all = std::to_string(m_parser.PayloadCount()) + ":";
         unsigned int length = 0, id = 0;
         unsigned char buffer[256] = {};
-        for (int i = 0; i < m_held && m_smt.GetPayloadLength(i, length) && m_smt.GetPayload(i, id, buffer); ++i) {
+        for (int i = 0; i < m_held && m_parser.GetPayloadLength(i, length) && m_parser.GetPayload(i, id, buffer); ++i) {
             all += " " + std::to_string(id) + "=" + std::string(buffer, buffer + length);
         }
-        const bool sign = m_smt.GetSignatureData(buffer) && m_smt.GetSignatureLength(length);
+        const bool sign = m_parser.GetSignatureData(buffer) && m_parser.GetSignatureLength(length);
         all += " sig " + (sign ? std::string(buffer, buffer + length) : "-");
-        const bool block = m_smt.GetSignedBlock(buffer) && m_smt.GetSignedBlockLength(length);
+        const bool block = m_parser.GetSignedBlock(buffer) && m_parser.GetSignedBlockLength(length);
         return all + (block && std::string(buffer, buffer + length) == k_signed ? " block" : "");
     }
 
-    CLLSSMTParser m_smt;
     int m_held = 2;
 };
 
@@ -46,34 +35,27 @@ TEST_F(LLSSMTParserTest, PayloadsSignatureAndSignedBlock)
     m_held = 0;
     EXPECT_EQ(State(), "0: sig -");
     m_held = 2;
-    EXPECT_TRUE(Feed(m_smt, k_table));
+    const SFed fed(m_parser, k_table);
+    EXPECT_TRUE(fed.result && fed.item.valid && fed.Cursor() == 12) << "behind the signed block";
     EXPECT_EQ(State(), "2: 1=abc 3= sig SIG! block");
     EXPECT_EQ(Logged("[CLLSSMTParser::Parse] SMT ID:1 VER:7 LEN:3"), 1);
     EXPECT_EQ(Logged("[CLLSSMTParser::Parse] signatureLength[4]"), 1);
     EXPECT_EQ(Logged("[CLLSSMTParser::GetPayload] index[0], length[3]"), 1);
-    EXPECT_TRUE(Feed(m_smt, "head" + k_table + "tail", 32));
+    EXPECT_TRUE(Feed(m_parser, "head" + k_table + "tail", 32));
     EXPECT_EQ(State(), "2: 1=abc 3= sig SIG! block");
     EXPECT_EQ(Logged("[CLLSSMTParser::Parse] signedBlocklength[12] item size[26]"), 1);
 
     // Nothing in it: the signed block is the count alone.
-    EXPECT_TRUE(Feed(m_smt, std::string("\0\0\0", 3)));
+    EXPECT_TRUE(Feed(m_parser, std::string("\0\0\0", 3)));
     unsigned int length = 9;
-    EXPECT_TRUE(m_smt.GetSignedBlockLength(length) && length == 1);
-    EXPECT_TRUE(m_smt.GetSignatureLength(length) && length == 0);
-    EXPECT_FALSE(m_smt.GetPayloadLength(0, length));
+    EXPECT_TRUE(m_parser.GetSignedBlockLength(length) && length == 1);
+    EXPECT_TRUE(m_parser.GetSignatureLength(length) && length == 0);
+    EXPECT_FALSE(m_parser.GetPayloadLength(0, length));
     EXPECT_EQ(Logged("[CLLSSMTParser::GetPayload] No SMT payload"), 1);
-    EXPECT_TRUE(Feed(m_smt, k_table));
-    EXPECT_FALSE(m_smt.GetPayloadLength(2, length) || m_smt.GetPayloadLength(-1, length));
+    EXPECT_TRUE(Feed(m_parser, k_table));
+    EXPECT_FALSE(m_parser.GetPayloadLength(2, length) || m_parser.GetPayloadLength(-1, length));
     EXPECT_EQ(TakeAssertions(), "smtPayload; smtPayload");
     EXPECT_EQ(Logged("ASSERT!, Func:GetPayloadLength, Line:"), 2);
-}
-
-TEST_F(LLSSMTParserTest, TheCursorEndsBehindTheSignedBlock)
-{
-    IParse::SItem item = {reinterpret_cast<const unsigned char*>(k_table.data()), 18, 144, 0, true};
-    EXPECT_TRUE(m_smt.Parse(&item));
-    EXPECT_EQ(item.bitpos, 12u * 8);
-    EXPECT_TRUE(item.valid);
 }
 
 TEST_F(LLSSMTParserTest, EveryPrefix)
@@ -81,8 +63,8 @@ TEST_F(LLSSMTParserTest, EveryPrefix)
     for (std::size_t size = 1; size < k_table.size(); ++size) {
         SCOPED_TRACE(size);
         m_held = 2;
-        ASSERT_TRUE(Feed(m_smt, k_table));
-        EXPECT_FALSE(Feed(m_smt, k_table.substr(0, size)));
+        ASSERT_TRUE(Feed(m_parser, k_table));
+        EXPECT_FALSE(Feed(m_parser, k_table.substr(0, size)));
         // Payloads before the cut are there; the last signature stays, under the length just read.
         m_held = size < 8 ? 0 : (size < 12 ? 1 : 2);
         const std::string payloads = std::string(m_held > 0 ? " 1=abc" : "") + (m_held > 1 ? " 3=" : "");
@@ -96,33 +78,34 @@ TEST_F(LLSSMTParserTest, EveryPrefix)
 TEST_F(LLSSMTParserTest, LengthsThatOverrun)
 {
     // A signature length beyond the data: the old signature is kept, and no byte outside it is given.
-    ASSERT_TRUE(Feed(m_smt, k_table));
-    EXPECT_FALSE(Feed(m_smt, std::string("\0\xFF\xFFxx", 5)));
+    ASSERT_TRUE(Feed(m_parser, k_table));
+    EXPECT_FALSE(Feed(m_parser, std::string("\0\xFF\xFFxx", 5)));
     unsigned int length = 0;
-    EXPECT_TRUE(m_smt.GetSignatureLength(length) && length == 0xFFFF);
+    EXPECT_TRUE(m_parser.GetSignatureLength(length) && length == 0xFFFF);
     std::vector<unsigned char> buffer(length, '#');
-    EXPECT_TRUE(m_smt.GetSignatureData(buffer.data()));
+    EXPECT_TRUE(m_parser.GetSignatureData(buffer.data()));
     EXPECT_EQ(std::string(buffer.begin(), buffer.begin() + 5), "SIG!#");
 
-    EXPECT_FALSE(Feed(m_smt, std::string(200, '\xFF')));
-    EXPECT_FALSE(m_smt.Parse(nullptr));
-    EXPECT_FALSE(Feed(m_smt, k_table, 3));
+    EXPECT_FALSE(Feed(m_parser, std::string(200, '\xFF')));
+    EXPECT_FALSE(m_parser.Parse(nullptr));
+    EXPECT_FALSE(Feed(m_parser, k_table, 3));
     EXPECT_EQ(TakeAssertions(), "item; item->bitpos % 8 == 0");
     CLLSSMTParser other;
-    EXPECT_FALSE(Feed(other, k_table) || other.PayloadCount() || other.GetSignedBlockLength(length) || m_smt.Create());
+    EXPECT_FALSE(Feed(other, k_table) || other.PayloadCount() || other.GetSignedBlockLength(length) ||
+                 m_parser.Create());
     EXPECT_EQ(Logged("[CLLSSMTParser::Parse] does not exist !!!"), 1);
     EXPECT_EQ(TakeAssertions(), "m; m; !m");
 }
 
 TEST_F(LLSSMTParserTest, RealTable)
 {
-    EXPECT_TRUE(Feed(m_smt, ReadData("lls/openssl-signedmultitable.bin"), 32));
-    ASSERT_EQ(m_smt.PayloadCount(), 2);
+    EXPECT_TRUE(Feed(m_parser, ReadData("lls/openssl-signedmultitable.bin"), 32));
+    ASSERT_EQ(m_parser.PayloadCount(), 2);
     unsigned int length = 0;
-    EXPECT_TRUE(m_smt.GetPayloadLength(0, length) && length == 454);
-    EXPECT_TRUE(m_smt.GetPayloadLength(1, length) && length == 128);
-    EXPECT_TRUE(m_smt.GetSignedBlockLength(length) && length == 591);
-    EXPECT_TRUE(m_smt.GetSignatureLength(length) && length == 2172);
+    EXPECT_TRUE(m_parser.GetPayloadLength(0, length) && length == 454);
+    EXPECT_TRUE(m_parser.GetPayloadLength(1, length) && length == 128);
+    EXPECT_TRUE(m_parser.GetSignedBlockLength(length) && length == 591);
+    EXPECT_TRUE(m_parser.GetSignatureLength(length) && length == 2172);
 }
 
 }  // namespace

@@ -1,26 +1,22 @@
 #include "lls/ParseAEAT.h"
 
+#include "support/ParserTest.h"
+#include "support/Show.h"
 #include "support/Tables.h"
+
+SHOW(SParseAEAT::SText, s.text, s.lang)
+SHOW(SParseAEAT::SLocation, s.location, s.type)
+SHOW(SParseAEAT::SLiveMedia, s.bsid, s.serviceId, s.serviceNames)
+SHOW(SParseAEAT::SMedia, s.lang, s.mediaDesc, s.mediaType, s.url, s.alternateUrl, s.contentType, s.contentLength,
+     s.mediaAssoc)
+SHOW(SParseAEAT::SAEAInfo, s.aeaId, s.issuer, s.audience, s.aeaType, s.retAEAId, s.effective, s.expires, s.eventCode,
+     s.eventCodeType, s.eventDescs, s.locations, s.liveMedia, s.texts, s.media, s.priority, s.wakeup)
 
 namespace {
 
-class ParseAEATTest : public CRecorder {
+class ParseAEATTest : public TParserTest<CParseAEAT, nullptr> {
   protected:
-    void SetUp() override
-    {
-        CRecorder::SetUp();
-        ASSERT_TRUE(m_aeat.Create(nullptr));
-    }
-
-    void TearDown() override
-    {
-        m_aeat.Destroy();
-        CRecorder::TearDown();
-    }
-
-    const SParseAEAT::SAEAInfo& Last() { return *m_aeat.GetAEA(m_aeat.AEACount() - 1); }
-
-    CParseAEAT m_aeat;
+    const SParseAEAT::SAEAInfo& Last() { return *m_parser.GetAEA(m_parser.AEACount() - 1); }
 };
 
 const char k_alert[] =
@@ -37,37 +33,25 @@ const char k_alert[] =
 
 TEST_F(ParseAEATTest, EverythingOfAnAlert)
 {
-    ASSERT_TRUE(FeedXml(m_aeat, k_alert));
-    ASSERT_EQ(m_aeat.AEACount(), 1);
+    ASSERT_TRUE(FeedXml(m_parser, k_alert));
+    ASSERT_EQ(m_parser.AEACount(), 1);
     std::string a, b;
     EAEAAudience audience = AEA_AUDIENCE_UNKNOWN;
     EAEAType type = AEA_TYPE_UNKNOWN;
     EAEAPriority priority{};
-    EXPECT_TRUE(m_aeat.GetAEAId(0, a, b) && a == "id" && b == "ret");
-    EXPECT_TRUE(m_aeat.GetAEAIssuer(0, a) && a == "is");
-    EXPECT_TRUE(m_aeat.GetAEAAudience(0, audience) && audience == AEA_AUDIENCE_PUBLIC);
-    EXPECT_TRUE(m_aeat.GetAEAType(0, type) && type == AEA_TYPE_UPDATE);
-    EXPECT_TRUE(m_aeat.GetAEAPriority(0, priority) && priority == 4);
-    EXPECT_TRUE(m_aeat.AEAWakeup(0));
-    EXPECT_TRUE(m_aeat.GetAEATimeInfo(0, a, b) && a == "2027-01-01T00:00:00Z" && b == "later");
-    EXPECT_TRUE(m_aeat.GetAEAEventCode(0, a, b) && a == "EVI" && b == "SAME");
-    EXPECT_EQ(m_aeat.AEAEventDescCount(0), 2);
-    const SParseAEAT::SAEAInfo& alert = Last();
-    EXPECT_TRUE(alert.eventDescs[1].text == "Evacuar" && alert.eventDescs[1].lang == "es");
-    ASSERT_EQ(alert.locations.size(), 3u);
-    EXPECT_TRUE(alert.locations[0].type == AEA_LOCATION_SGC && alert.locations[0].location == "1");
-    EXPECT_TRUE(alert.locations[1].type == AEA_LOCATION_CIRCLE && alert.locations[2].type == AEA_LOCATION_UNKNOWN);
-    ASSERT_EQ(alert.texts.size(), 1u);
-    EXPECT_TRUE(alert.texts[0].text == "Go now." && alert.texts[0].lang == "en");
-    ASSERT_TRUE(alert.liveMedia);
-    EXPECT_TRUE(alert.liveMedia->bsid == 4464 && alert.liveMedia->serviceId == 1);
-    ASSERT_EQ(alert.liveMedia->serviceNames.size(), 2u);
-    EXPECT_TRUE(alert.liveMedia->serviceNames[0].text == "attr" && alert.liveMedia->serviceNames[1].text.empty());
-    ASSERT_EQ(alert.media.size(), 2u);
-    EXPECT_TRUE(alert.media[0].mediaDesc == "b" && alert.media[0].mediaType.empty() &&
-                alert.media[1].mediaDesc.empty());
-    EXPECT_TRUE(alert.media[0].contentLength == 1 && alert.media[0].alternateUrl == "au" &&
-                alert.media[0].mediaAssoc == "as");
+    EXPECT_TRUE(m_parser.GetAEAId(0, a, b) && a == "id" && b == "ret");
+    EXPECT_TRUE(m_parser.GetAEAIssuer(0, a) && a == "is");
+    EXPECT_TRUE(m_parser.GetAEAAudience(0, audience) && audience == AEA_AUDIENCE_PUBLIC);
+    EXPECT_TRUE(m_parser.GetAEAType(0, type) && type == AEA_TYPE_UPDATE);
+    EXPECT_TRUE(m_parser.GetAEAPriority(0, priority) && priority == 4);
+    EXPECT_TRUE(m_parser.AEAWakeup(0));
+    EXPECT_TRUE(m_parser.GetAEATimeInfo(0, a, b) && a == "2027-01-01T00:00:00Z" && b == "later");
+    EXPECT_TRUE(m_parser.GetAEAEventCode(0, a, b) && a == "EVI" && b == "SAME");
+    EXPECT_EQ(m_parser.AEAEventDescCount(0), 2);
+    EXPECT_EQ(
+        Show(Last()),
+        "id|is|1|2|ret|2027-01-01T00:00:00Z|later|EVI|SAME|[Evacuate|en Evacuar|es]|[1|2 2|4 3|0]|4464|1|[attr|en |]|"
+        "[Go now.|en]|[en|b||u|au|image/png|1|as ||||||0|]|4|1");
     for (const char* line :
          {"[CParseAEAT::m_ProcessParseAEAT] Name[AEA]", "[CParseAEAT::sm_CbHeader] EventCode",
           "[CParseAEAT::t_Parse] AEA Table size[1]", "AEA Info RET ID[ret], PRIORITY[4], WAKEUP[1]",
@@ -75,7 +59,7 @@ TEST_F(ParseAEATTest, EverythingOfAnAlert)
           "alternateUrl[au], contentType[image/png], length[1], ASSOC[as]", "NAME[attr], LANG[en]"}) {
         EXPECT_EQ(Logged(line), 1) << line;
     }
-    EXPECT_EQ(ChangingPrefixes(m_aeat, k_alert, [this] { return m_aeat.AEACount(); }), 0);
+    EXPECT_EQ(ChangingPrefixes(m_parser, k_alert, [this] { return m_parser.AEACount(); }), 0);
 }
 
 TEST_F(ParseAEATTest, WordsAreMatchedByTheirBeginning)
@@ -90,47 +74,47 @@ TEST_F(ParseAEATTest, WordsAreMatchedByTheirBeginning)
                    {"audience='publi' aeaType='Alert' wakeup='True'", "type='fips'", 0, 0, 0, false}};
     for (const auto& c : k_cases) {
         SCOPED_TRACE(c.attributes);
-        FeedXml(m_aeat, std::string("<AEAT><AEA ") + c.attributes + "><Location " + c.location + "/></AEA></AEAT>");
+        FeedXml(m_parser, std::string("<AEAT><AEA ") + c.attributes + "><Location " + c.location + "/></AEA></AEAT>");
         EXPECT_TRUE(Last().audience == c.audience && Last().aeaType == c.type && Last().wakeup == c.wakeup);
         EXPECT_EQ(Last().locations.at(0).type, c.kind);
         EXPECT_EQ(Last().priority, 0);
     }
-    EXPECT_EQ(m_aeat.AEACount(), 4);  // tables pile up
+    EXPECT_EQ(m_parser.AEACount(), 4);  // tables pile up
 }
 
 TEST_F(ParseAEATTest, ElementsOutsideTheirParents)
 {
-    FeedXml(m_aeat, "<AEAT/>");
-    EXPECT_EQ(m_aeat.AEACount(), 0);
-    FeedXml(m_aeat,
+    FeedXml(m_parser, "<AEAT/>");
+    EXPECT_EQ(m_parser.AEACount(), 0);
+    FeedXml(m_parser,
             "<AEAT><Header effective='x'><EventDesc/><AEA aeaId='inner'/></Header><Location/><AEAText/><Media/>"
             "<EventCode/><LiveMedia><ServiceName/><AEA aeaId='live'><ServiceName ServiceName='none'/></AEA></LiveMedia>"
             "<AEA aeaId='outer'><AEA aeaId='nested'/><AEAText>late</AEAText></AEA></AEAT>");
     std::string ids, id, ret;
-    for (int i = 0; m_aeat.GetAEAId(i, id, ret); ++i) {
+    for (int i = 0; m_parser.GetAEAId(i, id, ret); ++i) {
         ids += id + " ";
-        EXPECT_TRUE(m_aeat.GetAEA(i)->texts.empty() && !m_aeat.GetAEA(i)->liveMedia);
+        EXPECT_TRUE(m_parser.GetAEA(i)->texts.empty() && !m_parser.GetAEA(i)->liveMedia);
     }
     EXPECT_EQ(ids, "inner live nested outer ");
 }
 
 TEST_F(ParseAEATTest, BadIndexRootAndMisuse)
 {
-    FeedXml(m_aeat, "<AEA/>");
+    FeedXml(m_parser, "<AEA/>");
     EXPECT_EQ(Logged(", m_ProcessParseAEAT(root)"), 1);
-    FeedXml(m_aeat, k_alert);
+    FeedXml(m_parser, k_alert);
     std::string a = "kept", b = "kept";
     EAEAAudience audience = AEA_AUDIENCE_PRIVATE;
     for (const int index : {-1, 1}) {
-        EXPECT_FALSE(m_aeat.GetAEAId(index, a, b) || m_aeat.GetAEAIssuer(index, a) ||
-                     m_aeat.GetAEAAudience(index, audience) || m_aeat.AEAWakeup(index) ||
-                     m_aeat.GetAEATimeInfo(index, a, b) || m_aeat.GetAEAEventCode(index, a, b) ||
-                     m_aeat.AEAEventDescCount(index) || m_aeat.GetAEA(index));
+        EXPECT_FALSE(m_parser.GetAEAId(index, a, b) || m_parser.GetAEAIssuer(index, a) ||
+                     m_parser.GetAEAAudience(index, audience) || m_parser.AEAWakeup(index) ||
+                     m_parser.GetAEATimeInfo(index, a, b) || m_parser.GetAEAEventCode(index, a, b) ||
+                     m_parser.AEAEventDescCount(index) || m_parser.GetAEA(index));
     }
     EXPECT_TRUE(a == "kept" && b == "kept" && audience == AEA_AUDIENCE_PRIVATE);
     {
         CParseAEAT other;
-        EXPECT_FALSE(other.AEACount() || other.GetAEA(0) || m_aeat.Create(nullptr));
+        EXPECT_FALSE(other.AEACount() || other.GetAEA(0) || m_parser.Create(nullptr));
         other.Destroy();
     }
     EXPECT_EQ(TakeAssertions(), "m; m; !m; m");

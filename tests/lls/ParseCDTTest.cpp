@@ -1,31 +1,14 @@
 #include "lls/ParseCDT.h"
 
-#include <cstdlib>
 #include <cstring>
-#include <ctime>
 
+#include "support/ParserTest.h"
 #include "support/Tables.h"
 
 namespace {
 
-class ParseCDTTest : public CRecorder {
+class ParseCDTTest : public TParserTest<CParseCDT> {
   protected:
-    void SetUp() override
-    {
-        CRecorder::SetUp();
-        setenv("TZ", "UTC0", 1);
-        tzset();
-        ASSERT_TRUE(m_cdt.Create());
-    }
-
-    void TearDown() override
-    {
-        m_cdt.Destroy();
-        unsetenv("TZ");
-        tzset();
-        CRecorder::TearDown();
-    }
-
     /// Every stored value in one text.
     std::string State()
     {
@@ -33,9 +16,9 @@ class ParseCDTTest : public CRecorder {
         long from = 0, until = 0;
         int refresh = 0;
         std::list<std::string> certificates, responses;
-        EXPECT_TRUE(m_cdt.GetCurrentCert(current) && m_cdt.GetCertReplacement(next, from, until) &&
-                    m_cdt.GetOCSPRefresh(refresh) && m_cdt.GetCMSSignedData(cms) &&
-                    m_cdt.GetCertificates(certificates) && m_cdt.GetOCSPResponse(responses));
+        EXPECT_TRUE(m_parser.GetCurrentCert(current) && m_parser.GetCertReplacement(next, from, until) &&
+                    m_parser.GetOCSPRefresh(refresh) && m_parser.GetCMSSignedData(cms) &&
+                    m_parser.GetCertificates(certificates) && m_parser.GetOCSPResponse(responses));
         for (const std::string& text : certificates) {
             all += "c:" + text + " ";
         }
@@ -49,11 +32,11 @@ class ParseCDTTest : public CRecorder {
     std::string ToBeSigned()
     {
         std::string text;
-        EXPECT_TRUE(m_cdt.GetToBeSignedData(text));
+        EXPECT_TRUE(m_parser.GetToBeSignedData(text));
         return text;
     }
 
-    CParseCDT m_cdt;
+    const SZone m_zone{"UTC0"};
 };
 
 TEST_F(ParseCDTTest, WhatEachTableLeaves)
@@ -76,7 +59,7 @@ TEST_F(ParseCDTTest, WhatEachTableLeaves)
         {"<OCSPRefresh>5</OCSPRefresh>", "c:y c:z r:q cc nn 1800016246 10 77 sig"},
     };
     for (const auto& table : k_tables) {
-        FeedXml(m_cdt, std::string("<CertificationData>") + table.content + "</CertificationData>");
+        FeedXml(m_parser, std::string("<CertificationData>") + table.content + "</CertificationData>");
         EXPECT_EQ(State(), table.state) << table.content;
     }
     EXPECT_EQ(Logged("[CParseCDT::sm_CbOCSPRefresh] spec violation no OCSP Refresh time !!!"), 1);
@@ -84,10 +67,10 @@ TEST_F(ParseCDTTest, WhatEachTableLeaves)
     EXPECT_EQ(Logged("[CParseCDT::sm_CbToBeSignedData] Name[Certificates]"), 4);
     EXPECT_EQ(Logged("[CParseCDT::m_ProcessParseCDT] Name[CMSSignedData]"), 1);
     const std::string state = State();
-    FeedXml(m_cdt, "<SLT><CurrentCert>no</CurrentCert></SLT>");
+    FeedXml(m_parser, "<SLT><CurrentCert>no</CurrentCert></SLT>");
     EXPECT_EQ(Logged(", m_ProcessParseCDT(root)"), 1);
     EXPECT_EQ(Logged("[CParseCDT::m_DumpCDT] End Dump !!!"), 4);
-    EXPECT_EQ(ChangingPrefixes(m_cdt, "<CertificationData><CurrentCert>no</CurrentCert></CertificationData>",
+    EXPECT_EQ(ChangingPrefixes(m_parser, "<CertificationData><CurrentCert>no</CurrentCert></CertificationData>",
                                [this] { return State(); }),
               0);
 }
@@ -103,7 +86,7 @@ TEST_F(ParseCDTTest, TheSignedTextIsTheElementAsItStood)
         "<p:ToBeSignedData a=\"\"><Certificates><![CDATA[<raw>]]></Certificates></p:ToBeSignedData>",
     };
     for (const char* element : k_elements) {
-        FeedXml(m_cdt, std::string("<CertificationData xmlns:p=\"u:p\">") + element + "</CertificationData>");
+        FeedXml(m_parser, std::string("<CertificationData xmlns:p=\"u:p\">") + element + "</CertificationData>");
         EXPECT_EQ(ToBeSigned(), element);
         EXPECT_EQ(Logged("[CParseCDT::m_DumpToBeSigendData] Size[" + std::to_string(std::strlen(element)) + "]"), 1);
     }
@@ -112,27 +95,27 @@ TEST_F(ParseCDTTest, TheSignedTextIsTheElementAsItStood)
 // Certificates, OCSP response and a detached signature over the element's exact bytes, by OpenSSL.
 TEST_F(ParseCDTTest, RealTable)
 {
-    ASSERT_TRUE(Feed(m_cdt, ReadData("lls/openssl-cdt.bin")));
+    ASSERT_TRUE(Feed(m_parser, ReadData("lls/openssl-cdt.bin")));
     const std::string xml = ReadData("lls/openssl-cdt.xml");
     const std::size_t begin = xml.find("<ToBeSignedData");
     const std::string closing = "</ToBeSignedData>";
     EXPECT_EQ(ToBeSigned(), xml.substr(begin, xml.find(closing) + closing.size() - begin));
     std::list<std::string> certificates, responses;
-    EXPECT_TRUE(m_cdt.GetCertificates(certificates) && certificates.size() == 3);
-    EXPECT_TRUE(m_cdt.GetOCSPResponse(responses) && responses.size() == 1);
+    EXPECT_TRUE(m_parser.GetCertificates(certificates) && certificates.size() == 3);
+    EXPECT_TRUE(m_parser.GetOCSPResponse(responses) && responses.size() == 1);
     std::string next, cms;
     long long from = 0, until = 0;
     int refresh = 0;
-    EXPECT_TRUE(m_cdt.GetCertReplacement(next, from, until) && from == 1809129600 + 1 && until == 1810384200 + 1);
-    EXPECT_TRUE(m_cdt.GetOCSPRefresh(refresh) && refresh == 604800);
-    EXPECT_TRUE(m_cdt.GetCMSSignedData(cms) && cms.size() > 1000);
+    EXPECT_TRUE(m_parser.GetCertReplacement(next, from, until) && from == 1809129600 + 1 && until == 1810384200 + 1);
+    EXPECT_TRUE(m_parser.GetOCSPRefresh(refresh) && refresh == 604800);
+    EXPECT_TRUE(m_parser.GetCMSSignedData(cms) && cms.size() > 1000);
 }
 
 TEST_F(ParseCDTTest, Misuse)
 {
     CParseCDT other;
     std::string text = "kept";
-    EXPECT_FALSE(other.GetCurrentCert(text) || other.GetToBeSignedData(text) || m_cdt.Create());
+    EXPECT_FALSE(other.GetCurrentCert(text) || other.GetToBeSignedData(text) || m_parser.Create());
     other.Destroy();
     EXPECT_EQ(text, "kept");
     EXPECT_EQ(TakeAssertions(), "m; m; !m; m");

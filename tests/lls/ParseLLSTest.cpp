@@ -146,13 +146,4 @@ TEST_F(ParseLLSTest, CheckCMSRefusals)
     EXPECT_EQ(TakeAssertions(), "length >= 4; data");
 }
 
-TEST_F(ParseLLSTest, CheckCMSOnARealSignedTable)
-{
-    ASSERT_TRUE(Check(ReadData("lls/openssl-slt-with-cms.bin")));
-    EXPECT_EQ(m_xml.find("CMSSignedData"), std::string::npos);
-    EXPECT_NE(m_xml.find("</SLT>"), std::string::npos);
-    EXPECT_EQ(m_cms.substr(m_cms.size() - 14), "</CMSSignedDat");
-    EXPECT_GT(m_cms.size(), 1000u);
-}
-
 }  // namespace

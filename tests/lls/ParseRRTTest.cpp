@@ -1,28 +1,21 @@
 #include "lls/ParseRRT.h"
 
 #include "lls/RRTMap.h"
+#include "support/ParserTest.h"
 #include "support/Tables.h"
 
 namespace {
 
-class ParseRRTTest : public CRecorder {
+class ParseRRTTest : public TParserTest<CParseRRT> {
   protected:
     void SetUp() override
     {
-        CRecorder::SetUp();
-        ASSERT_TRUE(m_rrt.Create());
+        TParserTest::SetUp();
         const CParseRRT::SCallback callback = {&m_results,
                                                [](void* user, int result) { *static_cast<int*>(user) += result; }};
-        ASSERT_TRUE(m_rrt.SetCallback(&callback) && m_rrt.Start(this) && m_rrt.Stop());
+        ASSERT_TRUE(m_parser.SetCallback(&callback) && m_parser.Start(this) && m_parser.Stop());
     }
 
-    void TearDown() override
-    {
-        m_rrt.Destroy();
-        CRecorder::TearDown();
-    }
-
-    CParseRRT m_rrt;
     int m_results = 0;
 };
 
@@ -38,68 +31,71 @@ const char k_table[] =
 
 TEST_F(ParseRRTTest, RegionsDimensionsAndRatings)
 {
-    ASSERT_TRUE(FeedXml(m_rrt, k_table));
+    ASSERT_TRUE(FeedXml(m_parser, k_table));
     EXPECT_EQ(m_results, 1);
-    ASSERT_EQ(m_rrt.numOfRatingRegionTable(), 2u);
+    ASSERT_EQ(m_parser.numOfRatingRegionTable(), 2u);
     unsigned int number = 9;
     bool graduated = false;
     std::string text;
-    EXPECT_TRUE(m_rrt.GetRegionIdentifier(0, number) && number == 1);
-    EXPECT_TRUE(m_rrt.GetRegionIdentifier(1, number) && number == 0);
-    EXPECT_TRUE(m_rrt.GetRegionIdText(0, text) && text == "US");
-    EXPECT_EQ(m_rrt.numOfDimension(0), 2u);
-    EXPECT_EQ(m_rrt.numOfDimension(1), 0u);
-    EXPECT_TRUE(m_rrt.GetDimensionLevels(0, 0, number) && number == 2);
-    EXPECT_TRUE(m_rrt.GetDimensionGraduated(0, 0, graduated) && graduated);
-    EXPECT_TRUE(m_rrt.GetDimensionGraduated(0, 1, graduated) && !graduated);
-    EXPECT_TRUE(m_rrt.GetDimensionTitle(0, 0, text) && text == "TV");
-    EXPECT_EQ(m_rrt.numOfRating(0, 0), 2u);
-    EXPECT_EQ(m_rrt.numOfRating(0, 1), 0u);
-    EXPECT_TRUE(m_rrt.GetRatingValue(0, 0, 1, number) && number == 0xFFFFFFFE);
-    EXPECT_TRUE(m_rrt.GetRatingValueAbbrev(0, 0, 0, text) && text == "G");
-    EXPECT_TRUE(m_rrt.GetRatingValueString(0, 0, 1, text) && text == "TV-MA");
+    EXPECT_TRUE(m_parser.GetRegionIdentifier(0, number) && number == 1);
+    EXPECT_TRUE(m_parser.GetRegionIdentifier(1, number) && number == 0);
+    EXPECT_TRUE(m_parser.GetRegionIdText(0, text) && text == "US");
+    EXPECT_EQ(m_parser.numOfDimension(0), 2u);
+    EXPECT_EQ(m_parser.numOfDimension(1), 0u);
+    EXPECT_TRUE(m_parser.GetDimensionLevels(0, 0, number) && number == 2);
+    EXPECT_TRUE(m_parser.GetDimensionGraduated(0, 0, graduated) && graduated);
+    EXPECT_TRUE(m_parser.GetDimensionGraduated(0, 1, graduated) && !graduated);
+    EXPECT_TRUE(m_parser.GetDimensionTitle(0, 0, text) && text == "TV");
+    EXPECT_EQ(m_parser.numOfRating(0, 0), 2u);
+    EXPECT_EQ(m_parser.numOfRating(0, 1), 0u);
+    EXPECT_TRUE(m_parser.GetRatingValue(0, 0, 1, number) && number == 0xFFFFFFFE);
+    EXPECT_TRUE(m_parser.GetRatingValueAbbrev(0, 0, 0, text) && text == "G");
+    EXPECT_TRUE(m_parser.GetRatingValueString(0, 0, 1, text) && text == "TV-MA");
 
-    EXPECT_EQ(m_rrt.GetRegion(0)->text.lang, "en");  // of the last text, not of the one that said "ko"
-    EXPECT_EQ(m_rrt.GetRegion(0)->dimensions[0].ratings[1].text.lang, "fr");
-    EXPECT_EQ(m_rrt.GetRegion(2), nullptr);
+    EXPECT_EQ(m_parser.GetRegion(0)->text.lang, "en");  // of the last text, not of the one that said "ko"
+    EXPECT_EQ(m_parser.GetRegion(0)->dimensions[0].ratings[1].text.lang, "fr");
+    EXPECT_EQ(m_parser.GetRegion(2), nullptr);
 
     // The next table adds its regions.
-    ASSERT_TRUE(FeedXml(m_rrt, "<RatingRegionTables><RatingRegionTable regionIdentifier='5'/></RatingRegionTables>"));
-    EXPECT_EQ(m_rrt.numOfRatingRegionTable(), 3u);
-    EXPECT_TRUE(m_rrt.GetRegionIdentifier(2, number) && number == 5);
-    EXPECT_TRUE(m_rrt.SetCallback(nullptr));
-    EXPECT_EQ(ChangingPrefixes(m_rrt, k_table, [this] { return m_rrt.numOfRatingRegionTable(); }), 0);
+    ASSERT_TRUE(
+        FeedXml(m_parser, "<RatingRegionTables><RatingRegionTable regionIdentifier='5'/></RatingRegionTables>"));
+    EXPECT_EQ(m_parser.numOfRatingRegionTable(), 3u);
+    EXPECT_TRUE(m_parser.GetRegionIdentifier(2, number) && number == 5);
+    EXPECT_TRUE(m_parser.SetCallback(nullptr));
+    EXPECT_EQ(ChangingPrefixes(m_parser, k_table, [this] { return m_parser.numOfRatingRegionTable(); }), 0);
     EXPECT_EQ(m_results, 2);
 }
 
 TEST_F(ParseRRTTest, BadIndicesSayWhichLevelFailed)
 {
-    ASSERT_TRUE(FeedXml(m_rrt, k_table));
+    ASSERT_TRUE(FeedXml(m_parser, k_table));
     unsigned int number = 77;
     std::string text = "kept";
     bool flag = true;
-    EXPECT_FALSE(m_rrt.GetRegionIdentifier(2, number) || m_rrt.GetRegionIdText(2, text) || m_rrt.numOfDimension(2));
+    EXPECT_FALSE(m_parser.GetRegionIdentifier(2, number) || m_parser.GetRegionIdText(2, text) ||
+                 m_parser.numOfDimension(2));
     EXPECT_EQ(Logged("[CParseRRT::GetRegionIdentifier] index error rrt index[2] total[2] !!!"), 3);
-    EXPECT_FALSE(m_rrt.GetDimensionLevels(0, 5, number) || m_rrt.GetDimensionGraduated(0, 5, flag) ||
-                 m_rrt.numOfRating(0, 5));
+    EXPECT_FALSE(m_parser.GetDimensionLevels(0, 5, number) || m_parser.GetDimensionGraduated(0, 5, flag) ||
+                 m_parser.numOfRating(0, 5));
     EXPECT_EQ(Logged("[CParseRRT::GetDimensionLevels] index error dimension index[5] total[2] !!!"), 3);
-    EXPECT_FALSE(m_rrt.GetRatingValue(0, 0, 2, number) || m_rrt.GetRatingValueString(0, 0, 2, text));
+    EXPECT_FALSE(m_parser.GetRatingValue(0, 0, 2, number) || m_parser.GetRatingValueString(0, 0, 2, text));
     EXPECT_EQ(Logged("[CParseRRT::GetDimensionLevels] index error rating index[2] total[2] !!!"), 2);
     // All-ones is an unchecked level, and still names nothing.
-    EXPECT_FALSE(m_rrt.GetDimensionLevels(0, 0xFFFFFFFF, number) || m_rrt.GetRatingValue(0, 0, 0xFFFFFFFF, number));
+    EXPECT_FALSE(m_parser.GetDimensionLevels(0, 0xFFFFFFFF, number) ||
+                 m_parser.GetRatingValue(0, 0, 0xFFFFFFFF, number));
     EXPECT_EQ(TakeAssertions(), "index < list.size(); index < list.size()");
     EXPECT_TRUE(number == 77 && text == "kept" && flag);
 }
 
 TEST_F(ParseRRTTest, MisplacedElementsAndBadRoot)
 {
-    ASSERT_TRUE(FeedXml(m_rrt,
+    ASSERT_TRUE(FeedXml(m_parser,
                         "<RatingRegionTables><RegionIdText>a</RegionIdText><Dimension/><Rating/><DimensionTitle/>"
                         "<RatingValueAbbrev/><RatingValueString/></RatingRegionTables>"));
     EXPECT_EQ(TakeAssertions(), "m->region; m->region; m->dimension; m->dimension; m->rating; m->rating");
-    FeedXml(m_rrt, "<RatingRegionTable/>");
+    FeedXml(m_parser, "<RatingRegionTable/>");
     EXPECT_EQ(Logged(", m_ProcessParseRRT(root)"), 1);
-    EXPECT_EQ(m_rrt.numOfRatingRegionTable(), 0u);
+    EXPECT_EQ(m_parser.numOfRatingRegionTable(), 0u);
     EXPECT_EQ(m_results, 1);
 }
 

@@ -1,7 +1,7 @@
 #include "lls/ParseSLT.h"
 
-#include "common/ChannelMap.h"
-#include "support/Recorder.h"
+#include "support/Services.h"
+#include "support/Tables.h"
 
 namespace {
 
@@ -40,13 +40,7 @@ class ParseSLTTest : public CRecorder {
         CRecorder::TearDown();
     }
 
-    bool ParseTable(const std::string& table)
-    {
-        const std::vector<unsigned char> block = Exact(table);
-        const unsigned int size = static_cast<unsigned int>(block.size());
-        IParse::SItem item = {block.data(), size, size * 8, 0, true};
-        return m_slt.Parse(&item);
-    }
+    bool ParseTable(const std::string& table) { return Feed(m_slt, table); }
 
     /// A table of a version of its own; each parses, good or bad.
     void Parse(const std::string& xml)
@@ -69,32 +63,19 @@ class ParseSLTTest : public CRecorder {
     /// Ids of the services in the map.
     std::string MapIds()
     {
-        struct SIds {
-            CChannelMap& map;
-            std::string ids;
-        } walk = {m_map, ""};
-        m_map.GetServiceList(
-            [](void* user, void* service) {
-                auto* w = static_cast<SIds*>(user);
-                int id = 0;
-                w->map.GetServiceNumber(service, nullptr, &id, nullptr, nullptr, nullptr, nullptr, nullptr);
-                w->ids += std::to_string(id) + " ";
-            },
-            &walk);
-        return walk.ids;
+        std::string ids;
+        for (void* service : ServicesOf(m_map)) {
+            int id = 0;
+            m_map.GetServiceNumber(service, nullptr, &id, nullptr, nullptr, nullptr, nullptr, nullptr);
+            ids += std::to_string(id) + " ";
+        }
+        return ids;
     }
 
     /// A table of one service of category 4 with these attributes besides the three flags.
     void ParseService(const std::string& attributes)
     {
         Parse("<SLT><Service " + std::string(k_flags) + attributes + "/></SLT>");
-    }
-
-    int MapCount()
-    {
-        int count = 0;
-        m_map.GetServiceList([](void* user, void*) { ++*static_cast<int*>(user); }, &count);
-        return count;
     }
 
     std::string Ids() const
@@ -165,27 +146,9 @@ TEST_F(ParseSLTTest, EveryFieldReachesTheRecordAndTheMap)
         &seen));
     EXPECT_TRUE(seen.service == service && seen.index == 0);
 
-    unsigned char group = 0;
-    int n[6], category = 0;
-    unsigned int address = 0;
-    unsigned short port = 0, length = 20;
-    unsigned char name[20];
-    bool flag = false, hidden = false, broadband = false;
-    EATSC3ProtocolType protocol = ATSC3_PROTOCOL_NONE;
     EXPECT_EQ(m_map.Channel(service), this);
-    EXPECT_TRUE(m_map.GetServiceNumber(service, &group, n, n + 1, n + 2, n + 3, n + 4, n + 5));
-    EXPECT_EQ(std::vector<int>(n, n + 6), (std::vector<int>{4464, 999, 1, 11, 12, 13}));
-    EXPECT_TRUE(m_map.GetDestination(service, &address, &port) && address == 0xE000173C && port == 4937);
-    EXPECT_TRUE(m_map.GetSource(service, &address) && address == 0x0A010203);
-    EXPECT_TRUE(m_map.GetProtocolType(service, &protocol) && protocol == ATSC3_PROTOCOL_MMTP);
-    EXPECT_TRUE(m_map.GetProtected(service, &flag) && flag);
-    EXPECT_TRUE(m_map.GetServiceCategory(service, &category, &broadband, &hidden) && category == 3 && broadband &&
-                hidden);
-    EXPECT_TRUE(m_map.GetServiceName(service, name, length) && std::string(name, name + length) == "A&B");
-    EXPECT_TRUE(m_map.GetGlobalServiceId(service, text) && text == "tag:x");
-    EXPECT_TRUE(m_map.GetSvcInetUrl(service, text) && text == " ");
-    EXPECT_TRUE(m_map.GetSvcInetUrlType(service, &type) && type == ATSC3_URL_DYNAMIC_EVENT_SERVER);
-    EXPECT_TRUE(m_map.GetDrmSystemID(service, text) && text == "urn:drm");
+    EXPECT_EQ(ShowService(m_map, service),
+              "5|[4464 999 1 11 12 13]|3758102332|4937|167838211|2|1|3|1|1|A&B|tag:x| |4|urn:drm");
     EXPECT_EQ(m_slt.GetLLSGroupIDs(), (std::set<unsigned char>{5, 9}));
     EXPECT_EQ(m_slt.LowestMinorChannelNo(), 1000);  // hidden
 
@@ -294,7 +257,7 @@ TEST_F(ParseSLTTest, EqualServices)
     Parse(copies(4));
     EXPECT_EQ(Ids(), "");
     EXPECT_EQ(TakeAssertions(), "0 <= index && index < m_size; 0 <= index && index < m_size");
-    EXPECT_EQ(MapCount(), 1);  // what the map has stays
+    EXPECT_EQ(ServicesOf(m_map).size(), 1u);  // what the map has stays
 
     // Others before and after: 8 7 7 7 9 lists 2, 3, 3: at 2 a 7 goes, at 2 the next, at 1 the first.
     const std::string three = copies(3);
@@ -351,7 +314,7 @@ TEST_F(ParseSLTTest, TablesPileUpAndAreOfferedAgain)
     EXPECT_EQ(Ids(), "1 2 3 ");
     EXPECT_EQ(m_slt.LowestMinorChannelNo(), 20);
     EXPECT_EQ(told, 1 + 2 + 3);
-    EXPECT_EQ(MapCount(), 3);
+    EXPECT_EQ(ServicesOf(m_map).size(), 3u);
     EXPECT_EQ(m_results, 3);
 
     // A failure leaves all as it was, and is not tried again at its version.
@@ -368,7 +331,7 @@ TEST_F(ParseSLTTest, TablesPileUpAndAreOfferedAgain)
     m_slt.Destroy();
     SetUpParser(false);
     EXPECT_EQ(m_slt.ServiceCount(), 0);
-    EXPECT_EQ(MapCount(), 3);
+    EXPECT_EQ(ServicesOf(m_map).size(), 3u);
 }
 
 TEST_F(ParseSLTTest, MisplacedElementsAndMisuse)

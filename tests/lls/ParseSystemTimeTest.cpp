@@ -1,48 +1,41 @@
 #include "lls/ParseSystemTime.h"
 
+#include "support/ParserTest.h"
 #include "support/Tables.h"
 
 namespace {
 
-class ParseSystemTimeTest : public CRecorder {
+class ParseSystemTimeTest : public TParserTest<CParseSystemTime, 7> {
   protected:
     void SetUp() override
     {
-        CRecorder::SetUp();
-        ASSERT_TRUE(m_time.Create(7) && m_time.Start(this) && m_time.Stop());
-    }
-
-    void TearDown() override
-    {
-        m_time.Destroy();
-        CRecorder::TearDown();
+        TParserTest::SetUp();
+        ASSERT_TRUE(m_parser.Start(this) && m_parser.Stop());
     }
 
     /// All values after a table of these attributes.
     std::string After(const std::string& attributes)
     {
-        EXPECT_TRUE(FeedXml(m_time, "<SystemTime " + attributes + "/>"));
+        EXPECT_TRUE(FeedXml(m_parser, "<SystemTime " + attributes + "/>"));
         return State();
     }
 
     std::string State() const
     {
-        const CParseSystemTime::SSystemTime& t = *m_time.State();
-        EXPECT_TRUE(t.currentUtcOffset == m_time.CurrUtcOffset() && t.utcLocalOffset == m_time.UtcLocalOffset() &&
-                    t.dsStatus == m_time.DsStatus());
+        const CParseSystemTime::SSystemTime& t = *m_parser.State();
+        EXPECT_TRUE(t.currentUtcOffset == m_parser.CurrUtcOffset() && t.utcLocalOffset == m_parser.UtcLocalOffset() &&
+                    t.dsStatus == m_parser.DsStatus());
         char text[128];
         std::snprintf(text, sizeof text, "%d ptp %d leap %d%d local %d ds %d day %d hour %d", t.currentUtcOffset,
                       t.ptpPrepend, t.leap59, t.leap61, t.utcLocalOffset, t.dsStatus, t.dsDayOfMonth, t.dsHour);
         return text;
     }
-
-    CParseSystemTime m_time;
 };
 
 TEST_F(ParseSystemTimeTest, WhatEachTableLeaves)
 {
     EXPECT_EQ(State(), "0 ptp 0 leap 00 local 0 ds 0 day 0 hour 0");
-    EXPECT_EQ(m_time.State()->groupId, 7);
+    EXPECT_EQ(m_parser.State()->groupId, 7);
     static const struct {
         const char *attributes, *state;
     } k_tables[] = {
@@ -63,30 +56,31 @@ TEST_F(ParseSystemTimeTest, WhatEachTableLeaves)
 TEST_F(ParseSystemTimeTest, FailuresChangeNothing)
 {
     const std::string state = After("currentUtcOffset='37' dsHour='5'");
-    FeedXml(m_time, "<SLT currentUtcOffset='1'/>");
-    FeedXml(m_time, "<SystemTime currentUtcOffset='1'>");
+    FeedXml(m_parser, "<SLT currentUtcOffset='1'/>");
+    FeedXml(m_parser, "<SystemTime currentUtcOffset='1'>");
     EXPECT_EQ(State(), state);
     EXPECT_EQ(Logged(", m_ProcessParseSystemTime(root)"), 1);
     EXPECT_EQ(Logged(", m->xml.Create((const char*)buffer, size, t_DecompressLLS())"), 1);
     EXPECT_EQ(
-        ChangingPrefixes(m_time, "<SystemTime dsStatus='true' currentUtcOffset='3'/>", [this] { return State(); }), 0);
+        ChangingPrefixes(m_parser, "<SystemTime dsStatus='true' currentUtcOffset='3'/>", [this] { return State(); }),
+        0);
 
     CParseSystemTime other;
     EXPECT_EQ(other.State(), nullptr);
     EXPECT_FALSE(other.DsStatus() || other.CurrUtcOffset() || other.Stop() || !FeedXml(other, "<SystemTime/>"));
-    EXPECT_FALSE(m_time.Create(1));
+    EXPECT_FALSE(m_parser.Create(1));
     EXPECT_EQ(s_assertions.back().file, "src/lls/ParseSystemTime");
     EXPECT_EQ(TakeAssertions(), "m; m; m; m; !m");
 }
 
 TEST_F(ParseSystemTimeTest, RealTables)
 {
-    EXPECT_TRUE(Feed(m_time, ReadData("lls/gpac-a1-single-service-systemtime.bin")));
-    EXPECT_FALSE(Feed(m_time, ReadData("lls/gpac-a1-single-service-systemtime.bin")));
+    EXPECT_TRUE(Feed(m_parser, ReadData("lls/gpac-a1-single-service-systemtime.bin")));
+    EXPECT_FALSE(Feed(m_parser, ReadData("lls/gpac-a1-single-service-systemtime.bin")));
     EXPECT_EQ(State(), "37 ptp 0 leap 00 local 68400 ds 0 day 0 hour 0");
-    m_time.SkipCheckVersion(3, 0, true);  // the next one repeats its header
-    EXPECT_TRUE(Feed(m_time, ReadData("lls/gpac-a2-multi-service-systemtime.bin")));
-    EXPECT_EQ(m_time.UtcLocalOffset(), 19800);
+    m_parser.SkipCheckVersion(3, 0, true);  // the next one repeats its header
+    EXPECT_TRUE(Feed(m_parser, ReadData("lls/gpac-a2-multi-service-systemtime.bin")));
+    EXPECT_EQ(m_parser.UtcLocalOffset(), 19800);
 }
 
 }  // namespace

@@ -4,13 +4,13 @@
 
 #include "common/RSAT.h"
 #include "esg/ESGServiceFragment.h"
-#include "lls/LLSSMTParser.h"
 #include "lls/ParseSystemTime.h"
 #include "mmt/msg/MMTMsgAtsc3.h"
 #include "mmt/msg/MMTMsgPa.h"
 #include "route/SLS/EFDT.h"
 #include "route/SLSManager.h"
 #include "support/MmtBuilder.h"
+#include "support/ParserTest.h"
 #include "support/Seed.h"
 
 namespace {
@@ -35,12 +35,10 @@ std::string Told(const char* document = "")
 TEST_F(FailureTest, WhatFailedFirstAndWhy)
 {
     CRSAT rsat;
-    CESGServiceFragment service;
-    CParseSystemTime time;
+    ASSERT_TRUE(rsat.Create());
+    SCreated<CESGServiceFragment> service;
+    SCreated<CParseSystemTime, 1> time;
     CMMTMsgPa pa;
-    CMMTMsgAtsc3 atsc;
-    CLLSSMTParser signedTable;
-    ASSERT_TRUE(rsat.Create() && service.Create() && time.Create(1) && signedTable.Create());
     const auto xml = [&rsat](const std::string& text) {
         rsat.Parse(text.data(), static_cast<unsigned int>(text.size()), true);
     };
@@ -90,9 +88,6 @@ TEST_F(FailureTest, WhatFailedFirstAndWhy)
         }
     }
     rsat.Destroy();
-    service.Destroy();
-    time.Destroy();
-    signedTable.Destroy();
 }
 
 TEST_F(FailureTest, EachDocumentOfAPackage)
@@ -120,14 +115,7 @@ TEST_F(FailureTest, EachDocumentOfAPackage)
 TEST_F(FailureTest, TagsWithoutAClass)
 {
     CMmtBuilder b;
-    b.Put(16, 0x8100)
-        .Put(8, 3)
-        .Open(32)
-        .Put(16, 1)
-        .Put(16, CMMTMsgAtsc3::CONTENT_TYPE_ASP)
-        .Put(8, 1)
-        .Put(8, 1)
-        .Put(8, 0);
+    b.Put(16, 0x8100).Put(8, 3).Open(32).Put(16, 1).Put(16, CMMTMsgAtsc3::CONTENT_TYPE_ASP).Put(24, 0x10100);
     b.Open(32).Put(16, 0x8001).Put(16, 1).Put(8, 0).Close().Close();
     CMMTMsgAtsc3 message;
     EXPECT_TRUE(SFed(message, b.Bytes()).result);

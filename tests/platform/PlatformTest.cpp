@@ -6,11 +6,11 @@
 
 #include "common/ChannelMap.h"
 #include "lls/ParseSLT.h"
-#include "support/Recorder.h"
+#include "support/Tables.h"
 
 namespace {
 
-class PlatformTest : public CRecorder {};
+using PlatformTest = CRecorder;
 
 // The one setting that is read lets a service through that needs broadband.
 TEST_F(PlatformTest, DefaultSettingsComeFromTheFile)
@@ -35,10 +35,7 @@ TEST_F(PlatformTest, DefaultSettingsComeFromTheFile)
         std::ofstream(path) << "# settings\nother=1\n" << key << c.line;
         CParseSLT slt;
         slt.Create(&map, nullptr);
-        IParse::SItem item = {reinterpret_cast<const unsigned char*>(table.data()),
-                              static_cast<unsigned int>(table.size()), static_cast<unsigned int>(table.size()) * 8, 0,
-                              true};
-        EXPECT_TRUE(slt.Parse(&item));
+        EXPECT_TRUE(Feed(slt, table));
         EXPECT_EQ(slt.ServiceCount(), c.services) << c.line;
         slt.Destroy();
     }

@@ -279,14 +279,6 @@ TEST_F(SLSManagerTest, PackagesOfAnotherProgram)
     }
 }
 
-/// Asks for what a callback must not do.
-void Misuse(void* user, CSLSManager::SUSBDInfo* /*info*/)
-{
-    auto* manager = static_cast<CSLSManager*>(user);
-    manager->Parse(reinterpret_cast<const unsigned char*>(k_usbd), sizeof k_usbd - 1, nullptr, false);
-    manager->Destroy();
-}
-
 TEST_F(SLSManagerTest, Misuse)
 {
     EXPECT_EQ(Parse(""), "");
@@ -298,15 +290,6 @@ TEST_F(SLSManagerTest, Misuse)
     other.Parse(nullptr, 0, nullptr, false);
     EXPECT_TRUE(!other.Usbd() && !other.Stsid());
     EXPECT_EQ(TakeAssertions(), "!m; m; m; m; m");
-
-    CSLSManager::SCallback callback{};
-    callback.pUserData = &other;
-    callback.cbUSBDInfo = Misuse;
-    ASSERT_TRUE(other.Create(&callback));
-    other.Parse(reinterpret_cast<const unsigned char*>(k_usbd), sizeof k_usbd - 1, nullptr, false);
-    EXPECT_EQ(TakeAssertions(), "!m->parsing; !m->parsing");
-    EXPECT_NE(other.Usbd(), nullptr);
-    other.Destroy();
 
     ASSERT_TRUE(other.Create(nullptr));
     const std::string all = std::string(k_usbd) + ReadData("route/gpac-a1-single-service-sls3.mime");

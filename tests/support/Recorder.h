@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <ctime>
 #include <map>
 #include <string>
 #include <vector>
@@ -32,6 +34,22 @@ class CRecorder : public testing::Test {
     static int Logged(const std::string& text);
     /// The expressions asserted since the last call, joined with "; ".
     static std::string TakeAssertions();
+};
+
+/// The time zone of the process while it lives.
+struct SZone {
+    explicit SZone(const char* zone)
+    {
+        setenv("TZ", zone, 1);
+        tzset();
+    }
+    ~SZone()
+    {
+        unsetenv("TZ");
+        tzset();
+    }
+    SZone(const SZone&) = delete;
+    SZone& operator=(const SZone&) = delete;
 };
 
 /// Bytes of a file of tests/data.

@@ -36,13 +36,13 @@ class XmlRefusalTest : public CRecorder {
   protected:
     /// The reason for which the document is refused, "" when it is accepted, "?" when libxml2 does not
     /// take it. Within a fraction of what an attack would take.
-    static std::string Reason(const std::string& text, bool compressed = false)
+    static std::string Reason(const std::string& text)
     {
         const auto start = std::chrono::steady_clock::now();
         const std::vector<unsigned char> bytes = Exact(text);
         CXML xml;
         const bool created =
-            xml.Create(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()), compressed);
+            xml.Create(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()), false);
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
         if (created) {
             xml.Destroy();
@@ -118,6 +118,10 @@ TEST_F(XmlRefusalTest, LimitsAndWhatIsInnocent)
         {"<r>" + Repeated(1000, "<!--xmlns='u:'-->xmlns<a axmlns='' xmlnsa=''/>") + "</r>", ""},
         {type("<!ATTLIST a xmlns:p CDATA 'u:'>", "<r>" + Repeated(257, "<a/>") + "</r>"),
          "more than 256 namespace declarations"},
+        {"<r" + Repeated(1000, " xmlns:a", "='u:'") + ">" +
+             Repeated(20, "<a" + Repeated(1000, " xmlns:b", "='u:'") + ">") + Repeated(40000, "<a0:e/>") +
+             Repeated(20, "</a>") + "</r>",
+         "more than 256 namespace declarations"},
         // Parameter entities, and where a "%" is innocent.
         {type("<!ENTITY % p ''>"), "parameter entity"},
         {type("\n%p;"), "parameter entity"},
@@ -147,6 +151,8 @@ TEST_F(XmlRefusalTest, LimitsAndWhatIsInnocent)
         // Types of attributes.
         {type(values(1024)), ""},
         {type(values(1025)), "more than 1024 enumerated values"},
+        {type("<!ATTLIST r a (v" + Repeated(11000, "|v", "") + Repeated(11000, "|v", "x") + ") #IMPLIED>"),
+         "more than 1024 enumerated values"},
         {type("<!ATTLIST r a NOTATION (a" + Repeated(1024, "| v", " ") + ") 'a'>"), "more than 1024 enumerated values"},
         {type("<!ATTLIST r" + Repeated(8, " a", " ID #IMPLIED") + ">"), ""},
         {type("<!ATTLIST r" + Repeated(9, " a", " ID #IMPLIED") + ">"), "too many identifiers"},
@@ -214,32 +220,12 @@ TEST_F(XmlRefusalTest, Encodings)
     }
 }
 
-TEST_F(XmlRefusalTest, AttacksEndAtOnce)
-{
-    const std::string bomb = "<!DOCTYPE r [<!ENTITY % a 'x'>" + [] {
-        std::string text;
-        for (char c = 'b'; c < 'f'; ++c) {
-            text += std::string("<!ENTITY % ") + c + " '" +
-                    Repeated(10, std::string("&#37;") + static_cast<char>(c - 1) + ";") + "'>";
-        }
-        return text;
-    }() + "%e;]><r/>";
-    EXPECT_EQ(Reason(bomb), "parameter entity");
-    EXPECT_EQ(Reason(Gzip(bomb), true), "parameter entity");
-    EXPECT_EQ(Reason("<r" + Repeated(1000, " xmlns:a", "='u:'") + ">" +
-                     Repeated(20, "<a" + Repeated(1000, " xmlns:b", "='u:'") + ">") + Repeated(40000, "<a0:e/>") +
-                     Repeated(20, "</a>") + "</r>"),
-              "more than 256 namespace declarations");
-    EXPECT_EQ(Reason("<!DOCTYPE r [<!ATTLIST r a (v" + Repeated(11000, "|v", "") + Repeated(11000, "|v", "x") +
-                     ") #IMPLIED>]><r/>"),
-              "more than 1024 enumerated values");
-}
-
 /// Documents put together at random from parts that open, close, hide and exceed, in many encodings: the
 /// library takes what plain libxml2 takes, but for what is refused for a reason that is true.
 TEST_F(XmlRefusalTest, AgreesWithPlainLibxml2)
 {
-    static const std::string k_parts[] = {"<a>",
+    static const auto k_parts = [] {
+        std::vector<std::string> parts = {"<a>",
                                           "</a>",
                                           "<a b='1'/>",
                                           "<!--",
@@ -292,15 +278,14 @@ TEST_F(XmlRefusalTest, AgreesWithPlainLibxml2)
                                           "\xFF",
                                           "\x81",
                                           "\x84\x31\xA4\x38",
-                                          "\xED\xA0\x80",
-                                          "<a" + Repeated(1024, " a", "=''") + "/>",
-                                          "<a" + Repeated(1025, " a", "=''") + "/>",
-                                          "<a" + Repeated(1025, " b", "=''"),
-                                          Repeated(256, "<a xmlns='u:'/>"),
-                                          Repeated(257, "<a xmlns='u:'/>"),
-                                          Repeated(1030, "&#65;="),
-                                          "<!ATTLIST a e (v" + Repeated(1023, "|v", " ") + ") #IMPLIED>",
-                                          "<!ATTLIST a f (w|x) #IMPLIED>"};
+                                          "\xED\xA0\x80"};
+        parts.insert(parts.end(),
+                     {"<a" + Repeated(1024, " a", "=''") + "/>", "<a" + Repeated(1025, " a", "=''") + "/>",
+                      "<a" + Repeated(1025, " b", "=''"), Repeated(256, "<a xmlns='u:'/>"),
+                      Repeated(257, "<a xmlns='u:'/>"), Repeated(1030, "&#65;="),
+                      "<!ATTLIST a e (v" + Repeated(1023, "|v", " ") + ") #IMPLIED>", "<!ATTLIST a f (w|x) #IMPLIED>"});
+        return parts;
+    }();
     static const std::string k_roots[] = {
         "<r>", "<r><a c='v'>text</a>", "<!-- c --><r>",
         "<!DOCTYPE r [<!ENTITY e 'v'><!ENTITY f '<a>&e;</a>'>]><r>&e;&f;",

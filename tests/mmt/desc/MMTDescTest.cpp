@@ -5,6 +5,7 @@
 #include "mmt/desc/MMTDescFactory.h"
 #include "mmt/desc/MMTDescs.h"
 #include "support/MmtBuilder.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -162,9 +163,16 @@ TEST_F(MMTDescTest, LoopLengths)
 
 // The fields of each descriptor as one text, in the order of the wire; what is absent is not in it.
 
+class CFields;
+
+template <class T, class = void>
+constexpr bool g_isTold = false;
+template <class T>
+constexpr bool g_isTold<T, std::void_t<decltype(Tell(std::declval<CFields&>(), std::declval<const T&>()))>> = true;
+
 class CFields {
   public:
-    /// Names and values in turn.
+    /// Names and values in turn; the fields of a record have their own names.
     template <class T, class... TRest>
     void operator()(const char* name, const T& value, const TRest&... rest)
     {
@@ -179,24 +187,18 @@ class CFields {
     template <class T>
     void Add(const char* name, const T& value)
     {
-        m_text << name << value << ' ';
-    }
-    void Add(const char* name, unsigned char value) { Add(name, static_cast<unsigned int>(value)); }
-    void Add(const char* name, const std::string_view& value)
-    {
-        m_text << (value.empty() ? "" : name + std::string(value) + ' ');
-    }
-    template <class T>
-    void Add(const char* name, const std::vector<T>& values)
-    {
-        for (const T& value : values) {
-            Add(name, value);
-        }
-    }
-    template <class T>
-    void Add(const char* name, const std::optional<T>& value)
-    {
-        if (value) {
+        if constexpr (g_isTold<T>) {
+            Tell(*this, value);
+        } else if constexpr (std::is_arithmetic_v<T>) {
+            m_text << name << +value << ' ';
+        } else if constexpr (std::is_convertible_v<T, std::string_view>) {
+            const std::string_view text = value;
+            m_text << (text.empty() ? "" : name + std::string(text) + ' ');
+        } else if constexpr (g_isList<T>) {
+            for (const auto& entry : value) {
+                Add(name, entry);
+            }
+        } else if (value) {
             Add(name, *value);
         }
     }
@@ -204,127 +206,60 @@ class CFields {
     std::ostringstream m_text;
 };
 
-void Tell(CFields& f, const CMMTDescMpuTimestamp& desc)
-{
-    for (const auto& timestamp : desc.Timestamps()) {
-        f("seq", timestamp.mpuSequenceNumber, "ntp", timestamp.presentationTime);
+/// Defines what is told of a descriptor or of a part of it, `s`.
+#define TELL(TYPE, ...)                  \
+    void Tell(CFields& f, const TYPE& s) \
+    {                                    \
+        f(__VA_ARGS__);                  \
     }
-}
 
-void Tell(CFields& f, const CMMTDescDependency& desc)
-{
-    for (const auto& asset : desc.Assets()) {
-        f("scheme", asset.scheme, "id", asset.assetId);
-    }
-}
-
-void Tell(CFields& f, const CMMTDescSi& desc)
-{
-    for (const auto& system : desc.Systems()) {
-        f("system", system.systemId, "key", system.keyIds, "data", system.data);
-    }
-}
-
-void Tell(CFields& f, const CMMTDescCaption& desc)
-{
-    for (const auto& asset : desc.Assets()) {
-        f("id", asset.assetId, "lang", asset.language, "role", asset.role, "aspect", asset.aspectRatio, "easy",
-          asset.easyReader, "profile", asset.profile, "3d", asset.support3d);
-    }
-}
-
-void Tell(CFields& f, const CMMTDescSp& desc)
-{
-    for (const auto& asset : desc.Assets()) {
-        f("id", asset.assetId, "scheme", asset.schemeCode, "key", asset.defaultKeyId);
-        for (const auto& system : asset.systems) {
-            f("system", system.systemId, "data", system.data);
-        }
-        for (const auto& license : asset.licenseUrls) {
-            f("type", license.type, "url", license.url);
-        }
-    }
-}
-
-void Tell(CFields& f, const CMMTDescLowDelay& desc)
-{
-    const auto& low = desc.Fields();
-    f("offset", low.basePresentationTimeOffset, "flag", low.codingDependencyStructureFlag, "period",
-      low.periodOfIntrapicture, "duration", low.defaultSampleDuration, "size", low.defaultSampleSize, "flags",
-      low.defaultSampleFlags);
-}
-
-void Tell(CFields& f, const CMMTDescAsp& desc)
-{
-    for (const auto& asset : desc.Assets()) {
-        f("id", asset.assetId, "codec", asset.codecCode);
-        for (const auto& p : asset.presentations) {
-            f("presentation", p.id, "", std::string_view(p.interactivityEnabled ? "interactive" : ""), "profile",
-              p.profileLevelIndication, "channels", p.audioChannelConfig, "rendering", p.audioRenderingIndication);
-            f("lang", p.languages, "access", p.accessibility, "role", p.role, "label", p.label, "aux", p.auxStreamIds);
-        }
-        if (asset.multiStream) {
-            f("main", asset.multiStream->thisIsMainStream, "stream", asset.multiStream->thisStreamId, "bundle",
-              asset.multiStream->bundleId);
-            for (const auto& auxiliary : asset.multiStream->auxiliaryStreams) {
-                f("by", auxiliary.deliveryMethod, "aux", auxiliary.auxiliaryStreamId);
-            }
-        }
-        for (const auto& time : {asset.emergencyStart, asset.emergencyEnd}) {
-            if (time) {
-                f("at", time->seconds, "ms", time->milliseconds);
-            }
-        }
-    }
-}
-
-void Tell(CFields& f, const CMMTDescVsp::SProfile& p)
-{
-    f("space", p.profileSpace, "tier", p.tierFlag, "profile", p.profileIdc, "compatible", p.compatibilityFlags, "",
-      p.progressiveSourceFlag, "", p.interlacedSourceFlag, "", p.nonPackedConstraintFlag, "", p.frameOnlyConstraintFlag,
-      "constraints", p.constraintFlags);
-}
-
-void Tell(CFields& f, const CMMTDescVsp& desc)
-{
-    for (const auto& asset : desc.Assets()) {
-        f("id", asset.assetId, "codec", asset.codecCode);
-        if (const auto& t = asset.temporalScalability) {
-            f("sub-layers", t->maxSubLayersInstream, "ptl", t->subLayerProfileTierLevelPresent, "filter",
-              t->temporalFilterPresent, "max", t->tidMax, "min", t->tidMin, "tfweight", t->tfweight);
-        }
-        f("layer", asset.assetLayerId);
-        if (const auto& v = asset.multiview) {
-            f("view", v->viewNuhLayerId, "pos", v->viewPos, "disp", v->minDispWithOffset, "range", v->maxDispRange);
-        }
-        if (const auto& r = asset.resolution) {
-            f("w", r->width, "h", r->height, "chroma", r->chromaFormatIdc, "plane", r->separateColourPlaneFlag, "still",
-              r->videoStillPresent, "24h", r->video24hrPicPresent, "luma", r->bitDepthLumaMinus8, "c",
-              r->bitDepthChromaMinus8);
-        }
-        for (const auto& rate : asset.pictureRates) {
-            f("rate", rate.code, "avg", rate.average);
-        }
-        for (const auto& rate : asset.bitRates) {
-            f("bits", rate.average, "most", rate.maximum);
-        }
-        if (const auto& c = asset.colour) {
-            f("prim", c->colourPrimaries, "trans", c->transferCharacteristics, "matrix", c->matrixCoeffs, "cg",
-              c->cgCompatibility, "eotf", c->eotfInfo);
-        }
-        if (const auto& level = asset.profileTierLevel) {
-            Tell(f, level->profile);
-            f("level", level->levelIdc);
-            for (const auto& subLayer : level->subLayers) {
-                f("sub", "");
-                if (subLayer.profile) {
-                    Tell(f, *subLayer.profile);
-                }
-                f("level", subLayer.levelIdc);
-            }
-        }
-    }
-}
+TELL(CMMTDescMpuTimestamp::STimestamp, "seq", s.mpuSequenceNumber, "ntp", s.presentationTime)
+TELL(CMMTDescMpuTimestamp, "", s.Timestamps())
+TELL(CMMTDescDependency::SAsset, "scheme", s.scheme, "id", s.assetId)
+TELL(CMMTDescDependency, "", s.Assets())
+TELL(CMMTDescSi::SSystem, "system", s.systemId, "key", s.keyIds, "data", s.data)
+TELL(CMMTDescSi, "", s.Systems())
+TELL(CMMTDescCaption::SAsset, "id", s.assetId, "lang", s.language, "role", s.role, "aspect", s.aspectRatio, "easy",
+     s.easyReader, "profile", s.profile, "3d", s.support3d)
+TELL(CMMTDescCaption, "", s.Assets())
+TELL(CMMTDescSp::SSystem, "system", s.systemId, "data", s.data)
+TELL(CMMTDescSp::SLicenseUrl, "type", s.type, "url", s.url)
+TELL(CMMTDescSp::SAsset, "id", s.assetId, "scheme", s.schemeCode, "key", s.defaultKeyId, "", s.systems, "",
+     s.licenseUrls)
+TELL(CMMTDescSp, "", s.Assets())
+TELL(CMMTDescLowDelay::SLowDelay, "offset", s.basePresentationTimeOffset, "flag", s.codingDependencyStructureFlag,
+     "period", s.periodOfIntrapicture, "duration", s.defaultSampleDuration, "size", s.defaultSampleSize, "flags",
+     s.defaultSampleFlags)
+TELL(CMMTDescLowDelay, "", s.Fields())
+TELL(CMMTDescAsp::SPresentation, "presentation", s.id, "", s.interactivityEnabled ? "interactive" : "", "profile",
+     s.profileLevelIndication, "channels", s.audioChannelConfig, "rendering", s.audioRenderingIndication, "lang",
+     s.languages, "access", s.accessibility, "role", s.role, "label", s.label, "aux", s.auxStreamIds)
+TELL(CMMTDescAsp::SAuxiliaryStream, "by", s.deliveryMethod, "aux", s.auxiliaryStreamId)
+TELL(CMMTDescAsp::SMultiStream, "main", s.thisIsMainStream, "stream", s.thisStreamId, "bundle", s.bundleId, "",
+     s.auxiliaryStreams)
+TELL(CMMTDescAsp::STime, "at", s.seconds, "ms", s.milliseconds)
+TELL(CMMTDescAsp::SAsset, "id", s.assetId, "codec", s.codecCode, "", s.presentations, "", s.multiStream, "",
+     s.emergencyStart, "", s.emergencyEnd)
+TELL(CMMTDescAsp, "", s.Assets())
+TELL(CMMTDescVsp::STemporalScalability, "sub-layers", s.maxSubLayersInstream, "ptl", s.subLayerProfileTierLevelPresent,
+     "filter", s.temporalFilterPresent, "max", s.tidMax, "min", s.tidMin, "tfweight", s.tfweight)
+TELL(CMMTDescVsp::SMultiview, "view", s.viewNuhLayerId, "pos", s.viewPos, "disp", s.minDispWithOffset, "range",
+     s.maxDispRange)
+TELL(CMMTDescVsp::SResolution, "w", s.width, "h", s.height, "chroma", s.chromaFormatIdc, "plane",
+     s.separateColourPlaneFlag, "still", s.videoStillPresent, "24h", s.video24hrPicPresent, "luma",
+     s.bitDepthLumaMinus8, "c", s.bitDepthChromaMinus8)
+TELL(CMMTDescVsp::SPictureRate, "rate", s.code, "avg", s.average)
+TELL(CMMTDescVsp::SBitRate, "bits", s.average, "most", s.maximum)
+TELL(CMMTDescVsp::SColour, "prim", s.colourPrimaries, "trans", s.transferCharacteristics, "matrix", s.matrixCoeffs,
+     "cg", s.cgCompatibility, "eotf", s.eotfInfo)
+TELL(CMMTDescVsp::SProfile, "space", s.profileSpace, "tier", s.tierFlag, "profile", s.profileIdc, "compatible",
+     s.compatibilityFlags, "", s.progressiveSourceFlag, "", s.interlacedSourceFlag, "", s.nonPackedConstraintFlag, "",
+     s.frameOnlyConstraintFlag, "constraints", s.constraintFlags)
+TELL(CMMTDescVsp::SSubLayer, "", "sub", "", s.profile, "level", s.levelIdc)
+TELL(CMMTDescVsp::SProfileTierLevel, "", s.profile, "level", s.levelIdc, "", s.subLayers)
+TELL(CMMTDescVsp::SAsset, "id", s.assetId, "codec", s.codecCode, "", s.temporalScalability, "layer", s.assetLayerId, "",
+     s.multiview, "", s.resolution, "", s.pictureRates, "", s.bitRates, "", s.colour, "", s.profileTierLevel)
+TELL(CMMTDescVsp, "", s.Assets())
 
 template <class TDesc>
 std::string Fields(const CMMTDesc& desc)

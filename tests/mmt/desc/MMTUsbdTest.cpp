@@ -5,29 +5,12 @@
 #include "mmt/desc/MMTMpuComponent.h"
 #include "mmt/desc/MMTName.h"
 #include "mmt/desc/MMTRouteComponent.h"
-#include "support/Recorder.h"
+#include "support/ParserTest.h"
 
 namespace {
 
-class MMTUsbdTest : public CRecorder {
+class MMTUsbdTest : public TParserTest<CMMTUsbd> {
   protected:
-    void SetUp() override
-    {
-        CRecorder::SetUp();
-        ASSERT_TRUE(m_usbd.Create());
-    }
-
-    void TearDown() override
-    {
-        m_usbd.Destroy();
-        CRecorder::TearDown();
-    }
-
-    bool Parse(const std::string& text)
-    {
-        const std::vector<unsigned char> block = Exact(text);
-        return m_usbd.Parse(reinterpret_cast<const char*>(block.data()), static_cast<unsigned>(block.size()), false);
-    }
     /// Under the user service description when there is one, else under the root.
     bool ParseIn(const std::string& elements, bool described = true)
     {
@@ -35,16 +18,13 @@ class MMTUsbdTest : public CRecorder {
         const std::string close = described ? "</UserServiceDescription>" : "";
         return Parse("<BundleDescriptionMMT>" + open + elements + close + "</BundleDescriptionMMT>");
     }
-
-    CMMTUsbd m_usbd;
 };
 
 TEST_F(MMTUsbdTest, EveryElementAtBothPlaces)
 {
     for (const bool described : {false, true}) {
         SCOPED_TRACE(described);
-        m_usbd.Destroy();
-        ASSERT_TRUE(m_usbd.Create());
+        Renew();
         ASSERT_TRUE(ParseIn(
             "<name lang='en'>N</name><Name>M</Name><serviceLanguage>en</serviceLanguage><ServiceLanguage/>"
             "<ServiceLanguage> </ServiceLanguage><Channel serviceGenre='g' serviceIcon='i'/>"
@@ -58,18 +38,18 @@ TEST_F(MMTUsbdTest, EveryElementAtBothPlaces)
             "<serviceLinkage serviceId='1'/><ServiceLinkage serviceId='7' serviceCategory='2' linkageType='3' "
             "activationTime='a' deActivationTime='d'/>",
             described));
-        const CMMTUsbd::SMMTUsbd& state = *m_usbd.State();
+        const CMMTUsbd::SMMTUsbd& state = *m_parser.State();
 
         std::string text;
         unsigned int address = 0;
         unsigned short port = 0;
-        EXPECT_TRUE(m_usbd.CheckRouteComponent() && m_usbd.GetsTSIDUri(text) && text == "u");
-        EXPECT_TRUE(m_usbd.GetRouteComponentDestIp(address) && address == 4026468865u);
-        EXPECT_TRUE(m_usbd.GetRouteComponentSrcIp(address) && address == 0x0A010203u);
-        EXPECT_TRUE(m_usbd.GetRouteComponentDestPort(port) && port == 5000);
+        EXPECT_TRUE(m_parser.CheckRouteComponent() && m_parser.GetsTSIDUri(text) && text == "u");
+        EXPECT_TRUE(m_parser.GetRouteComponentDestIp(address) && address == 4026468865u);
+        EXPECT_TRUE(m_parser.GetRouteComponentSrcIp(address) && address == 0x0A010203u);
+        EXPECT_TRUE(m_parser.GetRouteComponentDestPort(port) && port == 5000);
         EXPECT_EQ(state.routeComponent->State()->sTSIDMajorProtocolVersion, 1);
         EXPECT_EQ(state.routeComponent->State()->sTSIDMinorProtocolVersion, 2);
-        EXPECT_TRUE(m_usbd.CheckBroadbandComponent() && m_usbd.GetFullMPDUri(text) && text == "m");
+        EXPECT_TRUE(m_parser.CheckBroadbandComponent() && m_parser.GetFullMPDUri(text) && text == "m");
         const CMMTMpuComponent::SMpuComponent& mpu = *state.mpuComponent->State();
         EXPECT_EQ(mpu.mmtPackageId + mpu.contentIdSchemeIdUri + mpu.contentIdValue, "psv");
         EXPECT_EQ(mpu.nextMMTPackageId + mpu.nextContentIdSchemeIdUri + mpu.nextContentIdValue, "npnsnv");
@@ -80,19 +60,19 @@ TEST_F(MMTUsbdTest, EveryElementAtBothPlaces)
         const auto info = [this](int index) {
             unsigned char type = 0, role = 0;
             std::string id, name;
-            EXPECT_TRUE(m_usbd.GetComponentType(index, type) && m_usbd.GetComponentRole(index, role));
-            EXPECT_TRUE(m_usbd.GetComponentId(index, id) && m_usbd.GetComponentName(index, name));
-            return std::to_string(type) + std::to_string(role) + (m_usbd.ComponentProtectedFlag(index) ? "!" : "") +
+            EXPECT_TRUE(m_parser.GetComponentType(index, type) && m_parser.GetComponentRole(index, role));
+            EXPECT_TRUE(m_parser.GetComponentId(index, id) && m_parser.GetComponentName(index, name));
+            return std::to_string(type) + std::to_string(role) + (m_parser.ComponentProtectedFlag(index) ? "!" : "") +
                    id + name;
         };
-        EXPECT_TRUE(m_usbd.ComponentInfoSize() == 2 && info(0) == "13!aAudio" && info(1) == "00");
+        EXPECT_TRUE(m_parser.ComponentInfoSize() == 2 && info(0) == "13!aAudio" && info(1) == "00");
         char *first = nullptr, *second = nullptr;
-        ASSERT_TRUE(m_usbd.LanguageSize() == 2 && m_usbd.GetLanguageInfo(0, &first) &&
-                    m_usbd.GetLanguageInfo(1, &second));
+        ASSERT_TRUE(m_parser.LanguageSize() == 2 && m_parser.GetLanguageInfo(0, &first) &&
+                    m_parser.GetLanguageInfo(1, &second));
         EXPECT_EQ(std::string(first) + second, "en ");
-        EXPECT_TRUE(m_usbd.LinkServiceId() == 7 && m_usbd.ServiceCategory() == 2 && m_usbd.LinkageType() == 3);
-        EXPECT_EQ(std::string(m_usbd.ActivationTime()) + m_usbd.DeActivationTime(), "ad");
-        EXPECT_EQ(m_usbd.ServiceId(), described ? 9 : 0);
+        EXPECT_TRUE(m_parser.LinkServiceId() == 7 && m_parser.ServiceCategory() == 2 && m_parser.LinkageType() == 3);
+        EXPECT_EQ(std::string(m_parser.ActivationTime()) + m_parser.DeActivationTime(), "ad");
+        EXPECT_EQ(m_parser.ServiceId(), described ? 9 : 0);
     }
     EXPECT_EQ(Logged("[CMMTUsbd::sm_CbSvcLanguage] svcLanguage value is not exist !!!"), 2);
     EXPECT_EQ(Logged("[CMMTUsbd::sm_CbSvcLanguage] language[en], size[2]"), 2);
@@ -114,8 +94,8 @@ TEST_F(MMTUsbdTest, ServiceDescription)
         SCOPED_TRACE(c.attributes);
         ASSERT_TRUE(Parse(std::string("<m:bundleDescriptionMMT xmlns:m='u'><m:userServiceDescription ") + c.attributes +
                           "/></m:bundleDescriptionMMT>"));
-        EXPECT_STREQ(m_usbd.GlobalServiceId(), c.globalServiceId);
-        EXPECT_TRUE(m_usbd.ServiceId() == c.serviceId && m_usbd.ServiceStatus() == c.status);
+        EXPECT_STREQ(m_parser.GlobalServiceId(), c.globalServiceId);
+        EXPECT_TRUE(m_parser.ServiceId() == c.serviceId && m_parser.ServiceStatus() == c.status);
     }
 }
 
@@ -128,24 +108,24 @@ TEST_F(MMTUsbdTest, NothingGiven)
     unsigned char number = 5;
     char* language = text.data();
     std::vector<std::string> ratings;
-    EXPECT_FALSE(m_usbd.CheckRouteComponent() || m_usbd.CheckBroadbandComponent() || m_usbd.GetsTSIDUri(text) ||
-                 m_usbd.GetFullMPDUri(text) || m_usbd.GetRouteComponentDestIp(address) ||
-                 m_usbd.GetRouteComponentSrcIp(address) || m_usbd.GetRouteComponentDestPort(port));
+    EXPECT_FALSE(m_parser.CheckRouteComponent() || m_parser.CheckBroadbandComponent() || m_parser.GetsTSIDUri(text) ||
+                 m_parser.GetFullMPDUri(text) || m_parser.GetRouteComponentDestIp(address) ||
+                 m_parser.GetRouteComponentSrcIp(address) || m_parser.GetRouteComponentDestPort(port));
     for (const int index : {-1, 0}) {
-        EXPECT_FALSE(m_usbd.GetComponentType(index, number) || m_usbd.GetComponentRole(index, number) ||
-                     m_usbd.ComponentProtectedFlag(index) || m_usbd.GetComponentId(index, text) ||
-                     m_usbd.GetComponentName(index, text) || m_usbd.GetLanguageInfo(index, &language));
+        EXPECT_FALSE(m_parser.GetComponentType(index, number) || m_parser.GetComponentRole(index, number) ||
+                     m_parser.ComponentProtectedFlag(index) || m_parser.GetComponentId(index, text) ||
+                     m_parser.GetComponentName(index, text) || m_parser.GetLanguageInfo(index, &language));
     }
     EXPECT_TRUE(text == "old" && address == 5 && port == 5 && number == 5 && language == text.data());
-    EXPECT_TRUE(m_usbd.LinkServiceId() == -1 && m_usbd.ServiceCategory() == -1 && m_usbd.LinkageType() == -1 &&
-                !m_usbd.ActivationTime() && !m_usbd.DeActivationTime());
-    EXPECT_FALSE(m_usbd.GetRatingStringTable(ratings));
+    EXPECT_TRUE(m_parser.LinkServiceId() == -1 && m_parser.ServiceCategory() == -1 && m_parser.LinkageType() == -1 &&
+                !m_parser.ActivationTime() && !m_parser.DeActivationTime());
+    EXPECT_FALSE(m_parser.GetRatingStringTable(ratings));
     EXPECT_EQ(Logged("[CMMTUsbd::GetRatingStringTable] Content Advisory Data not parsed"), 1);
 
     ASSERT_TRUE(ParseIn("<routeComponent/><broadbandComponent/><mpuComponent nextMmtPackageId='n'/>"));
-    EXPECT_TRUE(m_usbd.GetsTSIDUri(text) && text.empty() && m_usbd.GetRouteComponentDestIp(address) && address == 0 &&
-                m_usbd.GetRouteComponentDestPort(port) && port == 0);
-    EXPECT_EQ(m_usbd.State()->mpuComponent->State()->nextMMTPackageId, "n");
+    EXPECT_TRUE(m_parser.GetsTSIDUri(text) && text.empty() && m_parser.GetRouteComponentDestIp(address) &&
+                address == 0 && m_parser.GetRouteComponentDestPort(port) && port == 0);
+    EXPECT_EQ(m_parser.State()->mpuComponent->State()->nextMMTPackageId, "n");
 }
 
 TEST_F(MMTUsbdTest, MissingProtectedFlagIsAsserted)
@@ -153,7 +133,7 @@ TEST_F(MMTUsbdTest, MissingProtectedFlagIsAsserted)
     ASSERT_TRUE(ParseIn("<ComponentInfo componentType='2' componentId='c'/>"));
     EXPECT_EQ(TakeAssertions(), "tempComponentProtectedFlag != nullptr");
     std::string id;
-    EXPECT_TRUE(m_usbd.GetComponentId(0, id) && id == "c" && !m_usbd.ComponentProtectedFlag(0));
+    EXPECT_TRUE(m_parser.GetComponentId(0, id) && id == "c" && !m_parser.ComponentProtectedFlag(0));
 }
 
 TEST_F(MMTUsbdTest, WrongRootLeavesEarlierResults)
@@ -164,7 +144,7 @@ TEST_F(MMTUsbdTest, WrongRootLeavesEarlierResults)
         EXPECT_FALSE(Parse(text)) << text;
     }
     std::string uri;
-    EXPECT_TRUE(m_usbd.ServiceId() == 9 && m_usbd.LanguageSize() == 1 && m_usbd.GetsTSIDUri(uri) && uri == "u");
+    EXPECT_TRUE(m_parser.ServiceId() == 9 && m_parser.LanguageSize() == 1 && m_parser.GetsTSIDUri(uri) && uri == "u");
 }
 
 TEST_F(MMTUsbdTest, RatingStrings)
@@ -179,9 +159,9 @@ TEST_F(MMTUsbdTest, RatingStrings)
         "<RatingValueString>outside</RatingValueString><RatingDimVal/></ContentAdvisoryRating>"
         "<ContentAdvisoryRating/>"));
     std::vector<std::string> ratings = {"kept"};
-    ASSERT_TRUE(m_usbd.GetRatingStringTable(ratings));
+    ASSERT_TRUE(m_parser.GetRatingStringTable(ratings));
     EXPECT_EQ(ratings, (std::vector<std::string>{"kept", "1,'TV-PG-L',{0 'TV-PG'}{1 'L'}", "0,'',{0 ''}", "0,'',"}));
-    const auto* first = static_cast<CMMTContentAdvisoryRatings*>(m_usbd.State()->contentAdvisoryRatings.Data(0));
+    const auto* first = static_cast<CMMTContentAdvisoryRatings*>(m_parser.State()->contentAdvisoryRatings.Data(0));
     EXPECT_EQ(first->State()->ratedDimensions, 2);
     EXPECT_EQ(first->State()->descriptions.at(1).lang + first->State()->descriptions.at(1).text, "esotra");
     EXPECT_EQ(first->State()->ratings.at(0).values.at(1).text, "x");
@@ -189,7 +169,7 @@ TEST_F(MMTUsbdTest, RatingStrings)
 
 TEST_F(MMTUsbdTest, NotCreated)
 {
-    EXPECT_FALSE(m_usbd.Create());
+    EXPECT_FALSE(m_parser.Create());
     CMMTUsbd fresh;
     std::string text;
     EXPECT_FALSE(fresh.GetsTSIDUri(text) || fresh.ServiceStatus() || fresh.GlobalServiceId() || fresh.State());

@@ -75,19 +75,6 @@ std::string Answers(const CLocationUnitBase& unit)
     return all;
 }
 
-TEST_F(MMTElementTest, TheBuilderWritesWhatAHandWrites)
-{
-    CMmtBuilder builder;
-    builder.Put(16, 0x1234).Put(3, 7).Put(13, 0x0102).Open(16).Put("ab").Open(8).Put("c").Close().Close().Put(40, 5);
-    builder.Open(32).Put(std::string(258, 'x')).Close();
-    const std::string byHand(
-        "\x12\x34\xE1\x02\x00\x04"
-        "ab\x01"
-        "c\x00\x00\x00\x00\x05\x00\x00\x01\x02",
-        19);
-    EXPECT_EQ(builder.Bytes(), byHand + std::string(258, 'x'));
-}
-
 TEST_F(MMTElementTest, LocationsOfEveryType)
 {
     const std::string v4("\xC0\xA8\x00\x01\xE0\x00\x17\x3C\x13\x88", 10);  // source, destination, port

@@ -72,7 +72,7 @@ TEST_F(MMTMsgAtsc3Test, Header)
                 message.SITable()->ClassType() == 5);
     const std::string bytes = SMessage{2, "<MPD/>", 1, -1, "uri"}.Bytes();
     const SFed fed(message, bytes + "behind");
-    EXPECT_TRUE(fed.result && fed.Cursor() == bytes.size());
+    EXPECT_TRUE(fed.result && fed.Cursor() == bytes.size() && message.Process());
     EXPECT_TRUE(message.Id() == 0x8100 && message.Version() == 3 && message.Length() == bytes.size() - 7);
     EXPECT_TRUE(message.ServiceId() == 1001 && message.ContentType() == 2 && message.ContentVersion() == 4 &&
                 message.ContentCompression() == 1 && message.ContentLength() == 6);

@@ -10,6 +10,11 @@
 #include "mmt/table/MMTTblPa.h"
 #include "mmt/table/MMTTblSi.h"
 #include "support/MmtBuilder.h"
+#include "support/Show.h"
+
+SHOW(CMMTTblDci::SAsset, s.assetId.AssetId(), s.mimeType.MimeType(), s.codecComplexityFlag, s.averageBitrate,
+     s.maximumBitrate, s.horizontalResolution, s.verticalResolution, s.temporalResolution, s.minimumBufferSize,
+     s.requiredStorage)
 
 namespace {
 
@@ -162,6 +167,13 @@ TEST_F(MMTTblTest, PaReportsEntriesWithBothLocations)
     ExpectNoPrefixParses<CMMTTblPa>(MmtPaTable());
 }
 
+std::string ShowAsset(const CMMTTblMpAsset& a)
+{
+    return Join(std::string(a.AssetType(), a.AssetType() + 4), a.DefaultAssetFlag(), a.AssetClockRelationFlag(),
+                a.AssetTimeScaleFlag(), a.AssetClockRelationId(), a.AssetTimeScale(), a.LocationCount(),
+                a.AssetDescriptorSize());
+}
+
 TEST_F(MMTTblTest, MpAssets)
 {
     CMMTTblMp mp;
@@ -174,21 +186,13 @@ TEST_F(MMTTblTest, MpAssets)
     EXPECT_STREQ(mp.PackageId(), "pkg");
     EXPECT_EQ(Logged("[CMMTTblMp::Parse] assetNum = 3"), 1);
     EXPECT_EQ(MmtClocks(mp), "1 2 ");
-    CMMTTblMpAsset& a = *mp.Asset(0);
-    EXPECT_EQ(std::string(a.AssetType(), a.AssetType() + 4), "hev1");
-    EXPECT_TRUE(a.DefaultAssetFlag() && a.AssetClockRelationFlag() && a.AssetTimeScaleFlag());
-    EXPECT_TRUE(a.AssetClockRelationId() == 9 && a.AssetTimeScale() == 90000);
+    CMMTTblMpAsset &a = *mp.Asset(0), &b = *mp.Asset(1);
+    EXPECT_EQ(ShowAsset(a) + " " + ShowAsset(b) + " " + ShowAsset(*mp.Asset(2)),
+              "hev1|1|1|1|9|90000|2|1 mp4a|0|1|0|8|0|0|0 stpp|0|0|0|0|0|0|0");
     ASSERT_TRUE(a.LocationCount() == 2 && a.AssetDescriptorSize() == 1 && a.AssetDescriptor(0));
     unsigned int packet = 0;
     EXPECT_TRUE(a.Location(1)->Location()->GetPacketId(&packet) && packet == 0x1002);
     EXPECT_EQ(a.AssetDescriptor(1), nullptr);
-    CMMTTblMpAsset& b = *mp.Asset(1);
-    EXPECT_EQ(std::string(b.AssetType(), b.AssetType() + 4), "mp4a");
-    EXPECT_TRUE(b.AssetClockRelationFlag() && b.AssetClockRelationId() == 8);
-    EXPECT_FALSE(b.DefaultAssetFlag() || b.AssetTimeScaleFlag() || b.AssetTimeScale() || b.LocationCount());
-    CMMTTblMpAsset& c = *mp.Asset(2);
-    EXPECT_EQ(std::string(c.AssetType(), c.AssetType() + 4), "stpp");
-    EXPECT_FALSE(c.AssetClockRelationFlag() || c.AssetClockRelationId() || c.AssetTimeScaleFlag());
     EXPECT_STREQ(static_cast<CIdentifierUnit1*>(b.Identifier()->Identifier())->Url(1), "url2");
     EXPECT_TRUE(!mp.Asset(3) && !b.Location(0) && !mp.GetDescriptors(nullptr, nullptr));
     EXPECT_EQ(TakeAssertions(), "0 <= index && index < m_size; 0 <= index && index < m_size; callback");
@@ -329,15 +333,9 @@ TEST_F(MMTTblTest, DciAssets)
     const SFed fed(dci, MmtTable(0x22, body + "trail"));
     ASSERT_TRUE(fed.result && dci.AssetCount() == 4 && dci.Process() && dci.GetDescriptors(nullptr, nullptr));
     EXPECT_EQ(fed.Cursor(), fed.block.size());
-    const CMMTTblDci::SAsset& video = *dci.Asset(0);
-    EXPECT_STREQ(video.assetId.AssetId(), "v");
-    EXPECT_TRUE(video.averageBitrate == 1 && video.maximumBitrate == 2 && video.horizontalResolution == 3840);
-    EXPECT_TRUE(video.verticalResolution == 2160 && video.temporalResolution == 60 && video.minimumBufferSize == 6);
-    const CMMTTblDci::SAsset& audio = *dci.Asset(1);
-    EXPECT_TRUE(audio.averageBitrate == 11 && audio.maximumBitrate == 12 && audio.minimumBufferSize == 16);
-    EXPECT_FALSE(audio.horizontalResolution || audio.requiredStorage || video.requiredStorage);
-    EXPECT_TRUE(dci.Asset(2)->requiredStorage == 70000u && !dci.Asset(2)->averageBitrate);
-    EXPECT_FALSE(dci.Asset(3)->requiredStorage || dci.Asset(3)->averageBitrate);
+    EXPECT_EQ(Join(dci.Asset(0), dci.Asset(1), dci.Asset(2), dci.Asset(3)),
+              "v|video/mp4|1|1|2|3840|2160|60|6|-|a|audio/mp4|1|11|12|-|-|-|16|-|f|video/x|0|-|-|-|-|-|-|70000|"
+              "t|text/x|1|-|-|-|-|-|-|-");
     dci.Dump();
     // Cut anywhere, under a length that says so: what fits is there.
     int assets = 0;

@@ -2,39 +2,26 @@
 
 #include <nlohmann/json.hpp>
 
-#include "support/Recorder.h"
+#include "support/ParserTest.h"
 
 namespace {
 
 using TJson = nlohmann::json;
 
-class MPDTest : public CRecorder {
+class MPDTest : public TParserTest<CMPD> {
   protected:
     void SetUp() override
     {
-        CRecorder::SetUp();
-        ASSERT_TRUE(m_mpd.Create());
+        TParserTest::SetUp();
         const CMPD::SCallback callback = {this, OnInfo, OnRatings};
-        ASSERT_TRUE(m_mpd.SetCallback(&callback));
-    }
-
-    void TearDown() override
-    {
-        m_mpd.Destroy();
-        CRecorder::TearDown();
-    }
-
-    bool Parse(const std::string& text)
-    {
-        const std::vector<unsigned char> block = Exact(text);
-        return m_mpd.Parse(reinterpret_cast<const char*>(block.data()), static_cast<unsigned>(block.size()), false);
+        ASSERT_TRUE(m_parser.SetCallback(&callback));
     }
 
     static void OnInfo(void* context, SMPDInfo* info)
     {
         auto* self = static_cast<MPDTest*>(context);
         ++self->m_reports;
-        EXPECT_EQ(info, self->m_mpd.GetMPDInfo());
+        EXPECT_EQ(info, self->m_parser.GetMPDInfo());
     }
 
     static void OnRatings(void* context, const CMPD::TRatings& ratings)
@@ -42,7 +29,6 @@ class MPDTest : public CRecorder {
         static_cast<MPDTest*>(context)->m_ratings = ratings;
     }
 
-    CMPD m_mpd;
     int m_reports = 0;
     CMPD::TRatings m_ratings;
 };
@@ -82,7 +68,7 @@ TEST_F(MPDTest, PresentationsOfOtherProgramsAsAnotherReaderReadsThem)
     ASSERT_GT(all.size(), 30u);
     for (const auto& [name, expected] : all.items()) {
         ASSERT_TRUE(Parse(ReadData("mpd/" + name))) << name;
-        const SMPDInfo& info = *m_mpd.GetMPDInfo();
+        const SMPDInfo& info = *m_parser.GetMPDInfo();
         const TJson& decoded = expected["decoded"];
         EXPECT_EQ(info.dynamic, Wanted(decoded["attributes"], "type") == "dynamic") << name;
         EXPECT_EQ(Text(info.profiles), Wanted(decoded["attributes"], "profiles")) << name;
@@ -122,14 +108,14 @@ TEST_F(MPDTest, PresentationsOfOtherProgramsAsAnotherReaderReadsThem)
 TEST_F(MPDTest, TimesProtectionAndPreselections)
 {
     ASSERT_TRUE(Parse(ReadData("mpd/gpac-a1-single-service-live.mpd")));
-    EXPECT_DOUBLE_EQ(*m_mpd.GetMPDInfo()->availabilityStartTime, 1795226543.328);
-    EXPECT_DOUBLE_EQ(*m_mpd.GetMPDInfo()->timeShiftBufferDepth, 30);
-    EXPECT_FALSE(m_mpd.GetMPDInfo()->mediaPresentationDuration.has_value());
-    EXPECT_DOUBLE_EQ(*m_mpd.GetMPDInfo()->periods[0].start, 0);
+    EXPECT_DOUBLE_EQ(*m_parser.GetMPDInfo()->availabilityStartTime, 1795226543.328);
+    EXPECT_DOUBLE_EQ(*m_parser.GetMPDInfo()->timeShiftBufferDepth, 30);
+    EXPECT_FALSE(m_parser.GetMPDInfo()->mediaPresentationDuration.has_value());
+    EXPECT_DOUBLE_EQ(*m_parser.GetMPDInfo()->periods[0].start, 0);
     EXPECT_TRUE(m_ratings.empty());
 
     ASSERT_TRUE(Parse(ReadData("mpd/eyevinn-multi-drm.mpd")));
-    const SMPDAdaptationSet& set = m_mpd.GetMPDInfo()->periods[0].adaptationSets[0];
+    const SMPDAdaptationSet& set = m_parser.GetMPDInfo()->periods[0].adaptationSets[0];
     ASSERT_EQ(set.contentProtections.size(), 5u);
     EXPECT_STREQ(set.contentProtections[0].defaultKid, "121a0fca-0f1b-475b-8910-297fa8e0a07e");
     ASSERT_EQ(set.contentProtections[1].licenceUrls.size(), 1u);
@@ -138,7 +124,7 @@ TEST_F(MPDTest, TimesProtectionAndPreselections)
     EXPECT_EQ(std::string(set.contentProtections[4].pssh[0]).substr(0, 12), "AAAATHBzc2gA");
 
     ASSERT_TRUE(Parse(ReadData("mpd/eyevinn-mpegh-preselection.mpd")));
-    const SMPDPeriod& period = m_mpd.GetMPDInfo()->periods[0];
+    const SMPDPeriod& period = m_parser.GetMPDInfo()->periods[0];
     ASSERT_EQ(period.preselections.size(), 3u);
     EXPECT_STREQ(period.preselections[1].id, "1");
     EXPECT_STREQ(period.preselections[0].preselectionComponents, "0");
@@ -153,7 +139,7 @@ TEST_F(MPDTest, TimesProtectionAndPreselections)
 TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
 {
     ASSERT_TRUE(Parse(ReadData("mpd/gpac-a11-many-components-live.mpd")));
-    const SMPDAdaptationSet& set = m_mpd.GetMPDInfo()->periods[0].adaptationSets[0];
+    const SMPDAdaptationSet& set = m_parser.GetMPDInfo()->periods[0].adaptationSets[0];
     const SMPDSegmentTemplate& second = *set.representations[1].segmentTemplate;
     EXPECT_STREQ(second.media, "vv2_$Number$.m4s");
     EXPECT_TRUE(second.timescale == 12800 && second.timeline == set.segmentTemplate->timeline);
@@ -162,11 +148,11 @@ TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
 
     // The list stands behind the representation that has it.
     ASSERT_TRUE(Parse(ReadData("mpd/mpdparser-multiperiod-segment-list.mpd")));
-    const SMPDRepresentation& representation = m_mpd.GetMPDInfo()->periods[1].adaptationSets[0].representations[0];
+    const SMPDRepresentation& representation = m_parser.GetMPDInfo()->periods[1].adaptationSets[0].representations[0];
     ASSERT_TRUE(representation.segmentList && representation.segmentList->urls->size() == 2);
     EXPECT_STREQ(representation.segmentList->urls->back().media, "low/segment-2.ts");
     EXPECT_TRUE(representation.segmentList->timescale == 1000 && representation.segmentList->startNumber == 1);
-    EXPECT_STREQ(m_mpd.GetMPDInfo()->baseUrls[0], "https://www.example.com/base");
+    EXPECT_STREQ(m_parser.GetMPDInfo()->baseUrls[0], "https://www.example.com/base");
 
     ASSERT_TRUE(
         Parse("<MPD><Period><SegmentTemplate timescale='0' media='p' presentationTimeOffset='5'>"
@@ -176,7 +162,7 @@ TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
               "<AdaptationSet codecs='c' width='4'><SegmentTemplate startNumber='0' initialization='i'/>"
               "<BaseURL> b </BaseURL><BaseURL/><Representation codecs=''><SegmentList duration='2'>"
               "<SegmentURL index='x'/></SegmentList></Representation></AdaptationSet></Period></MPD>"));
-    const SMPDAdaptationSet& inner = m_mpd.GetMPDInfo()->periods[0].adaptationSets[0];
+    const SMPDAdaptationSet& inner = m_parser.GetMPDInfo()->periods[0].adaptationSets[0];
     const SMPDRepresentation& leaf = inner.representations[0];
     ASSERT_EQ(leaf.segmentTemplate, inner.segmentTemplate);
     EXPECT_TRUE(leaf.segmentTemplate->startNumber == 0 && leaf.segmentTemplate->presentationTimeOffset == 5 &&
@@ -203,7 +189,7 @@ TEST_F(MPDTest, ElementsOutOfPlaceAndFailures)
               "<Period><Period/><EssentialProperty/><AdaptationSet><AdaptationSet/><Preselection/><ContentProtection "
               "xmlns:d='u' d:default_KID='k'><ContentProtection/><d:laurl licenseUrl='l'/><cenc:pssh>q</cenc:pssh>"
               "</ContentProtection></AdaptationSet></Period></MPD>"));
-    const SMPDInfo& info = *m_mpd.GetMPDInfo();
+    const SMPDInfo& info = *m_parser.GetMPDInfo();
     EXPECT_FALSE(info.dynamic || info.minBufferTime.has_value());
     EXPECT_EQ(Logged("[CMPD] minBufferTime[2s] is no time"), 1);
     EXPECT_TRUE(info.periods.size() == 1 && info.essentialProperties.size() == 1 && info.baseUrls.size() == 1);
@@ -217,7 +203,7 @@ TEST_F(MPDTest, ElementsOutOfPlaceAndFailures)
 
     for (const char* text : {"<Period/>", "<MPD>", "<MPD><Period></MPD>"}) {
         EXPECT_FALSE(Parse(text)) << text;
-        EXPECT_EQ(m_mpd.GetMPDInfo(), nullptr);
+        EXPECT_EQ(m_parser.GetMPDInfo(), nullptr);
     }
     EXPECT_EQ(m_reports, 1);
     CMPD fresh;

@@ -3,33 +3,11 @@
 #include "common/ServiceLinkage.h"
 #include "route/SLS/DeliveryMethod.h"
 #include "route/SLS/ServiceName.h"
-#include "support/Recorder.h"
+#include "support/ParserTest.h"
 
 namespace {
 
-class ROUTEUsbdTest : public CRecorder {
-  protected:
-    void SetUp() override
-    {
-        CRecorder::SetUp();
-        ASSERT_TRUE(m_usbd.Create());
-    }
-
-    void TearDown() override
-    {
-        m_usbd.Destroy();
-        CRecorder::TearDown();
-    }
-
-    bool Parse(const std::string& text)
-    {
-        const std::vector<unsigned char> block = Exact(text);
-        return m_usbd.XMLBase::Parse(reinterpret_cast<const char*>(block.data()), static_cast<unsigned>(block.size()),
-                                     false);
-    }
-
-    CROUTEUsbd m_usbd;
-};
+using ROUTEUsbdTest = TParserTest<CROUTEUsbd>;
 
 TEST_F(ROUTEUsbdTest, EveryElementInBothCapitalisations)
 {
@@ -40,12 +18,12 @@ TEST_F(ROUTEUsbdTest, EveryElementInBothCapitalisations)
         "<DeliveryMethod><UnicastAppService><BasePattern>u</BasePattern></UnicastAppService></DeliveryMethod>"
         "<deliveryMethod/><serviceLinkage serviceId='1'/><ServiceLinkage serviceId='7' serviceCategory='2' "
         "linkageType='3' activationTime='a'/></UserServiceDescription></b:BundleDescriptionROUTE>"));
-    EXPECT_STREQ(m_usbd.GlobalServiceId(), "ID");
-    EXPECT_TRUE(m_usbd.ServiceId() == 1 && m_usbd.ServiceStatus() && m_usbd.NumOfDeliveryMethod() == 2);
-    EXPECT_TRUE(m_usbd.LinkServiceId() == 7 && m_usbd.ServiceCategory() == 2 && m_usbd.LinkageType() == 3);
-    EXPECT_STREQ(m_usbd.ActivationTime(), "a");
-    EXPECT_EQ(m_usbd.DeActivationTime(), nullptr);
-    const CROUTEUsbd::SROUTEUsbd& state = *m_usbd.State();
+    EXPECT_STREQ(m_parser.GlobalServiceId(), "ID");
+    EXPECT_TRUE(m_parser.ServiceId() == 1 && m_parser.ServiceStatus() && m_parser.NumOfDeliveryMethod() == 2);
+    EXPECT_TRUE(m_parser.LinkServiceId() == 7 && m_parser.ServiceCategory() == 2 && m_parser.LinkageType() == 3);
+    EXPECT_STREQ(m_parser.ActivationTime(), "a");
+    EXPECT_EQ(m_parser.DeActivationTime(), nullptr);
+    const CROUTEUsbd::SROUTEUsbd& state = *m_parser.State();
     ASSERT_TRUE(state.names.Size() == 2 && state.languages.Size() == 2);
     EXPECT_STREQ(static_cast<CServiceName*>(state.names.Data(0))->Lang(), "en");
     EXPECT_EQ(static_cast<CServiceName*>(state.names.Data(1))->Lang(), nullptr);
@@ -60,25 +38,18 @@ TEST_F(ROUTEUsbdTest, DefaultsAndFailures)
 {
     EXPECT_FALSE(Parse("<bundleDescription><userServiceDescription/></bundleDescription>"));
     ASSERT_TRUE(Parse("<bundleDescriptionROUTE/>"));
-    EXPECT_TRUE(m_usbd.ServiceStatus() && m_usbd.ServiceId() == 65535 && !m_usbd.GlobalServiceId());
-    EXPECT_TRUE(m_usbd.LinkServiceId() == -1 && m_usbd.ServiceCategory() == -1 && m_usbd.LinkageType() == -1 &&
-                !m_usbd.ActivationTime());
+    EXPECT_TRUE(m_parser.ServiceStatus() && m_parser.ServiceId() == 65535 && !m_parser.GlobalServiceId());
+    EXPECT_TRUE(m_parser.LinkServiceId() == -1 && m_parser.ServiceCategory() == -1 && m_parser.LinkageType() == -1 &&
+                !m_parser.ActivationTime());
     ASSERT_TRUE(
         Parse("<bundleDescriptionROUTE><userServiceDescription globalServiceId='low'/></bundleDescriptionROUTE>"));
-    EXPECT_TRUE(!m_usbd.ServiceStatus() && m_usbd.ServiceId() == 65535);
-    EXPECT_STREQ(m_usbd.GlobalServiceId(), "low");
+    EXPECT_TRUE(!m_parser.ServiceStatus() && m_parser.ServiceId() == 65535);
+    EXPECT_STREQ(m_parser.GlobalServiceId(), "low");
     ASSERT_TRUE(
         Parse("<bundleDescriptionROUTE><userServiceDescription serviceStatus='true'/></bundleDescriptionROUTE>"));
-    EXPECT_TRUE(!m_usbd.ServiceStatus() && !m_usbd.GlobalServiceId());
-    EXPECT_FALSE(m_usbd.Create());
+    EXPECT_TRUE(!m_parser.ServiceStatus() && !m_parser.GlobalServiceId());
+    EXPECT_FALSE(m_parser.Create());
     EXPECT_EQ(TakeAssertions(), "!m");
-}
-
-TEST_F(ROUTEUsbdTest, RealDocument)
-{
-    ASSERT_TRUE(Parse(ReadData("route/gpac-a1-single-service-sls3-usbd.xml")));
-    EXPECT_EQ(m_usbd.ServiceId(), 1001);
-    EXPECT_EQ(m_usbd.NumOfDeliveryMethod(), 1);
 }
 
 }  // namespace

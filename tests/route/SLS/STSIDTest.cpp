@@ -4,38 +4,30 @@
 #include "route/SLS/MediaInfo.h"
 #include "route/SLS/RS.h"
 #include "route/SLS/SrcFlow.h"
-#include "support/Recorder.h"
+#include "support/ParserTest.h"
+#include "support/Show.h"
 
 namespace {
 
-class STSIDTest : public CRecorder {
+class STSIDTest : public TParserTest<CSTSID> {
   protected:
     void SetUp() override
     {
-        CRecorder::SetUp();
-        ASSERT_TRUE(m_stsid.Create());
+        TParserTest::SetUp();
         const CLS::SCallback callback = {this, OnEfdt};
-        ASSERT_TRUE(m_stsid.SetCallback(&callback));
+        ASSERT_TRUE(m_parser.SetCallback(&callback));
     }
 
-    void TearDown() override
+    /// What the getters give of a session, its first rating included; "-" for what they do not give.
+    std::string Session(int i, int j) const
     {
-        m_stsid.Destroy();
-        CRecorder::TearDown();
-    }
-
-    bool Parse(const std::string& text)
-    {
-        const std::vector<unsigned char> block = Exact(text);
-        return m_stsid.XMLBase::Parse(reinterpret_cast<const char*>(block.data()), static_cast<unsigned>(block.size()),
-                                      false);
-    }
-
-    std::string ContentId(int i, int j) const
-    {
-        std::string id = "untouched";
-        m_stsid.GetContentId(i, j, id);
-        return id;
+        unsigned int tsi = 7;
+        std::string id = "untouched", rating = "-";
+        m_parser.GetTSI(i, j, &tsi);
+        m_parser.GetContentId(i, j, id);
+        m_parser.GetContentRating(i, j, 0, rating);
+        return Join(tsi, id, m_parser.GetRT(i, j), m_parser.GetAEAId(i, j), m_parser.NumberOfContentRatings(i, j),
+                    rating);
     }
 
     static void OnEfdt(void* context, unsigned int tsi, SEFDTInfo* info)
@@ -45,7 +37,6 @@ class STSIDTest : public CRecorder {
         self->m_efdts.push_back(info);
     }
 
-    CSTSID m_stsid;
     std::vector<unsigned int> m_tsis;
     std::vector<SEFDTInfo*> m_efdts;
 };
@@ -53,19 +44,16 @@ class STSIDTest : public CRecorder {
 TEST_F(STSIDTest, Sessions)
 {
     ASSERT_TRUE(Parse(ReadData("route/gpac-a1-single-service-sls3-stsid.xml")));
-    ASSERT_TRUE(m_stsid.NumberOfRouteSessions() == 1 && m_stsid.NumberOfLctSessions(0) == 2);
-    EXPECT_EQ(m_stsid.DIpAddr(0), 0xE1010100u);
-    EXPECT_EQ(m_stsid.SIpAddr(0), 0xC000020Au);
-    EXPECT_TRUE(m_stsid.DPort(0) == 6000 && m_stsid.BsId(0) == 65535);
-    unsigned int tsi = 0;
-    EXPECT_TRUE(m_stsid.GetTSI(0, 1, &tsi) && tsi == 20);
-    EXPECT_EQ(ContentId(0, 0) + ContentId(0, 1), "12");
-    EXPECT_TRUE(m_stsid.GetRT(0, 0));
+    ASSERT_TRUE(m_parser.NumberOfRouteSessions() == 1 && m_parser.NumberOfLctSessions(0) == 2);
+    EXPECT_EQ(m_parser.DIpAddr(0), 0xE1010100u);
+    EXPECT_EQ(m_parser.SIpAddr(0), 0xC000020Au);
+    EXPECT_TRUE(m_parser.DPort(0) == 6000 && m_parser.BsId(0) == 65535);
+    EXPECT_EQ(Session(0, 0) + " " + Session(0, 1), "10|1|1||0|- 20|2|1||0|-");
     EXPECT_EQ(m_tsis, (std::vector<unsigned int>{10, 20}));
-    EXPECT_EQ(m_stsid.GetEFDTInfo(0, 1), m_efdts[1]);
+    EXPECT_EQ(m_parser.GetEFDTInfo(0, 1), m_efdts[1]);
     EXPECT_EQ(m_efdts[0]->fdtGlobal->files.Size(), 1);
     const auto* ls =
-        static_cast<const CLS*>(static_cast<const CRS*>(m_stsid.State()->routeSessions.Data(0))->State()->ls.Data(0));
+        static_cast<const CLS*>(static_cast<const CRS*>(m_parser.State()->routeSessions.Data(0))->State()->ls.Data(0));
     EXPECT_TRUE(ls->State()->bw == 100 && ls->State()->startTime == -1);
     EXPECT_EQ(Logged("[CRS::m_ProcessParseRS] dest ip = [3774939392]"), 1);
 }
@@ -81,29 +69,19 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
         "<ContentRating/></MediaInfo></ContentInfo></SrcFlow></LS>"
         "<LS tsi='3'><SrcFlow rt='1'><ContentInfo>t<MediaInfo contentType='subtitles'/></ContentInfo></SrcFlow></LS>"
         "</RS><RS dport='1' dPort='2'/><RS/><rs/></Any>"));
-    ASSERT_TRUE(m_stsid.NumberOfRouteSessions() == 3 && m_stsid.NumberOfLctSessions(0) == 4);
-    EXPECT_EQ(m_stsid.DPort(0) * 10 + m_stsid.DPort(1), 40002);
-    EXPECT_EQ(m_stsid.DPort(2), 65535);
-    EXPECT_TRUE(m_stsid.BsId(0) == 65535 && m_stsid.SIpAddr(0) == 0xFFFFFFFF && m_stsid.DIpAddr(0) == 0xFFFFFFFF);
-    unsigned int tsi = 0;
-    EXPECT_TRUE(m_stsid.GetTSI(0, 0, &tsi) && tsi == 0xFFFFFFFF);
-    // Without a source flow.
+    ASSERT_TRUE(m_parser.NumberOfRouteSessions() == 3 && m_parser.NumberOfLctSessions(0) == 4);
+    EXPECT_EQ(m_parser.DPort(0) * 10 + m_parser.DPort(1), 40002);
+    EXPECT_EQ(m_parser.DPort(2), 65535);
+    EXPECT_TRUE(m_parser.BsId(0) == 65535 && m_parser.SIpAddr(0) == 0xFFFFFFFF && m_parser.DIpAddr(0) == 0xFFFFFFFF);
+    // Without a source flow; with it; and with a representation's id, though it is empty.
+    EXPECT_EQ(Session(0, 0), "4294967295||0||0|-");
+    EXPECT_FALSE(m_parser.GetEFDTInfo(0, 0));
+    EXPECT_EQ(Session(0, 1), "1| ab|0||0|-");
+    EXPECT_EQ(Session(0, 2), "2|r|1|x|2|v");
+    EXPECT_EQ(Session(0, 3), "3||0||0|-");
     std::string text = "untouched";
-    EXPECT_FALSE(m_stsid.GetRT(0, 0) || m_stsid.GetContentRating(0, 0, 0, text));
-    EXPECT_EQ(text, "untouched");
-    EXPECT_FALSE(m_stsid.GetContentId(0, 0, text));
-    EXPECT_TRUE(text.empty() && m_stsid.GetAEAId(0, 0).empty() && !m_stsid.GetEFDTInfo(0, 0));
-    EXPECT_EQ(m_stsid.NumberOfContentRatings(0, 0), 0);
-    EXPECT_EQ(ContentId(0, 1), " ab");
-    EXPECT_EQ(ContentId(0, 2), "r");
-    EXPECT_EQ(ContentId(0, 3), "");  // the representation's, though it is empty
-    EXPECT_TRUE(!m_stsid.GetRT(0, 1) && m_stsid.GetRT(0, 2) && !m_stsid.GetRT(0, 3));
-    EXPECT_EQ(m_stsid.GetAEAId(0, 2), "x");
-    EXPECT_EQ(m_stsid.NumberOfContentRatings(0, 2), 2);
-    EXPECT_TRUE(m_stsid.GetContentRating(0, 2, 0, text) && text == "v");
-    EXPECT_TRUE(m_stsid.GetContentRating(0, 2, 1, text) && text.empty());
-    EXPECT_FALSE(m_stsid.GetContentRating(0, 2, 2, text));
-    EXPECT_FALSE(m_stsid.GetContentRating(0, 3, 0, text));
+    EXPECT_TRUE(m_parser.GetContentRating(0, 2, 1, text) && text.empty());
+    EXPECT_FALSE(m_parser.GetContentRating(0, 2, 2, text));
     EXPECT_EQ(Logged("[CMediaInfo::GetContentRating] ContentRating index:2 not found."), 1);
     EXPECT_EQ(Logged("[CMediaInfo::GetContentRating] No ContentRating Information."), 1);
     EXPECT_EQ(Logged("[CMediaInfo::Dump] contentType[0] repId[r]"), 1);
@@ -111,11 +89,12 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
     EXPECT_EQ(Logged("[CLS::m_ProcessParseLS] tsi[-1] maxBw[-1]"), 1);
     EXPECT_TRUE(m_efdts.empty());
 
-    EXPECT_FALSE(m_stsid.GetTSI(0, 4, &tsi));  // told by the result, not asserted
+    unsigned int tsi = 0;
+    EXPECT_FALSE(m_parser.GetTSI(0, 4, &tsi));  // told by the result, not asserted
     EXPECT_EQ(TakeAssertions(), "");
-    EXPECT_TRUE(!m_stsid.GetRT(0, 4) && m_stsid.DPort(3) == 0 && m_stsid.NumberOfLctSessions(-1) == 0);
+    EXPECT_TRUE(!m_parser.GetRT(0, 4) && m_parser.DPort(3) == 0 && m_parser.NumberOfLctSessions(-1) == 0);
     text = "held";
-    EXPECT_TRUE(!m_stsid.GetContentId(3, 0, text) && text.empty());
+    EXPECT_TRUE(!m_parser.GetContentId(3, 0, text) && text.empty());
     EXPECT_FALSE(TakeAssertions().empty());
 }
 
@@ -126,13 +105,13 @@ TEST_F(STSIDTest, EveryReportedEfdtLivesUntilDestroy)
               "<SrcFlow><ContentInfo>c</ContentInfo><EFDT tsi='3'/></SrcFlow></LS></RS></S-TSID>"));
     ASSERT_EQ(m_tsis, (std::vector<unsigned int>{8, 8, 8}));
     EXPECT_TRUE(m_efdts[0]->tsi == 1 && m_efdts[1]->tsi == 2);
-    EXPECT_TRUE(m_stsid.GetEFDTInfo(0, 0) == m_efdts[2] && m_efdts[2]->tsi == 3);
-    EXPECT_EQ(ContentId(0, 0), "c");
+    EXPECT_TRUE(m_parser.GetEFDTInfo(0, 0) == m_efdts[2] && m_efdts[2]->tsi == 3);
+    EXPECT_EQ(Session(0, 0).substr(0, 4), "8|c|");
 
-    m_stsid.SetCallback(nullptr);
+    m_parser.SetCallback(nullptr);
     EXPECT_FALSE(Parse("<S-TSID><RS>"));
     ASSERT_TRUE(Parse("<S-TSID><RS><LS><SrcFlow><EFDT/></SrcFlow></LS></RS></S-TSID>"));
-    EXPECT_TRUE(m_tsis.size() == 3 && m_stsid.NumberOfRouteSessions() == 2);
+    EXPECT_TRUE(m_tsis.size() == 3 && m_parser.NumberOfRouteSessions() == 2);
 }
 
 TEST_F(STSIDTest, UseWithoutCreate)
@@ -143,7 +122,7 @@ TEST_F(STSIDTest, UseWithoutCreate)
     EXPECT_TRUE(!fresh.SetCallback(nullptr) && fresh.NumberOfRouteSessions() == 0 && !fresh.GetEFDTInfo(0, 0));
     EXPECT_TRUE(!flow.GetRT() && !flow.GetEFDTInfo() && info.NumberOfContentRating() == 0 && !fresh.State());
     fresh.Destroy();
-    EXPECT_FALSE(m_stsid.Create());
+    EXPECT_FALSE(m_parser.Create());
     EXPECT_EQ(TakeAssertions(), "m; m; m; m; m; m; m; !m");
 }
 

@@ -1,0 +1,87 @@
+#include "entries/Entries.h"
+#include "mmt/desc/MMTDesc.h"
+#include "mmt/desc/MMTDescFactory.h"
+#include "mmt/desc/MMTUsbd.h"
+#include "mmt/msg/MMTMsgFactory.h"
+#include "mmt/table/MMTTblFactory.h"
+
+namespace {
+
+/// What a factory makes of the first bytes.
+template <class T>
+struct SMade {
+    bool Parse(const std::string& bytes) { return FeedItem(*object, bytes); }
+    void Destroy() { object.reset(); }
+
+    T object;
+};
+
+using SMessage = SMade<std::shared_ptr<CMMTMsg>>;
+using STable = SMade<std::unique_ptr<CMMTTbl>>;
+using SDescriptor = SMade<std::unique_ptr<CMMTDesc>>;
+
+const unsigned char* Begin(const std::string& bytes)
+{
+    return reinterpret_cast<const unsigned char*>(bytes.data());
+}
+
+bool Create(SMessage& message, const std::string& bytes)
+{
+    message.object = CMMTMsgFactory::CreateMessage(Begin(bytes), 2);
+    return message.object != nullptr;
+}
+
+bool Create(STable& table, const std::string& bytes)
+{
+    IParse::SItem item = {Begin(bytes), 8, 64, 0, true};
+    table.object.reset(CMMTTblFactory::GenerateTbl(&item));
+    return table.object != nullptr;
+}
+
+bool Create(SDescriptor& descriptor, const std::string& bytes)
+{
+    IParse::SItem item = {Begin(bytes), 8, 64, 0, true};
+    descriptor.object.reset(CMMTDescFactory::GenerateDesc(&item));
+    return descriptor.object != nullptr;
+}
+
+/// What is told of is what it dumps. A descriptor loop ends at the first that does not parse.
+template <class T>
+SEntryKind MadeKind(const std::string& seed, std::size_t skip)
+{
+    return EntryKind<T>(
+        seed, skip, Create, [](T& made, std::string& bytes) { return made.Parse(bytes); },
+        [](const T& made) {
+            made.object->Dump();
+            return std::string();
+        },
+        true);
+}
+
+std::string Digest(const CMMTUsbd& usbd)
+{
+    std::string uri, name;
+    std::vector<std::string> ratings;
+    usbd.GetsTSIDUri(uri);
+    usbd.GetComponentName(usbd.ComponentInfoSize() - 1, name);
+    usbd.GetRatingStringTable(ratings);
+    return TextOf(usbd.GlobalServiceId()) + uri + name + (ratings.empty() ? "" : ratings.back());
+}
+
+}  // namespace
+
+TEntryKinds MmtEntries()
+{
+    TEntryKinds kinds = {DocumentKind<CMMTUsbd>("mmt_usbd/every-element", 1, Digest)};
+    for (const std::string seed : {"pa", "mpi-with-mp", "mpt", "dci", "cri", "ac", "ls", "adc", "ldc", "signed-mpt",
+                                   "atsc-usbd-gzip", "atsc-rsat", "atsc-video"}) {
+        kinds.push_back(MadeKind<SMessage>("mmt_message/" + seed, 0));
+    }
+    for (const std::string seed : {"pa-every-location", "mp-every-identifier", "mp-every-descriptor", "mpi", "si"}) {
+        kinds.push_back(MadeKind<STable>("mmt_table/" + seed, 0));
+    }
+    for (const std::string seed : {"video", "audio", "security", "captions", "dependencies", "mpu-timestamps"}) {
+        kinds.push_back(MadeKind<SDescriptor>("mmt_descriptors/" + seed, 2));
+    }
+    return kinds;
+}

@@ -1,0 +1,139 @@
+#include <numeric>
+#include <set>
+
+#include "common/CoreOS/PtrArray.h"
+#include "common/CoreOS/StringHash.h"
+#include "common/XML.h"
+#include "entries/Entries.h"
+#include "esg/ESGFragmentMap.h"
+#include "lls/ParseSystemTime.h"
+#include "lls/RRTMap.h"
+#include "support/Services.h"
+
+std::string Services(const CChannelMap& map)
+{
+    std::set<std::string> lines;
+    for (void* service : ServicesOf(const_cast<CChannelMap&>(map))) {
+        lines.insert(ShowService(const_cast<CChannelMap&>(map), service) + "\n");
+    }
+    return std::accumulate(lines.begin(), lines.end(), std::string());
+}
+
+namespace {
+
+const std::string k_long(100, 'x');
+char* const k_text = const_cast<char*>(k_long.c_str());
+
+bool Fill(CChannelMap& map, std::string& /*input*/)
+{
+    const CChannelMap::SCallback callback = {nullptr, [](void*, void*) {}};
+    std::string id, url, drm;
+    void* clone = nullptr;
+    void* service = map.AddService(nullptr, 1, 2, 3, 4, 5, 6, 7, true, nullptr);
+    const bool done = map.SetCallback(&callback) && service && map.SetServiceName(service, k_text, 50) &&
+                      map.SetGlobalServiceId(service, k_text, 60) && map.SetSvcInetUrl(service, k_text) &&
+                      map.GetGlobalServiceId(service, id) && map.GetSvcInetUrl(service, url) &&
+                      map.GetDrmSystemID(service, drm) && (clone = map.CloneService(service)) != nullptr;
+    return (!clone || map.DeleteClonedService(clone)) && done;
+}
+
+bool Fill(CRRTMap& map, std::string& /*input*/)
+{
+    return map.Add(1, 2) && map.SetRegionIdText(1, k_text, k_text) && map.SetDimension(1, 3, true) &&
+           map.SetDimTitle(1, k_text, k_text) && map.SetRatingVal(1, 4) && map.SetRatingValAbbrev(1, k_text, k_text) &&
+           map.SetRatingValStr(1, k_text, k_text);
+}
+
+std::string Digest(const CRRTMap& map)
+{
+    std::string found;
+    const_cast<CRRTMap&>(map).GetProgramRating(
+        1, 3, k_text, k_text, [](void* user, char* text) { *static_cast<std::string*>(user) = text; }, &found);
+    return found;
+}
+
+struct SXml : CXML {
+    bool Create()
+    {
+        static const std::string k_document =
+            "<!DOCTYPE r [<!ENTITY e 'entity'>]><r a='1&e;'><b xmlns='urn:b'>text<c/>&e;</b></r>";
+        return CXML::Create(k_document.data(), static_cast<int>(k_document.size()), false);
+    }
+};
+
+bool Write(SXml& xml, std::string& /*input*/)
+{
+    void* root = nullptr;
+    int size = 0;
+    const bool moved = xml.MoveRoot(&root);
+    const std::unique_ptr<char[]> text(moved ? xml.Content(root, nullptr) : nullptr);
+    const std::unique_ptr<char[]> all(xml.Dump(xml.Doc(), &size));
+    const std::unique_ptr<char[]> ns(moved ? xml.Ns(xml.MoveChild(root), nullptr) : nullptr);
+    return text && all && ns;
+}
+
+std::string Digest(const SXml& xml)
+{
+    void* root = nullptr;
+    xml.MoveRoot(&root);
+    return xml.getStringContent(root, nullptr) + xml.getStringProp(root, "a", nullptr);
+}
+
+struct SSignedTable : CParseSystemTime {
+    bool Create() { return true; }
+    void Destroy() override {}
+};
+
+bool Separate(SSignedTable& table, std::string& /*input*/)
+{
+    static const std::string k_table = "0123<r><CMSSignedData>" + k_long + "</CMSSignedData>" + k_long + "</r>";
+    std::string xml, cms;
+    return table.CheckCMS(reinterpret_cast<const unsigned char*>(k_table.data()), static_cast<int>(k_table.size()), xml,
+                          cms);
+}
+
+struct SContainers {
+    bool Create() { return hash.Create(7, 0xFFFFFFFF); }
+    void Destroy()
+    {
+        while (hash.SetPosition(CCStringHash::POS_HEAD, 0)) {
+            hash.Remove();
+        }
+        hash.Destroy();
+        array.RemoveAll();
+    }
+
+    CCPtrArray array{CCPtrArray::DummyCallback, nullptr};
+    CCStringHash hash;
+};
+
+bool Fill(SContainers& both, std::string& /*input*/)
+{
+    for (int i = both.array.Size(); i < 40; ++i) {
+        if (!both.array.Insert(0, &both) || (!both.hash.Find(k_text + i) && !both.hash.Add(k_text + i, ""))) {
+            return false;
+        }
+    }
+    return both.array.Set(50, &both) && both.array.Add(nullptr);
+}
+
+}  // namespace
+
+TEntryKinds StoreEntries()
+{
+    return {
+        EntryKind<CChannelMap>("channel map", 0, CreatePlainly<CChannelMap>, Fill, Services),
+        EntryKind<CRRTMap>("rating map", 0, CreatePlainly<CRRTMap>, Fill, Digest),
+        EntryKind<CESGFragmentMap>(
+            "fragment map", 0, CreatePlainly<CESGFragmentMap>,
+            [](CESGFragmentMap& map, std::string&) { return map.Add(k_text); },
+            [](const CESGFragmentMap& map) {
+                return std::to_string(const_cast<CESGFragmentMap&>(map).isExisted(k_text));
+            }),
+        EntryKind<SXml>("CXML", 0, CreatePlainly<SXml>, Write, Digest),
+        EntryKind<SSignedTable>("CheckCMS", 0, CreatePlainly<SSignedTable>, Separate,
+                                [](const SSignedTable&) { return std::string("none"); }),
+        EntryKind<SContainers>("containers", 0, CreatePlainly<SContainers>, Fill,
+                               [](const SContainers& both) { return std::to_string(both.array.Size()); }),
+    };
+}
