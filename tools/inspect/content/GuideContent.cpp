@@ -7,6 +7,7 @@
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
+#include "model/Content.h"
 
 namespace vyr::inspect {
 

@@ -15,6 +15,7 @@
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
 #include "esg/SGDUParse.h"
+#include "model/Content.h"
 
 namespace vyr::inspect {
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "content/GuideReader.h"
+#include "model/Report.h"
 #include "model/ServiceSession.h"
 
 namespace vyr::inspect {

@@ -54,6 +54,29 @@ std::string Title(const SLlsHeader& header)
            std::to_string(header.version) + " group " + std::to_string(header.groupId);
 }
 
+/// The attribute on whose account a service was dropped; null: none alone.
+const char* DropAttribute(CParseSLT::EDropReason reason)
+{
+    switch (reason) {
+        case CParseSLT::DROP_NO_PROTECTED:
+            return "protected";
+        case CParseSLT::DROP_NO_HIDDEN:
+            return "hidden";
+        case CParseSLT::DROP_NO_BROADBAND:
+        case CParseSLT::DROP_BROADBAND_UNSUPPORTED:
+            return "broadbandAccessRequired";
+        case CParseSLT::DROP_MAJOR_CHANNEL:
+            return "majorChannelNo";
+        case CParseSLT::DROP_MINOR_CHANNEL:
+            return "minorChannelNo";
+        case CParseSLT::DROP_DUPLICATE:
+        case CParseSLT::DROP_LIMIT:
+        case CParseSLT::DROP_GONE:
+            break;
+    }
+    return nullptr;
+}
+
 std::string DropText(const SParseSLT::SService& service, CParseSLT::EDropReason reason)
 {
     const auto range = [](int value) {

@@ -1,5 +1,6 @@
 #include "follow/MessageFollower.h"
 
+#include "base/Names.h"
 #include "base/Text.h"
 #include "content/LibraryPort.h"
 #include "content/MessageHead.h"

@@ -155,7 +155,7 @@ void CSlsFollower::m_Remember(const std::optional<TToi>& toi, const SObject& obj
 
 EDocumentStatus CSlsFollower::m_Compare(const SSlsText& text, SSlsDocument& document)
 {
-    const std::string shown = document.content ? document.content->headline + document.content->text : document.reason;
+    const std::string shown = document.content ? document.content.Shown() : document.reason;
     const SDocument now = {ContentHash(text.bytes),
                            ContentHash({reinterpret_cast<const unsigned char*>(shown.data()), shown.size()})};
     std::optional<SDocument>& last = m_documents[static_cast<std::size_t>(text.kind)];

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "base/Json.h"
 #include "base/Text.h"
 
 namespace vyr::inspect {

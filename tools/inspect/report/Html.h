@@ -2,8 +2,9 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
-#include "model/Report.h"
+#include "base/JsonFwd.h"
 
 namespace vyr::inspect {
 

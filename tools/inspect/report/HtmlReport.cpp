@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "content/MmtReader.h"
+#include "base/Names.h"
+#include "model/Content.h"
 #include "report/Html.h"
 #include "report/HtmlGuide.h"
 #include "report/HtmlStyle.h"

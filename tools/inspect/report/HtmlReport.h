@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "model/Guide.h"
-#include "model/Report.h"
+#include "model/ReportWriter.h"
 
 namespace vyr::inspect {
 
