@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "base/Bytes.h"
-#include "content/GuideContent.h"
+#include "content/GuideFragment.h"
+#include "model/OptionalContent.h"
 
 namespace vyr::inspect {
 

@@ -37,11 +37,6 @@ const char* Encoding(SView payload)
     return at < payload.size && payload[at] == '<' ? "XML" : "binary";
 }
 
-double Seconds(const STime& time)
-{
-    return static_cast<double>(time.seconds) + time.nanoseconds / 1e9;
-}
-
 unsigned Key(const SLlsHeader& header)
 {
     return unsigned{header.tableId} << 8 | header.groupId;

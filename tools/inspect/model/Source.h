@@ -12,6 +12,11 @@ struct STime {
     std::int32_t nanoseconds = 0;
 };
 
+constexpr double Seconds(const STime& time)
+{
+    return static_cast<double>(time.seconds) + time.nanoseconds / 1e9;
+}
+
 /// Where something stands in the input.
 struct SSource {
     std::string file;

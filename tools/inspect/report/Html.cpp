@@ -311,6 +311,11 @@ std::string HtmlHeader(const char* scope, const std::string& html)
     return std::string("<th scope=\"") + scope + "\">" + html + "</th>";
 }
 
+std::string HtmlBadge(const char* kind, const std::string& text)
+{
+    return std::string("<span class=\"badge ") + kind + "\">" + HtmlText(text) + "</span>";
+}
+
 std::string HtmlTable(const char* className, const std::vector<std::string>& titles, const std::string& rows)
 {
     std::string html = std::string("<div class=\"scroll\"><table class=\"") + className + "\"><thead><tr>";
