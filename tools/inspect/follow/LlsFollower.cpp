@@ -258,9 +258,7 @@ void CLlsFollower::m_Explain(const STable& table, SOutcome& outcome)
 void CLlsFollower::m_AddAssertions(const std::vector<SAssertion>& assertions, const STable& table, SOutcome& outcome)
 {
     for (const SAssertion& assertion : assertions) {
-        outcome.faults.push_back({EFault::ASSERTION,
-                                  "the library asserts \"" + assertion.expression + "\" at " + assertion.place,
-                                  table.source, table.header});
+        outcome.faults.push_back({EFault::ASSERTION, AssertionText(assertion), table.source, table.header});
     }
 }
 
@@ -276,13 +274,8 @@ EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SView payload, STable&
     const bool sameVersion = state.header.version == header.version;
     const bool sameCount = state.header.groupCountMinus1 == header.groupCountMinus1;
     state = {header, payload.size, hash, source.time};
-    if (isNew) {
-        return EStatus::NEW;
-    }
-    if (sameVersion && sameCount) {
-        return sameContent ? EStatus::REPEATED : EStatus::CHANGED_WITHOUT_VERSION;
-    }
-    return sameContent && !sameVersion ? EStatus::NEW_VERSION_SAME_CONTENT : EStatus::CHANGED;
+    // A table in another number of parts is another one.
+    return StatusOf(isNew, sameVersion && sameCount, sameContent && (sameCount || !sameVersion));
 }
 
 /// A parser object piles up the services of all its tables: each table has one of its own. Its
