@@ -28,6 +28,9 @@ if(VYR_HAS_DEBUG_CONTAINERS)
   list(APPEND vyr_standard_library VYR_DEBUG_CONTAINERS)
 endif()
 
+# A program is linked anew when a header of the library changed, not whenever its code did.
+set(CMAKE_LINK_DEPENDS_NO_SHARED ${VYR_DEVELOPER_MODE})
+
 if(VYR_SANITIZE)
   add_compile_options(-fsanitize=${VYR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
   add_link_options(-fsanitize=${VYR_SANITIZE})

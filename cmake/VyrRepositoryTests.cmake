@@ -26,4 +26,5 @@ if(NOT VYR_SANITIZE AND vyr_library_type STREQUAL "SHARED")
   add_test(NAME installed-tree
     COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-install ${PROJECT_BINARY_DIR} ${CMAKE_CXX_COMPILER})
   add_test(NAME installed-variants COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-builds ${CMAKE_CXX_COMPILER})
+  set_tests_properties(installed-tree installed-variants PROPERTIES LABELS fresh)  # scripts/test knows when
 endif()

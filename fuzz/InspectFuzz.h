@@ -7,6 +7,7 @@
 #include "Fuzz.h"
 #include "content/LibraryPort.h"
 #include "inspect/Markup.h"
+#include "model/Report.h"
 #include "report/HtmlReport.h"
 #include "report/JsonReport.h"
 #include "report/Output.h"

@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "Markup.h"
+#include "base/Json.h"
+#include "model/Content.h"
 #include "report/Html.h"
 #include "report/HtmlGuide.h"
 

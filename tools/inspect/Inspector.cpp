@@ -2,16 +2,14 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
-#include <fstream>
 #include <stdexcept>
 #include <vector>
 
 #include "base/Text.h"
+#include "content/Genres.h"
 #include "content/LibraryPort.h"
 #include "content/LlsTables.h"
 #include "content/MessageHead.h"
-#include "esg/GenreNameParse.h"
 #include "follow/GuideSessions.h"
 #include "follow/MessageFollower.h"
 #include "follow/MmtFollower.h"
@@ -49,27 +47,6 @@ bool IsMessageAndNoTable(SView bytes)
     const bool table = ParseTable({bytes[0], bytes[1], bytes[2], bytes[3]}, bytes).content.has_value();
     TakeAssertions();
     return !table;
-}
-
-/// Reads the names of the genres. The library passes over terms whose names stand on lines of their own, as
-/// they do in files made for people: white space between tags is left out.
-bool ReadGenres(const std::string& name)
-{
-    std::ifstream file(name, std::ios::binary);
-    std::string text;
-    std::size_t tag = std::string::npos;  // behind the last tag, when nothing but white space came since
-    for (char c; file.get(c);) {
-        if (c == '<' && tag != std::string::npos) {
-            text.resize(tag);
-        }
-        text += c;
-        tag = c == '>' ? text.size() : std::strchr(" \t\r\n", c) != nullptr ? tag : std::string::npos;
-    }
-    CGenreNameParse names;
-    names.Create();
-    const bool parsed = names.Parse(text.data(), static_cast<unsigned>(text.size()));
-    names.Destroy();
-    return parsed;
 }
 
 }  // namespace

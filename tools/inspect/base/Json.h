@@ -1,8 +1,11 @@
 #pragma once
 
+#include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
+#include <utility>
 
-#include "model/Report.h"
+#include "base/JsonFwd.h"
 
 namespace vyr::inspect {
 

@@ -1,6 +1,18 @@
 #include "base/Names.h"
 
+#include <cstdio>
+
 namespace vyr::inspect {
+
+const char* TableName(unsigned tableId)
+{
+    constexpr const char* k_names[] = {
+        nullptr, "SLT", "RRT", "SystemTime", "AEAT", "OnscreenMessageNotification", "CertificationData"};
+    if (tableId <= 6) {
+        return k_names[tableId];
+    }
+    return tableId == 0xFE ? "SignedMultiTable" : tableId == 0xFF ? "UserDefined" : nullptr;
+}
 
 const char* ServiceCategoryName(int category)
 {
@@ -92,26 +104,12 @@ const char* ComponentTypeName(unsigned componentType)
     return componentType <= 2 ? k_names[componentType] : nullptr;
 }
 
-const char* DropAttribute(CParseSLT::EDropReason reason)
+std::string MessageTitle(unsigned messageId)
 {
-    switch (reason) {
-        case CParseSLT::DROP_NO_PROTECTED:
-            return "protected";
-        case CParseSLT::DROP_NO_HIDDEN:
-            return "hidden";
-        case CParseSLT::DROP_NO_BROADBAND:
-        case CParseSLT::DROP_BROADBAND_UNSUPPORTED:
-            return "broadbandAccessRequired";
-        case CParseSLT::DROP_MAJOR_CHANNEL:
-            return "majorChannelNo";
-        case CParseSLT::DROP_MINOR_CHANNEL:
-            return "minorChannelNo";
-        case CParseSLT::DROP_DUPLICATE:
-        case CParseSLT::DROP_LIMIT:
-        case CParseSLT::DROP_GONE:
-            break;
-    }
-    return nullptr;
+    char number[16];
+    std::snprintf(number, sizeof number, "0x%04X", messageId);
+    const char* name = MessageName(messageId);
+    return name != nullptr ? std::string(name) + " (" + number + ')' : "message " + std::string(number);
 }
 
 }  // namespace vyr::inspect

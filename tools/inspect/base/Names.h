@@ -1,10 +1,11 @@
 #pragma once
 
-#include "lls/ParseSLT.h"
+#include <string>
 
 namespace vyr::inspect {
 
 /// Names of the numbers of the standards; null where a number has none.
+const char* TableName(unsigned tableId);
 const char* ServiceCategoryName(int category);
 const char* ProtocolName(int protocol);
 const char* UrlTypeName(int urlType);
@@ -15,7 +16,7 @@ const char* MessageName(unsigned messageId);
 const char* MmtTableName(unsigned tableId);
 const char* ContentTypeName(unsigned contentType);
 const char* ComponentTypeName(unsigned componentType);
-/// The attribute on whose account a service was dropped; null: none alone.
-const char* DropAttribute(CParseSLT::EDropReason reason);
+/// "MPT (0x0020)".
+std::string MessageTitle(unsigned messageId);
 
 }  // namespace vyr::inspect

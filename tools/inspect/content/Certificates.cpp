@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 
+#include "base/Json.h"
 #include "base/Text.h"
 
 namespace vyr::inspect {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "base/Json.h"
+#include "base/JsonFwd.h"
 
 namespace vyr::inspect {
 

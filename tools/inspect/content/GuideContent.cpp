@@ -1,12 +1,13 @@
 #include "content/GuideContent.h"
 
-#include <algorithm>
-
 #include "base/Json.h"
 #include "base/Text.h"
+#include "content/GuideFragment.h"
+#include "content/GuideValues.h"
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
+#include "model/Content.h"
 
 namespace vyr::inspect {
 
@@ -15,16 +16,6 @@ namespace {
 using TService = CESGServiceFragment::SESGServiceFragment;
 using TContent = CESGContentFragment::SESGContentFragment;
 using TSchedule = CESGScheduleFragment::SESGScheduleFragment;
-
-std::string Text(const TESGText& text)
-{
-    return text ? text.get() : "";
-}
-
-std::optional<std::int64_t> FromNtp(unsigned ntp)
-{
-    return ntp != 0 ? std::optional(NtpSeconds(ntp)) : std::nullopt;
-}
 
 std::string TimeText(const std::optional<std::int64_t>& time)
 {
@@ -87,11 +78,6 @@ TJson InLanguageJson(const TESGText& text, const TESGText& lang, const char* lan
     return json;
 }
 
-const TESGText& Shown(const CSpokenText::SSpokenText& text)
-{
-    return text.text && text.text[0] != '\0' ? text.text : text.content;
-}
-
 TJson SpeechJson(const CSpokenText::SSpeechInfo& speech)
 {
     TJson json = TJson::object();
@@ -112,34 +98,9 @@ TJson SpokenJson(const CSpokenText::SSpokenText& text)
     return json;
 }
 
-template <class TList>
-std::vector<SGuideText> SpokenTexts(const TList& list)
-{
-    std::vector<SGuideText> texts;
-    for (const auto& element : list) {
-        const CSpokenText::SSpokenText& state = *element->State();
-        if (const TESGText& shown = Shown(state); shown && shown[0] != '\0') {
-            texts.push_back({Text(state.lang), Text(shown)});
-        }
-    }
-    return texts;
-}
-
 TJson LanguageJson(const CLanguageTag::SLanguageTag& language)
 {
     return InLanguageJson(language.content, language.languageSDPTag, "languageSDPTag");
-}
-
-template <class TList>
-std::vector<std::string> Languages(const TList& list)
-{
-    std::vector<std::string> languages;
-    for (const auto& element : list) {
-        const CLanguageTag::SLanguageTag& state = *element->State();
-        const std::string tag = Text(state.languageSDPTag);
-        languages.push_back(tag.empty() ? Text(state.content) : tag);
-    }
-    return languages;
 }
 
 TJson GenreJson(const CGenre::SGenre& genre)
@@ -150,19 +111,6 @@ TJson GenreJson(const CGenre::SGenre& genre)
     PutText(json, "text", genre.content.get());
     PutText(json, "name", genre.name);
     return json;
-}
-
-std::vector<std::string> Genres(const TOwnedList<CGenre>& list)
-{
-    std::vector<std::string> genres;
-    for (const auto& element : list) {
-        const CGenre::SGenre& genre = *element->State();
-        const std::string text = genre.name != nullptr ? genre.name : Text(genre.content);
-        if (const std::string& shown = text.empty() ? Text(genre.href) : text; !shown.empty()) {
-            genres.push_back(shown);
-        }
-    }
-    return genres;
 }
 
 TJson RatingTextJson(const CContentAdvRatings::SRatingText& text)
@@ -187,32 +135,6 @@ TJson RatingsJson(const CContentAdvRatings::SContentAdvRatings& ratings)
         return entry;
     });
     return json;
-}
-
-/// Of each element what it says in words: its description, or the values of its dimensions.
-std::vector<std::string> Ratings(const TOwnedList<CContentAdvRatings>& list)
-{
-    std::vector<std::string> all;
-    for (const auto& element : list) {
-        const CContentAdvRatings::SContentAdvRatings& ratings = *element->State();
-        std::vector<std::string> texts;
-        for (const auto& description : ratings.ratingDescriptions) {
-            texts.push_back(Text(description.content));
-        }
-        if (Joined(texts).empty()) {
-            for (const auto& rating : ratings.ratings) {
-                const TESGText* value = &rating.ratingDimVal;
-                if (!rating.ratingValueStrings.empty()) {
-                    value = &rating.ratingValueStrings.front().content;
-                }
-                texts.push_back(Text(*value));
-            }
-        }
-        if (std::string text = Joined(texts); !text.empty()) {
-            all.push_back(std::move(text));
-        }
-    }
-    return all;
 }
 
 TJson ProfileJson(const CTargetUserProfile::STargetUserProfile& profile)
@@ -389,16 +311,6 @@ void PutContent(TJson& json, const TContent& state)
     }
 }
 
-SGuideWindow Window(const CPresentationWindow::SPresentationWindow& window)
-{
-    SGuideWindow times = {FromNtp(window.startTime != 0 ? window.startTime : window.startTimeElement),
-                          FromNtp(window.endTime != 0 ? window.endTime : window.endTimeElement)};
-    if (times.start && !times.end && window.duration != 0) {
-        times.end = *times.start + window.duration;
-    }
-    return times;
-}
-
 void PutSchedule(TJson& json, const TSchedule& state)
 {
     if (state.serviceRefId) {
@@ -420,60 +332,6 @@ void PutSchedule(TJson& json, const TSchedule& state)
         return entry;
     });
     PutStates(json, "TermsOfUse", state.termsOfUses, TermsJson);
-}
-
-std::vector<SGuideReference> References(const TSchedule& state)
-{
-    std::vector<SGuideReference> references;
-    for (const auto& element : state.contentRefs) {
-        const CScheduleContentRef::SScheduleContentRef& content = *element->State();
-        SGuideReference& reference = references.emplace_back();
-        reference.contentId = Text(content.idRef);
-        for (const auto& window : content.presentationWindows) {
-            reference.windows.push_back(Window(*window->State()));
-        }
-        if (reference.windows.empty()) {
-            reference.windows.emplace_back();
-        }
-    }
-    return references;
-}
-
-std::size_t Presentations(const TSchedule& state)
-{
-    std::size_t count = 0;
-    for (const auto& element : state.contentRefs) {
-        count += std::max<std::size_t>(element->State()->presentationWindows.size(), 1);
-    }
-    return count;
-}
-
-SGuideService Service(const TService& state)
-{
-    SGuideService service;
-    service.fragmentId = Text(state.id);
-    service.globalServiceId = Text(state.globalServiceID);
-    service.names = SpokenTexts(state.names);
-    service.descriptions = SpokenTexts(state.descriptions);
-    service.genres = Genres(state.genres);
-    if (state.serviceExt && state.serviceExt->State()->majorChannelNum != 0) {
-        service.majorChannelNo = state.serviceExt->State()->majorChannelNum;
-        service.minorChannelNo = state.serviceExt->State()->minorChannelNum;
-    }
-    return service;
-}
-
-SProgramme Programme(const TContent& state)
-{
-    SProgramme programme;
-    programme.contentId = Text(state.id);
-    programme.titles = SpokenTexts(state.names);
-    programme.descriptions = SpokenTexts(state.descriptions);
-    programme.genres = Genres(state.genres);
-    programme.ratings = Ratings(state.contentAdvRatings);
-    programme.audioLanguages = Languages(state.audioLanguages);
-    programme.textLanguages = Languages(state.textLanguages);
-    return programme;
 }
 
 std::string TitlesText(const std::vector<SGuideText>& titles)
@@ -600,41 +458,7 @@ std::string EntryText(const CDescriptorEntry::SDescriptorEntry& entry)
 
 }  // namespace
 
-const char* FragmentTypeName(unsigned type)
-{
-    constexpr const char* k_names[] = {nullptr,       "Service",          "Content",      "Schedule",
-                                       "Access",      "PurchaseItem",     "PurchaseData", "PurchaseChannel",
-                                       "PreviewData", "InteractivityData"};
-    return type < std::size(k_names) ? k_names[type] : nullptr;
-}
-
-SGuideFragment GuideFragment(unsigned type, const CESGFragmentBase& fragment)
-{
-    SGuideFragment held;
-    held.type = type;
-    const auto base = [&held](const SESGFragment& state) {
-        held.id = Text(state.id);
-        held.version = state.version;
-    };
-    if (type == 1) {
-        const TService& state = *static_cast<const CESGServiceFragment&>(fragment).State();
-        base(state);
-        held.service = Service(state);
-    } else if (type == 2) {
-        const TContent& state = *static_cast<const CESGContentFragment&>(fragment).State();
-        base(state);
-        held.serviceId = Text(state.serviceRefId);
-        held.programme = Programme(state);
-    } else {
-        const TSchedule& state = *static_cast<const CESGScheduleFragment&>(fragment).State();
-        base(state);
-        held.serviceId = Text(state.serviceRefId);
-        held.references = References(state);
-    }
-    return held;
-}
-
-SContent FragmentContent(unsigned type, const CESGFragmentBase& fragment)
+SContent FragmentContent(const SGuideFragment& held, const CESGFragmentBase& fragment)
 {
     SContent content;
     TJson& json = content.json;
@@ -646,25 +470,29 @@ SContent FragmentContent(unsigned type, const CESGFragmentBase& fragment)
         PutNtp(json, "validTo", state.validTo);
         PutText(json, "xmlns", state.ns.get());
         const std::string span = SpanText(state.validFrom, state.validTo);
-        content.headline = std::string(FragmentTypeName(type)) + ' ' + Printable(Text(state.id)) + " version " +
+        content.headline = std::string(FragmentTypeName(held.type)) + ' ' + Printable(held.id) + " version " +
                            std::to_string(state.version) + (span.empty() ? "" : ", valid " + span);
     };
-    if (type == 1) {
+    if (held.type == 1) {
         const TService& state = *static_cast<const CESGServiceFragment&>(fragment).State();
         base(state);
         PutService(json, state);
-        what = TitlesText(SpokenTexts(state.names));
-    } else if (type == 2) {
+        what = TitlesText(held.service.names);
+    } else if (held.type == 2) {
         const TContent& state = *static_cast<const CESGContentFragment&>(fragment).State();
         base(state);
         PutContent(json, state);
-        what = TitlesText(SpokenTexts(state.names));
+        what = TitlesText(held.programme.titles);
     } else {
         const TSchedule& state = *static_cast<const CESGScheduleFragment&>(fragment).State();
         base(state);
         PutSchedule(json, state);
+        std::size_t presentations = 0;
+        for (const SGuideReference& reference : held.references) {
+            presentations += reference.windows.size();
+        }
         what = "service " + (state.serviceRefId ? Printable(Text(state.serviceRefId)) : "-") + ", " +
-               Counted(Presentations(state), "presentation");
+               Counted(presentations, "presentation");
     }
     content.headline += what.empty() ? "" : ": " + what;
     return content;

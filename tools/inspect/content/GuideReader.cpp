@@ -10,11 +10,13 @@
 #include "base/Gunzip.h"
 #include "base/Json.h"
 #include "base/Text.h"
+#include "content/GuideContent.h"
 #include "content/LibraryPort.h"
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
 #include "esg/SGDUParse.h"
+#include "model/Content.h"
 
 namespace vyr::inspect {
 
@@ -120,18 +122,19 @@ TOwned<CESGFragmentBase> ParseFragment(unsigned type, SView text, std::string& r
     return nullptr;
 }
 
-void Hold(unsigned type, const CESGFragmentBase& fragment, SView text, SGuideRead& read)
+SGuideFragment& Hold(unsigned type, const CESGFragmentBase& fragment, SView text, SGuideRead& read)
 {
     SGuideFragment& held = read.fragments.emplace_back(GuideFragment(type, fragment));
     held.size = text.size;
     held.hash = ContentHash(text);
+    return held;
 }
 
-SContent OneFragment(unsigned type, const CESGFragmentBase& fragment)
+SContent OneFragment(const SGuideFragment& held, const CESGFragmentBase& fragment)
 {
-    SContent content = FragmentContent(type, fragment);
-    TJson json = {{"fragmentType", type}, {"fragmentTypeName", FragmentTypeName(type)}};
-    json[FragmentTypeName(type)] = std::move(content.json);
+    SContent content = FragmentContent(held, fragment);
+    TJson json = {{"fragmentType", held.type}, {"fragmentTypeName", FragmentTypeName(held.type)}};
+    json[FragmentTypeName(held.type)] = std::move(content.json);
     content.json = std::move(json);
     return content;
 }
@@ -215,11 +218,10 @@ class CUnitWalk {
         PutText(json, "fragmentTypeName", name);
         json["size"] = text.size;
         if (const CESGFragmentBase* fragment = m_Take(0, text)) {
-            SContent content = FragmentContent(type, *fragment);
+            SContent content = FragmentContent(Hold(type, *fragment, text, m_read), *fragment);
             json["parsed"] = true;
             json[name] = std::move(content.json);
             line += content.headline + '\n';
-            Hold(type, *fragment, text, m_read);
             return;
         }
         const std::string shown = name != nullptr ? name : "type " + std::to_string(type);
@@ -333,8 +335,7 @@ SGuideRead ReadGuideObject(EGuideObject kind, SView object, SView text)
         const unsigned type = FragmentType(RootName(text));
         std::string reason;
         if (const auto fragment = ParseFragment(type, text, reason)) {
-            read.content = OneFragment(type, *fragment);
-            Hold(type, *fragment, text, read);
+            read.content = OneFragment(Hold(type, *fragment, text, read), *fragment);
         } else {
             read.faults.push_back(reason);
         }

@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "base/Bytes.h"
-#include "content/GuideContent.h"
+#include "content/GuideFragment.h"
+#include "model/OptionalContent.h"
 
 namespace vyr::inspect {
 
@@ -23,7 +24,7 @@ std::optional<EGuideObject> GuideKind(SView bytes);
 
 /// An object of the guide, as the library reads it.
 struct SGuideRead {
-    std::optional<SContent> content;  ///< none: it did not parse
+    COptionalContent content;  ///< none: it did not parse
     std::vector<SGuideFragment> fragments;
     std::vector<std::string> faults;  ///< of fragments, and of the object when it did not parse
 };

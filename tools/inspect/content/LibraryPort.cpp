@@ -88,6 +88,11 @@ std::vector<SAssertion> TakeAssertions()
     return taken;
 }
 
+std::string AssertionText(const SAssertion& assertion)
+{
+    return "the library asserts \"" + assertion.expression + "\" at " + assertion.place;
+}
+
 }  // namespace vyr::inspect
 
 void _TCParserAssert(const char* expression, const char* file, unsigned line)

@@ -25,6 +25,8 @@ std::string Reason(const char* document = "");
 /// The first check that failed, such as "p_tbl->Parse(item) at src/mmt/msg/MMTMsgPa:90"; empty: none.
 std::string FailedStep();
 
+/// What a fault says of it, such as: the library asserts "doc" at src/common/XML:120.
+std::string AssertionText(const SAssertion& assertion);
 /// Assertions of the library since the last call; few are kept when there are very many.
 std::vector<SAssertion> TakeAssertions();
 

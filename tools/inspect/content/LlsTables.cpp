@@ -17,6 +17,7 @@
 #include "lls/ParseOnscreenNoti.h"
 #include "lls/ParseRRT.h"
 #include "lls/ParseSystemTime.h"
+#include "model/Content.h"
 
 namespace vyr::inspect {
 
@@ -379,40 +380,27 @@ void Read(const SLlsHeader& header, SView bytes, STableOutcome& outcome)
     parser.Destroy();
 }
 
-struct STableKind {
-    unsigned id;
-    const char* name;
-    void (*read)(const SLlsHeader& header, SView bytes, STableOutcome& outcome);  ///< null: not here
+struct STableReader {
+    unsigned tableId;
+    void (*read)(const SLlsHeader& header, SView bytes, STableOutcome& outcome);
 };
 
-constexpr STableKind k_tables[] = {{1, "SLT", nullptr},
-                                   {2, "RRT", Read<CParseRRT, ReadRrt>},
-                                   {3, "SystemTime", Read<CParseSystemTime, ReadSystemTime>},
-                                   {4, "AEAT", Read<CParseAEAT, ReadAeat>},
-                                   {5, "OnscreenMessageNotification", Read<CParseOnscreenNoti, ReadOnscreen>},
-                                   {6, "CertificationData", Read<CParseCDT, ReadCdt>},
-                                   {0xFE, "SignedMultiTable", ReadMultiTable},
-                                   {0xFF, "UserDefined", nullptr}};
+constexpr STableReader k_tables[] = {{2, Read<CParseRRT, ReadRrt>},   {3, Read<CParseSystemTime, ReadSystemTime>},
+                                     {4, Read<CParseAEAT, ReadAeat>}, {5, Read<CParseOnscreenNoti, ReadOnscreen>},
+                                     {6, Read<CParseCDT, ReadCdt>},   {0xFE, ReadMultiTable}};
 
-const STableKind* Find(unsigned tableId)
+const STableReader* Find(unsigned tableId)
 {
-    const auto* kind = std::find_if(std::begin(k_tables), std::end(k_tables),
-                                    [tableId](const STableKind& each) { return each.id == tableId; });
-    return kind != std::end(k_tables) ? kind : nullptr;
+    const auto* reader = std::find_if(std::begin(k_tables), std::end(k_tables),
+                                      [tableId](const STableReader& each) { return each.tableId == tableId; });
+    return reader != std::end(k_tables) ? reader : nullptr;
 }
 
 }  // namespace
 
-const char* TableName(unsigned tableId)
-{
-    const STableKind* kind = Find(tableId);
-    return kind ? kind->name : nullptr;
-}
-
 bool HasParser(unsigned tableId)
 {
-    const STableKind* kind = Find(tableId);
-    return kind && kind->read;
+    return Find(tableId) != nullptr;
 }
 
 STableOutcome ParseTable(const SLlsHeader& header, SView bytes)

@@ -1,6 +1,7 @@
 #include "content/MessageHead.h"
 
 #include "base/Gunzip.h"
+#include "base/Names.h"
 
 namespace vyr::inspect {
 
@@ -127,20 +128,11 @@ std::optional<SView> Atsc3Content(SView payload)
     return payload.From(at + 4).First(payload.Be32(at));
 }
 
-bool IsMessageStart(SView start)
-{
-    if (start.size < 2) {
-        return false;
-    }
-    const unsigned id = start.Be16(0);
-    return id <= 0x0020 || (id >= 0x0200 && id <= 0x020E) || id == k_atsc3Message || id == k_signedMessage;
-}
-
 bool IsMessageFile(SView bytes)
 {
     constexpr std::size_t k_padding = 16;
     SMessageHead head;
-    if (!IsMessageStart(bytes) || !ReadMessageHead(bytes, head) || !head.whole) {
+    if (!ReadMessageHead(bytes, head) || !head.whole || MessageName(head.id) == nullptr) {
         return false;
     }
     const bool maybeTable = head.id >> 8 == 2;

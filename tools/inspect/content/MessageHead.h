@@ -35,8 +35,6 @@ bool ReadMessageHead(SView bytes, SMessageHead& head);
 /// Content of an ATSC 3.0 message as it was sent; none: the payload ends before it does.
 std::optional<SView> Atsc3Content(SView payload);
 
-/// Whether a file that begins so may be a message: its id is a known one.
-bool IsMessageStart(SView start);
 /// Whether the bytes are one message of a known id and nothing, or padding of up to 16 bytes, behind it; no
 /// padding for the ids 0x0200 to 0x020E, which LLS tables of id 2 begin with, too.
 bool IsMessageFile(SView bytes);

@@ -20,6 +20,7 @@
 #include "mmt/table/MMTTblMpi.h"
 #include "mmt/table/MMTTblPa.h"
 #include "mmt/table/MMTTblSi.h"
+#include "model/Content.h"
 
 namespace vyr::inspect {
 
@@ -229,7 +230,7 @@ void ReadMpi(CMMTTblMpi& table, SContent& content)
         PutDescriptors(entry, std::string(k_indent) + "  ", item, content.text);
         if (IsMpd(type, document)) {
             std::string reason;
-            if (std::optional<SContent> mpd = ReadMpd(document, reason)) {
+            if (COptionalContent mpd = ReadMpd(document, reason)) {
                 content.text += k_indent + ("  MPD: " + mpd->headline) + '\n' + Indented(mpd->text, k_indent);
                 item["MPD"] = std::move(mpd->json);
             } else {

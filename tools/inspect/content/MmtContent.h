@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "base/Json.h"
+#include "base/JsonFwd.h"
 #include "mmt/desc/MMTDescLowDelay.h"
 
 class CMMTMsgPayload;
@@ -12,6 +12,8 @@ class CMMTTbl;
 class CMMTUsbd;
 
 namespace vyr::inspect {
+
+struct SContent;
 
 // What the tables and messages of MMT signalling say, in text and JSON.
 

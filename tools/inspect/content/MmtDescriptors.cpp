@@ -4,6 +4,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "base/Json.h"
 #include "base/Text.h"
 #include "content/MmtContent.h"
 #include "mmt/desc/MMTDescs.h"

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "base/Json.h"
+#include "base/JsonFwd.h"
 
 class CMMTDesc;
 

@@ -24,6 +24,7 @@
 #include "mmt/msg/MMTMsgPa.h"
 #include "mmt/msg/MMTMsgPayload.h"
 #include "mmt/msg/MMTMsgSmm.h"
+#include "model/Content.h"
 
 namespace vyr::inspect {
 
@@ -236,7 +237,7 @@ void CMessageReader::m_ReadMpd(const CMMTMsgAtsc3& message, SContent& content)
         },
         &document);
     std::string reason;
-    if (std::optional<SContent> mpd = ReadMpd(document, reason)) {
+    if (COptionalContent mpd = ReadMpd(document, reason)) {
         m_Add("MPD", "MPD", std::move(*mpd), content);
     } else {
         content.faults.push_back("MPD did not parse: " + (m_remarks.refusal.empty() ? reason : m_remarks.refusal));
@@ -317,14 +318,6 @@ void CountDescriptor(void* count, CMMTDesc* /*descriptor*/)
 }
 
 }  // namespace
-
-std::string MessageTitle(unsigned id)
-{
-    char number[16];
-    std::snprintf(number, sizeof number, "0x%04X", id);
-    const char* name = MessageName(id);
-    return name != nullptr ? std::string(name) + " (" + number + ')' : "message " + std::string(number);
-}
 
 SMessageOutcome ReadMessage(SView bytes)
 {

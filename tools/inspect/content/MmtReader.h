@@ -1,19 +1,20 @@
 #pragma once
 
-#include <optional>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "model/Report.h"
+#include "base/Bytes.h"
+#include "model/Fault.h"
+#include "model/OptionalContent.h"
 
 namespace vyr::inspect {
 
 /// What the library makes of an MMT signalling message.
 struct SMessageOutcome {
     bool supported = false;
-    std::optional<SContent> content;
+    COptionalContent content;
     std::string reason;  ///< why there is none
     std::vector<std::pair<EFault, std::string>> faults;
     std::set<unsigned> services;  ///< whose signalling it carries, where it says so
@@ -21,7 +22,5 @@ struct SMessageOutcome {
 
 /// Hands a whole message to its parser and reads what it found.
 SMessageOutcome ReadMessage(SView bytes);
-/// "MPT (0x0020)".
-std::string MessageTitle(unsigned id);
 
 }  // namespace vyr::inspect

@@ -12,6 +12,7 @@
 #include "mmt/desc/MMTName.h"
 #include "mmt/desc/MMTRouteComponent.h"
 #include "mmt/desc/MMTUsbd.h"
+#include "model/Content.h"
 
 namespace vyr::inspect {
 

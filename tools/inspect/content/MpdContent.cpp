@@ -5,6 +5,7 @@
 #include "base/Json.h"
 #include "base/Text.h"
 #include "content/LibraryPort.h"
+#include "model/Content.h"
 #include "route/SLS/MPD.h"
 
 namespace vyr::inspect {
@@ -362,16 +363,15 @@ SContent MpdContent(const SMPDInfo& mpd)
     return content;
 }
 
-std::optional<SContent> ReadMpd(const std::string& document, std::string& reason)
+COptionalContent ReadMpd(const std::string& document, std::string& reason)
 {
-    std::optional<SContent> content;
+    COptionalContent content;
     CMPD mpd;
     mpd.Create();
     const CMPD::SCallback callback = {
-        &content,
-        [](void* context, SMPDInfo* info) { *static_cast<std::optional<SContent>*>(context) = MpdContent(*info); },
+        &content, [](void* context, SMPDInfo* info) { *static_cast<COptionalContent*>(context) = MpdContent(*info); },
         [](void* context, const CMPD::TRatings& ratings) {
-            AddRatings({ratings.begin(), ratings.end()}, **static_cast<std::optional<SContent>*>(context));
+            AddRatings({ratings.begin(), ratings.end()}, **static_cast<COptionalContent*>(context));
         }};
     mpd.SetCallback(&callback);
     mpd.Parse(document.data(), static_cast<unsigned>(document.size()), false);

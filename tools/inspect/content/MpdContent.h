@@ -1,6 +1,8 @@
 #pragma once
 
-#include "model/Report.h"
+#include <string>
+
+#include "model/OptionalContent.h"
 #include "route/SLSManager.h"
 
 struct SMPDInfo;
@@ -11,7 +13,7 @@ namespace vyr::inspect {
 /// stands there again when it is short: texts beyond 64 bytes and segments stand where they are said.
 SContent MpdContent(const SMPDInfo& mpd);
 /// Parses an MPD; none: `reason` tells why.
-std::optional<SContent> ReadMpd(const std::string& document, std::string& reason);
+COptionalContent ReadMpd(const std::string& document, std::string& reason);
 /// Adds the ratings that the library reports of the whole MPD.
 void AddRatings(const CSLSManager::TRatings& ratings, SContent& content);
 

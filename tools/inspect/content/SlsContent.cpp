@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "common/RSAT.h"
 #include "content/PtrArrays.h"
+#include "model/Content.h"
 #include "route/SLS/ContentInfo.h"
 #include "route/SLS/ContentRating.h"
 #include "route/SLS/DeliveryMethod.h"

@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "base/JsonFwd.h"
 #include "common/ServiceLinkage.h"
-#include "model/Report.h"
 
 class CROUTEUsbd;
 class CRSAT;
@@ -11,6 +11,8 @@ class CSTSID;
 struct SEFDTInfo;
 
 namespace vyr::inspect {
+
+struct SContent;
 
 // What the documents of the service-layer signalling say, in text and JSON.
 SContent UsbdContent(const CROUTEUsbd& usbd);

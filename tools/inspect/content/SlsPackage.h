@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/Bytes.h"
-#include "model/Report.h"
+#include "model/Items.h"
 
 namespace vyr::inspect {
 

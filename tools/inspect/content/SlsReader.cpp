@@ -4,6 +4,7 @@
 #include "content/LibraryPort.h"
 #include "content/MpdContent.h"
 #include "content/SlsContent.h"
+#include "model/Content.h"
 #include "route/SLS/EFDT.h"
 #include "route/SLS/MPD.h"
 #include "route/SLS/ROUTEUsbd.h"

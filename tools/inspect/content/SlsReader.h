@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "content/SlsPackage.h"
-#include "model/Report.h"
+#include "model/Items.h"
 #include "model/ServiceSession.h"
 #include "route/SLSManager.h"
 
@@ -37,12 +37,12 @@ class CSlsReader {
     const CSTSID* Stsid() const { return m_manager ? m_manager->Stsid() : nullptr; }
 
   private:
-    std::optional<SContent>& m_Content(ESlsDocument kind) { return m_contents[static_cast<std::size_t>(kind)]; }
+    COptionalContent& m_Content(ESlsDocument kind) { return m_contents[static_cast<std::size_t>(kind)]; }
 
     const TStsidListener m_stsidListener;
     CSLSManager::SSessionInfo m_session{};
     std::unique_ptr<CSLSManager> m_manager;
-    std::array<std::optional<SContent>, k_slsDocuments> m_contents;  ///< of the package being read
+    std::array<COptionalContent, k_slsDocuments> m_contents;  ///< of the package being read
     std::optional<unsigned> m_usbdService;
 };
 

@@ -201,9 +201,8 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SView object,
         report.tsi = place->tsi;
         report.toi = place->toi;
         report.contentLocation = place->contentLocation;
-        const auto known = m_objects.find({place->session, place->tsi, place->toi});
-        if (known != m_objects.end()) {
-            before = known->second;
+        if (const SObject* known = m_objects.Find({place->session, place->tsi, place->toi})) {
+            before = *known;
         }
         if (before.size == now.size && before.hash == now.hash) {
             return m_Repeated(before, report);
@@ -253,8 +252,7 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SView object,
     }
     m_MakeRoom(source);
     for (const SAssertion& assertion : TakeAssertions()) {
-        m_Fault(EFault::ASSERTION, "the library asserts \"" + assertion.expression + "\" at " + assertion.place, place,
-                source);
+        m_Fault(EFault::ASSERTION, AssertionText(assertion), place, source);
     }
     m_CountSent(now);
     return true;
@@ -286,35 +284,27 @@ bool CGuideFollower::m_Repeated(const SObject& known, SGuideObject& object)
 EStatus CGuideFollower::m_Remember(const SGuidePlace& place, const SObject& now)
 {
     const TObject key = {place.session, place.tsi, place.toi};
-    const auto [entry, isNew] = m_objects.try_emplace(key);
-    EStatus status = isNew ? EStatus::NEW : EStatus::CHANGED_WITHOUT_VERSION;
-    if (isNew) {
-        m_objectOrder.push_back(key);
-    } else if (entry->second.contentLocation != now.contentLocation) {
-        m_ForgetFile(key);
+    const SObject* known = m_objects.Find(key);
+    EStatus status = known == nullptr ? EStatus::NEW : EStatus::CHANGED_WITHOUT_VERSION;
+    if (known != nullptr && known->contentLocation != now.contentLocation) {
+        m_ForgetFile(key, *known);
     }
-    entry->second = now;
     if (!place.contentLocation.empty()) {
         const auto [file, isFirst] = m_files.try_emplace({place.session, place.contentLocation}, key);
-        if (isNew && !isFirst) {
-            const SObject& last = m_objects.at(file->second);
-            const bool same = last.textSize == now.textSize && last.textHash == now.textHash;
-            status = same ? EStatus::NEW_VERSION_SAME_CONTENT : EStatus::CHANGED;
+        if (known == nullptr && !isFirst) {
+            const SObject& last = *m_objects.Find(file->second);
+            status = StatusOf(false, false, last.textSize == now.textSize && last.textHash == now.textHash);
         }
         file->second = key;
     }
-    if (m_objectOrder.size() > k_maxObjects) {
-        m_ForgetFile(m_objectOrder.front());
-        m_objects.erase(m_objectOrder.front());
-        m_objectOrder.pop_front();
-    }
+    m_objects.Hold(key, [this](const TObject& oldest, const SObject& object) { m_ForgetFile(oldest, object); }) = now;
     return status;
 }
 
 /// The object is the latest of its file no longer.
-void CGuideFollower::m_ForgetFile(const TObject& key)
+void CGuideFollower::m_ForgetFile(const TObject& key, const SObject& object)
 {
-    const auto file = m_files.find({std::get<0>(key), m_objects.at(key).contentLocation});
+    const auto file = m_files.find({std::get<0>(key), object.contentLocation});
     if (file != m_files.end() && file->second == key) {
         m_files.erase(file);
     }

@@ -10,7 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/BoundedMap.h"
 #include "content/GuideReader.h"
+#include "model/Report.h"
 #include "model/ServiceSession.h"
 
 namespace vyr::inspect {
@@ -76,7 +78,7 @@ class CGuideFollower {
     bool m_Repeated(const SObject& known, SGuideObject& object);
     void m_CountSent(const SObject& object);
     EStatus m_Remember(const SGuidePlace& place, const SObject& now);
-    void m_ForgetFile(const TObject& key);
+    void m_ForgetFile(const TObject& key, const SObject& object);
     void m_Hold(SGuideFragment&& fragment, const std::optional<SGuidePlace>& place, const SSource& source);
     void m_MakeRoom(const SSource& source);
     void m_Show(const SSource& source);
@@ -85,8 +87,7 @@ class CGuideFollower {
 
     CReport& m_report;
     const SGuideLimits m_limits;
-    std::map<TObject, SObject> m_objects;
-    std::list<TObject> m_objectOrder;                                ///< of m_objects, oldest first
+    CBoundedMap<TObject, SObject> m_objects{k_maxObjects};
     std::map<std::pair<std::string, std::string>, TObject> m_files;  ///< latest object, by session and location
     std::map<TFragment, SHeld> m_fragments;
     std::list<TFragment> m_order;  ///< of m_fragments, oldest first

@@ -37,11 +37,6 @@ const char* Encoding(SView payload)
     return at < payload.size && payload[at] == '<' ? "XML" : "binary";
 }
 
-double Seconds(const STime& time)
-{
-    return static_cast<double>(time.seconds) + time.nanoseconds / 1e9;
-}
-
 unsigned Key(const SLlsHeader& header)
 {
     return unsigned{header.tableId} << 8 | header.groupId;
@@ -52,6 +47,29 @@ std::string Title(const SLlsHeader& header)
     const char* name = TableName(header.tableId);
     return (name != nullptr ? std::string(name) : "table " + std::to_string(header.tableId)) + " version " +
            std::to_string(header.version) + " group " + std::to_string(header.groupId);
+}
+
+/// The attribute on whose account a service was dropped; null: none alone.
+const char* DropAttribute(CParseSLT::EDropReason reason)
+{
+    switch (reason) {
+        case CParseSLT::DROP_NO_PROTECTED:
+            return "protected";
+        case CParseSLT::DROP_NO_HIDDEN:
+            return "hidden";
+        case CParseSLT::DROP_NO_BROADBAND:
+        case CParseSLT::DROP_BROADBAND_UNSUPPORTED:
+            return "broadbandAccessRequired";
+        case CParseSLT::DROP_MAJOR_CHANNEL:
+            return "majorChannelNo";
+        case CParseSLT::DROP_MINOR_CHANNEL:
+            return "minorChannelNo";
+        case CParseSLT::DROP_DUPLICATE:
+        case CParseSLT::DROP_LIMIT:
+        case CParseSLT::DROP_GONE:
+            break;
+    }
+    return nullptr;
 }
 
 std::string DropText(const SParseSLT::SService& service, CParseSLT::EDropReason reason)
@@ -240,9 +258,7 @@ void CLlsFollower::m_Explain(const STable& table, SOutcome& outcome)
 void CLlsFollower::m_AddAssertions(const std::vector<SAssertion>& assertions, const STable& table, SOutcome& outcome)
 {
     for (const SAssertion& assertion : assertions) {
-        outcome.faults.push_back({EFault::ASSERTION,
-                                  "the library asserts \"" + assertion.expression + "\" at " + assertion.place,
-                                  table.source, table.header});
+        outcome.faults.push_back({EFault::ASSERTION, AssertionText(assertion), table.source, table.header});
     }
 }
 
@@ -258,13 +274,8 @@ EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SView payload, STable&
     const bool sameVersion = state.header.version == header.version;
     const bool sameCount = state.header.groupCountMinus1 == header.groupCountMinus1;
     state = {header, payload.size, hash, source.time};
-    if (isNew) {
-        return EStatus::NEW;
-    }
-    if (sameVersion && sameCount) {
-        return sameContent ? EStatus::REPEATED : EStatus::CHANGED_WITHOUT_VERSION;
-    }
-    return sameContent && !sameVersion ? EStatus::NEW_VERSION_SAME_CONTENT : EStatus::CHANGED;
+    // A table in another number of parts is another one.
+    return StatusOf(isNew, sameVersion && sameCount, sameContent && (sameCount || !sameVersion));
 }
 
 /// A parser object piles up the services of all its tables: each table has one of its own. Its

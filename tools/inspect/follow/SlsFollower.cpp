@@ -19,7 +19,7 @@ std::string Title(const TToi& toi)
 }  // namespace
 
 CSlsFollower::CSlsFollower(const SFollowed& followed, CReport& report, TStsidListener stsidListener)
-    : m_followed(followed), m_report(report), m_reader(followed.session, std::move(stsidListener))
+    : CFollower(followed, report, ""), m_reader(followed.session, std::move(stsidListener))
 {
 }
 
@@ -27,15 +27,15 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
 {
     SSignalling signalling;
     signalling.source = source;
-    signalling.session = m_followed.name;
-    signalling.services = m_followed.Shown();
+    signalling.session = t_followed.name;
+    signalling.services = t_followed.Shown();
     signalling.toi = toi;
     signalling.size = object.size;
     signalling.gzip = IsGzip(object);
     SObject now = {object.size, ContentHash(object), 0};
-    const auto known = toi ? m_objects.find(*toi) : m_objects.end();
-    const bool sameToi = known != m_objects.end();
-    const SObject before = sameToi ? known->second : SObject{};
+    const SObject* known = toi ? m_objects.Find(*toi) : nullptr;
+    const bool sameToi = known != nullptr;
+    const SObject before = sameToi ? *known : SObject{};
     if (sameToi && before.size == now.size && before.hash == now.hash && !m_readAgain) {
         return m_Repeated(signalling);
     }
@@ -43,7 +43,9 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     const bool whole = !signalling.gzip || Gunzip(object, k_maxPackage, inflated);
     const SView text = signalling.gzip ? SView{inflated.data(), inflated.size()} : object;
     now.textHash = whole ? ContentHash(text) : 0;
-    m_Remember(toi, now);
+    if (toi) {
+        m_objects.Hold(*toi) = now;
+    }
     if (!whole) {
         return m_NotRead(toi, " does not inflate, or is larger than 8 MiB", source);
     }
@@ -65,17 +67,17 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     signalling.documents = m_reader.Read(text, texts);
     signalling.status = m_Status(texts, signalling.documents, sameToi);
     if (m_reader.UsbdService()) {
-        m_usbdServices.insert(*m_reader.UsbdService());
+        t_services.insert(*m_reader.UsbdService());
     }
-    m_report.Signalling(signalling);
+    t_report.Signalling(signalling);
     if (sameToi) {
-        m_Fault(EFault::CHANGED_WITHOUT_VERSION,
+        t_Fault(EFault::CHANGED_WITHOUT_VERSION,
                 Title(*toi) + " changed without a new TOI (" + Counted(now.size, "byte") + ", before " +
                     std::to_string(before.size) + ')',
                 source);
     }
     if (!envelopeReason.empty()) {
-        m_Fault(EFault::DOCUMENT_NOT_PARSED, "metadataEnvelope did not parse: " + envelopeReason, source);
+        t_Fault(EFault::DOCUMENT_NOT_PARSED, "metadataEnvelope did not parse: " + envelopeReason, source);
     }
     m_DocumentFaults(signalling.documents, source);
     return true;
@@ -84,7 +86,7 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
 bool CSlsFollower::m_Repeated(SSignalling& signalling)
 {
     signalling.status = EStatus::REPEATED;
-    m_report.Signalling(signalling);
+    t_report.Signalling(signalling);
     return true;
 }
 
@@ -98,12 +100,9 @@ EStatus CSlsFollower::m_Status(const std::vector<SSlsText>& texts, std::vector<S
         documents[i].status = status;
         allNew = allNew && status == EDocumentStatus::NEW;
         allUnchanged = allUnchanged && status == EDocumentStatus::UNCHANGED;
-        m_parsed = m_parsed || documents[i].content.has_value();
+        t_parsed = t_parsed || documents[i].content.has_value();
     }
-    if (sameToi) {
-        return EStatus::CHANGED_WITHOUT_VERSION;
-    }
-    return allNew ? EStatus::NEW : allUnchanged ? EStatus::NEW_VERSION_SAME_CONTENT : EStatus::CHANGED;
+    return sameToi ? EStatus::CHANGED_WITHOUT_VERSION : StatusOf(allNew, false, allUnchanged);
 }
 
 /// A broken document that stays as it is is told of once.
@@ -111,51 +110,22 @@ void CSlsFollower::m_DocumentFaults(const std::vector<SSlsDocument>& documents, 
 {
     for (const SSlsDocument& document : documents) {
         if (!document.content && document.status != EDocumentStatus::UNCHANGED) {
-            m_Fault(EFault::DOCUMENT_NOT_PARSED,
+            t_Fault(EFault::DOCUMENT_NOT_PARSED,
                     std::string(DocumentName(document.kind)) + " did not parse: " + document.reason, source);
         }
     }
-    for (const SAssertion& assertion : TakeAssertions()) {
-        m_Fault(EFault::ASSERTION, "the library asserts \"" + assertion.expression + "\" at " + assertion.place,
-                source);
-    }
+    t_AddAssertions(source);
 }
 
 bool CSlsFollower::Has(const TToi& toi, const std::optional<std::uint64_t>& size) const
 {
-    const auto known = m_objects.find(toi);
-    return known != m_objects.end() && (!size || *size == known->second.size);
-}
-
-std::string CSlsFollower::Missing(unsigned serviceId) const
-{
-    if (m_usbdServices.empty() || m_usbdServices.count(serviceId) != 0) {
-        return {};
-    }
-    const std::size_t others = m_usbdServices.size() - 1;
-    return "the signalling on " + m_followed.name + " is of service " + std::to_string(*m_usbdServices.begin()) +
-           (others != 0 ? " and " + std::to_string(others) + " more" : "");
-}
-
-void CSlsFollower::m_Remember(const std::optional<TToi>& toi, const SObject& object)
-{
-    if (!toi) {
-        return;
-    }
-    const auto [entry, isNew] = m_objects.try_emplace(*toi);
-    entry->second = object;
-    if (isNew) {
-        m_order.push_back(*toi);
-    }
-    if (m_order.size() > k_maxObjects) {
-        m_objects.erase(m_order.front());
-        m_order.pop_front();
-    }
+    const SObject* known = m_objects.Find(toi);
+    return known != nullptr && (!size || *size == known->size);
 }
 
 EDocumentStatus CSlsFollower::m_Compare(const SSlsText& text, SSlsDocument& document)
 {
-    const std::string shown = document.content ? document.content->headline + document.content->text : document.reason;
+    const std::string shown = document.content ? document.content.Shown() : document.reason;
     const SDocument now = {ContentHash(text.bytes),
                            ContentHash({reinterpret_cast<const unsigned char*>(shown.data()), shown.size()})};
     std::optional<SDocument>& last = m_documents[static_cast<std::size_t>(text.kind)];
@@ -167,17 +137,11 @@ EDocumentStatus CSlsFollower::m_Compare(const SSlsText& text, SSlsDocument& docu
     return status;
 }
 
-void CSlsFollower::m_Fault(EFault code, const std::string& message, const SSource& source)
-{
-    m_lastFault = message;
-    m_report.Fault(m_followed.Fault(code, message, source));
-}
-
 /// Of a raw file, its reader tells.
 bool CSlsFollower::m_NotRead(const std::optional<TToi>& toi, const char* why, const SSource& source)
 {
     if (toi) {
-        m_Fault(EFault::OBJECT_NOT_READ, Title(*toi) + why, source);
+        t_Fault(EFault::OBJECT_NOT_READ, Title(*toi) + why, source);
     }
     return false;
 }

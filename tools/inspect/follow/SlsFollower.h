@@ -2,21 +2,17 @@
 
 #include <array>
 #include <cstdint>
-#include <list>
-#include <map>
 #include <optional>
-#include <set>
-#include <string>
 #include <vector>
 
+#include "base/BoundedMap.h"
 #include "content/SlsReader.h"
-#include "model/Report.h"
-#include "model/ServiceSession.h"
+#include "follow/Follower.h"
 
 namespace vyr::inspect {
 
 /// Follows the signalling of one ROUTE session, object by object: tells of each what is new about it.
-class CSlsFollower {
+class CSlsFollower : public CFollower {
   public:
     static constexpr std::size_t k_maxPackage = 8388608;  ///< bytes of an inflated object
 
@@ -30,12 +26,6 @@ class CSlsFollower {
     bool Take(const std::optional<TToi>& toi, SView object, const SSource& source);
     /// Whether an object of this TOI and length has come whole.
     bool Has(const TToi& toi, const std::optional<std::uint64_t>& size) const;
-    /// Whether any document has parsed.
-    bool Signals() const { return m_parsed; }
-    /// Why what has parsed does not signal the service; empty: it does.
-    std::string Missing(unsigned serviceId) const;
-    /// What was wrong last.
-    const std::string& LastFault() const { return m_lastFault; }
     /// Lets go of what the library holds for the session.
     void Release() { m_reader.Release(); }
     bool Holds() const { return m_reader.Holds(); }
@@ -60,20 +50,12 @@ class CSlsFollower {
     bool m_Repeated(SSignalling& signalling);
     EStatus m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, bool sameToi);
     void m_DocumentFaults(const std::vector<SSlsDocument>& documents, const SSource& source);
-    void m_Remember(const std::optional<TToi>& toi, const SObject& object);
     EDocumentStatus m_Compare(const SSlsText& text, SSlsDocument& document);
-    void m_Fault(EFault code, const std::string& message, const SSource& source);
     bool m_NotRead(const std::optional<TToi>& toi, const char* why, const SSource& source);
 
-    const SFollowed& m_followed;
-    CReport& m_report;
     CSlsReader m_reader;
-    std::map<TToi, SObject> m_objects;
-    std::list<TToi> m_order;  ///< of m_objects, oldest first
+    CBoundedMap<TToi, SObject> m_objects{k_maxObjects};
     std::array<std::optional<SDocument>, k_slsDocuments> m_documents;
-    std::set<unsigned> m_usbdServices;
-    std::string m_lastFault;
-    bool m_parsed = false;
     bool m_readAgain = false;
 };
 

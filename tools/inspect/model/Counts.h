@@ -21,6 +21,18 @@ constexpr const char* StatusName(EStatus status)
     return k_names[static_cast<std::size_t>(status)];
 }
 
+/// What is new about something against the last one of its kind, if there was one.
+constexpr EStatus StatusOf(bool isNew, bool sameVersion, bool sameContent)
+{
+    if (isNew) {
+        return EStatus::NEW;
+    }
+    if (sameVersion) {
+        return sameContent ? EStatus::REPEATED : EStatus::CHANGED_WITHOUT_VERSION;
+    }
+    return sameContent ? EStatus::NEW_VERSION_SAME_CONTENT : EStatus::CHANGED;
+}
+
 /// How many came of each status.
 struct SStatusCounts : std::array<std::uint64_t, k_statuses> {
     SStatusCounts() : array{} {}

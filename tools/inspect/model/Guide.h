@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "model/Report.h"
+#include "model/Items.h"
 
 namespace vyr::inspect {
 
@@ -65,7 +65,7 @@ struct SGuideObject {
     EStatus status = EStatus::NEW;
     std::size_t size = 0;  ///< bytes as they were sent
     bool gzip = false;
-    std::optional<SContent> content;  ///< none: it did not parse
+    COptionalContent content;  ///< none: it did not parse
 };
 
 /// "SGDU", "ServiceGuideDeliveryDescriptor", "SGResponse" or "fragment".

@@ -1,45 +1,8 @@
 #include "model/Report.h"
 
-#include <iterator>
-
 #include "model/Guide.h"
 
 namespace vyr::inspect {
-
-const char* FaultName(EFault code)
-{
-    static_assert(std::size(k_faultNames) == static_cast<std::size_t>(EFault::GUIDE_TOO_LARGE) + 1);
-    return k_faultNames[static_cast<std::size_t>(code)];
-}
-
-const char* DocumentName(ESlsDocument kind)
-{
-    constexpr const char* k_names[] = {"BundleDescriptionROUTE", "S-TSID", "EFDT", "MPD",
-                                       "ApplicationList",        "HELD",   "RSAT"};
-    return k_names[static_cast<std::size_t>(kind)];
-}
-
-const char* DocumentStatusName(EDocumentStatus status)
-{
-    constexpr const char* k_names[] = {"new", "changed", "unchanged"};
-    return k_names[static_cast<std::size_t>(status)];
-}
-
-const char* GuideObjectName(EGuideObject kind)
-{
-    constexpr const char* k_names[] = {"SGDU", "ServiceGuideDeliveryDescriptor", "SGResponse", "fragment"};
-    return k_names[static_cast<std::size_t>(kind)];
-}
-
-bool IsInputFault(EFault code)
-{
-    return code <= EFault::INPUT_TOO_LARGE;
-}
-
-std::string ServiceListName(const std::string& stream, unsigned groupId)
-{
-    return (stream.empty() ? std::string() : stream + ' ') + "group " + std::to_string(groupId);
-}
 
 CReport::CReport(IReportWriter& writer, bool quiet, IReportWriter* page)
     : m_writer(writer), m_page(page), m_quiet(quiet)

@@ -6,7 +6,7 @@
 #include <tuple>
 #include <vector>
 
-#include "model/Report.h"
+#include "model/Fault.h"
 
 namespace vyr::inspect {
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "base/Json.h"
 #include "base/Text.h"
 
 namespace vyr::inspect {
@@ -308,6 +309,11 @@ std::string HtmlIsolated(const std::string& text, const std::string& lang)
 std::string HtmlHeader(const char* scope, const std::string& html)
 {
     return std::string("<th scope=\"") + scope + "\">" + html + "</th>";
+}
+
+std::string HtmlBadge(const char* kind, const std::string& text)
+{
+    return std::string("<span class=\"badge ") + kind + "\">" + HtmlText(text) + "</span>";
 }
 
 std::string HtmlTable(const char* className, const std::vector<std::string>& titles, const std::string& rows)

@@ -2,8 +2,9 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
-#include "model/Report.h"
+#include "base/JsonFwd.h"
 
 namespace vyr::inspect {
 
@@ -16,6 +17,8 @@ std::string HtmlClipped(const std::string& text, std::size_t bytes);
 std::string HtmlIsolated(const std::string& text, const std::string& lang = {});
 /// "<th scope=...>...</th>" for a cell that heads its row or column; `html` is markup.
 std::string HtmlHeader(const char* scope, const std::string& html);
+/// The text as a badge of a class of the style: "good", "bad" or none.
+std::string HtmlBadge(const char* kind, const std::string& text);
 /// A table that scrolls in a container of its own; the titles are texts, the rows markup.
 std::string HtmlTable(const char* className, const std::vector<std::string>& titles, const std::string& rows);
 /// Any JSON object as markup: its values as a list of definitions, lists of flat objects as tables, what is

@@ -1,94 +1,24 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <map>
-#include <optional>
 #include <string>
-#include <tuple>
 #include <vector>
 
-#include "model/Guide.h"
-#include "model/Report.h"
+#include "report/PageModel.h"
 
 namespace vyr::inspect {
 
-/// The report as one page of HTML, complete in itself. Holds, within limits, what stood last, and lists of
-/// what changed and of what is wrong.
-class CHtmlReport : public IReportWriter {
+/// The report as one page of HTML, complete in itself, made at the summary of what the model holds.
+class CHtmlReport : public CPageModel {
   public:
     /// With `localTime`, the times of the guide are those of the machine's time zone.
-    explicit CHtmlReport(bool localTime = false) : m_localTime(localTime) {}
+    explicit CHtmlReport(bool localTime = false) : CPageModel(localTime) {}
 
-    void Table(const STable& table) override;
-    void Signalling(const SSignalling& signalling) override;
-    void Message(const SMessage& message) override;
-    void GuideObject(const SGuideObject& object) override;
-    void Guide(const SGuide& guide) override;
-    void Fault(const SFault& fault) override;
     void Summary(const SSummary& summary) override;
 
     /// The page; empty before the summary.
     const std::string& Page() const { return m_page; }
 
   private:
-    /// What is held of each kind: the list, and how many more there were.
-    template <class TItem>
-    struct SList {
-        std::vector<TItem> items;
-        std::uint64_t more = 0;
-    };
-    using TKey = std::tuple<std::size_t, std::string, std::string>;  ///< file, stream or session, what in it
-    /// A part of the page that is replaced by its next version: markup, and where it came from.
-    struct SPart {
-        std::string title;  ///< markup
-        SSource source;
-        std::string html;
-        std::uint64_t versions = 0;
-    };
-    struct SListed {
-        unsigned id = 0;
-        std::string session;  ///< that signals it; empty: none
-        std::string title;    ///< markup, as the two that follow
-        std::string cells;
-        std::string html;
-    };
-    struct SServiceList {
-        std::string name;
-        std::string title;
-        SSource source;
-        std::vector<SListed> services;
-        std::size_t bytes = 0;
-    };
-    struct SSession {
-        std::map<std::vector<unsigned>, SPart> parts;  ///< each kind of document, the envelope, and each message
-    };
-    struct SAlert {
-        SPart part;
-        TKey table;
-        bool current = true;  ///< the last version of its table has it
-    };
-    struct SLine {
-        SSource source;
-        std::string html;
-    };
-
-    static constexpr std::size_t k_mostBytes = 33554432;  ///< of markup that is held
-    static constexpr std::size_t k_mostParts = 4096;      ///< of each kind
-    static constexpr std::size_t k_mostLines = 1000;
-
-    template <class TMap>
-    typename TMap::mapped_type* m_Find(TMap& map, const typename TMap::key_type& key);
-    void m_Hold(std::string& slot, std::string html);
-    void m_Hold(SPart& part, const std::string& title, const SSource& source, std::string html);
-    void m_Add(SList<SLine>& list, const SSource& source, const std::string& html);
-    /// Notes what an item says of the input as a whole; gives the number of its file.
-    std::size_t m_See(const SSource& source);
-    SPart* m_Part(SSession& session, const std::vector<unsigned>& key);
-    void m_Slt(const STable& table, const TKey& key);
-    void m_Alerts(const STable& table, const TKey& key);
-    void m_Certificates(const STable& table, const TKey& key);
-
     std::string m_Where(const SSource& source) const;
     std::string m_Fold(const SPart& part, const char* attributes) const;
     std::string m_Lines(const SList<SLine>& list, const std::vector<std::string>& titles) const;
@@ -96,33 +26,16 @@ class CHtmlReport : public IReportWriter {
     std::string m_Overview(const SSummary& summary) const;
     std::string m_Services() const;
     std::string m_Guide() const;
-    std::string m_AlertList() const;
+    std::string m_Alerts() const;
     std::string m_Signalling() const;
     std::string m_Tables() const;
-    std::string m_CertificateList() const;
+    std::string m_Certificates() const;
     std::string m_Problems(const SSummary& summary) const;
     std::string m_Documents(const SSession& session) const;
 
     /// Why the service is not signalled; empty: nothing is missing of it.
     std::string m_Missing(const TKey& key, const SServiceList& list, const SListed& service) const;
 
-    const bool m_localTime;
-    std::vector<std::string> m_files;  ///< in the order in which they came
-    std::optional<STime> m_first;
-    std::optional<STime> m_last;
-    std::map<TKey, SServiceList> m_lists;
-    std::map<TKey, SPart> m_tables;
-    std::map<TKey, SPart> m_certificates;
-    std::map<TKey, SAlert> m_alerts;
-    std::map<TKey, SSession> m_sessions;
-    std::size_t m_sessionParts = 0;  ///< of all of them
-    std::map<TKey, SPart> m_guideObjects;
-    std::map<std::size_t, std::string> m_guides;  ///< by file
-    std::map<TKey, std::string> m_missing;        ///< why a service is not signalled, by its list and id
-    SList<SLine> m_changes;
-    SList<SLine> m_faults;
-    std::size_t m_bytes = 0;
-    std::uint64_t m_left = 0;  ///< parts beyond the limits
     std::string m_page;
 };
 

@@ -2,12 +2,11 @@
 
 #include <cstdio>
 #include <ctime>
-#include <nlohmann/json.hpp>
 
 #include "base/Json.h"
 #include "base/Names.h"
 #include "base/Text.h"
-#include "content/LlsTables.h"
+#include "model/Content.h"
 #include "model/Guide.h"
 
 namespace vyr::inspect {

@@ -2,7 +2,9 @@
 
 #include <vector>
 
-#include "model/Report.h"
+#include "base/JsonFwd.h"
+#include "model/Items.h"
+#include "model/ReportWriter.h"
 #include "report/Output.h"
 
 namespace vyr::inspect {

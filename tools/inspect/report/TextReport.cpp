@@ -7,8 +7,7 @@
 
 #include "base/Names.h"
 #include "base/Text.h"
-#include "content/LlsTables.h"
-#include "content/MmtReader.h"
+#include "model/Content.h"
 #include "model/Guide.h"
 #include "report/GuideText.h"
 

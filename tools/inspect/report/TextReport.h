@@ -4,7 +4,8 @@
 #include <vector>
 
 #include "base/Text.h"
-#include "model/Report.h"
+#include "model/Items.h"
+#include "model/ReportWriter.h"
 #include "report/Output.h"
 
 namespace vyr::inspect {

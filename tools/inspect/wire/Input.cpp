@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "base/Gunzip.h"
-#include "content/MessageHead.h"
+#include "base/Names.h"
 
 namespace vyr::inspect {
 
@@ -49,6 +49,12 @@ bool IsTableStart(SView start)
 bool IsUnitStart(SView start)
 {
     return start[0] == 0;
+}
+
+/// Whether it may be a message of MMT: its id is a known one.
+bool IsMessageStart(SView start)
+{
+    return start.size >= 2 && MessageName(start.Be16(0)) != nullptr;
 }
 
 /// Whether it may be a document, or a package of signalling, gzip-compressed or not; its content tells.

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/Bytes.h"
-#include "model/Report.h"
+#include "model/Fault.h"
 
 struct pcap;
 

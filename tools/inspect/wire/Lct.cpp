@@ -1,7 +1,5 @@
 #include "wire/Lct.h"
 
-#include <cstdio>
-
 namespace vyr::inspect {
 
 namespace {
@@ -93,17 +91,6 @@ bool ReadLct(SView payload, SLctPacket& packet)
     packet.startOffset = rest.Be32(0);
     packet.data = rest.From(4);
     return true;
-}
-
-std::string ToiText(const TToi& toi)
-{
-    if (toi.first == 0) {
-        return std::to_string(toi.second);
-    }
-    char text[40];
-    std::snprintf(text, sizeof text, "0x%llx%016llx", static_cast<unsigned long long>(toi.first),
-                  static_cast<unsigned long long>(toi.second));
-    return text;
 }
 
 }  // namespace vyr::inspect

@@ -2,15 +2,11 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
-#include <utility>
 
 #include "base/Bytes.h"
+#include "model/Source.h"
 
 namespace vyr::inspect {
-
-/// Transport object identifier of up to 112 bits: the high 64 and the low 64.
-using TToi = std::pair<std::uint64_t, std::uint64_t>;
 
 /// One LCT packet of a ROUTE session (RFC 5651 5.1, RFC 9223 2).
 struct SLctPacket {
@@ -27,8 +23,5 @@ struct SLctPacket {
 
 /// Reads one UDP payload. False: it is no LCT packet of version 1, or ends inside its header.
 bool ReadLct(SView payload, SLctPacket& packet);
-
-/// Decimal up to 64 bits, hexadecimal beyond.
-std::string ToiText(const TToi& toi);
 
 }  // namespace vyr::inspect

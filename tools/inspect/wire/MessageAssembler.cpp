@@ -70,16 +70,7 @@ SMessageCounts CMessageAssembler::Counts() const
 
 CMessageAssembler::SFlow& CMessageAssembler::m_Flow(std::uint16_t packetId)
 {
-    const auto [flow, isNew] = m_flows.try_emplace(packetId);
-    if (isNew) {
-        m_order.push_back(packetId);
-        if (m_order.size() > k_maxFlows) {
-            m_Lose(m_flows.at(m_order.front()));
-            m_flows.erase(m_order.front());
-            m_order.pop_front();
-        }
-    }
-    return flow->second;
+    return m_flows.Hold(packetId, [this](std::uint16_t, SFlow& oldest) { m_Lose(oldest); });
 }
 
 /// A sender that begins anew counts from anywhere: a number far behind the highest is behind a gap, too.

@@ -2,9 +2,10 @@
 
 #include <cstdint>
 #include <functional>
-#include <list>
-#include <map>
 
+#include "base/BoundedMap.h"
+#include "base/Bytes.h"
+#include "model/Counts.h"
 #include "wire/Mmtp.h"
 #include "wire/ObjectAssembler.h"
 
@@ -50,8 +51,7 @@ class CMessageAssembler {
 
     TSink m_sink;
     CObjectAssembler m_objects;  ///< TOI: packet id, and a number of the message's own
-    std::map<std::uint16_t, SFlow> m_flows;
-    std::list<std::uint16_t> m_order;  ///< of m_flows, first seen first
+    CBoundedMap<std::uint16_t, SFlow> m_flows{k_maxFlows};
     std::uint64_t m_begun = 0;
     SMessageCounts m_counts;
 };

@@ -1,0 +1,214 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "GuideObjects.h"
+#include "Markup.h"
+#include "MmtCaptures.h"
+#include "Tool.h"
+
+namespace {
+
+using namespace packets;
+
+TEST(Inspect, APageThatCannotBeWritten)
+{
+    const std::string lineup = ReadFile(VYR_TEST_DATA "/" + k_lineup);
+    EXPECT_EQ(Inspect("--html missing/page.html " + k_lineup).status, 2);
+    EXPECT_EQ(Inspect("--html missing/page.html " + k_lineup).out, "") << "told before the work";
+    EXPECT_EQ(Inspect("--html missing/page.html " + k_lineup).err,
+              "vyr-atsc30-inspect: missing/page.html: No such file or directory\n");
+    EXPECT_EQ(Inspect("--html /dev/full " + k_lineup).status, 2);
+    EXPECT_NE(Inspect("--html /dev/full " + k_lineup).out, "");
+    const CTemporary input(lineup);
+    EXPECT_EQ(Inspect("--html '" + input.Name() + "' '" + input.Name() + "'").status, 2);
+    EXPECT_EQ(Inspect("--html /dev/stdin -", lineup).status, 2) << "nor what comes in";
+    EXPECT_EQ(ReadFile(input.Name()), lineup) << "an input is never written over";
+}
+
+TEST(Inspect, InputsThatAreNone)
+{
+    const struct {
+        const char* name;
+        std::string arguments;
+        std::string input;
+        int status;
+        std::string err;
+        std::string code;
+    } cases[] = {
+        {"empty", "-", "", 1, "-: is empty", "input-empty"},
+        {"three bytes", "-", "\x01\x01\x01", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
+        {"unknown table", "-", "\x07\x01\x01\x01", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
+        {"text", "inspect/cut.txt", "", 1,
+         "inspect/cut.txt: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
+        {"other XML", "-", "<SLT/>", 1, "-: not a capture, not an LLS table, not signalling and not a service guide",
+         "input-unknown"},
+        {"damaged gzip", "-", "\x1F\x8B\x08?", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
+        {"too much signalling", "-", std::string(1048577, ' '), 1,
+         "-: larger than any signalling: more than 1048576 bytes", "input-too-large"},
+        {"directory", "inspect", "", 2, "inspect: is a directory", "input-directory"},
+        {"missing", "missing.pcap", "", 2, "missing.pcap: No such file or directory", "input-missing"},
+        {"hostile name", "'\x1B[2J'", "", 2, "\\x1B[2J: No such file or directory", "input-missing"},
+        {"no unit", "-", std::string(1048577, '\0'), 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
+        {"too large unit", "-", std::string(8388609, '\0'), 1,
+         "-: larger than any delivery unit: more than 8388608 bytes", "input-too-large"},
+        {"too large", "-", std::string(1048577, '\x01'), 1, "-: larger than any LLS table: more than 1048576 bytes",
+         "input-too-large"},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        const SResult text = Inspect(test.arguments, test.input);
+        EXPECT_EQ(text.status, test.status);
+        EXPECT_EQ(text.out, "");
+        EXPECT_EQ(text.err, "vyr-atsc30-inspect: " + test.err + '\n');
+        const SResult json = Inspect("--json " + test.arguments, test.input);
+        EXPECT_EQ(json.status, test.status);
+        EXPECT_EQ(json.err, text.err);
+        const std::vector<nlohmann::json> lines = Lines(json.out);
+        ASSERT_EQ(lines.size(), 2u);
+        EXPECT_EQ(lines[0]["type"], "fault");
+        EXPECT_EQ(lines[0]["code"], test.code);
+        EXPECT_EQ(lines[1]["faultsByCode"][test.code], 1);
+    }
+    EXPECT_EQ(Inspect("-", std::string(1048576, '\xFF')).status, 0) << "the largest raw table";
+    EXPECT_EQ(Inspect("missing " + k_lineup).status, 2) << "a fault hides no failure";
+    EXPECT_NE(Inspect("missing " + k_lineup).out.find("KLAS"), std::string::npos);
+}
+
+TEST(Inspect, UsageErrors)
+{
+    EXPECT_EQ(Inspect("").status, 2);
+    for (const char* arguments :
+         {"--nonsense", "--lls 1.2.3.4", "--lls 1.2.3:5", "--lls 1.2.3.4:0", "--lls 1.2.3.4:65536", "--route 1.2.3.4:x",
+          "--mmtp 1", "--set a", "--set =1", "--set a=1x", "--log loud"}) {
+        const SResult result = Inspect(std::string(arguments) + " pcap/gpac-a2-multi-service.pcap");
+        EXPECT_EQ(result.status, 2) << arguments;
+        EXPECT_EQ(result.out, "") << arguments;
+        EXPECT_NE(result.err, "") << arguments;
+    }
+    EXPECT_EQ(Inspect("--lls 1.2.3.4:65535 --quiet pcap/gpac-a2-multi-service.pcap").status, 1);
+    EXPECT_EQ(Inspect("--version").status, 0);
+    EXPECT_NE(Inspect("--version").out.find("libvyr-atsc30-parser"), std::string::npos);
+}
+
+TEST(Inspect, GuideAndManPageKnowEveryOption)
+{
+    const SResult help = Inspect("--help");
+    EXPECT_EQ(help.status, 0);
+    const std::string guide = ReadFile(VYR_DOCS "/inspect.md");
+    const std::string manual = std::regex_replace(ReadFile(VYR_DOCS "/vyr-atsc30-inspect.1"), std::regex("\\\\-"), "-");
+    const std::regex option("--[a-z-]+");
+    int options = 0;
+    for (std::sregex_iterator at(help.out.begin(), help.out.end(), option), end; at != end; ++at, ++options) {
+        EXPECT_NE(guide.find(at->str()), std::string::npos) << at->str();
+        EXPECT_NE(manual.find(at->str()), std::string::npos) << at->str();
+    }
+    EXPECT_GE(options, 10);
+    const std::string readme = ReadFile(VYR_DOCS "/../README.md");
+    // The screen that the README shows: what stands between its lines of dots is what the tool writes.
+    const std::string screen = ReadFile(VYR_TEST_DATA "/inspect/three-services.txt");
+    const std::string begin = "$ scripts/demo\n";
+    std::size_t at = readme.find(begin) + begin.size();
+    const std::size_t end = readme.find("```", at);
+    std::size_t found = 0;
+    int parts = 0;
+    for (; at < end; ++parts) {
+        const std::size_t dots = std::min(readme.find("  \u2026\n", at), end);
+        const std::string part = readme.substr(at, dots - at);
+        found = screen.find(part, found);
+        ASSERT_NE(found, std::string::npos) << part;
+        EXPECT_EQ(found == 0, parts == 0) << "the first part is the beginning";
+        found += part.size();
+        at = dots + std::string("  \u2026\n").size();
+    }
+    EXPECT_GE(parts, 2);
+    EXPECT_EQ(found, screen.size()) << "the last part is the end";
+}
+
+TEST(Inspect, GuideInLocalTimeWithNamesOfGenres)
+{
+    const CTemporary genres(
+        "<!-- --><ClassificationScheme><Term termID='2'>\n <Name>News at night</Name>\n</Term></ClassificationScheme>");
+    setenv("TZ", "XYZ-3", 1);
+    const SResult local = Inspect("--local-time --genres '" + genres.Name() + "' -", guide::WholeUnit());
+    const SResult utc = Inspect("-", guide::WholeUnit());
+    unsetenv("TZ");
+    EXPECT_NE(local.out.find("Sunday 2026-11-22 (XYZ)\n"), std::string::npos);
+    EXPECT_NE(local.out.find("\n      01:30  03:30     Late news"), std::string::npos) << "midnight is elsewhere";
+    EXPECT_NE(local.out.find("News at night"), std::string::npos);
+    EXPECT_EQ(utc.out, ReadFile(VYR_TEST_DATA "/inspect/guide-unit.txt"));
+    const SResult none = Inspect("--genres missing.xml -", guide::WholeUnit());
+    EXPECT_EQ(none.status, 2);
+    EXPECT_EQ(none.err, "vyr-atsc30-inspect: missing.xml: not a classification scheme\n");
+}
+
+TEST(Inspect, LogAndProgressGoToStandardError)
+{
+    const std::string capture = "pcap/gpac-a13-unescaped-name.pcap";
+    const SResult plain = Inspect(capture);
+    const SResult log = Inspect("--log debug " + capture);
+    EXPECT_EQ(log.out, plain.out);
+    EXPECT_NE(log.err.find("[TCParseLLS::Parse] TableId[1]"), std::string::npos);
+    EXPECT_EQ(Inspect("--log info " + capture).err, "");
+    EXPECT_NE(Inspect("--strict --log error " + k_lineup).err.find("protected1"), std::string::npos);
+    const SResult progress = Inspect("--progress pcap/gpac-a2-multi-service.pcap");
+    EXPECT_NE(progress.err.find("64 packets"), std::string::npos);
+    EXPECT_EQ(Inspect("--progress --quiet pcap/gpac-a2-multi-service.pcap").err, "");
+}
+
+TEST(Inspect, AReaderThatHasGoneIsNoError)
+{
+    const CTemporary err;
+    const CTemporary status;
+    // The reader is gone before the first line is written.
+    const std::string command = "cd '" VYR_TEST_DATA "'; (sleep 0.2; '" VYR_INSPECT
+                                "' pcap/gpac-a2-multi-service.pcap 2> '" +
+                                err.Name() + "'; echo $? > '" + status.Name() + "') | true";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    EXPECT_EQ(ReadFile(err.Name()), "");
+    EXPECT_EQ(ReadFile(status.Name()), "0\n");
+    EXPECT_EQ(Inspect("pcap/gpac-a2-multi-service.pcap > /dev/full").status, 2);
+}
+
+TEST(Inspect, AStreamIsReportedAsItComes)
+{
+    const CTemporary fifo;
+    const CTemporary page;
+    std::remove(fifo.Name().c_str());
+    ASSERT_EQ(mkfifo(fifo.Name().c_str(), 0600), 0);
+    // One interrupt, to the tool alone: a second one could meet the leak check at its end.
+    const std::string command = "timeout --foreground --preserve-status -s INT 2 '" VYR_INSPECT "' --html '" +
+                                page.Name() + "' - < '" + fifo.Name() + "'";
+    FILE* out = popen(command.c_str(), "r");
+    const int in = open(fifo.Name().c_str(), O_WRONLY);
+    const std::string bytes = CCapture(1).AddLls(Slt(Service(1), 1)).Bytes();
+    ASSERT_EQ(write(in, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    pollfd ready = {fileno(out), POLLIN, 0};
+    EXPECT_EQ(poll(&ready, 1, 1500), 1) << "the table comes while the stream goes on";
+    std::string text;
+    for (int c = 0; (c = fgetc(out)) != EOF;) {
+        text += static_cast<char>(c);
+    }
+    close(in);
+    EXPECT_EQ(pclose(out), 0);
+    EXPECT_NE(text.find("SLT (1) version 1 group 0: new"), std::string::npos);
+    EXPECT_NE(text.find("\nsummary\n"), std::string::npos) << "an interrupt ends the input, not the report";
+    EXPECT_EQ(MarkupFault(ReadFile(page.Name())), "");
+    EXPECT_NE(ReadFile(page.Name()).find("<h3>bsid 5, 224.0.23.60:4937 group 0 "), std::string::npos);
+}
+
+}  // namespace

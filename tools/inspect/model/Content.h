@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/Json.h"
+
+namespace vyr::inspect {
+
+/// What a table, document or message holds, ready for both forms of report.
+struct SContent {
+    std::string headline;  ///< "2 alerts"
+    std::string text;      ///< indented lines
+    TJson json = TJson::object();
+    std::vector<std::string> faults;  ///< documents within that did not parse, and why
+};
+
+}  // namespace vyr::inspect

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Bytes.h"
+#include "lls/ParseSLT.h"
+#include "model/Counts.h"
+#include "model/OptionalContent.h"
+#include "model/Source.h"
+
+namespace vyr::inspect {
+
+/// What the service list table holds.
+struct SSlt {
+    int bsid = 0;
+    std::string capabilities;
+    std::vector<SParseSLT::SSltInetUrl> inetUrls;
+    std::vector<SParseSLT::SService> services;  ///< their channel map handles are not to be used
+    unsigned dropped = 0;
+    bool cmsSignedData = false;
+};
+
+/// One LLS table that came.
+struct STable {
+    SSource source;
+    std::string stream;  ///< "224.0.23.60:4937"; empty for a raw file
+    SLlsHeader header;
+    EStatus status = EStatus::NEW;
+    SView payload;  ///< behind the header, good during the report only
+    const char* encoding = "";
+    std::optional<double> interval;  ///< seconds since the same table came last
+    bool parserExists = false;
+    bool insideMultiTable = false;
+    std::optional<SSlt> slt;  ///< when it parsed; another table has a content
+    COptionalContent content;
+};
+
+/// Documents of the service-layer signalling (SLS) of ROUTE, in the order in which the library parses
+/// them.
+enum class ESlsDocument { USBD, STSID, EFDT, MPD, APPLICATION_LIST, HELD, RSAT };
+constexpr std::size_t k_slsDocuments = 7;
+
+/// What is new about a document against the last one of its kind in its session.
+enum class EDocumentStatus { NEW, CHANGED, UNCHANGED };
+
+/// One document of a package.
+struct SSlsDocument {
+    ESlsDocument kind = ESlsDocument::USBD;
+    std::size_t size = 0;  ///< bytes, from its start tag through its end tag
+    EDocumentStatus status = EDocumentStatus::NEW;
+    bool sameText = false;  ///< though it changed, its text says what the last one's said
+    COptionalContent content;
+    std::string reason;  ///< why there is none
+};
+
+/// An item of the metadata envelope, as given.
+struct SEnvelopeItem {
+    std::optional<std::string> metadataURI;
+    std::optional<std::string> version;
+    std::optional<std::string> contentType;
+};
+
+/// One object of a service's signalling that is not a repeat.
+struct SSignalling {
+    SSource source;
+    std::string session;             ///< "239.255.7.1:30100"; empty for a raw file
+    std::vector<unsigned> services;  ///< that the service list has at this session
+    std::optional<TToi> toi;         ///< not for a raw file
+    EStatus status = EStatus::NEW;
+    std::size_t size = 0;  ///< bytes as they were sent
+    bool gzip = false;
+    std::string contentType;  ///< of the package; empty: not given
+    std::vector<SEnvelopeItem> items;
+    std::vector<SSlsDocument> documents;
+};
+
+/// One MMT signalling message that is not a repeat.
+struct SMessage {
+    SSource source;
+    std::string session;                    ///< "239.255.8.1:30200"; empty for a raw file
+    std::vector<unsigned> services;         ///< that the service list has at this session
+    std::optional<std::uint16_t> packetId;  ///< not for a raw file
+    std::vector<unsigned> kind;             ///< messages of one kind and packet id replace each other
+    unsigned id = 0;
+    unsigned version = 0;
+    EStatus status = EStatus::NEW;
+    SView payload;  ///< behind the header, good during the report only
+    bool supported = false;
+    COptionalContent content;  ///< when it parsed
+};
+
+/// "224.0.23.60:4937 group 0": tells service lists apart.
+std::string ServiceListName(const std::string& stream, unsigned groupId);
+/// "BundleDescriptionROUTE" and the like: the name of its element.
+const char* DocumentName(ESlsDocument kind);
+/// "new", "changed" or "unchanged".
+const char* DocumentStatusName(EDocumentStatus status);
+
+}  // namespace vyr::inspect

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+#include "model/Counts.h"
+#include "model/Fault.h"
+
+namespace vyr::inspect {
+
+struct STable;
+struct SSignalling;
+struct SMessage;
+struct SGuide;
+struct SGuideObject;
+
+/// What a run found, by the names of the JSON report.
+struct SSummary {
+    std::uint64_t inputs = 0;
+    std::uint64_t captures = 0;
+    std::uint64_t rawTables = 0;
+    std::uint64_t slsFiles = 0;
+    std::uint64_t rawMessages = 0;
+    std::uint64_t guideFiles = 0;
+    SPacketCounts packets;
+    std::uint64_t llsDatagrams = 0;
+    std::map<unsigned, STableCounts> tables;  ///< by LLS_table_id
+    std::uint64_t services = 0;               ///< in the tables that hold at the end
+    std::uint64_t servicesDropped = 0;
+    std::uint64_t routeServices = 0;      ///< of `services`, those that are carried by ROUTE
+    std::uint64_t mmtpServices = 0;       ///< of `services`, those that MMTP carries
+    std::uint64_t servicesSignalled = 0;  ///< of both, those whose signalling came
+    SRouteCounts route;
+    SSignallingCounts signalling;
+    SMmtpCounts mmtp;
+    SMmtMessageCounts messages;
+    SGuideCounts guide;
+    std::uint64_t faults = 0;
+    std::map<EFault, std::uint64_t> faultsByCode;
+    std::vector<SFault> firstFaults;
+
+    template <class TVisit>
+    void Each(const TVisit& visit) const
+    {
+        visit("inputs", inputs);
+        visit("captures", captures);
+        visit("rawTables", rawTables);
+        visit("slsFiles", slsFiles);
+        visit("rawMessages", rawMessages);
+        visit("guideFiles", guideFiles);
+        SPacketCounts::Each(packets, visit);
+        visit("llsDatagrams", llsDatagrams);
+        visit("tables", tables);
+        visit("services", services);
+        visit("servicesDropped", servicesDropped);
+        visit("routeServices", routeServices);
+        visit("mmtpServices", mmtpServices);
+        visit("servicesSignalled", servicesSignalled);
+        SRouteCounts::Each(route, visit);
+        visit("signalling", signalling);
+        SMmtpCounts::Each(mmtp, visit);
+        visit("messages", messages);
+        visit("guide", guide);
+        visit("faults", faults);
+        visit("faultsByCode", faultsByCode);
+    }
+};
+
+/// One form of the report. Every call writes what it is told at once.
+class IReportWriter {
+  public:
+    virtual ~IReportWriter() = default;
+    virtual void Table(const STable& table) = 0;
+    virtual void Signalling(const SSignalling& signalling) = 0;
+    virtual void Message(const SMessage& message) = 0;
+    virtual void GuideObject(const SGuideObject& object) = 0;
+    virtual void Guide(const SGuide& guide) = 0;
+    virtual void Fault(const SFault& fault) = 0;
+    virtual void Summary(const SSummary& summary) = 0;
+};
+
+}  // namespace vyr::inspect

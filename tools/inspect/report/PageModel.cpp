@@ -1,0 +1,363 @@
+#include "report/PageModel.h"
+
+#include <algorithm>
+
+#include "base/Names.h"
+#include "model/Content.h"
+#include "report/Html.h"
+#include "report/HtmlGuide.h"
+#include "report/JsonReport.h"
+#include "report/TextReport.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+// Parts of a session, behind the kinds of documents.
+constexpr unsigned k_envelope = k_slsDocuments;
+constexpr unsigned k_messages = k_slsDocuments + 1;
+constexpr std::size_t k_mostGuide = 8388608;
+constexpr std::size_t k_longKey = 256;
+constexpr std::size_t k_longTitle = 96;
+constexpr std::size_t k_longLine = 512;
+
+std::string Cut(const std::string& text)
+{
+    return text.substr(0, k_longKey);
+}
+
+/// The texts of a list of texts with languages, each in a paragraph.
+std::string Paragraphs(const TJson& texts)
+{
+    std::string html;
+    for (const TJson& text : texts) {
+        html += "<p>" + HtmlIsolated(text.value("text", ""), text.value("lang", "")) + "</p>";
+    }
+    return html;
+}
+
+/// Whether a certificate holds at the time; its own are of the same form and length.
+std::string Validity(const TJson& certificate, const std::optional<STime>& time)
+{
+    if (!time || !certificate.contains("notAfter")) {
+        return {};
+    }
+    const std::string now = EpochText(static_cast<double>(time->seconds));
+    return now > certificate.value("notAfter", "")    ? HtmlBadge("bad", "expired")
+           : now < certificate.value("notBefore", "") ? HtmlBadge("bad", "not yet valid")
+                                                      : HtmlBadge("good", "valid");
+}
+
+std::string CertificateRows(const TJson& certificates, const std::optional<STime>& time)
+{
+    std::string rows;
+    for (const TJson& certificate : certificates) {
+        if (certificate.contains("error")) {
+            rows += "<tr><td colspan=\"5\">" + HtmlBadge("bad", certificate.value("error", "")) + "</td></tr>";
+            continue;
+        }
+        rows += "<tr>";
+        for (const char* key : {"subject", "issuer", "notBefore", "notAfter"}) {
+            rows +=
+                (key[0] == 'n' ? "<td class=\"time\">" : "<td>") + HtmlIsolated(certificate.value(key, "")) + "</td>";
+        }
+        rows += "<td>" + Validity(certificate, time) + "</td></tr>";
+    }
+    return rows;
+}
+
+/// The JSON without what the page says elsewhere.
+TJson Without(TJson json, std::initializer_list<const char*> keys)
+{
+    for (const char* key : keys) {
+        json.erase(key);
+    }
+    return json;
+}
+
+std::string GroupText(const STable& table)
+{
+    return ServiceListName(table.stream, table.header.groupId) + (table.insideMultiTable ? " signed" : "");
+}
+
+}  // namespace
+
+template <class TMap>
+typename TMap::mapped_type* CPageModel::m_Find(TMap& map, const typename TMap::key_type& key)
+{
+    const auto found = map.find(key);
+    if (found == map.end() && map.size() >= k_mostParts) {
+        ++t_left;
+        return nullptr;
+    }
+    return found != map.end() ? &found->second : &map[key];
+}
+
+void CPageModel::m_Hold(std::string& slot, std::string html)
+{
+    m_bytes -= slot.size();
+    if (m_bytes + html.size() > k_mostBytes) {
+        ++t_left;
+        html = "<p class=\"muted\">Left out: the page would be too large.</p>";
+    }
+    m_bytes += html.size();
+    slot = std::move(html);
+}
+
+void CPageModel::m_Hold(SPart& part, const std::string& title, const SSource& source, std::string html)
+{
+    part.title = title;
+    part.source = source;
+    ++part.versions;
+    m_Hold(part.html, std::move(html));
+}
+
+void CPageModel::m_Add(SList<SLine>& list, const SSource& source, const std::string& html)
+{
+    if (list.items.size() < k_mostLines) {
+        list.items.push_back({source, html});
+    } else {
+        ++list.more;
+    }
+}
+
+std::size_t CPageModel::m_See(const SSource& source)
+{
+    if (source.time) {
+        t_first = t_first && Seconds(*t_first) <= Seconds(*source.time) ? t_first : source.time;
+        t_last = t_last && Seconds(*t_last) >= Seconds(*source.time) ? t_last : source.time;
+    }
+    if (t_files.empty() || t_files.back() != source.file) {
+        const auto known = std::find(t_files.begin(), t_files.end(), source.file);
+        if (known != t_files.end()) {
+            return static_cast<std::size_t>(known - t_files.begin());
+        }
+        t_files.push_back(source.file);
+    }
+    return t_files.size() - 1;
+}
+
+void CPageModel::Table(const STable& table)
+{
+    const std::size_t file = m_See(table.source);
+    if (table.status == EStatus::REPEATED) {
+        return;
+    }
+    m_Add(t_changes, table.source, "<td>" + HtmlText(HtmlClipped(Headline(table), k_longLine)) + "</td>");
+    const TKey key = {file, GroupText(table), std::to_string(table.header.tableId)};
+    if (SPart* part = m_Find(t_tables, key)) {
+        std::string title = Headline(table);
+        title = title.substr(0, title.find(':'));
+        const TJson json = Without(TableJson(table), {"schema_version", "type", "source", "AEA", "Certificates"});
+        m_Hold(*part, HtmlText(title), table.source, HtmlTree(json));
+    }
+    if (table.slt) {
+        m_Slt(table, key);
+    }
+    if (table.content && table.content->json.contains("AEA")) {
+        m_Alerts(table, key);
+    }
+    m_Certificates(table, key);
+}
+
+void CPageModel::m_Slt(const STable& table, const TKey& key)
+{
+    SServiceList* list = m_Find(t_lists, key);
+    if (list == nullptr) {
+        return;
+    }
+    m_bytes -= list->bytes;
+    *list = {};
+    list->name = ServiceListName(table.stream, table.header.groupId);
+    list->title = HtmlText("bsid " + std::to_string(table.slt->bsid) + ", " + GroupText(table));
+    list->source = table.source;
+    const std::vector<TRow> rows = ServiceRows(table.slt->services);
+    for (std::size_t i = 0; i < table.slt->services.size(); ++i) {
+        const TRow& row = rows[i + 1];
+        SListed listed;
+        const SParseSLT::SService& service = table.slt->services[i];
+        listed.id = static_cast<unsigned>(service.serviceId);
+        if (service.hasBroadcastSvcSignaling) {
+            listed.session =
+                EndpointText(service.slsDestinationIpAddress, static_cast<unsigned>(service.slsDestinationUdpPort));
+        }
+        listed.title = "<b>" + HtmlText(row[0]) + "</b> " + (row[1] != "-" ? HtmlText(row[1]) + ' ' : "") +
+                       HtmlIsolated(HtmlClipped(row[2], k_longTitle));
+        for (std::size_t cell = 1; cell < row.size(); ++cell) {
+            listed.cells += "<td>" + (cell == 2 ? HtmlIsolated(row[cell]) : HtmlText(row[cell])) + "</td>";
+        }
+        listed.html =
+            HtmlTree(Without(ServiceJson(table, service),
+                             {"schema_version", "type", "source", "stream", "LLS_table_id", "LLS_table_idName",
+                              "LLS_group_id", "group_count_minus1", "LLS_table_version", "bsid"}));
+        const std::size_t bytes = listed.title.size() + listed.cells.size() + listed.html.size();
+        if (m_bytes + list->bytes + bytes > k_mostBytes) {
+            t_left += table.slt->services.size() - i;
+            break;
+        }
+        list->bytes += bytes;
+        list->services.push_back(std::move(listed));
+    }
+    m_bytes += list->bytes;
+}
+
+void CPageModel::m_Alerts(const STable& table, const TKey& key)
+{
+    for (auto& [id, alert] : t_alerts) {
+        alert.current = alert.current && alert.table != key;
+    }
+    for (const TJson& json : table.content->json["AEA"]) {
+        const std::string id = json.value("aeaId", "");
+        const std::string name = Cut(json.value("issuer", "")) + '\n' + Cut(id);
+        SAlert* alert = m_Find(t_alerts, {std::get<0>(key), std::get<1>(key), name});
+        if (alert == nullptr) {
+            continue;
+        }
+        const TJson& events = json["EventDesc"];
+        const bool named = !events.empty() && !events[0].value("text", "").empty();
+        const std::string title =
+            named ? HtmlIsolated(HtmlClipped(events[0].value("text", ""), k_longTitle), events[0].value("lang", ""))
+                  : "alert " + HtmlIsolated(HtmlClipped(id, k_longTitle));
+        alert->current = true;
+        alert->table = key;
+        m_Hold(alert->part, "<b>" + title + "</b>", table.source,
+               Paragraphs(json["AEAText"]) + HtmlTree(Without(json, {"AEAText"})));
+    }
+}
+
+void CPageModel::m_Certificates(const STable& table, const TKey& key)
+{
+    const TJson* json = table.content ? &table.content->json : nullptr;
+    const bool certificates = json != nullptr && json->contains("Certificates");
+    const bool multiTable = json != nullptr && json->contains("signature");
+    if (!certificates && !multiTable && !(table.slt && table.slt->cmsSignedData)) {
+        return;
+    }
+    SPart* part = m_Find(t_certificates, key);
+    if (part == nullptr) {
+        return;
+    }
+    std::string html;
+    if (certificates) {
+        html = HtmlTable("", {"subject", "issuer", "valid from", "until", "at the capture"},
+                         CertificateRows((*json)["Certificates"], table.source.time)) +
+               HtmlTree(Without(*json, {"Certificates"}));
+    } else if (multiTable) {
+        html = HtmlTree({{"signedSize", (*json)["signedSize"]}, {"signature", (*json)["signature"]}});
+    } else {
+        html = "<p>The service list has a CMSSignedData element.</p>";
+    }
+    std::string title = Headline(table);
+    m_Hold(*part, HtmlText(title.substr(0, title.find(':'))), table.source, std::move(html));
+}
+
+void CPageModel::Signalling(const SSignalling& signalling)
+{
+    const std::size_t file = m_See(signalling.source);
+    std::string names;
+    for (const SSlsDocument& document : signalling.documents) {
+        names += std::string(names.empty() ? " <small>" : ", ") + DocumentName(document.kind) +
+                 (document.content ? std::string(" ") + DocumentStatusName(document.status) : " did not parse");
+    }
+    m_Add(t_changes, signalling.source,
+          "<td>" + HtmlText(HtmlClipped(Headline(signalling), k_longLine)) + names +
+              (names.empty() ? "</td>" : "</small></td>"));
+    SSession* session = m_Find(t_sessions, {file, signalling.session, {}});
+    if (session == nullptr) {
+        return;
+    }
+    for (const SSlsDocument& document : signalling.documents) {
+        SPart* part = m_Part(*session, {static_cast<unsigned>(document.kind)});
+        const std::string name = std::string("<b>") + DocumentName(document.kind) + "</b> ";
+        if (part != nullptr && !document.content) {
+            m_Hold(*part, name + HtmlBadge("bad", "did not parse"), signalling.source,
+                   "<p>" + HtmlText(document.reason) + "</p>");
+        } else if (part != nullptr && (document.status != EDocumentStatus::UNCHANGED || part->versions == 0)) {
+            m_Hold(*part, name + "<small>" + HtmlText(HtmlClipped(document.content->headline, k_longLine)) + "</small>",
+                   signalling.source, HtmlTree(document.content->json));
+        }
+    }
+    SPart* envelope = signalling.items.empty() ? nullptr : m_Part(*session, {k_envelope});
+    if (envelope != nullptr) {
+        m_Hold(*envelope, "<b>metadataEnvelope</b>", signalling.source,
+               HtmlTree({{"item", EnvelopeJson(signalling.items)}}));
+    }
+}
+
+CPageModel::SPart* CPageModel::m_Part(SSession& session, const std::vector<unsigned>& key)
+{
+    const auto known = session.parts.find(key);
+    if (known == session.parts.end() && m_sessionParts >= 4 * k_mostParts) {
+        ++t_left;
+        return nullptr;
+    }
+    m_sessionParts += known == session.parts.end() ? 1 : 0;
+    return &session.parts[key];
+}
+
+void CPageModel::Message(const SMessage& message)
+{
+    const std::size_t file = m_See(message.source);
+    const std::string headline = HtmlClipped(Headline(message), k_longLine);
+    m_Add(t_changes, message.source, "<td>" + HtmlText(headline) + "</td>");
+    SSession* session = m_Find(t_sessions, {file, message.session, {}});
+    std::vector<unsigned> key = {k_messages, message.packetId.value_or(0)};
+    key.insert(key.end(), message.kind.begin(), message.kind.end());
+    SPart* part = session != nullptr ? m_Part(*session, key) : nullptr;
+    if (part == nullptr) {
+        return;
+    }
+    const std::string title = MessageTitle(message.id);
+    if (message.content && message.content->json.contains("signature")) {
+        const std::string place = message.session + ' ' + std::to_string(message.packetId.value_or(0));
+        if (SPart* signature = m_Find(t_certificates, {file, place, title})) {
+            m_Hold(*signature, HtmlText(title + (message.session.empty() ? "" : " of " + message.session)),
+                   message.source, HtmlTree({{"signature", message.content->json["signature"]}}));
+        }
+    }
+    const std::size_t at = headline.find(title);
+    m_Hold(*part,
+           "<b>" + HtmlText(title) + "</b> <small>" +
+               HtmlText(at != std::string::npos ? headline.substr(at + title.size()) : "") + "</small>",
+           message.source,
+           message.content     ? HtmlTree(message.content->json)
+           : message.supported ? "<p>" + HtmlBadge("bad", "did not parse") + "</p>"
+                               : std::string("<p class=\"muted\">not supported</p>"));
+}
+
+void CPageModel::GuideObject(const SGuideObject& object)
+{
+    const std::size_t file = m_See(object.source);
+    const std::string headline = HtmlClipped(Headline(object), k_longLine);
+    m_Add(t_changes, object.source, "<td>" + HtmlText(headline) + "</td>");
+    std::string what =
+        std::string(GuideObjectName(object.kind)) + ' ' + (object.tsi ? std::to_string(*object.tsi) : "") + ' ';
+    what += object.toi ? ToiText(*object.toi) : Cut(object.contentLocation);
+    if (SPart* part = m_Find(t_guideObjects, {file, object.session, what})) {
+        m_Hold(*part, HtmlText(headline), object.source,
+               object.content ? HtmlTree(object.content->json) : std::string("<p>did not parse</p>"));
+    }
+}
+
+void CPageModel::Guide(const SGuide& guide)
+{
+    const std::size_t file = m_See(guide.source);
+    if (std::string* last = m_Find(t_guides, file)) {
+        m_Hold(*last, HtmlGuide(guide, "g" + std::to_string(file), m_localTime, k_mostGuide));
+    }
+}
+
+void CPageModel::Fault(const SFault& fault)
+{
+    const std::size_t file = m_See(fault.source);
+    m_Add(t_faults, fault.source,
+          "<td>" + HtmlBadge("bad", FaultName(fault.code)) + "</td><td>" +
+              HtmlText(HtmlClipped(fault.message, k_longLine)) + "</td>");
+    if (fault.code == EFault::NO_SIGNALLING && fault.serviceId) {
+        if (std::string* why = m_Find(t_missing, {file, fault.serviceList, std::to_string(*fault.serviceId)})) {
+            *why = HtmlClipped(fault.message, k_longLine);
+        }
+    }
+}
+
+}  // namespace vyr::inspect

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "model/Guide.h"
+#include "model/ReportWriter.h"
+
+namespace vyr::inspect {
+
+/// What the page tells of, as it comes: holds, within limits, what stood last, and lists of what changed and of what
+/// is wrong. Its parts are markup.
+class CPageModel : public IReportWriter {
+  public:
+    /// With `localTime`, the times of the guide are those of the machine's time zone.
+    explicit CPageModel(bool localTime) : m_localTime(localTime) {}
+
+    void Table(const STable& table) override;
+    void Signalling(const SSignalling& signalling) override;
+    void Message(const SMessage& message) override;
+    void GuideObject(const SGuideObject& object) override;
+    void Guide(const SGuide& guide) override;
+    void Fault(const SFault& fault) override;
+
+  protected:
+    /// What is held of each kind: the list, and how many more there were.
+    template <class TItem>
+    struct SList {
+        std::vector<TItem> items;
+        std::uint64_t more = 0;
+    };
+    using TKey = std::tuple<std::size_t, std::string, std::string>;  ///< file, stream or session, what in it
+    /// A part of the page that is replaced by its next version: markup, and where it came from.
+    struct SPart {
+        std::string title;  ///< markup
+        SSource source;
+        std::string html;
+        std::uint64_t versions = 0;
+    };
+    struct SListed {
+        unsigned id = 0;
+        std::string session;  ///< that signals it; empty: none
+        std::string title;    ///< markup, as the two that follow
+        std::string cells;
+        std::string html;
+    };
+    struct SServiceList {
+        std::string name;
+        std::string title;
+        SSource source;
+        std::vector<SListed> services;
+        std::size_t bytes = 0;
+    };
+    struct SSession {
+        std::map<std::vector<unsigned>, SPart> parts;  ///< each kind of document, the envelope, and each message
+    };
+    struct SAlert {
+        SPart part;
+        TKey table;
+        bool current = true;  ///< the last version of its table has it
+    };
+    struct SLine {
+        SSource source;
+        std::string html;
+    };
+
+    std::vector<std::string> t_files;  ///< in the order in which they came
+    std::optional<STime> t_first;
+    std::optional<STime> t_last;
+    std::map<TKey, SServiceList> t_lists;
+    std::map<TKey, SPart> t_tables;
+    std::map<TKey, SPart> t_certificates;
+    std::map<TKey, SAlert> t_alerts;
+    std::map<TKey, SSession> t_sessions;
+    std::map<TKey, SPart> t_guideObjects;
+    std::map<std::size_t, std::string> t_guides;  ///< by file
+    std::map<TKey, std::string> t_missing;        ///< why a service is not signalled, by its list and id
+    SList<SLine> t_changes;
+    SList<SLine> t_faults;
+    std::uint64_t t_left = 0;  ///< parts beyond the limits
+
+  private:
+    static constexpr std::size_t k_mostBytes = 33554432;  ///< of markup that is held
+    static constexpr std::size_t k_mostParts = 4096;      ///< of each kind
+    static constexpr std::size_t k_mostLines = 1000;
+
+    template <class TMap>
+    typename TMap::mapped_type* m_Find(TMap& map, const typename TMap::key_type& key);
+    void m_Hold(std::string& slot, std::string html);
+    void m_Hold(SPart& part, const std::string& title, const SSource& source, std::string html);
+    void m_Add(SList<SLine>& list, const SSource& source, const std::string& html);
+    /// Notes what an item says of the input as a whole; gives the number of its file.
+    std::size_t m_See(const SSource& source);
+    SPart* m_Part(SSession& session, const std::vector<unsigned>& key);
+    void m_Slt(const STable& table, const TKey& key);
+    void m_Alerts(const STable& table, const TKey& key);
+    void m_Certificates(const STable& table, const TKey& key);
+
+    const bool m_localTime;
+    std::size_t m_sessionParts = 0;  ///< of all of them
+    std::size_t m_bytes = 0;
+};
+
+}  // namespace vyr::inspect
