@@ -99,7 +99,7 @@ bool CSessionFollower::Take(const SDatagram& datagram, const SSource& source)
     return taken;
 }
 
-void CSessionFollower::Finish(const std::string& file)
+void CSessionFollower::Finish(const std::string& file, bool captured)
 {
     const SSource source = {file, 0, {}};
     for (const auto& [key, session] : m_sessions) {
@@ -118,7 +118,11 @@ void CSessionFollower::Finish(const std::string& file)
     }
     for (const auto& [group, services] : m_services) {
         for (const SListedService& service : services) {
-            m_Judge(group, service, source);
+            if (captured) {
+                m_Judge(group, service, source);
+            } else {
+                ++(m_report.Summary().*m_protocol.services);
+            }
         }
     }
 }

@@ -35,13 +35,20 @@ struct SLlsHeader {
     unsigned char version = 0;
 };
 
+/// A service of the service list table; its channel map handle is not to be used.
+struct SSltService : SParseSLT::SService {
+    std::string notListed;   ///< why a receiver does not list it; empty: it does
+    bool flagsRead = true;   ///< whether its flags, channel and category were read before it was left
+    bool othersRead = true;  ///< and what is behind them
+};
+
 /// What the service list table holds.
 struct SSlt {
     int bsid = 0;
     std::string capabilities;
     std::vector<SParseSLT::SSltInetUrl> inetUrls;
-    std::vector<SParseSLT::SService> services;  ///< their channel map handles are not to be used
-    unsigned dropped = 0;
+    std::vector<SSltService> services;  ///< first those that a receiver lists
+    unsigned dropped = 0;               ///< those that it does not
     bool cmsSignedData = false;
 };
 
@@ -150,6 +157,7 @@ enum class EFault {
     DOCUMENT_NOT_PARSED,
     MESSAGE_NOT_PARSED,
     NO_SIGNALLING,
+    NO_SESSIONS,
     GUIDE_NOT_PARSED,
     GUIDE_INCOMPLETE,
     GUIDE_TOO_LARGE
@@ -182,6 +190,7 @@ constexpr const char* k_faultNames[] = {"input-missing",
                                         "document-not-parsed",
                                         "message-not-parsed",
                                         "no-signalling",
+                                        "no-sessions",
                                         "guide-not-parsed",
                                         "guide-incomplete",
                                         "guide-too-large"};
@@ -194,6 +203,7 @@ struct SFault {
     std::optional<unsigned> serviceId = std::nullopt;
     std::string attribute = {};
     std::string serviceList = {};  ///< as ServiceListName has it: of the service that is not signalled
+    bool note = false;             ///< nothing is wrong with the broadcast: it is worth knowing
 };
 
 /// "224.0.23.60:4937 group 0": tells service lists apart.
@@ -231,6 +241,8 @@ struct SSummary {
     SGuideCounts guide;
     std::uint64_t faults = 0;
     std::map<EFault, std::uint64_t> faultsByCode;
+    std::uint64_t notes = 0;
+    std::map<EFault, std::uint64_t> notesByCode;
     std::vector<SFault> firstFaults;
 
     template <class TVisit>
@@ -257,6 +269,8 @@ struct SSummary {
         visit("guide", guide);
         visit("faults", faults);
         visit("faultsByCode", faultsByCode);
+        visit("notes", notes);
+        visit("notesByCode", notesByCode);
     }
 };
 
@@ -274,12 +288,15 @@ class IReportWriter {
     virtual void Guide(const SGuide& guide) = 0;
     virtual void Fault(const SFault& fault) = 0;
     virtual void Summary(const SSummary& summary) = 0;
+    /// Whether the summary is told of when only faults are wanted, too.
+    virtual bool AlwaysSummary() const { return false; }
 };
 
 /// What a run finds, on its way to the writer: counts it for the summary.
 class CReport {
   public:
-    /// With `quiet`, the writer is told of faults only; the page, if there is one, of everything.
+    /// With `quiet`, the writer is told of faults only, and of the summary if it always wants it; the page, if there
+    /// is one, of everything.
     CReport(IReportWriter& writer, bool quiet, IReportWriter* page = nullptr);
 
     void Table(const STable& table);

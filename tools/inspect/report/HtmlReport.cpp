@@ -198,7 +198,7 @@ void CHtmlReport::m_Slt(const STable& table, const TKey& key)
     for (std::size_t i = 0; i < table.slt->services.size(); ++i) {
         const TRow& row = rows[i + 1];
         SListed listed;
-        const SParseSLT::SService& service = table.slt->services[i];
+        const SSltService& service = table.slt->services[i];
         listed.id = static_cast<unsigned>(service.serviceId);
         if (service.hasBroadcastSvcSignaling) {
             listed.session =
@@ -206,7 +206,8 @@ void CHtmlReport::m_Slt(const STable& table, const TKey& key)
         }
         listed.title = "<b>" + HtmlText(row[0]) + "</b> " + (row[1] != "-" ? HtmlText(row[1]) + ' ' : "") +
                        HtmlIsolated(HtmlClipped(row[2], k_longTitle));
-        for (std::size_t cell = 1; cell < row.size(); ++cell) {
+        listed.notListed = service.notListed;
+        for (std::size_t cell = 1; cell + 1 < row.size(); ++cell) {
             listed.cells += "<td>" + (cell == 2 ? HtmlIsolated(row[cell]) : HtmlText(row[cell])) + "</td>";
         }
         listed.html =
@@ -374,7 +375,7 @@ void CHtmlReport::Fault(const SFault& fault)
 {
     const std::size_t file = m_See(fault.source);
     m_Add(m_faults, fault.source,
-          "<td>" + Badge("bad", FaultName(fault.code)) + "</td><td>" +
+          "<td>" + Badge(fault.note ? "" : "bad", FaultName(fault.code)) + "</td><td>" +
               HtmlText(HtmlClipped(fault.message, k_longLine)) + "</td>");
     if (fault.code == EFault::NO_SIGNALLING && fault.serviceId) {
         if (std::string* why = m_Find(m_missing, {file, fault.serviceList, std::to_string(*fault.serviceId)})) {
@@ -472,13 +473,14 @@ std::string CHtmlReport::m_Services() const
             const bool signalled = !missing && m_sessions.count({std::get<0>(key), service.session, {}}) != 0;
             const std::string link = "<a href=\"#s" + std::to_string(number) + '-' + std::to_string(i) + "\">";
             rows += "<tr>" + HtmlHeader("row", link + std::to_string(service.id) + "</a>") + service.cells + "<td>" +
-                    (signalled ? Badge("good", "received")
-                     : missing ? Badge("bad", "missing")
-                               : std::string("\u2013")) +
+                    (!service.notListed.empty() ? Badge("", "not listed") + ' ' + HtmlText(service.notListed)
+                     : signalled                ? Badge("good", "received")
+                     : missing                  ? Badge("bad", "missing")
+                                                : std::string("\u2013")) +
                     "</td></tr>";
         }
         std::vector<std::string> titles = ServiceRows({})[0];
-        titles.push_back("signalling");
+        titles.back() = "signalling";
         html += rows.empty() ? "<p class=\"muted\">No services.</p>" : HtmlTable("keep", titles, rows);
         ++number;
     }

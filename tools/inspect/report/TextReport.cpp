@@ -120,17 +120,18 @@ std::string FlagsText(const SParseSLT::SService& service)
     return flags;
 }
 
-TRow ServiceRow(const SParseSLT::SService& service)
+TRow ServiceRow(const SSltService& service)
 {
     const bool numbered = service.majorChannelNo != 0 || service.minorChannelNo != 0;
     TRow row = {std::to_string(service.serviceId),
                 numbered ? std::to_string(service.majorChannelNo) + '.' + std::to_string(service.minorChannelNo) : "-",
                 Printable(service.shortServiceName.value_or("-")),
-                Named(service.serviceCategory, ServiceCategoryName(service.serviceCategory)),
+                service.flagsRead ? Named(service.serviceCategory, ServiceCategoryName(service.serviceCategory)) : "-",
                 "-",
                 "-",
                 "-",
-                FlagsText(service)};
+                FlagsText(service),
+                service.notListed};
     if (service.hasBroadcastSvcSignaling) {
         row[4] = Named(service.slsProtocol, ProtocolName(service.slsProtocol));
         row[5] = EndpointText(service.slsDestinationIpAddress, static_cast<unsigned>(service.slsDestinationUdpPort));
@@ -149,12 +150,13 @@ std::string SltText(const SSlt& slt)
         text += "  URL" + (url.urlType >= 0 ? " of type " + Named(url.urlType, UrlTypeName(url.urlType)) : "") + ": " +
                 Printable(url.url) + '\n';
     }
-    return text + (slt.services.empty() ? std::string() : Aligned(ServiceRows(slt.services)));
+    return text + (slt.services.empty() ? std::string() : TableText(ServiceRows(slt.services)));
 }
 
 std::string FaultText(const SFault& fault)
 {
-    return Place(fault.source) + (IsInputFault(fault.code) ? "" : "fault: ") + Printable(fault.message) + '\n';
+    const char* kind = fault.note ? "note: " : IsInputFault(fault.code) ? "" : "fault: ";
+    return Place(fault.source) + kind + Printable(fault.message) + '\n';
 }
 
 /// Appends "; 3 of this kind"; nothing for none.
@@ -274,9 +276,10 @@ std::string PacketsText(const SPacketCounts& packets)
 
 }  // namespace
 
-std::vector<TRow> ServiceRows(const std::vector<SParseSLT::SService>& services)
+std::vector<TRow> ServiceRows(const std::vector<SSltService>& services)
 {
-    std::vector<TRow> rows = {{"id", "channel", "name", "category", "protocol", "destination", "source", "flags"}};
+    std::vector<TRow> rows = {
+        {"id", "channel", "name", "category", "protocol", "destination", "source", "flags", "not listed"}};
     std::transform(services.begin(), services.end(), std::back_inserter(rows), ServiceRow);
     return rows;
 }
@@ -292,7 +295,7 @@ std::string Headline(const STable& table)
     text += std::string(": ") + StatusText(table.status);
     if (table.slt) {
         text += ", bsid " + std::to_string(table.slt->bsid) + ", " + Counted(table.slt->services.size(), "service");
-        text += table.slt->dropped != 0 ? ", " + std::to_string(table.slt->dropped) + " dropped" : "";
+        text += table.slt->dropped != 0 ? ", " + std::to_string(table.slt->dropped) + " of them not listed" : "";
         return text + (table.slt->cmsSignedData ? ", with CMSSignedData" : "");
     }
     if (table.content) {
@@ -361,7 +364,7 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
     rows.push_back(
         {"services",
          std::to_string(summary.services) + " announced" +
-             (summary.servicesDropped != 0 ? "; " + std::to_string(summary.servicesDropped) + " dropped" : "")});
+             (summary.servicesDropped != 0 ? "; " + std::to_string(summary.servicesDropped) + " not listed" : "")});
     if (summary.route.sessions != 0) {
         rows.push_back({"ROUTE", RouteText(summary.route)});
     }
@@ -378,6 +381,9 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
         rows.push_back({"guide", GuideCountsText(summary.guide)});
     }
     rows.push_back({"faults", std::to_string(summary.faults)});
+    if (summary.notes != 0) {
+        rows.push_back({"notes", std::to_string(summary.notes)});
+    }
     return rows;
 }
 
