@@ -72,8 +72,12 @@ void CSessionFollower::Announce(const TGroup& group, std::vector<SListedService>
             m_Remove(session);
         }
     }
-    for (const auto& [key, session] : m_sessions) {
-        session->Announced();
+    for (const std::vector<SListedService>* list : {&m_services[group], &services}) {
+        for (const SListedService& service : *list) {
+            if (const auto session = m_sessions.find(service.session); session != m_sessions.end()) {
+                session->second->Announced();
+            }
+        }
     }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <numeric>
 #include <vector>
 
 #include "base/Names.h"
@@ -61,6 +62,12 @@ const char* StatusText(EStatus status)
         default:
             return StatusName(status);
     }
+}
+
+/// The same of an object of a session, whose version is its TOI.
+const char* ObjectStatusText(EStatus status)
+{
+    return status == EStatus::CHANGED_WITHOUT_VERSION ? "changed without a new TOI" : StatusText(status);
 }
 
 /// "of service 2001 on 239.255.7.1:30100", what a session's signalling is of.
@@ -187,7 +194,12 @@ std::string CountsText(const STableCounts& counts)
     std::string text;
     const CAdder add(text);
     add(counts.byStatus);
-    add(counts.notParsed, "did not parse");
+    const std::uint64_t all = std::accumulate(counts.byStatus.begin(), counts.byStatus.end(), std::uint64_t{0});
+    if (counts.notParsed + counts.byStatus[static_cast<std::size_t>(EStatus::REPEATED)] == all) {
+        text = counts.notParsed != 0 ? "none parsed: " + text : text;
+    } else {
+        add(counts.notParsed, "of them did not parse");
+    }
     if (counts.intervals != 0) {
         char mean[48];
         std::snprintf(mean, sizeof mean, "; every %.3f s on average",
@@ -289,7 +301,8 @@ std::string Headline(const STable& table)
     std::string text = TableTitle(table.header.tableId) + " version " + std::to_string(table.header.version) +
                        " group " + std::to_string(table.header.groupId);
     if (table.header.groupCountMinus1 != 0) {
-        text += " of " + Counted(table.header.groupCountMinus1 + 1u, "group");
+        // Group ids are names, not places in a row.
+        text += " (" + Counted(table.header.groupCountMinus1 + 1u, "group") + " in all)";
     }
     text += table.insideMultiTable ? ", in a signed multi-table" : "";
     text += std::string(": ") + StatusText(table.status);
@@ -310,7 +323,7 @@ std::string Headline(const SSignalling& signalling)
 {
     std::string text = "signalling" + SessionText(signalling.services, signalling.session);
     text += signalling.toi ? " TOI " + ToiText(*signalling.toi) : "";
-    return text + ": " + StatusText(signalling.status) + ", " + Counted(signalling.documents.size(), "document") +
+    return text + ": " + ObjectStatusText(signalling.status) + ", " + Counted(signalling.documents.size(), "document") +
            ", " + Counted(signalling.size, "byte") + (signalling.gzip ? " (gzip)" : "");
 }
 
@@ -335,7 +348,7 @@ std::string Headline(const SGuideObject& object)
     text += object.tsi ? " TSI " + std::to_string(*object.tsi) : "";
     text += object.toi ? " TOI " + ToiText(*object.toi) : "";
     text += object.contentLocation.empty() ? "" : ' ' + Printable(object.contentLocation);
-    text += std::string(": ") + StatusText(object.status) + ", " + Counted(object.size, "byte");
+    text += std::string(": ") + ObjectStatusText(object.status) + ", " + Counted(object.size, "byte");
     text += object.gzip ? " (gzip)" : "";
     return text + (object.content ? ", " + object.content->headline : ", did not parse");
 }
