@@ -1,4 +1,4 @@
-#include "Input.h"
+#include "wire/Input.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -69,6 +69,36 @@ TEST_F(SlsFollower, WhatIsNewOfEachObject)
     EXPECT_EQ(m_report.Summary().signalling.byStatus[static_cast<std::size_t>(EStatus::REPEATED)], 2u);
 }
 
+TEST_F(SlsFollower, AnObjectThatComesAgainCountsAgainstWhatHolds)
+{
+    const auto usbd = [](int service, const char* more) {
+        return "<BundleDescriptionROUTE><UserServiceDescription serviceId=\"" + std::to_string(service) + "\"" + more +
+               "/></BundleDescriptionROUTE>\n";
+    };
+    const std::string first = k_stsid + k_mpd;
+    const std::string second = k_stsid + "<MPD ></MPD>\n";
+    const TLines changed = {"changed; S-TSID unchanged same; MPD changed same"};
+    m_Take(1, first);
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(m_Take(2, second), changed);
+        EXPECT_EQ(m_Take(2, Gzip(second)), TLines());
+        EXPECT_EQ(m_Take(1, first), changed) << "the service has gone back";
+        EXPECT_EQ(m_Take(1, first), TLines());
+    }
+    // Documents that do not replace each other take turns in quiet.
+    m_Take(3, usbd(1, ""));
+    m_Take(4, usbd(2, "") + second);
+    m_Take(5, "no document");
+    for (const auto& [toi, object] : {std::pair(1u, first), {3u, usbd(1, "")}, {4u, usbd(2, "") + second}}) {
+        EXPECT_EQ(m_Take(toi, object), TLines()) << toi;
+    }
+    EXPECT_EQ(m_Take(5, "no document"), TLines()) << "told of once";
+    EXPECT_EQ(m_Take(6, usbd(2, " other=\"1\"")), TLines({"changed; BundleDescriptionROUTE changed same"}));
+    EXPECT_EQ(m_Take(3, usbd(1, "")), TLines());
+    EXPECT_EQ(m_Take(4, usbd(2, "") + second),
+              TLines({"changed; BundleDescriptionROUTE changed same; S-TSID unchanged same; MPD unchanged same"}));
+}
+
 TEST_F(SlsFollower, NothingOfAnEarlierPackageIsShownAgain)
 {
     m_Take(1, k_stsid + k_mpd);

@@ -137,12 +137,14 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
     }
     SSource source = {name, 0, {}};
     TDestinations destinations;
+    bool sessionsCaptured = false;
     CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) {
         const TEndpoint endpoint = {datagram.destination, datagram.destinationPort};
         if (const auto follower = followers.find(endpoint); follower != followers.end()) {
             follower->second->Take(datagram.payload, source);
             return;
         }
+        sessionsCaptured = true;
         bool taken = guideSessions.Take(datagram, source);
         for (const auto& protocol : sessions) {
             taken = protocol->Take(datagram, source) || taken;
@@ -159,8 +161,18 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             m_Finish(*follower);
         }
         if (!m_output.Ended()) {
+            const auto services = [this] { return m_report.Summary().routeServices + m_report.Summary().mmtpServices; };
+            const std::uint64_t before = services();
             for (const auto& protocol : sessions) {
-                protocol->Finish(name);
+                protocol->Finish(name, sessionsCaptured);
+            }
+            if (!sessionsCaptured && services() != before) {
+                SFault note = {EFault::NO_SESSIONS,
+                               "no session was captured beside the LLS: nothing can be said of the signalling of " +
+                                   Counted(services() - before, "service"),
+                               {name, 0, {}}};
+                note.note = true;
+                m_report.Fault(note);
             }
             guideSessions.Finish(name);
             guide.Finish(name, true);

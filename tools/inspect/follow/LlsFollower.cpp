@@ -119,9 +119,30 @@ SListedService ListedService(const SParseSLT::SService& service)
     return listed;
 }
 
+/// Whether only a setting or a rule of receivers drops the service, which may be as it should be.
+bool IsReceiversRule(const SParseSLT::SService& service, CParseSLT::EDropReason reason)
+{
+    constexpr int k_application = 3;  // needs no channel number
+    const bool unnumbered = service.serviceCategory == k_application;
+    switch (reason) {
+        case CParseSLT::DROP_NO_PROTECTED:
+        case CParseSLT::DROP_NO_HIDDEN:
+        case CParseSLT::DROP_NO_BROADBAND:
+        case CParseSLT::DROP_BROADBAND_UNSUPPORTED:
+            return true;
+        case CParseSLT::DROP_MAJOR_CHANNEL:
+            return unnumbered && service.majorChannelNo == 0;
+        case CParseSLT::DROP_MINOR_CHANNEL:
+            return unnumbered && service.minorChannelNo == 0;
+        default:
+            return false;
+    }
+}
+
 /// What the drop callback works on.
 struct SDrops {
     const STable& table;
+    std::vector<SSltService> services;
     std::vector<SFault> faults;
     std::vector<SAssertion> assertions;
 };
@@ -136,10 +157,14 @@ void HearDrop(void* userData, const SParseSLT::SService* service, CParseSLT::EDr
     drops.assertions.insert(drops.assertions.end(), assertions.begin(), assertions.end());
     const std::string name = service->shortServiceName ? " \"" + *service->shortServiceName + '"' : std::string();
     const char* attribute = DropAttribute(reason);
+    const std::string why = DropText(*service, reason);
+    drops.services.push_back(
+        {*service, why, reason > CParseSLT::DROP_NO_BROADBAND, reason > CParseSLT::DROP_BROADBAND_UNSUPPORTED});
     drops.faults.push_back(
         {EFault::SERVICE_DROPPED,
-         "service " + std::to_string(service->serviceId) + name + " dropped: " + DropText(*service, reason),
+         "service " + std::to_string(service->serviceId) + name + " is not listed by receivers: " + why,
          drops.table.source, drops.table.header, service->serviceId, attribute ? attribute : ""});
+    drops.faults.back().note = IsReceiversRule(*service, reason);
 }
 
 void HearParsed(void* userData, int)
@@ -286,7 +311,7 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SView bytes, const STable& table
     auto current = std::make_unique<SCurrentSlt>();
     bool parsed = false;
     const CParseSLT::SCallback callback = {&parsed, HearParsed};
-    SDrops drops = {table, {}, {}};
+    SDrops drops = {table, {}, {}, {}};
     const CParseSLT::SDropCallback dropCallback = {&drops, HearDrop};
     TakeAssertions();
     CParseSLT parser;
@@ -304,13 +329,15 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SView bytes, const STable& table
     outcome.reason = parsed ? std::string() : Reason();
     outcome.faults = std::move(drops.faults);
     if (parsed) {
-        outcome.slt.emplace().dropped = static_cast<unsigned>(outcome.faults.size());
+        SSlt& slt = outcome.slt.emplace();
+        slt.dropped = static_cast<unsigned>(drops.services.size());
         m_Read(parser, bytes, table, outcome);
         std::vector<SListedService> services;
         for (const SParseSLT::SService& service : outcome.slt->services) {
             current->services.push_back(service.service);
             services.push_back(ListedService(service));
         }
+        slt.services.insert(slt.services.end(), drops.services.begin(), drops.services.end());
         m_Hold(table.header.groupId, std::move(current), table, outcome);
         m_serviceListener(table.header.groupId, std::move(services));
     } else {
@@ -338,7 +365,7 @@ void CLlsFollower::m_Read(CParseSLT& parser, SView bytes, const STable& table, S
     std::string cms;
     slt.cmsSignedData = parser.CheckCMS(bytes.data, static_cast<int>(bytes.size), xml, cms);
     for (int i = 0; i < parser.ServiceCount(); ++i) {
-        const SParseSLT::SService& service = slt.services.emplace_back(*parser.GetServiceInfo(i));
+        const SSltService& service = slt.services.emplace_back(SSltService{*parser.GetServiceInfo(i), {}, true, true});
         for (const auto& [name, address] : {std::pair("slsDestinationIpAddress", service.slsDestinationIpAddress),
                                             std::pair("slsSourceIpAddress", service.slsSourceIpAddress)}) {
             if (address == k_noAddress) {

@@ -53,8 +53,12 @@ void CSessionFollower::Announce(const TGroup& group, std::vector<SListedService>
             m_Remove(session);
         }
     }
-    for (const auto& [key, session] : m_sessions) {
-        session->Announced();
+    for (const std::vector<SListedService>* list : {&m_services[group], &services}) {
+        for (const SListedService& service : *list) {
+            if (const auto session = m_sessions.find(service.session); session != m_sessions.end()) {
+                session->second->Announced();
+            }
+        }
     }
 }
 
@@ -80,7 +84,7 @@ bool CSessionFollower::Take(const SDatagram& datagram, const SSource& source)
     return taken;
 }
 
-void CSessionFollower::Finish(const std::string& file)
+void CSessionFollower::Finish(const std::string& file, bool captured)
 {
     const SSource source = {file, 0, {}};
     for (const auto& [key, session] : m_sessions) {
@@ -99,7 +103,11 @@ void CSessionFollower::Finish(const std::string& file)
     }
     for (const auto& [group, services] : m_services) {
         for (const SListedService& service : services) {
-            m_Judge(group, service, source);
+            if (captured) {
+                m_Judge(group, service, source);
+            } else {
+                ++(m_report.Summary().*m_protocol.services);
+            }
         }
     }
 }

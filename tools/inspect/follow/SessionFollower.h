@@ -68,8 +68,9 @@ class CSessionFollower {
     void Announce(const TGroup& group, std::vector<SListedService> services);
     /// Takes a datagram; false: it belongs to none of the sessions.
     bool Take(const SDatagram& datagram, const SSource& source);
-    /// The end of the input: adds to the summary, and tells which services were not signalled.
-    void Finish(const std::string& file);
+    /// The end of the input: adds to the summary, and tells which services were not signalled. Not `captured`: the
+    /// input has no sessions at all, and says nothing of their signalling.
+    void Finish(const std::string& file, bool captured);
 
   private:
     using TSessions = std::map<SServiceSession, std::unique_ptr<CSession>>;

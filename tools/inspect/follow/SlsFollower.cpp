@@ -32,24 +32,28 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     signalling.toi = toi;
     signalling.size = object.size;
     signalling.gzip = IsGzip(object);
-    SObject now = {object.size, ContentHash(object), 0};
+    SObject now = {object.size, ContentHash(object), 0, {}};
     const SObject* known = toi ? m_objects.Find(*toi) : nullptr;
     const bool sameToi = known != nullptr;
     const SObject before = sameToi ? *known : SObject{};
-    if (sameToi && before.size == now.size && before.hash == now.hash && !m_readAgain) {
+    // One that came before and whose documents were replaced since changes what holds.
+    const bool stands = sameToi && m_Stands(before);
+    if (stands && before.size == now.size && before.hash == now.hash && !m_readAgain) {
         return m_Repeated(signalling);
     }
     std::vector<unsigned char> inflated;
     const bool whole = !signalling.gzip || Gunzip(object, k_maxPackage, inflated);
     const SView text = signalling.gzip ? SView{inflated.data(), inflated.size()} : object;
     now.textHash = whole ? ContentHash(text) : 0;
+    const bool sameText = sameToi && whole && before.textHash == now.textHash;
+    now.brought = sameText ? before.brought : now.brought;
     if (toi) {
         m_objects.Hold(*toi) = now;
     }
     if (!whole) {
         return m_NotRead(toi, " does not inflate, or is larger than 8 MiB", source);
     }
-    if (sameToi && before.textHash == now.textHash) {
+    if (sameText && stands) {
         if (m_readAgain) {
             m_reader.Read(text, FindSlsDocuments(text));
             m_readAgain = m_reader.Stsid() == nullptr;
@@ -65,12 +69,13 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     signalling.contentType = PackageType(text);
     signalling.items = ReadEnvelope(text, envelopeReason);
     signalling.documents = m_reader.Read(text, texts);
-    signalling.status = m_Status(texts, signalling.documents, sameToi);
-    if (m_reader.UsbdService()) {
-        t_services.insert(*m_reader.UsbdService());
+    const bool changed = sameToi && !sameText;
+    signalling.status = m_Status(texts, signalling.documents, changed, now);
+    if (toi) {
+        m_objects.Hold(*toi) = now;
     }
     t_report.Signalling(signalling);
-    if (sameToi) {
+    if (changed) {
         t_Fault(EFault::CHANGED_WITHOUT_VERSION,
                 Title(*toi) + " changed without a new TOI (" + Counted(now.size, "byte") + ", before " +
                     std::to_string(before.size) + ')',
@@ -90,13 +95,42 @@ bool CSlsFollower::m_Repeated(SSignalling& signalling)
     return true;
 }
 
+/// Whether what the object brought is what holds.
+bool CSlsFollower::m_Stands(const SObject& object) const
+{
+    return std::all_of(object.brought.begin(), object.brought.end(), [this](const auto& document) {
+        const auto standing = m_documents.find(document.first);
+        return standing != m_documents.end() && standing->second.hash == document.second;
+    });
+}
+
+/// The slot of the service that the package is of: that of the first one, unless its USBD says something else.
+unsigned CSlsFollower::m_Service()
+{
+    const std::optional<unsigned> service = m_reader.UsbdService();
+    if (!service) {
+        return 0;
+    }
+    t_services.insert(*service);
+    if (m_slots.size() < k_maxServices) {
+        m_slots.try_emplace(*service, static_cast<unsigned>(m_slots.size()));
+    }
+    const auto known = m_slots.find(*service);
+    return known != m_slots.end() ? known->second : 0;
+}
+
 /// What is new of the object, and of each of its documents.
-EStatus CSlsFollower::m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, bool sameToi)
+EStatus CSlsFollower::m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, bool sameToi,
+                               SObject& object)
 {
     bool allNew = true;
     bool allUnchanged = true;
+    const unsigned service = m_Service();
+    object.brought.clear();
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        const EDocumentStatus status = m_Compare(texts[i], documents[i]);
+        const TSlot slot = {service, texts[i].kind};
+        const EDocumentStatus status = m_Compare(slot, texts[i], documents[i]);
+        object.brought.emplace_back(slot, m_documents[slot].hash);
         documents[i].status = status;
         allNew = allNew && status == EDocumentStatus::NEW;
         allUnchanged = allUnchanged && status == EDocumentStatus::UNCHANGED;
@@ -123,18 +157,19 @@ bool CSlsFollower::Has(const TToi& toi, const std::optional<std::uint64_t>& size
     return known != nullptr && (!size || *size == known->size);
 }
 
-EDocumentStatus CSlsFollower::m_Compare(const SSlsText& text, SSlsDocument& document)
+EDocumentStatus CSlsFollower::m_Compare(const TSlot& slot, const SSlsText& text, SSlsDocument& document)
 {
     const std::string shown = document.content ? document.content.Shown() : document.reason;
     const SDocument now = {ContentHash(text.bytes),
                            ContentHash({reinterpret_cast<const unsigned char*>(shown.data()), shown.size()})};
-    std::optional<SDocument>& last = m_documents[static_cast<std::size_t>(text.kind)];
-    const EDocumentStatus status = !last                    ? EDocumentStatus::NEW
-                                   : last->hash != now.hash ? EDocumentStatus::CHANGED
-                                                            : EDocumentStatus::UNCHANGED;
-    document.sameText = last && last->textHash == now.textHash;
-    last = now;
-    return status;
+    const auto [last, isNew] = m_documents.try_emplace(slot, now);
+    if (isNew) {
+        return EDocumentStatus::NEW;
+    }
+    const bool changed = last->second.hash != now.hash;
+    document.sameText = last->second.textHash == now.textHash;
+    last->second = now;
+    return changed ? EDocumentStatus::CHANGED : EDocumentStatus::UNCHANGED;
 }
 
 /// Of a raw file, its reader tells.

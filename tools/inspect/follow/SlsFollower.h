@@ -37,10 +37,15 @@ class CSlsFollower : public CFollower {
   private:
     static constexpr std::size_t k_maxObjects = 64;
 
+    static constexpr std::size_t k_maxServices = 64;
+
+    /// Documents of one kind replace each other; those of another service on the session do not.
+    using TSlot = std::pair<unsigned, ESlsDocument>;
     struct SObject {
         std::size_t size = 0;
-        std::uint64_t hash = 0;      ///< as sent
-        std::uint64_t textHash = 0;  ///< inflated
+        std::uint64_t hash = 0;                                ///< as sent
+        std::uint64_t textHash = 0;                            ///< inflated
+        std::vector<std::pair<TSlot, std::uint64_t>> brought;  ///< its documents
     };
     struct SDocument {
         std::uint64_t hash = 0;
@@ -48,14 +53,18 @@ class CSlsFollower : public CFollower {
     };
 
     bool m_Repeated(SSignalling& signalling);
-    EStatus m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, bool sameToi);
+    bool m_Stands(const SObject& object) const;
+    unsigned m_Service();
+    EStatus m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, bool sameToi,
+                     SObject& object);
     void m_DocumentFaults(const std::vector<SSlsDocument>& documents, const SSource& source);
-    EDocumentStatus m_Compare(const SSlsText& text, SSlsDocument& document);
+    EDocumentStatus m_Compare(const TSlot& slot, const SSlsText& text, SSlsDocument& document);
     bool m_NotRead(const std::optional<TToi>& toi, const char* why, const SSource& source);
 
     CSlsReader m_reader;
     CBoundedMap<TToi, SObject> m_objects{k_maxObjects};
-    std::array<std::optional<SDocument>, k_slsDocuments> m_documents;
+    std::map<TSlot, SDocument> m_documents;  ///< what stands
+    std::map<unsigned, unsigned> m_slots;    ///< of the services of the USBDs that came; 0 is the first one's
     bool m_readAgain = false;
 };
 

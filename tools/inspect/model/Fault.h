@@ -35,6 +35,7 @@ enum class EFault {
     DOCUMENT_NOT_PARSED,
     MESSAGE_NOT_PARSED,
     NO_SIGNALLING,
+    NO_SESSIONS,
     GUIDE_NOT_PARSED,
     GUIDE_INCOMPLETE,
     GUIDE_TOO_LARGE
@@ -67,6 +68,7 @@ constexpr const char* k_faultNames[] = {"input-missing",
                                         "document-not-parsed",
                                         "message-not-parsed",
                                         "no-signalling",
+                                        "no-sessions",
                                         "guide-not-parsed",
                                         "guide-incomplete",
                                         "guide-too-large"};
@@ -79,6 +81,7 @@ struct SFault {
     std::optional<unsigned> serviceId = std::nullopt;
     std::string attribute = {};
     std::string serviceList = {};  ///< as ServiceListName has it: of the service that is not signalled
+    bool note = false;             ///< nothing is wrong with the broadcast: it is worth knowing
 };
 
 /// "table-not-parsed" and the like.

@@ -13,13 +13,20 @@
 
 namespace vyr::inspect {
 
+/// A service of the service list table; its channel map handle is not to be used.
+struct SSltService : SParseSLT::SService {
+    std::string notListed;   ///< why a receiver does not list it; empty: it does
+    bool flagsRead = true;   ///< whether its flags, channel and category were read before it was left
+    bool othersRead = true;  ///< and what is behind them
+};
+
 /// What the service list table holds.
 struct SSlt {
     int bsid = 0;
     std::string capabilities;
     std::vector<SParseSLT::SSltInetUrl> inetUrls;
-    std::vector<SParseSLT::SService> services;  ///< their channel map handles are not to be used
-    unsigned dropped = 0;
+    std::vector<SSltService> services;  ///< first those that a receiver lists
+    unsigned dropped = 0;               ///< those that it does not
     bool cmsSignedData = false;
 };
 

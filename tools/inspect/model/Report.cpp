@@ -71,6 +71,12 @@ void CReport::Guide(const SGuide& guide)
 
 void CReport::Fault(const SFault& fault)
 {
+    if (fault.note) {
+        ++m_summary.notes;
+        ++m_summary.notesByCode[fault.code];
+        m_Tell([&](IReportWriter& writer) { writer.Fault(fault); });
+        return;
+    }
     ++m_summary.faults;
     ++m_summary.faultsByCode[fault.code];
     if (m_summary.firstFaults.size() < k_firstFaults) {
@@ -85,6 +91,9 @@ void CReport::Fault(const SFault& fault)
 void CReport::Finish()
 {
     m_Tell([&](IReportWriter& writer) { writer.Summary(m_summary); });
+    if (m_quiet && m_writer.AlwaysSummary()) {
+        m_writer.Summary(m_summary);
+    }
 }
 
 }  // namespace vyr::inspect

@@ -10,7 +10,8 @@ namespace vyr::inspect {
 /// What a run finds, on its way to the writer: counts it for the summary.
 class CReport {
   public:
-    /// With `quiet`, the writer is told of faults only; the page, if there is one, of everything.
+    /// With `quiet`, the writer is told of faults only, and of the summary if it always wants it; the page, if there
+    /// is one, of everything.
     CReport(IReportWriter& writer, bool quiet, IReportWriter* page = nullptr);
 
     void Table(const STable& table);

@@ -38,6 +38,8 @@ struct SSummary {
     SGuideCounts guide;
     std::uint64_t faults = 0;
     std::map<EFault, std::uint64_t> faultsByCode;
+    std::uint64_t notes = 0;
+    std::map<EFault, std::uint64_t> notesByCode;
     std::vector<SFault> firstFaults;
 
     template <class TVisit>
@@ -64,6 +66,8 @@ struct SSummary {
         visit("guide", guide);
         visit("faults", faults);
         visit("faultsByCode", faultsByCode);
+        visit("notes", notes);
+        visit("notesByCode", notesByCode);
     }
 };
 
@@ -78,6 +82,8 @@ class IReportWriter {
     virtual void Guide(const SGuide& guide) = 0;
     virtual void Fault(const SFault& fault) = 0;
     virtual void Summary(const SSummary& summary) = 0;
+    /// Whether the summary is told of when only faults are wanted, too.
+    virtual bool AlwaysSummary() const { return false; }
 };
 
 }  // namespace vyr::inspect

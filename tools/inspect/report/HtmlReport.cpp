@@ -114,13 +114,14 @@ std::string CHtmlReport::m_Services() const
             const bool signalled = !missing && t_sessions.count({std::get<0>(key), service.session, {}}) != 0;
             const std::string link = "<a href=\"#s" + std::to_string(number) + '-' + std::to_string(i) + "\">";
             rows += "<tr>" + HtmlHeader("row", link + std::to_string(service.id) + "</a>") + service.cells + "<td>" +
-                    (signalled ? HtmlBadge("good", "received")
-                     : missing ? HtmlBadge("bad", "missing")
-                               : std::string("\u2013")) +
+                    (!service.notListed.empty() ? HtmlBadge("", "not listed") + ' ' + HtmlText(service.notListed)
+                     : signalled                ? HtmlBadge("good", "received")
+                     : missing                  ? HtmlBadge("bad", "missing")
+                                                : std::string("\u2013")) +
                     "</td></tr>";
         }
         std::vector<std::string> titles = ServiceRows({})[0];
-        titles.push_back("signalling");
+        titles.back() = "signalling";
         html += rows.empty() ? "<p class=\"muted\">No services.</p>" : HtmlTable("keep", titles, rows);
         ++number;
     }

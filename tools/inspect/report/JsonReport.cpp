@@ -160,7 +160,7 @@ std::string JsonLine(const TJson& json)
 
 }  // namespace
 
-TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
+TJson ServiceJson(const STable& table, const SSltService& service)
 {
     TJson json = Object("service");
     json["source"] = SourceJson(table.source);
@@ -170,8 +170,14 @@ TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
     PutHeader(json, table.header);
     json["bsid"] = table.slt->bsid;
     json["serviceId"] = service.serviceId;
+    json["listed"] = service.notListed.empty();
+    PutText(json, "notListedBecause", service.notListed);
     PutValue(json, "globalServiceID", service.globalServiceId);
     json["sltSvcSeqNum"] = service.sltSvcSeqNum;
+    if (!service.flagsRead) {
+        PutValue(json, "shortServiceName", service.shortServiceName);
+        return json;
+    }
     json["protected"] = service.isProtected;
     if (service.majorChannelNo != 0 || service.minorChannelNo != 0) {
         json["majorChannelNo"] = service.majorChannelNo;
@@ -181,6 +187,9 @@ TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
     PutValue(json, "shortServiceName", service.shortServiceName);
     json["hidden"] = service.hidden;
     json["broadbandAccessRequired"] = service.broadbandAccessRequired;
+    if (!service.othersRead) {
+        return json;
+    }
     PutValue(json, "svcCapabilities", service.svcCapabilities);
     if (!service.drmSystemID.empty()) {
         json["drmSystemID"] = service.drmSystemID;
@@ -243,7 +252,7 @@ TJson TableJson(const STable& table)
             json["sltInetUrl"].push_back(UrlJson(url.urlType, url.url));
         }
         json["cmsSignedData"] = table.slt->cmsSignedData;
-        json["services"] = table.slt->services.size();
+        json["services"] = table.slt->services.size() - table.slt->dropped;
         json["servicesDropped"] = table.slt->dropped;
     }
     return json;
@@ -266,7 +275,7 @@ void CJsonReport::Table(const STable& table)
 {
     m_output.Write(JsonLine(TableJson(table)));
     if (table.slt) {
-        for (const SParseSLT::SService& service : table.slt->services) {
+        for (const SSltService& service : table.slt->services) {
             m_output.Write(JsonLine(ServiceJson(table, service)));
         }
     }
@@ -363,7 +372,7 @@ void CJsonReport::Guide(const SGuide& guide)
 
 void CJsonReport::Fault(const SFault& fault)
 {
-    TJson json = Object("fault");
+    TJson json = Object(fault.note ? "note" : "fault");
     json["source"] = SourceJson(fault.source);
     json["code"] = FaultName(fault.code);
     json["message"] = fault.message;

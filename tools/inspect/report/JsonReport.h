@@ -11,7 +11,7 @@ namespace vyr::inspect {
 
 /// The objects of the JSON report that other forms show as well.
 TJson TableJson(const STable& table);
-TJson ServiceJson(const STable& table, const SParseSLT::SService& service);
+TJson ServiceJson(const STable& table, const SSltService& service);
 TJson EnvelopeJson(const std::vector<SEnvelopeItem>& items);
 
 /// The report for programs: one JSON object per line, complete in itself.
@@ -26,6 +26,7 @@ class CJsonReport : public IReportWriter {
     void Guide(const SGuide& guide) override;
     void Fault(const SFault& fault) override;
     void Summary(const SSummary& summary) override;
+    bool AlwaysSummary() const override { return true; }
 
   private:
     COutput& m_output;

@@ -175,7 +175,7 @@ void CPageModel::m_Slt(const STable& table, const TKey& key)
     for (std::size_t i = 0; i < table.slt->services.size(); ++i) {
         const TRow& row = rows[i + 1];
         SListed listed;
-        const SParseSLT::SService& service = table.slt->services[i];
+        const SSltService& service = table.slt->services[i];
         listed.id = static_cast<unsigned>(service.serviceId);
         if (service.hasBroadcastSvcSignaling) {
             listed.session =
@@ -183,7 +183,8 @@ void CPageModel::m_Slt(const STable& table, const TKey& key)
         }
         listed.title = "<b>" + HtmlText(row[0]) + "</b> " + (row[1] != "-" ? HtmlText(row[1]) + ' ' : "") +
                        HtmlIsolated(HtmlClipped(row[2], k_longTitle));
-        for (std::size_t cell = 1; cell < row.size(); ++cell) {
+        listed.notListed = service.notListed;
+        for (std::size_t cell = 1; cell + 1 < row.size(); ++cell) {
             listed.cells += "<td>" + (cell == 2 ? HtmlIsolated(row[cell]) : HtmlText(row[cell])) + "</td>";
         }
         listed.html =
@@ -351,7 +352,7 @@ void CPageModel::Fault(const SFault& fault)
 {
     const std::size_t file = m_See(fault.source);
     m_Add(t_faults, fault.source,
-          "<td>" + HtmlBadge("bad", FaultName(fault.code)) + "</td><td>" +
+          "<td>" + HtmlBadge(fault.note ? "" : "bad", FaultName(fault.code)) + "</td><td>" +
               HtmlText(HtmlClipped(fault.message, k_longLine)) + "</td>");
     if (fault.code == EFault::NO_SIGNALLING && fault.serviceId) {
         if (std::string* why = m_Find(t_missing, {file, fault.serviceList, std::to_string(*fault.serviceId)})) {

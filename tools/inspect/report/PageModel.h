@@ -44,8 +44,9 @@ class CPageModel : public IReportWriter {
     };
     struct SListed {
         unsigned id = 0;
-        std::string session;  ///< that signals it; empty: none
-        std::string title;    ///< markup, as the two that follow
+        std::string session;    ///< that signals it; empty: none
+        std::string notListed;  ///< why a receiver does not list it; empty: it does
+        std::string title;      ///< markup, as the two that follow
         std::string cells;
         std::string html;
     };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <numeric>
 #include <vector>
 
 #include "base/Names.h"
@@ -62,6 +63,12 @@ const char* StatusText(EStatus status)
     }
 }
 
+/// The same of an object of a session, whose version is its TOI.
+const char* ObjectStatusText(EStatus status)
+{
+    return status == EStatus::CHANGED_WITHOUT_VERSION ? "changed without a new TOI" : StatusText(status);
+}
+
 /// "of service 2001 on 239.255.7.1:30100", what a session's signalling is of.
 std::string SessionText(const std::vector<unsigned>& serviceIds, const std::string& session)
 {
@@ -119,17 +126,18 @@ std::string FlagsText(const SParseSLT::SService& service)
     return flags;
 }
 
-TRow ServiceRow(const SParseSLT::SService& service)
+TRow ServiceRow(const SSltService& service)
 {
     const bool numbered = service.majorChannelNo != 0 || service.minorChannelNo != 0;
     TRow row = {std::to_string(service.serviceId),
                 numbered ? std::to_string(service.majorChannelNo) + '.' + std::to_string(service.minorChannelNo) : "-",
                 Printable(service.shortServiceName.value_or("-")),
-                Named(service.serviceCategory, ServiceCategoryName(service.serviceCategory)),
+                service.flagsRead ? Named(service.serviceCategory, ServiceCategoryName(service.serviceCategory)) : "-",
                 "-",
                 "-",
                 "-",
-                FlagsText(service)};
+                FlagsText(service),
+                service.notListed};
     if (service.hasBroadcastSvcSignaling) {
         row[4] = Named(service.slsProtocol, ProtocolName(service.slsProtocol));
         row[5] = EndpointText(service.slsDestinationIpAddress, static_cast<unsigned>(service.slsDestinationUdpPort));
@@ -148,12 +156,13 @@ std::string SltText(const SSlt& slt)
         text += "  URL" + (url.urlType >= 0 ? " of type " + Named(url.urlType, UrlTypeName(url.urlType)) : "") + ": " +
                 Printable(url.url) + '\n';
     }
-    return text + (slt.services.empty() ? std::string() : Aligned(ServiceRows(slt.services)));
+    return text + (slt.services.empty() ? std::string() : TableText(ServiceRows(slt.services)));
 }
 
 std::string FaultText(const SFault& fault)
 {
-    return Place(fault.source) + (IsInputFault(fault.code) ? "" : "fault: ") + Printable(fault.message) + '\n';
+    const char* kind = fault.note ? "note: " : IsInputFault(fault.code) ? "" : "fault: ";
+    return Place(fault.source) + kind + Printable(fault.message) + '\n';
 }
 
 /// Appends "; 3 of this kind"; nothing for none.
@@ -184,7 +193,12 @@ std::string CountsText(const STableCounts& counts)
     std::string text;
     const CAdder add(text);
     add(counts.byStatus);
-    add(counts.notParsed, "did not parse");
+    const std::uint64_t all = std::accumulate(counts.byStatus.begin(), counts.byStatus.end(), std::uint64_t{0});
+    if (counts.notParsed + counts.byStatus[static_cast<std::size_t>(EStatus::REPEATED)] == all) {
+        text = counts.notParsed != 0 ? "none parsed: " + text : text;
+    } else {
+        add(counts.notParsed, "of them did not parse");
+    }
     if (counts.intervals != 0) {
         char mean[48];
         std::snprintf(mean, sizeof mean, "; every %.3f s on average",
@@ -273,9 +287,10 @@ std::string PacketsText(const SPacketCounts& packets)
 
 }  // namespace
 
-std::vector<TRow> ServiceRows(const std::vector<SParseSLT::SService>& services)
+std::vector<TRow> ServiceRows(const std::vector<SSltService>& services)
 {
-    std::vector<TRow> rows = {{"id", "channel", "name", "category", "protocol", "destination", "source", "flags"}};
+    std::vector<TRow> rows = {
+        {"id", "channel", "name", "category", "protocol", "destination", "source", "flags", "not listed"}};
     std::transform(services.begin(), services.end(), std::back_inserter(rows), ServiceRow);
     return rows;
 }
@@ -285,13 +300,14 @@ std::string Headline(const STable& table)
     std::string text = TableTitle(table.header.tableId) + " version " + std::to_string(table.header.version) +
                        " group " + std::to_string(table.header.groupId);
     if (table.header.groupCountMinus1 != 0) {
-        text += " of " + Counted(table.header.groupCountMinus1 + 1u, "group");
+        // Group ids are names, not places in a row.
+        text += " (" + Counted(table.header.groupCountMinus1 + 1u, "group") + " in all)";
     }
     text += table.insideMultiTable ? ", in a signed multi-table" : "";
     text += std::string(": ") + StatusText(table.status);
     if (table.slt) {
         text += ", bsid " + std::to_string(table.slt->bsid) + ", " + Counted(table.slt->services.size(), "service");
-        text += table.slt->dropped != 0 ? ", " + std::to_string(table.slt->dropped) + " dropped" : "";
+        text += table.slt->dropped != 0 ? ", " + std::to_string(table.slt->dropped) + " of them not listed" : "";
         return text + (table.slt->cmsSignedData ? ", with CMSSignedData" : "");
     }
     if (table.content) {
@@ -306,7 +322,7 @@ std::string Headline(const SSignalling& signalling)
 {
     std::string text = "signalling" + SessionText(signalling.services, signalling.session);
     text += signalling.toi ? " TOI " + ToiText(*signalling.toi) : "";
-    return text + ": " + StatusText(signalling.status) + ", " + Counted(signalling.documents.size(), "document") +
+    return text + ": " + ObjectStatusText(signalling.status) + ", " + Counted(signalling.documents.size(), "document") +
            ", " + Counted(signalling.size, "byte") + (signalling.gzip ? " (gzip)" : "");
 }
 
@@ -331,7 +347,7 @@ std::string Headline(const SGuideObject& object)
     text += object.tsi ? " TSI " + std::to_string(*object.tsi) : "";
     text += object.toi ? " TOI " + ToiText(*object.toi) : "";
     text += object.contentLocation.empty() ? "" : ' ' + Printable(object.contentLocation);
-    text += std::string(": ") + StatusText(object.status) + ", " + Counted(object.size, "byte");
+    text += std::string(": ") + ObjectStatusText(object.status) + ", " + Counted(object.size, "byte");
     text += object.gzip ? " (gzip)" : "";
     return text + (object.content ? ", " + object.content->headline : ", did not parse");
 }
@@ -360,7 +376,7 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
     rows.push_back(
         {"services",
          std::to_string(summary.services) + " announced" +
-             (summary.servicesDropped != 0 ? "; " + std::to_string(summary.servicesDropped) + " dropped" : "")});
+             (summary.servicesDropped != 0 ? "; " + std::to_string(summary.servicesDropped) + " not listed" : "")});
     if (summary.route.sessions != 0) {
         rows.push_back({"ROUTE", RouteText(summary.route)});
     }
@@ -377,6 +393,9 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
         rows.push_back({"guide", GuideCountsText(summary.guide)});
     }
     rows.push_back({"faults", std::to_string(summary.faults)});
+    if (summary.notes != 0) {
+        rows.push_back({"notes", std::to_string(summary.notes)});
+    }
     return rows;
 }
 

@@ -16,7 +16,7 @@ std::string Headline(const SSignalling& signalling);
 std::string Headline(const SMessage& message);
 std::string Headline(const SGuideObject& object);
 /// The services of a list, below their column titles.
-std::vector<TRow> ServiceRows(const std::vector<SParseSLT::SService>& services);
+std::vector<TRow> ServiceRows(const std::vector<SSltService>& services);
 /// What the summary counts, each behind its label.
 std::vector<TRow> SummaryRows(const SSummary& summary);
 
