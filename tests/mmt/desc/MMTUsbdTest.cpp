@@ -115,7 +115,8 @@ TEST_F(MMTUsbdTest, ServiceDescription)
         ASSERT_TRUE(Parse(std::string("<m:bundleDescriptionMMT xmlns:m='u'><m:userServiceDescription ") + c.attributes +
                           "/></m:bundleDescriptionMMT>"));
         EXPECT_STREQ(m_usbd.GlobalServiceId(), c.globalServiceId);
-        EXPECT_TRUE(m_usbd.ServiceId() == c.serviceId && m_usbd.ServiceStatus() == c.status);
+        EXPECT_TRUE(m_usbd.ServiceId() == c.serviceId && m_usbd.ServiceStatus() == c.status &&
+                    m_usbd.State()->givenServiceStatus.value_or(c.status) == (c.serviceId == 3 || c.status));
     }
 }
 

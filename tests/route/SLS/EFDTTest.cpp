@@ -56,7 +56,9 @@ TEST_F(EFDTTest, EveryField)
     ASSERT_TRUE(
         Parse("<EFDT tsi='7' idRef='id' version='2' maxExpiresDelta='3' maxTransportSize='4294967295'>"
               "<FileTemplate>t$TOI$</FileTemplate><x:FDT-Instance xmlns:x='u:x' xmlns:a='u:a' Expires='4000000000' "
-              "Content-Type='text/xml' Content-Encoding='gzip' a:appContextIdList='a b  c ' a:efdtVersion='9'>"
+              "Content-Type='text/xml' Content-Encoding='gzip' a:appContextIdList='a b  c ' a:efdtVersion='9' "
+              "a:fileTemplate='n$TOI$' a:maxExpiresDelta='0' "
+              "a:maxTransportSize='4294967296'>"
               "<File Content-Location='l' TOI='18446744073709551615' Transfer-Length='5' Content-Length='6' "
               "Content-Type='ct' Content-Encoding='ce' appContextIdList='d'/><File/></x:FDT-Instance></EFDT>"));
     const SEFDTInfo& info = *m_efdt.GetEFDTInfo();
@@ -66,6 +68,8 @@ TEST_F(EFDTTest, EveryField)
     EXPECT_STREQ(info.fileTemplate, "t$TOI$");
     const SFDTGlobal& global = *info.fdtGlobal;
     EXPECT_TRUE(global.expires == 4000000000 && global.efdtVersion == 9);
+    EXPECT_TRUE(global.fileTemplate == "n$TOI$" && global.maxExpiresDelta == 0 &&
+                global.maxTransportSize == 4294967296);
     EXPECT_STREQ(global.contentType, "text/xml");
     EXPECT_STREQ(global.contentEncoding, "gzip");
     EXPECT_EQ(global.appContextIdList, (std::list<std::string>{"a", "b", "", "c"}));
@@ -85,6 +89,8 @@ TEST_F(EFDTTest, DefaultsOrderAndReplacement)
     EXPECT_TRUE(info.tsi == 0xFFFFFFFF && info.version == 0xFFFFFFFF && !info.fileTemplate);
     EXPECT_STREQ(info.idRef, "");
     EXPECT_TRUE(info.fdtGlobal->expires == -1 && !info.fdtGlobal->contentType && info.fdtGlobal->efdtVersion == -1);
+    EXPECT_TRUE(info.fdtGlobal->fileTemplate.empty() && info.fdtGlobal->maxExpiresDelta == -1 &&
+                info.fdtGlobal->maxTransportSize == -1);
     EXPECT_EQ(Files(), ",2,-1,-1,,;");  // the file before any instance has nothing to join
     EXPECT_EQ(Logged("[CEFDT::sm_CbFile] no FDT instance before the file"), 1);
     EXPECT_EQ(Logged("not exist!!"), 4);
