@@ -384,6 +384,20 @@ std::vector<nlohmann::json> Lines(const std::string& text)
     return lines;
 }
 
+TEST(Inspect, AnInstantReadsTheSameEverywhere)
+{
+    const CTemporary page;
+    CCapture capture(1, 65535, true);
+    const std::string bytes = capture.AddLls(Slt(Service(1), 1)).Bytes();
+    std::string odd = bytes;
+    odd.replace(28, 4, Number(999999999, 4));  // the nanoseconds of the packet
+    EXPECT_NE(Inspect("--html '" + page.Name() + "' -", odd).out.find("packet 1, 2027-01-15T08:00:00.999999999Z  SLT"),
+              std::string::npos);
+    EXPECT_NE(ReadFile(page.Name()).find("datetime=\"2027-01-15T08:00:00.999999999Z\">08:00:00.999999999<"),
+              std::string::npos);
+    EXPECT_EQ(Lines(Inspect("--json -", odd).out)[0]["source"]["time"], "2027-01-15T08:00:00.999999999Z");
+}
+
 TEST(Inspect, EveryJsonLineStandsAlone)
 {
     for (const SGolden& golden : Goldens()) {

@@ -388,7 +388,7 @@ std::string CHtmlReport::m_Where(const SSource& source) const
     std::string html = m_files.size() > 1 ? HtmlIsolated(source.file) + ' ' : std::string();
     html += source.packet != 0 ? "packet " + std::to_string(source.packet) : "";
     if (source.time) {
-        const std::string time = EpochText(Seconds(*source.time));
+        const std::string time = InstantText(source.time->seconds, source.time->nanoseconds);
         const bool oneDay = m_first && m_last && m_first->seconds / 86400 == m_last->seconds / 86400;
         const std::string shown = oneDay && time.size() > 11 ? time.substr(11, time.size() - 12) : time;
         html += ", <time datetime=\"" + HtmlText(time) + "\">" + HtmlText(shown) + "</time>";
@@ -434,7 +434,8 @@ std::string CHtmlReport::m_Head() const
     html += ": " + title + "</title><style>" + k_htmlStyle + "</style></head>\n<body>\n" +
             "<header><h1>ATSC 3.0 signalling</h1><div>" + files + "</div>";
     if (m_first && m_last) {
-        html += "<p class=\"muted\">" + EpochText(Seconds(*m_first)) + " to " + EpochText(Seconds(*m_last)) + "</p>";
+        html += "<p class=\"muted\">" + InstantText(m_first->seconds, m_first->nanoseconds) + " to " +
+                InstantText(m_last->seconds, m_last->nanoseconds) + "</p>";
     }
     return html + "</header>\n";
 }

@@ -1,7 +1,5 @@
 #include "JsonReport.h"
 
-#include <cstdio>
-#include <ctime>
 #include <nlohmann/json.hpp>
 
 #include "Guide.h"
@@ -21,19 +19,6 @@ TJson Object(const char* type)
     return {{"schema_version", k_schemaVersion}, {"type", type}};
 }
 
-std::string TimeText(const STime& time)
-{
-    const std::time_t seconds = static_cast<std::time_t>(time.seconds);
-    std::tm utc{};
-    gmtime_r(&seconds, &utc);
-    char text[80];
-    const bool fine = time.nanoseconds % 1000 != 0;
-    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%0*dZ", utc.tm_year + 1900, utc.tm_mon + 1,
-                  utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec, fine ? 9 : 6,
-                  fine ? time.nanoseconds : time.nanoseconds / 1000);
-    return text;
-}
-
 TJson SourceJson(const SSource& source)
 {
     TJson json = {{"file", source.file}};
@@ -41,7 +26,7 @@ TJson SourceJson(const SSource& source)
         json["packet"] = source.packet;
     }
     if (source.time) {
-        json["time"] = TimeText(*source.time);
+        json["time"] = InstantText(source.time->seconds, source.time->nanoseconds, 6);
     }
     return json;
 }

@@ -1,6 +1,7 @@
 #include "LlsFollower.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <set>
 #include <utility>
 
@@ -37,9 +38,14 @@ const char* Encoding(SView payload)
     return at < payload.size && payload[at] == '<' ? "XML" : "binary";
 }
 
-double Seconds(const STime& time)
+/// Seconds from one instant to another, the double that is nearest to them.
+double Between(const STime& from, const STime& to)
 {
-    return static_cast<double>(time.seconds) + time.nanoseconds / 1e9;
+    constexpr std::int64_t k_nanoseconds = 1000000000;
+    const std::int64_t seconds = to.seconds - from.seconds;
+    return std::llabs(seconds) < k_nanoseconds
+               ? static_cast<double>(seconds * k_nanoseconds + to.nanoseconds - from.nanoseconds) / 1e9
+               : static_cast<double>(seconds);
 }
 
 unsigned Key(const SLlsHeader& header)
@@ -251,8 +257,8 @@ EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SView payload, STable&
     const std::uint64_t hash = ContentHash(payload);
     const auto [entry, isNew] = m_states.try_emplace(Key(header));
     SState& state = entry->second;
-    if (source.time && state.lastSeen && Seconds(*source.time) >= Seconds(*state.lastSeen)) {
-        table.interval = Seconds(*source.time) - Seconds(*state.lastSeen);
+    if (source.time && state.lastSeen && Between(*state.lastSeen, *source.time) >= 0) {
+        table.interval = Between(*state.lastSeen, *source.time);
     }
     const bool sameContent = state.size == payload.size && state.hash == hash;
     const bool sameVersion = state.header.version == header.version;

@@ -18,23 +18,12 @@ namespace {
 
 constexpr std::size_t k_shownBytes = 16;
 
-std::string ClockText(const STime& time)
-{
-    const std::time_t seconds = static_cast<std::time_t>(time.seconds);
-    std::tm utc{};
-    gmtime_r(&seconds, &utc);
-    char text[48];
-    std::snprintf(text, sizeof text, "%02d:%02d:%02d.%03d", utc.tm_hour, utc.tm_min, utc.tm_sec,
-                  time.nanoseconds / 1000000);
-    return text;
-}
-
 std::string Place(const SSource& source)
 {
     std::string text = Printable(source.file) + ':';
     if (source.packet != 0) {
         text += " packet " + std::to_string(source.packet);
-        text += source.time ? ", " + ClockText(*source.time) + ' ' : std::string(" ");
+        text += source.time ? ", " + InstantText(source.time->seconds, source.time->nanoseconds) + ' ' : " ";
     }
     return text + ' ';
 }
