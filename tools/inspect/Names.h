@@ -8,6 +8,7 @@ namespace vyr::inspect {
 const char* ServiceCategoryName(int category);
 const char* ProtocolName(int protocol);
 const char* UrlTypeName(int urlType);
+const char* PayloadFormatName(long long formatId);
 const char* AlertTypeName(int type);
 const char* AudienceName(int audience);
 const char* LocationTypeName(int type);
