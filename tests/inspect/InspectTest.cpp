@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -382,6 +383,104 @@ std::vector<nlohmann::json> Lines(const std::string& text)
         lines.push_back(nlohmann::json::parse(line));
     }
     return lines;
+}
+
+/// The table in a file of its own, as the tool shows it; `json` gets its line.
+std::string Shown(unsigned id, const std::string& xml, nlohmann::json& json)
+{
+    const std::string table = Number(id, 1) + std::string("\0\0\1", 3) + xml;
+    json = Lines(Inspect("--json -", table).out).front();
+    const std::string text = Inspect("-", table).out;
+    return text.substr(0, text.find("\n\n"));
+}
+
+TEST(Inspect, TimesAreWhatTheBroadcastSays)
+{
+    const struct {
+        const char *attributes, *headline;
+        nlohmann::json json;
+    } k_times[] = {
+        {"", "no times", {}},
+        {"currentUtcOffset='0' ptpPrepend='0' leap59='false' dsStatus='0' dsDayOfMonth='0' dsHour='0'",
+         "TAI-UTC 0 s",
+         {{"currentUtcOffset", 0},
+          {"ptpPrepend", 0},
+          {"leap59", false},
+          {"dsStatus", false},
+          {"dsDayOfMonth", 0},
+          {"dsHour", 0}}},
+        {"dsStatus='1' leap61='true' dsDayOfMonth='14'",
+         "daylight saving, leap second ahead, daylight saving changes on day 14",
+         {{"leap61", true}, {"dsStatus", true}, {"dsDayOfMonth", 14}}},
+        {"utcLocalOffset='PT16H'", "local time UTC+16", {{"utcLocalOffsetSeconds", 57600}}},
+        {"utcLocalOffset='-PT16H'", "local time UTC-16", {{"utcLocalOffsetSeconds", -57600}}},
+        {"utcLocalOffset='-PT960M1S'",
+         "local time \"-PT960M1S\" (to a receiver UTC-16:00:01, which no zone has)",
+         {{"utcLocalOffsetSeconds", -57601}}},
+        {"utcLocalOffset='PT19H'",
+         "local time \"PT19H\" (to a receiver UTC+19, which no zone has)",
+         {{"utcLocalOffset", "PT19H"}, {"utcLocalOffsetSeconds", 68400}, {"utcLocalOffsetHours", 19.0}}},
+        {"utcLocalOffset='P1D'", "local time \"P1D\" (to a receiver UTC+0)", {{"utcLocalOffsetSeconds", 0}}},
+        {"utcLocalOffset='5'", "local time \"5\" (to a receiver UTC+0)", {{"utcLocalOffsetSeconds", 0}}},
+    };
+    nlohmann::json json;
+    for (const auto& test : k_times) {
+        const std::string text = Shown(3, std::string("<SystemTime ") + test.attributes + "/>", json);
+        EXPECT_EQ(text, std::string("-: SystemTime (3) version 1 group 0: new, ") + test.headline);
+        for (const char* key :
+             {"currentUtcOffset", "ptpPrepend", "leap59", "leap61", "dsStatus", "dsDayOfMonth", "dsHour"}) {
+            EXPECT_EQ(json.contains(key), test.json.contains(key)) << key << " of " << test.attributes;
+        }
+        for (const auto& [key, value] : test.json.items()) {
+            EXPECT_EQ(json[key], value) << key;
+        }
+    }
+    const struct {
+        const char *zone, *content, *text;
+        nlohmann::json replacement;
+    } k_certificates[] = {
+        {"Europe/Berlin",
+         "<CertReplacement NextCert='n' NextCertFrom='2027-07-01T12:00:00Z' CurrentCertUntil='2027-01-15T12:00:00Z'/>",
+         "next certificate: n, from 2027-07-01T12:00:00Z, the current one until 2027-01-15T12:00:00Z\n",
+         {{"NextCert", "n"}, {"NextCertFrom", "2027-07-01T12:00:00Z"}, {"CurrentCertUntil", "2027-01-15T12:00:00Z"}}},
+        {"Europe/Berlin",
+         "<CertReplacement NextCertFrom='2027-03-28T00:59:59Z' NextCert='n'/>",
+         "next certificate: n, from 2027-03-28T00:59:59Z\n",
+         {{"NextCert", "n"}, {"NextCertFrom", "2027-03-28T00:59:59Z"}}},
+        {"Europe/Berlin",
+         "<CertReplacement NextCertFrom='2027-03-28T01:00:00Z'/>",
+         "next certificate: from 2027-03-28T01:00:00Z\n",
+         {{"NextCertFrom", "2027-03-28T01:00:00Z"}}},
+        {"America/New_York",
+         "<CertReplacement CurrentCertUntil='2027-07-01T08:00:00-04:00' NextCert='n'/>",
+         "next certificate: n, the current one until 2027-07-01T12:00:00Z\n",
+         {{"NextCert", "n"}, {"CurrentCertUntil", "2027-07-01T12:00:00Z"}}},
+        {"UTC0",
+         "<CertReplacement CurrentCertUntil='1970-01-01T00:00:00Z' NextCertFrom='soon'/>",
+         "next certificate: from \"soon\" (no time), the current one until 1970-01-01T00:00:00Z\n",
+         {{"NextCertFrom", "soon"}, {"CurrentCertUntil", "1970-01-01T00:00:00Z"}}},
+        {"UTC0", "<CertReplacement NextCert='n'/>", "next certificate: n\n", {{"NextCert", "n"}}},
+        {"UTC0", "<CertReplacement/>", nullptr, {}},
+        {"UTC0", "<ToBeSignedData OCSPRefresh='PT2147483647S'/>", "renewed every 2147483647 s\n", {}},
+        {"UTC0",
+         "<ToBeSignedData OCSPRefresh='PT2147483648S'/>",
+         "renewed every \"PT2147483648S\" (to a receiver -2147483648 s)\n",
+         {}},
+        {"UTC0", "<ToBeSignedData OCSPRefresh='P1D'/>", "renewed every \"P1D\" (to a receiver 0 s)\n", {}},
+        {"UTC0", "<ToBeSignedData OCSPRefresh='PT0S'/>", "renewed every 0 s\n", {}},
+        {"UTC0", "<ToBeSignedData/>", nullptr, {}},
+    };
+    for (const auto& test : k_certificates) {
+        setenv("TZ", test.zone, 1);
+        const std::string text =
+            Shown(6, std::string("<CertificationData>") + test.content + "</CertificationData>", json) + '\n';
+        EXPECT_EQ(json.value("CertReplacement", nlohmann::json()), test.replacement) << test.content;
+        EXPECT_NE(text.find(test.text != nullptr ? test.text : "group 0: new, 0 certificates, 0 OCSP responses\n-:"),
+                  std::string::npos)
+            << text;
+        EXPECT_EQ(json.contains("OCSPRefreshSeconds"), std::strstr(test.content, "OCSPRefresh") != nullptr);
+    }
+    unsetenv("TZ");
 }
 
 TEST(Inspect, AnInstantReadsTheSameEverywhere)
