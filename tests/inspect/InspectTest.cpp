@@ -275,12 +275,23 @@ std::string EveryDocument()
            "<S-TSID><RS><LS tsi='1' startTime='2027-01-01T00:00:00Z' endTime='2027-02-01T00:00:00Z'/>"
            "<LS tsi='2' bw='9'><SrcFlow rt='false' minBuffSize='8'><EFDT tsi='2' idRef='i' version='3' "
            "maxExpiresDelta='4' maxTransportSize='5'><FileTemplate>f$TOI$</FileTemplate><FDT-Instance Expires='6' "
-           "Content-Type='ct' Content-Encoding='ce' efdtVersion='7' appContextIdList='x y'><File Content-Location='l' "
+           "Content-Type='ct' Content-Encoding='ce' efdtVersion='7' appContextIdList='x y' maxExpiresDelta='11' "
+           "maxTransportSize='12' fileTemplate='g$TOI$'><File Content-Location='l' "
            "TOI='8' Transfer-Length='9' Content-Length='10' Content-Type='ft' Content-Encoding='fe' "
            "appContextIdList='z'/><File/></FDT-Instance></EFDT><ContentInfo><AEAMedia AEAId='aea'/>"
            "<MediaInfo startUp='true' lang='de' contentType='audio' repId='r'>"
            "<ContentRating value='V'/><ContentRating schemeIdUri='s' value='W'/>"
-           "</MediaInfo></ContentInfo></SrcFlow></LS></RS></S-TSID>\r\n--x\r\n"
+           "</MediaInfo></ContentInfo><Payload codePoint='128' formatId='1' frag='0' order='true' srcFecPayloadId='1'/>"
+           "<Payload formatId='9'/></SrcFlow></LS></RS></S-TSID>\r\n--x\r\n"
+           "<MPD mediaPresentationDuration='PT9M56.46S'><UTCTiming schemeIdUri='urn:u' value='http://t/'/>"
+           "<SupplementalProperty schemeIdUri='urn:m'/><EssentialProperty schemeIdUri='urn:e'/>"
+           "<BaseURL availabilityTimeOffset='INF'>b</BaseURL><BaseURL>c</BaseURL><Period duration='PT7.987664396S'>"
+           "<SupplementalProperty schemeIdUri='urn:p'/><SegmentTemplate availabilityTimeOffset='1.5' "
+           "availabilityTimeComplete='false'/><AdaptationSet><SupplementalProperty schemeIdUri='urn:s' value='v'/>"
+           "<BaseURL availabilityTimeOffset='0.25'>d</BaseURL><Representation>"
+           "<AudioChannelConfiguration schemeIdUri='urn:mpeg:mpegB:cicp:ChannelConfiguration' value='6'/>"
+           "<AudioChannelConfiguration schemeIdUri='urn:o' value='2'/></Representation></AdaptationSet></Period></MPD>"
+           "\r\n--x\r\n"
            "<ApplicationList>\r\n<a/></ApplicationList>\r\n<HELD></HELD>\r\n"
            "<RSAT timestamp='2027-01-01T00:00:00Z' RSATInetURL='http://r/'><Service preferred='true' "
            "majorChannelNo='7' "
@@ -481,6 +492,56 @@ TEST(Inspect, TimesAreWhatTheBroadcastSays)
         EXPECT_EQ(json.contains("OCSPRefreshSeconds"), std::strstr(test.content, "OCSPRefresh") != nullptr);
     }
     unsetenv("TZ");
+}
+
+TEST(Inspect, WhatTheBroadcastDoesNotGiveIsNotShown)
+{
+    const std::string full =
+        "<Service serviceId='1' serviceCategory='0' sltSvcSeqNum='0' majorChannelNo='0' minorChannelNo='0' "
+        "protected='false' hidden='1' hideInGuide='true' broadbandAccessRequired='false' configuration='Broadband'>"
+        "<BroadcastSvcSignaling slsProtocol='0' slsMajorProtocolVersion='0' slsMinorProtocolVersion='0' "
+        "slsDestinationIpAddress='0.0.0.0' slsDestinationUdpPort='0'/></Service>";
+    const std::string bare = "<Service serviceId='2'><BroadcastSvcSignaling/></Service>";
+    const std::vector<nlohmann::json> lines = Lines(Inspect("--json -", Slt(full + bare, 1)).out);
+    for (const char* key :
+         {"sltSvcSeqNum", "protected", "majorChannelNo", "minorChannelNo", "serviceCategory", "hidden", "hideInGuide",
+          "broadbandAccessRequired", "configuration", "slsProtocol", "slsMajorProtocolVersion",
+          "slsMinorProtocolVersion", "slsDestinationIpAddress", "slsDestinationUdpPort"}) {
+        EXPECT_TRUE(lines[1].contains(key)) << key;
+        EXPECT_FALSE(lines[2].contains(key)) << key;
+    }
+    EXPECT_EQ(lines[1]["hidden"], true);
+    const std::string text = Inspect("-", Slt(full + bare, 1)).out;
+    EXPECT_NE(text.find("  1   0.0      -     0         0         0.0.0.0:0    -       hidden, hideInGuide, "
+                        "configuration Broadband\n  2   -        -     -         -         -            -\n"),
+              std::string::npos)
+        << text;
+
+    const std::string usbd = "<BundleDescriptionROUTE><UserServiceDescription serviceId='1' ";
+    const struct {
+        const char *attribute, *headline;
+        nlohmann::json status;
+    } k_statuses[] = {{"", "service 1\n", nullptr},
+                      {"serviceStatus='1'", "service 1, active\n", true},
+                      {"serviceStatus='true'", "service 1, active (to a receiver off)\n", true},
+                      {"serviceStatus='0'", "service 1, off\n", false}};
+    for (const auto& test : k_statuses) {
+        const std::string document = usbd + test.attribute + "/></BundleDescriptionROUTE>";
+        EXPECT_NE(Inspect("-", document).out.find(test.headline), std::string::npos) << test.attribute;
+        const nlohmann::json json = Lines(Inspect("--json -", document).out)[0]["BundleDescriptionROUTE"];
+        EXPECT_EQ(json.value("serviceStatus", nlohmann::json()), test.status);
+    }
+    const nlohmann::json flows =
+        Lines(Inspect("--json -",
+                      "<S-TSID><RS><LS tsi='1' startTime='2027-07-01T12:00:00+02:00' endTime='soon'>"
+                      "<SrcFlow rt='false'><ContentInfo><MediaInfo startUp='0'/></ContentInfo></SrcFlow>"
+                      "<SrcFlow><ContentInfo><MediaInfo/></ContentInfo></SrcFlow></LS></RS></S-TSID>")
+                  .out)[0]["S-TSID"]["RS"][0]["LS"][0];
+    EXPECT_TRUE(flows["startTime"] == "2027-07-01T10:00:00Z" && flows["endTime"] == "soon");
+    EXPECT_TRUE(flows["SrcFlow"][0]["rt"] == false &&
+                flows["SrcFlow"][0]["ContentInfo"]["MediaInfo"]["startUp"] == false);
+    EXPECT_FALSE(flows["SrcFlow"][1].contains("rt") ||
+                 flows["SrcFlow"][1]["ContentInfo"]["MediaInfo"].contains("startUp"));
 }
 
 TEST(Inspect, AnInstantReadsTheSameEverywhere)

@@ -148,6 +148,7 @@ std::string JsonLine(const TJson& json)
 
 TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
 {
+    using SService = SParseSLT::SService;
     TJson json = Object("service");
     json["source"] = SourceJson(table.source);
     if (!table.stream.empty()) {
@@ -157,16 +158,24 @@ TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
     json["bsid"] = table.slt->bsid;
     json["serviceId"] = service.serviceId;
     PutValue(json, "globalServiceID", service.globalServiceId);
-    json["sltSvcSeqNum"] = service.sltSvcSeqNum;
-    json["protected"] = service.isProtected;
-    if (service.majorChannelNo != 0 || service.minorChannelNo != 0) {
-        json["majorChannelNo"] = service.majorChannelNo;
-        json["minorChannelNo"] = service.minorChannelNo;
+    const auto given = [&service](SService::EGiven attribute) { return (service.given & attribute) != 0; };
+    const auto put = [&](const char* key, int value, SService::EGiven attribute) {
+        if (given(attribute)) {
+            json[key] = value;
+        }
+    };
+    put("sltSvcSeqNum", service.sltSvcSeqNum, SService::GIVEN_SEQ_NUM);
+    PutValue(json, "protected", service.givenProtected);
+    put("majorChannelNo", service.majorChannelNo, SService::GIVEN_MAJOR_CHANNEL);
+    put("minorChannelNo", service.minorChannelNo, SService::GIVEN_MINOR_CHANNEL);
+    if (given(SService::GIVEN_CATEGORY)) {
+        PutNamed(json, "serviceCategory", service.serviceCategory, ServiceCategoryName(service.serviceCategory));
     }
-    PutNamed(json, "serviceCategory", service.serviceCategory, ServiceCategoryName(service.serviceCategory));
     PutValue(json, "shortServiceName", service.shortServiceName);
-    json["hidden"] = service.hidden;
-    json["broadbandAccessRequired"] = service.broadbandAccessRequired;
+    PutValue(json, "hidden", service.givenHidden);
+    PutValue(json, "hideInGuide", service.hideInGuide);
+    PutValue(json, "broadbandAccessRequired", service.givenBroadband);
+    PutValue(json, "configuration", service.configuration);
     PutValue(json, "svcCapabilities", service.svcCapabilities);
     if (!service.drmSystemID.empty()) {
         json["drmSystemID"] = service.drmSystemID;
@@ -177,11 +186,15 @@ TJson ServiceJson(const STable& table, const SParseSLT::SService& service)
         json["simulcastMinorChannelNo"] = service.simulcastMinorChannelNo;
     }
     if (service.hasBroadcastSvcSignaling) {
-        PutNamed(json, "slsProtocol", service.slsProtocol, ProtocolName(service.slsProtocol));
-        json["slsMajorProtocolVersion"] = service.slsMajorProtocolVersion;
-        json["slsMinorProtocolVersion"] = service.slsMinorProtocolVersion;
-        json["slsDestinationIpAddress"] = Ipv4Text(service.slsDestinationIpAddress);
-        json["slsDestinationUdpPort"] = service.slsDestinationUdpPort;
+        if (given(SService::GIVEN_SLS_PROTOCOL)) {
+            PutNamed(json, "slsProtocol", service.slsProtocol, ProtocolName(service.slsProtocol));
+        }
+        put("slsMajorProtocolVersion", service.slsMajorProtocolVersion, SService::GIVEN_SLS_MAJOR_VERSION);
+        put("slsMinorProtocolVersion", service.slsMinorProtocolVersion, SService::GIVEN_SLS_MINOR_VERSION);
+        if (given(SService::GIVEN_SLS_ADDRESS)) {
+            json["slsDestinationIpAddress"] = Ipv4Text(service.slsDestinationIpAddress);
+        }
+        put("slsDestinationUdpPort", service.slsDestinationUdpPort, SService::GIVEN_SLS_PORT);
         if (service.slsSourceIpAddress != 0) {
             json["slsSourceIpAddress"] = Ipv4Text(service.slsSourceIpAddress);
         }
