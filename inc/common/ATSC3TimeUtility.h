@@ -1,11 +1,22 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "../platform/Api.h"
 
 /// Time-keeping numbers of the caller. The library neither reads nor writes them; zero at first.
 extern VYR_API unsigned int g_tai;
 extern VYR_API unsigned int g_UTC;
 extern VYR_API unsigned int g_Tick;
+
+/// A time or a duration as a document gives it, beside what is made of it elsewhere.
+struct SGivenTime {
+    std::string text;  ///< as it stands
+    /// What the text says: seconds since 1970, UTC, of an xs:dateTime (one without a time zone is UTC); seconds of an
+    /// xs:duration, where a year has 365 days and a month 30. Empty: it is neither.
+    std::optional<double> seconds;
+};
 
 /// Conversions of the text forms of time that signalling carries. Any text gives some number.
 class VYR_API TimeUtility {

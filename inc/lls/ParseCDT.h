@@ -1,8 +1,10 @@
 #pragma once
 
 #include <list>
+#include <optional>
 #include <string>
 
+#include "../common/ATSC3TimeUtility.h"
 #include "../platform/Api.h"
 #include "ParseLLS.h"
 
@@ -12,6 +14,13 @@
 /// texts as they stand. An object that is not created is asserted ("m"); getters then give false.
 class VYR_API CParseCDT : public TCParseLLS {
   public:
+    /// Extension: times as the tables give them; empty: never given.
+    struct SGiven {
+        std::optional<SGivenTime> nextCertFrom;      ///< of CertReplacement, xs:dateTime
+        std::optional<SGivenTime> currentCertUntil;  ///< likewise
+        std::optional<SGivenTime> ocspRefresh;       ///< what GetOCSPRefresh was read from, xs:duration
+    };
+
     CParseCDT();
     /// Destroy comes first, else that is asserted.
     ~CParseCDT() override;
@@ -30,6 +39,9 @@ class VYR_API CParseCDT : public TCParseLLS {
     bool GetCertReplacement(std::string& nextCert, long& nextCertFrom, long& currentCertUntil) const;
     /// Interval at which OCSP responses are renewed, seconds; 0: never given.
     bool GetOCSPRefresh(int& seconds) const;
+    /// Extension: the times above, and the interval, as they are given; null (asserted) before Create, good until the
+    /// next Parse or Destroy.
+    const SGiven* Given() const;
     /// Text of CMSSignedData.
     bool GetCMSSignedData(std::string& data) const;
     /// The ToBeSignedData element as it stood in the document: the bytes under the signature.

@@ -29,6 +29,19 @@ struct SParseSLT {
             bool present;     ///< whether there is one
         };
 
+        /// Extension: attributes whose number does not tell whether they are there.
+        enum EGiven : unsigned int {
+            GIVEN_SEQ_NUM = 1u << 0,
+            GIVEN_MAJOR_CHANNEL = 1u << 1,
+            GIVEN_MINOR_CHANNEL = 1u << 2,
+            GIVEN_CATEGORY = 1u << 3,
+            GIVEN_SLS_PROTOCOL = 1u << 4,
+            GIVEN_SLS_MAJOR_VERSION = 1u << 5,
+            GIVEN_SLS_MINOR_VERSION = 1u << 6,
+            GIVEN_SLS_ADDRESS = 1u << 7,
+            GIVEN_SLS_PORT = 1u << 8
+        };
+
         void* service;                                ///< the service in the channel map
         unsigned char groupId;                        ///< LLS group that announced it
         unsigned short serviceId;                     ///< unique in the broadcast stream, low 16 bits
@@ -54,6 +67,14 @@ struct SParseSLT {
         int slsDestinationUdpPort;                    ///< of the signalling
         unsigned int slsSourceIpAddress;              ///< of the signalling
         SSvcInetUrl svcInetUrl;                       ///< of the service on the internet
+
+        // Extension: what the table gives; flags by XML Schema, empty: not given, or no boolean.
+        unsigned int given;                        ///< EGiven
+        std::optional<bool> givenProtected;        ///< protected
+        std::optional<bool> givenHidden;           ///< hidden
+        std::optional<bool> givenBroadband;        ///< broadbandAccessRequired
+        std::optional<bool> hideInGuide;           ///< whether a hidden service is not in guides either
+        std::optional<std::string> configuration;  ///< such as "Broadcast" or "Broadband"; empty: not given
     };
 };
 

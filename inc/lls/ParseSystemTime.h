@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+
+#include "../common/ATSC3TimeUtility.h"
 #include "../platform/Api.h"
 #include "ParseLLS.h"
 
@@ -18,6 +21,19 @@ class VYR_API CParseSystemTime : public TCParseLLS {
         bool dsStatus;              ///< daylight saving in effect; once true, it stays
         int dsDayOfMonth;           ///< 1 to 31; 0: none yet
         int dsHour;                 ///< 0 to 24
+    };
+
+    /// Extension: what the attributes of one table say by XML Schema, whatever the range; empty: not given, or no
+    /// number, no boolean.
+    struct SGiven {
+        std::optional<long long> currentUtcOffset;  ///< TAI - UTC, seconds
+        std::optional<long long> ptpPrepend;        ///< upper 16 bits of the PTP seconds
+        std::optional<bool> leap59;                 ///< the day's last minute has 59 seconds
+        std::optional<bool> leap61;                 ///< it has 61
+        std::optional<SGivenTime> utcLocalOffset;   ///< local time - UTC, xs:duration
+        std::optional<bool> dsStatus;               ///< daylight saving in effect
+        std::optional<long long> dsDayOfMonth;      ///< of the next change
+        std::optional<long long> dsHour;            ///< likewise
     };
 
     CParseSystemTime();
@@ -41,6 +57,9 @@ class VYR_API CParseSystemTime : public TCParseLLS {
     bool DsStatus() const;
     /// All values; null before Create, good until Destroy.
     const SSystemTime* State() const;
+    /// Extension: what the last table that parsed gives, and nothing of earlier ones; null before Create, good until
+    /// the next Parse or Destroy.
+    const SGiven* Given() const;
 
   protected:
     bool t_Parse(IParse::SItem* item) override;

@@ -37,7 +37,9 @@ struct TUsbdState : TXmlState<TValues> {
         globalServiceId = std::move(id);
         values.globalServiceId = globalServiceId.get();
         ReadAttribute(node, "serviceId", values.serviceId, -1);
-        values.serviceStatus = CNodeText::Attribute(node, "serviceStatus").Int(-1) == 1;
+        const CNodeText status = CNodeText::Attribute(node, "serviceStatus");
+        Read(status, values.givenServiceStatus);
+        values.serviceStatus = status.Int(-1) == 1;
     }
 
     std::unique_ptr<char[]> globalServiceId;  ///< what the record points to

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <type_traits>
 
@@ -39,6 +40,16 @@ void Read(const CNodeText& text, T& out, int absent = 0)
 
 /// Dotted IPv4 address, in host order; a missing one leaves what is there: false.
 bool ReadIpv4(const CNodeText& text, unsigned int& out);
+
+/// What the whole text is by XML Schema, white space around it aside; empty when it is missing, no number, or one
+/// that the type does not hold.
+void Read(const CNodeText& text, std::optional<long long>& out);
+/// xs:double; "INF" is infinite, and no number is empty.
+void Read(const CNodeText& text, std::optional<double>& out);
+/// xs:boolean: "true", "1", "false" or "0".
+void Read(const CNodeText& text, std::optional<bool>& out);
+/// The text as it stands.
+void Read(const CNodeText& text, std::optional<std::string>& out);
 
 /// An attribute, as Read says.
 template <class T, class... TAbsent>

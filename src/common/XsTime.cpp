@@ -166,4 +166,14 @@ bool ReadDateTime(const char* text, double& seconds)
     return true;
 }
 
+std::optional<SGivenTime> GivenTime(const CNodeText& text, bool (*read)(const char*, double&))
+{
+    double seconds = 0;
+    if (!text.Found()) {
+        return std::nullopt;
+    }
+    const bool legal = read(text.Text(), seconds);
+    return SGivenTime{text.Text(), legal ? std::optional<double>(seconds) : std::nullopt};
+}
+
 }  // namespace vyr

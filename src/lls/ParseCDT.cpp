@@ -8,6 +8,7 @@
 #include "common/EpochTime.h"
 #include "common/Give.h"
 #include "common/XmlRead.h"
+#include "common/XsTime.h"
 #include "lls/TableDocument.h"
 #include "platform/Log.h"
 
@@ -21,6 +22,7 @@ struct SCertificates {
     long long nextCertFrom = 0;
     long long currentCertUntil = 0;
     int ocspRefresh = 0;
+    CParseCDT::SGiven given;
     std::string toBeSigned;
     std::string cmsSignedData;
     std::list<std::string> certificates;
@@ -64,10 +66,12 @@ void sm_CbCertReplacement(SCertificates* m, void* node)
     const CNodeText from = CNodeText::Attribute(node, "NextCertFrom");
     if (from.Found()) {
         m->nextCertFrom = g_EpochTime(from.Text());
+        m->given.nextCertFrom = vyr::GivenTime(from, vyr::ReadDateTime);
     }
     const CNodeText until = CNodeText::Attribute(node, "CurrentCertUntil");
     if (until.Found()) {
         m->currentCertUntil = g_EpochTime(until.Text());
+        m->given.currentCertUntil = vyr::GivenTime(until, vyr::ReadDateTime);
     }
 }
 
@@ -79,6 +83,9 @@ void sm_CbOCSPRefresh(SCertificates* m, void* node)
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbOCSPRefresh] spec violation no OCSP Refresh time !!!");
     }
     refresh = text.Int(refresh);
+    if (text.Found()) {
+        m->given.ocspRefresh = vyr::GivenTime(text, vyr::ReadDuration);
+    }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbOCSPRefresh] Refresh Time[%d]", refresh);
 }
 
@@ -94,6 +101,7 @@ void m_OnToBeSigendData(SCertificates* m, void* node)
     const CNodeText refresh = CNodeText::Attribute(node, "OCSPRefresh");
     if (refresh.Found()) {
         m->ocspRefresh = TimeUtility::DurationToSec(refresh.Text());
+        m->given.ocspRefresh = vyr::GivenTime(refresh, vyr::ReadDuration);
     }
     vyr::DispatchChildren(m, k_handlers, node, "[CParseCDT::sm_CbToBeSignedData] Name[%s]");
 }
@@ -209,6 +217,11 @@ bool CParseCDT::GetCertReplacement(std::string& nextCert, long& nextCertFrom, lo
 bool CParseCDT::GetOCSPRefresh(int& seconds) const
 {
     return VYR_ASSERT(m, "m") && vyr::Give(m->ocspRefresh, seconds);
+}
+
+const CParseCDT::SGiven* CParseCDT::Given() const
+{
+    return VYR_ASSERT(m, "m") ? &m->given : nullptr;
 }
 
 bool CParseCDT::GetCMSSignedData(std::string& data) const

@@ -51,6 +51,20 @@ std::optional<std::string> Text(void* node, const char* name)
     return text.Found() ? std::optional<std::string>(text.Text()) : std::nullopt;
 }
 
+/// Whether an attribute is there.
+void Note(SService& service, SService::EGiven bit, bool given)
+{
+    service.given = given ? service.given | bit : service.given & ~bit;
+}
+
+/// A number, and whether it is there.
+void ReadNoted(SService& service, SService::EGiven bit, void* node, const char* name, int& out)
+{
+    const CNodeText text = CNodeText::Attribute(node, name);
+    vyr::Read(text, out);
+    Note(service, bit, text.Found());
+}
+
 /// What the rule for equal services compares.
 struct SEqual {
     bool operator()(const SService* a, const SService* b) const
@@ -159,12 +173,15 @@ void sm_CbBroadcastSvcSignaling(SServices* m, void* node)
     SService* service = m->current;
     if (VYR_ASSERT(service, "m->current")) {
         service->hasBroadcastSvcSignaling = true;
-        vyr::ReadAttribute(node, "slsProtocol", service->slsProtocol);
-        vyr::ReadAttribute(node, "slsMajorProtocolVersion", service->slsMajorProtocolVersion);
-        vyr::ReadAttribute(node, "slsMinorProtocolVersion", service->slsMinorProtocolVersion);
-        vyr::ReadAttribute(node, "slsDestinationUdpPort", service->slsDestinationUdpPort);
+        ReadNoted(*service, SService::GIVEN_SLS_PROTOCOL, node, "slsProtocol", service->slsProtocol);
+        ReadNoted(*service, SService::GIVEN_SLS_MAJOR_VERSION, node, "slsMajorProtocolVersion",
+                  service->slsMajorProtocolVersion);
+        ReadNoted(*service, SService::GIVEN_SLS_MINOR_VERSION, node, "slsMinorProtocolVersion",
+                  service->slsMinorProtocolVersion);
+        ReadNoted(*service, SService::GIVEN_SLS_PORT, node, "slsDestinationUdpPort", service->slsDestinationUdpPort);
         service->slsDestinationIpAddress = 0;
-        vyr::ReadIpv4(CNodeText::Attribute(node, "slsDestinationIpAddress"), service->slsDestinationIpAddress);
+        Note(*service, SService::GIVEN_SLS_ADDRESS,
+             vyr::ReadIpv4(CNodeText::Attribute(node, "slsDestinationIpAddress"), service->slsDestinationIpAddress));
         service->slsSourceIpAddress = 0;
         vyr::ReadIpv4(CNodeText::Attribute(node, "slsSourceIpAddress"), service->slsSourceIpAddress);
     }
@@ -220,27 +237,32 @@ void sm_CbService(SServices* m, void* node)
     if (!service->globalServiceId) {
         service->globalServiceId = Text(node, "globalServiceId");
     }
-    vyr::ReadAttribute(node, "sltSvcSeqNum", service->sltSvcSeqNum);
+    ReadNoted(*service, SService::GIVEN_SEQ_NUM, node, "sltSvcSeqNum", service->sltSvcSeqNum);
 
     const CNodeText protected1 = CNodeText::Attribute(node, "protected");
     if (!m->lenient && !VYR_ASSERT(protected1.Found(), "protected1 != nullptr")) {
         return drop(CParseSLT::DROP_NO_PROTECTED);
     }
     service->isProtected = protected1.Bool();
+    vyr::Read(protected1, service->givenProtected);
     const CNodeText hidden1 = CNodeText::Attribute(node, "hidden");
     if (!m->lenient && !VYR_ASSERT(hidden1.Found(), "hidden1 != nullptr")) {
         return drop(CParseSLT::DROP_NO_HIDDEN);
     }
     service->hidden = hidden1.Bool();
+    vyr::Read(hidden1, service->givenHidden);
+    vyr::ReadAttribute(node, "hideInGuide", service->hideInGuide);
+    service->configuration = Text(node, "configuration");
     const CNodeText broadbandAccessRequired1 = CNodeText::Attribute(node, "broadbandAccessRequired");
     if (!m->lenient && !VYR_ASSERT(broadbandAccessRequired1.Found(), "broadbandAccessRequired1 != nullptr")) {
         return drop(CParseSLT::DROP_NO_BROADBAND);
     }
     service->broadbandAccessRequired = broadbandAccessRequired1.Bool();
+    vyr::Read(broadbandAccessRequired1, service->givenBroadband);
 
-    vyr::ReadAttribute(node, "majorChannelNo", service->majorChannelNo);
-    vyr::ReadAttribute(node, "minorChannelNo", service->minorChannelNo);
-    vyr::ReadAttribute(node, "serviceCategory", service->serviceCategory);
+    ReadNoted(*service, SService::GIVEN_MAJOR_CHANNEL, node, "majorChannelNo", service->majorChannelNo);
+    ReadNoted(*service, SService::GIVEN_MINOR_CHANNEL, node, "minorChannelNo", service->minorChannelNo);
+    ReadNoted(*service, SService::GIVEN_CATEGORY, node, "serviceCategory", service->serviceCategory);
     service->shortServiceName = Text(node, "shortServiceName");
     vyr::ReadAttribute(node, "drmSystemID", service->drmSystemID);
     if (service->serviceCategory >= 1 && service->serviceCategory <= 3) {

@@ -2,6 +2,7 @@
 
 #include "common/ATSC3TimeUtility.h"
 #include "common/XmlRead.h"
+#include "common/XsTime.h"
 #include "lls/TableDocument.h"
 #include "platform/Log.h"
 
@@ -9,11 +10,25 @@ using vyr::CNodeText;
 
 namespace {
 
-bool m_ProcessParseSystemTime(CParseSystemTime::SSystemTime& time, const CXML& xml, void* root)
+void ReadGiven(CParseSystemTime::SGiven& given, void* root)
+{
+    vyr::ReadAttribute(root, "currentUtcOffset", given.currentUtcOffset);
+    vyr::ReadAttribute(root, "ptpPrepend", given.ptpPrepend);
+    vyr::ReadAttribute(root, "leap59", given.leap59);
+    vyr::ReadAttribute(root, "leap61", given.leap61);
+    given.utcLocalOffset = vyr::GivenTime(CNodeText::Attribute(root, "utcLocalOffset"), vyr::ReadDuration);
+    vyr::ReadAttribute(root, "dsStatus", given.dsStatus);
+    vyr::ReadAttribute(root, "dsDayOfMonth", given.dsDayOfMonth);
+    vyr::ReadAttribute(root, "dsHour", given.dsHour);
+}
+
+bool m_ProcessParseSystemTime(CParseSystemTime::SSystemTime& time, CParseSystemTime::SGiven& given, const CXML& xml,
+                              void* root)
 {
     if (!xml.Compare(root, "SystemTime")) {
         return false;
     }
+    ReadGiven(given, root);
     vyr::ReadAttribute(root, "currentUtcOffset", time.currentUtcOffset);
     vyr::ReadAttribute(root, "ptpPrepend", time.ptpPrepend);
     // Required: these only ever become true.
@@ -42,6 +57,7 @@ bool m_ProcessParseSystemTime(CParseSystemTime::SSystemTime& time, const CXML& x
 
 struct CParseSystemTime::SState {
     SSystemTime time{};
+    SGiven given;
     void* channel = nullptr;
 };
 
@@ -100,6 +116,11 @@ const CParseSystemTime::SSystemTime* CParseSystemTime::State() const
     return m ? &m->time : nullptr;
 }
 
+const CParseSystemTime::SGiven* CParseSystemTime::Given() const
+{
+    return m ? &m->given : nullptr;
+}
+
 bool CParseSystemTime::t_Parse(IParse::SItem* item)
 {
     if (!VYR_ASSERT(m, "m")) {
@@ -108,5 +129,5 @@ bool CParseSystemTime::t_Parse(IParse::SItem* item)
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSystemTime::t_Parse]");
     return vyr::ParseTableDocument(
         item, t_DecompressLLS(), "m_ProcessParseSystemTime(root)",
-        [this](const CXML& xml, void* root) { return m_ProcessParseSystemTime(m->time, xml, root); });
+        [this](const CXML& xml, void* root) { return m_ProcessParseSystemTime(m->time, m->given, xml, root); });
 }

@@ -117,7 +117,8 @@ TEST(HtmlReport, AlertsThatAreGoneStay)
     EXPECT_EQ(Count(page, "no longer sent"), 1u);
     EXPECT_NE(page.find("<bdi lang=\"en\">Flood B</bdi></b> <span class=\"badge bad\">in the last"), std::string::npos);
     EXPECT_EQ(Count(page, "<bdi lang=\"en\">Leave.</bdi>"), 1u) << "of B, only the last text";
-    EXPECT_EQ(Count(page, "2 versions, the last: packet 2, <time datetime=\"2027-01-15T08:00:02Z\">08:00:02<"), 2u);
+    EXPECT_EQ(Count(page, "2 versions, the last: packet 2, <time datetime=\"2027-01-15T08:00:02.000Z\">08:00:02.000<"),
+              2u);
 }
 
 TEST(HtmlReport, HoldsNoMoreThanItsLimits)

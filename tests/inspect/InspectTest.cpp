@@ -210,12 +210,23 @@ std::string EveryDocument()
            "<S-TSID><RS><LS tsi='1' startTime='2027-01-01T00:00:00Z' endTime='2027-02-01T00:00:00Z'/>"
            "<LS tsi='2' bw='9'><SrcFlow rt='false' minBuffSize='8'><EFDT tsi='2' idRef='i' version='3' "
            "maxExpiresDelta='4' maxTransportSize='5'><FileTemplate>f$TOI$</FileTemplate><FDT-Instance Expires='6' "
-           "Content-Type='ct' Content-Encoding='ce' efdtVersion='7' appContextIdList='x y'><File Content-Location='l' "
+           "Content-Type='ct' Content-Encoding='ce' efdtVersion='7' appContextIdList='x y' maxExpiresDelta='11' "
+           "maxTransportSize='12' fileTemplate='g$TOI$'><File Content-Location='l' "
            "TOI='8' Transfer-Length='9' Content-Length='10' Content-Type='ft' Content-Encoding='fe' "
            "appContextIdList='z'/><File/></FDT-Instance></EFDT><ContentInfo><AEAMedia AEAId='aea'/>"
            "<MediaInfo startUp='true' lang='de' contentType='audio' repId='r'>"
            "<ContentRating value='V'/><ContentRating schemeIdUri='s' value='W'/>"
-           "</MediaInfo></ContentInfo></SrcFlow></LS></RS></S-TSID>\r\n--x\r\n"
+           "</MediaInfo></ContentInfo><Payload codePoint='128' formatId='1' frag='0' order='true' srcFecPayloadId='1'/>"
+           "<Payload formatId='9'/></SrcFlow></LS></RS></S-TSID>\r\n--x\r\n"
+           "<MPD mediaPresentationDuration='PT9M56.46S'><UTCTiming schemeIdUri='urn:u' value='http://t/'/>"
+           "<SupplementalProperty schemeIdUri='urn:m'/><EssentialProperty schemeIdUri='urn:e'/>"
+           "<BaseURL availabilityTimeOffset='INF'>b</BaseURL><BaseURL>c</BaseURL><Period duration='PT7.987664396S'>"
+           "<SupplementalProperty schemeIdUri='urn:p'/><SegmentTemplate availabilityTimeOffset='1.5' "
+           "availabilityTimeComplete='false'/><AdaptationSet><SupplementalProperty schemeIdUri='urn:s' value='v'/>"
+           "<BaseURL availabilityTimeOffset='0.25'>d</BaseURL><Representation>"
+           "<AudioChannelConfiguration schemeIdUri='urn:mpeg:mpegB:cicp:ChannelConfiguration' value='6'/>"
+           "<AudioChannelConfiguration schemeIdUri='urn:o' value='2'/></Representation></AdaptationSet></Period></MPD>"
+           "\r\n--x\r\n"
            "<ApplicationList>\r\n<a/></ApplicationList>\r\n<HELD></HELD>\r\n"
            "<RSAT timestamp='2027-01-01T00:00:00Z' RSATInetURL='http://r/'><Service preferred='true' "
            "majorChannelNo='7' "
@@ -353,8 +364,11 @@ TEST(Inspect, EveryInputHasAPage)
     Inspect("-q --html '" + page.Name() + "' -", EveryMessage());
     EXPECT_NE(ReadFile(page.Name()).find("<b>MPT (0x0020)</b> <small> version 8: changed"), std::string::npos);
     Inspect("--html '" + page.Name() + "' lls/openssl-cdt.bin pcap/gpac-a2-multi-service.pcap | true");
-    EXPECT_NE(ReadFile(page.Name()).find("NEWS-1"), std::string::npos)
-        << "whole, though the reader of the text has gone";
+    for (const char* part : {"NEWS-1", "NewsHD", "news/video_$TOI$.m4s", "hide<wbr>In<wbr>Guide",
+                             "formatId</span> 1 <span class=\"muted\">file<"}) {
+        EXPECT_NE(ReadFile(page.Name()).find(part), std::string::npos)
+            << part << ": whole, though the reader of the text has gone";
+    }
 }
 
 TEST(Inspect, AServiceThatBecomesAGuide)

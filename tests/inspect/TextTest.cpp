@@ -54,4 +54,44 @@ TEST(Text, Numbers)
     EXPECT_EQ(EndpointText(0xE000173C, 4937), "224.0.23.60:4937");
 }
 
+TEST(Text, Times)
+{
+    EXPECT_EQ(InstantText(1800000000, 0), "2027-01-15T08:00:00.000Z");
+    EXPECT_EQ(InstantText(1800000000, 999999999), "2027-01-15T08:00:00.999999999Z") << "never rounded";
+    EXPECT_EQ(InstantText(1800000000, 250000), "2027-01-15T08:00:00.000250Z");
+    EXPECT_EQ(InstantText(1800000000, 250000000, 6), "2027-01-15T08:00:00.250000Z");
+    const struct {
+        double seconds;
+        const char* text;
+    } k_epochs[] = {
+        {1795226543.328, "2026-11-21T02:02:23.328Z"},
+        {1795226543.328125, "2026-11-21T02:02:23.328125Z"},
+        {1795226543.9999999, "2026-11-21T02:02:24Z"},
+        {0, "1970-01-01T00:00:00Z"},
+        {-0.5, "1969-12-31T23:59:59.500Z"},
+        {-62135596800, "0001-01-01T00:00:00Z"},
+        {-62135596801, "-6.21355968e+10"},
+        {253402300798, "9999-12-31T23:59:58Z"},
+        {253402300800, "2.53402301e+11"},
+    };
+    for (const auto& test : k_epochs) {
+        EXPECT_EQ(EpochText(test.seconds), test.text);
+    }
+    const struct {
+        double number;
+        const char* text;
+    } k_numbers[] = {{0, "0"},
+                     {30, "30"},
+                     {100, "100"},
+                     {2.5, "2.5"},
+                     {-0.25, "-0.25"},
+                     {7.987664396, "7.987664"},
+                     {540 + 56.46, "596.46"},
+                     {0.0005, "0.0005"},
+                     {2e9, "2e+09"}};
+    for (const auto& test : k_numbers) {
+        EXPECT_EQ(NumberText(test.number), test.text);
+    }
+}
+
 }  // namespace

@@ -75,6 +75,57 @@ TEST_F(ParseCDTTest, WhatEachTableLeaves)
               0);
 }
 
+/// "text=seconds", "text=?" for no time, "-" for none.
+std::string Text(const std::optional<SGivenTime>& given)
+{
+    return !given ? "-" : given->text + "=" + (given->seconds ? std::to_string(*given->seconds) : "?");
+}
+
+// The required times go wrong with daylight saving, where the given ones do not.
+TEST_F(ParseCDTTest, TimesAsTheyAreGivenInEveryZone)
+{
+    static const struct {
+        const char *zone, *time, *given;
+        long long required;
+    } k_cases[] = {
+        {"UTC0", "2027-07-01T12:00:00Z", "2027-07-01T12:00:00Z=1814443200.000000", 1814443201},
+        {"Europe/Berlin", "2027-03-28T00:59:59Z", "2027-03-28T00:59:59Z=1806195599.000000", 1806195600},
+        {"Europe/Berlin", "2027-07-01T12:00:00Z", "2027-07-01T12:00:00Z=1814443200.000000", 1814446801},
+        {"Europe/Berlin", "2027-07-01T12:00:00.5+02:00", "2027-07-01T12:00:00.5+02:00=1814436000.500000", 1814446801},
+        {"America/New_York", "2027-01-15T12:00:00", "2027-01-15T12:00:00=1800014400.000000", 1800014401},
+        {"America/New_York", "2027-07-01T12:00:00Z", "2027-07-01T12:00:00Z=1814443200.000000", 1814446801},
+        {"UTC0", "2027-7-1", "2027-7-1=?", 1814400001},
+    };
+    EXPECT_TRUE(!m_cdt.Given()->nextCertFrom && !m_cdt.Given()->ocspRefresh);
+    for (const auto& test : k_cases) {
+        setenv("TZ", test.zone, 1);
+        tzset();
+        FeedXml(m_cdt, std::string("<CertificationData><CertReplacement NextCertFrom='") + test.time +
+                           "'/></CertificationData>");
+        EXPECT_EQ(Text(m_cdt.Given()->nextCertFrom), test.given) << test.zone;
+        std::string next;
+        long long from = 0, until = 0;
+        EXPECT_TRUE(m_cdt.GetCertReplacement(next, from, until) && from == test.required && until == 0) << from;
+    }
+    EXPECT_EQ(Text(m_cdt.Given()->currentCertUntil), "-");
+    static const struct {
+        const char *element, *given;
+        int seconds;
+    } k_refreshes[] = {
+        {"<ToBeSignedData OCSPRefresh='PT2147483647S'/>", "PT2147483647S=2147483647.000000", 2147483647},
+        {"<ToBeSignedData OCSPRefresh='PT2147483648S'/>", "PT2147483648S=2147483648.000000", -2147483648},
+        {"<ToBeSignedData OCSPRefresh='P1D'/>", "P1D=86400.000000", 0},
+        {"<OCSPRefresh OCSPRefresh='77'/>", "77=?", 77},
+        {"<OCSPRefresh/>", "77=?", 77},
+    };
+    for (const auto& test : k_refreshes) {
+        FeedXml(m_cdt, std::string("<CertificationData>") + test.element + "</CertificationData>");
+        int seconds = 0;
+        EXPECT_TRUE(m_cdt.GetOCSPRefresh(seconds) && seconds == test.seconds) << test.element << seconds;
+        EXPECT_EQ(Text(m_cdt.Given()->ocspRefresh), test.given);
+    }
+}
+
 TEST_F(ParseCDTTest, TheSignedTextIsTheElementAsItStood)
 {
     static const char* const k_elements[] = {
@@ -115,10 +166,10 @@ TEST_F(ParseCDTTest, Misuse)
 {
     CParseCDT other;
     std::string text = "kept";
-    EXPECT_FALSE(other.GetCurrentCert(text) || other.GetToBeSignedData(text) || m_parser.Create());
+    EXPECT_FALSE(other.GetCurrentCert(text) || other.GetToBeSignedData(text) || other.Given() || m_parser.Create());
     other.Destroy();
     EXPECT_EQ(text, "kept");
-    EXPECT_EQ(TakeAssertions(), "m; m; !m; m");
+    EXPECT_EQ(TakeAssertions(), "m; m; m; !m; m");
 }
 
 }  // namespace

@@ -105,7 +105,7 @@ TEST_F(ParseSLTTest, EveryFieldReachesTheRecordAndTheMap)
         "<s:Service serviceId='70000' globalServiceId='low' globalServiceID='tag:x' sltSvcSeqNum='3' "
         "protected='trueish' "
         "majorChannelNo='999' minorChannelNo='1' serviceCategory='3' shortServiceName='A&amp;B' hidden='true' "
-        "broadbandAccessRequired='true' svcCapabilities='sc' drmSystemID='urn:drm'>"
+        "broadbandAccessRequired='true' svcCapabilities='sc' drmSystemID='urn:drm' hideInGuide='0' configuration='c'>"
         "<SimulcastTSID SimulcastTSID='11' simulcastMajorChannelNo='12' simulcastMinorChannelNo='13'/>"
         "<BroadcastSvcSignaling slsProtocol='2' slsMajorProtocolVersion='1' slsMinorProtocolVersion='4' "
         "slsDestinationIpAddress='224.0.23.60' slsDestinationUdpPort='4937' slsSourceIpAddress='10.1.2.3'/>"
@@ -130,6 +130,8 @@ TEST_F(ParseSLTTest, EveryFieldReachesTheRecordAndTheMap)
                 s.isProtected && s.hidden && s.broadbandAccessRequired && *s.shortServiceName == "A&B" &&
                 *s.svcCapabilities == "sc" && s.hasBroadcastSvcSignaling && s.slsMajorProtocolVersion == 1 &&
                 s.slsMinorProtocolVersion == 4);
+    EXPECT_TRUE(s.given == 0x1FF && !s.givenProtected && *s.givenHidden && *s.givenBroadband && !*s.hideInGuide &&
+                *s.configuration == "c");
     void* service = nullptr;
     ASSERT_TRUE(m_slt.GetService(0, service));
     EXPECT_EQ(service, s.service);
@@ -168,13 +170,16 @@ TEST_F(ParseSLTTest, DefaultsOfAbsentAttributes)
     EXPECT_TRUE(s.serviceId == 0 && s.sltSvcSeqNum == 0 && s.majorChannelNo == 0 && s.minorChannelNo == 0 &&
                 s.simulcastTsid == 0 && s.serviceCategory == 0 && !s.shortServiceName && !s.svcCapabilities &&
                 s.drmSystemID.empty() && !s.hasBroadcastSvcSignaling && !s.svcInetUrl.present && s.groupId == 0);
+    EXPECT_TRUE(s.given == 0 && !*s.givenProtected && !s.hideInGuide && !s.configuration);
+    ParseService("majorChannelNo='0' serviceCategory='0'");  // given, and equal to the default
+    EXPECT_EQ(m_slt.GetServiceInfo(1)->given, unsigned{SService::GIVEN_MAJOR_CHANNEL | SService::GIVEN_CATEGORY});
     // Without signalling the map keeps its own defaults; with an empty one it gets zeros.
     unsigned int address = 0;
     unsigned short port = 0;
     EXPECT_TRUE(m_map.GetDestination(s.service, &address, &port) && address == 0xFFFFFFFF && port == 0xFFFF);
     Parse("<SLT><Service serviceId='2'" + std::string(k_flags) + "><BroadcastSvcSignaling/></Service></SLT>");
     void* service = nullptr;
-    EXPECT_TRUE(m_slt.GetService(1, service));
+    EXPECT_TRUE(m_slt.GetService(2, service));
     EXPECT_TRUE(m_map.GetDestination(service, &address, &port) && address == 0 && port == 0);
     EXPECT_EQ(m_slt.Bsid(), 0);
 }

@@ -53,6 +53,46 @@ TEST_F(ParseSystemTimeTest, WhatEachTableLeaves)
     EXPECT_EQ(Logged("[CParseSystemTime::Parse] CurrentUtcOffset:37 utcLocalOffset:-18000"), 1);
 }
 
+template <class T>
+std::string Text(const std::optional<T>& value)
+{
+    return value ? std::to_string(*value) : "-";
+}
+
+// What one table gives is neither folded nor kept for the next.
+TEST_F(ParseSystemTimeTest, WhatEachTableGives)
+{
+    static const struct {
+        const char *attributes, *given;
+    } k_tables[] = {
+        {"", "- ptp - leap -- local - ds - day - hour -"},
+        {"currentUtcOffset='0' ptpPrepend='0' leap59='false' leap61='0' utcLocalOffset='PT0S' dsStatus='false' "
+         "dsDayOfMonth='0' dsHour='0'",
+         "0 ptp 0 leap 00 local PT0S=0.000000 ds 0 day 0 hour 0"},
+        {"currentUtcOffset=' +37 ' ptpPrepend='65537' leap59='1' leap61=' true ' utcLocalOffset='P1D' dsStatus='1' "
+         "dsDayOfMonth='32' dsHour='-1'",
+         "37 ptp 65537 leap 11 local P1D=86400.000000 ds 1 day 32 hour -1"},
+        {"currentUtcOffset='37s' ptpPrepend='99999999999999999999' leap59='trueish' leap61='TRUE' utcLocalOffset='5' "
+         "dsStatus='' dsDayOfMonth='' dsHour='+-1'",
+         "- ptp - leap -- local 5=- ds - day - hour -"},
+    };
+    const auto given = [this] {
+        const CParseSystemTime::SGiven& g = *m_time.Given();
+        const std::string local =
+            g.utcLocalOffset ? g.utcLocalOffset->text + "=" + Text(g.utcLocalOffset->seconds) : "-";
+        return Text(g.currentUtcOffset) + " ptp " + Text(g.ptpPrepend) + " leap " + Text(g.leap59) + Text(g.leap61) +
+               " local " + local + " ds " + Text(g.dsStatus) + " day " + Text(g.dsDayOfMonth) + " hour " +
+               Text(g.dsHour);
+    };
+    for (const auto& table : k_tables) {
+        After(table.attributes);
+        EXPECT_EQ(given(), table.given);
+    }
+    FeedXml(m_time, "<SLT currentUtcOffset='1'/>");
+    EXPECT_EQ(given(), k_tables[3].given);
+    EXPECT_EQ(CParseSystemTime().Given(), nullptr);
+}
+
 TEST_F(ParseSystemTimeTest, FailuresChangeNothing)
 {
     const std::string state = After("currentUtcOffset='37' dsHour='5'");

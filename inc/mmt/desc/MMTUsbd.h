@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,9 @@ class VYR_API CMMTUsbd : public CXmlElement {
         TOwned<CMMTMpuComponent> mpuComponent;                           ///< null: none
         TOwned<CMMTBroadbandComponent> broadbandComponent;               ///< null: none
         TOwned<CMMTRouteComponent> routeComponent;                       ///< null: none
+
+        /// Extension: what "serviceStatus" says by XML Schema; empty: not given, or no boolean.
+        std::optional<bool> givenServiceStatus;
     };
 
     /// globalServiceID, else globalServiceId; null: neither. Good until the next Parse or Destroy.

@@ -34,6 +34,11 @@ struct VYR_API SFDTGlobal {
     int efdtVersion = -1;                     ///< -1: not given
     std::list<std::string> appContextIdList;  ///< URIs of the applications that use the files
     TPtrArray<SFDTFile> files;                ///< in document order
+
+    // Extension: attributes of the instance, which SEFDTInfo has where elements of its own give them.
+    std::string fileTemplate;         ///< pattern of the files' names, with $TOI$; empty: not given
+    long long maxExpiresDelta = -1;   ///< seconds to add to the arrival of a packet, at most; -1: not given
+    long long maxTransportSize = -1;  ///< bytes of the largest object; -1: not given
 };
 
 /// What an extended FDT holds. Numbers that are not given are 0xFFFFFFFF.

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "../../common/ATSC3TimeUtility.h"
 #include "../../common/Owned.h"
 #include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
@@ -30,6 +32,10 @@ class VYR_API CLS : public CXmlElement {
         long long startTime = -1;        ///< epoch seconds, see TimeUtility::ConvertDateTime2Epoch; -1: not given
         long long endTime = -1;          ///< likewise
         TOwnedArray<CSrcFlow> srcFlows;  ///< the last one counts, the EFDTs of all were reported
+
+        // Extension: the times as they are given, xs:dateTime; empty: not given.
+        std::optional<SGivenTime> givenStartTime;
+        std::optional<SGivenTime> givenEndTime;
     };
 
     /// Copies the record; null takes it back. False before Create.

@@ -15,8 +15,8 @@
 // otherwise. Durations and times are seconds with fractions; in a duration a year has 365 days and a month
 // 30, and times count from 1970, UTC, which is also the zone of those that name none.
 
-/// A property of a kind that its scheme defines: Role, Accessibility, Rating, EssentialProperty, the head
-/// of an EventStream (5.8.2).
+/// A property of a kind that its scheme defines: Role, Accessibility, Rating, EssentialProperty,
+/// SupplementalProperty, AudioChannelConfiguration, UTCTiming, the head of an EventStream (5.8.2).
 struct SMPDDescriptor {
     const char* schemeIdUri = nullptr;  ///< URI of the scheme
     const char* value = nullptr;        ///< in the terms of the scheme
@@ -37,6 +37,15 @@ struct SMPDDescriptors {
     std::vector<SMPDDescriptor> accessibilities;            ///< Accessibility
     std::vector<SMPDDescriptor> ratings;                    ///< Rating
     std::vector<SMPDDescriptor> essentialProperties;        ///< EssentialProperty
+
+    std::vector<SMPDDescriptor> supplementalProperties;      ///< SupplementalProperty
+    std::vector<SMPDDescriptor> audioChannelConfigurations;  ///< AudioChannelConfiguration (5.8.4.7)
+};
+
+/// When segments can be asked for, beside what their times say (5.3.9.2, 5.6).
+struct SMPDAvailability {
+    std::optional<double> timeOffset;  ///< seconds earlier; infinite: at any time before
+    std::optional<bool> timeComplete;  ///< whether a segment is whole then; true when not given
 };
 
 /// A run of segments of one duration, in units of the timescale (5.3.9.6).
@@ -63,6 +72,7 @@ struct SMPDSegments {
     long long startNumber = -1;                                ///< 1: not given
     long long presentationTimeOffset = -1;                     ///< in units of the timescale; 0: not given
     std::shared_ptr<const std::vector<SMPDSegment>> timeline;  ///< null: none
+    SMPDAvailability availability;                             ///< availabilityTimeOffset, availabilityTimeComplete
 };
 
 /// Segments whose names follow from a pattern (5.3.9.4).
@@ -85,6 +95,7 @@ struct SMPDSegmentInfo {
     std::vector<const char*> baseUrls;  ///< of this level alone, to be resolved against those above
     std::shared_ptr<const SMPDSegmentTemplate> segmentTemplate;  ///< null: none
     std::shared_ptr<const SMPDSegmentList> segmentList;          ///< null: none
+    std::vector<SMPDAvailability> baseUrlAvailabilities;         ///< of each of the base URLs
 };
 
 /// Attributes common to adaptation sets and representations (5.3.7).
@@ -147,6 +158,8 @@ struct SMPDPeriod : SMPDSegmentInfo {
     std::vector<SMPDAdaptationSet> adaptationSets;  ///< AdaptationSet, in document order
     std::vector<SMPDPreselection> preselections;    ///< Preselection
     std::vector<SMPDDescriptor> eventStreams;       ///< EventStream, their heads
+
+    std::vector<SMPDDescriptor> supplementalProperties;  ///< SupplementalProperty
 };
 
 /// The presentation (5.3.1).
@@ -165,6 +178,10 @@ struct SMPDInfo {
     std::vector<const char*> baseUrls;                 ///< BaseURL
     std::vector<SMPDDescriptor> essentialProperties;   ///< EssentialProperty
     std::vector<SMPDPeriod> periods;                   ///< Period, in document order
+
+    std::vector<SMPDDescriptor> supplementalProperties;   ///< SupplementalProperty
+    std::vector<SMPDDescriptor> utcTimings;               ///< UTCTiming: where receivers have the time from (5.8.4.11)
+    std::vector<SMPDAvailability> baseUrlAvailabilities;  ///< of each of the base URLs
 };
 
 /// Parser of a DASH media presentation description. A parse that succeeds replaces the record of the one

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "../../common/Owned.h"
@@ -23,6 +24,9 @@ class VYR_API CMediaInfo : public CXmlElement {
         EContentType contentType = CONTENT_OTHER;    ///< CONTENT_OTHER: not given, or no name that is known
         std::string repId;                           ///< id of the DASH representation; empty: not given
         TOwnedArray<CContentRating> contentRatings;  ///< in document order
+
+        /// Extension: what "startUp" says by XML Schema; empty: not given, or no boolean.
+        std::optional<bool> givenStartUp;
     };
 
     /// Copies the id of the DASH representation; true. False, with `out` as it was, before Create.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "../../common/Owned.h"
 #include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
@@ -22,6 +24,9 @@ class VYR_API CROUTEUsbd : public CXmlElement {
         TTextArray languages;                          ///< the text of each serviceLanguage
         TOwnedArray<CDeliveryMethod> deliveryMethods;  ///< deliveryMethod
         TOwned<CServiceLinkage> serviceLinkage;        ///< the last one; null: none
+
+        /// Extension: what "serviceStatus" says by XML Schema; empty: not given, or no boolean.
+        std::optional<bool> givenServiceStatus;
     };
 
     /// globalServiceID, else globalServiceId; null: neither. Good until the next Parse or Destroy.

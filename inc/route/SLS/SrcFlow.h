@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "../../common/Owned.h"
 #include "../../common/XmlElement.h"
@@ -15,6 +17,16 @@ class CContentInfo;
 /// asserted ("m"); results are then empty, 0, false or null.
 class VYR_API CSrcFlow : public CXmlElement {
   public:
+    /// Extension: a Payload element (ATSC A/331 table A.3.2): how packets of a code point carry the objects.
+    /// Empty: not given, or no number (0 to 255 by the standard; whatever is given stands here), no boolean.
+    struct SPayload {
+        std::optional<long long> codePoint;  ///< of the packets' LCT headers; 0 when not given
+        std::optional<long long> formatId;   ///< 1 file, 2 entity, 3 unsigned package, 4 signed package
+        std::optional<long long> frag;  ///< how objects are cut: 0 anywhere, 1 at samples, 2 at collections of boxes
+        std::optional<bool> order;      ///< whether objects are sent in order; false when not given
+        std::optional<long long> srcFecPayloadId;  ///< 0 none, 1 the start offset, 2 as the FEC scheme says
+    };
+
     /// What was parsed.
     struct SSrcFlow {
         bool rt = false;                        ///< whether it carries streaming media
@@ -23,6 +35,10 @@ class VYR_API CSrcFlow : public CXmlElement {
         std::string aeaId;                      ///< of the content information
         TOwnedArray<CEFDT> efdts;               ///< the last one counts, all were reported
         TOwned<CContentInfo> contentInfo;       ///< the last one; null: none
+        std::vector<SPayload> payloads;         ///< Payload, in document order
+
+        /// Extension: what "rt" says by XML Schema; empty: not given, or no boolean.
+        std::optional<bool> givenRt;
     };
 
     /// Copies the record that each EFDT is given; null takes it back. False before Create.

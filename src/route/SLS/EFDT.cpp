@@ -150,6 +150,9 @@ void SState::m_OnFDTParameters(void* node)
     if (!global.contentEncoding) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CFDTParameters::m_OnFDTParameters] Content-Encoding not exist!!");
     }
+    vyr::ReadAttribute(node, "fileTemplate", global.fileTemplate);
+    vyr::ReadAttribute(node, "maxExpiresDelta", global.maxExpiresDelta, -1);
+    vyr::ReadAttribute(node, "maxTransportSize", global.maxTransportSize, -1);
     const CNodeText ids = CNodeText::Attribute(node, "appContextIdList");
     if (ids.Found()) {
         global.appContextIdList = Split(ids.Text());

@@ -3,6 +3,7 @@
 #include "common/ATSC3TimeUtility.h"
 #include "common/XmlParser.h"
 #include "common/XmlRead.h"
+#include "common/XsTime.h"
 #include "platform/Log.h"
 #include "route/SLS/SrcFlow.h"
 
@@ -45,10 +46,12 @@ bool SState::m_ProcessParse(void* root)
     const CNodeText startTime = CNodeText::Attribute(root, "startTime");
     if (startTime.Found()) {
         values.startTime = TimeUtility::ConvertDateTime2Epoch(startTime.Text());
+        values.givenStartTime = vyr::GivenTime(startTime, vyr::ReadDateTime);
     }
     const CNodeText endTime = CNodeText::Attribute(root, "endTime");
     if (endTime.Found()) {
         values.endTime = TimeUtility::ConvertDateTime2Epoch(endTime.Text());
+        values.givenEndTime = vyr::GivenTime(endTime, vyr::ReadDateTime);
     }
     vyr::DispatchChildren(this, k_handlers, root);
     return true;

@@ -5,6 +5,7 @@
 
 #include "common/XmlNode.h"
 #include "common/XmlParser.h"
+#include "common/XmlRead.h"
 #include "common/XsTime.h"
 #include "platform/Log.h"
 
@@ -55,6 +56,12 @@ void Inherit(SMPDSegments& own, const SMPDSegments& above)
     }
     if (!own.timeline) {
         own.timeline = above.timeline;
+    }
+    if (!own.availability.timeOffset) {
+        own.availability.timeOffset = above.availability.timeOffset;
+    }
+    if (!own.availability.timeComplete) {
+        own.availability.timeComplete = above.availability.timeComplete;
     }
 }
 
@@ -194,6 +201,9 @@ struct SState : vyr::SXmlState {
     static void sm_CbRole(SState* m, void* node);
     static void sm_CbAccessibility(SState* m, void* node);
     static void sm_CbEssentialProperty(SState* m, void* node);
+    static void sm_CbSupplementalProperty(SState* m, void* node);
+    static void sm_CbAudioChannelConfiguration(SState* m, void* node);
+    static void sm_CbUTCTiming(SState* m, void* node);
     static void sm_CbRating(SState* m, void* node);
     static void sm_CbPreselection(SState* m, void* node);
     static void sm_CbEventStream(SState* m, void* node);
@@ -221,6 +231,9 @@ constexpr vyr::SElementHandler<SState> k_handlers[] = {
     {"Role", SState::sm_CbRole},
     {"Accessibility", SState::sm_CbAccessibility},
     {"EssentialProperty", SState::sm_CbEssentialProperty},
+    {"SupplementalProperty", SState::sm_CbSupplementalProperty},
+    {"AudioChannelConfiguration", SState::sm_CbAudioChannelConfiguration},
+    {"UTCTiming", SState::sm_CbUTCTiming},
     {"Rating", SState::sm_CbRating},
     {"Preselection", SState::sm_CbPreselection},
     {"EventStream", SState::sm_CbEventStream},
@@ -301,6 +314,14 @@ bool SState::Misplaced(void* node)
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMPD::m_ProcessParseMPD] %s is out of place", vyr::NodeName(node));
     return true;
+}
+
+SMPDAvailability ReadAvailability(void* node)
+{
+    SMPDAvailability availability;
+    vyr::ReadAttribute(node, "availabilityTimeOffset", availability.timeOffset);
+    vyr::ReadAttribute(node, "availabilityTimeComplete", availability.timeComplete);
+    return availability;
 }
 
 void SState::ReadMpd(void* node)
@@ -416,6 +437,7 @@ void SState::ReadSegments(void* node, SMPDSegments& values)
     values.duration = Number(node, "duration");
     values.startNumber = Number(node, "startNumber");
     values.presentationTimeOffset = Number(node, "presentationTimeOffset");
+    values.availability = ReadAvailability(node);
     const vyr::CScoped<SMPDSegments*> current(segments, &values, nullptr);
     Walk(node);
 }
@@ -505,7 +527,9 @@ void SState::sm_CbS(SState* m, void* node)
 void SState::sm_CbBaseURL(SState* m, void* node)
 {
     if (const char* url = m->KeepUri(node)) {
-        (m->Level() ? m->Level()->baseUrls : m->info->baseUrls).push_back(url);
+        SMPDSegmentInfo* level = m->Level();
+        (level ? level->baseUrls : m->info->baseUrls).push_back(url);
+        (level ? level->baseUrlAvailabilities : m->info->baseUrlAvailabilities).push_back(ReadAvailability(node));
     }
 }
 
@@ -577,6 +601,29 @@ void SState::sm_CbEssentialProperty(SState* m, void* node)
     } else {
         m->ReadDescriptor(node, m->info->essentialProperties.emplace_back());
     }
+}
+
+void SState::sm_CbSupplementalProperty(SState* m, void* node)
+{
+    if (m->Descriptors()) {
+        m->Add(node, &SMPDDescriptors::supplementalProperties);
+    } else {
+        m->ReadDescriptor(
+            node, (m->period ? m->period->supplementalProperties : m->info->supplementalProperties).emplace_back());
+    }
+}
+
+void SState::sm_CbAudioChannelConfiguration(SState* m, void* node)
+{
+    m->Add(node, &SMPDDescriptors::audioChannelConfigurations);
+}
+
+void SState::sm_CbUTCTiming(SState* m, void* node)
+{
+    if (m->period && Misplaced(node)) {
+        return;
+    }
+    m->ReadDescriptor(node, m->info->utcTimings.emplace_back());
 }
 
 void SState::sm_CbRating(SState* m, void* node)

@@ -36,6 +36,7 @@ bool SState::m_ProcessParse(void* root)
     vyr::Renew(*this);
     const CNodeText startUp = CNodeText::Attribute(root, "startUp");
     if (startUp.Found()) {
+        vyr::Read(startUp, values.givenStartUp);
         // Required: the whole word, here and in the "rt" of a source flow.
         values.startUp = std::strcmp(startUp.Text(), "true") == 0;
     }

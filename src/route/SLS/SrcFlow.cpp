@@ -38,13 +38,26 @@ void sm_CbEFDT(SState* m, void* node)
         [m](CEFDT& efdt) { return VYR_CHECK(efdt.SetCallback(&m->callback), "efdt->SetCallback(&m->callback)"); });
 }
 
-constexpr vyr::SElementHandler<SState> k_handlers[] = {{"ContentInfo", sm_CbContentInfo}, {"EFDT", sm_CbEFDT}};
+void sm_CbPayload(SState* m, void* node)
+{
+    CSrcFlow::SPayload payload;
+    vyr::ReadAttribute(node, "codePoint", payload.codePoint);
+    vyr::ReadAttribute(node, "formatId", payload.formatId);
+    vyr::ReadAttribute(node, "frag", payload.frag);
+    vyr::ReadAttribute(node, "order", payload.order);
+    vyr::ReadAttribute(node, "srcFecPayloadId", payload.srcFecPayloadId);
+    m->values.payloads.push_back(payload);
+}
+
+constexpr vyr::SElementHandler<SState> k_handlers[] = {
+    {"ContentInfo", sm_CbContentInfo}, {"EFDT", sm_CbEFDT}, {"Payload", sm_CbPayload}};
 
 bool SState::m_ProcessParse(void* root)
 {
     vyr::Renew(*this);
     const CNodeText rt = CNodeText::Attribute(root, "rt");
     if (rt.Found()) {
+        vyr::Read(rt, values.givenRt);
         values.rt = std::strcmp(rt.Text(), "true") == 0;
     }
     vyr::ReadAttribute(root, "minBuffSize", values.minBuffSize, -1);

@@ -95,7 +95,8 @@ TEST_F(MMTUsbdTest, ServiceDescription)
         ASSERT_TRUE(Parse(std::string("<m:bundleDescriptionMMT xmlns:m='u'><m:userServiceDescription ") + c.attributes +
                           "/></m:bundleDescriptionMMT>"));
         EXPECT_STREQ(m_parser.GlobalServiceId(), c.globalServiceId);
-        EXPECT_TRUE(m_parser.ServiceId() == c.serviceId && m_parser.ServiceStatus() == c.status);
+        EXPECT_TRUE(m_parser.ServiceId() == c.serviceId && m_parser.ServiceStatus() == c.status &&
+                    m_parser.State()->givenServiceStatus.value_or(c.status) == (c.serviceId == 3 || c.status));
     }
 }
 

@@ -40,11 +40,16 @@ TEST_F(EFDTTest, EveryField)
     ASSERT_TRUE(
         Parse("<EFDT tsi='7' idRef='id' version='2' maxExpiresDelta='3' maxTransportSize='4294967295'>"
               "<FileTemplate>t$TOI$</FileTemplate><x:FDT-Instance xmlns:x='u:x' xmlns:a='u:a' Expires='4000000000' "
-              "Content-Type='text/xml' Content-Encoding='gzip' a:appContextIdList='a b  c ' a:efdtVersion='9'>"
+              "Content-Type='text/xml' Content-Encoding='gzip' a:appContextIdList='a b  c ' a:efdtVersion='9' "
+              "a:fileTemplate='n$TOI$' a:maxExpiresDelta='0' "
+              "a:maxTransportSize='4294967296'>"
               "<File Content-Location='l' TOI='18446744073709551615' Transfer-Length='5' Content-Length='6' "
               "Content-Type='ct' Content-Encoding='ce' appContextIdList='d'/><File/></x:FDT-Instance></EFDT>"));
     EXPECT_EQ(m_told, std::vector<SEFDTInfo*>{m_parser.GetEFDTInfo()});
     EXPECT_EQ(Show(m_told[0]), "7|id|2|3|4294967295|t$TOI$|4000000000|text/xml|gzip|9|[a b  c]");
+    const SFDTGlobal& global = *m_told[0]->fdtGlobal;
+    EXPECT_TRUE(global.fileTemplate == "n$TOI$" && global.maxExpiresDelta == 0 &&
+                global.maxTransportSize == 4294967296);
     // A number too great for 63 bits is the greatest.
     EXPECT_EQ(Files(), "l|9223372036854775807|5|6|ct|ce|[d];|18446744073709551615|-1|-1|||[];");
     EXPECT_EQ(Logged("[CEFDT::sm_CbFile] location[l], exist[1]"), 1);
@@ -59,6 +64,8 @@ TEST_F(EFDTTest, DefaultsOrderAndReplacement)
     ASSERT_TRUE(Parse("<any><File TOI='1'/><FDTParameters/><File TOI='2'/></any>"));
     EXPECT_EQ(Show(m_parser.GetEFDTInfo()), "4294967295||4294967295|4294967295|4294967295|-|-1|-|-|-1|[]");
     EXPECT_EQ(Files(), "|2|-1|-1|||[];");  // the file before any instance has nothing to join
+    const SFDTGlobal& global = *m_parser.GetEFDTInfo()->fdtGlobal;
+    EXPECT_TRUE(global.fileTemplate.empty() && global.maxExpiresDelta == -1 && global.maxTransportSize == -1);
     EXPECT_EQ(Logged("[CEFDT::sm_CbFile] no FDT instance before the file"), 1);
     EXPECT_EQ(Logged("not exist!!"), 4);
     // An instance inside another takes its place, files and all.

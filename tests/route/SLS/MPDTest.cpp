@@ -181,6 +181,36 @@ TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
     EXPECT_STREQ(inner.baseUrls[0], "b");
 }
 
+TEST_F(MPDTest, AvailabilityTimingAndProperties)
+{
+    ASSERT_TRUE(
+        Parse("<MPD><UTCTiming schemeIdUri='u' value='v'/><SupplementalProperty value='m'/><AudioChannelConfiguration/>"
+              "<BaseURL availabilityTimeOffset='INF' availabilityTimeComplete='0'>a</BaseURL><BaseURL>b</BaseURL>"
+              "<Period><UTCTiming/><SupplementalProperty value='p'/><BaseURL availabilityTimeOffset='nan'>c</BaseURL>"
+              "<SegmentTemplate availabilityTimeOffset='1.5' availabilityTimeComplete='false'/><AdaptationSet>"
+              "<SupplementalProperty value='s'/><AudioChannelConfiguration schemeIdUri='c' value='2'/>"
+              "<SegmentTemplate availabilityTimeOffset='0'/><Representation><AudioChannelConfiguration value='6'/>"
+              "</Representation></AdaptationSet><Preselection><AudioChannelConfiguration value='16'/></Preselection>"
+              "</Period></MPD>"));
+    const SMPDInfo& info = *m_mpd.GetMPDInfo();
+    ASSERT_TRUE(info.utcTimings.size() == 1 && info.supplementalProperties.size() == 1);
+    EXPECT_STREQ(info.utcTimings[0].value, "v");
+    ASSERT_EQ(info.baseUrlAvailabilities.size(), 2u);
+    EXPECT_TRUE(*info.baseUrlAvailabilities[0].timeOffset > 1e300 && !*info.baseUrlAvailabilities[0].timeComplete);
+    EXPECT_FALSE(info.baseUrlAvailabilities[1].timeOffset || info.baseUrlAvailabilities[1].timeComplete);
+    const SMPDPeriod& period = info.periods[0];
+    EXPECT_STREQ(period.supplementalProperties.at(0).value, "p");
+    EXPECT_FALSE(period.baseUrlAvailabilities.at(0).timeOffset);
+    EXPECT_EQ(period.segmentTemplate->availability.timeOffset, 1.5);
+    const SMPDAdaptationSet& set = period.adaptationSets[0];
+    EXPECT_STREQ(set.supplementalProperties.at(0).value, "s");
+    EXPECT_STREQ(set.audioChannelConfigurations.at(0).value, "2");
+    EXPECT_EQ(set.segmentTemplate->availability.timeOffset, 0);
+    EXPECT_EQ(set.segmentTemplate->availability.timeComplete, false);  // from above
+    EXPECT_STREQ(set.representations[0].audioChannelConfigurations.at(0).value, "6");
+    EXPECT_STREQ(period.preselections[0].audioChannelConfigurations.at(0).value, "16");
+}
+
 TEST_F(MPDTest, ElementsOutOfPlaceAndFailures)
 {
     ASSERT_TRUE(

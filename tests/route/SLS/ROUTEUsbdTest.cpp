@@ -13,7 +13,7 @@ TEST_F(ROUTEUsbdTest, EveryElementInBothCapitalisations)
 {
     ASSERT_TRUE(Parse(
         "<b:BundleDescriptionROUTE xmlns:b='u'><UserServiceDescription globalServiceId='low' globalServiceID='ID' "
-        "serviceId='65537' serviceStatus='1'><name lang='en'>N</name><Name>M</Name>"
+        "serviceId='65537' serviceStatus='1'><name lang='en'>N</name><Name>M</Name><Name/>"
         "<serviceLanguage>en</serviceLanguage><ServiceLanguage/><ServiceLanguage> </ServiceLanguage>"
         "<DeliveryMethod><UnicastAppService><BasePattern>u</BasePattern></UnicastAppService></DeliveryMethod>"
         "<deliveryMethod/><serviceLinkage serviceId='1'/><ServiceLinkage serviceId='7' serviceCategory='2' "
@@ -24,9 +24,12 @@ TEST_F(ROUTEUsbdTest, EveryElementInBothCapitalisations)
     EXPECT_STREQ(m_parser.ActivationTime(), "a");
     EXPECT_EQ(m_parser.DeActivationTime(), nullptr);
     const CROUTEUsbd::SROUTEUsbd& state = *m_parser.State();
-    ASSERT_TRUE(state.names.Size() == 2 && state.languages.Size() == 2);
+    ASSERT_TRUE(state.names.Size() == 3 && state.languages.Size() == 2);
     EXPECT_STREQ(static_cast<CServiceName*>(state.names.Data(0))->Lang(), "en");
     EXPECT_EQ(static_cast<CServiceName*>(state.names.Data(1))->Lang(), nullptr);
+    EXPECT_STREQ(static_cast<CServiceName*>(state.names.Data(0))->Text(), "N");
+    EXPECT_STREQ(static_cast<CServiceName*>(state.names.Data(2))->Text(), "");
+    EXPECT_EQ(state.givenServiceStatus, true);
     EXPECT_STREQ(static_cast<char*>(state.languages.Data(1)), " ");
     const auto* method = static_cast<const CDeliveryMethod*>(state.deliveryMethods.Data(0));
     EXPECT_EQ(method->State()->unicastAppSvcs.Get(0)->State()->basePatterns.front(), "u");
@@ -43,11 +46,11 @@ TEST_F(ROUTEUsbdTest, DefaultsAndFailures)
                 !m_parser.ActivationTime());
     ASSERT_TRUE(
         Parse("<bundleDescriptionROUTE><userServiceDescription globalServiceId='low'/></bundleDescriptionROUTE>"));
-    EXPECT_TRUE(!m_parser.ServiceStatus() && m_parser.ServiceId() == 65535);
+    EXPECT_TRUE(!m_parser.ServiceStatus() && !m_parser.State()->givenServiceStatus && m_parser.ServiceId() == 65535);
     EXPECT_STREQ(m_parser.GlobalServiceId(), "low");
     ASSERT_TRUE(
         Parse("<bundleDescriptionROUTE><userServiceDescription serviceStatus='true'/></bundleDescriptionROUTE>"));
-    EXPECT_TRUE(!m_parser.ServiceStatus() && !m_parser.GlobalServiceId());
+    EXPECT_TRUE(!m_parser.ServiceStatus() && *m_parser.State()->givenServiceStatus && !m_parser.GlobalServiceId());
     EXPECT_FALSE(m_parser.Create());
     EXPECT_EQ(TakeAssertions(), "!m");
 }

@@ -1,5 +1,6 @@
 #include "route/SLS/STSID.h"
 
+#include "route/SLS/ContentInfo.h"
 #include "route/SLS/EFDT.h"
 #include "route/SLS/MediaInfo.h"
 #include "route/SLS/RS.h"
@@ -54,7 +55,10 @@ TEST_F(STSIDTest, Sessions)
     EXPECT_EQ(m_efdts[0]->fdtGlobal->files.Size(), 1);
     const auto* ls =
         static_cast<const CLS*>(static_cast<const CRS*>(m_parser.State()->routeSessions.Data(0))->State()->ls.Data(0));
-    EXPECT_TRUE(ls->State()->bw == 100 && ls->State()->startTime == -1);
+    EXPECT_TRUE(ls->State()->bw == 100 && ls->State()->startTime == -1 && !ls->State()->givenStartTime);
+    const CSrcFlow::SSrcFlow& flow = *ls->State()->srcFlows.Get(0)->State();
+    ASSERT_EQ(flow.payloads.size(), 1u);
+    EXPECT_TRUE(flow.payloads[0].codePoint == 128 && *flow.payloads[0].order && !flow.payloads[0].srcFecPayloadId);
     EXPECT_EQ(Logged("[CRS::m_ProcessParseRS] dest ip = [3774939392]"), 1);
 }
 
@@ -96,6 +100,28 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
     text = "held";
     EXPECT_TRUE(!m_parser.GetContentId(3, 0, text) && text.empty());
     EXPECT_FALSE(TakeAssertions().empty());
+}
+
+TEST_F(STSIDTest, WhatIsGivenAndWhatIsNot)
+{
+    ASSERT_TRUE(
+        Parse("<S-TSID><RS><LS startTime='2027-07-01T12:00:00+02:00' endTime='soon'><SrcFlow rt='1'>"
+              "<Payload codePoint='0' formatId='300' frag='x' order='false' srcFecPayloadId='1'/><Payload/>"
+              "<ContentInfo><MediaInfo startUp='false'/></ContentInfo></SrcFlow>"
+              "<SrcFlow><ContentInfo><MediaInfo/></ContentInfo></SrcFlow></LS></RS></S-TSID>"));
+    const CLS::SLS& ls = *m_stsid.State()->routeSessions.Get(0)->State()->ls.Get(0)->State();
+    EXPECT_EQ(ls.givenStartTime->seconds, 1814436000);
+    EXPECT_TRUE(ls.givenEndTime->text == "soon" && !ls.givenEndTime->seconds);
+    const CSrcFlow::SSrcFlow& flow = *ls.srcFlows.Get(0)->State();
+    EXPECT_TRUE(*flow.givenRt && !flow.rt);
+    ASSERT_EQ(flow.payloads.size(), 2u);
+    const CSrcFlow::SPayload& payload = flow.payloads[0];
+    EXPECT_TRUE(payload.codePoint == 0 && payload.formatId == 300 && !payload.frag && payload.srcFecPayloadId == 1);
+    EXPECT_TRUE(payload.order.has_value() && !*payload.order && !flow.payloads[1].order.has_value());
+    EXPECT_EQ(flow.contentInfo->State()->mediaInfo->State()->givenStartUp, false);
+    const CSrcFlow::SSrcFlow& silent = *ls.srcFlows.Get(1)->State();
+    EXPECT_TRUE(!silent.givenRt && silent.payloads.empty() &&
+                !silent.contentInfo->State()->mediaInfo->State()->givenStartUp);
 }
 
 TEST_F(STSIDTest, EveryReportedEfdtLivesUntilDestroy)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -31,6 +32,14 @@ void PutValue(TJson& object, const char* key, const std::optional<TValue>& value
 {
     if (value) {
         object[key] = *value;
+    }
+}
+
+/// Sets the field unless it has no value; seconds to the nanosecond, without the digits that adding them up left.
+inline void PutSeconds(TJson& object, const char* key, const std::optional<double>& seconds)
+{
+    if (seconds) {
+        object[key] = std::fabs(*seconds) < 1e6 ? std::round(*seconds * 1e9) / 1e9 : *seconds;
     }
 }
 

@@ -33,6 +33,12 @@ const char* UrlTypeName(int urlType)
     return urlType >= 0 && urlType <= 4 ? k_names[urlType] : nullptr;
 }
 
+const char* PayloadFormatName(long long formatId)
+{
+    constexpr const char* k_names[] = {nullptr, "file", "entity", "unsigned package", "signed package"};
+    return formatId >= 0 && formatId <= 4 ? k_names[formatId] : nullptr;
+}
+
 const char* AlertTypeName(int type)
 {
     constexpr const char* k_names[] = {nullptr, "alert", "update", "cancel"};

@@ -9,6 +9,7 @@ const char* TableName(unsigned tableId);
 const char* ServiceCategoryName(int category);
 const char* ProtocolName(int protocol);
 const char* UrlTypeName(int urlType);
+const char* PayloadFormatName(long long formatId);
 const char* AlertTypeName(int type);
 const char* AudienceName(int audience);
 const char* LocationTypeName(int type);

@@ -195,31 +195,50 @@ std::int64_t NtpSeconds(std::uint32_t ntp)
     return ntp - k_from1900To1970 + (ntp < 0x80000000u ? k_era : 0);
 }
 
-std::string EpochText(double seconds)
+std::string InstantText(std::int64_t seconds, std::int32_t nanoseconds, int digits)
 {
-    constexpr double k_endOfTime = 253402300800;  // the year 10000
-    if (!(seconds >= 0 && seconds < k_endOfTime - 1)) {
-        return NumberText(seconds);
-    }
-    const long long milliseconds = std::llround(seconds * 1000);
-    const std::time_t whole = static_cast<std::time_t>(milliseconds / 1000);
+    const std::time_t whole = static_cast<std::time_t>(seconds);
     std::tm utc{};
-    char text[32];
     gmtime_r(&whole, &utc);
-    const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &utc);
-    std::string out(text, length);
-    if (milliseconds % 1000 != 0) {
-        std::snprintf(text, sizeof text, ".%03d", static_cast<int>(milliseconds % 1000));
-        out += text;
+    char text[80];
+    const int length = std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", utc.tm_year + 1900,
+                                     utc.tm_mon + 1, utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec);
+    std::string out(text, static_cast<std::size_t>(length));
+    std::snprintf(text, sizeof text, "%09d", nanoseconds);
+    const int needed = nanoseconds % 1000 != 0 ? 9 : nanoseconds % 1000000 != 0 ? 6 : nanoseconds != 0 ? 3 : 0;
+    if (std::max(needed, digits) > 0) {
+        out.append(1, '.').append(text, static_cast<std::size_t>(std::max(needed, digits)));
     }
     return out + 'Z';
+}
+
+std::string EpochText(double seconds)
+{
+    constexpr double k_beginOfTime = -62135596800;  // the year 1
+    constexpr double k_endOfTime = 253402300800;    // the year 10000
+    constexpr double k_fine = 4294967296;           // up to here a double tells microseconds apart
+    if (!(seconds >= k_beginOfTime && seconds < k_endOfTime - 1)) {
+        return NumberText(seconds);
+    }
+    const double unit = std::fabs(seconds) < k_fine ? 1e6 : 1e3;
+    const double whole = std::floor(seconds);
+    const long long parts = std::llround((seconds - whole) * unit);
+    const long long most = static_cast<long long>(unit);
+    return InstantText(static_cast<std::int64_t>(whole) + parts / most,
+                       static_cast<std::int32_t>(parts % most * (1000000000 / most)), 0);
 }
 
 std::string NumberText(double number)
 {
     char text[40];
-    std::snprintf(text, sizeof text, "%.9g", number);
-    return text;
+    const double size = std::fabs(number);
+    if (!(size < 1e9) || (size < 1e-3 && size > 0)) {
+        std::snprintf(text, sizeof text, "%.9g", number);
+        return text;
+    }
+    std::string out(text, static_cast<std::size_t>(std::snprintf(text, sizeof text, "%.6f", number)));
+    out.erase(out.find_last_not_of('0') + 1);
+    return out.back() == '.' ? out.substr(0, out.size() - 1) : out;
 }
 
 std::string Line(const char* label, const std::string& text)

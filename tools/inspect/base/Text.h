@@ -35,12 +35,14 @@ std::string Joined(const std::vector<std::string>& texts);
 std::string InLanguage(const std::string& lang);
 /// The first columns of a printable text, "…" behind it when it is longer.
 std::string Short(const std::string& text);
-/// Seconds since 1970 as "2026-11-21T02:02:23.328Z", to the millisecond; as a number when they are no
-/// date of four digits.
+/// An instant as "2026-11-21T02:02:23.328Z": to the nanosecond, in groups of three digits, at least `digits` of them.
+std::string InstantText(std::int64_t seconds, std::int32_t nanoseconds, int digits = 3);
+/// Seconds since 1970 likewise, to the microsecond and without a fraction that is 0; as a number when they are no date
+/// of four digits.
 std::string EpochText(double seconds);
 /// Seconds since 1970 of NTP seconds, which begin anew in 2036: those below 2^31 are of that era.
 std::int64_t NtpSeconds(std::uint32_t ntp);
-/// A number without needless digits: "2", "2.5".
+/// A number to the sixth decimal, without needless digits: "2", "2.5".
 std::string NumberText(double number);
 /// An indented line: a label in a column of its own, then the text; nothing for no text.
 std::string Line(const char* label, const std::string& text);

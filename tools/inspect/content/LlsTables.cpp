@@ -7,6 +7,7 @@
 #include <list>
 #include <type_traits>
 
+#include "base/Json.h"
 #include "base/Names.h"
 #include "base/Text.h"
 #include "content/Certificates.h"
@@ -25,13 +26,15 @@ namespace {
 
 constexpr std::size_t k_header = 4;
 
-/// "UTC-5", "UTC+5:30".
+/// "UTC-5", "UTC+5:30", "UTC+5:30:01".
 std::string ZoneText(int seconds)
 {
-    const long minutes = std::labs(static_cast<long>(seconds)) / 60;
-    char text[48];
-    std::snprintf(text, sizeof text, minutes % 60 != 0 ? "UTC%c%ld:%02ld" : "UTC%c%ld", seconds < 0 ? '-' : '+',
-                  minutes / 60, minutes % 60);
+    const long long size = std::llabs(seconds);
+    const char* format = size % 60 != 0     ? "UTC%c%lld:%02lld:%02lld"
+                         : size % 3600 != 0 ? "UTC%c%lld:%02lld"
+                                            : "UTC%c%lld";
+    char text[80];
+    std::snprintf(text, sizeof text, format, seconds < 0 ? '-' : '+', size / 3600, size / 60 % 60, size % 60);
     return text;
 }
 
@@ -46,27 +49,49 @@ bool Feed(TTable& parser, SView bytes, std::string& reason)
     return !StepFailed();
 }
 
+/// "local time UTC-5"; where no zone has such an offset, or a receiver reads another one than the attribute says, its
+/// text and what a receiver makes of it.
+std::string LocalTimeText(const SGivenTime& given, int seconds)
+{
+    constexpr int k_farthest = 16 * 3600;
+    const bool known = seconds >= -k_farthest && seconds <= k_farthest;
+    if (known && given.seconds == seconds) {
+        return "local time " + ZoneText(seconds);
+    }
+    return "local time " + Quoted(given.text) + " (to a receiver " + ZoneText(seconds) +
+           (known ? ")" : ", which no zone has)");
+}
+
 SContent ReadSystemTime(const CParseSystemTime& parser)
 {
-    const CParseSystemTime::SSystemTime& time = *parser.State();
+    const CParseSystemTime::SGiven& given = *parser.Given();
     SContent content;
-    content.headline =
-        "TAI-UTC " + std::to_string(time.currentUtcOffset) + " s, local time " + ZoneText(time.utcLocalOffset);
-    content.headline += time.dsStatus ? ", daylight saving" : "";
-    content.headline += time.leap59 || time.leap61 ? ", leap second ahead" : "";
-    if (time.dsDayOfMonth != 0) {
-        content.headline += ", daylight saving changes on day " + std::to_string(time.dsDayOfMonth) + " at hour " +
-                            std::to_string(time.dsHour);
+    std::vector<std::string> parts;
+    PutValue(content.json, "currentUtcOffset", given.currentUtcOffset);
+    if (given.currentUtcOffset) {
+        parts.push_back("TAI-UTC " + std::to_string(*given.currentUtcOffset) + " s");
     }
-    content.json = {{"currentUtcOffset", time.currentUtcOffset},
-                    {"ptpPrepend", time.ptpPrepend},
-                    {"leap59", time.leap59},
-                    {"leap61", time.leap61},
-                    {"utcLocalOffsetSeconds", time.utcLocalOffset},
-                    {"utcLocalOffsetHours", time.utcLocalOffset / 3600.0},
-                    {"dsStatus", time.dsStatus},
-                    {"dsDayOfMonth", time.dsDayOfMonth},
-                    {"dsHour", time.dsHour}};
+    PutValue(content.json, "ptpPrepend", given.ptpPrepend);
+    PutValue(content.json, "leap59", given.leap59);
+    PutValue(content.json, "leap61", given.leap61);
+    if (given.utcLocalOffset) {
+        const int seconds = parser.UtcLocalOffset();
+        content.json["utcLocalOffset"] = given.utcLocalOffset->text;
+        content.json["utcLocalOffsetSeconds"] = seconds;
+        content.json["utcLocalOffsetHours"] = seconds / 3600.0;
+        parts.push_back(LocalTimeText(*given.utcLocalOffset, seconds));
+    }
+    PutValue(content.json, "dsStatus", given.dsStatus);
+    PutValue(content.json, "dsDayOfMonth", given.dsDayOfMonth);
+    PutValue(content.json, "dsHour", given.dsHour);
+    parts.emplace_back(given.dsStatus.value_or(false) ? "daylight saving" : "");
+    parts.emplace_back(given.leap59.value_or(false) || given.leap61.value_or(false) ? "leap second ahead" : "");
+    if (given.dsDayOfMonth.value_or(0) != 0) {
+        parts.push_back("daylight saving changes on day " + std::to_string(*given.dsDayOfMonth) +
+                        (given.dsHour ? " at hour " + std::to_string(*given.dsHour) : ""));
+    }
+    const std::string text = Joined(parts);
+    content.headline = text.empty() ? "no times" : text;
     return content;
 }
 
@@ -237,6 +262,20 @@ SContent ReadOnscreen(const CParseOnscreenNoti& parser)
     return content;
 }
 
+/// What the broadcast says, in UTC; what is no time, as it stands.
+std::string TimeText(const SGivenTime& given)
+{
+    return given.seconds ? EpochText(*given.seconds) : given.text;
+}
+
+/// The time of a certificate, if the table gives it.
+std::string CertificateTime(const char* label, const std::optional<SGivenTime>& given)
+{
+    return !given           ? std::string()
+           : given->seconds ? label + TimeText(*given)
+                            : label + Quoted(given->text) + " (no time)";
+}
+
 SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
 {
     std::list<std::string> certificates;
@@ -245,16 +284,16 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
     std::string next;
     std::string cms;
     std::string toBeSigned;
-    long long from = 0;
-    long long until = 0;
+    long long times[2] = {};  // one second late, and of a zone: the given ones are shown
     int refresh = 0;
     parser.GetCertificates(certificates);
     parser.GetOCSPResponse(responses);
     parser.GetCurrentCert(current);
-    parser.GetCertReplacement(next, from, until);
+    parser.GetCertReplacement(next, times[0], times[1]);
     parser.GetOCSPRefresh(refresh);
     parser.GetCMSSignedData(cms);
     parser.GetToBeSignedData(toBeSigned);
+    const CParseCDT::SGiven& given = *parser.Given();
 
     SContent content;
     content.headline = Counted(certificates.size(), "certificate") + ", " + Counted(responses.size(), "OCSP response");
@@ -276,18 +315,27 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
                                                 {"notAfter", certificate.notAfter}});
     }
     content.text += current.empty() ? "" : "  current certificate: " + Printable(current) + '\n';
-    if (!next.empty()) {
-        // The library's times of this table are one second late.
-        content.text += "  next certificate: " + Printable(next) + ", from " +
-                        EpochText(static_cast<double>(from - 1)) + ", the current one until " +
-                        EpochText(static_cast<double>(until - 1)) + '\n';
-        content.json["CertReplacement"] = {{"NextCert", next},
-                                           {"NextCertFrom", EpochText(static_cast<double>(from - 1))},
-                                           {"CurrentCertUntil", EpochText(static_cast<double>(until - 1))}};
+    if (!next.empty() || given.nextCertFrom || given.currentCertUntil) {
+        content.text += "  next certificate: " +
+                        Joined({Printable(next), CertificateTime("from ", given.nextCertFrom),
+                                CertificateTime("the current one until ", given.currentCertUntil)}) +
+                        '\n';
+        TJson& json = content.json["CertReplacement"] = TJson::object();
+        PutText(json, "NextCert", next);
+        PutText(json, "NextCertFrom", given.nextCertFrom ? TimeText(*given.nextCertFrom) : "");
+        PutText(json, "CurrentCertUntil", given.currentCertUntil ? TimeText(*given.currentCertUntil) : "");
     }
-    content.text += "  OCSP responses are renewed every " + std::to_string(refresh) + " s\n";
-    content.json["CurrentCert"] = current;
-    content.json["OCSPRefreshSeconds"] = refresh;
+    PutText(content.json, "CurrentCert", current);
+    if (given.ocspRefresh) {
+        const std::string seconds = std::to_string(refresh) + " s";
+        content.text += "  OCSP responses are renewed every " +
+                        (given.ocspRefresh->seconds == refresh
+                             ? seconds
+                             : Quoted(given.ocspRefresh->text) + " (to a receiver " + seconds + ')') +
+                        '\n';
+        content.json["OCSPRefresh"] = given.ocspRefresh->text;
+        content.json["OCSPRefreshSeconds"] = refresh;
+    }
     content.json["OCSPResponses"] = responses.size();
     content.json["ToBeSignedDataSize"] = toBeSigned.size();
     if (cms.empty()) {

@@ -128,13 +128,14 @@ SContent MmtUsbdContent(const CMMTUsbd& usbd)
     constexpr unsigned short k_none = 0xFFFF;
     const CMMTUsbd::SMMTUsbd& state = *usbd.State();
     SContent content;
-    content.headline = Joined(
-        {state.serviceId != k_none ? "service " + std::to_string(state.serviceId) : "of no service",
-         state.globalServiceId != nullptr ? Quoted(state.globalServiceId) : "", state.serviceStatus ? "active" : ""});
+    content.headline =
+        Joined({state.serviceId != k_none ? "service " + std::to_string(state.serviceId) : "of no service",
+                state.globalServiceId != nullptr ? Quoted(state.globalServiceId) : ""}) +
+        ServiceStatusText(state.givenServiceStatus, state.serviceStatus);
     TJson& json = content.json;
     PutText(json, "globalServiceID", state.globalServiceId);
     PutNumber(json, "serviceId", state.serviceId, k_none);
-    json["serviceStatus"] = state.serviceStatus;
+    PutValue(json, "serviceStatus", state.givenServiceStatus);
     PutLanguages(state, content);
     if (state.channel != nullptr) {
         const CMMTChannel::SChannel& channel = *state.channel->State();

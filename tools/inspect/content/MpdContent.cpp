@@ -1,6 +1,9 @@
 #include "content/MpdContent.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <iterator>
 
 #include "base/Json.h"
 #include "base/Text.h"
@@ -92,6 +95,56 @@ void PutDescriptors(TJson& json, const SMPDDescriptors& descriptors)
     PutList(json, "Accessibility", DescriptorsJson(descriptors.accessibilities));
     PutList(json, "Rating", DescriptorsJson(descriptors.ratings));
     PutList(json, "EssentialProperty", DescriptorsJson(descriptors.essentialProperties));
+    PutList(json, "SupplementalProperty", DescriptorsJson(descriptors.supplementalProperties));
+    PutList(json, "AudioChannelConfiguration", DescriptorsJson(descriptors.audioChannelConfigurations));
+}
+
+/// "INF", or seconds.
+void PutAvailability(TJson& json, const SMPDAvailability& availability)
+{
+    if (availability.timeOffset && !std::isfinite(*availability.timeOffset)) {
+        json["availabilityTimeOffsetSeconds"] = "INF";
+    } else {
+        PutSeconds(json, "availabilityTimeOffsetSeconds", availability.timeOffset);
+    }
+    PutValue(json, "availabilityTimeComplete", availability.timeComplete);
+}
+
+/// The base URLs, and if one of them says when its segments are available, that of each.
+void PutBaseUrls(TJson& json, const std::vector<const char*>& urls, const std::vector<SMPDAvailability>& availabilities)
+{
+    PutList(json, "BaseURL", TextsJson(urls));
+    const bool said = std::any_of(availabilities.begin(), availabilities.end(),
+                                  [](const SMPDAvailability& each) { return each.timeOffset || each.timeComplete; });
+    for (const SMPDAvailability& each : said ? availabilities : std::vector<SMPDAvailability>()) {
+        PutAvailability(json["BaseURLAvailability"].emplace_back(TJson::object()), each);
+    }
+}
+
+/// "available 1.5 s early, in parts", or nothing.
+std::string AvailabilityText(const SMPDAvailability& availability)
+{
+    const std::optional<double>& offset = availability.timeOffset;
+    return Joined({!offset                  ? std::string()
+                   : std::isfinite(*offset) ? "available " + NumberText(*offset) + " s early"
+                                            : "available at any time",
+                   availability.timeComplete.value_or(true) ? "" : "in parts"});
+}
+
+/// What the level says itself of when its segments are available.
+std::string AvailabilityText(const SMPDSegmentInfo& own, const SMPDSegmentInfo* above)
+{
+    std::vector<std::string> texts;
+    for (const SMPDAvailability& each : own.baseUrlAvailabilities) {
+        texts.push_back(AvailabilityText(each));
+    }
+    if (own.segmentTemplate && (above == nullptr || own.segmentTemplate != above->segmentTemplate)) {
+        texts.push_back(AvailabilityText(own.segmentTemplate->availability));
+    }
+    if (own.segmentList && (above == nullptr || own.segmentList != above->segmentList)) {
+        texts.push_back(AvailabilityText(own.segmentList->availability));
+    }
+    return Short(Joined(texts));
 }
 
 /// What templates and lists have in common; `above` is that of the level above, null: none.
@@ -101,6 +154,7 @@ TJson SegmentsJson(const SMPDSegments& segments, const SMPDSegments* above)
     PutNumber(json, "duration", segments.duration, -1LL);
     json["startNumber"] = segments.startNumber;
     json["presentationTimeOffset"] = segments.presentationTimeOffset;
+    PutAvailability(json, segments.availability);
     if (segments.timeline && (above == nullptr || segments.timeline != above->timeline)) {
         json["SegmentTimeline"] = TJson::array();
         for (const SMPDSegment& segment : *segments.timeline) {
@@ -148,7 +202,7 @@ void PutSegmentList(TJson& json, const SMPDSegmentList& segments, const SMPDSegm
 /// Segments that the level says itself.
 void PutSegments(TJson& json, const SMPDSegmentInfo& own, const SMPDSegmentInfo* above)
 {
-    PutList(json, "BaseURL", TextsJson(own.baseUrls));
+    PutBaseUrls(json, own.baseUrls, own.baseUrlAvailabilities);
     if (own.segmentTemplate && (above == nullptr || own.segmentTemplate != above->segmentTemplate)) {
         PutTemplate(json, *own.segmentTemplate, above != nullptr ? above->segmentTemplate.get() : nullptr);
     }
@@ -217,8 +271,8 @@ TJson PeriodJson(const SMPDPeriod& period)
 {
     TJson json = TJson::object();
     PutText(json, "id", period.id);
-    PutValue(json, "startSeconds", period.start);
-    PutValue(json, "durationSeconds", period.duration);
+    PutSeconds(json, "startSeconds", period.start);
+    PutSeconds(json, "durationSeconds", period.duration);
     PutSegments(json, period, nullptr);
     json["AdaptationSet"] = TJson::array();
     for (const SMPDAdaptationSet& set : period.adaptationSets) {
@@ -234,6 +288,7 @@ TJson PeriodJson(const SMPDPeriod& period)
         json["Preselection"].push_back(std::move(entry));
     }
     PutList(json, "EventStream", DescriptorsJson(period.eventStreams));
+    PutList(json, "SupplementalProperty", DescriptorsJson(period.supplementalProperties));
     return json;
 }
 
@@ -246,13 +301,15 @@ TJson MpdJson(const SMPDInfo& mpd)
     PutTime(json, "availabilityStartTime", mpd.availabilityStartTime);
     PutTime(json, "availabilityEndTime", mpd.availabilityEndTime);
     PutTime(json, "publishTime", mpd.publishTime);
-    PutValue(json, "mediaPresentationDurationSeconds", mpd.mediaPresentationDuration);
-    PutValue(json, "minimumUpdatePeriodSeconds", mpd.minimumUpdatePeriod);
-    PutValue(json, "minBufferTimeSeconds", mpd.minBufferTime);
-    PutValue(json, "timeShiftBufferDepthSeconds", mpd.timeShiftBufferDepth);
-    PutValue(json, "suggestedPresentationDelaySeconds", mpd.suggestedPresentationDelay);
-    PutList(json, "BaseURL", TextsJson(mpd.baseUrls));
+    PutSeconds(json, "mediaPresentationDurationSeconds", mpd.mediaPresentationDuration);
+    PutSeconds(json, "minimumUpdatePeriodSeconds", mpd.minimumUpdatePeriod);
+    PutSeconds(json, "minBufferTimeSeconds", mpd.minBufferTime);
+    PutSeconds(json, "timeShiftBufferDepthSeconds", mpd.timeShiftBufferDepth);
+    PutSeconds(json, "suggestedPresentationDelaySeconds", mpd.suggestedPresentationDelay);
+    PutBaseUrls(json, mpd.baseUrls, mpd.baseUrlAvailabilities);
     PutList(json, "EssentialProperty", DescriptorsJson(mpd.essentialProperties));
+    PutList(json, "SupplementalProperty", DescriptorsJson(mpd.supplementalProperties));
+    PutList(json, "UTCTiming", DescriptorsJson(mpd.utcTimings));
     json["Period"] = TJson::array();
     for (const SMPDPeriod& period : mpd.periods) {
         json["Period"].push_back(PeriodJson(period));
@@ -260,11 +317,16 @@ TJson MpdJson(const SMPDInfo& mpd)
     return json;
 }
 
-/// "main" of the scheme that everybody knows, else "value of scheme".
+/// "main" of a scheme that everybody knows, else "value of scheme".
 std::string DescriptorText(const SMPDDescriptor& descriptor)
 {
-    const bool known =
-        descriptor.schemeIdUri != nullptr && std::strcmp(descriptor.schemeIdUri, "urn:mpeg:dash:role:2011") == 0;
+    constexpr const char* k_known[] = {"urn:mpeg:dash:role:2011",
+                                       "urn:mpeg:dash:23003:3:audio_channel_configuration:2011",
+                                       "urn:mpeg:mpegB:cicp:ChannelConfiguration"};
+    const bool known = descriptor.schemeIdUri != nullptr &&
+                       std::any_of(std::begin(k_known), std::end(k_known), [&](const char* scheme) {
+                           return std::strcmp(descriptor.schemeIdUri, scheme) == 0;
+                       });
     return Given(descriptor.value) +
            (known ? std::string() : Labelled(descriptor.value ? " of" : "of", descriptor.schemeIdUri));
 }
@@ -276,6 +338,19 @@ std::string DescriptorsText(const char* label, const std::vector<SMPDDescriptor>
         texts.push_back(DescriptorText(descriptor));
     }
     return texts.empty() ? std::string() : std::string(label) + ' ' + Joined(texts);
+}
+
+/// Where receivers have the time from. A time that stands in the MPD itself is another one in each: it is left out, so
+/// that an MPD where nothing else is new shows no change.
+std::string TimingText(const std::vector<SMPDDescriptor>& timings)
+{
+    std::vector<std::string> texts;
+    for (const SMPDDescriptor& timing : timings) {
+        const bool direct =
+            timing.schemeIdUri != nullptr && std::strcmp(timing.schemeIdUri, "urn:mpeg:dash:utc:direct:2014") == 0;
+        texts.push_back(direct ? "in the MPD" : DescriptorText(timing));
+    }
+    return Joined(texts);
 }
 
 /// Lines for what protects the level, each behind `indent`.
@@ -298,7 +373,9 @@ std::string PropertiesText(const SMPDDescriptors& descriptors)
 {
     return Joined(
         {DescriptorsText("role", descriptors.roles), DescriptorsText("accessibility", descriptors.accessibilities),
-         DescriptorsText("rated", descriptors.ratings), DescriptorsText("essential", descriptors.essentialProperties)});
+         DescriptorsText("rated", descriptors.ratings), DescriptorsText("essential", descriptors.essentialProperties),
+         DescriptorsText("supplemental", descriptors.supplementalProperties),
+         DescriptorsText("channel configuration", descriptors.audioChannelConfigurations)});
 }
 
 std::string RepresentationText(const SMPDRepresentation& representation, const SMPDAdaptationSet& set)
@@ -312,16 +389,17 @@ std::string RepresentationText(const SMPDRepresentation& representation, const S
     const std::string bits = representation.bandwidth != -1 ? std::to_string(representation.bandwidth) + " bit/s" : "";
     return "        representation " + (representation.id != nullptr ? Given(representation.id) : "-") + ": " +
            Joined({ownType ? Given(representation.mimeType) : "", Given(representation.codecs), size, rate, sampling,
-                   bits, PropertiesText(representation)}) +
+                   bits, AvailabilityText(representation, &set), PropertiesText(representation)}) +
            '\n' + ProtectionText("          ", representation);
 }
 
-std::string SetText(const SMPDAdaptationSet& set)
+std::string SetText(const SMPDAdaptationSet& set, const SMPDPeriod& period)
 {
     const char* type = set.mimeType != nullptr ? set.mimeType : set.contentType;
-    std::string text = "      adaptation set" + (set.id != nullptr ? ' ' + Given(set.id) : "") + ": " +
-                       Joined({Given(type), Labelled("language", set.lang), PropertiesText(set)}) + '\n' +
-                       ProtectionText("        ", set);
+    std::string text =
+        "      adaptation set" + (set.id != nullptr ? ' ' + Given(set.id) : "") + ": " +
+        Joined({Given(type), Labelled("language", set.lang), AvailabilityText(set, &period), PropertiesText(set)}) +
+        '\n' + ProtectionText("        ", set);
     for (const SMPDRepresentation& representation : set.representations) {
         text += RepresentationText(representation, set);
     }
@@ -333,10 +411,11 @@ std::string PeriodText(const SMPDPeriod& period)
     std::string text = "    period" + (period.id != nullptr ? ' ' + Given(period.id) : "") + ": " +
                        Joined({SecondsText("from", period.start), SecondsText("for", period.duration),
                                Counted(period.adaptationSets.size(), "adaptation set"),
-                               DescriptorsText("events", period.eventStreams)}) +
+                               AvailabilityText(period, nullptr), DescriptorsText("events", period.eventStreams),
+                               DescriptorsText("supplemental", period.supplementalProperties)}) +
                        '\n';
     for (const SMPDAdaptationSet& set : period.adaptationSets) {
-        text += SetText(set);
+        text += SetText(set, period);
     }
     for (const SMPDPreselection& preselection : period.preselections) {
         text += "      preselection" + (preselection.id != nullptr ? ' ' + Given(preselection.id) : "") + ": " +
@@ -356,6 +435,11 @@ SContent MpdContent(const SMPDInfo& mpd)
         {mpd.dynamic ? "dynamic" : "static", Counted(mpd.periods.size(), "period"),
          SecondsText("lasts", mpd.mediaPresentationDuration), TimeText("available from", mpd.availabilityStartTime),
          SecondsText("updated every", mpd.minimumUpdatePeriod), SecondsText("buffer", mpd.minBufferTime)});
+    SMPDSegmentInfo own;
+    own.baseUrlAvailabilities = mpd.baseUrlAvailabilities;
+    content.text += Line("segments", AvailabilityText(own, nullptr)) + Line("time", TimingText(mpd.utcTimings)) +
+                    Line("property", Joined({DescriptorsText("essential", mpd.essentialProperties),
+                                             DescriptorsText("supplemental", mpd.supplementalProperties)}));
     for (const SMPDPeriod& period : mpd.periods) {
         content.text += PeriodText(period);
     }

@@ -34,6 +34,12 @@ std::string Given(unsigned number)
     return number != k_none ? std::to_string(number) : std::string();
 }
 
+/// What the broadcast says, in UTC; what is no time as it stands, nothing for none.
+std::string GivenText(const std::optional<SGivenTime>& given)
+{
+    return !given ? std::string() : given->seconds ? EpochText(*given->seconds) : given->text;
+}
+
 /// Base patterns of the services, and one JSON object for each.
 template <class TServices>
 TJson BasePatterns(const TServices& services, std::vector<std::string>& patterns)
@@ -88,6 +94,9 @@ TJson EfdtJson(const SEFDTInfo& efdt)
         PutText(instance, "Content-Type", global.contentType);
         PutText(instance, "Content-Encoding", global.contentEncoding);
         PutNumber(instance, "efdtVersion", global.efdtVersion, -1);
+        PutNumber(instance, "maxExpiresDelta", global.maxExpiresDelta, -1LL);
+        PutNumber(instance, "maxTransportSize", global.maxTransportSize, -1LL);
+        PutText(instance, "fileTemplate", global.fileTemplate);
         PutList(instance, "appContextIdList", ContextIds(global.appContextIdList));
         instance["File"] = TJson::array();
         ForEach<SFDTFile>(global.files, [&](const SFDTFile& file) { instance["File"].push_back(FileJson(file)); });
@@ -101,14 +110,21 @@ struct SFiles {
     std::size_t count = 0;
 };
 
-/// A row for each file of the EFDT, and one for those that its template names.
+/// A row for each file of the EFDT, and one for those that a template names.
 void AddFiles(const SEFDTInfo& efdt, const std::string& tsi, SFiles& files)
 {
+    const auto any = [&](const std::string& name, long long size) {
+        files.rows.push_back(
+            {"  " + tsi, "any", Printable(name), "", size != -1 ? "up to " + std::to_string(size) : std::string()});
+    };
     if (efdt.fileTemplate != nullptr) {
-        files.rows.push_back({"  " + tsi, "any", Printable(efdt.fileTemplate)});
+        any(efdt.fileTemplate, efdt.maxTransportSize != k_none ? efdt.maxTransportSize : -1LL);
     }
     if (efdt.fdtGlobal == nullptr) {
         return;
+    }
+    if (!efdt.fdtGlobal->fileTemplate.empty()) {
+        any(efdt.fdtGlobal->fileTemplate, efdt.fdtGlobal->maxTransportSize);
     }
     ForEach<SFDTFile>(efdt.fdtGlobal->files, [&](const SFDTFile& file) {
         const long long size = file.contentLength != -1 ? file.contentLength : file.transferLength;
@@ -122,7 +138,8 @@ void AddFiles(const SEFDTInfo& efdt, const std::string& tsi, SFiles& files)
 TJson MediaInfoJson(const CMediaInfo::SMediaInfo& media)
 {
     constexpr const char* k_types[] = {nullptr, "audio", "video", "subtitles"};
-    TJson json = {{"startUp", media.startUp}};
+    TJson json = TJson::object();
+    PutValue(json, "startUp", media.givenStartUp);
     PutText(json, "lang", media.lang);
     PutText(json, "contentType", k_types[media.contentType]);
     PutText(json, "repId", media.repId);
@@ -143,13 +160,41 @@ std::string RatingsText(const CMediaInfo::SMediaInfo& media)
     return Joined(ratings);
 }
 
+TJson PayloadJson(const CSrcFlow::SPayload& payload)
+{
+    TJson json = TJson::object();
+    PutValue(json, "codePoint", payload.codePoint);
+    if (payload.formatId) {
+        PutNamed(json, "formatId", *payload.formatId, PayloadFormatName(*payload.formatId));
+    }
+    PutValue(json, "frag", payload.frag);
+    PutValue(json, "order", payload.order);
+    PutValue(json, "srcFecPayloadId", payload.srcFecPayloadId);
+    return json;
+}
+
+/// "128: format 1 file": what packets of a code point carry.
+std::string PayloadText(const CSrcFlow::SPayload& payload)
+{
+    const char* name = payload.formatId ? PayloadFormatName(*payload.formatId) : nullptr;
+    return (payload.codePoint ? std::to_string(*payload.codePoint) : "-") +
+           (payload.formatId ? ": format " + std::to_string(*payload.formatId) : "") +
+           (name != nullptr ? std::string(" ") + name : "");
+}
+
 /// The source flow in JSON, and the rest of the row that tells of its LCT session.
 TJson SrcFlowJson(const CSrcFlow::SSrcFlow& flow, TRow& row)
 {
     constexpr const char* k_types[] = {"", "audio", "video", "subtitles"};
-    TJson json = {{"rt", flow.rt}};
+    TJson json = TJson::object();
+    PutValue(json, "rt", flow.givenRt);
     PutNumber(json, "minBuffSize", flow.minBuffSize, k_none);
-    row.push_back(flow.rt ? "streaming" : "files");
+    std::vector<std::string> payloads;
+    for (const CSrcFlow::SPayload& payload : flow.payloads) {
+        json["Payload"].push_back(PayloadJson(payload));
+        payloads.push_back(PayloadText(payload));
+    }
+    row.insert(row.end(), {flow.givenRt.value_or(flow.rt) ? "streaming" : "files", Short(Joined(payloads))});
     if (flow.contentInfo != nullptr) {
         const CContentInfo::SContentInfo& info = *flow.contentInfo->State();
         TJson content = TJson::object();
@@ -172,12 +217,8 @@ TJson LctSessionJson(const CLS::SLS& session, const TRow& route, std::vector<TRo
     TJson json = TJson::object();
     PutNumber(json, "tsi", session.tsi, k_none);
     PutNumber(json, "bw", session.bw, k_none);
-    if (session.startTime != -1) {
-        json["startTime"] = EpochText(static_cast<double>(session.startTime));
-    }
-    if (session.endTime != -1) {
-        json["endTime"] = EpochText(static_cast<double>(session.endTime));
-    }
+    PutText(json, "startTime", GivenText(session.givenStartTime));
+    PutText(json, "endTime", GivenText(session.givenEndTime));
     const std::string tsi = session.tsi != k_none ? std::to_string(session.tsi) : "-";
     TRow row = {"  " + tsi, route[0], route[1], Given(session.bw)};
     TJson flows = TJson::array();
@@ -227,6 +268,11 @@ std::string ChannelText(const TInfo& info)
 
 }  // namespace
 
+std::string ServiceStatusText(const std::optional<bool>& given, bool receiver)
+{
+    return !given ? std::string() : *given ? receiver ? ", active" : ", active (to a receiver off)" : ", off";
+}
+
 TJson LinkageJson(const CServiceLinkage::SServiceLinkage& linkage)
 {
     TJson json = TJson::object();
@@ -259,17 +305,19 @@ SContent UsbdContent(const CROUTEUsbd& usbd)
     SContent content;
     content.headline = "service " + std::to_string(state.serviceId);
     content.headline += state.globalServiceId != nullptr ? ", " + Quoted(state.globalServiceId) : "";
-    content.headline += state.serviceStatus ? ", active" : "";
+    content.headline += ServiceStatusText(state.givenServiceStatus, state.serviceStatus);
     TJson& json = content.json;
     PutText(json, "globalServiceID", state.globalServiceId);
     json["serviceId"] = state.serviceId;  // one may have the number that stands for "not given"
-    json["serviceStatus"] = state.serviceStatus;
-    std::vector<std::string> nameLanguages;
+    PutValue(json, "serviceStatus", state.givenServiceStatus);
+    std::vector<std::string> names;
     ForEach<CServiceName>(state.names, [&](const CServiceName& name) {
         TJson entry = TJson::object();
         PutText(entry, "lang", name.Lang());
+        PutText(entry, "name", name.Text());
         json["Name"].push_back(std::move(entry));
-        nameLanguages.push_back(name.Lang() != nullptr ? Printable(name.Lang()) : "-");
+        names.push_back(Quoted(name.Text() != nullptr ? name.Text() : "") +
+                        InLanguage(name.Lang() != nullptr ? name.Lang() : ""));
     });
     std::vector<std::string> languages;
     ForEach<char>(state.languages, [&](const char& language) {
@@ -284,7 +332,7 @@ SContent UsbdContent(const CROUTEUsbd& usbd)
         PutList(entry, "UnicastAppService", BasePatterns(method.State()->unicastAppSvcs, unicast));
         json["DeliveryMethod"].push_back(std::move(entry));
     });
-    content.text = Line("names in", Joined(nameLanguages)) + Line("languages", Joined(languages)) +
+    content.text = Line("names", Joined(names)) + Line("languages", Joined(languages)) +
                    Line("broadcast", Joined(broadcast)) + Line("broadband", Joined(unicast));
     if (state.serviceLinkage != nullptr) {
         const CServiceLinkage::SServiceLinkage& linkage = *state.serviceLinkage->State();
@@ -298,7 +346,7 @@ SContent StsidContent(const CSTSID& stsid)
 {
     SContent content;
     std::vector<TRow> sessions = {
-        {"  TSI", "session", "source", "kbit/s", "kind", "content", "type", "language", "ratings"}};
+        {"  TSI", "session", "source", "kbit/s", "kind", "payload", "content", "type", "language", "ratings"}};
     SFiles files;
     content.json["RS"] = TJson::array();
     ForEach<CRS>(stsid.State()->routeSessions, [&](const CRS& rs) {

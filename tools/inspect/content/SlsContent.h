@@ -25,4 +25,8 @@ std::string LinkageText(const CServiceLinkage::SServiceLinkage& linkage);
 /// An application list or a HELD: the library hands on its text.
 SContent AppDataContent(const std::string& text);
 
+/// ", active" or ", off" of a service by its serviceStatus; nothing where it is not given. `receiver` is what a
+/// receiver makes of it.
+std::string ServiceStatusText(const std::optional<bool>& given, bool receiver);
+
 }  // namespace vyr::inspect

@@ -1,6 +1,7 @@
 #include "follow/LlsFollower.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <set>
 #include <utility>
 
@@ -35,6 +36,16 @@ const char* Encoding(SView payload)
         ++at;
     }
     return at < payload.size && payload[at] == '<' ? "XML" : "binary";
+}
+
+/// Seconds from one instant to another, the double that is nearest to them.
+double Between(const STime& from, const STime& to)
+{
+    constexpr std::int64_t k_nanoseconds = 1000000000;
+    const std::int64_t seconds = to.seconds - from.seconds;
+    return std::llabs(seconds) < k_nanoseconds
+               ? static_cast<double>(seconds * k_nanoseconds + to.nanoseconds - from.nanoseconds) / 1e9
+               : static_cast<double>(seconds);
 }
 
 unsigned Key(const SLlsHeader& header)
@@ -158,8 +169,7 @@ void HearDrop(void* userData, const SParseSLT::SService* service, CParseSLT::EDr
     const std::string name = service->shortServiceName ? " \"" + *service->shortServiceName + '"' : std::string();
     const char* attribute = DropAttribute(reason);
     const std::string why = DropText(*service, reason);
-    drops.services.push_back(
-        {*service, why, reason > CParseSLT::DROP_NO_BROADBAND, reason > CParseSLT::DROP_BROADBAND_UNSUPPORTED});
+    drops.services.push_back({*service, why});
     drops.faults.push_back(
         {EFault::SERVICE_DROPPED,
          "service " + std::to_string(service->serviceId) + name + " is not listed by receivers: " + why,
@@ -292,8 +302,8 @@ EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SView payload, STable&
     const std::uint64_t hash = ContentHash(payload);
     const auto [entry, isNew] = m_states.try_emplace(Key(header));
     SState& state = entry->second;
-    if (source.time && state.lastSeen && Seconds(*source.time) >= Seconds(*state.lastSeen)) {
-        table.interval = Seconds(*source.time) - Seconds(*state.lastSeen);
+    if (source.time && state.lastSeen && Between(*state.lastSeen, *source.time) >= 0) {
+        table.interval = Between(*state.lastSeen, *source.time);
     }
     const bool sameContent = state.size == payload.size && state.hash == hash;
     const bool sameVersion = state.header.version == header.version;
@@ -365,7 +375,7 @@ void CLlsFollower::m_Read(CParseSLT& parser, SView bytes, const STable& table, S
     std::string cms;
     slt.cmsSignedData = parser.CheckCMS(bytes.data, static_cast<int>(bytes.size), xml, cms);
     for (int i = 0; i < parser.ServiceCount(); ++i) {
-        const SSltService& service = slt.services.emplace_back(SSltService{*parser.GetServiceInfo(i), {}, true, true});
+        const SSltService& service = slt.services.emplace_back(SSltService{*parser.GetServiceInfo(i), {}});
         for (const auto& [name, address] : {std::pair("slsDestinationIpAddress", service.slsDestinationIpAddress),
                                             std::pair("slsSourceIpAddress", service.slsSourceIpAddress)}) {
             if (address == k_noAddress) {

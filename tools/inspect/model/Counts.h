@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -89,7 +90,8 @@ struct STableCounts {
         SStatusCounts::Each(self.byStatus, visit);
         visit("notParsed", self.notParsed);
         if (self.intervals != 0) {
-            visit("meanIntervalSeconds", self.intervalSum / static_cast<double>(self.intervals));
+            visit("meanIntervalSeconds",
+                  std::round(self.intervalSum / static_cast<double>(self.intervals) * 1e6) / 1e6);
         }
     }
 };

@@ -15,9 +15,7 @@ namespace vyr::inspect {
 
 /// A service of the service list table; its channel map handle is not to be used.
 struct SSltService : SParseSLT::SService {
-    std::string notListed;   ///< why a receiver does not list it; empty: it does
-    bool flagsRead = true;   ///< whether its flags, channel and category were read before it was left
-    bool othersRead = true;  ///< and what is behind them
+    std::string notListed;  ///< why a receiver does not list it, and read no more of it; empty: it does
 };
 
 /// What the service list table holds.

@@ -30,7 +30,7 @@ std::string CHtmlReport::m_Where(const SSource& source) const
     std::string html = t_files.size() > 1 ? HtmlIsolated(source.file) + ' ' : std::string();
     html += source.packet != 0 ? "packet " + std::to_string(source.packet) : "";
     if (source.time) {
-        const std::string time = EpochText(Seconds(*source.time));
+        const std::string time = InstantText(source.time->seconds, source.time->nanoseconds);
         const bool oneDay = t_first && t_last && t_first->seconds / 86400 == t_last->seconds / 86400;
         const std::string shown = oneDay && time.size() > 11 ? time.substr(11, time.size() - 12) : time;
         html += ", <time datetime=\"" + HtmlText(time) + "\">" + HtmlText(shown) + "</time>";
@@ -76,7 +76,8 @@ std::string CHtmlReport::m_Head() const
     html += ": " + title + "</title><style>" + k_htmlStyle + "</style></head>\n<body>\n" +
             "<header><h1>ATSC 3.0 signalling</h1><div>" + files + "</div>";
     if (t_first && t_last) {
-        html += "<p class=\"muted\">" + EpochText(Seconds(*t_first)) + " to " + EpochText(Seconds(*t_last)) + "</p>";
+        html += "<p class=\"muted\">" + InstantText(t_first->seconds, t_first->nanoseconds) + " to " +
+                InstantText(t_last->seconds, t_last->nanoseconds) + "</p>";
     }
     return html + "</header>\n";
 }

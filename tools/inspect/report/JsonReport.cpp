@@ -1,7 +1,6 @@
 #include "report/JsonReport.h"
 
-#include <cstdio>
-#include <ctime>
+#include <nlohmann/json.hpp>
 
 #include "base/Json.h"
 #include "base/Names.h"
@@ -20,19 +19,6 @@ TJson Object(const char* type)
     return {{"schema_version", k_schemaVersion}, {"type", type}};
 }
 
-std::string TimeText(const STime& time)
-{
-    const std::time_t seconds = static_cast<std::time_t>(time.seconds);
-    std::tm utc{};
-    gmtime_r(&seconds, &utc);
-    char text[80];
-    const bool fine = time.nanoseconds % 1000 != 0;
-    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%0*dZ", utc.tm_year + 1900, utc.tm_mon + 1,
-                  utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec, fine ? 9 : 6,
-                  fine ? time.nanoseconds : time.nanoseconds / 1000);
-    return text;
-}
-
 TJson SourceJson(const SSource& source)
 {
     TJson json = {{"file", source.file}};
@@ -40,7 +26,7 @@ TJson SourceJson(const SSource& source)
         json["packet"] = source.packet;
     }
     if (source.time) {
-        json["time"] = TimeText(*source.time);
+        json["time"] = InstantText(source.time->seconds, source.time->nanoseconds, 6);
     }
     return json;
 }
@@ -162,6 +148,7 @@ std::string JsonLine(const TJson& json)
 
 TJson ServiceJson(const STable& table, const SSltService& service)
 {
+    using SService = SParseSLT::SService;
     TJson json = Object("service");
     json["source"] = SourceJson(table.source);
     if (!table.stream.empty()) {
@@ -173,23 +160,24 @@ TJson ServiceJson(const STable& table, const SSltService& service)
     json["listed"] = service.notListed.empty();
     PutText(json, "notListedBecause", service.notListed);
     PutValue(json, "globalServiceID", service.globalServiceId);
-    json["sltSvcSeqNum"] = service.sltSvcSeqNum;
-    if (!service.flagsRead) {
-        PutValue(json, "shortServiceName", service.shortServiceName);
-        return json;
+    const auto given = [&service](SService::EGiven attribute) { return (service.given & attribute) != 0; };
+    const auto put = [&](const char* key, int value, SService::EGiven attribute) {
+        if (given(attribute)) {
+            json[key] = value;
+        }
+    };
+    put("sltSvcSeqNum", service.sltSvcSeqNum, SService::GIVEN_SEQ_NUM);
+    PutValue(json, "protected", service.givenProtected);
+    put("majorChannelNo", service.majorChannelNo, SService::GIVEN_MAJOR_CHANNEL);
+    put("minorChannelNo", service.minorChannelNo, SService::GIVEN_MINOR_CHANNEL);
+    if (given(SService::GIVEN_CATEGORY)) {
+        PutNamed(json, "serviceCategory", service.serviceCategory, ServiceCategoryName(service.serviceCategory));
     }
-    json["protected"] = service.isProtected;
-    if (service.majorChannelNo != 0 || service.minorChannelNo != 0) {
-        json["majorChannelNo"] = service.majorChannelNo;
-        json["minorChannelNo"] = service.minorChannelNo;
-    }
-    PutNamed(json, "serviceCategory", service.serviceCategory, ServiceCategoryName(service.serviceCategory));
     PutValue(json, "shortServiceName", service.shortServiceName);
-    json["hidden"] = service.hidden;
-    json["broadbandAccessRequired"] = service.broadbandAccessRequired;
-    if (!service.othersRead) {
-        return json;
-    }
+    PutValue(json, "hidden", service.givenHidden);
+    PutValue(json, "hideInGuide", service.hideInGuide);
+    PutValue(json, "broadbandAccessRequired", service.givenBroadband);
+    PutValue(json, "configuration", service.configuration);
     PutValue(json, "svcCapabilities", service.svcCapabilities);
     if (!service.drmSystemID.empty()) {
         json["drmSystemID"] = service.drmSystemID;
@@ -200,11 +188,15 @@ TJson ServiceJson(const STable& table, const SSltService& service)
         json["simulcastMinorChannelNo"] = service.simulcastMinorChannelNo;
     }
     if (service.hasBroadcastSvcSignaling) {
-        PutNamed(json, "slsProtocol", service.slsProtocol, ProtocolName(service.slsProtocol));
-        json["slsMajorProtocolVersion"] = service.slsMajorProtocolVersion;
-        json["slsMinorProtocolVersion"] = service.slsMinorProtocolVersion;
-        json["slsDestinationIpAddress"] = Ipv4Text(service.slsDestinationIpAddress);
-        json["slsDestinationUdpPort"] = service.slsDestinationUdpPort;
+        if (given(SService::GIVEN_SLS_PROTOCOL)) {
+            PutNamed(json, "slsProtocol", service.slsProtocol, ProtocolName(service.slsProtocol));
+        }
+        put("slsMajorProtocolVersion", service.slsMajorProtocolVersion, SService::GIVEN_SLS_MAJOR_VERSION);
+        put("slsMinorProtocolVersion", service.slsMinorProtocolVersion, SService::GIVEN_SLS_MINOR_VERSION);
+        if (given(SService::GIVEN_SLS_ADDRESS)) {
+            json["slsDestinationIpAddress"] = Ipv4Text(service.slsDestinationIpAddress);
+        }
+        put("slsDestinationUdpPort", service.slsDestinationUdpPort, SService::GIVEN_SLS_PORT);
         if (service.slsSourceIpAddress != 0) {
             json["slsSourceIpAddress"] = Ipv4Text(service.slsSourceIpAddress);
         }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <numeric>
 #include <vector>
 
@@ -18,23 +17,12 @@ namespace {
 
 constexpr std::size_t k_shownBytes = 16;
 
-std::string ClockText(const STime& time)
-{
-    const std::time_t seconds = static_cast<std::time_t>(time.seconds);
-    std::tm utc{};
-    gmtime_r(&seconds, &utc);
-    char text[48];
-    std::snprintf(text, sizeof text, "%02d:%02d:%02d.%03d", utc.tm_hour, utc.tm_min, utc.tm_sec,
-                  time.nanoseconds / 1000000);
-    return text;
-}
-
 std::string Place(const SSource& source)
 {
     std::string text = Printable(source.file) + ':';
     if (source.packet != 0) {
         text += " packet " + std::to_string(source.packet);
-        text += source.time ? ", " + ClockText(*source.time) + ' ' : std::string(" ");
+        text += source.time ? ", " + InstantText(source.time->seconds, source.time->nanoseconds) + ' ' : " ";
     }
     return text + ' ';
 }
@@ -112,35 +100,48 @@ std::string DocumentText(const SSlsDocument& document)
 std::string FlagsText(const SParseSLT::SService& service)
 {
     std::string flags;
-    const auto add = [&flags](bool set, const char* name) {
+    const auto add = [&flags](bool set, const std::string& name) {
         if (set) {
-            flags += (flags.empty() ? "" : ", ") + std::string(name);
+            flags += (flags.empty() ? "" : ", ") + name;
         }
     };
-    add(service.isProtected, "protected");
-    add(service.hidden, "hidden");
-    add(service.broadbandAccessRequired, "broadband");
+    add(service.givenProtected.value_or(false), "protected");
+    add(service.givenHidden.value_or(false), "hidden");
+    add(service.hideInGuide.value_or(false), "hideInGuide");
+    add(service.givenBroadband.value_or(false), "broadband");
     add(!service.drmSystemID.empty(), "DRM");
     add(service.svcInetUrl.present, "URL");
     add(service.simulcastTsid != 0, "simulcast");
+    add(service.configuration.has_value(), "configuration " + Printable(service.configuration.value_or("")));
     return flags;
 }
 
 TRow ServiceRow(const SSltService& service)
 {
-    const bool numbered = service.majorChannelNo != 0 || service.minorChannelNo != 0;
-    TRow row = {std::to_string(service.serviceId),
-                numbered ? std::to_string(service.majorChannelNo) + '.' + std::to_string(service.minorChannelNo) : "-",
-                Printable(service.shortServiceName.value_or("-")),
-                service.flagsRead ? Named(service.serviceCategory, ServiceCategoryName(service.serviceCategory)) : "-",
-                "-",
-                "-",
-                "-",
-                FlagsText(service),
-                service.notListed};
+    using SService = SParseSLT::SService;
+    const auto given = [&service](SService::EGiven attribute, const std::string& text) {
+        return (service.given & attribute) != 0 ? text : "-";
+    };
+    // Two values with a mark between them; "-" for a missing one, or for both.
+    const auto pair = [](const std::string& first, char mark, const std::string& second) {
+        return first == "-" && second == "-" ? first : first + mark + second;
+    };
+    TRow row = {
+        std::to_string(service.serviceId),
+        pair(given(SService::GIVEN_MAJOR_CHANNEL, std::to_string(service.majorChannelNo)), '.',
+             given(SService::GIVEN_MINOR_CHANNEL, std::to_string(service.minorChannelNo))),
+        Printable(service.shortServiceName.value_or("-")),
+        given(SService::GIVEN_CATEGORY, Named(service.serviceCategory, ServiceCategoryName(service.serviceCategory))),
+        "-",
+        "-",
+        "-",
+        FlagsText(service),
+        service.notListed};
     if (service.hasBroadcastSvcSignaling) {
-        row[4] = Named(service.slsProtocol, ProtocolName(service.slsProtocol));
-        row[5] = EndpointText(service.slsDestinationIpAddress, static_cast<unsigned>(service.slsDestinationUdpPort));
+        row[4] = given(SService::GIVEN_SLS_PROTOCOL, Named(service.slsProtocol, ProtocolName(service.slsProtocol)));
+        row[5] =
+            pair(given(SService::GIVEN_SLS_ADDRESS, Ipv4Text(service.slsDestinationIpAddress)), ':',
+                 given(SService::GIVEN_SLS_PORT, std::to_string(static_cast<unsigned>(service.slsDestinationUdpPort))));
         row[6] = service.slsSourceIpAddress != 0 ? Ipv4Text(service.slsSourceIpAddress) : "-";
     }
     return row;
