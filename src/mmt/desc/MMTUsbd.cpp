@@ -131,21 +131,6 @@ const CMMTComponentInfo::SComponentInfo* ComponentInfo(const CMMTUsbd::SMMTUsbd*
 
 }  // namespace
 
-const char* CMMTUsbd::GlobalServiceId() const
-{
-    return VYR_ASSERT(State(), "m") ? State()->globalServiceId : nullptr;
-}
-
-unsigned short CMMTUsbd::ServiceId() const
-{
-    return VYR_ASSERT(State(), "m") ? State()->serviceId : 0;
-}
-
-bool CMMTUsbd::ServiceStatus() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceStatus;
-}
-
 bool CMMTUsbd::CheckRouteComponent() const
 {
     return VYR_ASSERT(State(), "m") && State()->routeComponent;
@@ -226,31 +211,6 @@ bool CMMTUsbd::GetLanguageInfo(int index, char** language) const
     char* text =
         VYR_ASSERT(State(), "m") && VYR_ASSERT(language, "language") ? State()->svcLanguages.Get(index) : nullptr;
     return text && vyr::Give(text, *language);
-}
-
-int CMMTUsbd::LinkServiceId() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->LinkServiceId() : -1;
-}
-
-const char* CMMTUsbd::ActivationTime() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceLinkage ? State()->serviceLinkage->ActivationTime() : nullptr;
-}
-
-const char* CMMTUsbd::DeActivationTime() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceLinkage ? State()->serviceLinkage->DeActivationTime() : nullptr;
-}
-
-int CMMTUsbd::ServiceCategory() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->ServiceCategory() : -1;
-}
-
-int CMMTUsbd::LinkageType() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->LinkageType() : -1;
 }
 
 bool CMMTUsbd::GetRatingStringTable(std::vector<std::string>& ratings) const

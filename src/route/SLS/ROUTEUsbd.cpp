@@ -78,49 +78,11 @@ void SState::m_Dispatch(void* node)
 
 }  // namespace
 
-const char* CROUTEUsbd::GlobalServiceId() const
-{
-    return VYR_ASSERT(State(), "m") ? State()->globalServiceId : nullptr;
-}
-
-unsigned short CROUTEUsbd::ServiceId() const
-{
-    return VYR_ASSERT(State(), "m") ? State()->serviceId : 0;
-}
-
-bool CROUTEUsbd::ServiceStatus() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceStatus;
-}
+CROUTEUsbd::SROUTEUsbd::SROUTEUsbd() : SUsbd{nullptr, 0xFFFF, true} {}
 
 int CROUTEUsbd::NumOfDeliveryMethod() const
 {
     return VYR_ASSERT(State(), "m") ? State()->deliveryMethods.Size() : 0;
-}
-
-int CROUTEUsbd::LinkServiceId() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->LinkServiceId() : -1;
-}
-
-int CROUTEUsbd::ServiceCategory() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->ServiceCategory() : -1;
-}
-
-int CROUTEUsbd::LinkageType() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->LinkageType() : -1;
-}
-
-const char* CROUTEUsbd::ActivationTime() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceLinkage ? State()->serviceLinkage->ActivationTime() : nullptr;
-}
-
-const char* CROUTEUsbd::DeActivationTime() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceLinkage ? State()->serviceLinkage->DeActivationTime() : nullptr;
 }
 
 vyr::SXmlKind CROUTEUsbd::t_Kind() const
