@@ -17,7 +17,7 @@ class VYR_API CSpokenText : public CESGElement {
 
     /// What was parsed. Required: the speech elements are read only where the element has no text, white
     /// space and text inside of them included.
-    struct SSpokenText : SESGElement {
+    struct SSpokenText : SESGState {
         TESGText text;                               ///< text
         TESGText lang;                               ///< lang
         TESGText content;                            ///< text of the element
@@ -26,6 +26,5 @@ class VYR_API CSpokenText : public CESGElement {
     };
 
   protected:
-    static vyr::SRows sm_Handlers();
-    static bool sm_Read(SESGState& state, void* node);
+    static void sm_Read(SSpokenText& state, void* node);
 };
