@@ -8,6 +8,7 @@
 #include "lls/ParseSystemTime.h"
 #include "mmt/msg/MMTMsgAtsc3.h"
 #include "mmt/msg/MMTMsgPa.h"
+#include "mmt/table/MMTTblPa.h"
 #include "route/SLS/EFDT.h"
 #include "route/SLSManager.h"
 #include "support/MmtBuilder.h"
@@ -38,6 +39,7 @@ TEST_F(FailureTest, WhatFailedFirstAndWhy)
     CESGServiceFragment service;
     CParseSystemTime time;
     CMMTMsgPa pa;
+    CMMTTblPa paTable;
     CMMTMsgAtsc3 atsc;
     CLLSSMTParser signedTable;
     ASSERT_TRUE(rsat.Create() && service.Create() && time.Create(1) && signedTable.Create());
@@ -80,6 +82,9 @@ TEST_F(FailureTest, WhatFailedFirstAndWhy)
         {"table of a message",
          [&] { SFed(pa, CMmtBuilder().Put(16, 0).Put(8, 1).Put(32, 9).Put(8, 1).Put(32, 0).Put(32, 9).Bytes()); },
          "size: [CMMTTblPa::Parse] ERROR | p_tbl->Parse(item) at src/mmt/msg/MMTMsgPa"},
+        {"table by itself", [&] { SFed(paTable, CMmtBuilder().Put(8, 0).Put(8, 1).Put(16, 9).Bytes()); },
+         "size: [CMMTTblPa::Parse] ERROR"},
+        {"whole table", [&] { SFed(paTable, CMmtBuilder().Put(8, 0).Put(8, 1).Put(16, 2).Put(16, 0).Bytes()); }, ""},
     };
     for (const auto priority : {LOG_PRIORITY_DEBUG, LOG_PRIORITY_INFO}) {
         SetLogPriority(priority);
