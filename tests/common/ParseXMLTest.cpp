@@ -37,11 +37,11 @@ class CTree : public CXmlElement {
 struct CTree::SState : vyr::TXmlState<STree> {
     static void sm_CbNode(SState* m, void* cur)
     {
-        vyr::AddChild<CTree>(m->values.children, *m, cur, {"node->Create()", "node->Parse(root->t_xml.Doc(), cur)"},
-                             [m](CTree& child) {
-                                 child.Values().name = m->values.name + "/";
-                                 return m->values.name != "/unready";
-                             });
+        vyr::AddChild(m->values.children, *m, cur, {"node->Create()", "node->Parse(root->t_xml.Doc(), cur)"},
+                      [m](CTree& child) {
+                          child.Values().name = m->values.name + "/";
+                          return m->values.name != "/unready";
+                      });
     }
 
     bool m_ProcessParse(void* root) override

@@ -140,6 +140,15 @@ TEST_F(FailureTest, TagsWithoutAClass)
     ASSERT_TRUE(failure && failure->tags == 1);
     EXPECT_EQ(failure->unknownTags[0], 0x8001U);
     EXPECT_EQ(Told(), "none");
+    // The tables of a message share its record, the whole one behind a faulty one included.
+    CMmtBuilder tables;
+    tables.Put(16, 0).Put(8, 1).Open(32).Put(8, 2).Put(32, 0).Put(32, 0);
+    tables.Put(8, 1).Put(8, 1).Open(16).Put(8, 0).Open(16).Put(16, 0x8002).Put(16, 0).Close().Put(8, 0).Close();
+    tables.Put(8, 1).Put(8, 1).Open(16).Put(8, 0).Put(16, 0).Put(8, 0).Close().Close();
+    CMMTMsgPa pa;
+    EXPECT_TRUE(SFed(pa, tables.Bytes()).result);
+    ASSERT_NE(LastFailure(), nullptr);
+    EXPECT_EQ(LastFailure()->unknownTags[0], 0x8002U);
     CEFDT efdt;
     ASSERT_TRUE(efdt.Create() && efdt.Parse("<EFDT/>", 7));
     EXPECT_EQ(LastFailure(), nullptr);

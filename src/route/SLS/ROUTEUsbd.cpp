@@ -24,7 +24,7 @@ void sm_CbUSD(SState* m, void* node)
 
 void sm_CbName(SState* m, void* node)
 {
-    vyr::AddChild<CServiceName>(m->values.names, *m, node, {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.names, *m, node, {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbSvcLanguage(SState* m, void* node)
@@ -39,14 +39,14 @@ void sm_CbSvcLanguage(SState* m, void* node)
 
 void sm_CbDeliveryMethod(SState* m, void* node)
 {
-    vyr::AddChild<CDeliveryMethod>(m->values.deliveryMethods, *m, node,
-                                   {"deliveryMethod->Create()", "deliveryMethod->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.deliveryMethods, *m, node,
+                  {"deliveryMethod->Create()", "deliveryMethod->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbServiceLinkage(SState* m, void* node)
 {
-    vyr::AddChild<CServiceLinkage>(m->values.serviceLinkage, *m, node,
-                                   {"serviceLinkage->Create()", "serviceLinkage->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.serviceLinkage, *m, node,
+                  {"serviceLinkage->Create()", "serviceLinkage->Parse(root->t_xml.Doc(), cur)"});
 }
 
 constexpr vyr::SElementHandler<SState> k_handlers[] = {
