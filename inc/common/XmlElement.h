@@ -55,10 +55,10 @@ class VYR_API CXmlElement : public XMLBase {
     {
         return m_state ? &t_State<vyr::TXmlState<TValues>>()->values : nullptr;
     }
-
-  private:
     /// What the class is called, and what it holds.
     virtual vyr::SXmlKind t_Kind() const = 0;
+
+  private:
     bool m_ProcessParse(void* root) override;
 
     vyr::SXmlState* m_state;

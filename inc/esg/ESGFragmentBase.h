@@ -2,6 +2,8 @@
 
 #include "ESGState.h"
 
+class CXML;
+
 /// What every record of a fragment begins with. Times are NTP seconds (Unix seconds plus 2,208,988,800).
 struct VYR_API SESGFragment : SESGState {
     SESGFragment();
@@ -44,8 +46,6 @@ class VYR_API CESGFragmentBase {
     CESGFragmentBase();
     /// The record, for the derived class; null before Create.
     SESGFragment* t_State() const { return m; }
-    /// Reads what all fragments have; false: there is no id.
-    static bool t_Read(SESGFragment& state, void* node);
     /// The record of the fragment that a callback was given; null, asserted, when there is none.
     static SESGFragment* t_StateOf(CESGFragmentBase* fragment);
     /// The fragment that a callback was given; null when it is of another class.
@@ -60,9 +60,11 @@ class VYR_API CESGFragmentBase {
   private:
     virtual const vyr::SESGKind& t_Kind() const = 0;
     static bool m_Verify();
+    bool m_Read(void* node);
     bool m_Begin(const char* input, const char* text) const;
-    bool m_Process(bool created, const char* step);
+    bool m_Process(CXML& xml, bool created, const char* step);
 
     SESGFragment* m;
+    const vyr::SESGKind* m_kind;  ///< what the object is, from Create on
     bool m_replace;
 };

@@ -48,6 +48,5 @@ class VYR_API CESGServiceFragment : public CESGFragmentBase {
     static void sm_CbGetSltService(void* service, void* fragment);
 
   private:
-    static bool sm_Read(SESGState& state, void* node);
     const vyr::SESGKind& t_Kind() const override;
 };

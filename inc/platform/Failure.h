@@ -27,9 +27,9 @@ struct SFailure {
                                ///< behind such a one was read
 };
 
-/// What the calling thread's last Parse of a document, LLS table, package, delivery unit or MMT message, or
-/// CXML::Create, left: null when everything was taken. (What is parsed by itself below these, such as an MMT table
-/// or descriptor, adds to the record and does not begin one.) A call that gives true may have left something out,
+/// What the calling thread's last Parse of a document, LLS table, package, delivery unit, MMT message or MMT table, or
+/// CXML::Create, left: null when everything was taken. (What is parsed by itself below these, such as an MMT
+/// descriptor, adds to the record and does not begin one.) A call that gives true may have left something out,
 /// as that of an LLS table or a descriptor loop does. `document` names one of those in a package that CSLSManager
 /// parsed: "USBD", "STSID", "EFDT", "MPD" or "RSAT"; empty: whatever belongs to none. Good until the thread's next
 /// call of such a function; calls inside callbacks add to that of the call that they are in. Kept for every call, at

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <memory>
 
 #include "common/OutOfMemory.h"
@@ -23,54 +25,30 @@ struct SElementHandler {
     void (*handler)(TState* state, void* node);
 };
 
-/// The rows of a class, looked through in order: tables have 1 to 23 rows, and first letter and strcmp are
-/// faster there than a hash. Nothing is made for an object.
-struct SRows {
-    const void* rows = nullptr;
-    std::size_t count = 0;
-
-    /// The row of an element name; null: there is none.
-    template <class TState>
-    const SElementHandler<TState>* Find(const char* name) const
-    {
-        const auto* row = static_cast<const SElementHandler<TState>*>(rows);
-        for (const auto* end = row + count; row != end; ++row) {
-            if (*row->name == *name && std::strcmp(row->name, name) == 0) {
-                return row;
-            }
-        }
-        return nullptr;
-    }
-};
-
 /// Which child elements a walk logs by name.
 enum EChildLog { LOG_HANDLED_CHILDREN, LOG_ALL_CHILDREN };
 
 /// Calls the handler of each child element of `node` that has one, in document order; the others, and
 /// whatever is not an element, are skipped. `format` is the message that logs a name, with one %s; null: none does.
-template <class TState>
-void DispatchChildren(TState* state, const SRows& rows, void* node, const char* format = nullptr,
-                      EChildLog log = LOG_HANDLED_CHILDREN, VYR_CALLER)
-{
-    const bool shown = format && LogEnabled(LOG_PRIORITY_DEBUG);
-    for (void* child = FirstElement(node); child; child = NextElement(child)) {
-        const char* name = NodeName(child);
-        const SElementHandler<TState>* row = rows.Find<TState>(name);
-        if (shown && (row || log == LOG_ALL_CHILDREN)) {
-            Print(LOG_PRIORITY_DEBUG, here, format, name);
-        }
-        if (row) {
-            row->handler(state, child);
-        }
-    }
-}
-
-/// The same with the rows of a class.
+/// Rows are looked through in order: tables have 1 to 23, and first letter and strcmp are faster there than a hash.
 template <class TState, std::size_t N>
 void DispatchChildren(TState* state, const SElementHandler<TState> (&table)[N], void* node,
                       const char* format = nullptr, EChildLog log = LOG_HANDLED_CHILDREN, VYR_CALLER)
 {
-    DispatchChildren(state, SRows{table, N}, node, format, log, here);
+    const bool shown = format && LogEnabled(LOG_PRIORITY_DEBUG);
+    for (void* child = FirstElement(node); child; child = NextElement(child)) {
+        const char* name = NodeName(child);
+        const auto* row = std::find_if(std::begin(table), std::end(table), [name](const SElementHandler<TState>& r) {
+            return *r.name == *name && std::strcmp(r.name, name) == 0;
+        });
+        const bool handled = row != std::end(table);
+        if (shown && (handled || log == LOG_ALL_CHILDREN)) {
+            Print(LOG_PRIORITY_DEBUG, here, format, name);
+        }
+        if (handled) {
+            row->handler(state, child);
+        }
+    }
 }
 
 /// Texts of the steps of building a child, as the log shows them when one fails.

@@ -21,11 +21,7 @@
 
 namespace vyr {
 
-/// In a handler: logs a line when the exception says that memory is out, without allocating; throws any other
-/// exception on.
-void HandleOutOfMemory(const SHere& here);
-
-/// The same, and what the entry returns then: false, null, an empty container or nothing.
+/// HandleOutOfMemory, and what the entry returns then: false, null, an empty container or nothing.
 template <class T = bool>
 T OutOfMemory(const SHere& here)
 {

@@ -47,6 +47,8 @@ void* NextElement(void* node);
 void* FindElement(void* node, const char* name);
 /// Namespace of an element, as libxml2 holds it; null: none. Elements of one declaration give one address.
 const char* NodeNamespace(void* node);
+/// The document of a node, as CXML::Doc has it.
+void* NodeDocument(void* node);
 /// Local name of an element or any other node.
 const char* NodeName(void* node);
 

@@ -77,21 +77,15 @@ void Keep(TOwnedArray<T>& list, TOwned<T> child)
 }
 
 template <class T>
-void Keep(TOwnedList<T>& list, TOwned<T> child)
-{
-    list.push_back(std::move(child));
-}
-
-template <class T>
 void Keep(TOwned<T>& single, TOwned<T> child)
 {
     single = std::move(child);
 }
 
-/// Builds a child and keeps it in its place. One that cannot be built changes nothing.
-template <class T, class TPlace, class TPrepare>
-void AddChild(TPlace& place, const SXmlState& parent, void* node, const SChildSteps& steps, TPrepare prepare,
-              VYR_CALLER)
+/// Builds a child and keeps it in its place, a TOwned or a TOwnedArray. One that cannot be built changes nothing.
+template <template <class, class> class TPlace, class T, class TPrepare>
+void AddChild(TPlace<T, SDestroy>& place, const SXmlState& parent, void* node, const SChildSteps& steps,
+              TPrepare prepare, VYR_CALLER)
 {
     if (TOwned<T> child = BuildXmlChild<T>(parent, node, steps, prepare, here)) {
         Keep(place, std::move(child));
@@ -99,10 +93,10 @@ void AddChild(TPlace& place, const SXmlState& parent, void* node, const SChildSt
 }
 
 /// The same for a child that must know nothing beforehand.
-template <class T, class TPlace>
-void AddChild(TPlace& place, const SXmlState& parent, void* node, const SChildSteps& steps, VYR_CALLER)
+template <template <class, class> class TPlace, class T>
+void AddChild(TPlace<T, SDestroy>& place, const SXmlState& parent, void* node, const SChildSteps& steps, VYR_CALLER)
 {
-    AddChild<T>(
+    AddChild(
         place, parent, node, steps, [](T&) { return true; }, here);
 }
 

@@ -5,14 +5,15 @@
 namespace {
 
 using TState = CESGContentFragment::SESGContentFragment;
-using vyr::k_entry;
 
-constexpr vyr::SChildSteps k_popularity = {"root->m->popularity->Create(root->m->xml.Doc(), curr)",
-                                           "root->m->popularity->Parse()"};
-constexpr vyr::SChildSteps k_freshness = {"root->m->freshness->Create(root->m->xml.Doc(), curr)",
-                                          "root->m->freshness->Parse()"};
-constexpr vyr::SChildSteps k_contentExt = {"root->m->contentExt->Create(root->m->xml.Doc(), curr)",
-                                           "root->m->contentExt->Parse()"};
+constexpr vyr::SESGSteps k_entry{"entry->Create(root->m->xml.Doc(), curr)", "entry->Parse()"};
+
+constexpr vyr::SESGSteps k_popularity{"root->m->popularity->Create(root->m->xml.Doc(), curr)",
+                                      "root->m->popularity->Parse()"};
+constexpr vyr::SESGSteps k_freshness{"root->m->freshness->Create(root->m->xml.Doc(), curr)",
+                                     "root->m->freshness->Parse()"};
+constexpr vyr::SESGSteps k_contentExt{"root->m->contentExt->Create(root->m->xml.Doc(), curr)",
+                                      "root->m->contentExt->Parse()"};
 
 void TakeLength(TState* state, void* node)
 {
@@ -29,6 +30,12 @@ void TakeServiceReference(TState* state, void* node)
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CESGContentFragment::sm_CbServiceReferenceEntry] serviceRef Id is NULL!!");
     }
     vyr::ReadAttribute(node, "weight", state->serviceRefWeight);
+}
+
+void ReadAttributes(TState& state, void* node)
+{
+    vyr::ReadAttribute(node, "globalContentID", state.globalContentID);
+    vyr::ReadAttribute(node, "baseCID", state.baseCID);
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
@@ -49,18 +56,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 }  // namespace
 
-bool CESGContentFragment::sm_Read(SESGState& base, void* node)
-{
-    TState& state = static_cast<TState&>(base);
-    if (!t_Read(state, node)) {
-        return false;
-    }
-    vyr::ReadAttribute(node, "globalContentID", state.globalContentID);
-    vyr::ReadAttribute(node, "baseCID", state.baseCID);
-    vyr::TakeChildren(&state, node);
-    return true;
-}
-
 int CESGContentFragment::sm_CbFragServiceId(void* fragment, const char* id, int length)
 {
     if (auto* state = static_cast<TState*>(t_StateOf(t_Cast<CESGContentFragment>(fragment)))) {
@@ -75,12 +70,6 @@ void CESGContentFragment::sm_CbGetSltService(void* /*service*/, void* /*fragment
 
 const vyr::SESGKind& CESGContentFragment::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = {VYR_HERE,
-                                             "CESGContentFragment",
-                                             "Content",
-                                             "m_ProcessESGContentFragment(root)",
-                                             vyr::NewState<TState>,
-                                             vyr::Handlers<TState, k_handlers>,
-                                             sm_Read};
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CESGContentFragment", "Content",
+                                                                "m_ProcessESGContentFragment(root)");
 }

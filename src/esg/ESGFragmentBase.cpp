@@ -13,10 +13,10 @@ namespace {
 /// With `replace`: an empty record in the place of the held one, which comes back unless the parse succeeds.
 class CRecord {
   public:
-    CRecord(SESGFragment*& record, bool replace) : m_record(record)
+    CRecord(SESGFragment*& record, const vyr::SESGKind& kind, bool replace) : m_record(record)
     {
         if (replace) {
-            m_other.reset(static_cast<SESGFragment*>(vyr::CreateState(*record->kind)));
+            m_other.reset(static_cast<SESGFragment*>(kind.create()));
             m_Swap();
         }
     }
@@ -44,12 +44,12 @@ SESGFragment::SESGFragment() = default;
 
 SESGFragment::~SESGFragment() = default;
 
-CESGFragmentBase::CESGFragmentBase() : m(nullptr), m_replace(false) {}
+CESGFragmentBase::CESGFragmentBase() : m(nullptr), m_kind(nullptr), m_replace(false) {}
 
 CESGFragmentBase::~CESGFragmentBase()
 {
     if (m) {
-        vyr::AssertFailed(m->kind->Here(__func__), "!m");
+        vyr::AssertFailed(m_kind->Here(__func__), "!m");
     }
 }
 
@@ -60,8 +60,9 @@ try {
         return vyr::AssertFailed(kind.Here(__func__), "!m");
     }
     VYR_LOG(LOG_PRIORITY_INFO, "[%s::Create]", kind.className);
-    m = static_cast<SESGFragment*>(vyr::CreateState(kind));
-    return m != nullptr;
+    m = static_cast<SESGFragment*>(kind.create());
+    m_kind = &kind;
+    return true;
 } catch (...) {
     return vyr::OutOfMemory(t_Kind().Here(__func__));
 }
@@ -72,7 +73,7 @@ void CESGFragmentBase::Destroy()
         vyr::AssertFailed(t_Kind().Here(__func__), "m");
         return;
     }
-    VYR_LOG(LOG_PRIORITY_INFO, "[%s::Destroy]", m->kind->className);
+    VYR_LOG(LOG_PRIORITY_INFO, "[%s::Destroy]", m_kind->className);
     delete m;
     m = nullptr;
 }
@@ -89,9 +90,10 @@ try {
     if (!m_Begin(buffer, "buffer")) {
         return false;
     }
-    CRecord record(m, m_replace);
-    const bool created = m->xml.Create(buffer, vyr::DocumentSize(length), false);
-    return record.parsed = m_Process(created, "m->xml.Create(buffer, len)");
+    CRecord record(m, *m_kind, m_replace);
+    CXML xml;
+    const bool created = xml.Create(buffer, vyr::DocumentSize(length), false);
+    return record.parsed = m_Process(xml, created, "m->xml.Create(buffer, len)");
 } catch (...) {
     return vyr::OutOfMemory(t_Kind().Here(__func__));
 }
@@ -102,22 +104,28 @@ try {
     if (!m_Begin(filename, "filename")) {
         return false;
     }
-    CRecord record(m, m_replace);
-    return record.parsed = m_Process(m->xml.Create(filename), "m->xml.Create(filename)");
+    CRecord record(m, *m_kind, m_replace);
+    CXML xml;
+    return record.parsed = m_Process(xml, xml.Create(filename), "m->xml.Create(filename)");
 } catch (...) {
     return vyr::OutOfMemory(t_Kind().Here(__func__));
 }
 
-bool CESGFragmentBase::m_Process(bool created, const char* step)
+bool CESGFragmentBase::m_Process(CXML& xml, bool created, const char* step)
 {
     const vyr::CGenreAsking asking;
-    const vyr::SESGKind& kind = *m->kind;
     // All values are copies: a guide of a thousand fragments need not hold a thousand documents.
-    const vyr::SDocumentEnd end{m->xml};
+    const vyr::SDocumentEnd end{xml};
     return vyr::ProcessRoot(
-        m->xml, created, {step, "m->xml.MoveRoot(&root)", kind.process},
-        [this, &kind](const CXML& xml, void* root) { return xml.Compare(root, kind.element) && kind.read(*m, root); },
-        kind.Here("Parse"));
+        xml, created, {step, "m->xml.MoveRoot(&root)", m_kind->process},
+        [this](const CXML& document, void* root) {
+            const bool taken = document.Compare(root, m_kind->element) && m_Read(root);
+            if (taken) {
+                m_kind->read(*m, root);
+            }
+            return taken;
+        },
+        m_kind->Here("Parse"));
 }
 
 /// Every fragment that has an id is accepted.
@@ -126,16 +134,18 @@ bool CESGFragmentBase::m_Verify()
     return true;
 }
 
-bool CESGFragmentBase::t_Read(SESGFragment& state, void* node)
+/// Reads what all fragments have; false: there is no id.
+bool CESGFragmentBase::m_Read(void* node)
 {
-    vyr::ReadAttribute(node, "id", state.id);
-    if (!state.id || !m_Verify()) {
+    vyr::ReadAttribute(node, "id", m->id);
+    if (!m->id || !m_Verify()) {
         return false;
     }
-    state.ns = vyr::Namespace(state.xml, node);
-    vyr::ReadAttribute(node, "version", state.version);
-    vyr::ReadAttribute(node, "validFrom", state.validFrom);
-    vyr::ReadAttribute(node, "validTo", state.validTo);
+    const char* ns = vyr::NodeNamespace(node);
+    m->ns = ns ? vyr::NewText(ns, std::strlen(ns)) : nullptr;
+    vyr::ReadAttribute(node, "version", m->version);
+    vyr::ReadAttribute(node, "validFrom", m->validFrom);
+    vyr::ReadAttribute(node, "validTo", m->validTo);
     return true;
 }
 

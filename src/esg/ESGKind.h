@@ -1,7 +1,5 @@
 #pragma once
 
-#include <iterator>
-
 #include "common/ElementHandlers.h"
 #include "common/XmlDocument.h"
 #include "common/XmlRead.h"
@@ -19,89 +17,37 @@ namespace vyr {
 
 /// What a class of the guide is.
 struct SESGKind {
-    SHere where;            ///< where it is told: the source of the class, and a line of it
-    const char* className;  ///< its name, as the log has it
-    const char* element;    ///< name of the element that it parses
-    const char* process;    ///< the step of reading it, as the log has it
-    SESGState* (*create)();
-    /// The handlers; null: there are no children of interest.
-    SRows (*handlers)();
-    /// Reads the element; false: it cannot be used.
-    bool (*read)(SESGState& state, void* node);
-    const char* otherElement = nullptr;  ///< second name of the element, or null
+    SHere where;               ///< where it is told: the source of the class, and a line of it
+    const char* className;     ///< its name, as the log has it
+    const char* element;       ///< name of the element that it parses
+    const char* process;       ///< the step of reading it, as the log has it
+    const char* otherElement;  ///< second name of the element, or null
+    SESGState* (*create)();    ///< a new record
+    void (*read)(SESGState& state, void* node);
 
     /// Where a message comes from that a function of the base has for the class.
     SHere Here(const char* function) const { return {where.file, function, where.line}; }
 };
 
-/// SESGKind::create of a class with the record TState.
-template <class TState>
-SESGState* NewState()
+/// What a class with the record TState is: TRead(record, node) reads the attributes, the tables THandlers, one or none,
+/// the children.
+template <class TState, auto TRead, const auto&... THandlers>
+const SESGKind& ElementKind(const char* className, const char* element, const char* process = "m_Process()",
+                            const char* otherElement = nullptr, VYR_CALLER)
 {
-    return new TState;
+    static const SESGKind kind = {here,
+                                  className,
+                                  element,
+                                  process,
+                                  otherElement,
+                                  []() -> SESGState* { return new TState; },
+                                  [](SESGState& base, void* node) {
+                                      auto& state = static_cast<TState&>(base);
+                                      TRead(state, node);
+                                      (DispatchChildren(&state, THandlers, node), ...);
+                                  }};
+    return kind;
 }
-
-/// SESGKind::handlers of a class with the record TState and the table of handlers THandlers.
-template <class TState, const auto& THandlers>
-SRows Handlers()
-{
-    return {THandlers, std::size(THandlers)};
-}
-
-/// Handler for an element whose children are handled as those around it; and what calls the handlers of a
-/// record's own element. TState is the record that the handlers take.
-template <class TState>
-void TakeChildren(TState* state, void* node)
-{
-    DispatchChildren(state, state->kind->handlers(), node);
-}
-
-/// SESGKind::read of an element without children.
-template <class TState, auto TRead>
-bool ReadElement(SESGState& state, void* node)
-{
-    TRead(static_cast<TState&>(state), node);
-    return true;
-}
-
-/// The same of one with children, which are read after its attributes.
-template <class TState, auto TRead>
-bool ReadElementAndChildren(SESGState& state, void* node)
-{
-    TRead(static_cast<TState&>(state), node);
-    TakeChildren(static_cast<TState*>(&state), node);
-    return true;
-}
-
-/// What an element without children is: TRead(record, node), on the base TBase of the record TState, reads it.
-template <class TState, auto TRead, class TBase = TState>
-constexpr SESGKind ElementKind(const char* className, const char* element, const char* otherElement = nullptr,
-                               VYR_CALLER)
-{
-    return {here,        className, element, "m_Process()", NewState<TState>, nullptr, ReadElement<TBase, TRead>,
-            otherElement};
-}
-
-/// What an element with children is, whose handlers are the table THandlers.
-template <class TState, auto TRead, const auto& THandlers>
-constexpr SESGKind ElementKind(const char* className, const char* element, const char* otherElement = nullptr,
-                               VYR_CALLER)
-{
-    return {here,
-            className,
-            element,
-            "m_Process()",
-            NewState<TState>,
-            Handlers<TState, THandlers>,
-            ReadElementAndChildren<TState, TRead>,
-            otherElement};
-}
-
-/// A new record of the class.
-SESGState* CreateState(const SESGKind& kind);
-
-/// The namespace of an element; null: none.
-TESGText Namespace(const CXML& xml, void* node);
 
 /// True for "true", false for "false"; other text leaves it.
 void Read(const CNodeText& text, bool& out);
@@ -176,38 +122,45 @@ struct SESGChild {
     static bool Parse(CESGElement& child) { return child.m_Parse(); }
 };
 
+/// Texts of the steps of building an element object, and the line that has them.
+struct SESGSteps : SChildSteps {
+    constexpr SESGSteps(const char* createText, const char* parseText, int at = __builtin_LINE())
+        : SChildSteps{createText, parseText}, line(at)
+    {
+    }
+
+    int line;
+};
+
 /// An element object made of a child, and parsed; null after logging the failed step.
 template <class TChild>
-TOwned<TChild> BuildElement(void* doc, void* node, const SChildSteps& steps, VYR_CALLER)
+TOwned<TChild> BuildElement(void* node, const SChildSteps& steps, const SHere& here)
 {
     return BuildChild<TChild>(
-        steps, here, [doc, node](TChild& child) { return child.Create(doc, node); }, [](TChild&) { return true; },
-        [](TChild& child) { return SESGChild::Parse(child); });
+        steps, here, [node](TChild& child) { return child.Create(NodeDocument(node), node); },
+        [](TChild&) { return true; }, [](TChild& child) { return SESGChild::Parse(child); });
 }
 
 template <class TChild>
-void Build(TOwned<TChild>& single, void* doc, void* node, const SChildSteps& steps, VYR_CALLER)
+void Build(TOwned<TChild>& single, void* node, const SChildSteps& steps, VYR_CALLER)
 {
-    single = BuildElement<TChild>(doc, node, steps, here);
+    single = BuildElement<TChild>(node, steps, here);
 }
 
 template <class TChild>
-void Build(TOwnedList<TChild>& list, void* doc, void* node, const SChildSteps& steps, VYR_CALLER)
+void Build(TOwnedList<TChild>& list, void* node, const SChildSteps& steps, VYR_CALLER)
 {
-    if (TOwned<TChild> child = BuildElement<TChild>(doc, node, steps, here)) {
+    if (TOwned<TChild> child = BuildElement<TChild>(node, steps, here)) {
         list.push_back(std::move(child));
     }
 }
 
 /// Handler: an element object made of the child becomes the member, in place of an earlier one, or one more
 /// in a list.
-template <auto TMember, const SChildSteps& TSteps>
+template <auto TMember, const SESGSteps& TSteps>
 void TakeElement(typename SMember<TMember>::TState* state, void* node)
 {
-    Build(state->*TMember, state->xml.Doc(), node, TSteps, state->kind->Here(__func__));
+    Build(state->*TMember, node, TSteps, {k_source.text, __func__, TSteps.line});
 }
-
-/// The steps of an element object that a fragment has a list of.
-inline constexpr SChildSteps k_entry = {"entry->Create(root->m->xml.Doc(), curr)", "entry->Parse()"};
 
 }  // namespace vyr

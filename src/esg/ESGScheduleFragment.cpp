@@ -5,7 +5,8 @@
 namespace {
 
 using TState = CESGScheduleFragment::SESGScheduleFragment;
-using vyr::k_entry;
+
+constexpr vyr::SESGSteps k_entry{"entry->Create(root->m->xml.Doc(), curr)", "entry->Parse()"};
 
 void TakeServiceReference(TState* state, void* node)
 {
@@ -15,6 +16,8 @@ void TakeServiceReference(TState* state, void* node)
     }
 }
 
+void ReadAttributes(TState& /*state*/, void* /*node*/) {}
+
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
     {"ServiceReference", TakeServiceReference},
     {"ContentReference", vyr::TakeElement<&TState::contentRefs, k_entry>},
@@ -22,16 +25,6 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 };
 
 }  // namespace
-
-bool CESGScheduleFragment::sm_Read(SESGState& base, void* node)
-{
-    TState& state = static_cast<TState&>(base);
-    if (!t_Read(state, node)) {
-        return false;
-    }
-    vyr::TakeChildren(&state, node);
-    return true;
-}
 
 int CESGScheduleFragment::sm_CbFragServiceId(void* fragment, const char* id, int length)
 {
@@ -46,12 +39,6 @@ void CESGScheduleFragment::sm_CbGetSltService(void* /*service*/, void* /*fragmen
 
 const vyr::SESGKind& CESGScheduleFragment::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = {VYR_HERE,
-                                             "CESGScheduleFragment",
-                                             "Schedule",
-                                             "m_ProcessESGScheduleFragment(root)",
-                                             vyr::NewState<TState>,
-                                             vyr::Handlers<TState, k_handlers>,
-                                             sm_Read};
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CESGScheduleFragment", "Schedule",
+                                                                "m_ProcessESGScheduleFragment(root)");
 }

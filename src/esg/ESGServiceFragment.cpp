@@ -8,10 +8,11 @@
 namespace {
 
 using TState = CESGServiceFragment::SESGServiceFragment;
-using vyr::k_entry;
 
-constexpr vyr::SChildSteps k_area = {"root->m->broadcaseArea->Create(root->m->xml.Doc(), curr)",
-                                     "root->m->broadcaseArea->Parse()"};
+constexpr vyr::SESGSteps k_entry{"entry->Create(root->m->xml.Doc(), curr)", "entry->Parse()"};
+
+constexpr vyr::SESGSteps k_area{"root->m->broadcaseArea->Create(root->m->xml.Doc(), curr)",
+                                "root->m->broadcaseArea->Parse()"};
 
 /// Whether the services of this receiver are a preview.
 bool FlagPreview()
@@ -36,8 +37,23 @@ void TakePrivateExt(TState* state, void* node)
     static constexpr vyr::SChildSteps k_steps = {"root->m->serviceExt->Create(root->m->xml.Doc(), cur)",
                                                  "root->m->serviceExt->Parse()"};
     if (void* extension = vyr::FindElement(vyr::FirstElement(node), "ATSC3ServiceExtension")) {
-        vyr::Build(state->serviceExt, state->xml.Doc(), extension, k_steps);
+        vyr::Build(state->serviceExt, extension, k_steps);
     }
+}
+
+void ReadAttributes(TState& state, void* node)
+{
+    if (FlagPreview()) {
+        static constexpr char k_preview[] = "urn:atsc:serviceid:sbs_uhd";
+        state.globalServiceID = vyr::NewText(k_preview, sizeof k_preview - 1);
+    } else {
+        vyr::ReadAttribute(node, "globalServiceID", state.globalServiceID);
+    }
+    state.sltMatch = false;
+    vyr::ReadAttribute(node, "weight", state.weight);
+    int emergency = 0;
+    vyr::ReadAttribute(node, "emergency", emergency);
+    state.emergency = emergency != 0;
 }
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
@@ -61,27 +77,6 @@ bool CESGServiceFragment::Parse(const char* filename)
     return CESGFragmentBase::Parse(filename);
 }
 
-bool CESGServiceFragment::sm_Read(SESGState& base, void* node)
-{
-    TState& state = static_cast<TState&>(base);
-    if (!t_Read(state, node)) {
-        return false;
-    }
-    if (FlagPreview()) {
-        static constexpr char k_preview[] = "urn:atsc:serviceid:sbs_uhd";
-        state.globalServiceID = vyr::NewText(k_preview, sizeof k_preview - 1);
-    } else {
-        vyr::ReadAttribute(node, "globalServiceID", state.globalServiceID);
-    }
-    state.sltMatch = false;
-    vyr::ReadAttribute(node, "weight", state.weight);
-    int emergency = 0;
-    vyr::ReadAttribute(node, "emergency", emergency);
-    state.emergency = emergency != 0;
-    vyr::TakeChildren(&state, node);
-    return true;
-}
-
 int CESGServiceFragment::sm_CbGlobalServiceId(void* fragment, const char* id, int length)
 {
     if (auto* state = static_cast<TState*>(t_StateOf(t_Cast<CESGServiceFragment>(fragment)))) {
@@ -95,12 +90,6 @@ void CESGServiceFragment::sm_CbGetSltService(void* /*service*/, void* /*fragment
 
 const vyr::SESGKind& CESGServiceFragment::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = {VYR_HERE,
-                                             "CESGServiceFragment",
-                                             "Service",
-                                             "m_ProcessESGServiceFragment(root)",
-                                             vyr::NewState<TState>,
-                                             vyr::Handlers<TState, k_handlers>,
-                                             sm_Read};
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CESGServiceFragment", "Service",
+                                                                "m_ProcessESGServiceFragment(root)");
 }

@@ -55,7 +55,7 @@ bool CSGDDParse::SState::m_ProcessParse(void* root)
 void CSGDDParse::SState::sm_CbDescriptorEntry(SState* m, void* node)
 {
     static constexpr vyr::SChildSteps k_steps = {"entry->Create(root->t_xml.Doc(), curr)", "entry->Parse()"};
-    vyr::Build(m->values.descriptorEntries, m->xml->Doc(), node, k_steps);
+    vyr::Build(m->values.descriptorEntries, node, k_steps);
 }
 
 vyr::SXmlKind CSGDDParse::t_Kind() const

@@ -65,9 +65,12 @@ void CSGResponse::SState::sm_CbSupportedVersionEntry(SState* m, void* node)
 
 void CSGResponse::SState::sm_CbSGDDEntry(SState* m, void* node)
 {
-    vyr::AddChild<CSGDDParse>(m->values.descriptors, *m, node,
-                              {"entry->Create()", "entry->Parse(root->t_xml.Doc(), curr)"},
-                              [m](CSGDDParse& entry) { return entry.m_Share(&m->namespaces); });
+    TOwned<CSGDDParse> entry =
+        vyr::BuildXmlChild<CSGDDParse>(*m, node, {"entry->Create()", "entry->Parse(root->t_xml.Doc(), curr)"},
+                                       [m](CSGDDParse& fresh) { return fresh.m_Share(&m->namespaces); });
+    if (entry) {
+        m->values.descriptors.push_back(std::move(entry));
+    }
 }
 
 void CSGResponse::SState::sm_CbResponseValidityEntry(SState* m, void* node)

@@ -41,16 +41,11 @@ std::size_t Document(const char* name)
 
 }  // namespace
 
-CEntry::CEntry()
+CEntry::CEntry() : m_depth(t_kept.depth)
 {
-    if (t_kept.depth++ == 0 && t_kept.any) {
+    if (m_depth++ == 0 && t_kept.any) {
         t_kept = {1, false, 0, {}};
     }
-}
-
-CEntry::~CEntry()
-{
-    --t_kept.depth;
 }
 
 CDocumentOfPackage::CDocumentOfPackage(const char* name)

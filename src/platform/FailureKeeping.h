@@ -11,9 +11,12 @@ struct SHere;
 class CEntry {
   public:
     CEntry();
-    ~CEntry();
+    ~CEntry() { --m_depth; }
     CEntry(const CEntry&) = delete;
     CEntry& operator=(const CEntry&) = delete;
+
+  private:
+    int& m_depth;  ///< how many of the thread there are, one in the other
 };
 
 /// What fails from now on, for its life, belongs to a document of a package.

@@ -1,8 +1,8 @@
 #include "platform/Log.h"
 
+#include <new>
 #include <stdexcept>
 
-#include "common/OutOfMemory.h"
 #include "platform/FailureKeeping.h"
 
 namespace vyr {

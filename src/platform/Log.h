@@ -89,6 +89,9 @@ bool CheckFailed(const SHere& here, const char* text);
 bool StepFailed(const SHere& here, const char* text);
 /// Logs the "ASSERT!" line and tells the assertion sink; false.
 bool AssertFailed(const SHere& here, const char* text);
+/// In a handler: logs a line when the exception says that memory is out, without allocating; throws any other
+/// exception on.
+void HandleOutOfMemory(const SHere& here);
 /// Integer setting of the platform.
 bool GetSetting(const char* key, int* value);
 

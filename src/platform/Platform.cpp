@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "common/OutOfMemory.h"
 #include "platform/Log.h"
 #include "platform/LogRepeats.h"
 #include "platform/PlatformFile.h"

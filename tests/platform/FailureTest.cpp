@@ -7,6 +7,7 @@
 #include "lls/ParseSystemTime.h"
 #include "mmt/msg/MMTMsgAtsc3.h"
 #include "mmt/msg/MMTMsgPa.h"
+#include "mmt/table/MMTTblPa.h"
 #include "route/SLS/EFDT.h"
 #include "route/SLSManager.h"
 #include "support/MmtBuilder.h"
@@ -39,6 +40,7 @@ TEST_F(FailureTest, WhatFailedFirstAndWhy)
     SCreated<CESGServiceFragment> service;
     SCreated<CParseSystemTime, 1> time;
     CMMTMsgPa pa;
+    CMMTTblPa paTable;
     const auto xml = [&rsat](const std::string& text) {
         rsat.Parse(text.data(), static_cast<unsigned int>(text.size()), true);
     };
@@ -78,6 +80,9 @@ TEST_F(FailureTest, WhatFailedFirstAndWhy)
         {"table of a message",
          [&] { SFed(pa, CMmtBuilder().Put(16, 0).Put(8, 1).Put(32, 9).Put(8, 1).Put(32, 0).Put(32, 9).Bytes()); },
          "size: [CMMTTblPa::Parse] ERROR | p_tbl->Parse(item) at src/mmt/msg/MMTMsgPa"},
+        {"table by itself", [&] { SFed(paTable, CMmtBuilder().Put(8, 0).Put(8, 1).Put(16, 9).Bytes()); },
+         "size: [CMMTTblPa::Parse] ERROR"},
+        {"whole table", [&] { SFed(paTable, CMmtBuilder().Put(8, 0).Put(8, 1).Put(16, 2).Put(16, 0).Bytes()); }, ""},
     };
     for (const auto priority : {LOG_PRIORITY_DEBUG, LOG_PRIORITY_INFO}) {
         SetLogPriority(priority);
@@ -123,6 +128,15 @@ TEST_F(FailureTest, TagsWithoutAClass)
     ASSERT_TRUE(failure && failure->tags == 1);
     EXPECT_EQ(failure->unknownTags[0], 0x8001U);
     EXPECT_EQ(Told(), "none");
+    // The tables of a message share its record, the whole one behind a faulty one included.
+    CMmtBuilder tables;
+    tables.Put(16, 0).Put(8, 1).Open(32).Put(8, 2).Put(32, 0).Put(32, 0);
+    tables.Put(8, 1).Put(8, 1).Open(16).Put(8, 0).Open(16).Put(16, 0x8002).Put(16, 0).Close().Put(8, 0).Close();
+    tables.Put(8, 1).Put(8, 1).Open(16).Put(8, 0).Put(16, 0).Put(8, 0).Close().Close();
+    CMMTMsgPa pa;
+    EXPECT_TRUE(SFed(pa, tables.Bytes()).result);
+    ASSERT_NE(LastFailure(), nullptr);
+    EXPECT_EQ(LastFailure()->unknownTags[0], 0x8002U);
     CEFDT efdt;
     ASSERT_TRUE(efdt.Create() && efdt.Parse("<EFDT/>", 7));
     EXPECT_EQ(LastFailure(), nullptr);

@@ -1,23 +1,11 @@
 #pragma once
 
-#include "esg/ESGElement/ATSC3ServiceExt.h"
-#include "esg/ESGElement/AudioLanguage.h"
-#include "esg/ESGElement/BroadcastArea.h"
-#include "esg/ESGElement/ContentAdvRatings.h"
-#include "esg/ESGElement/ContentPrivateExt.h"
-#include "esg/ESGElement/Description.h"
-#include "esg/ESGElement/DescriptorEntry.h"
-#include "esg/ESGElement/ESGElement.h"
-#include "esg/ESGElement/Freshness.h"
-#include "esg/ESGElement/Genre.h"
+#include "esg/ESGContentFragment.h"
 #include "esg/ESGElement/Icon.h"
-#include "esg/ESGElement/Name.h"
-#include "esg/ESGElement/Popularity.h"
-#include "esg/ESGElement/ScheduleContentRef.h"
-#include "esg/ESGElement/TargetUserProfile.h"
-#include "esg/ESGElement/TermsOfUse.h"
 #include "esg/ESGElement/Text.h"
-#include "esg/ESGElement/TextLanguage.h"
+#include "esg/ESGScheduleFragment.h"
+#include "esg/ESGServiceFragment.h"
+#include "esg/SGDDParse.h"
 #include "support/Show.h"
 
 SHOW(SESGMediaInfo, s.mimeType, s.width, s.height, s.dataSize)

@@ -6,7 +6,7 @@
 class VYR_API CATSC3ServiceExt : public CESGElement {
   public:
     /// What was parsed.
-    struct SATSC3ServiceExt : SESGElement {
+    struct SATSC3ServiceExt : SESGState {
         SESGMediaInfo media;           ///< MIMEType, width, height, dataSize of the element itself
         int majorChannelNum = 0;       ///< MajorChannelNum, text
         int minorChannelNum = 0;       ///< MinorChannelNum, text

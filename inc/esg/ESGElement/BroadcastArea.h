@@ -20,7 +20,7 @@ class VYR_API CBroadcastArea : public CESGElement {
     };
 
     /// What was parsed.
-    struct SBroadcastArea : SESGElement {
+    struct SBroadcastArea : SESGState {
         bool polarity = false;          ///< polarity: "true": in the area, "false": outside
         SAreaNames names;               ///< of the element itself
         std::unique_ptr<SArea> p_area;  ///< TargetArea, the last, or what stands outside of one; null: none

@@ -12,7 +12,7 @@ class VYR_API CCellTargetArea : public CESGElement {
     };
 
     /// What was parsed.
-    struct SCellTargetArea : SESGElement {
+    struct SCellTargetArea : SESGState {
         int type = 0;              ///< type: how cells are named
         TESGText value;            ///< value of the element itself
         std::vector<SCell> cells;  ///< CellArea

@@ -12,7 +12,7 @@ class VYR_API CComponent : public CESGElement {
     };
 
     /// What was parsed.
-    struct SComponent : SESGElement {
+    struct SComponent : SESGState {
         TESGText language;                            ///< language of the element itself
         std::vector<SComponentItem> videoComponents;  ///< VideoComponent
         std::vector<SComponentItem> audioComponents;  ///< AudioComponent

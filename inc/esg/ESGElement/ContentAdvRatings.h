@@ -20,7 +20,7 @@ class VYR_API CContentAdvRatings : public CESGElement {
     };
 
     /// What was parsed.
-    struct SContentAdvRatings : SESGElement {
+    struct SContentAdvRatings : SESGState {
         TESGText lang;                                ///< lang of the element itself
         int regionIdentifier = 0;                     ///< RegionIdentifier, text: the rating region
         int ratedDimensions = 0;                      ///< RatedDimensions, text: number of dimensions

@@ -8,7 +8,7 @@
 class VYR_API CContentPrivateExt : public CESGElement {
   public:
     /// What was parsed.
-    struct SContentPrivateExt : SESGElement {
+    struct SContentPrivateExt : SESGState {
         SESGMediaInfo media;                  ///< MIMEType, width, height, dataSize of the element itself
         TESGText capabilities;                ///< Capabilities, text
         TOwned<CComponent> comp;              ///< Components, the last; null: none

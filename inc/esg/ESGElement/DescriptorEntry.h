@@ -9,7 +9,7 @@
 class VYR_API CDescriptorEntry : public CESGElement {
   public:
     /// What was parsed.
-    struct SDescriptorEntry : SESGElement {
+    struct SDescriptorEntry : SESGState {
         int type = 0;                                 ///< type
         TOwned<CGroupingCri> groupingCri;             ///< GroupingCriteria, the last; null: none
         TOwned<CESGTransport> transport;              ///< Transport, the last; null: none

@@ -2,15 +2,6 @@
 
 #include "../ESGState.h"
 
-/// What every record of an element has beside its values, for the parser's own use.
-struct VYR_API SESGElement : SESGState {
-    SESGElement();
-    ~SESGElement() override;
-
-    void* pdoc;   ///< the document that the element stands in, somebody else's; null after the parse
-    void* proot;  ///< the element; likewise
-};
-
 /// What the attributes of an element say of a file.
 struct SESGMediaInfo {
     TESGText mimeType;  ///< MIMEType
@@ -48,7 +39,7 @@ class VYR_API CESGElement {
   protected:
     CESGElement();
     /// The record, for the derived class; null before Create.
-    const SESGElement* t_State() const { return m; }
+    const SESGState* t_State() const { return m; }
 
   private:
     friend struct vyr::SESGChild;
@@ -57,5 +48,7 @@ class VYR_API CESGElement {
     bool m_Parse();
     bool m_Process();
 
-    SESGElement* m;
+    SESGState* m;
+    const vyr::SESGKind* m_kind;  ///< what the object is, from Create on
+    void* m_node;                 ///< the element, somebody else's; null after the parse
 };

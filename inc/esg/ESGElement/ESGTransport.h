@@ -6,7 +6,7 @@
 class VYR_API CESGTransport : public CESGElement {
   public:
     /// What was parsed.
-    struct SESGTransport : SESGElement {
+    struct SESGTransport : SESGState {
         TESGText ipAddress;                      ///< ipAddress
         int port = 0;                            ///< port
         TESGText srcIpAddress;                   ///< srcIpAddress

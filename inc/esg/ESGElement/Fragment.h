@@ -7,7 +7,7 @@
 class VYR_API CFragment : public CESGElement {
   public:
     /// What was parsed.
-    struct SFragment : SESGElement {
+    struct SFragment : SESGState {
         unsigned int transportID = 0;  ///< transportID: the fragmentTransportID of the delivery unit
         TESGText id;                   ///< id of the fragment
         unsigned int validFrom = 0;    ///< validFrom, NTP seconds

@@ -7,7 +7,7 @@
 class VYR_API CFreshness : public CESGElement {
   public:
     /// What was parsed.
-    struct SFreshness : SESGElement {
+    struct SFreshness : SESGState {
         long long broadcastDate = 0;  ///< broadcastDate, the first broadcast
         long long releaseDate = 0;    ///< releastDate, spelt so
     };

@@ -6,7 +6,7 @@
 class VYR_API CGenre : public CESGElement {
   public:
     /// What was parsed.
-    struct SGenre : SESGElement {
+    struct SGenre : SESGState {
         TESGText type;               ///< type: "main", "secondary" or "other"
         TESGText href;               ///< href: the classification scheme
         TESGText content;            ///< text: the term, such as "urn:tva:metadata:cs:ContentCS:3"

@@ -7,7 +7,7 @@
 class VYR_API CGroupingCri : public CESGElement {
   public:
     /// What was parsed.
-    struct SGroupingCri : SESGElement {
+    struct SGroupingCri : SESGState {
         unsigned int startTime = 0;  ///< startTime of TimeGroupingCriteria, NTP seconds
         unsigned int endTime = 0;    ///< endTime of TimeGroupingCriteria, NTP seconds
         TESGText type;               ///< type of GenreGroupingCriteria

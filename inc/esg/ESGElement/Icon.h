@@ -6,7 +6,7 @@
 class VYR_API CIcon : public CESGElement {
   public:
     /// What was parsed.
-    struct SIcon : SESGElement {
+    struct SIcon : SESGState {
         TESGText link;         ///< Link, text
         TESGText description;  ///< Description, text
         TESGText uri;          ///< uri

@@ -6,7 +6,7 @@
 class VYR_API CLanguageTag : public CESGElement {
   public:
     /// What was parsed.
-    struct SLanguageTag : SESGElement {
+    struct SLanguageTag : SESGState {
         TESGText content;         ///< text: the language as viewers see it
         TESGText languageSDPTag;  ///< languageSDPTag: the language as SDP has it
     };

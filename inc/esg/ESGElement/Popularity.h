@@ -6,7 +6,7 @@
 class VYR_API CPopularity : public CESGElement {
   public:
     /// What was parsed.
-    struct SPopularity : SESGElement {
+    struct SPopularity : SESGState {
         int rating = 0;           ///< rating
         int noOfViews = 0;        ///< noOfViews
         int noOfDiscussions = 0;  ///< noOfDiscussions

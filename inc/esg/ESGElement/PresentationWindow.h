@@ -7,7 +7,7 @@
 class VYR_API CPresentationWindow : public CESGElement {
   public:
     /// What was parsed.
-    struct SPresentationWindow : SESGElement {
+    struct SPresentationWindow : SESGState {
         TESGText id;                        ///< id
         unsigned int startTime = 0;         ///< startTime, NTP seconds
         unsigned int endTime = 0;           ///< endTime, NTP seconds

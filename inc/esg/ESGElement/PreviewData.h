@@ -7,7 +7,7 @@
 class VYR_API CPreviewData : public CESGElement {
   public:
     /// What was parsed.
-    struct SPreviewData : SESGElement {
+    struct SPreviewData : SESGState {
         std::vector<SESGMedia> previewContents;  ///< PreviewContent
         std::vector<SESGMedia> previewIcons;     ///< PreviewIcon
         TOwnedList<CPreviewDesc> descriptions;   ///< Description and PreviewDescription

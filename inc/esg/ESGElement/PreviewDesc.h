@@ -6,7 +6,7 @@
 class VYR_API CPreviewDesc : public CESGElement {
   public:
     /// What was parsed.
-    struct SPreviewDesc : SESGElement {
+    struct SPreviewDesc : SESGState {
         TESGText content;  ///< text
         TESGText lang;     ///< lang
         TESGText linkUri;  ///< linkUri

@@ -7,7 +7,7 @@
 class VYR_API CSGDeliveryUnit : public CESGElement {
   public:
     /// What was parsed.
-    struct SSGDeliveryUnit : SESGElement {
+    struct SSGDeliveryUnit : SESGState {
         unsigned int transportObjectID = 0;  ///< transportObjectID, the TOI
         int versionIDLength = 0;             ///< versionIDLength, bits of the TOI
         TESGText contentLocation;            ///< contentLocation

@@ -7,7 +7,7 @@
 class VYR_API CScheduleContentRef : public CESGElement {
   public:
     /// What was parsed.
-    struct SScheduleContentRef : SESGElement {
+    struct SScheduleContentRef : SESGState {
         TESGText idRef;                                       ///< idRef, the id of the content fragment
         TESGText contentLocation;                             ///< contentLocation
         TOwnedList<CPresentationWindow> presentationWindows;  ///< PresentationWindow

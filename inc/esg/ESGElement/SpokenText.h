@@ -17,7 +17,7 @@ class VYR_API CSpokenText : public CESGElement {
 
     /// What was parsed. Required: the speech elements are read only where the element has no text, white
     /// space and text inside of them included.
-    struct SSpokenText : SESGElement {
+    struct SSpokenText : SESGState {
         TESGText text;                               ///< text
         TESGText lang;                               ///< lang
         TESGText content;                            ///< text of the element
@@ -26,8 +26,6 @@ class VYR_API CSpokenText : public CESGElement {
     };
 
   protected:
-    /// The handlers of the element's children.
-    static vyr::SRows sm_Handlers();
-    /// Reads the element and its children into the record; true.
-    static bool sm_Read(SESGState& state, void* node);
+    /// Reads the element and its children into the record.
+    static void sm_Read(SSpokenText& state, void* node);
 };

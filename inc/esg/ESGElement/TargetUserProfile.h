@@ -6,7 +6,7 @@
 class VYR_API CTargetUserProfile : public CESGElement {
   public:
     /// What was parsed.
-    struct STargetUserProfile : SESGElement {
+    struct STargetUserProfile : SESGState {
         TESGText attributeName;   ///< attributeName
         TESGText attributeValue;  ///< attributeValue
     };

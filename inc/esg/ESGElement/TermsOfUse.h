@@ -6,7 +6,7 @@
 class VYR_API CTermsOfUse : public CESGElement {
   public:
     /// What was parsed.
-    struct STermsOfUse : SESGElement {
+    struct STermsOfUse : SESGState {
         int type = 0;                      ///< type
         TESGText id;                       ///< id
         bool userConsentRequired = false;  ///< userConsentRequired: "true" or "false"

@@ -6,7 +6,7 @@
 class VYR_API CText : public CESGElement {
   public:
     /// What was parsed.
-    struct SText : SESGElement {
+    struct SText : SESGState {
         TESGText link;         ///< Link, text
         TESGText description;  ///< Description, text
         TESGText textString;   ///< TextString, text

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "../../common/Owned.h"
-#include "../../common/XmlElement.h"
+#include "../../common/Usbd.h"
 #include "../../platform/Api.h"
 
 class CMMTBroadbandComponent;
@@ -17,16 +17,11 @@ class CMMTName;
 class CMMTRouteComponent;
 class CServiceLinkage;
 
-/// Parser of the user service bundle description of an MMT service (USBD; ATSC A/331 7.2.1). Callers make a new
-/// object for each document: the lists of one that is parsed again grow until Destroy, see SetReplace. An object that
-/// is not created is asserted ("m"); results are then 0, false or null.
-class VYR_API CMMTUsbd : public CXmlElement {
+/// Parser of the user service bundle description of an MMT service (ATSC A/331 7.2.1).
+class VYR_API CMMTUsbd : public CUsbd {
   public:
     /// What was parsed; all of it belongs to the USBD. Of an element that is held singly the last one counts.
-    struct SMMTUsbd {
-        const char* globalServiceId = nullptr;                           ///< null: not given
-        unsigned short serviceId = 0;                                    ///< 65,535: not given; 0: no description yet
-        bool serviceStatus = false;                                      ///< whether the service is on
+    struct SMMTUsbd : SUsbd {
         TOwnedArray<CMMTName> names;                                     ///< Name
         TTextArray svcLanguages;                                         ///< the text of each serviceLanguage
         TOwnedArray<CMMTComponentInfo> componentInfos;                   ///< ComponentInfo
@@ -40,13 +35,6 @@ class VYR_API CMMTUsbd : public CXmlElement {
         /// Extension: what "serviceStatus" says by XML Schema; empty: not given, or no boolean.
         std::optional<bool> givenServiceStatus;
     };
-
-    /// globalServiceID, else globalServiceId; null: neither. Good until the next Parse or Destroy.
-    const char* GlobalServiceId() const;
-    /// Id of the service; 65,535: not given.
-    unsigned short ServiceId() const;
-    /// Whether the service is on: true exactly when "serviceStatus" is 1.
-    bool ServiceStatus() const;
 
     /// Whether there is a ROUTE component.
     bool CheckRouteComponent() const;
@@ -82,17 +70,6 @@ class VYR_API CMMTUsbd : public CXmlElement {
     /// The index-th service language, good until Destroy; false, and nothing changed, without one.
     bool GetLanguageInfo(int index, char** language) const;
 
-    /// Id of the linked service; -1: no service linkage.
-    int LinkServiceId() const;
-    /// Begin of the service linkage, xs:dateTime as it stands; null: none, or not given.
-    const char* ActivationTime() const;
-    /// End of the service linkage; likewise.
-    const char* DeActivationTime() const;
-    /// serviceCategory of the linked service; -1: no service linkage.
-    int ServiceCategory() const;
-    /// Kind of the service linkage; -1: none.
-    int LinkageType() const;
-
     /// Appends the rating string of each ratings element, in document order; false without one.
     bool GetRatingStringTable(std::vector<std::string>& ratings) const;
 
@@ -100,5 +77,7 @@ class VYR_API CMMTUsbd : public CXmlElement {
     const SMMTUsbd* State() const { return t_Values<SMMTUsbd>(); }
 
   private:
+    const SUsbd* m_Usbd() const override { return State(); }
+    const CServiceLinkage* m_Linkage() const override { return State()->serviceLinkage.get(); }
     vyr::SXmlKind t_Kind() const override;
 };

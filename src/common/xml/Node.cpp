@@ -159,6 +159,11 @@ const char* NodeNamespace(void* node)
     return ns ? AsText(ns->href) : nullptr;
 }
 
+void* NodeDocument(void* node)
+{
+    return AsNode(node)->doc;
+}
+
 const char* NodeName(void* node)
 {
     return AsText(AsNode(node)->name);

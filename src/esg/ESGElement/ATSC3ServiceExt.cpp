@@ -21,7 +21,5 @@ void ReadAttributes(TState& state, void* node)
 
 const vyr::SESGKind& CATSC3ServiceExt::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CATSC3ServiceExt", "ATSC3ServiceExtension");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CATSC3ServiceExt", "ATSC3ServiceExtension");
 }

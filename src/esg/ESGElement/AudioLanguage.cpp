@@ -4,7 +4,5 @@
 
 const vyr::SESGKind& CAudioLanguage::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<SAudioLanguage, sm_Read, SLanguageTag>("CAudioLanguage", "AudioLanguage");
-    return k_kind;
+    return vyr::ElementKind<SAudioLanguage, sm_Read>("CAudioLanguage", "AudioLanguage");
 }

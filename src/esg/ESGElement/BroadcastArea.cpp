@@ -13,11 +13,7 @@ void ReadNames(CBroadcastArea::SAreaNames& names, void* node)
     vyr::ReadAttribute(node, "name_area", names.nameArea);
 }
 
-void TakeArea(TState* state, void* child)
-{
-    ReadNames(vyr::Fresh(state->p_area), child);
-    vyr::TakeChildren(state, child);
-}
+void TakeArea(TState* state, void* child);
 
 /// The area of a child, which may stand in the element itself.
 CBroadcastArea::SArea& Area(TState* state)
@@ -34,7 +30,7 @@ void TakeCells(TState* state, void* child)
 {
     static constexpr vyr::SChildSteps k_steps = {"root->m->p_area->cellTargetArea->Create(root->m->pdoc, curr)",
                                                  "root->m->p_area->cellTargetArea->Parse()"};
-    vyr::Build(Area(state).cellTargetArea, state->pdoc, child, k_steps);
+    vyr::Build(Area(state).cellTargetArea, child, k_steps);
 }
 
 void ReadAttributes(TState& state, void* node)
@@ -49,11 +45,15 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
     {"CellTargetArea", TakeCells},
 };
 
+void TakeArea(TState* state, void* child)
+{
+    ReadNames(vyr::Fresh(state->p_area), child);
+    vyr::DispatchChildren(state, k_handlers, child);
+}
+
 }  // namespace
 
 const vyr::SESGKind& CBroadcastArea::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CBroadcastArea", "BroadcastArea");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CBroadcastArea", "BroadcastArea");
 }

@@ -6,11 +6,7 @@ namespace {
 
 using TState = CCellTargetArea::SCellTargetArea;
 
-void TakeCell(TState* state, void* child)
-{
-    vyr::ReadAttribute(child, "value", state->cells.emplace_back().value);
-    vyr::TakeChildren(state, child);
-}
+void TakeCell(TState* state, void* child);
 
 void TakePP2Cell(TState* state, void* child)
 {
@@ -31,11 +27,15 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
     {"PP2CellID", TakePP2Cell},
 };
 
+void TakeCell(TState* state, void* child)
+{
+    vyr::ReadAttribute(child, "value", state->cells.emplace_back().value);
+    vyr::DispatchChildren(state, k_handlers, child);
+}
+
 }  // namespace
 
 const vyr::SESGKind& CCellTargetArea::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CCellTargetArea", "CellTargetArea");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CCellTargetArea", "CellTargetArea");
 }

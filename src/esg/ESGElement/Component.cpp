@@ -28,7 +28,5 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CComponent::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CComponent", "Components");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CComponent", "Components");
 }

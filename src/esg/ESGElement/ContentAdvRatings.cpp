@@ -35,16 +35,7 @@ void TakeDimension(TState* state, void* child)
     vyr::ReadContent(child, rating.ratingDimension);
 }
 
-void TakeDimVal(TState* state, void* child)
-{
-    if (vyr::FirstElement(child)) {
-        state->ratings.emplace_back();
-        vyr::TakeChildren(state, child);
-    } else {
-        vyr::ReadContent(child,
-                         Rating(state, [](const SRating& last) { return last.ratingDimVal != nullptr; }).ratingDimVal);
-    }
-}
+void TakeDimVal(TState* state, void* child);
 
 void TakeValueString(TState* state, void* child)
 {
@@ -61,11 +52,20 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
     {"RatingValueString", TakeValueString},
 };
 
+void TakeDimVal(TState* state, void* child)
+{
+    if (vyr::FirstElement(child)) {
+        state->ratings.emplace_back();
+        vyr::DispatchChildren(state, k_handlers, child);
+    } else {
+        vyr::ReadContent(child,
+                         Rating(state, [](const SRating& last) { return last.ratingDimVal != nullptr; }).ratingDimVal);
+    }
+}
+
 }  // namespace
 
 const vyr::SESGKind& CContentAdvRatings::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CContentAdvRatings", "ContentAdvisoryRatings");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CContentAdvRatings", "ContentAdvisoryRatings");
 }

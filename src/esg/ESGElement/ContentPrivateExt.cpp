@@ -6,8 +6,8 @@ namespace {
 
 using TState = CContentPrivateExt::SContentPrivateExt;
 
-constexpr vyr::SChildSteps k_comp = {"root->m->comp->Create(root->m->pdoc, curr)", "root->m->comp->Parse()"};
-constexpr vyr::SChildSteps k_preview = {"previewData->Create(root->m->pdoc, curr)", "previewData->Parse()"};
+constexpr vyr::SESGSteps k_comp{"root->m->comp->Create(root->m->pdoc, curr)", "root->m->comp->Parse()"};
+constexpr vyr::SESGSteps k_preview{"previewData->Create(root->m->pdoc, curr)", "previewData->Parse()"};
 
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
     {"Capabilities", vyr::TakeContent<&TState::capabilities>},
@@ -25,7 +25,5 @@ void ReadAttributes(TState& state, void* node)
 
 const vyr::SESGKind& CContentPrivateExt::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CContentPrivateExt", "PrivateExt");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CContentPrivateExt", "PrivateExt");
 }

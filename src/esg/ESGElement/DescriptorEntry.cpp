@@ -6,11 +6,10 @@ namespace {
 
 using TState = CDescriptorEntry::SDescriptorEntry;
 
-constexpr vyr::SChildSteps k_grouping = {"root->m->groupingCri->Create(root->m->pdoc, curr)",
-                                         "root->m->groupingCri->Parse()"};
-constexpr vyr::SChildSteps k_transport = {"root->m->transport->Create(root->m->pdoc, curr)",
-                                          "root->m->transport->Parse()"};
-constexpr vyr::SChildSteps k_unit = {"p_sgdu->Create(root->m->pdoc, curr)", "p_sgdu->Parse()"};
+constexpr vyr::SESGSteps k_grouping{"root->m->groupingCri->Create(root->m->pdoc, curr)",
+                                    "root->m->groupingCri->Parse()"};
+constexpr vyr::SESGSteps k_transport{"root->m->transport->Create(root->m->pdoc, curr)", "root->m->transport->Parse()"};
+constexpr vyr::SESGSteps k_unit{"p_sgdu->Create(root->m->pdoc, curr)", "p_sgdu->Parse()"};
 
 void ReadAttributes(TState& state, void* node)
 {
@@ -28,7 +27,5 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CDescriptorEntry::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CDescriptorEntry", "DescriptorEntry");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CDescriptorEntry", "DescriptorEntry");
 }

@@ -6,43 +6,31 @@
 #include "esg/ESGKind.h"
 #include "platform/Log.h"
 
-SESGState::SESGState() : kind(nullptr) {}
+SESGState::SESGState() = default;
 
-SESGState::~SESGState()
-{
-    if (xml.FlagCreate()) {
-        xml.Destroy();
-    }
-}
+SESGState::~SESGState() = default;
 
-SESGElement::SESGElement() : pdoc(nullptr), proot(nullptr) {}
-
-SESGElement::~SESGElement() = default;
-
-CESGElement::CESGElement() : m(nullptr) {}
+CESGElement::CESGElement() : m(nullptr), m_kind(nullptr), m_node(nullptr) {}
 
 CESGElement::~CESGElement()
 {
     if (m) {
-        vyr::AssertFailed(m->kind->Here(__func__), "!m");
+        vyr::AssertFailed(m_kind->Here(__func__), "!m");
     }
 }
 
 bool CESGElement::Create(void* doc, void* node)
 try {
     const vyr::SESGKind& kind = t_Kind();
-    const vyr::SHere here = kind.Here(__func__);
     const char* wrong = m ? "!m" : !doc ? "doc" : !node ? "node" : nullptr;
     if (wrong) {
-        return vyr::AssertFailed(here, wrong);
+        return vyr::AssertFailed(kind.Here(__func__), wrong);
     }
     VYR_LOG(LOG_PRIORITY_INFO, "[%s::Create]", kind.className);
-    m = static_cast<SESGElement*>(vyr::CreateState(kind));
-    if (m) {
-        m->pdoc = doc;
-        m->proot = node;
-    }
-    return m != nullptr;
+    m = kind.create();
+    m_kind = &kind;
+    m_node = node;
+    return true;
 } catch (...) {
     return vyr::OutOfMemory(t_Kind().Here(__func__));
 }
@@ -61,25 +49,26 @@ bool CESGElement::m_Parse()
     if (!m) {
         return vyr::AssertFailed(here, "m");
     }
-    if (!m->xml.Create(m->pdoc)) {
+    CXML xml;
+    if (!xml.Create(m_node ? vyr::NodeDocument(m_node) : nullptr)) {
         return vyr::CheckFailed(here, "m->xml.Create((CXML::TDocPtr)m->pdoc)");
     }
-    const vyr::SDocumentEnd end{m->xml};
-    const bool processed = m_Process() || vyr::CheckFailed(here, m->kind->process);
-    // The owner of the document need not keep it for the values.
-    m->pdoc = nullptr;
-    m->proot = nullptr;
+    const bool processed = m_Process() || vyr::CheckFailed(here, m_kind->process);
+    m_node = nullptr;  // the owner of the document need not keep it for the values
     return processed;
 }
 
 bool CESGElement::m_Process()
 {
-    const vyr::SESGKind& kind = *m->kind;
-    if (!m->xml.Compare(m->proot, kind.element) && !m->xml.Compare(m->proot, kind.otherElement)) {
-        VYR_LOG(LOG_PRIORITY_INFO, "[%s::m_Process] Root node is not %s", kind.className, kind.element);
+    const auto is = [name = vyr::NodeName(m_node)](const char* element) {
+        return name && element && std::strcmp(name, element) == 0;
+    };
+    if (!is(m_kind->element) && !is(m_kind->otherElement)) {
+        VYR_LOG(LOG_PRIORITY_INFO, "[%s::m_Process] Root node is not %s", m_kind->className, m_kind->element);
         return false;
     }
-    return kind.read(*m, m->proot);
+    m_kind->read(*m, m_node);
+    return true;
 }
 
 void CESGElement::Destroy()
@@ -88,26 +77,12 @@ void CESGElement::Destroy()
         vyr::AssertFailed(t_Kind().Here(__func__), "m");
         return;
     }
-    VYR_LOG(LOG_PRIORITY_INFO, "[%s::Destroy]", m->kind->className);
+    VYR_LOG(LOG_PRIORITY_INFO, "[%s::Destroy]", m_kind->className);
     delete m;
     m = nullptr;
 }
 
 namespace vyr {
-
-SESGState* CreateState(const SESGKind& kind)
-{
-    SESGState* state = kind.create();
-    state->kind = &kind;
-    return state;
-}
-
-TESGText Namespace(const CXML& xml, void* node)
-{
-    bool found = false;
-    TESGText ns(xml.Ns(node, &found));
-    return found ? std::move(ns) : nullptr;
-}
 
 void Read(const CNodeText& text, bool& out)
 {

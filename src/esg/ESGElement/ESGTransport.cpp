@@ -19,6 +19,5 @@ void ReadAttributes(TState& state, void* node)
 
 const vyr::SESGKind& CESGTransport::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes>("CESGTransport", "Transport");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes>("CESGTransport", "Transport");
 }

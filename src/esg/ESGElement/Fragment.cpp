@@ -20,17 +20,22 @@ void ReadAttributes(TState& state, void* node)
     vyr::ReadAttribute(node, "endTime", state.endTime);
 }
 
+void TakeGrouping(TState* state, void* child);
+
 constexpr vyr::SElementHandler<TState> k_handlers[] = {
-    {"GroupingCriteria", vyr::TakeChildren<TState>},
+    {"GroupingCriteria", TakeGrouping},
     {"TimeGroupingCriteria", vyr::TakeTimeCriteria<TState>},
     {"BSMSelector", vyr::TakeSelector<TState>},
 };
+
+void TakeGrouping(TState* state, void* child)
+{
+    vyr::DispatchChildren(state, k_handlers, child);
+}
 
 }  // namespace
 
 const vyr::SESGKind& CFragment::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CFragment", "Fragment");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CFragment", "Fragment");
 }

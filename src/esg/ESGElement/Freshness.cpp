@@ -16,6 +16,5 @@ void ReadFreshness(TState& state, void* node)
 
 const vyr::SESGKind& CFreshness::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadFreshness>("CFreshness", "Freshness");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadFreshness>("CFreshness", "Freshness");
 }

@@ -97,6 +97,5 @@ void CGenre::sm_Read(SGenre& state, void* node)
 
 const vyr::SESGKind& CGenre::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<SGenre, sm_Read>("CGenre", "Genre");
-    return k_kind;
+    return vyr::ElementKind<SGenre, sm_Read>("CGenre", "Genre");
 }

@@ -34,7 +34,5 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CGroupingCri::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CGroupingCri", "GroupingCriteria");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CGroupingCri", "GroupingCriteria");
 }

@@ -25,6 +25,5 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CIcon::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes, k_handlers>("CIcon", "Icon");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CIcon", "Icon");
 }

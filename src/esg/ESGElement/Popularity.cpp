@@ -18,6 +18,5 @@ void ReadPopularity(TState& state, void* node)
 
 const vyr::SESGKind& CPopularity::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadPopularity>("CPopularity", "Popularity");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadPopularity>("CPopularity", "Popularity");
 }

@@ -23,7 +23,5 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CPresentationWindow::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CPresentationWindow", "PresentationWindow");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CPresentationWindow", "PresentationWindow");
 }

@@ -6,7 +6,7 @@ namespace {
 
 using TState = CPreviewData::SPreviewData;
 
-constexpr vyr::SChildSteps k_desc = {"pDesc->Create(root->m->pdoc, curr)", "pDesc->Parse()"};
+constexpr vyr::SESGSteps k_desc{"pDesc->Create(root->m->pdoc, curr)", "pDesc->Parse()"};
 
 void ReadAttributes(TState& state, void* node)
 {
@@ -25,7 +25,5 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CPreviewData::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CPreviewData", "Preview");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CPreviewData", "Preview");
 }

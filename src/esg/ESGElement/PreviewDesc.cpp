@@ -18,7 +18,6 @@ void ReadDescription(TState& state, void* node)
 
 const vyr::SESGKind& CPreviewDesc::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadDescription>("CPreviewDesc", "PreviewDescription", "Description");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadDescription>("CPreviewDesc", "PreviewDescription", "m_Process()",
+                                                     "Description");
 }

@@ -6,7 +6,7 @@ namespace {
 
 using TState = CSGDeliveryUnit::SSGDeliveryUnit;
 
-constexpr vyr::SChildSteps k_fragment = {"p_frag->Create(root->m->pdoc, curr)", "p_frag->Parse()"};
+constexpr vyr::SESGSteps k_fragment{"p_frag->Create(root->m->pdoc, curr)", "p_frag->Parse()"};
 
 void ReadAttributes(TState& state, void* node)
 {
@@ -25,7 +25,5 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CSGDeliveryUnit::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CSGDeliveryUnit", "ServiceGuideDeliveryUnit");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CSGDeliveryUnit", "ServiceGuideDeliveryUnit");
 }

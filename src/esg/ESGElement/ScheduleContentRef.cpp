@@ -6,7 +6,7 @@ namespace {
 
 using TState = CScheduleContentRef::SScheduleContentRef;
 
-constexpr vyr::SChildSteps k_window = {"p_win->Create(root->m->pdoc, curr)", "p_win->Parse()"};
+constexpr vyr::SESGSteps k_window{"p_win->Create(root->m->pdoc, curr)", "p_win->Parse()"};
 
 void ReadAttributes(TState& state, void* node)
 {
@@ -22,7 +22,5 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CScheduleContentRef::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes, k_handlers>("CScheduleContentRef", "ContentReference");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CScheduleContentRef", "ContentReference");
 }

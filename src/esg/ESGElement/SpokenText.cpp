@@ -20,19 +20,12 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 }  // namespace
 
-vyr::SRows CSpokenText::sm_Handlers()
+void CSpokenText::sm_Read(SSpokenText& state, void* node)
 {
-    return vyr::Handlers<TState, k_handlers>();
-}
-
-bool CSpokenText::sm_Read(SESGState& state, void* node)
-{
-    TState& values = static_cast<TState&>(state);
-    vyr::ReadContent(node, values.content);
-    vyr::ReadAttribute(node, "text", values.text);
-    vyr::ReadAttribute(node, "lang", values.lang);
-    if (!values.content || !*values.content.get()) {
-        vyr::TakeChildren(&values, node);
+    vyr::ReadContent(node, state.content);
+    vyr::ReadAttribute(node, "text", state.text);
+    vyr::ReadAttribute(node, "lang", state.lang);
+    if (!state.content || !*state.content.get()) {
+        vyr::DispatchChildren(&state, k_handlers, node);
     }
-    return true;
 }

@@ -16,7 +16,5 @@ void ReadAttributes(TState& state, void* node)
 
 const vyr::SESGKind& CTargetUserProfile::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<TState, ReadAttributes>("CTargetUserProfile", "TargetUserProfile");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes>("CTargetUserProfile", "TargetUserProfile");
 }

@@ -23,6 +23,5 @@ constexpr vyr::SElementHandler<TState> k_handlers[] = {
 
 const vyr::SESGKind& CText::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind = vyr::ElementKind<TState, ReadAttributes, k_handlers>("CText", "Text");
-    return k_kind;
+    return vyr::ElementKind<TState, ReadAttributes, k_handlers>("CText", "Text");
 }

@@ -4,7 +4,5 @@
 
 const vyr::SESGKind& CTextLanguage::t_Kind() const
 {
-    static constexpr vyr::SESGKind k_kind =
-        vyr::ElementKind<STextLanguage, sm_Read, SLanguageTag>("CTextLanguage", "TextLanguage");
-    return k_kind;
+    return vyr::ElementKind<STextLanguage, sm_Read>("CTextLanguage", "TextLanguage");
 }

@@ -24,7 +24,7 @@ void sm_CbUSD(SState* m, void* node);
 
 void sm_CbName(SState* m, void* node)
 {
-    vyr::AddChild<CMMTName>(m->values.names, *m, node, {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.names, *m, node, {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbSvcLanguage(SState* m, void* node)
@@ -41,45 +41,43 @@ void sm_CbSvcLanguage(SState* m, void* node)
 
 void sm_CbChannel(SState* m, void* node)
 {
-    vyr::AddChild<CMMTChannel>(m->values.channel, *m, node,
-                               {"channel->Create()", "channel->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.channel, *m, node, {"channel->Create()", "channel->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbMpuComponent(SState* m, void* node)
 {
-    vyr::AddChild<CMMTMpuComponent>(m->values.mpuComponent, *m, node,
-                                    {"mpuComponent->Create()", "mpuComponent->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.mpuComponent, *m, node,
+                  {"mpuComponent->Create()", "mpuComponent->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbRouteComponent(SState* m, void* node)
 {
-    vyr::AddChild<CMMTRouteComponent>(m->values.routeComponent, *m, node,
-                                      {"routeComponent->Create()", "routeComponent->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.routeComponent, *m, node,
+                  {"routeComponent->Create()", "routeComponent->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbBroadbandComponent(SState* m, void* node)
 {
-    vyr::AddChild<CMMTBroadbandComponent>(
-        m->values.broadbandComponent, *m, node,
-        {"broadbandComponent->Create()", "broadbandComponent->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.broadbandComponent, *m, node,
+                  {"broadbandComponent->Create()", "broadbandComponent->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbComponentInfo(SState* m, void* node)
 {
-    vyr::AddChild<CMMTComponentInfo>(m->values.componentInfos, *m, node,
-                                     {"componentInfo->Create()", "componentInfo->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.componentInfos, *m, node,
+                  {"componentInfo->Create()", "componentInfo->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbServiceLinkage(SState* m, void* node)
 {
-    vyr::AddChild<CServiceLinkage>(m->values.serviceLinkage, *m, node,
-                                   {"serviceLinkage->Create()", "serviceLinkage->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.serviceLinkage, *m, node,
+                  {"serviceLinkage->Create()", "serviceLinkage->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbContentAdvisoryRatings(SState* m, void* node)
 {
-    vyr::AddChild<CMMTContentAdvisoryRatings>(m->values.contentAdvisoryRatings, *m, node,
-                                              {"rating->Create()", "rating->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.contentAdvisoryRatings, *m, node,
+                  {"rating->Create()", "rating->Parse(root->t_xml.Doc(), cur)"});
 }
 
 constexpr vyr::SElementHandler<SState> k_handlers[] = {
@@ -130,21 +128,6 @@ const CMMTComponentInfo::SComponentInfo* ComponentInfo(const CMMTUsbd::SMMTUsbd*
 }
 
 }  // namespace
-
-const char* CMMTUsbd::GlobalServiceId() const
-{
-    return VYR_ASSERT(State(), "m") ? State()->globalServiceId : nullptr;
-}
-
-unsigned short CMMTUsbd::ServiceId() const
-{
-    return VYR_ASSERT(State(), "m") ? State()->serviceId : 0;
-}
-
-bool CMMTUsbd::ServiceStatus() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceStatus;
-}
 
 bool CMMTUsbd::CheckRouteComponent() const
 {
@@ -226,31 +209,6 @@ bool CMMTUsbd::GetLanguageInfo(int index, char** language) const
     char* text =
         VYR_ASSERT(State(), "m") && VYR_ASSERT(language, "language") ? State()->svcLanguages.Get(index) : nullptr;
     return text && vyr::Give(text, *language);
-}
-
-int CMMTUsbd::LinkServiceId() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->LinkServiceId() : -1;
-}
-
-const char* CMMTUsbd::ActivationTime() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceLinkage ? State()->serviceLinkage->ActivationTime() : nullptr;
-}
-
-const char* CMMTUsbd::DeActivationTime() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceLinkage ? State()->serviceLinkage->DeActivationTime() : nullptr;
-}
-
-int CMMTUsbd::ServiceCategory() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->ServiceCategory() : -1;
-}
-
-int CMMTUsbd::LinkageType() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->LinkageType() : -1;
 }
 
 bool CMMTUsbd::GetRatingStringTable(std::vector<std::string>& ratings) const

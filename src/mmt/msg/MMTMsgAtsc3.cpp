@@ -11,6 +11,22 @@
 #include "mmt/table/MMTTblSi.h"
 #include "platform/FailureKeeping.h"
 
+namespace {
+
+/// A parser that is created with its owner and destroyed with it.
+template <class TParser>
+struct TCreated : TParser {
+    TCreated()
+    {
+        if (!TParser::Create()) {
+            throw std::bad_alloc();
+        }
+    }
+    ~TCreated() override { TParser::Destroy(); }
+};
+
+}  // namespace
+
 struct CMMTMsgAtsc3::SState {
     unsigned short serviceId = 0;
     unsigned short contentType = 0;
@@ -24,28 +40,13 @@ struct CMMTMsgAtsc3::SState {
     TPtrArray<CMMTDesc> captionAssets;
     TPtrArray<CMMTDesc> securityProperties;
     TPtrArray<CMMTDesc> licenseUrls;
-    CMMTUsbd usbd;
-    CRSAT rsat;
+    TCreated<CMMTUsbd> usbd;
+    TCreated<CRSAT> rsat;
     CMMTTblSi siTable;
-    bool usbdCreated = false;
-    bool created = false;  ///< all of it
 
     /// In the order in which descriptors are handed out.
     const TPtrArray<CMMTDesc>* const arrays[5] = {&audioStreamProperties, &videoStreamProperties, &captionAssets,
                                                   &securityProperties, &licenseUrls};
-
-    SState() = default;
-    ~SState()
-    {
-        if (created) {
-            rsat.Destroy();
-        }
-        if (usbdCreated) {
-            usbd.Destroy();
-        }
-    }
-    SState(const SState&) = delete;
-    SState& operator=(const SState&) = delete;
 };
 
 CMMTMsgAtsc3::CMMTMsgAtsc3() : CMMTMsg(CLASS_TYPE_ATSC3), m(nullptr)
@@ -55,20 +56,14 @@ CMMTMsgAtsc3::CMMTMsgAtsc3() : CMMTMsg(CLASS_TYPE_ATSC3), m(nullptr)
 
 /// Makes the state, once: a constructor cannot say that memory was out, Parse can, and tries again.
 bool CMMTMsgAtsc3::m_Create()
-{
+try {
     if (m) {
         return true;
     }
-    std::unique_ptr<SState> state(new (std::nothrow) SState);
-    if (state) {
-        state->usbdCreated = state->usbd.Create();
-        state->created = state->usbdCreated && state->rsat.Create();
-    }
-    if (!state || !state->created) {
-        return VYR_CHECK(false, "m = new SState");
-    }
-    m = state.release();
+    m = new SState;
     return true;
+} catch (...) {
+    return VYR_CHECK(false, "m = new SState");
 }
 
 CMMTMsgAtsc3::~CMMTMsgAtsc3()

@@ -1,10 +1,12 @@
 #include "mmt/msg/MMTMsgMpi.h"
 
 #include "common/BitReader.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 bool CMMTMsgMpi::Parse(SItem* item)
 {
+    const vyr::CEntry entry;  // one record for both tables
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgMpi::Parse");
     if (!t_ParseHeader(item, 32, "[CMMTMsgMpi::Parse] Item size ERROR len[%u], length[%u]")) {
         return false;

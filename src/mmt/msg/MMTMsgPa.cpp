@@ -3,6 +3,7 @@
 #include "common/OutOfMemory.h"
 #include "mmt/Elements.h"
 #include "mmt/table/MMTTblFactory.h"
+#include "platform/FailureKeeping.h"
 
 struct CMMTMsgPa::STableUnit {
     unsigned char tableId;
@@ -15,6 +16,7 @@ CMMTMsgPa::CMMTMsgPa() : CMMTMsg(CLASS_TYPE_PA) {}
 
 bool CMMTMsgPa::Parse(SItem* item)
 try {
+    const vyr::CEntry entry;  // one record for all tables
     bool visiting = m_visiting;
     for (int i = 0; i < TableCount(); ++i) {
         const CMMTTbl* table = Table(i);

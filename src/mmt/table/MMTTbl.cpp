@@ -15,6 +15,7 @@ CMMTTbl::CMMTTbl(unsigned int classType) : m_classType(classType) {}
 
 bool CMMTTbl::Parse(SItem* item)
 {
+    const vyr::CEntry entry;  // what a class reads behind the header adds to the record that begins here
     if (!VYR_ASSERT(item, "item") || !VYR_ASSERT(item->buffer, "item->buffer")) {
         return false;
     }

@@ -10,14 +10,14 @@ struct SState : vyr::TXmlState<CDeliveryMethod::SDeliveryMethod> {
 
 void sm_CbBroadcastAppSvc(SState* m, void* node)
 {
-    vyr::AddChild<CBroadcastAppSvc>(m->values.broadcastAppSvcs, *m, node,
-                                    {"broadcastAppSvc->Create()", "broadcastAppSvc->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.broadcastAppSvcs, *m, node,
+                  {"broadcastAppSvc->Create()", "broadcastAppSvc->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbUnicastAppSvc(SState* m, void* node)
 {
-    vyr::AddChild<CUnicastAppSvc>(m->values.unicastAppSvcs, *m, node,
-                                  {"unicastAppSvc->Create()", "unicastAppSvc->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.unicastAppSvcs, *m, node,
+                  {"unicastAppSvc->Create()", "unicastAppSvc->Parse(root->t_xml.Doc(), cur)"});
 }
 
 constexpr vyr::SElementHandler<SState> k_handlers[] = {

@@ -28,7 +28,7 @@ void sm_CbEFDTInfo(void* context, SEFDTInfo* info)
 void sm_CbSrcFlow(SState* m, void* node)
 {
     const SEFDTInfoCallback cb = {m, sm_CbEFDTInfo};
-    vyr::AddChild<CSrcFlow>(
+    vyr::AddChild(
         m->values.srcFlows, *m, node, {"srcFlow->Create()", "srcFlow->Parse(root->t_xml.Doc(), cur)"},
         [&cb](CSrcFlow& srcFlow) { return VYR_CHECK(srcFlow.SetCallback(&cb), "srcFlow->SetCallback(&cb)"); });
 }

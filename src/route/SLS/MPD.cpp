@@ -183,60 +183,392 @@ struct SState : vyr::SXmlState {
     void ReadDescriptor(void* node, SMPDDescriptor& descriptor);
     void ReadSegments(void* node, SMPDSegments& values);
     void Add(void* node, std::vector<SMPDDescriptor> SMPDDescriptors::*kind);
-
-    static bool Misplaced(void* node);
-    static void sm_CbPeriod(SState* m, void* node);
-    static void sm_CbAdaptationSet(SState* m, void* node);
-    static void sm_CbRepresentation(SState* m, void* node);
-    static void sm_CbSegmentTemplate(SState* m, void* node);
-    static void sm_CbSegmentList(SState* m, void* node);
-    static void sm_CbInitialization(SState* m, void* node);
-    static void sm_CbSegmentURL(SState* m, void* node);
-    static void sm_CbSegmentTimeline(SState* m, void* node);
-    static void sm_CbS(SState* m, void* node);
-    static void sm_CbBaseURL(SState* m, void* node);
-    static void sm_CbContentProtection(SState* m, void* node);
-    static void sm_CbPssh(SState* m, void* node);
-    static void sm_CbLaurl(SState* m, void* node);
-    static void sm_CbRole(SState* m, void* node);
-    static void sm_CbAccessibility(SState* m, void* node);
-    static void sm_CbEssentialProperty(SState* m, void* node);
-    static void sm_CbSupplementalProperty(SState* m, void* node);
-    static void sm_CbAudioChannelConfiguration(SState* m, void* node);
-    static void sm_CbUTCTiming(SState* m, void* node);
-    static void sm_CbRating(SState* m, void* node);
-    static void sm_CbPreselection(SState* m, void* node);
-    static void sm_CbEventStream(SState* m, void* node);
 };
+
+/// A text of the record, which lives as long as the record.
+const char* SState::Keep(const char* text, std::size_t length)
+{
+    char* copy = static_cast<char*>(texts.allocate(length + 1, 1));
+    std::memcpy(copy, text, length);
+    copy[length] = '\0';
+    return copy;
+}
+
+const char* SState::Keep(void* node, const char* name)
+{
+    const CNodeText text = CNodeText::Attribute(node, name);
+    return text.Found() ? Keep(text.Text(), std::strlen(text.Text())) : nullptr;
+}
+
+/// The text of an element without the white space around it; null when nothing is left.
+const char* SState::KeepUri(void* node)
+{
+    static constexpr char k_space[] = " \t\r\n";
+    const CNodeText text = CNodeText::Content(node);
+    if (!text.Found()) {
+        return nullptr;
+    }
+    const char* begin = text.Text() + std::strspn(text.Text(), k_space);
+    std::size_t length = std::strlen(begin);
+    while (length > 0 && std::strchr(k_space, begin[length - 1])) {
+        --length;
+    }
+    return length > 0 ? Keep(begin, length) : nullptr;
+}
+
+bool Misplaced(void* node)
+{
+    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMPD::m_ProcessParseMPD] %s is out of place", vyr::NodeName(node));
+    return true;
+}
+
+SMPDAvailability ReadAvailability(void* node)
+{
+    SMPDAvailability availability;
+    vyr::ReadAttribute(node, "availabilityTimeOffset", availability.timeOffset);
+    vyr::ReadAttribute(node, "availabilityTimeComplete", availability.timeComplete);
+    return availability;
+}
+
+void SState::ReadMpd(void* node)
+{
+    info->id = Keep(node, "id");
+    info->profiles = Keep(node, "profiles");
+    const CNodeText type = CNodeText::Attribute(node, "type");
+    info->dynamic = type.Found() && std::strcmp(type.Text(), "dynamic") == 0;
+    info->availabilityStartTime = Seconds(node, "availabilityStartTime", vyr::ReadDateTime);
+    info->availabilityEndTime = Seconds(node, "availabilityEndTime", vyr::ReadDateTime);
+    info->publishTime = Seconds(node, "publishTime", vyr::ReadDateTime);
+    info->mediaPresentationDuration = Seconds(node, "mediaPresentationDuration", vyr::ReadDuration);
+    info->minimumUpdatePeriod = Seconds(node, "minimumUpdatePeriod", vyr::ReadDuration);
+    info->minBufferTime = Seconds(node, "minBufferTime", vyr::ReadDuration);
+    info->timeShiftBufferDepth = Seconds(node, "timeShiftBufferDepth", vyr::ReadDuration);
+    info->suggestedPresentationDelay = Seconds(node, "suggestedPresentationDelay", vyr::ReadDuration);
+}
+
+void sm_CbPeriod(SState* m, void* node)
+{
+    if (m->period && Misplaced(node)) {
+        return;
+    }
+    SMPDPeriod& period = m->info->periods.emplace_back();
+    period.id = m->Keep(node, "id");
+    period.start = Seconds(node, "start", vyr::ReadDuration);
+    period.duration = Seconds(node, "duration", vyr::ReadDuration);
+    const vyr::CScoped<SMPDPeriod*> current(m->period, &period, nullptr);
+    m->Walk(node);
+}
+
+void SState::ReadCommon(void* node, SMPDCommon& common)
+{
+    common.profiles = Keep(node, "profiles");
+    common.width = Number(node, "width");
+    common.height = Number(node, "height");
+    common.sar = Keep(node, "sar");
+    common.frameRate = Keep(node, "frameRate");
+    common.audioSamplingRate = Keep(node, "audioSamplingRate");
+    common.mimeType = Keep(node, "mimeType");
+    common.codecs = Keep(node, "codecs");
+    common.startWithSAP = Number(node, "startWithSAP");
+    common.scanType = Keep(node, "scanType");
+    common.selectionPriority = Number(node, "selectionPriority");
+    common.tag = Keep(node, "tag");
+}
+
+void sm_CbAdaptationSet(SState* m, void* node)
+{
+    if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
+        return;
+    }
+    SMPDAdaptationSet& set = m->period->adaptationSets.emplace_back();
+    m->ReadCommon(node, set);
+    set.id = m->Keep(node, "id");
+    set.group = Number(node, "group");
+    set.lang = m->Keep(node, "lang");
+    set.contentType = m->Keep(node, "contentType");
+    set.par = m->Keep(node, "par");
+    set.minBandwidth = Number(node, "minBandwidth");
+    set.maxBandwidth = Number(node, "maxBandwidth");
+    set.minWidth = Number(node, "minWidth");
+    set.maxWidth = Number(node, "maxWidth");
+    set.minHeight = Number(node, "minHeight");
+    set.maxHeight = Number(node, "maxHeight");
+    set.minFrameRate = m->Keep(node, "minFrameRate");
+    set.maxFrameRate = m->Keep(node, "maxFrameRate");
+    set.segmentAlignment = m->Keep(node, "segmentAlignment");
+    const vyr::CScoped<SMPDAdaptationSet*> current(m->set, &set, nullptr);
+    m->Walk(node);
+}
+
+void sm_CbRepresentation(SState* m, void* node)
+{
+    if ((!m->set || m->representation) && Misplaced(node)) {
+        return;
+    }
+    SMPDRepresentation& representation = m->set->representations.emplace_back();
+    m->ReadCommon(node, representation);
+    representation.id = m->Keep(node, "id");
+    representation.bandwidth = Number(node, "bandwidth");
+    representation.qualityRanking = Number(node, "qualityRanking");
+    representation.dependencyId = m->Keep(node, "dependencyId");
+    const vyr::CScoped<SMPDRepresentation*> current(m->representation, &representation, nullptr);
+    m->Walk(node);
+}
+
+void sm_CbPreselection(SState* m, void* node)
+{
+    if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
+        return;
+    }
+    SMPDPreselection& preselection = m->period->preselections.emplace_back();
+    preselection.id = m->Keep(node, "id");
+    preselection.preselectionComponents = m->Keep(node, "preselectionComponents");
+    preselection.lang = m->Keep(node, "lang");
+    preselection.order = m->Keep(node, "order");
+    const vyr::CScoped<SMPDPreselection*> current(m->preselection, &preselection, nullptr);
+    m->Walk(node);
+}
+
+void sm_CbEventStream(SState* m, void* node)
+{
+    if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
+        return;
+    }
+    m->ReadDescriptor(node, m->period->eventStreams.emplace_back());
+}
+
+void SState::ReadSegments(void* node, SMPDSegments& values)
+{
+    values.timescale = Number(node, "timescale");
+    values.duration = Number(node, "duration");
+    values.startNumber = Number(node, "startNumber");
+    values.presentationTimeOffset = Number(node, "presentationTimeOffset");
+    values.availability = ReadAvailability(node);
+    const vyr::CScoped<SMPDSegments*> current(segments, &values, nullptr);
+    Walk(node);
+}
+
+void sm_CbSegmentTemplate(SState* m, void* node)
+{
+    if ((!m->Level() || m->segments) && Misplaced(node)) {
+        return;
+    }
+    const auto segmentTemplate = std::make_shared<SMPDSegmentTemplate>();
+    segmentTemplate->media = m->Keep(node, "media");
+    segmentTemplate->index = m->Keep(node, "index");
+    segmentTemplate->initialization = m->Keep(node, "initialization");
+    m->ReadSegments(node, *segmentTemplate);
+    m->Level()->segmentTemplate = segmentTemplate;
+}
+
+void sm_CbSegmentList(SState* m, void* node)
+{
+    if ((!m->Level() || m->segments) && Misplaced(node)) {
+        return;
+    }
+    const auto list = std::make_shared<SMPDSegmentList>();
+    const auto urls = std::make_shared<std::vector<SMPDSegmentURL>>();
+    const vyr::CScoped<SMPDSegmentList*> currentList(m->list, list.get(), nullptr);
+    const vyr::CScoped<std::vector<SMPDSegmentURL>*> currentUrls(m->urls, urls.get(), nullptr);
+    m->ReadSegments(node, *list);
+    if (!urls->empty()) {
+        list->urls = urls;
+    }
+    m->Level()->segmentList = list;
+}
+
+void sm_CbInitialization(SState* m, void* node)
+{
+    if (!m->list && Misplaced(node)) {
+        return;
+    }
+    m->list->initialization = m->Keep(node, "sourceURL");
+    m->list->initializationRange = m->Keep(node, "range");
+}
+
+void sm_CbSegmentURL(SState* m, void* node)
+{
+    if (!m->urls && Misplaced(node)) {
+        return;
+    }
+    SMPDSegmentURL& url = m->urls->emplace_back();
+    url.media = m->Keep(node, "media");
+    url.mediaRange = m->Keep(node, "mediaRange");
+    url.index = m->Keep(node, "index");
+    url.indexRange = m->Keep(node, "indexRange");
+}
+
+void sm_CbSegmentTimeline(SState* m, void* node)
+{
+    if ((!m->segments || m->timeline) && Misplaced(node)) {
+        return;
+    }
+    const auto timeline = std::make_shared<std::vector<SMPDSegment>>();
+    m->nextStart = 0;
+    const vyr::CScoped<std::vector<SMPDSegment>*> current(m->timeline, timeline.get(), nullptr);
+    m->Walk(node);
+    m->segments->timeline = timeline;
+}
+
+void sm_CbS(SState* m, void* node)
+{
+    if (!m->timeline && Misplaced(node)) {
+        return;
+    }
+    SMPDSegment& segment = m->timeline->emplace_back();
+    segment.t = Number(node, "t");
+    segment.n = Number(node, "n");
+    segment.d = CNodeText::Attribute(node, "d").LLong(0);
+    segment.r = CNodeText::Attribute(node, "r").LLong(0);
+    segment.k = CNodeText::Attribute(node, "k").LLong(1);
+    segment.t = segment.t != -1 ? segment.t : m->nextStart;
+    long long length = 0;
+    if (segment.t == -1 || segment.r < 0 || segment.d < 0 || __builtin_add_overflow(segment.r, 1, &length) ||
+        __builtin_mul_overflow(length, segment.d, &length) ||
+        __builtin_add_overflow(segment.t, length, &m->nextStart)) {
+        m->nextStart = -1;
+    }
+}
+
+void sm_CbBaseURL(SState* m, void* node)
+{
+    if (const char* url = m->KeepUri(node)) {
+        SMPDSegmentInfo* level = m->Level();
+        (level ? level->baseUrls : m->info->baseUrls).push_back(url);
+        (level ? level->baseUrlAvailabilities : m->info->baseUrlAvailabilities).push_back(ReadAvailability(node));
+    }
+}
+
+void SState::ReadDescriptor(void* node, SMPDDescriptor& descriptor)
+{
+    descriptor.schemeIdUri = Keep(node, "schemeIdUri");
+    descriptor.value = Keep(node, "value");
+    descriptor.id = Keep(node, "id");
+}
+
+void sm_CbContentProtection(SState* m, void* node)
+{
+    if ((!m->Descriptors() || m->protection) && Misplaced(node)) {
+        return;
+    }
+    SMPDContentProtection& protection = m->Descriptors()->contentProtections.emplace_back();
+    m->ReadDescriptor(node, protection);
+    protection.defaultKid = m->Keep(node, "default_KID");
+    if (!protection.defaultKid) {
+        protection.defaultKid = m->Keep(node, "cenc:default_KID");
+    }
+    const vyr::CScoped<SMPDContentProtection*> current(m->protection, &protection, nullptr);
+    m->Walk(node);
+}
+
+void sm_CbPssh(SState* m, void* node)
+{
+    if (!m->protection && Misplaced(node)) {
+        return;
+    }
+    if (const char* pssh = m->KeepUri(node)) {
+        m->protection->pssh.push_back(pssh);
+    }
+}
+
+void sm_CbLaurl(SState* m, void* node)
+{
+    if (!m->protection && Misplaced(node)) {
+        return;
+    }
+    const char* text = m->KeepUri(node);
+    if (const char* url = text ? text : m->Keep(node, "licenseUrl")) {
+        m->protection->licenceUrls.push_back(url);
+    }
+}
+
+void SState::Add(void* node, std::vector<SMPDDescriptor> SMPDDescriptors::*kind)
+{
+    if (!Descriptors() && Misplaced(node)) {
+        return;
+    }
+    ReadDescriptor(node, (Descriptors()->*kind).emplace_back());
+}
+
+void sm_CbRole(SState* m, void* node)
+{
+    m->Add(node, &SMPDDescriptors::roles);
+}
+
+void sm_CbAccessibility(SState* m, void* node)
+{
+    m->Add(node, &SMPDDescriptors::accessibilities);
+}
+
+void sm_CbEssentialProperty(SState* m, void* node)
+{
+    if (m->period) {
+        m->Add(node, &SMPDDescriptors::essentialProperties);
+    } else {
+        m->ReadDescriptor(node, m->info->essentialProperties.emplace_back());
+    }
+}
+
+void sm_CbSupplementalProperty(SState* m, void* node)
+{
+    if (m->Descriptors()) {
+        m->Add(node, &SMPDDescriptors::supplementalProperties);
+    } else {
+        m->ReadDescriptor(
+            node, (m->period ? m->period->supplementalProperties : m->info->supplementalProperties).emplace_back());
+    }
+}
+
+void sm_CbAudioChannelConfiguration(SState* m, void* node)
+{
+    m->Add(node, &SMPDDescriptors::audioChannelConfigurations);
+}
+
+void sm_CbUTCTiming(SState* m, void* node)
+{
+    if (m->period && Misplaced(node)) {
+        return;
+    }
+    m->ReadDescriptor(node, m->info->utcTimings.emplace_back());
+}
+
+void sm_CbRating(SState* m, void* node)
+{
+    std::pair<std::string, std::string> rating;
+    CNodeText::Attribute(node, "schemeIdUri").CopyTo(rating.first);
+    CNodeText::Attribute(node, "value").CopyTo(rating.second);
+    m->ratings.insert(std::move(rating));
+    m->Add(node, &SMPDDescriptors::ratings);
+}
 
 // A prefix that the document does not declare stays part of the name.
 constexpr vyr::SElementHandler<SState> k_handlers[] = {
-    {"Period", SState::sm_CbPeriod},
-    {"AdaptationSet", SState::sm_CbAdaptationSet},
-    {"Representation", SState::sm_CbRepresentation},
-    {"SegmentTemplate", SState::sm_CbSegmentTemplate},
-    {"SegmentList", SState::sm_CbSegmentList},
-    {"Initialization", SState::sm_CbInitialization},
-    {"SegmentURL", SState::sm_CbSegmentURL},
-    {"SegmentTimeline", SState::sm_CbSegmentTimeline},
-    {"S", SState::sm_CbS},
-    {"BaseURL", SState::sm_CbBaseURL},
-    {"ContentProtection", SState::sm_CbContentProtection},
-    {"pssh", SState::sm_CbPssh},
-    {"cenc:pssh", SState::sm_CbPssh},
-    {"Laurl", SState::sm_CbLaurl},
-    {"dashif:Laurl", SState::sm_CbLaurl},
-    {"laurl", SState::sm_CbLaurl},
-    {"dashif:laurl", SState::sm_CbLaurl},
-    {"Role", SState::sm_CbRole},
-    {"Accessibility", SState::sm_CbAccessibility},
-    {"EssentialProperty", SState::sm_CbEssentialProperty},
-    {"SupplementalProperty", SState::sm_CbSupplementalProperty},
-    {"AudioChannelConfiguration", SState::sm_CbAudioChannelConfiguration},
-    {"UTCTiming", SState::sm_CbUTCTiming},
-    {"Rating", SState::sm_CbRating},
-    {"Preselection", SState::sm_CbPreselection},
-    {"EventStream", SState::sm_CbEventStream},
+    {"Period", sm_CbPeriod},
+    {"AdaptationSet", sm_CbAdaptationSet},
+    {"Representation", sm_CbRepresentation},
+    {"SegmentTemplate", sm_CbSegmentTemplate},
+    {"SegmentList", sm_CbSegmentList},
+    {"Initialization", sm_CbInitialization},
+    {"SegmentURL", sm_CbSegmentURL},
+    {"SegmentTimeline", sm_CbSegmentTimeline},
+    {"S", sm_CbS},
+    {"BaseURL", sm_CbBaseURL},
+    {"ContentProtection", sm_CbContentProtection},
+    {"pssh", sm_CbPssh},
+    {"cenc:pssh", sm_CbPssh},
+    {"Laurl", sm_CbLaurl},
+    {"dashif:Laurl", sm_CbLaurl},
+    {"laurl", sm_CbLaurl},
+    {"dashif:laurl", sm_CbLaurl},
+    {"Role", sm_CbRole},
+    {"Accessibility", sm_CbAccessibility},
+    {"EssentialProperty", sm_CbEssentialProperty},
+    {"SupplementalProperty", sm_CbSupplementalProperty},
+    {"AudioChannelConfiguration", sm_CbAudioChannelConfiguration},
+    {"UTCTiming", sm_CbUTCTiming},
+    {"Rating", sm_CbRating},
+    {"Preselection", sm_CbPreselection},
+    {"EventStream", sm_CbEventStream},
 };
 
 bool SState::m_ProcessParse(void* root)
@@ -277,362 +609,6 @@ bool SState::m_ProcessParse(void* root)
 void SState::Walk(void* node)
 {
     vyr::DispatchChildren(this, k_handlers, node, "[CMPD::m_ProcessParseMPD] %s");
-}
-
-/// A text of the record, which lives as long as the record.
-const char* SState::Keep(const char* text, std::size_t length)
-{
-    char* copy = static_cast<char*>(texts.allocate(length + 1, 1));
-    std::memcpy(copy, text, length);
-    copy[length] = '\0';
-    return copy;
-}
-
-const char* SState::Keep(void* node, const char* name)
-{
-    const CNodeText text = CNodeText::Attribute(node, name);
-    return text.Found() ? Keep(text.Text(), std::strlen(text.Text())) : nullptr;
-}
-
-/// The text of an element without the white space around it; null when nothing is left.
-const char* SState::KeepUri(void* node)
-{
-    static constexpr char k_space[] = " \t\r\n";
-    const CNodeText text = CNodeText::Content(node);
-    if (!text.Found()) {
-        return nullptr;
-    }
-    const char* begin = text.Text() + std::strspn(text.Text(), k_space);
-    std::size_t length = std::strlen(begin);
-    while (length > 0 && std::strchr(k_space, begin[length - 1])) {
-        --length;
-    }
-    return length > 0 ? Keep(begin, length) : nullptr;
-}
-
-bool SState::Misplaced(void* node)
-{
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMPD::m_ProcessParseMPD] %s is out of place", vyr::NodeName(node));
-    return true;
-}
-
-SMPDAvailability ReadAvailability(void* node)
-{
-    SMPDAvailability availability;
-    vyr::ReadAttribute(node, "availabilityTimeOffset", availability.timeOffset);
-    vyr::ReadAttribute(node, "availabilityTimeComplete", availability.timeComplete);
-    return availability;
-}
-
-void SState::ReadMpd(void* node)
-{
-    info->id = Keep(node, "id");
-    info->profiles = Keep(node, "profiles");
-    const CNodeText type = CNodeText::Attribute(node, "type");
-    info->dynamic = type.Found() && std::strcmp(type.Text(), "dynamic") == 0;
-    info->availabilityStartTime = Seconds(node, "availabilityStartTime", vyr::ReadDateTime);
-    info->availabilityEndTime = Seconds(node, "availabilityEndTime", vyr::ReadDateTime);
-    info->publishTime = Seconds(node, "publishTime", vyr::ReadDateTime);
-    info->mediaPresentationDuration = Seconds(node, "mediaPresentationDuration", vyr::ReadDuration);
-    info->minimumUpdatePeriod = Seconds(node, "minimumUpdatePeriod", vyr::ReadDuration);
-    info->minBufferTime = Seconds(node, "minBufferTime", vyr::ReadDuration);
-    info->timeShiftBufferDepth = Seconds(node, "timeShiftBufferDepth", vyr::ReadDuration);
-    info->suggestedPresentationDelay = Seconds(node, "suggestedPresentationDelay", vyr::ReadDuration);
-}
-
-void SState::sm_CbPeriod(SState* m, void* node)
-{
-    if (m->period && Misplaced(node)) {
-        return;
-    }
-    SMPDPeriod& period = m->info->periods.emplace_back();
-    period.id = m->Keep(node, "id");
-    period.start = Seconds(node, "start", vyr::ReadDuration);
-    period.duration = Seconds(node, "duration", vyr::ReadDuration);
-    const vyr::CScoped<SMPDPeriod*> current(m->period, &period, nullptr);
-    m->Walk(node);
-}
-
-void SState::ReadCommon(void* node, SMPDCommon& common)
-{
-    common.profiles = Keep(node, "profiles");
-    common.width = Number(node, "width");
-    common.height = Number(node, "height");
-    common.sar = Keep(node, "sar");
-    common.frameRate = Keep(node, "frameRate");
-    common.audioSamplingRate = Keep(node, "audioSamplingRate");
-    common.mimeType = Keep(node, "mimeType");
-    common.codecs = Keep(node, "codecs");
-    common.startWithSAP = Number(node, "startWithSAP");
-    common.scanType = Keep(node, "scanType");
-    common.selectionPriority = Number(node, "selectionPriority");
-    common.tag = Keep(node, "tag");
-}
-
-void SState::sm_CbAdaptationSet(SState* m, void* node)
-{
-    if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
-        return;
-    }
-    SMPDAdaptationSet& set = m->period->adaptationSets.emplace_back();
-    m->ReadCommon(node, set);
-    set.id = m->Keep(node, "id");
-    set.group = Number(node, "group");
-    set.lang = m->Keep(node, "lang");
-    set.contentType = m->Keep(node, "contentType");
-    set.par = m->Keep(node, "par");
-    set.minBandwidth = Number(node, "minBandwidth");
-    set.maxBandwidth = Number(node, "maxBandwidth");
-    set.minWidth = Number(node, "minWidth");
-    set.maxWidth = Number(node, "maxWidth");
-    set.minHeight = Number(node, "minHeight");
-    set.maxHeight = Number(node, "maxHeight");
-    set.minFrameRate = m->Keep(node, "minFrameRate");
-    set.maxFrameRate = m->Keep(node, "maxFrameRate");
-    set.segmentAlignment = m->Keep(node, "segmentAlignment");
-    const vyr::CScoped<SMPDAdaptationSet*> current(m->set, &set, nullptr);
-    m->Walk(node);
-}
-
-void SState::sm_CbRepresentation(SState* m, void* node)
-{
-    if ((!m->set || m->representation) && Misplaced(node)) {
-        return;
-    }
-    SMPDRepresentation& representation = m->set->representations.emplace_back();
-    m->ReadCommon(node, representation);
-    representation.id = m->Keep(node, "id");
-    representation.bandwidth = Number(node, "bandwidth");
-    representation.qualityRanking = Number(node, "qualityRanking");
-    representation.dependencyId = m->Keep(node, "dependencyId");
-    const vyr::CScoped<SMPDRepresentation*> current(m->representation, &representation, nullptr);
-    m->Walk(node);
-}
-
-void SState::sm_CbPreselection(SState* m, void* node)
-{
-    if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
-        return;
-    }
-    SMPDPreselection& preselection = m->period->preselections.emplace_back();
-    preselection.id = m->Keep(node, "id");
-    preselection.preselectionComponents = m->Keep(node, "preselectionComponents");
-    preselection.lang = m->Keep(node, "lang");
-    preselection.order = m->Keep(node, "order");
-    const vyr::CScoped<SMPDPreselection*> current(m->preselection, &preselection, nullptr);
-    m->Walk(node);
-}
-
-void SState::sm_CbEventStream(SState* m, void* node)
-{
-    if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
-        return;
-    }
-    m->ReadDescriptor(node, m->period->eventStreams.emplace_back());
-}
-
-void SState::ReadSegments(void* node, SMPDSegments& values)
-{
-    values.timescale = Number(node, "timescale");
-    values.duration = Number(node, "duration");
-    values.startNumber = Number(node, "startNumber");
-    values.presentationTimeOffset = Number(node, "presentationTimeOffset");
-    values.availability = ReadAvailability(node);
-    const vyr::CScoped<SMPDSegments*> current(segments, &values, nullptr);
-    Walk(node);
-}
-
-void SState::sm_CbSegmentTemplate(SState* m, void* node)
-{
-    if ((!m->Level() || m->segments) && Misplaced(node)) {
-        return;
-    }
-    const auto segmentTemplate = std::make_shared<SMPDSegmentTemplate>();
-    segmentTemplate->media = m->Keep(node, "media");
-    segmentTemplate->index = m->Keep(node, "index");
-    segmentTemplate->initialization = m->Keep(node, "initialization");
-    m->ReadSegments(node, *segmentTemplate);
-    m->Level()->segmentTemplate = segmentTemplate;
-}
-
-void SState::sm_CbSegmentList(SState* m, void* node)
-{
-    if ((!m->Level() || m->segments) && Misplaced(node)) {
-        return;
-    }
-    const auto list = std::make_shared<SMPDSegmentList>();
-    const auto urls = std::make_shared<std::vector<SMPDSegmentURL>>();
-    const vyr::CScoped<SMPDSegmentList*> currentList(m->list, list.get(), nullptr);
-    const vyr::CScoped<std::vector<SMPDSegmentURL>*> currentUrls(m->urls, urls.get(), nullptr);
-    m->ReadSegments(node, *list);
-    if (!urls->empty()) {
-        list->urls = urls;
-    }
-    m->Level()->segmentList = list;
-}
-
-void SState::sm_CbInitialization(SState* m, void* node)
-{
-    if (!m->list && Misplaced(node)) {
-        return;
-    }
-    m->list->initialization = m->Keep(node, "sourceURL");
-    m->list->initializationRange = m->Keep(node, "range");
-}
-
-void SState::sm_CbSegmentURL(SState* m, void* node)
-{
-    if (!m->urls && Misplaced(node)) {
-        return;
-    }
-    SMPDSegmentURL& url = m->urls->emplace_back();
-    url.media = m->Keep(node, "media");
-    url.mediaRange = m->Keep(node, "mediaRange");
-    url.index = m->Keep(node, "index");
-    url.indexRange = m->Keep(node, "indexRange");
-}
-
-void SState::sm_CbSegmentTimeline(SState* m, void* node)
-{
-    if ((!m->segments || m->timeline) && Misplaced(node)) {
-        return;
-    }
-    const auto timeline = std::make_shared<std::vector<SMPDSegment>>();
-    m->nextStart = 0;
-    const vyr::CScoped<std::vector<SMPDSegment>*> current(m->timeline, timeline.get(), nullptr);
-    m->Walk(node);
-    m->segments->timeline = timeline;
-}
-
-void SState::sm_CbS(SState* m, void* node)
-{
-    if (!m->timeline && Misplaced(node)) {
-        return;
-    }
-    SMPDSegment& segment = m->timeline->emplace_back();
-    segment.t = Number(node, "t");
-    segment.n = Number(node, "n");
-    segment.d = CNodeText::Attribute(node, "d").LLong(0);
-    segment.r = CNodeText::Attribute(node, "r").LLong(0);
-    segment.k = CNodeText::Attribute(node, "k").LLong(1);
-    segment.t = segment.t != -1 ? segment.t : m->nextStart;
-    long long length = 0;
-    if (segment.t == -1 || segment.r < 0 || segment.d < 0 || __builtin_add_overflow(segment.r, 1, &length) ||
-        __builtin_mul_overflow(length, segment.d, &length) ||
-        __builtin_add_overflow(segment.t, length, &m->nextStart)) {
-        m->nextStart = -1;
-    }
-}
-
-void SState::sm_CbBaseURL(SState* m, void* node)
-{
-    if (const char* url = m->KeepUri(node)) {
-        SMPDSegmentInfo* level = m->Level();
-        (level ? level->baseUrls : m->info->baseUrls).push_back(url);
-        (level ? level->baseUrlAvailabilities : m->info->baseUrlAvailabilities).push_back(ReadAvailability(node));
-    }
-}
-
-void SState::ReadDescriptor(void* node, SMPDDescriptor& descriptor)
-{
-    descriptor.schemeIdUri = Keep(node, "schemeIdUri");
-    descriptor.value = Keep(node, "value");
-    descriptor.id = Keep(node, "id");
-}
-
-void SState::sm_CbContentProtection(SState* m, void* node)
-{
-    if ((!m->Descriptors() || m->protection) && Misplaced(node)) {
-        return;
-    }
-    SMPDContentProtection& protection = m->Descriptors()->contentProtections.emplace_back();
-    m->ReadDescriptor(node, protection);
-    protection.defaultKid = m->Keep(node, "default_KID");
-    if (!protection.defaultKid) {
-        protection.defaultKid = m->Keep(node, "cenc:default_KID");
-    }
-    const vyr::CScoped<SMPDContentProtection*> current(m->protection, &protection, nullptr);
-    m->Walk(node);
-}
-
-void SState::sm_CbPssh(SState* m, void* node)
-{
-    if (!m->protection && Misplaced(node)) {
-        return;
-    }
-    if (const char* pssh = m->KeepUri(node)) {
-        m->protection->pssh.push_back(pssh);
-    }
-}
-
-void SState::sm_CbLaurl(SState* m, void* node)
-{
-    if (!m->protection && Misplaced(node)) {
-        return;
-    }
-    const char* text = m->KeepUri(node);
-    if (const char* url = text ? text : m->Keep(node, "licenseUrl")) {
-        m->protection->licenceUrls.push_back(url);
-    }
-}
-
-void SState::Add(void* node, std::vector<SMPDDescriptor> SMPDDescriptors::*kind)
-{
-    if (!Descriptors() && Misplaced(node)) {
-        return;
-    }
-    ReadDescriptor(node, (Descriptors()->*kind).emplace_back());
-}
-
-void SState::sm_CbRole(SState* m, void* node)
-{
-    m->Add(node, &SMPDDescriptors::roles);
-}
-
-void SState::sm_CbAccessibility(SState* m, void* node)
-{
-    m->Add(node, &SMPDDescriptors::accessibilities);
-}
-
-void SState::sm_CbEssentialProperty(SState* m, void* node)
-{
-    if (m->period) {
-        m->Add(node, &SMPDDescriptors::essentialProperties);
-    } else {
-        m->ReadDescriptor(node, m->info->essentialProperties.emplace_back());
-    }
-}
-
-void SState::sm_CbSupplementalProperty(SState* m, void* node)
-{
-    if (m->Descriptors()) {
-        m->Add(node, &SMPDDescriptors::supplementalProperties);
-    } else {
-        m->ReadDescriptor(
-            node, (m->period ? m->period->supplementalProperties : m->info->supplementalProperties).emplace_back());
-    }
-}
-
-void SState::sm_CbAudioChannelConfiguration(SState* m, void* node)
-{
-    m->Add(node, &SMPDDescriptors::audioChannelConfigurations);
-}
-
-void SState::sm_CbUTCTiming(SState* m, void* node)
-{
-    if (m->period && Misplaced(node)) {
-        return;
-    }
-    m->ReadDescriptor(node, m->info->utcTimings.emplace_back());
-}
-
-void SState::sm_CbRating(SState* m, void* node)
-{
-    std::pair<std::string, std::string> rating;
-    CNodeText::Attribute(node, "schemeIdUri").CopyTo(rating.first);
-    CNodeText::Attribute(node, "value").CopyTo(rating.second);
-    m->ratings.insert(std::move(rating));
-    m->Add(node, &SMPDDescriptors::ratings);
 }
 
 }  // namespace

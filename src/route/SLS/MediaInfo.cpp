@@ -25,8 +25,8 @@ void Dump(const CMediaInfo::SMediaInfo& values)
 
 void sm_CbContentRating(SState* m, void* node)
 {
-    vyr::AddChild<CContentRating>(m->values.contentRatings, *m, node,
-                                  {"contentRating->Create()", "contentRating->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.contentRatings, *m, node,
+                  {"contentRating->Create()", "contentRating->Parse(root->t_xml.Doc(), cur)"});
 }
 
 constexpr vyr::SElementHandler<SState> k_handlers[] = {{"ContentRating", sm_CbContentRating}};

@@ -24,7 +24,7 @@ void sm_CbUSD(SState* m, void* node)
 
 void sm_CbName(SState* m, void* node)
 {
-    vyr::AddChild<CServiceName>(m->values.names, *m, node, {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.names, *m, node, {"name->Create()", "name->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbSvcLanguage(SState* m, void* node)
@@ -39,14 +39,14 @@ void sm_CbSvcLanguage(SState* m, void* node)
 
 void sm_CbDeliveryMethod(SState* m, void* node)
 {
-    vyr::AddChild<CDeliveryMethod>(m->values.deliveryMethods, *m, node,
-                                   {"deliveryMethod->Create()", "deliveryMethod->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.deliveryMethods, *m, node,
+                  {"deliveryMethod->Create()", "deliveryMethod->Parse(root->t_xml.Doc(), cur)"});
 }
 
 void sm_CbServiceLinkage(SState* m, void* node)
 {
-    vyr::AddChild<CServiceLinkage>(m->values.serviceLinkage, *m, node,
-                                   {"serviceLinkage->Create()", "serviceLinkage->Parse(root->t_xml.Doc(), cur)"});
+    vyr::AddChild(m->values.serviceLinkage, *m, node,
+                  {"serviceLinkage->Create()", "serviceLinkage->Parse(root->t_xml.Doc(), cur)"});
 }
 
 constexpr vyr::SElementHandler<SState> k_handlers[] = {
@@ -78,49 +78,11 @@ void SState::m_Dispatch(void* node)
 
 }  // namespace
 
-const char* CROUTEUsbd::GlobalServiceId() const
-{
-    return VYR_ASSERT(State(), "m") ? State()->globalServiceId : nullptr;
-}
-
-unsigned short CROUTEUsbd::ServiceId() const
-{
-    return VYR_ASSERT(State(), "m") ? State()->serviceId : 0;
-}
-
-bool CROUTEUsbd::ServiceStatus() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceStatus;
-}
+CROUTEUsbd::SROUTEUsbd::SROUTEUsbd() : SUsbd{nullptr, 0xFFFF, true} {}
 
 int CROUTEUsbd::NumOfDeliveryMethod() const
 {
     return VYR_ASSERT(State(), "m") ? State()->deliveryMethods.Size() : 0;
-}
-
-int CROUTEUsbd::LinkServiceId() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->LinkServiceId() : -1;
-}
-
-int CROUTEUsbd::ServiceCategory() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->ServiceCategory() : -1;
-}
-
-int CROUTEUsbd::LinkageType() const
-{
-    return !VYR_ASSERT(State(), "m") ? 0 : State()->serviceLinkage ? State()->serviceLinkage->LinkageType() : -1;
-}
-
-const char* CROUTEUsbd::ActivationTime() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceLinkage ? State()->serviceLinkage->ActivationTime() : nullptr;
-}
-
-const char* CROUTEUsbd::DeActivationTime() const
-{
-    return VYR_ASSERT(State(), "m") && State()->serviceLinkage ? State()->serviceLinkage->DeActivationTime() : nullptr;
 }
 
 vyr::SXmlKind CROUTEUsbd::t_Kind() const

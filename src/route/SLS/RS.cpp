@@ -16,9 +16,8 @@ struct SState : vyr::TXmlState<CRS::SRS> {
 
 void sm_CbLS(SState* m, void* node)
 {
-    vyr::AddChild<CLS>(m->values.ls, *m, node, {"ls->Create()", "ls->Parse(root->t_xml.Doc(), cur)"}, [m](CLS& ls) {
-        return VYR_CHECK(ls.SetCallback(&m->callback), "ls->SetCallback(&m->callback)");
-    });
+    vyr::AddChild(m->values.ls, *m, node, {"ls->Create()", "ls->Parse(root->t_xml.Doc(), cur)"},
+                  [m](CLS& ls) { return VYR_CHECK(ls.SetCallback(&m->callback), "ls->SetCallback(&m->callback)"); });
 }
 
 constexpr vyr::SElementHandler<SState> k_handlers[] = {{"LS", sm_CbLS}};

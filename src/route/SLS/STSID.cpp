@@ -14,8 +14,8 @@ struct SState : vyr::TXmlState<CSTSID::SSTSID> {
 
 void sm_CbRS(SState* m, void* node)
 {
-    vyr::AddChild<CRS>(m->values.routeSessions, *m, node, {"rs->Create()", "rs->Parse(root->t_xml.Doc(), cur)"},
-                       [m](CRS& rs) { return rs.SetCallback(&m->callback); });
+    vyr::AddChild(m->values.routeSessions, *m, node, {"rs->Create()", "rs->Parse(root->t_xml.Doc(), cur)"},
+                  [m](CRS& rs) { return rs.SetCallback(&m->callback); });
 }
 
 constexpr vyr::SElementHandler<SState> k_handlers[] = {{"RS", sm_CbRS}};

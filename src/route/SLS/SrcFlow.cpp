@@ -33,7 +33,7 @@ void sm_CbContentInfo(SState* m, void* node)
 
 void sm_CbEFDT(SState* m, void* node)
 {
-    vyr::AddChild<CEFDT>(
+    vyr::AddChild(
         m->values.efdts, *m, node, {"efdt->Create()", "efdt->Parse(root->t_xml.Doc(), cur)"},
         [m](CEFDT& efdt) { return VYR_CHECK(efdt.SetCallback(&m->callback), "efdt->SetCallback(&m->callback)"); });
 }
