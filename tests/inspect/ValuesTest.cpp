@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "MmtCaptures.h"
 #include "Packets.h"
 #include "Tool.h"
 

@@ -96,18 +96,18 @@ TEST_F(ParseCDTTest, TimesAsTheyAreGivenInEveryZone)
         {"America/New_York", "2027-07-01T12:00:00Z", "2027-07-01T12:00:00Z=1814443200.000000", 1814446801},
         {"UTC0", "2027-7-1", "2027-7-1=?", 1814400001},
     };
-    EXPECT_TRUE(!m_cdt.Given()->nextCertFrom && !m_cdt.Given()->ocspRefresh);
+    EXPECT_TRUE(!m_parser.Given()->nextCertFrom && !m_parser.Given()->ocspRefresh);
     for (const auto& test : k_cases) {
         setenv("TZ", test.zone, 1);
         tzset();
-        FeedXml(m_cdt, std::string("<CertificationData><CertReplacement NextCertFrom='") + test.time +
+        FeedXml(m_parser, std::string("<CertificationData><CertReplacement NextCertFrom='") + test.time +
                            "'/></CertificationData>");
-        EXPECT_EQ(Text(m_cdt.Given()->nextCertFrom), test.given) << test.zone;
+        EXPECT_EQ(Text(m_parser.Given()->nextCertFrom), test.given) << test.zone;
         std::string next;
         long long from = 0, until = 0;
-        EXPECT_TRUE(m_cdt.GetCertReplacement(next, from, until) && from == test.required && until == 0) << from;
+        EXPECT_TRUE(m_parser.GetCertReplacement(next, from, until) && from == test.required && until == 0) << from;
     }
-    EXPECT_EQ(Text(m_cdt.Given()->currentCertUntil), "-");
+    EXPECT_EQ(Text(m_parser.Given()->currentCertUntil), "-");
     static const struct {
         const char *element, *given;
         int seconds;
@@ -119,10 +119,10 @@ TEST_F(ParseCDTTest, TimesAsTheyAreGivenInEveryZone)
         {"<OCSPRefresh/>", "77=?", 77},
     };
     for (const auto& test : k_refreshes) {
-        FeedXml(m_cdt, std::string("<CertificationData>") + test.element + "</CertificationData>");
+        FeedXml(m_parser, std::string("<CertificationData>") + test.element + "</CertificationData>");
         int seconds = 0;
-        EXPECT_TRUE(m_cdt.GetOCSPRefresh(seconds) && seconds == test.seconds) << test.element << seconds;
-        EXPECT_EQ(Text(m_cdt.Given()->ocspRefresh), test.given);
+        EXPECT_TRUE(m_parser.GetOCSPRefresh(seconds) && seconds == test.seconds) << test.element << seconds;
+        EXPECT_EQ(Text(m_parser.Given()->ocspRefresh), test.given);
     }
 }
 

@@ -77,7 +77,7 @@ TEST_F(ParseSystemTimeTest, WhatEachTableGives)
          "- ptp - leap -- local 5=- ds - day - hour -"},
     };
     const auto given = [this] {
-        const CParseSystemTime::SGiven& g = *m_time.Given();
+        const CParseSystemTime::SGiven& g = *m_parser.Given();
         const std::string local =
             g.utcLocalOffset ? g.utcLocalOffset->text + "=" + Text(g.utcLocalOffset->seconds) : "-";
         return Text(g.currentUtcOffset) + " ptp " + Text(g.ptpPrepend) + " leap " + Text(g.leap59) + Text(g.leap61) +
@@ -88,7 +88,7 @@ TEST_F(ParseSystemTimeTest, WhatEachTableGives)
         After(table.attributes);
         EXPECT_EQ(given(), table.given);
     }
-    FeedXml(m_time, "<SLT currentUtcOffset='1'/>");
+    FeedXml(m_parser, "<SLT currentUtcOffset='1'/>");
     EXPECT_EQ(given(), k_tables[3].given);
     EXPECT_EQ(CParseSystemTime().Given(), nullptr);
 }

@@ -192,7 +192,7 @@ TEST_F(MPDTest, AvailabilityTimingAndProperties)
               "<SegmentTemplate availabilityTimeOffset='0'/><Representation><AudioChannelConfiguration value='6'/>"
               "</Representation></AdaptationSet><Preselection><AudioChannelConfiguration value='16'/></Preselection>"
               "</Period></MPD>"));
-    const SMPDInfo& info = *m_mpd.GetMPDInfo();
+    const SMPDInfo& info = *m_parser.GetMPDInfo();
     ASSERT_TRUE(info.utcTimings.size() == 1 && info.supplementalProperties.size() == 1);
     EXPECT_STREQ(info.utcTimings[0].value, "v");
     ASSERT_EQ(info.baseUrlAvailabilities.size(), 2u);

@@ -109,7 +109,7 @@ TEST_F(STSIDTest, WhatIsGivenAndWhatIsNot)
               "<Payload codePoint='0' formatId='300' frag='x' order='false' srcFecPayloadId='1'/><Payload/>"
               "<ContentInfo><MediaInfo startUp='false'/></ContentInfo></SrcFlow>"
               "<SrcFlow><ContentInfo><MediaInfo/></ContentInfo></SrcFlow></LS></RS></S-TSID>"));
-    const CLS::SLS& ls = *m_stsid.State()->routeSessions.Get(0)->State()->ls.Get(0)->State();
+    const CLS::SLS& ls = *m_parser.State()->routeSessions.Get(0)->State()->ls.Get(0)->State();
     EXPECT_EQ(ls.givenStartTime->seconds, 1814436000);
     EXPECT_TRUE(ls.givenEndTime->text == "soon" && !ls.givenEndTime->seconds);
     const CSrcFlow::SSrcFlow& flow = *ls.srcFlows.Get(0)->State();
