@@ -171,7 +171,7 @@ TEST_F(ParseSLTTest, DefaultsOfAbsentAttributes)
                 s.simulcastTsid == 0 && s.serviceCategory == 0 && !s.shortServiceName && !s.svcCapabilities &&
                 s.drmSystemID.empty() && !s.hasBroadcastSvcSignaling && !s.svcInetUrl.present && s.groupId == 0);
     EXPECT_TRUE(s.given == 0 && !*s.givenProtected && !s.hideInGuide && !s.configuration);
-    ParseService("majorChannelNo='0' serviceCategory='0'");  // given, and equal to the default
+    ParseService("serviceId='1' majorChannelNo='0' serviceCategory='0'");  // given, and equal to the default
     EXPECT_EQ(m_slt.GetServiceInfo(1)->given, unsigned{SService::GIVEN_MAJOR_CHANNEL | SService::GIVEN_CATEGORY});
     // Without signalling the map keeps its own defaults; with an empty one it gets zeros.
     unsigned int address = 0;

@@ -33,9 +33,9 @@ class VYR_API CLS : public CXmlElement {
         long long endTime = -1;          ///< likewise
         TOwnedArray<CSrcFlow> srcFlows;  ///< the last one counts, the EFDTs of all were reported
 
-        // Extension: the times as they are given, xs:dateTime; empty: not given.
-        std::optional<SGivenTime> givenStartTime;
-        std::optional<SGivenTime> givenEndTime;
+        // Extension: the times as they are given.
+        std::optional<SGivenTime> givenStartTime;  ///< xs:dateTime; empty: not given
+        std::optional<SGivenTime> givenEndTime;    ///< likewise
     };
 
     /// Copies the record; null takes it back. False before Create.

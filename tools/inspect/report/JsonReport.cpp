@@ -1,6 +1,5 @@
 #include "report/JsonReport.h"
 
-#include <nlohmann/json.hpp>
 
 #include "base/Json.h"
 #include "base/Names.h"
