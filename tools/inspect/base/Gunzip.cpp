@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace vyr::inspect {
 
@@ -45,12 +46,19 @@ bool Gunzip(SView bytes, std::size_t limit, std::vector<unsigned char>& out)
 
 std::uint64_t ContentHash(SView bytes)
 {
-    const bool gzip = bytes.size >= 8 && IsGzip(bytes);
-    std::uint64_t hash = 0xCBF29CE484222325u;
-    for (std::size_t i = 0; i < bytes.size; ++i) {
-        if (!gzip || i < 4 || i >= 8) {
-            hash = (hash ^ bytes[i]) * 0x100000001B3u;
+    constexpr std::size_t k_step = sizeof(std::uint64_t);
+    const bool gzip = bytes.size >= k_step && IsGzip(bytes);
+    std::uint64_t hash = 0xCBF29CE484222325u + bytes.size;
+    for (std::size_t at = 0; at < bytes.size; at += k_step) {
+        unsigned char step[k_step] = {};
+        std::memcpy(step, bytes.data + at, std::min(k_step, bytes.size - at));
+        if (gzip && at == 0) {
+            std::memset(step + 4, 0, 4);
         }
+        std::uint64_t word = 0;
+        std::memcpy(&word, step, sizeof word);
+        hash = (hash ^ word) * 0x9E3779B97F4A7C15u;
+        hash ^= hash >> 32;
     }
     return hash;
 }
