@@ -36,6 +36,19 @@ TEST(Inspect, APageThatCannotBeWritten)
     EXPECT_EQ(ReadFile(input.Name()), lineup) << "an input is never written over";
 }
 
+TEST(Inspect, NothingIsWrittenIntoAPageThatTookTheNumberOfAClosedStream)
+{
+    const CTemporary page;
+    const std::string command = Command("--log debug --progress --html '" + page.Name() + "' " + k_lineup);
+    for (const char* closed : {"<&-", ">&-", "2>&-", "<&- >&- 2>&-"}) {
+        const int status = std::system((command + ' ' + closed + " 2>/dev/null >/dev/null " + closed).c_str());
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << closed;
+        const std::string html = ReadFile(page.Name());
+        EXPECT_EQ(html.compare(0, 15, "<!DOCTYPE html>"), 0) << closed;
+        EXPECT_EQ(MarkupFault(html), "") << closed;
+    }
+}
+
 TEST(Inspect, InputsThatAreNone)
 {
     const struct {
