@@ -263,6 +263,21 @@ TJson EnvelopeJson(const std::vector<SEnvelopeItem>& items)
     return json;
 }
 
+TJson PartsJson(const std::vector<SPackagePart>& parts)
+{
+    TJson json = TJson::array();
+    for (const SPackagePart& part : parts) {
+        TJson entry = TJson::object();
+        PutText(entry, "Content-Type", part.contentType);
+        PutText(entry, "Content-Location", part.contentLocation);
+        entry["size"] = part.size;
+        PutList(entry, "readAs", part.readAs);
+        PutText(entry, "root", part.root);
+        json.push_back(std::move(entry));
+    }
+    return json;
+}
+
 void CJsonReport::Table(const STable& table)
 {
     m_output.Write(JsonLine(TableJson(table)));
@@ -288,6 +303,14 @@ void CJsonReport::Signalling(const SSignalling& signalling)
     json["gzip"] = signalling.gzip;
     PutText(json, "contentType", signalling.contentType);
     PutList(json, "metadataEnvelope", EnvelopeJson(signalling.items));
+    if (!signalling.parts.empty()) {
+        json["parts"] = PartsJson(signalling.parts);
+        PutNumber(json, "partsMore", signalling.moreParts, std::uint64_t{0});
+        json["partsEnded"] = signalling.partsEnded;
+    }
+    if (signalling.signature) {
+        json["signature"] = signalling.signature->json;
+    }
     for (const SSlsDocument& document : signalling.documents) {
         TJson entry = {{"name", DocumentName(document.kind)},
                        {"size", document.size},

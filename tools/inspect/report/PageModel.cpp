@@ -15,7 +15,8 @@ namespace {
 
 // Parts of a session, behind the kinds of documents.
 constexpr unsigned k_envelope = k_slsDocuments;
-constexpr unsigned k_messages = k_slsDocuments + 1;
+constexpr unsigned k_partsOf = k_slsDocuments + 1;
+constexpr unsigned k_messages = k_slsDocuments + 2;
 constexpr std::size_t k_mostGuide = 8388608;
 constexpr std::size_t k_longKey = 256;
 constexpr std::size_t k_longTitle = 96;
@@ -282,6 +283,21 @@ void CPageModel::Signalling(const SSignalling& signalling)
     if (envelope != nullptr) {
         m_Hold(*envelope, "<b>metadataEnvelope</b>", signalling.source,
                HtmlTree({{"item", EnvelopeJson(signalling.items)}}));
+    }
+    SPart* parts = signalling.parts.empty() ? nullptr : m_Part(*session, {k_partsOf});
+    if (parts != nullptr) {
+        const std::string more =
+            signalling.moreParts != 0 ? ", and " + Counted(signalling.moreParts, "part") + " more" : std::string();
+        m_Hold(*parts,
+               "<b>Parts of the package</b>" + more +
+                   (signalling.partsEnded ? std::string() : ' ' + HtmlBadge("bad", "the last boundary is missing")),
+               signalling.source, HtmlTree({{"part", PartsJson(signalling.parts)}}));
+    }
+    SPart* signature = signalling.signature ? m_Find(t_certificates, {file, signalling.session, "package"}) : nullptr;
+    if (signature != nullptr) {
+        m_Hold(*signature,
+               "signature of the package" + (signalling.session.empty() ? "" : HtmlText(" on " + signalling.session)),
+               signalling.source, HtmlTree({{"signature", signalling.signature->json}}));
     }
 }
 
