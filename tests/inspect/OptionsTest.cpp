@@ -16,6 +16,7 @@
 #include "Markup.h"
 #include "MmtCaptures.h"
 #include "Tool.h"
+#include "support/Gzip.h"
 
 namespace {
 
@@ -53,8 +54,26 @@ TEST(Inspect, InputsThatAreNone)
          "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
         {"text", "inspect/cut.txt", "", 1,
          "inspect/cut.txt: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
-        {"other XML", "-", "<SLT/>", 1, "-: not a capture, not an LLS table, not signalling and not a service guide",
+        {"other XML", "-", "<!-- <SLT/> --><a:\x9b x='<DWD/>'/>", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide: its root element is "
+         "\"a:\\x9B\"",
          "input-unknown"},
+        {"a table without its header", "-", "<?xml version='1.0'?><!-- > -->\n<a:SLT/>", 1,
+         "-: a service list table (SLT) without its LLS header: a table is read behind the four bytes that name it, "
+         "its group and its version",
+         "input-unknown"},
+        {"a document that nobody reads", "-", Gzip("\xEF\xBB\xBF<DWD>"), 1,
+         "-: a distribution window description (DWD), which the tool does not read", "input-unknown"},
+        {"a name that only begins so", "-", "<DWDs/>", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide: its root element is \"DWDs\"",
+         "input-unknown"},
+        {"a document that is read without a prefix", "-", "<x:MPD/>", 1,
+         "-: an MPD, whose name has a prefix: it is looked for without one", "input-unknown"},
+        {"a playlist", "-", "#EXTM3U\n", 1, "-: an HLS playlist, which the tool does not read", "input-unknown"},
+        {"nearly a playlist", "-", "#EXTM3\n", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
+        {"no root element", "-", "<!-- <DWD/>", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
         {"damaged gzip", "-", "\x1F\x8B\x08?", 1,
          "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
         {"too much signalling", "-", std::string(1048577, ' '), 1,

@@ -137,7 +137,9 @@ TEST_F(SlsFollower, PartsThatAreNotRead)
         << "told of once";
     EXPECT_EQ(m_Take(6, package("b", "")),
               TLines({"changed", "note: item-without-part", "note: part-without-item", "note: object-not-read"}));
-    EXPECT_EQ(m_Take(7, "<DWD/>"), TLines({"fault: object-not-read"}));
+    EXPECT_EQ(m_Take(7, "<DWD/>"), TLines({"note: object-not-read"}));
+    EXPECT_EQ(m_Take(8, "<DWDs/>"), TLines({"fault: object-not-read"}));
+    EXPECT_EQ(m_Take(9, "<SLT/>"), TLines({"fault: object-not-read"})) << "which does not belong here";
 }
 
 TEST_F(SlsFollower, RemembersABoundedNumberOfObjects)

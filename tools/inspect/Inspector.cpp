@@ -5,11 +5,13 @@
 #include <stdexcept>
 #include <vector>
 
+#include "base/Gunzip.h"
 #include "base/Text.h"
 #include "content/Genres.h"
 #include "content/LibraryPort.h"
 #include "content/LlsTables.h"
 #include "content/MessageHead.h"
+#include "content/Roots.h"
 #include "follow/GuideSessions.h"
 #include "follow/MessageFollower.h"
 #include "follow/MmtFollower.h"
@@ -47,6 +49,18 @@ bool IsMessageAndNoTable(SView bytes)
     const bool table = ParseTable({bytes[0], bytes[1], bytes[2], bytes[3]}, bytes).content.has_value();
     TakeAssertions();
     return !table;
+}
+
+/// Of a text that is nothing which is read by itself.
+std::string WhatItIs(SView bytes)
+{
+    std::vector<unsigned char> inflated;
+    if (Gunzip(bytes, CSlsFollower::k_maxPackage, inflated)) {
+        bytes = {inflated.data(), inflated.size()};
+    }
+    const std::string known = KnownDocument(bytes).text;
+    const std::string root = RootElement(bytes);
+    return !known.empty() ? known : k_unknown + (root.empty() ? "" : ": its root element is " + Quoted(root));
 }
 
 }  // namespace
@@ -249,7 +263,7 @@ void CInspector::m_SlsFile(SView bytes, const std::string& name)
     const SFollowed followed;
     CSlsFollower follower(followed, m_report);
     if (!follower.Take({}, bytes, {name, 0, {}})) {
-        throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
+        throw CInputError(EFault::INPUT_UNKNOWN, WhatItIs(bytes));
     }
     ++m_report.Summary().slsFiles;
 }

@@ -6,6 +6,7 @@
 #include "base/Gunzip.h"
 #include "base/Text.h"
 #include "content/LibraryPort.h"
+#include "content/Roots.h"
 
 namespace vyr::inspect {
 
@@ -63,7 +64,10 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     const std::vector<SSlsText> texts = FindSlsDocuments(text);
     SPackage package = ReadPackage(text, texts);
     if (texts.empty() && !package.hasEnvelope) {
-        return m_NotRead(toi, " holds no signalling document", source);
+        const SKnownDocument document = KnownDocument(text);
+        return m_NotRead(toi,
+                         " holds no signalling document" + (document.text.empty() ? "" : ": it is " + document.text),
+                         source, document.signalling);
     }
     TakeAssertions();
     std::string envelopeReason;
