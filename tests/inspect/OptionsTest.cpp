@@ -170,6 +170,16 @@ TEST(Inspect, GuideInLocalTimeWithNamesOfGenres)
     EXPECT_NE(local.out.find("\n      01:30  03:30     Late news"), std::string::npos) << "midnight is elsewhere";
     EXPECT_NE(local.out.find("News at night"), std::string::npos);
     EXPECT_EQ(utc.out, ReadFile(VYR_TEST_DATA "/inspect/guide-unit.txt"));
+    std::string scheme = ReadFile(genres.Name());
+    scheme.insert(scheme.find("</Term>"), 8388608 - scheme.size(), ' ');
+    const CTemporary largest(scheme);
+    EXPECT_EQ(Inspect("--genres '" + largest.Name() + "' -", guide::WholeUnit()).err, "");
+    const CTemporary tooLarge(scheme + ' ');
+    const SResult refused = Inspect("--genres '" + tooLarge.Name() + "' -", guide::WholeUnit());
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(refused.err, "vyr-atsc30-inspect: " + tooLarge.Name() +
+                               ": larger than any classification scheme: more than 8388608 bytes\n");
+    EXPECT_EQ(Inspect("--genres /dev/zero -", guide::WholeUnit()).status, 2);
     const SResult none = Inspect("--genres missing.xml -", guide::WholeUnit());
     EXPECT_EQ(none.status, 2);
     EXPECT_EQ(none.err, "vyr-atsc30-inspect: missing.xml: not a classification scheme\n");

@@ -71,9 +71,9 @@ CInspector::CInspector(const SOptions& options, CReport& report, const COutput& 
     InstallPlatform(options.log, options.settings);
     TCParseLLS::SetDecompressLLS(true);
     m_channelMap.Create();
-    if (!options.genres.empty() && !ReadGenres(options.genres)) {
+    if (const std::string wrong = options.genres.empty() ? std::string() : ReadGenres(options.genres); !wrong.empty()) {
         m_channelMap.Destroy();
-        throw std::runtime_error(Printable(options.genres) + ": not a classification scheme");
+        throw std::runtime_error(Printable(options.genres) + ": " + wrong);
     }
 }
 
