@@ -150,6 +150,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             });
     }
     SSource source = {name, 0, {}};
+    SInputTimes times = {name, {}, {}};
     TDestinations destinations;
     bool sessionsCaptured = false;
     CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) {
@@ -168,6 +169,9 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         }
     });
     const auto finish = [&] {
+        if (times.first) {
+            m_report.Summary().times.push_back(times);
+        }
         decoder.Finish();
         AddCounts(m_report.Summary().packets, decoder.Counts());
         for (const auto& [stream, follower] : followers) {
@@ -198,6 +202,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         while (!m_output.Ended() && input.Next(packet)) {
             ++source.packet;
             source.time = packet.time;
+            times.Add(packet.time);
             decoder.Decode(packet.bytes, packet.cut);
             m_progress.Show(name, source.packet);
         }

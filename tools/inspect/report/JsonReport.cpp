@@ -19,6 +19,11 @@ TJson Object(const char* type)
     return {{"schema_version", k_schemaVersion}, {"type", type}};
 }
 
+std::string TimeJson(const STime& time)
+{
+    return InstantText(time.seconds, time.nanoseconds, 6);
+}
+
 TJson SourceJson(const SSource& source)
 {
     TJson json = {{"file", source.file}};
@@ -26,7 +31,7 @@ TJson SourceJson(const SSource& source)
         json["packet"] = source.packet;
     }
     if (source.time) {
-        json["time"] = InstantText(source.time->seconds, source.time->nanoseconds, 6);
+        json["time"] = TimeJson(*source.time);
     }
     return json;
 }
@@ -118,6 +123,14 @@ struct SPutCount {
             TJson& table = array.emplace_back(TJson::object());
             PutNamed(table, "LLS_table_id", tableId, TableName(tableId));
             STableCounts::Each(counts, SPutCount{table});
+        }
+    }
+
+    void operator()(const char* name, const std::vector<SInputTimes>& times) const
+    {
+        TJson& array = json[name] = TJson::array();
+        for (const SInputTimes& input : times) {
+            array.push_back({{"file", input.file}, {"first", TimeJson(*input.first)}, {"last", TimeJson(*input.last)}});
         }
     }
 

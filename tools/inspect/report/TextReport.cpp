@@ -386,6 +386,11 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
     if (summary.guideFiles != 0) {
         rows.back().back() += ", " + Counted(summary.guideFiles, "guide file");
     }
+    for (const SInputTimes& times : summary.times) {
+        rows.push_back({"time", (summary.inputs > 1 ? Printable(times.file) + ": " : "") +
+                                    InstantText(times.first->seconds, times.first->nanoseconds) + " to " +
+                                    InstantText(times.last->seconds, times.last->nanoseconds)});
+    }
     if (summary.captures != 0) {
         rows.push_back({"packets", PacketsText(summary.packets)});
         rows.push_back({"UDP", Counted(summary.packets.datagrams, "datagram") + ", " +
