@@ -37,6 +37,22 @@ TEST(Inspect, APageThatCannotBeWritten)
     EXPECT_EQ(ReadFile(input.Name()), lineup) << "an input is never written over";
 }
 
+TEST(Inspect, ThePageTellsOfItsRun)
+{
+    const CTemporary page;
+    const std::string arguments = "--set 'a b=1' -q --html '" + page.Name() + "' " + k_lineup;
+    const std::string foot = "<p><bdi>vyr-atsc30-inspect --set &#39;a b=1&#39; -q --html " + page.Name() + ' ' +
+                             k_lineup + "</bdi></p></footer>";
+    for (const char* epoch : {"1800000000", "1800000000x", ""}) {
+        setenv("SOURCE_DATE_EPOCH", epoch, 1);
+        Inspect(arguments);
+        unsetenv("SOURCE_DATE_EPOCH");
+        const std::string html = ReadFile(page.Name());
+        EXPECT_NE(html.find(foot), std::string::npos);
+        EXPECT_EQ(html.find(", 2027-01-15T08:00:00Z</p>") != std::string::npos, epoch == std::string("1800000000"));
+    }
+}
+
 TEST(Inspect, InputsThatAreNone)
 {
     const struct {
