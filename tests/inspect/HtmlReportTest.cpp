@@ -121,6 +121,115 @@ TEST(HtmlReport, AlertsThatAreGoneStay)
               2u);
 }
 
+TEST(HtmlReport, LeavesOutWhatIsEmptyAndNamesInputs)
+{
+    CHtmlReport empty;
+    empty.Summary({});
+    EXPECT_EQ(Count(empty.Page(), "<section"), 1u);
+    EXPECT_EQ(Count(empty.Page(), "<li>"), 1u) << "nor is it in the contents";
+    EXPECT_NE(empty.Page().find("1970-01-01T00:00:00Z</p></footer>"), std::string::npos);
+
+    STable list;
+    list.source = {"a/" + std::string(300, 'a') + ".pcap", 1, STime{1800000000, 5}};
+    list.stream = "224.0.23.60:4937";
+    list.header = {1, 0, 0, 1};
+    list.parserExists = true;
+    CHtmlReport refused(false, {"inspect '<b>'", 1800000000});
+    refused.Table(list);
+    SSummary summary;
+    summary.times = {{list.source.file, STime{1800000000, 0}, STime{1800000009, 0}}};
+    refused.Summary(summary);
+    const std::string& page = refused.Page();
+    EXPECT_NE(page.find("1 service list came and did not parse"), std::string::npos);
+    EXPECT_NE(page.find("<p class=\"muted\">2027-01-15T08:00:00.000Z to 2027-01-15T08:00:09.000Z</p></header>"),
+              std::string::npos);
+    EXPECT_NE(page.find(", 2027-01-15T08:00:00Z</p><p><bdi>inspect &#39;&lt;b&gt;&#39;</bdi></p></footer>"),
+              std::string::npos);
+    EXPECT_EQ(MarkupFault(page), "");
+
+    SParseSLT::SService service;
+    service.serviceId = 7;
+    list.slt.emplace().services.push_back({service, {}});
+    for (const char* second : {"", "b.pcap"}) {
+        CHtmlReport report;
+        report.Table(list);
+        SFault fault = {EFault::NO_SLT, "", {*second != '\0' ? second : list.source.file, 0, {}}};
+        report.Fault(fault);
+        report.Summary({});
+        EXPECT_EQ(report.Page().find("did not parse"), std::string::npos);
+        EXPECT_EQ(Count(report.Page(), "<b>7</b> <bdi>-</bdi> <small>\u00b7 <bdi>a/aaa"), *second != '\0' ? 1u : 0u);
+        EXPECT_EQ(MarkupFault(report.Page()), "");
+    }
+}
+
+TEST(HtmlReport, ComponentsOfAService)
+{
+    SSignalling signalling;
+    signalling.source = {"a.pcap", 1, {}};
+    signalling.session = "1.2.3.4:5";
+    const auto add = [&](ESlsDocument kind, const TJson& json) {
+        SSlsDocument& document = signalling.documents.emplace_back();
+        document.kind = kind;
+        document.content.emplace().json = json;
+    };
+    const auto lct = [](int tsi, const char* content, const TJson& media) {
+        TJson flow = {{"ContentInfo", {{"contentId", content}}}};
+        if (!media.is_null()) {
+            flow["ContentInfo"]["MediaInfo"] = media;
+        }
+        return TJson({{"tsi", tsi}, {"bw", 90 + tsi}, {"SrcFlow", TJson::array({flow})}});
+    };
+    add(ESlsDocument::STSID,
+        {{"RS",
+          {{{"dIpAddr", "1.2.3.4"},
+            {"dPort", 5},
+            {"LS", {lct(1, "v", nullptr), lct(2, "v", {{"repId", "a"}, {"lang", "de"}, {"contentType", "audio"}})}}},
+           {{"LS", {lct(3, "V", nullptr), {{"tsi", 4}}}}}}}});
+    const TJson video = {{"codecs", "avc1"}, {"Representation", {{{"id", "v"}, {"bandwidth", 7}}}}};
+    const TJson audio = {
+        {"lang", "en"},
+        {"contentType", "audio"},
+        {"Representation", {{{"id", "a"}, {"codecs", "<ac-4>"}}, {{"id", "net"}, {"codecs", "mp4a"}}}}};
+    const TJson period = {{"AdaptationSet", {video, audio}}};
+    add(ESlsDocument::MPD, {{"Period", {period, period}}});
+    CHtmlReport report;
+    report.Signalling(signalling);
+    report.Summary({});
+    const std::string& page = report.Page();
+    const std::size_t at = page.find("<h4>Components</h4>");
+    std::string rows;
+    bool markup = false;
+    for (const char c : page.substr(at, page.find("</table>", at) - at)) {
+        markup = c == '<' || markup;
+        rows += markup ? "" : std::string(1, c);
+        rows += c == '>' && rows.back() != '|' ? "|" : "";
+        markup = c != '>' && markup;
+    }
+    EXPECT_EQ(rows,
+              "|Components|TSI|address|kbit/s|type|codec|bit/s|language|representation|"
+              "1|1.2.3.4:5|91|avc1|7|v|2|1.2.3.4:5|92|audio|&lt;ac-4&gt;|en|a|3|93|4|audio|mp4a|en|net|");
+    EXPECT_EQ(MarkupFault(page), "");
+    // What holds counts: a presentation that does not parse has no representations.
+    signalling.documents[1].content.reset();
+    report.Signalling(signalling);
+    report.Summary({});
+    EXPECT_EQ(report.Page().find("avc1"), std::string::npos);
+    // Not more rows than the page takes, however they are joined.
+    TJson many = {{"RS", TJson::array({{{"LS", TJson::array()}}})}};
+    TJson same = {{"Representation", TJson::array()}};
+    for (int i = 0; i < 300; ++i) {
+        many["RS"][0]["LS"].push_back(lct(i, "v", nullptr));
+        same["Representation"].push_back({{"id", "v"}, {"bandwidth", i}});
+    }
+    signalling.documents.clear();
+    add(ESlsDocument::STSID, many);
+    add(ESlsDocument::MPD, {{"Period", {{{"AdaptationSet", TJson::array({same})}}}}});
+    report.Signalling(signalling);
+    report.Summary({});
+    EXPECT_NE(report.Page().find("and 39800 components more"), std::string::npos);
+    EXPECT_EQ(MarkupFault(report.Page()), "");
+}
+
 TEST(HtmlReport, HoldsNoMoreThanItsLimits)
 {
     CHtmlReport report;
@@ -281,6 +390,7 @@ TEST_F(HtmlPage, InABrowser)
     report.Table(Alert(1, {"A", k_hostile}, std::string(300, 'W')));
     report.Guide(Guide());
     report.Fault({EFault::NO_SIGNALLING, k_hostile, {"a.pcap", 7, {}}});
+    report.Fault({EFault::NO_SIGNALLING, k_hostile, {"long/" + std::string(200, 'p'), 7, {}}});
     SSummary summary;
     summary.faults = summary.faultsByCode[EFault::NO_SIGNALLING] = 1;
     report.Summary(summary);
@@ -299,8 +409,11 @@ TEST_F(HtmlPage, InABrowser)
             const bool wide = i % 2 == 1;
             EXPECT_EQ(page["width"], wide ? 1280 : 360);
             EXPECT_LE(page["scrollWidth"], page["width"]) << "nothing scrolls sideways but tables in their own place";
-            EXPECT_EQ(page["sections"],
-                      "overview services guide alerts signalling tables certificates problems changes");
+            EXPECT_EQ(page["sections"], i < 2 ? "overview guide alerts tables problems changes"
+                                              : "overview services signalling tables certificates changes");
+            EXPECT_EQ(page["overrun"], "") << "no text leaves its cell";
+            EXPECT_EQ(page["shadowless"], 0) << "what scrolls shows that it does";
+            EXPECT_EQ(page["scrolling"] > 0, i == 2) << "a phone shows the services of the capture so";
             EXPECT_EQ(page["active"], 0) << "scripts, images, frames, forms, handlers";
             EXPECT_EQ(page["brokenLinks"], 0);
             EXPECT_EQ(page["doubleIds"], 0);

@@ -418,6 +418,27 @@ TEST(Inspect, EveryFormOfCapture)
     }
 }
 
+TEST(Inspect, TimesOfEveryInput)
+{
+    // Two packets in the wrong order, one without a time between them.
+    const std::string one = CCapture(1).AddLls(Slt(Service(1), 1)).AddLls(Slt(Service(1), 1)).Bytes();
+    const std::string packet = one.substr(24, (one.size() - 24) / 2);
+    const std::string untimed = std::string(8, '\0') + packet.substr(8);
+    const CTemporary mixed(one.substr(0, 24) + one.substr(24 + packet.size()) + untimed + packet);
+    const CTemporary none(one.substr(0, 24) + untimed);
+    const CTemporary raw(Slt(Service(1), 1));
+    const std::string names = '\'' + mixed.Name() + "' '" + none.Name() + "' '" + raw.Name() + '\'';
+    const nlohmann::json summary = Lines(Inspect("--json " + names).out).back();
+    const nlohmann::json expected = {
+        {{"file", mixed.Name()}, {"first", "2027-01-15T08:00:00.000000Z"}, {"last", "2027-01-15T08:00:00.250000Z"}}};
+    EXPECT_EQ(summary["times"], expected);
+    EXPECT_NE(Inspect(names).out.find("\n  time      " + mixed.Name() +
+                                      ": 2027-01-15T08:00:00.000Z to 2027-01-15T08:00:00.250Z\n"),
+              std::string::npos);
+    const std::string alone = Inspect("-", one).out;
+    EXPECT_NE(alone.find("\n  time      2027-01-15T08:00:00.000Z to"), std::string::npos) << alone;
+}
+
 TEST(Inspect, RawMessages)
 {
     const std::string mpt = MmtMessage(0x20, 16, MmtMpTable(0x20));

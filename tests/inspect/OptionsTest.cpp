@@ -16,6 +16,7 @@
 #include "Markup.h"
 #include "MmtCaptures.h"
 #include "Tool.h"
+#include "support/Gzip.h"
 
 namespace {
 
@@ -49,6 +50,22 @@ TEST(Inspect, NothingIsWrittenIntoAPageThatTookTheNumberOfAClosedStream)
     }
 }
 
+TEST(Inspect, ThePageTellsOfItsRun)
+{
+    const CTemporary page;
+    const std::string arguments = "--set 'a b=1' -q --html '" + page.Name() + "' " + k_lineup;
+    const std::string foot = "<p><bdi>vyr-atsc30-inspect --set &#39;a b=1&#39; -q --html " + page.Name() + ' ' +
+                             k_lineup + "</bdi></p></footer>";
+    for (const char* epoch : {"1800000000", "1800000000x", ""}) {
+        setenv("SOURCE_DATE_EPOCH", epoch, 1);
+        Inspect(arguments);
+        unsetenv("SOURCE_DATE_EPOCH");
+        const std::string html = ReadFile(page.Name());
+        EXPECT_NE(html.find(foot), std::string::npos);
+        EXPECT_EQ(html.find(", 2027-01-15T08:00:00Z</p>") != std::string::npos, epoch == std::string("1800000000"));
+    }
+}
+
 TEST(Inspect, InputsThatAreNone)
 {
     const struct {
@@ -66,8 +83,26 @@ TEST(Inspect, InputsThatAreNone)
          "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
         {"text", "inspect/cut.txt", "", 1,
          "inspect/cut.txt: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
-        {"other XML", "-", "<SLT/>", 1, "-: not a capture, not an LLS table, not signalling and not a service guide",
+        {"other XML", "-", "<!-- <SLT/> --><a:\x9b x='<DWD/>'/>", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide: its root element is "
+         "\"a:\\x9B\"",
          "input-unknown"},
+        {"a table without its header", "-", "<?xml version='1.0'?><!-- > -->\n<a:SLT/>", 1,
+         "-: a service list table (SLT) without its LLS header: a table is read behind the four bytes that name it, "
+         "its group and its version",
+         "input-unknown"},
+        {"a document that nobody reads", "-", Gzip("\xEF\xBB\xBF<DWD>"), 1,
+         "-: a distribution window description (DWD), which the tool does not read", "input-unknown"},
+        {"a name that only begins so", "-", "<DWDs/>", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide: its root element is \"DWDs\"",
+         "input-unknown"},
+        {"a document that is read without a prefix", "-", "<x:MPD/>", 1,
+         "-: an MPD, whose name has a prefix: it is looked for without one", "input-unknown"},
+        {"a playlist", "-", "#EXTM3U\n", 1, "-: an HLS playlist, which the tool does not read", "input-unknown"},
+        {"nearly a playlist", "-", "#EXTM3\n", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
+        {"no root element", "-", "<!-- <DWD/>", 1,
+         "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
         {"damaged gzip", "-", "\x1F\x8B\x08?", 1,
          "-: not a capture, not an LLS table, not signalling and not a service guide", "input-unknown"},
         {"too much signalling", "-", std::string(1048577, ' '), 1,
@@ -164,6 +199,16 @@ TEST(Inspect, GuideInLocalTimeWithNamesOfGenres)
     EXPECT_NE(local.out.find("\n      01:30  03:30     Late news"), std::string::npos) << "midnight is elsewhere";
     EXPECT_NE(local.out.find("News at night"), std::string::npos);
     EXPECT_EQ(utc.out, ReadFile(VYR_TEST_DATA "/inspect/guide-unit.txt"));
+    std::string scheme = ReadFile(genres.Name());
+    scheme.insert(scheme.find("</Term>"), 8388608 - scheme.size(), ' ');
+    const CTemporary largest(scheme);
+    EXPECT_EQ(Inspect("--genres '" + largest.Name() + "' -", guide::WholeUnit()).err, "");
+    const CTemporary tooLarge(scheme + ' ');
+    const SResult refused = Inspect("--genres '" + tooLarge.Name() + "' -", guide::WholeUnit());
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(refused.err, "vyr-atsc30-inspect: " + tooLarge.Name() +
+                               ": larger than any classification scheme: more than 8388608 bytes\n");
+    EXPECT_EQ(Inspect("--genres /dev/zero -", guide::WholeUnit()).status, 2);
     const SResult none = Inspect("--genres missing.xml -", guide::WholeUnit());
     EXPECT_EQ(none.status, 2);
     EXPECT_EQ(none.err, "vyr-atsc30-inspect: missing.xml: not a classification scheme\n");

@@ -26,7 +26,10 @@ class CRecordingWriter : public IReportWriter {
         lines.push_back(line);
     }
     void Message(const SMessage&) override {}
-    void Fault(const SFault& fault) override { lines.push_back(std::string("fault: ") + FaultName(fault.code)); }
+    void Fault(const SFault& fault) override
+    {
+        lines.push_back(std::string(fault.note ? "note: " : "fault: ") + FaultName(fault.code));
+    }
     void GuideObject(const SGuideObject&) override {}
     void Guide(const SGuide&) override {}
     void Summary(const SSummary&) override {}
@@ -113,6 +116,30 @@ TEST_F(SlsFollower, NothingOfAnEarlierPackageIsShownAgain)
     EXPECT_EQ(m_Take(5, longest), TLines({"changed; S-TSID changed"}));
     EXPECT_EQ(m_Take(6, " " + longest.substr(0, 8) + ' ' + longest.substr(8)),
               TLines({"changed; S-TSID changed refused", "fault: document-not-parsed"}));
+}
+
+TEST_F(SlsFollower, PartsThatAreNotRead)
+{
+    const auto package = [](const std::string& location, const std::string& more) {
+        return "Content-Type: multipart/related; boundary=x\n\n--x\n\n<metadataEnvelope><item metadataURI='a'/>"
+               "</metadataEnvelope>\n--x\nContent-Location: " +
+               location + "\n\n<DWD/>\n" + more + "--x--\n";
+    };
+    const std::string mpd = "--x\nContent-Location: a\n\n" + k_mpd;
+    EXPECT_EQ(m_Take(1, package("a", "")), TLines({"new", "note: object-not-read"}));
+    EXPECT_EQ(m_Take(1, package("a", "")), TLines());
+    EXPECT_EQ(m_Take(2, package("a", mpd)), TLines({"changed; MPD new"}));
+    EXPECT_EQ(m_Take(3, package("a ", mpd)), TLines({"new-version-same-content; MPD unchanged same"}));
+    EXPECT_EQ(m_Take(4, package("b", "--x\n\n#EXTM3U\n" + mpd)),
+              TLines({"changed; MPD unchanged same", "note: part-without-item"}))
+        << "a playlist is new";
+    EXPECT_EQ(m_Take(5, package("b", "--x\n\n#EXTM3V\n" + mpd)), TLines({"changed; MPD unchanged same"}))
+        << "told of once";
+    EXPECT_EQ(m_Take(6, package("b", "")),
+              TLines({"changed", "note: item-without-part", "note: part-without-item", "note: object-not-read"}));
+    EXPECT_EQ(m_Take(7, "<DWD/>"), TLines({"note: object-not-read"}));
+    EXPECT_EQ(m_Take(8, "<DWDs/>"), TLines({"fault: object-not-read"}));
+    EXPECT_EQ(m_Take(9, "<SLT/>"), TLines({"fault: object-not-read"})) << "which does not belong here";
 }
 
 TEST_F(SlsFollower, RemembersABoundedNumberOfObjects)

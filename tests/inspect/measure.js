@@ -41,6 +41,11 @@ function box(element) {
   return Math.round((place.left - 1 - hour.left) / minute) + '+' + Math.round((place.width + 2) / minute) + '/' + lane;
 }
 
+function scrolling(page) {
+  return [...page.querySelectorAll('body *')].filter(element => element.scrollWidth > element.clientWidth + 1 &&
+    element.ownerDocument.defaultView.getComputedStyle(element).overflowX === 'auto');
+}
+
 function measure(frame) {
   const view = frame.contentWindow;
   const page = frame.contentDocument;
@@ -57,6 +62,11 @@ function measure(frame) {
     contrast: contrast(view, page),
     dark: luminance(background(view, page.body)) < 0.2,
     boxes: shown.map(box).join(' '),
+    overrun: [...page.querySelectorAll('td,th,dd,dt')].filter(cell => cell.getClientRects().length &&
+      cell.scrollWidth > cell.clientWidth + 1).map(cell => cell.textContent.slice(0, 40)).join('|'),
+    scrolling: scrolling(page).length,
+    shadowless: scrolling(page).filter(
+      element => view.getComputedStyle(element).backgroundAttachment !== 'local, local, scroll, scroll').length,
     rows: page.querySelectorAll('#services tbody tr').length,
   };
   if (shown.length) {

@@ -5,11 +5,13 @@
 #include <stdexcept>
 #include <vector>
 
+#include "base/Gunzip.h"
 #include "base/Text.h"
 #include "content/Genres.h"
 #include "content/LibraryPort.h"
 #include "content/LlsTables.h"
 #include "content/MessageHead.h"
+#include "content/Roots.h"
 #include "follow/GuideSessions.h"
 #include "follow/MessageFollower.h"
 #include "follow/MmtFollower.h"
@@ -49,6 +51,18 @@ bool IsMessageAndNoTable(SView bytes)
     return !table;
 }
 
+/// Of a text that is nothing which is read by itself.
+std::string WhatItIs(SView bytes)
+{
+    std::vector<unsigned char> inflated;
+    if (Gunzip(bytes, CSlsFollower::k_maxPackage, inflated)) {
+        bytes = {inflated.data(), inflated.size()};
+    }
+    const std::string known = KnownDocument(bytes).text;
+    const std::string root = RootElement(bytes);
+    return !known.empty() ? known : k_unknown + (root.empty() ? "" : ": its root element is " + Quoted(root));
+}
+
 }  // namespace
 
 CInspector::CInspector(const SOptions& options, CReport& report, const COutput& output, CProgress& progress)
@@ -57,9 +71,9 @@ CInspector::CInspector(const SOptions& options, CReport& report, const COutput& 
     InstallPlatform(options.log, options.settings);
     TCParseLLS::SetDecompressLLS(true);
     m_channelMap.Create();
-    if (!options.genres.empty() && !ReadGenres(options.genres)) {
+    if (const std::string wrong = options.genres.empty() ? std::string() : ReadGenres(options.genres); !wrong.empty()) {
         m_channelMap.Destroy();
-        throw std::runtime_error(Printable(options.genres) + ": not a classification scheme");
+        throw std::runtime_error(Printable(options.genres) + ": " + wrong);
     }
 }
 
@@ -136,6 +150,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             });
     }
     SSource source = {name, 0, {}};
+    SInputTimes times = {name, {}, {}};
     TDestinations destinations;
     bool sessionsCaptured = false;
     CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) {
@@ -154,6 +169,9 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         }
     });
     const auto finish = [&] {
+        if (times.first) {
+            m_report.Summary().times.push_back(times);
+        }
         decoder.Finish();
         AddCounts(m_report.Summary().packets, decoder.Counts());
         for (const auto& [stream, follower] : followers) {
@@ -184,6 +202,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
         while (!m_output.Ended() && input.Next(packet)) {
             ++source.packet;
             source.time = packet.time;
+            times.Add(packet.time);
             decoder.Decode(packet.bytes, packet.cut);
             m_progress.Show(name, source.packet);
         }
@@ -249,7 +268,7 @@ void CInspector::m_SlsFile(SView bytes, const std::string& name)
     const SFollowed followed;
     CSlsFollower follower(followed, m_report);
     if (!follower.Take({}, bytes, {name, 0, {}})) {
-        throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
+        throw CInputError(EFault::INPUT_UNKNOWN, WhatItIs(bytes));
     }
     ++m_report.Summary().slsFiles;
 }

@@ -77,6 +77,23 @@ std::pair<std::string, int> ReadSetting(const std::string& text)
     return {text.substr(0, equals), value};
 }
 
+/// The arguments as a shell takes them.
+std::string CommandLine(int argc, const char* const* argv)
+{
+    constexpr char k_plain[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_./:=,+@%";
+    std::string line = "vyr-atsc30-inspect";
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        const bool plain = !argument.empty() && argument.find_first_not_of(k_plain) == std::string::npos;
+        line += plain ? ' ' + argument : " '";
+        for (std::size_t at = 0; !plain && at < argument.size(); ++at) {
+            line += argument[at] == '\'' ? std::string("'\\''") : std::string(1, argument[at]);
+        }
+        line += plain ? "" : "'";
+    }
+    return line;
+}
+
 /// The page must not take the place of what is read.
 void CheckPage(const std::string& page, std::vector<std::string> inputs, const std::string& genres)
 {
@@ -95,6 +112,7 @@ void CheckPage(const std::string& page, std::vector<std::string> inputs, const s
 
 bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exitStatus)
 {
+    options.commandLine = CommandLine(argc, argv);
     CLI::App app("Shows the ATSC 3.0 signalling in packet captures and raw files.", "vyr-atsc30-inspect");
     app.footer(k_footer);
     app.set_help_flag("-h,--help", "Show this help and end");

@@ -16,6 +16,7 @@ struct SOptions {
     std::set<std::pair<std::uint32_t, std::uint16_t>> llsStreams;     ///< address and port
     std::set<std::pair<std::uint32_t, std::uint16_t>> routeSessions;  ///< to follow besides the announced ones
     std::set<std::pair<std::uint32_t, std::uint16_t>> mmtpSessions;   ///< the same
+    std::string commandLine;                                          ///< with quotes where a shell needs them
     std::string html;                                                 ///< file to write the page to; empty: none
     std::map<std::string, int> settings;
     ELogPriority log = LOG_PRIORITY_SILENT;

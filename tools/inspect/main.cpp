@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <exception>
 
 #include "Inspector.h"
@@ -44,6 +45,15 @@ void WatchSignals()
     sigaction(SIGTERM, &action, nullptr);
 }
 
+/// Seconds since 1970: of SOURCE_DATE_EPOCH, so that the same run can give the same page, or of the clock.
+std::int64_t ReportTime()
+{
+    const char* given = std::getenv("SOURCE_DATE_EPOCH");
+    char* end = nullptr;
+    const long long seconds = given != nullptr ? std::strtoll(given, &end, 10) : 0;
+    return end != nullptr && end != given && *end == '\0' ? seconds : static_cast<std::int64_t>(std::time(nullptr));
+}
+
 int Failed(const std::string& output, int error)
 {
     std::fprintf(stderr, "vyr-atsc30-inspect: %s: %s\n", Printable(output).c_str(), std::strerror(error));
@@ -68,7 +78,7 @@ int Inspect(int argc, char** argv)
     CJsonReport json(output);
     IReportWriter& writer = options.json ? static_cast<IReportWriter&>(json) : text;
     const bool paged = !options.html.empty();
-    CHtmlReport page(options.localTime);
+    CHtmlReport page(options.localTime, {options.commandLine, ReportTime()});
     if (paged) {
         output.SetOptional();
     }

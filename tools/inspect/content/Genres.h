@@ -4,7 +4,7 @@
 
 namespace vyr::inspect {
 
-/// Reads the names of the genres from a file, for the whole run. False: it is no classification scheme.
-bool ReadGenres(const std::string& name);
+/// Reads the names of the genres from a file of up to 8 MiB, for the whole run. What is wrong with it; empty: nothing.
+std::string ReadGenres(const std::string& name);
 
 }  // namespace vyr::inspect

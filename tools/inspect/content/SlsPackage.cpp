@@ -71,7 +71,6 @@ bool IsNameByte(char c)
     return std::strchr("<>/ \t\r\n\"'=", c) == nullptr;
 }
 
-/// The metadataEnvelope element, whatever its prefix.
 TView Envelope(TView text)
 {
     constexpr TView k_name = "metadataEnvelope";
@@ -115,6 +114,12 @@ std::vector<SSlsText> FindSlsDocuments(SView bytes)
             {kind.kind, Bytes(text.substr(start, size)), ended, ended && size + kind.extra <= k_maxDocument});
     }
     return documents;
+}
+
+SView FindEnvelope(SView bytes)
+{
+    const TView envelope = Envelope(Searched(bytes));
+    return envelope.empty() ? SView{} : Bytes(envelope);
 }
 
 std::string PackageType(SView bytes)

@@ -20,6 +20,8 @@ struct SSlsText {
 /// Finds the documents in the text where the library finds them: the first of each kind, in the order
 /// in which it parses them.
 std::vector<SSlsText> FindSlsDocuments(SView text);
+/// The metadataEnvelope element, whatever its prefix; no bytes: there is none.
+SView FindEnvelope(SView text);
 /// Media type of the package, from its first header field Content-Type; empty: none.
 std::string PackageType(SView text);
 /// Items of the metadata envelope; empty when there is none, or with `reason` when it does not parse.

@@ -19,10 +19,12 @@ std::string CFollower::Missing(unsigned serviceId) const
            (others != 0 ? " and " + std::to_string(others) + " more" : "");
 }
 
-void CFollower::t_Fault(EFault code, const std::string& message, const SSource& source)
+void CFollower::t_Fault(EFault code, const std::string& message, const SSource& source, bool note)
 {
-    m_lastFault = message;
-    t_report.Fault(t_followed.Fault(code, message, source));
+    m_lastFault = note && !m_lastFault.empty() ? m_lastFault : message;
+    SFault fault = t_followed.Fault(code, message, source);
+    fault.note = note;
+    t_report.Fault(fault);
 }
 
 void CFollower::t_AddAssertions(const SSource& source)

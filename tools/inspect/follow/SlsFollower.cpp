@@ -6,6 +6,7 @@
 #include "base/Gunzip.h"
 #include "base/Text.h"
 #include "content/LibraryPort.h"
+#include "content/Roots.h"
 
 namespace vyr::inspect {
 
@@ -61,8 +62,12 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
         return m_Repeated(signalling);
     }
     const std::vector<SSlsText> texts = FindSlsDocuments(text);
-    if (texts.empty()) {
-        return m_NotRead(toi, " holds no signalling document", source);
+    SPackage package = ReadPackage(text, texts);
+    if (texts.empty() && !package.hasEnvelope) {
+        const SKnownDocument document = KnownDocument(text);
+        return m_NotRead(toi,
+                         " holds no signalling document" + (document.text.empty() ? "" : ": it is " + document.text),
+                         source, document.signalling);
     }
     TakeAssertions();
     std::string envelopeReason;
@@ -70,11 +75,16 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     signalling.items = ReadEnvelope(text, envelopeReason);
     signalling.documents = m_reader.Read(text, texts);
     const bool changed = sameToi && !sameText;
-    signalling.status = m_Status(texts, signalling.documents, changed, now);
+    signalling.status = m_Status(texts, signalling.documents, package, changed, now);
     if (toi) {
         m_objects.Hold(*toi) = now;
     }
+    signalling.parts.swap(package.parts);
+    signalling.moreParts = package.moreParts;
+    signalling.partsEnded = package.ended;
+    signalling.signature = std::move(package.signature);
     t_report.Signalling(signalling);
+    package.parts.swap(signalling.parts);
     if (changed) {
         t_Fault(EFault::CHANGED_WITHOUT_VERSION,
                 Title(*toi) + " changed without a new TOI (" + Counted(now.size, "byte") + ", before " +
@@ -84,7 +94,11 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     if (!envelopeReason.empty()) {
         t_Fault(EFault::DOCUMENT_NOT_PARSED, "metadataEnvelope did not parse: " + envelopeReason, source);
     }
+    m_PackageFaults(package, envelopeReason.empty() ? signalling.items : std::vector<SEnvelopeItem>(), source);
     m_DocumentFaults(signalling.documents, source);
+    if (texts.empty()) {
+        m_NotRead(toi, " holds no document that is read", source, true);
+    }
     return true;
 }
 
@@ -120,8 +134,8 @@ unsigned CSlsFollower::m_Service()
 }
 
 /// What is new of the object, and of each of its documents.
-EStatus CSlsFollower::m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, bool sameToi,
-                               SObject& object)
+EStatus CSlsFollower::m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents,
+                               const SPackage& package, bool sameToi, SObject& object)
 {
     bool allNew = true;
     bool allUnchanged = true;
@@ -136,7 +150,33 @@ EStatus CSlsFollower::m_Status(const std::vector<SSlsText>& texts, std::vector<S
         allUnchanged = allUnchanged && status == EDocumentStatus::UNCHANGED;
         t_parsed = t_parsed || documents[i].content.has_value();
     }
+    if (package.hasUnread) {
+        const TSlot slot = {service, k_unread};
+        const auto [last, isNew] = m_documents.try_emplace(slot);
+        allNew = allNew && isNew;
+        allUnchanged = allUnchanged && !isNew && last->second.hash == package.unreadHash;
+        last->second.hash = package.unreadHash;
+        object.brought.emplace_back(slot, package.unreadHash);
+    }
     return sameToi ? EStatus::CHANGED_WITHOUT_VERSION : StatusOf(allNew, false, allUnchanged);
+}
+
+/// What is wrong with a package, or worth knowing of it, is told of once while it stays so.
+void CSlsFollower::m_PackageFaults(const SPackage& package, const std::vector<SEnvelopeItem>& items,
+                                   const SSource& source)
+{
+    const auto tell = [&](EFault code, const std::string& message) {
+        std::string& last = m_toldOfPackage[code];
+        if (message != last && !message.empty()) {
+            t_Fault(code, message, source, code != EFault::BAD_SIGNATURE);
+        }
+        last = message;
+    };
+    tell(EFault::BAD_SIGNATURE, package.signatureFault);
+    if (package.hasEnvelope && !items.empty()) {
+        tell(EFault::ITEM_WITHOUT_PART, ItemsWithoutPart(package, items));
+        tell(EFault::PART_WITHOUT_ITEM, PartsWithoutItem(package, items));
+    }
 }
 
 /// A broken document that stays as it is is told of once.
@@ -173,10 +213,10 @@ EDocumentStatus CSlsFollower::m_Compare(const TSlot& slot, const SSlsText& text,
 }
 
 /// Of a raw file, its reader tells.
-bool CSlsFollower::m_NotRead(const std::optional<TToi>& toi, const char* why, const SSource& source)
+bool CSlsFollower::m_NotRead(const std::optional<TToi>& toi, const std::string& why, const SSource& source, bool note)
 {
     if (toi) {
-        t_Fault(EFault::OBJECT_NOT_READ, Title(*toi) + why, source);
+        t_Fault(EFault::OBJECT_NOT_READ, Title(*toi) + why, source, note);
     }
     return false;
 }

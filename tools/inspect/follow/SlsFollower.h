@@ -2,10 +2,12 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <vector>
 
 #include "base/BoundedMap.h"
+#include "content/SlsParts.h"
 #include "content/SlsReader.h"
 #include "follow/Follower.h"
 
@@ -39,6 +41,8 @@ class CSlsFollower : public CFollower {
 
     static constexpr std::size_t k_maxServices = 64;
 
+    static constexpr ESlsDocument k_unread = static_cast<ESlsDocument>(k_slsDocuments);  ///< parts that are not read
+
     /// Documents of one kind replace each other; those of another service on the session do not.
     using TSlot = std::pair<unsigned, ESlsDocument>;
     struct SObject {
@@ -55,16 +59,18 @@ class CSlsFollower : public CFollower {
     bool m_Repeated(SSignalling& signalling);
     bool m_Stands(const SObject& object) const;
     unsigned m_Service();
-    EStatus m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, bool sameToi,
-                     SObject& object);
+    EStatus m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, const SPackage& package,
+                     bool sameToi, SObject& object);
+    void m_PackageFaults(const SPackage& package, const std::vector<SEnvelopeItem>& items, const SSource& source);
     void m_DocumentFaults(const std::vector<SSlsDocument>& documents, const SSource& source);
     EDocumentStatus m_Compare(const TSlot& slot, const SSlsText& text, SSlsDocument& document);
-    bool m_NotRead(const std::optional<TToi>& toi, const char* why, const SSource& source);
+    bool m_NotRead(const std::optional<TToi>& toi, const std::string& why, const SSource& source, bool note = false);
 
     CSlsReader m_reader;
     CBoundedMap<TToi, SObject> m_objects{k_maxObjects};
-    std::map<TSlot, SDocument> m_documents;  ///< what stands
-    std::map<unsigned, unsigned> m_slots;    ///< of the services of the USBDs that came; 0 is the first one's
+    std::map<TSlot, SDocument> m_documents;         ///< what stands
+    std::map<unsigned, unsigned> m_slots;           ///< of the services of the USBDs that came; 0 is the first one's
+    std::map<EFault, std::string> m_toldOfPackage;  ///< the last message of each
     bool m_readAgain = false;
 };
 

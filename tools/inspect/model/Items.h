@@ -68,6 +68,15 @@ struct SEnvelopeItem {
     std::optional<std::string> contentType;
 };
 
+/// A part of a package, as its header fields have it.
+struct SPackagePart {
+    std::string contentType;
+    std::string contentLocation;
+    std::size_t size = 0;             ///< bytes, without the header
+    std::vector<std::string> readAs;  ///< names of what is read of it; none: nothing is
+    std::string root;                 ///< root element of what is not read; empty: it is no XML
+};
+
 /// One object of a service's signalling that is not a repeat.
 struct SSignalling {
     SSource source;
@@ -79,6 +88,10 @@ struct SSignalling {
     bool gzip = false;
     std::string contentType;  ///< of the package; empty: not given
     std::vector<SEnvelopeItem> items;
+    std::vector<SPackagePart> parts;  ///< the first ones; none: it is no package
+    std::uint64_t moreParts = 0;
+    bool partsEnded = true;      ///< the last boundary of the package came
+    COptionalContent signature;  ///< of the package: its form
     std::vector<SSlsDocument> documents;
 };
 

@@ -23,6 +23,7 @@ struct SSummary {
     std::uint64_t slsFiles = 0;
     std::uint64_t rawMessages = 0;
     std::uint64_t guideFiles = 0;
+    std::vector<SInputTimes> times;  ///< of captures whose packets have times
     SPacketCounts packets;
     std::uint64_t llsDatagrams = 0;
     std::map<unsigned, STableCounts> tables;  ///< by LLS_table_id
@@ -51,6 +52,7 @@ struct SSummary {
         visit("slsFiles", slsFiles);
         visit("rawMessages", rawMessages);
         visit("guideFiles", guideFiles);
+        visit("times", times);
         SPacketCounts::Each(packets, visit);
         visit("llsDatagrams", llsDatagrams);
         visit("tables", tables);

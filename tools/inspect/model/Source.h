@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 
 namespace vyr::inspect {
@@ -22,6 +23,22 @@ struct SSource {
     std::string file;
     std::uint64_t packet = 0;  ///< from 1; 0: the file as a whole
     std::optional<STime> time;
+};
+
+/// The times of a capture's packets: the earliest and the latest.
+struct SInputTimes {
+    std::string file;
+    std::optional<STime> first;
+    std::optional<STime> last;
+
+    void Add(const std::optional<STime>& time)
+    {
+        const auto before = [](const STime& a, const STime& b) {
+            return std::tie(a.seconds, a.nanoseconds) < std::tie(b.seconds, b.nanoseconds);
+        };
+        first = time && (!first || before(*time, *first)) ? time : first;
+        last = time && (!last || before(*last, *time)) ? time : last;
+    }
 };
 
 struct SLlsHeader {

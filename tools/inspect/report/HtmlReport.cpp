@@ -1,5 +1,7 @@
 #include "report/HtmlReport.h"
 
+#include <algorithm>
+
 #include "base/Text.h"
 #include "report/Html.h"
 #include "report/HtmlStyle.h"
@@ -10,12 +12,35 @@ namespace vyr::inspect {
 namespace {
 
 constexpr std::size_t k_fewServices = 4;
+constexpr std::size_t k_mostComponentRows = 200;
 constexpr std::size_t k_fewFiles = 3;
+constexpr std::size_t k_longCommand = 4096;
 
-std::string Section(const char* id, const char* title, const std::string& html, const char* none)
+std::string Section(const char* id, const char* title, const std::string& html)
 {
-    return std::string("<section id=\"") + id + "\"><h2>" + title + "</h2>" +
-           (html.empty() ? std::string("<p class=\"muted\">") + none + "</p>" : html) + "</section>\n";
+    return std::string("<section id=\"") + id + "\"><h2>" + title + "</h2>" + html + "</section>\n";
+}
+
+/// The rows below those titles whose columns are not all empty.
+std::string ColumnsInUse(const std::vector<std::string>& titles, const std::vector<TRow>& rows)
+{
+    std::vector<std::string> shown;
+    std::vector<bool> used(titles.size());
+    for (std::size_t i = 0; i < titles.size(); ++i) {
+        used[i] = std::any_of(rows.begin(), rows.end(), [i](const TRow& row) { return !row[i].empty(); });
+        if (used[i]) {
+            shown.push_back(titles[i]);
+        }
+    }
+    std::string html;
+    for (const TRow& row : rows) {
+        html += "<tr>";
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            html += used[i] ? "<td>" + (row[i].empty() ? std::string() : HtmlIsolated(row[i])) + "</td>" : "";
+        }
+        html += "</tr>";
+    }
+    return HtmlTable("keep", shown, html);
 }
 
 std::string More(std::uint64_t count, const char* what)
@@ -38,6 +63,11 @@ std::string CHtmlReport::m_Where(const SSource& source) const
     return html;
 }
 
+std::string CHtmlReport::m_Input(std::size_t file) const
+{
+    return t_files.size() > 1 ? " <small>\u00b7 " + HtmlIsolated(t_files[file]) + "</small>" : std::string();
+}
+
 std::string CHtmlReport::m_Fold(const SPart& part, const char* attributes) const
 {
     const std::string where = m_Where(part.source);
@@ -56,7 +86,7 @@ std::string CHtmlReport::m_Lines(const SList<SLine>& list, const std::vector<std
     return rows.empty() ? rows : HtmlTable("lines", titles, rows) + More(list.more, "line");
 }
 
-std::string CHtmlReport::m_Head() const
+std::string CHtmlReport::m_Head(const SSummary& summary) const
 {
     std::string files;
     for (const std::string& file : t_files) {
@@ -75,11 +105,25 @@ std::string CHtmlReport::m_Head() const
         "<meta name=\"color-scheme\" content=\"light dark\"><title>ATSC 3.0 signalling";
     html += ": " + title + "</title><style>" + k_htmlStyle + "</style></head>\n<body>\n" +
             "<header><h1>ATSC 3.0 signalling</h1><div>" + files + "</div>";
-    if (t_first && t_last) {
-        html += "<p class=\"muted\">" + InstantText(t_first->seconds, t_first->nanoseconds) + " to " +
-                InstantText(t_last->seconds, t_last->nanoseconds) + "</p>";
+    SInputTimes all;
+    for (const SInputTimes& times : summary.times) {
+        all.Add(times.first);
+        all.Add(times.last);
+    }
+    if (all.first) {
+        html += "<p class=\"muted\">" + InstantText(all.first->seconds, all.first->nanoseconds) + " to " +
+                InstantText(all.last->seconds, all.last->nanoseconds) + "</p>";
     }
     return html + "</header>\n";
+}
+
+std::string CHtmlReport::m_Foot() const
+{
+    return "<footer class=\"muted\"><p>vyr-atsc30-inspect " VYR_INSPECT_VERSION ", " +
+           HtmlText(EpochText(static_cast<double>(m_run.time))) + "</p>" +
+           (m_run.commandLine.empty() ? std::string()
+                                      : "<p>" + HtmlIsolated(HtmlClipped(m_run.commandLine, k_longCommand)) + "</p>") +
+           "</footer>\n";
 }
 
 std::string CHtmlReport::m_Overview(const SSummary& summary) const
@@ -126,7 +170,9 @@ std::string CHtmlReport::m_Services() const
         html += rows.empty() ? "<p class=\"muted\">No services.</p>" : HtmlTable("keep", titles, rows);
         ++number;
     }
-    return html;
+    return html + (t_refusedLists != 0 ? "<p>" + HtmlBadge("bad", "refused") + " " +
+                                             Counted(t_refusedLists, "service list") + " came and did not parse.</p>"
+                                       : std::string());
 }
 
 std::string CHtmlReport::m_Guide() const
@@ -160,9 +206,53 @@ std::string CHtmlReport::m_Alerts() const
     return html;
 }
 
+/// The LCT sessions with the representations that they carry, and representations that none carries.
+std::string CHtmlReport::m_Components(const SSession& session) const
+{
+    std::vector<TRow> rows;
+    std::vector<bool> carried(session.representations.size());
+    const auto either = [](const std::string& first, const std::string& second) {
+        return first.empty() ? second : first;
+    };
+    std::uint64_t more = 0;
+    const auto add = [&](TRow row) {
+        more += rows.size() < k_mostComponentRows ? 0 : 1;
+        if (more == 0) {
+            rows.push_back(std::move(row));
+        }
+    };
+    for (const SComponent& lct : session.lctSessions) {
+        bool found = false;
+        const TRow& own = lct.cells;
+        for (std::size_t i = 0; i < session.representations.size() && !lct.id.empty(); ++i) {
+            const TRow& other = session.representations[i].cells;
+            if (session.representations[i].id == lct.id) {
+                found = carried[i] = true;
+                add({own[0], own[1], own[2], either(other[2], own[3]), other[0], other[1], either(other[3], own[4]),
+                     lct.id});
+            }
+        }
+        if (!found) {
+            add({own[0], own[1], own[2], own[3], {}, {}, own[4], {}});
+        }
+    }
+    for (std::size_t i = 0; i < session.representations.size(); ++i) {
+        const TRow& other = session.representations[i].cells;
+        if (!carried[i]) {
+            add({{}, {}, {}, other[2], other[0], other[1], other[3], session.representations[i].id});
+        }
+    }
+    return rows.empty()
+               ? std::string()
+               : "<h4>Components</h4>" +
+                     ColumnsInUse({"TSI", "address", "kbit/s", "type", "codec", "bit/s", "language", "representation"},
+                                  rows) +
+                     More(more, "component");
+}
+
 std::string CHtmlReport::m_Documents(const SSession& session) const
 {
-    std::string html;
+    std::string html = m_Components(session);
     for (const auto& [kind, part] : session.parts) {
         html += m_Fold(part, "class=\"doc\"");
     }
@@ -183,7 +273,7 @@ std::string CHtmlReport::m_Signalling() const
         for (std::size_t i = 0; i < list.services.size(); ++i) {
             const SListed& service = list.services[i];
             const std::string anchor = 's' + std::to_string(number) + '-' + std::to_string(i);
-            html += "<details class=\"item\"" + open + "><summary>" + service.title +
+            html += "<details class=\"item\"" + open + "><summary>" + service.title + m_Input(std::get<0>(key)) +
                     "</summary><div class=\"target\" id=\"" + anchor +
                     "\"><details class=\"doc\"><summary><b>SLT entry</b></summary>" + service.html + "</details>";
             if (const std::string why = m_Missing(key, list, service); !why.empty()) {
@@ -205,7 +295,8 @@ std::string CHtmlReport::m_Signalling() const
             html += "<details class=\"item\" open><summary><b>" +
                     (std::get<1>(key).empty() ? HtmlIsolated(t_files[std::get<0>(key)])
                                               : "Session " + HtmlText(std::get<1>(key))) +
-                    "</b></summary>" + m_Documents(session) + "</details>";
+                    "</b>" + (std::get<1>(key).empty() ? "" : m_Input(std::get<0>(key))) + "</summary>" +
+                    m_Documents(session) + "</details>";
         }
     }
     return html;
@@ -244,26 +335,28 @@ void CHtmlReport::Summary(const SSummary& summary)
         const char* id;
         const char* title;
         std::string html;
-        const char* none;
     } sections[] = {
-        {"overview", "Overview", m_Overview(summary), ""},
-        {"services", "Services", m_Services(), "No service list came."},
-        {"guide", "Service guide", m_Guide(), "No service guide came."},
-        {"alerts", "Alerts", m_Alerts(), "No alerts came."},
-        {"signalling", "Signalling of services", m_Signalling(), "No signalling came."},
-        {"tables", "LLS tables", m_Tables(), "No LLS tables came."},
-        {"certificates", "Certificates and signatures", m_Certificates(), "No certificates came."},
-        {"problems", "Problems found", m_Problems(summary), "None."},
-        {"changes", "What changed", m_Lines(t_changes, {"where", "what came"}), "Nothing came."},
+        {"overview", "Overview", m_Overview(summary)},
+        {"services", "Services", m_Services()},
+        {"guide", "Service guide", m_Guide()},
+        {"alerts", "Alerts", m_Alerts()},
+        {"signalling", "Signalling of services", m_Signalling()},
+        {"tables", "LLS tables", m_Tables()},
+        {"certificates", "Certificates and signatures", m_Certificates()},
+        {"problems", "Problems found", m_Problems(summary)},
+        {"changes", "What changed", m_Lines(t_changes, {"where", "what came"})},
     };
     std::string contents;
     std::string html;
     for (const auto& section : sections) {
+        if (section.html.empty()) {
+            continue;
+        }
         contents += std::string("<li><a href=\"#") + section.id + "\">" + section.title + "</a></li>";
-        html += Section(section.id, section.title, section.html, section.none);
+        html += Section(section.id, section.title, section.html);
     }
-    m_page = m_Head() + "<nav aria-label=\"Contents\"><ul>" + contents + "</ul></nav>\n<main>\n" + html +
-             "</main>\n<footer class=\"muted\">vyr-atsc30-inspect " VYR_INSPECT_VERSION "</footer>\n</body></html>\n";
+    m_page = m_Head(summary) + "<nav aria-label=\"Contents\"><ul>" + contents + "</ul></nav>\n<main>\n" + html +
+             "</main>\n" + m_Foot() + "</body></html>\n";
 }
 
 }  // namespace vyr::inspect

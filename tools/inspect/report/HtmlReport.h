@@ -1,17 +1,25 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "report/PageModel.h"
 
 namespace vyr::inspect {
 
+/// What stands at the foot of the page.
+struct SRun {
+    std::string commandLine;
+    std::int64_t time = 0;  ///< of the report, seconds since 1970
+};
+
 /// The report as one page of HTML, complete in itself, made at the summary of what the model holds.
 class CHtmlReport : public CPageModel {
   public:
     /// With `localTime`, the times of the guide are those of the machine's time zone.
-    explicit CHtmlReport(bool localTime = false) : CPageModel(localTime) {}
+    explicit CHtmlReport(bool localTime = false, SRun run = {}) : CPageModel(localTime), m_run(std::move(run)) {}
 
     void Summary(const SSummary& summary) override;
 
@@ -22,7 +30,10 @@ class CHtmlReport : public CPageModel {
     std::string m_Where(const SSource& source) const;
     std::string m_Fold(const SPart& part, const char* attributes) const;
     std::string m_Lines(const SList<SLine>& list, const std::vector<std::string>& titles) const;
-    std::string m_Head() const;
+    /// " · capture.pcap" where there are several inputs.
+    std::string m_Input(std::size_t file) const;
+    std::string m_Head(const SSummary& summary) const;
+    std::string m_Foot() const;
     std::string m_Overview(const SSummary& summary) const;
     std::string m_Services() const;
     std::string m_Guide() const;
@@ -31,11 +42,13 @@ class CHtmlReport : public CPageModel {
     std::string m_Tables() const;
     std::string m_Certificates() const;
     std::string m_Problems(const SSummary& summary) const;
+    std::string m_Components(const SSession& session) const;
     std::string m_Documents(const SSession& session) const;
 
     /// Why the service is not signalled; empty: nothing is missing of it.
     std::string m_Missing(const TKey& key, const SServiceList& list, const SListed& service) const;
 
+    const SRun m_run;
     std::string m_page;
 };
 

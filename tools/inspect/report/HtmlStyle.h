@@ -5,9 +5,9 @@ namespace vyr::inspect {
 /// The style of the page.
 inline constexpr char k_htmlStyle[] = R"(
 :root{color-scheme:light dark;--bg:#fff;--soft:#f4f6f8;--line:#d5dbe1;--text:#1b2127;--muted:#55606b;--link:#0a58a8;
---bad:#a3230f;--badbg:#fdecea;--good:#1a6b35;--goodbg:#e8f5ec;--box:#e6eff9;--head:9.5rem;--minute:.26rem}
+--bad:#a3230f;--badbg:#fdecea;--good:#1a6b35;--goodbg:#e8f5ec;--box:#e6eff9;--shade:#0004;--head:9.5rem;--minute:.26rem}
 @media(prefers-color-scheme:dark){:root{--bg:#14181d;--soft:#1d2329;--line:#343d46;--text:#e3e8ed;--muted:#a0acb7;
---link:#82b8f5;--bad:#ff9d8a;--badbg:#3a1c18;--good:#7fd39b;--goodbg:#17301f;--box:#1f3249}}
+--link:#82b8f5;--bad:#ff9d8a;--badbg:#3a1c18;--good:#7fd39b;--goodbg:#17301f;--box:#1f3249;--shade:#a0acb780}}
 *{box-sizing:border-box}
 html{scroll-padding-top:1rem;-webkit-text-size-adjust:100%}
 body{margin:0;background:var(--bg);color:var(--text);font:.9375rem/1.5 system-ui,sans-serif;overflow-wrap:anywhere}
@@ -22,7 +22,10 @@ a{color:var(--link)}
 small,.muted{color:var(--muted);font-size:.85em}
 nav ul{display:flex;flex-wrap:wrap;gap:.3rem 1.1rem;list-style:none;margin:1rem 0 0;padding:.6rem 0;
 border-top:1px solid var(--line);border-bottom:1px solid var(--line)}
-.scroll{overflow-x:auto;max-width:100%;margin:.4rem 0}
+.scroll{overflow-x:auto;max-width:100%;margin:.4rem 0;background-image:linear-gradient(to right,var(--bg) 40%,transparent),
+linear-gradient(to left,var(--bg) 40%,transparent),linear-gradient(to right,var(--shade),transparent),
+linear-gradient(to left,var(--shade),transparent);background-position:0 0,100% 0,0 0,100% 0;background-repeat:no-repeat;
+background-size:2.5rem 100%,2.5rem 100%,.8rem 100%,.8rem 100%;background-attachment:local,local,scroll,scroll}
 table{border-collapse:collapse;font-size:.875rem;min-width:100%}
 th,td{text-align:left;vertical-align:top;padding:.3rem .75rem .3rem 0;border-bottom:1px solid var(--line);
 max-width:28rem;overflow-wrap:break-word}
@@ -31,6 +34,8 @@ tbody th{font-weight:600}
 table.keep td,table.keep th{white-space:nowrap}
 table.lines td:last-child{max-width:none;min-width:14rem;width:100%}
 table.lines td:first-child{white-space:nowrap}
+table.lines td:first-child bdi{display:block;min-width:12rem;white-space:normal;overflow-wrap:anywhere}
+table.keep bdi{display:inline-block;max-width:16rem;white-space:normal;vertical-align:top}
 dl{margin:.3rem 0;font-size:.875rem}
 dl>div{display:grid;grid-template-columns:minmax(7rem,13rem) minmax(0,1fr);gap:.75rem;padding:.1rem 0}
 dt,.key{color:var(--muted)}

@@ -18,6 +18,11 @@ TJson Object(const char* type)
     return {{"schema_version", k_schemaVersion}, {"type", type}};
 }
 
+std::string TimeJson(const STime& time)
+{
+    return InstantText(time.seconds, time.nanoseconds, 6);
+}
+
 TJson SourceJson(const SSource& source)
 {
     TJson json = {{"file", source.file}};
@@ -25,7 +30,7 @@ TJson SourceJson(const SSource& source)
         json["packet"] = source.packet;
     }
     if (source.time) {
-        json["time"] = InstantText(source.time->seconds, source.time->nanoseconds, 6);
+        json["time"] = TimeJson(*source.time);
     }
     return json;
 }
@@ -117,6 +122,14 @@ struct SPutCount {
             TJson& table = array.emplace_back(TJson::object());
             PutNamed(table, "LLS_table_id", tableId, TableName(tableId));
             STableCounts::Each(counts, SPutCount{table});
+        }
+    }
+
+    void operator()(const char* name, const std::vector<SInputTimes>& times) const
+    {
+        TJson& array = json[name] = TJson::array();
+        for (const SInputTimes& input : times) {
+            array.push_back({{"file", input.file}, {"first", TimeJson(*input.first)}, {"last", TimeJson(*input.last)}});
         }
     }
 
@@ -262,6 +275,21 @@ TJson EnvelopeJson(const std::vector<SEnvelopeItem>& items)
     return json;
 }
 
+TJson PartsJson(const std::vector<SPackagePart>& parts)
+{
+    TJson json = TJson::array();
+    for (const SPackagePart& part : parts) {
+        TJson entry = TJson::object();
+        PutText(entry, "Content-Type", part.contentType);
+        PutText(entry, "Content-Location", part.contentLocation);
+        entry["size"] = part.size;
+        PutList(entry, "readAs", part.readAs);
+        PutText(entry, "root", part.root);
+        json.push_back(std::move(entry));
+    }
+    return json;
+}
+
 void CJsonReport::Table(const STable& table)
 {
     m_output.Write(JsonLine(TableJson(table)));
@@ -287,6 +315,14 @@ void CJsonReport::Signalling(const SSignalling& signalling)
     json["gzip"] = signalling.gzip;
     PutText(json, "contentType", signalling.contentType);
     PutList(json, "metadataEnvelope", EnvelopeJson(signalling.items));
+    if (!signalling.parts.empty()) {
+        json["parts"] = PartsJson(signalling.parts);
+        PutNumber(json, "partsMore", signalling.moreParts, std::uint64_t{0});
+        json["partsEnded"] = signalling.partsEnded;
+    }
+    if (signalling.signature) {
+        json["signature"] = signalling.signature->json;
+    }
     for (const SSlsDocument& document : signalling.documents) {
         TJson entry = {{"name", DocumentName(document.kind)},
                        {"size", document.size},

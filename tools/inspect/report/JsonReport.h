@@ -13,6 +13,7 @@ namespace vyr::inspect {
 TJson TableJson(const STable& table);
 TJson ServiceJson(const STable& table, const SSltService& service);
 TJson EnvelopeJson(const std::vector<SEnvelopeItem>& items);
+TJson PartsJson(const std::vector<SPackagePart>& parts);
 
 /// The report for programs: one JSON object per line, complete in itself.
 class CJsonReport : public IReportWriter {

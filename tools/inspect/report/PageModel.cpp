@@ -15,10 +15,13 @@ namespace {
 
 // Parts of a session, behind the kinds of documents.
 constexpr unsigned k_envelope = k_slsDocuments;
-constexpr unsigned k_messages = k_slsDocuments + 1;
+constexpr unsigned k_partsOf = k_slsDocuments + 1;
+constexpr unsigned k_messages = k_slsDocuments + 2;
+constexpr unsigned char k_sltId = 1;
 constexpr std::size_t k_mostGuide = 8388608;
 constexpr std::size_t k_longKey = 256;
 constexpr std::size_t k_longTitle = 96;
+constexpr std::size_t k_longCell = 96;
 constexpr std::size_t k_longLine = 512;
 
 std::string Cut(const std::string& text)
@@ -73,6 +76,24 @@ TJson Without(TJson json, std::initializer_list<const char*> keys)
         json.erase(key);
     }
     return json;
+}
+
+/// A member for people, cut; empty: it is not given.
+std::string CellText(const TJson& object, const char* key)
+{
+    const auto value = object.find(key);
+    if (value == object.end() || value->is_structured()) {
+        return {};
+    }
+    return HtmlClipped(value->is_string() ? value->get<std::string>() : value->dump(), k_longCell);
+}
+
+/// The elements of a member that is a list; none otherwise.
+const TJson& Elements(const TJson& object, const char* key)
+{
+    static const TJson k_none = TJson::array();
+    const auto value = object.find(key);
+    return value != object.end() && value->is_array() ? *value : k_none;
 }
 
 std::string GroupText(const STable& table)
@@ -154,6 +175,7 @@ void CPageModel::Table(const STable& table)
     if (table.slt) {
         m_Slt(table, key);
     }
+    t_refusedLists += table.header.tableId == k_sltId && !table.slt ? 1 : 0;
     if (table.content && table.content->json.contains("AEA")) {
         m_Alerts(table, key);
     }
@@ -270,6 +292,7 @@ void CPageModel::Signalling(const SSignalling& signalling)
     for (const SSlsDocument& document : signalling.documents) {
         SPart* part = m_Part(*session, {static_cast<unsigned>(document.kind)});
         const std::string name = std::string("<b>") + DocumentName(document.kind) + "</b> ";
+        m_Components(*session, document);
         if (part != nullptr && !document.content) {
             m_Hold(*part, name + HtmlBadge("bad", "did not parse"), signalling.source,
                    "<p>" + HtmlText(document.reason) + "</p>");
@@ -282,6 +305,84 @@ void CPageModel::Signalling(const SSignalling& signalling)
     if (envelope != nullptr) {
         m_Hold(*envelope, "<b>metadataEnvelope</b>", signalling.source,
                HtmlTree({{"item", EnvelopeJson(signalling.items)}}));
+    }
+    SPart* parts = signalling.parts.empty() ? nullptr : m_Part(*session, {k_partsOf});
+    if (parts != nullptr) {
+        const std::string more =
+            signalling.moreParts != 0 ? ", and " + Counted(signalling.moreParts, "part") + " more" : std::string();
+        m_Hold(*parts,
+               "<b>Parts of the package</b>" + more +
+                   (signalling.partsEnded ? std::string() : ' ' + HtmlBadge("bad", "the last boundary is missing")),
+               signalling.source, HtmlTree({{"part", PartsJson(signalling.parts)}}));
+    }
+    SPart* signature = signalling.signature ? m_Find(t_certificates, {file, signalling.session, "package"}) : nullptr;
+    if (signature != nullptr) {
+        m_Hold(*signature,
+               "signature of the package" + (signalling.session.empty() ? "" : HtmlText(" on " + signalling.session)),
+               signalling.source, HtmlTree({{"signature", signalling.signature->json}}));
+    }
+}
+
+void CPageModel::m_HoldComponent(std::vector<SComponent>& components, SComponent component)
+{
+    const std::size_t bytes = component.Bytes();
+    if (components.size() == k_mostComponents || m_bytes + bytes > k_mostBytes) {
+        ++t_left;
+        return;
+    }
+    m_bytes += bytes;
+    components.push_back(std::move(component));
+}
+
+/// Notes what a new document says of the session's components.
+void CPageModel::m_Components(SSession& session, const SSlsDocument& document)
+{
+    const bool stsid = document.kind == ESlsDocument::STSID;
+    if (!stsid && document.kind != ESlsDocument::MPD) {
+        return;
+    }
+    std::vector<SComponent>& components = stsid ? session.lctSessions : session.representations;
+    for (const SComponent& component : components) {
+        m_bytes -= component.Bytes();
+    }
+    components.clear();
+    const TJson none = TJson::object();
+    const TJson& json = document.content ? document.content->json : none;
+    for (const TJson& route : Elements(json, "RS")) {
+        const std::string port = CellText(route, "dPort");
+        const std::string address = CellText(route, "dIpAddr") + (port.empty() ? "" : ':' + port);
+        for (const TJson& lct : Elements(route, "LS")) {
+            // As in the text report, the last flow counts.
+            const TJson& flows = Elements(lct, "SrcFlow");
+            const TJson flow = flows.empty() ? none : flows.back();
+            const TJson content = flow.value("ContentInfo", none);
+            const TJson media = content.value("MediaInfo", none);
+            const std::string rep = CellText(media, "repId");
+            m_HoldComponent(components, {rep.empty() ? CellText(content, "contentId") : rep,
+                                         {CellText(lct, "tsi"), address, CellText(lct, "bw"),
+                                          CellText(media, "contentType"), CellText(media, "lang")}});
+        }
+    }
+    for (const TJson& period : Elements(json, "Period")) {
+        for (const TJson& set : Elements(period, "AdaptationSet")) {
+            for (const TJson& representation : Elements(set, "Representation")) {
+                const auto either = [&](const char* key) {
+                    const std::string own = CellText(representation, key);
+                    return own.empty() ? CellText(set, key) : own;
+                };
+                const std::string type = either("contentType");
+                SComponent component = {CellText(representation, "id"),
+                                        {either("codecs"), CellText(representation, "bandwidth"),
+                                         type.empty() ? either("mimeType") : type, either("lang")}};
+                // The periods of a presentation tend to have the same ones.
+                const auto same = [&component](const SComponent& other) {
+                    return other.id == component.id && other.cells == component.cells;
+                };
+                if (std::none_of(components.begin(), components.end(), same)) {
+                    m_HoldComponent(components, std::move(component));
+                }
+            }
+        }
     }
 }
 

@@ -3,11 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <numeric>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
 
+#include "base/Text.h"
 #include "model/Guide.h"
 #include "model/ReportWriter.h"
 
@@ -57,8 +59,21 @@ class CPageModel : public IReportWriter {
         std::vector<SListed> services;
         std::size_t bytes = 0;
     };
+    /// What the S-TSID says of an LCT session, or the MPD of a representation: cells of a row, as texts.
+    struct SComponent {
+        std::string id;  ///< of the representation; empty: not given
+        TRow cells;
+
+        std::size_t Bytes() const
+        {
+            return std::accumulate(cells.begin(), cells.end(), id.size(),
+                                   [](std::size_t sum, const std::string& cell) { return sum + cell.size(); });
+        }
+    };
     struct SSession {
         std::map<std::vector<unsigned>, SPart> parts;  ///< each kind of document, the envelope, and each message
+        std::vector<SComponent> lctSessions;           ///< TSI, address, rate, type, language
+        std::vector<SComponent> representations;       ///< codec, rate, type, language
     };
     struct SAlert {
         SPart part;
@@ -83,12 +98,14 @@ class CPageModel : public IReportWriter {
     std::map<TKey, std::string> t_missing;        ///< why a service is not signalled, by its list and id
     SList<SLine> t_changes;
     SList<SLine> t_faults;
-    std::uint64_t t_left = 0;  ///< parts beyond the limits
+    std::uint64_t t_left = 0;          ///< parts beyond the limits
+    std::uint64_t t_refusedLists = 0;  ///< service lists that did not parse
 
   private:
     static constexpr std::size_t k_mostBytes = 33554432;  ///< of markup that is held
     static constexpr std::size_t k_mostParts = 4096;      ///< of each kind
     static constexpr std::size_t k_mostLines = 1000;
+    static constexpr std::size_t k_mostComponents = 200;  ///< of a session
 
     template <class TMap>
     typename TMap::mapped_type* m_Find(TMap& map, const typename TMap::key_type& key);
@@ -98,6 +115,8 @@ class CPageModel : public IReportWriter {
     /// Notes what an item says of the input as a whole; gives the number of its file.
     std::size_t m_See(const SSource& source);
     SPart* m_Part(SSession& session, const std::vector<unsigned>& key);
+    void m_Components(SSession& session, const SSlsDocument& document);
+    void m_HoldComponent(std::vector<SComponent>& components, SComponent component);
     void m_Slt(const STable& table, const TKey& key);
     void m_Alerts(const STable& table, const TKey& key);
     void m_Certificates(const STable& table, const TKey& key);

@@ -81,6 +81,26 @@ std::string ItemsText(const SSignalling& signalling)
     return items.empty() ? std::string() : "  envelope: " + Joined(items) + '\n';
 }
 
+/// The parts of which nothing is read, and what else there is to say of the package.
+std::string PartsText(const SSignalling& signalling)
+{
+    std::vector<std::string> parts;
+    for (const SPackagePart& part : signalling.parts) {
+        if (part.readAs.empty()) {
+            const std::string about =
+                Joined({Short(Printable(part.root)), Short(Printable(part.contentType)), Counted(part.size, "byte")});
+            parts.push_back(Short(Printable(part.contentLocation.empty() ? "-" : part.contentLocation)) + " (" + about +
+                            ')');
+        }
+    }
+    if (signalling.moreParts != 0) {
+        parts.push_back(Counted(signalling.moreParts, "part") + " more, which are not looked at");
+    }
+    std::string text = parts.empty() ? std::string() : "  not read: " + Joined(parts) + '\n';
+    text += signalling.parts.empty() || signalling.partsEnded ? "" : "  the last boundary of the package is missing\n";
+    return text + (signalling.signature ? "  signature: " + signalling.signature->headline + '\n' : "");
+}
+
 std::string DocumentText(const SSlsDocument& document)
 {
     std::string text = std::string("  ") + DocumentName(document.kind);
@@ -366,6 +386,11 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
     if (summary.guideFiles != 0) {
         rows.back().back() += ", " + Counted(summary.guideFiles, "guide file");
     }
+    for (const SInputTimes& times : summary.times) {
+        rows.push_back({"time", (summary.inputs > 1 ? Printable(times.file) + ": " : "") +
+                                    InstantText(times.first->seconds, times.first->nanoseconds) + " to " +
+                                    InstantText(times.last->seconds, times.last->nanoseconds)});
+    }
     if (summary.captures != 0) {
         rows.push_back({"packets", PacketsText(summary.packets)});
         rows.push_back({"UDP", Counted(summary.packets.datagrams, "datagram") + ", " +
@@ -416,7 +441,7 @@ void CTextReport::Signalling(const SSignalling& signalling)
 {
     std::string text = Place(signalling.source) + Headline(signalling) + '\n';
     if (signalling.status != EStatus::NEW_VERSION_SAME_CONTENT) {
-        text += ItemsText(signalling);
+        text += ItemsText(signalling) + PartsText(signalling);
         for (const SSlsDocument& document : signalling.documents) {
             text += DocumentText(document);
         }

@@ -62,7 +62,7 @@ bool IsTextStart(SView start)
 {
     const std::string text(reinterpret_cast<const char*>(start.data), start.size);
     return IsGzip(start) || text.find_first_of("< \t\r\n") == 0 || text.rfind("\xEF\xBB\xBF", 0) == 0 ||
-           text.rfind("--", 0) == 0 || text == "Cont" || text == "MIME";
+           text.rfind("--", 0) == 0 || text == "Cont" || text == "MIME" || text == "#EXT";
 }
 
 }  // namespace
