@@ -10,6 +10,7 @@
 
 #include "Inspector.h"
 #include "Options.h"
+#include "base/Limits.h"
 #include "base/Text.h"
 #include "report/HtmlReport.h"
 #include "report/JsonReport.h"
@@ -57,6 +58,7 @@ int Inspect(int argc, char** argv)
     if (!ReadOptions(argc, argv, options, &exitStatus)) {
         return exitStatus;
     }
+    LiftLimits(options.noLimit);
     COutputFile file(options.html);
     if (file.Error() != 0) {
         return Failed(options.html, file.Error());

@@ -129,7 +129,7 @@ SContent ReadRrt(const CParseRRT& parser)
             if (dimension.ratings.empty()) {
                 rows.push_back(row);
             }
-            json["Dimension"].push_back({{"DimensionTitle", TextJson(dimension.title)},
+            Append(json, "Dimension", {{"DimensionTitle", TextJson(dimension.title)},
                                          {"dimensionLevels", dimension.dimensionLevels},
                                          {"dimensionGraduated", dimension.dimensionGraduated},
                                          {"Rating", std::move(ratings)}});
@@ -137,7 +137,7 @@ SContent ReadRrt(const CParseRRT& parser)
         if (rows.size() > 1) {
             content.text += Aligned(rows);
         }
-        content.json["RatingRegionTable"].push_back(std::move(json));
+        Append(content.json, "RatingRegionTable", std::move(json));
     }
     return content;
 }
@@ -194,7 +194,7 @@ void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
     for (const SParseAEAT::SLocation& location : alert.locations) {
         const char* kind = LocationTypeName(location.type);
         text += Line("place", Printable(location.location) + (kind ? std::string(" (") + kind + ')' : ""));
-        json["Location"].push_back({{"location", location.location}, {"type", location.type}});
+        Append(json, "Location", {{"location", location.location}, {"type", location.type}});
         if (kind) {
             json["Location"].back()["typeName"] = kind;
         }
@@ -206,7 +206,7 @@ void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
         text += Line("media", Joined({Printable(media.mediaDesc), Printable(media.contentType),
                                       Counted(media.contentLength, "byte"), Printable(media.url)}) +
                                   InLanguage(media.lang));
-        json["Media"].push_back({{"lang", media.lang},
+        Append(json, "Media", {{"lang", media.lang},
                                  {"mediaType", media.mediaDesc},
                                  {"url", media.url},
                                  {"alternateUrl", media.alternateUrl},
@@ -225,7 +225,7 @@ void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
                              {"serviceId", alert.liveMedia->serviceId},
                              {"ServiceName", TextsJson(alert.liveMedia->serviceNames)}};
     }
-    content.json["AEA"].push_back(std::move(json));
+    Append(content.json, "AEA", std::move(json));
 }
 
 SContent ReadAeat(const CParseAEAT& parser)
@@ -252,7 +252,7 @@ SContent ReadOnscreen(const CParseOnscreenNoti& parser)
                         (entry.serviceIdRange != 0 ? " to " + std::to_string(last) : "") +
                         (entry.notificationDuration.empty() ? "" : ", for " + Printable(entry.notificationDuration)) +
                         ", version " + std::to_string(entry.version) + '\n';
-        content.json["KeepScreenClear"].push_back({{"bsid", entry.bsid},
+        Append(content.json, "KeepScreenClear", {{"bsid", entry.bsid},
                                                    {"serviceId", entry.serviceId},
                                                    {"serviceIdRange", entry.serviceIdRange},
                                                    {"notificationDuration", entry.notificationDuration},
@@ -303,13 +303,13 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
         if (!certificate.error.empty()) {
             outcome.faults.emplace_back(EFault::BAD_CERTIFICATE, "a certificate of the table is " + certificate.error);
             content.text += "  certificate: " + certificate.error + '\n';
-            content.json["Certificates"].push_back({{"error", certificate.error}});
+            Append(content.json, "Certificates", TJson::object({{"error", certificate.error}}));
             continue;
         }
         content.text += "  certificate\n" + Line("subject", Printable(certificate.subject)) +
                         Line("issuer", Printable(certificate.issuer)) +
                         Line("valid", certificate.notBefore + " to " + certificate.notAfter);
-        content.json["Certificates"].push_back({{"subject", certificate.subject},
+        Append(content.json, "Certificates", {{"subject", certificate.subject},
                                                 {"issuer", certificate.issuer},
                                                 {"notBefore", certificate.notBefore},
                                                 {"notAfter", certificate.notAfter}});
@@ -388,7 +388,7 @@ void ReadMultiTable(const SLlsHeader& header, SView bytes, STableOutcome& outcom
         if (TableName(id)) {
             json["LLS_table_idName"] = TableName(id);
         }
-        content.json["payloads"].push_back(std::move(json));
+        Append(content.json, "payloads", std::move(json));
         outcome.inner.push_back(std::move(table));
     }
     parser.GetSignatureLength(length);
