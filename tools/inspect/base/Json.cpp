@@ -27,14 +27,6 @@ std::string ValueText(const TJson& value)
     return value.size() > k_shown ? text + " and " + std::to_string(value.size() - k_shown) + " more" : text;
 }
 
-constexpr char k_leftOut[] = "leftOut";
-
-void CountLeftOut(TJson& object, const std::string& key, std::size_t count)
-{
-    TJson& gone = object[k_leftOut][key];
-    gone = (gone.is_null() ? 0 : gone.get<std::size_t>()) + count;
-}
-
 /// Cuts the value; of what is gone of itself and of the lists within, the count is added to `gone`.
 bool CutValue(TJson& value, std::size_t most, std::size_t& gone)
 {
@@ -44,13 +36,13 @@ bool CutValue(TJson& value, std::size_t most, std::size_t& gone)
     }
     if (value.is_string()) {
         std::string& text = value.get_ref<std::string&>();
-        const std::size_t size = text.size();
-        if (size / k_line >= most) {
-            text = Clipped(text, most * k_line);
-            gone += size - most * k_line;
-            return true;
+        if (text.size() / k_line < most || text.size() == most * k_line) {
+            return false;
         }
-        return false;
+        const std::size_t size = text.size();
+        text.resize(ClippedSize(text, most * k_line));
+        gone += size - text.size();
+        return true;
     }
     bool cut = false;
     if (value.is_array()) {
@@ -68,13 +60,21 @@ bool CutValue(TJson& value, std::size_t most, std::size_t& gone)
 
 }  // namespace
 
+void LeaveOut(TJson& object, const std::string& list, std::size_t count)
+{
+    if (count != 0) {
+        TJson& gone = object["leftOut"][list];
+        gone = (gone.is_null() ? 0 : gone.get<std::size_t>()) + count;
+    }
+}
+
 void Append(TJson& object, const char* list, TJson entry)
 {
     TJson& entries = object[list];
     if (entries.size() < MostEntries()) {
         entries.push_back(std::move(entry));
     } else {
-        CountLeftOut(object, list, 1);
+        LeaveOut(object, list, 1);
     }
 }
 
@@ -90,7 +90,7 @@ bool CutJson(TJson& object, std::size_t most)
         }
     }
     for (const auto& [key, gone] : leftOut) {
-        CountLeftOut(object, key, gone);
+        LeaveOut(object, key, gone);
     }
     return cut;
 }

@@ -62,6 +62,8 @@ inline void PutList(TJson& object, const char* key, TJson list)
 
 /// Sets the field `key`, and with a name for the number the field of that name with "Name" behind it.
 void PutNamed(TJson& object, const std::string& key, long long number, const char* name);
+/// Counts entries in the object's "leftOut", by the name of their list.
+void LeaveOut(TJson& object, const std::string& list, std::size_t count);
 /// Appends an entry to a list of the object. When the list has as many as a report shows, the entry is counted in the
 /// object's "leftOut" instead, by the name of the list.
 void Append(TJson& object, const char* list, TJson entry);

@@ -195,12 +195,18 @@ std::int64_t NtpSeconds(std::uint32_t ntp)
     return ntp - k_from1900To1970 + (ntp < 0x80000000u ? k_era : 0);
 }
 
-std::string Clipped(const std::string& text, std::size_t bytes)
+std::size_t ClippedSize(const std::string& text, std::size_t bytes)
 {
     std::size_t end = std::min(text.size(), bytes);
     while (end < text.size() && end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
         --end;
     }
+    return end;
+}
+
+std::string Clipped(const std::string& text, std::size_t bytes)
+{
+    const std::size_t end = ClippedSize(text, bytes);
     return end < text.size() ? text.substr(0, end) + "\u2026" : text;
 }
 

@@ -35,6 +35,8 @@ std::string Joined(const std::vector<std::string>& texts);
 std::string InLanguage(const std::string& lang);
 /// The first columns of a printable text, "…" behind it when it is longer.
 std::string Short(const std::string& text);
+/// How many of the text's first bytes are whole characters.
+std::size_t ClippedSize(const std::string& text, std::size_t bytes);
 /// The text, or its first bytes with "…" behind them.
 std::string Clipped(const std::string& text, std::size_t bytes);
 /// A line that tells that of `count` only `shown` are there; nothing when all are.

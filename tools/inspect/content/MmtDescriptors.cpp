@@ -46,10 +46,11 @@ void PutObjects(TJson& json, const char* key, const TList& list, TFill fill)
 template <class TDescriptor, void (*TPut)(const typename TDescriptor::SAsset& asset, TJson& entry)>
 void PutAssets(TJson& json, const CMMTDesc& descriptor)
 {
-    PutObjects(json, "assets", static_cast<const TDescriptor&>(descriptor).Assets(), [](const auto& asset, TJson& entry) {
-        entry["asset_id"] = AssetIdText(asset.assetId);
-        TPut(asset, entry);
-    });
+    PutObjects(json, "assets", static_cast<const TDescriptor&>(descriptor).Assets(),
+               [](const auto& asset, TJson& entry) {
+                   entry["asset_id"] = AssetIdText(asset.assetId);
+                   TPut(asset, entry);
+               });
 }
 
 void PutClock(TJson& json, const CMMTDescCri& clock)
@@ -62,10 +63,10 @@ void PutClock(TJson& json, const CMMTDescCri& clock)
 void PutTimestamps(TJson& json, const CMMTDescMpuTimestamp& descriptor)
 {
     PutObjects(json, "timestamps", descriptor.Timestamps(),
-            [](const CMMTDescMpuTimestamp::STimestamp& timestamp, TJson& entry) {
-                entry["mpu_sequence_number"] = timestamp.mpuSequenceNumber;
-                entry["mpu_presentation_time"] = NtpText(timestamp.presentationTime);
-            });
+               [](const CMMTDescMpuTimestamp::STimestamp& timestamp, TJson& entry) {
+                   entry["mpu_sequence_number"] = timestamp.mpuSequenceNumber;
+                   entry["mpu_presentation_time"] = NtpText(timestamp.presentationTime);
+               });
 }
 
 void PutDependency(const CMMTDescDependency::SAsset& asset, TJson& json)
@@ -106,12 +107,12 @@ void PutLevels(const CMMTDescVsp::SAsset& asset, TJson& json)
     PutProfile(levels, asset.profileTierLevel->profile);
     levels["level_idc"] = asset.profileTierLevel->levelIdc;
     PutObjects(levels, "sub_layers", asset.profileTierLevel->subLayers,
-            [](const CMMTDescVsp::SSubLayer& layer, TJson& entry) {
-                if (layer.profile) {
-                    PutProfile(entry, *layer.profile);
-                }
-                PutValue(entry, "level_idc", layer.levelIdc);
-            });
+               [](const CMMTDescVsp::SSubLayer& layer, TJson& entry) {
+                   if (layer.profile) {
+                       PutProfile(entry, *layer.profile);
+                   }
+                   PutValue(entry, "level_idc", layer.levelIdc);
+               });
 }
 
 void PutVideo(const CMMTDescVsp::SAsset& asset, TJson& json)
@@ -197,10 +198,10 @@ void PutAudio(const CMMTDescAsp::SAsset& asset, TJson& json)
         json["this_stream_id"] = asset.multiStream->thisStreamId;
         json["bundle_id"] = asset.multiStream->bundleId;
         PutObjects(json, "auxiliary_streams", asset.multiStream->auxiliaryStreams,
-                [](const CMMTDescAsp::SAuxiliaryStream& stream, TJson& entry) {
-                    entry["delivery_method"] = stream.deliveryMethod;
-                    entry["auxiliary_stream_id"] = stream.auxiliaryStreamId;
-                });
+                   [](const CMMTDescAsp::SAuxiliaryStream& stream, TJson& entry) {
+                       entry["delivery_method"] = stream.deliveryMethod;
+                       entry["auxiliary_stream_id"] = stream.auxiliaryStreamId;
+                   });
     }
     PutTime(json, "emergency_start", asset.emergencyStart);
     PutTime(json, "emergency_end", asset.emergencyEnd);

@@ -132,7 +132,7 @@ void AddFiles(const SEFDTInfo& efdt, const std::string& tsi, SFiles& files)
     const auto any = [&](const std::string& name, long long size) {
         ++files.all;
         AddRow(files.rows,
-            {"  " + tsi, "any", Printable(name), "", size != -1 ? "up to " + std::to_string(size) : std::string()});
+               {"  " + tsi, "any", Printable(name), "", size != -1 ? "up to " + std::to_string(size) : std::string()});
     };
     if (efdt.fileTemplate != nullptr) {
         any(efdt.fileTemplate, efdt.maxTransportSize != k_none ? efdt.maxTransportSize : -1LL);
@@ -147,9 +147,9 @@ void AddFiles(const SEFDTInfo& efdt, const std::string& tsi, SFiles& files)
         const long long size = file.contentLength != -1 ? file.contentLength : file.transferLength;
         ++files.count;
         ++files.all;
-        AddRow(files.rows, {"  " + tsi, file.toi != ~0ull ? std::to_string(file.toi) : "-",
-                              Printable(file.contentLocation), Printable(file.contentType),
-                              size != -1 ? std::to_string(size) : ""});
+        AddRow(files.rows,
+               {"  " + tsi, file.toi != ~0ull ? std::to_string(file.toi) : "-", Printable(file.contentLocation),
+                Printable(file.contentType), size != -1 ? std::to_string(size) : ""});
     });
 }
 
@@ -389,8 +389,8 @@ SContent StsidContent(const CSTSID& stsid)
         });
         Append(content.json, "RS", std::move(json));
     });
-    content.headline = Counted(static_cast<std::uint64_t>(stsid.State()->routeSessions.Size()), "ROUTE session") + ", " +
-                       Counted(count, "LCT session") + ", " + Counted(files.count, "file");
+    content.headline = Counted(static_cast<std::uint64_t>(stsid.State()->routeSessions.Size()), "ROUTE session") +
+                       ", " + Counted(count, "LCT session") + ", " + Counted(files.count, "file");
     content.text = RowsText(sessions, count) + RowsText(files.rows, files.all);
     return content;
 }

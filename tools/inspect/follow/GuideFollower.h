@@ -94,9 +94,9 @@ class CGuideFollower {
     std::list<TFragment> m_order;  ///< of m_fragments, oldest first
     std::size_t m_held = 0;        ///< bytes of the fragments' texts
     std::map<TGroup, std::vector<SListedService>> m_services;
-    std::size_t m_sinceShown = 0;      ///< bytes of the objects that came since, inflated, repeats included
+    std::size_t m_sinceShown = 0;         ///< bytes of the objects that came since, inflated, repeats included
     CAllowance m_allowance{0, k_growth};  ///< the guide that was shown against what was sent since
-    bool m_changed = false;            ///< since the guide was shown
+    bool m_changed = false;               ///< since the guide was shown
     bool m_toldFull = false;
     bool m_toldCut = false;
     SGuide m_shown;  ///< without its services

@@ -82,7 +82,7 @@ struct SFault {
     std::optional<unsigned> serviceId = std::nullopt;
     std::string attribute = {};
     std::string serviceList = {};  ///< as ServiceListName has it: of the service that is not signalled
-    std::uint64_t times = 1;        ///< as often as it is told of by this
+    std::uint64_t times = 1;       ///< as often as it is told of by this
     bool note = false;             ///< nothing is wrong with the broadcast: it is worth knowing
 };
 

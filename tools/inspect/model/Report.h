@@ -25,8 +25,8 @@ class CReport {
     void Message(const SMessage& message);
     void GuideObject(const SGuideObject& object);
     void Guide(const SGuide& guide);
-    /// Tells of the fault. Those that are alike, or too many of a kind in one place, are told of together when the place
-    /// changes.
+    /// Tells of the fault. Those that are alike, or too many of a kind in one place, are told of together when the
+    /// place changes.
     void Fault(SFault fault);
     void Finish();
     /// For the counts that only its users know.
@@ -35,8 +35,8 @@ class CReport {
   private:
     static constexpr std::size_t k_firstFaults = 20;
 
-    static constexpr std::uint64_t k_toldAlike = 3;      ///< of faults that say the same, told of alone
-    static constexpr std::size_t k_mostAlike = 4096;     ///< kinds of these that are known at a time
+    static constexpr std::uint64_t k_toldAlike = 3;   ///< of faults that say the same, told of alone
+    static constexpr std::size_t k_mostAlike = 4096;  ///< kinds of these that are known at a time
     static constexpr std::size_t k_longestMessage = 1024;
 
     /// Faults that are alike.

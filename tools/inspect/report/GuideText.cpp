@@ -140,12 +140,12 @@ std::string GuideText(const SGuide& guide, bool localTime)
     std::string services;
     for (const SGuideService& service : guide.services) {
         programmes += service.programmes.size() + service.leftOut;
-        services += ServiceText(service) + ProgrammesText(service.programmes, clock) +
-                    MoreText("    ", service.leftOut, 0);
+        services +=
+            ServiceText(service) + ProgrammesText(service.programmes, clock) + MoreText("    ", service.leftOut, 0);
     }
     services += MoreText("  ", guide.leftOut, 0);
-    std::string text = "guide: " + Counted(guide.services.size() + guide.leftOut, "service") + ", " + Counted(programmes, "programme") +
-                       " of " + Counted(guide.fragments, "fragment");
+    std::string text = "guide: " + Counted(guide.services.size() + guide.leftOut, "service") + ", " +
+                       Counted(programmes, "programme") + " of " + Counted(guide.fragments, "fragment");
     const auto add = [&text](std::size_t count, const char* what, const char* why) {
         text += count != 0 ? "; " + Counted(count, what) + why : "";
     };

@@ -99,8 +99,8 @@ class CGuidePage {
                 m_Place(programmes[i], {service, i});
             }
         }
-        m_html = "<p>" + Counted(m_guide.services.size() + m_guide.leftOut, "service") + ", " + Counted(m_programmes, "programme") +
-                 " of " + Counted(m_guide.fragments, "fragment");
+        m_html = "<p>" + Counted(m_guide.services.size() + m_guide.leftOut, "service") + ", " +
+                 Counted(m_programmes, "programme") + " of " + Counted(m_guide.fragments, "fragment");
         m_Count(m_guide.unscheduledContents, "content", " in no schedule");
         m_Count(m_guide.missingContents, "content", " of schedules missing");
         m_Count(m_guide.missingServices, "service", " missing");

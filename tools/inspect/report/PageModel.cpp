@@ -94,9 +94,9 @@ typename TMap::mapped_type* CPageModel::m_Find(TMap& map, const typename TMap::k
     return found != map.end() ? &found->second : &map[key];
 }
 
-bool CPageModel::m_Take(std::size_t bytes)
+bool CPageModel::m_Take(std::size_t bytes, std::size_t most)
 {
-    const bool fits = m_bytes + bytes <= std::min(Limit(k_mostBytes), m_allowance.Room());
+    const bool fits = m_bytes + bytes <= std::min(Limit(most), m_allowance.Room());
     m_bytes += fits ? bytes : 0;
     return fits;
 }
@@ -107,7 +107,7 @@ void CPageModel::m_Hold(SPart& part, const std::string& title, const SSource& so
     part.bytes = title.size() + html.size();
     part.source = source;
     ++part.versions;
-    if (m_Take(part.bytes)) {
+    if (m_Take(part.bytes, k_mostBytes)) {
         part.title = title;
         part.html = std::move(html);
         return;
@@ -198,7 +198,7 @@ void CPageModel::m_Slt(const STable& table, const TKey& key)
                              {"schema_version", "type", "source", "stream", "LLS_table_id", "LLS_table_idName",
                               "LLS_group_id", "group_count_minus1", "LLS_table_version", "bsid"}));
         const std::size_t bytes = 2 * k_around + listed.title.size() + listed.cells.size() + listed.html.size();
-        if (!m_Take(bytes)) {
+        if (!m_Take(bytes, k_mostBytes)) {
             t_left += table.slt->services.size() - i;
             break;
         }

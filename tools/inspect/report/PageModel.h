@@ -83,7 +83,7 @@ class CPageModel : public IReportWriter {
     std::map<TKey, SSession> t_sessions;
     std::map<TKey, SPart> t_guideObjects;
     std::map<std::size_t, SPart> t_guides;  ///< by file
-    std::map<TKey, std::string> t_missing;        ///< why a service is not signalled, by its list and id
+    std::map<TKey, std::string> t_missing;  ///< why a service is not signalled, by its list and id
     SList<SLine> t_changes;
     SList<SLine> t_faults;
     std::uint64_t t_left = 0;  ///< parts beyond the limits
@@ -94,8 +94,8 @@ class CPageModel : public IReportWriter {
     static constexpr std::size_t k_mostParts = 4096;      ///< of each kind
     static constexpr std::size_t k_mostLines = 1000;
 
-    /// Whether the page may hold as many bytes more; they count then.
-    bool m_Take(std::size_t bytes);
+    /// Whether the page may hold as many bytes more, up to `most` in all; they count then.
+    bool m_Take(std::size_t bytes, std::size_t most = static_cast<std::size_t>(-1));
     template <class TMap>
     typename TMap::mapped_type* m_Find(TMap& map, const typename TMap::key_type& key);
     void m_Hold(SPart& part, const std::string& title, const SSource& source, std::string html);
@@ -109,7 +109,7 @@ class CPageModel : public IReportWriter {
 
     const bool m_localTime;
     std::size_t m_sessionParts = 0;  ///< of all of them
-    std::size_t m_bytes = 0;  ///< held
+    std::size_t m_bytes = 0;         ///< held
     CAllowance m_allowance;
 };
 

@@ -319,7 +319,8 @@ std::string Headline(const STable& table)
     text += table.insideMultiTable ? ", in a signed multi-table" : "";
     text += std::string(": ") + StatusText(table.status);
     if (table.slt) {
-        text += ", bsid " + std::to_string(table.slt->bsid) + ", " + Counted(table.slt->services.size() + table.slt->leftOut, "service");
+        text += ", bsid " + std::to_string(table.slt->bsid) + ", " +
+                Counted(table.slt->services.size() + table.slt->leftOut, "service");
         text += table.slt->dropped != 0 ? ", " + std::to_string(table.slt->dropped) + " of them not listed" : "";
         return text + (table.slt->cmsSignedData ? ", with CMSSignedData" : "");
     }
