@@ -233,6 +233,7 @@ TEST(HtmlReport, ComponentsOfAService)
 TEST(HtmlReport, HoldsNoMoreThanItsLimits)
 {
     CHtmlReport report;
+    report.Received(1 << 20);
     STable table = Alert(1, {}, "");
     for (int i = 0; i < 400; ++i) {
         table.content->json["rows"].push_back({{"text", std::string(1000, 'x')}});

@@ -108,6 +108,7 @@ EExitStatus CInspector::Run()
 void CInspector::m_Inspect(const std::string& name)
 {
     CInput input(name);
+    m_report.Received(input.Bytes().size);  // none of a capture
     if (input.IsCapture()) {
         ++m_report.Summary().captures;
         m_Capture(input, name);
@@ -203,6 +204,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             ++source.packet;
             source.time = packet.time;
             times.Add(packet.time);
+            m_report.Received(packet.bytes.size);
             decoder.Decode(packet.bytes, packet.cut);
             m_progress.Show(name, source.packet);
         }

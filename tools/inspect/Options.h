@@ -25,6 +25,7 @@ struct SOptions {
     bool localTime = false;
     std::string genres;  ///< file of the genre names; empty: the library's own
     bool quiet = false;
+    bool noLimit = false;
     bool progress = false;
 };
 

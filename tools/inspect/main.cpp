@@ -11,6 +11,7 @@
 
 #include "Inspector.h"
 #include "Options.h"
+#include "base/Limits.h"
 #include "base/Text.h"
 #include "report/HtmlReport.h"
 #include "report/JsonReport.h"
@@ -67,6 +68,7 @@ int Inspect(int argc, char** argv)
     if (!ReadOptions(argc, argv, options, &exitStatus)) {
         return exitStatus;
     }
+    LiftLimits(options.noLimit);
     COutputFile file(options.html);
     if (file.Error() != 0) {
         return Failed(options.html, file.Error());

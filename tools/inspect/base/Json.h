@@ -62,6 +62,22 @@ inline void PutList(TJson& object, const char* key, TJson list)
 
 /// Sets the field `key`, and with a name for the number the field of that name with "Name" behind it.
 void PutNamed(TJson& object, const std::string& key, long long number, const char* name);
+/// Counts entries in the object's "leftOut", by the name of their list.
+void LeaveOut(TJson& object, const std::string& list, std::size_t count);
+/// Appends an entry to a list of the object. When the list has as many as a report shows, the entry is counted in the
+/// object's "leftOut" instead, by the name of the list.
+void Append(TJson& object, const char* list, TJson entry);
+/// Appends what `make` makes of each element of a list of anything.
+template <class TList, class TMake>
+void PutEach(TJson& object, const char* list, const TList& elements, TMake make)
+{
+    for (const auto& element : elements) {
+        Append(object, list, make(element));
+    }
+}
+/// Leaves of every list within no more than its first `most` entries, and of every text about as many lines of it as
+/// that; how much is gone of which stands beside it in "leftOut", in entries and bytes. False: all of it stays.
+bool CutJson(TJson& object, std::size_t most);
 /// The fields of an object for people: "packet_id 5, assets (asset_id a, codec_code hev1)". Long texts and
 /// lists are cut short.
 std::string FieldsText(const TJson& object);

@@ -195,6 +195,41 @@ std::int64_t NtpSeconds(std::uint32_t ntp)
     return ntp - k_from1900To1970 + (ntp < 0x80000000u ? k_era : 0);
 }
 
+std::size_t ClippedSize(const std::string& text, std::size_t bytes)
+{
+    std::size_t end = std::min(text.size(), bytes);
+    while (end < text.size() && end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+        --end;
+    }
+    return end;
+}
+
+std::string Clipped(const std::string& text, std::size_t bytes)
+{
+    const std::size_t end = ClippedSize(text, bytes);
+    return end < text.size() ? text.substr(0, end) + "\u2026" : text;
+}
+
+std::string MoreText(const char* indent, std::uint64_t count, std::uint64_t shown)
+{
+    return count > shown ? indent + ("and " + std::to_string(count - shown)) + " more\n" : std::string();
+}
+
+std::string FirstLines(const std::string& text, std::size_t bytes)
+{
+    constexpr std::size_t k_told = 64;
+    if (text.size() <= bytes) {
+        return text;
+    }
+    const std::size_t most = bytes > k_told ? bytes - k_told : 0;
+    const std::size_t last = most != 0 ? text.rfind('\n', most - 1) : std::string::npos;
+    if (last == std::string::npos) {
+        return {};
+    }
+    const auto more = std::count(text.begin() + static_cast<std::ptrdiff_t>(last) + 1, text.end(), '\n');
+    return text.substr(0, last + 1) + "  and " + Counted(static_cast<std::uint64_t>(more), "line") + " more\n";
+}
+
 std::string InstantText(std::int64_t seconds, std::int32_t nanoseconds, int digits)
 {
     const std::time_t whole = static_cast<std::time_t>(seconds);

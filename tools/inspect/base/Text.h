@@ -35,6 +35,15 @@ std::string Joined(const std::vector<std::string>& texts);
 std::string InLanguage(const std::string& lang);
 /// The first columns of a printable text, "…" behind it when it is longer.
 std::string Short(const std::string& text);
+/// How many of the text's first bytes are whole characters.
+std::size_t ClippedSize(const std::string& text, std::size_t bytes);
+/// The text, or its first bytes with "…" behind them.
+std::string Clipped(const std::string& text, std::size_t bytes);
+/// A line that tells that of `count` only `shown` are there; nothing when all are.
+std::string MoreText(const char* indent, std::uint64_t count, std::uint64_t shown);
+/// The text, or those of its lines that fit into as many bytes, and a line that tells how many more there are; nothing
+/// when its first line does not fit.
+std::string FirstLines(const std::string& text, std::size_t bytes);
 /// An instant as "2026-11-21T02:02:23.328Z": to the nanosecond, in groups of three digits, at least `digits` of them.
 std::string InstantText(std::int64_t seconds, std::int32_t nanoseconds, int digits = 3);
 /// Seconds since 1970 likewise, to the microsecond and without a fraction that is 0; as a number when they are no date

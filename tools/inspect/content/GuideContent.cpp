@@ -47,18 +47,7 @@ void PutCount(TJson& json, const char* key, long long number)
     PutNumber(json, key, number, 0LL);
 }
 
-/// One entry for each element of the list.
-template <class TList, class TMake>
-void PutEach(TJson& json, const char* key, const TList& list, TMake make)
-{
-    TJson entries = TJson::array();
-    for (const auto& element : list) {
-        entries.push_back(make(element));
-    }
-    PutList(json, key, std::move(entries));
-}
-
-/// The same for parsers of elements.
+/// One entry for each parser of an element.
 template <class TList, class TMake>
 void PutStates(TJson& json, const char* key, const TList& list, TMake make)
 {
@@ -538,7 +527,7 @@ SContent ResponseContent(const CSGResponse& response)
     PutText(json, "PrivateExt", state.privateExt.get());
     for (const auto& descriptor : state.descriptors) {
         SContent one = DescriptorContent(*descriptor);
-        json["ServiceGuideDeliveryDescriptor"].push_back(std::move(one.json));
+        Append(json, "ServiceGuideDeliveryDescriptor", std::move(one.json));
         content.text += "    descriptor: " + one.headline + '\n' + one.text;
     }
     return content;

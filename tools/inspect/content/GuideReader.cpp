@@ -206,7 +206,7 @@ class CUnitWalk {
             m_Xml(rest[1], rest.From(2).First(length), title, json, line);
             m_at += 2 + length;
         }
-        m_read.content->json["fragments"].push_back(std::move(json));
+        Append(m_read.content->json, "fragments", std::move(json));
         m_read.content->text += line;
         return true;
     }

@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include "base/Json.h"
+#include "base/Limits.h"
 #include "base/Names.h"
 #include "base/Text.h"
 #include "content/Certificates.h"
@@ -95,6 +96,19 @@ SContent ReadSystemTime(const CParseSystemTime& parser)
     return content;
 }
 
+/// The first entries of a list of the table: `read` is called with the index of each, and the others are counted.
+template <class TRead>
+void ReadEach(SContent& content, const char* list, std::size_t count, TRead read)
+{
+    content.json[list] = TJson::array();
+    const std::size_t most = std::min(count, MostEntries());
+    for (std::size_t i = 0; i < most; ++i) {
+        read(static_cast<int>(i));
+    }
+    LeaveOut(content.json, list, count - most);
+    content.text += MoreText("  ", count, most);
+}
+
 TJson TextJson(const SParseRRT::STextType& text)
 {
     return {{"lang", text.lang}, {"text", text.text}};
@@ -104,9 +118,8 @@ SContent ReadRrt(const CParseRRT& parser)
 {
     SContent content;
     content.headline = Counted(parser.numOfRatingRegionTable(), "region");
-    content.json["RatingRegionTable"] = TJson::array();
-    for (unsigned r = 0; r < parser.numOfRatingRegionTable(); ++r) {
-        const SParseRRT::SRegion& region = *parser.GetRegion(r);
+    ReadEach(content, "RatingRegionTable", parser.numOfRatingRegionTable(), [&](int r) {
+        const SParseRRT::SRegion& region = *parser.GetRegion(static_cast<unsigned>(r));
         content.text +=
             "  region " + std::to_string(region.regionIdentifier) + ": " + Printable(region.text.text) + '\n';
         TJson json = {{"regionIdentifier", region.regionIdentifier},
@@ -129,16 +142,17 @@ SContent ReadRrt(const CParseRRT& parser)
             if (dimension.ratings.empty()) {
                 rows.push_back(row);
             }
-            json["Dimension"].push_back({{"DimensionTitle", TextJson(dimension.title)},
-                                         {"dimensionLevels", dimension.dimensionLevels},
-                                         {"dimensionGraduated", dimension.dimensionGraduated},
-                                         {"Rating", std::move(ratings)}});
+            Append(json, "Dimension",
+                   {{"DimensionTitle", TextJson(dimension.title)},
+                    {"dimensionLevels", dimension.dimensionLevels},
+                    {"dimensionGraduated", dimension.dimensionGraduated},
+                    {"Rating", std::move(ratings)}});
         }
         if (rows.size() > 1) {
             content.text += Aligned(rows);
         }
-        content.json["RatingRegionTable"].push_back(std::move(json));
-    }
+        Append(content.json, "RatingRegionTable", std::move(json));
+    });
     return content;
 }
 
@@ -194,7 +208,7 @@ void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
     for (const SParseAEAT::SLocation& location : alert.locations) {
         const char* kind = LocationTypeName(location.type);
         text += Line("place", Printable(location.location) + (kind ? std::string(" (") + kind + ')' : ""));
-        json["Location"].push_back({{"location", location.location}, {"type", location.type}});
+        Append(json, "Location", {{"location", location.location}, {"type", location.type}});
         if (kind) {
             json["Location"].back()["typeName"] = kind;
         }
@@ -206,13 +220,14 @@ void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
         text += Line("media", Joined({Printable(media.mediaDesc), Printable(media.contentType),
                                       Counted(media.contentLength, "byte"), Printable(media.url)}) +
                                   InLanguage(media.lang));
-        json["Media"].push_back({{"lang", media.lang},
-                                 {"mediaType", media.mediaDesc},
-                                 {"url", media.url},
-                                 {"alternateUrl", media.alternateUrl},
-                                 {"contentType", media.contentType},
-                                 {"contentLength", media.contentLength},
-                                 {"mediaAssoc", media.mediaAssoc}});
+        Append(json, "Media",
+               {{"lang", media.lang},
+                {"mediaType", media.mediaDesc},
+                {"url", media.url},
+                {"alternateUrl", media.alternateUrl},
+                {"contentType", media.contentType},
+                {"contentLength", media.contentLength},
+                {"mediaAssoc", media.mediaAssoc}});
     }
     if (alert.liveMedia) {
         std::string names;
@@ -225,17 +240,15 @@ void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
                              {"serviceId", alert.liveMedia->serviceId},
                              {"ServiceName", TextsJson(alert.liveMedia->serviceNames)}};
     }
-    content.json["AEA"].push_back(std::move(json));
+    Append(content.json, "AEA", std::move(json));
 }
 
 SContent ReadAeat(const CParseAEAT& parser)
 {
     SContent content;
     content.headline = Counted(static_cast<std::uint64_t>(parser.AEACount()), "alert");
-    content.json["AEA"] = TJson::array();
-    for (int i = 0; i < parser.AEACount(); ++i) {
-        ReadAlert(*parser.GetAEA(i), content);
-    }
+    ReadEach(content, "AEA", static_cast<std::size_t>(parser.AEACount()),
+             [&](int i) { ReadAlert(*parser.GetAEA(i), content); });
     return content;
 }
 
@@ -243,22 +256,22 @@ SContent ReadOnscreen(const CParseOnscreenNoti& parser)
 {
     SContent content;
     content.headline = Counted(parser.KSCCount(), "entry", "entries");
-    content.json["KeepScreenClear"] = TJson::array();
-    for (unsigned i = 0; i < parser.KSCCount(); ++i) {
-        const CParseOnscreenNoti::SKeepScreenClear& entry = *parser.GetKSC(i);
+    ReadEach(content, "KeepScreenClear", parser.KSCCount(), [&](int i) {
+        const CParseOnscreenNoti::SKeepScreenClear& entry = *parser.GetKSC(static_cast<unsigned>(i));
         const unsigned last = entry.serviceId + entry.serviceIdRange;
         content.text += std::string("  ") + (entry.kscFlag ? "keep clear" : "release") + ": bsid " +
                         std::to_string(entry.bsid) + ", service " + std::to_string(entry.serviceId) +
                         (entry.serviceIdRange != 0 ? " to " + std::to_string(last) : "") +
                         (entry.notificationDuration.empty() ? "" : ", for " + Printable(entry.notificationDuration)) +
                         ", version " + std::to_string(entry.version) + '\n';
-        content.json["KeepScreenClear"].push_back({{"bsid", entry.bsid},
-                                                   {"serviceId", entry.serviceId},
-                                                   {"serviceIdRange", entry.serviceIdRange},
-                                                   {"notificationDuration", entry.notificationDuration},
-                                                   {"kscFlag", entry.kscFlag},
-                                                   {"version", entry.version}});
-    }
+        Append(content.json, "KeepScreenClear",
+               {{"bsid", entry.bsid},
+                {"serviceId", entry.serviceId},
+                {"serviceIdRange", entry.serviceIdRange},
+                {"notificationDuration", entry.notificationDuration},
+                {"kscFlag", entry.kscFlag},
+                {"version", entry.version}});
+    });
     return content;
 }
 
@@ -303,16 +316,17 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
         if (!certificate.error.empty()) {
             outcome.faults.emplace_back(EFault::BAD_CERTIFICATE, "a certificate of the table is " + certificate.error);
             content.text += "  certificate: " + certificate.error + '\n';
-            content.json["Certificates"].push_back({{"error", certificate.error}});
+            Append(content.json, "Certificates", TJson::object({{"error", certificate.error}}));
             continue;
         }
         content.text += "  certificate\n" + Line("subject", Printable(certificate.subject)) +
                         Line("issuer", Printable(certificate.issuer)) +
                         Line("valid", certificate.notBefore + " to " + certificate.notAfter);
-        content.json["Certificates"].push_back({{"subject", certificate.subject},
-                                                {"issuer", certificate.issuer},
-                                                {"notBefore", certificate.notBefore},
-                                                {"notAfter", certificate.notAfter}});
+        Append(content.json, "Certificates",
+               {{"subject", certificate.subject},
+                {"issuer", certificate.issuer},
+                {"notBefore", certificate.notBefore},
+                {"notAfter", certificate.notAfter}});
     }
     content.text += current.empty() ? "" : "  current certificate: " + Printable(current) + '\n';
     if (!next.empty() || given.nextCertFrom || given.currentCertUntil) {
@@ -388,7 +402,7 @@ void ReadMultiTable(const SLlsHeader& header, SView bytes, STableOutcome& outcom
         if (TableName(id)) {
             json["LLS_table_idName"] = TableName(id);
         }
-        content.json["payloads"].push_back(std::move(json));
+        Append(content.json, "payloads", std::move(json));
         outcome.inner.push_back(std::move(table));
     }
     parser.GetSignatureLength(length);

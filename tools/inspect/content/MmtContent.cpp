@@ -157,7 +157,7 @@ void PutDescriptors(TOwner& owner, const std::string& indent, TJson& json, std::
     for (int i = 0; i < owner.DescriptorCount(); ++i) {
         TJson descriptor = DescriptorJson(*owner.Descriptor(i));
         text += DescriptorText(indent, descriptor);
-        json["descriptors"].push_back(std::move(descriptor));
+        Append(json, "descriptors", std::move(descriptor));
     }
 }
 
@@ -178,7 +178,7 @@ TJson AssetJson(CMMTTblMpAsset& asset, std::string& text)
     for (unsigned char i = 0; i < asset.LocationCount(); ++i) {
         TJson location = LocationJson(*asset.Location(i));
         where += std::string(k_indent) + "  at " + LocationText(location) + '\n';
-        json["locations"].push_back(std::move(location));
+        Append(json, "locations", std::move(location));
     }
     text += k_indent + ("asset " + name) + ": " +
             Joined({Printable(json["asset_type"]), asset.DefaultAssetFlag() ? "default" : "",
@@ -188,7 +188,7 @@ TJson AssetJson(CMMTTblMpAsset& asset, std::string& text)
     for (unsigned i = 0; i < asset.AssetDescriptorSize(); ++i) {
         TJson descriptor = DescriptorJson(*asset.AssetDescriptor(i));
         text += DescriptorText(std::string(k_indent) + "  ", descriptor);
-        json["descriptors"].push_back(std::move(descriptor));
+        Append(json, "descriptors", std::move(descriptor));
     }
     return json;
 }
@@ -207,7 +207,7 @@ void ReadMp(CMMTTblMp& table, SContent& content)
     PutDescriptors(table, k_indent, json, content.text);
     json["assets"] = TJson::array();
     for (int i = 0; i < table.AssetCount(); ++i) {
-        json["assets"].push_back(AssetJson(*table.Asset(i), content.text));
+        Append(json, "assets", AssetJson(*table.Asset(i), content.text));
     }
 }
 
@@ -239,7 +239,7 @@ void ReadMpi(CMMTTblMpi& table, SContent& content)
         } else if (!document.empty()) {
             item["firstLine"] = AppDataContent(document).json["firstLine"];
         }
-        json["contents"].push_back(std::move(item));
+        Append(json, "contents", std::move(item));
     }
 }
 
@@ -263,7 +263,7 @@ void ReadPa(CMMTTblPa& table, SContent& content)
             content.text += "; or at " + LocationText(entry["alternative_location"]);
         }
         content.text += '\n';
-        json["tables"].push_back(std::move(entry));
+        Append(json, "tables", std::move(entry));
     }
 }
 
@@ -284,7 +284,7 @@ void ReadDci(CMMTTblDci& table, SContent& content)
         PutValue(json, "minimum_buffer_size", asset.minimumBufferSize);
         PutValue(json, "required_storage", asset.requiredStorage);
         content.text += k_indent + FieldsText(json) + '\n';
-        content.json["assets"].push_back(std::move(json));
+        Append(content.json, "assets", std::move(json));
     }
 }
 
@@ -311,7 +311,7 @@ SContent AcContent(const CMMTMsgAc& message)
         }
         PutValue(json, "arq_server_port", entry.serverPort);
         content.text += k_indent + FieldsText(json) + '\n';
-        content.json["entries"].push_back(std::move(json));
+        Append(content.json, "entries", std::move(json));
     }
     return content;
 }
@@ -354,7 +354,7 @@ SContent LicenceContent(const CMMTMsgLs& message)
             json["licence"] = Hex({licence.data.Data(), licence.data.Length()});
         }
         content.text += k_indent + FieldsText(json) + '\n';
-        content.json["licences"].push_back(std::move(json));
+        Append(content.json, "licences", std::move(json));
     }
     return content;
 }

@@ -33,25 +33,24 @@ void PutHex(TJson& json, const char* key, std::string_view bytes)
 
 /// A list with one object for each entry, which `fill(entry, object)` fills.
 template <class TList, class TFill>
-void PutEach(TJson& json, const char* key, const TList& list, TFill fill)
+void PutObjects(TJson& json, const char* key, const TList& list, TFill fill)
 {
-    TJson array = TJson::array();
-    for (const auto& entry : list) {
+    PutEach(json, key, list, [&](const auto& entry) {
         TJson object = TJson::object();
         fill(entry, object);
-        array.push_back(std::move(object));
-    }
-    PutList(json, key, std::move(array));
+        return object;
+    });
 }
 
 /// The assets of a descriptor, each with its id.
 template <class TDescriptor, void (*TPut)(const typename TDescriptor::SAsset& asset, TJson& entry)>
 void PutAssets(TJson& json, const CMMTDesc& descriptor)
 {
-    PutEach(json, "assets", static_cast<const TDescriptor&>(descriptor).Assets(), [](const auto& asset, TJson& entry) {
-        entry["asset_id"] = AssetIdText(asset.assetId);
-        TPut(asset, entry);
-    });
+    PutObjects(json, "assets", static_cast<const TDescriptor&>(descriptor).Assets(),
+               [](const auto& asset, TJson& entry) {
+                   entry["asset_id"] = AssetIdText(asset.assetId);
+                   TPut(asset, entry);
+               });
 }
 
 void PutClock(TJson& json, const CMMTDescCri& clock)
@@ -63,11 +62,11 @@ void PutClock(TJson& json, const CMMTDescCri& clock)
 
 void PutTimestamps(TJson& json, const CMMTDescMpuTimestamp& descriptor)
 {
-    PutEach(json, "timestamps", descriptor.Timestamps(),
-            [](const CMMTDescMpuTimestamp::STimestamp& timestamp, TJson& entry) {
-                entry["mpu_sequence_number"] = timestamp.mpuSequenceNumber;
-                entry["mpu_presentation_time"] = NtpText(timestamp.presentationTime);
-            });
+    PutObjects(json, "timestamps", descriptor.Timestamps(),
+               [](const CMMTDescMpuTimestamp::STimestamp& timestamp, TJson& entry) {
+                   entry["mpu_sequence_number"] = timestamp.mpuSequenceNumber;
+                   entry["mpu_presentation_time"] = NtpText(timestamp.presentationTime);
+               });
 }
 
 void PutDependency(const CMMTDescDependency::SAsset& asset, TJson& json)
@@ -77,10 +76,10 @@ void PutDependency(const CMMTDescDependency::SAsset& asset, TJson& json)
 
 void PutSecurity(TJson& json, const CMMTDescSi& descriptor)
 {
-    PutEach(json, "systems", descriptor.Systems(), [](const CMMTDescSi::SSystem& system, TJson& entry) {
+    PutObjects(json, "systems", descriptor.Systems(), [](const CMMTDescSi::SSystem& system, TJson& entry) {
         entry["system_id"] = HexOf(system.systemId);
         for (const std::string_view key : system.keyIds) {
-            entry["key_ids"].push_back(HexOf(key));
+            Append(entry, "key_ids", HexOf(key));
         }
         PutHex(entry, "data", system.data);
     });
@@ -107,13 +106,13 @@ void PutLevels(const CMMTDescVsp::SAsset& asset, TJson& json)
     TJson& levels = json["profile_tier_level"];
     PutProfile(levels, asset.profileTierLevel->profile);
     levels["level_idc"] = asset.profileTierLevel->levelIdc;
-    PutEach(levels, "sub_layers", asset.profileTierLevel->subLayers,
-            [](const CMMTDescVsp::SSubLayer& layer, TJson& entry) {
-                if (layer.profile) {
-                    PutProfile(entry, *layer.profile);
-                }
-                PutValue(entry, "level_idc", layer.levelIdc);
-            });
+    PutObjects(levels, "sub_layers", asset.profileTierLevel->subLayers,
+               [](const CMMTDescVsp::SSubLayer& layer, TJson& entry) {
+                   if (layer.profile) {
+                       PutProfile(entry, *layer.profile);
+                   }
+                   PutValue(entry, "level_idc", layer.levelIdc);
+               });
 }
 
 void PutVideo(const CMMTDescVsp::SAsset& asset, TJson& json)
@@ -144,11 +143,11 @@ void PutVideo(const CMMTDescVsp::SAsset& asset, TJson& json)
         json["bit_depth_luma_minus8"] = resolution.bitDepthLumaMinus8;
         json["bit_depth_chroma_minus8"] = resolution.bitDepthChromaMinus8;
     }
-    PutEach(json, "picture_rates", asset.pictureRates, [](const CMMTDescVsp::SPictureRate& rate, TJson& entry) {
+    PutObjects(json, "picture_rates", asset.pictureRates, [](const CMMTDescVsp::SPictureRate& rate, TJson& entry) {
         entry["picture_rate_code"] = rate.code;
         PutValue(entry, "average_picture_rate", rate.average);
     });
-    PutEach(json, "bit_rates", asset.bitRates, [](const CMMTDescVsp::SBitRate& rate, TJson& entry) {
+    PutObjects(json, "bit_rates", asset.bitRates, [](const CMMTDescVsp::SBitRate& rate, TJson& entry) {
         entry["average_bitrate"] = rate.average;
         entry["maximum_bitrate"] = rate.maximum;
     });
@@ -171,15 +170,15 @@ void PutPresentation(const CMMTDescAsp::SPresentation& presentation, TJson& json
     PutValue(json, "audio_channel_config", presentation.audioChannelConfig);
     PutValue(json, "audio_rendering_indication", presentation.audioRenderingIndication);
     for (const std::string_view language : presentation.languages) {
-        json["languages"].push_back(std::string(language));
+        Append(json, "languages", std::string(language));
     }
     for (const unsigned accessibility : presentation.accessibility) {
-        json["accessibility"].push_back(accessibility);
+        Append(json, "accessibility", accessibility);
     }
     PutValue(json, "role", presentation.role);
     PutText(json, "label", std::string(presentation.label));
     for (const unsigned id : presentation.auxStreamIds) {
-        json["presentation_aux_streams"].push_back(id);
+        Append(json, "presentation_aux_streams", id);
     }
 }
 
@@ -193,16 +192,16 @@ void PutTime(TJson& json, const char* key, const std::optional<CMMTDescAsp::STim
 void PutAudio(const CMMTDescAsp::SAsset& asset, TJson& json)
 {
     json["codec_code"] = std::string(asset.codecCode);
-    PutEach(json, "presentations", asset.presentations, PutPresentation);
+    PutObjects(json, "presentations", asset.presentations, PutPresentation);
     if (asset.multiStream) {
         json["this_is_main_stream"] = asset.multiStream->thisIsMainStream;
         json["this_stream_id"] = asset.multiStream->thisStreamId;
         json["bundle_id"] = asset.multiStream->bundleId;
-        PutEach(json, "auxiliary_streams", asset.multiStream->auxiliaryStreams,
-                [](const CMMTDescAsp::SAuxiliaryStream& stream, TJson& entry) {
-                    entry["delivery_method"] = stream.deliveryMethod;
-                    entry["auxiliary_stream_id"] = stream.auxiliaryStreamId;
-                });
+        PutObjects(json, "auxiliary_streams", asset.multiStream->auxiliaryStreams,
+                   [](const CMMTDescAsp::SAuxiliaryStream& stream, TJson& entry) {
+                       entry["delivery_method"] = stream.deliveryMethod;
+                       entry["auxiliary_stream_id"] = stream.auxiliaryStreamId;
+                   });
     }
     PutTime(json, "emergency_start", asset.emergencyStart);
     PutTime(json, "emergency_end", asset.emergencyEnd);
@@ -222,11 +221,11 @@ void PutProtection(const CMMTDescSp::SAsset& asset, TJson& json)
 {
     PutText(json, "scheme_code", std::string(asset.schemeCode));
     PutHex(json, "default_key_id", asset.defaultKeyId);
-    PutEach(json, "systems", asset.systems, [](const CMMTDescSp::SSystem& system, TJson& entry) {
+    PutObjects(json, "systems", asset.systems, [](const CMMTDescSp::SSystem& system, TJson& entry) {
         entry["system_id"] = HexOf(system.systemId);
         PutHex(entry, "data", system.data);
     });
-    PutEach(json, "licence_servers", asset.licenseUrls, [](const CMMTDescSp::SLicenseUrl& server, TJson& entry) {
+    PutObjects(json, "licence_servers", asset.licenseUrls, [](const CMMTDescSp::SLicenseUrl& server, TJson& entry) {
         entry["type"] = server.type;
         entry["url"] = std::string(server.url);
     });

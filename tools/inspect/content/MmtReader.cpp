@@ -207,7 +207,7 @@ void CMessageReader::m_ReadAtsc3Content(CMMTMsgAtsc3& message, SView bytes, SCon
                 [](void* to, CMMTDesc* descriptor) {
                     TJson json = DescriptorJson(*descriptor);
                     static_cast<SContent*>(to)->text += DescriptorText("    ", json);
-                    static_cast<SContent*>(to)->json["descriptors"].push_back(std::move(json));
+                    Append(static_cast<SContent*>(to)->json, "descriptors", std::move(json));
                 },
                 &content);
             break;
@@ -344,7 +344,7 @@ SMessageOutcome ReadMessage(SView bytes)
     content.headline = Joined({content.headline, descriptors != 0 ? Counted(descriptors, "descriptor") : ""});
     for (const unsigned tag : remarks.unknownTags) {
         content.text += "  a descriptor of tag " + std::to_string(tag) + " is not known: none behind it is read\n";
-        content.json["unknownDescriptorTags"].push_back(tag);
+        Append(content.json, "unknownDescriptorTags", tag);
     }
     for (const std::string& fault : content.faults) {
         outcome.faults.emplace_back(EFault::DOCUMENT_NOT_PARSED, fault);

@@ -62,7 +62,7 @@ void PutComponentInfo(const CMMTComponentInfo::SComponentInfo& info, SContent& c
     json["componentProtectedFlag"] = info.componentProtectedFlag;
     PutText(json, "componentId", info.componentId);
     PutText(json, "componentName", info.componentName);
-    content.json["ComponentInfo"].push_back(std::move(json));
+    Append(content.json, "ComponentInfo", std::move(json));
     const char* type = ComponentTypeName(info.componentType);
     content.text += Line("component", Joined({type != nullptr ? type : "type " + std::to_string(info.componentType),
                                               "role " + std::to_string(info.componentRole),
@@ -94,12 +94,12 @@ void PutRatings(const CMMTContentAdvisoryRatings& ratings, SContent& content)
         TJson entry = TJson::object();
         PutNumber(entry, "RatingDimension", dimension.dimension, 0);
         PutList(entry, "RatingValueString", TextsJson(dimension.values));
-        json["RatingDimVal"].push_back(std::move(entry));
+        Append(json, "RatingDimVal", std::move(entry));
     }
     std::string rating;
     ratings.GetContentRatingString(rating);
     json["rating"] = rating;
-    content.json["ContentAdvisoryRatings"].push_back(std::move(json));
+    Append(content.json, "ContentAdvisoryRatings", std::move(json));
     content.text += Line("rated", Printable(rating));
 }
 
@@ -110,12 +110,12 @@ void PutLanguages(const CMMTUsbd::SMMTUsbd& state, SContent& content)
         TJson json = TJson::object();
         PutText(json, "lang", name.State()->lang);
         json["name"] = name.State()->name;
-        content.json["Name"].push_back(std::move(json));
+        Append(content.json, "Name", std::move(json));
         names.push_back(Quoted(name.State()->name) + InLanguage(name.State()->lang));
     });
     std::vector<std::string> languages;
     ForEach<char>(state.svcLanguages, [&](const char& language) {
-        content.json["ServiceLanguage"].push_back(&language);
+        Append(content.json, "ServiceLanguage", &language);
         languages.push_back(Printable(&language));
     });
     content.text += Line("names", Joined(names)) + Line("languages", Joined(languages));

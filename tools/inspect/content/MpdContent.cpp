@@ -73,15 +73,6 @@ TJson DescriptorJson(const SMPDDescriptor& descriptor)
     return json;
 }
 
-TJson DescriptorsJson(const std::vector<SMPDDescriptor>& descriptors)
-{
-    TJson json = TJson::array();
-    for (const SMPDDescriptor& descriptor : descriptors) {
-        json.push_back(DescriptorJson(descriptor));
-    }
-    return json;
-}
-
 void PutDescriptors(TJson& json, const SMPDDescriptors& descriptors)
 {
     for (const SMPDContentProtection& protection : descriptors.contentProtections) {
@@ -89,14 +80,14 @@ void PutDescriptors(TJson& json, const SMPDDescriptors& descriptors)
         PutText(entry, "default_KID", protection.defaultKid);
         PutList(entry, "pssh", TextsJson(protection.pssh));
         PutList(entry, "Laurl", TextsJson(protection.licenceUrls));
-        json["ContentProtection"].push_back(std::move(entry));
+        Append(json, "ContentProtection", std::move(entry));
     }
-    PutList(json, "Role", DescriptorsJson(descriptors.roles));
-    PutList(json, "Accessibility", DescriptorsJson(descriptors.accessibilities));
-    PutList(json, "Rating", DescriptorsJson(descriptors.ratings));
-    PutList(json, "EssentialProperty", DescriptorsJson(descriptors.essentialProperties));
-    PutList(json, "SupplementalProperty", DescriptorsJson(descriptors.supplementalProperties));
-    PutList(json, "AudioChannelConfiguration", DescriptorsJson(descriptors.audioChannelConfigurations));
+    PutEach(json, "Role", descriptors.roles, DescriptorJson);
+    PutEach(json, "Accessibility", descriptors.accessibilities, DescriptorJson);
+    PutEach(json, "Rating", descriptors.ratings, DescriptorJson);
+    PutEach(json, "EssentialProperty", descriptors.essentialProperties, DescriptorJson);
+    PutEach(json, "SupplementalProperty", descriptors.supplementalProperties, DescriptorJson);
+    PutEach(json, "AudioChannelConfiguration", descriptors.audioChannelConfigurations, DescriptorJson);
 }
 
 /// "INF", or seconds.
@@ -164,7 +155,7 @@ TJson SegmentsJson(const SMPDSegments& segments, const SMPDSegments* above)
             run["d"] = segment.d;
             run["r"] = segment.r;
             run["k"] = segment.k;
-            json["SegmentTimeline"].push_back(std::move(run));
+            Append(json, "SegmentTimeline", std::move(run));
         }
     }
     return json;
@@ -193,7 +184,7 @@ void PutSegmentList(TJson& json, const SMPDSegmentList& segments, const SMPDSegm
             PutText(item, "mediaRange", url.mediaRange);
             PutText(item, "index", url.index);
             PutText(item, "indexRange", url.indexRange);
-            entry["SegmentURL"].push_back(std::move(item));
+            Append(entry, "SegmentURL", std::move(item));
         }
     }
     json["SegmentList"] = std::move(entry);
@@ -262,7 +253,7 @@ TJson SetJson(const SMPDAdaptationSet& set, const SMPDPeriod& period)
     PutSegments(json, set, &period);
     json["Representation"] = TJson::array();
     for (const SMPDRepresentation& representation : set.representations) {
-        json["Representation"].push_back(RepresentationJson(representation, set));
+        Append(json, "Representation", RepresentationJson(representation, set));
     }
     return json;
 }
@@ -276,7 +267,7 @@ TJson PeriodJson(const SMPDPeriod& period)
     PutSegments(json, period, nullptr);
     json["AdaptationSet"] = TJson::array();
     for (const SMPDAdaptationSet& set : period.adaptationSets) {
-        json["AdaptationSet"].push_back(SetJson(set, period));
+        Append(json, "AdaptationSet", SetJson(set, period));
     }
     for (const SMPDPreselection& preselection : period.preselections) {
         TJson entry = TJson::object();
@@ -285,10 +276,10 @@ TJson PeriodJson(const SMPDPeriod& period)
         PutText(entry, "lang", preselection.lang);
         PutText(entry, "order", preselection.order);
         PutDescriptors(entry, preselection);
-        json["Preselection"].push_back(std::move(entry));
+        Append(json, "Preselection", std::move(entry));
     }
-    PutList(json, "EventStream", DescriptorsJson(period.eventStreams));
-    PutList(json, "SupplementalProperty", DescriptorsJson(period.supplementalProperties));
+    PutEach(json, "EventStream", period.eventStreams, DescriptorJson);
+    PutEach(json, "SupplementalProperty", period.supplementalProperties, DescriptorJson);
     return json;
 }
 
@@ -307,12 +298,12 @@ TJson MpdJson(const SMPDInfo& mpd)
     PutSeconds(json, "timeShiftBufferDepthSeconds", mpd.timeShiftBufferDepth);
     PutSeconds(json, "suggestedPresentationDelaySeconds", mpd.suggestedPresentationDelay);
     PutBaseUrls(json, mpd.baseUrls, mpd.baseUrlAvailabilities);
-    PutList(json, "EssentialProperty", DescriptorsJson(mpd.essentialProperties));
-    PutList(json, "SupplementalProperty", DescriptorsJson(mpd.supplementalProperties));
-    PutList(json, "UTCTiming", DescriptorsJson(mpd.utcTimings));
+    PutEach(json, "EssentialProperty", mpd.essentialProperties, DescriptorJson);
+    PutEach(json, "SupplementalProperty", mpd.supplementalProperties, DescriptorJson);
+    PutEach(json, "UTCTiming", mpd.utcTimings, DescriptorJson);
     json["Period"] = TJson::array();
     for (const SMPDPeriod& period : mpd.periods) {
-        json["Period"].push_back(PeriodJson(period));
+        Append(json, "Period", PeriodJson(period));
     }
     return json;
 }
@@ -470,7 +461,7 @@ void AddRatings(const CSLSManager::TRatings& ratings, SContent& content)
     std::vector<std::string> texts;
     for (const auto& [scheme, value] : ratings) {
         texts.push_back(Short(Printable(value)) + " of " + Short(Printable(scheme)));
-        content.json["ratings"].push_back({{"schemeIdUri", scheme}, {"value", value}});
+        Append(content.json, "ratings", {{"schemeIdUri", scheme}, {"value", value}});
     }
     content.text += Line("ratings", Joined(texts));
 }

@@ -1,6 +1,7 @@
 #include "content/SlsContent.h"
 
 #include "base/Json.h"
+#include "base/Limits.h"
 #include "base/Names.h"
 #include "base/Text.h"
 #include "common/RSAT.h"
@@ -99,7 +100,7 @@ TJson EfdtJson(const SEFDTInfo& efdt)
         PutText(instance, "fileTemplate", global.fileTemplate);
         PutList(instance, "appContextIdList", ContextIds(global.appContextIdList));
         instance["File"] = TJson::array();
-        ForEach<SFDTFile>(global.files, [&](const SFDTFile& file) { instance["File"].push_back(FileJson(file)); });
+        ForEach<SFDTFile>(global.files, [&](const SFDTFile& file) { Append(instance, "File", FileJson(file)); });
         json["FDT-Instance"] = std::move(instance);
     }
     return json;
@@ -108,14 +109,30 @@ TJson EfdtJson(const SEFDTInfo& efdt)
 struct SFiles {
     std::vector<TRow> rows = {{"  TSI", "TOI", "file", "type", "bytes"}};
     std::size_t count = 0;
+    std::size_t all = 0;  ///< and templates
 };
+
+/// A table's row, as long as it has no more than a report shows of a list.
+void AddRow(std::vector<TRow>& rows, TRow row)
+{
+    if (rows.size() <= MostEntries()) {
+        rows.push_back(std::move(row));
+    }
+}
+
+/// A table, and how many of its rows are not there.
+std::string RowsText(const std::vector<TRow>& rows, std::size_t count)
+{
+    return TableText(rows) + MoreText("  ", count, rows.size() - 1);
+}
 
 /// A row for each file of the EFDT, and one for those that a template names.
 void AddFiles(const SEFDTInfo& efdt, const std::string& tsi, SFiles& files)
 {
     const auto any = [&](const std::string& name, long long size) {
-        files.rows.push_back(
-            {"  " + tsi, "any", Printable(name), "", size != -1 ? "up to " + std::to_string(size) : std::string()});
+        ++files.all;
+        AddRow(files.rows,
+               {"  " + tsi, "any", Printable(name), "", size != -1 ? "up to " + std::to_string(size) : std::string()});
     };
     if (efdt.fileTemplate != nullptr) {
         any(efdt.fileTemplate, efdt.maxTransportSize != k_none ? efdt.maxTransportSize : -1LL);
@@ -129,9 +146,10 @@ void AddFiles(const SEFDTInfo& efdt, const std::string& tsi, SFiles& files)
     ForEach<SFDTFile>(efdt.fdtGlobal->files, [&](const SFDTFile& file) {
         const long long size = file.contentLength != -1 ? file.contentLength : file.transferLength;
         ++files.count;
-        files.rows.push_back({"  " + tsi, file.toi != ~0ull ? std::to_string(file.toi) : "-",
-                              Printable(file.contentLocation), Printable(file.contentType),
-                              size != -1 ? std::to_string(size) : ""});
+        ++files.all;
+        AddRow(files.rows,
+               {"  " + tsi, file.toi != ~0ull ? std::to_string(file.toi) : "-", Printable(file.contentLocation),
+                Printable(file.contentType), size != -1 ? std::to_string(size) : ""});
     });
 }
 
@@ -147,7 +165,7 @@ TJson MediaInfoJson(const CMediaInfo::SMediaInfo& media)
         TJson pair = TJson::object();
         PutText(pair, "schemeIdUri", rating.State()->schemeIdUri);
         PutText(pair, "value", rating.State()->value);
-        json["ContentRating"].push_back(std::move(pair));
+        Append(json, "ContentRating", std::move(pair));
     });
     return json;
 }
@@ -191,7 +209,7 @@ TJson SrcFlowJson(const CSrcFlow::SSrcFlow& flow, TRow& row)
     PutNumber(json, "minBuffSize", flow.minBuffSize, k_none);
     std::vector<std::string> payloads;
     for (const CSrcFlow::SPayload& payload : flow.payloads) {
-        json["Payload"].push_back(PayloadJson(payload));
+        Append(json, "Payload", PayloadJson(payload));
         payloads.push_back(PayloadText(payload));
     }
     row.insert(row.end(), {flow.givenRt.value_or(flow.rt) ? "streaming" : "files", Short(Joined(payloads))});
@@ -208,7 +226,7 @@ TJson SrcFlowJson(const CSrcFlow::SSrcFlow& flow, TRow& row)
         }
         json["ContentInfo"] = std::move(content);
     }
-    ForEach<CEFDT>(flow.efdts, [&](const CEFDT& efdt) { json["EFDT"].push_back(EfdtJson(*efdt.GetEFDTInfo())); });
+    ForEach<CEFDT>(flow.efdts, [&](const CEFDT& efdt) { Append(json, "EFDT", EfdtJson(*efdt.GetEFDTInfo())); });
     return json;
 }
 
@@ -230,7 +248,7 @@ TJson LctSessionJson(const CLS::SLS& session, const TRow& route, std::vector<TRo
     if (!flows.empty()) {
         json["SrcFlow"] = std::move(flows);
     }
-    sessions.push_back(std::move(row));
+    AddRow(sessions, std::move(row));
     return json;
 }
 
@@ -315,13 +333,13 @@ SContent UsbdContent(const CROUTEUsbd& usbd)
         TJson entry = TJson::object();
         PutText(entry, "lang", name.Lang());
         PutText(entry, "name", name.Text());
-        json["Name"].push_back(std::move(entry));
+        Append(json, "Name", std::move(entry));
         names.push_back(Quoted(name.Text() != nullptr ? name.Text() : "") +
                         InLanguage(name.Lang() != nullptr ? name.Lang() : ""));
     });
     std::vector<std::string> languages;
     ForEach<char>(state.languages, [&](const char& language) {
-        json["ServiceLanguage"].push_back(&language);
+        Append(json, "ServiceLanguage", &language);
         languages.push_back(Given(&language));
     });
     std::vector<std::string> broadcast;
@@ -330,7 +348,7 @@ SContent UsbdContent(const CROUTEUsbd& usbd)
         TJson entry = TJson::object();
         PutList(entry, "BroadcastAppService", BasePatterns(method.State()->broadcastAppSvcs, broadcast));
         PutList(entry, "UnicastAppService", BasePatterns(method.State()->unicastAppSvcs, unicast));
-        json["DeliveryMethod"].push_back(std::move(entry));
+        Append(json, "DeliveryMethod", std::move(entry));
     });
     content.text = Line("names", Joined(names)) + Line("languages", Joined(languages)) +
                    Line("broadcast", Joined(broadcast)) + Line("broadband", Joined(unicast));
@@ -348,6 +366,7 @@ SContent StsidContent(const CSTSID& stsid)
     std::vector<TRow> sessions = {
         {"  TSI", "session", "source", "kbit/s", "kind", "payload", "content", "type", "language", "ratings"}};
     SFiles files;
+    std::size_t count = 0;
     content.json["RS"] = TJson::array();
     ForEach<CRS>(stsid.State()->routeSessions, [&](const CRS& rs) {
         const CRS::SRS& state = *rs.State();
@@ -364,13 +383,15 @@ SContent StsidContent(const CSTSID& stsid)
         const TRow route = {(addressed ? Ipv4Text(state.dIpAddr) : "") + port,
                             state.sIpAddr != k_none ? Ipv4Text(state.sIpAddr) : ""};
         json["LS"] = TJson::array();
-        ForEach<CLS>(state.ls,
-                     [&](const CLS& ls) { json["LS"].push_back(LctSessionJson(*ls.State(), route, sessions, files)); });
-        content.json["RS"].push_back(std::move(json));
+        ForEach<CLS>(state.ls, [&](const CLS& ls) {
+            ++count;
+            Append(json, "LS", LctSessionJson(*ls.State(), route, sessions, files));
+        });
+        Append(content.json, "RS", std::move(json));
     });
-    content.headline = Counted(content.json["RS"].size(), "ROUTE session") + ", " +
-                       Counted(sessions.size() - 1, "LCT session") + ", " + Counted(files.count, "file");
-    content.text = TableText(sessions) + TableText(files.rows);
+    content.headline = Counted(static_cast<std::uint64_t>(stsid.State()->routeSessions.Size()), "ROUTE session") +
+                       ", " + Counted(count, "LCT session") + ", " + Counted(files.count, "file");
+    content.text = RowsText(sessions, count) + RowsText(files.rows, files.all);
     return content;
 }
 
@@ -383,7 +404,7 @@ SContent EfdtContent(const SEFDTInfo& efdt)
     content.headline =
         Joined({efdt.tsi != k_none ? "TSI " + std::to_string(efdt.tsi) : "",
                 efdt.version != k_none ? "version " + std::to_string(efdt.version) : "", Counted(files.count, "file")});
-    content.text = TableText(files.rows);
+    content.text = RowsText(files.rows, files.all);
     return content;
 }
 
@@ -408,12 +429,12 @@ SContent RsatContent(const CRSAT& rsat)
             Line("service",
                  ChannelText(service) + (service.validUntil.empty() ? "" : ", until " + Printable(service.validUntil)));
         for (const SRSATUpdateInfo& update : service.updates) {
-            json["Update"].push_back(UpdateJson(update));
+            Append(json, "Update", UpdateJson(update));
             content.text +=
                 Line("  update",
                      ChannelText(update) + (update.validFrom.empty() ? "" : ", from " + Printable(update.validFrom)));
         }
-        content.json["Service"].push_back(std::move(json));
+        Append(content.json, "Service", std::move(json));
     }
     return content;
 }

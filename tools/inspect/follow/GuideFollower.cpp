@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Gunzip.h"
+#include "base/Limits.h"
 #include "base/Text.h"
 #include "content/LibraryPort.h"
 
@@ -46,6 +47,12 @@ std::size_t Cost(const SProgramme& programme)
            Cost(programme.textLanguages);
 }
 
+std::size_t Cost(const SGuideService& service)
+{
+    return sizeof service + service.fragmentId.size() + service.globalServiceId.size() + Cost(service.names) +
+           Cost(service.descriptions) + Cost(service.genres);
+}
+
 }  // namespace
 
 bool IsGuideType(const std::string& contentType)
@@ -77,15 +84,17 @@ class CGuideFollower::CJoin {
         m_Schedules();
         m_Unscheduled();
         m_Sort();
+        m_Cut();
         guide.fragments = follower.m_fragments.size();
         guide.missingContents = m_missingContents.size();
         guide.missingServices = m_missingServices.size();
     }
 
-    /// Bytes of the programmes, about.
+    /// Bytes of the services and programmes, about.
     std::size_t Cost() const { return std::min(m_cost, m_limit); }
 
     SGuide guide;
+    std::size_t programmes = 0;
     std::size_t leftOut = 0;  ///< programmes that would be too much
 
   private:
@@ -93,6 +102,7 @@ class CGuideFollower::CJoin {
     {
         m_index[fragment.id] = guide.services.size();
         SGuideService& service = guide.services.emplace_back(fragment.service);
+        m_cost += vyr::inspect::Cost(service);
         const auto entry = m_listed.find(service.globalServiceId);
         if (entry == m_listed.end()) {
             return;
@@ -110,7 +120,9 @@ class CGuideFollower::CJoin {
     {
         const auto [entry, isNew] = m_index.try_emplace(fragment.serviceId, guide.services.size());
         if (isNew) {
-            guide.services.emplace_back().fragmentId = fragment.serviceId;
+            SGuideService& service = guide.services.emplace_back();
+            service.fragmentId = fragment.serviceId;
+            m_cost += vyr::inspect::Cost(service);
             if (!fragment.serviceId.empty()) {
                 m_missingServices.insert(fragment.serviceId);
             }
@@ -125,6 +137,7 @@ class CGuideFollower::CJoin {
             ++leftOut;
             return;
         }
+        ++programmes;
         SProgramme& added = service.programmes.emplace_back(programme);
         added.start = window.start;
         added.end = window.end;
@@ -174,6 +187,19 @@ class CGuideFollower::CJoin {
         };
         std::stable_sort(guide.services.begin(), guide.services.end(),
                          [&](const SGuideService& a, const SGuideService& b) { return number(a) < number(b); });
+    }
+
+    /// Leaves as many entries of each list as a report shows.
+    void m_Cut()
+    {
+        const auto cut = [](auto& list, std::size_t& gone) {
+            gone = list.size() - std::min(list.size(), MostEntries());
+            list.resize(list.size() - gone);
+        };
+        cut(guide.services, guide.leftOut);
+        for (SGuideService& service : guide.services) {
+            cut(service.programmes, service.leftOut);
+        }
     }
 
     const std::size_t m_limit;
@@ -261,7 +287,7 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SView object,
 void CGuideFollower::m_CountSent(const SObject& object)
 {
     m_sinceShown += object.textSize;
-    m_sentSinceShown += object.size;
+    m_allowance.Received(object.size);
 }
 
 /// An object that comes again tells that the guide was sent through: it is shown then, when it has changed
@@ -274,7 +300,7 @@ bool CGuideFollower::m_Repeated(const SObject& known, SGuideObject& object)
     object.status = EStatus::REPEATED;
     m_report.GuideObject(object);
     m_CountSent(known);
-    if (m_changed && m_sinceShown >= m_held && m_sentSinceShown >= m_shownCost / k_mostGrowth) {
+    if (m_changed && m_sinceShown >= m_held && m_allowance.Room() != 0) {
         m_Show(object.source);
     }
     return true;
@@ -371,13 +397,10 @@ void CGuideFollower::m_Show(const SSource& source)
     m_report.Guide(join.guide);
     m_changed = false;
     m_sinceShown = 0;
-    m_sentSinceShown = 0;
-    m_shownCost = join.Cost();
-    m_shownServices = join.guide.services.size();
-    m_shownProgrammes = 0;
-    for (const SGuideService& service : join.guide.services) {
-        m_shownProgrammes += service.programmes.size();
-    }
+    m_allowance = CAllowance(0, k_growth);
+    m_allowance.Spend(join.Cost());
+    m_shownServices = join.guide.services.size() + join.guide.leftOut;
+    m_shownProgrammes = join.programmes;
     m_shown = std::move(join.guide);
     m_shown.services.clear();
     if (join.leftOut != 0 && !m_toldCut) {

@@ -12,6 +12,7 @@
 
 #include "base/BoundedMap.h"
 #include "content/GuideReader.h"
+#include "model/Allowance.h"
 #include "model/Report.h"
 #include "model/ServiceSession.h"
 
@@ -31,7 +32,7 @@ struct SGuidePlace {
 struct SGuideLimits {
     std::size_t fragments = 65536;
     std::size_t bytes = 67108864;   ///< of the fragments' texts
-    std::size_t joined = 67108864;  ///< bytes of the programmes, about
+    std::size_t joined = 67108864;  ///< bytes of the services and programmes, about
 };
 
 /// Whether a media type is that of a delivery unit or a document of the guide.
@@ -57,7 +58,7 @@ class CGuideFollower {
 
   private:
     static constexpr std::size_t k_maxObjects = 4096;
-    static constexpr std::size_t k_mostGrowth = 32;  ///< of the report, against what was sent
+    static constexpr std::uint64_t k_growth = 32;  ///< bytes of guide that may be shown for one that was sent
 
     using TFragment = std::pair<unsigned, std::string>;            ///< type and id
     using TObject = std::tuple<std::string, std::uint64_t, TToi>;  ///< session, TSI and TOI
@@ -93,10 +94,9 @@ class CGuideFollower {
     std::list<TFragment> m_order;  ///< of m_fragments, oldest first
     std::size_t m_held = 0;        ///< bytes of the fragments' texts
     std::map<TGroup, std::vector<SListedService>> m_services;
-    std::size_t m_sinceShown = 0;      ///< bytes of the objects that came since, inflated, repeats included
-    std::size_t m_sentSinceShown = 0;  ///< the same as they were sent
-    std::size_t m_shownCost = 0;       ///< bytes of the programmes that were shown, about
-    bool m_changed = false;            ///< since the guide was shown
+    std::size_t m_sinceShown = 0;         ///< bytes of the objects that came since, inflated, repeats included
+    CAllowance m_allowance{0, k_growth};  ///< the guide that was shown against what was sent since
+    bool m_changed = false;               ///< since the guide was shown
     bool m_toldFull = false;
     bool m_toldCut = false;
     SGuide m_shown;  ///< without its services

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/Gunzip.h"
+#include "base/Limits.h"
 #include "base/Names.h"
 #include "base/Text.h"
 #include "content/LibraryPort.h"
@@ -153,7 +154,8 @@ bool IsReceiversRule(const SParseSLT::SService& service, CParseSLT::EDropReason 
 /// What the drop callback works on.
 struct SDrops {
     const STable& table;
-    std::vector<SSltService> services;
+    std::vector<SSltService> services;  ///< the first of them
+    unsigned count = 0;
     std::vector<SFault> faults;
     std::vector<SAssertion> assertions;
 };
@@ -169,7 +171,9 @@ void HearDrop(void* userData, const SParseSLT::SService* service, CParseSLT::EDr
     const std::string name = service->shortServiceName ? " \"" + *service->shortServiceName + '"' : std::string();
     const char* attribute = DropAttribute(reason);
     const std::string why = DropText(*service, reason);
-    drops.services.push_back({*service, why});
+    if (drops.count++ < MostEntries()) {
+        drops.services.push_back({*service, why});
+    }
     drops.faults.push_back(
         {EFault::SERVICE_DROPPED,
          "service " + std::to_string(service->serviceId) + name + " is not listed by receivers: " + why,
@@ -321,7 +325,7 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SView bytes, const STable& table
     auto current = std::make_unique<SCurrentSlt>();
     bool parsed = false;
     const CParseSLT::SCallback callback = {&parsed, HearParsed};
-    SDrops drops = {table, {}, {}, {}};
+    SDrops drops = {table, {}, 0, {}, {}};
     const CParseSLT::SDropCallback dropCallback = {&drops, HearDrop};
     TakeAssertions();
     CParseSLT parser;
@@ -340,14 +344,18 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SView bytes, const STable& table
     outcome.faults = std::move(drops.faults);
     if (parsed) {
         SSlt& slt = outcome.slt.emplace();
-        slt.dropped = static_cast<unsigned>(drops.services.size());
+        slt.dropped = drops.count;
         m_Read(parser, bytes, table, outcome);
         std::vector<SListedService> services;
-        for (const SParseSLT::SService& service : outcome.slt->services) {
+        for (int i = 0; i < parser.ServiceCount(); ++i) {
+            const SParseSLT::SService& service = *parser.GetServiceInfo(i);
             current->services.push_back(service.service);
             services.push_back(ListedService(service));
         }
+        const std::size_t all = services.size() + slt.dropped;
         slt.services.insert(slt.services.end(), drops.services.begin(), drops.services.end());
+        slt.services.resize(std::min(slt.services.size(), MostEntries()));
+        slt.leftOut = all - slt.services.size();
         m_Hold(table.header.groupId, std::move(current), table, outcome);
         m_serviceListener(table.header.groupId, std::move(services));
     } else {
@@ -375,7 +383,10 @@ void CLlsFollower::m_Read(CParseSLT& parser, SView bytes, const STable& table, S
     std::string cms;
     slt.cmsSignedData = parser.CheckCMS(bytes.data, static_cast<int>(bytes.size), xml, cms);
     for (int i = 0; i < parser.ServiceCount(); ++i) {
-        const SSltService& service = slt.services.emplace_back(SSltService{*parser.GetServiceInfo(i), {}});
+        const SParseSLT::SService& service = *parser.GetServiceInfo(i);
+        if (slt.services.size() < MostEntries()) {
+            slt.services.push_back({service, {}});
+        }
         for (const auto& [name, address] : {std::pair("slsDestinationIpAddress", service.slsDestinationIpAddress),
                                             std::pair("slsSourceIpAddress", service.slsSourceIpAddress)}) {
             if (address == k_noAddress) {

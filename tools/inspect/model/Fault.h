@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -85,6 +86,7 @@ struct SFault {
     std::optional<unsigned> serviceId = std::nullopt;
     std::string attribute = {};
     std::string serviceList = {};  ///< as ServiceListName has it: of the service that is not signalled
+    std::uint64_t times = 1;       ///< as often as it is told of by this
     bool note = false;             ///< nothing is wrong with the broadcast: it is worth knowing
 };
 

@@ -39,12 +39,14 @@ struct SGuideService {
     std::vector<SGuideText> descriptions;
     std::vector<std::string> genres;
     std::vector<SProgramme> programmes;  ///< by start, those without one last
+    std::size_t leftOut = 0;             ///< programmes, the last of too many
 };
 
 /// The guide as it stands after the units that came: schedule, content and service fragments joined.
 struct SGuide {
     SSource source;
     std::vector<SGuideService> services;
+    std::size_t leftOut = 0;              ///< services, the last of too many
     std::size_t fragments = 0;            ///< that hold now
     std::size_t unscheduledContents = 0;  ///< content fragments that no schedule names
     std::size_t missingContents = 0;      ///< that schedules name, and that did not come

@@ -25,6 +25,7 @@ struct SSlt {
     std::vector<SParseSLT::SSltInetUrl> inetUrls;
     std::vector<SSltService> services;  ///< first those that a receiver lists
     unsigned dropped = 0;               ///< those that it does not
+    std::size_t leftOut = 0;            ///< of both, those that are too many for `services`
     bool cmsSignedData = false;
 };
 

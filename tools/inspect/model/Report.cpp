@@ -1,5 +1,7 @@
 #include "model/Report.h"
 
+#include "base/Limits.h"
+#include "base/Text.h"
 #include "model/Guide.h"
 
 namespace vyr::inspect {
@@ -17,6 +19,14 @@ void CReport::m_Tell(TTell tell)
     }
     if (m_page != nullptr) {
         tell(*m_page);
+    }
+}
+
+void CReport::Received(std::size_t bytes)
+{
+    m_writer.Received(bytes);
+    if (m_page != nullptr) {
+        m_page->Received(bytes);
     }
 }
 
@@ -69,27 +79,82 @@ void CReport::Guide(const SGuide& guide)
     m_Tell([&](IReportWriter& writer) { writer.Guide(guide); });
 }
 
-void CReport::Fault(const SFault& fault)
+void CReport::Fault(SFault fault)
 {
+    fault.message = Clipped(fault.message, Limit(k_longestMessage));
     if (fault.note) {
         ++m_summary.notes;
         ++m_summary.notesByCode[fault.code];
-        m_Tell([&](IReportWriter& writer) { writer.Fault(fault); });
+    } else {
+        ++m_summary.faults;
+        ++m_summary.faultsByCode[fault.code];
+        if (m_summary.firstFaults.size() < k_firstFaults) {
+            m_summary.firstFaults.push_back(fault);
+        }
+    }
+    m_Move(fault.source);
+    const unsigned header = fault.header ? 1u << 16 | unsigned{fault.header->tableId} << 8 | fault.header->groupId : 0;
+    if (m_Joins(m_here[{fault.code, fault.note, header, {}}], fault, MostEntries())) {
         return;
     }
-    ++m_summary.faults;
-    ++m_summary.faultsByCode[fault.code];
-    if (m_summary.firstFaults.size() < k_firstFaults) {
-        m_summary.firstFaults.push_back(fault);
+    const TAlike::key_type key = {fault.code, fault.note, header, fault.message};
+    if (m_alike.size() < k_mostAlike || m_alike.count(key) != 0) {
+        if (m_Joins(m_alike[key], fault, Limit(k_toldAlike))) {
+            return;
+        }
     }
-    m_writer.Fault(fault);
+    m_TellFault(fault);
+}
+
+/// The first faults of a kind are told of alone; false: this is one of them.
+bool CReport::m_Joins(SAlike& alike, const SFault& fault, std::uint64_t most)
+{
+    if (alike.told < most) {
+        ++alike.told;
+        return false;
+    }
+    ++alike.held;
+    alike.last = fault;
+    return true;
+}
+
+void CReport::m_TellFault(const SFault& fault)
+{
+    if (!m_quiet || !fault.note) {
+        m_writer.Fault(fault);
+    }
     if (m_page != nullptr) {
         m_page->Fault(fault);
     }
 }
 
+void CReport::m_TellJoined(TAlike& alike)
+{
+    for (auto& [key, faults] : alike) {
+        if (faults.held != 0) {
+            faults.last.times = faults.held;
+            m_TellFault(faults.last);
+        }
+    }
+    alike.clear();
+}
+
+/// What is held of the last place is told when it is left.
+void CReport::m_Move(const SSource& place)
+{
+    if (place.packet != m_place.packet || place.file != m_place.file) {
+        m_TellJoined(m_here);
+    }
+    if (place.file != m_place.file) {
+        m_TellJoined(m_alike);
+    }
+    m_place = place;
+}
+
 void CReport::Finish()
 {
+    m_TellJoined(m_here);
+    m_TellJoined(m_alike);
     m_Tell([&](IReportWriter& writer) { writer.Summary(m_summary); });
     if (m_quiet && m_writer.AlwaysSummary()) {
         m_writer.Summary(m_summary);

@@ -1,6 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <tuple>
 
 #include "model/Items.h"
 #include "model/ReportWriter.h"
@@ -14,12 +18,16 @@ class CReport {
     /// is one, of everything.
     CReport(IReportWriter& writer, bool quiet, IReportWriter* page = nullptr);
 
+    /// The input went on by as many bytes.
+    void Received(std::size_t bytes);
     void Table(const STable& table);
     void Signalling(const SSignalling& signalling);
     void Message(const SMessage& message);
     void GuideObject(const SGuideObject& object);
     void Guide(const SGuide& guide);
-    void Fault(const SFault& fault);
+    /// Tells of the fault. Those that are alike, or too many of a kind in one place, are told of together when the
+    /// place changes.
+    void Fault(SFault fault);
     void Finish();
     /// For the counts that only its users know.
     SSummary& Summary() { return m_summary; }
@@ -27,13 +35,32 @@ class CReport {
   private:
     static constexpr std::size_t k_firstFaults = 20;
 
+    static constexpr std::uint64_t k_toldAlike = 3;   ///< of faults that say the same, told of alone
+    static constexpr std::size_t k_mostAlike = 4096;  ///< kinds of these that are known at a time
+    static constexpr std::size_t k_longestMessage = 1024;
+
+    /// Faults that are alike.
+    struct SAlike {
+        std::uint64_t told = 0;
+        std::uint64_t held = 0;  ///< not told yet
+        SFault last;             ///< of those held
+    };
+    using TAlike = std::map<std::tuple<EFault, bool, unsigned, std::string>, SAlike>;  ///< by header and message
+
     template <class TTell>
     void m_Tell(TTell tell);
+    void m_TellFault(const SFault& fault);
+    static bool m_Joins(SAlike& alike, const SFault& fault, std::uint64_t most);
+    void m_TellJoined(TAlike& alike);
+    void m_Move(const SSource& place);
 
     IReportWriter& m_writer;
     IReportWriter* const m_page;
     const bool m_quiet;
     SSummary m_summary;
+    SSource m_place;  ///< of the last fault
+    TAlike m_alike;   ///< faults of one input that say the same
+    TAlike m_here;    ///< faults of one kind in one packet, whatever they say
 };
 
 }  // namespace vyr::inspect

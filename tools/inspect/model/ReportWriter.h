@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <vector>
@@ -41,7 +42,7 @@ struct SSummary {
     std::map<EFault, std::uint64_t> faultsByCode;
     std::uint64_t notes = 0;
     std::map<EFault, std::uint64_t> notesByCode;
-    std::vector<SFault> firstFaults;
+    std::vector<SFault> firstFaults;  ///< their messages clipped
 
     template <class TVisit>
     void Each(const TVisit& visit) const
@@ -84,6 +85,8 @@ class IReportWriter {
     virtual void Guide(const SGuide& guide) = 0;
     virtual void Fault(const SFault& fault) = 0;
     virtual void Summary(const SSummary& summary) = 0;
+    /// The input went on by as many bytes: the report may be the longer for it.
+    virtual void Received(std::size_t) {}
     /// Whether the summary is told of when only faults are wanted, too.
     virtual bool AlwaysSummary() const { return false; }
 };

@@ -64,7 +64,7 @@ std::string ServiceText(const SGuideService& service)
     }
     text += service.serviceId ? ", service " + std::to_string(*service.serviceId) : "";
     text += service.globalServiceId.empty() ? "" : ", " + Printable(service.globalServiceId);
-    text += ", " + Counted(service.programmes.size(), "programme") + '\n';
+    text += ", " + Counted(service.programmes.size() + service.leftOut, "programme") + '\n';
     return text + Line("fragment", Printable(service.fragmentId)) + Line("about", Texts(service.descriptions)) +
            Line("genres", Texts(service.genres));
 }
@@ -139,11 +139,13 @@ std::string GuideText(const SGuide& guide, bool localTime)
     std::size_t programmes = 0;
     std::string services;
     for (const SGuideService& service : guide.services) {
-        programmes += service.programmes.size();
-        services += ServiceText(service) + ProgrammesText(service.programmes, clock);
+        programmes += service.programmes.size() + service.leftOut;
+        services +=
+            ServiceText(service) + ProgrammesText(service.programmes, clock) + MoreText("    ", service.leftOut, 0);
     }
-    std::string text = "guide: " + Counted(guide.services.size(), "service") + ", " + Counted(programmes, "programme") +
-                       " of " + Counted(guide.fragments, "fragment");
+    services += MoreText("  ", guide.leftOut, 0);
+    std::string text = "guide: " + Counted(guide.services.size() + guide.leftOut, "service") + ", " +
+                       Counted(programmes, "programme") + " of " + Counted(guide.fragments, "fragment");
     const auto add = [&text](std::size_t count, const char* what, const char* why) {
         text += count != 0 ? "; " + Counted(count, what) + why : "";
     };

@@ -290,11 +290,7 @@ std::string HtmlText(const std::string& text)
 
 std::string HtmlClipped(const std::string& text, std::size_t bytes)
 {
-    std::size_t end = std::min(text.size(), bytes);
-    while (end < text.size() && end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
-        --end;
-    }
-    return end < text.size() ? text.substr(0, end) + "\u2026" : text;
+    return Clipped(text, bytes);
 }
 
 std::string HtmlIsolated(const std::string& text, const std::string& lang)

@@ -94,13 +94,13 @@ class CGuidePage {
     {
         for (std::size_t service = 0; service < m_guide.services.size(); ++service) {
             const std::vector<SProgramme>& programmes = m_guide.services[service].programmes;
-            m_programmes += programmes.size();
+            m_programmes += programmes.size() + m_guide.services[service].leftOut;
             for (std::size_t i = 0; i < programmes.size(); ++i) {
                 m_Place(programmes[i], {service, i});
             }
         }
-        m_html = "<p>" + Counted(m_guide.services.size(), "service") + ", " + Counted(m_programmes, "programme") +
-                 " of " + Counted(m_guide.fragments, "fragment");
+        m_html = "<p>" + Counted(m_guide.services.size() + m_guide.leftOut, "service") + ", " +
+                 Counted(m_programmes, "programme") + " of " + Counted(m_guide.fragments, "fragment");
         m_Count(m_guide.unscheduledContents, "content", " in no schedule");
         m_Count(m_guide.missingContents, "content", " of schedules missing");
         m_Count(m_guide.missingServices, "service", " missing");
@@ -272,7 +272,7 @@ class CGuidePage {
         for (std::size_t i = 0; i < m_guide.services.size() && !m_Full(); ++i) {
             const SGuideService& service = m_guide.services[i];
             m_html += "<details class=\"item\"" + open + "><summary><b>" + m_ServiceName(i) + "</b> <small>" +
-                      Counted(service.programmes.size(), "programme") + "</small></summary><dl>" +
+                      Counted(service.programmes.size() + service.leftOut, "programme") + "</small></summary><dl>" +
                       List("service id", {service.serviceId ? std::to_string(*service.serviceId) : std::string()}) +
                       List("globalServiceID", {service.globalServiceId}) + List("fragment", {service.fragmentId}) +
                       Texts("name", service.names) + Texts("description", service.descriptions) +

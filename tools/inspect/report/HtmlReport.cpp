@@ -180,7 +180,7 @@ std::string CHtmlReport::m_Guide() const
     std::string html;
     for (const auto& [file, guide] : t_guides) {
         html += t_files.size() > 1 ? "<h3>" + HtmlIsolated(t_files[file]) + "</h3>" : "";
-        html += guide;
+        html += guide.html;
     }
     if (!t_guideObjects.empty()) {
         html += "<h3>Objects of the guide</h3>";

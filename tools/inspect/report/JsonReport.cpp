@@ -1,7 +1,10 @@
 #include "report/JsonReport.h"
 
+#include <algorithm>
+#include <utility>
 
 #include "base/Json.h"
+#include "base/Limits.h"
 #include "base/Names.h"
 #include "base/Text.h"
 #include "model/Content.h"
@@ -97,6 +100,9 @@ TJson GuideServiceJson(const SGuideService& service)
     json["programmes"] = TJson::array();
     for (const SProgramme& programme : service.programmes) {
         json["programmes"].push_back(ProgrammeJson(programme));
+    }
+    if (service.leftOut != 0) {
+        json["leftOut"] = {{"programmes", service.leftOut}};
     }
     return json;
 }
@@ -256,8 +262,11 @@ TJson TableJson(const STable& table)
             json["sltInetUrl"].push_back(UrlJson(url.urlType, url.url));
         }
         json["cmsSignedData"] = table.slt->cmsSignedData;
-        json["services"] = table.slt->services.size() - table.slt->dropped;
+        json["services"] = table.slt->services.size() + table.slt->leftOut - table.slt->dropped;
         json["servicesDropped"] = table.slt->dropped;
+        if (table.slt->leftOut != 0) {
+            json["leftOut"] = {{"service", table.slt->leftOut}};
+        }
     }
     return json;
 }
@@ -290,18 +299,46 @@ TJson PartsJson(const std::vector<SPackagePart>& parts)
     return json;
 }
 
+CJsonReport::CJsonReport(COutput& output)
+    : m_output(output, [](const TLeftOut& leftOut) {
+          TJson json = Object("leftOut");
+          json["records"] = leftOut;
+          return JsonLine(json);
+      })
+{
+}
+
+/// Long lists and texts are cut, the shorter the less room there is.
+void CJsonReport::m_Write(const char* type, TJson&& json)
+{
+    std::size_t most = MostEntries();
+    std::string line = JsonLine(json);
+    while (most != 0 && line.size() > std::min(m_output.Room(), most)) {
+        line = CutJson(json, most) ? JsonLine(json) : line;
+        most = line.size() > m_output.Room() ? most / 10 : 0;
+    }
+    m_output.Write(type, line);
+}
+
 void CJsonReport::Table(const STable& table)
 {
-    m_output.Write(JsonLine(TableJson(table)));
+    if (m_output.Begin("table")) {
+        m_Write("table", TableJson(table));
+    }
     if (table.slt) {
         for (const SSltService& service : table.slt->services) {
-            m_output.Write(JsonLine(ServiceJson(table, service)));
+            if (m_output.Begin("service")) {
+                m_Write("service", ServiceJson(table, service));
+            }
         }
     }
 }
 
 void CJsonReport::Signalling(const SSignalling& signalling)
 {
+    if (!m_output.Begin("signalling")) {
+        return;
+    }
     TJson json = Object("signalling");
     json["source"] = SourceJson(signalling.source);
     PutText(json, "session", signalling.session);
@@ -336,11 +373,14 @@ void CJsonReport::Signalling(const SSignalling& signalling)
             json[DocumentName(document.kind)] = document.content->json;
         }
     }
-    m_output.Write(JsonLine(json));
+    m_Write("signalling", std::move(json));
 }
 
 void CJsonReport::Message(const SMessage& message)
 {
+    if (!m_output.Begin("message")) {
+        return;
+    }
     TJson json = Object("message");
     json["source"] = SourceJson(message.source);
     PutText(json, "session", message.session);
@@ -358,11 +398,14 @@ void CJsonReport::Message(const SMessage& message)
     if (message.content) {
         json.update(message.content->json);
     }
-    m_output.Write(JsonLine(json));
+    m_Write("message", std::move(json));
 }
 
 void CJsonReport::GuideObject(const SGuideObject& object)
 {
+    if (!m_output.Begin("guideObject")) {
+        return;
+    }
     TJson json = Object("guideObject");
     json["source"] = SourceJson(object.source);
     PutText(json, "session", object.session);
@@ -379,11 +422,14 @@ void CJsonReport::GuideObject(const SGuideObject& object)
     if (object.content) {
         json[GuideObjectName(object.kind)] = object.content->json;
     }
-    m_output.Write(JsonLine(json));
+    m_Write("guideObject", std::move(json));
 }
 
 void CJsonReport::Guide(const SGuide& guide)
 {
+    if (!m_output.Begin("guide")) {
+        return;
+    }
     TJson json = Object("guide");
     json["source"] = SourceJson(guide.source);
     json["fragments"] = guide.fragments;
@@ -394,15 +440,23 @@ void CJsonReport::Guide(const SGuide& guide)
     for (const SGuideService& service : guide.services) {
         json["services"].push_back(GuideServiceJson(service));
     }
-    m_output.Write(JsonLine(json));
+    if (guide.leftOut != 0) {
+        json["leftOut"] = {{"services", guide.leftOut}};
+    }
+    m_Write("guide", std::move(json));
 }
 
 void CJsonReport::Fault(const SFault& fault)
 {
-    TJson json = Object(fault.note ? "note" : "fault");
+    const char* type = fault.note ? "note" : "fault";
+    if (!m_output.Begin(type)) {
+        return;
+    }
+    TJson json = Object(type);
     json["source"] = SourceJson(fault.source);
     json["code"] = FaultName(fault.code);
     json["message"] = fault.message;
+    PutNumber(json, "count", fault.times, std::uint64_t{1});
     if (fault.header) {
         PutHeader(json, *fault.header);
     }
@@ -412,14 +466,15 @@ void CJsonReport::Fault(const SFault& fault)
     if (!fault.attribute.empty()) {
         json["attribute"] = fault.attribute;
     }
-    m_output.Write(JsonLine(json));
+    m_Write(type, std::move(json));
 }
 
 void CJsonReport::Summary(const SSummary& summary)
 {
     TJson json = Object("summary");
     summary.Each(SPutCount{json});
-    m_output.Write(JsonLine(json));
+    PutList(json, "leftOut", m_output.LeftOut());
+    m_output.Finish(JsonLine(json));
 }
 
 }  // namespace vyr::inspect

@@ -5,7 +5,7 @@
 #include "base/JsonFwd.h"
 #include "model/Items.h"
 #include "model/ReportWriter.h"
-#include "report/Output.h"
+#include "report/LimitedOutput.h"
 
 namespace vyr::inspect {
 
@@ -18,7 +18,7 @@ TJson PartsJson(const std::vector<SPackagePart>& parts);
 /// The report for programs: one JSON object per line, complete in itself.
 class CJsonReport : public IReportWriter {
   public:
-    explicit CJsonReport(COutput& output) : m_output(output) {}
+    explicit CJsonReport(COutput& output);
 
     void Table(const STable& table) override;
     void Signalling(const SSignalling& signalling) override;
@@ -28,9 +28,12 @@ class CJsonReport : public IReportWriter {
     void Fault(const SFault& fault) override;
     void Summary(const SSummary& summary) override;
     bool AlwaysSummary() const override { return true; }
+    void Received(std::size_t bytes) override { m_output.Received(bytes); }
 
   private:
-    COutput& m_output;
+    void m_Write(const char* type, TJson&& json);
+
+    CLimitedOutput m_output;
 };
 
 }  // namespace vyr::inspect

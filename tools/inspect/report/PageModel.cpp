@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/Limits.h"
 #include "base/Names.h"
 #include "model/Content.h"
 #include "report/Html.h"
@@ -107,35 +108,40 @@ template <class TMap>
 typename TMap::mapped_type* CPageModel::m_Find(TMap& map, const typename TMap::key_type& key)
 {
     const auto found = map.find(key);
-    if (found == map.end() && map.size() >= k_mostParts) {
+    if (found == map.end() && (map.size() >= Limit(k_mostParts) || !m_Take(k_around))) {
         ++t_left;
         return nullptr;
     }
     return found != map.end() ? &found->second : &map[key];
 }
 
-void CPageModel::m_Hold(std::string& slot, std::string html)
+bool CPageModel::m_Take(std::size_t bytes, std::size_t most)
 {
-    m_bytes -= slot.size();
-    if (m_bytes + html.size() > k_mostBytes) {
-        ++t_left;
-        html = "<p class=\"muted\">Left out: the page would be too large.</p>";
-    }
-    m_bytes += html.size();
-    slot = std::move(html);
+    const bool fits = m_bytes + bytes <= std::min(Limit(most), m_allowance.Room());
+    m_bytes += fits ? bytes : 0;
+    return fits;
 }
 
 void CPageModel::m_Hold(SPart& part, const std::string& title, const SSource& source, std::string html)
 {
-    part.title = title;
+    m_bytes -= part.bytes;
+    part.bytes = title.size() + html.size();
     part.source = source;
     ++part.versions;
-    m_Hold(part.html, std::move(html));
+    if (m_Take(part.bytes, k_mostBytes)) {
+        part.title = title;
+        part.html = std::move(html);
+        return;
+    }
+    ++t_left;
+    part.bytes = 0;  // what stands in its place was counted with the part
+    part.title = "left out";
+    part.html = "<p class=\"muted\">Left out: the page would be too large.</p>";
 }
 
 void CPageModel::m_Add(SList<SLine>& list, const SSource& source, const std::string& html)
 {
-    if (list.items.size() < k_mostLines) {
+    if (list.items.size() < Limit(k_mostLines) && m_Take(k_around + html.size() + source.file.size())) {
         list.items.push_back({source, html});
     } else {
         ++list.more;
@@ -213,15 +219,15 @@ void CPageModel::m_Slt(const STable& table, const TKey& key)
             HtmlTree(Without(ServiceJson(table, service),
                              {"schema_version", "type", "source", "stream", "LLS_table_id", "LLS_table_idName",
                               "LLS_group_id", "group_count_minus1", "LLS_table_version", "bsid"}));
-        const std::size_t bytes = listed.title.size() + listed.cells.size() + listed.html.size();
-        if (m_bytes + list->bytes + bytes > k_mostBytes) {
+        const std::size_t bytes = 2 * k_around + listed.title.size() + listed.cells.size() + listed.html.size();
+        if (!m_Take(bytes, k_mostBytes)) {
             t_left += table.slt->services.size() - i;
             break;
         }
         list->bytes += bytes;
         list->services.push_back(std::move(listed));
     }
-    m_bytes += list->bytes;
+    t_left += table.slt->leftOut;
 }
 
 void CPageModel::m_Alerts(const STable& table, const TKey& key)
@@ -389,7 +395,7 @@ void CPageModel::m_Components(SSession& session, const SSlsDocument& document)
 CPageModel::SPart* CPageModel::m_Part(SSession& session, const std::vector<unsigned>& key)
 {
     const auto known = session.parts.find(key);
-    if (known == session.parts.end() && m_sessionParts >= 4 * k_mostParts) {
+    if (known == session.parts.end() && (m_sessionParts >= Limit(4 * k_mostParts) || !m_Take(k_around))) {
         ++t_left;
         return nullptr;
     }
@@ -444,8 +450,10 @@ void CPageModel::GuideObject(const SGuideObject& object)
 void CPageModel::Guide(const SGuide& guide)
 {
     const std::size_t file = m_See(guide.source);
-    if (std::string* last = m_Find(t_guides, file)) {
-        m_Hold(*last, HtmlGuide(guide, "g" + std::to_string(file), m_localTime, k_mostGuide));
+    if (SPart* last = m_Find(t_guides, file)) {
+        const std::size_t room = m_allowance.Room() - std::min(m_allowance.Room(), m_bytes - last->bytes);
+        const std::size_t most = std::min(Limit(k_mostGuide), room / 2);
+        m_Hold(*last, {}, guide.source, HtmlGuide(guide, "g" + std::to_string(file), m_localTime, most));
     }
 }
 
@@ -454,10 +462,15 @@ void CPageModel::Fault(const SFault& fault)
     const std::size_t file = m_See(fault.source);
     m_Add(t_faults, fault.source,
           "<td>" + HtmlBadge(fault.note ? "" : "bad", FaultName(fault.code)) + "</td><td>" +
-              HtmlText(HtmlClipped(fault.message, k_longLine)) + "</td>");
+              HtmlText(HtmlClipped(fault.message, k_longLine)) +
+              (fault.times > 1 ? " (and " + std::to_string(fault.times - 1) + " more like it)</td>" : "</td>"));
     if (fault.code == EFault::NO_SIGNALLING && fault.serviceId) {
         if (std::string* why = m_Find(t_missing, {file, fault.serviceList, std::to_string(*fault.serviceId)})) {
+            m_bytes -= 3 * why->size();
             *why = HtmlClipped(fault.message, k_longLine);
+            if (!m_Take(3 * why->size())) {
+                why->clear();
+            }
         }
     }
 }

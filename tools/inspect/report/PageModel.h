@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/Text.h"
+#include "model/Allowance.h"
 #include "model/Guide.h"
 #include "model/ReportWriter.h"
 
@@ -28,6 +29,7 @@ class CPageModel : public IReportWriter {
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide& guide) override;
     void Fault(const SFault& fault) override;
+    void Received(std::size_t bytes) override { m_allowance.Received(bytes); }
 
   protected:
     /// What is held of each kind: the list, and how many more there were.
@@ -43,6 +45,7 @@ class CPageModel : public IReportWriter {
         SSource source;
         std::string html;
         std::uint64_t versions = 0;
+        std::size_t bytes = 0;  ///< that count as held
     };
     struct SListed {
         unsigned id = 0;
@@ -94,8 +97,8 @@ class CPageModel : public IReportWriter {
     std::map<TKey, SAlert> t_alerts;
     std::map<TKey, SSession> t_sessions;
     std::map<TKey, SPart> t_guideObjects;
-    std::map<std::size_t, std::string> t_guides;  ///< by file
-    std::map<TKey, std::string> t_missing;        ///< why a service is not signalled, by its list and id
+    std::map<std::size_t, SPart> t_guides;  ///< by file
+    std::map<TKey, std::string> t_missing;  ///< why a service is not signalled, by its list and id
     SList<SLine> t_changes;
     SList<SLine> t_faults;
     std::uint64_t t_left = 0;          ///< parts beyond the limits
@@ -103,13 +106,15 @@ class CPageModel : public IReportWriter {
 
   private:
     static constexpr std::size_t k_mostBytes = 33554432;  ///< of markup that is held
+    static constexpr std::size_t k_around = 512;          ///< bytes of the page around what is held as a part
     static constexpr std::size_t k_mostParts = 4096;      ///< of each kind
     static constexpr std::size_t k_mostLines = 1000;
     static constexpr std::size_t k_mostComponents = 200;  ///< of a session
 
+    /// Whether the page may hold as many bytes more, up to `most` in all; they count then.
+    bool m_Take(std::size_t bytes, std::size_t most = static_cast<std::size_t>(-1));
     template <class TMap>
     typename TMap::mapped_type* m_Find(TMap& map, const typename TMap::key_type& key);
-    void m_Hold(std::string& slot, std::string html);
     void m_Hold(SPart& part, const std::string& title, const SSource& source, std::string html);
     void m_Add(SList<SLine>& list, const SSource& source, const std::string& html);
     /// Notes what an item says of the input as a whole; gives the number of its file.
@@ -123,7 +128,8 @@ class CPageModel : public IReportWriter {
 
     const bool m_localTime;
     std::size_t m_sessionParts = 0;  ///< of all of them
-    std::size_t m_bytes = 0;
+    std::size_t m_bytes = 0;         ///< held
+    CAllowance m_allowance;
 };
 
 }  // namespace vyr::inspect

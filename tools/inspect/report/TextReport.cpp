@@ -177,13 +177,25 @@ std::string SltText(const SSlt& slt)
         text += "  URL" + (url.urlType >= 0 ? " of type " + Named(url.urlType, UrlTypeName(url.urlType)) : "") + ": " +
                 Printable(url.url) + '\n';
     }
-    return text + (slt.services.empty() ? std::string() : TableText(ServiceRows(slt.services)));
+    return text + (slt.services.empty() ? std::string() : TableText(ServiceRows(slt.services))) +
+           MoreText("  ", slt.leftOut, 0);
 }
 
 std::string FaultText(const SFault& fault)
 {
     const char* kind = fault.note ? "note: " : IsInputFault(fault.code) ? "" : "fault: ";
-    return Place(fault.source) + kind + Printable(fault.message) + '\n';
+    const std::string more = fault.times > 1 ? " (and " + std::to_string(fault.times - 1) + " more like it)" : "";
+    return Place(fault.source) + kind + Printable(fault.message) + more + '\n';
+}
+
+/// "412 of fault, 3 of table": records by their kinds.
+std::string LeftOutText(const TLeftOut& leftOut)
+{
+    std::vector<std::string> kinds;
+    for (const auto& [kind, count] : leftOut) {
+        kinds.push_back(std::to_string(count) + ' ' + kind + (count == 1 ? " record" : " records"));
+    }
+    return Joined(kinds) + ", which would be too much for what was received (--no-limit shows all)";
 }
 
 /// Appends "; 3 of this kind"; nothing for none.
@@ -327,7 +339,8 @@ std::string Headline(const STable& table)
     text += table.insideMultiTable ? ", in a signed multi-table" : "";
     text += std::string(": ") + StatusText(table.status);
     if (table.slt) {
-        text += ", bsid " + std::to_string(table.slt->bsid) + ", " + Counted(table.slt->services.size(), "service");
+        text += ", bsid " + std::to_string(table.slt->bsid) + ", " +
+                Counted(table.slt->services.size() + table.slt->leftOut, "service");
         text += table.slt->dropped != 0 ? ", " + std::to_string(table.slt->dropped) + " of them not listed" : "";
         return text + (table.slt->cmsSignedData ? ", with CMSSignedData" : "");
     }
@@ -425,51 +438,75 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
     return rows;
 }
 
+CTextReport::CTextReport(COutput& output, bool localTime)
+    : m_output(output, [](const TLeftOut& leftOut) { return "left out: " + LeftOutText(leftOut) + '\n'; }),
+      m_localTime(localTime)
+{
+}
+
+/// Of a record that is too long, the first lines.
+void CTextReport::m_Write(const char* kind, const SSource& source, const std::string& text)
+{
+    const std::string whole = Place(source) + text;
+    const std::string shown = FirstLines(whole, m_output.Room());
+    m_output.Write(kind, shown.empty() ? whole : shown);
+}
+
 void CTextReport::Table(const STable& table)
 {
-    if (table.status == EStatus::REPEATED) {
+    if (table.status == EStatus::REPEATED || !m_output.Begin("table")) {
         return;
     }
-    std::string text = Place(table.source) + Headline(table) + '\n';
+    std::string text = Headline(table) + '\n';
     if (table.status != EStatus::NEW_VERSION_SAME_CONTENT) {
         text += table.slt ? SltText(*table.slt) : table.content ? table.content->text : std::string();
     }
-    m_output.Write(text);
+    m_Write("table", table.source, text);
 }
 
 void CTextReport::Signalling(const SSignalling& signalling)
 {
-    std::string text = Place(signalling.source) + Headline(signalling) + '\n';
+    if (!m_output.Begin("signalling")) {
+        return;
+    }
+    std::string text = Headline(signalling) + '\n';
     if (signalling.status != EStatus::NEW_VERSION_SAME_CONTENT) {
         text += ItemsText(signalling) + PartsText(signalling);
         for (const SSlsDocument& document : signalling.documents) {
             text += DocumentText(document);
         }
     }
-    m_output.Write(text);
+    m_Write("signalling", signalling.source, text);
 }
 
 void CTextReport::Message(const SMessage& message)
 {
-    const bool shown = message.content && message.status != EStatus::NEW_VERSION_SAME_CONTENT;
-    m_output.Write(Place(message.source) + Headline(message) + '\n' + (shown ? message.content->text : ""));
+    if (m_output.Begin("message")) {
+        const bool shown = message.content && message.status != EStatus::NEW_VERSION_SAME_CONTENT;
+        m_Write("message", message.source, Headline(message) + '\n' + (shown ? message.content->text : ""));
+    }
 }
 
 void CTextReport::GuideObject(const SGuideObject& object)
 {
-    m_output.Write(Place(object.source) + Headline(object) + '\n' + (object.content ? object.content->text : ""));
+    if (m_output.Begin("guideObject")) {
+        m_Write("guideObject", object.source, Headline(object) + '\n' + (object.content ? object.content->text : ""));
+    }
 }
 
 void CTextReport::Guide(const SGuide& guide)
 {
-    m_output.Write(Place(guide.source) + GuideText(guide, m_localTime));
+    if (m_output.Begin("guide")) {
+        m_Write("guide", guide.source, GuideText(guide, m_localTime));
+    }
 }
 
 void CTextReport::Fault(const SFault& fault)
 {
     // Of an input that is none, stderr tells.
-    if (!IsInputFault(fault.code)) {
-        m_output.Write(FaultText(fault));
+    const char* kind = fault.note ? "note" : "fault";
+    if (!IsInputFault(fault.code) && m_output.Begin(kind)) {
+        m_output.Write(kind, FaultText(fault));
     }
 }
 
@@ -478,14 +515,18 @@ void CTextReport::Summary(const SSummary& summary)
     if (summary.captures + summary.rawTables + summary.slsFiles + summary.rawMessages + summary.guideFiles == 0) {
         return;
     }
-    std::string text = "\nsummary\n" + Aligned(SummaryRows(summary));
+    std::vector<TRow> rows = SummaryRows(summary);
+    if (!m_output.LeftOut().empty()) {
+        rows.push_back({"left out", LeftOutText(m_output.LeftOut())});
+    }
+    std::string text = "\nsummary\n" + Aligned(rows);
     for (const SFault& fault : summary.firstFaults) {
         text += "    " + FaultText(fault);
     }
     if (summary.faults > summary.firstFaults.size()) {
         text += "    and " + std::to_string(summary.faults - summary.firstFaults.size()) + " more\n";
     }
-    m_output.Write(text);
+    m_output.Finish(text);
 }
 
 }  // namespace vyr::inspect

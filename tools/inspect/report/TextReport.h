@@ -6,7 +6,7 @@
 #include "base/Text.h"
 #include "model/Items.h"
 #include "model/ReportWriter.h"
-#include "report/Output.h"
+#include "report/LimitedOutput.h"
 
 namespace vyr::inspect {
 
@@ -24,7 +24,7 @@ std::vector<TRow> SummaryRows(const SSummary& summary);
 class CTextReport : public IReportWriter {
   public:
     /// With `localTime`, the times of the guide are those of the machine's time zone.
-    explicit CTextReport(COutput& output, bool localTime = false) : m_output(output), m_localTime(localTime) {}
+    explicit CTextReport(COutput& output, bool localTime = false);
 
     void Table(const STable& table) override;
     void Signalling(const SSignalling& signalling) override;
@@ -33,9 +33,12 @@ class CTextReport : public IReportWriter {
     void Guide(const SGuide& guide) override;
     void Fault(const SFault& fault) override;
     void Summary(const SSummary& summary) override;
+    void Received(std::size_t bytes) override { m_output.Received(bytes); }
 
   private:
-    COutput& m_output;
+    void m_Write(const char* kind, const SSource& source, const std::string& text);
+
+    CLimitedOutput m_output;
     const bool m_localTime;
 };
 
