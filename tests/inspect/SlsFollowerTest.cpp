@@ -136,7 +136,8 @@ TEST_F(SlsFollower, PartsThatAreNotRead)
     EXPECT_EQ(m_Take(5, package("b", "--x\n\n#EXTM3V\n" + mpd)), TLines({"changed; MPD unchanged same"}))
         << "told of once";
     EXPECT_EQ(m_Take(6, package("b", "")),
-              TLines({"changed", "note: item-without-part", "note: part-without-item", "note: object-not-read"}));
+              TLines({"changed", "note: object-not-read", "note: item-without-part", "note: part-without-item"}));
+    EXPECT_EQ(m_follower.LastFault(), "object 1 of TSI 0 holds no document that is read");
     EXPECT_EQ(m_Take(7, "<DWD/>"), TLines({"note: object-not-read"}));
     EXPECT_EQ(m_Take(8, "<DWDs/>"), TLines({"fault: object-not-read"}));
     EXPECT_EQ(m_Take(9, "<SLT/>"), TLines({"fault: object-not-read"})) << "which does not belong here";

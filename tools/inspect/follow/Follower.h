@@ -26,6 +26,7 @@ class CFollower {
     CFollower(const SFollowed& followed, CReport& report, const char* nothing);
     ~CFollower() = default;
 
+    /// A note is what was wrong last only where nothing was wrong before.
     void t_Fault(EFault code, const std::string& message, const SSource& source, bool note = false);
     /// Tells what the library asserted since it was last asked.
     void t_AddAssertions(const SSource& source);

@@ -94,11 +94,11 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     if (!envelopeReason.empty()) {
         t_Fault(EFault::DOCUMENT_NOT_PARSED, "metadataEnvelope did not parse: " + envelopeReason, source);
     }
-    m_PackageFaults(package, envelopeReason.empty() ? signalling.items : std::vector<SEnvelopeItem>(), source);
-    m_DocumentFaults(signalling.documents, source);
     if (texts.empty()) {
         m_NotRead(toi, " holds no document that is read", source, true);
     }
+    m_PackageFaults(package, envelopeReason.empty() ? signalling.items : std::vector<SEnvelopeItem>(), source);
+    m_DocumentFaults(signalling.documents, source);
     return true;
 }
 
