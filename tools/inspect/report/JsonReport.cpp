@@ -1,7 +1,6 @@
 #include "report/JsonReport.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "base/Json.h"
