@@ -106,16 +106,31 @@ void CReport::Fault(SFault fault)
     m_TellFault(fault);
 }
 
-/// The first faults of a kind are told of alone; false: this is one of them.
+/// The first faults of a kind are told of alone; false: this is one of them. The others are told of whenever they are
+/// ten times as many as those before: an input may have no end.
 bool CReport::m_Joins(SAlike& alike, const SFault& fault, std::uint64_t most)
 {
+    constexpr std::uint64_t k_growth = 10;
     if (alike.told < most) {
         ++alike.told;
         return false;
     }
     ++alike.held;
     alike.last = fault;
+    if (alike.held == k_growth * alike.told) {
+        m_TellHeld(alike);
+    }
     return true;
+}
+
+void CReport::m_TellHeld(SAlike& alike)
+{
+    if (alike.held != 0) {
+        alike.last.times = alike.held;
+        m_TellFault(alike.last);
+        alike.told += alike.held;
+        alike.held = 0;
+    }
 }
 
 void CReport::m_TellFault(const SFault& fault)
@@ -131,10 +146,7 @@ void CReport::m_TellFault(const SFault& fault)
 void CReport::m_TellJoined(TAlike& alike)
 {
     for (auto& [key, faults] : alike) {
-        if (faults.held != 0) {
-            faults.last.times = faults.held;
-            m_TellFault(faults.last);
-        }
+        m_TellHeld(faults);
     }
     alike.clear();
 }

@@ -50,7 +50,8 @@ class CReport {
     template <class TTell>
     void m_Tell(TTell tell);
     void m_TellFault(const SFault& fault);
-    static bool m_Joins(SAlike& alike, const SFault& fault, std::uint64_t most);
+    void m_TellHeld(SAlike& alike);
+    bool m_Joins(SAlike& alike, const SFault& fault, std::uint64_t most);
     void m_TellJoined(TAlike& alike);
     void m_Move(const SSource& place);
 
