@@ -101,7 +101,7 @@ TEST_F(ParseCDTTest, TimesAsTheyAreGivenInEveryZone)
         setenv("TZ", test.zone, 1);
         tzset();
         FeedXml(m_parser, std::string("<CertificationData><CertReplacement NextCertFrom='") + test.time +
-                           "'/></CertificationData>");
+                              "'/></CertificationData>");
         EXPECT_EQ(Text(m_parser.Given()->nextCertFrom), test.given) << test.zone;
         std::string next;
         long long from = 0, until = 0;
