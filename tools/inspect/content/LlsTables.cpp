@@ -208,10 +208,9 @@ void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
     for (const SParseAEAT::SLocation& location : alert.locations) {
         const char* kind = LocationTypeName(location.type);
         text += Line("place", Printable(location.location) + (kind ? std::string(" (") + kind + ')' : ""));
-        Append(json, "Location", {{"location", location.location}, {"type", location.type}});
-        if (kind) {
-            json["Location"].back()["typeName"] = kind;
-        }
+        TJson place = {{"location", location.location}, {"type", location.type}};
+        PutText(place, "typeName", kind);
+        Append(json, "Location", std::move(place));
     }
     for (const SParseAEAT::SText& aeaText : alert.texts) {
         text += Line("text", Printable(aeaText.text) + InLanguage(aeaText.lang));
