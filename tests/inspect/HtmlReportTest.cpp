@@ -147,7 +147,7 @@ TEST(HtmlReport, LeavesOutWhatIsEmptyAndNamesInputs)
               std::string::npos);
     EXPECT_EQ(MarkupFault(page), "");
 
-    SParseSLT::SService service;
+    SParseSLT::SService service{};
     service.serviceId = 7;
     list.slt.emplace().services.push_back({service, {}});
     for (const char* second : {"", "b.pcap"}) {
