@@ -202,7 +202,7 @@ TEST(HtmlReport, ComponentsOfAService)
     for (const char c : page.substr(at, page.find("</table>", at) - at)) {
         markup = c == '<' || markup;
         rows += markup ? "" : std::string(1, c);
-        rows += c == '>' && rows.back() != '|' ? "|" : "";
+        rows += c == '>' && (rows.empty() || rows.back() != '|') ? "|" : "";
         markup = c != '>' && markup;
     }
     EXPECT_EQ(rows,
