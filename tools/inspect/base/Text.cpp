@@ -92,10 +92,15 @@ std::string Printable(const std::string& text)
 
 std::string PlainJson(const std::string& json)
 {
-    std::string out;
-    out.reserve(json.size());
+    const auto first =
+        std::find_if(json.begin(), json.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x7F; });
+    if (first == json.end()) {
+        return json;  // as most are
+    }
+    std::size_t at = static_cast<std::size_t>(first - json.begin());
+    std::string out(json, 0, at);
     char escape[16];
-    for (std::size_t at = 0; at < json.size();) {
+    while (at < json.size()) {
         const SCodePoint point = Decode(json, at);
         // What is below is escaped already, but for the line's end.
         if (point.value < 0x7F || !Invisible(point.value)) {
