@@ -1,6 +1,6 @@
 #pragma once
 
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "../../common/ATSC3TimeUtility.h"
@@ -34,8 +34,8 @@ class VYR_API CLS : public CXmlElement {
         TOwnedArray<CSrcFlow> srcFlows;  ///< the last one counts, the EFDTs of all were reported
 
         // Extension: the times as they are given.
-        std::optional<SGivenTime> givenStartTime;  ///< xs:dateTime; empty: not given
-        std::optional<SGivenTime> givenEndTime;    ///< likewise
+        std::unique_ptr<SGivenTime> givenStartTime;  ///< xs:dateTime; null: not given
+        std::unique_ptr<SGivenTime> givenEndTime;    ///< likewise
     };
 
     /// Copies the record; null takes it back. False before Create.

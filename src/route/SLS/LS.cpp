@@ -46,12 +46,12 @@ bool SState::m_ProcessParse(void* root)
     const CNodeText startTime = CNodeText::Attribute(root, "startTime");
     if (startTime.Found()) {
         values.startTime = TimeUtility::ConvertDateTime2Epoch(startTime.Text());
-        values.givenStartTime = vyr::GivenTime(startTime, vyr::ReadDateTime);
+        values.givenStartTime = std::make_unique<SGivenTime>(*vyr::GivenTime(startTime, vyr::ReadDateTime));
     }
     const CNodeText endTime = CNodeText::Attribute(root, "endTime");
     if (endTime.Found()) {
         values.endTime = TimeUtility::ConvertDateTime2Epoch(endTime.Text());
-        values.givenEndTime = vyr::GivenTime(endTime, vyr::ReadDateTime);
+        values.givenEndTime = std::make_unique<SGivenTime>(*vyr::GivenTime(endTime, vyr::ReadDateTime));
     }
     vyr::DispatchChildren(this, k_handlers, root);
     return true;

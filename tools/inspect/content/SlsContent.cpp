@@ -36,7 +36,7 @@ std::string Given(unsigned number)
 }
 
 /// What the broadcast says, in UTC; what is no time as it stands, nothing for none.
-std::string GivenText(const std::optional<SGivenTime>& given)
+std::string GivenText(const SGivenTime* given)
 {
     return !given ? std::string() : given->seconds ? EpochText(*given->seconds) : given->text;
 }
@@ -235,8 +235,8 @@ TJson LctSessionJson(const CLS::SLS& session, const TRow& route, std::vector<TRo
     TJson json = TJson::object();
     PutNumber(json, "tsi", session.tsi, k_none);
     PutNumber(json, "bw", session.bw, k_none);
-    PutText(json, "startTime", GivenText(session.givenStartTime));
-    PutText(json, "endTime", GivenText(session.givenEndTime));
+    PutText(json, "startTime", GivenText(session.givenStartTime.get()));
+    PutText(json, "endTime", GivenText(session.givenEndTime.get()));
     const std::string tsi = session.tsi != k_none ? std::to_string(session.tsi) : "-";
     TRow row = {"  " + tsi, route[0], route[1], Given(session.bw)};
     TJson flows = TJson::array();
