@@ -6,8 +6,8 @@
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
+#include "esg/Elements.h"
 #include "esg/GenreNameParse.h"
-#include "support/EsgRecords.h"
 #include "support/ParserTest.h"
 
 SHOW(CESGServiceFragment::SESGServiceFragment, s.ns, s.id, s.version, s.validFrom, s.validTo, s.globalServiceID,

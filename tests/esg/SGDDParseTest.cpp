@@ -1,8 +1,8 @@
 #include "esg/SGDDParse.h"
 
 #include "esg/ESGFragmentMap.h"
+#include "esg/Elements.h"
 #include "esg/SGResponse.h"
-#include "support/EsgRecords.h"
 #include "support/ParserTest.h"
 
 SHOW(CSGResponse::SResponseValidity, s.expirationTime, s.timeWindow)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <string>
 
 #include "../../common/Bytes.h"
@@ -76,17 +75,19 @@ class VYR_API CLocationUnitBase : public IMMTParser {
     }
 
   private:
-    using TWords = std::array<unsigned short, 8>;
+    /// Numbers, in wire order and without those that the type does not have, or the words of both IPv4 addresses
+    /// and then at most three numbers. There can be 255 units in every asset: they are kept small.
+    static constexpr unsigned int k_words = 7;
 
     bool m_Has(unsigned int field) const { return (m_fields >> field & 1u) != 0; }
-    void m_ReadAddress(vyr::CBitReader& reader, TWords& address);
-    unsigned int m_Ipv4(const TWords& address) const;
+    unsigned int m_Slot(unsigned int number) const;
+    unsigned int m_Number(unsigned int number) const;
+    unsigned int m_Ipv4(unsigned int slot) const;
+    void m_ReadAddresses(vyr::CBitReader& reader);
 
     unsigned short m_fields;
-    unsigned short m_numbers[NUMBER_COUNT] = {};
-    TWords m_source = {};  // of an IPv4 address the first two words
-    TWords m_destination = {};
-    vyr::CBytes m_text;
+    unsigned short m_words[k_words] = {};
+    vyr::CBytes m_bytes;  // both IPv6 addresses, or the text
 };
 
 /// Location type 0x00: the packet flow that carries the location info.
