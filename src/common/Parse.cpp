@@ -8,13 +8,16 @@
 
 namespace {
 
+/// Apart from the readers, which need no stack for it.
+[[gnu::noinline, gnu::cold]] bool NothingToRead(const IParse::SItem* item, const char* function, int line)
+{
+    return vyr::AssertFailed({vyr::k_source.text, function, line}, item ? "item->buffer" : "item");
+}
+
 /// The entry checks of every reader but the alignment: false when there is nothing to read from.
 bool Readable(const IParse::SItem* item, const char* function, int line)
 {
-    if (!item || !item->buffer) {
-        return vyr::AssertFailed({vyr::k_source.text, function, line}, item ? "item->buffer" : "item");
-    }
-    return item->valid;
+    return item && item->buffer ? item->valid : NothingToRead(item, function, line);
 }
 
 /// True when `bits` more bits end at or before `limit`, and inside a 32-bit cursor's reach.
@@ -30,8 +33,16 @@ std::uint64_t SizeInBits(const IParse::SItem* item)
     return static_cast<std::uint64_t>(item->size) * 8;
 }
 
+std::uint32_t FourBytes(const unsigned char* p)
+{
+    return std::uint32_t{p[0]} << 24 | std::uint32_t{p[1]} << 16 | std::uint32_t{p[2]} << 8 | p[3];
+}
+
 std::uint32_t Assemble(const unsigned char* p, unsigned int bytes)
 {
+    if (bytes == 4) {
+        return FourBytes(p);
+    }
     std::uint32_t value = 0;
     for (unsigned int i = 0; i < bytes; ++i) {
         value = value << 8 | p[i];
@@ -40,7 +51,7 @@ std::uint32_t Assemble(const unsigned char* p, unsigned int bytes)
 }
 
 /// The low 64 bits of a field of any width at any bit, taken byte by byte.
-std::uint64_t Gather(const unsigned char* buffer, std::uint64_t bitpos, std::uint64_t bits)
+[[gnu::noinline]] std::uint64_t Gather(const unsigned char* buffer, std::uint64_t bitpos, std::uint64_t bits)
 {
     if (bits > 64) {
         bitpos += bits - 64;
@@ -74,14 +85,29 @@ unsigned int ReadValue(IParse::SItem* item, unsigned int bits)
         return 0;
     }
     // bitsize is the bound; a bitsize beyond the bytes is a caller's mistake that reads nothing.
-    const std::uint64_t bytes = SizeInBits(item);
-    if (!Fits(item, bits, item->bitsize < bytes ? item->bitsize : bytes)) {
+    const std::uint32_t position = item->bitpos;
+    const std::uint64_t end = std::uint64_t{position} + bits;
+    if (end > item->bitsize || end > SizeInBits(item)) {
+        item->valid = false;
         return 0;
     }
-    const std::uint32_t position = item->bitpos;
-    item->bitpos += bits;
-    if (position % 8 == 0 && bits % 8 == 0 && bits <= 32) {
-        return Assemble(item->buffer + position / 8, bits / 8);
+    item->bitpos = static_cast<std::uint32_t>(end);
+    const unsigned char* p = item->buffer + position / 8;
+    // What most fields are.
+    if (position % 8 == 0) {
+        switch (bits) {
+            case 8:
+                return *p;
+            case 16:
+                return static_cast<unsigned int>(p[0]) << 8 | p[1];
+            case 32:
+                return FourBytes(p);
+            default:
+                break;
+        }
+    }
+    if (bits > 0 && position % 8 + bits <= 8) {
+        return *p >> (8 - position % 8 - bits) & (0xFFu >> (8 - bits));
     }
     return static_cast<unsigned int>(Gather(item->buffer, position, bits));
 }
@@ -122,10 +148,7 @@ const unsigned char* ReadBytes(IParse::SItem* item, unsigned int count)
 
 unsigned char* ReadCopy(IParse::SItem* item, unsigned int count)
 {
-    if (!Readable(item, "t_AllocAndCopy", __LINE__)) {
-        return nullptr;
-    }
-    const unsigned char* bytes = ReadBytes(item, count);
+    const unsigned char* bytes = Readable(item, "t_AllocAndCopy", __LINE__) ? ReadBytes(item, count) : nullptr;
     if (!bytes) {
         return nullptr;
     }
