@@ -1,10 +1,13 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
@@ -267,6 +270,50 @@ TEST(Inspect, AStreamIsReportedAsItComes)
     EXPECT_NE(text.find("\nsummary\n"), std::string::npos) << "an interrupt ends the input, not the report";
     EXPECT_EQ(MarkupFault(ReadFile(page.Name())), "");
     EXPECT_NE(ReadFile(page.Name()).find("<h3>bsid 5, 224.0.23.60:4937 group 0 "), std::string::npos);
+}
+
+/// Nobody reads what the tool writes: it waits there.
+TEST(Inspect, ASecondInterruptEndsTheProgramAtOnceWhateverItDoes)
+{
+    CCapture many(1);
+    for (unsigned int i = 0; i < 2000; ++i) {
+        many.AddLls(Slt(Service(1 + static_cast<int>(i % 2)), i));
+    }
+    const CTemporary input(many.Bytes());
+    for (const int interrupts : {1, 2}) {
+        int ends[2];
+        ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+        const pid_t tool = fork();
+        if (tool == 0) {
+            dup2(ends[1], STDOUT_FILENO);
+            execl(VYR_INSPECT, VYR_INSPECT, "--json", input.Name().c_str(), nullptr);
+            _exit(127);
+        }
+        for (int held = 0, before = -1; held == 0 || held != before;) {
+            usleep(100000);
+            before = held;
+            ASSERT_EQ(ioctl(ends[0], FIONREAD, &held), 0);
+        }
+        int status = 0;
+        for (int i = 0; i < interrupts; ++i) {
+            usleep(100000);
+            EXPECT_EQ(waitpid(tool, &status, WNOHANG), 0) << "one is not enough";
+            kill(tool, SIGINT);
+        }
+        close(ends[1]);
+        std::string last;
+        if (interrupts == 1) {
+            char chunk[65536];
+            for (ssize_t count = 0; (count = read(ends[0], chunk, sizeof chunk)) > 0;) {
+                last.append(chunk, static_cast<std::size_t>(count));
+                last.erase(0, last.size() > 4000 ? last.size() - 4000 : 0);
+            }
+        }
+        waitpid(tool, &status, 0);
+        close(ends[0]);
+        EXPECT_EQ(WIFSIGNALED(status), interrupts == 2);
+        EXPECT_EQ(last.find("\"type\":\"summary\"") != std::string::npos, interrupts == 1) << last;
+    }
 }
 
 }  // namespace

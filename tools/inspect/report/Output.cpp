@@ -4,20 +4,33 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 
 #include "report/Progress.h"
 
 namespace vyr::inspect {
 
+namespace {
+
+/// 0, or why not all of it is written. An interrupt is none of the reasons.
+int WriteAll(int file, const std::string& bytes)
+{
+    for (std::size_t at = 0; at < bytes.size();) {
+        const ssize_t written = write(file, bytes.data() + at, bytes.size() - at);
+        if (written < 0 && errno != EINTR) {
+            return errno;
+        }
+        at += written > 0 ? static_cast<std::size_t>(written) : 0;
+    }
+    return 0;
+}
+
+}  // namespace
+
 void COutput::Write(const std::string& lines)
 {
-    if (m_error != 0) {
-        return;
-    }
-    m_progress.Clear();
-    if (std::fwrite(lines.data(), 1, lines.size(), stdout) != lines.size() || std::fflush(stdout) != 0) {
-        m_error = errno;
+    if (m_error == 0) {
+        m_progress.Clear();
+        m_error = WriteAll(STDOUT_FILENO, lines);
     }
 }
 
@@ -43,14 +56,7 @@ void COutputFile::Write(const std::string& bytes)
         m_error = errno;
         return;
     }
-    for (std::size_t at = 0; at < bytes.size();) {
-        const ssize_t written = write(m_file, bytes.data() + at, bytes.size() - at);
-        if (written < 0 && errno != EINTR) {
-            m_error = errno;
-            return;
-        }
-        at += written > 0 ? static_cast<std::size_t>(written) : 0;
-    }
+    m_error = WriteAll(m_file, bytes);
 }
 
 }  // namespace vyr::inspect
