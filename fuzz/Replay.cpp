@@ -22,7 +22,8 @@ int main(int argc, char** argv)
                 continue;
             }
             std::ifstream file(entry.path(), std::ios::binary);
-            const std::vector<char> bytes(std::istreambuf_iterator<char>(file), {});
+            const std::vector<char> read(std::istreambuf_iterator<char>(file), {});
+            const std::vector<char> bytes(read);  // a block of exactly their size
             LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
             ++inputs;
         }

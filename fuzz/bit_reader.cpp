@@ -1,4 +1,5 @@
 // A script of reads over random bytes, against a reader that takes one bit at a time.
+// Sources: src/common/BitReader.h
 #include <cstring>
 #include <memory>
 

@@ -1,4 +1,5 @@
 // Separation of the signed-data element from a table.
+// Sources: src/lls/ParseLLSCMS.cpp
 #include <string>
 
 #include "Fuzz.h"

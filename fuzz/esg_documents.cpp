@@ -1,6 +1,8 @@
 // Documents of the service guide: the first byte picks the parser, and what follows are up to four
 // documents in a row on it.
+// Sources: src/esg
 #include "Fuzz.h"
+#include "Mutate.h"
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
@@ -89,6 +91,8 @@ void Run(const std::vector<unsigned char>& all)
 }
 
 }  // namespace
+
+VYR_MUTATOR(MutateXml)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,8 +1,10 @@
 // Delivery units of the service guide: bit 0 of the first byte announces gzip, bit 1 sets a limit on what
 // comes out, and what follows are up to four units in a row on one parser.
+// Sources: src/esg/SGDUParse.cpp src/esg/ESGFragmentBase.cpp src/common/Inflate.cpp
 #include "esg/SGDUParse.h"
 
 #include "Fuzz.h"
+#include "Mutate.h"
 #include "platform/Platform.h"
 
 namespace {
@@ -20,6 +22,8 @@ void Read(const CSGDUParse::SSGDUParse& state, std::size_t bytes)
 }
 
 }  // namespace
+
+VYR_MUTATOR(MutateUnit)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

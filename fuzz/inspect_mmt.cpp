@@ -1,6 +1,8 @@
 // The inspector's way from MMTP packets to its report: the first byte picks text or JSON and packets or a
 // raw message; then UDP payloads follow, each behind its 16-bit length and a byte that picks its session, or
 // lets sessions go and come.
+// Sources: tools/inspect/follow/MmtFollower.cpp tools/inspect/follow/MessageFollower.cpp
+// Sources: tools/inspect/wire/M*.cpp tools/inspect/content/Mmt*.cpp
 #include "InspectFuzz.h"
 #include "content/MessageHead.h"
 #include "follow/MessageFollower.h"

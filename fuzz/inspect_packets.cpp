@@ -1,5 +1,6 @@
 // The inspector's way from captured packets to UDP datagrams: the first byte picks the link type,
 // then packets follow, each behind its 16-bit length.
+// Sources: tools/inspect/wire/LinkLayer.cpp tools/inspect/wire/Ipv4Decoder.cpp
 #include <pcap/dlt.h>
 
 #include <cstdint>

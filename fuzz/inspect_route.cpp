@@ -1,6 +1,8 @@
 // The inspector's way from LCT packets to its report: the first byte picks text or JSON and packets or a
 // raw file; then UDP payloads follow, each behind its 16-bit length and a byte that picks its session, or
 // lets sessions go and come.
+// Sources: tools/inspect/follow/RouteFollower.cpp tools/inspect/follow/SlsFollower.cpp tools/inspect/wire/Lct.cpp
+// Sources: tools/inspect/wire/ObjectAssembler.cpp tools/inspect/content/Sls*.cpp tools/inspect/content/MpdContent.cpp
 #include "InspectFuzz.h"
 #include "follow/GuideSessions.h"
 #include "follow/RouteFollower.h"

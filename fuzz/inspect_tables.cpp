@@ -1,5 +1,7 @@
 // The inspector's way from LLS tables to its report, certificates and signatures included: the first
 // byte picks text or JSON, then tables follow, each behind its 16-bit length, of one stream.
+// Sources: tools/inspect/follow/LlsFollower.cpp tools/inspect/content/LlsTables.cpp
+// Sources: tools/inspect/content/Certificates.cpp
 #include "InspectFuzz.h"
 #include "common/ChannelMap.h"
 #include "follow/LlsFollower.h"

@@ -1,11 +1,15 @@
 // Service list tables, up to eight in a row on one parser, with every getter after each.
+// Sources: src/lls/ParseSLT.cpp src/lls/ParseLLS.cpp src/common/ChannelMap.cpp
 #include <algorithm>
 #include <string>
 
 #include "Fuzz.h"
+#include "Mutate.h"
 #include "common/ChannelMap.h"
 #include "lls/ParseSLT.h"
 #include "platform/Platform.h"
+
+VYR_MUTATOR(MutateXml)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

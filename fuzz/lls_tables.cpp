@@ -1,9 +1,11 @@
 // Every LLS table but the SLT: the first byte picks the parser, and what follows are up to eight tables
 // in a row on it, each looked at through every getter.
+// Sources: src/lls
 #include <list>
 #include <string>
 
 #include "Fuzz.h"
+#include "Mutate.h"
 #include "lls/LLSSMTParser.h"
 #include "lls/ParseAEAT.h"
 #include "lls/ParseCDT.h"
@@ -145,6 +147,8 @@ void RunOne(std::uint8_t first, const std::vector<unsigned char>& tables)
 }
 
 }  // namespace
+
+VYR_MUTATOR(MutateXml)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

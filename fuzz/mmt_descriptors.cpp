@@ -1,8 +1,10 @@
 // A loop of MMT descriptors: the first two bytes are how much shorter than the input the loop's length is.
+// Sources: src/mmt/desc
 #include <string_view>
 
 #include "Fuzz.h"
 #include "MmtWalk.h"
+#include "Mutate.h"
 #include "mmt/desc/MMTDescFactory.h"
 #include "mmt/desc/MMTDescs.h"
 
@@ -112,6 +114,8 @@ void Remove(void* /*context*/, void* element)
 }
 
 }  // namespace
+
+VYR_MUTATOR(MutateBinary)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

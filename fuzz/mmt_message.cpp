@@ -1,7 +1,9 @@
 // One MMT message, through the factory; licence revocation, which the factory does not make, directly.
+// Sources: src/mmt
 #include <memory>
 
 #include "MmtWalk.h"
+#include "Mutate.h"
 #include "mmt/desc/MMTUsbd.h"
 #include "mmt/msg/MMTMsgAc.h"
 #include "mmt/msg/MMTMsgAdc.h"
@@ -124,6 +126,8 @@ void TouchMessage(CMMTMsg& msg, int depth)
 }
 
 }  // namespace
+
+VYR_MUTATOR(MutateBinary)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

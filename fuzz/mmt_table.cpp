@@ -1,7 +1,9 @@
 // MMT tables in a row, as a PA message carries them.
+// Sources: src/mmt/table src/mmt/element src/mmt/IdentifierUnit
 #include <memory>
 
 #include "MmtWalk.h"
+#include "Mutate.h"
 #include "mmt/table/MMTTblFactory.h"
 
 namespace {
@@ -21,6 +23,8 @@ struct CRecords : CMMTTblSi {
 };
 
 }  // namespace
+
+VYR_MUTATOR(MutateBinary)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,8 +1,10 @@
 // Up to four MMT user service bundle descriptions in a row on one parser, compressed or not.
+// Sources: src/mmt/desc/MMTUsbd.cpp src/common/Usbd.cpp
 #include <cstring>
 #include <string>
 
 #include "Fuzz.h"
+#include "Mutate.h"
 #include "mmt/desc/MMTChannel.h"
 #include "mmt/desc/MMTContentAdvisoryRatings.h"
 #include "mmt/desc/MMTMpuComponent.h"
@@ -56,6 +58,8 @@ void Read(const CMMTUsbd& usbd)
 }
 
 }  // namespace
+
+VYR_MUTATOR(MutateXml)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

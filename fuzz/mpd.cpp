@@ -1,7 +1,9 @@
 // DASH MPD: up to three documents in a row on one parser, all of the record walked.
+// Sources: src/route/SLS/MPD.cpp
 #include <cstring>
 
 #include "Fuzz.h"
+#include "Mutate.h"
 #include "platform/Platform.h"
 #include "route/SLS/MPD.h"
 
@@ -118,6 +120,8 @@ void OnRatings(void* /*context*/, const CMPD::TRatings& ratings)
 }
 
 }  // namespace
+
+VYR_MUTATOR(MutateXml)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,8 +1,10 @@
 // Documents of ROUTE service-layer signalling: the first byte picks the parser, and what follows are up
 // to four documents in a row on it.
+// Sources: src/route/SLS src/common/RSAT.cpp src/common/ServiceLinkage.cpp
 #include <string>
 
 #include "Fuzz.h"
+#include "Mutate.h"
 #include "common/RSAT.h"
 #include "common/ServiceLinkage.h"
 #include "platform/Platform.h"
@@ -90,6 +92,8 @@ void Run(const std::vector<unsigned char>& all)
 }
 
 }  // namespace
+
+VYR_MUTATOR(MutateXml)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,9 +1,11 @@
 // SLS buffers: the first byte says what of the manager is used, and what follows are up to four buffers
 // in a row. Everything that callbacks were handed is read again after each of them.
+// Sources: src/route
 #include <cstring>
 #include <string>
 
 #include "Fuzz.h"
+#include "Mutate.h"
 #include "common/RSAT.h"
 #include "platform/Platform.h"
 #include "route/SLS/EFDT.h"
@@ -110,6 +112,8 @@ bool Contains(const std::vector<unsigned char>& buffer, const char* tag)
 }
 
 }  // namespace
+
+VYR_MUTATOR(MutateXml)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,5 +1,6 @@
 // A script of calls on CCStringHash, against std::unordered_multimap for what it holds and a vector
 // for the order of its list.
+// Sources: src/common/CoreOS
 #include <algorithm>
 #include <string>
 #include <unordered_map>

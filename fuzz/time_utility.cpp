@@ -1,4 +1,5 @@
 // The conversions of times: any text gives some number.
+// Sources: src/common/ATSC3TimeUtility.cpp src/common/XsTime.cpp
 #include <cmath>
 #include <string>
 

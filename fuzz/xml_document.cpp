@@ -1,15 +1,16 @@
 // A document, plain or compressed, and every getter over every node that can be reached. One that is not
 // compressed is taken when plain libxml2 takes it, but for what is refused for a reason that is true.
+// Sources: src/common/xml src/common/XML.cpp
 #include <cstring>
 #include <memory>
 #include <string>
 
 #include "Fuzz.h"
+#include "Mutate.h"
+#include "XmlAcceptance.h"
 #include "common/XML.h"
-#include "common/xml/Refusal.h"
 #include "platform/Failure.h"
 #include "platform/Platform.h"
-#include "support/XmlOracle.h"
 
 namespace {
 
@@ -46,25 +47,9 @@ void Walk(const CXML& xml, void* node, int depth, int* budget)
     }
 }
 
-void Compare(const std::string& text, bool created)
-{
-    bool plain = false;
-    const char* reason = vyr::xml::RefusalOf(text.data(), text.size(), &plain);
-    Require(!(created && reason) && !(plain && reason));
-    // Plain libxml2 could be busy with these for ever.
-    for (const char* slow : {"parameter", "entities", "identifiers"}) {
-        if (reason && (std::strstr(reason, slow) || text.size() > 20000)) {
-            return;
-        }
-    }
-    const SXmlTruth truth(text);
-    Require(!truth.accepted || !reason || std::strstr(reason, "encoding") || truth.Says(reason));
-    Require(!created || (truth.accepted && truth.WithinLimits()));
-    // What is left is the budget for all that the document's entities expand to.
-    Require(created || reason || !truth.accepted || truth.expansion > 0);
-}
-
 }  // namespace
+
+VYR_MUTATOR(MutateXml)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -77,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         xml.Create(reinterpret_cast<const char*>(text.data()), static_cast<int>(text.size()), compressed);
     Require(created == (LastFailure() == nullptr));
     if (!compressed && text.size() >= 2) {
-        Compare(std::string(text.begin(), text.end()), created);
+        RequireSameAcceptance(std::string(text.begin(), text.end()), created);
     }
     if (!created) {
         return 0;

@@ -25,6 +25,7 @@ struct SEntry {
 struct SEntryKind {
     std::string name;
     std::function<SEntry()> make;
+    std::function<SEntry(const std::string& bytes)> makeOf;  ///< of other bytes, whatever they are
 };
 
 using TEntryKinds = std::vector<SEntryKind>;
@@ -40,12 +41,13 @@ template <class T>
 SEntryKind EntryKind(const std::string& seed, std::size_t skip, bool (*create)(T&, const std::string&),
                      bool (*parse)(T&, std::string&), std::string (*digest)(const T&), bool mayLose = false)
 {
-    return {seed, [=] {
-                const auto object = std::make_shared<T>();
-                const auto input = std::make_shared<std::string>(Seed(seed, skip));
-                return SEntry{[=] { return create(*object, *input); }, [=] { return parse(*object, *input); },
-                              [=] { return digest(*object); }, [=] { object->Destroy(); }, mayLose};
-            }};
+    const auto makeOf = [=](const std::string& bytes) {
+        const auto object = std::make_shared<T>();
+        const auto input = std::make_shared<std::string>(bytes);
+        return SEntry{[=] { return create(*object, *input); }, [=] { return parse(*object, *input); },
+                      [=] { return digest(*object); }, [=] { object->Destroy(); }, mayLose};
+    };
+    return {seed, [=] { return makeOf(Seed(seed, skip)); }, makeOf};
 }
 
 template <class T>

@@ -23,7 +23,8 @@ std::string Digest(const CSGDDParse& sgdd)
 
 std::string Digest(const CSGResponse& response)
 {
-    return Digest(*response.State()->descriptors.back()) + TextOf(response.State()->privateExt.get());
+    const auto& descriptors = response.State()->descriptors;
+    return (descriptors.empty() ? "" : Digest(*descriptors.back())) + TextOf(response.State()->privateExt.get());
 }
 
 std::string Digest(const CSGDUParse& unit)

@@ -42,7 +42,9 @@ SEntryKind TableKind(const std::string& seed, std::string (*digest)(const T&),
                      bool (*create)(T&, const std::string&) = CreatePlainly<T>)
 {
     const auto parse = [](T& parser, std::string& bytes) {
-        ++bytes[3];
+        if (bytes.size() > 3) {
+            ++bytes[3];
+        }
         return FeedItem(parser, bytes);
     };
     return EntryKind<T>(seed, 1, create, parse, digest, true);

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "entries/Entries.h"
 #include "mmt/desc/MMTDesc.h"
 #include "mmt/desc/MMTDescFactory.h"
@@ -25,22 +27,28 @@ const unsigned char* Begin(const std::string& bytes)
     return reinterpret_cast<const unsigned char*>(bytes.data());
 }
 
+IParse::SItem Head(const std::string& bytes)
+{
+    const unsigned int size = static_cast<unsigned int>(std::min<std::size_t>(bytes.size(), 8));
+    return {Begin(bytes), size, size * 8, 0, true};
+}
+
 bool Create(SMessage& message, const std::string& bytes)
 {
-    message.object = CMMTMsgFactory::CreateMessage(Begin(bytes), 2);
+    message.object = CMMTMsgFactory::CreateMessage(Begin(bytes), bytes.size() < 2 ? 0 : 2);
     return message.object != nullptr;
 }
 
 bool Create(STable& table, const std::string& bytes)
 {
-    IParse::SItem item = {Begin(bytes), 8, 64, 0, true};
+    IParse::SItem item = Head(bytes);
     table.object.reset(CMMTTblFactory::GenerateTbl(&item));
     return table.object != nullptr;
 }
 
 bool Create(SDescriptor& descriptor, const std::string& bytes)
 {
-    IParse::SItem item = {Begin(bytes), 8, 64, 0, true};
+    IParse::SItem item = Head(bytes);
     descriptor.object.reset(CMMTDescFactory::GenerateDesc(&item));
     return descriptor.object != nullptr;
 }

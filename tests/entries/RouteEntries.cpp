@@ -41,7 +41,7 @@ std::string Digest(const CROUTEUsbd& usbd)
 {
     const auto* method =
         static_cast<const CDeliveryMethod*>(usbd.State()->deliveryMethods.Data(usbd.NumOfDeliveryMethod() - 1));
-    return TextOf(usbd.GlobalServiceId()) + std::to_string(method->State()->unicastAppSvcs.Size()) +
+    return TextOf(usbd.GlobalServiceId()) + std::to_string(method ? method->State()->unicastAppSvcs.Size() : -1) +
            TextOf(usbd.ActivationTime());
 }
 
@@ -68,8 +68,9 @@ std::string Digest(const CServiceLinkage& linkage)
 std::string Digest(const CMPD& mpd)
 {
     const SMPDInfo* info = mpd.GetMPDInfo();
-    return info ? std::to_string(info->periods.size()) + std::to_string(info->periods.back().adaptationSets.size())
-                : "";
+    return info && !info->periods.empty()
+               ? std::to_string(info->periods.size()) + std::to_string(info->periods.back().adaptationSets.size())
+               : "";
 }
 
 bool CreateWithCallback(CMPD& mpd, const std::string& /*input*/)
@@ -99,10 +100,9 @@ struct SManager {
 
 bool Parse(SManager& manager, std::string& package)
 {
-    static const std::string s_text = package + "\n" + Seed("route_documents/stsid", 1);
     manager.told = 0;
-    manager.manager.Parse(reinterpret_cast<const unsigned char*>(s_text.data()),
-                          static_cast<unsigned int>(s_text.size()), nullptr, false);
+    manager.manager.Parse(reinterpret_cast<const unsigned char*>(package.data()),
+                          static_cast<unsigned int>(package.size()), nullptr, false);
     return manager.told == 127;
 }
 
@@ -115,6 +115,10 @@ std::string Digest(const SManager& manager)
 
 TEntryKinds RouteEntries()
 {
+    SEntryKind manager = EntryKind<SManager>("sls_manager/every-kind", 1, CreatePlainly<SManager>, Parse, Digest);
+    manager.make = [of = manager.makeOf] {
+        return of(Seed("sls_manager/every-kind", 1) + "\n" + Seed("route_documents/stsid", 1));
+    };
     TEntryKinds kinds = {
         DocumentKind<CSTSID>("route_documents/stsid", 1, Digest, CreateWithCallback),
         DocumentKind<CSTSID>("route_documents/stsid-ratings", 1, Digest),
@@ -122,7 +126,7 @@ TEntryKinds RouteEntries()
         DocumentKind<CEFDT>("route_documents/real-fdt", 1, Digest),
         DocumentKind<CRSAT>("route_documents/rsat", 1, Digest),
         DocumentKind<CServiceLinkage>("route_documents/service-linkage", 1, Digest),
-        EntryKind<SManager>("sls_manager/every-kind", 1, CreatePlainly<SManager>, Parse, Digest),
+        manager,
     };
     for (const char* seed : {"mpd/template-timeline", "mpd/protection", "mpd/segment-list-ranges"}) {
         kinds.push_back(DocumentKind<CMPD>(seed, 0, Digest, CreateWithCallback));
