@@ -16,13 +16,17 @@ set(CMAKE_CXX_ARCHIVE_CREATE "<CMAKE_AR> qcD <TARGET> <LINK_FLAGS> <OBJECTS>")
 set(CMAKE_CXX_ARCHIVE_APPEND "<CMAKE_AR> qD <TARGET> <LINK_FLAGS> <OBJECTS>")
 set(CMAKE_CXX_ARCHIVE_FINISH "<CMAKE_RANLIB> -D <TARGET>")
 
-# Dates past 2038 on 32-bit machines; no public type depends on it.
-if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+include(CheckCXXSourceCompiles)
+# Dates past 2038 on 32-bit machines; no public type depends on it. Libraries whose types do may be built otherwise:
+# what speaks to them is compiled with vyr_time_of_libraries.
+set(vyr_time_of_libraries)
+check_cxx_source_compiles("#include <ctime>\nstatic_assert(sizeof(std::time_t) >= 8);\nint main() {}" VYR_HAS_WIDE_TIME)
+if(NOT VYR_HAS_WIDE_TIME)
   add_compile_definitions(_TIME_BITS=64 _FILE_OFFSET_BITS=64)
+  set(vyr_time_of_libraries -U_TIME_BITS)
 endif()
 
 # What platform/Api.h must know of the standard library this is built with.
-include(CheckCXXSourceCompiles)
 check_cxx_source_compiles("#include <cstddef>\n#ifndef _LIBCPP_VERSION\n#error\n#endif\nint main() {}" VYR_HAS_LIBCXX)
 check_cxx_source_compiles("#include <cstddef>\n#ifndef _GLIBCXX_DEBUG\n#error\n#endif\nint main() {}"
   VYR_HAS_DEBUG_CONTAINERS)
