@@ -36,8 +36,8 @@ std::string Digest(const CSGDUParse& unit)
 /// A fragment that does not parse is dropped.
 SEntryKind UnitKind(const std::string& seed)
 {
-    const auto parse = [](CSGDUParse& unit, std::string& bytes) {
-        unit.SetCompress(bytes[0] == '\x1F');
+    const auto parse = [](CSGDUParse& unit, TBytes& bytes) {
+        unit.SetCompress(!bytes.empty() && bytes[0] == '\x1F');
         return FeedItem(unit, bytes);
     };
     return EntryKind<CSGDUParse>(seed, 1, CreatePlainly<CSGDUParse>, parse, Digest, true);

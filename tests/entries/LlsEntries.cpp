@@ -39,9 +39,9 @@ struct SSlt {
 /// A parser of tables, whose Parse says true of every new header.
 template <class T>
 SEntryKind TableKind(const std::string& seed, std::string (*digest)(const T&),
-                     bool (*create)(T&, const std::string&) = CreatePlainly<T>)
+                     bool (*create)(T&, const TBytes&) = CreatePlainly<T>)
 {
-    const auto parse = [](T& parser, std::string& bytes) {
+    const auto parse = [](T& parser, TBytes& bytes) {
         if (bytes.size() > 3) {
             ++bytes[3];
         }
@@ -108,17 +108,15 @@ TEntryKinds LlsEntries()
         TableKind<SSlt>("lls_slt/strict-gzip", Digest),
         TableKind<SSlt>("lls_slt/lenient-plain", Digest),
         TableKind<CParseSystemTime>("lls_tables/system-time", Digest,
-                                    [](CParseSystemTime& time, const std::string&) { return time.Create(1); }),
+                                    [](CParseSystemTime& time, const TBytes&) { return time.Create(1); }),
         TableKind<CParseRRT>("lls_tables/rrt", Digest),
         TableKind<CParseAEAT>("lls_tables/aeat", Digest,
-                              [](CParseAEAT& aeat, const std::string&) { return aeat.Create(nullptr); }),
+                              [](CParseAEAT& aeat, const TBytes&) { return aeat.Create(nullptr); }),
         TableKind<CParseCDT>("lls_tables/cdt", Digest),
         TableKind<CParseOnscreenNoti>("lls_tables/onscreen", Digest),
         EntryKind<CLLSSMTParser>(
             "lls_tables/signed-multi-table", 1, CreatePlainly<CLLSSMTParser>,
-            [](CLLSSMTParser& parser, std::string& bytes) {
-                return FeedItem(parser, bytes) && parser.PayloadCount() > 0;
-            },
+            [](CLLSSMTParser& parser, TBytes& bytes) { return FeedItem(parser, bytes) && parser.PayloadCount() > 0; },
             Digest),
     };
 }

@@ -12,7 +12,7 @@ namespace {
 /// What a factory makes of the first bytes.
 template <class T>
 struct SMade {
-    bool Parse(const std::string& bytes) { return FeedItem(*object, bytes); }
+    bool Parse(const TBytes& bytes) { return FeedItem(*object, bytes); }
     void Destroy() { object.reset(); }
 
     T object;
@@ -22,31 +22,31 @@ using SMessage = SMade<std::shared_ptr<CMMTMsg>>;
 using STable = SMade<std::unique_ptr<CMMTTbl>>;
 using SDescriptor = SMade<std::unique_ptr<CMMTDesc>>;
 
-const unsigned char* Begin(const std::string& bytes)
+const unsigned char* Begin(const TBytes& bytes)
 {
     return reinterpret_cast<const unsigned char*>(bytes.data());
 }
 
-IParse::SItem Head(const std::string& bytes)
+IParse::SItem Head(const TBytes& bytes)
 {
     const unsigned int size = static_cast<unsigned int>(std::min<std::size_t>(bytes.size(), 8));
     return {Begin(bytes), size, size * 8, 0, true};
 }
 
-bool Create(SMessage& message, const std::string& bytes)
+bool Create(SMessage& message, const TBytes& bytes)
 {
     message.object = CMMTMsgFactory::CreateMessage(Begin(bytes), bytes.size() < 2 ? 0 : 2);
     return message.object != nullptr;
 }
 
-bool Create(STable& table, const std::string& bytes)
+bool Create(STable& table, const TBytes& bytes)
 {
     IParse::SItem item = Head(bytes);
     table.object.reset(CMMTTblFactory::GenerateTbl(&item));
     return table.object != nullptr;
 }
 
-bool Create(SDescriptor& descriptor, const std::string& bytes)
+bool Create(SDescriptor& descriptor, const TBytes& bytes)
 {
     IParse::SItem item = Head(bytes);
     descriptor.object.reset(CMMTDescFactory::GenerateDesc(&item));
@@ -58,7 +58,7 @@ template <class T>
 SEntryKind MadeKind(const std::string& seed, std::size_t skip)
 {
     return EntryKind<T>(
-        seed, skip, Create, [](T& made, std::string& bytes) { return made.Parse(bytes); },
+        seed, skip, Create, [](T& made, TBytes& bytes) { return made.Parse(bytes); },
         [](const T& made) {
             made.object->Dump();
             return std::string();

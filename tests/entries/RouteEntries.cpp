@@ -31,7 +31,7 @@ std::string Digest(const CSTSID& stsid)
     return std::accumulate(sessions.begin(), sessions.end(), std::string());
 }
 
-bool CreateWithCallback(CSTSID& stsid, const std::string& /*input*/)
+bool CreateWithCallback(CSTSID& stsid, const TBytes& /*input*/)
 {
     const CLS::SCallback callback = {nullptr, [](void*, unsigned int, SEFDTInfo*) {}};
     return stsid.Create() && stsid.SetCallback(&callback);
@@ -73,7 +73,7 @@ std::string Digest(const CMPD& mpd)
                : "";
 }
 
-bool CreateWithCallback(CMPD& mpd, const std::string& /*input*/)
+bool CreateWithCallback(CMPD& mpd, const TBytes& /*input*/)
 {
     const CMPD::SCallback callback = {nullptr, [](void*, SMPDInfo*) {}, [](void*, const CMPD::TRatings&) {}};
     return mpd.Create() && mpd.SetCallback(&callback);
@@ -98,7 +98,7 @@ struct SManager {
     int told = 0;
 };
 
-bool Parse(SManager& manager, std::string& package)
+bool Parse(SManager& manager, TBytes& package)
 {
     manager.told = 0;
     manager.manager.Parse(reinterpret_cast<const unsigned char*>(package.data()),

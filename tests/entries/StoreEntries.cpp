@@ -24,7 +24,7 @@ namespace {
 const std::string k_long(100, 'x');
 char* const k_text = const_cast<char*>(k_long.c_str());
 
-bool Fill(CChannelMap& map, std::string& /*input*/)
+bool Fill(CChannelMap& map, TBytes& /*input*/)
 {
     const CChannelMap::SCallback callback = {nullptr, [](void*, void*) {}};
     std::string id, url, drm;
@@ -37,7 +37,7 @@ bool Fill(CChannelMap& map, std::string& /*input*/)
     return (!clone || map.DeleteClonedService(clone)) && done;
 }
 
-bool Fill(CRRTMap& map, std::string& /*input*/)
+bool Fill(CRRTMap& map, TBytes& /*input*/)
 {
     return map.Add(1, 2) && map.SetRegionIdText(1, k_text, k_text) && map.SetDimension(1, 3, true) &&
            map.SetDimTitle(1, k_text, k_text) && map.SetRatingVal(1, 4) && map.SetRatingValAbbrev(1, k_text, k_text) &&
@@ -61,7 +61,7 @@ struct SXml : CXML {
     }
 };
 
-bool Write(SXml& xml, std::string& /*input*/)
+bool Write(SXml& xml, TBytes& /*input*/)
 {
     void* root = nullptr;
     int size = 0;
@@ -84,7 +84,7 @@ struct SSignedTable : CParseSystemTime {
     void Destroy() override {}
 };
 
-bool Separate(SSignedTable& table, std::string& /*input*/)
+bool Separate(SSignedTable& table, TBytes& /*input*/)
 {
     static const std::string k_table = "0123<r><CMSSignedData>" + k_long + "</CMSSignedData>" + k_long + "</r>";
     std::string xml, cms;
@@ -107,7 +107,7 @@ struct SContainers {
     CCStringHash hash;
 };
 
-bool Fill(SContainers& both, std::string& /*input*/)
+bool Fill(SContainers& both, TBytes& /*input*/)
 {
     for (int i = both.array.Size(); i < 40; ++i) {
         if (!both.array.Insert(0, &both) || (!both.hash.Find(k_text + i) && !both.hash.Add(k_text + i, ""))) {
@@ -126,7 +126,7 @@ TEntryKinds StoreEntries()
         EntryKind<CRRTMap>("rating map", 0, CreatePlainly<CRRTMap>, Fill, Digest),
         EntryKind<CESGFragmentMap>(
             "fragment map", 0, CreatePlainly<CESGFragmentMap>,
-            [](CESGFragmentMap& map, std::string&) { return map.Add(k_text); },
+            [](CESGFragmentMap& map, TBytes&) { return map.Add(k_text); },
             [](const CESGFragmentMap& map) {
                 return std::to_string(const_cast<CESGFragmentMap&>(map).isExisted(k_text));
             }),

@@ -155,14 +155,7 @@ TEST_P(OutOfMemoryTest, TheNthAllocationFails)
     EXPECT_GT(s_told, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, OutOfMemoryTest, testing::ValuesIn(Kinds()),
-                         [](const testing::TestParamInfo<SEntryKind>& kind) {
-                             std::string name = kind.param.name;
-                             for (char& c : name) {
-                                 c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
-                             }
-                             return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Every, OutOfMemoryTest, testing::ValuesIn(Kinds()), NameOfKind);
 
 /// A description that cannot be read for want of memory leaves an id that can.
 template <class T>

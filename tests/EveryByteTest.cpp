@@ -1,0 +1,91 @@
+#include <gtest/gtest.h>
+
+#include "entries/Entries.h"
+#include "platform/Platform.h"
+#include "support/Recorder.h"
+
+namespace {
+
+/// Every prefix of the input, and eight values at every place of it.
+std::vector<std::string> Variations(const std::string& input)
+{
+    std::vector<std::string> all;
+    for (std::size_t at = 0; at < input.size(); ++at) {
+        all.push_back(input.substr(0, at));
+        std::string changed = input;
+        for (const int value : {0x00, 0x01, 0x7F, 0x80, 0xFF, int{'<'}, int{'&'}, input[at] + 1}) {
+            changed[at] = static_cast<char>(value);
+            all.push_back(changed);
+        }
+    }
+    return all;
+}
+
+class EveryByteTest : public CRecorder, public testing::WithParamInterface<SEntryKind> {
+  protected:
+    /// What is held, and what is logged of an object that only dumps.
+    static std::string Held(const SEntry& entry)
+    {
+        SetLogPriority(LOG_PRIORITY_DEBUG);
+        s_log.clear();
+        std::string all = entry.digest();
+        for (const std::string& line : s_log) {
+            all += '\n' + line.substr(line.find("> "));
+        }
+        SetLogPriority(LOG_PRIORITY_ERROR);
+        s_log.clear();
+        s_assertions.clear();
+        return all;
+    }
+};
+
+TEST_P(EveryByteTest, WhateverComesIsReadWithinItsBytesAndLeavesNothing)
+{
+    const SEntry fresh = GetParam().make();
+    ASSERT_TRUE(fresh.create() && fresh.parse());
+    const std::string good = Held(fresh);
+    const std::string input = fresh.input();
+    fresh.destroy();
+    ASSERT_FALSE(good.empty() || input.empty());
+
+    // One object lives through it all, another one takes the one input alone.
+    const SEntry lived = GetParam().make();
+    ASSERT_TRUE(lived.create());
+    int taken = 0, fed = 0;
+    for (const std::string& variation : Variations(input)) {
+        const SEntry other = GetParam().makeOf(variation);
+        if (other.create()) {
+            if (other.parse()) {
+                Held(other);
+                ++taken;
+            }
+            other.destroy();
+        }
+        lived.take(variation);
+        lived.parse();
+        if (++fed % 500 == 0) {  // what piles up until Destroy goes
+            lived.destroy();
+            lived.take(input);
+            ASSERT_TRUE(lived.create());
+        }
+    }
+    EXPECT_TRUE(taken > 0 && (taken < fed || fresh.mayLose)) << taken << " of " << fed;
+    lived.destroy();
+    lived.take(input);
+    ASSERT_TRUE(lived.create() && lived.parse());
+    EXPECT_EQ(Held(lived), good);
+    lived.destroy();
+}
+
+std::vector<SEntryKind> Kinds()
+{
+    std::vector<SEntryKind> kinds;
+    for (const auto& family : {LlsEntries(), RouteEntries(), MmtEntries(), GuideEntries()}) {
+        kinds.insert(kinds.end(), family.begin(), family.end());
+    }
+    return kinds;
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, EveryByteTest, testing::ValuesIn(Kinds()), NameOfKind);
+
+}  // namespace
