@@ -170,7 +170,7 @@ TEST(Limits, NoReportOutgrowsWhatWasReceived)
         EXPECT_LE(ReadFile(page.Name()).size(), Bound(test.input.size()));
         EXPECT_NE(text.out.find("\nsummary\n"), std::string::npos);
         EXPECT_EQ(Lines(lines.out).back()["type"], "summary");
-        const SResult whole = Inspect("--no-limit --json " + file);
+        const SResult whole = Inspect("--no-limit --full --json " + file);
         EXPECT_EQ(whole.out.size() > lines.out.size(), test.cut) << whole.out.size() << ' ' << lines.out.size();
         EXPECT_EQ(whole.status, lines.status);
         json before = Lines(lines.out).back();

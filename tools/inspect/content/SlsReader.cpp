@@ -106,7 +106,8 @@ std::vector<SSlsDocument> CSlsReader::Read(SView text, const std::vector<SSlsTex
         entry.kind = document.kind;
         entry.size = document.bytes.size;
         entry.content = std::move(m_Content(document.kind));
-        if (!entry.content) {
+        entry.parsed = entry.content.has_value();
+        if (!entry.parsed) {
             entry.reason = RefusalReason(document);
         }
     }

@@ -114,7 +114,7 @@ bool CSlsFollower::m_Stands(const SObject& object) const
 {
     return std::all_of(object.brought.begin(), object.brought.end(), [this](const auto& document) {
         const auto standing = m_documents.find(document.first);
-        return standing != m_documents.end() && standing->second.hash == document.second;
+        return standing != m_documents.end() && standing->second == document.second;
     });
 }
 
@@ -143,19 +143,20 @@ EStatus CSlsFollower::m_Status(const std::vector<SSlsText>& texts, std::vector<S
     object.brought.clear();
     for (std::size_t i = 0; i < texts.size(); ++i) {
         const TSlot slot = {service, texts[i].kind};
-        const EDocumentStatus status = m_Compare(slot, texts[i], documents[i]);
-        object.brought.emplace_back(slot, m_documents[slot].hash);
+        const EDocumentStatus status = m_Compare(slot, texts[i]);
+        object.brought.emplace_back(slot, m_documents[slot]);
         documents[i].status = status;
+        documents[i].key = m_Key(slot);
         allNew = allNew && status == EDocumentStatus::NEW;
         allUnchanged = allUnchanged && status == EDocumentStatus::UNCHANGED;
-        t_parsed = t_parsed || documents[i].content.has_value();
+        t_parsed = t_parsed || documents[i].parsed;
     }
     if (package.hasUnread) {
         const TSlot slot = {service, k_unread};
         const auto [last, isNew] = m_documents.try_emplace(slot);
         allNew = allNew && isNew;
-        allUnchanged = allUnchanged && !isNew && last->second.hash == package.unreadHash;
-        last->second.hash = package.unreadHash;
+        allUnchanged = allUnchanged && !isNew && last->second == package.unreadHash;
+        last->second = package.unreadHash;
         object.brought.emplace_back(slot, package.unreadHash);
     }
     return sameToi ? EStatus::CHANGED_WITHOUT_VERSION : StatusOf(allNew, false, allUnchanged);
@@ -183,7 +184,7 @@ void CSlsFollower::m_PackageFaults(const SPackage& package, const std::vector<SE
 void CSlsFollower::m_DocumentFaults(const std::vector<SSlsDocument>& documents, const SSource& source)
 {
     for (const SSlsDocument& document : documents) {
-        if (!document.content && document.status != EDocumentStatus::UNCHANGED) {
+        if (!document.parsed && document.status != EDocumentStatus::UNCHANGED) {
             t_Fault(EFault::DOCUMENT_NOT_PARSED,
                     std::string(DocumentName(document.kind)) + " did not parse: " + document.reason, source);
         }
@@ -197,19 +198,17 @@ bool CSlsFollower::Has(const TToi& toi, const std::optional<std::uint64_t>& size
     return known != nullptr && (!size || *size == known->size);
 }
 
-EDocumentStatus CSlsFollower::m_Compare(const TSlot& slot, const SSlsText& text, SSlsDocument& document)
+std::string CSlsFollower::m_Key(const TSlot& slot) const
 {
-    const std::string shown = document.content ? document.content.Shown() : document.reason;
-    const SDocument now = {ContentHash(text.bytes),
-                           ContentHash({reinterpret_cast<const unsigned char*>(shown.data()), shown.size()})};
-    const auto [last, isNew] = m_documents.try_emplace(slot, now);
-    if (isNew) {
-        return EDocumentStatus::NEW;
-    }
-    const bool changed = last->second.hash != now.hash;
-    document.sameText = last->second.textHash == now.textHash;
-    last->second = now;
-    return changed ? EDocumentStatus::CHANGED : EDocumentStatus::UNCHANGED;
+    return std::to_string(t_number) + ' ' + std::to_string(slot.first) + ' ' + DocumentName(slot.second);
+}
+
+EDocumentStatus CSlsFollower::m_Compare(const TSlot& slot, const SSlsText& text)
+{
+    const std::uint64_t hash = ContentHash(text.bytes);
+    const auto [last, isNew] = m_documents.try_emplace(slot, hash);
+    const bool changed = std::exchange(last->second, hash) != hash;
+    return isNew ? EDocumentStatus::NEW : changed ? EDocumentStatus::CHANGED : EDocumentStatus::UNCHANGED;
 }
 
 /// Of a raw file, its reader tells.
