@@ -45,7 +45,7 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     std::vector<unsigned char> inflated;
     const bool whole = !signalling.gzip || Gunzip(object, k_maxPackage, inflated);
     const SView text = signalling.gzip ? SView{inflated.data(), inflated.size()} : object;
-    now.textHash = whole ? ContentHash(text) : 0;
+    now.textHash = !whole ? 0 : signalling.gzip ? ContentHash(text) : now.hash;
     const bool sameText = sameToi && whole && before.textHash == now.textHash;
     now.brought = sameText ? before.brought : now.brought;
     if (toi) {
@@ -56,7 +56,9 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     }
     if (sameText && stands) {
         if (m_readAgain) {
-            m_reader.Read(text, FindSlsDocuments(text));
+            m_reader.Read(text, FindSlsDocuments(text), [](const SSlsText&, std::optional<unsigned>) {
+                return CSlsReader::SWanted{false, false};
+            });
             m_readAgain = m_reader.Stsid() == nullptr;
         }
         return m_Repeated(signalling);
@@ -73,7 +75,9 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     std::string envelopeReason;
     signalling.contentType = PackageType(text);
     signalling.items = ReadEnvelope(text, envelopeReason);
-    signalling.documents = m_reader.Read(text, texts);
+    signalling.documents = m_reader.Read(
+        text, texts,
+        [this](const SSlsText& document, std::optional<unsigned> service) { return m_Wants(document, service); });
     const bool changed = sameToi && !sameText;
     signalling.status = m_Status(texts, signalling.documents, package, changed, now);
     if (toi) {
@@ -129,8 +133,33 @@ unsigned CSlsFollower::m_Service()
     if (m_slots.size() < k_maxServices) {
         m_slots.try_emplace(*service, static_cast<unsigned>(m_slots.size()));
     }
+    return m_SlotOf(service).value_or(0);
+}
+
+/// None: it will have a new one.
+std::optional<unsigned> CSlsFollower::m_SlotOf(std::optional<unsigned> service) const
+{
+    if (!service) {
+        return 0;
+    }
     const auto known = m_slots.find(*service);
-    return known != m_slots.end() ? known->second : 0;
+    return known != m_slots.end()           ? std::optional<unsigned>(known->second)
+           : m_slots.size() < k_maxServices ? std::nullopt
+                                            : std::optional<unsigned>(0);
+}
+
+/// Nothing is wanted of a document that stands already.
+CSlsReader::SWanted CSlsFollower::m_Wants(const SSlsText& text, std::optional<unsigned> service) const
+{
+    const std::optional<unsigned> known = m_SlotOf(service);
+    if (!known) {
+        return {};
+    }
+    const TSlot slot = {*known, text.kind};
+    const auto standing = m_documents.find(slot);
+    const std::string key = m_Key(slot);
+    return {standing == m_documents.end() || standing->second != text.hash || t_report.WantsUnchanged(key),
+            standing == m_documents.end() || t_report.WantsText(key)};
 }
 
 /// What is new of the object, and of each of its documents.
@@ -205,9 +234,8 @@ std::string CSlsFollower::m_Key(const TSlot& slot) const
 
 EDocumentStatus CSlsFollower::m_Compare(const TSlot& slot, const SSlsText& text)
 {
-    const std::uint64_t hash = ContentHash(text.bytes);
-    const auto [last, isNew] = m_documents.try_emplace(slot, hash);
-    const bool changed = std::exchange(last->second, hash) != hash;
+    const auto [last, isNew] = m_documents.try_emplace(slot, text.hash);
+    const bool changed = std::exchange(last->second, text.hash) != text.hash;
     return isNew ? EDocumentStatus::NEW : changed ? EDocumentStatus::CHANGED : EDocumentStatus::UNCHANGED;
 }
 

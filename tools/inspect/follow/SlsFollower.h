@@ -55,6 +55,8 @@ class CSlsFollower : public CFollower {
     bool m_Repeated(SSignalling& signalling);
     bool m_Stands(const SObject& object) const;
     unsigned m_Service();
+    std::optional<unsigned> m_SlotOf(std::optional<unsigned> service) const;
+    CSlsReader::SWanted m_Wants(const SSlsText& text, std::optional<unsigned> service) const;
     EStatus m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, const SPackage& package,
                      bool sameToi, SObject& object);
     void m_PackageFaults(const SPackage& package, const std::vector<SEnvelopeItem>& items, const SSource& source);

@@ -29,6 +29,9 @@ class CReport {
     /// place changes.
     void Fault(SFault fault);
     void Finish();
+    /// As of a writer.
+    bool WantsText(const std::string& key) const { return !m_quiet && m_writer.WantsText(key); }
+    bool WantsUnchanged(const std::string& key) const { return !m_quiet && m_writer.WantsUnchanged(key); }
     /// A number for what takes part in the run, of its own.
     unsigned NewNumber() { return m_numbers++; }
     /// For the counts that only its users know.

@@ -318,6 +318,41 @@ std::size_t Lost(const TJson& before, const TJson& after)
     return lost;
 }
 
+/// Whether both have the same members in the same order, or as many elements.
+bool AlikeInForm(const TJson& before, const TJson& after)
+{
+    if (before.size() != after.size() || before.type() != after.type() || !before.is_structured()) {
+        return false;
+    }
+    return before.is_array() || std::equal(before.items().begin(), before.items().end(), after.items().begin(),
+                                           [](const auto& a, const auto& b) { return a.key() == b.key(); });
+}
+
+/// Appends the changes at a path. Where nothing came or went, only what differs is looked at: the library's own way
+/// through all of it makes a path for every value. False: there are too many.
+bool AddPatch(const TJson& before, const TJson& after, const TJson::json_pointer& path, TJson& patch)
+{
+    if (AlikeInForm(before, after)) {
+        auto was = before.begin();
+        std::size_t at = 0;
+        for (auto is = after.begin(); is != after.end(); ++is, ++was, ++at) {
+            if (*was != *is && !AddPatch(*was, *is, after.is_object() ? path / is.key() : path / at, patch)) {
+                return false;
+            }
+        }
+        return true;
+    }
+    // The patch of an array that loses many elements takes the square of their number.
+    if (Lost(before, after) > MostEntries()) {
+        return false;
+    }
+    TJson changes = TJson::diff(before, after, path.to_string());
+    for (TJson& change : changes) {
+        patch.push_back(std::move(change));
+    }
+    return patch.size() <= MostEntries();
+}
+
 /// Bytes of memory, about.
 std::size_t Weight(const TJson& json)
 {
@@ -374,11 +409,10 @@ SDifferences Differences(const TJson& before, const TJson& after)
 
 TJson ChangesPatch(const TJson& before, const TJson& after)
 {
-    // The patch of an array that loses many elements takes the square of their number.
-    if (Lost(before, after) > MostEntries()) {
+    TJson patch = TJson::array();
+    if (!AddPatch(before, after, TJson::json_pointer(), patch)) {
         return nullptr;
     }
-    TJson patch = TJson::diff(before, after);
     const std::size_t size = Dump(patch).size();
     std::size_t left = size;
     const bool shorter = Exhausts(after, left) || size <= Dump(after).size();

@@ -19,7 +19,10 @@ constexpr const char* k_services = "service";  // of a service list, among its m
 
 TJson Object(const char* type)
 {
-    return {{"schema_version", k_schemaVersion}, {"type", type}};
+    TJson json = TJson::object();
+    json["schema_version"] = k_schemaVersion;
+    json["type"] = type;
+    return json;
 }
 
 std::string TimeJson(const STime& time)
@@ -29,7 +32,8 @@ std::string TimeJson(const STime& time)
 
 TJson SourceJson(const SSource& source)
 {
-    TJson json = {{"file", source.file}};
+    TJson json = TJson::object();
+    json["file"] = source.file;
     if (source.packet != 0) {
         json["packet"] = source.packet;
     }
@@ -358,7 +362,7 @@ bool CJsonReport::m_Write(const char* type, TMake make)
     TJson json = make(true);
     std::string line = JsonLine(json);
     std::size_t most = MostEntries();
-    if (line.size() <= m_output.Room() && (line.size() <= most || !CutJson(json, most))) {
+    if (line.size() <= m_output.Room() && (line.size() / 2 <= most || !CutJson(json, most))) {
         m_output.Write(type, line);
         return true;
     }
@@ -507,10 +511,11 @@ TJson CJsonReport::m_Json(const SSignalling& signalling, bool changes) const
     }
     std::vector<const SSlsDocument*> whole;
     for (const SSlsDocument& document : signalling.documents) {
-        TJson entry = {{"name", DocumentName(document.kind)},
-                       {"size", document.size},
-                       {"status", DocumentStatusName(document.status)},
-                       {"parsed", document.parsed}};
+        TJson entry = TJson::object();
+        entry["name"] = DocumentName(document.kind);
+        entry["size"] = document.size;
+        entry["status"] = DocumentStatusName(document.status);
+        entry["parsed"] = document.parsed;
         PutText(entry, "reason", document.reason);
         const CLastShown::SShown* last = m_last.Find(document.key);
         if (document.status == EDocumentStatus::UNCHANGED && last != nullptr && !m_full) {

@@ -37,6 +37,8 @@ class CJsonReport : public IReportWriter {
     void Guide(const SGuide& guide) override;
     void Fault(const SFault& fault) override;
     void Summary(const SSummary& summary) override;
+    bool WantsText(const std::string&) const override { return false; }
+    bool WantsUnchanged(const std::string& key) const override { return m_full || m_last.Find(key) == nullptr; }
     bool AlwaysSummary() const override { return true; }
     void Received(std::size_t bytes) override { m_output.Received(bytes); }
 

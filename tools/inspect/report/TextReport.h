@@ -36,6 +36,8 @@ class CTextReport : public IReportWriter {
     void Guide(const SGuide& guide) override;
     void Fault(const SFault& fault) override;
     void Summary(const SSummary& summary) override;
+    bool WantsText(const std::string& key) const override { return m_full || m_last.Find(key) == nullptr; }
+    bool WantsUnchanged(const std::string&) const override { return false; }
     void Received(std::size_t bytes) override { m_output.Received(bytes); }
 
   private:
