@@ -437,8 +437,12 @@ void CJsonReport::m_Slt(const STable& table)
             }
         }
     }
-    bool told = m_Write("table", [&](bool) {
+    bool told = m_Write("table", [&](bool changes) {
         TJson json = TableHeadJson(table);
+        if (!changes) {
+            last = nullptr;  // the whole list follows
+            predecessors.assign(predecessors.size(), nullptr);
+        }
         if (last != nullptr) {
             PutNumber(json, "since", last->packet, std::uint64_t{0});
             json["servicesUnchanged"] = unchanged;
@@ -458,7 +462,7 @@ void CJsonReport::m_Slt(const STable& table)
             continue;
         }
         told = m_Write("service",
-                       [&](bool) {
+                       [&](bool changes) {
                            TJson json = Object("service");
                            PutPlace(json, table);
                            if (table.status == EStatus::NEW || last != nullptr) {
@@ -466,7 +470,7 @@ void CJsonReport::m_Slt(const STable& table)
                            }
                            json["bsid"] = table.slt->bsid;
                            json.update(service);
-                           if (predecessors[i] != nullptr && !same) {
+                           if (changes && predecessors[i] != nullptr && !same) {
                                json["changes"] = TJson::diff(*predecessors[i], service);
                            }
                            return json;
