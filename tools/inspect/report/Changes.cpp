@@ -48,6 +48,7 @@ constexpr const char* k_names[] = {"id",
                                    "contentType",
                                    "mimeType"};
 constexpr std::size_t k_longValue = 160;
+constexpr std::size_t k_mostSteps = 1000;  // of a patch
 
 std::string Dump(const TJson& json)
 {
@@ -300,22 +301,23 @@ class CComparison {
     std::string m_path;
 };
 
-/// How many elements arrays lose, compared by their places as a patch does.
-std::size_t Lost(const TJson& before, const TJson& after)
+/// How many elements arrays win or lose, compared by their places as a patch does.
+std::size_t Moved(const TJson& before, const TJson& after)
 {
-    std::size_t lost = 0;
+    std::size_t moved = 0;
     if (before.is_array() && after.is_array()) {
-        lost = before.size() - std::min(before.size(), after.size());
-        for (std::size_t i = 0; i < std::min(before.size(), after.size()); ++i) {
-            lost += Lost(before[i], after[i]);
+        const std::size_t least = std::min(before.size(), after.size());
+        moved = std::max(before.size(), after.size()) - least;
+        for (std::size_t i = 0; i < least; ++i) {
+            moved += Moved(before[i], after[i]);
         }
     } else if (before.is_object() && after.is_object()) {
-        for (const auto& [key, value] : before.items()) {
-            const auto next = after.find(key);
-            lost += next != after.end() ? Lost(value, *next) : 0;
+        for (auto member = before.begin(); member != before.end(); ++member) {
+            const auto next = after.find(member.key());
+            moved += next != after.end() ? Moved(*member, *next) : 0;
         }
     }
-    return lost;
+    return moved;
 }
 
 /// Whether both have the same members in the same order, or as many elements.
@@ -324,8 +326,13 @@ bool AlikeInForm(const TJson& before, const TJson& after)
     if (before.size() != after.size() || before.type() != after.type() || !before.is_structured()) {
         return false;
     }
-    return before.is_array() || std::equal(before.items().begin(), before.items().end(), after.items().begin(),
-                                           [](const auto& a, const auto& b) { return a.key() == b.key(); });
+    auto last = before.begin();
+    for (auto member = after.begin(); after.is_object() && member != after.end(); ++member, ++last) {
+        if (member.key() != last.key()) {
+            return false;
+        }
+    }
+    return true;
 }
 
 /// Appends the changes at a path. Where nothing came or went, only what differs is looked at: the library's own way
@@ -343,14 +350,14 @@ bool AddPatch(const TJson& before, const TJson& after, const TJson::json_pointer
         return true;
     }
     // The patch of an array that loses many elements takes the square of their number.
-    if (Lost(before, after) > MostEntries()) {
+    if (Moved(before, after) > k_mostSteps) {
         return false;
     }
     TJson changes = TJson::diff(before, after, path.to_string());
     for (TJson& change : changes) {
         patch.push_back(std::move(change));
     }
-    return patch.size() <= MostEntries();
+    return patch.size() <= k_mostSteps;
 }
 
 /// Bytes of memory, about.
@@ -360,8 +367,8 @@ std::size_t Weight(const TJson& json)
     if (json.is_string()) {
         weight += sizeof(std::string) + json.get_ref<const std::string&>().size();
     } else if (json.is_object()) {
-        for (const auto& [key, value] : json.items()) {
-            weight += sizeof key + key.size() + Weight(value);
+        for (auto member = json.begin(); member != json.end(); ++member) {
+            weight += sizeof member.key() + member.key().size() + Weight(*member);
         }
     } else if (json.is_array()) {
         for (const TJson& element : json) {
@@ -379,8 +386,8 @@ bool Exhausts(const TJson& json, std::size_t& left)
         return left == 0;
     };
     if (json.is_object()) {
-        for (const auto& [key, value] : json.items()) {
-            if (take(key.size() + 4) || Exhausts(value, left)) {
+        for (auto member = json.begin(); member != json.end(); ++member) {
+            if (take(member.key().size() + 4) || Exhausts(*member, left)) {
                 return true;
             }
         }
@@ -416,7 +423,7 @@ TJson ChangesPatch(const TJson& before, const TJson& after)
     const std::size_t size = Dump(patch).size();
     std::size_t left = size;
     const bool shorter = Exhausts(after, left) || size <= Dump(after).size();
-    return shorter && patch.size() <= MostEntries() ? patch : TJson();
+    return shorter ? patch : TJson();
 }
 
 std::vector<std::string> ChangeLines(const CLastShown::SShown* last, const TJson* now)

@@ -32,8 +32,8 @@ struct SDifferences {
 };
 SDifferences Differences(const TJson& before, const TJson& after);
 
-/// What differs, for programs: a JSON Patch (RFC 6902). Null: it would be longer than `after`, or than a list of the
-/// report may be.
+/// What differs, for programs: a JSON Patch (RFC 6902). Null: it would be longer than `after`, or have more than 1,000
+/// steps.
 TJson ChangesPatch(const TJson& before, const TJson& after);
 
 /// What a form of the report has shown of each document, so that of the next one only what changed need be shown.
