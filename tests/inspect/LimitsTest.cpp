@@ -124,11 +124,16 @@ TEST(Limits, NoReportOutgrowsWhatWasReceived)
         services += MmtService(i + 1, 1000);
     }
     sessions.AddSession("x", 9).AddLls(Table(1, 1, "<SLT bsid='5'>" + services + "</SLT>"));
+    CCapture changing(1);
+    for (unsigned i = 0; i < 60; ++i) {
+        changing.AddLls(Table(4, i, "<AEAT>" + Times(900, "<AEA issuer='" + std::to_string(i) + "'/>") + "</AEAT>"));
+    }
     const struct {
         const char* name;
         std::string input;
         bool cut;  ///< it is longer without limits
     } cases[] = {
+        {"alerts that change", changing.Bytes(), true},
         {"service lists in a multi-table", multi.Bytes(), true},
         {"listed services", Table(1, 1, ServiceList(6000)), true},
         {"alerts", Table(4, 1, Alerts(20000)), true},
