@@ -225,6 +225,7 @@ TEST(Changes, OfAServiceList)
                                   .AddLls(Slt(service(2, "B", 1) + service(2, "B", 2) + service(3, "C", 1), 3))
                                   .AddLls(Slt("<a>", 4))
                                   .AddLls(Slt(service(3, "C", 1), 5))
+                                  .AddLls(Slt(service(4, "C", 1), 6))
                                   .Bytes();
     const std::string text = Inspect("-", input).out;
     EXPECT_NE(text.find("  service 1 shortServiceName: A -> Z\n  service: in another order\n-: packet 3"),
@@ -253,9 +254,10 @@ TEST(Changes, OfAServiceList)
     const SShown expected[] = {
         {99, {}, {"1 new null", "2 new null"}},
         {1, {}, {R"(1 changed [{"op":"replace","path":"/shortServiceName","value":"Z"}])"}},
-        {1, {1}, {"2 new null", "3 new null"}},
+        {99, {}, {"2 - null", "2 - null", "3 - null"}},  // an id that stands twice tells not which
         {99, {}, {}},
         {99, {}, {"3 - null"}},
+        {0, {3}, {"4 new null"}},
     };
     ASSERT_EQ(shown.size(), std::size(expected));
     for (std::size_t i = 0; i < shown.size(); ++i) {

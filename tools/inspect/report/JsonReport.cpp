@@ -1,6 +1,7 @@
 #include "report/JsonReport.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "base/Json.h"
@@ -173,6 +174,14 @@ void PutToi(TJson& json, const TToi& toi)
 std::string JsonLine(const TJson& json)
 {
     return PlainJson(json.dump(-1, ' ', false, TJson::error_handler_t::replace)) + '\n';
+}
+
+/// Whether an id tells which of the services is meant.
+bool IdsDiffer(const TJson& services)
+{
+    std::set<int> ids;
+    return std::all_of(services.begin(), services.end(),
+                       [&ids](const TJson& service) { return ids.insert(service["serviceId"].get<int>()).second; });
 }
 
 }  // namespace
@@ -421,6 +430,9 @@ void CJsonReport::m_Slt(const STable& table)
     const std::string key = DocumentKey(table);
     const std::shared_ptr<const TJson> now = DocumentJson(table);
     const CLastShown::SShown* last = table.status != EStatus::NEW && now ? m_last.Find(key) : nullptr;
+    if (last != nullptr && !(IdsDiffer((*last->json)[k_services]) && IdsDiffer((*now)[k_services]))) {
+        last = nullptr;
+    }
     const TJson none = TJson::array();
     const TJson& before = last != nullptr ? (*last->json)[k_services] : none;
     TJson removed = TJson::array();

@@ -153,7 +153,7 @@ std::string CPageModel::m_Changes(const std::string& key, bool isNew, std::share
                                   const SSource& source)
 {
     std::string html;
-    if (!isNew && now) {
+    if (!isNew && now && t_changes.items.size() < Limit(k_mostLines)) {
         for (const std::string& line : ChangeLines(m_last.Find(key), now.get())) {
             html += "<li>" + HtmlText(HtmlClipped(line, k_longLine)) + "</li>";
         }
