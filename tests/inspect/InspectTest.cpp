@@ -319,6 +319,86 @@ TEST(Inspect, Goldens)
     }
 }
 
+/// A record without what tells of it alone.
+nlohmann::json Content(nlohmann::json record)
+{
+    for (const char* key : {"source", "status", "size", "since", "changes", "intervalSeconds", "encoding", "version",
+                            "LLS_table_version", "group_count_minus1", "TOI", "TSI", "gzip", "parsed", "services",
+                            "servicesDropped", "servicesUnchanged", "servicesRemoved", "insideSignedMultiTable"}) {
+        record.erase(key);
+    }
+    return record;
+}
+
+/// Replaces the changes in the report by what they lead to.
+class CReader {
+  public:
+    /// `place` tells it apart from all but those that it replaces; `whole` is what the record has of it, if anything.
+    void Take(const std::string& place, const nlohmann::json& told, const nlohmann::json& source, nlohmann::json whole)
+    {
+        const auto packet = source.value("packet", 0u);
+        if (told.contains("changes")) {
+            whole = stands.at({place, told.value("since", 0u)}).patch(told["changes"]);
+            ++changes;
+        } else if (whole.is_null() && told.contains("since")) {
+            whole = stands.at({place, told["since"].get<unsigned>()});
+        }
+        stands[{place, packet}] = whole;
+    }
+    void Take(const nlohmann::json& line)
+    {
+        const auto text = [&](const char* key) { return line.contains(key) ? line[key].dump() + ' ' : " "; };
+        const std::string type = line["type"];
+        const std::string place = type + text("stream") + text("session") + line["source"].value("file", "");
+        if (type == "signalling") {
+            for (const nlohmann::json& document : line["documents"]) {
+                const std::string name = document["name"];
+                Take(place + name, document, line["source"], line.value(name, nlohmann::json()));
+            }
+        } else if (type == "service") {
+            services[place + text("LLS_group_id")].push_back(Content(line));
+        } else if (type == "table" && line["status"] != "repeated" && line["LLS_table_id"] != 1) {
+            Take(place + text("LLS_table_id") + text("LLS_group_id"), line, line["source"], Content(line));
+        } else if (type == "message") {
+            Take(place + text("packet_id") + text("message_id"), line, line["source"], Content(line));
+        } else if (type == "guideObject") {
+            const std::string name = line["name"];
+            Take(place + text("Content-Location") + name, line, line["source"], line.value(name, nlohmann::json()));
+        }
+    }
+
+    std::map<std::pair<std::string, unsigned>, nlohmann::json> stands;
+    std::map<std::string, std::vector<nlohmann::json>> services;
+    unsigned changes = 0;
+};
+
+TEST(Inspect, ChangesLeadToWhatStands)
+{
+    unsigned changes = 0;
+    for (const SGolden& golden : Goldens()) {
+        SCOPED_TRACE(golden.name);
+        CReader told;
+        CReader whole;
+        for (const nlohmann::json& line : Lines(Inspect("--json " + golden.arguments, golden.input).out)) {
+            line["type"] != "summary" && line["type"] != "fault" ? told.Take(line) : void();
+        }
+        for (nlohmann::json& line : Lines(Inspect("--json --full " + golden.arguments, golden.input).out)) {
+            if (line["type"] == "signalling") {
+                for (nlohmann::json& document : line["documents"]) {
+                    document.erase("changes");
+                    document.erase("since");
+                }
+            }
+            line.erase("changes");
+            line["type"] != "summary" && line["type"] != "fault" ? whole.Take(line) : void();
+        }
+        EXPECT_EQ(told.stands, whole.stands);
+        EXPECT_EQ(whole.changes, 0u);
+        changes += told.changes;
+    }
+    EXPECT_GT(changes, 20u);
+}
+
 TEST(Inspect, EveryJsonLineStandsAlone)
 {
     for (const SGolden& golden : Goldens()) {
@@ -327,7 +407,7 @@ TEST(Inspect, EveryJsonLineStandsAlone)
         const std::vector<nlohmann::json> lines = Lines(result.out);
         ASSERT_FALSE(lines.empty());
         for (const nlohmann::json& line : lines) {
-            EXPECT_EQ(line["schema_version"], 1);
+            EXPECT_EQ(line["schema_version"], 2);
             EXPECT_TRUE(line["type"] == "summary" || line["source"].contains("file")) << line;
         }
         EXPECT_EQ(lines.back()["type"], "summary");

@@ -124,11 +124,16 @@ TEST(Limits, NoReportOutgrowsWhatWasReceived)
         services += MmtService(i + 1, 1000);
     }
     sessions.AddSession("x", 9).AddLls(Table(1, 1, "<SLT bsid='5'>" + services + "</SLT>"));
+    CCapture changing(1);
+    for (unsigned i = 0; i < 60; ++i) {
+        changing.AddLls(Table(4, i, "<AEAT>" + Times(900, "<AEA issuer='" + std::to_string(i) + "'/>") + "</AEAT>"));
+    }
     const struct {
         const char* name;
         std::string input;
         bool cut;  ///< it is longer without limits
     } cases[] = {
+        {"alerts that change", changing.Bytes(), true},
         {"service lists in a multi-table", multi.Bytes(), true},
         {"listed services", Table(1, 1, ServiceList(6000)), true},
         {"alerts", Table(4, 1, Alerts(20000)), true},
@@ -170,7 +175,7 @@ TEST(Limits, NoReportOutgrowsWhatWasReceived)
         EXPECT_LE(ReadFile(page.Name()).size(), Bound(test.input.size()));
         EXPECT_NE(text.out.find("\nsummary\n"), std::string::npos);
         EXPECT_EQ(Lines(lines.out).back()["type"], "summary");
-        const SResult whole = Inspect("--no-limit --json " + file);
+        const SResult whole = Inspect("--no-limit --full --json " + file);
         EXPECT_EQ(whole.out.size() > lines.out.size(), test.cut) << whole.out.size() << ' ' << lines.out.size();
         EXPECT_EQ(whole.status, lines.status);
         json before = Lines(lines.out).back();

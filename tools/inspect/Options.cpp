@@ -157,6 +157,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         ->type_name("LEVEL");
     app.add_flag("--no-limit", options.noLimit,
                  "Write everything, however long the report becomes for what was received");
+    app.add_flag("--full", options.full, "Show what changed whole, besides what changed of it");
     app.add_flag("-q,--quiet", options.quiet, "Report faults only, and show no progress");
     app.add_flag("--progress", progress, "Show progress even when stderr is not a terminal");
     app.add_flag("--no-progress", noProgress, "Show no progress");

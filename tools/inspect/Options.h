@@ -26,6 +26,7 @@ struct SOptions {
     std::string genres;  ///< file of the genre names; empty: the library's own
     bool quiet = false;
     bool noLimit = false;
+    bool full = false;
     bool progress = false;
 };
 

@@ -76,8 +76,8 @@ int Inspect(int argc, char** argv)
     WatchSignals();
     CProgress progress(options.progress);
     COutput output(progress);
-    CTextReport text(output, options.localTime);
-    CJsonReport json(output);
+    CTextReport text(output, options.localTime, options.full);
+    CJsonReport json(output, options.full);
     IReportWriter& writer = options.json ? static_cast<IReportWriter&>(json) : text;
     const bool paged = !options.html.empty();
     CHtmlReport page(options.localTime, {options.commandLine, ReportTime()});

@@ -7,26 +7,6 @@ namespace vyr::inspect {
 
 namespace {
 
-std::string ValueText(const TJson& value)
-{
-    constexpr std::size_t k_shown = 8;
-    if (value.is_string()) {
-        const std::string& text = value.get_ref<const std::string&>();
-        return text.empty() ? "-" : Short(Printable(text));
-    }
-    if (value.is_object()) {
-        return '(' + FieldsText(value) + ')';
-    }
-    if (!value.is_array()) {
-        return value.dump();
-    }
-    std::string text;
-    for (std::size_t i = 0; i < value.size() && i < k_shown; ++i) {
-        text += (i == 0 ? "" : " ") + ValueText(value[i]);
-    }
-    return value.size() > k_shown ? text + " and " + std::to_string(value.size() - k_shown) + " more" : text;
-}
-
 /// Cuts the value; of what is gone of itself and of the lists within, the count is added to `gone`.
 bool CutValue(TJson& value, std::size_t most, std::size_t& gone)
 {
@@ -59,6 +39,26 @@ bool CutValue(TJson& value, std::size_t most, std::size_t& gone)
 }
 
 }  // namespace
+
+std::string ValueText(const TJson& value)
+{
+    constexpr std::size_t k_shown = 8;
+    if (value.is_string()) {
+        const std::string& text = value.get_ref<const std::string&>();
+        return text.empty() ? "-" : Short(Printable(text));
+    }
+    if (value.is_object()) {
+        return '(' + FieldsText(value) + ')';
+    }
+    if (!value.is_array()) {
+        return value.dump();
+    }
+    std::string text;
+    for (std::size_t i = 0; i < value.size() && i < k_shown; ++i) {
+        text += (i == 0 ? "" : " ") + ValueText(value[i]);
+    }
+    return value.size() > k_shown ? text + " and " + std::to_string(value.size() - k_shown) + " more" : text;
+}
 
 void LeaveOut(TJson& object, const std::string& list, std::size_t count)
 {

@@ -19,6 +19,12 @@ std::size_t MostEntries()
     return Limit(k_mostEntries);
 }
 
+std::size_t MostChanges()
+{
+    constexpr std::size_t k_mostChanges = 100;
+    return Limit(k_mostChanges);
+}
+
 void LiftLimits(bool lift)
 {
     g_lifted = lift;

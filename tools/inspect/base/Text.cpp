@@ -68,9 +68,11 @@ std::size_t DisplayWidth(const std::string& text)
 
 std::string Printable(const std::string& text)
 {
-    std::string out;
+    const auto first = std::find_if(text.begin(), text.end(), [](char c) { return c < ' ' || c > '~'; });
+    std::size_t at = static_cast<std::size_t>(first - text.begin());
+    std::string out(text, 0, at);  // all of it, as a rule
     char escape[16];
-    for (std::size_t at = 0; at < text.size();) {
+    while (at < text.size()) {
         const SCodePoint point = Decode(text, at);
         if (point.length == 0) {
             std::snprintf(escape, sizeof escape, "\\x%02X", static_cast<unsigned char>(text[at]));

@@ -352,6 +352,7 @@ SMessageOutcome ReadMessage(SView bytes)
     if (!remarks.refusal.empty()) {
         outcome.faults.emplace_back(EFault::MESSAGE_NOT_PARSED, "a part did not parse: " + remarks.refusal);
     }
+    content.whole = outcome.faults.empty();
     outcome.content = std::move(content);
     return outcome;
 }

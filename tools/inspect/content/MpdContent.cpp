@@ -419,13 +419,17 @@ std::string PeriodText(const SMPDPeriod& period)
 
 }  // namespace
 
-SContent MpdContent(const SMPDInfo& mpd)
+SContent MpdContent(const SMPDInfo& mpd, bool text)
 {
     SContent content;
     content.headline = Joined(
         {mpd.dynamic ? "dynamic" : "static", Counted(mpd.periods.size(), "period"),
          SecondsText("lasts", mpd.mediaPresentationDuration), TimeText("available from", mpd.availabilityStartTime),
          SecondsText("updated every", mpd.minimumUpdatePeriod), SecondsText("buffer", mpd.minBufferTime)});
+    content.json = MpdJson(mpd);
+    if (!text) {
+        return content;
+    }
     SMPDSegmentInfo own;
     own.baseUrlAvailabilities = mpd.baseUrlAvailabilities;
     content.text += Line("segments", AvailabilityText(own, nullptr)) + Line("time", TimingText(mpd.utcTimings)) +
@@ -434,7 +438,6 @@ SContent MpdContent(const SMPDInfo& mpd)
     for (const SMPDPeriod& period : mpd.periods) {
         content.text += PeriodText(period);
     }
-    content.json = MpdJson(mpd);
     return content;
 }
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/Gunzip.h"
 #include "common/XML.h"
 #include "content/LibraryPort.h"
 
@@ -110,8 +111,9 @@ std::vector<SSlsText> FindSlsDocuments(SView bytes)
         const std::size_t end = Find(text, kind.end, kind.otherEnd, start, tag);
         const bool ended = end != TView::npos;
         const std::size_t size = ended ? end + tag.size() - start : text.size() - start;
+        const SView document = Bytes(text.substr(start, size));
         documents.push_back(
-            {kind.kind, Bytes(text.substr(start, size)), ended, ended && size + kind.extra <= k_maxDocument});
+            {kind.kind, document, ended, ended && size + kind.extra <= k_maxDocument, ContentHash(document)});
     }
     return documents;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +16,7 @@ struct SSlsText {
     SView bytes;          ///< from its start tag through its end tag, or to the end of the text
     bool ended = false;   ///< whether there is an end tag
     bool parsed = false;  ///< whether the library parses it: not one that is too long
+    std::uint64_t hash = 0;
 };
 
 /// Finds the documents in the text where the library finds them: the first of each kind, in the order

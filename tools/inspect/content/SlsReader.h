@@ -18,6 +18,13 @@ namespace vyr::inspect {
 class CSlsReader {
   public:
     using TStsidListener = std::function<void(const CSTSID&)>;
+    /// What is wanted of a document.
+    struct SWanted {
+        bool content = true;
+        bool text = true;  ///< in the content
+    };
+    /// Told the document and the service of the package's USBD.
+    using TWants = std::function<SWanted(const SSlsText&, std::optional<unsigned> service)>;
 
     /// The listener, if any, is told of each S-TSID that parses.
     CSlsReader(const SServiceSession& session, TStsidListener stsidListener);
@@ -26,8 +33,8 @@ class CSlsReader {
     CSlsReader& operator=(const CSlsReader&) = delete;
 
     /// Gives a package, inflated, to the manager. Of each document that FindSlsDocuments found: its
-    /// content, or why there is none.
-    std::vector<SSlsDocument> Read(SView text, const std::vector<SSlsText>& documents);
+    /// content if it is wanted, or why there is none.
+    std::vector<SSlsDocument> Read(SView text, const std::vector<SSlsText>& documents, const TWants& wants);
     /// Service of the USBD of the last package; none: it had none that parsed.
     std::optional<unsigned> UsbdService() const { return m_usbdService; }
     /// Lets the manager and all it holds go; the next package gets a new one.
@@ -37,12 +44,20 @@ class CSlsReader {
     const CSTSID* Stsid() const { return m_manager ? m_manager->Stsid() : nullptr; }
 
   private:
-    COptionalContent& m_Content(ESlsDocument kind) { return m_contents[static_cast<std::size_t>(kind)]; }
+    struct SRead {
+        bool parsed = false;
+        COptionalContent content;
+    };
+
+    template <class TMake>
+    void m_Read(ESlsDocument kind, TMake make);
 
     const TStsidListener m_stsidListener;
     CSLSManager::SSessionInfo m_session{};
     std::unique_ptr<CSLSManager> m_manager;
-    std::array<COptionalContent, k_slsDocuments> m_contents;  ///< of the package being read
+    std::array<SRead, k_slsDocuments> m_read;            ///< of the package being read
+    const std::vector<SSlsText>* m_documents = nullptr;  ///< the same
+    const TWants* m_wants = nullptr;                     ///< the same
     std::optional<unsigned> m_usbdService;
 };
 

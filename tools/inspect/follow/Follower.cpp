@@ -5,7 +5,7 @@
 namespace vyr::inspect {
 
 CFollower::CFollower(const SFollowed& followed, CReport& report, const char* nothing)
-    : t_followed(followed), t_report(report), m_lastFault(nothing)
+    : t_followed(followed), t_report(report), t_number(report.NewNumber()), m_lastFault(nothing)
 {
 }
 

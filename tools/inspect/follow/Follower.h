@@ -33,6 +33,7 @@ class CFollower {
 
     const SFollowed& t_followed;
     CReport& t_report;
+    const unsigned t_number;        ///< of this follower: names of sessions can be the same
     std::set<unsigned> t_services;  ///< whose signalling came
     bool t_parsed = false;
 

@@ -28,6 +28,10 @@ void CMessageFollower::Take(const std::optional<std::uint16_t>& packetId, SView 
     message.services = t_followed.Shown();
     message.packetId = packetId;
     message.kind = head.kind;
+    message.key = std::to_string(t_number) + ' ' + std::to_string(message.packetId.value_or(0));
+    for (const unsigned part : head.kind) {
+        message.key += ' ' + std::to_string(part);
+    }
     message.id = head.id;
     message.version = head.version;
     message.payload = head.payload;

@@ -45,7 +45,7 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     std::vector<unsigned char> inflated;
     const bool whole = !signalling.gzip || Gunzip(object, k_maxPackage, inflated);
     const SView text = signalling.gzip ? SView{inflated.data(), inflated.size()} : object;
-    now.textHash = whole ? ContentHash(text) : 0;
+    now.textHash = !whole ? 0 : signalling.gzip ? ContentHash(text) : now.hash;
     const bool sameText = sameToi && whole && before.textHash == now.textHash;
     now.brought = sameText ? before.brought : now.brought;
     if (toi) {
@@ -56,7 +56,9 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     }
     if (sameText && stands) {
         if (m_readAgain) {
-            m_reader.Read(text, FindSlsDocuments(text));
+            m_reader.Read(text, FindSlsDocuments(text), [](const SSlsText&, std::optional<unsigned>) {
+                return CSlsReader::SWanted{false, false};
+            });
             m_readAgain = m_reader.Stsid() == nullptr;
         }
         return m_Repeated(signalling);
@@ -73,7 +75,9 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     std::string envelopeReason;
     signalling.contentType = PackageType(text);
     signalling.items = ReadEnvelope(text, envelopeReason);
-    signalling.documents = m_reader.Read(text, texts);
+    signalling.documents = m_reader.Read(
+        text, texts,
+        [this](const SSlsText& document, std::optional<unsigned> service) { return m_Wants(document, service); });
     const bool changed = sameToi && !sameText;
     signalling.status = m_Status(texts, signalling.documents, package, changed, now);
     if (toi) {
@@ -114,7 +118,7 @@ bool CSlsFollower::m_Stands(const SObject& object) const
 {
     return std::all_of(object.brought.begin(), object.brought.end(), [this](const auto& document) {
         const auto standing = m_documents.find(document.first);
-        return standing != m_documents.end() && standing->second.hash == document.second;
+        return standing != m_documents.end() && standing->second == document.second;
     });
 }
 
@@ -129,8 +133,33 @@ unsigned CSlsFollower::m_Service()
     if (m_slots.size() < k_maxServices) {
         m_slots.try_emplace(*service, static_cast<unsigned>(m_slots.size()));
     }
+    return m_SlotOf(service).value_or(0);
+}
+
+/// None: it will have a new one.
+std::optional<unsigned> CSlsFollower::m_SlotOf(std::optional<unsigned> service) const
+{
+    if (!service) {
+        return 0;
+    }
     const auto known = m_slots.find(*service);
-    return known != m_slots.end() ? known->second : 0;
+    return known != m_slots.end()           ? std::optional<unsigned>(known->second)
+           : m_slots.size() < k_maxServices ? std::nullopt
+                                            : std::optional<unsigned>(0);
+}
+
+/// Nothing is wanted of a document that stands already.
+CSlsReader::SWanted CSlsFollower::m_Wants(const SSlsText& text, std::optional<unsigned> service) const
+{
+    const std::optional<unsigned> known = m_SlotOf(service);
+    if (!known) {
+        return {};
+    }
+    const TSlot slot = {*known, text.kind};
+    const auto standing = m_documents.find(slot);
+    const std::string key = m_Key(slot);
+    return {standing == m_documents.end() || standing->second != text.hash || t_report.WantsUnchanged(key),
+            standing == m_documents.end() || t_report.WantsText(key)};
 }
 
 /// What is new of the object, and of each of its documents.
@@ -143,19 +172,20 @@ EStatus CSlsFollower::m_Status(const std::vector<SSlsText>& texts, std::vector<S
     object.brought.clear();
     for (std::size_t i = 0; i < texts.size(); ++i) {
         const TSlot slot = {service, texts[i].kind};
-        const EDocumentStatus status = m_Compare(slot, texts[i], documents[i]);
-        object.brought.emplace_back(slot, m_documents[slot].hash);
+        const EDocumentStatus status = m_Compare(slot, texts[i]);
+        object.brought.emplace_back(slot, m_documents[slot]);
         documents[i].status = status;
+        documents[i].key = m_Key(slot);
         allNew = allNew && status == EDocumentStatus::NEW;
         allUnchanged = allUnchanged && status == EDocumentStatus::UNCHANGED;
-        t_parsed = t_parsed || documents[i].content.has_value();
+        t_parsed = t_parsed || documents[i].parsed;
     }
     if (package.hasUnread) {
         const TSlot slot = {service, k_unread};
         const auto [last, isNew] = m_documents.try_emplace(slot);
         allNew = allNew && isNew;
-        allUnchanged = allUnchanged && !isNew && last->second.hash == package.unreadHash;
-        last->second.hash = package.unreadHash;
+        allUnchanged = allUnchanged && !isNew && last->second == package.unreadHash;
+        last->second = package.unreadHash;
         object.brought.emplace_back(slot, package.unreadHash);
     }
     return sameToi ? EStatus::CHANGED_WITHOUT_VERSION : StatusOf(allNew, false, allUnchanged);
@@ -183,7 +213,7 @@ void CSlsFollower::m_PackageFaults(const SPackage& package, const std::vector<SE
 void CSlsFollower::m_DocumentFaults(const std::vector<SSlsDocument>& documents, const SSource& source)
 {
     for (const SSlsDocument& document : documents) {
-        if (!document.content && document.status != EDocumentStatus::UNCHANGED) {
+        if (!document.parsed && document.status != EDocumentStatus::UNCHANGED) {
             t_Fault(EFault::DOCUMENT_NOT_PARSED,
                     std::string(DocumentName(document.kind)) + " did not parse: " + document.reason, source);
         }
@@ -197,19 +227,16 @@ bool CSlsFollower::Has(const TToi& toi, const std::optional<std::uint64_t>& size
     return known != nullptr && (!size || *size == known->size);
 }
 
-EDocumentStatus CSlsFollower::m_Compare(const TSlot& slot, const SSlsText& text, SSlsDocument& document)
+std::string CSlsFollower::m_Key(const TSlot& slot) const
 {
-    const std::string shown = document.content ? document.content.Shown() : document.reason;
-    const SDocument now = {ContentHash(text.bytes),
-                           ContentHash({reinterpret_cast<const unsigned char*>(shown.data()), shown.size()})};
-    const auto [last, isNew] = m_documents.try_emplace(slot, now);
-    if (isNew) {
-        return EDocumentStatus::NEW;
-    }
-    const bool changed = last->second.hash != now.hash;
-    document.sameText = last->second.textHash == now.textHash;
-    last->second = now;
-    return changed ? EDocumentStatus::CHANGED : EDocumentStatus::UNCHANGED;
+    return std::to_string(t_number) + ' ' + std::to_string(slot.first) + ' ' + DocumentName(slot.second);
+}
+
+EDocumentStatus CSlsFollower::m_Compare(const TSlot& slot, const SSlsText& text)
+{
+    const auto [last, isNew] = m_documents.try_emplace(slot, text.hash);
+    const bool changed = std::exchange(last->second, text.hash) != text.hash;
+    return isNew ? EDocumentStatus::NEW : changed ? EDocumentStatus::CHANGED : EDocumentStatus::UNCHANGED;
 }
 
 /// Of a raw file, its reader tells.

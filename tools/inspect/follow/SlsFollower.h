@@ -51,24 +51,23 @@ class CSlsFollower : public CFollower {
         std::uint64_t textHash = 0;                            ///< inflated
         std::vector<std::pair<TSlot, std::uint64_t>> brought;  ///< its documents
     };
-    struct SDocument {
-        std::uint64_t hash = 0;
-        std::uint64_t textHash = 0;  ///< of the text that was shown
-    };
 
     bool m_Repeated(SSignalling& signalling);
     bool m_Stands(const SObject& object) const;
     unsigned m_Service();
+    std::optional<unsigned> m_SlotOf(std::optional<unsigned> service) const;
+    CSlsReader::SWanted m_Wants(const SSlsText& text, std::optional<unsigned> service) const;
     EStatus m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, const SPackage& package,
                      bool sameToi, SObject& object);
     void m_PackageFaults(const SPackage& package, const std::vector<SEnvelopeItem>& items, const SSource& source);
     void m_DocumentFaults(const std::vector<SSlsDocument>& documents, const SSource& source);
-    EDocumentStatus m_Compare(const TSlot& slot, const SSlsText& text, SSlsDocument& document);
+    std::string m_Key(const TSlot& slot) const;
+    EDocumentStatus m_Compare(const TSlot& slot, const SSlsText& text);
     bool m_NotRead(const std::optional<TToi>& toi, const std::string& why, const SSource& source, bool note = false);
 
     CSlsReader m_reader;
     CBoundedMap<TToi, SObject> m_objects{k_maxObjects};
-    std::map<TSlot, SDocument> m_documents;         ///< what stands
+    std::map<TSlot, std::uint64_t> m_documents;     ///< hashes of what stands
     std::map<unsigned, unsigned> m_slots;           ///< of the services of the USBDs that came; 0 is the first one's
     std::map<EFault, std::string> m_toldOfPackage;  ///< the last message of each
     bool m_readAgain = false;

@@ -8,22 +8,16 @@ namespace vyr::inspect {
 
 COptionalContent::COptionalContent() = default;
 
-COptionalContent::COptionalContent(SContent content) : m_content(std::make_unique<SContent>(std::move(content))) {}
+COptionalContent::COptionalContent(SContent content) : m_content(std::make_shared<SContent>(std::move(content))) {}
 
-COptionalContent::COptionalContent(COptionalContent&& other) noexcept = default;
-
-COptionalContent& COptionalContent::operator=(COptionalContent&& other) noexcept = default;
-
-COptionalContent::~COptionalContent() = default;
-
-std::string COptionalContent::Shown() const
+std::shared_ptr<const TJson> COptionalContent::Whole() const
 {
-    return m_content ? m_content->headline + m_content->text : std::string();
+    return m_content && m_content->whole ? std::shared_ptr<const TJson>(m_content, &m_content->json) : nullptr;
 }
 
 SContent& COptionalContent::emplace()
 {
-    m_content = std::make_unique<SContent>();
+    m_content = std::make_shared<SContent>();
     return *m_content;
 }
 

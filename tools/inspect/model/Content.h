@@ -13,6 +13,7 @@ struct SContent {
     std::string text;      ///< indented lines
     TJson json = TJson::object();
     std::vector<std::string> faults;  ///< documents within that did not parse, and why
+    bool whole = true;                ///< false: there is more in it that did not parse, or contradicts itself
 };
 
 }  // namespace vyr::inspect

@@ -57,9 +57,10 @@ struct SSlsDocument {
     ESlsDocument kind = ESlsDocument::USBD;
     std::size_t size = 0;  ///< bytes, from its start tag through its end tag
     EDocumentStatus status = EDocumentStatus::NEW;
-    bool sameText = false;  ///< though it changed, its text says what the last one's said
+    bool parsed = false;
+    std::string reason;  ///< why it did not
     COptionalContent content;
-    std::string reason;  ///< why there is none
+    std::string key;  ///< tells the document apart from all but those that it replaces
 };
 
 /// An item of the metadata envelope, as given.
@@ -100,6 +101,7 @@ struct SSignalling {
 struct SMessage {
     SSource source;
     std::string session;                    ///< "239.255.8.1:30200"; empty for a raw file
+    std::string key;                        ///< tells it apart from all but those that it replaces
     std::vector<unsigned> services;         ///< that the service list has at this session
     std::optional<std::uint16_t> packetId;  ///< not for a raw file
     std::vector<unsigned> kind;             ///< messages of one kind and packet id replace each other

@@ -1,20 +1,18 @@
 #pragma once
 
 #include <memory>
-#include <string>
+
+#include "base/JsonFwd.h"
 
 namespace vyr::inspect {
 
 struct SContent;
 
-/// A content, or none, for those who need not know what is in one: JSON is expensive to compile.
+/// A content, or none, for those who need not know what is in one: JSON is expensive to compile. Its copies share it.
 class COptionalContent {
   public:
     COptionalContent();
     COptionalContent(SContent content);  // NOLINT: a content is one
-    COptionalContent(COptionalContent&& other) noexcept;
-    COptionalContent& operator=(COptionalContent&& other) noexcept;
-    ~COptionalContent();
 
     explicit operator bool() const { return m_content != nullptr; }
     bool has_value() const { return m_content != nullptr; }
@@ -22,13 +20,13 @@ class COptionalContent {
     const SContent& operator*() const { return *m_content; }
     SContent* operator->() { return m_content.get(); }
     const SContent* operator->() const { return m_content.get(); }
-    /// Its headline and its text; empty: there is none.
-    std::string Shown() const;
+    /// Its JSON, which keeps the content, to compare it with another one; null: there is none, or it is not whole.
+    std::shared_ptr<const TJson> Whole() const;
     SContent& emplace();  ///< an empty one
     void reset();
 
   private:
-    std::unique_ptr<SContent> m_content;
+    std::shared_ptr<SContent> m_content;
 };
 
 }  // namespace vyr::inspect

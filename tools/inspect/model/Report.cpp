@@ -48,7 +48,7 @@ void CReport::Signalling(const SSignalling& signalling)
     m_summary.signalling.byStatus.Add(signalling.status);
     for (const SSlsDocument& document : signalling.documents) {
         const bool again = document.status == EDocumentStatus::UNCHANGED;
-        m_summary.signalling.documentsNotParsed += document.content || again ? 0 : 1;
+        m_summary.signalling.documentsNotParsed += document.parsed || again ? 0 : 1;
     }
     if (signalling.status != EStatus::REPEATED) {
         m_Tell([&](IReportWriter& writer) { writer.Signalling(signalling); });

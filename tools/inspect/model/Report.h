@@ -29,6 +29,11 @@ class CReport {
     /// place changes.
     void Fault(SFault fault);
     void Finish();
+    /// As of a writer.
+    bool WantsText(const std::string& key) const { return !m_quiet && m_writer.WantsText(key); }
+    bool WantsUnchanged(const std::string& key) const { return !m_quiet && m_writer.WantsUnchanged(key); }
+    /// A number for what takes part in the run, of its own.
+    unsigned NewNumber() { return m_numbers++; }
     /// For the counts that only its users know.
     SSummary& Summary() { return m_summary; }
 
@@ -58,6 +63,7 @@ class CReport {
     IReportWriter& m_writer;
     IReportWriter* const m_page;
     const bool m_quiet;
+    unsigned m_numbers = 0;
     SSummary m_summary;
     SSource m_place;  ///< of the last fault
     TAlike m_alike;   ///< faults of one input that say the same

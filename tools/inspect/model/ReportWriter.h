@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <string>
 #include <vector>
 
 #include "model/Counts.h"
@@ -87,6 +88,10 @@ class IReportWriter {
     virtual void Summary(const SSummary& summary) = 0;
     /// The input went on by as many bytes: the report may be the longer for it.
     virtual void Received(std::size_t) {}
+    /// Whether the document, known by its key, need have a text, when it changed; whether it need have a content at all
+    /// when it has not changed.
+    virtual bool WantsText(const std::string&) const { return true; }
+    virtual bool WantsUnchanged(const std::string&) const { return true; }
     /// Whether the summary is told of when only faults are wanted, too.
     virtual bool AlwaysSummary() const { return false; }
 };

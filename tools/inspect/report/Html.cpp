@@ -263,8 +263,12 @@ class CTree {
 
 std::string HtmlText(const std::string& text)
 {
+    std::string printable = Printable(text);
+    if (printable.find_first_of("&<>\"'") == std::string::npos) {
+        return printable;
+    }
     std::string html;
-    for (const char c : Printable(text)) {
+    for (const char c : printable) {
         switch (c) {
             case '&':
                 html += "&amp;";

@@ -19,6 +19,7 @@ h3{font-size:1rem;margin:1.1rem 0 .4rem}
 h4{font-size:.9rem;margin:.8rem 0 .3rem;color:var(--muted)}
 p{margin:.4rem 0}
 a{color:var(--link)}
+ul.changes{margin:.1rem 0;padding-left:1.1rem;font-size:.85em}
 small,.muted{color:var(--muted);font-size:.85em}
 nav ul{display:flex;flex-wrap:wrap;gap:.3rem 1.1rem;list-style:none;margin:1rem 0 0;padding:.6rem 0;
 border-top:1px solid var(--line);border-bottom:1px solid var(--line)}

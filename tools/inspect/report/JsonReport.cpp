@@ -1,6 +1,7 @@
 #include "report/JsonReport.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "base/Json.h"
@@ -14,11 +15,15 @@ namespace vyr::inspect {
 
 namespace {
 
-constexpr int k_schemaVersion = 1;
+constexpr int k_schemaVersion = 2;
+constexpr const char* k_services = "service";  // of a service list, among its members
 
 TJson Object(const char* type)
 {
-    return {{"schema_version", k_schemaVersion}, {"type", type}};
+    TJson json = TJson::object();
+    json["schema_version"] = k_schemaVersion;
+    json["type"] = type;
+    return json;
 }
 
 std::string TimeJson(const STime& time)
@@ -28,7 +33,8 @@ std::string TimeJson(const STime& time)
 
 TJson SourceJson(const SSource& source)
 {
-    TJson json = {{"file", source.file}};
+    TJson json = TJson::object();
+    json["file"] = source.file;
     if (source.packet != 0) {
         json["packet"] = source.packet;
     }
@@ -44,6 +50,14 @@ void PutHeader(TJson& json, const SLlsHeader& header)
     json["LLS_group_id"] = header.groupId;
     json["group_count_minus1"] = header.groupCountMinus1;
     json["LLS_table_version"] = header.version;
+}
+
+/// Where and when a table came.
+void PutPlace(TJson& json, const STable& table)
+{
+    json["source"] = SourceJson(table.source);
+    PutText(json, "stream", table.stream);
+    PutHeader(json, table.header);
 }
 
 TJson UrlJson(int urlType, const std::string& url)
@@ -162,18 +176,20 @@ std::string JsonLine(const TJson& json)
     return PlainJson(json.dump(-1, ' ', false, TJson::error_handler_t::replace)) + '\n';
 }
 
+/// Whether an id tells which of the services is meant.
+bool IdsDiffer(const TJson& services)
+{
+    std::set<int> ids;
+    return std::all_of(services.begin(), services.end(),
+                       [&ids](const TJson& service) { return ids.insert(service["serviceId"].get<int>()).second; });
+}
+
 }  // namespace
 
-TJson ServiceJson(const STable& table, const SSltService& service)
+TJson ServiceJson(const SSltService& service)
 {
     using SService = SParseSLT::SService;
-    TJson json = Object("service");
-    json["source"] = SourceJson(table.source);
-    if (!table.stream.empty()) {
-        json["stream"] = table.stream;
-    }
-    PutHeader(json, table.header);
-    json["bsid"] = table.slt->bsid;
+    TJson json = TJson::object();
     json["serviceId"] = service.serviceId;
     json["listed"] = service.notListed.empty();
     PutText(json, "notListedBecause", service.notListed);
@@ -225,14 +241,49 @@ TJson ServiceJson(const STable& table, const SSltService& service)
     return json;
 }
 
-TJson TableJson(const STable& table)
+TJson SltJson(const SSlt& slt)
+{
+    TJson json = {{"bsid", slt.bsid}};
+    PutText(json, "sltCapabilities", slt.capabilities);
+    for (const SParseSLT::SSltInetUrl& url : slt.inetUrls) {
+        json["sltInetUrl"].push_back(UrlJson(url.urlType, url.url));
+    }
+    json["cmsSignedData"] = slt.cmsSignedData;
+    return json;
+}
+
+std::shared_ptr<const TJson> DocumentJson(const STable& table)
+{
+    if (!table.slt || table.slt->leftOut != 0) {
+        return table.slt ? nullptr : table.content.Whole();
+    }
+    auto json = std::make_shared<TJson>(SltJson(*table.slt));
+    TJson& services = (*json)[k_services] = TJson::array();
+    for (const SSltService& service : table.slt->services) {
+        services.push_back(ServiceJson(service));
+    }
+    return json;
+}
+
+std::string DocumentKey(const STable& table)
+{
+    return "table " + table.stream + ' ' + std::to_string(table.header.tableId) + ' ' +
+           std::to_string(table.header.groupId);
+}
+
+std::string DocumentKey(const SGuideObject& object)
+{
+    const std::string place = !object.contentLocation.empty() ? object.contentLocation
+                              : object.toi                    ? ToiText(*object.toi)
+                                                              : std::string();
+    return std::string("guide ") + GuideObjectName(object.kind) + ' ' + object.session + ' ' +
+           (object.tsi && object.contentLocation.empty() ? std::to_string(*object.tsi) + ' ' : "file ") + place;
+}
+
+TJson TableHeadJson(const STable& table)
 {
     TJson json = Object("table");
-    json["source"] = SourceJson(table.source);
-    if (!table.stream.empty()) {
-        json["stream"] = table.stream;
-    }
-    PutHeader(json, table.header);
+    PutPlace(json, table);
     if (table.insideMultiTable) {
         json["insideSignedMultiTable"] = true;
     }
@@ -250,23 +301,22 @@ TJson TableJson(const STable& table)
     } else {
         json["parsed"] = table.slt.has_value() || table.content.has_value();
     }
-    if (table.content) {
-        json.update(table.content->json);
-    }
     if (table.slt) {
-        json["bsid"] = table.slt->bsid;
-        if (!table.slt->capabilities.empty()) {
-            json["sltCapabilities"] = table.slt->capabilities;
-        }
-        for (const SParseSLT::SSltInetUrl& url : table.slt->inetUrls) {
-            json["sltInetUrl"].push_back(UrlJson(url.urlType, url.url));
-        }
-        json["cmsSignedData"] = table.slt->cmsSignedData;
+        json.update(SltJson(*table.slt));
         json["services"] = table.slt->services.size() + table.slt->leftOut - table.slt->dropped;
         json["servicesDropped"] = table.slt->dropped;
         if (table.slt->leftOut != 0) {
             json["leftOut"] = {{"service", table.slt->leftOut}};
         }
+    }
+    return json;
+}
+
+TJson TableJson(const STable& table)
+{
+    TJson json = TableHeadJson(table);
+    if (table.content) {
+        json.update(table.content->json);
     }
     return json;
 }
@@ -299,46 +349,161 @@ TJson PartsJson(const std::vector<SPackagePart>& parts)
     return json;
 }
 
-CJsonReport::CJsonReport(COutput& output)
-    : m_output(output, [](const TLeftOut& leftOut) {
-          TJson json = Object("leftOut");
-          json["records"] = leftOut;
-          return JsonLine(json);
-      })
+CJsonReport::CJsonReport(COutput& output, bool full)
+    : m_output(output,
+               [](const TLeftOut& leftOut) {
+                   TJson json = Object("leftOut");
+                   json["records"] = leftOut;
+                   return JsonLine(json);
+               }),
+      m_full(full)
 {
 }
 
-/// Long lists and texts are cut, the shorter the less room there is.
-void CJsonReport::m_Write(const char* type, TJson&& json)
+/// Writes what `make` makes with what changed alone. Where that does not fit, what it makes of the whole: long lists
+/// and texts are cut, the shorter the less room there is. False: the reader has not got all of it.
+template <class TMake>
+bool CJsonReport::m_Write(const char* type, TMake make)
 {
-    std::size_t most = MostEntries();
+    if (!m_output.Begin(type)) {
+        return false;
+    }
+    TJson json = make(true);
     std::string line = JsonLine(json);
+    std::size_t most = MostEntries();
+    if (line.size() <= m_output.Room() && (line.size() / 2 <= most || !CutJson(json, most))) {
+        m_output.Write(type, line);
+        return true;
+    }
+    json = make(false);
+    line = JsonLine(json);
     while (most != 0 && line.size() > std::min(m_output.Room(), most)) {
         line = CutJson(json, most) ? JsonLine(json) : line;
         most = line.size() > m_output.Room() ? most / 10 : 0;
     }
     m_output.Write(type, line);
+    return false;
+}
+
+/// Puts what changed since the document was shown last, if that is known and no longer than the document. False: the
+/// document is to be shown as well.
+bool CJsonReport::m_PutChanges(TJson& json, const std::string& key, const COptionalContent& now) const
+{
+    const CLastShown::SShown* last = now->whole ? m_last.Find(key) : nullptr;
+    TJson patch = last != nullptr ? ChangesPatch(*last->json, now->json) : TJson();
+    if (patch.is_null()) {
+        return false;
+    }
+    PutNumber(json, "since", last->packet, std::uint64_t{0});
+    json["changes"] = std::move(patch);
+    return !m_full;
+}
+
+void CJsonReport::m_Remember(const std::string& key, bool told, std::shared_ptr<const TJson> json,
+                             const SSource& source)
+{
+    m_last.Keep(key, told ? std::move(json) : nullptr, source);
 }
 
 void CJsonReport::Table(const STable& table)
 {
-    if (m_output.Begin("table")) {
-        m_Write("table", TableJson(table));
-    }
     if (table.slt) {
-        for (const SSltService& service : table.slt->services) {
-            if (m_output.Begin("service")) {
-                m_Write("service", ServiceJson(table, service));
+        m_Slt(table);
+        return;
+    }
+    const std::string key = DocumentKey(table);
+    const bool told = m_Write("table", [&](bool changes) {
+        TJson json = TableHeadJson(table);
+        if (table.content && !(changes && table.status != EStatus::NEW && m_PutChanges(json, key, table.content))) {
+            json.update(table.content->json);
+        }
+        return json;
+    });
+    if (table.status != EStatus::REPEATED) {
+        m_Remember(key, told, table.content.Whole(), table.source);
+    }
+}
+
+/// A service list: of one that changed, the services that are new or changed, and which are gone.
+void CJsonReport::m_Slt(const STable& table)
+{
+    const std::string key = DocumentKey(table);
+    const std::shared_ptr<const TJson> now = DocumentJson(table);
+    const CLastShown::SShown* last = table.status != EStatus::NEW && now ? m_last.Find(key) : nullptr;
+    if (last != nullptr && !(IdsDiffer((*last->json)[k_services]) && IdsDiffer((*now)[k_services]))) {
+        last = nullptr;
+    }
+    const TJson none = TJson::array();
+    const TJson& before = last != nullptr ? (*last->json)[k_services] : none;
+    TJson removed = TJson::array();
+    std::vector<const TJson*> predecessors(table.slt->services.size());
+    std::size_t unchanged = 0;
+    if (last != nullptr) {
+        const TJson& after = (*now)[k_services];
+        for (const SAligned& service : AlignedElements(before, after)) {
+            if (service.after == SAligned::k_none) {
+                removed.push_back(before[service.before]["serviceId"]);
+            } else if (service.before != SAligned::k_none) {
+                predecessors[service.after] = &before[service.before];
+                unchanged += before[service.before] == after[service.after] ? 1 : 0;
             }
         }
     }
+    bool told = m_Write("table", [&](bool changes) {
+        TJson json = TableHeadJson(table);
+        if (!changes) {
+            last = nullptr;  // the whole list follows
+            predecessors.assign(predecessors.size(), nullptr);
+        }
+        if (last != nullptr) {
+            PutNumber(json, "since", last->packet, std::uint64_t{0});
+            json["servicesUnchanged"] = unchanged;
+            json["servicesRemoved"] = removed;
+            const auto own = [](TJson list) {
+                list.erase(k_services);
+                return list;
+            };
+            json["changes"] = TJson::diff(own(*last->json), own(*now));
+        }
+        return json;
+    });
+    for (std::size_t i = 0; i < table.slt->services.size(); ++i) {
+        const TJson service = ServiceJson(table.slt->services[i]);
+        const bool same = predecessors[i] != nullptr && *predecessors[i] == service;
+        if (same && !m_full) {
+            continue;
+        }
+        told = m_Write("service",
+                       [&](bool changes) {
+                           TJson json = Object("service");
+                           PutPlace(json, table);
+                           if (table.status == EStatus::NEW || last != nullptr) {
+                               json["status"] = same ? "unchanged" : predecessors[i] != nullptr ? "changed" : "new";
+                           }
+                           json["bsid"] = table.slt->bsid;
+                           json.update(service);
+                           if (changes && predecessors[i] != nullptr && !same) {
+                               json["changes"] = TJson::diff(*predecessors[i], service);
+                           }
+                           return json;
+                       }) &&
+               told;
+    }
+    m_Remember(key, told, now, table.source);
 }
 
 void CJsonReport::Signalling(const SSignalling& signalling)
 {
-    if (!m_output.Begin("signalling")) {
-        return;
+    const bool told = m_Write("signalling", [&](bool changes) { return m_Json(signalling, changes); });
+    for (const SSlsDocument& document : signalling.documents) {
+        if (document.status != EDocumentStatus::UNCHANGED || m_last.Find(document.key) == nullptr) {
+            m_Remember(document.key, told, document.content.Whole(), signalling.source);
+        }
     }
+}
+
+TJson CJsonReport::m_Json(const SSignalling& signalling, bool changes) const
+{
     TJson json = Object("signalling");
     json["source"] = SourceJson(signalling.source);
     PutText(json, "session", signalling.session);
@@ -360,113 +525,120 @@ void CJsonReport::Signalling(const SSignalling& signalling)
     if (signalling.signature) {
         json["signature"] = signalling.signature->json;
     }
+    std::vector<const SSlsDocument*> whole;
     for (const SSlsDocument& document : signalling.documents) {
-        TJson entry = {{"name", DocumentName(document.kind)},
-                       {"size", document.size},
-                       {"status", DocumentStatusName(document.status)},
-                       {"parsed", document.content.has_value()}};
+        TJson entry = TJson::object();
+        entry["name"] = DocumentName(document.kind);
+        entry["size"] = document.size;
+        entry["status"] = DocumentStatusName(document.status);
+        entry["parsed"] = document.parsed;
         PutText(entry, "reason", document.reason);
+        const CLastShown::SShown* last = m_last.Find(document.key);
+        if (document.status == EDocumentStatus::UNCHANGED && last != nullptr && !m_full) {
+            PutNumber(entry, "since", last->packet, std::uint64_t{0});
+        } else if (document.content && !(changes && document.status == EDocumentStatus::CHANGED &&
+                                         m_PutChanges(entry, document.key, document.content))) {
+            whole.push_back(&document);
+        }
         json["documents"].push_back(std::move(entry));
     }
-    for (const SSlsDocument& document : signalling.documents) {
-        if (document.content) {
-            json[DocumentName(document.kind)] = document.content->json;
-        }
+    for (const SSlsDocument* document : whole) {
+        json[DocumentName(document->kind)] = document->content->json;
     }
-    m_Write("signalling", std::move(json));
+    return json;
 }
 
 void CJsonReport::Message(const SMessage& message)
 {
-    if (!m_output.Begin("message")) {
-        return;
-    }
-    TJson json = Object("message");
-    json["source"] = SourceJson(message.source);
-    PutText(json, "session", message.session);
-    PutList(json, "serviceIds", message.services);
-    PutValue(json, "packet_id", message.packetId);
-    PutNamed(json, "message_id", message.id, MessageName(message.id));
-    json["version"] = message.version;
-    json["status"] = StatusName(message.status);
-    json["size"] = message.payload.size;
-    if (message.supported) {
-        json["parsed"] = message.content.has_value();
-    } else {
-        json["payload"] = Hex(message.payload);
-    }
-    if (message.content) {
-        json.update(message.content->json);
-    }
-    m_Write("message", std::move(json));
+    const bool told = m_Write("message", [&](bool changes) {
+        TJson json = Object("message");
+        json["source"] = SourceJson(message.source);
+        PutText(json, "session", message.session);
+        PutList(json, "serviceIds", message.services);
+        PutValue(json, "packet_id", message.packetId);
+        PutNamed(json, "message_id", message.id, MessageName(message.id));
+        json["version"] = message.version;
+        json["status"] = StatusName(message.status);
+        json["size"] = message.payload.size;
+        if (message.supported) {
+            json["parsed"] = message.content.has_value();
+        } else {
+            json["payload"] = Hex(message.payload);
+        }
+        if (message.content &&
+            !(changes && message.status != EStatus::NEW && m_PutChanges(json, message.key, message.content))) {
+            json.update(message.content->json);
+        }
+        return json;
+    });
+    m_Remember(message.key, told, message.content.Whole(), message.source);
 }
 
 void CJsonReport::GuideObject(const SGuideObject& object)
 {
-    if (!m_output.Begin("guideObject")) {
-        return;
-    }
-    TJson json = Object("guideObject");
-    json["source"] = SourceJson(object.source);
-    PutText(json, "session", object.session);
-    PutValue(json, "TSI", object.tsi);
-    if (object.toi) {
-        PutToi(json, *object.toi);
-    }
-    PutText(json, "Content-Location", object.contentLocation);
-    json["name"] = GuideObjectName(object.kind);
-    json["status"] = StatusName(object.status);
-    json["size"] = object.size;
-    json["gzip"] = object.gzip;
-    json["parsed"] = object.content.has_value();
-    if (object.content) {
-        json[GuideObjectName(object.kind)] = object.content->json;
-    }
-    m_Write("guideObject", std::move(json));
+    const std::string key = DocumentKey(object);
+    const bool told = m_Write("guideObject", [&](bool changes) {
+        TJson json = Object("guideObject");
+        json["source"] = SourceJson(object.source);
+        PutText(json, "session", object.session);
+        PutValue(json, "TSI", object.tsi);
+        if (object.toi) {
+            PutToi(json, *object.toi);
+        }
+        PutText(json, "Content-Location", object.contentLocation);
+        json["name"] = GuideObjectName(object.kind);
+        json["status"] = StatusName(object.status);
+        json["size"] = object.size;
+        json["gzip"] = object.gzip;
+        json["parsed"] = object.content.has_value();
+        if (object.content && !(changes && object.status != EStatus::NEW && m_PutChanges(json, key, object.content))) {
+            json[GuideObjectName(object.kind)] = object.content->json;
+        }
+        return json;
+    });
+    m_Remember(key, told, object.content.Whole(), object.source);
 }
 
 void CJsonReport::Guide(const SGuide& guide)
 {
-    if (!m_output.Begin("guide")) {
-        return;
-    }
-    TJson json = Object("guide");
-    json["source"] = SourceJson(guide.source);
-    json["fragments"] = guide.fragments;
-    json["unscheduledContents"] = guide.unscheduledContents;
-    json["missingContents"] = guide.missingContents;
-    json["missingServices"] = guide.missingServices;
-    json["services"] = TJson::array();
-    for (const SGuideService& service : guide.services) {
-        json["services"].push_back(GuideServiceJson(service));
-    }
-    if (guide.leftOut != 0) {
-        json["leftOut"] = {{"services", guide.leftOut}};
-    }
-    m_Write("guide", std::move(json));
+    m_Write("guide", [&](bool) {
+        TJson json = Object("guide");
+        json["source"] = SourceJson(guide.source);
+        json["fragments"] = guide.fragments;
+        json["unscheduledContents"] = guide.unscheduledContents;
+        json["missingContents"] = guide.missingContents;
+        json["missingServices"] = guide.missingServices;
+        json["services"] = TJson::array();
+        for (const SGuideService& service : guide.services) {
+            json["services"].push_back(GuideServiceJson(service));
+        }
+        if (guide.leftOut != 0) {
+            json["leftOut"] = {{"services", guide.leftOut}};
+        }
+        return json;
+    });
 }
 
 void CJsonReport::Fault(const SFault& fault)
 {
     const char* type = fault.note ? "note" : "fault";
-    if (!m_output.Begin(type)) {
-        return;
-    }
-    TJson json = Object(type);
-    json["source"] = SourceJson(fault.source);
-    json["code"] = FaultName(fault.code);
-    json["message"] = fault.message;
-    PutNumber(json, "count", fault.times, std::uint64_t{1});
-    if (fault.header) {
-        PutHeader(json, *fault.header);
-    }
-    if (fault.serviceId) {
-        json["serviceId"] = *fault.serviceId;
-    }
-    if (!fault.attribute.empty()) {
-        json["attribute"] = fault.attribute;
-    }
-    m_Write(type, std::move(json));
+    m_Write(type, [&](bool) {
+        TJson json = Object(type);
+        json["source"] = SourceJson(fault.source);
+        json["code"] = FaultName(fault.code);
+        json["message"] = fault.message;
+        PutNumber(json, "count", fault.times, std::uint64_t{1});
+        if (fault.header) {
+            PutHeader(json, *fault.header);
+        }
+        if (fault.serviceId) {
+            json["serviceId"] = *fault.serviceId;
+        }
+        if (!fault.attribute.empty()) {
+            json["attribute"] = fault.attribute;
+        }
+        return json;
+    });
 }
 
 void CJsonReport::Summary(const SSummary& summary)

@@ -148,6 +148,20 @@ void CPageModel::m_Add(SList<SLine>& list, const SSource& source, const std::str
     }
 }
 
+/// What changed of a document against what came last of it, as a list; that is what it stands at from now on.
+std::string CPageModel::m_Changes(const std::string& key, bool isNew, std::shared_ptr<const TJson> now,
+                                  const SSource& source)
+{
+    std::string html;
+    if (!isNew && now && t_changes.items.size() < Limit(k_mostLines)) {
+        for (const std::string& line : ChangeLines(m_last.Find(key), now.get())) {
+            html += "<li>" + HtmlText(HtmlClipped(line, k_longLine)) + "</li>";
+        }
+    }
+    m_last.Keep(key, std::move(now), source);
+    return html.empty() ? html : "<ul class=\"changes\">" + html + "</ul>";
+}
+
 std::size_t CPageModel::m_See(const SSource& source)
 {
     if (source.time) {
@@ -170,7 +184,9 @@ void CPageModel::Table(const STable& table)
     if (table.status == EStatus::REPEATED) {
         return;
     }
-    m_Add(t_changes, table.source, "<td>" + HtmlText(HtmlClipped(Headline(table), k_longLine)) + "</td>");
+    m_Add(t_changes, table.source,
+          "<td>" + HtmlText(HtmlClipped(Headline(table), k_longLine)) +
+              m_Changes(DocumentKey(table), table.status == EStatus::NEW, DocumentJson(table), table.source) + "</td>");
     const TKey key = {file, GroupText(table), std::to_string(table.header.tableId)};
     if (SPart* part = m_Find(t_tables, key)) {
         std::string title = Headline(table);
@@ -215,10 +231,7 @@ void CPageModel::m_Slt(const STable& table, const TKey& key)
         for (std::size_t cell = 1; cell + 1 < row.size(); ++cell) {
             listed.cells += "<td>" + (cell == 2 ? HtmlIsolated(row[cell]) : HtmlText(row[cell])) + "</td>";
         }
-        listed.html =
-            HtmlTree(Without(ServiceJson(table, service),
-                             {"schema_version", "type", "source", "stream", "LLS_table_id", "LLS_table_idName",
-                              "LLS_group_id", "group_count_minus1", "LLS_table_version", "bsid"}));
+        listed.html = HtmlTree(ServiceJson(service));
         const std::size_t bytes = 2 * k_around + listed.title.size() + listed.cells.size() + listed.html.size();
         if (!m_Take(bytes, k_mostBytes)) {
             t_left += table.slt->services.size() - i;
@@ -284,13 +297,19 @@ void CPageModel::Signalling(const SSignalling& signalling)
 {
     const std::size_t file = m_See(signalling.source);
     std::string names;
+    std::string changes;
     for (const SSlsDocument& document : signalling.documents) {
+        if (document.status != EDocumentStatus::UNCHANGED) {
+            const std::string html = m_Changes(document.key, document.status == EDocumentStatus::NEW,
+                                               document.content.Whole(), signalling.source);
+            changes += html.empty() ? html : std::string("<small>") + DocumentName(document.kind) + "</small>" + html;
+        }
         names += std::string(names.empty() ? " <small>" : ", ") + DocumentName(document.kind) +
-                 (document.content ? std::string(" ") + DocumentStatusName(document.status) : " did not parse");
+                 (document.parsed ? std::string(" ") + DocumentStatusName(document.status) : " did not parse");
     }
     m_Add(t_changes, signalling.source,
-          "<td>" + HtmlText(HtmlClipped(Headline(signalling), k_longLine)) + names +
-              (names.empty() ? "</td>" : "</small></td>"));
+          "<td>" + HtmlText(HtmlClipped(Headline(signalling), k_longLine)) + names + (names.empty() ? "" : "</small>") +
+              changes + "</td>");
     SSession* session = m_Find(t_sessions, {file, signalling.session, {}});
     if (session == nullptr) {
         return;
@@ -298,6 +317,9 @@ void CPageModel::Signalling(const SSignalling& signalling)
     for (const SSlsDocument& document : signalling.documents) {
         SPart* part = m_Part(*session, {static_cast<unsigned>(document.kind)});
         const std::string name = std::string("<b>") + DocumentName(document.kind) + "</b> ";
+        if (document.parsed && !document.content) {
+            continue;  // as it was
+        }
         m_Components(*session, document);
         if (part != nullptr && !document.content) {
             m_Hold(*part, name + HtmlBadge("bad", "did not parse"), signalling.source,
@@ -407,7 +429,10 @@ void CPageModel::Message(const SMessage& message)
 {
     const std::size_t file = m_See(message.source);
     const std::string headline = HtmlClipped(Headline(message), k_longLine);
-    m_Add(t_changes, message.source, "<td>" + HtmlText(headline) + "</td>");
+    m_Add(t_changes, message.source,
+          "<td>" + HtmlText(headline) +
+              m_Changes(message.key, message.status == EStatus::NEW, message.content.Whole(), message.source) +
+              "</td>");
     SSession* session = m_Find(t_sessions, {file, message.session, {}});
     std::vector<unsigned> key = {k_messages, message.packetId.value_or(0)};
     key.insert(key.end(), message.kind.begin(), message.kind.end());
@@ -437,7 +462,10 @@ void CPageModel::GuideObject(const SGuideObject& object)
 {
     const std::size_t file = m_See(object.source);
     const std::string headline = HtmlClipped(Headline(object), k_longLine);
-    m_Add(t_changes, object.source, "<td>" + HtmlText(headline) + "</td>");
+    m_Add(t_changes, object.source,
+          "<td>" + HtmlText(headline) +
+              m_Changes(DocumentKey(object), object.status == EStatus::NEW, object.content.Whole(), object.source) +
+              "</td>");
     std::string what =
         std::string(GuideObjectName(object.kind)) + ' ' + (object.tsi ? std::to_string(*object.tsi) : "") + ' ';
     what += object.toi ? ToiText(*object.toi) : Cut(object.contentLocation);

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <numeric>
 #include <optional>
 #include <string>
@@ -13,6 +14,7 @@
 #include "model/Allowance.h"
 #include "model/Guide.h"
 #include "model/ReportWriter.h"
+#include "report/Changes.h"
 
 namespace vyr::inspect {
 
@@ -117,6 +119,7 @@ class CPageModel : public IReportWriter {
     typename TMap::mapped_type* m_Find(TMap& map, const typename TMap::key_type& key);
     void m_Hold(SPart& part, const std::string& title, const SSource& source, std::string html);
     void m_Add(SList<SLine>& list, const SSource& source, const std::string& html);
+    std::string m_Changes(const std::string& key, bool isNew, std::shared_ptr<const TJson> now, const SSource& source);
     /// Notes what an item says of the input as a whole; gives the number of its file.
     std::size_t m_See(const SSource& source);
     SPart* m_Part(SSession& session, const std::vector<unsigned>& key);
@@ -127,6 +130,7 @@ class CPageModel : public IReportWriter {
     void m_Certificates(const STable& table, const TKey& key);
 
     const bool m_localTime;
+    CLastShown m_last;
     std::size_t m_sessionParts = 0;  ///< of all of them
     std::size_t m_bytes = 0;         ///< held
     CAllowance m_allowance;

@@ -10,6 +10,7 @@
 #include "model/Content.h"
 #include "model/Guide.h"
 #include "report/GuideText.h"
+#include "report/JsonReport.h"
 
 namespace vyr::inspect {
 
@@ -101,20 +102,14 @@ std::string PartsText(const SSignalling& signalling)
     return text + (signalling.signature ? "  signature: " + signalling.signature->headline + '\n' : "");
 }
 
-std::string DocumentText(const SSlsDocument& document)
+/// What changed, each on a line of its own.
+std::string ChangesText(const CLastShown::SShown* last, const TJson* now, const char* indent)
 {
-    std::string text = std::string("  ") + DocumentName(document.kind);
-    text += document.status != EDocumentStatus::NEW ? std::string(" ") + DocumentStatusName(document.status) : "";
-    if (!document.content) {
-        return text + ": did not parse\n";
+    std::string text;
+    for (const std::string& line : ChangeLines(last, now)) {
+        text += indent + line + '\n';
     }
-    if (document.status == EDocumentStatus::UNCHANGED) {
-        return text + '\n';
-    }
-    if (document.sameText) {
-        return text + ", not in what is shown here\n";
-    }
-    return text + ": " + document.content->headline + '\n' + document.content->text;
+    return text;
 }
 
 std::string FlagsText(const SParseSLT::SService& service)
@@ -438,60 +433,119 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
     return rows;
 }
 
-CTextReport::CTextReport(COutput& output, bool localTime)
+CTextReport::CTextReport(COutput& output, bool localTime, bool full)
     : m_output(output, [](const TLeftOut& leftOut) { return "left out: " + LeftOutText(leftOut) + '\n'; }),
-      m_localTime(localTime)
+      m_localTime(localTime),
+      m_full(full)
 {
 }
 
-/// Of a record that is too long, the first lines.
-void CTextReport::m_Write(const char* kind, const SSource& source, const std::string& text)
+/// Of a record that is too long, the first lines. False: the reader has not got all of it.
+bool CTextReport::m_Write(const char* kind, const SSource& source, const std::string& text)
 {
     const std::string whole = Place(source) + text;
     const std::string shown = FirstLines(whole, m_output.Room());
     m_output.Write(kind, shown.empty() ? whole : shown);
+    return shown.size() == whole.size();
+}
+
+/// The lines below a headline: `whole()`, or of what changed the changes.
+template <class TWhole>
+std::string CTextReport::m_Body(const std::string& key, EStatus status, const std::shared_ptr<const TJson>& now,
+                                TWhole whole) const
+{
+    if (status == EStatus::NEW_VERSION_SAME_CONTENT) {
+        return {};
+    }
+    const CLastShown::SShown* last = status != EStatus::NEW && now ? m_last.Find(key) : nullptr;
+    const std::string text = last == nullptr || m_full ? whole() : std::string();
+    const bool changed = status != EStatus::NEW && (now || !text.empty());
+    return (changed ? ChangesText(last, now.get(), "  ") : std::string()) + text;
+}
+
+std::string CTextReport::m_DocumentText(const SSlsDocument& document) const
+{
+    std::string text = std::string("  ") + DocumentName(document.kind);
+    text += document.status != EDocumentStatus::NEW ? std::string(" ") + DocumentStatusName(document.status) : "";
+    if (!document.parsed) {
+        return text + ": did not parse\n";
+    }
+    if (document.status == EDocumentStatus::UNCHANGED) {
+        return text + '\n';
+    }
+    const bool changed = document.status == EDocumentStatus::CHANGED;
+    const CLastShown::SShown* last = changed ? m_last.Find(document.key) : nullptr;
+    const std::string changes = changed ? ChangesText(last, &document.content->json, "    ") : std::string();
+    return text + (last == nullptr || m_full
+                       ? ": " + document.content->headline + '\n' + changes + document.content->text
+                       : '\n' + changes);
+}
+
+/// What was not shown whole is shown whole the next time.
+void CTextReport::m_Remember(const std::string& key, bool told, std::shared_ptr<const TJson> json,
+                             const SSource& source)
+{
+    m_last.Keep(key, told ? std::move(json) : nullptr, source);
 }
 
 void CTextReport::Table(const STable& table)
 {
-    if (table.status == EStatus::REPEATED || !m_output.Begin("table")) {
+    if (table.status == EStatus::REPEATED) {
         return;
     }
-    std::string text = Headline(table) + '\n';
-    if (table.status != EStatus::NEW_VERSION_SAME_CONTENT) {
-        text += table.slt ? SltText(*table.slt) : table.content ? table.content->text : std::string();
+    const std::string key = DocumentKey(table);
+    const std::shared_ptr<const TJson> now = DocumentJson(table);
+    bool told = false;
+    if (m_output.Begin("table")) {
+        const auto whole = [&table] {
+            return table.slt ? SltText(*table.slt) : table.content ? table.content->text : std::string();
+        };
+        told = m_Write("table", table.source, Headline(table) + '\n' + m_Body(key, table.status, now, whole));
     }
-    m_Write("table", table.source, text);
+    m_Remember(key, told, now, table.source);
 }
 
 void CTextReport::Signalling(const SSignalling& signalling)
 {
-    if (!m_output.Begin("signalling")) {
-        return;
+    bool told = false;
+    if (m_output.Begin("signalling")) {
+        std::string text = Headline(signalling) + '\n';
+        if (signalling.status != EStatus::NEW_VERSION_SAME_CONTENT) {
+            text += ItemsText(signalling) + PartsText(signalling);
+            for (const SSlsDocument& document : signalling.documents) {
+                text += m_DocumentText(document);
+            }
+        }
+        told = m_Write("signalling", signalling.source, text);
     }
-    std::string text = Headline(signalling) + '\n';
-    if (signalling.status != EStatus::NEW_VERSION_SAME_CONTENT) {
-        text += ItemsText(signalling) + PartsText(signalling);
-        for (const SSlsDocument& document : signalling.documents) {
-            text += DocumentText(document);
+    for (const SSlsDocument& document : signalling.documents) {
+        if (document.status != EDocumentStatus::UNCHANGED) {
+            m_Remember(document.key, told, document.content.Whole(), signalling.source);
         }
     }
-    m_Write("signalling", signalling.source, text);
 }
 
 void CTextReport::Message(const SMessage& message)
 {
+    bool told = false;
     if (m_output.Begin("message")) {
-        const bool shown = message.content && message.status != EStatus::NEW_VERSION_SAME_CONTENT;
-        m_Write("message", message.source, Headline(message) + '\n' + (shown ? message.content->text : ""));
+        const auto whole = [&message] { return message.content ? message.content->text : std::string(); };
+        told = m_Write("message", message.source,
+                       Headline(message) + '\n' + m_Body(message.key, message.status, message.content.Whole(), whole));
     }
+    m_Remember(message.key, told, message.content.Whole(), message.source);
 }
 
 void CTextReport::GuideObject(const SGuideObject& object)
 {
+    const std::string key = DocumentKey(object);
+    bool told = false;
     if (m_output.Begin("guideObject")) {
-        m_Write("guideObject", object.source, Headline(object) + '\n' + (object.content ? object.content->text : ""));
+        const auto whole = [&object] { return object.content ? object.content->text : std::string(); };
+        told = m_Write("guideObject", object.source,
+                       Headline(object) + '\n' + m_Body(key, object.status, object.content.Whole(), whole));
     }
+    m_Remember(key, told, object.content.Whole(), object.source);
 }
 
 void CTextReport::Guide(const SGuide& guide)
