@@ -1,5 +1,7 @@
 #include "content/SlsContent.h"
 
+#include <type_traits>
+
 #include "base/Json.h"
 #include "base/Limits.h"
 #include "base/Names.h"
@@ -252,25 +254,20 @@ TJson LctSessionJson(const CLS::SLS& session, const TRow& route, std::vector<TRo
     return json;
 }
 
-TJson BroadcastJson(const SRSATServiceInfo& service)
+/// Of a service or an update.
+template <class TInfo>
+TJson ChannelJson(const TInfo& info)
 {
-    TJson json = {{"preferred", service.preferred}};
-    PutNumber(json, "majorChannelNo", service.majorChannelNo, k_none16);
-    PutNumber(json, "minorChannelNo", service.minorChannelNo, k_none16);
-    PutText(json, "frequency", service.frequency);
-    PutText(json, "broadcastType", service.broadcastType);
-    PutText(json, "validUntil", service.validUntil);
-    return json;
-}
-
-TJson UpdateJson(const SRSATUpdateInfo& update)
-{
-    TJson json = {{"preferred", update.preferred}};
-    PutNumber(json, "majorChannelNo", update.majorChannelNo, k_none16);
-    PutNumber(json, "minorChannelNo", update.minorChannelNo, k_none16);
-    PutText(json, "frequency", update.frequency);
-    PutText(json, "broadcastType", update.broadcastType);
-    PutText(json, "validFrom", update.validFrom);
+    TJson json = {{"preferred", info.preferred}};
+    PutNumber(json, "majorChannelNo", info.majorChannelNo, k_none16);
+    PutNumber(json, "minorChannelNo", info.minorChannelNo, k_none16);
+    PutText(json, "frequency", info.frequency);
+    PutText(json, "broadcastType", info.broadcastType);
+    if constexpr (std::is_same_v<TInfo, SRSATUpdateInfo>) {
+        PutText(json, "validFrom", info.validFrom);
+    } else {
+        PutText(json, "validUntil", info.validUntil);
+    }
     return json;
 }
 
@@ -424,12 +421,12 @@ SContent RsatContent(const CRSAT& rsat)
     for (int i = 0; i < rsat.NumOfService(); ++i) {
         SRSATServiceInfo service;
         rsat.GetServiceInfo(i, &service);
-        TJson json = BroadcastJson(service);
+        TJson json = ChannelJson(service);
         content.text +=
             Line("service",
                  ChannelText(service) + (service.validUntil.empty() ? "" : ", until " + Printable(service.validUntil)));
         for (const SRSATUpdateInfo& update : service.updates) {
-            Append(json, "Update", UpdateJson(update));
+            Append(json, "Update", ChannelJson(update));
             content.text +=
                 Line("  update",
                      ChannelText(update) + (update.validFrom.empty() ? "" : ", from " + Printable(update.validFrom)));
