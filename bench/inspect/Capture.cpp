@@ -1,5 +1,6 @@
 // Reads large captures with the inspector, as its users run it, and tells the processor time as a ratio to a bare loop
-// over the same file that adds up the bytes of its packets with libpcap.
+// over the same file that adds up the bytes of its packets with libpcap; and the memory that it takes, beside what it
+// takes for 1 % of the capture.
 // Usage: vyr-bench-inspect [MEGABYTES], 256 unless said.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -14,6 +15,7 @@
 #include <iterator>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "inspect/Packets.h"
@@ -79,9 +81,9 @@ double Seconds(const rusage& usage)
            static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
 }
 
-/// Processor time of a child that does the work; it ends the program when the child fails.
+/// What a child that does the work took; it ends the program when the child fails.
 template <class TWork>
-double Timed(const TWork& work)
+rusage Used(const TWork& work)
 {
     const pid_t child = fork();
     if (child == 0) {
@@ -93,7 +95,7 @@ double Timed(const TWork& work)
         std::fprintf(stderr, "a run failed\n");
         std::exit(1);
     }
-    return Seconds(usage);
+    return usage;
 }
 
 [[noreturn]] void BareLoop(const std::string& name)
@@ -163,22 +165,30 @@ int main(int argc, char** argv)
     if (bytes == 0 || mkdtemp(folder.data()) == nullptr) {
         return 2;
     }
+    std::map<std::string, std::pair<long, long>> memory;
     for (const bool different : {false, true}) {
         const std::string kind = different ? "different" : "same";
         const std::string capture = folder + '/' + kind;
         const std::string page = folder + "/page";
         WriteCapture(capture, bytes, different);
+        WriteCapture(folder + "/part", bytes / 100, different);
         const std::map<std::string, std::vector<std::string>> runs = {{"bare", {}},
                                                                       {"text", {capture}},
                                                                       {"json", {"--json", capture}},
                                                                       {"page", {"--html", page, "-q", capture}}};
         for (const auto& [form, arguments] : runs) {
+            if (!arguments.empty()) {
+                std::vector<std::string> part = arguments;
+                part.back() = folder + "/part";
+                memory[kind + '/' + form] = {Used([&] { Inspector(part); }).ru_maxrss,
+                                             Used([&, arguments = arguments] { Inspector(arguments); }).ru_maxrss};
+            }
             benchmark::RegisterBenchmark((kind + '/' + form).c_str(),
                                          [capture, arguments = arguments](benchmark::State& state) {
                                              for ([[maybe_unused]] const auto step : state) {
-                                                 state.SetIterationTime(arguments.empty()
-                                                                            ? Timed([&] { BareLoop(capture); })
-                                                                            : Timed([&] { Inspector(arguments); }));
+                                                 state.SetIterationTime(Seconds(Used([&, arguments = arguments] {
+                                                     arguments.empty() ? BareLoop(capture) : Inspector(arguments);
+                                                 })));
                                              }
                                          })
                 ->UseManualTime()
@@ -190,7 +200,11 @@ int main(int argc, char** argv)
     CRatios ratios(bytes);
     benchmark::RunSpecifiedBenchmarks(&ratios);
     ratios.Print();
-    for (const char* file : {"/same", "/different", "/page"}) {
+    std::printf("\n%-20s %10s %10s\n", "capture", "kB of 1%", "kB of all");
+    for (const auto& [name, kilobytes] : memory) {
+        std::printf("%-20s %10ld %10ld\n", name.c_str(), kilobytes.first, kilobytes.second);
+    }
+    for (const char* file : {"/same", "/different", "/part", "/page"}) {
         std::remove((folder + file).c_str());
     }
     rmdir(folder.c_str());

@@ -9,6 +9,7 @@
 #include "lls/ParseCDT.h"
 #include "platform/Platform.h"
 #include "support/ParserTest.h"
+#include "support/Patience.h"
 #include "support/Tables.h"
 
 namespace {
@@ -21,19 +22,6 @@ std::string Repeat(const std::string& text, int times)
     }
     return all;
 }
-
-/// Quadratic work of these sizes takes a minute and more; linear work a fraction of a second.
-class CPatience {
-  public:
-    explicit CPatience(const char* name) : m_name(name), m_start(std::clock()) {}
-    ~CPatience() { EXPECT_LT(std::clock() - m_start, 15 * CLOCKS_PER_SEC) << m_name; }
-    CPatience(const CPatience&) = delete;
-    CPatience& operator=(const CPatience&) = delete;
-
-  private:
-    const char* m_name;
-    std::clock_t m_start;
-};
 
 class GrowthTest : public CRecorder {
   protected:

@@ -5,7 +5,6 @@
 #include <pthread.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -14,6 +13,7 @@
 #include <random>
 #include <thread>
 
+#include "support/Patience.h"
 #include "support/Recorder.h"
 
 namespace {
@@ -48,10 +48,8 @@ class XMLTest : public CRecorder {
     /// Parses within a fraction of what an attack would take.
     bool OpensQuickly(const std::string& text)
     {
-        const auto start = std::chrono::steady_clock::now();
-        const bool opened = Open(text);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
-        return opened;
+        const CPatience patience(text.substr(0, 200));
+        return Open(text);
     }
 
     CXML m_xml;

@@ -1,12 +1,11 @@
 #include "esg/SGDUParse.h"
 
-#include <chrono>
-
 #include "esg/ESGContentFragment.h"
 #include "esg/ESGScheduleFragment.h"
 #include "esg/ESGServiceFragment.h"
 #include "support/MmtWriter.h"
 #include "support/ParserTest.h"
+#include "support/Patience.h"
 #include "support/Tables.h"
 
 namespace {
@@ -230,9 +229,8 @@ TEST_F(SGDUParseTest, EndlessGzipMeetsTheLimitQuickly)
     const std::string bomb = Gzip(std::string(64 << 20, '\0'));
     m_parser.SetCompress(true);
     m_parser.SetInflateLimit(1 << 20);
-    const auto start = std::chrono::steady_clock::now();
+    const CPatience patience("64 MiB of zeros");
     EXPECT_FALSE(Feed(m_parser, bomb));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
 }
 
 TEST_F(SGDUParseTest, Misuse)

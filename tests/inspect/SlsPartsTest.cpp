@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "model/Content.h"
+#include "support/Patience.h"
 
 namespace {
 
@@ -155,14 +155,13 @@ TEST(SlsParts, HostilePackagesTakeLittle)
     while (fields.size() < 8000000) {
         fields += "Content-Type: " + std::string(1000, 'a') + "\n " + std::string(100000, 'b') + '\n';
     }
-    const auto begin = std::chrono::steady_clock::now();
+    const CPatience patience("packages of 8 MB");
     const SPackage many = Read(parts);
     EXPECT_EQ(many.parts.size(), 64u);
     EXPECT_EQ(many.moreParts, (parts.size() - k_head.size()) / 7 - 64);
     EXPECT_EQ(Read(lines).parts.size(), 1u);
     EXPECT_LE(Read(nested).parts.size(), 64u);
     EXPECT_LE(Read(fields).parts.at(0).contentType.size(), 1024u);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
 }
 
 }  // namespace

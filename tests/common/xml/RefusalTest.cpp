@@ -1,9 +1,9 @@
 #include "common/xml/Refusal.h"
 
-#include <chrono>
 #include <random>
 
 #include "common/XML.h"
+#include "support/Patience.h"
 #include "support/Recorder.h"
 #include "support/XmlOracle.h"
 
@@ -38,12 +38,11 @@ class XmlRefusalTest : public CRecorder {
     /// take it. Within a fraction of what an attack would take.
     static std::string Reason(const std::string& text)
     {
-        const auto start = std::chrono::steady_clock::now();
+        const CPatience patience(text.substr(0, 200));
         const std::vector<unsigned char> bytes = Exact(text);
         CXML xml;
         const bool created =
             xml.Create(reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()), false);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
         if (created) {
             xml.Destroy();
         }
