@@ -194,6 +194,53 @@ TEST_F(ChannelMapTest, TheLastHandleFreesTheStore)
     EXPECT_EQ(TakeAssertions(), "obj; obj; obj");
 }
 
+TEST_F(ChannelMapTest, NoServiceAndNothingToGive)
+{
+    using TCall = bool (*)(CChannelMap&, void*);
+    static const struct {
+        const char* log;  // empty for those that do not log
+        TCall call;
+    } k_calls[] = {
+        {"SetDestination", [](CChannelMap& map, void* service) { return map.SetDestination(service, 1, 2); }},
+        {"SetSource", [](CChannelMap& map, void* service) { return map.SetSource(service, 1); }},
+        {"SetProtected", [](CChannelMap& map, void* service) { return map.SetProtected(service, true); }},
+        {"SetSvcInetUrlType",
+         [](CChannelMap& map, void* service) { return map.SetSvcInetUrlType(service, ATSC3_URL_NONE); }},
+        {"SetServiceCategory",
+         [](CChannelMap& map, void* service) { return map.SetServiceCategory(service, 1, true, true); }},
+        {"SetProtocolType",
+         [](CChannelMap& map, void* service) { return map.SetProtocolType(service, ATSC3_PROTOCOL_MMTP); }},
+        {"SetDrmSystemID", [](CChannelMap& map, void* service) { return map.SetDrmSystemID(service, "d"); }},
+        {"", [](CChannelMap& map, void* service) { return map.GetDestination(service, nullptr, nullptr); }},
+        {"", [](CChannelMap& map, void* service) { return map.GetSource(service, nullptr); }},
+        {"", [](CChannelMap& map, void* service) { return map.GetProtected(service, nullptr); }},
+        {"", [](CChannelMap& map, void* service) { return map.GetSvcInetUrlType(service, nullptr); }},
+        {"",
+         [](CChannelMap& map, void* service) { return map.GetServiceCategory(service, nullptr, nullptr, nullptr); }},
+        {"", [](CChannelMap& map, void* service) { return map.GetProtocolType(service, nullptr); }},
+        {"", [](CChannelMap& map, void* service) { return map.DeleteClonedService(map.CloneService(service)); }},
+    };
+    void* const service = Add(m_parser, SNine());
+    for (const auto& c : k_calls) {
+        const std::string log = std::string("[CChannelMapST::") + c.log + "] service: ";
+        EXPECT_TRUE(c.call(m_parser, service)) << &c - k_calls;
+        EXPECT_EQ(Logged(log), *c.log ? 1 : 0) << log;
+        s_log.clear();
+        EXPECT_FALSE(c.call(m_parser, nullptr)) << &c - k_calls;
+        EXPECT_EQ(Logged(log), 0) << log;
+        EXPECT_FALSE(c.call(m_parser, this)) << &c - k_calls;
+        EXPECT_EQ(TakeAssertions(), &c == std::end(k_calls) - 1 ? "obj; obj; obj; obj" : "obj; obj");
+    }
+    unsigned short length = 3;
+    unsigned char name[3];
+    EXPECT_FALSE(m_parser.SetSvcInetUrl(service, nullptr) || m_parser.SetGlobalServiceId(service, nullptr, 0) ||
+                 m_parser.SetGlobalServiceId(service, "i", -1) || m_parser.SetGlobalServiceId(nullptr, "i", 1) ||
+                 m_parser.SetServiceName(service, nullptr, 0) || m_parser.SetServiceName(service, "n", -1) ||
+                 m_parser.SetServiceName(nullptr, "n", 1) || m_parser.GetServiceName(service, nullptr, length) ||
+                 m_parser.GetServiceName(nullptr, name, length) || m_parser.GetServiceList(nullptr, nullptr));
+    EXPECT_EQ(TakeAssertions(), "url; id; id; obj; name; name; obj; buffer; obj; fn");
+}
+
 /// The order stays, a walk survives removals and additions on its way, and a place that is free again is not
 /// taken for the service that had it.
 TEST_F(ChannelMapTest, RemovalsKeepTheOrder)

@@ -57,6 +57,7 @@ TEST_F(ParseCDTTest, WhatEachTableLeaves)
          "c:y r:q cc nn 1800016246 10 3600 sig"},
         {"<OCSPRefresh OCSPRefresh='77'/><Certificates>z</Certificates>", "c:y c:z r:q cc nn 1800016246 10 77 sig"},
         {"<OCSPRefresh>5</OCSPRefresh>", "c:y c:z r:q cc nn 1800016246 10 77 sig"},
+        {"<CertReplacement NextCert='mm'/>", "c:y c:z r:q cc mm 1800016246 10 77 sig"},
     };
     for (const auto& table : k_tables) {
         FeedXml(m_parser, std::string("<CertificationData>") + table.content + "</CertificationData>");
@@ -69,7 +70,7 @@ TEST_F(ParseCDTTest, WhatEachTableLeaves)
     const std::string state = State();
     FeedXml(m_parser, "<SLT><CurrentCert>no</CurrentCert></SLT>");
     EXPECT_EQ(Logged(", m_ProcessParseCDT(root)"), 1);
-    EXPECT_EQ(Logged("[CParseCDT::m_DumpCDT] End Dump !!!"), 4);
+    EXPECT_EQ(Logged("[CParseCDT::m_DumpCDT] End Dump !!!"), 5);
     EXPECT_EQ(ChangingPrefixes(m_parser, "<CertificationData><CurrentCert>no</CurrentCert></CertificationData>",
                                [this] { return State(); }),
               0);

@@ -158,8 +158,9 @@ TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
         Parse("<MPD><Period><SegmentTemplate timescale='0' media='p' presentationTimeOffset='5'>"
               "<SegmentTimeline><S d='10' r='2'/><S d='4'/><S t='100' d='1' r='-1'/><S d='3'/>"
               "<S t='9223372036854775806' d='9' r='1'/><S d='1'/></SegmentTimeline></SegmentTemplate>"
-              "<SegmentList><Initialization sourceURL='i' range='0-1'/></SegmentList>"
-              "<AdaptationSet codecs='c' width='4'><SegmentTemplate startNumber='0' initialization='i'/>"
+              "<SegmentList><Initialization sourceURL='i' range='0-1'/><SegmentURL media='u'/></SegmentList>"
+              "<AdaptationSet codecs='c' width='4'><SegmentList><Initialization "
+              "range='2-3'/></SegmentList><SegmentTemplate startNumber='0' initialization='i'/>"
               "<BaseURL> b </BaseURL><BaseURL/><Representation codecs=''><SegmentList duration='2'>"
               "<SegmentURL index='x'/></SegmentList></Representation></AdaptationSet></Period></MPD>"));
     const SMPDAdaptationSet& inner = m_parser.GetMPDInfo()->periods[0].adaptationSets[0];
@@ -173,8 +174,11 @@ TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
         starts.push_back(segment.t);
     }
     EXPECT_EQ(starts, (std::vector<long long>{0, 30, 100, -1, 9223372036854775806, -1}));
-    EXPECT_STREQ(leaf.segmentList->initializationRange, "0-1");
-    EXPECT_TRUE(leaf.segmentList->duration == 2 && leaf.segmentList->urls->size() == 1);
+    EXPECT_STREQ(inner.segmentList->urls->at(0).media, "u");
+    EXPECT_EQ(Text(leaf.segmentList->initialization) + leaf.segmentList->initializationRange, "-2-3");
+    EXPECT_EQ(leaf.segmentList->duration, 2);
+    ASSERT_EQ(leaf.segmentList->urls->size(), 1u);
+    EXPECT_STREQ(leaf.segmentList->urls->at(0).index, "x");
     EXPECT_STREQ(leaf.codecs, "");
     EXPECT_EQ(leaf.width, 4);
     ASSERT_EQ(inner.baseUrls.size(), 1u);
@@ -184,7 +188,8 @@ TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
 TEST_F(MPDTest, AvailabilityTimingAndProperties)
 {
     ASSERT_TRUE(
-        Parse("<MPD><UTCTiming schemeIdUri='u' value='v'/><SupplementalProperty value='m'/><AudioChannelConfiguration/>"
+        Parse("<MPD><UTCTiming schemeIdUri='u' value='v' id='i'/><SupplementalProperty "
+              "value='m'/><AudioChannelConfiguration/>"
               "<BaseURL availabilityTimeOffset='INF' availabilityTimeComplete='0'>a</BaseURL><BaseURL>b</BaseURL>"
               "<Period><UTCTiming/><SupplementalProperty value='p'/><BaseURL availabilityTimeOffset='nan'>c</BaseURL>"
               "<SegmentTemplate availabilityTimeOffset='1.5' availabilityTimeComplete='false'/><AdaptationSet>"
@@ -194,7 +199,7 @@ TEST_F(MPDTest, AvailabilityTimingAndProperties)
               "</Period></MPD>"));
     const SMPDInfo& info = *m_parser.GetMPDInfo();
     ASSERT_TRUE(info.utcTimings.size() == 1 && info.supplementalProperties.size() == 1);
-    EXPECT_STREQ(info.utcTimings[0].value, "v");
+    EXPECT_EQ(Text(info.utcTimings[0].schemeIdUri) + info.utcTimings[0].value + info.utcTimings[0].id, "uvi");
     ASSERT_EQ(info.baseUrlAvailabilities.size(), 2u);
     EXPECT_TRUE(*info.baseUrlAvailabilities[0].timeOffset > 1e300 && !*info.baseUrlAvailabilities[0].timeComplete);
     EXPECT_FALSE(info.baseUrlAvailabilities[1].timeOffset || info.baseUrlAvailabilities[1].timeComplete);
