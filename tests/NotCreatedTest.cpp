@@ -12,7 +12,6 @@
 #include "lls/RRTMap.h"
 #include "mmt/desc/MMTContentAdvisoryRatings.h"
 #include "mmt/desc/MMTUsbd.h"
-#include "mmt/msg/MMTMsgAtsc3.h"
 #include "route/SLS/ContentInfo.h"
 #include "route/SLS/ContentRating.h"
 #include "route/SLS/LS.h"
@@ -76,14 +75,16 @@ TEST_F(NotCreatedTest, Documents)
     ExpectNothing(media.GetRepId(m_text), media.NumberOfContentRating(), media.GetContentRating(0, m_text),
                   (media.Dump(), 0), content.GetContentId(m_text), content.GetAEAId(), content.NumberOfContentRating(),
                   content.GetContentRating(0, m_text));
-    const CSTSID stsid;
+    CSTSID stsid;
     std::string none;
     const CLS ls;
     const CSrcFlow flow;
-    ExpectNothing(stsid.BsId(0), stsid.SIpAddr(0), stsid.DIpAddr(0), stsid.DPort(0), stsid.GetTSI(0, 0, &m_number),
-                  stsid.GetAEAId(0, 0), stsid.NumberOfContentRatings(0, 0), stsid.GetContentRating(0, 0, 0, m_text),
-                  ls.TSI(), ls.GetContentId(none), ls.GetAEAId(), ls.GetRT(), flow.GetContentId(m_text),
-                  flow.GetAEAId(), flow.GetRT(), flow.NumberOfContentRatings(), flow.GetContentRating(0, m_text));
+    ExpectNothing(stsid.SetCallback(nullptr), stsid.NumberOfRouteSessions(), stsid.GetEFDTInfo(0, 0),
+                  flow.GetEFDTInfo(), stsid.BsId(0), stsid.SIpAddr(0), stsid.DIpAddr(0), stsid.DPort(0),
+                  stsid.GetTSI(0, 0, &m_number), stsid.GetAEAId(0, 0), stsid.NumberOfContentRatings(0, 0),
+                  stsid.GetContentRating(0, 0, 0, m_text), ls.TSI(), ls.GetContentId(none), ls.GetAEAId(), ls.GetRT(),
+                  flow.GetContentId(m_text), flow.GetAEAId(), flow.GetRT(), flow.NumberOfContentRatings(),
+                  flow.GetContentRating(0, m_text));
     CXML xml;
     void* root = this;
     ExpectNothing(xml.Doc(), xml.MoveRoot(&root), xml.MoveChild(this), xml.MoveNext(this), xml.Name(this),
@@ -105,15 +106,16 @@ TEST_F(NotCreatedTest, Tables)
     ExpectNothing(multi.PayloadCount(), multi.GetPayloadLength(0, m_number), multi.GetPayload(0, m_number, &m_byte),
                   multi.GetSignatureLength(m_number), multi.GetSignatureData(&m_byte),
                   multi.GetSignedBlockLength(m_number), multi.GetSignedBlock(&m_byte));
-    const CParseAEAT aeat;
+    CParseAEAT aeat;
     EAEAType type{};
     EAEAPriority priority{};
-    ExpectNothing(aeat.AEACount(), aeat.GetAEAId(0, m_text, m_text), aeat.GetAEAType(0, type),
+    ExpectNothing((aeat.Destroy(), 0), aeat.AEACount(), aeat.GetAEAId(0, m_text, m_text), aeat.GetAEAType(0, type),
                   aeat.GetAEAPriority(0, priority), aeat.AEAWakeup(0), aeat.AEAEventDescCount(0), aeat.GetAEA(0));
-    const CParseCDT cdt;
+    CParseCDT cdt;
     long from = 7;
     std::list<std::string> list;
-    ExpectNothing(cdt.GetCertReplacement(m_text, from, from), cdt.GetOCSPRefresh(m_int), cdt.GetCMSSignedData(m_text),
+    ExpectNothing((cdt.Destroy(), 0), cdt.Given(), cdt.GetCurrentCert(m_text), cdt.GetToBeSignedData(m_text),
+                  cdt.GetCertReplacement(m_text, from, from), cdt.GetOCSPRefresh(m_int), cdt.GetCMSSignedData(m_text),
                   cdt.GetCertificates(list), cdt.GetOCSPResponse(list));
     CParseRRT rrt;
     ExpectNothing(rrt.SetCallback(nullptr), rrt.Start(nullptr), rrt.Stop(), (rrt.SetReplace(true), 0),
@@ -135,7 +137,7 @@ TEST_F(NotCreatedTest, Tables)
 TEST_F(NotCreatedTest, Maps)
 {
     CRRTMap ratings;
-    ExpectNothing((ratings.SetReplace(true), 0), ratings.Add(1, 1), ratings.Remove(1),
+    ExpectNothing((ratings.Destroy(), 0), (ratings.SetReplace(true), 0), ratings.Add(1, 1), ratings.Remove(1),
                   ratings.SetRegionIdText(1, nullptr, nullptr), ratings.SetDimension(1, 1, true),
                   ratings.SetDimTitle(1, nullptr, nullptr), ratings.SetRatingVal(1, 1),
                   ratings.SetRatingValAbbrev(1, nullptr, nullptr), ratings.SetRatingValStr(1, nullptr, nullptr),

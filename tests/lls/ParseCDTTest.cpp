@@ -163,14 +163,4 @@ TEST_F(ParseCDTTest, RealTable)
     EXPECT_TRUE(m_parser.GetCMSSignedData(cms) && cms.size() > 1000);
 }
 
-TEST_F(ParseCDTTest, Misuse)
-{
-    CParseCDT other;
-    std::string text = "kept";
-    EXPECT_FALSE(other.GetCurrentCert(text) || other.GetToBeSignedData(text) || other.Given() || m_parser.Create());
-    other.Destroy();
-    EXPECT_EQ(text, "kept");
-    EXPECT_EQ(TakeAssertions(), "m; m; m; !m; m");
-}
-
 }  // namespace
