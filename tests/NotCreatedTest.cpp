@@ -92,6 +92,7 @@ TEST_F(NotCreatedTest, Documents)
                   xml.PropLLong(this, "a", nullptr), xml.PropBool(this, "a", nullptr), xml.Content(this, nullptr),
                   xml.PeekPropStr(this, "a", nullptr), xml.Compare(this, "a"), xml.NodeDump(this, nullptr),
                   xml.getStringContent(this, nullptr), xml.getStringProp(this, "a", nullptr));
+    EXPECT_EQ(root, this);
     ASSERT_TRUE(xml.Create("<r/>", 4, false));
     EXPECT_FALSE(xml.MoveRoot(nullptr) || xml.MoveChild(nullptr) || xml.MoveNext(nullptr) || xml.Name(nullptr) ||
                  xml.Ns(nullptr, nullptr) || xml.Compare(nullptr, "r") || xml.PeekPropStr(nullptr, "a", nullptr) ||
@@ -143,18 +144,11 @@ TEST_F(NotCreatedTest, Maps)
                   ratings.SetRatingValAbbrev(1, nullptr, nullptr), ratings.SetRatingValStr(1, nullptr, nullptr),
                   ratings.GetProgramRating(1, 1, nullptr, nullptr, nullptr, nullptr));
     CChannelMap map;
-    ExpectNothing(map.GetServiceList(nullptr, nullptr), map.Channel(this),
+    ExpectNothing(map.GetServiceList(nullptr, nullptr), map.Channel(this), map.CloneService(this),
                   map.GetServiceNumber(this, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
-                  map.SetDestination(this, 1, 2), map.GetDestination(this, &m_number, &m_short), map.SetSource(this, 1),
-                  map.GetSource(this, &m_number), map.SetProtected(this, true), map.GetProtected(this, nullptr),
-                  map.SetSvcInetUrl(this, "u"), map.GetSvcInetUrl(this, m_text),
-                  map.SetSvcInetUrlType(this, ATSC3_URL_NONE), map.GetSvcInetUrlType(this, nullptr),
-                  map.SetGlobalServiceId(this, "i", 1), map.GetGlobalServiceId(this, m_text),
-                  map.SetServiceName(this, "n", 1), map.GetServiceName(this, &m_byte, m_short),
-                  map.SetServiceCategory(this, 1, true, true), map.GetServiceCategory(this, &m_int, nullptr, nullptr),
-                  map.SetProtocolType(this, ATSC3_PROTOCOL_NONE), map.GetProtocolType(this, nullptr),
-                  map.SetDrmSystemID(this, "d"), map.GetDrmSystemID(this, m_text), map.CloneService(this),
-                  map.DeleteClonedService(this));
+                  map.SetSvcInetUrl(this, "u"), map.GetSvcInetUrl(this, m_text), map.SetGlobalServiceId(this, "i", 1),
+                  map.GetGlobalServiceId(this, m_text), map.SetServiceName(this, "n", 1),
+                  map.GetServiceName(this, &m_byte, m_short), map.GetDrmSystemID(this, m_text));
 }
 
 }  // namespace

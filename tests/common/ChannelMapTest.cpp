@@ -1,5 +1,7 @@
 #include "common/ChannelMap.h"
 
+#include <functional>
+
 #include "support/ParserTest.h"
 #include "support/Services.h"
 
@@ -196,30 +198,29 @@ TEST_F(ChannelMapTest, TheLastHandleFreesTheStore)
 
 TEST_F(ChannelMapTest, NoServiceAndNothingToGive)
 {
-    using TCall = bool (*)(CChannelMap&, void*);
-    static const struct {
+    const auto call = [](auto member, auto... values) {
+        return [=](CChannelMap& map, void* service) { return (map.*member)(service, values...); };
+    };
+    const struct {
         const char* log;  // empty for those that do not log
-        TCall call;
+        std::function<bool(CChannelMap&, void*)> call;
     } k_calls[] = {
-        {"SetDestination", [](CChannelMap& map, void* service) { return map.SetDestination(service, 1, 2); }},
-        {"SetSource", [](CChannelMap& map, void* service) { return map.SetSource(service, 1); }},
-        {"SetProtected", [](CChannelMap& map, void* service) { return map.SetProtected(service, true); }},
-        {"SetSvcInetUrlType",
-         [](CChannelMap& map, void* service) { return map.SetSvcInetUrlType(service, ATSC3_URL_NONE); }},
-        {"SetServiceCategory",
-         [](CChannelMap& map, void* service) { return map.SetServiceCategory(service, 1, true, true); }},
-        {"SetProtocolType",
-         [](CChannelMap& map, void* service) { return map.SetProtocolType(service, ATSC3_PROTOCOL_MMTP); }},
-        {"SetDrmSystemID", [](CChannelMap& map, void* service) { return map.SetDrmSystemID(service, "d"); }},
-        {"", [](CChannelMap& map, void* service) { return map.GetDestination(service, nullptr, nullptr); }},
-        {"", [](CChannelMap& map, void* service) { return map.GetSource(service, nullptr); }},
-        {"", [](CChannelMap& map, void* service) { return map.GetProtected(service, nullptr); }},
-        {"", [](CChannelMap& map, void* service) { return map.GetSvcInetUrlType(service, nullptr); }},
-        {"",
-         [](CChannelMap& map, void* service) { return map.GetServiceCategory(service, nullptr, nullptr, nullptr); }},
-        {"", [](CChannelMap& map, void* service) { return map.GetProtocolType(service, nullptr); }},
+        {"SetDestination", call(&CChannelMap::SetDestination, 1u, std::uint16_t{2})},
+        {"SetSource", call(&CChannelMap::SetSource, 1u)},
+        {"SetProtected", call(&CChannelMap::SetProtected, true)},
+        {"SetSvcInetUrlType", call(&CChannelMap::SetSvcInetUrlType, ATSC3_URL_NONE)},
+        {"SetServiceCategory", call(&CChannelMap::SetServiceCategory, 1, true, true)},
+        {"SetProtocolType", call(&CChannelMap::SetProtocolType, ATSC3_PROTOCOL_MMTP)},
+        {"SetDrmSystemID", call(&CChannelMap::SetDrmSystemID, "d")},
+        {"", call(&CChannelMap::GetDestination, nullptr, nullptr)},
+        {"", call(&CChannelMap::GetSource, nullptr)},
+        {"", call(&CChannelMap::GetProtected, nullptr)},
+        {"", call(&CChannelMap::GetSvcInetUrlType, nullptr)},
+        {"", call(&CChannelMap::GetServiceCategory, nullptr, nullptr, nullptr)},
+        {"", call(&CChannelMap::GetProtocolType, nullptr)},
         {"", [](CChannelMap& map, void* service) { return map.DeleteClonedService(map.CloneService(service)); }},
     };
+    CChannelMap none;
     void* const service = Add(m_parser, SNine());
     for (const auto& c : k_calls) {
         const std::string log = std::string("[CChannelMapST::") + c.log + "] service: ";
@@ -229,7 +230,8 @@ TEST_F(ChannelMapTest, NoServiceAndNothingToGive)
         EXPECT_FALSE(c.call(m_parser, nullptr)) << &c - k_calls;
         EXPECT_EQ(Logged(log), 0) << log;
         EXPECT_FALSE(c.call(m_parser, this)) << &c - k_calls;
-        EXPECT_EQ(TakeAssertions(), &c == std::end(k_calls) - 1 ? "obj; obj; obj; obj" : "obj; obj");
+        EXPECT_FALSE(c.call(none, service)) << &c - k_calls;
+        EXPECT_EQ(TakeAssertions(), &c == std::end(k_calls) - 1 ? "obj; obj; obj; obj; m; m" : "obj; obj; m");
     }
     unsigned short length = 3;
     unsigned char name[3];

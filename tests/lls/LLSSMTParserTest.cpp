@@ -95,10 +95,9 @@ TEST_F(LLSSMTParserTest, LengthsThatOverrun)
     EXPECT_FALSE(Feed(m_parser, k_table, 3));
     EXPECT_EQ(TakeAssertions(), "item; item->bitpos % 8 == 0");
     CLLSSMTParser other;
-    EXPECT_FALSE(Feed(other, k_table) || other.PayloadCount() || other.GetSignedBlockLength(length) ||
-                 m_parser.Create());
+    EXPECT_FALSE(Feed(other, k_table) || m_parser.Create());
     EXPECT_EQ(Logged("[CLLSSMTParser::Parse] does not exist !!!"), 1);
-    EXPECT_EQ(TakeAssertions(), "m; m; !m");
+    EXPECT_EQ(TakeAssertions(), "!m");
 }
 
 TEST_F(LLSSMTParserTest, RealTable)
