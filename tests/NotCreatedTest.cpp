@@ -1,3 +1,5 @@
+#include <memory>
+
 #include "common/ChannelMap.h"
 #include "common/RSAT.h"
 #include "common/ServiceLinkage.h"
@@ -97,6 +99,9 @@ TEST_F(NotCreatedTest, Documents)
     EXPECT_FALSE(xml.MoveRoot(nullptr) || xml.MoveChild(nullptr) || xml.MoveNext(nullptr) || xml.Name(nullptr) ||
                  xml.Ns(nullptr, nullptr) || xml.Compare(nullptr, "r") || xml.PeekPropStr(nullptr, "a", nullptr) ||
                  xml.NodeDump(nullptr, nullptr));
+    bool found = true;
+    EXPECT_STREQ(std::unique_ptr<char[]>(xml.PropStr(nullptr, "a", &found)).get(), "");
+    EXPECT_FALSE(found);
     EXPECT_EQ(TakeAssertions(), "root; node; node; node; node; node; out; node");
     xml.Destroy();
 }
