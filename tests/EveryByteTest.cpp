@@ -44,6 +44,8 @@ TEST_P(EveryByteTest, WhateverComesIsReadWithinItsBytesAndLeavesNothing)
     const SEntry fresh = GetParam().make();
     ASSERT_TRUE(fresh.create() && fresh.parse());
     const std::string good = Held(fresh);
+    fresh.digest();
+    EXPECT_TRUE(s_log.empty()) << "only what is debugged is shown";
     const std::string input = fresh.input();
     fresh.destroy();
     ASSERT_FALSE(good.empty() || input.empty());

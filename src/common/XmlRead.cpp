@@ -80,11 +80,6 @@ void Read(const CNodeText& text, std::optional<bool>& out)
     }
 }
 
-void Read(const CNodeText& text, std::optional<std::string>& out)
-{
-    out = text.Found() ? std::optional<std::string>(text.Text()) : std::nullopt;
-}
-
 bool ReadIpv4(const CNodeText& text, unsigned int& out)
 {
     if (text.Found()) {

@@ -48,8 +48,6 @@ void Read(const CNodeText& text, std::optional<long long>& out);
 void Read(const CNodeText& text, std::optional<double>& out);
 /// xs:boolean: "true", "1", "false" or "0".
 void Read(const CNodeText& text, std::optional<bool>& out);
-/// The text as it stands.
-void Read(const CNodeText& text, std::optional<std::string>& out);
 
 /// An attribute, as Read says.
 template <class T, class... TAbsent>

@@ -1,5 +1,7 @@
 #include "common/ChannelMap.h"
 
+#include <functional>
+
 #include "support/ParserTest.h"
 #include "support/Services.h"
 
@@ -192,6 +194,53 @@ TEST_F(ChannelMapTest, TheLastHandleFreesTheStore)
     EXPECT_FALSE(m_parser.SetSvcInetUrl(nullptr, "u"));
     EXPECT_EQ(s_assertions.back().file, "src/common/ChannelMapST");
     EXPECT_EQ(TakeAssertions(), "obj; obj; obj");
+}
+
+TEST_F(ChannelMapTest, NoServiceAndNothingToGive)
+{
+    const auto call = [](auto member, auto... values) {
+        return [=](CChannelMap& map, void* service) { return (map.*member)(service, values...); };
+    };
+    const struct {
+        const char* log;  // empty for those that do not log
+        std::function<bool(CChannelMap&, void*)> call;
+    } k_calls[] = {
+        {"SetDestination", call(&CChannelMap::SetDestination, 1u, std::uint16_t{2})},
+        {"SetSource", call(&CChannelMap::SetSource, 1u)},
+        {"SetProtected", call(&CChannelMap::SetProtected, true)},
+        {"SetSvcInetUrlType", call(&CChannelMap::SetSvcInetUrlType, ATSC3_URL_NONE)},
+        {"SetServiceCategory", call(&CChannelMap::SetServiceCategory, 1, true, true)},
+        {"SetProtocolType", call(&CChannelMap::SetProtocolType, ATSC3_PROTOCOL_MMTP)},
+        {"SetDrmSystemID", call(&CChannelMap::SetDrmSystemID, "d")},
+        {"", call(&CChannelMap::GetDestination, nullptr, nullptr)},
+        {"", call(&CChannelMap::GetSource, nullptr)},
+        {"", call(&CChannelMap::GetProtected, nullptr)},
+        {"", call(&CChannelMap::GetSvcInetUrlType, nullptr)},
+        {"", call(&CChannelMap::GetServiceCategory, nullptr, nullptr, nullptr)},
+        {"", call(&CChannelMap::GetProtocolType, nullptr)},
+        {"", [](CChannelMap& map, void* service) { return map.DeleteClonedService(map.CloneService(service)); }},
+    };
+    CChannelMap none;
+    void* const service = Add(m_parser, SNine());
+    for (const auto& c : k_calls) {
+        const std::string log = std::string("[CChannelMapST::") + c.log + "] service: ";
+        EXPECT_TRUE(c.call(m_parser, service)) << &c - k_calls;
+        EXPECT_EQ(Logged(log), *c.log ? 1 : 0) << log;
+        s_log.clear();
+        EXPECT_FALSE(c.call(m_parser, nullptr)) << &c - k_calls;
+        EXPECT_EQ(Logged(log), 0) << log;
+        EXPECT_FALSE(c.call(m_parser, this)) << &c - k_calls;
+        EXPECT_FALSE(c.call(none, service)) << &c - k_calls;
+        EXPECT_EQ(TakeAssertions(), &c == std::end(k_calls) - 1 ? "obj; obj; obj; obj; m; m" : "obj; obj; m");
+    }
+    unsigned short length = 3;
+    unsigned char name[3];
+    EXPECT_FALSE(m_parser.SetSvcInetUrl(service, nullptr) || m_parser.SetGlobalServiceId(service, nullptr, 0) ||
+                 m_parser.SetGlobalServiceId(service, "i", -1) || m_parser.SetGlobalServiceId(nullptr, "i", 1) ||
+                 m_parser.SetServiceName(service, nullptr, 0) || m_parser.SetServiceName(service, "n", -1) ||
+                 m_parser.SetServiceName(nullptr, "n", 1) || m_parser.GetServiceName(service, nullptr, length) ||
+                 m_parser.GetServiceName(nullptr, name, length) || m_parser.GetServiceList(nullptr, nullptr));
+    EXPECT_EQ(TakeAssertions(), "url; id; id; obj; name; name; obj; buffer; obj; fn");
 }
 
 /// The order stays, a walk survives removals and additions on its way, and a place that is free again is not

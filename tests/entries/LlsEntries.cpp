@@ -36,6 +36,23 @@ struct SSlt {
     CParseSLT slt;
 };
 
+/// Copies out what is long; false: memory was out.
+template <class T>
+bool CopyOut(const T& /*parser*/)
+{
+    return true;
+}
+
+template <>
+bool CopyOut(const CParseCDT& cdt)
+{
+    std::string current, next, cms, text;
+    long from = 0, until = 0;
+    std::list<std::string> certificates, responses;
+    return cdt.GetCurrentCert(current) && cdt.GetCertReplacement(next, from, until) && cdt.GetCMSSignedData(cms) &&
+           cdt.GetToBeSignedData(text) && cdt.GetCertificates(certificates) && cdt.GetOCSPResponse(responses);
+}
+
 /// A parser of tables, whose Parse says true of every new header.
 template <class T>
 SEntryKind TableKind(const std::string& seed, std::string (*digest)(const T&),
@@ -45,7 +62,7 @@ SEntryKind TableKind(const std::string& seed, std::string (*digest)(const T&),
         if (bytes.size() > 3) {
             ++bytes[3];
         }
-        return FeedItem(parser, bytes);
+        return FeedItem(parser, bytes) && CopyOut(parser);
     };
     return EntryKind<T>(seed, 1, create, parse, digest, true);
 }

@@ -69,7 +69,13 @@ bool Write(SXml& xml, TBytes& /*input*/)
     const std::unique_ptr<char[]> text(moved ? xml.Content(root, nullptr) : nullptr);
     const std::unique_ptr<char[]> all(xml.Dump(xml.Doc(), &size));
     const std::unique_ptr<char[]> ns(moved ? xml.Ns(xml.MoveChild(root), nullptr) : nullptr);
-    return text && all && ns;
+    const std::unique_ptr<char[]> value(moved ? xml.PropStr(root, "a", nullptr) : nullptr);
+    CXML::CStr peeked;
+    bool found = false;
+    xml.PropBool(root, "a", &found);
+    return text && all && ns && value && found && xml.PeekPropStr(root, "a", &peeked) &&
+           xml.PropInt(root, "a", nullptr) == 1 && xml.PropLLong(root, "a", nullptr) == 1 &&
+           !xml.getStringContent(root, nullptr).empty() && !xml.getStringProp(root, "a", nullptr).empty();
 }
 
 std::string Digest(const SXml& xml)

@@ -165,7 +165,11 @@ TEST_F(ESGFragmentTest, PreviewOverridesTheServiceId)
     ASSERT_TRUE(fragment.Parse(file.c_str()));
     EXPECT_STREQ(fragment.State()->globalServiceID.get(), "urn:mine");
     Write("/bin/preview", "");
+    const int next = dup(0);
+    close(next);
     ASSERT_TRUE(ParseXml(fragment, text));
+    EXPECT_EQ(dup(0), next) << "a file stays open";
+    close(next);
     EXPECT_STREQ(fragment.State()->globalServiceID.get(), "urn:atsc:serviceid:sbs_uhd");
     SetFileRoot(nullptr);
     ASSERT_TRUE(ParseXml(fragment, text));

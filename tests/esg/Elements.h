@@ -158,7 +158,8 @@ inline const CElementCases g_cellTargetArea(
     "CCellTargetArea", "CellTargetArea", Parsed<CCellTargetArea>, "0|-|[]",
     {{"<CellTargetArea type='1' value='v'><CellArea value='a'><PP2CellID>b</PP2CellID><PP2CellID>c</PP2CellID>"
       "</CellArea><CellArea/><PP2CellID>d</PP2CellID></CellTargetArea>",
-      "1|v|[a|[b c] -|[d]]"}});
+      "1|v|[a|[b c] -|[d]]"},
+     {"<CellTargetArea><PP2CellID>d</PP2CellID><PP2CellID>e</PP2CellID></CellTargetArea>", "0|-|[-|[d e]]"}});
 
 SHOW(CBroadcastArea::SArea, s.cc, s.mcc, s.nameArea, s.zipCodes, s.cellTargetArea)
 SHOW(CBroadcastArea::SBroadcastArea, s.polarity, s.names.cc, s.names.mcc, s.names.nameArea, s.p_area)

@@ -166,9 +166,6 @@ TEST_F(RRTMapTest, RatingsAreFoundByDimensionAndBothTexts)
 TEST_F(RRTMapTest, PreconditionsAreAsserted)
 {
     CRRTMap map;
-    EXPECT_FALSE(map.Add(1, 1) || map.Remove(1) || map.SetDimension(1, 1, true));
-    map.Destroy();
-    EXPECT_EQ(TakeAssertions(), "m; m; m; m");
     ASSERT_TRUE(map.Create());
     EXPECT_FALSE(map.Create() || map.SetRegionIdText(3, Text("a"), Text("b")) || map.SetDimension(3, 1, true));
     EXPECT_EQ(TakeAssertions(), "!m; region; region");

@@ -1,10 +1,13 @@
 #include "platform/Platform.h"
 
+#include <syslog.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 
 #include "common/ChannelMap.h"
+#include "common/Version.h"
 #include "lls/ParseSLT.h"
 #include "support/Tables.h"
 
@@ -28,9 +31,17 @@ TEST_F(PlatformTest, DefaultSettingsComeFromTheFile)
     static const struct {
         const char* line;
         int services;
-    } k_cases[] = {{"=1\n", 1},  {" = 7 \r\n", 1}, {"=0\n", 0},
-                   {"=1x\n", 0}, {"=\n", 0},       {"x=1\n", 0},
-                   {"\n", 0},    {"=1", 1},        {"=99999999999999999999\n", 0}};
+    } k_cases[] = {{"=1\n", 1},
+                   {" = 7 \r\n", 1},
+                   {"=0\n", 0},
+                   {"=1x\n", 0},
+                   {"=\n", 0},
+                   {"x=1\n", 0},
+                   {"\n", 0},
+                   {"=1", 1},
+                   {"=99999999999999999999\n", 0},
+                   {"=4294967297\n", 0},
+                   {"=-4294967295\n", 0}};
     for (const auto& c : k_cases) {
         std::ofstream(path) << "# settings\nother=1\n" << key << c.line;
         CParseSLT slt;
@@ -39,9 +50,51 @@ TEST_F(PlatformTest, DefaultSettingsComeFromTheFile)
         EXPECT_EQ(slt.ServiceCount(), c.services) << c.line;
         slt.Destroy();
     }
-    map.Destroy();
     std::remove(path.c_str());
+    CParseSLT slt;
+    slt.Create(&map, nullptr);
+    EXPECT_TRUE(Feed(slt, table) && slt.ServiceCount() == 0);  // without a file
+    slt.Destroy();
+    map.Destroy();
     unsetenv("VYR_SETTINGS");
+}
+
+/// What goes to the system's log by default; it can be had on stderr beside it.
+TEST_F(PlatformTest, TheSystemsLogIsNotFlooded)
+{
+    SetPlatform(nullptr);
+    openlog(nullptr, LOG_PERROR, LOG_USER);
+    testing::internal::CaptureStderr();
+    CChannelMap map;
+    map.Create();
+    void* const service = map.AddService(nullptr, 1, 2, 3, 4, 5, 6, 7, false, nullptr);
+    for (int i = 0; i < 150; ++i) {
+        map.SetSource(service, 0x0A000001);
+    }
+    map.Destroy();
+    std::string shown = testing::internal::GetCapturedStderr();
+    std::size_t lines = 0;
+    for (std::size_t at = 0; (at = shown.find("10.0.0.1", at)) != std::string::npos; ++at) {
+        ++lines;
+    }
+    EXPECT_EQ(lines, 100u);
+    EXPECT_EQ(shown.find("more lines"), std::string::npos);
+    timespec second = {1, 50000000};
+    nanosleep(&second, nullptr);
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(map.RemoveService(nullptr));
+    shown = testing::internal::GetCapturedStderr();
+    EXPECT_NE(shown.find("SetSource("), std::string::npos) << shown;
+    EXPECT_NE(shown.find(" > 50 more lines within a second"), std::string::npos) << shown;
+    closelog();
+    TakeAssertions();
+}
+
+TEST_F(PlatformTest, TheVersionIsANumberOfThreeParts)
+{
+    int parts[3] = {-1, -1, -1}, read = 0;
+    EXPECT_EQ(std::sscanf(GetLibraryVersion(), "%d.%d.%d%n", parts, parts + 1, parts + 2, &read), 3);
+    EXPECT_EQ(GetLibraryVersion()[read], '\0');
 }
 
 TEST_F(PlatformTest, MessagesBelowThePriorityAreNotPrinted)

@@ -178,3 +178,14 @@ inline std::string MmtAudio()
         .Put(16, 5)
         .Bytes();
 }
+
+/// Dumps at a priority at which nothing of it is shown.
+template <class T>
+void DumpUnseen(const T& object)
+{
+    const std::size_t lines = CRecorder::s_log.size();
+    SetLogPriority(LOG_PRIORITY_ERROR);
+    object.Dump();
+    SetLogPriority(LOG_PRIORITY_DEBUG);
+    EXPECT_EQ(CRecorder::s_log.size(), lines);
+}

@@ -216,10 +216,9 @@ const char* SState::KeepUri(void* node)
     return length > 0 ? Keep(begin, length) : nullptr;
 }
 
-bool Misplaced(void* node)
+void Misplaced(void* node)
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CMPD::m_ProcessParseMPD] %s is out of place", vyr::NodeName(node));
-    return true;
 }
 
 SMPDAvailability ReadAvailability(void* node)
@@ -248,8 +247,8 @@ void SState::ReadMpd(void* node)
 
 void sm_CbPeriod(SState* m, void* node)
 {
-    if (m->period && Misplaced(node)) {
-        return;
+    if (m->period) {
+        return Misplaced(node);
     }
     SMPDPeriod& period = m->info->periods.emplace_back();
     period.id = m->Keep(node, "id");
@@ -277,8 +276,8 @@ void SState::ReadCommon(void* node, SMPDCommon& common)
 
 void sm_CbAdaptationSet(SState* m, void* node)
 {
-    if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
-        return;
+    if (!m->period || m->set || m->preselection) {
+        return Misplaced(node);
     }
     SMPDAdaptationSet& set = m->period->adaptationSets.emplace_back();
     m->ReadCommon(node, set);
@@ -302,8 +301,8 @@ void sm_CbAdaptationSet(SState* m, void* node)
 
 void sm_CbRepresentation(SState* m, void* node)
 {
-    if ((!m->set || m->representation) && Misplaced(node)) {
-        return;
+    if (!m->set || m->representation) {
+        return Misplaced(node);
     }
     SMPDRepresentation& representation = m->set->representations.emplace_back();
     m->ReadCommon(node, representation);
@@ -317,8 +316,8 @@ void sm_CbRepresentation(SState* m, void* node)
 
 void sm_CbPreselection(SState* m, void* node)
 {
-    if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
-        return;
+    if (!m->period || m->set || m->preselection) {
+        return Misplaced(node);
     }
     SMPDPreselection& preselection = m->period->preselections.emplace_back();
     preselection.id = m->Keep(node, "id");
@@ -331,8 +330,8 @@ void sm_CbPreselection(SState* m, void* node)
 
 void sm_CbEventStream(SState* m, void* node)
 {
-    if ((!m->period || m->set || m->preselection) && Misplaced(node)) {
-        return;
+    if (!m->period || m->set || m->preselection) {
+        return Misplaced(node);
     }
     m->ReadDescriptor(node, m->period->eventStreams.emplace_back());
 }
@@ -350,8 +349,8 @@ void SState::ReadSegments(void* node, SMPDSegments& values)
 
 void sm_CbSegmentTemplate(SState* m, void* node)
 {
-    if ((!m->Level() || m->segments) && Misplaced(node)) {
-        return;
+    if (!m->Level() || m->segments) {
+        return Misplaced(node);
     }
     const auto segmentTemplate = std::make_shared<SMPDSegmentTemplate>();
     segmentTemplate->media = m->Keep(node, "media");
@@ -363,8 +362,8 @@ void sm_CbSegmentTemplate(SState* m, void* node)
 
 void sm_CbSegmentList(SState* m, void* node)
 {
-    if ((!m->Level() || m->segments) && Misplaced(node)) {
-        return;
+    if (!m->Level() || m->segments) {
+        return Misplaced(node);
     }
     const auto list = std::make_shared<SMPDSegmentList>();
     const auto urls = std::make_shared<std::vector<SMPDSegmentURL>>();
@@ -379,8 +378,8 @@ void sm_CbSegmentList(SState* m, void* node)
 
 void sm_CbInitialization(SState* m, void* node)
 {
-    if (!m->list && Misplaced(node)) {
-        return;
+    if (!m->list) {
+        return Misplaced(node);
     }
     m->list->initialization = m->Keep(node, "sourceURL");
     m->list->initializationRange = m->Keep(node, "range");
@@ -388,8 +387,8 @@ void sm_CbInitialization(SState* m, void* node)
 
 void sm_CbSegmentURL(SState* m, void* node)
 {
-    if (!m->urls && Misplaced(node)) {
-        return;
+    if (!m->urls) {
+        return Misplaced(node);
     }
     SMPDSegmentURL& url = m->urls->emplace_back();
     url.media = m->Keep(node, "media");
@@ -400,8 +399,8 @@ void sm_CbSegmentURL(SState* m, void* node)
 
 void sm_CbSegmentTimeline(SState* m, void* node)
 {
-    if ((!m->segments || m->timeline) && Misplaced(node)) {
-        return;
+    if (!m->segments || m->timeline) {
+        return Misplaced(node);
     }
     const auto timeline = std::make_shared<std::vector<SMPDSegment>>();
     m->nextStart = 0;
@@ -412,8 +411,8 @@ void sm_CbSegmentTimeline(SState* m, void* node)
 
 void sm_CbS(SState* m, void* node)
 {
-    if (!m->timeline && Misplaced(node)) {
-        return;
+    if (!m->timeline) {
+        return Misplaced(node);
     }
     SMPDSegment& segment = m->timeline->emplace_back();
     segment.t = Number(node, "t");
@@ -448,8 +447,8 @@ void SState::ReadDescriptor(void* node, SMPDDescriptor& descriptor)
 
 void sm_CbContentProtection(SState* m, void* node)
 {
-    if ((!m->Descriptors() || m->protection) && Misplaced(node)) {
-        return;
+    if (!m->Descriptors() || m->protection) {
+        return Misplaced(node);
     }
     SMPDContentProtection& protection = m->Descriptors()->contentProtections.emplace_back();
     m->ReadDescriptor(node, protection);
@@ -463,8 +462,8 @@ void sm_CbContentProtection(SState* m, void* node)
 
 void sm_CbPssh(SState* m, void* node)
 {
-    if (!m->protection && Misplaced(node)) {
-        return;
+    if (!m->protection) {
+        return Misplaced(node);
     }
     if (const char* pssh = m->KeepUri(node)) {
         m->protection->pssh.push_back(pssh);
@@ -473,8 +472,8 @@ void sm_CbPssh(SState* m, void* node)
 
 void sm_CbLaurl(SState* m, void* node)
 {
-    if (!m->protection && Misplaced(node)) {
-        return;
+    if (!m->protection) {
+        return Misplaced(node);
     }
     const char* text = m->KeepUri(node);
     if (const char* url = text ? text : m->Keep(node, "licenseUrl")) {
@@ -484,8 +483,8 @@ void sm_CbLaurl(SState* m, void* node)
 
 void SState::Add(void* node, std::vector<SMPDDescriptor> SMPDDescriptors::*kind)
 {
-    if (!Descriptors() && Misplaced(node)) {
-        return;
+    if (!Descriptors()) {
+        return Misplaced(node);
     }
     ReadDescriptor(node, (Descriptors()->*kind).emplace_back());
 }
@@ -526,8 +525,8 @@ void sm_CbAudioChannelConfiguration(SState* m, void* node)
 
 void sm_CbUTCTiming(SState* m, void* node)
 {
-    if (m->period && Misplaced(node)) {
-        return;
+    if (m->period) {
+        return Misplaced(node);
     }
     m->ReadDescriptor(node, m->info->utcTimings.emplace_back());
 }

@@ -192,11 +192,16 @@ TEST_F(XmlRefusalTest, Encodings)
     }
     for (const bool big : {false, true}) {
         EXPECT_EQ(Reason(Wide(Labelled("UTF-16", "<r/>"), big)), "");
+        EXPECT_EQ(Reason(Wide(Labelled("UTF-16", "<r/>"), big).substr(2)), "");
+        EXPECT_EQ(Reason(Wide(Labelled("UTF-8", "<r/>"), big).substr(2)), "encoding");
+        EXPECT_EQ(Reason(Wide("<r/>", big).substr(2)), "encoding");  // no mark and no declaration
         EXPECT_EQ(Reason(Wide(Labelled(big ? "utf-16be" : "UTF-16LE", "<r/>"), big)), "");
         EXPECT_EQ(Reason(Wide(Labelled(big ? "UTF-16LE" : "UTF-16BE", "<r/>"), big)), "encoding");
         EXPECT_EQ(Reason(Wide(Labelled("UTF-8", "<r/>"), big)), "encoding");
     }
     EXPECT_EQ(Reason("\xEF\xBB\xBF" + Labelled("ISO-8859-1", "<r a='\xE9'/>")), "");
+    EXPECT_EQ(Reason(std::string("\xFF\xFE\0\0<\0\0\0/\0\0\0", 12)), "encoding");
+    EXPECT_EQ(Reason("\x4C\x6F\xA7\x94"), "encoding");
     EXPECT_EQ(Reason(std::string("<\0\0\0r\0\0\0/\0\0\0>\0\0\0", 16)), "encoding");
     // A declaration that libxml2 would take in parts.
     EXPECT_EQ(Reason("<?xml version=' encoding=\"UTF-7\"'?><r/>"), "not well-formed");

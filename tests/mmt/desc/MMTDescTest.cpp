@@ -42,6 +42,7 @@ TEST_F(MMTDescTest, ClockRelationReadsOneRecord)
     EXPECT_EQ(cri.STCSample(), 0x1B2C3D4E5u & 0xFFFFFFFF);
     EXPECT_EQ(cri.NTPTimestampSample(), 0x05060708u);
     cri.Dump();
+    DumpUnseen(cri);
     EXPECT_EQ(Logged("stc samlpe[" + std::to_string(cri.STCSample()) + "]"), 1);
 }
 
@@ -360,6 +361,7 @@ TEST_F(MMTDescTest, CutPayloadsLoseOnlyTheirEnd)
             EXPECT_GE(fields.size(), told);
             told = fields.size();
             desc->Dump();
+            DumpUnseen(*desc);
             // Announced whole: the length runs past the item, which stays valid.
             const SFed past(
                 *desc, Head(c.tag, static_cast<unsigned int>(c.payload.size())).Put(c.payload.substr(0, size)).Bytes());
@@ -369,6 +371,8 @@ TEST_F(MMTDescTest, CutPayloadsLoseOnlyTheirEnd)
     }
     EXPECT_GT(Logged("[CMMTDescVsp::Parse] DescLength mismatch ERROR Length = "), 0);
     CMMTDescVsp video;
+    EXPECT_FALSE(video.Parse(nullptr));
+    EXPECT_EQ(TakeAssertions(), "item");
     EXPECT_TRUE(!SFed(video, MmtDesc(4, "")).result && !video.RawData());
     EXPECT_EQ(Logged("[CMMTDescVsp::Parse] Wrong tag : 4"), 1);
 }

@@ -166,16 +166,8 @@ TEST_F(MMTUsbdTest, RatingStrings)
     EXPECT_EQ(first->State()->ratedDimensions, 2);
     EXPECT_EQ(first->State()->descriptions.at(1).lang + first->State()->descriptions.at(1).text, "esotra");
     EXPECT_EQ(first->State()->ratings.at(0).values.at(1).text, "x");
-}
-
-TEST_F(MMTUsbdTest, NotCreated)
-{
-    EXPECT_FALSE(m_parser.Create());
-    CMMTUsbd fresh;
-    std::string text;
-    EXPECT_FALSE(fresh.GetsTSIDUri(text) || fresh.ServiceStatus() || fresh.GlobalServiceId() || fresh.State());
-    EXPECT_EQ(fresh.ServiceId() + fresh.ComponentInfoSize() + fresh.LinkServiceId(), 0);
-    EXPECT_EQ(TakeAssertions(), "!m; m; m; m; m; m; m");
+    EXPECT_FALSE(m_parser.GetLanguageInfo(0, nullptr) || m_parser.Create());
+    EXPECT_EQ(TakeAssertions(), "language; !m");
 }
 
 }  // namespace

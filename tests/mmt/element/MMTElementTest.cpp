@@ -239,6 +239,7 @@ TEST_F(MMTElementTest, UrlLists)
     EXPECT_EQ(urls->Url(2), nullptr);
     EXPECT_EQ(TakeAssertions(), "0 <= index && index < m_size");
     mapping.Dump();
+    DumpUnseen(mapping);
     // As many as announced, and no more; none at all; a list cut inside a URL.
     EXPECT_EQ(SFed(mapping, std::string("\1\0\1\0\1a\0\1b", 9)).Cursor(), 6u);
     EXPECT_TRUE(SFed(mapping, std::string("\1\0\0", 3)).result);
@@ -267,6 +268,7 @@ TEST_F(MMTElementTest, IdentifiersWithALength)
         }
         EXPECT_EQ(held, (type > 3 ? "p" : std::to_string(type)) + std::string("a\0c\0", 4));
         mapping.Dump();
+        DumpUnseen(mapping);
         for (std::size_t size = 1; size <= body.size(); ++size) {
             EXPECT_FALSE(SFed(mapping, static_cast<char>(type) + body.substr(0, size - 1)).result);
             EXPECT_EQ(mapping.Identifier(), nullptr);

@@ -80,6 +80,7 @@ TEST_F(MMTMsgAtsc3Test, Header)
     EXPECT_EQ(Content(message), "<MPD/>");
     EXPECT_EQ(Logged("m_content_type[2], version[3], m_content_version[4]"), 1);
     message.Dump();
+    DumpUnseen(message);
     EXPECT_EQ(Logged("MSGID:33024, VER:3 LENGTH:20"), 1);
     EXPECT_EQ(Logged("type [2]"), 1);
     // Again, with neither URI nor content: nothing of the first is left.

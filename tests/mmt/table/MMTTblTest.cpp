@@ -156,6 +156,7 @@ TEST_F(MMTTblTest, PaReportsEntriesWithBothLocations)
     EXPECT_TRUE(pa.Process() && pa.GetDescriptors(nullptr, nullptr));
     EXPECT_EQ(user, 1);
     pa.Dump();
+    DumpUnseen(pa);
 
     // Longer than the data; an entry that does not parse.
     CMMTTblPa cut;
@@ -337,6 +338,7 @@ TEST_F(MMTTblTest, DciAssets)
               "v|video/mp4|1|1|2|3840|2160|60|6|-|a|audio/mp4|1|11|12|-|-|-|16|-|f|video/x|0|-|-|-|-|-|-|70000|"
               "t|text/x|1|-|-|-|-|-|-|-");
     dci.Dump();
+    DumpUnseen(dci);
     // Cut anywhere, under a length that says so: what fits is there.
     int assets = 0;
     for (std::size_t size = 0; size <= body.size(); ++size) {

@@ -157,11 +157,16 @@ TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
     ASSERT_TRUE(
         Parse("<MPD><Period><SegmentTemplate timescale='0' media='p' presentationTimeOffset='5'>"
               "<SegmentTimeline><S d='10' r='2'/><S d='4'/><S t='100' d='1' r='-1'/><S d='3'/>"
-              "<S t='9223372036854775806' d='9' r='1'/><S d='1'/></SegmentTimeline></SegmentTemplate>"
-              "<SegmentList><Initialization sourceURL='i' range='0-1'/></SegmentList>"
-              "<AdaptationSet codecs='c' width='4'><SegmentTemplate startNumber='0' initialization='i'/>"
-              "<BaseURL> b </BaseURL><BaseURL/><Representation codecs=''><SegmentList duration='2'>"
-              "<SegmentURL index='x'/></SegmentList></Representation></AdaptationSet></Period></MPD>"));
+              "<S t='9223372036854775806' d='9' r='1'/><S d='1'/><S t='1' d='-5'/><S/>"
+              "<S t='2' d='1' r='9223372036854775807'/><S/><S t='3' d='9223372036854775807' r='1'/><S/>"
+              "</SegmentTimeline></SegmentTemplate><SegmentList><Initialization sourceURL='i' range='0-1'/>"
+              "<SegmentURL media='u'/><SegmentTimeline><S t='8'/></SegmentTimeline></SegmentList>"
+              "<AdaptationSet codecs='c' width='4' selectionPriority='6'>"
+              "<SegmentList><Initialization range='2-3'/></SegmentList>"
+              "<SegmentTemplate startNumber='0' initialization='i'/><BaseURL> b </BaseURL><BaseURL/>"
+              "<Representation codecs=''><SegmentList duration='2'><Initialization sourceURL='own'/>"
+              "<SegmentURL index='x'/><SegmentTimeline><S t='7'/></SegmentTimeline></SegmentList></Representation>"
+              "<Representation><SegmentList/></Representation></AdaptationSet></Period></MPD>"));
     const SMPDAdaptationSet& inner = m_parser.GetMPDInfo()->periods[0].adaptationSets[0];
     const SMPDRepresentation& leaf = inner.representations[0];
     ASSERT_EQ(leaf.segmentTemplate, inner.segmentTemplate);
@@ -172,9 +177,17 @@ TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
     for (const SMPDSegment& segment : *leaf.segmentTemplate->timeline) {
         starts.push_back(segment.t);
     }
-    EXPECT_EQ(starts, (std::vector<long long>{0, 30, 100, -1, 9223372036854775806, -1}));
-    EXPECT_STREQ(leaf.segmentList->initializationRange, "0-1");
-    EXPECT_TRUE(leaf.segmentList->duration == 2 && leaf.segmentList->urls->size() == 1);
+    EXPECT_EQ(starts, (std::vector<long long>{0, 30, 100, -1, 9223372036854775806, -1, 1, -1, 2, -1, 3, -1}));
+    const auto list = [](const SMPDSegmentInfo& level) {
+        const SMPDSegmentList& l = *level.segmentList;
+        return Text(l.initialization) + " " + Text(l.initializationRange) + " " + std::to_string(l.urls->size()) +
+               Text(l.urls->at(0).media) + Text(l.urls->at(0).index) + " " + Text(l.duration) + " " +
+               Text(l.timeline->at(0).t);
+    };
+    EXPECT_EQ(list(inner), "- 2-3 1u- - 8");
+    EXPECT_EQ(list(leaf), "own - 1-x 2 7");
+    EXPECT_EQ(list(inner.representations[1]), list(inner));
+    EXPECT_EQ(inner.selectionPriority, 6);
     EXPECT_STREQ(leaf.codecs, "");
     EXPECT_EQ(leaf.width, 4);
     ASSERT_EQ(inner.baseUrls.size(), 1u);
@@ -184,17 +197,20 @@ TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
 TEST_F(MPDTest, AvailabilityTimingAndProperties)
 {
     ASSERT_TRUE(
-        Parse("<MPD><UTCTiming schemeIdUri='u' value='v'/><SupplementalProperty value='m'/><AudioChannelConfiguration/>"
+        Parse("<MPD><UTCTiming schemeIdUri='u' value='v' id='i'/><SupplementalProperty "
+              "value='m'/><AudioChannelConfiguration/>"
               "<BaseURL availabilityTimeOffset='INF' availabilityTimeComplete='0'>a</BaseURL><BaseURL>b</BaseURL>"
               "<Period><UTCTiming/><SupplementalProperty value='p'/><BaseURL availabilityTimeOffset='nan'>c</BaseURL>"
               "<SegmentTemplate availabilityTimeOffset='1.5' availabilityTimeComplete='false'/><AdaptationSet>"
               "<SupplementalProperty value='s'/><AudioChannelConfiguration schemeIdUri='c' value='2'/>"
               "<SegmentTemplate availabilityTimeOffset='0'/><Representation><AudioChannelConfiguration value='6'/>"
-              "</Representation></AdaptationSet><Preselection><AudioChannelConfiguration value='16'/></Preselection>"
+              "<SegmentTemplate "
+              "availabilityTimeComplete='true'/></Representation></"
+              "AdaptationSet><Preselection><AudioChannelConfiguration value='16'/></Preselection>"
               "</Period></MPD>"));
     const SMPDInfo& info = *m_parser.GetMPDInfo();
     ASSERT_TRUE(info.utcTimings.size() == 1 && info.supplementalProperties.size() == 1);
-    EXPECT_STREQ(info.utcTimings[0].value, "v");
+    EXPECT_EQ(Text(info.utcTimings[0].schemeIdUri) + info.utcTimings[0].value + info.utcTimings[0].id, "uvi");
     ASSERT_EQ(info.baseUrlAvailabilities.size(), 2u);
     EXPECT_TRUE(*info.baseUrlAvailabilities[0].timeOffset > 1e300 && !*info.baseUrlAvailabilities[0].timeComplete);
     EXPECT_FALSE(info.baseUrlAvailabilities[1].timeOffset || info.baseUrlAvailabilities[1].timeComplete);
@@ -207,6 +223,8 @@ TEST_F(MPDTest, AvailabilityTimingAndProperties)
     EXPECT_STREQ(set.audioChannelConfigurations.at(0).value, "2");
     EXPECT_EQ(set.segmentTemplate->availability.timeOffset, 0);
     EXPECT_EQ(set.segmentTemplate->availability.timeComplete, false);  // from above
+    const SMPDAvailability& own = set.representations[0].segmentTemplate->availability;
+    EXPECT_TRUE(own.timeOffset == 0 && own.timeComplete == true);
     EXPECT_STREQ(set.representations[0].audioChannelConfigurations.at(0).value, "6");
     EXPECT_STREQ(period.preselections[0].audioChannelConfigurations.at(0).value, "16");
 }
@@ -218,6 +236,7 @@ TEST_F(MPDTest, ElementsOutOfPlaceAndFailures)
               "<Representation/><SegmentURL/><Rating value='r'/><EssentialProperty value='e'/><BaseURL>u</BaseURL>"
               "<Period><Period/><EssentialProperty/><AdaptationSet><AdaptationSet/><Preselection/><ContentProtection "
               "xmlns:d='u' d:default_KID='k'><ContentProtection/><d:laurl licenseUrl='l'/><cenc:pssh>q</cenc:pssh>"
+              "<cenc:pssh> </cenc:pssh><laurl/>"
               "</ContentProtection></AdaptationSet></Period></MPD>"));
     const SMPDInfo& info = *m_parser.GetMPDInfo();
     EXPECT_FALSE(info.dynamic || info.minBufferTime.has_value());
@@ -227,19 +246,37 @@ TEST_F(MPDTest, ElementsOutOfPlaceAndFailures)
     const SMPDAdaptationSet& set = info.periods[0].adaptationSets[0];
     ASSERT_TRUE(set.contentProtections.size() == 1 && set.representations.empty());
     EXPECT_STREQ(set.contentProtections[0].defaultKid, "k");
+    EXPECT_EQ(set.contentProtections[0].licenceUrls.size() + set.contentProtections[0].pssh.size(), 2u);
     EXPECT_STREQ(set.contentProtections[0].licenceUrls.at(0), "l");
     EXPECT_STREQ(set.contentProtections[0].pssh.at(0), "q");
     EXPECT_EQ(m_ratings, (CMPD::TRatings{{"", "r"}}));
 
+    for (const char* text :
+         {"<EventStream/>", "<Preselection/>", "<SegmentTemplate/>", "<SegmentList/>", "<ContentProtection/>",
+          "<laurl>l</laurl>", "<Period><UTCTiming/></Period>", "<Period><SegmentTimeline/></Period>",
+          "<Period><AdaptationSet><EventStream/></AdaptationSet></Period>",
+          "<Period><AdaptationSet><Representation><Representation/></Representation></AdaptationSet></Period>",
+          "<Period><Preselection><EventStream/></Preselection></Period>",
+          "<Period><Preselection><AdaptationSet/></Preselection></Period>",
+          "<Period><Preselection><Preselection/></Preselection></Period>",
+          "<Period><SegmentTemplate><Initialization/></SegmentTemplate></Period>",
+          "<Period><SegmentTemplate><SegmentList/></SegmentTemplate></Period>",
+          "<Period><SegmentList><SegmentTemplate/></SegmentList></Period>",
+          "<Period><SegmentList><SegmentTimeline><SegmentTimeline/></SegmentTimeline></SegmentList></Period>"}) {
+        s_log.clear();
+        EXPECT_TRUE(Parse("<MPD>" + std::string(text) + "</MPD>")) << text;
+        EXPECT_EQ(Logged(" is out of place"), 1) << text;
+    }
+    m_reports = 0;
     for (const char* text : {"<Period/>", "<MPD>", "<MPD><Period></MPD>"}) {
         EXPECT_FALSE(Parse(text)) << text;
         EXPECT_EQ(m_parser.GetMPDInfo(), nullptr);
     }
-    EXPECT_EQ(m_reports, 1);
+    EXPECT_EQ(m_reports, 0);
     CMPD fresh;
-    EXPECT_FALSE(fresh.SetCallback(nullptr));
+    EXPECT_FALSE(fresh.SetCallback(nullptr) || fresh.Parse("<MPD/>", 6, false));
     EXPECT_EQ(fresh.GetMPDInfo(), nullptr);
-    EXPECT_EQ(TakeAssertions(), "m; m");
+    EXPECT_EQ(TakeAssertions(), "m; m != nullptr; m");
 }
 
 }  // namespace

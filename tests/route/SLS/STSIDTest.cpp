@@ -133,23 +133,13 @@ TEST_F(STSIDTest, EveryReportedEfdtLivesUntilDestroy)
     EXPECT_TRUE(m_efdts[0]->tsi == 1 && m_efdts[1]->tsi == 2);
     EXPECT_TRUE(m_parser.GetEFDTInfo(0, 0) == m_efdts[2] && m_efdts[2]->tsi == 3);
     EXPECT_EQ(Session(0, 0).substr(0, 4), "8|c|");
+    EXPECT_FALSE(m_parser.GetTSI(0, 0, nullptr) || m_parser.Create());
+    EXPECT_EQ(TakeAssertions(), "tsi; !m");
 
     m_parser.SetCallback(nullptr);
     EXPECT_FALSE(Parse("<S-TSID><RS>"));
     ASSERT_TRUE(Parse("<S-TSID><RS><LS><SrcFlow><EFDT/></SrcFlow></LS></RS></S-TSID>"));
     EXPECT_TRUE(m_tsis.size() == 3 && m_parser.NumberOfRouteSessions() == 2);
-}
-
-TEST_F(STSIDTest, UseWithoutCreate)
-{
-    CSTSID fresh;
-    const CSrcFlow flow;
-    const CMediaInfo info;
-    EXPECT_TRUE(!fresh.SetCallback(nullptr) && fresh.NumberOfRouteSessions() == 0 && !fresh.GetEFDTInfo(0, 0));
-    EXPECT_TRUE(!flow.GetRT() && !flow.GetEFDTInfo() && info.NumberOfContentRating() == 0 && !fresh.State());
-    fresh.Destroy();
-    EXPECT_FALSE(m_parser.Create());
-    EXPECT_EQ(TakeAssertions(), "m; m; m; m; m; m; m; !m");
 }
 
 }  // namespace
