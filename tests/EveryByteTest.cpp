@@ -63,7 +63,11 @@ TEST_P(EveryByteTest, WhateverComesIsReadWithinItsBytesAndLeavesNothing)
             }
             other.destroy();
         }
-        lived.take(variation);
+        std::string next = variation;
+        if (GetParam().name.rfind("lls_", 0) == 0 && fresh.mayLose && next.size() > 3) {
+            next[3] = static_cast<char>(fed);  // a table of the version that came last is not parsed
+        }
+        lived.take(next);
         lived.parse();
         if (++fed % 500 == 0) {  // what piles up until Destroy goes
             lived.destroy();

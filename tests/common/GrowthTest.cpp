@@ -98,7 +98,8 @@ TEST_F(GrowthTest, LongListsEnd)
         {"References", 200000,
          [](int n) {
              CXML xml;
-             const std::string text = "<!DOCTYPE a [<!ENTITY e 'y'>]><a b='" + Repeat("x&e;", n) + "'/>";
+             // Newer libxml2 itself refuses many that are shorter than five bytes.
+             const std::string text = "<!DOCTYPE a [<!ENTITY ent 'y'>]><a b='" + Repeat("x&ent;", n) + "'/>";
              ASSERT_TRUE(xml.Create(text.data(), static_cast<int>(text.size()), false));
              void* root = nullptr;
              xml.MoveRoot(&root);

@@ -16,6 +16,9 @@
 #include "support/Patience.h"
 #include "support/Recorder.h"
 
+// What a program around the library may still set for all of libxml2, which calls it old.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
 namespace {
 
 class XMLTest : public CRecorder {
@@ -168,7 +171,8 @@ TEST_F(XMLTest, AttackOnEntitiesIsRefused)
     const std::string inAttribute = dtd(10000) + "<r a=\"" + references(10000) + "\"/>";
     EXPECT_FALSE(OpensQuickly(inAttribute));
     EXPECT_FALSE(OpensQuickly(dtd(10000) + "<r>" + references(10000) + "</r>"));
-    EXPECT_EQ(Logged("entities expand to more than 524288 bytes"), 2);
+    // By the library, or by a libxml2 that sees it sooner.
+    EXPECT_EQ(Logged("entities expand to more than 524288 bytes") + Logged("entity amplification factor exceeded"), 2);
     EXPECT_EQ(Logged("_CHECK FAIL"), 2);
     // Up to the limit, to the byte, in both places together.
     EXPECT_TRUE(OpensQuickly(dtd(4096) + "<r a=\"" + references(64) + "\">" + references(64) + "</r>"));

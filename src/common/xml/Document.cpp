@@ -171,9 +171,17 @@ TDocument ParseText(const char* text, std::size_t size, bool plain, bool zeroBeh
     const TContext holder = NewContext();
     const xmlParserCtxtPtr context = holder.get();
     if (!VYR_XML_IN_PLACE || !plain || size > k_maxInPlace) {
-        const int options = XML_PARSE_COMPACT;
-        return Whole(context,
-                     TDocument(xmlCtxtReadMemory(context, text, static_cast<int>(size), nullptr, nullptr, options)));
+        const auto parse = [context, text](std::size_t length) {
+            return TDocument(
+                xmlCtxtReadMemory(context, text, static_cast<int>(length), nullptr, nullptr, XML_PARSE_COMPACT));
+        };
+        TDocument doc = parse(size);
+        // A zero byte behind the root is the end; newer libxml2 takes it for a fault. (Not in two bytes a character.)
+        const void* zero = LIBXML_VERSION >= 21000 && !doc ? std::memchr(text, 0, size) : nullptr;
+        if (zero && text[0] != 0 && static_cast<unsigned char>(text[0]) < 0xFE && text[1] != 0) {
+            doc = parse(static_cast<std::size_t>(static_cast<const char*>(zero) - text));
+        }
+        return Whole(context, std::move(doc));
     }
     if (zeroBehind) {
         return Whole(context, ParseInPlace(context, text, size));

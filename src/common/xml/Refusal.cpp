@@ -1,5 +1,6 @@
 #include "common/xml/Refusal.h"
 
+#include <libxml/xmlversion.h>
 #include <strings.h>
 
 #include <algorithm>
@@ -20,6 +21,13 @@ constexpr std::size_t k_namespacesNeed = (k_maxNamespaces + 1) * 9;
 constexpr std::size_t k_attributeNeeds = 5;
 constexpr std::size_t k_attributesNeed = (k_maxAttributes + 1) * k_attributeNeeds;
 constexpr std::size_t k_namesNeed = (k_maxNames + 1) * 5;
+
+constexpr bool k_markHolds = LIBXML_VERSION >= 21000;
+
+bool IsAscii(char c)
+{
+    return (static_cast<unsigned char>(c) & 0x80) == 0;
+}
 
 /// One value of the XML declaration; empty without one of this name.
 TText DeclaredValue(CCursor& in, TText name)
@@ -130,7 +138,7 @@ const char* Refusal(TText text, bool* plain)
         return k_encoding;
     }
     CCursor in(text);
-    in.Take("\xEF\xBB\xBF");
+    const bool marked = in.Take("\xEF\xBB\xBF");
     if (!DeclaredEncoding(in, &encoding)) {
         return k_malformed;
     }
@@ -139,7 +147,11 @@ const char* Refusal(TText text, bool* plain)
             return k_encoding;
         }
     } else if (!encoding.empty() && !IsAny(encoding, {"UTF-8", "UTF8"})) {
-        // The name holds over a byte order mark. Up to here each byte is a character.
+        // The name holds over a byte order mark; for newer libxml2 the mark does, and on ASCII they agree.
+        if (k_markHolds && marked && !std::all_of(text.begin() + 3, text.end(), IsAscii)) {
+            return k_encoding;
+        }
+        // Up to here each byte is a character.
         if (!IncludesAscii(encoding) ||
             !DecodeXml(encoding.c_str(), text.data() + in.At(), text.size() - in.At(), &decoded)) {
             return k_encoding;

@@ -16,7 +16,8 @@ namespace vyr::xml {
 ///   references, or nests deeper than 64; more than 1,024 values of enumerated attribute types; more than
 ///   1,024 attribute defaults, or more than 4 M for all elements together, where each default counts its
 ///   bytes, 64 and the number of its element's defaults;
-/// - encodings of which ASCII is no part but UTF-16, and a name that contradicts the byte order;
+/// - encodings of which ASCII is no part but UTF-16, and a name that contradicts the byte order; with
+///   libxml2 2.10 or newer also a name other than UTF-8 behind that one's mark, unless all is ASCII;
 /// - what is not well-formed, where that would make libxml2 read on otherwise than this scan.
 /// Comments, CDATA sections, instructions and texts count for nothing. The scan is exact because it reads
 /// the characters that libxml2 reads (other encodings are decoded by its own decoders first), and never

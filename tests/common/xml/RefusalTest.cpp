@@ -136,7 +136,9 @@ TEST_F(XmlRefusalTest, LimitsAndWhatIsInnocent)
         {"<!DOCTYPE r PUBLIC '<[<!ENTITY % p \"\">'>", "not well-formed"},
         {type("<!ELEMENT r ('<!ENTITY % p \"\">')>"), "not well-formed"},
         {type("<!NOTATION n "), "not well-formed"},
-        {"<!DOCTYPEr><r/>", ""},
+        {"<!DOCTYPEr><r/>", LIBXML_VERSION < 21000 ? "" : "?"},
+        {"<!DOCTYPE r>" + std::string("<r/>\0", 5), ""},
+        {std::string("<r>\0</r>", 8), "?"},
         // Entities.
         {type("<!ENTITY a '" + std::string(524280, 'x') + "'><!ENTITY b '&a;&#60;&lt;xxxxxx'>"), ""},
         {type("<!ENTITY a '" + std::string(524280, 'x') + "'><!ENTITY b '&a;&#60;xxxxxxxx'>"),
@@ -199,9 +201,14 @@ TEST_F(XmlRefusalTest, Encodings)
         EXPECT_EQ(Reason(Wide(Labelled(big ? "UTF-16LE" : "UTF-16BE", "<r/>"), big)), "encoding");
         EXPECT_EQ(Reason(Wide(Labelled("UTF-8", "<r/>"), big)), "encoding");
     }
-    EXPECT_EQ(Reason("\xEF\xBB\xBF" + Labelled("ISO-8859-1", "<r a='\xE9'/>")), "");
     EXPECT_EQ(Reason(std::string("\xFF\xFE\0\0<\0\0\0/\0\0\0", 12)), "encoding");
     EXPECT_EQ(Reason("\x4C\x6F\xA7\x94"), "encoding");
+    EXPECT_EQ(Reason("\xEF\xBB\xBF" + Labelled("ISO-8859-1", "<r a='e'/>")), "");
+    EXPECT_EQ(Reason("\xEF\xBB\xBF" + Labelled("ISO-8859-1", "<r a='\xE9'/>")),
+              LIBXML_VERSION < 21000 ? "" : "encoding");
+    // To the mark the "]" stands for itself, to the name it is half a character.
+    EXPECT_EQ(Reason("\xEF\xBB\xBF" + Labelled("GBK", "<r><![CDATA[\xE2\x82\xAC]]></r>")),
+              LIBXML_VERSION < 21000 ? "?" : "encoding");
     EXPECT_EQ(Reason(std::string("<\0\0\0r\0\0\0/\0\0\0>\0\0\0", 16)), "encoding");
     // A declaration that libxml2 would take in parts.
     EXPECT_EQ(Reason("<?xml version=' encoding=\"UTF-7\"'?><r/>"), "not well-formed");
