@@ -454,13 +454,15 @@ TEST(Inspect, EveryInputHasAPage)
 TEST(Inspect, AServiceThatBecomesAGuide)
 {
     std::string linear = RouteService(1, 6001);
-    linear.replace(linear.find("\"4\""), 3, "\"1\"");
+    linear.replace(linear.find("\"4\""), 3, R"("1" majorChannelNo="7" minorChannelNo="1")");
     const std::string stsid =
         Lct({1, 0, -1, true}, "<S-TSID><RS><LS tsi='20'><SrcFlow rt='false'/></LS></RS></S-TSID>\n");
     CCapture capture(1);
     capture.AddLls(Slt(linear, 1)).AddSession(stsid, 6001).AddLls(Slt(linear + RouteService(2, 6001), 2));
     capture.AddSession(stsid, 6001).AddSession(Lct({1, 0, -1, true, 20}, guide::WholeUnit()), 6001);
     const nlohmann::json summary = Lines(Inspect("--json -", capture.Bytes()).out).back();
+    EXPECT_EQ(summary["services"], 2);
+    EXPECT_EQ(summary["servicesDropped"], 0);
     EXPECT_EQ(summary["guide"]["new"], 1);
     EXPECT_EQ(summary["signalling"]["new"], 1) << "nothing is reported anew";
 }
