@@ -53,13 +53,14 @@ TEST_P(EveryByteTest, WhateverComesIsReadWithinItsBytesAndLeavesNothing)
     // One object lives through it all, another one takes the one input alone.
     const SEntry lived = GetParam().make();
     ASSERT_TRUE(lived.create());
+    const bool made = GetParam().name.rfind("mmt_", 0) == 0;
     int taken = 0, fed = 0;
     for (const std::string& variation : Variations(input)) {
+        // What the bytes decide that make the object, one that lives on does not see.
         const SEntry other = GetParam().makeOf(variation);
-        if (other.create()) {
+        if ((made || variation.size() < input.size()) && other.create()) {
             if (other.parse()) {
                 Held(other);
-                ++taken;
             }
             other.destroy();
         }
@@ -68,8 +69,13 @@ TEST_P(EveryByteTest, WhateverComesIsReadWithinItsBytesAndLeavesNothing)
             next[3] = static_cast<char>(fed);  // a table of the version that came last is not parsed
         }
         lived.take(next);
-        lived.parse();
-        if (++fed % 500 == 0) {  // what piles up until Destroy goes
+        if (lived.parse()) {
+            ++taken;
+            if (!made) {
+                Held(lived);
+            }
+        }
+        if (++fed % 50 == 0) {  // what piles up until Destroy goes
             lived.destroy();
             lived.take(input);
             ASSERT_TRUE(lived.create());
