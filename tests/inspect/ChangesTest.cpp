@@ -304,4 +304,25 @@ TEST(Changes, WhatWasCutIsShownWholeAgain)
     }
 }
 
+/// A patch takes the square of the elements that a list loses: beyond a limit of its own the list comes whole.
+TEST(Changes, OfAServiceListTakeNoMoreThanTheyMay)
+{
+    for (const std::size_t lost : {1000u, 1001u}) {
+        const std::string url = "<SLTInetUrl urlType='1'>u</SLTInetUrl>";
+        std::string urls;
+        for (std::size_t i = 0; i <= lost; ++i) {
+            urls += url;
+        }
+        CCapture capture(1);
+        capture.AddLls(Slt(urls + Service(1), 1)).AddLls(Slt(url + Service(1), 2));
+        nlohmann::json table;
+        for (const nlohmann::json& line : Lines(Inspect("--json --no-limit -", capture.Bytes()).out)) {
+            table = line["type"] == "table" ? line : table;
+        }
+        EXPECT_EQ(table["LLS_table_version"], 2);
+        EXPECT_EQ(table.contains("changes"), lost == 1000) << lost;
+        EXPECT_EQ(table.contains("servicesUnchanged"), lost == 1000) << lost;
+    }
+}
+
 }  // namespace

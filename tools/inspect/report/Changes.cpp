@@ -414,11 +414,17 @@ SDifferences Differences(const TJson& before, const TJson& after)
     return std::move(comparison.found);
 }
 
-TJson ChangesPatch(const TJson& before, const TJson& after)
+TJson BoundedPatch(const TJson& before, const TJson& after)
 {
     TJson patch = TJson::array();
-    if (!AddPatch(before, after, TJson::json_pointer(), patch)) {
-        return nullptr;
+    return AddPatch(before, after, TJson::json_pointer(), patch) ? patch : TJson();
+}
+
+TJson ChangesPatch(const TJson& before, const TJson& after)
+{
+    TJson patch = BoundedPatch(before, after);
+    if (patch.is_null()) {
+        return patch;
     }
     const std::size_t size = Dump(patch).size();
     std::size_t left = size;

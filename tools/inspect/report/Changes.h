@@ -32,8 +32,9 @@ struct SDifferences {
 };
 SDifferences Differences(const TJson& before, const TJson& after);
 
-/// What differs, for programs: a JSON Patch (RFC 6902). Null: it would be longer than `after`, or have more than 1,000
-/// steps.
+/// What differs, for programs: a JSON Patch (RFC 6902). Null: it would have more than 1,000 steps.
+TJson BoundedPatch(const TJson& before, const TJson& after);
+/// The same; null also when it would be longer than `after`.
 TJson ChangesPatch(const TJson& before, const TJson& after);
 
 /// What a form of the report has shown of each document, so that of the next one only what changed need be shown.

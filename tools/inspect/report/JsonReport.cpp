@@ -433,6 +433,12 @@ void CJsonReport::m_Slt(const STable& table)
     if (last != nullptr && !(IdsDiffer((*last->json)[k_services]) && IdsDiffer((*now)[k_services]))) {
         last = nullptr;
     }
+    const auto own = [](TJson list) {
+        list.erase(k_services);
+        return list;
+    };
+    const TJson ownChanges = last != nullptr ? BoundedPatch(own(*last->json), own(*now)) : TJson();
+    last = ownChanges.is_null() ? nullptr : last;
     const TJson none = TJson::array();
     const TJson& before = last != nullptr ? (*last->json)[k_services] : none;
     TJson removed = TJson::array();
@@ -459,11 +465,7 @@ void CJsonReport::m_Slt(const STable& table)
             PutNumber(json, "since", last->packet, std::uint64_t{0});
             json["servicesUnchanged"] = unchanged;
             json["servicesRemoved"] = removed;
-            const auto own = [](TJson list) {
-                list.erase(k_services);
-                return list;
-            };
-            json["changes"] = TJson::diff(own(*last->json), own(*now));
+            json["changes"] = ownChanges;
         }
         return json;
     });
@@ -482,8 +484,10 @@ void CJsonReport::m_Slt(const STable& table)
                            }
                            json["bsid"] = table.slt->bsid;
                            json.update(service);
-                           if (changes && predecessors[i] != nullptr && !same) {
-                               json["changes"] = TJson::diff(*predecessors[i], service);
+                           const bool compared = changes && predecessors[i] != nullptr && !same;
+                           if (TJson patch = compared ? BoundedPatch(*predecessors[i], service) : TJson();
+                               !patch.is_null()) {
+                               json["changes"] = std::move(patch);
                            }
                            return json;
                        }) &&
