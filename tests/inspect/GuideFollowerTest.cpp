@@ -37,7 +37,7 @@ class CRecordingWriter : public IReportWriter {
         }
         lines.push_back(line);
     }
-    void Fault(const SFault& fault) override { lines.push_back(FaultName(fault.code)); }
+    void Finding(const SFinding& finding) override { lines.push_back(RuleName(finding.rule)); }
     void Message(const SMessage&) override {}
     void Summary(const SSummary&) override {}
 

@@ -153,8 +153,8 @@ TEST(HtmlReport, LeavesOutWhatIsEmptyAndNamesInputs)
     for (const char* second : {"", "b.pcap"}) {
         CHtmlReport report;
         report.Table(list);
-        SFault fault = {EFault::NO_SLT, "", {*second != '\0' ? second : list.source.file, 0, {}}};
-        report.Fault(fault);
+        SFinding fault = {ERule::NO_SLT, "", {*second != '\0' ? second : list.source.file, 0, {}}};
+        report.Finding(fault);
         report.Summary({});
         EXPECT_EQ(report.Page().find("did not parse"), std::string::npos);
         EXPECT_EQ(Count(report.Page(), "<b>7</b> <bdi>-</bdi> <small>\u00b7 <bdi>a/aaa"), *second != '\0' ? 1u : 0u);
@@ -244,7 +244,7 @@ TEST(HtmlReport, HoldsNoMoreThanItsLimits)
         if (i == 400) {
             table.content->json = TJson::object();
         }
-        report.Fault({EFault::BAD_ADDRESS, k_hostile, table.source});
+        report.Finding({ERule::BAD_ADDRESS, k_hostile, table.source});
     }
     report.Summary({});
     EXPECT_LT(report.Page().size(), 36u << 20);
@@ -390,10 +390,10 @@ TEST_F(HtmlPage, InABrowser)
     CHtmlReport report;
     report.Table(Alert(1, {"A", k_hostile}, std::string(300, 'W')));
     report.Guide(Guide());
-    report.Fault({EFault::NO_SIGNALLING, k_hostile, {"a.pcap", 7, {}}});
-    report.Fault({EFault::NO_SIGNALLING, k_hostile, {"long/" + std::string(200, 'p'), 7, {}}});
+    report.Finding({ERule::NO_SIGNALLING, k_hostile, {"a.pcap", 7, {}}});
+    report.Finding({ERule::NO_SIGNALLING, k_hostile, {"long/" + std::string(200, 'p'), 7, {}}});
     SSummary summary;
-    summary.faults = summary.faultsByCode[EFault::NO_SIGNALLING] = 1;
+    summary.errors = summary.findings[ERule::NO_SIGNALLING] = 1;
     report.Summary(summary);
     EXPECT_EQ(MarkupFault(report.Page()), "");
     m_Write("guide.html", report.Page());

@@ -32,7 +32,7 @@ std::string Read(const std::string& bytes)
             ++packets;
         }
     } catch (const CInputError& error) {
-        text = std::string(FaultName(error.Code())) + ": " + error.what();
+        text = std::string(RuleName(error.Code())) + ": " + error.what();
     }
     std::remove(name.c_str());
     return packets != 0 ? std::to_string(packets) + " packets" + (text.empty() ? "" : ", " + text) : text;

@@ -380,7 +380,7 @@ TEST(Inspect, ChangesLeadToWhatStands)
         CReader told;
         CReader whole;
         for (const nlohmann::json& line : Lines(Inspect("--json " + golden.arguments, golden.input).out)) {
-            line["type"] != "summary" && line["type"] != "fault" ? told.Take(line) : void();
+            line["type"] != "summary" && line["type"] != "finding" ? told.Take(line) : void();
         }
         for (nlohmann::json& line : Lines(Inspect("--json --full " + golden.arguments, golden.input).out)) {
             if (line["type"] == "signalling") {
@@ -390,7 +390,7 @@ TEST(Inspect, ChangesLeadToWhatStands)
                 }
             }
             line.erase("changes");
-            line["type"] != "summary" && line["type"] != "fault" ? whole.Take(line) : void();
+            line["type"] != "summary" && line["type"] != "finding" ? whole.Take(line) : void();
         }
         EXPECT_EQ(told.stands, whole.stands);
         EXPECT_EQ(whole.changes, 0u);
@@ -407,7 +407,7 @@ TEST(Inspect, EveryJsonLineStandsAlone)
         const std::vector<nlohmann::json> lines = Lines(result.out);
         ASSERT_FALSE(lines.empty());
         for (const nlohmann::json& line : lines) {
-            EXPECT_EQ(line["schema_version"], 2);
+            EXPECT_EQ(line["schema_version"], 3);
             EXPECT_TRUE(line["type"] == "summary" || line["source"].contains("file")) << line;
         }
         EXPECT_EQ(lines.back()["type"], "summary");
@@ -554,7 +554,7 @@ TEST(Inspect, RawMessages)
         SCOPED_TRACE(test.name);
         const std::vector<nlohmann::json> lines = Lines(Inspect("--json -", test.bytes).out);
         ASSERT_GE(lines.size(), 2u);
-        EXPECT_EQ(lines[0]["type"] == "fault" ? "unknown" : lines[0]["type"], test.type);
+        EXPECT_EQ(lines[0]["type"] == "finding" ? "unknown" : lines[0]["type"], test.type);
         EXPECT_EQ(lines[0].value("parsed", true), test.parsed);
         EXPECT_EQ(lines.back()["rawMessages"], test.type == std::string("message") ? 1 : 0);
     }

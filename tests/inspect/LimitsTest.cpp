@@ -239,7 +239,7 @@ TEST(Limits, ServicesAreShownUpToTheirLimit)
     }
 }
 
-TEST(Limits, FaultsThatAreAlikeAreToldTogether)
+TEST(Limits, FindingsThatAreAlikeAreToldTogether)
 {
     const std::string table = "\x01";  // too short
     for (const unsigned count : {3u, 4u, 5u}) {
@@ -247,7 +247,7 @@ TEST(Limits, FaultsThatAreAlikeAreToldTogether)
         for (unsigned i = 0; i < count; ++i) {
             capture.AddLls(table);
         }
-        const std::string once = "LLS table of 1 byte, shorter than its header";
+        const std::string once = "LLS table of 1 byte, shorter than its header [table-too-short]";
         const SResult text = Inspect("--quiet -", capture.Bytes());
         std::size_t told = 0;
         for (std::size_t at = 0; (at = text.out.find(once, at)) != std::string::npos; ++at) {
@@ -256,7 +256,7 @@ TEST(Limits, FaultsThatAreAlikeAreToldTogether)
         EXPECT_EQ(told, std::min(count, 4u));
         EXPECT_EQ(text.out.find(once + " (and 1 more like it)\n") != std::string::npos, count == 5) << text.out;
         const std::vector<json> lines = Lines(Inspect("--json -", capture.Bytes()).out);
-        EXPECT_EQ(lines.back()["faultsByCode"]["table-too-short"], count) << "the summary is exact";
+        EXPECT_EQ(lines.back()["findings"]["table-too-short"], count) << "the summary is exact";
         EXPECT_EQ(lines[lines.size() - 2].value("count", 1u), count == 5 ? 2u : 1u);
         EXPECT_EQ(text.status, 1);
     }
@@ -266,7 +266,7 @@ TEST(Limits, FaultsThatAreAlikeAreToldTogether)
     }
     std::vector<unsigned> counts;
     for (const json& line : Lines(Inspect("--json -", live.Bytes()).out)) {
-        counts.push_back(line["type"] == "fault" && line["code"] == "table-too-short" ? line.value("count", 1u) : 0);
+        counts.push_back(line["type"] == "finding" && line["rule"] == "table-too-short" ? line.value("count", 1u) : 0);
     }
     EXPECT_EQ(counts, std::vector<unsigned>({1, 1, 1, 30, 0, 307, 0})) << "also while the input goes on";
     const CTemporary one(Table(1, 1, "<SLT>"));

@@ -18,13 +18,13 @@ class CRecordingWriter : public IReportWriter {
     void Table(const STable& table) override { statuses.push_back(table.status); }
     void Signalling(const SSignalling&) override {}
     void Message(const SMessage&) override {}
-    void Fault(const SFault& fault) override { faults.push_back(fault.code); }
+    void Finding(const SFinding& finding) override { findings.push_back(finding.rule); }
     void GuideObject(const SGuideObject&) override {}
     void Guide(const SGuide&) override {}
     void Summary(const SSummary&) override {}
 
     std::vector<EStatus> statuses;
-    std::vector<EFault> faults;
+    std::vector<ERule> findings;
 };
 
 class LlsFollower : public testing::Test {
@@ -90,10 +90,10 @@ TEST_F(LlsFollower, HoldsABoundedNumberOfServices)
     m_TakeSlt(follower, 0, 1, 0, 8192);
     m_TakeSlt(follower, 1, 1, 0, 8192);
     EXPECT_EQ(follower.Services(), 16384u);
-    EXPECT_EQ(m_writer.faults, std::vector<EFault>());
+    EXPECT_EQ(m_writer.findings, std::vector<ERule>());
     m_TakeSlt(follower, 2, 1, 0, 1);
     EXPECT_EQ(follower.Services(), 8193u);
-    EXPECT_EQ(m_writer.faults, std::vector<EFault>({EFault::TOO_MANY_SERVICES}));
+    EXPECT_EQ(m_writer.findings, std::vector<ERule>({ERule::TOO_MANY_SERVICES}));
     m_TakeSlt(follower, 2, 2, 0, 17000);
     EXPECT_EQ(follower.Services(), 17000u) << "a single list is held whole";
     EXPECT_EQ(m_InMap().size(), 17000u);

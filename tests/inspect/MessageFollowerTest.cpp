@@ -20,7 +20,7 @@ class CStatusWriter : public IReportWriter {
     void Table(const STable&) override {}
     void Signalling(const SSignalling&) override {}
     void Message(const SMessage& message) override { statuses.push_back(message.status); }
-    void Fault(const SFault&) override {}
+    void Finding(const SFinding&) override {}
     void GuideObject(const SGuideObject&) override {}
     void Guide(const SGuide&) override {}
     void Summary(const SSummary&) override {}

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <string>
@@ -19,11 +20,13 @@
 #include "Markup.h"
 #include "MmtCaptures.h"
 #include "Tool.h"
+#include "model/Rule.h"
 #include "support/Gzip.h"
 
 namespace {
 
 using namespace packets;
+using namespace vyr::inspect;
 
 TEST(Inspect, APageThatCannotBeWritten)
 {
@@ -77,7 +80,7 @@ TEST(Inspect, InputsThatAreNone)
         std::string input;
         int status;
         std::string err;
-        std::string code;
+        std::string rule;
     } cases[] = {
         {"empty", "-", "", 1, "-: is empty", "input-empty"},
         {"three bytes", "-", "\x01\x01\x01", 1,
@@ -131,9 +134,9 @@ TEST(Inspect, InputsThatAreNone)
         EXPECT_EQ(json.err, text.err);
         const std::vector<nlohmann::json> lines = Lines(json.out);
         ASSERT_EQ(lines.size(), 2u);
-        EXPECT_EQ(lines[0]["type"], "fault");
-        EXPECT_EQ(lines[0]["code"], test.code);
-        EXPECT_EQ(lines[1]["faultsByCode"][test.code], 1);
+        EXPECT_EQ(lines[0]["type"], "finding");
+        EXPECT_EQ(lines[0]["rule"], test.rule);
+        EXPECT_EQ(lines[1]["findings"][test.rule], 1);
     }
     EXPECT_EQ(Inspect("-", std::string(1048576, '\xFF')).status, 0) << "the largest raw table";
     EXPECT_EQ(Inspect("missing " + k_lineup).status, 2) << "a fault hides no failure";
@@ -188,6 +191,53 @@ TEST(Inspect, GuideAndManPageKnowEveryOption)
     }
     EXPECT_GE(parts, 2);
     EXPECT_EQ(found, screen.size()) << "the last part is the end";
+}
+
+TEST(Inspect, Rules)
+{
+    for (std::size_t i = 0; i < k_rules; ++i) {
+        EXPECT_EQ(static_cast<std::size_t>(k_ruleTable[i].rule), i) << k_ruleTable[i].name;
+        EXPECT_EQ(FindRule(k_ruleTable[i].name), k_ruleTable[i].rule) << "its name is its own";
+    }
+    if (std::getenv("VYR_RECORD") != nullptr) {
+        std::ofstream(VYR_DOCS "/rules.md") << RulesPage();
+    }
+    EXPECT_EQ(ReadFile(VYR_DOCS "/rules.md"), RulesPage()) << "VYR_RECORD=1 makes it anew";
+
+    const SResult list = Inspect("--rules --ignore no-slt --severity bad-address=note");
+    EXPECT_EQ(list.status, 0);
+    EXPECT_NE(list.out.find("  no-lls: error. Receivers find no channel at all. "), std::string::npos) << list.out;
+    EXPECT_NE(list.out.find("  no-slt: ignored. "), std::string::npos);
+    EXPECT_NE(list.out.find("  bad-address: note. "), std::string::npos);
+
+    // A service whose session was not captured, which is worth a note.
+    const std::string capture = CCapture(1).AddLls(Slt(MmtService(1, 30100, 1), 1)).Bytes();
+    const struct {
+        const char* options;
+        int status;
+        int errors, warnings, notes;
+    } cases[] = {
+        {"", 0, 0, 0, 1},
+        {"--fail-on note", 1, 0, 0, 1},
+        {"--fail-on warning", 0, 0, 0, 1},
+        {"--severity no-sessions=warning", 0, 0, 1, 0},
+        {"--severity no-sessions=warning --fail-on warning", 1, 0, 1, 0},
+        {"--severity no-sessions=error", 1, 1, 0, 0},
+        {"--severity no-sessions=error --fail-on note --ignore no-sessions", 0, 0, 0, 0},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.options);
+        const SResult result = Inspect(std::string("--json ") + test.options + " -", capture);
+        EXPECT_EQ(result.status, test.status);
+        const nlohmann::json summary = Lines(result.out).back();
+        EXPECT_EQ(summary["errors"], test.errors);
+        EXPECT_EQ(summary["warnings"], test.warnings);
+        EXPECT_EQ(summary["notes"], test.notes);
+    }
+    for (const char* wrong : {"--ignore no-such-rule", "--severity no-lls", "--severity no-lls=fatal",
+                              "--severity =note", "--fail-on never"}) {
+        EXPECT_EQ(Inspect(wrong + std::string(" -"), capture).status, 2) << wrong;
+    }
 }
 
 TEST(Inspect, GuideInLocalTimeWithNamesOfGenres)

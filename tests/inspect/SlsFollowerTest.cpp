@@ -26,9 +26,9 @@ class CRecordingWriter : public IReportWriter {
         lines.push_back(line);
     }
     void Message(const SMessage&) override {}
-    void Fault(const SFault& fault) override
+    void Finding(const SFinding& finding) override
     {
-        lines.push_back(std::string(fault.note ? "note: " : "fault: ") + FaultName(fault.code));
+        lines.push_back(std::string(SeverityName(finding.severity)) + ": " + RuleName(finding.rule));
     }
     void GuideObject(const SGuideObject&) override {}
     void Guide(const SGuide&) override {}
@@ -66,7 +66,7 @@ TEST_F(SlsFollower, WhatIsNewOfEachObject)
     EXPECT_EQ(m_Take(1, k_stsid), TLines());
     EXPECT_EQ(m_Take(3, k_stsid + k_mpd), TLines({"new-version-same-content; S-TSID unchanged; MPD unchanged"}));
     EXPECT_EQ(m_Take(4, k_stsid + "<MPD ></MPD>\n"), TLines({"changed; S-TSID unchanged; MPD changed"}));
-    EXPECT_EQ(m_Take(4, k_mpd), TLines({"changed-without-version; MPD changed", "fault: changed-without-version"}));
+    EXPECT_EQ(m_Take(4, k_mpd), TLines({"changed-without-version; MPD changed", "error: changed-without-version"}));
     EXPECT_EQ(m_report.Summary().signalling.byStatus[static_cast<std::size_t>(EStatus::REPEATED)], 2u);
 }
 
@@ -104,8 +104,8 @@ TEST_F(SlsFollower, NothingOfAnEarlierPackageIsShownAgain)
 {
     m_Take(1, k_stsid + k_mpd);
     EXPECT_EQ(m_Take(2, k_mpd + "<S-TSID>"),
-              TLines({"changed; S-TSID changed refused; MPD unchanged", "fault: document-not-parsed"}));
-    EXPECT_EQ(m_Take(3, "<MPD></a></MPD>\n"), TLines({"changed; MPD changed refused", "fault: document-not-parsed"}));
+              TLines({"changed; S-TSID changed refused; MPD unchanged", "error: document-not-parsed"}));
+    EXPECT_EQ(m_Take(3, "<MPD></a></MPD>\n"), TLines({"changed; MPD changed refused", "error: document-not-parsed"}));
     EXPECT_EQ(m_Take(4, "<MPD></a></MPD>\n "), TLines({"new-version-same-content; MPD unchanged refused"}))
         << "a broken document is told of once";
     // The library takes documents of up to 131,071 bytes, the byte behind the end tag included.
@@ -113,7 +113,7 @@ TEST_F(SlsFollower, NothingOfAnEarlierPackageIsShownAgain)
     const std::string longest = "<S-TSID>" + std::string(131071 - 8 - end.size(), ' ') + end;
     EXPECT_EQ(m_Take(5, longest), TLines({"changed; S-TSID changed"}));
     EXPECT_EQ(m_Take(6, " " + longest.substr(0, 8) + ' ' + longest.substr(8)),
-              TLines({"changed; S-TSID changed refused", "fault: document-not-parsed"}));
+              TLines({"changed; S-TSID changed refused", "error: document-not-parsed"}));
 }
 
 TEST_F(SlsFollower, PartsThatAreNotRead)
@@ -124,7 +124,7 @@ TEST_F(SlsFollower, PartsThatAreNotRead)
                location + "\n\n<DWD/>\n" + more + "--x--\n";
     };
     const std::string mpd = "--x\nContent-Location: a\n\n" + k_mpd;
-    EXPECT_EQ(m_Take(1, package("a", "")), TLines({"new", "note: object-not-read"}));
+    EXPECT_EQ(m_Take(1, package("a", "")), TLines({"new", "note: object-passed-over"}));
     EXPECT_EQ(m_Take(1, package("a", "")), TLines());
     EXPECT_EQ(m_Take(2, package("a", mpd)), TLines({"changed; MPD new"}));
     EXPECT_EQ(m_Take(3, package("a ", mpd)), TLines({"new-version-same-content; MPD unchanged"}));
@@ -133,11 +133,11 @@ TEST_F(SlsFollower, PartsThatAreNotRead)
         << "a playlist is new";
     EXPECT_EQ(m_Take(5, package("b", "--x\n\n#EXTM3V\n" + mpd)), TLines({"changed; MPD unchanged"})) << "told of once";
     EXPECT_EQ(m_Take(6, package("b", "")),
-              TLines({"changed", "note: object-not-read", "note: item-without-part", "note: part-without-item"}));
-    EXPECT_EQ(m_follower.LastFault(), "object 1 of TSI 0 holds no document that is read");
-    EXPECT_EQ(m_Take(7, "<DWD/>"), TLines({"note: object-not-read"}));
-    EXPECT_EQ(m_Take(8, "<DWDs/>"), TLines({"fault: object-not-read"}));
-    EXPECT_EQ(m_Take(9, "<SLT/>"), TLines({"fault: object-not-read"})) << "which does not belong here";
+              TLines({"changed", "note: object-passed-over", "note: item-without-part", "note: part-without-item"}));
+    EXPECT_EQ(m_follower.LastFinding(), "object 1 of TSI 0 holds no document that is read");
+    EXPECT_EQ(m_Take(7, "<DWD/>"), TLines({"note: object-passed-over"}));
+    EXPECT_EQ(m_Take(8, "<DWDs/>"), TLines({"error: object-not-read"}));
+    EXPECT_EQ(m_Take(9, "<SLT/>"), TLines({"error: object-not-read"})) << "which does not belong here";
 }
 
 TEST_F(SlsFollower, RemembersABoundedNumberOfObjects)
@@ -155,14 +155,14 @@ TEST_F(SlsFollower, RemembersABoundedNumberOfObjects)
 TEST_F(SlsFollower, InflatesUpTo8MiB)
 {
     EXPECT_EQ(m_Take(1, Gzip(k_mpd + std::string(8388608 - k_mpd.size(), ' '))), TLines({"new; MPD new"}));
-    EXPECT_EQ(m_Take(2, Gzip(k_mpd + std::string(8388609 - k_mpd.size(), ' '))), TLines({"fault: object-not-read"}));
+    EXPECT_EQ(m_Take(2, Gzip(k_mpd + std::string(8388609 - k_mpd.size(), ' '))), TLines({"error: object-not-read"}));
     const std::string whole = Gzip(k_stsid);
     for (std::size_t size = 2; size < whole.size(); ++size) {
         m_Take(3, whole.substr(0, size));
-        EXPECT_EQ(m_report.Summary().faultsByCode[EFault::OBJECT_NOT_READ], size);
+        EXPECT_EQ(m_report.Summary().findings[ERule::OBJECT_NOT_READ], size);
     }
-    EXPECT_EQ(m_Take(3, whole), TLines({"changed-without-version; S-TSID new", "fault: changed-without-version"}));
-    EXPECT_EQ(m_Take(4, Gzip("")), TLines({"fault: object-not-read"}));
+    EXPECT_EQ(m_Take(3, whole), TLines({"changed-without-version; S-TSID new", "error: changed-without-version"}));
+    EXPECT_EQ(m_Take(4, Gzip("")), TLines({"error: object-not-read"}));
 }
 
 }  // namespace

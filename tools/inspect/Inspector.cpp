@@ -90,11 +90,11 @@ EExitStatus CInspector::Run()
             m_Inspect(name);
         } catch (const CInputError& error) {
             m_progress.Clear();
-            if (IsInputFault(error.Code())) {
+            if (IsInputRule(error.Code())) {
                 std::fprintf(stderr, "vyr-atsc30-inspect: %s: %s\n", Printable(name).c_str(), error.what());
             }
-            m_failed = m_failed || error.Code() <= EFault::INPUT_DIRECTORY;
-            m_report.Fault({error.Code(), error.what(), {name, 0, {}}});
+            m_failed = m_failed || error.Code() <= ERule::INPUT_DIRECTORY;
+            m_report.Finding({error.Code(), error.what(), {name, 0, {}}});
         }
         if (m_output.Ended() || CInput::Stopped()) {
             break;
@@ -102,7 +102,7 @@ EExitStatus CInspector::Run()
     }
     m_report.Finish();
     m_progress.Clear();
-    return m_failed ? EXIT_FAILED : m_report.Summary().faults != 0 ? EXIT_FAULTS : EXIT_FINE;
+    return m_failed ? EXIT_FAILED : m_report.Summary().From(m_options.failOn) != 0 ? EXIT_FINDINGS : EXIT_FINE;
 }
 
 void CInspector::m_Inspect(const std::string& name)
@@ -129,7 +129,7 @@ void CInspector::m_Inspect(const std::string& name)
 void CInspector::m_Capture(CInput& input, const std::string& name)
 {
     if (!CPacketDecoder::Knows(input.LinkType())) {
-        throw CInputError(EFault::LINK_TYPE, "packets of link type " + input.LinkTypeText() + " cannot be read");
+        throw CInputError(ERule::LINK_TYPE, "packets of link type " + input.LinkTypeText() + " cannot be read");
     }
     TFollowers followers;
     for (const TEndpoint& stream : m_options.llsStreams) {
@@ -186,16 +186,14 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
                 protocol->Finish(name, sessionsCaptured);
             }
             if (!sessionsCaptured && services() != before) {
-                SFault note = {EFault::NO_SESSIONS,
-                               "no session was captured beside the LLS: nothing can be said of the signalling of " +
-                                   Counted(services() - before, "service"),
-                               {name, 0, {}}};
-                note.note = true;
-                m_report.Fault(note);
+                m_report.Finding({ERule::NO_SESSIONS,
+                                  "no session was captured beside the LLS: nothing can be said of the signalling of " +
+                                      Counted(services() - before, "service"),
+                                  {name, 0, {}}});
             }
             guideSessions.Finish(name);
             guide.Finish(name, true);
-            m_CaptureFaults(name, decoder.Counts(), followers, destinations);
+            m_CaptureFindings(name, decoder.Counts(), followers, destinations);
         }
     };
     SPacket packet;
@@ -216,32 +214,33 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
 }
 
 /// What is wrong with a capture as a whole, and why what was expected is missing.
-void CInspector::m_CaptureFaults(const std::string& name, const SPacketCounts& counts, const TFollowers& followers,
-                                 const TDestinations& destinations)
+void CInspector::m_CaptureFindings(const std::string& name, const SPacketCounts& counts, const TFollowers& followers,
+                                   const TDestinations& destinations)
 {
     const SSource source = {name, 0, {}};
     if (counts.cut != 0) {
-        m_report.Fault({EFault::PACKETS_CUT,
-                        std::to_string(counts.cut) + " of " + Counted(counts.packets, "packet") +
-                            " cut by the capture: their datagrams are lost",
-                        source});
+        m_report.Finding({ERule::PACKETS_CUT,
+                          std::to_string(counts.cut) + " of " + Counted(counts.packets, "packet") +
+                              " cut by the capture: their datagrams are lost",
+                          source});
     }
     if (counts.malformed != 0) {
-        m_report.Fault({EFault::PACKETS_MALFORMED,
-                        std::to_string(counts.malformed) + " of " + Counted(counts.packets, "packet") + " malformed",
-                        source});
+        m_report.Finding({ERule::PACKETS_MALFORMED,
+                          std::to_string(counts.malformed) + " of " + Counted(counts.packets, "packet") + " malformed",
+                          source});
     }
     for (const auto& [stream, follower] : followers) {
         const std::string streamText = EndpointText(stream.first, stream.second);
         if (follower->Tables() == 0 && m_options.routeSessions.empty() && m_options.mmtpSessions.empty()) {
             const std::string busiest = Busiest(destinations);
-            m_report.Fault({EFault::NO_LLS,
-                            "no LLS: none of " + Counted(counts.datagrams, "UDP datagram") + " goes to " + streamText +
-                                (busiest.empty() ? "" : "; the busiest destinations are " + busiest),
-                            source});
+            m_report.Finding({ERule::NO_LLS,
+                              "no LLS: none of " + Counted(counts.datagrams, "UDP datagram") + " goes to " +
+                                  streamText + (busiest.empty() ? "" : "; the busiest destinations are " + busiest),
+                              source});
         } else if (follower->Tables() != 0 && !follower->SawSlt()) {
-            m_report.Fault({EFault::NO_SLT,
-                            "no SLT among " + Counted(follower->Tables(), "LLS table") + " on " + streamText, source});
+            m_report.Finding({ERule::NO_SLT,
+                              "no SLT among " + Counted(follower->Tables(), "LLS table") + " on " + streamText,
+                              source});
         }
     }
 }
@@ -270,7 +269,7 @@ void CInspector::m_SlsFile(SView bytes, const std::string& name)
     const SFollowed followed;
     CSlsFollower follower(followed, m_report);
     if (!follower.Take({}, bytes, {name, 0, {}})) {
-        throw CInputError(EFault::INPUT_UNKNOWN, WhatItIs(bytes));
+        throw CInputError(ERule::INPUT_UNKNOWN, WhatItIs(bytes));
     }
     ++m_report.Summary().slsFiles;
 }
@@ -278,7 +277,7 @@ void CInspector::m_SlsFile(SView bytes, const std::string& name)
 void CInspector::m_MessageFile(SView bytes, const std::string& name)
 {
     if (!IsMessageFile(bytes)) {
-        throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
+        throw CInputError(ERule::INPUT_UNKNOWN, k_unknown);
     }
     const SFollowed followed;
     CMessageFollower follower(followed, m_report);

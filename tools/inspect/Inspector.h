@@ -41,7 +41,7 @@ class CInspector {
     bool m_GuideFile(SView bytes, const std::string& name);
     void m_SlsFile(SView bytes, const std::string& name);
     void m_MessageFile(SView bytes, const std::string& name);
-    void m_CaptureFaults(const std::string& name, const SPacketCounts& counts, const TFollowers& followers,
+    void m_CaptureFindings(const std::string& name, const SPacketCounts& counts, const TFollowers& followers,
                          const TDestinations& destinations);
     void m_Finish(const CLlsFollower& follower);
 

@@ -18,7 +18,8 @@ namespace vyr::inspect {
 namespace {
 
 constexpr char k_footer[] =
-    "Exit status: 0 all input is fine, 1 the input has faults, 2 the tool could not do its work.\n"
+    "Exit status: 0 all input is fine, 1 the input has errors (or what --fail-on says), 2 the tool could not do its "
+    "work.\n"
     "\n"
     "Examples:\n"
     "  vyr-atsc30-inspect capture.pcapng\n"
@@ -77,6 +78,39 @@ std::pair<std::string, int> ReadSetting(const std::string& text)
     return {text.substr(0, equals), value};
 }
 
+ERule ReadRule(const char* option, const std::string& name)
+{
+    const std::optional<ERule> rule = FindRule(name);
+    if (!rule) {
+        throw CLI::ValidationError(option, "'" + name + "' is no rule; --rules lists them");
+    }
+    return *rule;
+}
+
+ESeverity ReadSeverity(const char* option, const std::string& name)
+{
+    const std::optional<ESeverity> severity = FindSeverity(name);
+    if (!severity) {
+        throw CLI::ValidationError(option, "'" + name + "' is not error, warning or note");
+    }
+    return *severity;
+}
+
+/// `changes` are RULE=LEVEL.
+CSeverities ReadSeverities(const std::vector<std::string>& changes, const std::vector<std::string>& ignored)
+{
+    CSeverities severities;
+    for (const std::string& change : changes) {
+        const std::size_t equals = std::min(change.find('='), change.size());
+        const ERule rule = ReadRule("--severity", change.substr(0, equals));
+        severities.Set(rule, ReadSeverity("--severity", change.substr(std::min(equals + 1, change.size()))));
+    }
+    for (const std::string& name : ignored) {
+        severities.Ignore(ReadRule("--ignore", name));
+    }
+    return severities;
+}
+
 /// The arguments as a shell takes them.
 std::string CommandLine(int argc, const char* const* argv)
 {
@@ -124,41 +158,56 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     std::vector<std::string> routeSessions;
     std::vector<std::string> mmtpSessions;
     std::vector<std::string> settings;
+    std::vector<std::string> ignored;
+    std::vector<std::string> severities;
+    std::string failOn = SeverityName(options.failOn);
+    bool rules = false;
     bool progress = false;
     bool noProgress = false;
-    app.add_option("INPUT", options.inputs,
-                   "pcap or pcapng capture, raw LLS table, ROUTE signalling, raw MMT message, service guide, or - for "
-                   "standard input")
-        ->required()
-        ->type_name("");
+    CLI::Option* const input = app.add_option(
+        "INPUT", options.inputs,
+        "pcap or pcapng capture, raw LLS table, ROUTE signalling, raw MMT message, service guide, or - for "
+        "standard input");
+    input->required()->type_name("");
     app.add_flag("--json", options.json, "Write one JSON object per line in place of text");
     app.add_option("--html", options.html, "Write the whole report as one HTML page as well")->type_name("FILE");
     app.add_flag("--local-time", options.localTime, "Show the guide's times in the machine's time zone, not in UTC");
     app.add_option("--genres", options.genres, "Classification scheme with the names of the guide's genres")
         ->type_name("FILE");
-    const auto addEndpoints = [&app](const char* option, std::vector<std::string>& texts, const char* about) {
+    const auto addEach = [&app](const char* option, const char* type, std::vector<std::string>& texts,
+                                const char* about) {
         app.add_option(option, texts, about)
-            ->type_name("ADDRESS:PORT")
+            ->type_name(type)
             ->expected(1)
             ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     };
-    addEndpoints("--lls", streams, "LLS stream to read in place of 224.0.23.60:4937; may be repeated");
-    addEndpoints("--route", routeSessions,
-                 "ROUTE session to follow though no service list announces it; may be repeated");
-    addEndpoints("--mmtp", mmtpSessions, "MMTP session to follow though no service list announces it; may be repeated");
+    constexpr char k_endpoint[] = "ADDRESS:PORT";
+    addEach("--lls", k_endpoint, streams, "LLS stream to read in place of 224.0.23.60:4937; may be repeated");
+    addEach("--route", k_endpoint, routeSessions,
+            "ROUTE session to follow though no service list announces it; may be repeated");
+    addEach("--mmtp", k_endpoint, mmtpSessions,
+            "MMTP session to follow though no service list announces it; may be repeated");
     app.add_flag("--strict", options.strict,
                  "Drop services that leave out protected, hidden or broadbandAccessRequired");
-    app.add_option("--set", settings, "Receiver setting that the library asks for; may be repeated")
-        ->type_name("KEY=VALUE")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    addEach("--set", "KEY=VALUE", settings, "Receiver setting that the library asks for; may be repeated");
+    addEach("--ignore", "RULE", ignored, "Say nothing of what breaks the rule; may be repeated");
+    addEach("--severity", "RULE=LEVEL", severities, "Make it an error, a warning or a note; may be repeated");
+    app.add_option("--fail-on", failOn, "Exit with status 1 from that level on: error (default), warning or note")
+        ->type_name("LEVEL");
+    app.add_flag_callback(
+        "--rules",
+        [&] {
+            rules = true;
+            input->required(false);
+        },
+        "List the rules that a broadcast is judged by and end");
     std::string log = "silent";
     app.add_option("--log", log, "Library messages to show on stderr: debug, info, error, silent (default)")
         ->type_name("LEVEL");
     app.add_flag("--no-limit", options.noLimit,
                  "Write everything, however long the report becomes for what was received");
     app.add_flag("--full", options.full, "Show what changed whole, besides what changed of it");
-    app.add_flag("-q,--quiet", options.quiet, "Report faults only, and show no progress");
+    app.add_flag("-q,--quiet", options.quiet, "Report errors and warnings only, and show no progress");
     app.add_flag("--progress", progress, "Show progress even when stderr is not a terminal");
     app.add_flag("--no-progress", noProgress, "Show no progress");
     try {
@@ -172,8 +221,15 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
             const auto [key, value] = ReadSetting(text);
             options.settings[key] = value;
         }
+        options.severities = ReadSeverities(severities, ignored);
+        options.failOn = ReadSeverity("--fail-on", failOn);
     } catch (const CLI::ParseError& error) {
         *exitStatus = app.exit(error, std::cout, std::cerr) == 0 ? EXIT_FINE : EXIT_FAILED;
+        return false;
+    }
+    if (rules) {
+        std::cout << RulesText(options.severities);
+        *exitStatus = EXIT_FINE;
         return false;
     }
     if (options.llsStreams.empty()) {

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "model/Rule.h"
 #include "platform/Platform.h"
 
 namespace vyr::inspect {
@@ -27,6 +28,8 @@ struct SOptions {
     bool quiet = false;
     bool noLimit = false;
     bool full = false;
+    CSeverities severities;
+    ESeverity failOn = ESeverity::ERROR;
     bool progress = false;
 };
 

@@ -84,7 +84,7 @@ int Inspect(int argc, char** argv)
     if (paged) {
         output.SetOptional();
     }
-    CReport report(writer, options.quiet, paged ? &page : nullptr);
+    CReport report(writer, options.quiet, paged ? &page : nullptr, options.severities);
     CInspector inspector(options, report, output, progress);
     exitStatus = inspector.Run();
     if (paged) {

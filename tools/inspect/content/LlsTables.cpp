@@ -313,7 +313,7 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
     for (const std::string& base64 : certificates) {
         const SCertificate certificate = ReadCertificate(base64);
         if (!certificate.error.empty()) {
-            outcome.faults.emplace_back(EFault::BAD_CERTIFICATE, "a certificate of the table is " + certificate.error);
+            outcome.faults.emplace_back(ERule::BAD_CERTIFICATE, "a certificate of the table is " + certificate.error);
             content.text += "  certificate: " + certificate.error + '\n';
             Append(content.json, "Certificates", TJson::object({{"error", certificate.error}}));
             continue;
@@ -352,14 +352,14 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
     content.json["OCSPResponses"] = responses.size();
     content.json["ToBeSignedDataSize"] = toBeSigned.size();
     if (cms.empty()) {
-        outcome.faults.emplace_back(EFault::BAD_SIGNATURE, "the table has no CMSSignedData");
+        outcome.faults.emplace_back(ERule::BAD_SIGNATURE, "the table has no CMSSignedData");
     } else {
         const SSignature signature = ReadSignature(cms);
         content.text +=
             "  signature over " + Counted(toBeSigned.size(), "byte") + ": " + SignatureText(signature) + '\n';
         content.json["CMSSignedData"] = SignatureJson(signature);
         if (!signature.error.empty()) {
-            outcome.faults.emplace_back(EFault::BAD_SIGNATURE, "CMSSignedData: " + signature.error);
+            outcome.faults.emplace_back(ERule::BAD_SIGNATURE, "CMSSignedData: " + signature.error);
         }
     }
     return content;
@@ -414,7 +414,7 @@ void ReadMultiTable(const SLlsHeader& header, SView bytes, STableOutcome& outcom
     content.json["signedSize"] = block.size();
     content.json["signature"] = SignatureJson(signature);
     if (!signature.error.empty()) {
-        outcome.faults.emplace_back(EFault::BAD_SIGNATURE, "the signature is " + signature.error);
+        outcome.faults.emplace_back(ERule::BAD_SIGNATURE, "the signature is " + signature.error);
     }
     parser.Destroy();
 }

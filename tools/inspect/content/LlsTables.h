@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/Bytes.h"
-#include "model/Fault.h"
+#include "model/Finding.h"
 #include "model/OptionalContent.h"
 
 namespace vyr::inspect {
@@ -14,7 +14,7 @@ namespace vyr::inspect {
 struct STableOutcome {
     COptionalContent content;
     std::string reason;  ///< why there is none
-    std::vector<std::pair<EFault, std::string>> faults;
+    std::vector<std::pair<ERule, std::string>> faults;
     std::vector<std::vector<unsigned char>> inner;  ///< tables within, each behind a header of its own
 };
 

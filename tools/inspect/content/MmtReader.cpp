@@ -143,7 +143,7 @@ void CMessageReader::m_ReadPa(CMMTMsgPa& message, SContent& content)
         tables.push_back(std::move(content.json["table"]));
         content.json.erase("table");
         if (id != table->TableId() || version != table->Version()) {
-            m_outcome.faults.emplace_back(EFault::MESSAGE_NOT_PARSED,
+            m_outcome.faults.emplace_back(ERule::MESSAGE_NOT_PARSED,
                                           "the list of tables names " + MmtTableTitle(id) + " version " +
                                               std::to_string(version) + " where " + MmtTableTitle(table->TableId()) +
                                               " version " + std::to_string(table->Version()) + " is");
@@ -286,10 +286,10 @@ void CMessageReader::m_ReadSigned(CMMTMsgSmm& message, SContent& content)
     content.json["signedSize"] = message.SignedBlock().size();
     content.json["signature"] = SignatureJson(signature);
     if (!signature.error.empty()) {
-        m_outcome.faults.emplace_back(EFault::BAD_SIGNATURE, "the signature is " + signature.error);
+        m_outcome.faults.emplace_back(ERule::BAD_SIGNATURE, "the signature is " + signature.error);
     }
     if (!headed) {
-        m_outcome.faults.emplace_back(EFault::MESSAGE_NOT_PARSED, "there is no whole message in it");
+        m_outcome.faults.emplace_back(ERule::MESSAGE_NOT_PARSED, "there is no whole message in it");
         return;
     }
     TJson json = TJson::object();
@@ -303,7 +303,7 @@ void CMessageReader::m_ReadSigned(CMMTMsgSmm& message, SContent& content)
         json.update(inner.json);
     } else {
         m_outcome.faults.emplace_back(
-            EFault::MESSAGE_NOT_PARSED,
+            ERule::MESSAGE_NOT_PARSED,
             "the " + title + " message in it is not supported or did not parse" +
                 (m_remarks.refusal.empty() ? m_remarks.failedStep.empty() ? "" : ": " + m_remarks.failedStep
                                            : ": " + m_remarks.refusal));
@@ -347,10 +347,10 @@ SMessageOutcome ReadMessage(SView bytes)
         Append(content.json, "unknownDescriptorTags", tag);
     }
     for (const std::string& fault : content.faults) {
-        outcome.faults.emplace_back(EFault::DOCUMENT_NOT_PARSED, fault);
+        outcome.faults.emplace_back(ERule::DOCUMENT_NOT_PARSED, fault);
     }
     if (!remarks.refusal.empty()) {
-        outcome.faults.emplace_back(EFault::MESSAGE_NOT_PARSED, "a part did not parse: " + remarks.refusal);
+        outcome.faults.emplace_back(ERule::MESSAGE_NOT_PARSED, "a part did not parse: " + remarks.refusal);
     }
     content.whole = outcome.faults.empty();
     outcome.content = std::move(content);

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/Bytes.h"
-#include "model/Fault.h"
+#include "model/Finding.h"
 #include "model/OptionalContent.h"
 
 namespace vyr::inspect {
@@ -16,7 +16,7 @@ struct SMessageOutcome {
     bool supported = false;
     COptionalContent content;
     std::string reason;  ///< why there is none
-    std::vector<std::pair<EFault, std::string>> faults;
+    std::vector<std::pair<ERule, std::string>> faults;
     std::set<unsigned> services;  ///< whose signalling it carries, where it says so
 };
 

@@ -5,7 +5,7 @@
 namespace vyr::inspect {
 
 CFollower::CFollower(const SFollowed& followed, CReport& report, const char* nothing)
-    : t_followed(followed), t_report(report), t_number(report.NewNumber()), m_lastFault(nothing)
+    : t_followed(followed), t_report(report), t_number(report.NewNumber()), m_lastFinding(nothing)
 {
 }
 
@@ -19,18 +19,18 @@ std::string CFollower::Missing(unsigned serviceId) const
            (others != 0 ? " and " + std::to_string(others) + " more" : "");
 }
 
-void CFollower::t_Fault(EFault code, const std::string& message, const SSource& source, bool note)
+void CFollower::t_Finding(ERule rule, const std::string& message, const SSource& source)
 {
-    m_lastFault = note && !m_lastFault.empty() ? m_lastFault : message;
-    SFault fault = t_followed.Fault(code, message, source);
-    fault.note = note;
-    t_report.Fault(fault);
+    const bool note = RuleOf(rule).severity == ESeverity::NOTE;
+    m_lastFinding = note && !m_lastFinding.empty() ? m_lastFinding : message;
+    SFinding finding = t_followed.Finding(rule, message, source);
+    t_report.Finding(finding);
 }
 
 void CFollower::t_AddAssertions(const SSource& source)
 {
     for (const SAssertion& assertion : TakeAssertions()) {
-        t_Fault(EFault::ASSERTION, AssertionText(assertion), source);
+        t_Finding(ERule::ASSERTION, AssertionText(assertion), source);
     }
 }
 

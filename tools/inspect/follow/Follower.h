@@ -18,16 +18,15 @@ class CFollower {
     bool Signals() const { return t_parsed; }
     /// Why what has parsed does not signal the service; empty: it does.
     std::string Missing(unsigned serviceId) const;
-    /// What was wrong last.
-    const std::string& LastFault() const { return m_lastFault; }
+    /// What was wrong last; a note only where nothing was wrong before.
+    const std::string& LastFinding() const { return m_lastFinding; }
 
   protected:
-    /// Both references outlive the follower; `nothing` stands for the last fault until there is one.
+    /// Both references outlive the follower; `nothing` stands for the last finding until there is one.
     CFollower(const SFollowed& followed, CReport& report, const char* nothing);
     ~CFollower() = default;
 
-    /// A note is what was wrong last only where nothing was wrong before.
-    void t_Fault(EFault code, const std::string& message, const SSource& source, bool note = false);
+    void t_Finding(ERule rule, const std::string& message, const SSource& source);
     /// Tells what the library asserted since it was last asked.
     void t_AddAssertions(const SSource& source);
 
@@ -38,7 +37,7 @@ class CFollower {
     bool t_parsed = false;
 
   private:
-    std::string m_lastFault;
+    std::string m_lastFinding;
 };
 
 }  // namespace vyr::inspect

@@ -251,10 +251,10 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SView object,
     if (!kind) {
         if (place && IsGuideType(place->contentType)) {
             ++m_report.Summary().guide.notParsed;
-            m_Fault(EFault::GUIDE_NOT_PARSED,
-                    Title(*place) + (whole ? " is neither a delivery unit nor a document of the guide"
-                                           : " does not inflate, or is larger than 8 MiB"),
-                    place, source);
+            m_Finding(ERule::GUIDE_NOT_PARSED,
+                      Title(*place) + (whole ? " is neither a delivery unit nor a document of the guide"
+                                             : " does not inflate, or is larger than 8 MiB"),
+                      place, source);
         }
         return false;
     }
@@ -265,20 +265,20 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SView object,
     m_report.GuideObject(report);
     const std::string title = place ? Title(*place) + ": " : "";
     if (report.status == EStatus::CHANGED_WITHOUT_VERSION) {
-        m_Fault(EFault::CHANGED_WITHOUT_VERSION, Title(*place) + " changed without a new TOI", place, source);
+        m_Finding(ERule::CHANGED_WITHOUT_VERSION, Title(*place) + " changed without a new TOI", place, source);
     }
     for (const std::string& fault : read.faults) {
         ++m_report.Summary().guide.notParsed;
-        m_Fault(EFault::GUIDE_NOT_PARSED,
-                title + (report.content ? "" : std::string(GuideObjectName(*kind)) + " did not parse: ") + fault, place,
-                source);
+        m_Finding(ERule::GUIDE_NOT_PARSED,
+                  title + (report.content ? "" : std::string(GuideObjectName(*kind)) + " did not parse: ") + fault,
+                  place, source);
     }
     for (SGuideFragment& fragment : read.fragments) {
         m_Hold(std::move(fragment), place, source);
     }
     m_MakeRoom(source);
     for (const SAssertion& assertion : TakeAssertions()) {
-        m_Fault(EFault::ASSERTION, AssertionText(assertion), place, source);
+        m_Finding(ERule::ASSERTION, AssertionText(assertion), place, source);
     }
     m_CountSent(now);
     return true;
@@ -350,9 +350,9 @@ void CGuideFollower::m_Hold(SGuideFragment&& fragment, const std::optional<SGuid
             return;
         }
         if (fragment.version == before.version) {
-            m_Fault(EFault::CHANGED_WITHOUT_VERSION,
-                    Title(fragment) + " changed without a new version (" + std::to_string(fragment.version) + ')',
-                    place, source);
+            m_Finding(ERule::CHANGED_WITHOUT_VERSION,
+                      Title(fragment) + " changed without a new version (" + std::to_string(fragment.version) + ')',
+                      place, source);
         }
         m_held -= before.size;
         m_order.splice(m_order.end(), m_order, held.order);
@@ -371,10 +371,10 @@ void CGuideFollower::m_MakeRoom(const SSource& source)
         m_order.pop_front();
         if (!m_toldFull) {
             m_toldFull = true;
-            m_Fault(EFault::GUIDE_TOO_LARGE,
-                    "the guide has more than " + Counted(m_limits.fragments, "fragment") + " or " +
-                        Counted(m_limits.bytes, "byte") + ": the oldest are let go",
-                    {}, source);
+            m_Finding(ERule::GUIDE_TOO_LARGE,
+                      "the guide has more than " + Counted(m_limits.fragments, "fragment") + " or " +
+                          Counted(m_limits.bytes, "byte") + ": the oldest are let go",
+                      {}, source);
         }
     }
 }
@@ -405,10 +405,10 @@ void CGuideFollower::m_Show(const SSource& source)
     m_shown.services.clear();
     if (join.leftOut != 0 && !m_toldCut) {
         m_toldCut = true;
-        m_Fault(EFault::GUIDE_TOO_LARGE,
-                "the programmes take more than " + Counted(m_limits.joined, "byte") + ": " +
-                    std::to_string(join.leftOut) + " are left out",
-                {}, source);
+        m_Finding(ERule::GUIDE_TOO_LARGE,
+                  "the programmes take more than " + Counted(m_limits.joined, "byte") + ": " +
+                      std::to_string(join.leftOut) + " are left out",
+                  {}, source);
     }
 }
 
@@ -426,21 +426,21 @@ void CGuideFollower::Finish(const std::string& file, bool capture)
         return count != 0 ? Counted(count, what) : std::string();
     };
     if (capture && m_shown.missingContents + m_shown.missingServices != 0) {
-        m_Fault(EFault::GUIDE_INCOMPLETE,
-                "the guide names what did not come: " +
-                    Joined({missing(m_shown.missingContents, "content"), missing(m_shown.missingServices, "service")}),
-                {}, source);
+        m_Finding(ERule::GUIDE_INCOMPLETE,
+                  "the guide names what did not come: " + Joined({missing(m_shown.missingContents, "content"),
+                                                                  missing(m_shown.missingServices, "service")}),
+                  {}, source);
     }
 }
 
-void CGuideFollower::m_Fault(EFault code, const std::string& message, const std::optional<SGuidePlace>& place,
-                             const SSource& source)
+void CGuideFollower::m_Finding(ERule rule, const std::string& message, const std::optional<SGuidePlace>& place,
+                               const SSource& source)
 {
-    SFault fault = {code, message + (place ? " (" + place->session + ')' : ""), source};
+    SFinding finding = {rule, message + (place ? " (" + place->session + ')' : ""), source};
     if (place && place->services.size() == 1) {
-        fault.serviceId = *place->services.begin();
+        finding.serviceId = *place->services.begin();
     }
-    m_report.Fault(fault);
+    m_report.Finding(finding);
 }
 
 }  // namespace vyr::inspect

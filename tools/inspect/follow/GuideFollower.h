@@ -51,7 +51,7 @@ class CGuideFollower {
     using TGroup = std::pair<std::pair<std::uint32_t, std::uint16_t>, unsigned char>;
     void Announce(const TGroup& group, const std::vector<SListedService>& services);
     /// The end of the input: shows the guide unless it was shown as it stands, and adds to the summary. Of a
-    /// `capture`, what the guide lacks is a fault.
+    /// `capture`, what the guide lacks is told of.
     void Finish(const std::string& file, bool capture);
     /// Whether any fragment has come.
     bool Holds() const { return !m_fragments.empty(); }
@@ -83,8 +83,8 @@ class CGuideFollower {
     void m_Hold(SGuideFragment&& fragment, const std::optional<SGuidePlace>& place, const SSource& source);
     void m_MakeRoom(const SSource& source);
     void m_Show(const SSource& source);
-    void m_Fault(EFault code, const std::string& message, const std::optional<SGuidePlace>& place,
-                 const SSource& source);
+    void m_Finding(ERule rule, const std::string& message, const std::optional<SGuidePlace>& place,
+                   const SSource& source);
 
     CReport& m_report;
     const SGuideLimits m_limits;

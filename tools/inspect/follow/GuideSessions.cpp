@@ -224,21 +224,21 @@ void CGuideSessions::Finish(const std::string& file)
     for (auto& [session, owner] : m_owners) {
         const std::string reason = m_Missing(owner);
         if (!reason.empty()) {
-            SFault fault = {EFault::GUIDE_INCOMPLETE, "no guide on " + owner.name + ": " + reason, {file, 0, {}}};
+            SFinding finding = {ERule::GUIDE_INCOMPLETE, "no guide on " + owner.name + ": " + reason, {file, 0, {}}};
             if (owner.services.size() == 1) {
-                fault.serviceId = *owner.services.begin();
+                finding.serviceId = *owner.services.begin();
             }
-            m_report.Fault(fault);
+            m_report.Finding(finding);
         }
         m_Unlist(owner);
         m_Drop(owner);
     }
     m_owners.clear();
     if (m_notFollowed != 0) {
-        m_report.Fault({EFault::GUIDE_TOO_LARGE,
-                        "the guide has more than " + std::to_string(k_maxStreams) +
-                            " LCT sessions: " + std::to_string(m_notFollowed) + " were not followed",
-                        {file, 0, {}}});
+        m_report.Finding({ERule::GUIDE_TOO_LARGE,
+                          "the guide has more than " + std::to_string(k_maxStreams) +
+                              " LCT sessions: " + std::to_string(m_notFollowed) + " were not followed",
+                          {file, 0, {}}});
     }
 }
 

@@ -156,7 +156,7 @@ struct SDrops {
     const STable& table;
     std::vector<SSltService> services;  ///< the first of them
     unsigned count = 0;
-    std::vector<SFault> faults;
+    std::vector<SFinding> findings;
     std::vector<SAssertion> assertions;
 };
 
@@ -174,11 +174,10 @@ void HearDrop(void* userData, const SParseSLT::SService* service, CParseSLT::EDr
     if (drops.count++ < MostEntries()) {
         drops.services.push_back({*service, why});
     }
-    drops.faults.push_back(
-        {EFault::SERVICE_DROPPED,
+    drops.findings.push_back(
+        {IsReceiversRule(*service, reason) ? ERule::SERVICE_LEFT_OUT : ERule::SERVICE_DROPPED,
          "service " + std::to_string(service->serviceId) + name + " is not listed by receivers: " + why,
          drops.table.source, drops.table.header, service->serviceId, attribute ? attribute : ""});
-    drops.faults.back().note = IsReceiversRule(*service, reason);
 }
 
 void HearParsed(void* userData, int)
@@ -213,8 +212,8 @@ void CLlsFollower::m_Take(SView bytes, const SSource& source, bool insideMultiTa
 {
     m_taken += insideMultiTable ? 0 : 1;
     if (bytes.size < k_header) {
-        m_report.Fault({EFault::TABLE_TOO_SHORT,
-                        "LLS table of " + Counted(bytes.size, "byte") + ", shorter than its header", source});
+        m_report.Finding({ERule::TABLE_TOO_SHORT,
+                          "LLS table of " + Counted(bytes.size, "byte") + ", shorter than its header", source});
         return;
     }
     STable table;
@@ -238,25 +237,25 @@ void CLlsFollower::m_Take(SView bytes, const SSource& source, bool insideMultiTa
     }
     m_report.Table(table);
     if (table.status == EStatus::CHANGED_WITHOUT_VERSION) {
-        m_report.Fault({EFault::CHANGED_WITHOUT_VERSION,
-                        Title(table.header) + " changed without a new version (payload of " +
-                            Counted(table.payload.size, "byte") + ", before " + std::to_string(sizeBefore) + ')',
-                        source, table.header});
+        m_report.Finding({ERule::CHANGED_WITHOUT_VERSION,
+                          Title(table.header) + " changed without a new version (payload of " +
+                              Counted(table.payload.size, "byte") + ", before " + std::to_string(sizeBefore) + ')',
+                          source, table.header});
     }
     if (!outcome.reason.empty()) {
-        m_report.Fault({EFault::TABLE_NOT_PARSED, Title(table.header) + " did not parse: " + outcome.reason, source,
-                        table.header});
+        m_report.Finding(
+            {ERule::TABLE_NOT_PARSED, Title(table.header) + " did not parse: " + outcome.reason, source, table.header});
     }
-    for (const SFault& fault : outcome.faults) {
-        m_report.Fault(fault);
+    for (const SFinding& finding : outcome.findings) {
+        m_report.Finding(finding);
     }
     for (const std::vector<unsigned char>& inner : outcome.inner) {
         const SView inside = {inner.data(), inner.size()};
         if (!insideMultiTable) {
             m_Take(inside, source, true);
         } else {
-            m_report.Fault(
-                {EFault::TABLE_NOT_PARSED, "a signed multi-table in another is not followed", source, table.header});
+            m_report.Finding(
+                {ERule::TABLE_NOT_PARSED, "a signed multi-table in another is not followed", source, table.header});
         }
     }
 }
@@ -270,7 +269,7 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseOther(SView bytes, STable& table)
     outcome.reason = std::move(parsed.reason);
     outcome.inner = std::move(parsed.inner);
     for (const auto& [code, message] : parsed.faults) {
-        outcome.faults.push_back({code, Title(table.header) + ": " + message, table.source, table.header});
+        outcome.findings.push_back({code, Title(table.header) + ": " + message, table.source, table.header});
     }
     if (!table.content) {
         m_Explain(table, outcome);
@@ -297,7 +296,7 @@ void CLlsFollower::m_Explain(const STable& table, SOutcome& outcome)
 void CLlsFollower::m_AddAssertions(const std::vector<SAssertion>& assertions, const STable& table, SOutcome& outcome)
 {
     for (const SAssertion& assertion : assertions) {
-        outcome.faults.push_back({EFault::ASSERTION, AssertionText(assertion), table.source, table.header});
+        outcome.findings.push_back({ERule::ASSERTION, AssertionText(assertion), table.source, table.header});
     }
 }
 
@@ -341,7 +340,7 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SView bytes, const STable& table
                           true};
     parser.Parse(&item);
     outcome.reason = parsed ? std::string() : Reason();
-    outcome.faults = std::move(drops.faults);
+    outcome.findings = std::move(drops.findings);
     if (parsed) {
         SSlt& slt = outcome.slt.emplace();
         slt.dropped = drops.count;
@@ -390,8 +389,8 @@ void CLlsFollower::m_Read(CParseSLT& parser, SView bytes, const STable& table, S
         for (const auto& [name, address] : {std::pair("slsDestinationIpAddress", service.slsDestinationIpAddress),
                                             std::pair("slsSourceIpAddress", service.slsSourceIpAddress)}) {
             if (address == k_noAddress) {
-                outcome.faults.push_back(
-                    {EFault::BAD_ADDRESS,
+                outcome.findings.push_back(
+                    {ERule::BAD_ADDRESS,
                      "service " + std::to_string(service.serviceId) + ": " + name + " is not an IPv4 address",
                      table.source, table.header, service.serviceId, name});
             }
@@ -406,11 +405,11 @@ void CLlsFollower::m_Hold(unsigned char groupId, std::unique_ptr<SCurrentSlt> cu
     m_current[groupId] = std::move(current);
     m_groups.push_back(groupId);
     while (m_groups.size() > 1 && Services() > k_maxServices) {
-        outcome.faults.push_back({EFault::TOO_MANY_SERVICES,
-                                  "more than " + std::to_string(k_maxServices) +
-                                      " services are announced: those of LLS group " +
-                                      std::to_string(m_groups.front()) + " are let go",
-                                  table.source, table.header});
+        outcome.findings.push_back({ERule::TOO_MANY_SERVICES,
+                                    "more than " + std::to_string(k_maxServices) +
+                                        " services are announced: those of LLS group " +
+                                        std::to_string(m_groups.front()) + " are let go",
+                                    table.source, table.header});
         m_serviceListener(m_groups.front(), {});
         m_Release(m_groups.front());
     }

@@ -53,7 +53,7 @@ class CLlsFollower {
     struct SOutcome {
         std::optional<SSlt> slt;
         std::string reason;  ///< why there is none
-        std::vector<SFault> faults;
+        std::vector<SFinding> findings;
         std::vector<std::vector<unsigned char>> inner;
     };
 

@@ -18,8 +18,8 @@ void CMessageFollower::Take(const std::optional<std::uint16_t>& packetId, SView 
     const std::string place = packetId ? " of packet id " + std::to_string(*packetId) : "";
     SMessageHead head;
     if (!ReadMessageHead(bytes, head)) {
-        t_Fault(EFault::MESSAGE_NOT_PARSED,
-                "a message" + place + " of " + Counted(bytes.size, "byte") + " is shorter than its header", source);
+        t_Finding(ERule::MESSAGE_NOT_PARSED,
+                  "a message" + place + " of " + Counted(bytes.size, "byte") + " is shorter than its header", source);
         return;
     }
     SMessage message;
@@ -55,16 +55,16 @@ void CMessageFollower::Take(const std::optional<std::uint16_t>& packetId, SView 
     t_report.Message(message);
     const std::string title = MessageTitle(head.id) + " version " + std::to_string(head.version) + place;
     if (message.status == EStatus::CHANGED_WITHOUT_VERSION) {
-        t_Fault(EFault::CHANGED_WITHOUT_VERSION,
-                title + " changed without a new version (payload of " + Counted(head.payload.size, "byte") +
-                    ", before " + std::to_string(sizeBefore) + ')',
-                source);
+        t_Finding(ERule::CHANGED_WITHOUT_VERSION,
+                  title + " changed without a new version (payload of " + Counted(head.payload.size, "byte") +
+                      ", before " + std::to_string(sizeBefore) + ')',
+                  source);
     }
     if (!outcome.reason.empty()) {
-        t_Fault(EFault::MESSAGE_NOT_PARSED, title + " did not parse: " + outcome.reason, source);
+        t_Finding(ERule::MESSAGE_NOT_PARSED, title + " did not parse: " + outcome.reason, source);
     }
-    for (const auto& [code, text] : outcome.faults) {
-        t_Fault(code, title + ": " + text, source);
+    for (const auto& [rule, text] : outcome.faults) {
+        t_Finding(rule, title + ": " + text, source);
     }
     t_AddAssertions(source);
 }

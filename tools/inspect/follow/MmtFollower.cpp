@@ -71,7 +71,7 @@ std::string CMmtSession::Missing() const
     const std::string none = "none of " + Counted(m_counts.packets, "packet") + " to " + followed.name;
     const SMessageCounts messages = m_assembler.Counts();
     if (messages.complete != 0) {
-        return m_follower.LastFault();
+        return m_follower.LastFinding();
     }
     if (m_counts.signalling != 0) {
         return messages.lost != 0 ? Counted(messages.lost, "message") + " incomplete, and none whole"
@@ -87,7 +87,7 @@ std::string CMmtSession::Missing() const
 
 std::unique_ptr<CSessionFollower> FollowMmtp(const std::set<CSessionFollower::TEndpoint>& endpoints, CReport& report)
 {
-    const SProtocol protocol = {2, EFault::MMTP_MALFORMED, "an MMTP packet", "MMTP packets", &SSummary::mmtpServices};
+    const SProtocol protocol = {2, ERule::MMTP_MALFORMED, "an MMTP packet", "MMTP packets", &SSummary::mmtpServices};
     const auto memory = std::make_shared<CAssemblyMemory>();
     return std::make_unique<CSessionFollower>(
         protocol, endpoints,

@@ -127,7 +127,7 @@ std::string CRouteSession::Missing() const
                " carries source data of TSI 0";
     }
     if (m_assembler.Counts().complete != 0) {
-        return m_follower.LastFault();
+        return m_follower.LastFinding();
     }
     const std::vector<CObjectAssembler::SIncomplete> open = m_assembler.Open();
     if (open.empty()) {
@@ -144,7 +144,7 @@ std::string CRouteSession::Missing() const
 std::unique_ptr<CSessionFollower> FollowRoute(const std::set<CSessionFollower::TEndpoint>& endpoints,
                                               CGuideSessions& guide, CReport& report)
 {
-    const SProtocol protocol = {1, EFault::LCT_MALFORMED, "an LCT packet of ROUTE", "LCT packets of ROUTE",
+    const SProtocol protocol = {1, ERule::LCT_MALFORMED, "an LCT packet of ROUTE", "LCT packets of ROUTE",
                                 &SSummary::routeServices};
     auto shared = std::make_shared<SShared>(SShared{report, guide, {}, {}});
     return std::make_unique<CSessionFollower>(

@@ -92,13 +92,13 @@ void CSessionFollower::Finish(const std::string& file, bool captured)
         const SSessionCounts& counts = session->Counts();
         const std::string& name = session->followed.name;
         if (counts.malformed != 0) {
-            m_report.Fault({m_protocol.malformed,
-                            std::to_string(counts.malformed) + " of " + Counted(counts.packets, "packet") + " to " +
-                                name + " are no " + m_protocol.packets,
-                            source});
+            m_report.Finding({m_protocol.malformed,
+                              std::to_string(counts.malformed) + " of " + Counted(counts.packets, "packet") + " to " +
+                                  name + " are no " + m_protocol.packets,
+                              source});
         }
         if (session->pinned && session->followed.services.empty() && !session->Signals()) {
-            m_report.Fault({EFault::NO_SIGNALLING, "no signalling on " + name + ": " + m_Missing(*session), source});
+            m_report.Finding({ERule::NO_SIGNALLING, "no signalling on " + name + ": " + m_Missing(*session), source});
         }
     }
     for (const auto& [group, services] : m_services) {
@@ -118,8 +118,8 @@ void CSessionFollower::m_Judge(const TGroup& group, const SListedService& servic
     SSummary& summary = m_report.Summary();
     ++(summary.*m_protocol.services);
     std::string reason = "the service list gives no address that can be followed";
-    SFault fault = {EFault::NO_SIGNALLING, {}, source};
-    fault.serviceId = service.serviceId;
+    SFinding finding = {ERule::NO_SIGNALLING, {}, source};
+    finding.serviceId = service.serviceId;
     if (const auto entry = m_sessions.find(service.session); entry != m_sessions.end()) {
         const CSession& session = *entry->second;
         reason = session.Signals() ? session.Missing(service.serviceId) : m_Missing(session);
@@ -127,17 +127,17 @@ void CSessionFollower::m_Judge(const TGroup& group, const SListedService& servic
             ++summary.servicesSignalled;
             const std::string missing = service.IsGuide() ? session.MissingGuide() : std::string();
             if (!missing.empty()) {
-                fault.code = EFault::GUIDE_INCOMPLETE;
-                fault.message = "no guide on " + session.followed.name + ": " + missing;
-                m_report.Fault(fault);
+                finding.rule = ERule::GUIDE_INCOMPLETE;
+                finding.message = "no guide on " + session.followed.name + ": " + missing;
+                m_report.Finding(finding);
             }
             return;
         }
     }
-    fault.message = "no signalling of service " + std::to_string(service.serviceId) + ": " + reason;
+    finding.message = "no signalling of service " + std::to_string(service.serviceId) + ": " + reason;
     const auto& [stream, groupId] = group;
-    fault.serviceList = ServiceListName(EndpointText(stream.first, stream.second), groupId);
-    m_report.Fault(fault);
+    finding.serviceList = ServiceListName(EndpointText(stream.first, stream.second), groupId);
+    m_report.Finding(finding);
 }
 
 CSession& CSessionFollower::m_Add(const SServiceSession& key)

@@ -45,7 +45,7 @@ class CSession {
 /// What sets the protocols apart that the sessions of services use.
 struct SProtocol {
     int slsProtocol;
-    EFault malformed;
+    ERule malformed;
     const char* packet;   ///< "an LCT packet of ROUTE"
     const char* packets;  ///< "LCT packets of ROUTE"
     std::uint64_t SSummary::*services;

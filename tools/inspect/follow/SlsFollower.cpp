@@ -90,19 +90,19 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     t_report.Signalling(signalling);
     package.parts.swap(signalling.parts);
     if (changed) {
-        t_Fault(EFault::CHANGED_WITHOUT_VERSION,
-                Title(*toi) + " changed without a new TOI (" + Counted(now.size, "byte") + ", before " +
-                    std::to_string(before.size) + ')',
-                source);
+        t_Finding(ERule::CHANGED_WITHOUT_VERSION,
+                  Title(*toi) + " changed without a new TOI (" + Counted(now.size, "byte") + ", before " +
+                      std::to_string(before.size) + ')',
+                  source);
     }
     if (!envelopeReason.empty()) {
-        t_Fault(EFault::DOCUMENT_NOT_PARSED, "metadataEnvelope did not parse: " + envelopeReason, source);
+        t_Finding(ERule::DOCUMENT_NOT_PARSED, "metadataEnvelope did not parse: " + envelopeReason, source);
     }
     if (texts.empty()) {
         m_NotRead(toi, " holds no document that is read", source, true);
     }
-    m_PackageFaults(package, envelopeReason.empty() ? signalling.items : std::vector<SEnvelopeItem>(), source);
-    m_DocumentFaults(signalling.documents, source);
+    m_PackageFindings(package, envelopeReason.empty() ? signalling.items : std::vector<SEnvelopeItem>(), source);
+    m_DocumentFindings(signalling.documents, source);
     return true;
 }
 
@@ -192,30 +192,30 @@ EStatus CSlsFollower::m_Status(const std::vector<SSlsText>& texts, std::vector<S
 }
 
 /// What is wrong with a package, or worth knowing of it, is told of once while it stays so.
-void CSlsFollower::m_PackageFaults(const SPackage& package, const std::vector<SEnvelopeItem>& items,
-                                   const SSource& source)
+void CSlsFollower::m_PackageFindings(const SPackage& package, const std::vector<SEnvelopeItem>& items,
+                                     const SSource& source)
 {
-    const auto tell = [&](EFault code, const std::string& message) {
-        std::string& last = m_toldOfPackage[code];
+    const auto tell = [&](ERule rule, const std::string& message) {
+        std::string& last = m_toldOfPackage[rule];
         if (message != last && !message.empty()) {
-            t_Fault(code, message, source, code != EFault::BAD_SIGNATURE);
+            t_Finding(rule, message, source);
         }
         last = message;
     };
-    tell(EFault::BAD_SIGNATURE, package.signatureFault);
+    tell(ERule::BAD_SIGNATURE, package.signatureFault);
     if (package.hasEnvelope && !items.empty()) {
-        tell(EFault::ITEM_WITHOUT_PART, ItemsWithoutPart(package, items));
-        tell(EFault::PART_WITHOUT_ITEM, PartsWithoutItem(package, items));
+        tell(ERule::ITEM_WITHOUT_PART, ItemsWithoutPart(package, items));
+        tell(ERule::PART_WITHOUT_ITEM, PartsWithoutItem(package, items));
     }
 }
 
 /// A broken document that stays as it is is told of once.
-void CSlsFollower::m_DocumentFaults(const std::vector<SSlsDocument>& documents, const SSource& source)
+void CSlsFollower::m_DocumentFindings(const std::vector<SSlsDocument>& documents, const SSource& source)
 {
     for (const SSlsDocument& document : documents) {
         if (!document.parsed && document.status != EDocumentStatus::UNCHANGED) {
-            t_Fault(EFault::DOCUMENT_NOT_PARSED,
-                    std::string(DocumentName(document.kind)) + " did not parse: " + document.reason, source);
+            t_Finding(ERule::DOCUMENT_NOT_PARSED,
+                      std::string(DocumentName(document.kind)) + " did not parse: " + document.reason, source);
         }
     }
     t_AddAssertions(source);
@@ -240,10 +240,10 @@ EDocumentStatus CSlsFollower::m_Compare(const TSlot& slot, const SSlsText& text)
 }
 
 /// Of a raw file, its reader tells.
-bool CSlsFollower::m_NotRead(const std::optional<TToi>& toi, const std::string& why, const SSource& source, bool note)
+bool CSlsFollower::m_NotRead(const std::optional<TToi>& toi, const std::string& why, const SSource& source, bool known)
 {
     if (toi) {
-        t_Fault(EFault::OBJECT_NOT_READ, Title(*toi) + why, source, note);
+        t_Finding(known ? ERule::OBJECT_PASSED_OVER : ERule::OBJECT_NOT_READ, Title(*toi) + why, source);
     }
     return false;
 }

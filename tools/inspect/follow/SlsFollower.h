@@ -59,17 +59,17 @@ class CSlsFollower : public CFollower {
     CSlsReader::SWanted m_Wants(const SSlsText& text, std::optional<unsigned> service) const;
     EStatus m_Status(const std::vector<SSlsText>& texts, std::vector<SSlsDocument>& documents, const SPackage& package,
                      bool sameToi, SObject& object);
-    void m_PackageFaults(const SPackage& package, const std::vector<SEnvelopeItem>& items, const SSource& source);
-    void m_DocumentFaults(const std::vector<SSlsDocument>& documents, const SSource& source);
+    void m_PackageFindings(const SPackage& package, const std::vector<SEnvelopeItem>& items, const SSource& source);
+    void m_DocumentFindings(const std::vector<SSlsDocument>& documents, const SSource& source);
     std::string m_Key(const TSlot& slot) const;
     EDocumentStatus m_Compare(const TSlot& slot, const SSlsText& text);
-    bool m_NotRead(const std::optional<TToi>& toi, const std::string& why, const SSource& source, bool note = false);
+    bool m_NotRead(const std::optional<TToi>& toi, const std::string& why, const SSource& source, bool known = false);
 
     CSlsReader m_reader;
     CBoundedMap<TToi, SObject> m_objects{k_maxObjects};
-    std::map<TSlot, std::uint64_t> m_documents;     ///< hashes of what stands
-    std::map<unsigned, unsigned> m_slots;           ///< of the services of the USBDs that came; 0 is the first one's
-    std::map<EFault, std::string> m_toldOfPackage;  ///< the last message of each
+    std::map<TSlot, std::uint64_t> m_documents;    ///< hashes of what stands
+    std::map<unsigned, unsigned> m_slots;          ///< of the services of the USBDs that came; 0 is the first one's
+    std::map<ERule, std::string> m_toldOfPackage;  ///< the last message of each
     bool m_readAgain = false;
 };
 

@@ -6,8 +6,8 @@
 
 namespace vyr::inspect {
 
-CReport::CReport(IReportWriter& writer, bool quiet, IReportWriter* page)
-    : m_writer(writer), m_page(page), m_quiet(quiet)
+CReport::CReport(IReportWriter& writer, bool quiet, IReportWriter* page, CSeverities severities)
+    : m_writer(writer), m_page(page), m_quiet(quiet), m_severities(severities)
 {
 }
 
@@ -79,36 +79,38 @@ void CReport::Guide(const SGuide& guide)
     m_Tell([&](IReportWriter& writer) { writer.Guide(guide); });
 }
 
-void CReport::Fault(SFault fault)
+void CReport::Finding(SFinding finding)
 {
-    fault.message = Clipped(fault.message, Limit(k_longestMessage));
-    if (fault.note) {
-        ++m_summary.notes;
-        ++m_summary.notesByCode[fault.code];
-    } else {
-        ++m_summary.faults;
-        ++m_summary.faultsByCode[fault.code];
-        if (m_summary.firstFaults.size() < k_firstFaults) {
-            m_summary.firstFaults.push_back(fault);
-        }
-    }
-    m_Move(fault.source);
-    const unsigned header = fault.header ? 1u << 16 | unsigned{fault.header->tableId} << 8 | fault.header->groupId : 0;
-    if (m_Joins(m_here[{fault.code, fault.note, header, {}}], fault, MostEntries())) {
+    const std::optional<ESeverity>& severity = m_severities.Of(finding.rule);
+    if (!severity) {
         return;
     }
-    const TAlike::key_type key = {fault.code, fault.note, header, fault.message};
+    finding.severity = *severity;
+    finding.message = Clipped(finding.message, Limit(k_longestMessage));
+    ++m_summary.findings[finding.rule];
+    std::uint64_t* const counts[] = {&m_summary.notes, &m_summary.warnings, &m_summary.errors};
+    ++*counts[static_cast<std::size_t>(finding.severity)];
+    if (finding.severity != ESeverity::NOTE && m_summary.firstFindings.size() < k_firstFindings) {
+        m_summary.firstFindings.push_back(finding);
+    }
+    m_Move(finding.source);
+    const unsigned header =
+        finding.header ? 1u << 16 | unsigned{finding.header->tableId} << 8 | finding.header->groupId : 0;
+    if (m_Joins(m_here[{finding.rule, header, {}}], finding, MostEntries())) {
+        return;
+    }
+    const TAlike::key_type key = {finding.rule, header, finding.message};
     if (m_alike.size() < k_mostAlike || m_alike.count(key) != 0) {
-        if (m_Joins(m_alike[key], fault, Limit(k_toldAlike))) {
+        if (m_Joins(m_alike[key], finding, Limit(k_toldAlike))) {
             return;
         }
     }
-    m_TellFault(fault);
+    m_TellFinding(finding);
 }
 
 /// The first faults of a kind are told of alone; false: this is one of them. The others are told of whenever they are
 /// ten times as many as those before: an input may have no end.
-bool CReport::m_Joins(SAlike& alike, const SFault& fault, std::uint64_t most)
+bool CReport::m_Joins(SAlike& alike, const SFinding& finding, std::uint64_t most)
 {
     constexpr std::uint64_t k_growth = 10;
     if (alike.told < most) {
@@ -116,7 +118,7 @@ bool CReport::m_Joins(SAlike& alike, const SFault& fault, std::uint64_t most)
         return false;
     }
     ++alike.held;
-    alike.last = fault;
+    alike.last = finding;
     if (alike.held == k_growth * alike.told) {
         m_TellHeld(alike);
     }
@@ -127,26 +129,26 @@ void CReport::m_TellHeld(SAlike& alike)
 {
     if (alike.held != 0) {
         alike.last.times = alike.held;
-        m_TellFault(alike.last);
+        m_TellFinding(alike.last);
         alike.told += alike.held;
         alike.held = 0;
     }
 }
 
-void CReport::m_TellFault(const SFault& fault)
+void CReport::m_TellFinding(const SFinding& finding)
 {
-    if (!m_quiet || !fault.note) {
-        m_writer.Fault(fault);
+    if (!m_quiet || finding.severity != ESeverity::NOTE) {
+        m_writer.Finding(finding);
     }
     if (m_page != nullptr) {
-        m_page->Fault(fault);
+        m_page->Finding(finding);
     }
 }
 
 void CReport::m_TellJoined(TAlike& alike)
 {
-    for (auto& [key, faults] : alike) {
-        m_TellHeld(faults);
+    for (auto& [key, findings] : alike) {
+        m_TellHeld(findings);
     }
     alike.clear();
 }

@@ -14,9 +14,9 @@ namespace vyr::inspect {
 /// What a run finds, on its way to the writer: counts it for the summary.
 class CReport {
   public:
-    /// With `quiet`, the writer is told of faults only, and of the summary if it always wants it; the page, if there
-    /// is one, of everything.
-    CReport(IReportWriter& writer, bool quiet, IReportWriter* page = nullptr);
+    /// With `quiet`, the writer is told of errors and warnings only, and of the summary if it always wants it; the
+    /// page, if there is one, of everything.
+    CReport(IReportWriter& writer, bool quiet, IReportWriter* page = nullptr, CSeverities severities = {});
 
     /// The input went on by as many bytes.
     void Received(std::size_t bytes);
@@ -25,9 +25,9 @@ class CReport {
     void Message(const SMessage& message);
     void GuideObject(const SGuideObject& object);
     void Guide(const SGuide& guide);
-    /// Tells of the fault. Those that are alike, or too many of a kind in one place, are told of together when the
-    /// place changes.
-    void Fault(SFault fault);
+    /// Tells of the finding, unless its rule is ignored. Those that are alike, or too many of a kind in one place, are
+    /// told of together when the place changes.
+    void Finding(SFinding finding);
     void Finish();
     /// As of a writer.
     bool WantsText(const std::string& key) const { return !m_quiet && m_writer.WantsText(key); }
@@ -38,34 +38,35 @@ class CReport {
     SSummary& Summary() { return m_summary; }
 
   private:
-    static constexpr std::size_t k_firstFaults = 20;
+    static constexpr std::size_t k_firstFindings = 20;
 
     static constexpr std::uint64_t k_toldAlike = 3;   ///< of faults that say the same, told of alone
     static constexpr std::size_t k_mostAlike = 4096;  ///< kinds of these that are known at a time
     static constexpr std::size_t k_longestMessage = 1024;
 
-    /// Faults that are alike.
+    /// Findings that are alike.
     struct SAlike {
         std::uint64_t told = 0;
         std::uint64_t held = 0;  ///< not told yet
-        SFault last;             ///< of those held
+        SFinding last;           ///< of those held
     };
-    using TAlike = std::map<std::tuple<EFault, bool, unsigned, std::string>, SAlike>;  ///< by header and message
+    using TAlike = std::map<std::tuple<ERule, unsigned, std::string>, SAlike>;  ///< by header and message
 
     template <class TTell>
     void m_Tell(TTell tell);
-    void m_TellFault(const SFault& fault);
+    void m_TellFinding(const SFinding& finding);
     void m_TellHeld(SAlike& alike);
-    bool m_Joins(SAlike& alike, const SFault& fault, std::uint64_t most);
+    bool m_Joins(SAlike& alike, const SFinding& finding, std::uint64_t most);
     void m_TellJoined(TAlike& alike);
     void m_Move(const SSource& place);
 
     IReportWriter& m_writer;
     IReportWriter* const m_page;
     const bool m_quiet;
+    const CSeverities m_severities;
     unsigned m_numbers = 0;
     SSummary m_summary;
-    SSource m_place;  ///< of the last fault
+    SSource m_place;  ///< of the last finding
     TAlike m_alike;   ///< faults of one input that say the same
     TAlike m_here;    ///< faults of one kind in one packet, whatever they say
 };

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "model/Counts.h"
-#include "model/Fault.h"
+#include "model/Finding.h"
 
 namespace vyr::inspect {
 
@@ -39,11 +39,17 @@ struct SSummary {
     SMmtpCounts mmtp;
     SMmtMessageCounts messages;
     SGuideCounts guide;
-    std::uint64_t faults = 0;
-    std::map<EFault, std::uint64_t> faultsByCode;
+    std::uint64_t errors = 0;
+    std::uint64_t warnings = 0;
     std::uint64_t notes = 0;
-    std::map<EFault, std::uint64_t> notesByCode;
-    std::vector<SFault> firstFaults;  ///< their messages clipped
+    std::map<ERule, std::uint64_t> findings;
+    std::vector<SFinding> firstFindings;  ///< that are no notes, their messages clipped
+
+    /// Findings of that severity and above.
+    std::uint64_t From(ESeverity least) const
+    {
+        return errors + (least <= ESeverity::WARNING ? warnings : 0) + (least == ESeverity::NOTE ? notes : 0);
+    }
 
     template <class TVisit>
     void Each(const TVisit& visit) const
@@ -68,10 +74,10 @@ struct SSummary {
         SMmtpCounts::Each(mmtp, visit);
         visit("messages", messages);
         visit("guide", guide);
-        visit("faults", faults);
-        visit("faultsByCode", faultsByCode);
+        visit("errors", errors);
+        visit("warnings", warnings);
         visit("notes", notes);
-        visit("notesByCode", notesByCode);
+        visit("findings", findings);
     }
 };
 
@@ -84,7 +90,7 @@ class IReportWriter {
     virtual void Message(const SMessage& message) = 0;
     virtual void GuideObject(const SGuideObject& object) = 0;
     virtual void Guide(const SGuide& guide) = 0;
-    virtual void Fault(const SFault& fault) = 0;
+    virtual void Finding(const SFinding& finding) = 0;
     virtual void Summary(const SSummary& summary) = 0;
     /// The input went on by as many bytes: the report may be the longer for it.
     virtual void Received(std::size_t) {}
@@ -92,7 +98,7 @@ class IReportWriter {
     /// when it has not changed.
     virtual bool WantsText(const std::string&) const { return true; }
     virtual bool WantsUnchanged(const std::string&) const { return true; }
-    /// Whether the summary is told of when only faults are wanted, too.
+    /// Whether the summary is told of when only findings are wanted, too.
     virtual bool AlwaysSummary() const { return false; }
 };
 

@@ -12,13 +12,14 @@ std::vector<unsigned> SFollowed::Shown() const
     return shown;
 }
 
-SFault SFollowed::Fault(EFault code, const std::string& message, const SSource& source) const
+SFinding SFollowed::Finding(ERule rule, const std::string& message, const SSource& source) const
 {
-    SFault fault = {code, name.empty() ? message : message + " (" + name + ')', source};
+    SFinding finding = {rule, name.empty() ? message : message + " (" + name + ')', source};
     if (services.size() == 1) {
-        fault.serviceId = *services.begin();
+        finding.serviceId = *services.begin();
     }
-    return fault;
+    finding.session = name;
+    return finding;
 }
 
 }  // namespace vyr::inspect

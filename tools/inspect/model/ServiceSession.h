@@ -6,7 +6,7 @@
 #include <tuple>
 #include <vector>
 
-#include "model/Fault.h"
+#include "model/Finding.h"
 
 namespace vyr::inspect {
 
@@ -44,8 +44,8 @@ struct SFollowed {
 
     /// The first of the services.
     std::vector<unsigned> Shown() const;
-    /// A fault of this session.
-    SFault Fault(EFault code, const std::string& message, const SSource& source) const;
+    /// A finding of this session.
+    SFinding Finding(ERule rule, const std::string& message, const SSource& source) const;
 };
 
 }  // namespace vyr::inspect

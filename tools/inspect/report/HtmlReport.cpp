@@ -128,9 +128,10 @@ std::string CHtmlReport::m_Foot() const
 
 std::string CHtmlReport::m_Overview(const SSummary& summary) const
 {
-    std::string html = summary.faults == 0 ? std::string("<p class=\"verdict good\">No problems found</p>")
-                                           : "<p class=\"verdict bad\"><a href=\"#problems\">" +
-                                                 Counted(summary.faults, "problem") + " found</a></p>";
+    const std::uint64_t problems = summary.errors + summary.warnings;
+    std::string html = problems == 0 ? std::string("<p class=\"verdict good\">No problems found</p>")
+                                     : "<p class=\"verdict bad\"><a href=\"#problems\">" +
+                                           Counted(problems, "problem") + " found</a></p>";
     html += "<dl>";
     for (const TRow& row : SummaryRows(summary)) {
         html += "<div><dt>" + HtmlText(row[0]) + "</dt><dd>" + HtmlText(row[1]) + "</dd></div>";
@@ -323,10 +324,10 @@ std::string CHtmlReport::m_Certificates() const
 std::string CHtmlReport::m_Problems(const SSummary& summary) const
 {
     std::string html;
-    for (const auto& [code, count] : summary.faultsByCode) {
-        html += (html.empty() ? "<p>" : ", ") + std::to_string(count) + ' ' + FaultName(code);
+    for (const auto& [rule, count] : summary.findings) {
+        html += (html.empty() ? "<p>" : ", ") + std::to_string(count) + ' ' + RuleName(rule);
     }
-    return html + (html.empty() ? "" : "</p>") + m_Lines(t_faults, {"where", "problem", "what is wrong"});
+    return html + (html.empty() ? "" : "</p>") + m_Lines(t_findings, {"where", "problem", "what is wrong"});
 }
 
 void CHtmlReport::Summary(const SSummary& summary)

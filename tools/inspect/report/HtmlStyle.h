@@ -5,9 +5,9 @@ namespace vyr::inspect {
 /// The style of the page.
 inline constexpr char k_htmlStyle[] = R"(
 :root{color-scheme:light dark;--bg:#fff;--soft:#f4f6f8;--line:#d5dbe1;--text:#1b2127;--muted:#55606b;--link:#0a58a8;
---bad:#a3230f;--badbg:#fdecea;--good:#1a6b35;--goodbg:#e8f5ec;--box:#e6eff9;--shade:#0004;--head:9.5rem;--minute:.26rem}
+--bad:#a3230f;--badbg:#fdecea;--warn:#7a4b00;--warnbg:#fdf3dc;--good:#1a6b35;--goodbg:#e8f5ec;--box:#e6eff9;--shade:#0004;--head:9.5rem;--minute:.26rem}
 @media(prefers-color-scheme:dark){:root{--bg:#14181d;--soft:#1d2329;--line:#343d46;--text:#e3e8ed;--muted:#a0acb7;
---link:#82b8f5;--bad:#ff9d8a;--badbg:#3a1c18;--good:#7fd39b;--goodbg:#17301f;--box:#1f3249;--shade:#a0acb780}}
+--link:#82b8f5;--bad:#ff9d8a;--badbg:#3a1c18;--warn:#f0c060;--warnbg:#352a12;--good:#7fd39b;--goodbg:#17301f;--box:#1f3249;--shade:#a0acb780}}
 *{box-sizing:border-box}
 html{scroll-padding-top:1rem;-webkit-text-size-adjust:100%}
 body{margin:0;background:var(--bg);color:var(--text);font:.9375rem/1.5 system-ui,sans-serif;overflow-wrap:anywhere}
@@ -58,6 +58,7 @@ details.tree table{min-width:0}
 .badge{display:inline-block;border-radius:4px;padding:0 .4rem;font-size:.8rem;background:var(--soft);color:var(--muted);
 white-space:nowrap}
 .bad{background:var(--badbg);color:var(--bad)}
+.warn{background:var(--warnbg);color:var(--warn)}
 .good{background:var(--goodbg);color:var(--good)}
 p.verdict{border-radius:6px;padding:.5rem .75rem;font-weight:600}
 p.verdict a{color:inherit}

@@ -15,7 +15,7 @@ namespace vyr::inspect {
 
 namespace {
 
-constexpr int k_schemaVersion = 2;
+constexpr int k_schemaVersion = 3;
 constexpr const char* k_services = "service";  // of a service list, among its members
 
 TJson Object(const char* type)
@@ -153,11 +153,11 @@ struct SPutCount {
         }
     }
 
-    void operator()(const char* name, const std::map<EFault, std::uint64_t>& faults) const
+    void operator()(const char* name, const std::map<ERule, std::uint64_t>& findings) const
     {
         TJson& object = json[name] = TJson::object();
-        for (const auto& [code, count] : faults) {
-            object[FaultName(code)] = count;
+        for (const auto& [rule, count] : findings) {
+            object[RuleName(rule)] = count;
         }
     }
 };
@@ -623,23 +623,25 @@ void CJsonReport::Guide(const SGuide& guide)
     });
 }
 
-void CJsonReport::Fault(const SFault& fault)
+void CJsonReport::Finding(const SFinding& finding)
 {
-    const char* type = fault.note ? "note" : "fault";
-    m_Write(type, [&](bool) {
-        TJson json = Object(type);
-        json["source"] = SourceJson(fault.source);
-        json["code"] = FaultName(fault.code);
-        json["message"] = fault.message;
-        PutNumber(json, "count", fault.times, std::uint64_t{1});
-        if (fault.header) {
-            PutHeader(json, *fault.header);
+    m_Write("finding", [&](bool) {
+        TJson json = Object("finding");
+        json["source"] = SourceJson(finding.source);
+        json["rule"] = RuleName(finding.rule);
+        json["severity"] = SeverityName(finding.severity);
+        json["message"] = finding.message;
+        PutNumber(json, "count", finding.times, std::uint64_t{1});
+        if (finding.header) {
+            PutHeader(json, *finding.header);
         }
-        if (fault.serviceId) {
-            json["serviceId"] = *fault.serviceId;
+        if (finding.serviceId) {
+            json["service"] = *finding.serviceId;
         }
-        if (!fault.attribute.empty()) {
-            json["attribute"] = fault.attribute;
+        PutText(json, "session", finding.session);
+        PutText(json, "see", RuleOf(finding.rule).see);
+        if (!finding.attribute.empty()) {
+            json["attribute"] = finding.attribute;
         }
         return json;
     });

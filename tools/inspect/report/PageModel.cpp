@@ -485,17 +485,18 @@ void CPageModel::Guide(const SGuide& guide)
     }
 }
 
-void CPageModel::Fault(const SFault& fault)
+void CPageModel::Finding(const SFinding& finding)
 {
-    const std::size_t file = m_See(fault.source);
-    m_Add(t_faults, fault.source,
-          "<td>" + HtmlBadge(fault.note ? "" : "bad", FaultName(fault.code)) + "</td><td>" +
-              HtmlText(HtmlClipped(fault.message, k_longLine)) +
-              (fault.times > 1 ? " (and " + std::to_string(fault.times - 1) + " more like it)</td>" : "</td>"));
-    if (fault.code == EFault::NO_SIGNALLING && fault.serviceId) {
-        if (std::string* why = m_Find(t_missing, {file, fault.serviceList, std::to_string(*fault.serviceId)})) {
+    constexpr const char* k_badges[] = {"", "warn", "bad"};
+    const std::size_t file = m_See(finding.source);
+    m_Add(t_findings, finding.source,
+          "<td>" + HtmlBadge(k_badges[static_cast<std::size_t>(finding.severity)], RuleName(finding.rule)) +
+              "</td><td>" + HtmlText(HtmlClipped(finding.message, k_longLine)) +
+              (finding.times > 1 ? " (and " + std::to_string(finding.times - 1) + " more like it)</td>" : "</td>"));
+    if (finding.rule == ERule::NO_SIGNALLING && finding.serviceId) {
+        if (std::string* why = m_Find(t_missing, {file, finding.serviceList, std::to_string(*finding.serviceId)})) {
             m_bytes -= 3 * why->size();
-            *why = HtmlClipped(fault.message, k_longLine);
+            *why = HtmlClipped(finding.message, k_longLine);
             if (!m_Take(3 * why->size())) {
                 why->clear();
             }

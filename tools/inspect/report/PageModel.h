@@ -30,7 +30,7 @@ class CPageModel : public IReportWriter {
     void Message(const SMessage& message) override;
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide& guide) override;
-    void Fault(const SFault& fault) override;
+    void Finding(const SFinding& finding) override;
     void Received(std::size_t bytes) override { m_allowance.Received(bytes); }
 
   protected:
@@ -102,7 +102,7 @@ class CPageModel : public IReportWriter {
     std::map<std::size_t, SPart> t_guides;  ///< by file
     std::map<TKey, std::string> t_missing;  ///< why a service is not signalled, by its list and id
     SList<SLine> t_changes;
-    SList<SLine> t_faults;
+    SList<SLine> t_findings;
     std::uint64_t t_left = 0;          ///< parts beyond the limits
     std::uint64_t t_refusedLists = 0;  ///< service lists that did not parse
 

@@ -176,14 +176,15 @@ std::string SltText(const SSlt& slt)
            MoreText("  ", slt.leftOut, 0);
 }
 
-std::string FaultText(const SFault& fault)
+std::string FindingText(const SFinding& finding)
 {
-    const char* kind = fault.note ? "note: " : IsInputFault(fault.code) ? "" : "fault: ";
-    const std::string more = fault.times > 1 ? " (and " + std::to_string(fault.times - 1) + " more like it)" : "";
-    return Place(fault.source) + kind + Printable(fault.message) + more + '\n';
+    const std::string kind = IsInputRule(finding.rule) ? "" : std::string(SeverityName(finding.severity)) + ": ";
+    const std::string more = finding.times > 1 ? " (and " + std::to_string(finding.times - 1) + " more like it)" : "";
+    return Place(finding.source) + kind + Printable(finding.message) + " [" + RuleName(finding.rule) + ']' + more +
+           '\n';
 }
 
-/// "412 of fault, 3 of table": records by their kinds.
+/// "412 finding records, 3 table records": records by their kinds.
 std::string LeftOutText(const TLeftOut& leftOut)
 {
     std::vector<std::string> kinds;
@@ -426,10 +427,8 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
     if (summary.guide.sessions + summary.guideFiles != 0) {
         rows.push_back({"guide", GuideCountsText(summary.guide)});
     }
-    rows.push_back({"faults", std::to_string(summary.faults)});
-    if (summary.notes != 0) {
-        rows.push_back({"notes", std::to_string(summary.notes)});
-    }
+    rows.push_back({"findings", Counted(summary.errors, "error") + ", " + Counted(summary.warnings, "warning") + ", " +
+                                    Counted(summary.notes, "note")});
     return rows;
 }
 
@@ -555,12 +554,11 @@ void CTextReport::Guide(const SGuide& guide)
     }
 }
 
-void CTextReport::Fault(const SFault& fault)
+void CTextReport::Finding(const SFinding& finding)
 {
     // Of an input that is none, stderr tells.
-    const char* kind = fault.note ? "note" : "fault";
-    if (!IsInputFault(fault.code) && m_output.Begin(kind)) {
-        m_output.Write(kind, FaultText(fault));
+    if (!IsInputRule(finding.rule) && m_output.Begin("finding")) {
+        m_output.Write("finding", FindingText(finding));
     }
 }
 
@@ -574,11 +572,12 @@ void CTextReport::Summary(const SSummary& summary)
         rows.push_back({"left out", LeftOutText(m_output.LeftOut())});
     }
     std::string text = "\nsummary\n" + Aligned(rows);
-    for (const SFault& fault : summary.firstFaults) {
-        text += "    " + FaultText(fault);
+    for (const SFinding& finding : summary.firstFindings) {
+        text += "    " + FindingText(finding);
     }
-    if (summary.faults > summary.firstFaults.size()) {
-        text += "    and " + std::to_string(summary.faults - summary.firstFaults.size()) + " more\n";
+    if (summary.errors + summary.warnings > summary.firstFindings.size()) {
+        text +=
+            "    and " + std::to_string(summary.errors + summary.warnings - summary.firstFindings.size()) + " more\n";
     }
     m_output.Finish(text);
 }

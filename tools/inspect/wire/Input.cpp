@@ -212,19 +212,19 @@ CInput::CInput(const std::string& name) : m_file(std::make_unique<SFile>())
 {
     m_file->descriptor = name == "-" ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC);
     if (m_file->descriptor < 0) {
-        throw CInputError(errno == ENOENT ? EFault::INPUT_MISSING : EFault::INPUT_UNREADABLE, std::strerror(errno));
+        throw CInputError(errno == ENOENT ? ERule::INPUT_MISSING : ERule::INPUT_UNREADABLE, std::strerror(errno));
     }
     struct stat about {};
     if (fstat(m_file->descriptor, &about) == 0 && S_ISDIR(about.st_mode)) {
-        throw CInputError(EFault::INPUT_DIRECTORY, "is a directory");
+        throw CInputError(ERule::INPUT_DIRECTORY, "is a directory");
     }
     const bool gzip = IsGzip(m_file->Peek(k_magic)) && m_file->InflatesToCapture();
     const SView start = m_file->Peek(k_magic);
     if (!m_file->error.empty()) {
-        throw CInputError(EFault::INPUT_UNREADABLE, m_file->error);
+        throw CInputError(ERule::INPUT_UNREADABLE, m_file->error);
     }
     if (start.size == 0) {
-        throw CInputError(EFault::INPUT_EMPTY, "is empty");
+        throw CInputError(ERule::INPUT_EMPTY, "is empty");
     }
     if (gzip || IsCaptureMagic(start)) {
         m_OpenCapture();
@@ -235,7 +235,7 @@ CInput::CInput(const std::string& name) : m_file(std::make_unique<SFile>())
     } else if (IsUnitStart(start) || IsMessageStart(start)) {
         m_kind = EKind::BINARY;
     } else {
-        throw CInputError(EFault::INPUT_UNKNOWN, k_unknown);
+        throw CInputError(ERule::INPUT_UNKNOWN, k_unknown);
     }
     if (m_kind != EKind::CAPTURE) {
         m_ReadBytes();
@@ -293,9 +293,9 @@ void CInput::Stop()
 }
 
 /// What a capture that cannot be read on is.
-EFault CInput::m_Unreadable() const
+ERule CInput::m_Unreadable() const
 {
-    return m_file->error.empty() || m_file->inflating ? EFault::CAPTURE_DAMAGED : EFault::INPUT_UNREADABLE;
+    return m_file->error.empty() || m_file->inflating ? ERule::CAPTURE_DAMAGED : ERule::INPUT_UNREADABLE;
 }
 
 void CInput::m_OpenCapture()
@@ -304,7 +304,7 @@ void CInput::m_OpenCapture()
     functions.read = [](void* file, char* to, std::size_t size) { return static_cast<SFile*>(file)->Read(to, size); };
     FILE* stream = fopencookie(m_file.get(), "r", functions);
     if (stream == nullptr) {
-        throw CInputError(EFault::INPUT_UNREADABLE, std::strerror(errno));
+        throw CInputError(ERule::INPUT_UNREADABLE, std::strerror(errno));
     }
     char error[PCAP_ERRBUF_SIZE] = "";
     m_capture = pcap_fopen_offline_with_tstamp_precision(stream, PCAP_TSTAMP_PRECISION_NANO, error);
@@ -323,13 +323,13 @@ void CInput::m_ReadBytes()
         m_bytes.insert(m_bytes.end(), chunk, chunk + count);
         if (m_bytes.size() > limit) {
             constexpr const char* k_names[] = {"", "LLS table", "signalling", "delivery unit"};
-            throw CInputError(EFault::INPUT_TOO_LARGE, std::string("larger than any ") +
-                                                           k_names[static_cast<std::size_t>(m_kind)] + ": more than " +
-                                                           std::to_string(limit) + " bytes");
+            throw CInputError(ERule::INPUT_TOO_LARGE, std::string("larger than any ") +
+                                                          k_names[static_cast<std::size_t>(m_kind)] + ": more than " +
+                                                          std::to_string(limit) + " bytes");
         }
     }
     if (!m_file->error.empty()) {
-        throw CInputError(EFault::INPUT_UNREADABLE, m_file->error);
+        throw CInputError(ERule::INPUT_UNREADABLE, m_file->error);
     }
 }
 

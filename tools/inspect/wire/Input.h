@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/Bytes.h"
-#include "model/Fault.h"
+#include "model/Finding.h"
 
 struct pcap;
 
@@ -18,11 +18,11 @@ constexpr char k_unknown[] = "not a capture, not an LLS table, not signalling an
 /// What is wrong with an input.
 class CInputError : public std::runtime_error {
   public:
-    CInputError(EFault code, const std::string& message) : std::runtime_error(message), m_code(code) {}
-    EFault Code() const { return m_code; }
+    CInputError(ERule code, const std::string& message) : std::runtime_error(message), m_code(code) {}
+    ERule Code() const { return m_code; }
 
   private:
-    EFault m_code;
+    ERule m_code;
 };
 
 struct SPacket {
@@ -67,7 +67,7 @@ class CInput {
     static constexpr std::size_t k_maxUnit = 8388608;
 
     void m_OpenCapture();
-    EFault m_Unreadable() const;
+    ERule m_Unreadable() const;
     void m_ReadBytes();
 
     std::unique_ptr<SFile> m_file;

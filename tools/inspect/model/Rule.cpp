@@ -1,0 +1,179 @@
+#include "model/Rule.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr char k_input[] = "The input";
+constexpr char k_lls[] = "LLS tables";
+constexpr char k_list[] = "The service list";
+constexpr char k_signalling[] = "Signalling of services";
+constexpr char k_signatures[] = "Certificates and signatures";
+constexpr char k_guide[] = "The service guide";
+
+constexpr ESeverity k_note = ESeverity::NOTE;
+constexpr ESeverity k_error = ESeverity::ERROR;
+
+}  // namespace
+
+// Names of what is no sentence of this table stand in the messages of the findings.
+const std::array<SRule, k_rules> k_ruleTable = {{
+    {ERule::INPUT_MISSING, k_input, "input-missing", k_error, "Nothing is said of the broadcast.",
+     "Check the name of the file.", ""},
+    {ERule::INPUT_UNREADABLE, k_input, "input-unreadable", k_error, "Nothing is said of the broadcast.",
+     "Check the permissions of the file.", ""},
+    {ERule::INPUT_DIRECTORY, k_input, "input-directory", k_error, "Nothing is said of the broadcast.",
+     "Name the files in the directory.", ""},
+    {ERule::INPUT_EMPTY, k_input, "input-empty", k_error, "Nothing is said of the broadcast.",
+     "Capture again, and look at why nothing was written.", ""},
+    {ERule::INPUT_UNKNOWN, k_input, "input-unknown", k_error, "Nothing is said of the broadcast.",
+     "Give a capture, a raw table, signalling, a message or a part of the guide.", ""},
+    {ERule::INPUT_TOO_LARGE, k_input, "input-too-large", k_error, "Nothing is said of the broadcast.",
+     "Give a raw file that holds one table, package, message or unit.", ""},
+    {ERule::CAPTURE_DAMAGED, k_input, "capture-damaged", k_error, "What came behind the damage is not judged.",
+     "Capture again, or repair the file; a capture that was cut off by its program ends like this.", ""},
+    {ERule::LINK_TYPE, k_input, "link-type", k_error, "Nothing is said of the broadcast.",
+     "Capture on another interface, or convert the capture to Ethernet or raw IP.", ""},
+    {ERule::PACKETS_CUT, k_input, "packets-cut", k_error,
+     "Nothing: it is the capture that lacks what the packets carried.", "Capture whole packets (a snap length of 0).",
+     ""},
+    {ERule::PACKETS_MALFORMED, k_input, "packets-malformed", k_error,
+     "Receivers drop these packets, and what is in them.", "Look at the sender's or the gateway's IP and UDP headers.",
+     "RFC 791, RFC 768"},
+    {ERule::ASSERTION, k_input, "assertion", k_error,
+     "The receiver's library meets what it did not expect, and passes over it.",
+     "Look at the value that the message names.", ""},
+
+    {ERule::NO_LLS, k_lls, "no-lls", k_error, "Receivers find no channel at all.",
+     "Send the LLS tables to 224.0.23.60:4937, or name their stream with --lls.", "ATSC A/331 6.1"},
+    {ERule::NO_SLT, k_lls, "no-slt", k_error, "Receivers find no channel at all.",
+     "Send a service list among the LLS tables.", "ATSC A/331 6.3"},
+    {ERule::TABLE_TOO_SHORT, k_lls, "table-too-short", k_error, "Receivers drop the table.",
+     "Look at what else sends to the LLS stream.", "ATSC A/331 6.2"},
+    {ERule::TABLE_NOT_PARSED, k_lls, "table-not-parsed", k_error,
+     "Receivers drop the table; without a service list that parses there is no channel.",
+     "Mend what the message names.", "ATSC A/331 6.2"},
+    {ERule::CHANGED_WITHOUT_VERSION, k_lls, "changed-without-version", k_error,
+     "Receivers that have the last one do not look at the new one.",
+     "Count the version (of an object, the TOI) up with every change.", "ATSC A/331 6.2"},
+    {ERule::TOO_MANY_SERVICES, k_lls, "too-many-services", k_error, "Receivers run out of room for channels as well.",
+     "Look at why so many services are announced.", ""},
+
+    {ERule::SERVICE_DROPPED, k_list, "service-dropped", k_error, "The channel is missing from the channel list.",
+     "Mend the attribute that the message names.", "ATSC A/331 6.3"},
+    {ERule::SERVICE_LEFT_OUT, k_list, "service-left-out", k_note,
+     "Receivers with such a setting or rule do not list the channel.",
+     "Nothing, if it is meant; else give the attribute that the message names.", "ATSC A/331 6.3"},
+    {ERule::BAD_ADDRESS, k_list, "bad-address", k_error, "The channel is listed and shows nothing.",
+     "Give an IPv4 address in dotted form.", "ATSC A/331 6.3"},
+
+    {ERule::NO_SIGNALLING, k_signalling, "no-signalling", k_error, "The channel is listed and shows nothing.",
+     "Send the signalling of the service to the address that the service list gives.", "ATSC A/331 7"},
+    {ERule::NO_SESSIONS, k_signalling, "no-sessions", k_note, "Nothing can be said of it from this capture.",
+     "Capture the sessions of the services as well.", ""},
+    {ERule::LCT_MALFORMED, k_signalling, "lct-malformed", k_error, "Receivers drop these packets, and what is in them.",
+     "Look at what else sends to the session, and at the packetiser.", "RFC 5651, RFC 9223"},
+    {ERule::MMTP_MALFORMED, k_signalling, "mmtp-malformed", k_error,
+     "Receivers drop these packets, and what is in them.",
+     "Look at what else sends to the session, and at the packetiser.", "ISO/IEC 23008-1 9"},
+    {ERule::OBJECT_NOT_READ, k_signalling, "object-not-read", k_error,
+     "Receivers cannot read it: if it is all that there is, the channel shows nothing.",
+     "Send packages of signalling in TSI 0, gzip-compressed or not, and nothing else.", "ATSC A/331 7"},
+    {ERule::OBJECT_PASSED_OVER, k_signalling, "object-passed-over", k_note,
+     "The tool does not read this document; receivers may.", "Nothing.", ""},
+    {ERule::DOCUMENT_NOT_PARSED, k_signalling, "document-not-parsed", k_error,
+     "Receivers go on without the document: what it describes does not play.", "Mend what the message names.",
+     "ATSC A/331 7"},
+    {ERule::MESSAGE_NOT_PARSED, k_signalling, "message-not-parsed", k_error,
+     "Receivers drop the message: what it describes does not play.", "Mend what the message names.",
+     "ISO/IEC 23008-1 10"},
+    {ERule::ITEM_WITHOUT_PART, k_signalling, "item-without-part", k_note,
+     "Receivers that wait for the fragment wait in vain.",
+     "Send the part with the item's metadataURI as its Content-Location, or leave the item out.", ""},
+    {ERule::PART_WITHOUT_ITEM, k_signalling, "part-without-item", k_note,
+     "Receivers that go by the envelope do not read the part.", "Give the part an item in the envelope.", ""},
+
+    {ERule::BAD_CERTIFICATE, k_signatures, "bad-certificate", k_error,
+     "Receivers that verify signatures can trust nothing that the certificate signed.",
+     "Send the certificate as the base64 of its DER form.", "ATSC A/360 5"},
+    {ERule::BAD_SIGNATURE, k_signatures, "bad-signature", k_error,
+     "Receivers that verify signatures drop what is signed.", "Sign with CMS SignedData.", "ATSC A/360 5, RFC 5652"},
+
+    {ERule::GUIDE_NOT_PARSED, k_guide, "guide-not-parsed", k_error, "The guide lacks what is in the fragment.",
+     "Mend what the message names.", ""},
+    {ERule::GUIDE_INCOMPLETE, k_guide, "guide-incomplete", k_error, "The guide is empty, or has holes.",
+     "Send the guide's sessions and fragments that the message names.", "ATSC A/332"},
+    {ERule::GUIDE_TOO_LARGE, k_guide, "guide-too-large", k_error, "Receivers run out of room for the guide as well.",
+     "Announce fewer fragments.", ""},
+}};
+
+std::optional<ERule> FindRule(const std::string& name)
+{
+    const auto rule =
+        std::find_if(k_ruleTable.begin(), k_ruleTable.end(), [&](const SRule& each) { return name == each.name; });
+    return rule != k_ruleTable.end() ? std::optional<ERule>(rule->rule) : std::nullopt;
+}
+
+std::optional<ESeverity> FindSeverity(const std::string& name)
+{
+    const auto level = std::find(std::begin(k_severities), std::end(k_severities), name);
+    return level != std::end(k_severities)
+               ? std::optional<ESeverity>(static_cast<ESeverity>(level - std::begin(k_severities)))
+               : std::nullopt;
+}
+
+bool IsInputRule(ERule rule)
+{
+    return rule <= ERule::INPUT_TOO_LARGE;
+}
+
+CSeverities::CSeverities()
+{
+    for (const SRule& rule : k_ruleTable) {
+        Set(rule.rule, rule.severity);
+    }
+}
+
+std::string RulesText(const CSeverities& severities)
+{
+    std::string text;
+    const char* group = "";
+    for (const SRule& rule : k_ruleTable) {
+        if (std::strcmp(group, rule.group) != 0) {
+            group = rule.group;
+            text += (text.empty() ? "" : "\n") + std::string(group) + '\n';
+        }
+        const std::optional<ESeverity>& severity = severities.Of(rule.rule);
+        text += std::string("  ") + rule.name + ": " + (severity ? SeverityName(*severity) : "ignored") + ". " +
+                rule.means + ' ' + rule.remedy + (*rule.see ? std::string(" (") + rule.see + ')' : "") + '\n';
+    }
+    return text;
+}
+
+std::string RulesPage()
+{
+    std::string page =
+        "# Rules\n\n"
+        "What `vyr-atsc30-inspect` judges a broadcast by. Each finding names its rule; `--rules` prints this table,\n"
+        "`--ignore RULE` leaves a rule out, `--severity RULE=LEVEL` gives it another weight, and `--fail-on LEVEL` "
+        "says\n"
+        "from which weight on the exit status is 1. An *error* is what receivers fail on, a *warning* is against the\n"
+        "standard or fails on some receivers, a *note* is worth knowing.\n";
+    const char* group = "";
+    for (const SRule& rule : k_ruleTable) {
+        if (std::strcmp(group, rule.group) != 0) {
+            group = rule.group;
+            page += std::string("\n## ") + group +
+                    "\n\n| rule | severity | what it means for viewers | what to do | see |\n|---|---|---|---|---|\n";
+        }
+        page += std::string("| `") + rule.name + "` | " + SeverityName(rule.severity) + " | " + rule.means + " | " +
+                rule.remedy + " | " + rule.see + " |\n";
+    }
+    return page;
+}
+
+}  // namespace vyr::inspect

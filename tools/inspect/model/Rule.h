@@ -1,0 +1,114 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace vyr::inspect {
+
+/// How much a finding weighs, the least first.
+enum class ESeverity {
+    NOTE,     ///< worth knowing
+    WARNING,  ///< against the standard, or some receivers fail
+    ERROR     ///< receivers fail
+};
+constexpr const char* k_severities[] = {"note", "warning", "error"};
+
+/// Everything that the tool finds wrong or worth knowing, in the order of the table in Rule.cpp.
+enum class ERule {
+    // the input
+    INPUT_MISSING,
+    INPUT_UNREADABLE,
+    INPUT_DIRECTORY,
+    INPUT_EMPTY,
+    INPUT_UNKNOWN,
+    INPUT_TOO_LARGE,
+    CAPTURE_DAMAGED,
+    LINK_TYPE,
+    PACKETS_CUT,
+    PACKETS_MALFORMED,
+    ASSERTION,
+    // LLS tables
+    NO_LLS,
+    NO_SLT,
+    TABLE_TOO_SHORT,
+    TABLE_NOT_PARSED,
+    CHANGED_WITHOUT_VERSION,
+    TOO_MANY_SERVICES,
+    // the service list
+    SERVICE_DROPPED,
+    SERVICE_LEFT_OUT,
+    BAD_ADDRESS,
+    // signalling
+    NO_SIGNALLING,
+    NO_SESSIONS,
+    LCT_MALFORMED,
+    MMTP_MALFORMED,
+    OBJECT_NOT_READ,
+    OBJECT_PASSED_OVER,
+    DOCUMENT_NOT_PARSED,
+    MESSAGE_NOT_PARSED,
+    ITEM_WITHOUT_PART,
+    PART_WITHOUT_ITEM,
+    // certificates and signatures
+    BAD_CERTIFICATE,
+    BAD_SIGNATURE,
+    // the guide
+    GUIDE_NOT_PARSED,
+    GUIDE_INCOMPLETE,
+    GUIDE_TOO_LARGE,
+    COUNT
+};
+constexpr std::size_t k_rules = static_cast<std::size_t>(ERule::COUNT);
+
+struct SRule {
+    ERule rule;
+    const char* group;  ///< "the service list": what it is about
+    const char* name;   ///< stable: "table-not-parsed"
+    ESeverity severity;
+    const char* means;   ///< for viewers, one sentence
+    const char* remedy;  ///< what to do, one sentence
+    const char* see;     ///< the clause; empty where none is certain
+};
+
+/// The table of all rules.
+extern const std::array<SRule, k_rules> k_ruleTable;
+
+inline const SRule& RuleOf(ERule rule)
+{
+    return k_ruleTable[static_cast<std::size_t>(rule)];
+}
+inline const char* RuleName(ERule rule)
+{
+    return RuleOf(rule).name;
+}
+inline const char* SeverityName(ESeverity severity)
+{
+    return k_severities[static_cast<std::size_t>(severity)];
+}
+/// None: no rule has the name, or no severity.
+std::optional<ERule> FindRule(const std::string& name);
+std::optional<ESeverity> FindSeverity(const std::string& name);
+/// Whether the rule is that an input can be inspected at all.
+bool IsInputRule(ERule rule);
+
+/// What a run makes of the rules.
+class CSeverities {
+  public:
+    CSeverities();
+    void Set(ERule rule, ESeverity severity) { m_severities[static_cast<std::size_t>(rule)] = severity; }
+    void Ignore(ERule rule) { m_severities[static_cast<std::size_t>(rule)].reset(); }
+    /// None: findings of the rule are not told of.
+    const std::optional<ESeverity>& Of(ERule rule) const { return m_severities[static_cast<std::size_t>(rule)]; }
+
+  private:
+    std::array<std::optional<ESeverity>, k_rules> m_severities;
+};
+
+/// The table for people at a terminal, with the severities that hold.
+std::string RulesText(const CSeverities& severities);
+/// The table as docs/rules.md has it.
+std::string RulesPage();
+
+}  // namespace vyr::inspect
