@@ -22,6 +22,14 @@ void CReport::m_Tell(TTell tell)
     }
 }
 
+template <class TItem>
+void CReport::m_Witness(void (IWitness::*tell)(const TItem&), const TItem& item)
+{
+    if (m_witness != nullptr) {
+        (m_witness->*tell)(item);
+    }
+}
+
 void CReport::Received(std::size_t bytes)
 {
     m_writer.Received(bytes);
@@ -41,6 +49,7 @@ void CReport::Table(const STable& table)
     }
     m_summary.servicesDropped += table.slt ? table.slt->dropped : 0;
     m_Tell([&](IReportWriter& writer) { writer.Table(table); });
+    m_Witness(&IWitness::Table, table);
 }
 
 void CReport::Signalling(const SSignalling& signalling)
@@ -53,17 +62,18 @@ void CReport::Signalling(const SSignalling& signalling)
     if (signalling.status != EStatus::REPEATED) {
         m_Tell([&](IReportWriter& writer) { writer.Signalling(signalling); });
     }
+    m_Witness(&IWitness::Signalling, signalling);
 }
 
 void CReport::Message(const SMessage& message)
 {
     m_summary.messages.byStatus.Add(message.status);
-    if (message.status == EStatus::REPEATED) {
-        return;
+    if (message.status != EStatus::REPEATED) {
+        m_summary.messages.notSupported += message.supported ? 0 : 1;
+        m_summary.messages.notParsed += message.supported && !message.content ? 1 : 0;
+        m_Tell([&](IReportWriter& writer) { writer.Message(message); });
     }
-    m_summary.messages.notSupported += message.supported ? 0 : 1;
-    m_summary.messages.notParsed += message.supported && !message.content ? 1 : 0;
-    m_Tell([&](IReportWriter& writer) { writer.Message(message); });
+    m_Witness(&IWitness::Message, message);
 }
 
 void CReport::GuideObject(const SGuideObject& object)
@@ -72,11 +82,13 @@ void CReport::GuideObject(const SGuideObject& object)
     if (object.status != EStatus::REPEATED) {
         m_Tell([&](IReportWriter& writer) { writer.GuideObject(object); });
     }
+    m_Witness(&IWitness::GuideObject, object);
 }
 
 void CReport::Guide(const SGuide& guide)
 {
     m_Tell([&](IReportWriter& writer) { writer.Guide(guide); });
+    m_Witness(&IWitness::Guide, guide);
 }
 
 void CReport::Finding(SFinding finding)
@@ -87,6 +99,7 @@ void CReport::Finding(SFinding finding)
     }
     finding.severity = *severity;
     finding.message = Clipped(finding.message, Limit(k_longestMessage));
+    m_Witness(&IWitness::Finding, finding);
     ++m_summary.findings[finding.rule];
     std::uint64_t* const counts[] = {&m_summary.notes, &m_summary.warnings, &m_summary.errors};
     ++*counts[static_cast<std::size_t>(finding.severity)];

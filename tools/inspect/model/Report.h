@@ -8,6 +8,7 @@
 
 #include "model/Items.h"
 #include "model/ReportWriter.h"
+#include "model/Witness.h"
 
 namespace vyr::inspect {
 
@@ -18,6 +19,8 @@ class CReport {
     /// page, if there is one, of everything.
     CReport(IReportWriter& writer, bool quiet, IReportWriter* page = nullptr, CSeverities severities = {});
 
+    /// Is told of everything that follows, as it came; null: nobody is.
+    void SetWitness(IWitness* witness) { m_witness = witness; }
     /// The input went on by as many bytes.
     void Received(std::size_t bytes);
     void Table(const STable& table);
@@ -54,6 +57,9 @@ class CReport {
 
     template <class TTell>
     void m_Tell(TTell tell);
+    /// What the witness finds comes behind what it finds it in.
+    template <class TItem>
+    void m_Witness(void (IWitness::*tell)(const TItem&), const TItem& item);
     void m_TellFinding(const SFinding& finding);
     void m_TellHeld(SAlike& alike);
     bool m_Joins(SAlike& alike, const SFinding& finding, std::uint64_t most);
@@ -64,6 +70,7 @@ class CReport {
     IReportWriter* const m_page;
     const bool m_quiet;
     const CSeverities m_severities;
+    IWitness* m_witness = nullptr;
     unsigned m_numbers = 0;
     SSummary m_summary;
     SSource m_place;  ///< of the last finding

@@ -11,11 +11,13 @@ namespace {
 constexpr char k_input[] = "The input";
 constexpr char k_lls[] = "LLS tables";
 constexpr char k_list[] = "The service list";
+constexpr char k_time[] = "Time";
 constexpr char k_signalling[] = "Signalling of services";
 constexpr char k_signatures[] = "Certificates and signatures";
 constexpr char k_guide[] = "The service guide";
 
 constexpr ESeverity k_note = ESeverity::NOTE;
+constexpr ESeverity k_warning = ESeverity::WARNING;
 constexpr ESeverity k_error = ESeverity::ERROR;
 
 }  // namespace
@@ -70,6 +72,56 @@ const std::array<SRule, k_rules> k_ruleTable = {{
      "Nothing, if it is meant; else give the attribute that the message names.", "ATSC A/331 6.3"},
     {ERule::BAD_ADDRESS, k_list, "bad-address", k_error, "The channel is listed and shows nothing.",
      "Give an IPv4 address in dotted form.", "ATSC A/331 6.3"},
+
+    {ERule::NOT_MULTICAST, k_list, "not-multicast", k_warning, "Receivers may not tune to the service's signalling.",
+     "Send the signalling to a multicast address.", "ATSC A/331 6.3"},
+    {ERule::SERVICE_ID_TWICE, k_list, "service-id-twice", k_error,
+     "One of the two channels is missing, or plays the other's programme.",
+     "Give every service of the broadcast a serviceId of its own.", "ATSC A/331 6.3"},
+    {ERule::CHANNEL_TWICE, k_list, "channel-twice", k_warning,
+     "The number leads to one of the two; which, depends on the receiver.",
+     "Give every service a channel number of its own.", "ATSC A/331 6.3"},
+    {ERule::SESSION_TWO_PROTOCOLS, k_list, "session-two-protocols", k_error,
+     "Receivers read packets of one protocol as those of the other: one of the two shows nothing.",
+     "Give each service a session of its own, or mend slsProtocol.", "ATSC A/331 6.3"},
+    {ERule::SESSION_SHARED, k_list, "session-shared", k_warning,
+     "Receivers may take the signalling of one service for that of the other.",
+     "Give the signalling of each service a session of its own.", "ATSC A/331 6.3"},
+    {ERule::CATEGORY_UNKNOWN, k_list, "category-unknown", k_warning, "Receivers may pass over the service.",
+     "Give one of the categories that the standard has.", "ATSC A/331 6.3"},
+    {ERule::PROTOCOL_UNKNOWN, k_list, "protocol-unknown", k_error, "The channel is listed and shows nothing.",
+     "Give slsProtocol 1 (ROUTE) or 2 (MMTP).", "ATSC A/331 6.3"},
+    {ERule::PROTOCOL_VERSION_UNKNOWN, k_list, "protocol-version-unknown", k_warning,
+     "Receivers that do not know the version leave the channel out.", "Give version 1, unless another one is meant.",
+     "ATSC A/331 6.3"},
+    {ERule::URL_TYPE_UNKNOWN, k_list, "url-type-unknown", k_warning, "Receivers pass over the URL.",
+     "Give one of the types that the standard has.", "ATSC A/331 6.3"},
+    {ERule::BROADBAND_WITHOUT_URL, k_list, "broadband-without-url", k_warning,
+     "The service needs the internet, and a receiver does not learn where to ask.",
+     "Give an SvcInetUrl or SLTInetUrl, or leave broadbandAccessRequired out.", "ATSC A/331 6.3"},
+    {ERule::NAME_TOO_LONG, k_list, "name-too-long", k_warning, "Receivers cut the name, or drop the service.",
+     "Give a shortServiceName of up to 7 characters.", "ATSC A/331 6.3"},
+    {ERule::HIDDEN_LINEAR, k_list, "hidden-linear", k_note, "People do not find the channel by browsing.",
+     "Nothing, if it is a test; else leave hidden out.", "ATSC A/331 6.3"},
+    {ERule::SEQUENCE_UNCHANGED, k_list, "sequence-unchanged", k_warning,
+     "Receivers that go by the number keep the old entry.", "Count sltSvcSeqNum up when the service's entry changes.",
+     "ATSC A/331 6.3"},
+    {ERule::SEQUENCE_CHANGED, k_list, "sequence-changed", k_note, "Receivers read the entry again for nothing.",
+     "Leave sltSvcSeqNum as it is while the service's entry does not change.", "ATSC A/331 6.3"},
+    {ERule::TABLE_INTERVAL, k_list, "table-interval", k_warning, "Channels come late after tuning, or time out.",
+     "Send the service list of each group at least every 5 seconds.", "ATSC A/331 6.3"},
+    {ERule::TABLE_ONCE, k_list, "table-once", k_note, "Receivers that tune in later do not have the table.",
+     "Send the table again and again while it holds.", ""},
+
+    {ERule::SYSTEM_TIME, k_time, "system-time", k_error, "The receiver's clock is centuries off: nothing plays.",
+     "Mend ptpPrepend.", "ATSC A/331 6.4"},
+    {ERule::TAI_OFFSET, k_time, "tai-offset", k_warning,
+     "The receiver's clock is off by the difference: programmes begin early or late.",
+     "Give currentUtcOffset 37, unless a leap second has come since.", "ATSC A/331 6.4"},
+    {ERule::UTC_OFFSET, k_time, "utc-offset", k_warning, "The receiver shows a wrong time of day.",
+     "Give the offset of the zone, as a duration such as -PT5H.", "ATSC A/331 6.4"},
+    {ERule::DAYLIGHT_SAVING, k_time, "daylight-saving", k_warning, "The receiver shows a wrong time of day.",
+     "Change utcLocalOffset and dsStatus together.", "ATSC A/331 6.4"},
 
     {ERule::NO_SIGNALLING, k_signalling, "no-signalling", k_error, "The channel is listed and shows nothing.",
      "Send the signalling of the service to the address that the service list gives.", "ATSC A/331 7"},

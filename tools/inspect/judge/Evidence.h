@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "judge/Facts.h"
+#include "model/Delivery.h"
+#include "model/Report.h"
+
+namespace vyr::inspect {
+
+/// The service list that an LLS group has now.
+struct SListFacts {
+    SSource source;
+    SLlsHeader header;
+    int bsid = 0;
+    bool hasUrl = false;  ///< the list as a whole has one
+    std::vector<SSltService> services;
+    bool whole = true;  ///< false: services of it were left out
+};
+
+/// Where a list, or another table, stands: its stream and its LLS group.
+using TListKey = std::pair<std::string, unsigned>;
+
+/// All that is known of one input, for the rules.
+struct SEvidence {
+    std::string file;
+    bool capture = false;           ///< a capture, not a raw file
+    bool sessionsCaptured = false;  ///< something came beside the LLS
+    std::optional<STime> first;     ///< of the capture's packets, the earliest and the latest
+    std::optional<STime> last;
+    std::map<TListKey, SListFacts> lists;
+    std::map<std::string, SPackageFacts> packages;  ///< by what tells the documents of one service from others
+
+    /// The packages whose signalling is that of the service.
+    std::vector<const SPackageFacts*> Of(const SSltService& service) const;
+};
+
+/// Tells findings of one input.
+class CFindings {
+  public:
+    CFindings(CReport& report, std::string file) : m_report(report), m_file(std::move(file)) {}
+
+    const std::string& File() const { return m_file; }
+    void Tell(SFinding finding) { m_report.Finding(std::move(finding)); }
+    /// Of the input as a whole.
+    void Tell(ERule rule, const std::string& message, std::optional<unsigned> service = {},
+              const std::string& session = {})
+    {
+        Tell(rule, message, {m_file, 0, {}}, service, session);
+    }
+    void Tell(ERule rule, const std::string& message, const SSource& source, std::optional<unsigned> service = {},
+              const std::string& session = {})
+    {
+        SFinding finding = {rule, message, source};
+        finding.serviceId = service;
+        finding.session = session;
+        m_report.Finding(std::move(finding));
+    }
+
+  private:
+    CReport& m_report;
+    const std::string m_file;
+};
+
+/// "239.255.7.1:30100": where the list says that the signalling of the service is; empty: nowhere.
+std::string SessionOf(const SSltService& service);
+
+}  // namespace vyr::inspect

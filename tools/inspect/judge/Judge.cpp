@@ -1,0 +1,167 @@
+#include "judge/Judge.h"
+
+#include <algorithm>
+
+#include "base/Text.h"
+#include "model/Content.h"
+#include "model/Guide.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr std::uint32_t k_noAddress = 0xFFFFFFFF;
+
+/// What tells the documents of one service from those of others: the key without the kind.
+std::string PackageKey(const std::string& documentKey)
+{
+    return documentKey.substr(0, documentKey.rfind(' '));
+}
+
+}  // namespace
+
+std::string SessionOf(const SSltService& service)
+{
+    const bool usable = service.hasBroadcastSvcSignaling && service.slsDestinationIpAddress != 0 &&
+                        service.slsDestinationIpAddress != k_noAddress && service.slsDestinationUdpPort > 0 &&
+                        service.slsDestinationUdpPort <= 0xFFFF;
+    return usable ? EndpointText(service.slsDestinationIpAddress, static_cast<unsigned>(service.slsDestinationUdpPort))
+                  : std::string();
+}
+
+std::vector<const SPackageFacts*> SEvidence::Of(const SSltService& service) const
+{
+    std::vector<const SPackageFacts*> own;
+    std::vector<const SPackageFacts*> others;
+    const std::string session = SessionOf(service);
+    for (const auto& [key, package] : packages) {
+        if (session.empty() || package.session != session) {
+            continue;
+        }
+        const bool its = package.usbd && package.usbd->serviceId == unsigned{service.serviceId};
+        (its ? own : others).push_back(&package);
+    }
+    return own.empty() ? others : own;
+}
+
+CJudge::CJudge(CReport& report, const std::string& file, bool capture, const SRuleSettings& settings)
+    : m_report(report), m_findings(report, file)
+{
+    m_evidence.file = file;
+    m_evidence.capture = capture;
+    m_rules.push_back(ListRules(m_evidence, m_findings, settings));
+    m_rules.push_back(TimeRules(m_evidence, m_findings));
+    m_report.SetWitness(this);
+}
+
+CJudge::~CJudge()
+{
+    m_report.SetWitness(nullptr);
+}
+
+void CJudge::Table(const STable& table)
+{
+    for (const auto& rules : m_rules) {
+        rules->Table(table);
+    }
+    if (!table.slt) {
+        return;
+    }
+    const TListKey key = {table.stream, table.header.groupId};
+    const auto known = m_evidence.lists.find(key);
+    m_services -= known != m_evidence.lists.end() ? known->second.services.size() : 0;
+    const std::size_t count = std::min(table.slt->services.size(), k_mostServices - m_services);
+    if (known == m_evidence.lists.end() && m_evidence.lists.size() == k_mostLists) {
+        return;
+    }
+    SListFacts& list = m_evidence.lists[key];
+    list = {table.source, table.header, table.slt->bsid, !table.slt->inetUrls.empty(), {},
+            table.slt->leftOut == 0 && count == table.slt->services.size()};
+    list.services.assign(table.slt->services.begin(),
+                         table.slt->services.begin() + static_cast<std::ptrdiff_t>(count));
+    m_services += count;
+}
+
+void CJudge::Signalling(const SSignalling& signalling)
+{
+    for (const auto& rules : m_rules) {
+        rules->Signalling(signalling);
+    }
+    for (const SSlsDocument& document : signalling.documents) {
+        const std::string key = PackageKey(document.key);
+        if (m_evidence.packages.size() >= k_mostPackages && m_evidence.packages.count(key) == 0) {
+            continue;
+        }
+        SPackageFacts& package = m_evidence.packages[key];
+        package.session = signalling.session;
+        package.announced = signalling.services;
+        if (document.status == EDocumentStatus::UNCHANGED) {
+            continue;
+        }
+        package.source = signalling.source;
+        package.broken[document.kind] = !document.parsed;
+        if (!document.parsed || !document.content) {
+            continue;
+        }
+        package.documentSource[document.kind] = signalling.source;
+        m_Hold(package, document);
+    }
+}
+
+/// Takes the facts of a document in place of those of the last of its kind; of one that is too much, that there is one.
+void CJudge::m_Hold(SPackageFacts& package, const SSlsDocument& document)
+{
+    const TJson& json = document.content->json;
+    m_bytes -= package.Bytes();
+    const auto hold = [&](auto& held, auto facts) {
+        held.reset();
+        if (m_bytes + package.Bytes() + facts.Bytes() > k_mostBytes) {
+            facts = {};
+            facts.whole = false;
+        }
+        held = std::move(facts);
+    };
+    if (document.kind == ESlsDocument::USBD) {
+        hold(package.usbd, UsbdFacts(json));
+    } else if (document.kind == ESlsDocument::STSID) {
+        hold(package.stsid, StsidFacts(json));
+    } else if (document.kind == ESlsDocument::MPD) {
+        hold(package.mpd, MpdFacts(json));
+    }
+    m_bytes += package.Bytes();
+}
+
+void CJudge::Message(const SMessage& message)
+{
+    for (const auto& rules : m_rules) {
+        rules->Message(message);
+    }
+}
+
+void CJudge::GuideObject(const SGuideObject& object)
+{
+    for (const auto& rules : m_rules) {
+        rules->GuideObject(object);
+    }
+}
+
+void CJudge::Guide(const SGuide& guide)
+{
+    for (const auto& rules : m_rules) {
+        rules->Guide(guide);
+    }
+}
+
+void CJudge::Finding(const SFinding&) {}
+
+void CJudge::Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* delivery)
+{
+    m_evidence.first = times.first;
+    m_evidence.last = times.last;
+    m_evidence.sessionsCaptured = sessionsCaptured;
+    for (const auto& rules : m_rules) {
+        rules->Finish(delivery);
+    }
+}
+
+}  // namespace vyr::inspect

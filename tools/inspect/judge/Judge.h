@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "judge/Rules.h"
+#include "model/Witness.h"
+
+namespace vyr::inspect {
+
+/// Holds everything that comes of one input against the rules.
+class CJudge : public IWitness {
+  public:
+    /// The report outlives the judge, and tells it of what comes while there is one.
+    CJudge(CReport& report, const std::string& file, bool capture, const SRuleSettings& settings);
+    ~CJudge() override;
+    CJudge(const CJudge&) = delete;
+    CJudge& operator=(const CJudge&) = delete;
+
+    void Table(const STable& table) override;
+    void Signalling(const SSignalling& signalling) override;
+    void Message(const SMessage& message) override;
+    void GuideObject(const SGuideObject& object) override;
+    void Guide(const SGuide& guide) override;
+    void Finding(const SFinding& finding) override;
+
+    /// The end of the input. Of a capture, names in `delivery` what signalling names, and judges it; null for a raw
+    /// file.
+    void Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* delivery);
+
+  private:
+    static constexpr std::size_t k_mostLists = 256;
+    static constexpr std::size_t k_mostServices = 16384;  ///< of all lists
+    static constexpr std::size_t k_mostPackages = 4096;
+    static constexpr std::size_t k_mostBytes = 33554432;  ///< of the facts of all packages, about
+
+    void m_Hold(SPackageFacts& package, const SSlsDocument& document);
+
+    CReport& m_report;
+    SEvidence m_evidence;
+    std::size_t m_services = 0;
+    std::size_t m_bytes = 0;  ///< of the facts of all packages
+    CFindings m_findings;
+    std::vector<std::unique_ptr<CRules>> m_rules;
+};
+
+}  // namespace vyr::inspect

@@ -1,0 +1,279 @@
+#include <algorithm>
+#include <set>
+#include <tuple>
+
+#include "base/Names.h"
+#include "base/Text.h"
+#include "judge/Rules.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr unsigned k_slt = 1;
+constexpr int k_linear = 1;
+constexpr int k_linearAudio = 2;
+constexpr int k_route = 1;
+
+std::string Title(const SSltService& service)
+{
+    return "service " + std::to_string(service.serviceId) +
+           (service.shortServiceName ? ' ' + Quoted(*service.shortServiceName) : std::string());
+}
+
+std::string ChannelText(const SSltService& service)
+{
+    return std::to_string(service.majorChannelNo) + '.' + std::to_string(service.minorChannelNo);
+}
+
+std::size_t Characters(const std::string& utf8)
+{
+    return static_cast<std::size_t>(
+        std::count_if(utf8.begin(), utf8.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
+}
+
+/// Everything that a list says of a service but its sltSvcSeqNum.
+auto Entry(const SSltService& one)
+{
+    return std::make_tuple(
+        std::tie(one.globalServiceId, one.isProtected, one.majorChannelNo, one.minorChannelNo, one.simulcastTsid,
+                 one.simulcastMajorChannelNo, one.simulcastMinorChannelNo, one.serviceCategory, one.shortServiceName,
+                 one.hidden, one.broadbandAccessRequired, one.svcCapabilities),
+        std::tie(one.hasBroadcastSvcSignaling, one.drmSystemID, one.slsProtocol, one.slsMajorProtocolVersion,
+                 one.slsMinorProtocolVersion, one.slsDestinationIpAddress, one.slsDestinationUdpPort,
+                 one.slsSourceIpAddress, one.svcInetUrl.url, one.svcInetUrl.urlType, one.hideInGuide,
+                 one.configuration));
+}
+
+/// What service lists say against themselves, each other and their last versions, and when they come.
+class CListRules : public CRules {
+  public:
+    CListRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings)
+        : CRules(evidence, findings), m_settings(settings)
+    {
+    }
+
+    void Table(const STable& table) override;
+    void Finish(const SDelivery* delivery) override;
+
+  private:
+    using TSession = std::pair<std::uint32_t, int>;
+
+    void m_Tell(ERule rule, const STable& table, const SSltService* service, const std::string& message);
+    void m_Service(const STable& table, const SSltService& service);
+    void m_Together(const STable& table);
+    void m_Changes(const STable& table);
+    void m_Intervals(const SDelivery& delivery);
+
+    const SRuleSettings m_settings;
+    std::map<std::tuple<std::string, unsigned, unsigned>, SArrivals> m_arrivals;  ///< by stream, table and group
+};
+
+void CListRules::m_Tell(ERule rule, const STable& table, const SSltService* service, const std::string& message)
+{
+    SFinding finding = {rule, message, table.source, table.header};
+    if (service != nullptr) {
+        finding.serviceId = service->serviceId;
+        finding.session = SessionOf(*service);
+    }
+    t_findings.Tell(finding);
+}
+
+void CListRules::Table(const STable& table)
+{
+    constexpr std::size_t k_mostTables = 4096;
+    const std::tuple key(table.stream, unsigned{table.header.tableId}, unsigned{table.header.groupId});
+    if (m_arrivals.size() < k_mostTables || m_arrivals.count(key) != 0) {
+        m_arrivals[key].Add(table.source);
+    }
+    if (!table.slt) {
+        return;
+    }
+    for (const SSltService& service : table.slt->services) {
+        m_Service(table, service);
+    }
+    m_Together(table);
+    m_Changes(table);
+}
+
+/// What is wrong with one service, whatever else is there.
+void CListRules::m_Service(const STable& table, const SSltService& service)
+{
+    using SService = SParseSLT::SService;
+    constexpr std::size_t k_longestName = 7;
+    const std::string title = Title(service);
+    if ((service.given & SService::GIVEN_CATEGORY) != 0 && ServiceCategoryName(service.serviceCategory) == nullptr) {
+        m_Tell(ERule::CATEGORY_UNKNOWN, table, &service,
+               title + " is of category " + std::to_string(service.serviceCategory) + ", which is none");
+    }
+    const bool linear = service.serviceCategory == k_linear || service.serviceCategory == k_linearAudio;
+    if (linear && service.hidden) {
+        m_Tell(ERule::HIDDEN_LINEAR, table, &service, title + " is a linear service, and hidden");
+    }
+    if (service.shortServiceName && Characters(*service.shortServiceName) > k_longestName) {
+        m_Tell(ERule::NAME_TOO_LONG, table, &service,
+               "the name of " + title + " has " + std::to_string(Characters(*service.shortServiceName)) +
+                   " characters, more than " + std::to_string(k_longestName));
+    }
+    if (service.broadbandAccessRequired && service.svcInetUrl.url.empty() && table.slt->inetUrls.empty()) {
+        m_Tell(ERule::BROADBAND_WITHOUT_URL, table, &service, title + " needs broadband, and the list has no URL");
+    }
+    if (service.svcInetUrl.present && service.svcInetUrl.urlType >= 0 &&
+        UrlTypeName(service.svcInetUrl.urlType) == nullptr) {
+        m_Tell(ERule::URL_TYPE_UNKNOWN, table, &service,
+               title + " has a URL of type " + std::to_string(service.svcInetUrl.urlType) + ", which is none");
+    }
+    if (!service.hasBroadcastSvcSignaling) {
+        return;
+    }
+    if (ProtocolName(service.slsProtocol) == nullptr) {
+        m_Tell(ERule::PROTOCOL_UNKNOWN, table, &service,
+               title + " is signalled by protocol " + std::to_string(service.slsProtocol) + ", which is none");
+    }
+    if ((service.given & SService::GIVEN_SLS_MAJOR_VERSION) != 0 && service.slsMajorProtocolVersion != 1) {
+        m_Tell(ERule::PROTOCOL_VERSION_UNKNOWN, table, &service,
+               title + " is signalled by version " + std::to_string(service.slsMajorProtocolVersion) + '.' +
+                   std::to_string(service.slsMinorProtocolVersion) + " of its protocol: receivers know version 1");
+    }
+    constexpr std::uint32_t k_multicast = 0xE;
+    if (!SessionOf(service).empty() && service.slsDestinationIpAddress >> 28 != k_multicast) {
+        m_Tell(ERule::NOT_MULTICAST, table, &service,
+               "the signalling of " + title + " is sent to " + SessionOf(service) + ", which is no multicast address");
+    }
+}
+
+/// Services that contradict each other: of this list, and of the other lists that hold.
+void CListRules::m_Together(const STable& table)
+{
+    std::map<unsigned, const SSltService*> ids;
+    std::map<std::pair<int, int>, const SSltService*> channels;
+    std::map<std::string, const SSltService*> sessions;
+    std::set<const SSltService*> own;
+    const auto place = [&](const SSltService& other) {
+        return own.count(&other) != 0 ? std::string() : " (of another list)";
+    };
+    const auto look = [&](const SSltService& service, bool tell) {
+        if (!service.notListed.empty()) {
+            return;  // it was told why, which may be just this
+        }
+        own.insert(tell ? &service : nullptr);
+        const auto [id, newId] = ids.try_emplace(service.serviceId, &service);
+        const bool numbered = service.majorChannelNo > 0 && service.minorChannelNo > 0;
+        const auto [channel, newChannel] = numbered
+            ? channels.try_emplace({service.majorChannelNo, service.minorChannelNo}, &service)
+            : std::pair(channels.end(), true);
+        const std::string address = SessionOf(service);
+        const auto [session, newSession] =
+            !address.empty() ? sessions.try_emplace(address, &service) : std::pair(sessions.end(), true);
+        if (!tell) {
+            return;
+        }
+        if (!newId) {
+            m_Tell(ERule::SERVICE_ID_TWICE, table, &service,
+                   Title(service) + " has the serviceId of " + Title(*id->second) + place(*id->second));
+        }
+        if (!newChannel && newId) {
+            m_Tell(ERule::CHANNEL_TWICE, table, &service,
+                   Title(service) + " has channel " + ChannelText(service) + ", as " + Title(*channel->second) +
+                       place(*channel->second));
+        }
+        if (newSession || !newId) {
+            return;
+        }
+        const SSltService& other = *session->second;
+        const bool apart = service.slsSourceIpAddress != other.slsSourceIpAddress && service.slsSourceIpAddress != 0 &&
+                           other.slsSourceIpAddress != 0;
+        if (service.slsProtocol != other.slsProtocol) {
+            m_Tell(ERule::SESSION_TWO_PROTOCOLS, table, &service,
+                   Title(service) + " and " + Title(other) + place(other) + " are signalled on " + address +
+                       " by different protocols");
+        } else if (service.slsProtocol == k_route && !apart) {
+            m_Tell(ERule::SESSION_SHARED, table, &service,
+                   Title(service) + " and " + Title(other) + place(other) + " are signalled on the same session, " + address);
+        }
+    };
+    for (const auto& [key, list] : t_evidence.lists) {
+        if (key != TListKey(table.stream, table.header.groupId)) {
+            for (const SSltService& service : list.services) {
+                look(service, false);
+            }
+        }
+    }
+    for (const SSltService& service : table.slt->services) {
+        look(service, true);
+    }
+}
+
+/// Holds the list against the last one of its group.
+void CListRules::m_Changes(const STable& table)
+{
+    using SService = SParseSLT::SService;
+    const auto last = t_evidence.lists.find({table.stream, table.header.groupId});
+    if (last == t_evidence.lists.end()) {
+        return;
+    }
+    std::map<unsigned, const SSltService*> before;
+    for (const SSltService& service : last->second.services) {
+        before.emplace(service.serviceId, &service);
+    }
+    for (const SSltService& service : table.slt->services) {
+        const auto known = before.find(service.serviceId);
+        if (known == before.end() || (service.given & known->second->given & SService::GIVEN_SEQ_NUM) == 0 ||
+            !service.notListed.empty() || !known->second->notListed.empty()) {
+            continue;
+        }
+        const bool sameNumber = service.sltSvcSeqNum == known->second->sltSvcSeqNum;
+        const bool same = Entry(service) == Entry(*known->second);
+        if (sameNumber && !same) {
+            m_Tell(ERule::SEQUENCE_UNCHANGED, table, &service,
+                   Title(service) + " changed, and its sltSvcSeqNum is still " + std::to_string(service.sltSvcSeqNum));
+        } else if (!sameNumber && same) {
+            m_Tell(ERule::SEQUENCE_CHANGED, table, &service,
+                   "the sltSvcSeqNum of " + Title(service) + " went from " +
+                       std::to_string(known->second->sltSvcSeqNum) + " to " + std::to_string(service.sltSvcSeqNum) +
+                       ", and nothing else changed");
+        }
+    }
+}
+
+/// A list that is changed is told of as one; a table that cannot be expected to come again is not judged.
+void CListRules::m_Intervals(const SDelivery& delivery)
+{
+    const double limit = m_settings.longestInterval;
+    for (const auto& [key, arrivals] : m_arrivals) {
+        const auto& [stream, tableId, group] = key;
+        const char* name = TableName(tableId);
+        const std::string title =
+            (name != nullptr ? name : "table " + std::to_string(tableId)) + " of group " + std::to_string(group);
+        const double before = arrivals.first.time ? Seconds(*arrivals.first.time) - Seconds(*delivery.traffic.first) : 0;
+        const double after = arrivals.last.time ? Seconds(*delivery.traffic.last) - Seconds(*arrivals.last.time) : 0;
+        if (tableId == k_slt && arrivals.longest > limit) {
+            t_findings.Tell(ERule::TABLE_INTERVAL,
+                            title + ": " + NumberText(arrivals.longest) + " s between two of them", arrivals.longestEnd);
+        } else if (tableId == k_slt && std::max(before, after) > limit) {
+            t_findings.Tell(ERule::TABLE_INTERVAL,
+                            title + ": none in the " + (after > limit ? "last " : "first ") +
+                                NumberText(after > limit ? after : before) + " s of the capture",
+                            after > limit ? arrivals.last : arrivals.first);
+        } else if (arrivals.count < 2 && after > limit) {
+            t_findings.Tell(ERule::TABLE_ONCE, title + " came once, and not again for " + NumberText(after) + " s",
+                            arrivals.last);
+        }
+    }
+}
+
+void CListRules::Finish(const SDelivery* delivery)
+{
+    if (delivery != nullptr && delivery->clockSet == 0 && delivery->traffic.first && delivery->traffic.last) {
+        m_Intervals(*delivery);
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<CRules> ListRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings)
+{
+    return std::make_unique<CListRules>(evidence, findings, settings);
+}
+
+}  // namespace vyr::inspect

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "judge/Evidence.h"
+
+namespace vyr::inspect {
+
+/// What the user of the tool sets of the rules.
+struct SRuleSettings {
+    double longestInterval = 5;  ///< seconds between two service lists, or two rounds of signalling
+};
+
+/// A group of rules: is told of what comes, and judges at once, or at the end of the input.
+class CRules {
+  public:
+    CRules(const SEvidence& evidence, CFindings& findings) : t_evidence(evidence), t_findings(findings) {}
+    virtual ~CRules() = default;
+    CRules(const CRules&) = delete;
+    CRules& operator=(const CRules&) = delete;
+
+    /// Before the evidence has it.
+    virtual void Table(const STable&) {}
+    virtual void Signalling(const SSignalling&) {}
+    virtual void Message(const SMessage&) {}
+    virtual void GuideObject(const SGuideObject&) {}
+    virtual void Guide(const SGuide&) {}
+    /// The end of the input; `delivery` is null for a raw file.
+    virtual void Finish(const SDelivery* /*delivery*/) {}
+
+  protected:
+    const SEvidence& t_evidence;
+    CFindings& t_findings;
+};
+
+std::unique_ptr<CRules> ListRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
+std::unique_ptr<CRules> TimeRules(const SEvidence& evidence, CFindings& findings);
+
+}  // namespace vyr::inspect
