@@ -17,6 +17,7 @@
 #include "follow/MmtFollower.h"
 #include "follow/RouteFollower.h"
 #include "follow/SlsFollower.h"
+#include "measure/Traffic.h"
 #include "wire/LinkLayer.h"
 
 namespace vyr::inspect {
@@ -37,6 +38,29 @@ std::string Busiest(const std::map<std::pair<std::uint32_t, std::uint16_t>, std:
         text += (i == 0 ? "" : ", ") + sorted[i].second + " (" + std::to_string(sorted[i].first) + ')';
     }
     return text;
+}
+
+/// What the user of the tool says of the sessions of a capture.
+void AnnounceOptions(const SOptions& options, CTraffic& traffic)
+{
+    const auto announce = [&traffic](const auto& endpoints, EDeliveryProtocol protocol) {
+        for (const auto& [destination, port] : endpoints) {
+            traffic.Announce({destination, port, 0}, protocol);
+        }
+    };
+    announce(options.llsStreams, EDeliveryProtocol::LLS);
+    announce(options.routeSessions, EDeliveryProtocol::ROUTE);
+    announce(options.mmtpSessions, EDeliveryProtocol::MMTP);
+}
+
+void AnnounceServices(const std::vector<SListedService>& services, CTraffic& traffic)
+{
+    for (const SListedService& service : services) {
+        const EDeliveryProtocol protocol = service.slsProtocol == 1   ? EDeliveryProtocol::ROUTE
+                                           : service.slsProtocol == 2 ? EDeliveryProtocol::MMTP
+                                                                      : EDeliveryProtocol::UNKNOWN;
+        traffic.Announce(service.session, protocol, service.serviceId);
+    }
 }
 
 /// Of what begins like an LLS table of id 2 (RRT): whether it is a message that fits the file, and no table
@@ -140,10 +164,13 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
     CGuideSessions guideSessions(guide, m_report);
     const std::unique_ptr<CSessionFollower> sessions[] = {FollowRoute(m_options.routeSessions, guideSessions, m_report),
                                                           FollowMmtp(m_options.mmtpSessions, m_report)};
+    CTraffic traffic;
+    AnnounceOptions(m_options, traffic);
     for (const auto& [stream, follower] : followers) {
         const TEndpoint& lls = stream;
         follower->SetServiceListener(
-            [&sessions, &guide, lls](unsigned char groupId, const std::vector<SListedService>& services) {
+            [&sessions, &guide, &traffic, lls](unsigned char groupId, const std::vector<SListedService>& services) {
+                AnnounceServices(services, traffic);
                 for (const auto& protocol : sessions) {
                     protocol->Announce({lls, groupId}, services);
                 }
@@ -156,6 +183,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
     bool sessionsCaptured = false;
     CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) {
         const TEndpoint endpoint = {datagram.destination, datagram.destinationPort};
+        traffic.Take(datagram, source.time);
         if (const auto follower = followers.find(endpoint); follower != followers.end()) {
             follower->second->Take(datagram.payload, source);
             return;
@@ -180,6 +208,10 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             m_Finish(*follower);
         }
         if (!m_output.Ended()) {
+            guideSessions.Each([&traffic](const SServiceSession& session, std::uint64_t tsi) {
+                traffic.Name(session, tsi, "service guide");
+            });
+            const SDelivery delivery = traffic.Result({name, 0, {}});
             const auto services = [this] { return m_report.Summary().routeServices + m_report.Summary().mmtpServices; };
             const std::uint64_t before = services();
             for (const auto& protocol : sessions) {
@@ -196,6 +228,9 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             guideSessions.Finish(name);
             guide.Finish(name, true);
             m_CaptureFaults(name, decoder.Counts(), followers, destinations);
+            if (delivery.traffic.packets != 0) {
+                m_report.Delivery(delivery);
+            }
         }
     };
     SPacket packet;

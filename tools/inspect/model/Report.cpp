@@ -79,6 +79,11 @@ void CReport::Guide(const SGuide& guide)
     m_Tell([&](IReportWriter& writer) { writer.Guide(guide); });
 }
 
+void CReport::Delivery(const SDelivery& delivery)
+{
+    m_Tell([&](IReportWriter& writer) { writer.Delivery(delivery); });
+}
+
 void CReport::Fault(SFault fault)
 {
     fault.message = Clipped(fault.message, Limit(k_longestMessage));
