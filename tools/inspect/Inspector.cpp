@@ -17,6 +17,8 @@
 #include "follow/MmtFollower.h"
 #include "follow/RouteFollower.h"
 #include "follow/SlsFollower.h"
+#include "judge/Judge.h"
+#include "measure/Traffic.h"
 #include "wire/LinkLayer.h"
 
 namespace vyr::inspect {
@@ -37,6 +39,29 @@ std::string Busiest(const std::map<std::pair<std::uint32_t, std::uint16_t>, std:
         text += (i == 0 ? "" : ", ") + sorted[i].second + " (" + std::to_string(sorted[i].first) + ')';
     }
     return text;
+}
+
+/// What the user of the tool says of the sessions of a capture.
+void AnnounceOptions(const SOptions& options, CTraffic& traffic)
+{
+    const auto announce = [&traffic](const auto& endpoints, EDeliveryProtocol protocol) {
+        for (const auto& [destination, port] : endpoints) {
+            traffic.Announce({destination, port, 0}, protocol);
+        }
+    };
+    announce(options.llsStreams, EDeliveryProtocol::LLS);
+    announce(options.routeSessions, EDeliveryProtocol::ROUTE);
+    announce(options.mmtpSessions, EDeliveryProtocol::MMTP);
+}
+
+void AnnounceServices(const std::vector<SListedService>& services, CTraffic& traffic)
+{
+    for (const SListedService& service : services) {
+        const EDeliveryProtocol protocol = service.slsProtocol == 1   ? EDeliveryProtocol::ROUTE
+                                           : service.slsProtocol == 2 ? EDeliveryProtocol::MMTP
+                                                                      : EDeliveryProtocol::UNKNOWN;
+        traffic.Announce(service.session, protocol, service.serviceId);
+    }
 }
 
 /// Of what begins like an LLS table of id 2 (RRT): whether it is a message that fits the file, and no table
@@ -109,10 +134,13 @@ void CInspector::m_Inspect(const std::string& name)
 {
     CInput input(name);
     m_report.Received(input.Bytes().size);  // none of a capture
+    CJudge judge(m_report, name, input.IsCapture(), m_options.rules);
     if (input.IsCapture()) {
         ++m_report.Summary().captures;
-        m_Capture(input, name);
-    } else if (input.IsText()) {
+        m_Capture(input, name, judge);
+        return;
+    }
+    if (input.IsText()) {
         if (!m_GuideFile(input.Bytes(), name)) {
             m_SlsFile(input.Bytes(), name);
         }
@@ -124,9 +152,10 @@ void CInspector::m_Inspect(const std::string& name)
         ++m_report.Summary().rawTables;
         m_RawTable(input.Bytes(), name);
     }
+    judge.Finish({}, false, nullptr);
 }
 
-void CInspector::m_Capture(CInput& input, const std::string& name)
+void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge)
 {
     if (!CPacketDecoder::Knows(input.LinkType())) {
         throw CInputError(ERule::LINK_TYPE, "packets of link type " + input.LinkTypeText() + " cannot be read");
@@ -140,10 +169,13 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
     CGuideSessions guideSessions(guide, m_report);
     const std::unique_ptr<CSessionFollower> sessions[] = {FollowRoute(m_options.routeSessions, guideSessions, m_report),
                                                           FollowMmtp(m_options.mmtpSessions, m_report)};
+    CTraffic traffic;
+    AnnounceOptions(m_options, traffic);
     for (const auto& [stream, follower] : followers) {
         const TEndpoint& lls = stream;
         follower->SetServiceListener(
-            [&sessions, &guide, lls](unsigned char groupId, const std::vector<SListedService>& services) {
+            [&sessions, &guide, &traffic, lls](unsigned char groupId, const std::vector<SListedService>& services) {
+                AnnounceServices(services, traffic);
                 for (const auto& protocol : sessions) {
                     protocol->Announce({lls, groupId}, services);
                 }
@@ -156,6 +188,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
     bool sessionsCaptured = false;
     CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) {
         const TEndpoint endpoint = {datagram.destination, datagram.destinationPort};
+        traffic.Take(datagram, source.time);
         if (const auto follower = followers.find(endpoint); follower != followers.end()) {
             follower->second->Take(datagram.payload, source);
             return;
@@ -180,6 +213,10 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             m_Finish(*follower);
         }
         if (!m_output.Ended()) {
+            guideSessions.Each([&traffic](const SServiceSession& session, std::uint64_t tsi) {
+                traffic.Name(session, tsi, "service guide");
+            });
+            SDelivery delivery = traffic.Result({name, 0, {}});
             const auto services = [this] { return m_report.Summary().routeServices + m_report.Summary().mmtpServices; };
             const std::uint64_t before = services();
             for (const auto& protocol : sessions) {
@@ -194,6 +231,10 @@ void CInspector::m_Capture(CInput& input, const std::string& name)
             guideSessions.Finish(name);
             guide.Finish(name, true);
             m_CaptureFindings(name, decoder.Counts(), followers, destinations);
+            judge.Finish(times, sessionsCaptured, &delivery);
+            if (delivery.traffic.packets != 0) {
+                m_report.Delivery(delivery);
+            }
         }
     };
     SPacket packet;

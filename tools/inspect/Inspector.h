@@ -17,6 +17,8 @@
 
 namespace vyr::inspect {
 
+class CJudge;
+
 /// One run of the tool: reads every input, and gives each stream it finds to that stream's follower.
 /// Inputs are broadcasts of their own: nothing is carried from one to the next.
 class CInspector {
@@ -36,7 +38,7 @@ class CInspector {
     static constexpr std::size_t k_maxDestinations = 4096;
 
     void m_Inspect(const std::string& name);
-    void m_Capture(CInput& input, const std::string& name);
+    void m_Capture(CInput& input, const std::string& name, CJudge& judge);
     void m_RawTable(SView table, const std::string& name);
     bool m_GuideFile(SView bytes, const std::string& name);
     void m_SlsFile(SView bytes, const std::string& name);

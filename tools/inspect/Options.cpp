@@ -194,6 +194,11 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     addEach("--severity", "RULE=LEVEL", severities, "Make it an error, a warning or a note; may be repeated");
     app.add_option("--fail-on", failOn, "Exit with status 1 from that level on: error (default), warning or note")
         ->type_name("LEVEL");
+    app.add_option("--max-interval", options.rules.longestInterval,
+                   "Longest time between two service lists of a group, or two rounds of signalling, that is no warning "
+                   "(5)")
+        ->type_name("SECONDS")
+        ->check(CLI::PositiveNumber);
     app.add_flag_callback(
         "--rules",
         [&] {

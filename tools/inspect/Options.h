@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "judge/Rules.h"
 #include "model/Rule.h"
 #include "platform/Platform.h"
 
@@ -29,6 +30,7 @@ struct SOptions {
     bool noLimit = false;
     bool full = false;
     CSeverities severities;
+    SRuleSettings rules;
     ESeverity failOn = ESeverity::ERROR;
     bool progress = false;
 };

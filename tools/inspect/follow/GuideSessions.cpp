@@ -43,6 +43,7 @@ class CGuideSessions::CStream {
         return m_tsi == other.m_tsi && !(m_session < other.m_session) && !(other.m_session < m_session);
     }
 
+    const SServiceSession& Session() const { return m_session; }
     TEndpoint Endpoint() const { return {m_session.destination, m_session.port}; }
     std::uint64_t Tsi() const { return m_tsi; }
     const std::string& Name() const { return m_name; }
@@ -217,6 +218,13 @@ bool CGuideSessions::Take(const SDatagram& datagram, const SSource& source)
         }
     }
     return taken;
+}
+
+void CGuideSessions::Each(const std::function<void(const SServiceSession&, std::uint64_t)>& visit) const
+{
+    for (const auto& [endpoint, stream] : m_streams) {
+        visit(stream->Session(), stream->Tsi());
+    }
 }
 
 void CGuideSessions::Finish(const std::string& file)

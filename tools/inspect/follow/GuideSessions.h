@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -34,6 +35,8 @@ class CGuideSessions {
     void Release(const SServiceSession& session);
     /// Takes a datagram; false: it belongs to none of the sessions.
     bool Take(const SDatagram& datagram, const SSource& source);
+    /// Calls with every LCT session that is followed now, and its TSI.
+    void Each(const std::function<void(const SServiceSession&, std::uint64_t)>& visit) const;
     /// The end of the input: adds to the summary, and tells which guides did not come.
     void Finish(const std::string& file);
 

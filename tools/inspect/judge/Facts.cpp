@@ -45,11 +45,16 @@ std::string TypeOf(const TJson& level)
 bool PatternsOf(const TJson& method, const char* service, std::vector<std::string>& patterns)
 {
     bool whole = true;
-    whole = Each(method, service, [&](const TJson& app) {
-        whole = Each(app, "BasePattern", [&](const TJson& pattern) {
-            whole = (!pattern.is_string() || Add(patterns, pattern.get<std::string>())) && whole;
-        }) && whole;
-    }) && whole;
+    whole = Each(method, service,
+                 [&](const TJson& app) {
+                     whole = Each(app, "BasePattern",
+                                  [&](const TJson& pattern) {
+                                      whole =
+                                          (!pattern.is_string() || Add(patterns, pattern.get<std::string>())) && whole;
+                                  }) &&
+                             whole;
+                 }) &&
+            whole;
     return whole;
 }
 
@@ -60,13 +65,15 @@ void ReadEfdt(const TJson& efdt, SLctFacts& lct, bool& whole)
     const std::optional<std::uint64_t> expires = Unsigned(instance, "Expires");
     lct.expires = expires ? std::max(lct.expires.value_or(0), *expires) : lct.expires;
     lct.fileTemplate = Either(Either(Text(instance, "fileTemplate"), Text(efdt, "fileTemplate")), lct.fileTemplate);
-    whole = Each(instance, "File", [&](const TJson& file) {
-        const std::optional<std::uint64_t> toi = Unsigned(file, "TOI");
-        const std::optional<std::uint64_t> sent = Unsigned(file, "Transfer-Length");
-        if (toi) {
-            whole = Add(lct.files, {{0, *toi}, Text(file, "Content-Location"), sent}) && whole;
-        }
-    }) && whole;
+    whole = Each(instance, "File",
+                 [&](const TJson& file) {
+                     const std::optional<std::uint64_t> toi = Unsigned(file, "TOI");
+                     const std::optional<std::uint64_t> sent = Unsigned(file, "Transfer-Length");
+                     if (toi) {
+                         whole = Add(lct.files, {{0, *toi}, Text(file, "Content-Location"), sent}) && whole;
+                     }
+                 }) &&
+            whole;
 }
 
 /// What the level says of protection, base URL and segments, on top of the level above.
@@ -106,10 +113,13 @@ SUsbdFacts UsbdFacts(const TJson& usbd)
     const std::uint64_t id = Unsigned(usbd, "serviceId").value_or(k_notGiven);
     facts.serviceId = id != k_notGiven ? std::optional<unsigned>(static_cast<unsigned>(id)) : std::nullopt;
     facts.globalServiceId = Text(usbd, "globalServiceID");
-    facts.whole = Each(usbd, "DeliveryMethod", [&](const TJson& method) {
-        const bool broadcast = PatternsOf(method, "BroadcastAppService", facts.broadcast);
-        facts.whole = PatternsOf(method, "UnicastAppService", facts.unicast) && broadcast && facts.whole;
-    }) && facts.whole;
+    facts.whole = Each(usbd, "DeliveryMethod",
+                       [&](const TJson& method) {
+                           const bool broadcast = PatternsOf(method, "BroadcastAppService", facts.broadcast);
+                           facts.whole =
+                               PatternsOf(method, "UnicastAppService", facts.unicast) && broadcast && facts.whole;
+                       }) &&
+                  facts.whole;
     return facts;
 }
 
@@ -117,31 +127,42 @@ SStsidFacts StsidFacts(const TJson& stsid)
 {
     SStsidFacts facts;
     bool& whole = facts.whole;
-    whole = Each(stsid, "RS", [&](const TJson& route) {
-        const std::string address = Text(route, "dIpAddr");
-        const std::optional<std::uint64_t> port = Unsigned(route, "dPort");
-        whole = Each(route, "LS", [&](const TJson& ls) {
-            SLctFacts lct;
-            lct.destination = !address.empty() && port ? address + ':' + std::to_string(*port) : std::string();
-            lct.source = Text(route, "sIpAddr");
-            lct.tsi = Unsigned(ls, "tsi").value_or(0);
-            lct.bandwidth = Unsigned(ls, "bw");
-            lct.startTime = Text(ls, "startTime");
-            lct.endTime = Text(ls, "endTime");
-            whole = Each(ls, "SrcFlow", [&](const TJson& flow) {
-                const TJson& content = Field(flow, "ContentInfo");
-                const TJson& media = Field(content, "MediaInfo");
-                lct.sourceFlow = true;
-                lct.realTime = lct.realTime || Flag(flow, "rt").value_or(false);
-                lct.contentId = Text(content, "contentId");
-                lct.contentType = Text(media, "contentType");
-                lct.lang = Text(media, "lang");
-                lct.repId = Text(media, "repId");
-                whole = Each(flow, "EFDT", [&](const TJson& efdt) { ReadEfdt(efdt, lct, whole); }) && whole;
-            }) && whole;
-            whole = Add(facts.sessions, std::move(lct)) && whole;
-        }) && whole;
-    }) && whole;
+    whole = Each(stsid, "RS",
+                 [&](const TJson& route) {
+                     const std::string address = Text(route, "dIpAddr");
+                     const std::optional<std::uint64_t> port = Unsigned(route, "dPort");
+                     whole =
+                         Each(route, "LS",
+                              [&](const TJson& ls) {
+                                  SLctFacts lct;
+                                  lct.destination =
+                                      !address.empty() && port ? address + ':' + std::to_string(*port) : std::string();
+                                  lct.source = Text(route, "sIpAddr");
+                                  lct.tsi = Unsigned(ls, "tsi").value_or(0);
+                                  lct.bandwidth = Unsigned(ls, "bw");
+                                  lct.startTime = Text(ls, "startTime");
+                                  lct.endTime = Text(ls, "endTime");
+                                  whole = Each(ls, "SrcFlow",
+                                               [&](const TJson& flow) {
+                                                   const TJson& content = Field(flow, "ContentInfo");
+                                                   const TJson& media = Field(content, "MediaInfo");
+                                                   lct.sourceFlow = true;
+                                                   lct.realTime = lct.realTime || Flag(flow, "rt").value_or(false);
+                                                   lct.contentId = Text(content, "contentId");
+                                                   lct.contentType = Text(media, "contentType");
+                                                   lct.lang = Text(media, "lang");
+                                                   lct.repId = Text(media, "repId");
+                                                   whole =
+                                                       Each(flow, "EFDT",
+                                                            [&](const TJson& efdt) { ReadEfdt(efdt, lct, whole); }) &&
+                                                       whole;
+                                               }) &&
+                                          whole;
+                                  whole = Add(facts.sessions, std::move(lct)) && whole;
+                              }) &&
+                         whole;
+                 }) &&
+            whole;
     return facts;
 }
 
@@ -154,26 +175,35 @@ SMpdFacts MpdFacts(const TJson& mpd)
     facts.availabilityStartTime = Text(mpd, "availabilityStartTime");
     facts.updatePeriod = Number(mpd, "minimumUpdatePeriodSeconds");
     const SLevel root = SLevel().Below(mpd);
-    whole = Each(mpd, "Period", [&](const TJson& periodJson) {
-        const SLevel period = root.Below(periodJson);
-        whole = Each(periodJson, "AdaptationSet", [&](const TJson& setJson) {
-            const SLevel set = period.Below(setJson);
-            facts.isProtected = facts.isProtected || set.isProtected;
-            whole = Each(setJson, "Representation", [&](const TJson& json) {
-                const SLevel level = set.Below(json);
-                facts.isProtected = facts.isProtected || level.isProtected;
-                const auto located = [&level](const std::string& url) {
-                    return url.empty() || url.find("://") != std::string::npos
-                               ? url
-                               : level.base.substr(0, level.base.rfind('/') + 1) + url;
-                };
-                whole = Add(facts.representations,
-                            {Text(json, "id"), level.contentType, level.lang, Unsigned(json, "bandwidth").value_or(0),
-                             level.isProtected, located(level.media), located(level.initialization)}) &&
-                        whole;
-            }) && whole;
-        }) && whole;
-    }) && whole;
+    whole = Each(mpd, "Period",
+                 [&](const TJson& periodJson) {
+                     const SLevel period = root.Below(periodJson);
+                     whole =
+                         Each(periodJson, "AdaptationSet",
+                              [&](const TJson& setJson) {
+                                  const SLevel set = period.Below(setJson);
+                                  facts.isProtected = facts.isProtected || set.isProtected;
+                                  whole =
+                                      Each(setJson, "Representation",
+                                           [&](const TJson& json) {
+                                               const SLevel level = set.Below(json);
+                                               facts.isProtected = facts.isProtected || level.isProtected;
+                                               const auto located = [&level](const std::string& url) {
+                                                   return url.empty() || url.find("://") != std::string::npos
+                                                              ? url
+                                                              : level.base.substr(0, level.base.rfind('/') + 1) + url;
+                                               };
+                                               whole = Add(facts.representations,
+                                                           {Text(json, "id"), level.contentType, level.lang,
+                                                            Unsigned(json, "bandwidth").value_or(0), level.isProtected,
+                                                            located(level.media), located(level.initialization)}) &&
+                                                       whole;
+                                           }) &&
+                                      whole;
+                              }) &&
+                         whole;
+                 }) &&
+            whole;
     return facts;
 }
 

@@ -69,7 +69,7 @@ struct SRepresentationFacts {
     std::string lang;
     std::uint64_t bandwidth = 0;  ///< bit/s; 0: not given
     bool isProtected = false;
-    std::string media;           ///< templates, with their base URL
+    std::string media;  ///< templates, with their base URL
     std::string initialization;
 };
 
@@ -108,9 +108,9 @@ struct SPackageFacts {
     std::optional<SStsidFacts> stsid;
     std::optional<SMpdFacts> mpd;
     bool hasEnvelope = false;
-    SSource source;                                ///< of the last object that brought something
+    SSource source;                                  ///< of the last object that brought something
     std::map<ESlsDocument, SSource> documentSource;  ///< of the last of each kind that parsed
-    std::map<ESlsDocument, bool> broken;           ///< the last of the kind did not parse
+    std::map<ESlsDocument, bool> broken;             ///< the last of the kind did not parse
 
     /// About what the facts hold.
     std::size_t Bytes() const

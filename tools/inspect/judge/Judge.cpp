@@ -75,10 +75,13 @@ void CJudge::Table(const STable& table)
         return;
     }
     SListFacts& list = m_evidence.lists[key];
-    list = {table.source, table.header, table.slt->bsid, !table.slt->inetUrls.empty(), {},
+    list = {table.source,
+            table.header,
+            table.slt->bsid,
+            !table.slt->inetUrls.empty(),
+            {},
             table.slt->leftOut == 0 && count == table.slt->services.size()};
-    list.services.assign(table.slt->services.begin(),
-                         table.slt->services.begin() + static_cast<std::ptrdiff_t>(count));
+    list.services.assign(table.slt->services.begin(), table.slt->services.begin() + static_cast<std::ptrdiff_t>(count));
     m_services += count;
 }
 

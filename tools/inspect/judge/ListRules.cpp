@@ -28,8 +28,8 @@ std::string ChannelText(const SSltService& service)
 
 std::size_t Characters(const std::string& utf8)
 {
-    return static_cast<std::size_t>(
-        std::count_if(utf8.begin(), utf8.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
+    return static_cast<std::size_t>(std::count_if(
+        utf8.begin(), utf8.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
 }
 
 /// Everything that a list says of a service but its sltSvcSeqNum.
@@ -159,9 +159,9 @@ void CListRules::m_Together(const STable& table)
         own.insert(tell ? &service : nullptr);
         const auto [id, newId] = ids.try_emplace(service.serviceId, &service);
         const bool numbered = service.majorChannelNo > 0 && service.minorChannelNo > 0;
-        const auto [channel, newChannel] = numbered
-            ? channels.try_emplace({service.majorChannelNo, service.minorChannelNo}, &service)
-            : std::pair(channels.end(), true);
+        const auto [channel, newChannel] =
+            numbered ? channels.try_emplace({service.majorChannelNo, service.minorChannelNo}, &service)
+                     : std::pair(channels.end(), true);
         const std::string address = SessionOf(service);
         const auto [session, newSession] =
             !address.empty() ? sessions.try_emplace(address, &service) : std::pair(sessions.end(), true);
@@ -189,7 +189,8 @@ void CListRules::m_Together(const STable& table)
                        " by different protocols");
         } else if (service.slsProtocol == k_route && !apart) {
             m_Tell(ERule::SESSION_SHARED, table, &service,
-                   Title(service) + " and " + Title(other) + place(other) + " are signalled on the same session, " + address);
+                   Title(service) + " and " + Title(other) + place(other) + " are signalled on the same session, " +
+                       address);
         }
     };
     for (const auto& [key, list] : t_evidence.lists) {
@@ -245,11 +246,13 @@ void CListRules::m_Intervals(const SDelivery& delivery)
         const char* name = TableName(tableId);
         const std::string title =
             (name != nullptr ? name : "table " + std::to_string(tableId)) + " of group " + std::to_string(group);
-        const double before = arrivals.first.time ? Seconds(*arrivals.first.time) - Seconds(*delivery.traffic.first) : 0;
+        const double before =
+            arrivals.first.time ? Seconds(*arrivals.first.time) - Seconds(*delivery.traffic.first) : 0;
         const double after = arrivals.last.time ? Seconds(*delivery.traffic.last) - Seconds(*arrivals.last.time) : 0;
         if (tableId == k_slt && arrivals.longest > limit) {
             t_findings.Tell(ERule::TABLE_INTERVAL,
-                            title + ": " + NumberText(arrivals.longest) + " s between two of them", arrivals.longestEnd);
+                            title + ": " + NumberText(arrivals.longest) + " s between two of them",
+                            arrivals.longestEnd);
         } else if (tableId == k_slt && std::max(before, after) > limit) {
             t_findings.Tell(ERule::TABLE_INTERVAL,
                             title + ": none in the " + (after > limit ? "last " : "first ") +

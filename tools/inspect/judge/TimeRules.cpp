@@ -53,7 +53,7 @@ void CTimeRules::m_Zone(const STable& table, const TJson& json)
         if (!agrees) {
             m_Tell(ERule::DAYLIGHT_SAVING, table,
                    "the local offset changes by " + NumberText(step / k_hour) + " hours, and daylight saving " +
-                       (change == 0 ? "stays as it is"
+                       (change == 0  ? "stays as it is"
                         : change > 0 ? "begins"
                                      : "ends"));
         }
@@ -78,8 +78,9 @@ void CTimeRules::m_Clock(const STable& table, const TJson& json)
     const std::uint64_t prepend = Unsigned(json, "ptpPrepend").value_or(0);
     const std::uint64_t due = static_cast<std::uint64_t>(table.source.time->seconds) + k_taiSince2017;
     if (prepend != due >> 32) {
-        m_Tell(ERule::SYSTEM_TIME, table,
-               "ptpPrepend " + std::to_string(prepend) + " puts the time into another century than the capture's clock");
+        m_Tell(
+            ERule::SYSTEM_TIME, table,
+            "ptpPrepend " + std::to_string(prepend) + " puts the time into another century than the capture's clock");
     }
 }
 

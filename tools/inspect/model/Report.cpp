@@ -91,6 +91,11 @@ void CReport::Guide(const SGuide& guide)
     m_Witness(&IWitness::Guide, guide);
 }
 
+void CReport::Delivery(const SDelivery& delivery)
+{
+    m_Tell([&](IReportWriter& writer) { writer.Delivery(delivery); });
+}
+
 void CReport::Finding(SFinding finding)
 {
     const std::optional<ESeverity>& severity = m_severities.Of(finding.rule);

@@ -28,6 +28,8 @@ class CReport {
     void Message(const SMessage& message);
     void GuideObject(const SGuideObject& object);
     void Guide(const SGuide& guide);
+    /// What was on the air of a capture, at its end.
+    void Delivery(const SDelivery& delivery);
     /// Tells of the finding, unless its rule is ignored. Those that are alike, or too many of a kind in one place, are
     /// told of together when the place changes.
     void Finding(SFinding finding);

@@ -15,6 +15,7 @@ struct STable;
 struct SSignalling;
 struct SMessage;
 struct SGuide;
+struct SDelivery;
 struct SGuideObject;
 
 /// What a run found, by the names of the JSON report.
@@ -92,6 +93,7 @@ class IReportWriter {
     virtual void Guide(const SGuide& guide) = 0;
     virtual void Finding(const SFinding& finding) = 0;
     virtual void Summary(const SSummary& summary) = 0;
+    virtual void Delivery(const SDelivery&) {}
     /// The input went on by as many bytes: the report may be the longer for it.
     virtual void Received(std::size_t) {}
     /// Whether the document, known by its key, need have a text, when it changed; whether it need have a content at all

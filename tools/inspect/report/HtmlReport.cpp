@@ -192,6 +192,16 @@ std::string CHtmlReport::m_Guide() const
     return html;
 }
 
+std::string CHtmlReport::m_Delivery() const
+{
+    std::string html;
+    for (const auto& [file, delivery] : t_deliveries) {
+        html += t_files.size() > 1 ? "<h3>" + HtmlIsolated(t_files[file]) + "</h3>" : "";
+        html += delivery.html;
+    }
+    return html;
+}
+
 std::string CHtmlReport::m_Alerts() const
 {
     std::string html;
@@ -342,6 +352,7 @@ void CHtmlReport::Summary(const SSummary& summary)
         {"guide", "Service guide", m_Guide()},
         {"alerts", "Alerts", m_Alerts()},
         {"signalling", "Signalling of services", m_Signalling()},
+        {"delivery", "Delivery", m_Delivery()},
         {"tables", "LLS tables", m_Tables()},
         {"certificates", "Certificates and signatures", m_Certificates()},
         {"problems", "Problems found", m_Problems(summary)},

@@ -37,6 +37,7 @@ class CHtmlReport : public CPageModel {
     std::string m_Overview(const SSummary& summary) const;
     std::string m_Services() const;
     std::string m_Guide() const;
+    std::string m_Delivery() const;
     std::string m_Alerts() const;
     std::string m_Signalling() const;
     std::string m_Tables() const;

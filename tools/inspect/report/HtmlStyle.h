@@ -36,6 +36,8 @@ table.keep td,table.keep th{white-space:nowrap}
 table.lines td:last-child{max-width:none;min-width:14rem;width:100%}
 table.lines td:first-child{white-space:nowrap}
 table.lines td:first-child bdi{display:block;min-width:12rem;white-space:normal;overflow-wrap:anywhere}
+table.delivery tr.flow th{font-weight:400;padding-left:1rem;white-space:nowrap}
+table.delivery tr>:nth-child(n+3):nth-child(-n+7){text-align:right;font-variant-numeric:tabular-nums}
 table.keep bdi{display:inline-block;max-width:16rem;white-space:normal;vertical-align:top}
 dl{margin:.3rem 0;font-size:.875rem}
 dl>div{display:grid;grid-template-columns:minmax(7rem,13rem) minmax(0,1fr);gap:.75rem;padding:.1rem 0}

@@ -1,6 +1,7 @@
 #include "report/JsonReport.h"
 
 #include <algorithm>
+#include <cmath>
 #include <set>
 #include <utility>
 
@@ -9,6 +10,7 @@
 #include "base/Names.h"
 #include "base/Text.h"
 #include "model/Content.h"
+#include "model/Delivery.h"
 #include "model/Guide.h"
 
 namespace vyr::inspect {
@@ -50,6 +52,79 @@ void PutHeader(TJson& json, const SLlsHeader& header)
     json["LLS_group_id"] = header.groupId;
     json["group_count_minus1"] = header.groupCountMinus1;
     json["LLS_table_version"] = header.version;
+}
+
+void PutToi(TJson& json, const TToi& toi)
+{
+    if (toi.first == 0) {
+        json["TOI"] = toi.second;
+    } else {
+        json["TOI"] = ToiText(toi);
+    }
+}
+
+void PutTime(TJson& json, const char* key, const std::optional<STime>& time)
+{
+    if (time) {
+        json[key] = TimeJson(*time);
+    }
+}
+
+void PutTraffic(TJson& json, const STraffic& traffic)
+{
+    const auto rounded = [](double rate) { return std::round(rate * 1e3) / 1e3; };
+    json["packets"] = traffic.packets;
+    json["bytes"] = traffic.bytes;
+    PutTime(json, "firstTime", traffic.first);
+    PutTime(json, "lastTime", traffic.last);
+    PutSeconds(json, "longestGapSeconds", traffic.gap);
+    PutTime(json, "longestGapTime", traffic.gapSince);
+    if (traffic.meanRate) {
+        json["meanRate"] = rounded(*traffic.meanRate);
+    }
+    if (traffic.peakRate) {
+        json["peakRate"] = rounded(*traffic.peakRate);
+    }
+}
+
+TJson ObjectsJson(const SObjectsDelivery& objects)
+{
+    TJson json = {{"begun", objects.begun},
+                  {"whole", objects.whole},
+                  {"repeats", objects.repeats},
+                  {"incomplete", objects.incomplete},
+                  {"bytesMissing", objects.bytesMissing},
+                  {"cut", objects.cut},
+                  {"unknown", objects.unknown}};
+    for (const SIncompleteObject& object : objects.firstIncomplete) {
+        TJson& entry = json["firstIncomplete"].emplace_back(TJson::object());
+        PutToi(entry, object.toi);
+        entry["bytes"] = object.bytes;
+        PutValue(entry, "length", object.length);
+        PutText(entry, "name", object.name);
+    }
+    return json;
+}
+
+TJson FlowJson(const SFlowDelivery& flow)
+{
+    TJson json = TJson::object();
+    json[flow.objects ? "TSI" : "packet_id"] = flow.id;
+    PutTraffic(json, flow.traffic);
+    PutNumber(json, "repairPackets", flow.repairPackets, std::uint64_t{0});
+    PutList(json, "serviceIds", flow.services);
+    PutText(json, "carries", flow.carries);
+    PutValue(json, "type", flow.payloadType);
+    if (flow.objects) {
+        json["objects"] = ObjectsJson(*flow.objects);
+    }
+    if (flow.packets) {
+        json["packetsLost"] = flow.packets->lost;
+        json["packetsRepeated"] = flow.packets->duplicates;
+        json["packetsLate"] = flow.packets->late;
+        json["restarts"] = flow.packets->restarts;
+    }
+    return json;
 }
 
 /// Where and when a table came.
@@ -161,15 +236,6 @@ struct SPutCount {
         }
     }
 };
-
-void PutToi(TJson& json, const TToi& toi)
-{
-    if (toi.first == 0) {
-        json["TOI"] = toi.second;
-    } else {
-        json["TOI"] = ToiText(toi);
-    }
-}
 
 std::string JsonLine(const TJson& json)
 {
@@ -621,6 +687,49 @@ void CJsonReport::Guide(const SGuide& guide)
         }
         return json;
     });
+}
+
+void CJsonReport::Delivery(const SDelivery& delivery)
+{
+    const auto head = [&delivery](const STraffic& traffic) {
+        TJson json = Object("delivery");
+        json["source"] = SourceJson(delivery.source);
+        PutTraffic(json, traffic);
+        return json;
+    };
+    m_Write("delivery", [&](bool) {
+        TJson json = head(delivery.traffic);
+        if (delivery.traffic.first) {
+            json["seconds"] = delivery.seconds;
+        }
+        PutNumber(json, "clockSet", delivery.clockSet, std::uint64_t{0});
+        json["sessions"] = delivery.sessions.size();
+        PutNumber(json, "packetsNoSession", delivery.others.packets, std::uint64_t{0});
+        PutNumber(json, "bytesNoSession", delivery.others.bytes, std::uint64_t{0});
+        return json;
+    });
+    for (const SSessionDelivery& session : delivery.sessions) {
+        m_Write("delivery", [&](bool) {
+            TJson json = head(session.traffic);
+            json["session"] = EndpointText(session.destination, session.port);
+            json["sourceAddress"] = Ipv4Text(session.source);
+            PutText(json, "protocol", DeliveryProtocolName(session.protocol));
+            if (session.guessed) {
+                json["protocolGuessed"] = true;
+            }
+            PutList(json, "serviceIds", session.services);
+            PutText(json, "carries", session.carries);
+            if (delivery.namesKnown) {
+                json["named"] = session.Named();
+            }
+            PutNumber(json, "packetsOther", session.otherPackets, std::uint64_t{0});
+            PutNumber(json, "packetsNoFlow", session.packetsNoFlow, std::uint64_t{0});
+            for (const SFlowDelivery& flow : session.flows) {
+                json["flows"].push_back(FlowJson(flow));
+            }
+            return json;
+        });
+    }
 }
 
 void CJsonReport::Finding(const SFinding& finding)

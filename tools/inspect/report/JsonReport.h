@@ -35,6 +35,7 @@ class CJsonReport : public IReportWriter {
     void Message(const SMessage& message) override;
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide& guide) override;
+    void Delivery(const SDelivery& delivery) override;
     void Finding(const SFinding& finding) override;
     void Summary(const SSummary& summary) override;
     bool WantsText(const std::string&) const override { return false; }

@@ -5,6 +5,7 @@
 #include "base/Limits.h"
 #include "base/Names.h"
 #include "model/Content.h"
+#include "report/DeliveryText.h"
 #include "report/Html.h"
 #include "report/HtmlGuide.h"
 #include "report/JsonReport.h"
@@ -483,6 +484,29 @@ void CPageModel::Guide(const SGuide& guide)
         const std::size_t most = std::min(Limit(k_mostGuide), room / 2);
         m_Hold(*last, {}, guide.source, HtmlGuide(guide, "g" + std::to_string(file), m_localTime, most));
     }
+}
+
+void CPageModel::Delivery(const SDelivery& delivery)
+{
+    const std::size_t file = m_See(delivery.source);
+    SPart* part = m_Find(t_deliveries, file);
+    if (part == nullptr) {
+        return;
+    }
+    const SDeliveryRows rows = DeliveryRows(delivery, Limit(k_mostLines));
+    std::string html;
+    for (const SDeliveryRows::SRow& row : rows.rows) {
+        html += row.flow ? "<tr class=\"flow\">" : "<tr>";
+        for (std::size_t i = 0; i < row.cells.size(); ++i) {
+            const std::string cell = HtmlText(row.cells[i]);
+            html += i == 0 ? HtmlHeader("row", cell) : "<td>" + cell + "</td>";
+        }
+        html += "</tr>";
+    }
+    m_Hold(*part, {}, delivery.source,
+           "<p class=\"muted\">" + HtmlText(DeliveryHeadline(delivery)) + "</p>" +
+               HtmlTable("delivery", rows.titles, html) +
+               (rows.more != 0 ? "<p class=\"muted\">and " + Counted(rows.more, "row") + " more</p>" : ""));
 }
 
 void CPageModel::Finding(const SFinding& finding)

@@ -30,6 +30,7 @@ class CPageModel : public IReportWriter {
     void Message(const SMessage& message) override;
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide& guide) override;
+    void Delivery(const SDelivery& delivery) override;
     void Finding(const SFinding& finding) override;
     void Received(std::size_t bytes) override { m_allowance.Received(bytes); }
 
@@ -99,8 +100,9 @@ class CPageModel : public IReportWriter {
     std::map<TKey, SAlert> t_alerts;
     std::map<TKey, SSession> t_sessions;
     std::map<TKey, SPart> t_guideObjects;
-    std::map<std::size_t, SPart> t_guides;  ///< by file
-    std::map<TKey, std::string> t_missing;  ///< why a service is not signalled, by its list and id
+    std::map<std::size_t, SPart> t_guides;      ///< by file
+    std::map<std::size_t, SPart> t_deliveries;  ///< by file
+    std::map<TKey, std::string> t_missing;      ///< why a service is not signalled, by its list and id
     SList<SLine> t_changes;
     SList<SLine> t_findings;
     std::uint64_t t_left = 0;          ///< parts beyond the limits

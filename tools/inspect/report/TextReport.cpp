@@ -9,6 +9,7 @@
 #include "base/Text.h"
 #include "model/Content.h"
 #include "model/Guide.h"
+#include "report/DeliveryText.h"
 #include "report/GuideText.h"
 #include "report/JsonReport.h"
 
@@ -551,6 +552,13 @@ void CTextReport::Guide(const SGuide& guide)
 {
     if (m_output.Begin("guide")) {
         m_Write("guide", guide.source, GuideText(guide, m_localTime));
+    }
+}
+
+void CTextReport::Delivery(const SDelivery& delivery)
+{
+    if (m_output.Begin("delivery")) {
+        m_Write("delivery", delivery.source, DeliveryText(delivery));
     }
 }
 

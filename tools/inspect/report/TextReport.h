@@ -34,6 +34,7 @@ class CTextReport : public IReportWriter {
     void Message(const SMessage& message) override;
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide& guide) override;
+    void Delivery(const SDelivery& delivery) override;
     void Finding(const SFinding& finding) override;
     void Summary(const SSummary& summary) override;
     bool WantsText(const std::string& key) const override { return m_full || m_last.Find(key) == nullptr; }

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "model/Delivery.h"
+
+namespace vyr::inspect {
+
+/// Finds out by their sequence numbers which packets are missing.
+class CPacketLoss {
+  public:
+    static constexpr std::uint32_t k_window = 64;       ///< by how much packets may be out of order
+    static constexpr std::uint32_t k_mostLost = 65536;  ///< in one go; beyond, the numbers began anew
+
+    void Take(std::uint32_t number);
+    SPacketsDelivery Result() const;
+    /// Packets whose number followed the one before.
+    std::uint64_t InOrder() const { return m_inOrder; }
+
+  private:
+    void m_Begin(std::uint32_t number);
+
+    bool m_begun = false;
+    std::uint32_t m_highest = 0;
+    std::uint64_t m_seen = 0;                  ///< bit n: the one n before the highest came, or nobody waits for it
+    std::optional<std::uint32_t> m_elsewhere;  ///< a number far off, which the next one may follow
+    std::uint64_t m_inOrder = 0;
+    SPacketsDelivery m_counts;
+};
+
+}  // namespace vyr::inspect

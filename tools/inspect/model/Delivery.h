@@ -1,0 +1,117 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/Source.h"
+
+// What was on the air of one capture, whether signalling names it or not. Bytes are those of UDP payloads, and times
+// those of the capture.
+
+namespace vyr::inspect {
+
+/// How much came of something, and when.
+struct STraffic {
+    std::uint64_t packets = 0;
+    std::uint64_t bytes = 0;
+    std::optional<STime> first;     ///< of the first packet with a time
+    std::optional<STime> last;      ///< of the last one
+    std::optional<double> gap;      ///< the longest silence between two packets, in seconds
+    std::optional<STime> gapSince;  ///< when it began
+    /// kbit/s over whole seconds from the capture's first packet on: the mean from the first to the last in which
+    /// something came, without the capture's last, which is not whole; none when there is no other.
+    std::optional<double> meanRate;
+    std::optional<double> peakRate;   ///< of the second in which most came
+    std::uint64_t firstBin = 0;       ///< the number of the first of `bins`
+    std::vector<std::uint64_t> bins;  ///< bytes in each SDelivery::binSeconds from the capture's first packet on
+};
+
+/// An object of which bytes are missing.
+struct SIncompleteObject {
+    TToi toi;
+    std::uint64_t bytes = 0;              ///< that came
+    std::optional<std::uint64_t> length;  ///< that it has
+    std::string name = {};                ///< of its file, where signalling gives one
+};
+
+/// What became of the objects of an LCT session. Each TOI counts once: begun = whole + incomplete + cut + unknown.
+struct SObjectsDelivery {
+    std::uint64_t begun = 0;
+    std::uint64_t whole = 0;         ///< all their bytes came, at once or in several rounds
+    std::uint64_t repeats = 0;       ///< times that all bytes of a whole one came again
+    std::uint64_t incomplete = 0;    ///< sent to their end, with bytes missing
+    std::uint64_t bytesMissing = 0;  ///< of those
+    std::uint64_t cut = 0;           ///< begun before the capture, or still under way at its end
+    std::uint64_t unknown = 0;       ///< nothing can be said: without a length, or beyond what is kept
+    std::vector<SIncompleteObject> firstIncomplete;
+};
+
+/// What became of the packets of a packet_id, by packet_sequence_number.
+struct SPacketsDelivery {
+    std::uint64_t lost = 0;
+    std::uint64_t duplicates = 0;  ///< came before
+    std::uint64_t late = 0;        ///< came behind a later one
+    std::uint64_t restarts = 0;    ///< the numbers began anew
+};
+
+enum class EDeliveryProtocol { UNKNOWN, LLS, ROUTE, MMTP };
+
+/// "LLS" and the like; null for UNKNOWN.
+constexpr const char* DeliveryProtocolName(EDeliveryProtocol protocol)
+{
+    constexpr const char* k_names[] = {nullptr, "LLS", "ROUTE", "MMTP"};
+    return k_names[static_cast<std::size_t>(protocol)];
+}
+
+/// An LCT session, or the packets of one packet_id.
+struct SFlowDelivery {
+    std::uint64_t id = 0;  ///< TSI, or packet_id
+    STraffic traffic;
+    std::vector<unsigned> services = {};                     ///< whose signalling names it
+    std::string carries = {};                                ///< what signalling says that it is; empty: nothing
+    std::uint64_t repairPackets = 0;                         ///< of FEC; of `traffic`
+    std::optional<SObjectsDelivery> objects = std::nullopt;  ///< of an LCT session
+    std::optional<SPacketsDelivery> packets = std::nullopt;  ///< of a packet_id
+    std::optional<unsigned> payloadType = std::nullopt;      ///< of a packet_id, if it has but one
+};
+
+/// What came to one address and port from one source.
+struct SSessionDelivery {
+    std::uint32_t destination = 0;
+    std::uint16_t port = 0;
+    std::uint32_t source = 0;
+    STraffic traffic;
+    EDeliveryProtocol protocol = EDeliveryProtocol::UNKNOWN;
+    bool guessed = false;                 ///< by its packets alone: no signalling gives the protocol
+    std::vector<unsigned> services = {};  ///< that name it
+    std::string carries = {};
+    std::uint64_t otherPackets = 0;   ///< that are none of the protocol
+    std::uint64_t packetsNoFlow = 0;  ///< of flows beyond those that are kept
+    std::vector<SFlowDelivery> flows = {};
+
+    /// Whether signalling names it, or the user of the tool.
+    bool Named() const
+    {
+        bool named = (protocol != EDeliveryProtocol::UNKNOWN && !guessed) || !services.empty() || !carries.empty();
+        for (const SFlowDelivery& flow : flows) {
+            named = named || !flow.services.empty() || !flow.carries.empty();
+        }
+        return named;
+    }
+};
+
+struct SDelivery {
+    SSource source;
+    STraffic traffic;            ///< all of it
+    double seconds = 0;          ///< that the capture lasts, without what its clock was set by
+    std::uint64_t clockSet = 0;  ///< times that its clock went back by more than a second, or on by more than an hour
+    double binSeconds = 1;
+    STraffic others;                         ///< of sessions beyond those that are kept
+    std::vector<SSessionDelivery> sessions;  ///< by destination, port and source
+    /// Everything is named that signalling names: a session that nothing names is traffic without signalling.
+    bool namesKnown = false;
+};
+
+}  // namespace vyr::inspect
