@@ -96,13 +96,19 @@ class CCapture {
                   m_Field(65535, 4) + m_Field(linkType, 4))
     {
     }
-    /// The packet comes a quarter of a second after the one before.
+    /// The packet comes a quarter of a second after the one before, unless another time is set.
     CCapture& Add(const std::string& packet)
     {
         const std::string captured = packet.substr(0, m_cutTo);
-        m_bytes += m_Field(1800000000 + m_count / 4, 4) + m_Field(m_count % 4 * 250000 * m_unit, 4) +
+        m_bytes += m_Field(1800000000 + m_time / 1000000, 4) + m_Field(m_time % 1000000 * m_unit, 4) +
                    m_Field(captured.size(), 4) + m_Field(packet.size(), 4) + captured;
-        ++m_count;
+        m_time += 250000;
+        return *this;
+    }
+    /// The next packet comes as many microseconds behind the capture's begin.
+    CCapture& At(std::uint64_t microseconds)
+    {
+        m_time = microseconds;
         return *this;
     }
     CCapture& AddSession(const std::string& packet, unsigned port)
@@ -125,7 +131,7 @@ class CCapture {
     std::uint64_t m_unit;
     bool m_littleEndian;
     std::string m_bytes;
-    std::uint64_t m_count = 0;
+    std::uint64_t m_time = 0;  ///< of the next packet, microseconds
 };
 
 /// Capture in pcapng form of one packet, two seconds after 1970 in microseconds.

@@ -1,0 +1,170 @@
+#include <gtest/gtest.h>
+
+#include "Broadcast.h"
+
+namespace {
+
+using namespace packets;
+
+/// A second service on a session of its own, which is announced and not sent: rules of the list alone are looked at.
+std::string Another(const std::string& attributes, unsigned port = 5001, unsigned protocol = 1)
+{
+    return "<Service protected=\"false\" hidden=\"false\" broadbandAccessRequired=\"false\" " + attributes +
+           "><BroadcastSvcSignaling slsProtocol=\"" + std::to_string(protocol) +
+           "\" slsDestinationIpAddress=\"239.255.7.1\" slsDestinationUdpPort=\"" + std::to_string(port) +
+           "\"/></Service>";
+}
+
+/// What the list says of its service, changed.
+auto List(const std::string& part, const std::string& other)
+{
+    return [=](SBroadcast& b) { b.services = With(b.services, part, other); };
+}
+
+/// Another list from the sixth round on.
+auto NextList(const std::string& part, const std::string& other)
+{
+    return [=](SBroadcast& b) {
+        const std::string next = "<SLT bsid=\"5\">" + With(b.services, part, other) + "</SLT>";
+        b.change = [next](SSent& sent) {
+            if (sent.table == 1 && sent.round >= 6) {
+                sent.data = sent.data.substr(0, 3) + Number(2, 1) + next;
+            }
+            return true;
+        };
+    };
+}
+
+/// A list of another group in place of the system time.
+auto OtherList(const std::string& attributes)
+{
+    return [=](SBroadcast& b) {
+        b.change = [=](SSent& sent) {
+            if (sent.table == 3) {
+                sent.data = Number(1, 1) + Number(1, 1) + Number(1, 1) + Number(1, 1) + "<SLT bsid=\"5\">" +
+                            Another(attributes) + "</SLT>";
+            }
+            return true;
+        };
+    };
+}
+
+auto Without(unsigned table, unsigned from, unsigned to)
+{
+    return [=](SBroadcast& b) {
+        b.change = [=](SSent& sent) { return sent.table != table || sent.round < from || sent.round >= to; };
+    };
+}
+
+TEST(Rules, ServiceLists)
+{
+    const auto more = [](const std::string& service) { return [=](SBroadcast& b) { b.services += service; }; };
+    const std::string quiet = "--ignore no-signalling";
+    CheckRules({
+        {"sound", {}, [](SBroadcast&) {}},
+        {"no multicast", {{"not-multicast", 1}, {"no-signalling", 1}}, List("239.255.7.1", "192.0.2.1")},
+        {"an id twice",
+         {{"service-id-twice", 1}},
+         more(Another("serviceId=\"1\" majorChannelNo=\"7\" minorChannelNo=\"2\" serviceCategory=\"1\"")),
+         quiet},
+        {"two ids",
+         {},
+         more(Another("serviceId=\"2\" majorChannelNo=\"7\" minorChannelNo=\"2\" serviceCategory=\"1\"")),
+         quiet},
+        {"an id in two lists", {{"service-id-twice", 1}}, OtherList("serviceId=\"1\" serviceCategory=\"4\""), quiet},
+        {"two lists", {}, OtherList("serviceId=\"2\" serviceCategory=\"4\""), quiet},
+        {"a channel twice",
+         {{"channel-twice", 1}},
+         more(Another("serviceId=\"2\" majorChannelNo=\"7\" minorChannelNo=\"1\" serviceCategory=\"1\"")),
+         quiet},
+        {"none twice",
+         {},
+         more(Another("serviceId=\"2\" serviceCategory=\"4\"") +
+              Another("serviceId=\"3\" serviceCategory=\"4\"", 5002)),
+         quiet},
+        {"two protocols",
+         {{"session-two-protocols", 1}, {"mmtp-malformed", 1}},
+         more(Another("serviceId=\"2\" serviceCategory=\"4\"", 5000, 2)),
+         quiet},
+        {"one session",
+         {{"session-shared", 1}},
+         more(Another("serviceId=\"2\" majorChannelNo=\"7\" minorChannelNo=\"2\" serviceCategory=\"1\"", 5000)),
+         quiet},
+        {"category", {{"category-unknown", 1}}, List("serviceCategory=\"1\"", "serviceCategory=\"99\"")},
+        {"protocol", {{"protocol-unknown", 1}}, more(Another("serviceId=\"2\" serviceCategory=\"4\"", 5001, 3)), quiet},
+        {"version",
+         {{"protocol-version-unknown", 1}},
+         List("MajorProtocolVersion=\"1\"", "MajorProtocolVersion=\"2\"")},
+        {"minor version", {}, List("MinorProtocolVersion=\"0\"", "MinorProtocolVersion=\"1\"")},
+        {"URL type",
+         {{"url-type-unknown", 1}},
+         List("</Service>", "<SvcInetUrl urlType=\"99\">http://a/</SvcInetUrl></Service>")},
+        {"known URL", {}, List("</Service>", "<SvcInetUrl urlType=\"1\">http://a/</SvcInetUrl></Service>")},
+        {"broadband",
+         {{"broadband-without-url", 1}},
+         List("broadbandAccessRequired=\"false\"", "broadbandAccessRequired=\"true\""),
+         "--set db/menu/broadcasting/atsc3_bb_option=1"},
+        {"broadband and URL",
+         {},
+         [](SBroadcast& b) {
+             b.services = "<SLTInetUrl urlType=\"1\">http://a/</SLTInetUrl>" +
+                          With(b.services, "Required=\"false\"", "Required=\"true\"");
+         },
+         "--set db/menu/broadcasting/atsc3_bb_option=1"},
+        {"long name", {{"name-too-long", 1}}, List("NEWS", "NEWSNEWS")},
+        {"seven characters", {}, List("NEWS", "N\xC3\x89WSN\xC3\x89W")},
+        {"hidden", {{"hidden-linear", 1}}, List("hidden=\"false\"", "hidden=\"true\"")},
+        {"changed, same number", {{"sequence-unchanged", 1}}, NextList("NEWS", "NEWS2")},
+        {"changed, next number",
+         {},
+         NextList("sltSvcSeqNum=\"1\" protected=\"false\"", "sltSvcSeqNum=\"2\" protected=\"true\""),
+         "--ignore no-signalling --ignore protection-missing"},
+        {"next number alone", {{"sequence-changed", 1}}, NextList("sltSvcSeqNum=\"1\"", "sltSvcSeqNum=\"2\"")},
+    });
+}
+
+TEST(Rules, WhenTablesCome)
+{
+    CheckRules({
+        {"a gap of 6 s", {{"table-interval", 1}}, Without(1, 3, 8)},
+        {"a gap of 5 s", {}, Without(1, 3, 7)},
+        {"a gap of 5 s, and a limit of 4", {{"table-interval", 1}}, Without(1, 3, 7), "--max-interval 4"},
+        {"not in the end", {{"table-interval", 1}}, Without(1, 5, 12)},
+        {"not in the beginning", {{"table-interval", 1}}, Without(1, 0, 6), "--ignore no-signalling"},
+        {"a gap of another table", {}, Without(3, 3, 10)},
+        {"another table once", {{"table-once", 1}}, Without(3, 1, 12)},
+        {"another table at the end", {}, Without(3, 0, 8)},
+    });
+}
+
+TEST(Rules, Time)
+{
+    const auto time = [](const std::string& part, const std::string& other) {
+        return [=](SBroadcast& b) { b.systemTime = With(b.systemTime, part, other); };
+    };
+    const auto next = [](const std::string& attributes) {
+        return [=](SBroadcast& b) {
+            b.change = [=](SSent& sent) {
+                if (sent.table == 3 && sent.round >= 6) {
+                    sent.data = Number(3, 1) + Number(0, 2) + Number(2, 1) + "<SystemTime currentUtcOffset=\"37\" " +
+                                attributes + "/>";
+                }
+                return true;
+            };
+        };
+    };
+    CheckRules({
+        {"TAI", {{"tai-offset", 1}}, time("\"37\"", "\"36\"")},
+        {"no zone", {{"utc-offset", 1}}, time("-PT5H", "PT15H")},
+        {"a quarter", {}, time("-PT5H", "PT5H45M")},
+        {"ten minutes", {{"utc-offset", 1}}, time("-PT5H", "-PT5H10M")},
+        {"the east", {}, time("-PT5H", "PT14H")},
+        {"epoch", {{"system-time", 1}}, time("currentUtcOffset", "ptpPrepend=\"1\" currentUtcOffset")},
+        {"summer begins", {}, next("utcLocalOffset=\"-PT4H\" dsStatus=\"true\"")},
+        {"summer without its hour", {{"daylight-saving", 1}}, next("utcLocalOffset=\"-PT5H\" dsStatus=\"true\"")},
+        {"an hour without summer", {{"daylight-saving", 1}}, next("utcLocalOffset=\"-PT4H\" dsStatus=\"false\"")},
+        {"an hour back in summer", {{"daylight-saving", 1}}, next("utcLocalOffset=\"-PT6H\" dsStatus=\"true\"")},
+    });
+}
+
+}  // namespace
