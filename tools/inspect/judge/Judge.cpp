@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Text.h"
+#include "judge/Verdicts.h"
 #include "model/Content.h"
 #include "model/Guide.h"
 
@@ -45,7 +46,7 @@ std::vector<const SPackageFacts*> SEvidence::Of(const SSltService& service) cons
 }
 
 CJudge::CJudge(CReport& report, const std::string& file, bool capture, const SRuleSettings& settings)
-    : m_report(report), m_findings(report, file)
+    : m_report(report), m_findings(report, file), m_settings(settings)
 {
     m_evidence.file = file;
     m_evidence.capture = capture;
@@ -155,7 +156,16 @@ void CJudge::Guide(const SGuide& guide)
     }
 }
 
-void CJudge::Finding(const SFinding&) {}
+/// Of findings that are alike, the first is enough.
+void CJudge::Finding(const SFinding& finding)
+{
+    constexpr unsigned k_none = 0x10000;
+    const bool ofService = finding.serviceId || !finding.session.empty();
+    if (ofService && finding.severity != ESeverity::NOTE && m_heard.size() < k_mostHeard &&
+        m_heardOf.emplace(finding.rule, finding.serviceId.value_or(k_none), finding.session).second) {
+        m_heard.push_back(finding);
+    }
+}
 
 void CJudge::Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* delivery)
 {
@@ -164,6 +174,9 @@ void CJudge::Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* 
     m_evidence.sessionsCaptured = sessionsCaptured;
     for (const auto& rules : m_rules) {
         rules->Finish(delivery);
+    }
+    if (delivery != nullptr && !m_evidence.lists.empty()) {
+        m_report.Verdicts(Verdicts(m_evidence, *delivery, m_heard, m_settings));
     }
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "judge/Rules.h"
@@ -32,6 +34,7 @@ class CJudge : public IWitness {
   private:
     static constexpr std::size_t k_mostLists = 256;
     static constexpr std::size_t k_mostServices = 16384;  ///< of all lists
+    static constexpr std::size_t k_mostHeard = 4096;
     static constexpr std::size_t k_mostPackages = 4096;
     static constexpr std::size_t k_mostBytes = 33554432;  ///< of the facts of all packages, about
 
@@ -42,6 +45,9 @@ class CJudge : public IWitness {
     std::size_t m_services = 0;
     std::size_t m_bytes = 0;  ///< of the facts of all packages
     CFindings m_findings;
+    std::vector<SFinding> m_heard;  ///< errors and warnings that may concern a service, one of those that are alike
+    std::set<std::tuple<ERule, unsigned, std::string>> m_heardOf;  ///< the same, by rule, service and session
+    const SRuleSettings m_settings;
     std::vector<std::unique_ptr<CRules>> m_rules;
 };
 

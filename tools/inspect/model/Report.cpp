@@ -96,6 +96,11 @@ void CReport::Delivery(const SDelivery& delivery)
     m_Tell([&](IReportWriter& writer) { writer.Delivery(delivery); });
 }
 
+void CReport::Verdicts(const SVerdicts& verdicts)
+{
+    m_Tell([&](IReportWriter& writer) { writer.Verdicts(verdicts); });
+}
+
 void CReport::Finding(SFinding finding)
 {
     const std::optional<ESeverity>& severity = m_severities.Of(finding.rule);

@@ -30,6 +30,8 @@ class CReport {
     void Guide(const SGuide& guide);
     /// What was on the air of a capture, at its end.
     void Delivery(const SDelivery& delivery);
+    /// Whether the services of an input play, at its end.
+    void Verdicts(const SVerdicts& verdicts);
     /// Tells of the finding, unless its rule is ignored. Those that are alike, or too many of a kind in one place, are
     /// told of together when the place changes.
     void Finding(SFinding finding);

@@ -17,6 +17,7 @@ struct SMessage;
 struct SGuide;
 struct SDelivery;
 struct SGuideObject;
+struct SVerdicts;
 
 /// What a run found, by the names of the JSON report.
 struct SSummary {
@@ -92,6 +93,7 @@ class IReportWriter {
     virtual void GuideObject(const SGuideObject& object) = 0;
     virtual void Guide(const SGuide& guide) = 0;
     virtual void Finding(const SFinding& finding) = 0;
+    virtual void Verdicts(const SVerdicts&) {}
     virtual void Summary(const SSummary& summary) = 0;
     virtual void Delivery(const SDelivery&) {}
     /// The input went on by as many bytes: the report may be the longer for it.

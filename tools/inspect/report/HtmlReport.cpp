@@ -178,11 +178,7 @@ std::string CHtmlReport::m_Services() const
 
 std::string CHtmlReport::m_Guide() const
 {
-    std::string html;
-    for (const auto& [file, guide] : t_guides) {
-        html += t_files.size() > 1 ? "<h3>" + HtmlIsolated(t_files[file]) + "</h3>" : "";
-        html += guide.html;
-    }
+    std::string html = m_ByFile(t_guides);
     if (!t_guideObjects.empty()) {
         html += "<h3>Objects of the guide</h3>";
         for (const auto& [key, part] : t_guideObjects) {
@@ -192,12 +188,12 @@ std::string CHtmlReport::m_Guide() const
     return html;
 }
 
-std::string CHtmlReport::m_Delivery() const
+std::string CHtmlReport::m_ByFile(const std::map<std::size_t, SPart>& parts) const
 {
     std::string html;
-    for (const auto& [file, delivery] : t_deliveries) {
+    for (const auto& [file, part] : parts) {
         html += t_files.size() > 1 ? "<h3>" + HtmlIsolated(t_files[file]) + "</h3>" : "";
-        html += delivery.html;
+        html += part.html;
     }
     return html;
 }
@@ -347,12 +343,13 @@ void CHtmlReport::Summary(const SSummary& summary)
         const char* title;
         std::string html;
     } sections[] = {
+        {"verdicts", "Does it play?", m_ByFile(t_verdicts)},
         {"overview", "Overview", m_Overview(summary)},
         {"services", "Services", m_Services()},
         {"guide", "Service guide", m_Guide()},
         {"alerts", "Alerts", m_Alerts()},
         {"signalling", "Signalling of services", m_Signalling()},
-        {"delivery", "Delivery", m_Delivery()},
+        {"delivery", "Delivery", m_ByFile(t_deliveries)},
         {"tables", "LLS tables", m_Tables()},
         {"certificates", "Certificates and signatures", m_Certificates()},
         {"problems", "Problems found", m_Problems(summary)},

@@ -37,7 +37,8 @@ class CHtmlReport : public CPageModel {
     std::string m_Overview(const SSummary& summary) const;
     std::string m_Services() const;
     std::string m_Guide() const;
-    std::string m_Delivery() const;
+    /// The parts, below the names of their inputs where there are several.
+    std::string m_ByFile(const std::map<std::size_t, SPart>& parts) const;
     std::string m_Alerts() const;
     std::string m_Signalling() const;
     std::string m_Tables() const;

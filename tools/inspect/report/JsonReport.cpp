@@ -12,6 +12,7 @@
 #include "model/Content.h"
 #include "model/Delivery.h"
 #include "model/Guide.h"
+#include "model/Verdict.h"
 
 namespace vyr::inspect {
 
@@ -727,6 +728,31 @@ void CJsonReport::Delivery(const SDelivery& delivery)
             for (const SFlowDelivery& flow : session.flows) {
                 json["flows"].push_back(FlowJson(flow));
             }
+            return json;
+        });
+    }
+}
+
+void CJsonReport::Verdicts(const SVerdicts& verdicts)
+{
+    const auto put = [](TJson& json, const SJudgement& judgement) {
+        json["verdict"] = VerdictName(judgement.verdict);
+        PutText(json, "cause", judgement.cause);
+        PutText(json, "rule", judgement.rule);
+    };
+    for (const SVerdict& verdict : verdicts.verdicts) {
+        m_Write("verdict", [&](bool) {
+            TJson json = Object("verdict");
+            json["source"] = SourceJson(verdicts.source);
+            json["serviceList"] = verdict.serviceList;
+            json["service"] = verdict.serviceId;
+            PutText(json, "channel", verdict.channel);
+            PutText(json, "shortServiceName", verdict.name);
+            put(json, verdict.judgement);
+            if (verdict.withoutBroadband != verdict.judgement) {
+                put(json["withoutBroadband"], verdict.withoutBroadband);
+            }
+            json["text"] = verdict.judgement.Text();
             return json;
         });
     }

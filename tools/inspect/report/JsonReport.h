@@ -36,6 +36,7 @@ class CJsonReport : public IReportWriter {
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide& guide) override;
     void Delivery(const SDelivery& delivery) override;
+    void Verdicts(const SVerdicts& verdicts) override;
     void Finding(const SFinding& finding) override;
     void Summary(const SSummary& summary) override;
     bool WantsText(const std::string&) const override { return false; }

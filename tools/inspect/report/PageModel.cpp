@@ -5,6 +5,7 @@
 #include "base/Limits.h"
 #include "base/Names.h"
 #include "model/Content.h"
+#include "model/Verdict.h"
 #include "report/DeliveryText.h"
 #include "report/Html.h"
 #include "report/HtmlGuide.h"
@@ -507,6 +508,34 @@ void CPageModel::Delivery(const SDelivery& delivery)
            "<p class=\"muted\">" + HtmlText(DeliveryHeadline(delivery)) + "</p>" +
                HtmlTable("delivery", rows.titles, html) +
                (rows.more != 0 ? "<p class=\"muted\">and " + Counted(rows.more, "row") + " more</p>" : ""));
+}
+
+void CPageModel::Verdicts(const SVerdicts& verdicts)
+{
+    constexpr const char* k_badges[] = {"good", "warn", "bad", ""};
+    constexpr const char* k_words[] = {"plays", "plays, but", "does not play", "cannot be told"};
+    const std::size_t file = m_See(verdicts.source);
+    SPart* part = m_Find(t_verdicts, file);
+    if (part == nullptr) {
+        return;
+    }
+    const auto words = [&](const SJudgement& judgement) {
+        const std::size_t kind = static_cast<std::size_t>(judgement.verdict);
+        return HtmlBadge(k_badges[kind], k_words[kind]) + ' ' + HtmlText(HtmlClipped(judgement.cause, k_longLine));
+    };
+    std::string html;
+    for (const SVerdict& verdict : verdicts.verdicts) {
+        html +=
+            "<tr>" + HtmlHeader("row", std::to_string(verdict.serviceId)) + "<td>" + HtmlText(verdict.channel) +
+            "</td><td>" + HtmlText(verdict.name) + "</td><td>" + words(verdict.judgement) +
+            (verdict.withoutBroadband != verdict.judgement ? "<br>without broadband: " + words(verdict.withoutBroadband)
+                                                           : std::string()) +
+            "</td></tr>";
+    }
+    m_Hold(*part, {}, verdicts.source,
+           HtmlTable("verdicts", {"id", "channel", "name", "does it play?"}, html) +
+               (verdicts.leftOut != 0 ? "<p class=\"muted\">and " + Counted(verdicts.leftOut, "service") + " more</p>"
+                                      : ""));
 }
 
 void CPageModel::Finding(const SFinding& finding)

@@ -31,6 +31,7 @@ class CPageModel : public IReportWriter {
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide& guide) override;
     void Delivery(const SDelivery& delivery) override;
+    void Verdicts(const SVerdicts& verdicts) override;
     void Finding(const SFinding& finding) override;
     void Received(std::size_t bytes) override { m_allowance.Received(bytes); }
 
@@ -102,6 +103,7 @@ class CPageModel : public IReportWriter {
     std::map<TKey, SPart> t_guideObjects;
     std::map<std::size_t, SPart> t_guides;      ///< by file
     std::map<std::size_t, SPart> t_deliveries;  ///< by file
+    std::map<std::size_t, SPart> t_verdicts;    ///< by file
     std::map<TKey, std::string> t_missing;      ///< why a service is not signalled, by its list and id
     SList<SLine> t_changes;
     SList<SLine> t_findings;

@@ -12,6 +12,7 @@
 #include "report/DeliveryText.h"
 #include "report/GuideText.h"
 #include "report/JsonReport.h"
+#include "report/VerdictText.h"
 
 namespace vyr::inspect {
 
@@ -562,6 +563,15 @@ void CTextReport::Delivery(const SDelivery& delivery)
     }
 }
 
+/// They are the end of the report.
+void CTextReport::Verdicts(const SVerdicts& verdicts)
+{
+    constexpr std::size_t k_most = 65536;  // bytes, of the room that the summary has
+    const std::string text =
+        Place(verdicts.source) + "services\n" + TableText(VerdictRows(verdicts)) + MoreText("  ", verdicts.leftOut, 0);
+    m_verdicts += '\n' + FirstLines(text, Limit(k_most - std::min(k_most, m_verdicts.size())));
+}
+
 void CTextReport::Finding(const SFinding& finding)
 {
     // Of an input that is none, stderr tells.
@@ -587,7 +597,7 @@ void CTextReport::Summary(const SSummary& summary)
         text +=
             "    and " + std::to_string(summary.errors + summary.warnings - summary.firstFindings.size()) + " more\n";
     }
-    m_output.Finish(text);
+    m_output.Finish(text + m_verdicts);
 }
 
 }  // namespace vyr::inspect

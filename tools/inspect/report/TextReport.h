@@ -35,6 +35,7 @@ class CTextReport : public IReportWriter {
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide& guide) override;
     void Delivery(const SDelivery& delivery) override;
+    void Verdicts(const SVerdicts& verdicts) override;
     void Finding(const SFinding& finding) override;
     void Summary(const SSummary& summary) override;
     bool WantsText(const std::string& key) const override { return m_full || m_last.Find(key) == nullptr; }
@@ -53,6 +54,7 @@ class CTextReport : public IReportWriter {
     const bool m_localTime;
     const bool m_full;
     CLastShown m_last;
+    std::string m_verdicts;  ///< of all inputs
 };
 
 }  // namespace vyr::inspect

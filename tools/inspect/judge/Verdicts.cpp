@@ -1,0 +1,282 @@
+#include "judge/Verdicts.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+#include "base/Limits.h"
+#include "base/Text.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr int k_linear = 1;
+constexpr int k_linearAudio = 2;
+constexpr int k_route = 1;
+constexpr int k_mmtp = 2;
+constexpr unsigned k_mmtSignalling = 2;  // payload type
+
+/// Rules that end a service where they are found, in the order of what has to work first.
+constexpr ERule k_stops[] = {ERule::SERVICE_DROPPED, ERule::BAD_ADDRESS, ERule::PROTOCOL_UNKNOWN, ERule::NO_SIGNALLING};
+
+SJudgement But(const std::string& cause, const std::string& rule = {})
+{
+    return {EVerdict::PLAYS_BUT, cause, rule};
+}
+
+SJudgement Not(const std::string& cause, const std::string& rule = {})
+{
+    return {EVerdict::DOES_NOT_PLAY, cause, rule};
+}
+
+SJudgement Unknown(const std::string& cause)
+{
+    return {EVerdict::CANNOT_TELL, cause};
+}
+
+/// The heavier of two; of two alike, the first.
+SJudgement Worse(const SJudgement& one, const SJudgement& other)
+{
+    constexpr int k_weights[] = {0, 1, 3, 2};
+    const auto weight = [&](const SJudgement& each) { return k_weights[static_cast<std::size_t>(each.verdict)]; };
+    return weight(other) > weight(one) ? other : one;
+}
+
+/// What came of one kind of component.
+struct SComponentDelivery {
+    unsigned announced = 0;
+    unsigned came = 0;  ///< of which something could be used
+    std::uint64_t whole = 0;
+    std::uint64_t broken = 0;
+};
+
+/// What a viewer misses without a component of the type.
+std::string Missing(const std::string& type)
+{
+    return type == "video" ? "there is no picture" : type == "audio" ? "there is no sound" : "there are no subtitles";
+}
+
+std::string Broken(const std::string& type)
+{
+    return type == "video"   ? "the picture breaks up"
+           : type == "audio" ? "the sound breaks up"
+                             : "subtitles are missing in places";
+}
+
+class CServiceJudge {
+  public:
+    CServiceJudge(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings,
+                  const SRuleSettings& settings)
+        : m_evidence(evidence), m_delivery(delivery), m_findings(findings), m_settings(settings)
+    {
+        for (const SSessionDelivery& session : delivery.sessions) {
+            const std::string address = EndpointText(session.destination, session.port);
+            m_sessions.emplace(address, &session);
+            for (const SFlowDelivery& flow : session.flows) {
+                const bool signalling = session.protocol == EDeliveryProtocol::ROUTE
+                                            ? flow.id == 0
+                                            : flow.payloadType && *flow.payloadType == k_mmtSignalling;
+                m_mediaCaptured = m_mediaCaptured || !signalling;
+                m_flows.emplace(std::tuple(address, flow.id, std::string()), &flow);
+                m_flows.emplace(std::tuple(address, flow.id, Ipv4Text(session.source)), &flow);
+            }
+        }
+    }
+
+    SVerdict Judge(const std::string& list, const SSltService& service);
+
+  private:
+    SJudgement m_Judge(const SSltService& service) const;
+    bool m_Concerns(const SFinding& finding, const SSltService& service) const;
+    SJudgement m_Stopped(const SSltService& service) const;
+    SJudgement m_Media(const SSltService& service) const;
+    SJudgement m_Mmt() const;
+    SJudgement m_Spoiled(const SSltService& service) const;
+    const SEvidence& m_evidence;
+    const SDelivery& m_delivery;
+    const std::vector<SFinding>& m_findings;
+    const SRuleSettings& m_settings;
+    std::map<std::string, const SSessionDelivery*> m_sessions;  ///< by address
+    std::map<std::tuple<std::string, std::uint64_t, std::string>, const SFlowDelivery*>
+        m_flows;                   ///< by address, TSI, and source or none
+    bool m_mediaCaptured = false;  ///< of whatever service
+    std::string m_address;         ///< of the signalling of the service that is judged
+};
+
+bool CServiceJudge::m_Concerns(const SFinding& finding, const SSltService& service) const
+{
+    return finding.serviceId ? *finding.serviceId == service.serviceId
+                             : !finding.session.empty() && finding.session == m_address;
+}
+
+/// The first cause that ends the service.
+SJudgement CServiceJudge::m_Stopped(const SSltService& service) const
+{
+    for (const ERule rule : k_stops) {
+        for (const SFinding& finding : m_findings) {
+            if (finding.rule != rule || !m_Concerns(finding, service)) {
+                continue;
+            }
+            if (rule == ERule::NO_SIGNALLING && m_delivery.seconds < m_settings.longestInterval) {
+                return Unknown("it is " + NumberText(m_delivery.seconds) +
+                               " s long, and its signalling may come later");
+            }
+            return Not(rule == ERule::NO_SIGNALLING ? "its signalling does not come (" + finding.message + ')'
+                                                    : finding.message,
+                       RuleName(rule));
+        }
+    }
+    return {};
+}
+
+/// What came of the components that the S-TSID announces.
+SJudgement CServiceJudge::m_Media(const SSltService& service) const
+{
+    constexpr double k_leastSeconds = 2;  // of the capture behind the S-TSID
+    constexpr std::uint64_t k_half = 2;
+    std::map<std::string, SComponentDelivery> components;
+    for (const SPackageFacts* package : m_evidence.Of(service)) {
+        if (!package->stsid || !package->stsid->whole) {
+            continue;
+        }
+        const auto since = package->documentSource.find(ESlsDocument::STSID);
+        const bool timed = since != package->documentSource.end() && since->second.time && m_delivery.traffic.last;
+        if (timed && Seconds(*m_delivery.traffic.last) - Seconds(*since->second.time) < k_leastSeconds) {
+            return Unknown("it ends too soon behind the service's signalling");
+        }
+        for (const SLctFacts& lct : package->stsid->sessions) {
+            if (!lct.realTime || lct.contentType.empty()) {
+                continue;
+            }
+            SComponentDelivery& component = components[lct.contentType];
+            const auto found = m_flows.find({lct.destination, lct.tsi, lct.source});
+            const SFlowDelivery* flow = found != m_flows.end() ? found->second : nullptr;
+            ++component.announced;
+            const bool told = flow != nullptr && flow->objects;
+            const bool useless = told && flow->objects->whole == 0 && flow->objects->incomplete != 0;
+            component.came += flow != nullptr && !useless ? 1 : 0;
+            component.whole += told ? flow->objects->whole : 0;
+            component.broken += told ? flow->objects->incomplete : 0;
+        }
+    }
+    SJudgement judgement;
+    bool anything = false;
+    for (const auto& [type, component] : components) {
+        anything = anything || (component.came != 0 && (type == "video" || type == "audio"));
+        if (component.came == 0) {
+            judgement = Worse(judgement, But(Missing(type)));
+        } else if (component.broken != 0) {
+            const std::uint64_t all = component.broken + component.whole;
+            const std::string share = std::to_string(component.broken) + " of " + std::to_string(all) +
+                                      " pieces of its " + type + " arrive broken";
+            judgement =
+                Worse(judgement, component.broken * k_half >= all ? Not(share) : But(Broken(type) + ": " + share));
+        }
+    }
+    const bool media = components.count("video") + components.count("audio") != 0;
+    return media && !anything ? Not("neither picture nor sound is sent") : judgement;
+}
+
+/// What came besides the signalling of a service that MMTP carries.
+SJudgement CServiceJudge::m_Mmt() const
+{
+    const auto found = m_sessions.find(m_address);
+    if (found == m_sessions.end() || found->second->packetsNoFlow != 0 || found->second->guessed) {
+        return {};
+    }
+    const std::vector<SFlowDelivery>& flows = found->second->flows;
+    const bool media = std::any_of(flows.begin(), flows.end(), [](const SFlowDelivery& flow) {
+        return !flow.payloadType || *flow.payloadType != k_mmtSignalling;
+    });
+    // Assets may be on sessions of their own, which nothing here knows.
+    return media || m_delivery.sessions.size() > 2 ? SJudgement() : But("nothing but signalling is on its session");
+}
+
+/// The first of what spoils it, errors first.
+SJudgement CServiceJudge::m_Spoiled(const SSltService& service) const
+{
+    const SFinding* first = nullptr;
+    std::size_t count = 0;
+    for (const SFinding& finding : m_findings) {
+        if (m_Concerns(finding, service)) {
+            first = first == nullptr || finding.severity > first->severity ? &finding : first;
+            ++count;
+        }
+    }
+    if (first == nullptr) {
+        return {};
+    }
+    return But(first->message + (count > 1 ? ", and " + std::to_string(count - 1) + " more" : ""),
+               RuleName(first->rule));
+}
+
+SJudgement CServiceJudge::m_Judge(const SSltService& service) const
+{
+    if (!service.notListed.empty()) {
+        return Not("receivers do not list it: " + service.notListed);
+    }
+    if (!service.hasBroadcastSvcSignaling) {
+        return Unknown("its signalling is not broadcast");
+    }
+    if (!m_evidence.sessionsCaptured) {
+        return Unknown("it has the LLS alone, and no session of a service");
+    }
+    SJudgement judgement = m_Stopped(service);
+    if (judgement.verdict != EVerdict::PLAYS) {
+        return judgement;
+    }
+    if (!m_mediaCaptured) {
+        return Unknown("it has signalling alone, and no media of any service");
+    }
+    const bool linear = service.serviceCategory == k_linear || service.serviceCategory == k_linearAudio;
+    if (linear && service.slsProtocol == k_route) {
+        judgement = m_Media(service);
+    } else if (linear && service.slsProtocol == k_mmtp) {
+        judgement = m_Mmt();
+    }
+    if (service.isProtected) {
+        judgement = Worse(judgement, But("only where it can be unlocked: it is protected"));
+    }
+    return Worse(judgement, m_Spoiled(service));
+}
+
+SVerdict CServiceJudge::Judge(const std::string& list, const SSltService& service)
+{
+    SVerdict verdict;
+    m_address = SessionOf(service);
+    verdict.serviceId = service.serviceId;
+    verdict.serviceList = list;
+    verdict.channel = service.majorChannelNo > 0 && service.minorChannelNo > 0
+                          ? std::to_string(service.majorChannelNo) + '.' + std::to_string(service.minorChannelNo)
+                          : std::string();
+    verdict.name = service.shortServiceName.value_or("");
+    verdict.judgement = m_Judge(service);
+    verdict.withoutBroadband =
+        service.broadbandAccessRequired || (!service.hasBroadcastSvcSignaling && service.notListed.empty())
+            ? Worse(Not("it needs the internet"), verdict.judgement)
+            : verdict.judgement;
+    return verdict;
+}
+
+}  // namespace
+
+SVerdicts Verdicts(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings,
+                   const SRuleSettings& settings)
+{
+    SVerdicts verdicts;
+    verdicts.source = {evidence.file, 0, {}};
+    CServiceJudge judge(evidence, delivery, findings, settings);
+    for (const auto& [key, list] : evidence.lists) {
+        for (const SSltService& service : list.services) {
+            if (verdicts.verdicts.size() < MostEntries()) {
+                verdicts.verdicts.push_back(judge.Judge(ServiceListName(key.first, key.second), service));
+            } else {
+                ++verdicts.leftOut;
+            }
+        }
+    }
+    return verdicts;
+}
+
+}  // namespace vyr::inspect
