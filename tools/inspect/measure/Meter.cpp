@@ -23,7 +23,7 @@ void CMeter::Count(std::size_t bytes, const SMoment& moment)
         return;
     }
     const std::int64_t at = moment.at;
-    const std::uint64_t second = Second(at);
+    const std::uint64_t second = moment.second;
     m_timedBytes += bytes;
     if (!m_traffic.first) {
         m_traffic.first = moment.time;
