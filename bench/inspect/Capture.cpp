@@ -30,9 +30,11 @@ std::string ReadData(const std::string& name)
     return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
-/// A service list of one service, and its signalling over and over: with `different`, each package has an MPD and a
-/// TOI of its own.
-void WriteCapture(const std::string& name, std::size_t size, bool different)
+enum class EKind { SAME, DIFFERENT, MEDIA };
+
+/// A service list of one service, and its signalling over and over: of DIFFERENT, each package has an MPD and a
+/// TOI of its own; of MEDIA, 16 packets of four LCT sessions follow each, in turn.
+void WriteCapture(const std::string& name, std::size_t size, EKind kind)
 {
     const std::string list =
         "<SLT bsid='1'><Service serviceId='1' sltSvcSeqNum='0' protected='false' hidden='false' "
@@ -57,7 +59,7 @@ void WriteCapture(const std::string& name, std::size_t size, bool different)
         const std::size_t header = round == 0 ? 0 : CCapture(1).Bytes().size();
         for (unsigned i = 0; i < 64; ++i) {
             std::string object = package;
-            const unsigned number = different ? round * 64 + i : 0;
+            const unsigned number = kind == EKind::DIFFERENT ? round * 64 + i : 0;
             for (unsigned digit = 0, rest = number; digit < 8; ++digit, rest /= 10) {
                 // 2026-11-21T02:0m:ss.mmm, the last digits first; what is no digit stays.
                 char& place = object[at + 7 - digit];
@@ -68,6 +70,12 @@ void WriteCapture(const std::string& name, std::size_t size, bool different)
             fields.length = static_cast<int>(object.size());
             fields.close = true;
             capture.AddSession(Lct(fields, object), 6001);
+            for (unsigned j = 0; kind == EKind::MEDIA && j < 16; ++j) {
+                const unsigned place = (round * 64 + i) * 4 + j / 4;  // among the packets of its LCT session
+                const std::string data(1400, 'd');
+                const SLct media = {place / 500 + 1, place % 500 * 1400, 500 * 1400, false, 10 + j % 4};
+                capture.AddSession(Lct(media, data), 6001);
+            }
         }
         const std::string bytes = capture.Bytes().substr(header);
         file << bytes;
@@ -166,12 +174,12 @@ int main(int argc, char** argv)
         return 2;
     }
     std::map<std::string, std::pair<long, long>> memory;
-    for (const bool different : {false, true}) {
-        const std::string kind = different ? "different" : "same";
+    for (const auto& [kind, what] : std::map<std::string, EKind>{
+             {"same", EKind::SAME}, {"different", EKind::DIFFERENT}, {"media", EKind::MEDIA}}) {
         const std::string capture = folder + '/' + kind;
         const std::string page = folder + "/page";
-        WriteCapture(capture, bytes, different);
-        WriteCapture(folder + "/part", bytes / 100, different);
+        WriteCapture(capture, bytes, what);
+        WriteCapture(folder + "/part", bytes / 100, what);
         const std::map<std::string, std::vector<std::string>> runs = {{"bare", {}},
                                                                       {"text", {capture}},
                                                                       {"json", {"--json", capture}},
@@ -204,7 +212,7 @@ int main(int argc, char** argv)
     for (const auto& [name, kilobytes] : memory) {
         std::printf("%-20s %10ld %10ld\n", name.c_str(), kilobytes.first, kilobytes.second);
     }
-    for (const char* file : {"/same", "/different", "/part", "/page"}) {
+    for (const char* file : {"/same", "/different", "/media", "/part", "/page"}) {
         std::remove((folder + file).c_str());
     }
     rmdir(folder.c_str());

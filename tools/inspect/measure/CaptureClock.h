@@ -11,6 +11,7 @@ namespace vyr::inspect {
 struct SMoment {
     std::optional<STime> time;  ///< as the capture has it
     std::int64_t at = 0;        ///< microseconds since the capture's first packet, from 0; of no meaning without `time`
+    std::uint64_t second = 0;   ///< whole ones of these
 };
 
 /// Makes the times of a capture run on: where its clock was set, no time goes by.
@@ -18,7 +19,8 @@ class CCaptureClock {
   public:
     SMoment Now(const std::optional<STime>& time)
     {
-        return {time, time ? m_At(time->seconds * k_second + time->nanoseconds / 1000) : 0};
+        const std::int64_t at = time ? m_At(time->seconds * k_second + time->nanoseconds / 1000) : 0;
+        return {time, at, static_cast<std::uint64_t>(at / k_second)};
     }
     /// The latest moment.
     std::int64_t End() const { return m_end; }

@@ -23,7 +23,7 @@ void CMeter::Count(std::size_t bytes, const SMoment& moment)
         return;
     }
     const std::int64_t at = moment.at;
-    const std::uint64_t second = Second(at);
+    const std::uint64_t second = moment.second;
     m_timedBytes += bytes;
     if (!m_traffic.first) {
         m_traffic.first = moment.time;
@@ -117,7 +117,7 @@ STraffic CMeter::Result(std::int64_t end) const
     // The last second of the capture is not whole.
     const bool cut = m_second == Second(end);
     const std::uint64_t seconds = m_second - m_firstSecond + (cut ? 0 : 1);
-    if (traffic.first && seconds != 0) {
+    if (m_gap >= 0 && seconds != 0) {  // a packet alone has no rate
         traffic.meanRate =
             static_cast<double>(m_timedBytes - (cut ? m_inSecond : 0)) / k_bitsOfKilobit / static_cast<double>(seconds);
         traffic.peakRate = static_cast<double>(std::max({m_most, m_inSecond, m_inSecondBefore})) / k_bitsOfKilobit;

@@ -31,13 +31,11 @@ void CObjects::Take(const SLctPacket& packet, const SMoment& moment, const TLeng
     if (moment.time && !m_begun) {
         m_begun = moment.at;
     }
-    const bool known = m_last < m_open.size() && m_open[m_last].toi == packet.toi;
+    const bool known = m_Find(packet.toi);
     if (packet.data.size == 0) {
-        const auto object = std::find_if(m_open.begin(), m_open.end(),
-                                         [&packet](const SObject& open) { return open.toi == packet.toi; });
-        if (packet.closeObject && object != m_open.end()) {
-            m_done += object->lastCame || object->closed ? 0 : 1;
-            object->closed = true;
+        if (packet.closeObject && known) {
+            m_done += m_open[m_last].lastCame || m_open[m_last].closed ? 0 : 1;
+            m_open[m_last].closed = true;
         }
         return;
     }
@@ -49,6 +47,13 @@ void CObjects::Take(const SLctPacket& packet, const SMoment& moment, const TLeng
     }
     if (told && end > *told) {
         return;  // no object has this
+    }
+    if (!known && begin == 0 && end == told) {
+        const bool again = m_whole.Has(Number(packet.toi));
+        m_counts.begun += again ? 0 : 1;
+        ++m_done;
+        m_Whole(packet.toi, again);
+        return;
     }
     SObject* object = known ? &m_open[m_last] : &m_Open(packet.toi, moment, length);
     const bool differs = object->length && told && *object->length != *told;
@@ -77,20 +82,25 @@ void CObjects::Take(const SLctPacket& packet, const SMoment& moment, const TLeng
     m_done += !wasDone && (object->lastCame || object->closed) ? 1 : 0;
     object->doneSince = m_done;
     if (!object->lost && object->length && object->bytes.Count() == *object->length) {
-        m_Whole(static_cast<std::size_t>(object - m_open.data()));
+        m_Whole(object->toi, object->again);
+        m_Remove(m_last);
     }
 }
 
-/// The object as far as it came; one is begun, in the place of another if need be.
+/// Whether the object is under way: m_last is its place then.
+bool CObjects::m_Find(const TToi& toi)
+{
+    if (m_last >= m_open.size() || m_open[m_last].toi != toi) {
+        m_last = static_cast<std::size_t>(
+            std::find_if(m_open.begin(), m_open.end(), [&toi](const SObject& open) { return open.toi == toi; }) -
+            m_open.begin());
+    }
+    return m_last < m_open.size();
+}
+
+/// Begins an object, in the place of another if need be.
 CObjects::SObject& CObjects::m_Open(const TToi& toi, const SMoment& moment, const TLength& length)
 {
-    m_last = 0;
-    while (m_last < m_open.size() && m_open[m_last].toi != toi) {
-        ++m_last;
-    }
-    if (m_last < m_open.size()) {
-        return m_open[m_last];
-    }
     if (m_open.size() >= (m_kept.open < SObjectsKept::k_mostOpen ? k_maxOpen : k_fewOpen)) {
         const auto oldest = std::min_element(m_open.begin(), m_open.end(),
                                              [](const SObject& a, const SObject& b) { return a.used < b.used; });
@@ -128,18 +138,16 @@ void CObjects::m_Add(SObject& object, std::uint64_t begin, std::uint64_t end)
     m_kept.parts += object.bytes.Parts() - before;
 }
 
-void CObjects::m_Whole(std::size_t place)
+void CObjects::m_Whole(const TToi& toi, bool again)
 {
-    const SObject& object = m_open[place];
-    ++(object.again ? m_counts.repeats : m_counts.whole);
-    const std::uint64_t number = Number(object.toi);
+    ++(again ? m_counts.repeats : m_counts.whole);
+    const std::uint64_t number = Number(toi);
     const std::size_t before = m_whole.Parts();
     const std::size_t most = m_kept.parts < SObjectsKept::k_mostParts ? k_maxWhole : k_fewParts;
     while (!m_whole.Add(number, number + 1, most)) {
         m_whole.DropFirst();
     }
     m_kept.parts += m_whole.Parts() - before;
-    m_Remove(place);
 }
 
 void CObjects::m_Remove(std::size_t place)

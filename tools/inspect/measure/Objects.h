@@ -64,10 +64,11 @@ class CObjects {
         bool lost = false;      ///< of too many pieces: nothing can be said
     };
 
+    bool m_Find(const TToi& toi);
     SObject& m_Open(const TToi& toi, const SMoment& moment, const TLength& length);
     void m_Begin(SObject& object, const TToi& toi, const SMoment& moment, const TLength& length);
     void m_Add(SObject& object, std::uint64_t begin, std::uint64_t end);
-    void m_Whole(std::size_t place);
+    void m_Whole(const TToi& toi, bool again);
     void m_Remove(std::size_t place);
     bool m_IsOver(const SObject& object, std::int64_t now) const;
     bool m_BeganBefore(const SObject& object) const;

@@ -1,6 +1,7 @@
 #include "measure/Traffic.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace vyr::inspect {
@@ -303,6 +304,29 @@ SSessionDelivery CTraffic::m_Result(const SSession& session) const
     return result;
 }
 
+/// Adds what is announced and did not come, if that is certain.
+void CTraffic::m_AddMissing(std::vector<SSessionDelivery>& sessions) const
+{
+    for (const auto& [key, announced] : m_announced) {
+        const auto came = m_sessions.lower_bound(key);
+        const bool is = came != m_sessions.end() && came->first.destination == key.destination &&
+                        came->first.port == key.port && (key.source == 0 || came->first.source == key.source);
+        const auto protocol = std::find(announced.protocols.begin(), announced.protocols.end(), true);
+        if (is || m_others.Packets() != 0 || protocol == announced.protocols.end()) {
+            continue;
+        }
+        SSessionDelivery& session = sessions.emplace_back();
+        session.destination = key.destination;
+        session.port = key.port;
+        session.source = key.source;
+        session.protocol = static_cast<EDeliveryProtocol>(protocol - announced.protocols.begin());
+        session.services = {announced.services.begin(), announced.services.end()};
+    }
+    std::sort(sessions.begin(), sessions.end(), [](const SSessionDelivery& a, const SSessionDelivery& b) {
+        return std::tie(a.destination, a.port, a.source) < std::tie(b.destination, b.port, b.source);
+    });
+}
+
 SDelivery CTraffic::Result(const SSource& source) const
 {
     SDelivery delivery;
@@ -315,6 +339,7 @@ SDelivery CTraffic::Result(const SSource& source) const
     for (const auto& [key, session] : m_sessions) {
         delivery.sessions.push_back(m_Result(*session));
     }
+    m_AddMissing(delivery.sessions);
     return delivery;
 }
 

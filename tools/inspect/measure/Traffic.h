@@ -93,6 +93,7 @@ class CTraffic {
     bool m_TakeLct(SSession& session, SView payload, const SMoment& moment);
     bool m_TakeMmtp(SSession& session, SView payload, const SMoment& moment);
     SSessionDelivery m_Result(const SSession& session) const;
+    void m_AddMissing(std::vector<SSessionDelivery>& sessions) const;
     SFlowDelivery m_Result(const SSession& session, const SFlow& flow) const;
 
     const TLength m_length;

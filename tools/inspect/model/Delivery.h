@@ -21,7 +21,8 @@ struct STraffic {
     std::optional<double> gap;      ///< the longest silence between two packets, in seconds
     std::optional<STime> gapSince;  ///< when it began
     /// kbit/s over whole seconds from the capture's first packet on: the mean from the first to the last in which
-    /// something came, without the capture's last, which is not whole; none when there is no other.
+    /// something came, without the capture's last, which is not whole; none when there is no other, and of a
+    /// packet alone.
     std::optional<double> meanRate;
     std::optional<double> peakRate;   ///< of the second in which most came
     std::uint64_t firstBin = 0;       ///< the number of the first of `bins`
@@ -77,11 +78,11 @@ struct SFlowDelivery {
     std::optional<unsigned> payloadType = std::nullopt;      ///< of a packet_id, if it has but one
 };
 
-/// What came to one address and port from one source.
+/// What came to one address and port from one source; of what is announced, nothing, too.
 struct SSessionDelivery {
     std::uint32_t destination = 0;
     std::uint16_t port = 0;
-    std::uint32_t source = 0;
+    std::uint32_t source = 0;  ///< 0: nothing came, and any would do
     STraffic traffic;
     EDeliveryProtocol protocol = EDeliveryProtocol::UNKNOWN;
     bool guessed = false;                 ///< by its packets alone: no signalling gives the protocol

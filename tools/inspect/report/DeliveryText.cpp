@@ -109,7 +109,7 @@ TRow Row(std::string name, std::string protocol, const STraffic& traffic, std::s
             std::move(objects)};
 }
 
-TRow FlowRow(const SFlowDelivery& flow, const SDelivery& delivery)
+TRow FlowRow(const SFlowDelivery& flow, bool silent, const SDelivery& delivery)
 {
     constexpr const char* k_payloads[] = {"MPUs", "generic objects", "signalling", "repair symbols"};
     CParts carries;
@@ -126,7 +126,7 @@ TRow FlowRow(const SFlowDelivery& flow, const SDelivery& delivery)
         AddPackets(parts, *flow.packets, flow.traffic.packets);
     }
     parts.Add(flow.repairPackets, "of repair");
-    parts.Add(SilenceText(flow.traffic, delivery));
+    parts.Add(silent ? std::string() : SilenceText(flow.traffic, delivery));
     return Row((flow.objects ? "  TSI " : "  packet id ") + std::to_string(flow.id), {}, flow.traffic, carries.Text(),
                parts.Text());
 }
@@ -139,8 +139,12 @@ TRow SessionRow(const SSessionDelivery& session, bool showSource, const SDeliver
     carries.Add(Short(Printable(session.carries)));
     carries.Add(delivery.namesKnown && !session.Named() ? "nothing names it" : "");
     CParts parts;
-    parts.Add(session.otherPackets, session.protocol == EDeliveryProtocol::MMTP ? "that are no MMTP packets"
-                                                                                : "that are no LCT packets of ROUTE");
+    parts.Add(session.traffic.packets == 0 ? "nothing came" : "");
+    if (session.otherPackets != 0) {
+        const bool mmtp = session.protocol == EDeliveryProtocol::MMTP;
+        parts.Add(Counted(session.otherPackets, mmtp ? "is no MMTP packet" : "is no LCT packet of ROUTE",
+                          mmtp ? "are no MMTP packets" : "are no LCT packets of ROUTE"));
+    }
     parts.Add(session.packetsNoFlow, "of further flows");
     parts.Add(SilenceText(session.traffic, delivery));
     return Row(EndpointText(session.destination, session.port) +
@@ -192,11 +196,13 @@ SDeliveryRows DeliveryRows(const SDelivery& delivery, std::size_t most)
             rows.more += 1 + sessions[i].flows.size();
             continue;
         }
-        const bool showSource = (i > 0 && SameEndpoint(sessions[i - 1], sessions[i])) ||
+        const bool missing = sessions[i].traffic.packets == 0 && sessions[i].source != 0;
+        const bool showSource = missing || (i > 0 && SameEndpoint(sessions[i - 1], sessions[i])) ||
                                 (i + 1 < sessions.size() && SameEndpoint(sessions[i + 1], sessions[i]));
         add(SessionRow(sessions[i], showSource, delivery), false);
+        const bool silent = !SilenceText(sessions[i].traffic, delivery).empty();
         for (const SFlowDelivery& flow : sessions[i].flows) {
-            add(FlowRow(flow, delivery), true);
+            add(FlowRow(flow, silent, delivery), true);
         }
     }
     if (delivery.others.packets != 0) {

@@ -713,7 +713,7 @@ void CJsonReport::Delivery(const SDelivery& delivery)
         m_Write("delivery", [&](bool) {
             TJson json = head(session.traffic);
             json["session"] = EndpointText(session.destination, session.port);
-            json["sourceAddress"] = Ipv4Text(session.source);
+            PutText(json, "sourceAddress", session.source != 0 ? Ipv4Text(session.source) : std::string());
             PutText(json, "protocol", DeliveryProtocolName(session.protocol));
             if (session.guessed) {
                 json["protocolGuessed"] = true;
