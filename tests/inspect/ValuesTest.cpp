@@ -19,7 +19,7 @@ std::string Shown(unsigned id, const std::string& xml, nlohmann::json& json)
 {
     const std::string table = Number(id, 1) + std::string("\0\0\1", 3) + xml;
     json = Lines(Inspect("--json -", table).out).front();
-    const std::string text = Inspect("-", table).out;
+    const std::string text = Inspect("--ignore utc-offset -", table).out;
     return text.substr(0, text.find("\n\n"));
 }
 

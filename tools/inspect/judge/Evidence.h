@@ -13,6 +13,8 @@
 
 namespace vyr::inspect {
 
+constexpr std::size_t k_mostJudged = 1000;  ///< services of a list
+
 /// The service list that an LLS group has now.
 struct SListFacts {
     SSource source;

@@ -71,7 +71,7 @@ void CJudge::Table(const STable& table)
     const TListKey key = {table.stream, table.header.groupId};
     const auto known = m_evidence.lists.find(key);
     m_services -= known != m_evidence.lists.end() ? known->second.services.size() : 0;
-    const std::size_t count = std::min(table.slt->services.size(), k_mostServices - m_services);
+    const std::size_t count = std::min({table.slt->services.size(), k_mostJudged, k_mostServices - m_services});
     if (known == m_evidence.lists.end() && m_evidence.lists.size() == k_mostLists) {
         return;
     }

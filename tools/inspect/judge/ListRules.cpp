@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <set>
 #include <tuple>
 
 #include "base/Names.h"
@@ -19,6 +18,12 @@ std::string Title(const SSltService& service)
 {
     return "service " + std::to_string(service.serviceId) +
            (service.shortServiceName ? ' ' + Quoted(*service.shortServiceName) : std::string());
+}
+
+/// Services of the list that are judged, however many the report shows.
+std::size_t Count(const STable& table)
+{
+    return std::min(table.slt->services.size(), k_mostJudged);
 }
 
 std::string ChannelText(const SSltService& service)
@@ -57,15 +62,40 @@ class CListRules : public CRules {
     void Finish(const SDelivery* delivery) override;
 
   private:
-    using TSession = std::pair<std::uint32_t, int>;
+    /// A service of a list that holds.
+    struct SEntry {
+        std::string title;
+        TListKey list;
+        int protocol = 0;
+        std::uint32_t source = 0;
+    };
+    template <class TKey>
+    using TIndex = std::multimap<TKey, SEntry>;
+    using TChannel = std::pair<int, int>;
+    /// Where the services of one list are in the indexes.
+    struct SHeld {
+        std::vector<TIndex<unsigned>::iterator> ids;
+        std::vector<TIndex<TChannel>::iterator> channels;
+        std::vector<TIndex<std::string>::iterator> sessions;
+    };
 
+    static constexpr std::size_t k_mostLists = 256;
+
+    template <class TKey>
+    static const SEntry* m_Enter(TIndex<TKey>& index, const TKey& key, const SEntry& entry, SHeld& held,
+                                 std::vector<typename TIndex<TKey>::iterator> SHeld::*places);
+    void m_Forget(SHeld& held);
     void m_Tell(ERule rule, const STable& table, const SSltService* service, const std::string& message);
     void m_Service(const STable& table, const SSltService& service);
-    void m_Together(const STable& table);
+    void m_Together(const STable& table, SHeld& held);
     void m_Changes(const STable& table);
     void m_Intervals(const SDelivery& delivery);
 
     const SRuleSettings m_settings;
+    TIndex<unsigned> m_ids;
+    TIndex<TChannel> m_channels;
+    TIndex<std::string> m_sessions;  ///< by address
+    std::map<TListKey, SHeld> m_held;
     std::map<std::tuple<std::string, unsigned, unsigned>, SArrivals> m_arrivals;  ///< by stream, table and group
 };
 
@@ -89,10 +119,13 @@ void CListRules::Table(const STable& table)
     if (!table.slt) {
         return;
     }
-    for (const SSltService& service : table.slt->services) {
-        m_Service(table, service);
+    for (std::size_t i = 0; i < Count(table); ++i) {
+        m_Service(table, table.slt->services[i]);
     }
-    m_Together(table);
+    const TListKey list = {table.stream, table.header.groupId};
+    if (m_held.size() < k_mostLists || m_held.count(list) != 0) {
+        m_Together(table, m_held[list]);
+    }
     m_Changes(table);
 }
 
@@ -142,66 +175,70 @@ void CListRules::m_Service(const STable& table, const SSltService& service)
     }
 }
 
-/// Services that contradict each other: of this list, and of the other lists that hold.
-void CListRules::m_Together(const STable& table)
+template <class TKey>
+const CListRules::SEntry* CListRules::m_Enter(TIndex<TKey>& index, const TKey& key, const SEntry& entry, SHeld& held,
+                                              std::vector<typename TIndex<TKey>::iterator> SHeld::*places)
 {
-    std::map<unsigned, const SSltService*> ids;
-    std::map<std::pair<int, int>, const SSltService*> channels;
-    std::map<std::string, const SSltService*> sessions;
-    std::set<const SSltService*> own;
-    const auto place = [&](const SSltService& other) {
-        return own.count(&other) != 0 ? std::string() : " (of another list)";
+    const auto first = index.find(key);
+    const SEntry* const other = first != index.end() ? &first->second : nullptr;
+    (held.*places).push_back(index.emplace(key, entry));
+    return other;
+}
+
+/// Takes the services of the group's last list out of the indexes.
+void CListRules::m_Forget(SHeld& held)
+{
+    const auto forget = [](auto& index, auto& places) {
+        for (const auto& place : places) {
+            index.erase(place);
+        }
+        places.clear();
     };
-    const auto look = [&](const SSltService& service, bool tell) {
+    forget(m_ids, held.ids);
+    forget(m_channels, held.channels);
+    forget(m_sessions, held.sessions);
+}
+
+/// Services that contradict each other: of this list, and of the other lists that hold.
+void CListRules::m_Together(const STable& table, SHeld& held)
+{
+    m_Forget(held);
+    const TListKey key = {table.stream, table.header.groupId};
+    for (std::size_t i = 0; i < Count(table); ++i) {
+        const SSltService& service = table.slt->services[i];
         if (!service.notListed.empty()) {
-            return;  // it was told why, which may be just this
+            continue;  // it was told why, which may be just this
         }
-        own.insert(tell ? &service : nullptr);
-        const auto [id, newId] = ids.try_emplace(service.serviceId, &service);
-        const bool numbered = service.majorChannelNo > 0 && service.minorChannelNo > 0;
-        const auto [channel, newChannel] =
-            numbered ? channels.try_emplace({service.majorChannelNo, service.minorChannelNo}, &service)
-                     : std::pair(channels.end(), true);
-        const std::string address = SessionOf(service);
-        const auto [session, newSession] =
-            !address.empty() ? sessions.try_emplace(address, &service) : std::pair(sessions.end(), true);
-        if (!tell) {
-            return;
+        const std::string title = Title(service);
+        const auto other = [&](const SEntry& entry) {
+            return entry.title + (entry.list == key ? "" : " (of another list)");
+        };
+        const SEntry entry = {title, key, service.slsProtocol, service.slsSourceIpAddress};
+        const SEntry* sameId = m_Enter(m_ids, unsigned{service.serviceId}, entry, held, &SHeld::ids);
+        if (sameId != nullptr) {
+            m_Tell(ERule::SERVICE_ID_TWICE, table, &service, title + " has the serviceId of " + other(*sameId));
         }
-        if (!newId) {
-            m_Tell(ERule::SERVICE_ID_TWICE, table, &service,
-                   Title(service) + " has the serviceId of " + Title(*id->second) + place(*id->second));
-        }
-        if (!newChannel && newId) {
-            m_Tell(ERule::CHANNEL_TWICE, table, &service,
-                   Title(service) + " has channel " + ChannelText(service) + ", as " + Title(*channel->second) +
-                       place(*channel->second));
-        }
-        if (newSession || !newId) {
-            return;
-        }
-        const SSltService& other = *session->second;
-        const bool apart = service.slsSourceIpAddress != other.slsSourceIpAddress && service.slsSourceIpAddress != 0 &&
-                           other.slsSourceIpAddress != 0;
-        if (service.slsProtocol != other.slsProtocol) {
-            m_Tell(ERule::SESSION_TWO_PROTOCOLS, table, &service,
-                   Title(service) + " and " + Title(other) + place(other) + " are signalled on " + address +
-                       " by different protocols");
-        } else if (service.slsProtocol == k_route && !apart) {
-            m_Tell(ERule::SESSION_SHARED, table, &service,
-                   Title(service) + " and " + Title(other) + place(other) + " are signalled on the same session, " +
-                       address);
-        }
-    };
-    for (const auto& [key, list] : t_evidence.lists) {
-        if (key != TListKey(table.stream, table.header.groupId)) {
-            for (const SSltService& service : list.services) {
-                look(service, false);
+        if (service.majorChannelNo > 0 && service.minorChannelNo > 0) {
+            const SEntry* same =
+                m_Enter(m_channels, {service.majorChannelNo, service.minorChannelNo}, entry, held, &SHeld::channels);
+            if (same != nullptr && sameId == nullptr) {
+                m_Tell(ERule::CHANNEL_TWICE, table, &service,
+                       title + " has channel " + ChannelText(service) + ", as " + other(*same));
             }
         }
-    }
-    for (const SSltService& service : table.slt->services) {
-        look(service, true);
+        const std::string address = SessionOf(service);
+        const SEntry* same = address.empty() ? nullptr : m_Enter(m_sessions, address, entry, held, &SHeld::sessions);
+        if (same == nullptr || sameId != nullptr) {
+            continue;
+        }
+        const bool apart = entry.source != same->source && entry.source != 0 && same->source != 0;
+        if (entry.protocol != same->protocol) {
+            m_Tell(ERule::SESSION_TWO_PROTOCOLS, table, &service,
+                   title + " and " + other(*same) + " are signalled on " + address + " by different protocols");
+        } else if (entry.protocol == k_route && !apart) {
+            m_Tell(ERule::SESSION_SHARED, table, &service,
+                   title + " and " + other(*same) + " are signalled on the same session, " + address);
+        }
     }
 }
 
@@ -217,7 +254,8 @@ void CListRules::m_Changes(const STable& table)
     for (const SSltService& service : last->second.services) {
         before.emplace(service.serviceId, &service);
     }
-    for (const SSltService& service : table.slt->services) {
+    for (std::size_t i = 0; i < Count(table); ++i) {
+        const SSltService& service = table.slt->services[i];
         const auto known = before.find(service.serviceId);
         if (known == before.end() || (service.given & known->second->given & SService::GIVEN_SEQ_NUM) == 0 ||
             !service.notListed.empty() || !known->second->notListed.empty()) {
