@@ -1,0 +1,103 @@
+#include <gtest/gtest.h>
+
+#include "Broadcast.h"
+
+namespace {
+
+using namespace packets;
+
+/// A second service, of video alone on TSI 10 of port 5001: the same media as the first one's.
+void AddSecond(SBroadcast& b)
+{
+    b.services += With(
+        With(With(b.services, "serviceId=\"1\"", "serviceId=\"2\""), "minorChannelNo=\"1\"", "minorChannelNo=\"2\""),
+        "Port=\"5000\"", "Port=\"5001\"");
+}
+
+auto Drop(std::function<bool(const SSent&)> which)
+{
+    return [=](SBroadcast& b) { b.change = [=](SSent& sent) { return !which(sent); }; };
+}
+
+TEST(Verdicts, WhetherAServicePlays)
+{
+    const auto ofTsi = [](const SSent& sent, unsigned tsi) { return sent.kind >= SSent::INIT && sent.lct.tsi == tsi; };
+    const auto list = [](const std::string& part, const std::string& other) {
+        return [=](SBroadcast& b) { b.services = With(b.services, part, other); };
+    };
+    const struct {
+        const char* name;
+        const char* verdict;
+        const char* cause;  ///< its begin
+        std::function<void(SBroadcast&)> change;
+        const char* withoutBroadband = "";
+        const char* options = "";
+    } cases[] = {
+        {"sound", "plays", "", [](SBroadcast&) {}},
+        {"not listed", "does-not-play", "receivers do not list it: minorChannelNo 1000",
+         list("ChannelNo=\"1\"", "ChannelNo=\"1000\"")},
+        {"broadband", "plays", "", list("Required=\"false\"", "Required=\"true\""), "does-not-play",
+         "--set db/menu/broadcasting/atsc3_bb_option=1"},
+        {"no address", "does-not-play", "service 1: slsDestinationIpAddress is not", list("239.255.7.1", "none")},
+        {"the LLS alone", "cannot-tell", "it has the LLS alone",
+         Drop([](const SSent& s) { return s.kind != SSent::LLS; })},
+        {"no signalling", "does-not-play", "its signalling does not come",
+         Drop([](const SSent& s) { return s.kind == SSent::SIGNALLING; })},
+        {"no signalling, in 4 s", "cannot-tell", "it is 3.",
+         [](SBroadcast& b) {
+             b.rounds = 4;
+             b.change = [](SSent& s) { return s.kind != SSent::SIGNALLING; };
+         }},
+        {"signalling alone", "cannot-tell", "it has signalling alone",
+         Drop([](const SSent& s) { return s.kind >= SSent::INIT; })},
+        {"ends behind the signalling", "cannot-tell", "it ends too soon",
+         [](SBroadcast& b) { b.change = [](SSent& s) { return s.kind != SSent::SIGNALLING || s.round >= 10; }; }},
+        {"no sound", "plays-but", "there is no sound", Drop([=](const SSent& s) { return ofTsi(s, 20); })},
+        {"no picture", "plays-but", "there is no picture", Drop([=](const SSent& s) { return ofTsi(s, 10); })},
+        {"neither, and media of others", "does-not-play", "neither picture nor sound is sent",
+         [=](SBroadcast& b) {
+             b.change = [=](SSent& s) {
+                 s.port = ofTsi(s, 10) ? 5009 : s.port;
+                 return !ofTsi(s, 20);
+             };
+         }},
+        {"one piece broken", "plays-but", "the picture breaks up: 1 of ", Drop([=](const SSent& s) {
+             return s.kind == SSent::MEDIA && ofTsi(s, 10) && s.round == 5 && s.lct.start == 0;
+         })},
+        {"most pieces broken", "does-not-play", "8 of ", Drop([=](const SSent& s) {
+             return s.kind == SSent::MEDIA && ofTsi(s, 10) && s.round >= 2 && s.round < 10 && s.lct.start == 0;
+         })},
+        {"protected", "plays-but", "only where it can be unlocked", list("protected=\"false\"", "protected=\"true\"")},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        SBroadcast broadcast;
+        test.change(broadcast);
+        const SResult result = Inspect(std::string("--json ") + test.options + " -", broadcast.Bytes());
+        nlohmann::json verdict;
+        for (const nlohmann::json& line : Lines(result.out)) {
+            verdict = line["type"] == "verdict" ? line : verdict;
+        }
+        ASSERT_FALSE(verdict.is_null());
+        EXPECT_EQ(verdict["verdict"], test.verdict) << verdict;
+        EXPECT_EQ(verdict.value("cause", "").rfind(test.cause, 0), 0u) << verdict;
+        EXPECT_EQ(verdict.contains("withoutBroadband") ? verdict["withoutBroadband"]["verdict"] : "",
+                  test.withoutBroadband);
+    }
+}
+
+TEST(Verdicts, EachServiceHasItsOwn)
+{
+    SBroadcast broadcast;
+    AddSecond(broadcast);
+    const SResult result = Inspect("-", broadcast.Bytes());
+    EXPECT_EQ(
+        result.out.substr(result.out.rfind("\n\n") + 2),
+        "-: services\n"
+        "  id  channel  name  verdict\n"
+        "  1   7.1      NEWS  plays\n"
+        "  2   7.2      NEWS  does not play: its signalling does not come (no signalling of service 2: no packets to "
+        "239.255.7.1:5001 from 192.0.2.10)\n");
+}
+
+}  // namespace
