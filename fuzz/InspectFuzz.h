@@ -37,6 +37,8 @@ class CFuzzReport {
     }
 
     CReport& Report() { return m_report; }
+    COutput& Output() { return m_output; }
+    CProgress& Progress() { return m_progress; }
 
     /// Ends the report: nothing that came is markup in the page.
     const SSummary& Finish()

@@ -38,10 +38,13 @@ TEST(Verdicts, WhetherAServicePlays)
          list("ChannelNo=\"1\"", "ChannelNo=\"1000\"")},
         {"broadband", "plays", "", list("Required=\"false\"", "Required=\"true\""), "does-not-play",
          "--set db/menu/broadcasting/atsc3_bb_option=1"},
-        {"no address", "does-not-play", "service 1: slsDestinationIpAddress is not", list("239.255.7.1", "none")},
+        {"no address", "does-not-play",
+         "the channel is listed and shows nothing (service 1: slsDestinationIpAddress is not",
+         list("239.255.7.1", "none")},
         {"the LLS alone", "cannot-tell", "it has the LLS alone",
          Drop([](const SSent& s) { return s.kind != SSent::LLS; })},
-        {"no signalling", "does-not-play", "its signalling does not come",
+        {"no signalling", "does-not-play",
+         "the channel is listed and shows nothing (no signalling of service 1: none of",
          Drop([](const SSent& s) { return s.kind == SSent::SIGNALLING; })},
         {"no signalling, in 4 s", "cannot-tell", "it is 3.",
          [](SBroadcast& b) {
@@ -91,13 +94,13 @@ TEST(Verdicts, EachServiceHasItsOwn)
     SBroadcast broadcast;
     AddSecond(broadcast);
     const SResult result = Inspect("-", broadcast.Bytes());
-    EXPECT_EQ(
-        result.out.substr(result.out.rfind("\n\n") + 2),
-        "-: services\n"
-        "  id  channel  name  verdict\n"
-        "  1   7.1      NEWS  plays\n"
-        "  2   7.2      NEWS  does not play: its signalling does not come (no signalling of service 2: no packets to "
-        "239.255.7.1:5001 from 192.0.2.10)\n");
+    EXPECT_EQ(result.out.substr(result.out.rfind("\n\n") + 2),
+              "-: services\n"
+              "  id  channel  name  verdict\n"
+              "  1   7.1      NEWS  plays\n"
+              "  2   7.2      NEWS  does not play: the channel is listed and shows nothing (no signalling of service "
+              "2: no packets to "
+              "239.255.7.1:5001 from 192.0.2.10)\n");
 }
 
 }  // namespace

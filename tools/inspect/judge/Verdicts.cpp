@@ -1,6 +1,7 @@
 #include "judge/Verdicts.h"
 
 #include <algorithm>
+#include <cctype>
 #include <map>
 #include <tuple>
 
@@ -33,6 +34,15 @@ SJudgement Not(const std::string& cause, const std::string& rule = {})
 SJudgement Unknown(const std::string& cause)
 {
     return {EVerdict::CANNOT_TELL, cause};
+}
+
+/// What the finding means for viewers, and what it is.
+std::string Words(const SFinding& finding)
+{
+    std::string means = RuleOf(finding.rule).means;
+    means.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(means.front())));
+    means.erase(means.find_last_not_of('.') + 1);
+    return means + " (" + finding.message + ')';
 }
 
 /// The heavier of two; of two alike, the first.
@@ -122,9 +132,7 @@ SJudgement CServiceJudge::m_Stopped(const SSltService& service) const
                 return Unknown("it is " + NumberText(m_delivery.seconds) +
                                " s long, and its signalling may come later");
             }
-            return Not(rule == ERule::NO_SIGNALLING ? "its signalling does not come (" + finding.message + ')'
-                                                    : finding.message,
-                       RuleName(rule));
+            return Not(Words(finding), RuleName(rule));
         }
     }
     return {};
@@ -207,7 +215,7 @@ SJudgement CServiceJudge::m_Spoiled(const SSltService& service) const
     if (first == nullptr) {
         return {};
     }
-    return But(first->message + (count > 1 ? ", and " + std::to_string(count - 1) + " more" : ""),
+    return But(Words(*first) + (count > 1 ? ", and " + std::to_string(count - 1) + " more" : ""),
                RuleName(first->rule));
 }
 

@@ -1,0 +1,100 @@
+// The inspector over a made broadcast that is broken: the first bytes pick the form of the report, how long it is, and
+// what is changed in the texts of its tables and documents; then each byte says what becomes of a packet.
+// Sources: tools/inspect/judge/*.cpp tools/inspect/Inspector.cpp
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "InspectFuzz.h"
+#include "Inspector.h"
+#include "inspect/MadeBroadcast.h"
+
+using namespace vyr::inspect;
+
+namespace {
+
+/// Gives the bytes a name that can be opened.
+std::string FileOf(const std::string& bytes)
+{
+    static const int s_file = memfd_create("vyr", MFD_CLOEXEC);
+    Require(ftruncate(s_file, 0) == 0 &&
+            pwrite(s_file, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size()));
+    return "/proc/self/fd/" + std::to_string(s_file);
+}
+
+void ChangeText(CScript& script, std::string& text)
+{
+    const std::size_t at = script.Word() % (text.size() + 1);
+    const std::size_t count = script.Byte() % 32;
+    std::string other;
+    for (std::size_t left = script.Byte() % 16; left != 0; --left) {
+        other += static_cast<char>(script.Byte());
+    }
+    text.replace(at, count, other);
+}
+
+/// False: the packet is not sent.
+bool ChangePacket(unsigned step, packets::SSent& sent)
+{
+    const unsigned much = step >> 4;
+    switch (step & 0xF) {
+        case 1:
+            return false;
+        case 2:
+            sent.lct.tsi = much * 10;
+            break;
+        case 3:
+            sent.port += much;
+            break;
+        case 4:
+            sent.lct.toi += much;
+            break;
+        case 5:
+            sent.lct.length += static_cast<int>(much) - 8;
+            break;
+        case 6:
+            sent.at += much * 700000;
+            break;
+        case 7:
+            sent.at -= std::min<std::uint64_t>(sent.at, much * 700000);
+            break;
+        case 8:
+            sent.lct.start += much;
+            break;
+        case 9:
+            sent.data = sent.data.substr(0, sent.data.size() * much / 16);
+            break;
+        default:
+            break;
+    }
+    return true;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    CScript script(data, size);
+    const std::uint8_t form = script.Byte();
+    packets::SBroadcast broadcast;
+    broadcast.rounds = 2 + script.Byte() % 16;
+    std::string* const texts[] = {&broadcast.services, &broadcast.systemTime, &broadcast.usbd, &broadcast.stsid,
+                                  &broadcast.mpd};
+    for (unsigned changes = script.Byte() % 8; changes != 0; --changes) {
+        ChangeText(script, *texts[script.Byte() % std::size(texts)]);
+    }
+    broadcast.change = [&](packets::SSent& sent) { return ChangePacket(script.Byte(), sent); };
+    SOptions options;
+    options.inputs = {FileOf(broadcast.Bytes())};
+    options.llsStreams = {{packets::k_lls, 4937}};
+    CFuzzReport reports((form & 1) != 0);
+    CInspector(options, reports.Report(), reports.Output(), reports.Progress()).Run();
+    std::uint64_t findings = 0;
+    const SSummary& summary = reports.Report().Summary();
+    for (const auto& [rule, count] : summary.findings) {
+        findings += count;
+    }
+    Require(findings == summary.errors + summary.warnings + summary.notes);
+    return 0;
+}
