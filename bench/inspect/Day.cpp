@@ -202,6 +202,7 @@ int main(int argc, char** argv)
     const unsigned seconds = static_cast<unsigned>((argc > 1 ? std::strtod(argv[1], nullptr) : 24) * 3600);
     std::signal(SIGPIPE, SIG_IGN);
     std::printf("%-8s %9s %9s %9s %9s %9s\n", "report", "packets", "MB", "kB at 1%", "kB at 50%", "kB at all");
+    std::fflush(stdout);
     bool good = seconds >= 100;
     const std::vector<std::vector<const char*>> forms = {{"-"}, {"--json", "-"}, {"-q", "--html", "/dev/null", "-"}};
     for (const auto& form : forms) {
@@ -222,9 +223,9 @@ int main(int argc, char** argv)
                    }
                    std::fflush(out);
                    std::printf("%-8s %9zu %9zu %9ld %9ld %9ld\n",
-                               form[0][1] == 'j' ? "json"
-                               : form[0][1]      ? "page"
-                                                 : "text",
+                               form.size() == 1   ? "text"
+                               : form.size() == 2 ? "json"
+                                                  : "page",
                                packets, bytes / 1000000, early, half, Resident(inspector));
                    std::fflush(stdout);
                    return fine;
