@@ -72,8 +72,10 @@ TEST_F(ChannelMapTest, TheCategorySetterChangesWhatIsMatched)
     EXPECT_TRUE(m_parser.SetServiceCategory(second, 1, true, false));
     nine.broadband = true;
     EXPECT_EQ(Add(m_parser, nine), first);  // of two that match, the older
+    EXPECT_TRUE(m_parser.RemoveService(second));
+    EXPECT_EQ(Add(m_parser, nine), first);
     EXPECT_TRUE(m_parser.RemoveService(first));
-    EXPECT_EQ(Add(m_parser, nine), second);
+    EXPECT_FALSE(Add(m_parser, nine, &existed) == nullptr || existed);
 }
 
 TEST_F(ChannelMapTest, FieldsAndTheirDefaults)
@@ -167,6 +169,33 @@ TEST_F(ChannelMapTest, NotificationsComeOutsideTheLock)
     second.Destroy();
     Add(m_parser, SNine());
     EXPECT_EQ(host.told.size(), 5u);
+}
+
+/// Nobody is told by a record without a function; a service that its callback removes is not handed out, even if the
+/// next one comes to its place in memory.
+TEST_F(ChannelMapTest, CallbacksThatTellNobodyOrRemoveTheService)
+{
+    const CChannelMap::SCallback nobody = {this, nullptr};
+    EXPECT_TRUE(m_parser.SetCallback(&nobody));
+    void* const kept = Add(m_parser, SNine());
+    EXPECT_NE(kept, nullptr);
+    struct SHost {
+        CChannelMap* map;
+        void* other = nullptr;
+    } host{&m_parser};
+    const CChannelMap::SCallback callback = {&host, [](void* user, void* service) {
+                                                 SHost* h = static_cast<SHost*>(user);
+                                                 h->map->SetCallback(nullptr);
+                                                 EXPECT_TRUE(h->map->RemoveService(service));
+                                                 SNine other;
+                                                 other.group = 88;
+                                                 h->other = Add(*h->map, other);
+                                             }};
+    EXPECT_TRUE(m_parser.SetCallback(&callback));
+    SNine nine;
+    nine.group = 77;
+    EXPECT_EQ(Add(m_parser, nine), nullptr);
+    EXPECT_EQ(ServicesOf(m_parser), (std::vector<void*>{kept, host.other}));
 }
 
 TEST_F(ChannelMapTest, TheLastHandleFreesTheStore)

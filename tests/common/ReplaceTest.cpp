@@ -134,7 +134,27 @@ TEST_F(ReplaceTest, ListsInAlertsAndRegionsHaveAnEndToo)
     ASSERT_EQ(aeat.AEACount(), 1);
     EXPECT_EQ(static_cast<int>(aeat.GetAEA(0)->media.size()), TCParseLLS::k_maxPerGroup - 1);
     EXPECT_EQ(Logged("2 records dropped"), 1);
+    // A live broadcast is none of a list, but its names are.
+    for (const std::size_t left : {1u, 2u}) {
+        FeedXml(aeat, "<AEAT><AEA>" + media.substr(left * 8) + "<LiveMedia><ServiceName/></LiveMedia></AEA></AEAT>");
+        ASSERT_TRUE(aeat.AEACount() == 1 && aeat.GetAEA(0)->liveMedia);
+        EXPECT_EQ(aeat.GetAEA(0)->liveMedia->serviceNames.size(), left - 1);
+    }
     aeat.Destroy();
+    SCreated<CParseRRT> rrt;
+    rrt.SetReplace(true);
+    std::string dimensions;
+    for (int i = 0; i < TCParseLLS::k_maxPerGroup - 3; ++i) {
+        dimensions += "<Dimension/>";
+    }
+    const std::string last = "<Dimension><Rating/><Rating/></Dimension>";
+    FeedXml(rrt, "<RatingRegionTables><RatingRegionTable>" + dimensions + last +
+                     "</RatingRegionTable></RatingRegionTables>");
+    const unsigned index = TCParseLLS::k_maxPerGroup - 3;
+    EXPECT_EQ(rrt.numOfRating(0, index), 1);
+    FeedXml(rrt, "<RatingRegionTables><RatingRegionTable>" + dimensions + "<Dimension/><Dimension/>" + last +
+                     "</RatingRegionTable></RatingRegionTables>");
+    EXPECT_EQ(rrt.numOfDimension(0), TCParseLLS::k_maxPerGroup - 1);
     EXPECT_TRUE(TakeAssertions().empty());
     aeat.SetReplace(true);
     EXPECT_EQ(TakeAssertions(), "m");

@@ -211,6 +211,9 @@ TEST_F(XMLTest, EncodingsAndDtdThatAreFine)
         {"\xEF\xBB\xBF<?xml version='1.0' encoding='utf-8'?><r a='\xC3\xA9'/>", "\xC3\xA9"},
         {"<!DOCTYPE r [<!ENTITY e 'f'><!ATTLIST r a CDATA 'default'>]><r/>", "default"},
         {"<!-- a --><?p b?><!DOCTYPE r [<!ENTITY e 'x'>]><r a='&e;&e;'/>", "xx"},
+        // What is declared elsewhere is nothing.
+        {"<?xml version='1.0' standalone='no'?><!DOCTYPE r SYSTEM 'u' [<!ENTITY e 'x'>]><r a='1&u;&e;'>&u;&e;</r>",
+         "1x"},
     };
     for (const auto& c : k_cases) {
         ASSERT_TRUE(Open(c.text)) << c.text;

@@ -193,6 +193,18 @@ TEST_F(SGDUParseTest, Compressed)
     EXPECT_TRUE(Logged("inflate failure") == 1 && Logged("[CSGDUParse::Parse] Extra Data failed ") == 1);
     EXPECT_EQ(m_parser.State()->extracted, nullptr);
 
+    // Without a trailer at a step's end: all is read when all is written, and whether that was all shows a step later.
+    for (const std::size_t size : {51199u, 51200u, 51201u, 102400u}) {
+        const std::string text = "<Content id='c'>" + std::string(size, ' ');
+        const std::string step = Unit({{0, 2, text.substr(0, size - Unit({{0, 2, ""}}).size() - 10) + "</Content>"}});
+        ASSERT_EQ(step.size(), size);
+        const std::string packed = Gzip(step);
+        Renew();
+        m_parser.SetCompress(true);
+        EXPECT_TRUE(Feed(m_parser, packed.substr(0, packed.size() - 8))) << size;
+        EXPECT_EQ(Kept(), "2Cc") << size;
+    }
+
     // The limit, and a byte less.
     for (const unsigned int missing : {0u, 1u}) {
         Renew();

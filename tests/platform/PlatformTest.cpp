@@ -4,10 +4,13 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 #include "common/ChannelMap.h"
 #include "common/Version.h"
+#include "common/XML.h"
+#include "esg/SGDUParse.h"
 #include "lls/ParseSLT.h"
 #include "support/Tables.h"
 
@@ -88,6 +91,43 @@ TEST_F(PlatformTest, TheSystemsLogIsNotFlooded)
     EXPECT_NE(shown.find(" > 50 more lines within a second"), std::string::npos) << shown;
     closelog();
     TakeAssertions();
+}
+
+/// What is shown at first is what the environment says when a program starts: runs this test in processes of its own.
+TEST(PlatformStartTest, ThePriorityIsThatOfTheEnvironment)
+{
+    if (std::getenv("VYR_TEST_STARTED")) {
+        openlog(nullptr, LOG_PERROR, LOG_USER);
+        std::string shown;
+        for (const int level : {LOG_DEBUG, LOG_INFO, LOG_ERR}) {
+            setlogmask(LOG_MASK(level));  // the system's log shows what it is told at this level alone
+            testing::internal::CaptureStderr();
+            CSGDUParse unit;
+            CXML().Create("", 0, false);
+            EXPECT_TRUE(unit.Create() && !unit.Create());
+            unit.Destroy();
+            shown += testing::internal::GetCapturedStderr().empty() ? "-" : std::to_string(level);
+        }
+        std::printf("shown: %s\n", shown.c_str());
+        return;
+    }
+    const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
+    static const struct {
+        std::string set, shown;
+    } k_cases[] = {{"VYR_LOG=debug", "763"},  {"VYR_LOG=info", "-63"},  {"VYR_LOG=error", "--3"},
+                   {"VYR_LOG=silent", "---"}, {"VYR_LOG=Debug", "-63"}, {"", "-63"}};
+    for (const auto& c : k_cases) {
+        const std::string command = "unset VYR_LOG; VYR_TEST_STARTED=1 " + c.set + " " VYR_TEST_EMULATOR " '" + self +
+                                    "' --gtest_filter=PlatformStartTest.*";
+        FILE* const run = popen(command.c_str(), "r");
+        ASSERT_TRUE(run);
+        std::string said;
+        for (char line[512]; std::fgets(line, sizeof line, run);) {
+            said += line;
+        }
+        EXPECT_EQ(pclose(run), 0) << said;
+        EXPECT_NE(said.find("shown: " + c.shown + '\n'), std::string::npos) << c.set << '\n' << said;
+    }
 }
 
 TEST_F(PlatformTest, TheVersionIsANumberOfThreeParts)

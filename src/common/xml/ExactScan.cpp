@@ -204,8 +204,15 @@ class CExactScan {
             if (!m_External(in, true)) {
                 return false;
             }
-            if (in.Blanks() && in.Take("NDATA") && !m_Name(in, &value)) {
-                return false;
+            if (in.Blanks() && in.Take("NDATA")) {
+                // libxml2 does without the name.
+                if (!in.Blanks()) {
+                    return m_Refuse(k_malformed);
+                }
+                value = in.Name();
+                if (!value.empty() && !m_Count(value)) {
+                    return false;
+                }
             }
         }
         m_entities.emplace(name, std::move(entity));  // the first of a name holds

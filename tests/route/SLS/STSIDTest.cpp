@@ -119,6 +119,9 @@ TEST_F(STSIDTest, WhatIsGivenAndWhatIsNot)
     EXPECT_TRUE(payload.codePoint == 0 && payload.formatId == 300 && !payload.frag && payload.srcFecPayloadId == 1);
     EXPECT_TRUE(payload.order.has_value() && !*payload.order && !flow.payloads[1].order.has_value());
     EXPECT_EQ(flow.contentInfo->State()->mediaInfo->State()->givenStartUp, false);
+    s_log.clear();
+    flow.contentInfo->State()->mediaInfo->Dump();
+    EXPECT_EQ(Logged("[CMediaInfo::Dump] contentType["), 1);
     const CSrcFlow::SSrcFlow& silent = *ls.srcFlows.Get(1)->State();
     EXPECT_TRUE(!silent.givenRt && silent.payloads.empty() &&
                 !silent.contentInfo->State()->mediaInfo->State()->givenStartUp);
