@@ -1,0 +1,463 @@
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+#include "base/Text.h"
+#include "judge/Names.h"
+#include "judge/Read.h"
+#include "judge/Rules.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr double k_clocksApart = 10;  ///< seconds by which a capture's clock may differ from the broadcast's
+constexpr double k_many = 0.1;        ///< of which share on a loss is not for a moment only
+
+std::string Title(const TLctKey& key, const SLctFacts* lct)
+{
+    const std::string carries = lct != nullptr ? CarriesText(*lct) : std::string();
+    return "TSI " + std::to_string(std::get<2>(key)) + " of " + std::get<0>(key) +
+           (carries.empty() ? "" : " (" + Printable(carries) + ')');
+}
+
+std::string RateText(double rate)
+{
+    return NumberText(std::round(rate * 10) / 10) + " kbit/s";
+}
+
+std::string Percent(double share)
+{
+    return NumberText(std::round(share * 1000) / 10) + " %";
+}
+
+bool IsMedia(const SSessionDelivery& session, const SFlowDelivery& flow)
+{
+    return session.protocol == EDeliveryProtocol::ROUTE && !session.guessed && flow.id != 0 && flow.objects;
+}
+
+/// What signalling announces against what is on the air.
+class CDeliveryRules : public CRules {
+  public:
+    CDeliveryRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings)
+        : CRules(evidence, findings), m_settings(settings)
+    {
+    }
+
+    void Signalling(const SSignalling& signalling) override { m_Arrived(signalling.session, signalling); }
+    void Message(const SMessage& message) override { m_Arrived(message.session, message); }
+    void Finish(const SDelivery* delivery) override;
+
+  private:
+    struct SRounds {
+        SArrivals arrivals;
+        std::vector<unsigned> services;
+    };
+    /// An LCT session, and all that is needed to judge it.
+    struct SCase {
+        const SDelivery& delivery;
+        const TLctKey& key;
+        const SLctSession& lct;
+        const SLctSession::SAnnouncement& first;  ///< the first to announce a source flow
+
+        std::string Title() const { return inspect::Title(key, first.facts); }
+    };
+
+    template <class TItem>
+    void m_Arrived(const std::string& session, const TItem& item);
+    void m_Tell(ERule rule, const SCase& one, const std::string& message) const;
+    double m_Since(const SPackageFacts& package) const;
+    bool m_WouldBeCaptured(const SCase& one, const std::set<std::string>& captured,
+                           const std::set<std::string>& announcedElsewhere) const;
+    bool m_NotSent(const SCase& one, const std::set<std::string>& captured, const std::set<std::string>& came);
+    void m_Rate(const SCase& one, const SFlowDelivery& flow);
+    void m_Bandwidth(const SCase& one, const SFlowDelivery& flow);
+    void m_Times(const SCase& one, const SFlowDelivery& flow);
+    void m_Initialization(const SCase& one, const SFlowDelivery& flow);
+    void m_Objects(const SSessionDelivery& session, const SFlowDelivery& flow);
+    void m_NotAnnounced(const SDelivery& delivery);
+    void m_Unsignalled(const SDelivery& delivery);
+    void m_Intervals();
+
+    const SRuleSettings m_settings;
+    std::map<std::string, SRounds> m_rounds;  ///< of signalling, by session
+};
+
+template <class TItem>
+void CDeliveryRules::m_Arrived(const std::string& session, const TItem& item)
+{
+    constexpr std::size_t k_mostSessions = 4096;
+    if (!session.empty() && (m_rounds.size() < k_mostSessions || m_rounds.count(session) != 0)) {
+        m_rounds[session].arrivals.Add(item.source);
+        m_rounds[session].services = item.services;
+    }
+}
+
+void CDeliveryRules::m_Tell(ERule rule, const SCase& one, const std::string& message) const
+{
+    const std::vector<unsigned> services = ServicesOf(*one.first.package);
+    t_findings.Tell(rule, message, services.empty() ? std::nullopt : std::optional<unsigned>(services.front()),
+                    std::get<0>(one.key));
+}
+
+/// For how many seconds the capture goes on behind the S-TSID.
+double CDeliveryRules::m_Since(const SPackageFacts& package) const
+{
+    const auto source = package.documentSource.find(ESlsDocument::STSID);
+    return source != package.documentSource.end() && source->second.time && t_evidence.last
+               ? Seconds(*t_evidence.last) - Seconds(*source->second.time)
+               : 0;
+}
+
+/// Whether packets of the LCT session would be in the capture: its address is, or others that nothing but a capture of
+/// everything would have beside the signalling.
+bool CDeliveryRules::m_WouldBeCaptured(const SCase& one, const std::set<std::string>& captured,
+                                       const std::set<std::string>& came) const
+{
+    const std::string& destination = std::get<0>(one.key);
+    if (captured.count(destination) != 0) {
+        return true;
+    }
+    if (one.delivery.others.packets != 0) {
+        return false;
+    }
+    const std::string address = destination.substr(0, destination.find(':') + 1);
+    const auto same = came.lower_bound(address);
+    if (same != came.end() && same->compare(0, address.size(), address) == 0) {
+        return true;
+    }
+    const SPackageFacts& package = *one.first.package;
+    return std::any_of(package.stsid->sessions.begin(), package.stsid->sessions.end(), [&](const SLctFacts& lct) {
+        const std::string other = std::get<0>(KeyOf(package, lct));
+        return other != package.session && came.count(other) != 0;
+    });
+}
+
+/// Told of: nothing came of it, though it would have.
+bool CDeliveryRules::m_NotSent(const SCase& one, const std::set<std::string>& captured,
+                               const std::set<std::string>& came)
+{
+    constexpr double k_enough = 2;
+    constexpr double k_enoughOfFew = 10;  // of subtitles and files not so many packets come
+    const SLctFacts& facts = *one.first.facts;
+    const bool steady = facts.realTime && (facts.contentType == "audio" || facts.contentType == "video");
+    const double since = m_Since(*one.first.package);
+    const std::optional<double> start = Instant(facts.startTime);
+    const std::optional<double> end = Instant(facts.endTime);
+    const double last = Seconds(*t_evidence.last);
+    if (came.empty() || since < (steady ? k_enough : k_enoughOfFew) || facts.bandwidth == std::uint64_t{0} ||
+        (start && *start > last - since - k_clocksApart) || (end && *end < last + k_clocksApart) ||
+        !m_WouldBeCaptured(one, captured, came)) {
+        return false;
+    }
+    for (const SSessionDelivery& session : one.delivery.sessions) {
+        if (SessionText(session) == std::get<0>(one.key) &&
+            (session.packetsNoFlow != 0 || session.protocol != EDeliveryProtocol::ROUTE)) {
+            return false;
+        }
+    }
+    m_Tell(facts.realTime ? ERule::SESSION_NOT_SENT : ERule::FILES_NOT_SENT, one,
+           one.Title() + " is announced, and no packet of it came in " + NumberText(std::floor(since)) + " s");
+    return true;
+}
+
+/// Several entries of one S-TSID have together what they say, and services that share the session say the same.
+void CDeliveryRules::m_Rate(const SCase& one, const SFlowDelivery& flow)
+{
+    constexpr double k_margin = 1.05;
+    std::map<const SPackageFacts*, std::uint64_t> sums;
+    std::uint64_t bandwidth = 0;
+    for (const SLctSession::SAnnouncement& each : one.lct.by) {
+        if (!each.facts->bandwidth) {
+            return;
+        }
+        std::uint64_t& sum = sums[each.package];
+        sum += *each.facts->bandwidth;
+        bandwidth = std::max(bandwidth, sum);
+    }
+    if (bandwidth != 0 && flow.traffic.peakRate && *flow.traffic.peakRate > static_cast<double>(bandwidth) * k_margin) {
+        m_Tell(ERule::RATE_ABOVE_BANDWIDTH, one,
+               one.Title() + ": " + RateText(*flow.traffic.peakRate) + " in a second, " +
+                   RateText(flow.traffic.meanRate.value_or(0)) + " on average, and the S-TSID has " +
+                   std::to_string(bandwidth) + " kbit/s");
+    }
+}
+
+/// Of small streams the packets' own bytes are most.
+void CDeliveryRules::m_Bandwidth(const SCase& one, const SFlowDelivery& flow)
+{
+    constexpr double k_enough = 10;
+    constexpr double k_small = 32;
+    const SPackageFacts& package = *one.first.package;
+    if (!package.mpd || one.first.facts->repId.empty() || !flow.traffic.meanRate || !flow.traffic.last ||
+        Seconds(*flow.traffic.last) - Seconds(*flow.traffic.first) < k_enough) {
+        return;
+    }
+    const double rate = *flow.traffic.meanRate;
+    for (const SRepresentationFacts& each : package.mpd->representations) {
+        const double bandwidth = static_cast<double>(each.bandwidth) / 1000;
+        if (each.id != one.first.facts->repId || bandwidth == 0 || std::max(rate, bandwidth) < k_small) {
+            continue;
+        }
+        if (rate > 2 * bandwidth || rate < bandwidth / 5) {
+            m_Tell(ERule::RATE_UNLIKE_MPD, one,
+                   one.Title() + " has " + RateText(rate) + " on average, and the MPD gives it " + RateText(bandwidth));
+        }
+        return;  // of several periods, the first
+    }
+}
+
+void CDeliveryRules::m_Times(const SCase& one, const SFlowDelivery& flow)
+{
+    if (!flow.traffic.first || !flow.traffic.last) {
+        return;
+    }
+    const double first = Seconds(*flow.traffic.first);
+    const double last = Seconds(*flow.traffic.last);
+    bool outside = true;
+    std::optional<double> expires;
+    bool expiry = true;
+    for (const SLctSession::SAnnouncement& each : one.lct.by) {
+        const std::optional<double> start = Instant(each.facts->startTime);
+        const std::optional<double> end = Instant(each.facts->endTime);
+        outside = outside && ((start && first < *start - k_clocksApart) || (end && last > *end + k_clocksApart));
+        constexpr std::uint64_t k_never = 0xFFFFFFFF;
+        expiry = expiry && each.facts->expires.value_or(k_never) < k_never;
+        if (expiry) {
+            const double at = static_cast<double>(NtpSeconds(static_cast<std::uint32_t>(*each.facts->expires)));
+            expires = std::max(expires.value_or(at), at);
+        }
+    }
+    const SLctFacts& facts = *one.first.facts;
+    if (outside) {
+        m_Tell(ERule::SESSION_OUTSIDE_TIME, one,
+               one.Title() + " is sent from " + EpochText(std::floor(first)) + " to " + EpochText(std::floor(last)) +
+                   ", and announced" + (facts.startTime.empty() ? "" : " from " + Printable(facts.startTime)) +
+                   (facts.endTime.empty() ? "" : " until " + Printable(facts.endTime)));
+    }
+    if (expiry && expires && last > *expires + k_clocksApart) {
+        m_Tell(ERule::EFDT_EXPIRED, one,
+               one.Title() + ": its EFDT expired at " + EpochText(*expires) + ", and it was sent until " +
+                   EpochText(std::floor(last)));
+    }
+}
+
+/// The file that the MPD names, of the EFDT, against the objects that came whole.
+void CDeliveryRules::m_Initialization(const SCase& one, const SFlowDelivery& flow)
+{
+    const SPackageFacts& package = *one.first.package;
+    const SObjectsDelivery& objects = *flow.objects;
+    if (!package.mpd || one.first.facts->repId.empty() || objects.unknown != 0 || !objects.allWholeTois ||
+        !flow.traffic.last ||
+        std::min(m_Since(package), Seconds(*flow.traffic.last) - Seconds(*flow.traffic.first)) <
+            m_settings.longestInterval) {
+        return;
+    }
+    const auto endsWith = [](const std::string& text, const std::string& end) {
+        return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0 &&
+               (text.size() == end.size() || text[text.size() - end.size() - 1] == '/');
+    };
+    std::set<std::uint64_t> tois;
+    bool whole = false;
+    std::string name;
+    for (const SLctSession::SAnnouncement& each : one.lct.by) {
+        for (const SRepresentationFacts& representation :
+             each.package->mpd ? each.package->mpd->representations : std::vector<SRepresentationFacts>()) {
+            const std::string wanted = OfRepresentation(representation.initialization, representation.id);
+            if (representation.id != each.facts->repId || wanted.empty()) {
+                continue;
+            }
+            for (const SFileFacts& file : each.facts->files) {
+                if (!file.name.empty() && (endsWith(wanted, file.name) || endsWith(file.name, wanted))) {
+                    name = file.name;
+                    tois.insert(file.toi.second);
+                }
+            }
+        }
+    }
+    std::uint64_t media = objects.whole;
+    for (const auto& [begin, end] : objects.wholeTois) {
+        whole = whole || (tois.lower_bound(begin) != tois.end() && *tois.lower_bound(begin) < end);
+    }
+    if (tois.empty() || whole || media < 2) {
+        return;
+    }
+    const auto begun =
+        std::find_if(objects.firstIncomplete.begin(), objects.firstIncomplete.end(),
+                     [&](const SIncompleteObject& object) { return tois.count(object.toi.second) != 0; });
+    m_Tell(ERule::NO_INITIALIZATION, one,
+           one.Title() + ": its initialization segment, " + Quoted(name) + ", " +
+               (begun != objects.firstIncomplete.end()
+                    ? "was never whole: " + std::to_string(begun->bytes) + " of " +
+                          (begun->length ? std::to_string(*begun->length) : "an unknown number of") + " bytes came"
+                    : "was never whole") +
+               ", while " + Counted(media, "other object") + " came");
+}
+
+/// What is lost of the objects may be repaired where there are repair packets.
+void CDeliveryRules::m_Objects(const SSessionDelivery& session, const SFlowDelivery& flow)
+{
+    const SObjectsDelivery& objects = *flow.objects;
+    if (objects.incomplete == 0) {
+        return;
+    }
+    const bool repair = std::any_of(session.flows.begin(), session.flows.end(), [](const SFlowDelivery& each) {
+        return each.repairPackets != 0 || each.carries == "repair";
+    });
+    const double share =
+        static_cast<double>(objects.incomplete) / static_cast<double>(objects.incomplete + objects.whole);
+    std::string names;
+    if (!objects.firstIncomplete.empty()) {
+        const SIncompleteObject& first = objects.firstIncomplete.front();
+        names = "; the first is " + (first.name.empty() ? "TOI " + ToiText(first.toi) : Quoted(first.name)) +
+                (first.length ? ", of which " + std::to_string(first.bytes) + " of " + std::to_string(*first.length) +
+                                    " bytes came"
+                              : "");
+    }
+    t_findings.Tell(
+        share >= k_many && objects.incomplete > 1 && !repair ? ERule::MANY_OBJECTS_INCOMPLETE
+                                                             : ERule::OBJECTS_INCOMPLETE,
+        "TSI " + std::to_string(flow.id) + " of " + SessionText(session) +
+            (flow.carries.empty() ? "" : " (" + Printable(flow.carries) + ')') + ": " + Percent(share) + ", " +
+            std::to_string(objects.incomplete) + " of " + Counted(objects.incomplete + objects.whole, "object") +
+            ", incomplete" + (repair ? ", before repair" : "") + names,
+        flow.services.empty() ? std::nullopt : std::optional<unsigned>(flow.services.front()), SessionText(session));
+}
+
+/// TSIs without name on addresses that S-TSIDs have, while these hold.
+void CDeliveryRules::m_NotAnnounced(const SDelivery& delivery)
+{
+    std::map<std::string, double> announced;  ///< destinations, and when the last S-TSID of them came
+    for (const auto& [name, package] : t_evidence.packages) {
+        const auto source = package.documentSource.find(ESlsDocument::STSID);
+        if (!package.stsid || source == package.documentSource.end() || !source->second.time) {
+            continue;
+        }
+        const double at = Seconds(*source->second.time);
+        announced.emplace(package.session, at).first->second = std::max(announced[package.session], at);
+        for (const SLctFacts& lct : package.stsid->sessions) {
+            double& known = announced.emplace(std::get<0>(KeyOf(package, lct)), at).first->second;
+            known = std::max(known, at);
+        }
+    }
+    for (const SSessionDelivery& session : delivery.sessions) {
+        const auto known = announced.find(SessionText(session));
+        for (const SFlowDelivery& flow : session.flows) {
+            if (known != announced.end() && IsMedia(session, flow) && flow.carries.empty() && flow.services.empty() &&
+                flow.traffic.packets > 1 && flow.traffic.last && Seconds(*flow.traffic.last) > known->second) {
+                t_findings.Tell(
+                    ERule::SESSION_NOT_ANNOUNCED,
+                    "TSI " + std::to_string(flow.id) + " of " + known->first + ": " +
+                        Counted(flow.traffic.packets, "packet") + ", and no S-TSID announces it",
+                    session.services.empty() ? std::nullopt : std::optional<unsigned>(session.services.front()),
+                    known->first);
+            }
+        }
+    }
+}
+
+/// Multicast of the network that the capture was made in is no broadcast.
+void CDeliveryRules::m_Unsignalled(const SDelivery& delivery)
+{
+    constexpr std::size_t k_mostTold = 16;
+    constexpr std::uint32_t k_localMulticast = 0xE00000;  // 224.0.0.x
+    std::size_t count = 0;
+    STraffic rest;
+    for (const SSessionDelivery& session : delivery.sessions) {
+        if (session.Named() || session.destination >> 28 != 0xE || session.destination >> 8 == k_localMulticast) {
+            continue;
+        }
+        if (++count > k_mostTold) {
+            rest.packets += session.traffic.packets;
+            rest.bytes += session.traffic.bytes;
+            continue;
+        }
+        t_findings.Tell(ERule::UNSIGNALLED_TRAFFIC,
+                        "nothing names the " + Counted(session.traffic.packets, "packet") + " to " +
+                            SessionText(session) + " from " + Ipv4Text(session.source) +
+                            (session.traffic.meanRate ? ", " + RateText(*session.traffic.meanRate) : ""),
+                        {}, SessionText(session));
+    }
+    if (count > k_mostTold) {
+        t_findings.Tell(ERule::UNSIGNALLED_TRAFFIC, "nothing names " + Counted(count - k_mostTold, "more session") +
+                                                        " either, of " + Counted(rest.packets, "packet") + " and " +
+                                                        Counted(rest.bytes, "byte"));
+    }
+}
+
+void CDeliveryRules::m_Intervals()
+{
+    const double limit = m_settings.longestInterval;
+    for (const auto& [session, rounds] : m_rounds) {
+        const SArrivals& arrivals = rounds.arrivals;
+        const std::optional<unsigned> service =
+            rounds.services.empty() ? std::nullopt : std::optional<unsigned>(rounds.services.front());
+        const double after = arrivals.last.time ? Seconds(*t_evidence.last) - Seconds(*arrivals.last.time) : 0;
+        if (arrivals.longest > limit) {
+            t_findings.Tell(ERule::SIGNALLING_INTERVAL,
+                            NumberText(arrivals.longest) + " s without signalling on " + session, arrivals.longestEnd,
+                            service, session);
+        } else if (after > limit) {
+            t_findings.Tell(ERule::SIGNALLING_INTERVAL,
+                            "no signalling on " + session + " in the last " + NumberText(after) + " s of the capture",
+                            arrivals.last, service, session);
+        }
+    }
+}
+
+void CDeliveryRules::Finish(const SDelivery* delivery)
+{
+    if (delivery == nullptr || !t_evidence.first || !t_evidence.last || delivery->clockSet != 0 ||
+        delivery->packetsCut != 0) {
+        return;
+    }
+    m_Intervals();
+    std::set<std::string> captured;
+    std::set<std::string> came;  ///< where media came, of which objects went by
+    for (const SSessionDelivery& session : delivery->sessions) {
+        captured.insert(SessionText(session));
+        for (const SFlowDelivery& flow : session.flows) {
+            if (IsMedia(session, flow) && flow.objects->whole + flow.objects->repeats > 1) {
+                came.insert(SessionText(session));
+            }
+        }
+    }
+    for (const auto& [key, lct] : LctSessions(t_evidence, *delivery)) {
+        const auto first = std::find_if(lct.by.begin(), lct.by.end(),
+                                        [](const SLctSession::SAnnouncement& each) { return each.facts->sourceFlow; });
+        if (first == lct.by.end() || std::get<2>(key) == 0) {
+            continue;
+        }
+        const SCase one = {*delivery, key, lct, *first};
+        if (lct.flows.empty()) {
+            m_NotSent(one, captured, came);
+        }
+        for (const auto& [session, place] : lct.flows) {
+            const SFlowDelivery& flow = delivery->sessions[session].flows[place];
+            m_Rate(one, flow);
+            m_Bandwidth(one, flow);
+            m_Times(one, flow);
+            m_Initialization(one, flow);
+        }
+    }
+    for (const SSessionDelivery& session : delivery->sessions) {
+        for (const SFlowDelivery& flow : session.flows) {
+            if (session.protocol == EDeliveryProtocol::ROUTE && !session.guessed && flow.objects) {
+                m_Objects(session, flow);
+            }
+        }
+    }
+    if (delivery->namesKnown) {
+        m_NotAnnounced(*delivery);
+        m_Unsignalled(*delivery);
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<CRules> DeliveryRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings)
+{
+    return std::make_unique<CDeliveryRules>(evidence, findings, settings);
+}
+
+}  // namespace vyr::inspect
