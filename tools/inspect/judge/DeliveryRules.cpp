@@ -67,20 +67,26 @@ class CDeliveryRules : public CRules {
     void m_Arrived(const std::string& session, const TItem& item);
     void m_Tell(ERule rule, const SCase& one, const std::string& message) const;
     double m_Since(const SPackageFacts& package) const;
-    bool m_WouldBeCaptured(const SCase& one, const std::set<std::string>& captured,
-                           const std::set<std::string>& announcedElsewhere) const;
-    bool m_NotSent(const SCase& one, const std::set<std::string>& captured, const std::set<std::string>& came);
+    void m_Look(const SDelivery& delivery);
+    bool m_WouldBeCaptured(const SCase& one);
+    void m_NotSent(const SCase& one);
     void m_Rate(const SCase& one, const SFlowDelivery& flow);
     void m_Bandwidth(const SCase& one, const SFlowDelivery& flow);
     void m_Times(const SCase& one, const SFlowDelivery& flow);
-    void m_Initialization(const SCase& one, const SFlowDelivery& flow);
+    std::map<std::uint64_t, std::string> m_InitializationFiles(const SCase& one) const;
+    void m_Initialization(const SCase& one, const SFlowDelivery& flow,
+                          const std::map<std::uint64_t, std::string>& files);
     void m_Objects(const SSessionDelivery& session, const SFlowDelivery& flow);
     void m_NotAnnounced(const SDelivery& delivery);
     void m_Unsignalled(const SDelivery& delivery);
     void m_Intervals();
 
     const SRuleSettings m_settings;
-    std::map<std::string, SRounds> m_rounds;  ///< of signalling, by session
+    std::map<std::string, SRounds> m_rounds;           ///< of signalling, by session
+    std::set<std::string> m_captured;                  ///< destinations
+    std::set<std::string> m_unclear;                   ///< destinations of which not all LCT sessions are known
+    std::set<std::string> m_came;                      ///< destinations of media of which objects went by
+    std::map<const SPackageFacts*, bool> m_elsewhere;  ///< whether media came beside the session of the signalling
 };
 
 template <class TItem>
@@ -109,33 +115,52 @@ double CDeliveryRules::m_Since(const SPackageFacts& package) const
                : 0;
 }
 
+void CDeliveryRules::m_Look(const SDelivery& delivery)
+{
+    for (const SSessionDelivery& session : delivery.sessions) {
+        const std::string destination = SessionText(session);
+        m_captured.insert(destination);
+        if (session.packetsNoFlow != 0 || session.protocol != EDeliveryProtocol::ROUTE) {
+            m_unclear.insert(destination);
+        }
+        for (const SFlowDelivery& flow : session.flows) {
+            if (IsMedia(session, flow) && flow.objects->whole + flow.objects->repeats > 1) {
+                m_came.insert(destination);
+            }
+        }
+    }
+}
+
 /// Whether packets of the LCT session would be in the capture: its address is, or others that nothing but a capture of
 /// everything would have beside the signalling.
-bool CDeliveryRules::m_WouldBeCaptured(const SCase& one, const std::set<std::string>& captured,
-                                       const std::set<std::string>& came) const
+bool CDeliveryRules::m_WouldBeCaptured(const SCase& one)
 {
     const std::string& destination = std::get<0>(one.key);
-    if (captured.count(destination) != 0) {
-        return true;
+    if (m_captured.count(destination) != 0) {
+        return m_unclear.count(destination) == 0;
     }
     if (one.delivery.others.packets != 0) {
         return false;
     }
     const std::string address = destination.substr(0, destination.find(':') + 1);
-    const auto same = came.lower_bound(address);
-    if (same != came.end() && same->compare(0, address.size(), address) == 0) {
+    const auto same = m_came.lower_bound(address);
+    if (same != m_came.end() && same->compare(0, address.size(), address) == 0) {
         return true;
     }
     const SPackageFacts& package = *one.first.package;
-    return std::any_of(package.stsid->sessions.begin(), package.stsid->sessions.end(), [&](const SLctFacts& lct) {
-        const std::string other = std::get<0>(KeyOf(package, lct));
-        return other != package.session && came.count(other) != 0;
-    });
+    const auto [known, isNew] = m_elsewhere.try_emplace(&package, false);
+    if (isNew) {
+        known->second =
+            std::any_of(package.stsid->sessions.begin(), package.stsid->sessions.end(), [&](const SLctFacts& lct) {
+                const std::string other = std::get<0>(KeyOf(package, lct));
+                return other != package.session && m_came.count(other) != 0;
+            });
+    }
+    return known->second;
 }
 
-/// Told of: nothing came of it, though it would have.
-bool CDeliveryRules::m_NotSent(const SCase& one, const std::set<std::string>& captured,
-                               const std::set<std::string>& came)
+/// Nothing came of it, though it would have.
+void CDeliveryRules::m_NotSent(const SCase& one)
 {
     constexpr double k_enough = 2;
     constexpr double k_enoughOfFew = 10;  // of subtitles and files not so many packets come
@@ -145,20 +170,12 @@ bool CDeliveryRules::m_NotSent(const SCase& one, const std::set<std::string>& ca
     const std::optional<double> start = Instant(facts.startTime);
     const std::optional<double> end = Instant(facts.endTime);
     const double last = Seconds(*t_evidence.last);
-    if (came.empty() || since < (steady ? k_enough : k_enoughOfFew) || facts.bandwidth == std::uint64_t{0} ||
-        (start && *start > last - since - k_clocksApart) || (end && *end < last + k_clocksApart) ||
-        !m_WouldBeCaptured(one, captured, came)) {
-        return false;
+    const bool due = facts.bandwidth != std::uint64_t{0} && !(start && *start > last - since - k_clocksApart) &&
+                     !(end && *end < last + k_clocksApart);
+    if (due && !m_came.empty() && since >= (steady ? k_enough : k_enoughOfFew) && m_WouldBeCaptured(one)) {
+        m_Tell(facts.realTime ? ERule::SESSION_NOT_SENT : ERule::FILES_NOT_SENT, one,
+               one.Title() + " is announced, and no packet of it came in " + NumberText(std::floor(since)) + " s");
     }
-    for (const SSessionDelivery& session : one.delivery.sessions) {
-        if (SessionText(session) == std::get<0>(one.key) &&
-            (session.packetsNoFlow != 0 || session.protocol != EDeliveryProtocol::ROUTE)) {
-            return false;
-        }
-    }
-    m_Tell(facts.realTime ? ERule::SESSION_NOT_SENT : ERule::FILES_NOT_SENT, one,
-           one.Title() + " is announced, and no packet of it came in " + NumberText(std::floor(since)) + " s");
-    return true;
 }
 
 /// Several entries of one S-TSID have together what they say, and services that share the session say the same.
@@ -242,56 +259,58 @@ void CDeliveryRules::m_Times(const SCase& one, const SFlowDelivery& flow)
     }
 }
 
-/// The file that the MPD names, of the EFDT, against the objects that came whole.
-void CDeliveryRules::m_Initialization(const SCase& one, const SFlowDelivery& flow)
+/// Of the files of the EFDT those that the MPD names as the representation's initialization segments, by TOI.
+std::map<std::uint64_t, std::string> CDeliveryRules::m_InitializationFiles(const SCase& one) const
 {
-    const SPackageFacts& package = *one.first.package;
-    const SObjectsDelivery& objects = *flow.objects;
-    if (!package.mpd || one.first.facts->repId.empty() || objects.unknown != 0 || !objects.allWholeTois ||
-        !flow.traffic.last ||
-        std::min(m_Since(package), Seconds(*flow.traffic.last) - Seconds(*flow.traffic.first)) <
-            m_settings.longestInterval) {
-        return;
-    }
+    constexpr std::size_t k_mostNames = 4;  // of several periods
     const auto endsWith = [](const std::string& text, const std::string& end) {
         return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0 &&
                (text.size() == end.size() || text[text.size() - end.size() - 1] == '/');
     };
-    std::set<std::uint64_t> tois;
-    bool whole = false;
-    std::string name;
-    for (const SLctSession::SAnnouncement& each : one.lct.by) {
-        for (const SRepresentationFacts& representation :
-             each.package->mpd ? each.package->mpd->representations : std::vector<SRepresentationFacts>()) {
-            const std::string wanted = OfRepresentation(representation.initialization, representation.id);
-            if (representation.id != each.facts->repId || wanted.empty()) {
-                continue;
-            }
-            for (const SFileFacts& file : each.facts->files) {
-                if (!file.name.empty() && (endsWith(wanted, file.name) || endsWith(file.name, wanted))) {
-                    name = file.name;
-                    tois.insert(file.toi.second);
-                }
+    std::map<std::uint64_t, std::string> files;
+    const SPackageFacts& package = *one.first.package;
+    const std::string& id = one.first.facts->repId;
+    std::set<std::string> names;
+    for (std::size_t i = 0; package.mpd && !id.empty() && i < package.mpd->representations.size(); ++i) {
+        const SRepresentationFacts& representation = package.mpd->representations[i];
+        if (representation.id == id && !representation.initialization.empty() && names.size() < k_mostNames) {
+            names.insert(OfRepresentation(representation.initialization, id));
+        }
+    }
+    for (const SFileFacts& file : one.first.facts->files) {
+        for (const std::string& name : names) {
+            if (!file.name.empty() && (endsWith(name, file.name) || endsWith(file.name, name))) {
+                files.emplace(file.toi.second, file.name);
             }
         }
     }
-    std::uint64_t media = objects.whole;
-    for (const auto& [begin, end] : objects.wholeTois) {
-        whole = whole || (tois.lower_bound(begin) != tois.end() && *tois.lower_bound(begin) < end);
-    }
-    if (tois.empty() || whole || media < 2) {
+    return files;
+}
+
+void CDeliveryRules::m_Initialization(const SCase& one, const SFlowDelivery& flow,
+                                      const std::map<std::uint64_t, std::string>& files)
+{
+    const SObjectsDelivery& objects = *flow.objects;
+    if (files.empty() || objects.unknown != 0 || !objects.allWholeTois || objects.whole < 2 || !flow.traffic.last ||
+        std::min(m_Since(*one.first.package), Seconds(*flow.traffic.last) - Seconds(*flow.traffic.first)) <
+            m_settings.longestInterval) {
         return;
+    }
+    for (const auto& [begin, end] : objects.wholeTois) {
+        const auto file = files.lower_bound(begin);
+        if (file != files.end() && file->first < end) {
+            return;
+        }
     }
     const auto begun =
         std::find_if(objects.firstIncomplete.begin(), objects.firstIncomplete.end(),
-                     [&](const SIncompleteObject& object) { return tois.count(object.toi.second) != 0; });
+                     [&](const SIncompleteObject& object) { return files.count(object.toi.second) != 0; });
     m_Tell(ERule::NO_INITIALIZATION, one,
-           one.Title() + ": its initialization segment, " + Quoted(name) + ", " +
-               (begun != objects.firstIncomplete.end()
-                    ? "was never whole: " + std::to_string(begun->bytes) + " of " +
-                          (begun->length ? std::to_string(*begun->length) : "an unknown number of") + " bytes came"
-                    : "was never whole") +
-               ", while " + Counted(media, "other object") + " came");
+           one.Title() + ": its initialization segment, " + Quoted(files.begin()->second) + ", was never whole" +
+               (begun != objects.firstIncomplete.end() && begun->length
+                    ? " (" + std::to_string(begun->bytes) + " of " + std::to_string(*begun->length) + " bytes came)"
+                    : "") +
+               ", while " + Counted(objects.whole, "other object") + " came");
 }
 
 /// What is lost of the objects may be repaired where there are repair packets.
@@ -412,16 +431,7 @@ void CDeliveryRules::Finish(const SDelivery* delivery)
         return;
     }
     m_Intervals();
-    std::set<std::string> captured;
-    std::set<std::string> came;  ///< where media came, of which objects went by
-    for (const SSessionDelivery& session : delivery->sessions) {
-        captured.insert(SessionText(session));
-        for (const SFlowDelivery& flow : session.flows) {
-            if (IsMedia(session, flow) && flow.objects->whole + flow.objects->repeats > 1) {
-                came.insert(SessionText(session));
-            }
-        }
-    }
+    m_Look(*delivery);
     for (const auto& [key, lct] : LctSessions(t_evidence, *delivery)) {
         const auto first = std::find_if(lct.by.begin(), lct.by.end(),
                                         [](const SLctSession::SAnnouncement& each) { return each.facts->sourceFlow; });
@@ -430,14 +440,16 @@ void CDeliveryRules::Finish(const SDelivery* delivery)
         }
         const SCase one = {*delivery, key, lct, *first};
         if (lct.flows.empty()) {
-            m_NotSent(one, captured, came);
+            m_NotSent(one);
+            continue;
         }
+        const std::map<std::uint64_t, std::string> initialization = m_InitializationFiles(one);
         for (const auto& [session, place] : lct.flows) {
             const SFlowDelivery& flow = delivery->sessions[session].flows[place];
             m_Rate(one, flow);
             m_Bandwidth(one, flow);
             m_Times(one, flow);
-            m_Initialization(one, flow);
+            m_Initialization(one, flow, initialization);
         }
     }
     for (const SSessionDelivery& session : delivery->sessions) {

@@ -23,6 +23,28 @@ void AddServices(std::vector<unsigned>& services, const std::vector<unsigned>& m
     }
 }
 
+/// Empty: the template makes none.
+std::string NameByTemplate(const SLctFacts& lct, const TToi& toi)
+{
+    const std::string text = OfRepresentation(lct.fileTemplate, lct.repId);
+    const std::size_t begin = text.find("$TOI");
+    const std::size_t end = begin != std::string::npos ? text.find('$', begin + 1) : begin;
+    if (end == std::string::npos || toi.first != 0) {
+        return {};
+    }
+    // "$TOI$", or "$TOI%05d$" with a width of one digit.
+    const std::string format = text.substr(begin + 4, end - begin - 4);
+    std::string number = std::to_string(toi.second);
+    if (format.size() == 4 && format.compare(0, 2, "%0") == 0 && format[2] > '0' && format[2] <= '9' &&
+        format[3] == 'd') {
+        const auto width = static_cast<std::size_t>(format[2] - '0');
+        number.insert(0, width > number.size() ? width - number.size() : 0, '0');
+    } else if (!format.empty()) {
+        return {};
+    }
+    return text.substr(0, begin) + number + text.substr(end + 1);
+}
+
 void NameFlow(SFlowDelivery& flow, const std::vector<unsigned>& services, const std::string& carries)
 {
     AddServices(flow.services, services);
@@ -31,14 +53,26 @@ void NameFlow(SFlowDelivery& flow, const std::vector<unsigned>& services, const 
 
 void NameLct(const SLctSession& lct, SDelivery& delivery)
 {
+    if (lct.flows.empty()) {
+        return;
+    }
+    std::vector<unsigned> services;
+    std::map<TToi, const std::string*> files;
+    for (const SLctSession::SAnnouncement& one : lct.by) {
+        AddServices(services, ServicesOf(*one.package));
+        for (const SFileFacts& file : one.facts->files) {
+            files.emplace(file.toi, &file.name);
+        }
+    }
+    const SLctFacts& first = *lct.by.front().facts;
+    const std::string carries = CarriesText(first);
     for (const auto& [session, place] : lct.flows) {
         SFlowDelivery& flow = delivery.sessions[session].flows[place];
-        for (const SLctSession::SAnnouncement& one : lct.by) {
-            NameFlow(flow, ServicesOf(*one.package), CarriesText(*one.facts));
-            for (std::size_t i = 0; flow.objects && i < flow.objects->firstIncomplete.size(); ++i) {
-                SIncompleteObject& object = flow.objects->firstIncomplete[i];
-                object.name = object.name.empty() ? FileName(*one.facts, object.toi) : object.name;
-            }
+        NameFlow(flow, services, carries);
+        for (std::size_t i = 0; flow.objects && i < flow.objects->firstIncomplete.size(); ++i) {
+            SIncompleteObject& object = flow.objects->firstIncomplete[i];
+            const auto file = files.find(object.toi);
+            object.name = file != files.end() ? *file->second : NameByTemplate(first, object.toi);
         }
     }
 }
@@ -150,32 +184,6 @@ std::string CarriesText(const SLctFacts& lct)
     }
     return Joined({lct.contentType.empty() ? "streaming" : lct.contentType, lct.lang,
                    lct.repId.empty() ? "" : "representation " + lct.repId});
-}
-
-std::string FileName(const SLctFacts& lct, const TToi& toi)
-{
-    const auto file =
-        std::find_if(lct.files.begin(), lct.files.end(), [&toi](const SFileFacts& one) { return one.toi == toi; });
-    if (file != lct.files.end()) {
-        return file->name;
-    }
-    const std::string text = OfRepresentation(lct.fileTemplate, lct.repId);
-    const std::size_t begin = text.find("$TOI");
-    const std::size_t end = begin != std::string::npos ? text.find('$', begin + 1) : begin;
-    if (end == std::string::npos || toi.first != 0) {
-        return {};
-    }
-    // "$TOI$", or "$TOI%05d$" with a width of one digit.
-    const std::string format = text.substr(begin + 4, end - begin - 4);
-    std::string number = std::to_string(toi.second);
-    if (format.size() == 4 && format.compare(0, 2, "%0") == 0 && format[2] > '0' && format[2] <= '9' &&
-        format[3] == 'd') {
-        const auto width = static_cast<std::size_t>(format[2] - '0');
-        number.insert(0, width > number.size() ? width - number.size() : 0, '0');
-    } else if (!format.empty()) {
-        return {};
-    }
-    return text.substr(0, begin) + number + text.substr(end + 1);
 }
 
 std::string OfRepresentation(const std::string& text, const std::string& id)

@@ -30,8 +30,6 @@ TLctSessions LctSessions(const SEvidence& evidence, const SDelivery& delivery);
 std::vector<unsigned> ServicesOf(const SPackageFacts& package);
 /// "video, representation 1": what signalling says that it is; empty: nothing.
 std::string CarriesText(const SLctFacts& lct);
-/// The name of an object, of the EFDT's files or by its template; empty: it gives none.
-std::string FileName(const SLctFacts& lct, const TToi& toi);
 /// A template with what stands for the representation filled in.
 std::string OfRepresentation(const std::string& text, const std::string& id);
 /// "239.255.7.1:30100".
