@@ -102,13 +102,20 @@ class CCapture {
         const std::string captured = packet.substr(0, m_cutTo);
         m_bytes += m_Field(1800000000 + m_time / 1000000, 4) + m_Field(m_time % 1000000 * m_unit, 4) +
                    m_Field(captured.size(), 4) + m_Field(packet.size(), 4) + captured;
-        m_time += 250000;
+        m_time += m_step;
         return *this;
     }
     /// The next packet comes as many microseconds behind the capture's begin.
     CCapture& At(std::uint64_t microseconds)
     {
         m_time = microseconds;
+        return *this;
+    }
+    /// The next packet comes as many seconds after the beginning, and those behind it in steps of microseconds.
+    CCapture& At(unsigned second, unsigned step)
+    {
+        m_time = second * std::uint64_t{1000000};
+        m_step = step;
         return *this;
     }
     CCapture& AddSession(const std::string& packet, unsigned port)
@@ -132,6 +139,7 @@ class CCapture {
     bool m_littleEndian;
     std::string m_bytes;
     std::uint64_t m_time = 0;  ///< of the next packet, microseconds
+    std::uint64_t m_step = 250000;
 };
 
 /// Capture in pcapng form of one packet, two seconds after 1970 in microseconds.

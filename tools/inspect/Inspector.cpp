@@ -217,6 +217,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge
                 traffic.Name(session, tsi, "service guide");
             });
             SDelivery delivery = traffic.Result({name, 0, {}});
+            delivery.packetsCut = decoder.Counts().cut;
             const auto services = [this] { return m_report.Summary().routeServices + m_report.Summary().mmtpServices; };
             const std::uint64_t before = services();
             for (const auto& protocol : sessions) {
@@ -232,9 +233,6 @@ void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge
             guide.Finish(name, true);
             m_CaptureFindings(name, decoder.Counts(), followers, destinations);
             judge.Finish(times, sessionsCaptured, &delivery);
-            if (delivery.traffic.packets != 0) {
-                m_report.Delivery(delivery);
-            }
         }
     };
     SPacket packet;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "judge/Facts.h"
+#include "judge/MmtFacts.h"
 #include "model/Delivery.h"
 #include "model/Report.h"
 
@@ -37,6 +38,8 @@ struct SEvidence {
     std::optional<STime> last;
     std::map<TListKey, SListFacts> lists;
     std::map<std::string, SPackageFacts> packages;  ///< by what tells the documents of one service from others
+
+    std::map<std::string, SMmtFacts> mmt;  ///< by session
 
     /// The packages whose signalling is that of the service.
     std::vector<const SPackageFacts*> Of(const SSltService& service) const;

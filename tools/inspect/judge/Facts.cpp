@@ -131,18 +131,17 @@ SStsidFacts StsidFacts(const TJson& stsid)
                  [&](const TJson& route) {
                      const std::string address = Text(route, "dIpAddr");
                      const std::optional<std::uint64_t> port = Unsigned(route, "dPort");
-                     whole =
-                         Each(route, "LS",
-                              [&](const TJson& ls) {
-                                  SLctFacts lct;
-                                  lct.destination =
-                                      !address.empty() && port ? address + ':' + std::to_string(*port) : std::string();
-                                  lct.source = Text(route, "sIpAddr");
-                                  lct.tsi = Unsigned(ls, "tsi").value_or(0);
-                                  lct.bandwidth = Unsigned(ls, "bw");
-                                  lct.startTime = Text(ls, "startTime");
-                                  lct.endTime = Text(ls, "endTime");
-                                  whole = Each(ls, "SrcFlow",
+                     whole = Each(route, "LS",
+                                  [&](const TJson& ls) {
+                                      SLctFacts lct;
+                                      lct.destination = address + ':' + (port ? std::to_string(*port) : std::string());
+                                      lct.source = Text(route, "sIpAddr");
+                                      lct.tsi = Unsigned(ls, "tsi").value_or(0);
+                                      lct.bandwidth = Unsigned(ls, "bw");
+                                      lct.startTime = Text(ls, "startTime");
+                                      lct.endTime = Text(ls, "endTime");
+                                      whole =
+                                          Each(ls, "SrcFlow",
                                                [&](const TJson& flow) {
                                                    const TJson& content = Field(flow, "ContentInfo");
                                                    const TJson& media = Field(content, "MediaInfo");
@@ -158,9 +157,9 @@ SStsidFacts StsidFacts(const TJson& stsid)
                                                        whole;
                                                }) &&
                                           whole;
-                                  whole = Add(facts.sessions, std::move(lct)) && whole;
-                              }) &&
-                         whole;
+                                      whole = Add(facts.sessions, std::move(lct)) && whole;
+                                  }) &&
+                             whole;
                  }) &&
             whole;
     return facts;
@@ -216,8 +215,9 @@ std::size_t SStsidFacts::Bytes() const
 {
     std::size_t bytes = sizeof *this;
     for (const SLctFacts& lct : sessions) {
-        bytes += sizeof lct + lct.contentId.size() + lct.contentType.size() + lct.lang.size() + lct.repId.size() +
-                 lct.fileTemplate.size() + lct.startTime.size() + lct.endTime.size();
+        bytes += sizeof lct + lct.destination.size() + lct.source.size() + lct.contentId.size() +
+                 lct.contentType.size() + lct.lang.size() + lct.repId.size() + lct.fileTemplate.size() +
+                 lct.startTime.size() + lct.endTime.size();
         for (const SFileFacts& file : lct.files) {
             bytes += sizeof file + file.name.size();
         }

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "base/JsonFwd.h"
@@ -36,7 +38,7 @@ struct SFileFacts {
 
 /// An LCT session of an S-TSID.
 struct SLctFacts {
-    std::string destination;  ///< "239.255.7.1:30100"
+    std::string destination;  ///< "239.255.7.1:30100"; what is not given of it is that of the session of the S-TSID
     std::string source;       ///< empty: any
     std::uint64_t tsi = 0;
     std::optional<std::uint64_t> bandwidth;  ///< bw, kbit/s
@@ -100,6 +102,9 @@ struct SArrivals {
     void Add(const SSource& source);
 };
 
+/// Destination, source (empty: any) and TSI.
+using TLctKey = std::tuple<std::string, std::string, std::uint64_t>;
+
 /// The signalling that a service, or a session without one, has now.
 struct SPackageFacts {
     std::string session;              ///< "239.255.7.1:30100"; empty: a raw file
@@ -111,6 +116,8 @@ struct SPackageFacts {
     SSource source;                                  ///< of the last object that brought something
     std::map<ESlsDocument, SSource> documentSource;  ///< of the last of each kind that parsed
     std::map<ESlsDocument, bool> broken;             ///< the last of the kind did not parse
+    std::set<TLctKey> earlier;                       ///< LCT sessions of S-TSIDs that hold no more
+    bool allEarlier = true;                          ///< those of `earlier` are all
 
     /// About what the facts hold.
     std::size_t Bytes() const

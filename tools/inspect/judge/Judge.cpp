@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Text.h"
+#include "judge/Names.h"
 #include "judge/Verdicts.h"
 #include "model/Content.h"
 #include "model/Guide.h"
@@ -12,6 +13,20 @@ namespace vyr::inspect {
 namespace {
 
 constexpr std::uint32_t k_noAddress = 0xFFFFFFFF;
+
+/// Remembers the LCT sessions of an S-TSID that another one replaces.
+void KeepEarlier(SPackageFacts& package)
+{
+    constexpr std::size_t k_most = 64;
+    for (const SLctFacts& lct : package.stsid ? package.stsid->sessions : std::vector<SLctFacts>()) {
+        const TLctKey key = KeyOf(package, lct);
+        const bool fits = package.earlier.size() < k_most || package.earlier.count(key) != 0;
+        package.allEarlier = package.allEarlier && fits && package.stsid->whole;
+        if (fits) {
+            package.earlier.insert(key);
+        }
+    }
+}
 
 /// What tells the documents of one service from those of others: the key without the kind.
 std::string PackageKey(const std::string& documentKey)
@@ -52,6 +67,9 @@ CJudge::CJudge(CReport& report, const std::string& file, bool capture, const SRu
     m_evidence.capture = capture;
     m_rules.push_back(ListRules(m_evidence, m_findings, settings));
     m_rules.push_back(TimeRules(m_evidence, m_findings));
+    m_rules.push_back(SignallingRules(m_evidence, m_findings, settings));
+    m_rules.push_back(DeliveryRules(m_evidence, m_findings, settings));
+    m_rules.push_back(MmtRules(m_evidence, m_findings, settings));
     m_report.SetWitness(this);
 }
 
@@ -128,6 +146,7 @@ void CJudge::m_Hold(SPackageFacts& package, const SSlsDocument& document)
     if (document.kind == ESlsDocument::USBD) {
         hold(package.usbd, UsbdFacts(json));
     } else if (document.kind == ESlsDocument::STSID) {
+        KeepEarlier(package);
         hold(package.stsid, StsidFacts(json));
     } else if (document.kind == ESlsDocument::MPD) {
         hold(package.mpd, MpdFacts(json));
@@ -140,6 +159,7 @@ void CJudge::Message(const SMessage& message)
     for (const auto& rules : m_rules) {
         rules->Message(message);
     }
+    HoldMessage(m_evidence.mmt, message);
 }
 
 void CJudge::GuideObject(const SGuideObject& object)
@@ -172,10 +192,19 @@ void CJudge::Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* 
     m_evidence.first = times.first;
     m_evidence.last = times.last;
     m_evidence.sessionsCaptured = sessionsCaptured;
+    if (delivery != nullptr) {
+        NameDelivery(m_evidence, *delivery);
+    }
     for (const auto& rules : m_rules) {
         rules->Finish(delivery);
     }
-    if (delivery != nullptr && !m_evidence.lists.empty()) {
+    if (delivery == nullptr) {
+        return;
+    }
+    if (delivery->traffic.packets != 0) {
+        m_report.Delivery(*delivery);
+    }
+    if (!m_evidence.lists.empty()) {
         m_report.Verdicts(Verdicts(m_evidence, *delivery, m_heard, m_settings));
     }
 }

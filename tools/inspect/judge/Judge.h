@@ -27,8 +27,8 @@ class CJudge : public IWitness {
     void Guide(const SGuide& guide) override;
     void Finding(const SFinding& finding) override;
 
-    /// The end of the input. Of a capture, names in `delivery` what signalling names, and judges it; null for a raw
-    /// file.
+    /// The end of the input. Of a capture, names in `delivery` what signalling names, judges it, and tells of it and of
+    /// the verdicts; null for a raw file.
     void Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* delivery);
 
   private:

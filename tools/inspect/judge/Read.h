@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <string>
 
 #include "base/Json.h"
+#include "base/Text.h"
 
 namespace vyr::inspect {
 
@@ -56,6 +58,33 @@ bool Each(const TJson& object, const char* key, TVisit visit)
         }
     }
     return Field(Field(object, "leftOut"), key).is_null();
+}
+
+/// Seconds since 1970 of "2026-11-21T02:02:23.328Z", or of NTP seconds.
+inline std::optional<double> Instant(const std::string& text)
+{
+    constexpr std::size_t k_mostDigits = 10;
+    if (!text.empty() && text.size() <= k_mostDigits && text.find_first_not_of("0123456789") == std::string::npos) {
+        const std::uint64_t ntp = std::stoull(text);
+        return ntp <= 0xFFFFFFFF ? std::optional<double>(NtpSeconds(static_cast<std::uint32_t>(ntp))) : std::nullopt;
+    }
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    int hour = 0;
+    int minute = 0;
+    double second = 0;
+    char zone = 0;
+    if (std::sscanf(text.c_str(), "%4d-%2d-%2dT%2d:%2d:%lf%c", &year, &month, &day, &hour, &minute, &second, &zone) !=
+            7 ||
+        zone != 'Z' || month < 1 || month > 12 || !(second >= 0 && second < 61)) {
+        return std::nullopt;
+    }
+    // Days since 1970 of a year that begins in March.
+    const int fromMarch = (month + 9) % 12;
+    const int since = year - (month < 3 ? 1 : 0);
+    const int days = 365 * since + since / 4 - since / 100 + since / 400 + (153 * fromMarch + 2) / 5 + day - 719469;
+    return 86400.0 * days + 3600.0 * hour + 60.0 * minute + second;
 }
 
 }  // namespace vyr::inspect

@@ -37,5 +37,8 @@ class CRules {
 
 std::unique_ptr<CRules> ListRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
 std::unique_ptr<CRules> TimeRules(const SEvidence& evidence, CFindings& findings);
+std::unique_ptr<CRules> SignallingRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
+std::unique_ptr<CRules> DeliveryRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
+std::unique_ptr<CRules> MmtRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
 
 }  // namespace vyr::inspect

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <map>
 #include <tuple>
 
@@ -19,7 +20,11 @@ constexpr int k_mmtp = 2;
 constexpr unsigned k_mmtSignalling = 2;  // payload type
 
 /// Rules that end a service where they are found, in the order of what has to work first.
-constexpr ERule k_stops[] = {ERule::SERVICE_DROPPED, ERule::BAD_ADDRESS, ERule::PROTOCOL_UNKNOWN, ERule::NO_SIGNALLING};
+constexpr ERule k_stops[] = {ERule::SERVICE_DROPPED, ERule::BAD_ADDRESS, ERule::PROTOCOL_UNKNOWN, ERule::NO_SIGNALLING,
+                             ERule::NO_STSID,        ERule::NO_MPD,      ERule::NO_MP_TABLE};
+/// Rules that are against the standard where viewers see nothing of it.
+constexpr ERule k_unseen[] = {ERule::RATE_ABOVE_BANDWIDTH, ERule::SESSION_NOT_ANNOUNCED, ERule::GLOBAL_SERVICE_ID,
+                              ERule::SEQUENCE_UNCHANGED, ERule::TSI_TWICE};
 
 SJudgement But(const std::string& cause, const std::string& rule = {})
 {
@@ -207,7 +212,8 @@ SJudgement CServiceJudge::m_Spoiled(const SSltService& service) const
     const SFinding* first = nullptr;
     std::size_t count = 0;
     for (const SFinding& finding : m_findings) {
-        if (m_Concerns(finding, service)) {
+        const bool seen = std::find(std::begin(k_unseen), std::end(k_unseen), finding.rule) == std::end(k_unseen);
+        if (seen && m_Concerns(finding, service)) {
             first = first == nullptr || finding.severity > first->severity ? &finding : first;
             ++count;
         }

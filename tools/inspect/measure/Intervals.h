@@ -53,6 +53,8 @@ class CIntervals {
         m_count -= m_parts.front().second - m_parts.front().first;
         m_parts.erase(m_parts.begin());
     }
+    /// The intervals, in order: the first number of each, and that behind its last.
+    const std::vector<std::pair<std::uint64_t, std::uint64_t>>& All() const { return m_parts; }
     /// How many numbers, and in how many intervals.
     std::uint64_t Count() const { return m_count; }
     std::size_t Parts() const { return m_parts.size(); }

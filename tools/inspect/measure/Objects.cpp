@@ -146,6 +146,7 @@ void CObjects::m_Whole(const TToi& toi, bool again)
     const std::size_t most = m_kept.parts < SObjectsKept::k_mostParts ? k_maxWhole : k_fewParts;
     while (!m_whole.Add(number, number + 1, most)) {
         m_whole.DropFirst();
+        m_allWhole = false;
     }
     m_kept.parts += m_whole.Parts() - before;
 }
@@ -223,6 +224,8 @@ void CObjects::m_Judge(const SObject& object, std::int64_t now, bool atEnd, SObj
 SObjectsDelivery CObjects::Result(std::int64_t end) const
 {
     SObjectsDelivery counts = m_counts;
+    counts.wholeTois = m_whole.All();
+    counts.allWholeTois = m_allWhole;
     for (const SObject& object : m_open) {
         m_Judge(object, end, true, counts);
     }

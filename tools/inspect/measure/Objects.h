@@ -78,6 +78,7 @@ class CObjects {
     std::vector<SObject> m_open;
     std::size_t m_last = 0;  ///< the place in m_open that was used last
     CIntervals m_whole;      ///< TOIs
+    bool m_allWhole = true;  ///< none of them had to go
     std::optional<std::int64_t> m_begun;
     std::uint64_t m_packets = 0;
     std::uint64_t m_done = 0;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "model/Source.h"
@@ -47,6 +48,9 @@ struct SObjectsDelivery {
     std::uint64_t cut = 0;           ///< begun before the capture, or still under way at its end
     std::uint64_t unknown = 0;       ///< nothing can be said: without a length, or beyond what is kept
     std::vector<SIncompleteObject> firstIncomplete;
+    /// Of TOIs of up to 64 bits that were whole: the first, and that behind the last.
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> wholeTois;
+    bool allWholeTois = true;  ///< those of `wholeTois` are all
 };
 
 /// What became of the packets of a packet_id, by packet_sequence_number.
@@ -108,6 +112,7 @@ struct SDelivery {
     STraffic traffic;            ///< all of it
     double seconds = 0;          ///< that the capture lasts, without what its clock was set by
     std::uint64_t clockSet = 0;  ///< times that its clock went back by more than a second, or on by more than an hour
+    std::uint64_t packetsCut = 0;  ///< by the capture: what they carried is not here
     double binSeconds = 1;
     STraffic others;                         ///< of sessions beyond those that are kept
     std::vector<SSessionDelivery> sessions;  ///< by destination, port and source

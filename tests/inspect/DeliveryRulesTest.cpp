@@ -1,0 +1,239 @@
+#include "RouteBroadcast.h"
+
+namespace {
+
+using TRules = std::vector<std::string>;
+using SPart = SBroadcast::SPart;
+using packets::CCapture;
+
+bool IsAudio(const SPart& part)
+{
+    return part.tsi == 20;
+}
+bool IsInitialization(const SPart& part)
+{
+    return part.tsi != 0 && part.toi == 99;
+}
+
+/// Sends an object of TSI 30 in every second.
+void SendMore(unsigned second, CCapture& capture)
+{
+    capture.AddSession(packets::Lct({second + 1, 0, 20, false, 30}, std::string(20, 'x')), 7001);
+}
+
+/// Each breach with what is near to it and none.
+const std::vector<SBreach> k_delivery = {
+    {"sound", [](SBroadcast&) {}, {}},
+    {"audio never comes",
+     [](SBroadcast& b) { b.keep = [](const SPart& part) { return !IsAudio(part); }; },
+     {"session-not-sent"}},
+    {"audio comes once",
+     [](SBroadcast& b) { b.keep = [](const SPart& part) { return !IsAudio(part) || part.second == 3; }; },
+     {}},
+    {"too short to tell",
+     [](SBroadcast& b) {
+         b.seconds = 2;
+         b.keep = [](const SPart& part) { return !IsAudio(part); };
+     },
+     {}},
+    {"no media was captured at all",
+     [](SBroadcast& b) { b.keep = [](const SPart& part) { return part.tsi == 0; }; },
+     {}},
+    {"subtitles may be silent for longer",
+     [](SBroadcast& b) {
+         b.seconds = 9;
+         b.Edit("contentType='audio'", "contentType='subtitles'").Edit("audio", "text");
+         b.keep = [](const SPart& part) { return !IsAudio(part); };
+     },
+     {}},
+    {"but not for ever",
+     [](SBroadcast& b) {
+         b.Edit("contentType='audio'", "contentType='subtitles'").Edit("audio", "text");
+         b.keep = [](const SPart& part) { return !IsAudio(part); };
+     },
+     {"session-not-sent"}},
+    {"on another address of which others came",
+     [](SBroadcast& b) {
+         b.stsid = "<S-TSID><RS>" + SBroadcast::Lct("10", "video", "v") + "</RS><RS dPort='7002'>" +
+                   SBroadcast::Lct("20", "audio", "a") + "</RS></S-TSID>\n";
+         b.keep = [](const SPart& part) { return !IsAudio(part); };
+     },
+     {"session-not-sent"}},
+    {"and it comes there",
+     [](SBroadcast& b) {
+         b.stsid = "<S-TSID><RS>" + SBroadcast::Lct("10", "video", "v") + "</RS><RS dPort='7002'>" +
+                   SBroadcast::Lct("20", "audio", "a") + "</RS></S-TSID>\n";
+         b.ports[1] = 7002;
+     },
+     {}},
+    {"on another address of which nothing was captured",
+     [](SBroadcast& b) {
+         b.stsid = "<S-TSID><RS>" + SBroadcast::Lct("10", "video", "v") + "</RS><RS dIpAddr='239.1.1.1'>" +
+                   SBroadcast::Lct("20", "audio", "a") + "</RS></S-TSID>\n";
+         b.keep = [](const SPart& part) { return !IsAudio(part); };
+     },
+     {}},
+    {"files that do not come",
+     [](SBroadcast& b) { b.Edit("</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>"); },
+     {"files-not-sent"}},
+    {"files that do",
+     [](SBroadcast& b) {
+         b.Edit("</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>");
+         b.more = SendMore;
+     },
+     {}},
+    {"a TSI that nothing announces", [](SBroadcast& b) { b.more = SendMore; }, {"session-not-announced"}},
+    {"that the S-TSID before announced",
+     [](SBroadcast& b) {
+         b.Edit("</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>");
+         b.more = SendMore;
+         b.change = [](unsigned second, SBroadcast& now) {
+             if (second == 6) {
+                 now.Edit("<LS tsi='30'><SrcFlow rt='false'/></LS>", "");
+             }
+         };
+     },
+     {}},
+    {"while another service's signalling is missing",
+     [](SBroadcast& b) {
+         b.services +=
+             "<Service serviceId='2' serviceCategory='4'><BroadcastSvcSignaling slsProtocol='1' "
+             "slsDestinationIpAddress='239.255.7.1' slsDestinationUdpPort='7009'/></Service>";
+         b.more = SendMore;
+     },
+     {"no-signalling"}},
+    {"a session that nothing names",
+     [](SBroadcast& b) { b.more = [](unsigned, CCapture& capture) { capture.AddSession("?", 7005); }; },
+     {"unsignalled-traffic"}},
+    {"more than it has announced", [](SBroadcast& b) { b.Edit("bw='10'", "bw='7'"); }, {"rate-above-bandwidth"}},
+    {"within the margin", [](SBroadcast& b) { b.Edit("bw='10'", "bw='8'"); }, {}},
+    {"no bandwidth announced", [](SBroadcast& b) { b.Edit("bw='10'", ""); }, {}},
+    {"past its end",
+     [](SBroadcast& b) { b.Edit("<LS tsi='10'", "<LS endTime='2027-01-15T07:59:50Z' tsi='10'"); },
+     {"session-outside-time"}},
+    {"as clocks differ",
+     [](SBroadcast& b) { b.Edit("<LS tsi='10'", "<LS endTime='2027-01-15T08:00:05Z' tsi='10'"); },
+     {}},
+    {"before its begin",
+     [](SBroadcast& b) { b.Edit("<LS tsi='10'", "<LS startTime='2027-01-15T08:01:00Z' tsi='10'"); },
+     {"session-outside-time"}},
+    {"not sent before its begin",
+     [](SBroadcast& b) {
+         b.Edit("<LS tsi='20'", "<LS startTime='2027-01-15T08:01:00Z' tsi='20'");
+         b.keep = [](const SPart& part) { return !IsAudio(part); };
+     },
+     {}},
+    {"an EFDT of yesterday", [](SBroadcast& b) { b.Edit("4294944000", "4008902400"); }, {"efdt-expired"}},
+    {"one of today", [](SBroadcast& b) { b.Edit("4294944000", "4008988805"); }, {}},
+    {"one that never expires", [](SBroadcast& b) { b.Edit("4294944000", "4294967295"); }, {}},
+    {"no initialization",
+     [](SBroadcast& b) { b.keep = [](const SPart& part) { return !IsInitialization(part); }; },
+     {"no-initialization"}},
+    {"once is enough",
+     [](SBroadcast& b) { b.keep = [](const SPart& part) { return !IsInitialization(part) || part.second == 9; }; },
+     {}},
+    {"too short to tell of it",
+     [](SBroadcast& b) {
+         b.seconds = 5;
+         b.keep = [](const SPart& part) { return !IsInitialization(part); };
+     },
+     {}},
+    {"an EFDT that does not name it",
+     [](SBroadcast& b) {
+         b.Edit("-init.mp4' TOI", "-first.mp4' TOI");
+         b.keep = [](const SPart& part) { return !IsInitialization(part); };
+     },
+     {}},
+    {"a segment without its middle",
+     [](SBroadcast& b) {
+         b.keep = [](const SPart& part) { return !IsAudio(part) || part.toi != 4 || part.part != 2; };
+     },
+     {"objects-incomplete"}},
+    {"one cut by the end",
+     [](SBroadcast& b) {
+         b.keep = [](const SPart& part) { return !IsAudio(part) || part.toi != 12 || part.part < 2; };
+     },
+     {}},
+    {"every second one",
+     [](SBroadcast& b) {
+         b.keep = [](const SPart& part) { return part.tsi == 0 || part.toi % 2 == 0 || part.part != 1; };
+     },
+     {"many-objects-incomplete"}},
+    {"every second one, with repair",
+     [](SBroadcast& b) {
+         b.keep = [](const SPart& part) { return part.tsi == 0 || part.toi % 2 == 0 || part.part != 1; };
+         b.Edit("</RS>", "<LS tsi='30'/></RS>");
+         b.more = [](unsigned second, CCapture& capture) {
+             capture.AddSession(packets::Lct({second + 1, 0, -1, false, 30, 0x10A0}, "repair"), 7001);
+         };
+     },
+     {"objects-incomplete"}},
+    {"signalling stays away",
+     [](SBroadcast& b) {
+         b.keep = [](const SPart& part) { return part.tsi != 0 || part.second < 2 || part.second > 6; };
+     },
+     {"signalling-interval"}},
+    {"for 5 s",
+     [](SBroadcast& b) {
+         b.keep = [](const SPart& part) { return part.tsi != 0 || part.second < 2 || part.second > 5; };
+     },
+     {}},
+    {"at the end",
+     [](SBroadcast& b) { b.keep = [](const SPart& part) { return part.tsi != 0 || part.second < 6; }; },
+     {"signalling-interval"}},
+    {"a rate that is not the MPD's", [](SBroadcast& b) { b.Edit("'9000'", "'39000'"); }, {"rate-unlike-mpd"}},
+    {"a fifth of it", [](SBroadcast& b) { b.Edit("'9000'", "'38000'"); }, {}},
+    {"too short for it",
+     [](SBroadcast& b) {
+         b.Edit("'9000'", "'39000'");
+         b.seconds = 10;
+     },
+     {}},
+};
+
+TEST(DeliveryRules, EachHasItsBreachAndItsNearMiss)
+{
+    ExpectBroken(k_delivery);
+}
+
+TEST(DeliveryRules, NamesOfSessionsFlowsAndObjects)
+{
+    SBroadcast broadcast;
+    broadcast.Edit("audio-$TOI$", "audio-$TOI%03d$");
+    broadcast.keep = [](const SPart& part) {
+        return (part.toi != 4 && part.toi != 99) || part.part != 1 || !IsAudio(part);
+    };
+    broadcast.more = [](unsigned, CCapture& capture) { capture.AddSession("?", 7005); };
+    EXPECT_EQ(broadcast.Broken(), TRules({"objects-incomplete", "unsignalled-traffic"}));
+    for (const nlohmann::json& line : broadcast.lines) {
+        if (line["type"] == "delivery" && line.value("session", "") == "239.255.7.1:7001") {
+            EXPECT_EQ(line["serviceIds"], nlohmann::json({1}));
+            EXPECT_EQ(line["flows"][1]["carries"], "video, representation v");
+            EXPECT_EQ(line["flows"][2]["serviceIds"], nlohmann::json({1}));
+            EXPECT_EQ(line["flows"][2]["objects"]["firstIncomplete"][0]["name"], "audio-004.m4s") << line;
+        } else if (line["type"] == "delivery" && line.value("session", "") == "239.255.7.1:7005") {
+            EXPECT_EQ(line["named"], false);
+        }
+    }
+}
+
+TEST(DeliveryRules, OfManySessionsThatNothingNamesTheFirst)
+{
+    SBroadcast broadcast;
+    broadcast.more = [](unsigned, CCapture& capture) {
+        for (unsigned port = 8000; port < 8020; ++port) {
+            capture.AddSession("?", port);
+        }
+    };
+    broadcast.Broken();
+    std::vector<std::string> messages;
+    for (const nlohmann::json& line : broadcast.lines) {
+        if (line["type"] == "finding") {
+            messages.push_back(line["message"]);
+        }
+    }
+    ASSERT_EQ(messages.size(), 17u);
+    EXPECT_EQ(messages.back(), "nothing names 4 more sessions either, of 48 packets and 48 bytes");
+}
+
+}  // namespace

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "judge/Facts.h"
+#include "model/Items.h"
+
+namespace vyr::inspect {
+
+struct SAssetFacts {
+    std::string id;
+    std::string type;  ///< "hev1"
+    /// Destination ("239.255.8.1:30200"; empty: the session of the MP table) and packet_id.
+    std::vector<std::pair<std::string, std::uint64_t>> places;
+};
+
+struct SMpTableFacts {
+    std::string package;
+    unsigned tableId = 0;  ///< 32: the complete table
+    std::vector<SAssetFacts> assets;
+    SSource source;
+};
+
+struct SMmtUsbdFacts {
+    std::optional<unsigned> serviceId;
+    std::string globalServiceId;
+    std::string package;
+    std::vector<std::string> components;  ///< asset ids
+    bool route = false;                   ///< something of the service comes by ROUTE
+    bool whole = true;
+    SSource source;
+};
+
+/// The signalling by MMTP that one session has now.
+struct SMmtFacts {
+    std::vector<unsigned> announced;  ///< services that the service lists have at the session
+    std::map<std::string, std::vector<SMpTableFacts>> mpTables;  ///< of each message that has any, by its key
+    std::map<std::string, SMmtUsbdFacts> usbds;
+    SArrivals messages;
+    std::size_t entries = 0;  ///< assets and components
+    bool whole = true;        ///< false: messages, or something of them, were left out
+
+    /// Calls `visit` with each MP table.
+    template <class TVisit>
+    void EachTable(TVisit visit) const
+    {
+        for (const auto& [key, tables] : mpTables) {
+            for (const SMpTableFacts& table : tables) {
+                visit(table);
+            }
+        }
+    }
+};
+
+/// Takes what the message says in place of what the one that it replaces said.
+void HoldMessage(std::map<std::string, SMmtFacts>& sessions, const SMessage& message);
+
+}  // namespace vyr::inspect
