@@ -42,9 +42,9 @@ std::size_t Cost(const std::vector<std::string>& texts)
 
 std::size_t Cost(const SProgramme& programme)
 {
-    return sizeof programme + programme.contentId.size() + programme.missingContent.size() + Cost(programme.titles) + Cost(programme.descriptions) +
-           Cost(programme.genres) + Cost(programme.ratings) + Cost(programme.audioLanguages) +
-           Cost(programme.textLanguages);
+    return sizeof programme + programme.contentId.size() + programme.missingContent.size() + Cost(programme.titles) +
+           Cost(programme.descriptions) + Cost(programme.genres) + Cost(programme.ratings) +
+           Cost(programme.audioLanguages) + Cost(programme.textLanguages);
 }
 
 std::size_t Cost(const SGuideService& service)
