@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "base/Text.h"
+#include "judge/Lists.h"
 #include "judge/Rules.h"
 #include "model/Guide.h"
 
@@ -94,7 +95,6 @@ class CGuideRules : public CRules {
         }
     }
     bool m_CameWhole(const SDelivery* delivery) const;
-    bool m_ListsWhole() const;
     const SSltService* m_Listed(const SGuideService& service) const;
     void m_Unknown(const SGuideService& service);
     void m_Programmes(const SGuideService& service);
@@ -144,21 +144,6 @@ bool CGuideRules::m_CameWhole(const SDelivery* delivery) const
         }
     }
     return true;
-}
-
-/// Whether the service lists of all groups came, with everything that tells their services from others.
-bool CGuideRules::m_ListsWhole() const
-{
-    std::map<std::string, std::size_t> groups;
-    for (const auto& [key, list] : t_evidence.lists) {
-        ++groups[key.first];
-    }
-    return !groups.empty() && std::all_of(t_evidence.lists.begin(), t_evidence.lists.end(), [&](const auto& entry) {
-        const SListFacts& list = entry.second;
-        const auto unread = [](const SSltService& service) { return !service.notListed.empty(); };
-        return list.whole && groups[entry.first.first] > list.header.groupCountMinus1 &&
-               std::none_of(list.services.begin(), list.services.end(), unread);
-    });
 }
 
 const SSltService* CGuideRules::m_Listed(const SGuideService& service) const
@@ -273,7 +258,7 @@ void CGuideRules::Finish(const SDelivery* delivery)
         m_now = t_evidence.first->seconds;
         m_end = t_evidence.last->seconds;
     }
-    const bool lists = m_ListsWhole();
+    const bool lists = ListsWhole(t_evidence);
     for (const SGuideService& service : m_guide.services) {
         if (lists) {
             m_Unknown(service);

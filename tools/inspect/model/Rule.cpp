@@ -12,6 +12,7 @@ constexpr char k_input[] = "The input";
 constexpr char k_lls[] = "LLS tables";
 constexpr char k_list[] = "The service list";
 constexpr char k_time[] = "Time";
+constexpr char k_alerts[] = "Alerts";
 constexpr char k_signalling[] = "Signalling of services";
 constexpr char k_signatures[] = "Certificates and signatures";
 constexpr char k_guide[] = "The service guide";
@@ -122,6 +123,19 @@ const std::array<SRule, k_rules> k_ruleTable = {{
      "Give the offset of the zone, as a duration such as -PT5H.", "ATSC A/331 6.4"},
     {ERule::DAYLIGHT_SAVING, k_time, "daylight-saving", k_warning, "The receiver shows a wrong time of day.",
      "Change utcLocalOffset and dsStatus together.", "ATSC A/331 6.4"},
+
+    {ERule::ALERT_EXPIRED, k_alerts, "alert-expired", k_warning,
+     "Receivers that do not look at the time go on showing an alert that is over.",
+     "Take the alert out of the table when it expires, or give it a later time.", "ATSC A/331 6.5"},
+    {ERule::ALERT_MEDIA_MISSING, k_alerts, "alert-media-missing", k_warning,
+     "The alert shows without its picture, sound or text.",
+     "Send the file in a session whose files an S-TSID names, or mend the url.", "ATSC A/331 6.5"},
+    {ERule::ALERT_WITHOUT_WAKEUP, k_alerts, "alert-without-wakeup", k_note,
+     "Receivers in standby stay dark at an alert of the highest priority.",
+     "Set wakeup, unless it is meant not to wake people.", "ATSC A/331 6.5"},
+    {ERule::ALERT_REFERENCE_UNKNOWN, k_alerts, "alert-reference-unknown", k_note,
+     "Receivers that missed the first alert do not know what is updated or cancelled.",
+     "Nothing, if the alert was sent before the capture; else name an alert that was sent.", "ATSC A/331 6.5"},
 
     {ERule::NO_SIGNALLING, k_signalling, "no-signalling", k_error, "The channel is listed and shows nothing.",
      "Send the signalling of the service to the address that the service list gives.", "ATSC A/331 7"},

@@ -61,6 +61,11 @@ enum class ERule {
     TAI_OFFSET,
     UTC_OFFSET,
     DAYLIGHT_SAVING,
+    // alerts
+    ALERT_EXPIRED,
+    ALERT_MEDIA_MISSING,
+    ALERT_WITHOUT_WAKEUP,
+    ALERT_REFERENCE_UNKNOWN,
     // signalling
     NO_SIGNALLING,
     NO_SESSIONS,
