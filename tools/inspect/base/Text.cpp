@@ -195,6 +195,43 @@ std::string Short(const std::string& text)
     return text;
 }
 
+std::optional<std::int64_t> ReadInstant(const std::string& text)
+{
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int length = 0;
+    if (std::sscanf(text.c_str(), "%4d-%2d-%2dT%2d:%2d:%2d%n", &year, &month, &day, &hour, &minute, &second, &length) !=
+            6 ||
+        year < 1 || month < 1 || month > 12 || day < 1 || day > 31 || hour < 0 || hour > 24 || minute < 0 ||
+        minute > 59 || second < 0 || second > 60) {
+        return std::nullopt;
+    }
+    std::string zone = text.substr(static_cast<std::size_t>(length));
+    if (!zone.empty() && zone[0] == '.') {
+        zone.erase(0, std::min(zone.find_first_not_of("0123456789", 1), zone.size()));
+    }
+    int zoneHour = 0;
+    int zoneMinute = 0;
+    int zoneLength = 0;
+    const bool offset = !zone.empty() && (zone[0] == '+' || zone[0] == '-') &&
+                        std::sscanf(zone.c_str() + 1, "%2d:%2d%n", &zoneHour, &zoneMinute, &zoneLength) == 2 &&
+                        zone.size() == static_cast<std::size_t>(zoneLength) + 1;
+    if (!offset && zone != "Z") {
+        return std::nullopt;
+    }
+    constexpr int k_toMarchOfYear0 = 719469;  // days from there to the first day of 1970, and one
+    const int fromMarch = (month + 9) % 12;
+    const int since = year - (month < 3 ? 1 : 0);
+    const int days =
+        365 * since + since / 4 - since / 100 + since / 400 + (153 * fromMarch + 2) / 5 + day - k_toMarchOfYear0;
+    const int east = (zone[0] == '-' ? -60 : 60) * (60 * zoneHour + zoneMinute);
+    return std::int64_t{86400} * days + 3600 * hour + 60 * minute + second - east;
+}
+
 std::int64_t NtpSeconds(std::uint32_t ntp)
 {
     constexpr std::int64_t k_from1900To1970 = 2208988800;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,6 +50,9 @@ std::string InstantText(std::int64_t seconds, std::int32_t nanoseconds, int digi
 /// Seconds since 1970 likewise, to the microsecond and without a fraction that is 0; as a number when they are no date
 /// of four digits.
 std::string EpochText(double seconds);
+/// Seconds since 1970 of an xs:dateTime with its zone, "2026-11-21T02:02:23.5-05:00", fractions cut; none: it is not
+/// one, or gives no zone.
+std::optional<std::int64_t> ReadInstant(const std::string& text);
 /// Seconds since 1970 of NTP seconds, which begin anew in 2036: those below 2^31 are of that era.
 std::int64_t NtpSeconds(std::uint32_t ntp);
 /// A number to the sixth decimal, without needless digits: "2", "2.5".

@@ -153,6 +153,8 @@ SGuideFragment GuideFragment(unsigned type, const CESGFragmentBase& fragment)
     const auto base = [&held](const SESGFragment& state) {
         held.id = Text(state.id);
         held.version = state.version;
+        held.validFrom = FromNtp(state.validFrom);
+        held.validTo = FromNtp(state.validTo);
     };
     if (type == 1) {
         const TService& state = *static_cast<const CESGServiceFragment&>(fragment).State();

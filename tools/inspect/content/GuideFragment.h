@@ -27,6 +27,8 @@ struct SGuideFragment {
     unsigned type = 0;  ///< 1: service, 2: content, 3: schedule
     std::string id;
     unsigned version = 0;
+    std::optional<std::int64_t> validFrom;
+    std::optional<std::int64_t> validTo;
     std::string serviceId;                    ///< of the service fragment that a content or schedule names
     SGuideService service;                    ///< of a service
     SProgramme programme;                     ///< of a content

@@ -42,9 +42,9 @@ std::size_t Cost(const std::vector<std::string>& texts)
 
 std::size_t Cost(const SProgramme& programme)
 {
-    return sizeof programme + programme.contentId.size() + Cost(programme.titles) + Cost(programme.descriptions) +
-           Cost(programme.genres) + Cost(programme.ratings) + Cost(programme.audioLanguages) +
-           Cost(programme.textLanguages);
+    return sizeof programme + programme.contentId.size() + programme.missingContent.size() + Cost(programme.titles) +
+           Cost(programme.descriptions) + Cost(programme.genres) + Cost(programme.ratings) +
+           Cost(programme.audioLanguages) + Cost(programme.textLanguages);
 }
 
 std::size_t Cost(const SGuideService& service)
@@ -86,6 +86,7 @@ class CGuideFollower::CJoin {
         m_Sort();
         m_Cut();
         guide.fragments = follower.m_fragments.size();
+        guide.whole = !follower.m_toldFull && leftOut == 0;
         guide.missingContents = m_missingContents.size();
         guide.missingServices = m_missingServices.size();
     }
@@ -102,6 +103,7 @@ class CGuideFollower::CJoin {
     {
         m_index[fragment.id] = guide.services.size();
         SGuideService& service = guide.services.emplace_back(fragment.service);
+        service.validTo = fragment.validTo;
         m_cost += vyr::inspect::Cost(service);
         const auto entry = m_listed.find(service.globalServiceId);
         if (entry == m_listed.end()) {
@@ -130,7 +132,8 @@ class CGuideFollower::CJoin {
         return guide.services[entry->second];
     }
 
-    void m_Add(SGuideService& service, const SProgramme& programme, const SGuideWindow& window)
+    void m_Add(SGuideService& service, const SProgramme& programme, const SGuideWindow& window,
+               const std::vector<const SGuideFragment*>& fragments)
     {
         m_cost += vyr::inspect::Cost(programme);
         if (m_cost > m_limit) {
@@ -141,23 +144,31 @@ class CGuideFollower::CJoin {
         SProgramme& added = service.programmes.emplace_back(programme);
         added.start = window.start;
         added.end = window.end;
+        for (const SGuideFragment* fragment : fragments) {
+            const auto& [from, to] = std::tie(fragment->validFrom, fragment->validTo);
+            added.validFrom = from && (!added.validFrom || *added.validFrom < *from) ? from : added.validFrom;
+            added.validTo = to && (!added.validTo || *to < *added.validTo) ? to : added.validTo;
+        }
     }
 
     void m_Schedules()
     {
-        static const SProgramme k_unknown;
         for (const SGuideFragment* schedule : m_schedules) {
             SGuideService& service = m_ServiceOf(*schedule);
             for (const SGuideReference& reference : schedule->references) {
                 const auto content = m_contents.find(reference.contentId);
                 const bool known = content != m_contents.end();
+                SProgramme unknown;
+                unknown.missingContent = reference.contentId;
+                std::vector<const SGuideFragment*> fragments = {schedule};
                 if (known) {
                     m_scheduled.insert(content->first);
+                    fragments.push_back(content->second);
                 } else if (!reference.contentId.empty()) {
                     m_missingContents.insert(reference.contentId);
                 }
                 for (const SGuideWindow& window : reference.windows) {
-                    m_Add(service, known ? content->second->programme : k_unknown, window);
+                    m_Add(service, known ? content->second->programme : unknown, window, fragments);
                 }
             }
         }
@@ -168,7 +179,7 @@ class CGuideFollower::CJoin {
         for (const auto& [id, content] : m_contents) {
             if (m_scheduled.count(id) == 0) {
                 ++guide.unscheduledContents;
-                m_Add(m_ServiceOf(*content), content->programme, {});
+                m_Add(m_ServiceOf(*content), content->programme, {}, {content});
             }
         }
     }
@@ -422,14 +433,9 @@ void CGuideFollower::Finish(const std::string& file, bool capture)
     counts.fragments += m_fragments.size();
     counts.services += m_shownServices;
     counts.programmes += m_shownProgrammes;
-    const auto missing = [](std::size_t count, const char* what) {
-        return count != 0 ? Counted(count, what) : std::string();
-    };
-    if (capture && m_shown.missingContents + m_shown.missingServices != 0) {
+    if (capture && m_shown.missingServices != 0) {
         m_Finding(ERule::GUIDE_INCOMPLETE,
-                  "the guide names what did not come: " + Joined({missing(m_shown.missingContents, "content"),
-                                                                  missing(m_shown.missingServices, "service")}),
-                  {}, source);
+                  "the guide names what did not come: " + Counted(m_shown.missingServices, "service"), {}, source);
     }
 }
 

@@ -40,5 +40,7 @@ std::unique_ptr<CRules> TimeRules(const SEvidence& evidence, CFindings& findings
 std::unique_ptr<CRules> SignallingRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
 std::unique_ptr<CRules> DeliveryRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
 std::unique_ptr<CRules> MmtRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
+std::unique_ptr<CRules> AlertRules(const SEvidence& evidence, CFindings& findings);
+std::unique_ptr<CRules> GuideRules(const SEvidence& evidence, CFindings& findings);
 
 }  // namespace vyr::inspect

@@ -20,6 +20,9 @@ struct SProgramme {
     std::string contentId;              ///< id of the content fragment; empty: the schedule names none that came
     std::optional<std::int64_t> start;  ///< seconds since 1970, UTC; absent: no schedule gives it a time
     std::optional<std::int64_t> end;
+    std::optional<std::int64_t> validFrom;  ///< of the fragments that it is of, the latest
+    std::optional<std::int64_t> validTo;    ///< of those, the earliest
+    std::string missingContent;             ///< id of the content that its schedule names, and that did not come
     std::vector<SGuideText> titles;
     std::vector<SGuideText> descriptions;
     std::vector<std::string> genres;
@@ -35,6 +38,7 @@ struct SGuideService {
     std::optional<unsigned> serviceId;  ///< of the service list, where the two can be joined
     std::optional<int> majorChannelNo;
     std::optional<int> minorChannelNo;
+    std::optional<std::int64_t> validTo;
     std::vector<SGuideText> names;
     std::vector<SGuideText> descriptions;
     std::vector<std::string> genres;
@@ -51,6 +55,7 @@ struct SGuide {
     std::size_t unscheduledContents = 0;  ///< content fragments that no schedule names
     std::size_t missingContents = 0;      ///< that schedules name, and that did not come
     std::size_t missingServices = 0;      ///< that schedules and contents name, and that did not come
+    bool whole = true;                    ///< false: fragments or programmes were too many, and let go
 };
 
 /// What carries fragments of the guide, or announces them.

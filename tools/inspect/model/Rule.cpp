@@ -12,6 +12,7 @@ constexpr char k_input[] = "The input";
 constexpr char k_lls[] = "LLS tables";
 constexpr char k_list[] = "The service list";
 constexpr char k_time[] = "Time";
+constexpr char k_alerts[] = "Alerts";
 constexpr char k_signalling[] = "Signalling of services";
 constexpr char k_delivery[] = "What is on the air";
 constexpr char k_mmt[] = "MMT";
@@ -124,6 +125,19 @@ const std::array<SRule, k_rules> k_ruleTable = {{
      "Give the offset of the zone, as a duration such as -PT5H.", "ATSC A/331 6.4"},
     {ERule::DAYLIGHT_SAVING, k_time, "daylight-saving", k_warning, "The receiver shows a wrong time of day.",
      "Change utcLocalOffset and dsStatus together.", "ATSC A/331 6.4"},
+
+    {ERule::ALERT_EXPIRED, k_alerts, "alert-expired", k_warning,
+     "Receivers that do not look at the time go on showing an alert that is over.",
+     "Take the alert out of the table when it expires, or give it a later time.", "ATSC A/331 6.5"},
+    {ERule::ALERT_MEDIA_MISSING, k_alerts, "alert-media-missing", k_warning,
+     "The alert shows without its picture, sound or text.",
+     "Send the file in a session whose files an S-TSID names, or mend the url.", "ATSC A/331 6.5"},
+    {ERule::ALERT_WITHOUT_WAKEUP, k_alerts, "alert-without-wakeup", k_note,
+     "Receivers in standby stay dark at an alert of the highest priority.",
+     "Set wakeup, unless it is meant not to wake people.", "ATSC A/331 6.5"},
+    {ERule::ALERT_REFERENCE_UNKNOWN, k_alerts, "alert-reference-unknown", k_note,
+     "Receivers that missed the first alert do not know what is updated or cancelled.",
+     "Nothing, if the alert was sent before the capture; else name an alert that was sent.", "ATSC A/331 6.5"},
 
     {ERule::NO_SIGNALLING, k_signalling, "no-signalling", k_error, "The channel is listed and shows nothing.",
      "Send the signalling of the service to the address that the service list gives.", "ATSC A/331 7"},
@@ -253,6 +267,26 @@ const std::array<SRule, k_rules> k_ruleTable = {{
      "Send the guide's sessions and fragments that the message names.", "ATSC A/332"},
     {ERule::GUIDE_TOO_LARGE, k_guide, "guide-too-large", k_error, "Receivers run out of room for the guide as well.",
      "Announce fewer fragments.", ""},
+    {ERule::GUIDE_WITHOUT_CONTENT, k_guide, "guide-without-content", k_error,
+     "The programme has a time, and neither title nor description.",
+     "Send the content fragments that the schedules name.", "ATSC A/332"},
+    {ERule::GUIDE_EXPIRED, k_guide, "guide-expired", k_warning,
+     "Receivers drop the fragments: their programmes are missing from the guide.",
+     "Send fragments whose validTo is still to come, or leave the old ones out.", "ATSC A/332"},
+    {ERule::GUIDE_OVERLAP, k_guide, "guide-overlap", k_warning,
+     "The guide shows two programmes for one time, or one of them not at all.",
+     "Mend the presentation windows, or send no more of the schedule that is replaced.", ""},
+    {ERule::GUIDE_HOLE, k_guide, "guide-hole", k_note, "The guide shows nothing for the time.",
+     "Give a programme for every time, a filler at least.", ""},
+    {ERule::GUIDE_ENDS_SOON, k_guide, "guide-ends-soon", k_note, "People see no programme of tomorrow.",
+     "Send schedules for a day ahead at least.", ""},
+    {ERule::GUIDE_TITLE_LANGUAGE, k_guide, "guide-title-language", k_note,
+     "People who watch in the service's language see no title, or one in another language.",
+     "Give the title in the first language of the service's name.", ""},
+    {ERule::GUIDE_SERVICE_UNKNOWN, k_guide, "guide-service-unknown", k_note,
+     "The programmes stand at no channel that receivers know.",
+     "Nothing, if the service is of another broadcast; else give it the globalServiceID of the service list.",
+     "ATSC A/332"},
 }};
 
 std::optional<ERule> FindRule(const std::string& name)

@@ -61,6 +61,11 @@ enum class ERule {
     TAI_OFFSET,
     UTC_OFFSET,
     DAYLIGHT_SAVING,
+    // alerts
+    ALERT_EXPIRED,
+    ALERT_MEDIA_MISSING,
+    ALERT_WITHOUT_WAKEUP,
+    ALERT_REFERENCE_UNKNOWN,
     // signalling
     NO_SIGNALLING,
     NO_SESSIONS,
@@ -112,6 +117,13 @@ enum class ERule {
     GUIDE_NOT_PARSED,
     GUIDE_INCOMPLETE,
     GUIDE_TOO_LARGE,
+    GUIDE_WITHOUT_CONTENT,
+    GUIDE_EXPIRED,
+    GUIDE_OVERLAP,
+    GUIDE_HOLE,
+    GUIDE_ENDS_SOON,
+    GUIDE_TITLE_LANGUAGE,
+    GUIDE_SERVICE_UNKNOWN,
     COUNT
 };
 constexpr std::size_t k_rules = static_cast<std::size_t>(ERule::COUNT);
