@@ -109,11 +109,12 @@ TRow Row(std::string name, std::string protocol, const STraffic& traffic, std::s
             std::move(objects)};
 }
 
-TRow FlowRow(const SFlowDelivery& flow, bool silent, const SDelivery& delivery)
+/// The services of the session need not be said again.
+TRow FlowRow(const SFlowDelivery& flow, const SSessionDelivery& session, bool silent, const SDelivery& delivery)
 {
     constexpr const char* k_payloads[] = {"MPUs", "generic objects", "signalling", "repair symbols"};
     CParts carries;
-    carries.Add(ServicesText(flow.services));
+    carries.Add(flow.services != session.services ? ServicesText(flow.services) : std::string());
     carries.Add(Short(Printable(flow.carries)));
     if (flow.carries.empty() && flow.payloadType.value_or(std::size(k_payloads)) < std::size(k_payloads)) {
         carries.Add(k_payloads[*flow.payloadType]);
@@ -202,7 +203,7 @@ SDeliveryRows DeliveryRows(const SDelivery& delivery, std::size_t most)
         add(SessionRow(sessions[i], showSource, delivery), false);
         const bool silent = !SilenceText(sessions[i].traffic, delivery).empty();
         for (const SFlowDelivery& flow : sessions[i].flows) {
-            add(FlowRow(flow, silent, delivery), true);
+            add(FlowRow(flow, session, silent, delivery), true);
         }
     }
     if (delivery.others.packets != 0) {
