@@ -333,14 +333,14 @@ void CDeliveryRules::m_Objects(const SSessionDelivery& session, const SFlowDeliv
                                     " bytes came"
                               : "");
     }
-    t_findings.Tell(
-        share >= k_many && objects.incomplete > 1 && !repair ? ERule::MANY_OBJECTS_INCOMPLETE
-                                                             : ERule::OBJECTS_INCOMPLETE,
-        "TSI " + std::to_string(flow.id) + " of " + SessionText(session) +
-            (flow.carries.empty() ? "" : " (" + Printable(flow.carries) + ')') + ": " + Percent(share) + ", " +
-            std::to_string(objects.incomplete) + " of " + Counted(objects.incomplete + objects.whole, "object") +
-            ", incomplete" + (repair ? ", before repair" : "") + names,
-        flow.services.empty() ? std::nullopt : std::optional<unsigned>(flow.services.front()), SessionText(session));
+    t_findings.Tell(share >= k_many && objects.incomplete > 1 && !repair ? ERule::MANY_OBJECTS_INCOMPLETE
+                                                                         : ERule::OBJECTS_INCOMPLETE,
+                    "TSI " + std::to_string(flow.id) + " of " + SessionText(session) +
+                        (flow.carries.empty() ? "" : " (" + Printable(flow.carries) + ')') + ": " + Percent(share) +
+                        ", " + std::to_string(objects.incomplete) + " of " +
+                        Counted(objects.incomplete + objects.whole, "object") + ", incomplete" +
+                        (repair ? ", before repair" : "") + names,
+                    FirstService(session, flow), SessionText(session));
 }
 
 /// TSIs without name on addresses that S-TSIDs have, while these hold.

@@ -81,12 +81,13 @@ using TPlaces = std::map<std::pair<std::string, std::uint64_t>, std::vector<SFlo
 
 void NameAssets(const std::string& session, const SMmtFacts& facts, const TPlaces& places)
 {
+    static const std::vector<SFlowDelivery*> k_none;
     facts.EachTable([&](const SMpTableFacts& table) {
         for (const SAssetFacts& asset : table.assets) {
             for (const auto& [destination, packetId] : asset.places) {
                 const auto flows = places.find({destination.empty() ? session : destination, packetId});
-                for (SFlowDelivery* flow : flows != places.end() ? flows->second : std::vector<SFlowDelivery*>()) {
-                    NameFlow(*flow, facts.announced, "asset " + asset.id);
+                for (SFlowDelivery* flow : flows != places.end() ? flows->second : k_none) {
+                    NameFlow(*flow, facts.announced, Joined({asset.type, asset.id.empty() ? "" : "asset " + asset.id}));
                 }
             }
         }
@@ -199,14 +200,26 @@ std::string SessionText(const SSessionDelivery& session)
     return EndpointText(session.destination, session.port);
 }
 
+std::optional<unsigned> FirstService(const SSessionDelivery& session, const SFlowDelivery& flow)
+{
+    const std::vector<unsigned>& services = flow.services.empty() ? session.services : flow.services;
+    return services.empty() ? std::nullopt : std::optional<unsigned>(services.front());
+}
+
 void NameDelivery(const SEvidence& evidence, SDelivery& delivery)
 {
-    std::map<std::string, std::vector<unsigned>> destinations;
+    using TDestinations = std::map<std::string, std::vector<unsigned>>;
+    std::map<EDeliveryProtocol, TDestinations> announced;
     for (const auto& [key, lct] : LctSessions(evidence, delivery)) {
         for (const SLctSession::SAnnouncement& one : lct.by) {
-            AddServices(destinations[std::get<0>(key)], ServicesOf(*one.package));
+            AddServices(announced[EDeliveryProtocol::ROUTE][std::get<0>(key)], ServicesOf(*one.package));
         }
         NameLct(lct, delivery);
+    }
+    for (const auto& [session, facts] : evidence.mmt) {
+        for (const std::string& destination : facts.destinations) {
+            AddServices(announced[EDeliveryProtocol::MMTP][destination], facts.announced);
+        }
     }
     std::set<TLctKey> earlier;
     for (const auto& [key, package] : evidence.packages) {
@@ -215,11 +228,13 @@ void NameDelivery(const SEvidence& evidence, SDelivery& delivery)
     TPlaces places;
     for (SSessionDelivery& session : delivery.sessions) {
         const std::string destination = SessionText(session);
-        const auto announced = destinations.find(destination);
-        if (announced != destinations.end()) {
-            session.guessed = session.guessed && session.protocol != EDeliveryProtocol::ROUTE;
-            AddServices(session.services, announced->second);
-            session.carries = session.services.empty() && session.carries.empty() ? "announced" : session.carries;
+        for (const auto& [protocol, destinations] : announced) {
+            const auto known = destinations.find(destination);
+            if (known != destinations.end()) {
+                session.guessed = session.guessed && session.protocol != protocol;
+                AddServices(session.services, known->second);
+                session.carries = session.services.empty() && session.carries.empty() ? "announced" : session.carries;
+            }
         }
         for (SFlowDelivery& flow : session.flows) {
             if (session.protocol == EDeliveryProtocol::MMTP) {
