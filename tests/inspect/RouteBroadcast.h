@@ -32,6 +32,7 @@ struct SBroadcast : SJudged {
         "availabilityStartTime='2027-01-15T08:00:00Z'><Period id='1'>" +
         Set("video", "v", "") + Set("audio", "a", "lang='en'") + "</Period></MPD>\n";
     unsigned seconds = 12;
+    unsigned cutTo = 65535;            ///< what is captured of a packet
     unsigned ports[2] = {7001, 7001};  ///< of the LCT sessions
     std::function<bool(const SPart&)> keep = [](const SPart&) { return true; };
     std::function<void(unsigned second, SBroadcast&)> change = [](unsigned, SBroadcast&) {};
@@ -66,7 +67,7 @@ struct SBroadcast : SJudged {
     }
     std::string Bytes() override
     {
-        packets::CCapture capture(1);
+        packets::CCapture capture(1, cutTo);
         std::string package;
         unsigned toi = 0;
         for (unsigned second = 0; second < seconds; ++second) {

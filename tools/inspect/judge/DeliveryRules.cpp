@@ -118,6 +118,9 @@ double CDeliveryRules::m_Since(const SPackageFacts& package) const
 void CDeliveryRules::m_Look(const SDelivery& delivery)
 {
     for (const SSessionDelivery& session : delivery.sessions) {
+        if (session.traffic.packets == 0) {
+            continue;
+        }
         const std::string destination = SessionText(session);
         m_captured.insert(destination);
         if (session.packetsNoFlow != 0 || session.protocol != EDeliveryProtocol::ROUTE) {
@@ -383,7 +386,8 @@ void CDeliveryRules::m_Unsignalled(const SDelivery& delivery)
     std::size_t count = 0;
     STraffic rest;
     for (const SSessionDelivery& session : delivery.sessions) {
-        if (session.Named() || session.destination >> 28 != 0xE || session.destination >> 8 == k_localMulticast) {
+        if (session.Named() || session.traffic.packets == 0 || session.destination >> 28 != 0xE ||
+            session.destination >> 8 == k_localMulticast) {
             continue;
         }
         if (++count > k_mostTold) {

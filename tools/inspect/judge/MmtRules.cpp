@@ -58,6 +58,9 @@ void CMmtRules::m_Look(const SDelivery& delivery)
     std::set<std::string> unclear;
     for (const SSessionDelivery& session : delivery.sessions) {
         const std::string destination = SessionText(session);
+        if (session.traffic.packets == 0) {
+            continue;
+        }
         if (session.protocol != EDeliveryProtocol::MMTP || session.guessed || session.packetsNoFlow != 0) {
             unclear.insert(destination);
             continue;

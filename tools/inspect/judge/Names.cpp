@@ -10,6 +10,7 @@ namespace vyr::inspect {
 namespace {
 
 constexpr std::size_t k_mostServices = 64;  ///< of a session or flow
+constexpr int k_guide = 4;
 constexpr int k_route = 1;
 constexpr int k_mmtp = 2;
 
@@ -108,6 +109,7 @@ bool IsKnown(const SEvidence& evidence, const SSltService& service)
     }
     const std::vector<const SPackageFacts*> packages = evidence.Of(service);
     return service.slsProtocol == k_route && !packages.empty() &&
+           (service.serviceCategory != k_guide || (evidence.guide.came && evidence.guide.whole)) &&
            std::all_of(packages.begin(), packages.end(), [](const SPackageFacts* package) {
                const auto broken = package->broken.find(ESlsDocument::STSID);
                return package->stsid && package->stsid->whole && package->allEarlier &&
@@ -235,6 +237,10 @@ void NameDelivery(const SEvidence& evidence, SDelivery& delivery)
                 AddServices(session.services, known->second);
                 session.carries = session.services.empty() && session.carries.empty() ? "announced" : session.carries;
             }
+        }
+        if (evidence.guide.destinations.count(destination) != 0 && session.services.empty() &&
+            session.carries.empty()) {
+            session.carries = "service guide";
         }
         for (SFlowDelivery& flow : session.flows) {
             if (session.protocol == EDeliveryProtocol::MMTP) {
