@@ -1,3 +1,4 @@
+#include "GuideObjects.h"
 #include "RouteBroadcast.h"
 
 namespace {
@@ -21,12 +22,47 @@ void SendMore(unsigned second, CCapture& capture)
     capture.AddSession(packets::Lct({second + 1, 0, 20, false, 30}, std::string(20, 'x')), 7001);
 }
 
+/// A guide beside the media, whose descriptor names the port; something goes to 7005.
+void Guide(SBroadcast& broadcast, const std::string& port)
+{
+    broadcast.Edit("serviceCategory='1'", "serviceCategory='4'");
+    broadcast.Edit("</RS>",
+                   "<LS tsi='30'><SrcFlow rt='false'><EFDT><FDT-Instance><File TOI='7' Content-Location='g.sgdd' "
+                   "Content-Type='application/vnd.oma.bcast.sgdd+xml'/><File TOI='8' Content-Location='g.sgdu' "
+                   "Content-Type='application/vnd.oma.bcast.sgdu'/></FDT-Instance></EFDT></SrcFlow></LS></RS>");
+    broadcast.more = [port](unsigned, CCapture& capture) {
+        const std::string descriptor =
+            "<ServiceGuideDeliveryDescriptor xmlns='urn:oma:xml:bcast:sg:sgdd:1.0' id='d' version='1'>"
+            "<DescriptorEntry><Transport ipAddress='239.255.7.1' port='" +
+            port + "' transmissionSessionID='1'/></DescriptorEntry></ServiceGuideDeliveryDescriptor>";
+        const std::string unit = guide::Unit({{1, guide::Fragment("Service", "s1", 1)}});
+        capture.AddSession(packets::Lct({7, 0, static_cast<int>(descriptor.size()), false, 30}, descriptor), 7001);
+        capture.AddSession(packets::Lct({8, 0, static_cast<int>(unit.size()), false, 30}, unit), 7001);
+        capture.AddSession("?", 7005);
+    };
+}
+
 /// Each breach with what is near to it and none.
 const std::vector<SBreach> k_delivery = {
     {"sound", [](SBroadcast&) {}, {}},
     {"audio never comes",
      [](SBroadcast& b) { b.keep = [](const SPart& part) { return !IsAudio(part); }; },
      {"session-not-sent"}},
+    {"in a capture that cuts packets",
+     [](SBroadcast& b) {
+         b.cutTo = 2500;
+         b.more = [](unsigned, CCapture& capture) { capture.AddSession(std::string(3000, '?'), 7005); };
+         b.keep = [](const SPart& part) { return !IsAudio(part); };
+     },
+     {"packets-cut"}},
+    {"in one whose clock was set",
+     [](SBroadcast& b) {
+         b.more = [](unsigned second, CCapture& capture) {
+             capture.At(second + (second == 6 ? 3700 : 0), 40000).AddSession("?", 7001);
+         };
+         b.keep = [](const SPart& part) { return !IsAudio(part); };
+     },
+     {"lct-malformed"}},
     {"audio comes once",
      [](SBroadcast& b) { b.keep = [](const SPart& part) { return !IsAudio(part) || part.second == 3; }; },
      {}},
@@ -105,6 +141,8 @@ const std::vector<SBreach> k_delivery = {
     {"a session that nothing names",
      [](SBroadcast& b) { b.more = [](unsigned, CCapture& capture) { capture.AddSession("?", 7005); }; },
      {"unsignalled-traffic"}},
+    {"that the guide's descriptor names", [](SBroadcast& b) { Guide(b, "7005"); }, {}},
+    {"another one than the guide's", [](SBroadcast& b) { Guide(b, "7006"); }, {"unsignalled-traffic"}},
     {"more than it has announced", [](SBroadcast& b) { b.Edit("bw='10'", "bw='7'"); }, {"rate-above-bandwidth"}},
     {"within the margin", [](SBroadcast& b) { b.Edit("bw='10'", "bw='8'"); }, {}},
     {"no bandwidth announced", [](SBroadcast& b) { b.Edit("bw='10'", ""); }, {}},

@@ -1,17 +1,15 @@
 #pragma once
 
-#include <algorithm>
 #include <functional>
 #include <string>
-#include <vector>
 
+#include "Judged.h"
 #include "Packets.h"
-#include "Tool.h"
 
 /// A sound broadcast of one service by ROUTE, to be broken: signalling on 239.255.7.1:7001, in every second of which
 /// once each the service list, the package, and of two LCT sessions an initialization segment and a media segment of
 /// four packets.
-struct SBroadcast {
+struct SBroadcast : SJudged {
     struct SPart {
         unsigned second;
         unsigned tsi;  ///< 10: video, 20: audio
@@ -34,6 +32,7 @@ struct SBroadcast {
         "availabilityStartTime='2027-01-15T08:00:00Z'><Period id='1'>" +
         Set("video", "v", "") + Set("audio", "a", "lang='en'") + "</Period></MPD>\n";
     unsigned seconds = 12;
+    unsigned cutTo = 65535;            ///< what is captured of a packet
     unsigned ports[2] = {7001, 7001};  ///< of the LCT sessions
     std::function<bool(const SPart&)> keep = [](const SPart&) { return true; };
     std::function<void(unsigned second, SBroadcast&)> change = [](unsigned, SBroadcast&) {};
@@ -66,9 +65,9 @@ struct SBroadcast {
         EXPECT_TRUE(found) << from;
         return *this;
     }
-    std::string Bytes()
+    std::string Bytes() override
     {
-        packets::CCapture capture(1);
+        packets::CCapture capture(1, cutTo);
         std::string package;
         unsigned toi = 0;
         for (unsigned second = 0; second < seconds; ++second) {
@@ -87,33 +86,6 @@ struct SBroadcast {
         }
         return capture.Bytes();
     }
-    /// The rules that it does not keep, in order and each once.
-    std::vector<std::string> Broken(const std::string& options = {})
-    {
-        const CTemporary file(Bytes());
-        std::vector<std::string> rules;
-        for (const nlohmann::json& line : Lines(Inspect("--json " + options + ' ' + file.Name()).out)) {
-            if (line["type"] == "finding") {
-                rules.push_back(line["rule"]);
-            }
-            lines.push_back(line);
-        }
-        std::sort(rules.begin(), rules.end());
-        rules.erase(std::unique(rules.begin(), rules.end()), rules.end());
-        return rules;
-    }
-
-    /// The report's findings, a line each.
-    std::string Findings() const
-    {
-        std::string text;
-        for (const nlohmann::json& line : lines) {
-            text += line["type"] == "finding" ? '\n' + line.dump() : "";
-        }
-        return text;
-    }
-
-    std::vector<nlohmann::json> lines;  ///< of the report
 
   private:
     void m_Send(packets::CCapture& capture, SPart part, unsigned port, const std::string& object, unsigned parts) const
@@ -131,17 +103,4 @@ struct SBroadcast {
     }
 };
 
-struct SBreach {
-    const char* what;
-    std::function<void(SBroadcast&)> breach;
-    std::vector<std::string> broken;
-};
-
-inline void ExpectBroken(const std::vector<SBreach>& breaches)
-{
-    for (const SBreach& breach : breaches) {
-        SBroadcast broadcast;
-        breach.breach(broadcast);
-        EXPECT_EQ(broadcast.Broken(), breach.broken) << breach.what << broadcast.Findings();
-    }
-}
+using SBreach = SBreachOf<SBroadcast>;

@@ -118,6 +118,9 @@ double CDeliveryRules::m_Since(const SPackageFacts& package) const
 void CDeliveryRules::m_Look(const SDelivery& delivery)
 {
     for (const SSessionDelivery& session : delivery.sessions) {
+        if (session.traffic.packets == 0) {
+            continue;
+        }
         const std::string destination = SessionText(session);
         m_captured.insert(destination);
         if (session.packetsNoFlow != 0 || session.protocol != EDeliveryProtocol::ROUTE) {
@@ -333,14 +336,14 @@ void CDeliveryRules::m_Objects(const SSessionDelivery& session, const SFlowDeliv
                                     " bytes came"
                               : "");
     }
-    t_findings.Tell(
-        share >= k_many && objects.incomplete > 1 && !repair ? ERule::MANY_OBJECTS_INCOMPLETE
-                                                             : ERule::OBJECTS_INCOMPLETE,
-        "TSI " + std::to_string(flow.id) + " of " + SessionText(session) +
-            (flow.carries.empty() ? "" : " (" + Printable(flow.carries) + ')') + ": " + Percent(share) + ", " +
-            std::to_string(objects.incomplete) + " of " + Counted(objects.incomplete + objects.whole, "object") +
-            ", incomplete" + (repair ? ", before repair" : "") + names,
-        flow.services.empty() ? std::nullopt : std::optional<unsigned>(flow.services.front()), SessionText(session));
+    t_findings.Tell(share >= k_many && objects.incomplete > 1 && !repair ? ERule::MANY_OBJECTS_INCOMPLETE
+                                                                         : ERule::OBJECTS_INCOMPLETE,
+                    "TSI " + std::to_string(flow.id) + " of " + SessionText(session) +
+                        (flow.carries.empty() ? "" : " (" + Printable(flow.carries) + ')') + ": " + Percent(share) +
+                        ", " + std::to_string(objects.incomplete) + " of " +
+                        Counted(objects.incomplete + objects.whole, "object") + ", incomplete" +
+                        (repair ? ", before repair" : "") + names,
+                    FirstService(session, flow), SessionText(session));
 }
 
 /// TSIs without name on addresses that S-TSIDs have, while these hold.
@@ -383,7 +386,8 @@ void CDeliveryRules::m_Unsignalled(const SDelivery& delivery)
     std::size_t count = 0;
     STraffic rest;
     for (const SSessionDelivery& session : delivery.sessions) {
-        if (session.Named() || session.destination >> 28 != 0xE || session.destination >> 8 == k_localMulticast) {
+        if (session.Named() || session.traffic.packets == 0 || session.destination >> 28 != 0xE ||
+            session.destination >> 8 == k_localMulticast) {
             continue;
         }
         if (++count > k_mostTold) {

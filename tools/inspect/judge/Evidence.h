@@ -39,6 +39,7 @@ struct SEvidence {
     std::map<TListKey, SListFacts> lists;
     std::map<std::string, SPackageFacts> packages;  ///< by what tells the documents of one service from others
 
+    SGuideFacts guide;
     std::map<std::string, SMmtFacts> mmt;  ///< by session
 
     /// The packages whose signalling is that of the service.

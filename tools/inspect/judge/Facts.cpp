@@ -206,6 +206,22 @@ SMpdFacts MpdFacts(const TJson& mpd)
     return facts;
 }
 
+void SGuideFacts::Add(const TJson& descriptor)
+{
+    constexpr std::size_t k_most = 256;
+    came = true;
+    whole = Each(descriptor, "DescriptorEntry",
+                 [&](const TJson& entry) {
+                     const TJson& transport = Field(entry, "Transport");
+                     const std::string address = Text(transport, "ipAddress");
+                     whole = whole && destinations.size() < k_most;
+                     if (whole && !address.empty()) {
+                         destinations.insert(address + ':' + std::to_string(Unsigned(transport, "port").value_or(0)));
+                     }
+                 }) &&
+            whole;
+}
+
 std::size_t SUsbdFacts::Bytes() const
 {
     return sizeof *this + globalServiceId.size() + BytesOf(broadcast) + BytesOf(unicast);

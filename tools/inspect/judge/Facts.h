@@ -87,6 +87,15 @@ struct SMpdFacts {
     std::size_t Bytes() const;
 };
 
+/// Where delivery descriptors say that the guide is.
+struct SGuideFacts {
+    bool came = false;                   ///< a delivery descriptor
+    std::set<std::string> destinations;  ///< "239.255.7.1:30100"
+    bool whole = true;
+
+    void Add(const TJson& descriptor);
+};
+
 SUsbdFacts UsbdFacts(const TJson& usbd);
 SStsidFacts StsidFacts(const TJson& stsid);
 SMpdFacts MpdFacts(const TJson& mpd);

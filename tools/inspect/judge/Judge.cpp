@@ -169,6 +169,11 @@ void CJudge::GuideObject(const SGuideObject& object)
     for (const auto& rules : m_rules) {
         rules->GuideObject(object);
     }
+    if (object.content && object.kind == EGuideObject::DELIVERY_DESCRIPTOR) {
+        m_evidence.guide.Add(object.content->json);
+    } else if (!object.content || object.kind == EGuideObject::RESPONSE) {
+        m_evidence.guide.whole = m_evidence.guide.whole && object.status == EStatus::REPEATED;
+    }
 }
 
 void CJudge::Guide(const SGuide& guide)

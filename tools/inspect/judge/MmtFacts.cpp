@@ -10,6 +10,7 @@ namespace {
 constexpr std::size_t k_mostSessions = 1024;
 constexpr std::size_t k_mostMessages = 256;  ///< of a session
 constexpr std::size_t k_mostPlaces = 16;     ///< of an asset
+constexpr std::size_t k_mostDestinations = 256;
 
 // Identifiers of MMT tables, and of where an asset is.
 constexpr std::uint64_t k_firstMpTable = 0x11;
@@ -27,6 +28,7 @@ bool ReadAsset(const TJson& json, SAssetFacts& asset)
                     const std::uint64_t type = Unsigned(location, "location_type").value_or(~0u);
                     const std::optional<std::uint64_t> packetId = Unsigned(location, "packet_id");
                     if (!packetId || type > k_ipv4Session) {
+                        asset.elsewhere = true;
                         return;
                     }
                     whole = whole && asset.places.size() < k_mostPlaces;
@@ -53,6 +55,12 @@ void ReadMpTable(const TJson& json, const SSource& source, std::vector<SMpTableF
                            SAssetFacts asset;
                            const bool fits = facts.entries < k_mostFacts;
                            facts.whole = facts.whole && fits && ReadAsset(assetJson, asset);
+                           for (const auto& [destination, packetId] : asset.places) {
+                               facts.whole = facts.whole && facts.destinations.size() < k_mostDestinations;
+                               if (facts.whole && !destination.empty()) {
+                                   facts.destinations.insert(destination);
+                               }
+                           }
                            if (fits) {
                                table.assets.push_back(std::move(asset));
                                ++facts.entries;
@@ -70,6 +78,7 @@ SMmtUsbdFacts ReadUsbd(const TJson& json, const SSource& source, SMmtFacts& fact
     usbd.globalServiceId = Text(json, "globalServiceID");
     usbd.package = Text(Field(json, "MPUComponent"), "mmtPackageId");
     usbd.route = !Field(json, "ROUTEComponent").is_null();
+    usbd.broadband = !Field(json, "BroadbandComponent").is_null();
     usbd.source = source;
     usbd.whole = Each(json, "ComponentInfo",
                       [&](const TJson& component) {
@@ -112,6 +121,7 @@ void HoldMessage(std::map<std::string, SMmtFacts>& sessions, const SMessage& mes
     }
     Drop(facts, message.key);
     if (!message.content) {
+        facts.whole = facts.whole && !message.supported;
         return;
     }
     const TJson& own = message.content->json;

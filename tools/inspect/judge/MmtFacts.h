@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,10 +15,11 @@
 namespace vyr::inspect {
 
 struct SAssetFacts {
-    std::string id;
+    std::string id;    ///< empty: none that tells it from others
     std::string type;  ///< "hev1"
     /// Destination ("239.255.8.1:30200"; empty: the session of the MP table) and packet_id.
     std::vector<std::pair<std::string, std::uint64_t>> places;
+    bool elsewhere = false;  ///< at places of other kinds, too
 };
 
 struct SMpTableFacts {
@@ -33,6 +35,7 @@ struct SMmtUsbdFacts {
     std::string package;
     std::vector<std::string> components;  ///< asset ids
     bool route = false;                   ///< something of the service comes by ROUTE
+    bool broadband = false;               ///< something of it comes by broadband
     bool whole = true;
     SSource source;
 };
@@ -43,8 +46,9 @@ struct SMmtFacts {
     std::map<std::string, std::vector<SMpTableFacts>> mpTables;  ///< of each message that has any, by its key
     std::map<std::string, SMmtUsbdFacts> usbds;
     SArrivals messages;
-    std::size_t entries = 0;  ///< assets and components
-    bool whole = true;        ///< false: messages, or something of them, were left out
+    std::set<std::string> destinations;  ///< other than the session, that MP tables had
+    std::size_t entries = 0;             ///< assets and components
+    bool whole = true;                   ///< false: messages, or something of them, were left out
 
     /// Calls `visit` with each MP table.
     template <class TVisit>

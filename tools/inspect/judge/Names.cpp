@@ -10,6 +10,7 @@ namespace vyr::inspect {
 namespace {
 
 constexpr std::size_t k_mostServices = 64;  ///< of a session or flow
+constexpr int k_guide = 4;
 constexpr int k_route = 1;
 constexpr int k_mmtp = 2;
 
@@ -81,12 +82,13 @@ using TPlaces = std::map<std::pair<std::string, std::uint64_t>, std::vector<SFlo
 
 void NameAssets(const std::string& session, const SMmtFacts& facts, const TPlaces& places)
 {
+    static const std::vector<SFlowDelivery*> k_none;
     facts.EachTable([&](const SMpTableFacts& table) {
         for (const SAssetFacts& asset : table.assets) {
             for (const auto& [destination, packetId] : asset.places) {
                 const auto flows = places.find({destination.empty() ? session : destination, packetId});
-                for (SFlowDelivery* flow : flows != places.end() ? flows->second : std::vector<SFlowDelivery*>()) {
-                    NameFlow(*flow, facts.announced, "asset " + asset.id);
+                for (SFlowDelivery* flow : flows != places.end() ? flows->second : k_none) {
+                    NameFlow(*flow, facts.announced, Joined({asset.type, asset.id.empty() ? "" : "asset " + asset.id}));
                 }
             }
         }
@@ -107,6 +109,7 @@ bool IsKnown(const SEvidence& evidence, const SSltService& service)
     }
     const std::vector<const SPackageFacts*> packages = evidence.Of(service);
     return service.slsProtocol == k_route && !packages.empty() &&
+           (service.serviceCategory != k_guide || (evidence.guide.came && evidence.guide.whole)) &&
            std::all_of(packages.begin(), packages.end(), [](const SPackageFacts* package) {
                const auto broken = package->broken.find(ESlsDocument::STSID);
                return package->stsid && package->stsid->whole && package->allEarlier &&
@@ -199,14 +202,26 @@ std::string SessionText(const SSessionDelivery& session)
     return EndpointText(session.destination, session.port);
 }
 
+std::optional<unsigned> FirstService(const SSessionDelivery& session, const SFlowDelivery& flow)
+{
+    const std::vector<unsigned>& services = flow.services.empty() ? session.services : flow.services;
+    return services.empty() ? std::nullopt : std::optional<unsigned>(services.front());
+}
+
 void NameDelivery(const SEvidence& evidence, SDelivery& delivery)
 {
-    std::map<std::string, std::vector<unsigned>> destinations;
+    using TDestinations = std::map<std::string, std::vector<unsigned>>;
+    std::map<EDeliveryProtocol, TDestinations> announced;
     for (const auto& [key, lct] : LctSessions(evidence, delivery)) {
         for (const SLctSession::SAnnouncement& one : lct.by) {
-            AddServices(destinations[std::get<0>(key)], ServicesOf(*one.package));
+            AddServices(announced[EDeliveryProtocol::ROUTE][std::get<0>(key)], ServicesOf(*one.package));
         }
         NameLct(lct, delivery);
+    }
+    for (const auto& [session, facts] : evidence.mmt) {
+        for (const std::string& destination : facts.destinations) {
+            AddServices(announced[EDeliveryProtocol::MMTP][destination], facts.announced);
+        }
     }
     std::set<TLctKey> earlier;
     for (const auto& [key, package] : evidence.packages) {
@@ -215,11 +230,17 @@ void NameDelivery(const SEvidence& evidence, SDelivery& delivery)
     TPlaces places;
     for (SSessionDelivery& session : delivery.sessions) {
         const std::string destination = SessionText(session);
-        const auto announced = destinations.find(destination);
-        if (announced != destinations.end()) {
-            session.guessed = session.guessed && session.protocol != EDeliveryProtocol::ROUTE;
-            AddServices(session.services, announced->second);
-            session.carries = session.services.empty() && session.carries.empty() ? "announced" : session.carries;
+        for (const auto& [protocol, destinations] : announced) {
+            const auto known = destinations.find(destination);
+            if (known != destinations.end()) {
+                session.guessed = session.guessed && session.protocol != protocol;
+                AddServices(session.services, known->second);
+                session.carries = session.services.empty() && session.carries.empty() ? "announced" : session.carries;
+            }
+        }
+        if (evidence.guide.destinations.count(destination) != 0 && session.services.empty() &&
+            session.carries.empty()) {
+            session.carries = "service guide";
         }
         for (SFlowDelivery& flow : session.flows) {
             if (session.protocol == EDeliveryProtocol::MMTP) {

@@ -35,6 +35,9 @@ std::string OfRepresentation(const std::string& text, const std::string& id);
 /// "239.255.7.1:30100".
 std::string SessionText(const SSessionDelivery& session);
 
+/// A service of the flow, or of the session.
+std::optional<unsigned> FirstService(const SSessionDelivery& session, const SFlowDelivery& flow);
+
 /// Says in `delivery` what the signalling calls its sessions, flows and objects.
 void NameDelivery(const SEvidence& evidence, SDelivery& delivery);
 

@@ -1,0 +1,211 @@
+#include "Judged.h"
+#include "MmtCaptures.h"
+
+namespace {
+
+using packets::CCapture;
+
+struct SAsset {
+    std::string id;
+    std::string type;
+    unsigned packetId;
+    unsigned port = 0;  ///< of 239.255.7.1, other than the session's
+};
+
+/// A sound broadcast of one service by MMTP on 239.255.7.1:6001: in every second the service list, USBD, MP table and
+/// four packets of each of two assets.
+struct SMmtBroadcast : SJudged {
+    std::string services =
+        "<Service serviceId='1' globalServiceID='urn:g' serviceCategory='1' majorChannelNo='5' minorChannelNo='1' "
+        "shortServiceName='One'><BroadcastSvcSignaling slsProtocol='2' slsDestinationIpAddress='239.255.7.1' "
+        "slsDestinationUdpPort='6001'/></Service>";
+    std::string usbd =
+        "<BundleDescriptionMMT><UserServiceDescription globalServiceID='urn:g' serviceId='1'>"
+        "<MPUComponent mmtPackageId='pkg'/><ComponentInfo componentType='1' componentRole='0' "
+        "componentProtectedFlag='false' componentId='v'/>"
+        "<ComponentInfo componentType='0' componentRole='0' componentProtectedFlag='false' "
+        "componentId='a'/></UserServiceDescription>"
+        "</BundleDescriptionMMT>";
+    std::string package = "pkg";
+    std::vector<SAsset> assets = {{"v", "hev1", 10}, {"a", "mp4a", 20}};
+    unsigned tables = 1;
+    char version = 7;                  ///< of their messages
+    unsigned ports[2] = {6001, 6001};  ///< that the packets of the assets go to
+    unsigned seconds = 12;
+    std::function<bool(unsigned packetId, unsigned sequence)> keep = [](unsigned, unsigned) { return true; };
+    std::function<void(unsigned second, SMmtBroadcast&)> change = [](unsigned, SMmtBroadcast&) {};
+    bool repair = false;
+
+    std::string MpTable() const
+    {
+        CMmtBuilder b;
+        b.Put(8, 0xFC).Open(8).Put(package).Close().Put(16, 0).Put(8, assets.size());
+        for (const SAsset& asset : assets) {
+            b.Put(8, 0).Put(MmtAssetId(asset.id)).Put(asset.type).Put(8, 0).Put(8, 1);
+            if (asset.port == 0) {
+                b.Put(8, 0);
+            } else {
+                b.Put(8, 1).Put(32, 0xC000020A).Put(32, packets::k_session).Put(16, asset.port);
+            }
+            b.Put(16, asset.packetId).Put(16, 0);
+        }
+        return MmtTable(0x20, b.Bytes());
+    }
+    std::string Bytes() override
+    {
+        CCapture capture(1);
+        std::map<unsigned, unsigned> sequences;
+        const auto send = [&](unsigned packetId, unsigned type, const std::string& data, unsigned port = 6001) {
+            const unsigned sequence = sequences[packetId]++;
+            if (keep(packetId, sequence)) {
+                capture.AddSession(packets::Mmtp({sequence, 0, packetId, 0, type}, data), port);
+            }
+        };
+        for (unsigned second = 0; second < seconds; ++second) {
+            change(second, *this);
+            capture.At(second, 40000).AddLls(packets::Slt(services, 1));
+            if (!usbd.empty()) {
+                send(0, 2, MmtMessage(0x8100, 32, packets::MmtAtsc3(1, usbd)));
+            }
+            for (unsigned i = 0; i < tables; ++i) {
+                std::string message = MmtMessage(0x20, 16, MpTable());
+                message[2] = version;
+                send(1, 2, message);
+            }
+            for (unsigned i = 0; i < 8; ++i) {
+                send(10 + 10 * (i % 2), 0, "media", ports[i % 2]);
+            }
+            if (repair) {
+                capture.AddSession(packets::Mmtp({second, 0, 40, 0x1000, 3}, "repair"), 6001);
+            }
+        }
+        return capture.Bytes();
+    }
+};
+
+const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
+    {"sound", [](SMmtBroadcast&) {}, {}},
+    {"another package's MP table", [](SMmtBroadcast& b) { b.package = "other"; }, {"no-mp-table"}},
+    {"no MP table", [](SMmtBroadcast& b) { b.tables = 0; }, {"no-mp-table"}},
+    {"one late",
+     [](SMmtBroadcast& b) {
+         b.tables = 0;
+         b.change = [](unsigned second, SMmtBroadcast& now) { now.tables = second / 9; };
+     },
+     {}},
+    {"too short to tell",
+     [](SMmtBroadcast& b) {
+         b.tables = 0;
+         b.seconds = 5;
+     },
+     {}},
+    {"an MP table, no USBD", [](SMmtBroadcast& b) { b.usbd = ""; }, {}},
+    {"no packet of an asset",
+     [](SMmtBroadcast& b) { b.keep = [](unsigned packetId, unsigned) { return packetId != 20; }; },
+     {"asset-not-sent"}},
+    {"one packet",
+     [](SMmtBroadcast& b) {
+         b.keep = [](unsigned packetId, unsigned sequence) { return packetId != 20 || sequence == 5; };
+     },
+     {}},
+    {"no media at all",
+     [](SMmtBroadcast& b) { b.keep = [](unsigned packetId, unsigned) { return packetId < 10; }; },
+     {}},
+    {"subtitles may be silent for longer",
+     [](SMmtBroadcast& b) {
+         b.assets.push_back({"s", "stpp", 30});
+         b.seconds = 9;
+     },
+     {}},
+    {"but not for ever",
+     [](SMmtBroadcast& b) {
+         b.assets.push_back({"s", "stpp", 30});
+     },
+     {"asset-not-sent"}},
+    {"an asset at an address that was not captured",
+     [](SMmtBroadcast& b) {
+         b.assets.push_back({"s", "hev1", 30, 6002});
+     },
+     {}},
+    {"an asset at another address", [](SMmtBroadcast& b) { b.assets[1].port = b.ports[1] = 6002; }, {}},
+    {"at an address that no table has",
+     [](SMmtBroadcast& b) { b.ports[1] = 6002; },
+     {"asset-not-sent", "unsignalled-traffic"}},
+    {"a packet_id of two assets",
+     [](SMmtBroadcast& b) {
+         b.assets.push_back({"w", "hev1", 10});
+     },
+     {"packet-id-twice"}},
+    {"of two sessions",
+     [](SMmtBroadcast& b) {
+         b.assets.push_back({"w", "hev1", 10, 6002});
+     },
+     {}},
+    {"of one asset, twice",
+     [](SMmtBroadcast& b) {
+         b.assets.push_back({"v", "hev1", 10});
+     },
+     {}},
+    {"a component that is no asset", [](SMmtBroadcast& b) { b.assets[1].id = "b"; }, {"component-without-asset"}},
+    {"that may come by broadband",
+     [](SMmtBroadcast& b) {
+         b.assets[1].id = "b";
+         b.usbd.insert(b.usbd.find("<ComponentInfo"), "<BroadbandComponent fullMPDUri='m'/>");
+     },
+     {}},
+    {"while the table has just changed",
+     [](SMmtBroadcast& b) {
+         b.change = [](unsigned second, SMmtBroadcast& now) {
+             now.assets[1].id = second < 9 ? "a" : "b";
+             now.version = second < 9 ? 7 : 8;
+         };
+     },
+     {}},
+    {"another globalServiceID",
+     [](SMmtBroadcast& b) { b.usbd.replace(b.usbd.find("urn:g"), 5, "urn:h"); },
+     {"global-service-id"}},
+    {"a packet lost",
+     [](SMmtBroadcast& b) {
+         b.keep = [](unsigned packetId, unsigned sequence) { return packetId != 10 || sequence != 7; };
+     },
+     {"packets-lost"}},
+    {"the first and the last one",
+     [](SMmtBroadcast& b) {
+         b.keep = [](unsigned packetId, unsigned sequence) {
+             return packetId != 10 || (sequence > 0 && sequence < 47);
+         };
+     },
+     {}},
+    {"every ninth",
+     [](SMmtBroadcast& b) {
+         b.keep = [](unsigned packetId, unsigned sequence) { return packetId != 10 || sequence % 9 != 1; };
+     },
+     {"many-packets-lost"}},
+    {"every thirteenth",
+     [](SMmtBroadcast& b) {
+         b.keep = [](unsigned packetId, unsigned sequence) { return packetId != 10 || sequence % 13 != 1; };
+     },
+     {"packets-lost"}},
+    {"every ninth, with repair",
+     [](SMmtBroadcast& b) {
+         b.repair = true;
+         b.keep = [](unsigned packetId, unsigned sequence) { return packetId != 10 || sequence % 9 != 1; };
+     },
+     {"packets-lost"}},
+    {"signalling stays away",
+     [](SMmtBroadcast& b) {
+         const std::string usbd = b.usbd;
+         b.change = [usbd](unsigned second, SMmtBroadcast& now) {
+             now.tables = second < 2 || second > 6 ? 1 : 0;
+             now.usbd = now.tables != 0 ? usbd : "";
+         };
+     },
+     {"signalling-interval"}},
+};
+
+TEST(MmtRules, EachHasItsBreachAndItsNearMiss)
+{
+    ExpectBroken(k_mmt);
+}
+
+}  // namespace
