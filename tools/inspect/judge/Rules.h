@@ -38,6 +38,7 @@ class CRules {
 std::unique_ptr<CRules> ListRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
 std::unique_ptr<CRules> TimeRules(const SEvidence& evidence, CFindings& findings);
 std::unique_ptr<CRules> AlertRules(const SEvidence& evidence, CFindings& findings);
+std::unique_ptr<CRules> RatingRules(const SEvidence& evidence, CFindings& findings);
 std::unique_ptr<CRules> GuideRules(const SEvidence& evidence, CFindings& findings);
 
 }  // namespace vyr::inspect
