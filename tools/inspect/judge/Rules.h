@@ -41,6 +41,7 @@ std::unique_ptr<CRules> SignallingRules(const SEvidence& evidence, CFindings& fi
 std::unique_ptr<CRules> DeliveryRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
 std::unique_ptr<CRules> MmtRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
 std::unique_ptr<CRules> AlertRules(const SEvidence& evidence, CFindings& findings);
+std::unique_ptr<CRules> RatingRules(const SEvidence& evidence, CFindings& findings);
 std::unique_ptr<CRules> GuideRules(const SEvidence& evidence, CFindings& findings);
 
 }  // namespace vyr::inspect

@@ -13,6 +13,7 @@ constexpr char k_lls[] = "LLS tables";
 constexpr char k_list[] = "The service list";
 constexpr char k_time[] = "Time";
 constexpr char k_alerts[] = "Alerts";
+constexpr char k_ratings[] = "Ratings";
 constexpr char k_signalling[] = "Signalling of services";
 constexpr char k_delivery[] = "What is on the air";
 constexpr char k_mmt[] = "MMT";
@@ -138,6 +139,13 @@ const std::array<SRule, k_rules> k_ruleTable = {{
     {ERule::ALERT_REFERENCE_UNKNOWN, k_alerts, "alert-reference-unknown", k_note,
      "Receivers that missed the first alert do not know what is updated or cancelled.",
      "Nothing, if the alert was sent before the capture; else name an alert that was sent.", "ATSC A/331 6.5"},
+
+    {ERule::RATING_DIMENSION_UNKNOWN, k_ratings, "rating-dimension-unknown", k_warning,
+     "Parental controls cannot weigh the rating: the programme is shown, or blocked, for everybody.",
+     "Count dimensions from 0, in the order of the region's table.", ""},
+    {ERule::RATING_REGION_UNKNOWN, k_ratings, "rating-region-unknown", k_note,
+     "Parental controls of receivers that do not know the region pass over the rating.",
+     "Send the rating region table of the region, or mend the region's number.", ""},
 
     {ERule::NO_SIGNALLING, k_signalling, "no-signalling", k_error, "The channel is listed and shows nothing.",
      "Send the signalling of the service to the address that the service list gives.", "ATSC A/331 7"},
