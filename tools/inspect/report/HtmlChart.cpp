@@ -51,19 +51,39 @@ double CTimeAxis::X(double at) const
     return m_left + (m_right - m_left) * std::min(std::max(at, 0.0), m_seconds) / m_seconds;
 }
 
-std::string CTimeAxis::Marks(double top, double bottom) const
+std::vector<double> CTimeAxis::m_Ticks() const
 {
     constexpr unsigned k_most = 8;
-    constexpr double k_textBelow = 16;
+    return Ticks(m_seconds / m_unitSeconds, k_most);
+}
+
+std::string CTimeAxis::Rules(double top, double bottom) const
+{
     std::string lines;
-    std::string texts;
-    for (const double tick : Ticks(m_seconds / m_unitSeconds, k_most)) {
-        const std::string x = Coordinate(X(tick * m_unitSeconds));
-        lines += 'M' + x + ' ' + Coordinate(top) + 'V' + Coordinate(bottom);
-        texts += "<text x=\"" + x + "\" y=\"" + Coordinate(bottom + k_textBelow) + "\" text-anchor=\"middle\">" +
-                 NumberText(tick) + "</text>";
+    for (const double tick : m_Ticks()) {
+        lines += 'M' + Coordinate(X(tick * m_unitSeconds)) + ' ' + Coordinate(top) + 'V' + Coordinate(bottom);
     }
-    return "<path class=\"rule\" d=\"" + lines + "\"/>" + texts;
+    return "<path class=\"rule\" d=\"" + lines + "\"/>";
+}
+
+std::string CTimeAxis::Labels(double y) const
+{
+    std::string html;
+    for (const double tick : m_Ticks()) {
+        html += "<text x=\"" + Coordinate(X(tick * m_unitSeconds)) + "\" y=\"" + Coordinate(y) +
+                "\" text-anchor=\"middle\">" + NumberText(tick) + "</text>";
+    }
+    return html;
+}
+
+std::string AxisTitle(const CTimeAxis& axis, const SDelivery& delivery)
+{
+    const std::optional<STime>& first = delivery.traffic.first;
+    const std::string since = axis.Unit() + std::string(" since ");
+    if (delivery.clockSet != 0 || !first) {
+        return since + "the capture began" + (delivery.clockSet != 0 ? ", without what its clock was set by" : "");
+    }
+    return since + InstantText(first->seconds, first->nanoseconds);
 }
 
 std::string HtmlPicture(const char* className, unsigned width, unsigned height, const std::string& id,

@@ -244,7 +244,8 @@ class CRates {
                      Coordinate(k_bottom - (k_bottom - k_top) * tick / most + 4) + "\" text-anchor=\"end\">" +
                      NumberText(tick) + "</text>";
         }
-        std::string html = "<path class=\"rule\" d=\"" + rules + "\"/>" + texts + axis.Marks(k_top, k_bottom);
+        std::string html = "<path class=\"rule\" d=\"" + rules + "\"/>" + texts + axis.Rules(k_top, k_bottom) +
+                           axis.Labels(k_bottom + 16);
         std::vector<std::string> x;
         for (std::size_t column = 0; column <= tops[0].size(); ++column) {
             const std::size_t bin = std::min(column * m_group, m_bins);
@@ -263,17 +264,10 @@ class CRates {
             html += "<path class=\"" + m_Class(i) + "\" d=\"" + path + "Z\"><title>" + HtmlText(layers[i].name) +
                     "</title></path>";
         }
-        const STraffic& all = m_delivery.traffic;
-        std::string since = "the capture began";
-        if (m_delivery.clockSet != 0) {
-            since += ", without what its clock was set by";
-        } else if (all.first) {
-            since = InstantText(all.first->seconds, all.first->nanoseconds);
-        }
         return html + "<path class=\"axis\" d=\"M" + Coordinate(k_left) + ' ' + Coordinate(k_top) + 'V' +
                Coordinate(k_bottom) + 'H' + Coordinate(k_right) + "\"/><text x=\"" + Coordinate(k_left - 6) +
                "\" y=\"12\" text-anchor=\"end\">kbit/s</text><text x=\"" + Coordinate((k_left + k_right) / 2) +
-               "\" y=\"206\" text-anchor=\"middle\">" + axis.Unit() + " since " + since + "</text>";
+               "\" y=\"206\" text-anchor=\"middle\">" + AxisTitle(axis, m_delivery) + "</text>";
     }
 
     std::string m_Legend(const std::vector<SLayer>& layers) const

@@ -80,6 +80,15 @@ text-decoration:none;line-height:1.3;overflow-wrap:normal}
 .epg .box:hover b{text-decoration:underline}
 .epg .box small{display:block;white-space:nowrap}
 .chart{display:block;width:100%;min-width:40rem;max-width:48rem;height:auto;font-size:13px}
+.marks{display:block;width:100%;min-width:30rem;max-width:42rem;height:auto;font-size:12px}
+table.arrivals tbody th{min-width:9rem}
+table.arrivals td{white-space:nowrap;vertical-align:middle}
+table.arrivals td:nth-child(2){max-width:none;width:100%}
+.came{stroke:var(--c0);stroke-width:2}
+.running{stroke:var(--muted)}
+.silence{stroke:var(--warn);stroke-width:2;stroke-dasharray:4 4}
+svg .changed{fill:var(--c1)}
+.legend svg{width:1.25rem;height:1.25rem;vertical-align:middle}
 svg text{fill:var(--muted)}
 svg path{fill:none}
 .rule{stroke:var(--line)}
@@ -104,7 +113,7 @@ table.lines tr{border-bottom:1px solid var(--line);padding:.35rem 0}
 table.lines thead{display:none}
 table.lines td:first-child{color:var(--muted)}
 }
-@media print{.scroll{overflow:visible}.chart{min-width:0}nav{display:none}}
+@media print{.scroll{overflow:visible}.chart,.marks{min-width:0}nav{display:none}}
 )";
 
 }  // namespace vyr::inspect

@@ -8,6 +8,7 @@
 #include "model/Verdict.h"
 #include "report/DeliveryText.h"
 #include "report/Html.h"
+#include "report/HtmlArrivals.h"
 #include "report/HtmlGuide.h"
 #include "report/HtmlRates.h"
 #include "report/JsonReport.h"
@@ -512,6 +513,10 @@ void CPageModel::Delivery(const SDelivery& delivery)
     if (SPart* rates = m_Find(t_rates, file)) {
         const auto title = [&](unsigned serviceId) { return m_ServiceTitle(file, serviceId); };
         m_Hold(*rates, {}, delivery.source, HtmlRates(delivery, "r" + std::to_string(file), title));
+    }
+    SPart* arrivals = delivery.arrivals.lines.empty() ? nullptr : m_Find(t_arrivals, file);
+    if (arrivals != nullptr) {
+        m_Hold(*arrivals, {}, delivery.source, HtmlArrivals(delivery, "a" + std::to_string(file)));
     }
 }
 

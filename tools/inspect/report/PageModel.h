@@ -104,6 +104,7 @@ class CPageModel : public IReportWriter {
     std::map<std::size_t, SPart> t_guides;      ///< by file
     std::map<std::size_t, SPart> t_deliveries;  ///< by file
     std::map<std::size_t, SPart> t_rates;       ///< by file
+    std::map<std::size_t, SPart> t_arrivals;    ///< by file
     std::map<std::size_t, SPart> t_verdicts;    ///< by file
     std::map<TKey, std::string> t_missing;      ///< why a service is not signalled, by its list and id
     SList<SLine> t_changes;
