@@ -18,6 +18,7 @@
 #include "follow/RouteFollower.h"
 #include "follow/SlsFollower.h"
 #include "judge/Judge.h"
+#include "measure/Arrivals.h"
 #include "measure/Traffic.h"
 #include "wire/LinkLayer.h"
 
@@ -171,6 +172,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge
                                                           FollowMmtp(m_options.mmtpSessions, m_report)};
     CTraffic traffic;
     AnnounceOptions(m_options, traffic);
+    const CArrivals arrivals(m_report, traffic);
     for (const auto& [stream, follower] : followers) {
         const TEndpoint& lls = stream;
         follower->SetServiceListener(
@@ -218,6 +220,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge
             });
             SDelivery delivery = traffic.Result({name, 0, {}});
             delivery.packetsCut = decoder.Counts().cut;
+            delivery.arrivals = arrivals.Result();
             const auto services = [this] { return m_report.Summary().routeServices + m_report.Summary().mmtpServices; };
             const std::uint64_t before = services();
             for (const auto& protocol : sessions) {

@@ -28,7 +28,8 @@ bool LooksLikeMmtp(SView payload)
 
 void CTraffic::Take(const SDatagram& datagram, const std::optional<STime>& time)
 {
-    const SMoment moment = m_clock.Now(time);
+    m_now = m_clock.Now(time);
+    const SMoment& moment = m_now;
     const SView payload = datagram.payload;
     m_meter.Count(payload.size, moment);
     SSession* session = m_Session({datagram.destination, datagram.destinationPort, datagram.source});

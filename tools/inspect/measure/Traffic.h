@@ -47,6 +47,8 @@ class CTraffic {
     void Announce(const SServiceSession& session, EDeliveryProtocol protocol, std::optional<unsigned> serviceId = {});
     /// What signalling says that a flow of a session carries; the last word holds.
     void Name(const SServiceSession& session, std::uint64_t flow, const std::string& carries);
+    /// When the last datagram came.
+    const SMoment& Now() const { return m_now; }
     /// What came until now.
     SDelivery Result(const SSource& source) const;
 
@@ -98,6 +100,7 @@ class CTraffic {
 
     const TLength m_length;
     CCaptureClock m_clock;
+    SMoment m_now;
     CMeter m_meter;
     CMeter m_others;
     std::map<SServiceSession, std::unique_ptr<SSession>> m_sessions;

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "model/Arrivals.h"
 #include "model/Source.h"
 
 // What was on the air of one capture, whether signalling names it or not. Bytes are those of UDP payloads, and times
@@ -116,6 +117,7 @@ struct SDelivery {
     double binSeconds = 1;
     STraffic others;                         ///< of sessions beyond those that are kept
     std::vector<SSessionDelivery> sessions;  ///< by destination, port and source
+    SArrivalLines arrivals;                  ///< of tables and signalling, on the axis of the bins
     /// Everything is named that signalling names: a session that nothing names is traffic without signalling.
     bool namesKnown = false;
 };

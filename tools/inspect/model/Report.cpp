@@ -25,8 +25,10 @@ void CReport::m_Tell(TTell tell)
 template <class TItem>
 void CReport::m_Witness(void (IWitness::*tell)(const TItem&), const TItem& item)
 {
-    if (m_witness != nullptr) {
-        (m_witness->*tell)(item);
+    for (IWitness* witness : {m_arrivals, m_witness}) {
+        if (witness != nullptr) {
+            (witness->*tell)(item);
+        }
     }
 }
 

@@ -21,6 +21,8 @@ class CReport {
 
     /// Is told of everything that follows, as it came; null: nobody is.
     void SetWitness(IWitness* witness) { m_witness = witness; }
+    /// The same, and before it.
+    void SetArrivals(IWitness* arrivals) { m_arrivals = arrivals; }
     /// The input went on by as many bytes.
     void Received(std::size_t bytes);
     void Table(const STable& table);
@@ -75,6 +77,7 @@ class CReport {
     const bool m_quiet;
     const CSeverities m_severities;
     IWitness* m_witness = nullptr;
+    IWitness* m_arrivals = nullptr;
     unsigned m_numbers = 0;
     SSummary m_summary;
     SSource m_place;  ///< of the last finding

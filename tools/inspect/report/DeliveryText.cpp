@@ -203,7 +203,7 @@ SDeliveryRows DeliveryRows(const SDelivery& delivery, std::size_t most)
         add(SessionRow(sessions[i], showSource, delivery), false);
         const bool silent = !SilenceText(sessions[i].traffic, delivery).empty();
         for (const SFlowDelivery& flow : sessions[i].flows) {
-            add(FlowRow(flow, session, silent, delivery), true);
+            add(FlowRow(flow, sessions[i], silent, delivery), true);
         }
     }
     if (delivery.others.packets != 0) {

@@ -350,6 +350,8 @@ void CHtmlReport::Summary(const SSummary& summary)
         {"alerts", "Alerts", m_Alerts()},
         {"signalling", "Signalling of services", m_Signalling()},
         {"delivery", "Delivery", m_ByFile(t_deliveries)},
+        {"rates", "Rates over time", m_ByFile(t_rates)},
+        {"arrivals", "Arrivals of tables and signalling", m_ByFile(t_arrivals)},
         {"tables", "LLS tables", m_Tables()},
         {"certificates", "Certificates and signatures", m_Certificates()},
         {"problems", "Problems found", m_Problems(summary)},

@@ -5,9 +5,11 @@ namespace vyr::inspect {
 /// The style of the page.
 inline constexpr char k_htmlStyle[] = R"(
 :root{color-scheme:light dark;--bg:#fff;--soft:#f4f6f8;--line:#d5dbe1;--text:#1b2127;--muted:#55606b;--link:#0a58a8;
---bad:#a3230f;--badbg:#fdecea;--warn:#7a4b00;--warnbg:#fdf3dc;--good:#1a6b35;--goodbg:#e8f5ec;--box:#e6eff9;--shade:#0004;--head:9.5rem;--minute:.26rem}
+--bad:#a3230f;--badbg:#fdecea;--warn:#7a4b00;--warnbg:#fdf3dc;--good:#1a6b35;--goodbg:#e8f5ec;--box:#e6eff9;--shade:#0004;
+--c0:#2563a8;--c1:#b35900;--c2:#2b7a4b;--c3:#7a4bb8;--c4:#0d7684;--c5:#b0356b;--head:9.5rem;--minute:.26rem}
 @media(prefers-color-scheme:dark){:root{--bg:#14181d;--soft:#1d2329;--line:#343d46;--text:#e3e8ed;--muted:#a0acb7;
---link:#82b8f5;--bad:#ff9d8a;--badbg:#3a1c18;--warn:#f0c060;--warnbg:#352a12;--good:#7fd39b;--goodbg:#17301f;--box:#1f3249;--shade:#a0acb780}}
+--link:#82b8f5;--bad:#ff9d8a;--badbg:#3a1c18;--warn:#f0c060;--warnbg:#352a12;--good:#7fd39b;--goodbg:#17301f;--box:#1f3249;--shade:#a0acb780;
+--c0:#6aa9f0;--c1:#e79a45;--c2:#66c48a;--c3:#b79af0;--c4:#4cbccb;--c5:#ef8ab6}}
 *{box-sizing:border-box}
 html{scroll-padding-top:1rem;-webkit-text-size-adjust:100%}
 body{margin:0;background:var(--bg);color:var(--text);font:.9375rem/1.5 system-ui,sans-serif;overflow-wrap:anywhere}
@@ -77,6 +79,26 @@ text-decoration:none;line-height:1.3;overflow-wrap:normal}
 .epg .box b{display:block;overflow:hidden;text-overflow:ellipsis;max-height:2.6em}
 .epg .box:hover b{text-decoration:underline}
 .epg .box small{display:block;white-space:nowrap}
+.chart{display:block;width:100%;min-width:40rem;max-width:48rem;height:auto;font-size:13px}
+.marks{display:block;width:100%;min-width:30rem;max-width:42rem;height:auto;font-size:12px}
+table.arrivals tbody th{min-width:9rem}
+table.arrivals td{white-space:nowrap;vertical-align:middle}
+table.arrivals td:nth-child(2){max-width:none;width:100%}
+.came{stroke:var(--c0);stroke-width:2}
+.running{stroke:var(--muted)}
+.silence{stroke:var(--warn);stroke-width:2;stroke-dasharray:4 4}
+svg .changed{fill:var(--c1)}
+.legend svg{width:1.25rem;height:1.25rem;vertical-align:middle}
+svg text{fill:var(--muted)}
+svg path{fill:none}
+.rule{stroke:var(--line)}
+.axis{stroke:var(--muted)}
+.legend{list-style:none;margin:.2rem 0 1.2rem;padding:0;font-size:.875rem;display:flex;flex-wrap:wrap;gap:.1rem 1.25rem}
+.legend span{display:inline-block;width:.8rem;height:.8rem;-webkit-print-color-adjust:exact;print-color-adjust:exact}
+svg .c0{fill:var(--c0)}svg .c1{fill:var(--c1)}svg .c2{fill:var(--c2)}svg .c3{fill:var(--c3)}svg .c4{fill:var(--c4)}
+svg .c5{fill:var(--c5)}svg .rest{fill:var(--muted)}
+span.c0{background:var(--c0)}span.c1{background:var(--c1)}span.c2{background:var(--c2)}span.c3{background:var(--c3)}
+span.c4{background:var(--c4)}span.c5{background:var(--c5)}span.rest{background:var(--muted)}
 footer{margin-top:3rem;padding-bottom:2rem}
 @media(max-width:640px){
 header,nav,main,footer{padding-left:.9rem;padding-right:.9rem}
@@ -91,7 +113,7 @@ table.lines tr{border-bottom:1px solid var(--line);padding:.35rem 0}
 table.lines thead{display:none}
 table.lines td:first-child{color:var(--muted)}
 }
-@media print{.scroll{overflow:visible}nav{display:none}}
+@media print{.scroll{overflow:visible}.chart,.marks{min-width:0}nav{display:none}}
 )";
 
 }  // namespace vyr::inspect

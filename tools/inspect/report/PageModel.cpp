@@ -8,7 +8,9 @@
 #include "model/Verdict.h"
 #include "report/DeliveryText.h"
 #include "report/Html.h"
+#include "report/HtmlArrivals.h"
 #include "report/HtmlGuide.h"
+#include "report/HtmlRates.h"
 #include "report/JsonReport.h"
 #include "report/TextReport.h"
 
@@ -508,6 +510,27 @@ void CPageModel::Delivery(const SDelivery& delivery)
            "<p class=\"muted\">" + HtmlText(DeliveryHeadline(delivery)) + "</p>" +
                HtmlTable("delivery", rows.titles, html) +
                (rows.more != 0 ? "<p class=\"muted\">and " + Counted(rows.more, "row") + " more</p>" : ""));
+    if (SPart* rates = m_Find(t_rates, file)) {
+        const auto title = [&](unsigned serviceId) { return m_ServiceTitle(file, serviceId); };
+        m_Hold(*rates, {}, delivery.source, HtmlRates(delivery, "r" + std::to_string(file), title));
+    }
+    SPart* arrivals = delivery.arrivals.lines.empty() ? nullptr : m_Find(t_arrivals, file);
+    if (arrivals != nullptr) {
+        m_Hold(*arrivals, {}, delivery.source, HtmlArrivals(delivery, "a" + std::to_string(file)));
+    }
+}
+
+/// As the first of the input's service lists has it; markup.
+std::string CPageModel::m_ServiceTitle(std::size_t file, unsigned serviceId) const
+{
+    for (const auto& [key, list] : t_lists) {
+        for (const SListed& service : list.services) {
+            if (std::get<0>(key) == file && service.id == serviceId) {
+                return service.title;
+            }
+        }
+    }
+    return "<b>" + std::to_string(serviceId) + "</b>";
 }
 
 void CPageModel::Verdicts(const SVerdicts& verdicts)

@@ -103,6 +103,8 @@ class CPageModel : public IReportWriter {
     std::map<TKey, SPart> t_guideObjects;
     std::map<std::size_t, SPart> t_guides;      ///< by file
     std::map<std::size_t, SPart> t_deliveries;  ///< by file
+    std::map<std::size_t, SPart> t_rates;       ///< by file
+    std::map<std::size_t, SPart> t_arrivals;    ///< by file
     std::map<std::size_t, SPart> t_verdicts;    ///< by file
     std::map<TKey, std::string> t_missing;      ///< why a service is not signalled, by its list and id
     SList<SLine> t_changes;
@@ -129,6 +131,7 @@ class CPageModel : public IReportWriter {
     SPart* m_Part(SSession& session, const std::vector<unsigned>& key);
     void m_Components(SSession& session, const SSlsDocument& document);
     void m_HoldComponent(std::vector<SComponent>& components, SComponent component);
+    std::string m_ServiceTitle(std::size_t file, unsigned serviceId) const;
     void m_Slt(const STable& table, const TKey& key);
     void m_Alerts(const STable& table, const TKey& key);
     void m_Certificates(const STable& table, const TKey& key);
