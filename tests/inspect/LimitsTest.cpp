@@ -169,17 +169,17 @@ TEST(Limits, NoReportOutgrowsWhatWasReceived)
         const CTemporary page;
         const std::string file = '\'' + input.Name() + '\'';
         const SResult text = Inspect(file + " --html '" + page.Name() + '\'');
-        const std::string json = "--ignore guide-title-language --json ";  // which is not judged where titles were cut
-        const SResult lines = Inspect(json + file);
+        const std::string asJson = "--ignore guide-title-language --json ";  // which is not judged where titles were cut
+        const SResult lines = Inspect(asJson + file);
         EXPECT_LE(text.out.size(), Bound(test.input.size()));
         EXPECT_LE(lines.out.size(), Bound(test.input.size()));
         EXPECT_LE(ReadFile(page.Name()).size(), Bound(test.input.size()));
         EXPECT_NE(text.out.find("\nsummary\n"), std::string::npos);
         EXPECT_EQ(Lines(lines.out).back()["type"], "summary");
-        const SResult whole = Inspect("--no-limit --full " + json + file);
+        const SResult whole = Inspect("--no-limit --full " + asJson + file);
         EXPECT_EQ(whole.out.size() > lines.out.size(), test.cut) << whole.out.size() << ' ' << lines.out.size();
         EXPECT_EQ(whole.status, lines.status);
-        nlohmann::json before = Lines(lines.out).back();
+        json before = Lines(lines.out).back();
         before.erase("leftOut");
         EXPECT_EQ(Lines(whole.out.substr(whole.out.rfind('\n', whole.out.size() - 2) + 1)).at(0), before)
             << "the counts are exact";
