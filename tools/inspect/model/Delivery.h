@@ -110,9 +110,9 @@ struct SSessionDelivery {
 
 struct SDelivery {
     SSource source;
-    STraffic traffic;            ///< all of it
-    double seconds = 0;          ///< that the capture lasts, without what its clock was set by
-    std::uint64_t clockSet = 0;  ///< times that its clock went back by more than a second, or on by more than an hour
+    STraffic traffic;              ///< all of it
+    double seconds = 0;            ///< that the capture lasts, without what its clock was set by
+    std::uint64_t clockSet = 0;    ///< times that its clock went back by more than a second, or on by more than an hour
     std::uint64_t packetsCut = 0;  ///< by the capture: what they carried is not here
     double binSeconds = 1;
     STraffic others;                         ///< of sessions beyond those that are kept
