@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Markup.h"
+#include "Pictures.h"
 #include "base/Json.h"
 #include "model/Content.h"
 #include "report/Html.h"
@@ -392,6 +393,17 @@ TEST_F(HtmlPage, InABrowser)
     report.Guide(Guide());
     report.Finding({ERule::NO_SIGNALLING, k_hostile, {"a.pcap", 7, {}}});
     report.Finding({ERule::NO_SIGNALLING, k_hostile, {"long/" + std::string(200, 'p'), 7, {}}});
+    std::vector<SFlowDelivery> flows;
+    for (unsigned i = 0; i < 8; ++i) {
+        flows.push_back(pictures::Flow(i, k_hostile, {2000000000 - i, 1}));
+    }
+    SDelivery delivery = pictures::Delivery({pictures::Session(5000, {1}, flows)}, 5000000);
+    delivery.binSeconds = 8192;
+    SArrivalLine line;
+    line.place = "239.255.7.1:5000";
+    line.marks = {{0, 1, 0}, {1e6, 1, 0}, {2e6, 1, 1}, {3e6, 1, 0}, {5e6, 1, 1}};
+    delivery.arrivals.lines.assign(13, line);
+    report.Delivery(delivery);
     SSummary summary;
     summary.errors = summary.findings[ERule::NO_SIGNALLING] = 1;
     report.Summary(summary);
@@ -410,12 +422,15 @@ TEST_F(HtmlPage, InABrowser)
             const bool wide = i % 2 == 1;
             EXPECT_EQ(page["width"], wide ? 1280 : 360);
             EXPECT_LE(page["scrollWidth"], page["width"]) << "nothing scrolls sideways but tables in their own place";
-            EXPECT_EQ(page["sections"],
-                      i < 2 ? "overview guide alerts tables problems changes"
-                            : "verdicts overview services signalling delivery tables certificates problems changes");
+            EXPECT_EQ(page["sections"], i < 2 ? "overview guide alerts delivery rates arrivals tables problems changes"
+                                              : "verdicts overview services signalling delivery rates arrivals tables "
+                                                "certificates problems changes");
             EXPECT_EQ(page["overrun"], "") << "no text leaves its cell";
             EXPECT_EQ(page["shadowless"], 0) << "what scrolls shows that it does";
-            EXPECT_EQ(page["scrolling"] > 0, i == 2) << "a phone shows the services of the capture so";
+            EXPECT_EQ(page["scrolling"] > 0, !wide) << "a phone shows tables and pictures so";
+            EXPECT_EQ(page["charts"], i < 2 ? 1 : 4);
+            EXPECT_EQ(page["lines"], i < 2 ? 15 : 6) << "with the axes";
+            EXPECT_EQ(page["pictureFaults"], "");
             EXPECT_EQ(page["active"], 0) << "scripts, images, frames, forms, handlers";
             EXPECT_EQ(page["brokenLinks"], 0);
             EXPECT_EQ(page["doubleIds"], 0);

@@ -10,10 +10,10 @@
 inline std::string MarkupFault(const std::string& html)
 {
     static const std::vector<std::string> k_known = {
-        "html",    "head", "meta", "title", "style",   "body", "header", "nav",     "main",  "footer",
-        "section", "h1",   "h2",   "h3",    "h4",      "p",    "a",      "b",       "bdi",   "br",
-        "small",   "span", "div",  "dl",    "details", "dt",   "dd",     "summary", "table", "thead",
-        "tbody",   "tr",   "th",   "td",    "ul",      "li",   "time",   "wbr"};
+        "html", "head", "meta",    "title", "style", "body",    "header", "nav",   "main",  "footer", "section",
+        "h1",   "h2",   "h3",      "h4",    "p",     "a",       "b",      "bdi",   "br",    "small",  "span",
+        "div",  "dl",   "details", "dt",    "dd",    "summary", "table",  "thead", "tbody", "tr",     "th",
+        "td",   "ul",   "li",      "time",  "wbr",   "svg",     "desc",   "path",  "text"};
     std::vector<std::string> open;
     for (std::size_t at = html.find('<'); at != std::string::npos; at = html.find('<', at + 1)) {
         if (html.compare(at, 10, "<!DOCTYPE ") == 0) {
@@ -27,6 +27,7 @@ inline std::string MarkupFault(const std::string& html)
         }
         const std::string name = html.substr(begin, last - begin);
         const std::string where = html.substr(at, 80);
+        const bool empty = name == "path" && html[html.find('>', at) - 1] == '/';
         if (std::find(k_known.begin(), k_known.end(), name) == k_known.end()) {
             return "unknown: " + where;
         }
@@ -35,7 +36,7 @@ inline std::string MarkupFault(const std::string& html)
                 return "closed out of turn: " + where;
             }
             open.pop_back();
-        } else if (name != "meta" && name != "br" && name != "wbr") {
+        } else if (!empty && name != "meta" && name != "br" && name != "wbr") {
             open.push_back(name);
         }
     }

@@ -17,15 +17,55 @@ function background(view, element) {
   return [255, 255, 255];
 }
 
+function against(view, element, color) {
+  const [a, b] = [channels(color).rgb, background(view, element.parentElement)].map(luminance);
+  return (Math.max(a, b) + 0.05) / (Math.min(a, b) + 0.05);
+}
+
 function contrast(view, page) {
   let least = 21;
   for (const element of page.body.querySelectorAll('*')) {
     const text = [...element.childNodes].some(node => node.nodeType === 3 && node.data.trim());
     if (!text || !element.getClientRects().length) continue;
-    const [a, b] = [channels(view.getComputedStyle(element).color).rgb, background(view, element)].map(luminance);
-    least = Math.min(least, (Math.max(a, b) + 0.05) / (Math.min(a, b) + 0.05));
+    const style = view.getComputedStyle(element);
+    least = Math.min(least, against(view, element, element.closest('svg') ? style.fill : style.color));
   }
   return least;
+}
+
+// What is wrong with the pictures: what leaves them, texts that overlap or are small, what cannot be told from its
+// background, one without words. What only guides the eye may be faint.
+function pictureFaults(view, page) {
+  const faults = new Set();
+  const paint = style => [style.fill, style.stroke].find(color => color !== 'none');
+  for (const picture of page.querySelectorAll('svg')) {
+    const around = picture.getBoundingClientRect();
+    const texts = [...picture.querySelectorAll('text')];
+    const scale = picture.viewBox.baseVal.width / around.width;
+    const named = (picture.getAttribute('aria-labelledby') || '').split(' ').every(id => page.getElementById(id));
+    if (!picture.closest('.legend') && !(named && picture.querySelector('desc').textContent)) faults.add('no words');
+    if (!around.width) faults.add('not shown');
+    for (const part of picture.querySelectorAll('path,text')) {
+      const at = part.getBoundingClientRect();
+      const style = view.getComputedStyle(part);
+      if (at.left < around.left - 1 || at.right > around.right + 1 || at.top < around.top - 1 ||
+        at.bottom > around.bottom + 1) faults.add('outside: ' + part.outerHTML.slice(0, 60));
+      if (part.localName === 'path' && !part.matches('.rule') && !(against(view, picture, paint(style)) >= 3)) {
+        faults.add('faint: ' + part.getAttribute('class'));
+      }
+    }
+    for (const text of texts) {
+      const one = text.getBoundingClientRect();
+      if (parseFloat(view.getComputedStyle(text).fontSize) / scale < 11) faults.add('small: ' + text.textContent);
+      if (texts.some(other => other !== text && other.getBoundingClientRect().left < one.right &&
+        other.getBoundingClientRect().right > one.left && other.getBoundingClientRect().top < one.bottom &&
+        other.getBoundingClientRect().bottom > one.top)) faults.add('overlaps: ' + text.textContent);
+    }
+  }
+  for (const key of page.querySelectorAll('.legend span')) {
+    if (!(against(view, key, view.getComputedStyle(key).backgroundColor) >= 3)) faults.add('faint: ' + key.className);
+  }
+  return [...faults].join('|');
 }
 
 // Where a box of the grid stands: minutes from the first hour, length, lane of its service.
@@ -56,7 +96,7 @@ function measure(frame) {
     width: view.innerWidth,
     scrollWidth: page.documentElement.scrollWidth,
     sections: [...page.querySelectorAll('main>section')].filter(s => s.offsetHeight > 0).map(s => s.id).join(' '),
-    active: page.querySelectorAll('script,img,iframe,object,embed,link,form,base,svg,[onerror],[onclick]').length,
+    active: page.querySelectorAll('script,img,iframe,object,embed,link,form,base,image,use,animate,set,foreignObject,[onerror],[onclick]').length,
     brokenLinks: links.filter(href => !href.startsWith('#') || !ids.includes(href.slice(1))).length,
     doubleIds: ids.length - new Set(ids).size,
     contrast: contrast(view, page),
@@ -67,6 +107,9 @@ function measure(frame) {
     scrolling: scrolling(page).length,
     shadowless: scrolling(page).filter(
       element => view.getComputedStyle(element).backgroundAttachment !== 'local, local, scroll, scroll').length,
+    charts: page.querySelectorAll('svg.chart').length,
+    lines: page.querySelectorAll('svg.marks').length,
+    pictureFaults: pictureFaults(view, page),
     rows: page.querySelectorAll('#services tbody tr').length,
   };
   if (shown.length) {

@@ -81,7 +81,7 @@ text-decoration:none;line-height:1.3;overflow-wrap:normal}
 .epg .box small{display:block;white-space:nowrap}
 .chart{display:block;width:100%;min-width:40rem;max-width:48rem;height:auto;font-size:13px}
 .marks{display:block;width:100%;min-width:30rem;max-width:42rem;height:auto;font-size:12px}
-table.arrivals tbody th{min-width:9rem}
+table.arrivals tbody th{min-width:clamp(9.5rem,25vw,18rem)}
 table.arrivals td{white-space:nowrap;vertical-align:middle}
 table.arrivals td:nth-child(2){max-width:none;width:100%}
 .came{stroke:var(--c0);stroke-width:2}
