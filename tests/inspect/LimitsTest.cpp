@@ -169,7 +169,8 @@ TEST(Limits, NoReportOutgrowsWhatWasReceived)
         const CTemporary page;
         const std::string file = '\'' + input.Name() + '\'';
         const SResult text = Inspect(file + " --html '" + page.Name() + '\'');
-        const std::string asJson = "--ignore guide-title-language --json ";  // which is not judged where titles were cut
+        const std::string asJson =
+            "--ignore guide-title-language --json ";  // which is not judged where titles were cut
         const SResult lines = Inspect(asJson + file);
         EXPECT_LE(text.out.size(), Bound(test.input.size()));
         EXPECT_LE(lines.out.size(), Bound(test.input.size()));

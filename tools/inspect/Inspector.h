@@ -44,7 +44,7 @@ class CInspector {
     void m_SlsFile(SView bytes, const std::string& name);
     void m_MessageFile(SView bytes, const std::string& name);
     void m_CaptureFindings(const std::string& name, const SPacketCounts& counts, const TFollowers& followers,
-                         const TDestinations& destinations);
+                           const TDestinations& destinations);
     void m_Finish(const CLlsFollower& follower);
 
     const SOptions& m_options;
