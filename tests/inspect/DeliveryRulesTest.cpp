@@ -16,6 +16,11 @@ bool IsInitialization(const SPart& part)
     return part.tsi != 0 && part.toi == 99;
 }
 
+bool NoAudio(const SPart& part)
+{
+    return !IsAudio(part);
+}
+
 /// Sends an object of TSI 30 in every second.
 void SendMore(unsigned second, CCapture& capture)
 {
@@ -45,80 +50,39 @@ void Guide(SBroadcast& broadcast, const std::string& port)
 /// Each breach with what is near to it and none.
 const std::vector<SBreach> k_delivery = {
     {"sound", [](SBroadcast&) {}, {}},
-    {"audio never comes",
-     [](SBroadcast& b) { b.keep = [](const SPart& part) { return !IsAudio(part); }; },
-     {"session-not-sent"}},
+    {"audio never comes", Keep(NoAudio), {"session-not-sent"}},
     {"in a capture that cuts packets",
      [](SBroadcast& b) {
          b.cutTo = 2500;
          b.more = [](unsigned, CCapture& capture) { capture.AddSession(std::string(3000, '?'), 7005); };
-         b.keep = [](const SPart& part) { return !IsAudio(part); };
+         b.keep = NoAudio;
      },
      {"packets-cut"}},
     {"in one whose clock was set",
-     [](SBroadcast& b) {
-         b.more = [](unsigned second, CCapture& capture) {
+     All(More([](unsigned second, CCapture& capture) {
              capture.At(second + (second == 6 ? 3700 : 0), 40000).AddSession("?", 7001);
-         };
-         b.keep = [](const SPart& part) { return !IsAudio(part); };
-     },
+         }),
+         Keep(NoAudio)),
      {"lct-malformed"}},
-    {"audio comes once",
-     [](SBroadcast& b) { b.keep = [](const SPart& part) { return !IsAudio(part) || part.second == 3; }; },
-     {}},
-    {"too short to tell",
-     [](SBroadcast& b) {
-         b.seconds = 2;
-         b.keep = [](const SPart& part) { return !IsAudio(part); };
-     },
-     {}},
-    {"no media was captured at all",
-     [](SBroadcast& b) { b.keep = [](const SPart& part) { return part.tsi == 0; }; },
-     {}},
+    {"audio comes once", Keep([](const SPart& part) { return !IsAudio(part) || part.second == 3; }), {}},
+    {"too short to tell", All(Lasts(2), Keep(NoAudio)), {}},
+    {"no media was captured at all", Keep([](const SPart& part) { return part.tsi == 0; }), {}},
     {"subtitles may be silent for longer",
-     [](SBroadcast& b) {
-         b.seconds = 9;
-         b.Edit("contentType='audio'", "contentType='subtitles'").Edit("audio", "text");
-         b.keep = [](const SPart& part) { return !IsAudio(part); };
-     },
+     All(Lasts(9), Edits({{"contentType='audio'", "contentType='subtitles'"}, {"audio", "text"}}), Keep(NoAudio)),
      {}},
     {"but not for ever",
-     [](SBroadcast& b) {
-         b.Edit("contentType='audio'", "contentType='subtitles'").Edit("audio", "text");
-         b.keep = [](const SPart& part) { return !IsAudio(part); };
-     },
+     All(Edits({{"contentType='audio'", "contentType='subtitles'"}, {"audio", "text"}}), Keep(NoAudio)),
      {"session-not-sent"}},
     {"on another address of which others came",
-     [](SBroadcast& b) {
-         b.stsid = "<S-TSID><RS>" + SBroadcast::Lct("10", "video", "v") + "</RS><RS dPort='7002'>" +
-                   SBroadcast::Lct("20", "audio", "a") + "</RS></S-TSID>\n";
-         b.keep = [](const SPart& part) { return !IsAudio(part); };
-     },
+     All(Edits({{"<LS tsi='20'", "</RS><RS dPort='7002'><LS tsi='20'"}}), Keep(NoAudio)),
      {"session-not-sent"}},
-    {"and it comes there",
-     [](SBroadcast& b) {
-         b.stsid = "<S-TSID><RS>" + SBroadcast::Lct("10", "video", "v") + "</RS><RS dPort='7002'>" +
-                   SBroadcast::Lct("20", "audio", "a") + "</RS></S-TSID>\n";
-         b.ports[1] = 7002;
-     },
-     {}},
+    {"and it comes there", All(Edits({{"<LS tsi='20'", "</RS><RS dPort='7002'><LS tsi='20'"}}), Audio(7002)), {}},
     {"on another address of which nothing was captured",
-     [](SBroadcast& b) {
-         b.stsid = "<S-TSID><RS>" + SBroadcast::Lct("10", "video", "v") + "</RS><RS dIpAddr='239.1.1.1'>" +
-                   SBroadcast::Lct("20", "audio", "a") + "</RS></S-TSID>\n";
-         b.keep = [](const SPart& part) { return !IsAudio(part); };
-     },
+     All(Edits({{"<LS tsi='20'", "</RS><RS dIpAddr='239.1.1.1'><LS tsi='20'"}}), Keep(NoAudio)),
      {}},
-    {"files that do not come",
-     [](SBroadcast& b) { b.Edit("</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>"); },
-     {"files-not-sent"}},
-    {"files that do",
-     [](SBroadcast& b) {
-         b.Edit("</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>");
-         b.more = SendMore;
-     },
-     {}},
-    {"a TSI that nothing announces", [](SBroadcast& b) { b.more = SendMore; }, {"session-not-announced"}},
+    {"files that do not come", Edits({{"</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>"}}), {"files-not-sent"}},
+    {"files that do", All(Edits({{"</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>"}}), More(SendMore)), {}},
+    {"a TSI that nothing announces", More(SendMore), {"session-not-announced"}},
     {"that the S-TSID before announced",
      [](SBroadcast& b) {
          b.Edit("</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>");
@@ -139,94 +103,56 @@ const std::vector<SBreach> k_delivery = {
      },
      {"no-signalling"}},
     {"a session that nothing names",
-     [](SBroadcast& b) { b.more = [](unsigned, CCapture& capture) { capture.AddSession("?", 7005); }; },
+     More([](unsigned, CCapture& capture) { capture.AddSession("?", 7005); }),
      {"unsignalled-traffic"}},
     {"that the guide's descriptor names", [](SBroadcast& b) { Guide(b, "7005"); }, {}},
     {"another one than the guide's", [](SBroadcast& b) { Guide(b, "7006"); }, {"unsignalled-traffic"}},
-    {"more than it has announced", [](SBroadcast& b) { b.Edit("bw='10'", "bw='7'"); }, {"rate-above-bandwidth"}},
-    {"within the margin", [](SBroadcast& b) { b.Edit("bw='10'", "bw='8'"); }, {}},
-    {"no bandwidth announced", [](SBroadcast& b) { b.Edit("bw='10'", ""); }, {}},
+    {"more than it has announced", Edits({{"bw='10'", "bw='7'"}}), {"rate-above-bandwidth"}},
+    {"within the margin", Edits({{"bw='10'", "bw='8'"}}), {}},
+    {"no bandwidth announced", Edits({{"bw='10'", ""}}), {}},
     {"past its end",
-     [](SBroadcast& b) { b.Edit("<LS tsi='10'", "<LS endTime='2027-01-15T07:59:50Z' tsi='10'"); },
+     Edits({{"<LS tsi='10'", "<LS endTime='2027-01-15T07:59:50Z' tsi='10'"}}),
      {"session-outside-time"}},
-    {"as clocks differ",
-     [](SBroadcast& b) { b.Edit("<LS tsi='10'", "<LS endTime='2027-01-15T08:00:05Z' tsi='10'"); },
-     {}},
+    {"as clocks differ", Edits({{"<LS tsi='10'", "<LS endTime='2027-01-15T08:00:05Z' tsi='10'"}}), {}},
     {"before its begin",
-     [](SBroadcast& b) { b.Edit("<LS tsi='10'", "<LS startTime='2027-01-15T08:01:00Z' tsi='10'"); },
+     Edits({{"<LS tsi='10'", "<LS startTime='2027-01-15T08:01:00Z' tsi='10'"}}),
      {"session-outside-time"}},
     {"not sent before its begin",
-     [](SBroadcast& b) {
-         b.Edit("<LS tsi='20'", "<LS startTime='2027-01-15T08:01:00Z' tsi='20'");
-         b.keep = [](const SPart& part) { return !IsAudio(part); };
-     },
+     All(Edits({{"<LS tsi='20'", "<LS startTime='2027-01-15T08:01:00Z' tsi='20'"}}), Keep(NoAudio)),
      {}},
-    {"an EFDT of yesterday", [](SBroadcast& b) { b.Edit("4294944000", "4008902400"); }, {"efdt-expired"}},
-    {"one of today", [](SBroadcast& b) { b.Edit("4294944000", "4008988805"); }, {}},
-    {"one that never expires", [](SBroadcast& b) { b.Edit("4294944000", "4294967295"); }, {}},
-    {"no initialization",
-     [](SBroadcast& b) { b.keep = [](const SPart& part) { return !IsInitialization(part); }; },
-     {"no-initialization"}},
-    {"once is enough",
-     [](SBroadcast& b) { b.keep = [](const SPart& part) { return !IsInitialization(part) || part.second == 9; }; },
-     {}},
-    {"too short to tell of it",
-     [](SBroadcast& b) {
-         b.seconds = 5;
-         b.keep = [](const SPart& part) { return !IsInitialization(part); };
-     },
-     {}},
+    {"an EFDT of yesterday", Edits({{"4294944000", "4008902400"}}), {"efdt-expired"}},
+    {"one of today", Edits({{"4294944000", "4008988805"}}), {}},
+    {"one that never expires", Edits({{"4294944000", "4294967295"}}), {}},
+    {"no initialization", Keep([](const SPart& part) { return !IsInitialization(part); }), {"no-initialization"}},
+    {"once is enough", Keep([](const SPart& part) { return !IsInitialization(part) || part.second == 9; }), {}},
+    {"too short to tell of it", All(Lasts(5), Keep([](const SPart& part) { return !IsInitialization(part); })), {}},
     {"an EFDT that does not name it",
-     [](SBroadcast& b) {
-         b.Edit("-init.mp4' TOI", "-first.mp4' TOI");
-         b.keep = [](const SPart& part) { return !IsInitialization(part); };
-     },
+     All(Edits({{"-init.mp4' TOI", "-first.mp4' TOI"}}),
+         Keep([](const SPart& part) { return !IsInitialization(part); })),
      {}},
     {"a segment without its middle",
-     [](SBroadcast& b) {
-         b.keep = [](const SPart& part) { return !IsAudio(part) || part.toi != 4 || part.part != 2; };
-     },
+     Keep([](const SPart& part) { return !IsAudio(part) || part.toi != 4 || part.part != 2; }),
      {"objects-incomplete"}},
     {"one cut by the end",
-     [](SBroadcast& b) {
-         b.keep = [](const SPart& part) { return !IsAudio(part) || part.toi != 12 || part.part < 2; };
-     },
+     Keep([](const SPart& part) { return !IsAudio(part) || part.toi != 12 || part.part < 2; }),
      {}},
     {"every second one",
-     [](SBroadcast& b) {
-         b.keep = [](const SPart& part) { return part.tsi == 0 || part.toi % 2 == 0 || part.part != 1; };
-     },
+     Keep([](const SPart& part) { return part.tsi == 0 || part.toi % 2 == 0 || part.part != 1; }),
      {"many-objects-incomplete"}},
     {"every second one, with repair",
-     [](SBroadcast& b) {
-         b.keep = [](const SPart& part) { return part.tsi == 0 || part.toi % 2 == 0 || part.part != 1; };
-         b.Edit("</RS>", "<LS tsi='30'/></RS>");
-         b.more = [](unsigned second, CCapture& capture) {
+     All(Keep([](const SPart& part) { return part.tsi == 0 || part.toi % 2 == 0 || part.part != 1; }),
+         Edits({{"</RS>", "<LS tsi='30'/></RS>"}}), More([](unsigned second, CCapture& capture) {
              capture.AddSession(packets::Lct({second + 1, 0, -1, false, 30, 0x10A0}, "repair"), 7001);
-         };
-     },
+         })),
      {"objects-incomplete"}},
     {"signalling stays away",
-     [](SBroadcast& b) {
-         b.keep = [](const SPart& part) { return part.tsi != 0 || part.second < 2 || part.second > 6; };
-     },
+     Keep([](const SPart& part) { return part.tsi != 0 || part.second < 2 || part.second > 6; }),
      {"signalling-interval"}},
-    {"for 5 s",
-     [](SBroadcast& b) {
-         b.keep = [](const SPart& part) { return part.tsi != 0 || part.second < 2 || part.second > 5; };
-     },
-     {}},
-    {"at the end",
-     [](SBroadcast& b) { b.keep = [](const SPart& part) { return part.tsi != 0 || part.second < 6; }; },
-     {"signalling-interval"}},
-    {"a rate that is not the MPD's", [](SBroadcast& b) { b.Edit("'9000'", "'39000'"); }, {"rate-unlike-mpd"}},
-    {"a fifth of it", [](SBroadcast& b) { b.Edit("'9000'", "'38000'"); }, {}},
-    {"too short for it",
-     [](SBroadcast& b) {
-         b.Edit("'9000'", "'39000'");
-         b.seconds = 10;
-     },
-     {}},
+    {"for 5 s", Keep([](const SPart& part) { return part.tsi != 0 || part.second < 2 || part.second > 5; }), {}},
+    {"at the end", Keep([](const SPart& part) { return part.tsi != 0 || part.second < 6; }), {"signalling-interval"}},
+    {"a rate that is not the MPD's", Edits({{"'9000'", "'39000'"}}), {"rate-unlike-mpd"}},
+    {"a fifth of it", Edits({{"'9000'", "'38000'"}}), {}},
+    {"too short for it", All(Edits({{"'9000'", "'39000'"}}), Lasts(10)), {}},
 };
 
 TEST(DeliveryRules, EachHasItsBreachAndItsNearMiss)

@@ -83,6 +83,11 @@ struct SMmtBroadcast : SJudged {
     }
 };
 
+std::function<void(SMmtBroadcast&)> Keep(const std::function<bool(unsigned id, unsigned number)>& keep)
+{
+    return [keep](SMmtBroadcast& broadcast) { broadcast.keep = keep; };
+}
+
 const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
     {"sound", [](SMmtBroadcast&) {}, {}},
     {"another package's MP table", [](SMmtBroadcast& b) { b.package = "other"; }, {"no-mp-table"}},
@@ -100,17 +105,9 @@ const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
      },
      {}},
     {"an MP table, no USBD", [](SMmtBroadcast& b) { b.usbd = ""; }, {}},
-    {"no packet of an asset",
-     [](SMmtBroadcast& b) { b.keep = [](unsigned packetId, unsigned) { return packetId != 20; }; },
-     {"asset-not-sent"}},
-    {"one packet",
-     [](SMmtBroadcast& b) {
-         b.keep = [](unsigned packetId, unsigned sequence) { return packetId != 20 || sequence == 5; };
-     },
-     {}},
-    {"no media at all",
-     [](SMmtBroadcast& b) { b.keep = [](unsigned packetId, unsigned) { return packetId < 10; }; },
-     {}},
+    {"no packet of an asset", Keep([](unsigned id, unsigned) { return id != 20; }), {"asset-not-sent"}},
+    {"one packet", Keep([](unsigned id, unsigned number) { return id != 20 || number == 5; }), {}},
+    {"no media at all", Keep([](unsigned id, unsigned) { return id < 10; }), {}},
     {"subtitles may be silent for longer",
      [](SMmtBroadcast& b) {
          b.assets.push_back({"s", "stpp", 30});
@@ -164,32 +161,20 @@ const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
     {"another globalServiceID",
      [](SMmtBroadcast& b) { b.usbd.replace(b.usbd.find("urn:g"), 5, "urn:h"); },
      {"global-service-id"}},
-    {"a packet lost",
-     [](SMmtBroadcast& b) {
-         b.keep = [](unsigned packetId, unsigned sequence) { return packetId != 10 || sequence != 7; };
-     },
-     {"packets-lost"}},
+    {"a packet lost", Keep([](unsigned id, unsigned number) { return id != 10 || number != 7; }), {"packets-lost"}},
     {"the first and the last one",
-     [](SMmtBroadcast& b) {
-         b.keep = [](unsigned packetId, unsigned sequence) {
-             return packetId != 10 || (sequence > 0 && sequence < 47);
-         };
-     },
+     Keep([](unsigned id, unsigned number) { return id != 10 || (number > 0 && number < 47); }),
      {}},
     {"every ninth",
-     [](SMmtBroadcast& b) {
-         b.keep = [](unsigned packetId, unsigned sequence) { return packetId != 10 || sequence % 9 != 1; };
-     },
+     Keep([](unsigned id, unsigned number) { return id != 10 || number % 9 != 1; }),
      {"many-packets-lost"}},
     {"every thirteenth",
-     [](SMmtBroadcast& b) {
-         b.keep = [](unsigned packetId, unsigned sequence) { return packetId != 10 || sequence % 13 != 1; };
-     },
+     Keep([](unsigned id, unsigned number) { return id != 10 || number % 13 != 1; }),
      {"packets-lost"}},
     {"every ninth, with repair",
      [](SMmtBroadcast& b) {
          b.repair = true;
-         b.keep = [](unsigned packetId, unsigned sequence) { return packetId != 10 || sequence % 9 != 1; };
+         b.keep = [](unsigned id, unsigned number) { return id != 10 || number % 9 != 1; };
      },
      {"packets-lost"}},
     {"signalling stays away",

@@ -104,3 +104,37 @@ struct SBroadcast : SJudged {
 };
 
 using SBreach = SBreachOf<SBroadcast>;
+
+/// Replaces texts of the documents.
+inline std::function<void(SBroadcast&)> Edits(const std::vector<std::pair<std::string, std::string>>& edits)
+{
+    return [edits](SBroadcast& broadcast) {
+        for (const auto& [from, to] : edits) {
+            broadcast.Edit(from, to);
+        }
+    };
+}
+/// Sends what it says alone.
+inline std::function<void(SBroadcast&)> Keep(const std::function<bool(const SBroadcast::SPart&)>& keep)
+{
+    return [keep](SBroadcast& broadcast) { broadcast.keep = keep; };
+}
+inline std::function<void(SBroadcast&)> Lasts(unsigned seconds)
+{
+    return [seconds](SBroadcast& broadcast) { broadcast.seconds = seconds; };
+}
+/// Sends something besides.
+inline std::function<void(SBroadcast&)> More(const std::function<void(unsigned, packets::CCapture&)>& more)
+{
+    return [more](SBroadcast& broadcast) { broadcast.more = more; };
+}
+/// Sends audio to the port.
+inline std::function<void(SBroadcast&)> Audio(unsigned port)
+{
+    return [port](SBroadcast& broadcast) { broadcast.ports[1] = port; };
+}
+template <class... TBreaches>
+std::function<void(SBroadcast&)> All(TBreaches... breaches)
+{
+    return [=](SBroadcast& broadcast) { (breaches(broadcast), ...); };
+}

@@ -34,6 +34,11 @@ void Publish(SBroadcast& broadcast, unsigned at, const std::string& time)
     };
 }
 
+void NoMpd(SBroadcast& broadcast)
+{
+    broadcast.mpd = "";
+}
+
 /// Each breach with what is near to it and none.
 const std::vector<SBreach> k_signalling = {
     {"another globalServiceID in the USBD",
@@ -64,20 +69,15 @@ const std::vector<SBreach> k_signalling = {
      },
      {}},
     {"one that does not parse", [](SBroadcast& b) { b.stsid = "<S-TSID></a></S-TSID>"; }, {"document-not-parsed"}},
-    {"no MPD", [](SBroadcast& b) { b.mpd = ""; }, {"no-mpd"}},
-    {"of an application",
-     [](SBroadcast& b) {
-         b.mpd = "";
-         b.Edit("serviceCategory='1'", "serviceCategory='3'");
-     },
-     {}},
+    {"no MPD", NoMpd, {"no-mpd"}},
+    {"of an application", All(NoMpd, Edits({{"serviceCategory='1'", "serviceCategory='3'"}})), {}},
     {"but a playlist",
      [](SBroadcast& b) {
          b.mpd = "";
          b.usbd = k_playlist + b.usbd;
      },
      {}},
-    {"a TSI twice", [](SBroadcast& b) { b.Edit("</RS>", "<LS tsi='20'><SrcFlow/></LS></RS>"); }, {"tsi-twice"}},
+    {"a TSI twice", Edits({{"</RS>", "<LS tsi='20'><SrcFlow/></LS></RS>"}}), {"tsi-twice"}},
     {"on two addresses",
      [](SBroadcast& b) {
          b.Edit("</RS>", "</RS><RS dPort='7002'>" + SBroadcast::Lct("20", "audio", "a") + "</RS>");
@@ -131,56 +131,36 @@ const std::vector<SBreach> k_signalling = {
          };
      },
      {}},
-    {"a pattern of no file",
-     [](SBroadcast& b) { b.Edit("<BasePattern>audio", "<BasePattern>sound"); },
-     {"base-pattern-unmatched"}},
-    {"in a folder", [](SBroadcast& b) { b.Edit("<BasePattern>audio", "<BasePattern>http://x/y/audio-0"); }, {}},
+    {"a pattern of no file", Edits({{"<BasePattern>audio", "<BasePattern>sound"}}), {"base-pattern-unmatched"}},
+    {"in a folder", Edits({{"<BasePattern>audio", "<BasePattern>http://x/y/audio-0"}}), {}},
     {"another language",
-     [](SBroadcast& b) { b.Edit("contentType='audio' repId", "contentType='audio' lang='es' repId"); },
+     Edits({{"contentType='audio' repId", "contentType='audio' lang='es' repId"}}),
      {"media-info-contradicts"}},
-    {"a region of it",
-     [](SBroadcast& b) { b.Edit("contentType='audio' repId", "contentType='audio' lang='EN-us' repId"); },
-     {}},
-    {"three letters for two",
-     [](SBroadcast& b) { b.Edit("contentType='audio' repId", "contentType='audio' lang='eng' repId"); },
-     {}},
+    {"a region of it", Edits({{"contentType='audio' repId", "contentType='audio' lang='EN-us' repId"}}), {}},
+    {"three letters for two", Edits({{"contentType='audio' repId", "contentType='audio' lang='eng' repId"}}), {}},
     {"both codes of German",
-     [](SBroadcast& b) {
-         b.Edit("contentType='audio' repId", "contentType='audio' lang='ger' repId").Edit("lang='en'", "lang='deu'");
-     },
+     Edits({{"contentType='audio' repId", "contentType='audio' lang='ger' repId"}, {"lang='en'", "lang='deu'"}}),
      {}},
-    {"another type",
-     [](SBroadcast& b) { b.Edit("contentType='audio' repId", "contentType='video' repId"); },
-     {"media-info-contradicts"}},
+    {"another type", Edits({{"contentType='audio' repId", "contentType='video' repId"}}), {"media-info-contradicts"}},
     {"a type that says little",
      [](SBroadcast& b) {
          b.Edit("contentType='audio' repId", "contentType='subtitles' repId")
              .Edit("contentType='audio' lang", "contentType='application' lang");
      },
      {}},
-    {"protected by the list alone",
-     [](SBroadcast& b) { b.Edit("protected='false'", "protected='true'"); },
-     {"protection-missing"}},
+    {"protected by the list alone", Edits({{"protected='false'", "protected='true'"}}), {"protection-missing"}},
     {"by the MPD alone",
-     [](SBroadcast& b) {
-         b.Edit("<Representation id='v'", "<ContentProtection schemeIdUri='s'/><Representation id='v'");
-     },
+     Edits({{"<Representation id='v'", "<ContentProtection schemeIdUri='s'/><Representation id='v'"}}),
      {"protection-unannounced"}},
     {"by both",
-     [](SBroadcast& b) {
-         b.Edit("protected='false'", "protected='true'");
-         b.Edit("<Representation id='v'", "<ContentProtection schemeIdUri='s'/><Representation id='v'");
-     },
+     Edits({{"protected='false'", "protected='true'"},
+            {"<Representation id='v'", "<ContentProtection schemeIdUri='s'/><Representation id='v'"}}),
      {}},
     {"available in a minute",
-     [](SBroadcast& b) {
-         b.Edit("availabilityStartTime='2027-01-15T08:00", "availabilityStartTime='2027-01-15T08:01");
-     },
+     Edits({{"availabilityStartTime='2027-01-15T08:00", "availabilityStartTime='2027-01-15T08:01"}}),
      {"mpd-in-future"}},
     {"as clocks differ",
-     [](SBroadcast& b) {
-         b.Edit("availabilityStartTime='2027-01-15T08:00:00", "availabilityStartTime='2027-01-15T08:00:20");
-     },
+     Edits({{"availabilityStartTime='2027-01-15T08:00:00", "availabilityStartTime='2027-01-15T08:00:20"}}),
      {}},
     {"a static one",
      [](SBroadcast& b) {
@@ -188,14 +168,14 @@ const std::vector<SBreach> k_signalling = {
              .Edit("dynamic", "static");
      },
      {}},
-    {"not updated", [](SBroadcast& b) { b.Edit("<MPD ", "<MPD minimumUpdatePeriod='PT2S' "); }, {"mpd-not-updated"}},
+    {"not updated", Edits({{"<MPD ", "<MPD minimumUpdatePeriod='PT2S' "}}), {"mpd-not-updated"}},
     {"updated once",
      [](SBroadcast& b) {
          b.Edit("<MPD ", "<MPD minimumUpdatePeriod='PT2S' ");
          Publish(b, 4, "2027-01-15T08:00:04Z");
      },
      {}},
-    {"of a longer period", [](SBroadcast& b) { b.Edit("<MPD ", "<MPD minimumUpdatePeriod='PT3S' "); }, {}},
+    {"of a longer period", Edits({{"<MPD ", "<MPD minimumUpdatePeriod='PT3S' "}}), {}},
     {"publishTime goes back",
      [](SBroadcast& b) {
          Publish(b, 4, "2027-01-15T08:00:04Z");
