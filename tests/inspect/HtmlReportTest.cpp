@@ -21,8 +21,7 @@ namespace {
 
 using namespace vyr::inspect;
 
-const std::string k_hostile =
-    "</title></style><script>alert(1)</script><img src=x onerror='a()'>\" style=\"x&\xE2\x80\xAE\x1B";
+using pictures::k_hostile;
 
 std::size_t Count(const std::string& text, const std::string& part)
 {
