@@ -128,10 +128,12 @@ std::string CHtmlReport::m_Foot() const
 
 std::string CHtmlReport::m_Overview(const SSummary& summary) const
 {
-    const std::uint64_t problems = summary.errors + summary.warnings;
-    std::string html = problems == 0 ? std::string("<p class=\"verdict good\">No problems found</p>")
-                                     : "<p class=\"verdict bad\"><a href=\"#problems\">" +
-                                           Counted(problems, "problem") + " found</a></p>";
+    const std::string found =
+        Joined({summary.errors != 0 ? Counted(summary.errors, "error") : std::string(),
+                summary.warnings != 0 ? Counted(summary.warnings, "warning") : std::string()});
+    std::string html = found.empty() ? std::string("<p class=\"verdict good\">No problems found</p>")
+                                     : std::string("<p class=\"verdict ") + (summary.errors != 0 ? "bad" : "warn") +
+                                           "\"><a href=\"#problems\">" + found + " found</a></p>";
     html += "<dl>";
     for (const TRow& row : SummaryRows(summary)) {
         html += "<div><dt>" + HtmlText(row[0]) + "</dt><dd>" + HtmlText(row[1]) + "</dd></div>";

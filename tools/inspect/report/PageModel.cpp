@@ -568,7 +568,9 @@ void CPageModel::Finding(const SFinding& finding)
     m_Add(t_findings, finding.source,
           "<td>" + HtmlBadge(k_badges[static_cast<std::size_t>(finding.severity)], RuleName(finding.rule)) +
               "</td><td>" + HtmlText(HtmlClipped(finding.message, k_longLine)) +
-              (finding.times > 1 ? " (and " + std::to_string(finding.times - 1) + " more like it)</td>" : "</td>"));
+              (finding.times > 1 ? " (and " + std::to_string(finding.times - 1) + " more like it)" : "") +
+              "<br><small>" + HtmlText(RuleOf(finding.rule).means) + ' ' + HtmlText(RuleOf(finding.rule).remedy) +
+              "</small></td>");
     if (finding.rule == ERule::NO_SIGNALLING && finding.serviceId) {
         if (std::string* why = m_Find(t_missing, {file, finding.serviceList, std::to_string(*finding.serviceId)})) {
             m_bytes -= 3 * why->size();
