@@ -9,6 +9,7 @@
 #include "ExitStatus.h"
 #include "Options.h"
 #include "common/ChannelMap.h"
+#include "content/Certificates.h"
 #include "follow/LlsFollower.h"
 #include "model/Report.h"
 #include "report/Output.h"
@@ -44,7 +45,7 @@ class CInspector {
     void m_SlsFile(SView bytes, const std::string& name);
     void m_MessageFile(SView bytes, const std::string& name);
     void m_CaptureFindings(const std::string& name, const SPacketCounts& counts, const TFollowers& followers,
-                         const TDestinations& destinations);
+                           const TDestinations& destinations);
     void m_Finish(const CLlsFollower& follower);
 
     const SOptions& m_options;
@@ -52,6 +53,8 @@ class CInspector {
     const COutput& m_output;
     CProgress& m_progress;
     CChannelMap m_channelMap;
+    CVerifier m_verifier;
+    SRuleSettings m_rules;
     bool m_failed = false;
 };
 
