@@ -73,10 +73,11 @@ TEST(AlertRules, EachIsBrokenAlone)
          "<SrcFlow><EFDT><FDT-Instance fileTemplate='$TOI$.png'/></EFDT></SrcFlow>"},
         {"", Alert(alert, "", "x.png"), SAlertCase().service, {}, first},
     };
-    int place = 0;
+    int place = -1;
     for (SAlertCase one : cases) {
+        ++place;
         one.flow = one.flow.empty() ? SAlertCase().flow : one.flow;
-        EXPECT_EQ(Findings(Capture(one), {"alert-"}), Only(one.broken)) << "case " << place++;
+        EXPECT_EQ(Findings(Capture(one), {"alert-"}), Only(one.broken)) << "case " << place;
     }
 }
 

@@ -116,10 +116,11 @@ TEST(GuideRules, EachIsBrokenAlone)
         {"guide-service-unknown", Service("urn:x:3")},
         {"", Service("urn:x:3"), Schedule(0), {Content("c1"), Content("c2")}, {}, {}, 2},
     };
-    int place = 0;
+    int place = -1;
     for (SGuideCase one : cases) {
+        ++place;
         one.list = one.list.empty() ? SGuideCase().list : one.list;
-        EXPECT_EQ(Findings(Capture(one), {"guide-"}), Only(one.name)) << "case " << place++;
+        EXPECT_EQ(Findings(Capture(one), {"guide-"}), Only(one.name)) << "case " << place;
     }
 }
 

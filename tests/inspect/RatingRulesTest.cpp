@@ -79,11 +79,12 @@ TEST(RatingRules, EachIsBrokenAlone)
         {"", Rating("Rating", "6,'TV',{0 'A'}") + Rating("Rating", "1,'TV',{9 'A'}"), none, none, none, "-"},
         {"", Rating("Rating", "6,'TV',{0 'A'}"), none, none, none, none, 2},
     };
-    int place = 0;
+    int place = -1;
     for (SRatingCase one : cases) {
+        ++place;
         one.regions = one.regions == "-" ? none : one.regions.empty() ? SRatingCase().regions : one.regions;
         EXPECT_EQ(Findings(Capture(one), {"rating-", "guide-not", "document-not", "message-not"}), Only(one.broken))
-            << "case " << place++;
+            << "case " << place;
     }
 }
 

@@ -96,6 +96,12 @@ CInspector::CInspector(const SOptions& options, CReport& report, const COutput& 
 {
     InstallPlatform(options.log, options.settings);
     TCParseLLS::SetDecompressLLS(true);
+    m_rules = m_options.rules;
+    m_rules.verifier = &m_verifier;
+    if (const std::string wrong = options.trust.empty() ? std::string() : m_verifier.ReadRoots(options.trust);
+        !wrong.empty()) {
+        throw std::runtime_error(Printable(options.trust) + ": " + wrong);
+    }
     m_channelMap.Create();
     if (const std::string wrong = options.genres.empty() ? std::string() : ReadGenres(options.genres); !wrong.empty()) {
         m_channelMap.Destroy();
@@ -135,7 +141,7 @@ void CInspector::m_Inspect(const std::string& name)
 {
     CInput input(name);
     m_report.Received(input.Bytes().size);  // none of a capture
-    CJudge judge(m_report, name, input.IsCapture(), m_options.rules);
+    CJudge judge(m_report, name, input.IsCapture(), m_rules);
     if (input.IsCapture()) {
         ++m_report.Summary().captures;
         m_Capture(input, name, judge);

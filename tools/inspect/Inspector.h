@@ -9,6 +9,7 @@
 #include "ExitStatus.h"
 #include "Options.h"
 #include "common/ChannelMap.h"
+#include "content/Certificates.h"
 #include "follow/LlsFollower.h"
 #include "model/Report.h"
 #include "report/Output.h"
@@ -52,6 +53,8 @@ class CInspector {
     const COutput& m_output;
     CProgress& m_progress;
     CChannelMap m_channelMap;
+    CVerifier m_verifier;
+    SRuleSettings m_rules;
     bool m_failed = false;
 };
 

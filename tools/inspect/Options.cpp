@@ -129,11 +129,12 @@ std::string CommandLine(int argc, const char* const* argv)
 }
 
 /// The page must not take the place of what is read.
-void CheckPage(const std::string& page, std::vector<std::string> inputs, const std::string& genres)
+void CheckPage(const std::string& page, std::vector<std::string> inputs, const std::string& genres,
+               const std::string& trust)
 {
     std::error_code none;
     std::replace(inputs.begin(), inputs.end(), std::string("-"), std::string("/dev/stdin"));
-    inputs.push_back(genres);
+    inputs.insert(inputs.end(), {genres, trust});
     for (const std::string& input : inputs) {
         if (!page.empty() && std::filesystem::is_regular_file(page, none) &&
             std::filesystem::equivalent(page, input, none)) {
@@ -173,6 +174,8 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     app.add_option("--html", options.html, "Write the whole report as one HTML page as well")->type_name("FILE");
     app.add_flag("--local-time", options.localTime, "Show the guide's times in the machine's time zone, not in UTC");
     app.add_option("--genres", options.genres, "Classification scheme with the names of the guide's genres")
+        ->type_name("FILE");
+    app.add_option("--trust", options.trust, "Certificates (PEM) that those of the broadcast are to lead to")
         ->type_name("FILE");
     const auto addEach = [&app](const char* option, const char* type, std::vector<std::string>& texts,
                                 const char* about) {
@@ -218,7 +221,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     try {
         app.parse(argc, argv);
         options.log = ReadLevel(log);
-        CheckPage(options.html, options.inputs, options.genres);
+        CheckPage(options.html, options.inputs, options.genres, options.trust);
         options.llsStreams = ReadEndpoints("--lls", streams);
         options.routeSessions = ReadEndpoints("--route", routeSessions);
         options.mmtpSessions = ReadEndpoints("--mmtp", mmtpSessions);

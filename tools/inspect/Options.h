@@ -26,6 +26,7 @@ struct SOptions {
     bool json = false;
     bool localTime = false;
     std::string genres;  ///< file of the genre names; empty: the library's own
+    std::string trust;   ///< file of the certificates that are trusted; empty: none are
     bool quiet = false;
     bool noLimit = false;
     bool full = false;

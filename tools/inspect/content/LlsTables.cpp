@@ -5,8 +5,10 @@
 #include <cstdlib>
 #include <iterator>
 #include <list>
+#include <string_view>
 #include <type_traits>
 
+#include "base/Gunzip.h"
 #include "base/Json.h"
 #include "base/Limits.h"
 #include "base/Names.h"
@@ -288,8 +290,34 @@ std::string CertificateTime(const char* label, const std::optional<SGivenTime>& 
                             : label + Quoted(given->text) + " (no time)";
 }
 
-SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
+SView Bytes(std::string_view text)
 {
+    return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+}
+
+/// The first element of the name as it stands, with its tags; nothing: it is not found.
+SView ElementText(std::string_view document, const std::string& name)
+{
+    const std::size_t found = document.find(name);
+    const std::size_t begin = found != std::string_view::npos ? document.rfind('<', found) : found;
+    if (begin == std::string_view::npos) {
+        return {};
+    }
+    const std::string end = "</" + std::string(document.substr(begin + 1, found + name.size() - begin - 1)) + '>';
+    const std::size_t last = document.find(end, found);
+    return last != std::string_view::npos ? Bytes(document.substr(begin, last + end.size() - begin)) : SView{};
+}
+
+SContent ReadCdt(const CParseCDT& parser, SView bytes, STableOutcome& outcome)
+{
+    constexpr std::size_t k_longestDocument = 8388608;
+    std::vector<unsigned char> inflated;
+    SView payload = bytes.From(k_header);
+    if (IsGzip(payload) && Gunzip(payload, k_longestDocument, inflated)) {
+        payload = {inflated.data(), inflated.size()};
+    }
+    const std::string_view document(reinterpret_cast<const char*>(payload.data), payload.size);
+
     std::list<std::string> certificates;
     std::list<std::string> responses;
     std::string current;
@@ -317,6 +345,10 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
             content.text += "  certificate: " + certificate.error + '\n';
             Append(content.json, "Certificates", TJson::object({{"error", certificate.error}}));
             continue;
+        }
+        constexpr std::size_t k_mostCertificates = 64;
+        if (certificate.facts && outcome.certificates.size() < k_mostCertificates) {
+            outcome.certificates.push_back(certificate.facts);
         }
         content.text += "  certificate\n" + Line("subject", Printable(certificate.subject)) +
                         Line("issuer", Printable(certificate.issuer)) +
@@ -358,6 +390,10 @@ SContent ReadCdt(const CParseCDT& parser, STableOutcome& outcome)
         content.text +=
             "  signature over " + Counted(toBeSigned.size(), "byte") + ": " + SignatureText(signature) + '\n';
         content.json["CMSSignedData"] = SignatureJson(signature);
+        // The library writes the element anew.
+        if (const SView text = ElementText(document, "ToBeSignedData"); text.size != 0) {
+            outcome.signedBytes = Signed(signature, {text, Bytes(toBeSigned)});
+        }
         if (!signature.error.empty()) {
             outcome.faults.emplace_back(ERule::BAD_SIGNATURE, "CMSSignedData: " + signature.error);
         }
@@ -413,6 +449,7 @@ void ReadMultiTable(const SLlsHeader& header, SView bytes, STableOutcome& outcom
     content.text = "  signature over " + Counted(block.size(), "byte") + ": " + SignatureText(signature) + '\n';
     content.json["signedSize"] = block.size();
     content.json["signature"] = SignatureJson(signature);
+    outcome.signedBytes = Signed(signature, {{block.data(), block.size()}});
     if (!signature.error.empty()) {
         outcome.faults.emplace_back(ERule::BAD_SIGNATURE, "the signature is " + signature.error);
     }
@@ -432,10 +469,13 @@ void Read(const SLlsHeader& header, SView bytes, STableOutcome& outcome)
         parser.Create();
     }
     if (Feed(parser, bytes, outcome.reason)) {
+        std::string xml;
+        std::string cms;
+        outcome.cmsSignedData = parser.CheckCMS(bytes.data, static_cast<int>(bytes.size), xml, cms);
         if constexpr (std::is_invocable_v<decltype(TRead), const TParser&>) {
             outcome.content = TRead(parser);
         } else {
-            outcome.content = TRead(parser, outcome);
+            outcome.content = TRead(parser, bytes, outcome);
         }
     }
     parser.Destroy();

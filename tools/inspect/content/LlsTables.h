@@ -7,6 +7,7 @@
 #include "base/Bytes.h"
 #include "model/Finding.h"
 #include "model/OptionalContent.h"
+#include "model/Signed.h"
 
 namespace vyr::inspect {
 
@@ -16,6 +17,9 @@ struct STableOutcome {
     std::string reason;  ///< why there is none
     std::vector<std::pair<ERule, std::string>> faults;
     std::vector<std::vector<unsigned char>> inner;  ///< tables within, each behind a header of its own
+    bool cmsSignedData = false;                     ///< it has an element of that name
+    std::shared_ptr<const SSigned> signedBytes;     ///< null: it has no signature that is verified
+    TCertificates certificates;                     ///< that it announces, the first ones
 };
 
 /// Whether ParseTable knows the table id.

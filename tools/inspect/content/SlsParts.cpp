@@ -156,7 +156,10 @@ class CPackageReader {
         if (type.compare(0, 10, "multipart/") != 0 || boundary.empty() || m_boundaries.size() == k_deepest) {
             return false;
         }
-        m_signed = m_signed || type == "multipart/signed";
+        if (type == "multipart/signed" && !m_signed) {
+            m_signed = true;
+            m_signedLevel = m_boundaries.size();
+        }
         m_boundaries.push_back(boundary);
         return true;
     }
@@ -177,6 +180,9 @@ class CPackageReader {
             }
             m_EndPart(at);
             m_boundaries.resize(level + (last ? 0 : 1));
+            if (m_signed && level == m_signedLevel) {
+                m_SignedBoundary(at, std::min(m_text.size() - rest.size() + end + 1, m_text.size()));
+            }
             if (!last) {
                 at = std::min(m_text.size() - rest.size() + end + 1, m_text.size());
                 m_head = ReadHead(m_text, at);
@@ -191,6 +197,29 @@ class CPackageReader {
 
     bool m_Holds(SView part, const unsigned char* at) const { return at >= part.data && at < part.data + part.size; }
 
+    /// What is signed stands between the first two boundaries of the package, without the end of its last line.
+    void m_SignedBoundary(std::size_t line, std::size_t behind)
+    {
+        if (m_signedBoundaries == 0) {
+            m_signedBegin = behind;
+        } else if (m_signedBoundaries == 1) {
+            m_signedEnd = m_WithoutLineEnd(line, m_signedBegin);
+        }
+        ++m_signedBoundaries;
+    }
+
+    /// Where the text that begins there ends, in front of the line.
+    std::size_t m_WithoutLineEnd(std::size_t line, std::size_t begin) const
+    {
+        line -= line > begin && m_text[line - 1] == '\n' ? 1 : 0;
+        return line - (line > begin && m_text[line - 1] == '\r' ? 1 : 0);
+    }
+
+    SView m_Part(std::size_t begin, std::size_t end) const
+    {
+        return {reinterpret_cast<const unsigned char*>(m_text.data()) + begin, end > begin ? end - begin : 0};
+    }
+
     /// Takes the part that ends before the line at `end`, if there is one.
     void m_EndPart(std::size_t end)
     {
@@ -198,12 +227,7 @@ class CPackageReader {
             return;
         }
         m_inPart = false;
-        if (end < m_text.size()) {
-            end -= end > m_begin && m_text[end - 1] == '\n' ? 1 : 0;
-            end -= end > m_begin && m_text[end - 1] == '\r' ? 1 : 0;
-        }
-        const SView body = {reinterpret_cast<const unsigned char*>(m_text.data()) + m_begin,
-                            end > m_begin ? end - m_begin : 0};
+        const SView body = m_Part(m_begin, end < m_text.size() ? m_WithoutLineEnd(end, m_begin) : end);
         SPackagePart part = {m_head.type, m_head.location, body.size, {}, {}};
         if (m_Holds(body, m_envelope.data)) {
             part.readAs.emplace_back(k_envelopeName);
@@ -239,6 +263,9 @@ class CPackageReader {
                                          : ReadSignature(std::vector<unsigned char>(body.data, body.data + body.size));
         m_package.signature.emplace().headline = SignatureText(signature);
         m_package.signature->json = SignatureJson(signature);
+        if (m_signedBoundaries == 2 && m_boundaries.size() == m_signedLevel + 1) {
+            m_package.signedBytes = SignedText(signature, m_Part(m_signedBegin, m_signedEnd));
+        }
         m_package.signatureFault = signature.error.empty() ? "" : "the signature of the package is " + signature.error;
     }
 
@@ -247,6 +274,10 @@ class CPackageReader {
     const SView m_envelope;
     std::vector<std::string> m_boundaries;  ///< of the package, and of those within it that are open
     bool m_signed = false;
+    std::size_t m_signedLevel = 0;  ///< of the package that is signed, in m_boundaries
+    int m_signedBoundaries = 0;     ///< of it that came
+    std::size_t m_signedBegin = 0;
+    std::size_t m_signedEnd = 0;
     bool m_inPart = false;
     SHead m_head;             ///< of the part
     std::size_t m_begin = 0;  ///< of its content

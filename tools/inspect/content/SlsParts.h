@@ -14,8 +14,9 @@ struct SPackage {
     std::uint64_t moreParts = 0;
     bool ended = false;  ///< the last boundary came
     bool hasEnvelope = false;
-    COptionalContent signature;  ///< of S/MIME: its form
-    std::string signatureFault;  ///< empty: nothing is wrong with it, or the package is not signed
+    COptionalContent signature;                  ///< of S/MIME: its form
+    std::shared_ptr<const SSigned> signedBytes;  ///< null: it has no signature that is verified
+    std::string signatureFault;                  ///< empty: nothing is wrong with it, or the package is not signed
     bool hasUnread = false;
     std::uint64_t unreadHash = 0;  ///< tells the contents of the parts that are not read apart
 };

@@ -234,6 +234,7 @@ void CLlsFollower::m_Take(SView bytes, const SSource& source, bool insideMultiTa
     if (table.parserExists && table.status != EStatus::REPEATED) {
         outcome = table.header.tableId == k_slt ? m_ParseSlt(bytes, table) : m_ParseOther(bytes, table);
         table.slt = std::move(outcome.slt);
+        table.cmsSignedData = table.cmsSignedData || (table.slt && table.slt->cmsSignedData);
     }
     m_report.Table(table);
     if (table.status == EStatus::CHANGED_WITHOUT_VERSION) {
@@ -266,6 +267,9 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseOther(SView bytes, STable& table)
     TakeAssertions();
     STableOutcome parsed = ParseTable(table.header, bytes);
     table.content = std::move(parsed.content);
+    table.cmsSignedData = parsed.cmsSignedData;
+    table.signedBytes = std::move(parsed.signedBytes);
+    table.certificates = std::move(parsed.certificates);
     outcome.reason = std::move(parsed.reason);
     outcome.inner = std::move(parsed.inner);
     for (const auto& [code, message] : parsed.faults) {

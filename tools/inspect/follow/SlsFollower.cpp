@@ -87,6 +87,7 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     signalling.moreParts = package.moreParts;
     signalling.partsEnded = package.ended;
     signalling.signature = std::move(package.signature);
+    signalling.signedBytes = std::move(package.signedBytes);
     t_report.Signalling(signalling);
     package.parts.swap(signalling.parts);
     if (changed) {

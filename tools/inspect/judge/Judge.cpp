@@ -72,6 +72,7 @@ CJudge::CJudge(CReport& report, const std::string& file, bool capture, const SRu
     m_rules.push_back(MmtRules(m_evidence, m_findings, settings));
     m_rules.push_back(AlertRules(m_evidence, m_findings));
     m_rules.push_back(RatingRules(m_evidence, m_findings));
+    m_rules.push_back(SignatureRules(m_evidence, m_findings, settings));
     m_rules.push_back(GuideRules(m_evidence, m_findings));
     m_report.SetWitness(this);
 }

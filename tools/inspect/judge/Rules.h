@@ -10,7 +10,8 @@ namespace vyr::inspect {
 
 /// What the user of the tool sets of the rules.
 struct SRuleSettings {
-    double longestInterval = 5;  ///< seconds between two service lists, or two rounds of signalling
+    double longestInterval = 5;           ///< seconds between two service lists, or two rounds of signalling
+    const IVerifier* verifier = nullptr;  ///< null: no signature is verified
 };
 
 /// A group of rules: is told of what comes, and judges at once, or at the end of the input.
@@ -42,6 +43,7 @@ std::unique_ptr<CRules> DeliveryRules(const SEvidence& evidence, CFindings& find
 std::unique_ptr<CRules> MmtRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
 std::unique_ptr<CRules> AlertRules(const SEvidence& evidence, CFindings& findings);
 std::unique_ptr<CRules> RatingRules(const SEvidence& evidence, CFindings& findings);
+std::unique_ptr<CRules> SignatureRules(const SEvidence& evidence, CFindings& findings, const SRuleSettings& settings);
 std::unique_ptr<CRules> GuideRules(const SEvidence& evidence, CFindings& findings);
 
 }  // namespace vyr::inspect

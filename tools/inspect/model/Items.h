@@ -9,6 +9,7 @@
 #include "lls/ParseSLT.h"
 #include "model/Counts.h"
 #include "model/OptionalContent.h"
+#include "model/Signed.h"
 #include "model/Source.h"
 
 namespace vyr::inspect {
@@ -42,6 +43,9 @@ struct STable {
     bool insideMultiTable = false;
     std::optional<SSlt> slt;  ///< when it parsed; another table has a content
     COptionalContent content;
+    bool cmsSignedData = false;                  ///< it has an element of that name
+    std::shared_ptr<const SSigned> signedBytes;  ///< null: it has no signature that is verified
+    TCertificates certificates;                  ///< that it announces, the first ones
 };
 
 /// Documents of the service-layer signalling (SLS) of ROUTE, in the order in which the library parses
@@ -92,8 +96,9 @@ struct SSignalling {
     std::vector<SEnvelopeItem> items;
     std::vector<SPackagePart> parts;  ///< the first ones; none: it is no package
     std::uint64_t moreParts = 0;
-    bool partsEnded = true;      ///< the last boundary of the package came
-    COptionalContent signature;  ///< of the package: its form
+    bool partsEnded = true;                      ///< the last boundary of the package came
+    COptionalContent signature;                  ///< of the package: its form
+    std::shared_ptr<const SSigned> signedBytes;  ///< null: it has no signature that is verified
     std::vector<SSlsDocument> documents;
 };
 
