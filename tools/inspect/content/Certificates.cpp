@@ -185,7 +185,7 @@ bool IsWrong()
     return wrong;
 }
 
-EVerdict VerifyForm(const SSigned& item, const std::vector<unsigned char>& form, const TCertificates& signers)
+ESigned VerifyForm(const SSigned& item, const std::vector<unsigned char>& form, const TCertificates& signers)
 {
     const TCms cms = ReadCms(item.signature);
     const TBio content(BIO_new_mem_buf(form.data(), static_cast<int>(form.size())));
@@ -194,9 +194,9 @@ EVerdict VerifyForm(const SSigned& item, const std::vector<unsigned char>& form,
     ERR_clear_error();
     const unsigned flags = CMS_BINARY | CMS_NO_SIGNER_CERT_VERIFY | CMS_NOINTERN;
     if (CMS_verify(cms.get(), stack.get(), nullptr, content.get(), sink.get(), flags) == 1) {
-        return EVerdict::VERIFIED;
+        return ESigned::VERIFIED;
     }
-    return IsWrong() ? EVerdict::WRONG : EVerdict::UNKNOWN;
+    return IsWrong() ? ESigned::WRONG : ESigned::UNKNOWN;
 }
 
 }  // namespace
@@ -345,7 +345,7 @@ std::string CVerifier::ReadRoots(const std::string& file)
     return count == 0 || !ended ? "not certificates in PEM form" : "";
 }
 
-EVerdict CVerifier::Verify(const SSigned& item, const TCertificates& certificates) const
+ESigned CVerifier::Verify(const SSigned& item, const TCertificates& certificates) const
 {
     const TCms cms = ReadCms(item.signature);
     const STACK_OF(CMS_SignerInfo)* signers = CMS_get0_SignerInfos(cms.get());
@@ -355,17 +355,17 @@ EVerdict CVerifier::Verify(const SSigned& item, const TCertificates& certificate
         const auto* within = SignerOf(signer, item.certificates);
         const auto* found = within != nullptr ? within : SignerOf(signer, certificates);
         if (found == nullptr || !IsUsual(Parsed(**found))) {
-            return EVerdict::UNKNOWN;
+            return ESigned::UNKNOWN;
         }
         theirs.push_back(*found);
     }
-    EVerdict verdict = EVerdict::WRONG;
+    ESigned verdict = ESigned::WRONG;
     for (const std::vector<unsigned char>& form : item.forms) {
-        const EVerdict own = VerifyForm(item, form, theirs);
-        if (own == EVerdict::VERIFIED) {
+        const ESigned own = VerifyForm(item, form, theirs);
+        if (own == ESigned::VERIFIED) {
             return own;
         }
-        verdict = own == EVerdict::UNKNOWN ? own : verdict;
+        verdict = own == ESigned::UNKNOWN ? own : verdict;
     }
     return verdict;
 }

@@ -54,7 +54,7 @@ class CVerifier : public IVerifier {
     /// Reads certificates in PEM form; what is wrong with the file, empty: nothing.
     std::string ReadRoots(const std::string& file);
 
-    EVerdict Verify(const SSigned& item, const TCertificates& certificates) const override;
+    ESigned Verify(const SSigned& item, const TCertificates& certificates) const override;
     TCertificates Signers(const SSigned& item, const TCertificates& certificates) const override;
     bool Issued(const SCertificateFacts& issuer, const SCertificateFacts& certificate) const override;
     bool HasRoots() const override;

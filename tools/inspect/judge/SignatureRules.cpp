@@ -188,13 +188,13 @@ void CSignatureRules::m_Take(const std::string& key, SSigner now, const std::sha
 /// Tells when signatures begin to be wrong.
 void CSignatureRules::m_Verify(SSigner& signer, const TCertificates& announced)
 {
-    const EVerdict verdict = m_verifier->Verify(*signer.last, announced);
-    signer.pending = verdict == EVerdict::UNKNOWN;
-    if (verdict == EVerdict::WRONG && !signer.wrong) {
+    const ESigned verdict = m_verifier->Verify(*signer.last, announced);
+    signer.pending = verdict == ESigned::UNKNOWN;
+    if (verdict == ESigned::WRONG && !signer.wrong) {
         t_findings.Tell(ERule::SIGNATURE_WRONG, "the signature of " + signer.title + " does not verify", signer.source,
                         signer.service, signer.session);
     }
-    signer.wrong = verdict == EVerdict::UNKNOWN ? signer.wrong : verdict == EVerdict::WRONG;
+    signer.wrong = verdict == ESigned::UNKNOWN ? signer.wrong : verdict == ESigned::WRONG;
 }
 
 /// The certificates that something depends on: those of signers, and what issued these.

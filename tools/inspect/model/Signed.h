@@ -33,7 +33,7 @@ struct SSigned {
     }
 };
 
-enum class EVerdict {
+enum class ESigned {
     UNKNOWN,   ///< a certificate of a signer is missing, or it cannot be verified here
     VERIFIED,  ///< by every signer, over one of the forms
     WRONG
@@ -43,7 +43,7 @@ enum class EVerdict {
 class IVerifier {
   public:
     virtual ~IVerifier() = default;
-    virtual EVerdict Verify(const SSigned& item, const TCertificates& certificates) const = 0;
+    virtual ESigned Verify(const SSigned& item, const TCertificates& certificates) const = 0;
     /// Those of the certificates that are of its signers.
     virtual TCertificates Signers(const SSigned& item, const TCertificates& certificates) const = 0;
     /// Whether one of the certificates can be what issued the other, by their names and key identifiers.
