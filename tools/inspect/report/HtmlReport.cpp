@@ -128,9 +128,8 @@ std::string CHtmlReport::m_Foot() const
 
 std::string CHtmlReport::m_Overview(const SSummary& summary) const
 {
-    const std::string found =
-        Joined({summary.errors != 0 ? Counted(summary.errors, "error") : std::string(),
-                summary.warnings != 0 ? Counted(summary.warnings, "warning") : std::string()});
+    const std::string found = Joined({summary.errors != 0 ? Counted(summary.errors, "error") : std::string(),
+                                      summary.warnings != 0 ? Counted(summary.warnings, "warning") : std::string()});
     std::string html = found.empty() ? std::string("<p class=\"verdict good\">No problems found</p>")
                                      : std::string("<p class=\"verdict ") + (summary.errors != 0 ? "bad" : "warn") +
                                            "\"><a href=\"#problems\">" + found + " found</a></p>";
