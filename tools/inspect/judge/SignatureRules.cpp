@@ -83,6 +83,8 @@ class CSignatureRules : public CRules {
     static constexpr std::size_t k_mostPlaces = 4096;      ///< of tables, and of packages
     static constexpr std::size_t k_mostAnnouncers = 16;    ///< tables of certificates
     static constexpr std::size_t k_mostSigners = 256;      ///< places that signatures come in
+    static constexpr std::uint64_t k_mostVerified = 1000;  ///< all of them, and then one of
+    static constexpr std::uint64_t k_oneOf = 16;
     static constexpr std::size_t k_mostPending = 8388608;  ///< bytes of what waits for certificates
 
     void m_Announce(const STable& table);
@@ -98,6 +100,7 @@ class CSignatureRules : public CRules {
     const IVerifier* const m_verifier;
     std::map<std::string, SSigner> m_signers;
     std::size_t m_pending = 0;
+    std::uint64_t m_taken = 0;
     std::map<TListKey, SAnnounced> m_announced;
     TCertificates m_all;                                                     ///< that are announced
     std::map<std::tuple<std::string, unsigned, unsigned>, SForms> m_tables;  ///< by stream, group and table
@@ -172,7 +175,10 @@ void CSignatureRules::m_Take(const std::string& key, SSigner now, const std::sha
     now.wrong = signer.wrong;
     now.last = item;
     signer = std::move(now);
-    m_Verify(signer);
+    // Verifying is slow; where the time changes with every table, most are passed over.
+    if (m_taken++ < k_mostVerified || m_taken % k_oneOf == 0) {
+        m_Verify(signer);
+    }
     if (signer.pending && m_pending + item->Bytes() <= k_mostPending) {
         m_pending += item->Bytes();
         return;
@@ -200,7 +206,7 @@ TCertificates CSignatureRules::m_Signers() const
 {
     TCertificates signers;
     for (const auto& [key, signer] : m_signers) {
-        AddNew(signers, m_verifier->Signers(*signer.last, signer.last->certificates));
+        AddNew(signers, m_verifier->Signers(*signer.last, m_verifier->Within(*signer.last)));
         AddNew(signers, m_verifier->Signers(*signer.last, m_all));
     }
     for (const auto& [key, one] : m_announced) {
@@ -330,7 +336,7 @@ void CSignatureRules::Finish(const SDelivery* delivery)
     const TCertificates signers = m_Signers();
     TCertificates known = m_all;
     for (const auto& [key, signer] : m_signers) {
-        AddNew(known, signer.last->certificates);
+        AddNew(known, m_verifier->Within(*signer.last));
     }
     for (const auto& certificate : signers) {
         if (m_verifier->HasRoots() && !m_verifier->Trusted(*certificate, known)) {
