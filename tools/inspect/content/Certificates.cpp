@@ -290,15 +290,6 @@ std::shared_ptr<const SSigned> Signed(const SSignature& signature, const std::ve
     for (const SView& form : forms) {
         item->forms.emplace_back(form.data, form.data + form.size);
     }
-    const TStack within(CMS_get1_certs(ReadCms(signature.der).get()));
-    for (int i = 0; i < sk_X509_num(within.get()) && item->certificates.size() < k_mostCertificates; ++i) {
-        X509* x509 = sk_X509_value(within.get(), i);
-        X509_up_ref(x509);
-        if (auto facts = FactsOf(TX509(x509))) {
-            item->certificates.push_back(std::move(facts));
-        }
-    }
-    ERR_clear_error();
     return item;
 }
 
@@ -345,14 +336,30 @@ std::string CVerifier::ReadRoots(const std::string& file)
     return count == 0 || !ended ? "not certificates in PEM form" : "";
 }
 
+TCertificates CVerifier::Within(const SSigned& item) const
+{
+    TCertificates certificates;
+    const TStack within(CMS_get1_certs(ReadCms(item.signature).get()));
+    for (int i = 0; i < sk_X509_num(within.get()) && certificates.size() < k_mostCertificates; ++i) {
+        X509* x509 = sk_X509_value(within.get(), i);
+        X509_up_ref(x509);
+        if (auto facts = FactsOf(TX509(x509))) {
+            certificates.push_back(std::move(facts));
+        }
+    }
+    ERR_clear_error();
+    return certificates;
+}
+
 ESigned CVerifier::Verify(const SSigned& item, const TCertificates& certificates) const
 {
     const TCms cms = ReadCms(item.signature);
     const STACK_OF(CMS_SignerInfo)* signers = CMS_get0_SignerInfos(cms.get());
+    const TCertificates own = Within(item);
     TCertificates theirs;
     for (int i = 0; i < sk_CMS_SignerInfo_num(signers); ++i) {
         CMS_SignerInfo* signer = sk_CMS_SignerInfo_value(signers, i);
-        const auto* within = SignerOf(signer, item.certificates);
+        const auto* within = SignerOf(signer, own);
         const auto* found = within != nullptr ? within : SignerOf(signer, certificates);
         if (found == nullptr || !IsUsual(Parsed(**found))) {
             return ESigned::UNKNOWN;
@@ -361,11 +368,11 @@ ESigned CVerifier::Verify(const SSigned& item, const TCertificates& certificates
     }
     ESigned verdict = ESigned::WRONG;
     for (const std::vector<unsigned char>& form : item.forms) {
-        const ESigned own = VerifyForm(item, form, theirs);
-        if (own == ESigned::VERIFIED) {
-            return own;
+        const ESigned one = VerifyForm(item, form, theirs);
+        if (one == ESigned::VERIFIED) {
+            return one;
         }
-        verdict = own == ESigned::UNKNOWN ? own : verdict;
+        verdict = one == ESigned::UNKNOWN ? one : verdict;
     }
     return verdict;
 }

@@ -54,6 +54,7 @@ class CVerifier : public IVerifier {
     /// Reads certificates in PEM form; what is wrong with the file, empty: nothing.
     std::string ReadRoots(const std::string& file);
 
+    TCertificates Within(const SSigned& item) const override;
     ESigned Verify(const SSigned& item, const TCertificates& certificates) const override;
     TCertificates Signers(const SSigned& item, const TCertificates& certificates) const override;
     bool Issued(const SCertificateFacts& issuer, const SCertificateFacts& certificate) const override;

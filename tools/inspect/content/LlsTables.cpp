@@ -346,7 +346,7 @@ SContent ReadCdt(const CParseCDT& parser, SView bytes, STableOutcome& outcome)
             Append(content.json, "Certificates", TJson::object({{"error", certificate.error}}));
             continue;
         }
-        constexpr std::size_t k_mostCertificates = 64;
+        constexpr std::size_t k_mostCertificates = 32;
         if (certificate.facts && outcome.certificates.size() < k_mostCertificates) {
             outcome.certificates.push_back(certificate.facts);
         }

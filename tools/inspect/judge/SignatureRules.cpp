@@ -55,12 +55,13 @@ bool Same(const SCertificateFacts& a, const SCertificateFacts& b)
            std::tie(b.subject, b.keyId, b.notBefore, b.notAfter);
 }
 
+constexpr std::size_t k_mostCertificates = 64;
+
 void AddNew(TCertificates& all, const TCertificates& more)
 {
-    constexpr std::size_t k_most = 256;
     for (const auto& one : more) {
         const auto same = [&one](const auto& other) { return Same(*one, *other); };
-        if (all.size() < k_most && std::none_of(all.begin(), all.end(), same)) {
+        if (all.size() < k_mostCertificates && std::none_of(all.begin(), all.end(), same)) {
             all.push_back(one);
         }
     }
@@ -79,24 +80,29 @@ class CSignatureRules : public CRules {
     void Finish(const SDelivery* delivery) override;
 
   private:
-    static constexpr std::size_t k_mostPlaces = 4096;      ///< of each kind
+    static constexpr std::size_t k_mostPlaces = 4096;      ///< of tables, and of packages
+    static constexpr std::size_t k_mostAnnouncers = 16;    ///< tables of certificates
     static constexpr std::size_t k_mostSigners = 256;      ///< places that signatures come in
+    static constexpr std::uint64_t k_mostVerified = 1000;  ///< all of them, and then one of
+    static constexpr std::uint64_t k_oneOf = 16;
     static constexpr std::size_t k_mostPending = 8388608;  ///< bytes of what waits for certificates
 
     void m_Announce(const STable& table);
     void m_Take(const std::string& key, SSigner now, const std::shared_ptr<const SSigned>& item);
-    TCertificates m_Announced() const;
-    void m_Verify(SSigner& signer, const TCertificates& announced);
-    TCertificates m_Used(const TCertificates& announced, TCertificates& signers) const;
+    void m_Verify(SSigner& signer);
+    TCertificates m_Used(const TCertificates& known, const TCertificates& signers) const;
+    TCertificates m_Signers() const;
     void m_Validity(const TCertificates& used);
-    void m_NotAnnounced(const TCertificates& announced);
+    void m_NotAnnounced();
     void m_UnsignedTables();
     void m_UnsignedPackages();
 
     const IVerifier* const m_verifier;
     std::map<std::string, SSigner> m_signers;
     std::size_t m_pending = 0;
+    std::uint64_t m_taken = 0;
     std::map<TListKey, SAnnounced> m_announced;
+    TCertificates m_all;                                                     ///< that are announced
     std::map<std::tuple<std::string, unsigned, unsigned>, SForms> m_tables;  ///< by stream, group and table
     std::map<std::string, SForms> m_packages;                                ///< by session
 };
@@ -126,7 +132,7 @@ void CSignatureRules::Table(const STable& table)
 void CSignatureRules::m_Announce(const STable& table)
 {
     const TListKey key = {table.stream, table.header.groupId};
-    if (m_announced.size() == k_mostPlaces && m_announced.count(key) == 0) {
+    if (m_announced.size() == k_mostAnnouncers && m_announced.count(key) == 0) {
         return;
     }
     SAnnounced& announced = m_announced[key];
@@ -135,6 +141,10 @@ void CSignatureRules::m_Announce(const STable& table)
         const TJson& json = table.content->json;
         announced.current = Text(json, "CurrentCert");
         announced.whole = Field(json, "Certificates").size() == table.certificates.size();
+    }
+    m_all.clear();
+    for (const auto& [place, one] : m_announced) {
+        AddNew(m_all, one.certificates);
     }
 }
 
@@ -155,15 +165,6 @@ void CSignatureRules::Signalling(const SSignalling& signalling)
     }
 }
 
-TCertificates CSignatureRules::m_Announced() const
-{
-    TCertificates all;
-    for (const auto& [key, announced] : m_announced) {
-        AddNew(all, announced.certificates);
-    }
-    return all;
-}
-
 void CSignatureRules::m_Take(const std::string& key, SSigner now, const std::shared_ptr<const SSigned>& item)
 {
     if (m_verifier == nullptr || (m_signers.size() == k_mostSigners && m_signers.count(key) == 0)) {
@@ -174,7 +175,10 @@ void CSignatureRules::m_Take(const std::string& key, SSigner now, const std::sha
     now.wrong = signer.wrong;
     now.last = item;
     signer = std::move(now);
-    m_Verify(signer, m_Announced());
+    // Verifying is slow; where the time changes with every table, most are passed over.
+    if (m_taken++ < k_mostVerified || m_taken % k_oneOf == 0) {
+        m_Verify(signer);
+    }
     if (signer.pending && m_pending + item->Bytes() <= k_mostPending) {
         m_pending += item->Bytes();
         return;
@@ -186,9 +190,9 @@ void CSignatureRules::m_Take(const std::string& key, SSigner now, const std::sha
 }
 
 /// Tells when signatures begin to be wrong.
-void CSignatureRules::m_Verify(SSigner& signer, const TCertificates& announced)
+void CSignatureRules::m_Verify(SSigner& signer)
 {
-    const ESigned verdict = m_verifier->Verify(*signer.last, announced);
+    const ESigned verdict = m_verifier->Verify(*signer.last, m_all);
     signer.pending = verdict == ESigned::UNKNOWN;
     if (verdict == ESigned::WRONG && !signer.wrong) {
         t_findings.Tell(ERule::SIGNATURE_WRONG, "the signature of " + signer.title + " does not verify", signer.source,
@@ -197,14 +201,13 @@ void CSignatureRules::m_Verify(SSigner& signer, const TCertificates& announced)
     signer.wrong = verdict == ESigned::UNKNOWN ? signer.wrong : verdict == ESigned::WRONG;
 }
 
-/// The certificates that something depends on: those of signers, and what issued these.
-TCertificates CSignatureRules::m_Used(const TCertificates& announced, TCertificates& signers) const
+/// The certificates that sign.
+TCertificates CSignatureRules::m_Signers() const
 {
-    TCertificates known = announced;
+    TCertificates signers;
     for (const auto& [key, signer] : m_signers) {
-        AddNew(known, signer.last->certificates);
-        AddNew(signers, m_verifier->Signers(*signer.last, signer.last->certificates));
-        AddNew(signers, m_verifier->Signers(*signer.last, announced));
+        AddNew(signers, m_verifier->Signers(*signer.last, m_verifier->Within(*signer.last)));
+        AddNew(signers, m_verifier->Signers(*signer.last, m_all));
     }
     for (const auto& [key, one] : m_announced) {
         for (const auto& certificate : one.certificates) {
@@ -213,6 +216,12 @@ TCertificates CSignatureRules::m_Used(const TCertificates& announced, TCertifica
             }
         }
     }
+    return signers;
+}
+
+/// Those that sign, and what issued these.
+TCertificates CSignatureRules::m_Used(const TCertificates& known, const TCertificates& signers) const
+{
     TCertificates used = signers;
     for (std::size_t i = 0; i < used.size(); ++i) {
         const auto certificate = used[i];
@@ -245,17 +254,18 @@ void CSignatureRules::m_Validity(const TCertificates& used)
 }
 
 /// Only where all certificates that are announced came, and could be read.
-void CSignatureRules::m_NotAnnounced(const TCertificates& announced)
+void CSignatureRules::m_NotAnnounced()
 {
     const auto whole = [](const auto& entry) { return entry.second.whole; };
-    if (m_announced.empty() || !ListsWhole(t_evidence) || !std::all_of(m_announced.begin(), m_announced.end(), whole)) {
+    if (m_announced.empty() || m_all.size() == k_mostCertificates || !ListsWhole(t_evidence) ||
+        !std::all_of(m_announced.begin(), m_announced.end(), whole)) {
         return;
     }
     for (const auto& [key, signer] : m_signers) {
-        if (m_verifier->Signers(*signer.last, announced).empty()) {
+        if (m_verifier->Signers(*signer.last, m_all).empty()) {
             t_findings.Tell(ERule::SIGNER_NOT_ANNOUNCED,
                             "the certificate of the signer of " + signer.title + " is none of the " +
-                                std::to_string(announced.size()) + " that are announced",
+                                std::to_string(m_all.size()) + " that are announced",
                             signer.source, signer.service, signer.session);
         }
     }
@@ -318,17 +328,15 @@ void CSignatureRules::Finish(const SDelivery* delivery)
     if (m_verifier == nullptr) {
         return;
     }
-    const TCertificates announced = m_Announced();
     for (auto& [key, signer] : m_signers) {
         if (signer.pending) {
-            m_Verify(signer, announced);
+            m_Verify(signer);
         }
     }
-    TCertificates signers;
-    const TCertificates used = m_Used(announced, signers);
-    TCertificates known = announced;
+    const TCertificates signers = m_Signers();
+    TCertificates known = m_all;
     for (const auto& [key, signer] : m_signers) {
-        AddNew(known, signer.last->certificates);
+        AddNew(known, m_verifier->Within(*signer.last));
     }
     for (const auto& certificate : signers) {
         if (m_verifier->HasRoots() && !m_verifier->Trusted(*certificate, known)) {
@@ -340,9 +348,9 @@ void CSignatureRules::Finish(const SDelivery* delivery)
         return;
     }
     if (delivery->clockSet == 0 && t_evidence.first && t_evidence.last) {
-        m_Validity(used);
+        m_Validity(m_Used(known, signers));
     }
-    m_NotAnnounced(announced);
+    m_NotAnnounced();
     m_UnsignedTables();
     m_UnsignedPackages();
 }

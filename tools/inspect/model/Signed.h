@@ -21,7 +21,6 @@ using TCertificates = std::vector<std::shared_ptr<const SCertificateFacts>>;
 struct SSigned {
     std::vector<std::vector<unsigned char>> forms;  ///< of the bytes: one of them was signed
     std::vector<unsigned char> signature;           ///< CMS SignedData, DER
-    TCertificates certificates;                     ///< that come in it, the first ones
 
     std::size_t Bytes() const
     {
@@ -43,6 +42,9 @@ enum class ESigned {
 class IVerifier {
   public:
     virtual ~IVerifier() = default;
+    /// The certificates that come in the signature, the first ones.
+    virtual TCertificates Within(const SSigned& item) const = 0;
+    /// With those that come in it, and those given.
     virtual ESigned Verify(const SSigned& item, const TCertificates& certificates) const = 0;
     /// Those of the certificates that are of its signers.
     virtual TCertificates Signers(const SSigned& item, const TCertificates& certificates) const = 0;
