@@ -1,10 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <map>
-#include <memory>
 #include <string>
-#include <utility>
 
 #include "ExitStatus.h"
 #include "Options.h"
@@ -32,21 +28,12 @@ class CInspector {
     EExitStatus Run();
 
   private:
-    using TEndpoint = std::pair<std::uint32_t, std::uint16_t>;
-    using TFollowers = std::map<TEndpoint, std::unique_ptr<CLlsFollower>>;
-    using TDestinations = std::map<TEndpoint, std::uint64_t>;
-
-    static constexpr std::size_t k_maxDestinations = 4096;
-
     void m_Inspect(const std::string& name);
     void m_Capture(CInput& input, const std::string& name, CJudge& judge);
     void m_RawTable(SView table, const std::string& name);
     bool m_GuideFile(SView bytes, const std::string& name);
     void m_SlsFile(SView bytes, const std::string& name);
     void m_MessageFile(SView bytes, const std::string& name);
-    void m_CaptureFindings(const std::string& name, const SPacketCounts& counts, const TFollowers& followers,
-                           const TDestinations& destinations);
-    void m_Finish(const CLlsFollower& follower);
 
     const SOptions& m_options;
     CReport& m_report;

@@ -1,0 +1,182 @@
+#include "Broadcast.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "base/Text.h"
+#include "follow/MmtFollower.h"
+#include "follow/RouteFollower.h"
+#include "judge/Judge.h"
+
+namespace vyr::inspect {
+
+namespace {
+
+constexpr std::size_t k_busiest = 3;
+
+std::string Busiest(const std::map<std::pair<std::uint32_t, std::uint16_t>, std::uint64_t>& destinations)
+{
+    std::vector<std::pair<std::uint64_t, std::string>> sorted;
+    for (const auto& [endpoint, count] : destinations) {
+        sorted.emplace_back(count, EndpointText(endpoint.first, endpoint.second));
+    }
+    std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::string text;
+    for (std::size_t i = 0; i < sorted.size() && i < k_busiest; ++i) {
+        text += (i == 0 ? "" : ", ") + sorted[i].second + " (" + std::to_string(sorted[i].first) + ')';
+    }
+    return text;
+}
+
+/// What the user of the tool says of the sessions of a capture.
+void AnnounceOptions(const SOptions& options, CTraffic& traffic)
+{
+    const auto announce = [&traffic](const auto& endpoints, EDeliveryProtocol protocol) {
+        for (const auto& [destination, port] : endpoints) {
+            traffic.Announce({destination, port, 0}, protocol);
+        }
+    };
+    announce(options.llsStreams, EDeliveryProtocol::LLS);
+    announce(options.routeSessions, EDeliveryProtocol::ROUTE);
+    announce(options.mmtpSessions, EDeliveryProtocol::MMTP);
+}
+
+void AnnounceServices(const std::vector<SListedService>& services, CTraffic& traffic)
+{
+    for (const SListedService& service : services) {
+        const EDeliveryProtocol protocol = service.slsProtocol == 1   ? EDeliveryProtocol::ROUTE
+                                           : service.slsProtocol == 2 ? EDeliveryProtocol::MMTP
+                                                                      : EDeliveryProtocol::UNKNOWN;
+        traffic.Announce(service.session, protocol, service.serviceId);
+    }
+}
+
+}  // namespace
+
+CBroadcast::CBroadcast(const SOptions& options, const std::string& name, CChannelMap& channelMap, CReport& report,
+                       CJudge& judge)
+    : m_options(options),
+      m_report(report),
+      m_judge(judge),
+      m_guide(report),
+      m_guideSessions(m_guide, report),
+      m_sessions{FollowRoute(options.routeSessions, m_guideSessions, report), FollowMmtp(options.mmtpSessions, report)},
+      m_arrivals(report, m_traffic),
+      m_source{name, 0, {}},
+      m_times{name, {}, {}}
+{
+    AnnounceOptions(options, m_traffic);
+    for (const TEndpoint& stream : options.llsStreams) {
+        m_lls[stream] = std::make_unique<CLlsFollower>(EndpointText(stream.first, stream.second), !options.strict,
+                                                       channelMap, report);
+        m_Listen(stream, *m_lls[stream]);
+    }
+}
+
+CBroadcast::~CBroadcast() = default;
+
+void CBroadcast::m_Listen(const TEndpoint& stream, CLlsFollower& follower)
+{
+    follower.SetServiceListener([this, stream](unsigned char groupId, const std::vector<SListedService>& services) {
+        AnnounceServices(services, m_traffic);
+        for (const auto& protocol : m_sessions) {
+            protocol->Announce({stream, groupId}, services);
+        }
+        m_guide.Announce({stream, groupId}, services);
+    });
+}
+
+void CBroadcast::Next(const std::optional<STime>& time)
+{
+    ++m_source.packet;
+    m_source.time = time;
+    m_times.Add(time);
+}
+
+void CBroadcast::Take(const SDatagram& datagram)
+{
+    const TEndpoint endpoint = {datagram.destination, datagram.destinationPort};
+    m_traffic.Take(datagram, m_source.time);
+    if (const auto follower = m_lls.find(endpoint); follower != m_lls.end()) {
+        follower->second->Take(datagram.payload, m_source);
+        return;
+    }
+    m_sessionsCaptured = true;
+    bool taken = m_guideSessions.Take(datagram, m_source);
+    for (const auto& protocol : m_sessions) {
+        taken = protocol->Take(datagram, m_source) || taken;
+    }
+    if (!taken && (m_destinations.size() < k_maxDestinations || m_destinations.count(endpoint) != 0)) {
+        ++m_destinations[endpoint];
+    }
+}
+
+void CBroadcast::Finish(const SPacketCounts& counts, bool told)
+{
+    const std::string& name = m_source.file;
+    SSummary& summary = m_report.Summary();
+    if (m_times.first) {
+        summary.times.push_back(m_times);
+    }
+    AddCounts(summary.packets, counts);
+    for (const auto& [stream, follower] : m_lls) {
+        summary.llsDatagrams += follower->Tables();
+        summary.services += follower->Services();
+    }
+    if (!told) {
+        return;
+    }
+    m_guideSessions.Each(
+        [this](const SServiceSession& session, std::uint64_t tsi) { m_traffic.Name(session, tsi, "service guide"); });
+    SDelivery delivery = m_traffic.Result({name, 0, {}});
+    delivery.packetsCut = counts.cut;
+    delivery.arrivals = m_arrivals.Result();
+    const std::uint64_t before = summary.routeServices + summary.mmtpServices;
+    for (const auto& protocol : m_sessions) {
+        protocol->Finish(name, m_sessionsCaptured);
+    }
+    const std::uint64_t services = summary.routeServices + summary.mmtpServices - before;
+    if (!m_sessionsCaptured && services != 0) {
+        m_report.Finding({ERule::NO_SESSIONS,
+                          "no session was captured beside the LLS: nothing can be said of the signalling of " +
+                              Counted(services, "service"),
+                          {name, 0, {}}});
+    }
+    m_guideSessions.Finish(name);
+    m_guide.Finish(name, true);
+    m_Findings(counts);
+    m_judge.Finish(m_times, m_sessionsCaptured, &delivery);
+}
+
+/// What is wrong with a capture as a whole, and why what was expected is missing.
+void CBroadcast::m_Findings(const SPacketCounts& counts)
+{
+    const SSource source = {m_source.file, 0, {}};
+    if (counts.cut != 0) {
+        m_report.Finding({ERule::PACKETS_CUT,
+                          std::to_string(counts.cut) + " of " + Counted(counts.packets, "packet") +
+                              " cut by the capture: their datagrams are lost",
+                          source});
+    }
+    if (counts.malformed != 0) {
+        m_report.Finding({ERule::PACKETS_MALFORMED,
+                          std::to_string(counts.malformed) + " of " + Counted(counts.packets, "packet") + " malformed",
+                          source});
+    }
+    for (const auto& [stream, follower] : m_lls) {
+        const std::string streamText = EndpointText(stream.first, stream.second);
+        if (follower->Tables() == 0 && m_options.routeSessions.empty() && m_options.mmtpSessions.empty()) {
+            const std::string busiest = Busiest(m_destinations);
+            m_report.Finding({ERule::NO_LLS,
+                              "no LLS: none of " + Counted(counts.datagrams, "UDP datagram") + " goes to " +
+                                  streamText + (busiest.empty() ? "" : "; the busiest destinations are " + busiest),
+                              source});
+        } else if (follower->Tables() != 0 && !follower->SawSlt()) {
+            m_report.Finding({ERule::NO_SLT,
+                              "no SLT among " + Counted(follower->Tables(), "LLS table") + " on " + streamText,
+                              source});
+        }
+    }
+}
+
+}  // namespace vyr::inspect
