@@ -181,6 +181,40 @@ TEST(DeliveryRules, NamesOfSessionsFlowsAndObjects)
     }
 }
 
+/// Objects whose packets do not say how long they are are as long as the EFDT says.
+TEST(DeliveryRules, FilesAreAsLongAsTheEfdtSays)
+{
+    const struct {
+        const char* attributes;
+        std::string objects;
+    } cases[] = {{"Transfer-Length='40'", "2 whole, 10 again"},
+                 {"Content-Length='40'", "2 whole, 10 again"},
+                 {"Content-Length='41'", "0 whole, 0 again"},
+                 {"Content-Length='41' Transfer-Length='40'", "2 whole, 10 again"},
+                 {"Content-Length='41' Content-Encoding='gzip'", "0 whole, 0 again"}};
+    for (const auto& test : cases) {
+        SBroadcast broadcast;
+        const auto file = [&](const char* toi) {
+            return "<File TOI='" + std::string(toi) + "' Content-Location='f' " + test.attributes + "/>";
+        };
+        broadcast.Edit("</RS>", "<LS tsi='30'><SrcFlow rt='false'><EFDT><FDT-Instance>" + file("2") + file("3") +
+                                    "</FDT-Instance></EFDT></SrcFlow></LS></RS>");
+        broadcast.more = [](unsigned second, CCapture& capture) {
+            capture.AddSession(packets::Lct({2 + second % 2, 0, -1, false, 30}, std::string(40, 'x')), 7001);
+        };
+        broadcast.Broken();
+        std::string objects;
+        for (const nlohmann::json& line : broadcast.lines) {
+            for (const nlohmann::json& flow : line.value("flows", nlohmann::json::array())) {
+                const nlohmann::json& all = flow["TSI"] == 30 ? flow["objects"] : nlohmann::json();
+                const auto count = [&](const char* name) { return std::to_string(all.value(name, 0)); };
+                objects += all.is_null() ? "" : count("whole") + " whole, " + count("repeats") + " again";
+            }
+        }
+        EXPECT_EQ(objects, test.objects) << test.attributes;
+    }
+}
+
 TEST(DeliveryRules, OfManySessionsThatNothingNamesTheFirst)
 {
     SBroadcast broadcast;

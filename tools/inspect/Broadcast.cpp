@@ -61,6 +61,9 @@ CBroadcast::CBroadcast(const SOptions& options, const std::string& name, CChanne
       m_guide(report),
       m_guideSessions(m_guide, report),
       m_sessions{FollowRoute(options.routeSessions, m_guideSessions, report), FollowMmtp(options.mmtpSessions, report)},
+      m_traffic([&judge](const SServiceSession& session, std::uint64_t tsi, const TToi& toi) {
+          return judge.FileLength(session, tsi, toi);
+      }),
       m_arrivals(report, m_traffic),
       m_source{name, 0, {}},
       m_times{name, {}, {}}

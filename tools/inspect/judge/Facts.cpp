@@ -68,7 +68,10 @@ void ReadEfdt(const TJson& efdt, SLctFacts& lct, bool& whole)
     whole = Each(instance, "File",
                  [&](const TJson& file) {
                      const std::optional<std::uint64_t> toi = Unsigned(file, "TOI");
-                     const std::optional<std::uint64_t> sent = Unsigned(file, "Transfer-Length");
+                     std::optional<std::uint64_t> sent = Unsigned(file, "Transfer-Length");
+                     if (!sent && Either(Text(file, "Content-Encoding"), Text(instance, "Content-Encoding")).empty()) {
+                         sent = Unsigned(file, "Content-Length");
+                     }
                      if (toi) {
                          whole = Add(lct.files, {{0, *toi}, Text(file, "Content-Location"), sent}) && whole;
                      }

@@ -121,7 +121,6 @@ struct SPackageFacts {
     std::optional<SUsbdFacts> usbd;
     std::optional<SStsidFacts> stsid;
     std::optional<SMpdFacts> mpd;
-    bool hasEnvelope = false;
     SSource source;                                  ///< of the last object that brought something
     std::map<ESlsDocument, SSource> documentSource;  ///< of the last of each kind that parsed
     std::map<ESlsDocument, bool> broken;             ///< the last of the kind did not parse

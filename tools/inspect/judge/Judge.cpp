@@ -13,12 +13,13 @@ namespace vyr::inspect {
 namespace {
 
 constexpr std::uint32_t k_noAddress = 0xFFFFFFFF;
+const std::vector<SLctFacts> k_noSessions;
 
 /// Remembers the LCT sessions of an S-TSID that another one replaces.
 void KeepEarlier(SPackageFacts& package)
 {
     constexpr std::size_t k_most = 64;
-    for (const SLctFacts& lct : package.stsid ? package.stsid->sessions : std::vector<SLctFacts>()) {
+    for (const SLctFacts& lct : package.stsid ? package.stsid->sessions : k_noSessions) {
         const TLctKey key = KeyOf(package, lct);
         const bool fits = package.earlier.size() < k_most || package.earlier.count(key) != 0;
         package.allEarlier = package.allEarlier && fits && package.stsid->whole;
@@ -134,6 +135,32 @@ void CJudge::Signalling(const SSignalling& signalling)
     }
 }
 
+/// Enters the files of an S-TSID, or lets go of them.
+void CJudge::m_Index(const SPackageFacts& package, bool held)
+{
+    for (const SLctFacts& lct : package.stsid ? package.stsid->sessions : k_noSessions) {
+        const TLctKey key = KeyOf(package, lct);
+        const std::pair place(std::get<0>(key), std::get<2>(key));
+        if (held && !lct.files.empty()) {
+            m_files[place] = &lct;
+        } else if (const auto known = m_files.find(place); !held && known != m_files.end() && known->second == &lct) {
+            m_files.erase(known);
+        }
+    }
+}
+
+std::optional<std::uint64_t> CJudge::FileLength(const SServiceSession& session, std::uint64_t tsi,
+                                                const TToi& toi) const
+{
+    const auto lct = m_files.find({EndpointText(session.destination, session.port), tsi});
+    if (lct == m_files.end() || (!lct->second->source.empty() && lct->second->source != Ipv4Text(session.source))) {
+        return {};
+    }
+    const std::vector<SFileFacts>& files = lct->second->files;
+    const auto file = std::find_if(files.begin(), files.end(), [&](const SFileFacts& each) { return each.toi == toi; });
+    return file != files.end() ? file->length : std::nullopt;
+}
+
 /// Takes the facts of a document in place of those of the last of its kind; of one that is too much, that there is one.
 void CJudge::m_Hold(SPackageFacts& package, const SSlsDocument& document)
 {
@@ -151,7 +178,9 @@ void CJudge::m_Hold(SPackageFacts& package, const SSlsDocument& document)
         hold(package.usbd, UsbdFacts(json));
     } else if (document.kind == ESlsDocument::STSID) {
         KeepEarlier(package);
+        m_Index(package, false);
         hold(package.stsid, StsidFacts(json));
+        m_Index(package, true);
     } else if (document.kind == ESlsDocument::MPD) {
         hold(package.mpd, MpdFacts(json));
     }

@@ -1,12 +1,16 @@
 #pragma once
 
+#include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "judge/Rules.h"
+#include "model/ServiceSession.h"
 #include "model/Witness.h"
 
 namespace vyr::inspect {
@@ -27,6 +31,9 @@ class CJudge : public IWitness {
     void Guide(const SGuide& guide) override;
     void Finding(const SFinding& finding) override;
 
+    /// How long the signalling says that an object of an LCT session is, as it is sent.
+    std::optional<std::uint64_t> FileLength(const SServiceSession& session, std::uint64_t tsi, const TToi& toi) const;
+
     /// The end of the input. Of a capture, names in `delivery` what signalling names, judges it, and tells of it and of
     /// the verdicts; null for a raw file.
     void Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* delivery);
@@ -38,12 +45,15 @@ class CJudge : public IWitness {
     static constexpr std::size_t k_mostPackages = 4096;
     static constexpr std::size_t k_mostBytes = 33554432;  ///< of the facts of all packages, about
 
+    void m_Index(const SPackageFacts& package, bool held);
     void m_Hold(SPackageFacts& package, const SSlsDocument& document);
 
     CReport& m_report;
     SEvidence m_evidence;
     std::size_t m_services = 0;
     std::size_t m_bytes = 0;  ///< of the facts of all packages
+    /// LCT sessions with files, of the S-TSIDs that hold, by destination and TSI.
+    std::map<std::pair<std::string, std::uint64_t>, const SLctFacts*> m_files;
     CFindings m_findings;
     std::vector<SFinding> m_heard;  ///< errors and warnings that may concern a service, one of those that are alike
     std::set<std::tuple<ERule, unsigned, std::string>> m_heardOf;  ///< the same, by rule, service and session
