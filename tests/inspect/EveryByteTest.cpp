@@ -75,7 +75,8 @@ std::string Report(const std::string& capture, bool json, std::string* page)
     CTextReport text(output, false);
     CJsonReport lines(output);
     CHtmlReport html;
-    CReport report(json ? static_cast<IReportWriter&>(lines) : text, false, page != nullptr ? &html : nullptr);
+    CReport report(json ? static_cast<IReportWriter&>(lines) : text, false,
+                   page != nullptr ? std::vector<IReportWriter*>{&html} : std::vector<IReportWriter*>());
     {
         const CDiverted out(STDOUT_FILENO, s_out.File()), error(STDERR_FILENO, s_error.File());
         CInspector(options, report, output, progress).Run();

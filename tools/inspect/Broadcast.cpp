@@ -54,8 +54,9 @@ void AnnounceServices(const std::vector<SListedService>& services, CTraffic& tra
 }  // namespace
 
 CBroadcast::CBroadcast(const SOptions& options, const std::string& name, CChannelMap& channelMap, CReport& report,
-                       CJudge& judge)
+                       CJudge& judge, TCounts counts)
     : m_options(options),
+      m_counts(std::move(counts)),
       m_report(report),
       m_judge(judge),
       m_guide(report),
@@ -94,6 +95,33 @@ void CBroadcast::Next(const std::optional<STime>& time)
     ++m_source.packet;
     m_source.time = time;
     m_times.Add(time);
+    if (m_options.every != 0) {
+        Now(time);
+    }
+}
+
+void CBroadcast::Now(const std::optional<STime>& time)
+{
+    const auto every = static_cast<std::int64_t>(m_options.every * CCaptureClock::k_second);
+    m_clock.Now(time);
+    if (every == 0 || !time || m_clock.End() < m_due) {
+        return;
+    }
+    if (m_due != 0) {
+        m_Interim();
+    }
+    m_due = m_clock.End() / every * every + every;
+}
+
+/// What there would be to say if this were the end.
+void CBroadcast::m_Interim()
+{
+    m_guide.Show(m_source);
+    m_judge.BeginInterim();
+    m_report.BeginInterim();
+    Finish(true);
+    m_report.EndInterim(m_source, static_cast<double>(m_clock.End()) / CCaptureClock::k_second);
+    m_judge.EndInterim();
 }
 
 void CBroadcast::Take(const SDatagram& datagram)
@@ -114,9 +142,10 @@ void CBroadcast::Take(const SDatagram& datagram)
     }
 }
 
-void CBroadcast::Finish(const SPacketCounts& counts, bool told)
+void CBroadcast::Finish(bool told)
 {
     const std::string& name = m_source.file;
+    const SPacketCounts counts = m_counts();
     SSummary& summary = m_report.Summary();
     if (m_times.first) {
         summary.times.push_back(m_times);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -24,19 +25,24 @@ class CJudge;
 /// what is on the air, and has it judged.
 class CBroadcast {
   public:
+    /// What was counted of all packets up to now.
+    using TCounts = std::function<SPacketCounts()>;
+
     /// All but the name outlive it.
     CBroadcast(const SOptions& options, const std::string& name, CChannelMap& channelMap, CReport& report,
-               CJudge& judge);
+               CJudge& judge, TCounts counts);
     ~CBroadcast();
     CBroadcast(const CBroadcast&) = delete;
     CBroadcast& operator=(const CBroadcast&) = delete;
 
     /// The next packet begins, with its time if it has one.
     void Next(const std::optional<STime>& time);
+    /// It is so late, though no packet came: a report on the way may be due.
+    void Now(const std::optional<STime>& time);
     /// A datagram that the packet, and those before it, made whole.
     void Take(const SDatagram& datagram);
-    /// The end; `counts` are of all packets. Not `told`: nobody reads the report any more, only the summary counts.
-    void Finish(const SPacketCounts& counts, bool told);
+    /// The end. Not `told`: nobody reads the report any more, only the summary counts.
+    void Finish(bool told);
 
     std::uint64_t Packets() const { return m_source.packet; }
 
@@ -45,10 +51,12 @@ class CBroadcast {
 
     static constexpr std::size_t k_maxDestinations = 4096;
 
+    void m_Interim();
     void m_Listen(const TEndpoint& stream, CLlsFollower& follower);
     void m_Findings(const SPacketCounts& counts);
 
     const SOptions& m_options;
+    const TCounts m_counts;
     CReport& m_report;
     CJudge& m_judge;
     std::map<TEndpoint, std::unique_ptr<CLlsFollower>> m_lls;
@@ -61,6 +69,8 @@ class CBroadcast {
     SInputTimes m_times;
     std::map<TEndpoint, std::uint64_t> m_destinations;  ///< datagrams that nothing follows
     bool m_sessionsCaptured = false;                    ///< something came beside the LLS
+    CCaptureClock m_clock;
+    std::int64_t m_due = 0;  ///< when the next report on the way is, as of the clock
 };
 
 }  // namespace vyr::inspect

@@ -123,11 +123,13 @@ void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge
     if (!CPacketDecoder::Knows(input.LinkType())) {
         throw CInputError(ERule::LINK_TYPE, "packets of link type " + input.LinkTypeText() + " cannot be read");
     }
-    CBroadcast broadcast(m_options, name, m_channelMap, m_report, judge);
-    CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) { broadcast.Take(datagram); });
+    CBroadcast* receiver = nullptr;
+    CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) { receiver->Take(datagram); });
+    CBroadcast broadcast(m_options, name, m_channelMap, m_report, judge, [&] { return decoder.Counts(); });
+    receiver = &broadcast;
     const auto finish = [&] {
         decoder.Finish();
-        broadcast.Finish(decoder.Counts(), !m_output.Ended());
+        broadcast.Finish(!m_output.Ended());
     };
     SPacket packet;
     try {

@@ -128,17 +128,20 @@ std::string CommandLine(int argc, const char* const* argv)
     return line;
 }
 
-/// The page must not take the place of what is read.
-void CheckPage(const std::string& page, std::vector<std::string> inputs, const std::string& genres,
-               const std::string& trust)
+/// What is written must not take the place of what is read.
+void CheckFiles(const SOptions& options)
 {
-    std::error_code none;
+    std::vector<std::string> inputs = options.inputs;
     std::replace(inputs.begin(), inputs.end(), std::string("-"), std::string("/dev/stdin"));
-    inputs.insert(inputs.end(), {genres, trust});
-    for (const std::string& input : inputs) {
-        if (!page.empty() && std::filesystem::is_regular_file(page, none) &&
-            std::filesystem::equivalent(page, input, none)) {
-            throw CLI::ValidationError("--html", "'" + page + "' is an input");
+    inputs.insert(inputs.end(), {options.genres, options.trust});
+    for (const auto& [option, name] :
+         {std::pair("--html", options.html), {"--metrics", options.metrics}, {"--output", options.output}}) {
+        for (const std::string& input : inputs) {
+            std::error_code none;
+            if (!name.empty() && std::filesystem::is_regular_file(name, none) &&
+                std::filesystem::equivalent(name, input, none)) {
+                throw CLI::ValidationError(option, "'" + name + "' is an input");
+            }
         }
     }
 }
@@ -172,6 +175,14 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     input->required()->type_name("");
     app.add_flag("--json", options.json, "Write one JSON object per line in place of text");
     app.add_option("--html", options.html, "Write the whole report as one HTML page as well")->type_name("FILE");
+    app.add_option("--output", options.output, "Write the report to a file in place of standard output")
+        ->type_name("FILE");
+    app.add_option(
+           "--every", options.every,
+           "Report on the way, too, whenever so much of the input's time has gone by; write pages and metrics anew")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(1.0, 86400.0));
+    app.add_option("--metrics", options.metrics, "Write OpenMetrics as well")->type_name("FILE");
     app.add_flag("--local-time", options.localTime, "Show the guide's times in the machine's time zone, not in UTC");
     app.add_option("--genres", options.genres, "Classification scheme with the names of the guide's genres")
         ->type_name("FILE");
@@ -221,7 +232,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     try {
         app.parse(argc, argv);
         options.log = ReadLevel(log);
-        CheckPage(options.html, options.inputs, options.genres, options.trust);
+        CheckFiles(options);
         options.llsStreams = ReadEndpoints("--lls", streams);
         options.routeSessions = ReadEndpoints("--route", routeSessions);
         options.mmtpSessions = ReadEndpoints("--mmtp", mmtpSessions);

@@ -20,6 +20,9 @@ struct SOptions {
     std::set<std::pair<std::uint32_t, std::uint16_t>> mmtpSessions;   ///< the same
     std::string commandLine;                                          ///< with quotes where a shell needs them
     std::string html;                                                 ///< file to write the page to; empty: none
+    std::string metrics;                                              ///< file of the metrics; empty: none
+    std::string output;                                               ///< in place of standard output; empty: that
+    double every = 0;                                                 ///< seconds from report to report; 0: at the end
     std::map<std::string, int> settings;
     ELogPriority log = LOG_PRIORITY_SILENT;
     bool strict = false;

@@ -2,12 +2,15 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <exception>
+#include <optional>
+#include <vector>
 
 #include "Inspector.h"
 #include "Options.h"
@@ -15,6 +18,7 @@
 #include "base/Text.h"
 #include "report/HtmlReport.h"
 #include "report/JsonReport.h"
+#include "report/MetricsReport.h"
 #include "report/TextReport.h"
 
 namespace {
@@ -33,7 +37,7 @@ void OpenStandardStreams()
 }
 
 /// An interrupt ends the input, so that the summary still comes; a second one ends the program.
-void WatchSignals()
+void WatchSignals(bool reopening)
 {
     std::signal(SIGPIPE, SIG_IGN);
     struct sigaction action {};
@@ -44,15 +48,20 @@ void WatchSignals()
     };
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    if (reopening) {
+        action.sa_handler = [](int) { COutput::Reopen(); };
+        action.sa_flags = SA_RESTART;
+        sigaction(SIGHUP, &action, nullptr);
+    }
 }
 
-/// Seconds since 1970: of SOURCE_DATE_EPOCH, so that the same run can give the same page, or of the clock.
-std::int64_t ReportTime()
+/// Seconds since 1970, of SOURCE_DATE_EPOCH: so that the same run can give the same page.
+std::optional<std::int64_t> ReportTime()
 {
     const char* given = std::getenv("SOURCE_DATE_EPOCH");
     char* end = nullptr;
     const long long seconds = given != nullptr ? std::strtoll(given, &end, 10) : 0;
-    return end != nullptr && end != given && *end == '\0' ? seconds : static_cast<std::int64_t>(std::time(nullptr));
+    return end != nullptr && end != given && *end == '\0' ? std::optional<std::int64_t>(seconds) : std::nullopt;
 }
 
 int Failed(const std::string& output, int error)
@@ -69,32 +78,51 @@ int Inspect(int argc, char** argv)
         return exitStatus;
     }
     LiftLimits(options.noLimit);
-    COutputFile file(options.html);
-    if (file.Error() != 0) {
-        return Failed(options.html, file.Error());
+    COutputFile pageFile(options.html);
+    COutputFile metricsFile(options.metrics);
+    for (const COutputFile* file : {&pageFile, &metricsFile}) {
+        if (file->Error() != 0) {
+            return Failed(file->Name(), file->Error());
+        }
     }
-    WatchSignals();
+    const bool paged = !options.html.empty();
+    const bool measured = !options.metrics.empty();
+    WatchSignals(paged || measured || !options.output.empty());
     CProgress progress(options.progress);
-    COutput output(progress);
+    COutput output(progress, options.output);
+    if (output.Error() != 0) {
+        return Failed(options.output, output.Error());
+    }
+    if (paged || measured) {
+        output.SetOptional();
+    }
     CTextReport text(output, options.localTime, options.full);
     CJsonReport json(output, options.full);
     IReportWriter& writer = options.json ? static_cast<IReportWriter&>(json) : text;
-    const bool paged = !options.html.empty();
-    CHtmlReport page(options.localTime, {options.commandLine, ReportTime()});
+    CHtmlReport page(options.localTime,
+                     {options.commandLine, ReportTime(), static_cast<unsigned>(std::ceil(options.every))});
+    CMetricsReport metrics;
+    std::vector<IReportWriter*> others;
     if (paged) {
-        output.SetOptional();
+        others.push_back(&page);
     }
-    CReport report(writer, options.quiet, paged ? &page : nullptr, options.severities);
+    if (measured) {
+        others.push_back(&metrics);
+    }
+    CReport report(writer, options.quiet, others, options.severities);
+    report.SetListener([&] {
+        pageFile.Write(page.Page());
+        metricsFile.Write(metrics.Page());
+    });
     CInspector inspector(options, report, output, progress);
     exitStatus = inspector.Run();
-    if (paged) {
-        file.Write(page.Page());
-    }
-    if (file.Error() != 0) {
-        exitStatus = Failed(options.html, file.Error());
+    for (const COutputFile* file : {&pageFile, &metricsFile}) {
+        if (file->Error() != 0) {
+            exitStatus = Failed(file->Name(), file->Error());
+        }
     }
     if (output.Error() != 0 && output.Error() != EPIPE) {
-        exitStatus = Failed("standard output", output.Error());
+        exitStatus = Failed(options.output.empty() ? "standard output" : options.output, output.Error());
     }
     return exitStatus;
 }

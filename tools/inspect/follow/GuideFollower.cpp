@@ -423,12 +423,17 @@ void CGuideFollower::m_Show(const SSource& source)
     }
 }
 
-void CGuideFollower::Finish(const std::string& file, bool capture)
+void CGuideFollower::Show(const SSource& source)
 {
-    const SSource source = {file, 0, {}};
     if (m_changed) {
         m_Show(source);
     }
+}
+
+void CGuideFollower::Finish(const std::string& file, bool capture)
+{
+    const SSource source = {file, 0, {}};
+    Show(source);
     SGuideCounts& counts = m_report.Summary().guide;
     counts.fragments += m_fragments.size();
     counts.services += m_shownServices;

@@ -53,6 +53,8 @@ class CGuideFollower {
     /// The end of the input: shows the guide unless it was shown as it stands, and adds to the summary. Of a
     /// `capture`, what the guide lacks is told of.
     void Finish(const std::string& file, bool capture);
+    /// Tells of the guide as it is now, if it is not what was told last.
+    void Show(const SSource& source);
     /// Whether any fragment has come.
     bool Holds() const { return !m_fragments.empty(); }
 

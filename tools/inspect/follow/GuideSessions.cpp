@@ -227,9 +227,9 @@ void CGuideSessions::Each(const std::function<void(const SServiceSession&, std::
     }
 }
 
-void CGuideSessions::Finish(const std::string& file)
+void CGuideSessions::Finish(const std::string& file) const
 {
-    for (auto& [session, owner] : m_owners) {
+    for (const auto& [session, owner] : m_owners) {
         const std::string reason = m_Missing(owner);
         if (!reason.empty()) {
             SFinding finding = {ERule::GUIDE_INCOMPLETE, "no guide on " + owner.name + ": " + reason, {file, 0, {}}};
@@ -238,10 +238,10 @@ void CGuideSessions::Finish(const std::string& file)
             }
             m_report.Finding(finding);
         }
-        m_Unlist(owner);
-        m_Drop(owner);
+        for (const std::unique_ptr<CStream>& stream : owner.streams) {
+            stream->Count(m_report.Summary().guide);
+        }
     }
-    m_owners.clear();
     if (m_notFollowed != 0) {
         m_report.Finding({ERule::GUIDE_TOO_LARGE,
                           "the guide has more than " + std::to_string(k_maxStreams) +

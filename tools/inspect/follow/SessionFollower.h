@@ -68,7 +68,8 @@ class CSessionFollower {
     void Announce(const TGroup& group, std::vector<SListedService> services);
     /// Takes a datagram; false: it belongs to none of the sessions.
     bool Take(const SDatagram& datagram, const SSource& source);
-    /// The end of the input: adds to the summary, and tells which services were not signalled. Not `captured`: the
+    /// The end of the input, or of a part that is reported: adds to the summary, and tells which services were not
+    /// signalled. Not `captured`: the
     /// input has no sessions at all, and says nothing of their signalling.
     void Finish(const std::string& file, bool captured);
 

@@ -117,6 +117,10 @@ double CDeliveryRules::m_Since(const SPackageFacts& package) const
 
 void CDeliveryRules::m_Look(const SDelivery& delivery)
 {
+    m_captured.clear();
+    m_unclear.clear();
+    m_came.clear();
+    m_elsewhere.clear();
     for (const SSessionDelivery& session : delivery.sessions) {
         if (session.traffic.packets == 0) {
             continue;

@@ -33,6 +33,7 @@ using TListKey = std::pair<std::string, unsigned>;
 struct SEvidence {
     std::string file;
     bool capture = false;           ///< a capture, not a raw file
+    bool ended = true;              ///< false: it is judged on the way, and more is to come
     bool sessionsCaptured = false;  ///< something came beside the LLS
     std::optional<STime> first;     ///< of the capture's packets, the earliest and the latest
     std::optional<STime> last;

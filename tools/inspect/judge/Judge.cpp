@@ -29,6 +29,12 @@ void KeepEarlier(SPackageFacts& package)
     }
 }
 
+std::tuple<ERule, unsigned, std::string> HeardKey(const SFinding& finding)
+{
+    constexpr unsigned k_none = 0x10000;
+    return {finding.rule, finding.serviceId.value_or(k_none), finding.session};
+}
+
 /// What tells the documents of one service from those of others: the key without the kind.
 std::string PackageKey(const std::string& documentKey)
 {
@@ -217,11 +223,24 @@ void CJudge::Guide(const SGuide& guide)
 /// Of findings that are alike, the first is enough.
 void CJudge::Finding(const SFinding& finding)
 {
-    constexpr unsigned k_none = 0x10000;
     const bool ofService = finding.serviceId || !finding.session.empty();
     if (ofService && finding.severity != ESeverity::NOTE && m_heard.size() < k_mostHeard &&
-        m_heardOf.emplace(finding.rule, finding.serviceId.value_or(k_none), finding.session).second) {
+        m_heardOf.insert(HeardKey(finding)).second) {
         m_heard.push_back(finding);
+    }
+}
+
+void CJudge::BeginInterim()
+{
+    m_evidence.ended = false;
+    m_heardBefore = m_heard.size();
+}
+
+void CJudge::EndInterim()
+{
+    m_evidence.ended = true;
+    for (; m_heard.size() > m_heardBefore; m_heard.pop_back()) {
+        m_heardOf.erase(HeardKey(m_heard.back()));
     }
 }
 

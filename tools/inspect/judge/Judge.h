@@ -34,8 +34,12 @@ class CJudge : public IWitness {
     /// How long the signalling says that an object of an LCT session is, as it is sent.
     std::optional<std::uint64_t> FileLength(const SServiceSession& session, std::uint64_t tsi, const TToi& toi) const;
 
-    /// The end of the input. Of a capture, names in `delivery` what signalling names, judges it, and tells of it and of
-    /// the verdicts; null for a raw file.
+    /// What is found from now on holds for a report on the way only, until it is forgotten.
+    void BeginInterim();
+    void EndInterim();
+
+    /// The end of the input, or of a part that is reported. Of a capture, names in `delivery` what signalling names,
+    /// judges it, and tells of it and of the verdicts; null for a raw file.
     void Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* delivery);
 
   private:
@@ -57,6 +61,7 @@ class CJudge : public IWitness {
     CFindings m_findings;
     std::vector<SFinding> m_heard;  ///< errors and warnings that may concern a service, one of those that are alike
     std::set<std::tuple<ERule, unsigned, std::string>> m_heardOf;  ///< the same, by rule, service and session
+    std::size_t m_heardBefore = 0;                                 ///< the report on the way
     const SRuleSettings m_settings;
     std::vector<std::unique_ptr<CRules>> m_rules;
 };

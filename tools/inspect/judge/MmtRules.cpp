@@ -56,6 +56,9 @@ void CMmtRules::m_Look(const SDelivery& delivery)
 {
     constexpr unsigned k_media = 0;  // MPU
     std::set<std::string> unclear;
+    m_came.clear();
+    m_sessions.clear();
+    m_media = false;
     for (const SSessionDelivery& session : delivery.sessions) {
         const std::string destination = SessionText(session);
         if (session.traffic.packets == 0) {

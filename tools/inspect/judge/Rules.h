@@ -28,7 +28,8 @@ class CRules {
     virtual void Message(const SMessage&) {}
     virtual void GuideObject(const SGuideObject&) {}
     virtual void Guide(const SGuide&) {}
-    /// The end of the input; `delivery` is null for a raw file.
+    /// The end of the input, or of a part that is reported, after which more comes: the state stays as it is.
+    /// `delivery` is null for a raw file.
     virtual void Finish(const SDelivery* /*delivery*/) {}
 
   protected:

@@ -329,7 +329,7 @@ void CSignatureRules::Finish(const SDelivery* delivery)
         return;
     }
     for (auto& [key, signer] : m_signers) {
-        if (signer.pending) {
+        if (signer.pending && t_evidence.ended) {
             m_Verify(signer);
         }
     }

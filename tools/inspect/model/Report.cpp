@@ -1,13 +1,71 @@
 #include "model/Report.h"
 
+#include <map>
+#include <string>
+#include <tuple>
+#include <utility>
+
 #include "base/Limits.h"
 #include "base/Text.h"
 #include "model/Guide.h"
 
 namespace vyr::inspect {
 
-CReport::CReport(IReportWriter& writer, bool quiet, IReportWriter* page, CSeverities severities)
-    : m_writer(writer), m_page(page), m_quiet(quiet), m_severities(severities)
+namespace {
+
+/// The message without its numbers: of what goes on, they change.
+std::string WithoutNumbers(const std::string& message)
+{
+    std::string text;
+    for (const char c : message) {
+        const bool digit = c >= '0' && c <= '9';
+        if (!digit || text.empty() || text.back() != '#') {
+            text += digit ? '#' : c;
+        }
+    }
+    return text;
+}
+
+/// What is of `now` and not of `before`. What says the same, whatever its numbers, is the same, as often as it is said.
+std::vector<SFinding> New(const std::vector<SFinding>& now, const std::vector<SFinding>& before)
+{
+    std::map<std::tuple<ERule, std::optional<unsigned>, std::string, std::string>, std::size_t> known[2];
+    const auto key = [](const SFinding& finding, bool exact) {
+        return std::tuple(finding.rule, finding.serviceId, finding.session,
+                          exact ? finding.message : WithoutNumbers(finding.message));
+    };
+    for (const SFinding& finding : before) {
+        ++known[0][key(finding, true)];
+        ++known[1][key(finding, false)];
+    }
+    const auto take = [&](const SFinding& finding, bool exact) {
+        std::size_t& count = known[exact ? 0 : 1][key(finding, exact)];
+        count -= count != 0 ? 1 : 0;
+    };
+    std::vector<SFinding> others;
+    for (const SFinding& finding : now) {
+        if (known[0][key(finding, true)] != 0) {
+            take(finding, true);
+            take(finding, false);
+        } else {
+            others.push_back(finding);
+        }
+    }
+    std::vector<SFinding> added;
+    for (const SFinding& finding : others) {
+        if (known[1][key(finding, false)] != 0) {
+            take(finding, false);
+        } else {
+            added.push_back(finding);
+        }
+    }
+    return added;
+}
+
+}  // namespace
+
+CReport::CReport(IReportWriter& writer, bool quiet, std::vector<IReportWriter*> others, CSeverities severities)
+    : m_writer(writer), m_others(std::move(others)), m_quiet(quiet), m_severities(severities)
 {
 }
 
@@ -17,8 +75,8 @@ void CReport::m_Tell(TTell tell)
     if (!m_quiet) {
         tell(m_writer);
     }
-    if (m_page != nullptr) {
-        tell(*m_page);
+    for (IReportWriter* other : m_others) {
+        tell(*other);
     }
 }
 
@@ -35,8 +93,8 @@ void CReport::m_Witness(void (IWitness::*tell)(const TItem&), const TItem& item)
 void CReport::Received(std::size_t bytes)
 {
     m_writer.Received(bytes);
-    if (m_page != nullptr) {
-        m_page->Received(bytes);
+    for (IReportWriter* other : m_others) {
+        other->Received(bytes);
     }
 }
 
@@ -95,7 +153,11 @@ void CReport::Guide(const SGuide& guide)
 
 void CReport::Delivery(const SDelivery& delivery)
 {
-    m_Tell([&](IReportWriter& writer) { writer.Delivery(delivery); });
+    m_Tell([&](IReportWriter& writer) {
+        if (!m_before || &writer != &m_writer) {
+            writer.Delivery(delivery);
+        }
+    });
 }
 
 void CReport::Verdicts(const SVerdicts& verdicts)
@@ -117,6 +179,16 @@ void CReport::Finding(SFinding finding)
     ++*counts[static_cast<std::size_t>(finding.severity)];
     if (finding.severity != ESeverity::NOTE && m_summary.firstFindings.size() < k_firstFindings) {
         m_summary.firstFindings.push_back(finding);
+    }
+    if (m_before) {
+        ++m_interim.holding;
+        if (m_interim.begun.size() < k_mostHolding) {
+            for (IReportWriter* other : m_others) {
+                other->Finding(finding);
+            }
+            m_interim.begun.push_back(std::move(finding));
+        }
+        return;
     }
     m_Move(finding.source);
     const unsigned header =
@@ -165,8 +237,8 @@ void CReport::m_TellFinding(const SFinding& finding)
     if (!m_quiet || finding.severity != ESeverity::NOTE) {
         m_writer.Finding(finding);
     }
-    if (m_page != nullptr) {
-        m_page->Finding(finding);
+    for (IReportWriter* other : m_others) {
+        other->Finding(finding);
     }
 }
 
@@ -197,6 +269,37 @@ void CReport::Finish()
     m_Tell([&](IReportWriter& writer) { writer.Summary(m_summary); });
     if (m_quiet && m_writer.AlwaysSummary()) {
         m_writer.Summary(m_summary);
+    }
+    if (m_summaryTold) {
+        m_summaryTold();
+    }
+}
+
+void CReport::BeginInterim()
+{
+    m_before = m_summary;
+    m_interim = {m_interim.number + 1, {}, 0, {}, {}, 0};
+    m_Tell([](IReportWriter& writer) { writer.BeginInterim(); });
+}
+
+void CReport::EndInterim(const SSource& source, double seconds)
+{
+    std::vector<SFinding> holding = std::move(m_interim.begun);
+    m_interim.source = source;
+    m_interim.seconds = seconds;
+    m_interim.begun = New(holding, m_holding);
+    m_interim.over = New(m_holding, holding);
+    m_holding = std::move(holding);
+    m_Tell([&](IReportWriter& writer) { writer.Interim(m_interim, m_summary); });
+    for (const SFinding& finding : m_interim.begun) {
+        if (m_quiet && finding.severity != ESeverity::NOTE) {
+            m_writer.Finding(finding);
+        }
+    }
+    m_summary = std::move(*m_before);
+    m_before.reset();
+    if (m_summaryTold) {
+        m_summaryTold();
     }
 }
 

@@ -2,10 +2,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
+#include "model/Interim.h"
 #include "model/Items.h"
 #include "model/ReportWriter.h"
 #include "model/Witness.h"
@@ -16,8 +21,8 @@ namespace vyr::inspect {
 class CReport {
   public:
     /// With `quiet`, the writer is told of errors and warnings only, and of the summary if it always wants it; the
-    /// page, if there is one, of everything.
-    CReport(IReportWriter& writer, bool quiet, IReportWriter* page = nullptr, CSeverities severities = {});
+    /// others, which write when there is a summary, of everything.
+    CReport(IReportWriter& writer, bool quiet, std::vector<IReportWriter*> others = {}, CSeverities severities = {});
 
     /// Is told of everything that follows, as it came; null: nobody is.
     void SetWitness(IWitness* witness) { m_witness = witness; }
@@ -38,6 +43,12 @@ class CReport {
     /// told of together when the place changes.
     void Finding(SFinding finding);
     void Finish();
+    /// A report on the way. What is told between the two is as it would be at the end, and as if it had not been told
+    /// afterwards; findings are held against those of the report before.
+    void BeginInterim();
+    void EndInterim(const SSource& source, double seconds);
+    /// Is called behind each summary that is told.
+    void SetListener(std::function<void()> summaryTold) { m_summaryTold = std::move(summaryTold); }
     /// As of a writer.
     bool WantsText(const std::string& key) const { return !m_quiet && m_writer.WantsText(key); }
     bool WantsUnchanged(const std::string& key) const { return !m_quiet && m_writer.WantsUnchanged(key); }
@@ -48,6 +59,7 @@ class CReport {
 
   private:
     static constexpr std::size_t k_firstFindings = 20;
+    static constexpr std::size_t k_mostHolding = 4096;  ///< findings of a report on the way
 
     static constexpr std::uint64_t k_toldAlike = 3;   ///< of faults that say the same, told of alone
     static constexpr std::size_t k_mostAlike = 4096;  ///< kinds of these that are known at a time
@@ -73,16 +85,20 @@ class CReport {
     void m_Move(const SSource& place);
 
     IReportWriter& m_writer;
-    IReportWriter* const m_page;
+    const std::vector<IReportWriter*> m_others;
     const bool m_quiet;
     const CSeverities m_severities;
     IWitness* m_witness = nullptr;
     IWitness* m_arrivals = nullptr;
     unsigned m_numbers = 0;
     SSummary m_summary;
-    SSource m_place;  ///< of the last finding
-    TAlike m_alike;   ///< faults of one input that say the same
-    TAlike m_here;    ///< faults of one kind in one packet, whatever they say
+    SSource m_place;                   ///< of the last finding
+    TAlike m_alike;                    ///< faults of one input that say the same
+    TAlike m_here;                     ///< faults of one kind in one packet, whatever they say
+    std::optional<SSummary> m_before;  ///< the summary before the report on the way that is made now
+    SInterim m_interim;                ///< that report; `begun` has all that hold
+    std::vector<SFinding> m_holding;   ///< findings of the last one
+    std::function<void()> m_summaryTold;
 };
 
 }  // namespace vyr::inspect

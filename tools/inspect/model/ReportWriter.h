@@ -18,6 +18,7 @@ struct SGuide;
 struct SDelivery;
 struct SGuideObject;
 struct SVerdicts;
+struct SInterim;
 
 /// What a run found, by the names of the JSON report.
 struct SSummary {
@@ -96,6 +97,10 @@ class IReportWriter {
     virtual void Verdicts(const SVerdicts&) {}
     virtual void Summary(const SSummary& summary) = 0;
     virtual void Delivery(const SDelivery&) {}
+    /// What follows, up to Interim(), is of a report on the way: told anew in the next one, and at the end.
+    virtual void BeginInterim() {}
+    /// The report on the way, and all that was counted up to it.
+    virtual void Interim(const SInterim&, const SSummary&) {}
     /// The input went on by as many bytes: the report may be the longer for it.
     virtual void Received(std::size_t) {}
     /// Whether the document, known by its key, need have a text, when it changed; whether it need have a content at all

@@ -1,8 +1,10 @@
 #include "report/HtmlReport.h"
 
 #include <algorithm>
+#include <ctime>
 
 #include "base/Text.h"
+#include "model/Interim.h"
 #include "report/Html.h"
 #include "report/HtmlStyle.h"
 #include "report/TextReport.h"
@@ -86,7 +88,7 @@ std::string CHtmlReport::m_Lines(const SList<SLine>& list, const std::vector<std
     return rows.empty() ? rows : HtmlTable("lines", titles, rows) + More(list.more, "line");
 }
 
-std::string CHtmlReport::m_Head(const SSummary& summary) const
+std::string CHtmlReport::m_Head(const SSummary& summary, bool final) const
 {
     std::string files;
     for (const std::string& file : t_files) {
@@ -102,8 +104,9 @@ std::string CHtmlReport::m_Head(const SSummary& summary) const
         "style-src 'unsafe-inline'\">"
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">"
         "<meta name=\"referrer\" content=\"no-referrer\">"
-        "<meta name=\"color-scheme\" content=\"light dark\"><title>ATSC 3.0 signalling";
-    html += ": " + title + "</title><style>" + k_htmlStyle + "</style></head>\n<body>\n" +
+        "<meta name=\"color-scheme\" content=\"light dark\">";
+    html += final ? std::string() : "<meta http-equiv=\"refresh\" content=\"" + std::to_string(m_run.refresh) + "\">";
+    html += "<title>ATSC 3.0 signalling: " + title + "</title><style>" + k_htmlStyle + "</style></head>\n<body>\n" +
             "<header><h1>ATSC 3.0 signalling</h1><div>" + files + "</div>";
     SInputTimes all;
     for (const SInputTimes& times : summary.times) {
@@ -120,7 +123,7 @@ std::string CHtmlReport::m_Head(const SSummary& summary) const
 std::string CHtmlReport::m_Foot() const
 {
     return "<footer class=\"muted\"><p>vyr-atsc30-inspect " VYR_INSPECT_VERSION ", " +
-           HtmlText(EpochText(static_cast<double>(m_run.time))) + "</p>" +
+           HtmlText(EpochText(static_cast<double>(m_run.time.value_or(std::time(nullptr))))) + "</p>" +
            (m_run.commandLine.empty() ? std::string()
                                       : "<p>" + HtmlIsolated(HtmlClipped(m_run.commandLine, k_longCommand)) + "</p>") +
            "</footer>\n";
@@ -339,6 +342,17 @@ std::string CHtmlReport::m_Problems(const SSummary& summary) const
 
 void CHtmlReport::Summary(const SSummary& summary)
 {
+    m_Make(summary, true);
+}
+
+void CHtmlReport::Interim(const SInterim&, const SSummary& summary)
+{
+    m_Make(summary, false);
+    t_EndInterim();
+}
+
+void CHtmlReport::m_Make(const SSummary& summary, bool final)
+{
     const struct {
         const char* id;
         const char* title;
@@ -367,7 +381,7 @@ void CHtmlReport::Summary(const SSummary& summary)
         contents += std::string("<li><a href=\"#") + section.id + "\">" + section.title + "</a></li>";
         html += Section(section.id, section.title, section.html);
     }
-    m_page = m_Head(summary) + "<nav aria-label=\"Contents\"><ul>" + contents + "</ul></nav>\n<main>\n" + html +
+    m_page = m_Head(summary, final) + "<nav aria-label=\"Contents\"><ul>" + contents + "</ul></nav>\n<main>\n" + html +
              "</main>\n" + m_Foot() + "</body></html>\n";
 }
 

@@ -12,16 +12,22 @@ namespace vyr::inspect {
 /// What stands at the foot of the page.
 struct SRun {
     std::string commandLine;
-    std::int64_t time = 0;  ///< of the report, seconds since 1970
+    std::optional<std::int64_t> time = {};  ///< of the report, seconds since 1970; none: that of the clock
+    unsigned refresh = 0;                   ///< seconds until the next report on the way; 0: there is none
 };
 
-/// The report as one page of HTML, complete in itself, made at the summary of what the model holds.
+/// The report as one page of HTML, complete in itself, made of what the model holds at the summary and at each report
+/// on the way; the page of the latter is loaded again by itself.
 class CHtmlReport : public CPageModel {
   public:
     /// With `localTime`, the times of the guide are those of the machine's time zone.
-    explicit CHtmlReport(bool localTime = false, SRun run = {}) : CPageModel(localTime), m_run(std::move(run)) {}
+    explicit CHtmlReport(bool localTime = false, SRun run = {})
+        : CPageModel(localTime, run.refresh != 0), m_run(std::move(run))
+    {
+    }
 
     void Summary(const SSummary& summary) override;
+    void Interim(const SInterim& interim, const SSummary& summary) override;
 
     /// The page; empty before the summary.
     const std::string& Page() const { return m_page; }
@@ -32,7 +38,8 @@ class CHtmlReport : public CPageModel {
     std::string m_Lines(const SList<SLine>& list, const std::vector<std::string>& titles) const;
     /// " · capture.pcap" where there are several inputs.
     std::string m_Input(std::size_t file) const;
-    std::string m_Head(const SSummary& summary) const;
+    void m_Make(const SSummary& summary, bool final);
+    std::string m_Head(const SSummary& summary, bool final) const;
     std::string m_Foot() const;
     std::string m_Overview(const SSummary& summary) const;
     std::string m_Services() const;

@@ -12,6 +12,7 @@
 #include "model/Content.h"
 #include "model/Delivery.h"
 #include "model/Guide.h"
+#include "model/Interim.h"
 #include "model/Verdict.h"
 
 namespace vyr::inspect {
@@ -249,6 +250,49 @@ bool IdsDiffer(const TJson& services)
     std::set<int> ids;
     return std::all_of(services.begin(), services.end(),
                        [&ids](const TJson& service) { return ids.insert(service["serviceId"].get<int>()).second; });
+}
+
+TJson VerdictJson(const SSource& source, const SVerdict& verdict)
+{
+    const auto put = [](TJson& json, const SJudgement& judgement) {
+        json["verdict"] = VerdictName(judgement.verdict);
+        PutText(json, "cause", judgement.cause);
+        PutText(json, "rule", judgement.rule);
+    };
+    TJson json = Object("verdict");
+    json["source"] = SourceJson(source);
+    json["serviceList"] = verdict.serviceList;
+    json["service"] = verdict.serviceId;
+    PutText(json, "channel", verdict.channel);
+    PutText(json, "shortServiceName", verdict.name);
+    put(json, verdict.judgement);
+    if (verdict.withoutBroadband != verdict.judgement) {
+        put(json["withoutBroadband"], verdict.withoutBroadband);
+    }
+    json["text"] = verdict.judgement.Text();
+    return json;
+}
+
+TJson FindingJson(const SFinding& finding)
+{
+    TJson json = Object("finding");
+    json["source"] = SourceJson(finding.source);
+    json["rule"] = RuleName(finding.rule);
+    json["severity"] = SeverityName(finding.severity);
+    json["message"] = finding.message;
+    PutNumber(json, "count", finding.times, std::uint64_t{1});
+    if (finding.header) {
+        PutHeader(json, *finding.header);
+    }
+    if (finding.serviceId) {
+        json["service"] = *finding.serviceId;
+    }
+    PutText(json, "session", finding.session);
+    PutText(json, "see", RuleOf(finding.rule).see);
+    if (!finding.attribute.empty()) {
+        json["attribute"] = finding.attribute;
+    }
+    return json;
 }
 
 }  // namespace
@@ -733,53 +777,50 @@ void CJsonReport::Delivery(const SDelivery& delivery)
     }
 }
 
+void CJsonReport::BeginInterim()
+{
+    m_interim = std::make_shared<TJson>(TJson::array());
+}
+
 void CJsonReport::Verdicts(const SVerdicts& verdicts)
 {
-    const auto put = [](TJson& json, const SJudgement& judgement) {
-        json["verdict"] = VerdictName(judgement.verdict);
-        PutText(json, "cause", judgement.cause);
-        PutText(json, "rule", judgement.rule);
-    };
     for (const SVerdict& verdict : verdicts.verdicts) {
-        m_Write("verdict", [&](bool) {
-            TJson json = Object("verdict");
-            json["source"] = SourceJson(verdicts.source);
-            json["serviceList"] = verdict.serviceList;
-            json["service"] = verdict.serviceId;
-            PutText(json, "channel", verdict.channel);
-            PutText(json, "shortServiceName", verdict.name);
-            put(json, verdict.judgement);
-            if (verdict.withoutBroadband != verdict.judgement) {
-                put(json["withoutBroadband"], verdict.withoutBroadband);
-            }
-            json["text"] = verdict.judgement.Text();
-            return json;
-        });
+        if (m_interim) {
+            m_interim->push_back(VerdictJson(verdicts.source, verdict));
+        } else {
+            m_Write("verdict", [&](bool) { return VerdictJson(verdicts.source, verdict); });
+        }
     }
 }
 
 void CJsonReport::Finding(const SFinding& finding)
 {
-    m_Write("finding", [&](bool) {
-        TJson json = Object("finding");
-        json["source"] = SourceJson(finding.source);
-        json["rule"] = RuleName(finding.rule);
-        json["severity"] = SeverityName(finding.severity);
-        json["message"] = finding.message;
-        PutNumber(json, "count", finding.times, std::uint64_t{1});
-        if (finding.header) {
-            PutHeader(json, *finding.header);
+    m_Write("finding", [&](bool) { return FindingJson(finding); });
+}
+
+void CJsonReport::Interim(const SInterim& interim, const SSummary& summary)
+{
+    constexpr std::size_t k_most = 100;  // findings of a list
+    TJson json = Object("interim");
+    json["source"] = SourceJson(interim.source);
+    json["number"] = interim.number;
+    json["seconds"] = interim.seconds;
+    json["holding"] = interim.holding;
+    const auto put = [&](const char* name, const char* leftOut, const std::vector<SFinding>& findings) {
+        TJson& list = json[name] = TJson::array();
+        for (const SFinding& finding : findings) {
+            if (list.size() < Limit(k_most)) {
+                list.push_back(FindingJson(finding));
+            }
         }
-        if (finding.serviceId) {
-            json["service"] = *finding.serviceId;
-        }
-        PutText(json, "session", finding.session);
-        PutText(json, "see", RuleOf(finding.rule).see);
-        if (!finding.attribute.empty()) {
-            json["attribute"] = finding.attribute;
-        }
-        return json;
-    });
+        PutNumber(json, leftOut, findings.size() - list.size(), std::size_t{0});
+    };
+    put("begun", "begunLeftOut", interim.begun);
+    put("over", "overLeftOut", interim.over);
+    json["verdicts"] = std::move(*m_interim);
+    m_interim.reset();
+    summary.Each(SPutCount{json["summary"] = TJson::object()});
+    m_output.Always(JsonLine(json));
 }
 
 void CJsonReport::Summary(const SSummary& summary)
@@ -787,7 +828,7 @@ void CJsonReport::Summary(const SSummary& summary)
     TJson json = Object("summary");
     summary.Each(SPutCount{json});
     PutList(json, "leftOut", m_output.LeftOut());
-    m_output.Finish(JsonLine(json));
+    m_output.Always(JsonLine(json));
 }
 
 }  // namespace vyr::inspect

@@ -39,6 +39,8 @@ class CJsonReport : public IReportWriter {
     void Verdicts(const SVerdicts& verdicts) override;
     void Finding(const SFinding& finding) override;
     void Summary(const SSummary& summary) override;
+    void BeginInterim() override;
+    void Interim(const SInterim& interim, const SSummary& summary) override;
     bool WantsText(const std::string&) const override { return false; }
     bool WantsUnchanged(const std::string& key) const override { return m_full || m_last.Find(key) == nullptr; }
     bool AlwaysSummary() const override { return true; }
@@ -55,6 +57,7 @@ class CJsonReport : public IReportWriter {
     CLimitedOutput m_output;
     const bool m_full;
     CLastShown m_last;
+    std::shared_ptr<TJson> m_interim;  ///< verdicts of the report on the way that is made
 };
 
 }  // namespace vyr::inspect

@@ -29,7 +29,7 @@ void CLimitedOutput::Write(const char* kind, const std::string& record)
     m_output.Write(record);
 }
 
-void CLimitedOutput::Finish(const std::string& record)
+void CLimitedOutput::Always(const std::string& record)
 {
     m_Tell();
     m_output.Write(record);

@@ -28,8 +28,8 @@ class CLimitedOutput {
     /// False, and the record is counted as left out: there is no room for any, and it need not be made.
     bool Begin(const char* kind);
     void Write(const char* kind, const std::string& record);
-    /// The last record, behind what is left to tell: it is always written.
-    void Finish(const std::string& record);
+    /// A record that is always written, behind what is left to tell.
+    void Always(const std::string& record);
     /// All that were left out.
     const TLeftOut& LeftOut() const { return m_all; }
 

@@ -119,9 +119,19 @@ typename TMap::mapped_type* CPageModel::m_Find(TMap& map, const typename TMap::k
     return found != map.end() ? &found->second : &map[key];
 }
 
+std::size_t CPageModel::m_Bytes(const SLine& line)
+{
+    return k_around + line.html.size() + line.source.file.size();
+}
+
+bool CPageModel::m_Fits(std::size_t bytes, std::size_t most) const
+{
+    return m_bytes + bytes <= std::min(Limit(most), m_allowance.Room());
+}
+
 bool CPageModel::m_Take(std::size_t bytes, std::size_t most)
 {
-    const bool fits = m_bytes + bytes <= std::min(Limit(most), m_allowance.Room());
+    const bool fits = m_Fits(bytes, most);
     m_bytes += fits ? bytes : 0;
     return fits;
 }
@@ -145,11 +155,35 @@ void CPageModel::m_Hold(SPart& part, const std::string& title, const SSource& so
 
 void CPageModel::m_Add(SList<SLine>& list, const SSource& source, const std::string& html)
 {
-    if (list.items.size() < Limit(k_mostLines) && m_Take(k_around + html.size() + source.file.size())) {
-        list.items.push_back({source, html});
+    SLine line = {source, html};
+    // Of what goes on for weeks, the latest, and room for what a report on the way finds.
+    const bool latest = m_watched && !m_interim;
+    while (latest && !list.items.empty() && (list.items.size() >= Limit(k_mostLines / 2) || !m_Fits(m_Bytes(line)))) {
+        m_bytes -= m_Bytes(list.items.front());
+        list.items.pop_front();
+        ++list.more;
+    }
+    if (list.items.size() < Limit(k_mostLines) && m_Take(m_Bytes(line))) {
+        list.items.push_back(std::move(line));
     } else {
         ++list.more;
     }
+}
+
+void CPageModel::BeginInterim()
+{
+    m_interim = true;
+    m_before = {t_findings.items.size(), t_findings.more, t_missing};
+}
+
+void CPageModel::t_EndInterim()
+{
+    m_interim = false;
+    for (; t_findings.items.size() > m_before.findings; t_findings.items.pop_back()) {
+        m_bytes -= m_Bytes(t_findings.items.back());
+    }
+    t_findings.more = m_before.more;
+    t_missing = std::move(m_before.missing);
 }
 
 /// What changed of a document against what came last of it, as a list; that is what it stands at from now on.
@@ -157,7 +191,7 @@ std::string CPageModel::m_Changes(const std::string& key, bool isNew, std::share
                                   const SSource& source)
 {
     std::string html;
-    if (!isNew && now && t_changes.items.size() < Limit(k_mostLines)) {
+    if (!isNew && now && (m_watched || t_changes.items.size() < Limit(k_mostLines))) {
         for (const std::string& line : ChangeLines(m_last.Find(key), now.get())) {
             html += "<li>" + HtmlText(HtmlClipped(line, k_longLine)) + "</li>";
         }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <numeric>
@@ -23,7 +24,8 @@ namespace vyr::inspect {
 class CPageModel : public IReportWriter {
   public:
     /// With `localTime`, the times of the guide are those of the machine's time zone.
-    explicit CPageModel(bool localTime) : m_localTime(localTime) {}
+    /// `watched` lists the latest that changed, in place of the first.
+    CPageModel(bool localTime, bool watched) : m_localTime(localTime), m_watched(watched) {}
 
     void Table(const STable& table) override;
     void Signalling(const SSignalling& signalling) override;
@@ -33,13 +35,14 @@ class CPageModel : public IReportWriter {
     void Delivery(const SDelivery& delivery) override;
     void Verdicts(const SVerdicts& verdicts) override;
     void Finding(const SFinding& finding) override;
+    void BeginInterim() override;
     void Received(std::size_t bytes) override { m_allowance.Received(bytes); }
 
   protected:
     /// What is held of each kind: the list, and how many more there were.
     template <class TItem>
     struct SList {
-        std::vector<TItem> items;
+        std::deque<TItem> items;
         std::uint64_t more = 0;
     };
     using TKey = std::tuple<std::size_t, std::string, std::string>;  ///< file, stream or session, what in it
@@ -112,6 +115,9 @@ class CPageModel : public IReportWriter {
     std::uint64_t t_left = 0;          ///< parts beyond the limits
     std::uint64_t t_refusedLists = 0;  ///< service lists that did not parse
 
+    /// Lets go of what was found for the report on the way alone.
+    void t_EndInterim();
+
   private:
     static constexpr std::size_t k_mostBytes = 33554432;  ///< of markup that is held
     static constexpr std::size_t k_around = 512;          ///< bytes of the page around what is held as a part
@@ -121,6 +127,8 @@ class CPageModel : public IReportWriter {
 
     /// Whether the page may hold as many bytes more, up to `most` in all; they count then.
     bool m_Take(std::size_t bytes, std::size_t most = static_cast<std::size_t>(-1));
+    bool m_Fits(std::size_t bytes, std::size_t most = static_cast<std::size_t>(-1)) const;
+    static std::size_t m_Bytes(const SLine& line);
     template <class TMap>
     typename TMap::mapped_type* m_Find(TMap& map, const typename TMap::key_type& key);
     void m_Hold(SPart& part, const std::string& title, const SSource& source, std::string html);
@@ -136,7 +144,17 @@ class CPageModel : public IReportWriter {
     void m_Alerts(const STable& table, const TKey& key);
     void m_Certificates(const STable& table, const TKey& key);
 
+    /// What a report on the way does not change.
+    struct SBefore {
+        std::size_t findings = 0;
+        std::uint64_t more = 0;
+        std::map<TKey, std::string> missing;
+    };
+
     const bool m_localTime;
+    const bool m_watched;
+    SBefore m_before;
+    bool m_interim = false;
     CLastShown m_last;
     std::size_t m_sessionParts = 0;  ///< of all of them
     std::size_t m_bytes = 0;         ///< held

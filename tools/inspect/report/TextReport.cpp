@@ -9,6 +9,7 @@
 #include "base/Text.h"
 #include "model/Content.h"
 #include "model/Guide.h"
+#include "model/Interim.h"
 #include "report/DeliveryText.h"
 #include "report/GuideText.h"
 #include "report/JsonReport.h"
@@ -580,11 +581,8 @@ void CTextReport::Finding(const SFinding& finding)
     }
 }
 
-void CTextReport::Summary(const SSummary& summary)
+std::string CTextReport::m_SummaryText(const SSummary& summary) const
 {
-    if (summary.captures + summary.rawTables + summary.slsFiles + summary.rawMessages + summary.guideFiles == 0) {
-        return;
-    }
     std::vector<TRow> rows = SummaryRows(summary);
     if (!m_output.LeftOut().empty()) {
         rows.push_back({"left out", LeftOutText(m_output.LeftOut())});
@@ -597,7 +595,36 @@ void CTextReport::Summary(const SSummary& summary)
         text +=
             "    and " + std::to_string(summary.errors + summary.warnings - summary.firstFindings.size()) + " more\n";
     }
-    m_output.Finish(text + m_verdicts);
+    return text + m_verdicts;
+}
+
+void CTextReport::Summary(const SSummary& summary)
+{
+    if (summary.captures + summary.rawTables + summary.slsFiles + summary.rawMessages + summary.guideFiles != 0) {
+        m_output.Always(m_SummaryText(summary));
+    }
+}
+
+void CTextReport::BeginInterim()
+{
+    m_verdictsBefore = m_verdicts;
+}
+
+void CTextReport::Interim(const SInterim& interim, const SSummary& summary)
+{
+    constexpr std::size_t k_most = 65536;  // bytes of findings
+    std::string text = '\n' + Place(interim.source) + "report " + std::to_string(interim.number) + '\n';
+    const auto list = [&](const char* title, const std::vector<SFinding>& findings) {
+        std::string lines;
+        for (const SFinding& finding : findings) {
+            lines += "    " + FindingText(finding);
+        }
+        text += findings.empty() ? std::string() : std::string("  ") + title + '\n' + FirstLines(lines, Limit(k_most));
+    };
+    list("found since the last report", interim.begun);
+    list("holds no more", interim.over);
+    m_output.Always(text + m_SummaryText(summary));
+    m_verdicts = std::move(m_verdictsBefore);
 }
 
 }  // namespace vyr::inspect

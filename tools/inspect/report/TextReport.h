@@ -38,6 +38,8 @@ class CTextReport : public IReportWriter {
     void Verdicts(const SVerdicts& verdicts) override;
     void Finding(const SFinding& finding) override;
     void Summary(const SSummary& summary) override;
+    void BeginInterim() override;
+    void Interim(const SInterim& interim, const SSummary& summary) override;
     bool WantsText(const std::string& key) const override { return m_full || m_last.Find(key) == nullptr; }
     bool WantsUnchanged(const std::string&) const override { return false; }
     void Received(std::size_t bytes) override { m_output.Received(bytes); }
@@ -47,6 +49,7 @@ class CTextReport : public IReportWriter {
     template <class TWhole>
     std::string m_Body(const std::string& key, EStatus status, const std::shared_ptr<const TJson>& now,
                        TWhole whole) const;
+    std::string m_SummaryText(const SSummary& summary) const;
     std::string m_DocumentText(const SSlsDocument& document) const;
     void m_Remember(const std::string& key, bool told, std::shared_ptr<const TJson> json, const SSource& source);
 
@@ -54,7 +57,8 @@ class CTextReport : public IReportWriter {
     const bool m_localTime;
     const bool m_full;
     CLastShown m_last;
-    std::string m_verdicts;  ///< of all inputs
+    std::string m_verdicts;        ///< of all inputs
+    std::string m_verdictsBefore;  ///< a report on the way
 };
 
 }  // namespace vyr::inspect
