@@ -123,7 +123,7 @@ TEST(HtmlReport, AlertsThatAreGoneStay)
 
 TEST(HtmlReport, LeavesOutWhatIsEmptyAndNamesInputs)
 {
-    CHtmlReport empty;
+    CHtmlReport empty(false, {"", 0});
     empty.Summary({});
     EXPECT_EQ(Count(empty.Page(), "<section"), 1u);
     EXPECT_EQ(Count(empty.Page(), "<li>"), 1u) << "nor is it in the contents";

@@ -92,12 +92,12 @@ void CBroadcast::m_Listen(const TEndpoint& stream, CLlsFollower& follower)
 
 void CBroadcast::Next(const std::optional<STime>& time)
 {
-    ++m_source.packet;
-    m_source.time = time;
-    m_times.Add(time);
     if (m_options.every != 0) {
         Now(time);
     }
+    ++m_source.packet;
+    m_source.time = time;
+    m_times.Add(time);
 }
 
 void CBroadcast::Now(const std::optional<STime>& time)
@@ -119,7 +119,7 @@ void CBroadcast::m_Interim()
     m_guide.Show(m_source);
     m_judge.BeginInterim();
     m_report.BeginInterim();
-    Finish(true);
+    m_Result(true);
     m_report.EndInterim(m_source, static_cast<double>(m_clock.End()) / CCaptureClock::k_second);
     m_judge.EndInterim();
 }
@@ -143,6 +143,13 @@ void CBroadcast::Take(const SDatagram& datagram)
 }
 
 void CBroadcast::Finish(bool told)
+{
+    m_Result(told);
+    m_guideSessions.Close();
+}
+
+/// What there is to say of all that came, at the end or on the way.
+void CBroadcast::m_Result(bool told)
 {
     const std::string& name = m_source.file;
     const SPacketCounts counts = m_counts();

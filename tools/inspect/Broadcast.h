@@ -52,6 +52,7 @@ class CBroadcast {
     static constexpr std::size_t k_maxDestinations = 4096;
 
     void m_Interim();
+    void m_Result(bool told);
     void m_Listen(const TEndpoint& stream, CLlsFollower& follower);
     void m_Findings(const SPacketCounts& counts);
 

@@ -250,6 +250,12 @@ void CGuideSessions::Finish(const std::string& file) const
     }
 }
 
+void CGuideSessions::Close()
+{
+    m_streams.clear();
+    m_owners.clear();
+}
+
 /// Why nothing of the guide came in the owner's sessions; empty: something did.
 std::string CGuideSessions::m_Missing(const SOwner& owner) const
 {

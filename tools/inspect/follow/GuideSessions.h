@@ -39,6 +39,8 @@ class CGuideSessions {
     void Each(const std::function<void(const SServiceSession&, std::uint64_t)>& visit) const;
     /// The end of the input, or of a part that is reported: adds to the summary, and tells which guides did not come.
     void Finish(const std::string& file) const;
+    /// Lets go of all sessions, behind Finish().
+    void Close();
 
   private:
     static constexpr std::size_t k_maxStreams = 256;  ///< of all sessions
