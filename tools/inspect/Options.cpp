@@ -133,7 +133,7 @@ void CheckFiles(const SOptions& options)
 {
     std::vector<std::string> inputs = options.inputs;
     std::replace(inputs.begin(), inputs.end(), std::string("-"), std::string("/dev/stdin"));
-    inputs.insert(inputs.end(), {options.genres, options.trust});
+    inputs.insert(inputs.end(), {options.genres, options.trust, options.baseline});
     for (const auto& [option, name] :
          {std::pair("--html", options.html), {"--metrics", options.metrics}, {"--output", options.output}}) {
         for (const std::string& input : inputs) {
@@ -182,6 +182,10 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
            "Report on the way, too, whenever so much of the input's time has gone by; write pages and metrics anew")
         ->type_name("SECONDS")
         ->check(CLI::Range(1.0, 86400.0));
+    CLI::Option* const every = app.get_option("--every");
+    app.add_option("--baseline", options.baseline, "Report only what differs from an earlier report in JSON")
+        ->type_name("FILE")
+        ->excludes(every);
     app.add_option("--metrics", options.metrics, "Write OpenMetrics as well")->type_name("FILE");
     app.add_flag("--local-time", options.localTime, "Show the guide's times in the machine's time zone, not in UTC");
     app.add_option("--genres", options.genres, "Classification scheme with the names of the guide's genres")

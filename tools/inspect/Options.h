@@ -22,6 +22,7 @@ struct SOptions {
     std::string html;                                                 ///< file to write the page to; empty: none
     std::string metrics;                                              ///< file of the metrics; empty: none
     std::string output;                                               ///< in place of standard output; empty: that
+    std::string baseline;                                             ///< report to compare with; empty: none
     double every = 0;                                                 ///< seconds from report to report; 0: at the end
     std::map<std::string, int> settings;
     ELogPriority log = LOG_PRIORITY_SILENT;

@@ -16,6 +16,7 @@
 #include "Options.h"
 #include "base/Limits.h"
 #include "base/Text.h"
+#include "report/BaselineReport.h"
 #include "report/HtmlReport.h"
 #include "report/JsonReport.h"
 #include "report/MetricsReport.h"
@@ -98,7 +99,13 @@ int Inspect(int argc, char** argv)
     }
     CTextReport text(output, options.localTime, options.full);
     CJsonReport json(output, options.full);
-    IReportWriter& writer = options.json ? static_cast<IReportWriter&>(json) : text;
+    std::optional<CBaselineReport> compared;
+    if (!options.baseline.empty()) {
+        compared.emplace(output, options.baseline, options.json, options.failOn);
+    }
+    IReportWriter& writer = compared       ? static_cast<IReportWriter&>(*compared)
+                            : options.json ? static_cast<IReportWriter&>(json)
+                                           : text;
     CHtmlReport page(options.localTime,
                      {options.commandLine, ReportTime(), static_cast<unsigned>(std::ceil(options.every))});
     CMetricsReport metrics;
@@ -116,6 +123,9 @@ int Inspect(int argc, char** argv)
     });
     CInspector inspector(options, report, output, progress);
     exitStatus = inspector.Run();
+    if (compared && exitStatus != EXIT_FAILED) {
+        exitStatus = compared->Worse() ? EXIT_FINDINGS : EXIT_FINE;
+    }
     for (const COutputFile* file : {&pageFile, &metricsFile}) {
         if (file->Error() != 0) {
             exitStatus = Failed(file->Name(), file->Error());

@@ -239,17 +239,19 @@ struct SPutCount {
     }
 };
 
-std::string JsonLine(const TJson& json)
-{
-    return PlainJson(json.dump(-1, ' ', false, TJson::error_handler_t::replace)) + '\n';
-}
-
 /// Whether an id tells which of the services is meant.
 bool IdsDiffer(const TJson& services)
 {
     std::set<int> ids;
     return std::all_of(services.begin(), services.end(),
                        [&ids](const TJson& service) { return ids.insert(service["serviceId"].get<int>()).second; });
+}
+
+}  // namespace
+
+std::string JsonLine(const TJson& json)
+{
+    return PlainJson(json.dump(-1, ' ', false, TJson::error_handler_t::replace)) + '\n';
 }
 
 TJson VerdictJson(const SSource& source, const SVerdict& verdict)
@@ -294,8 +296,6 @@ TJson FindingJson(const SFinding& finding)
     }
     return json;
 }
-
-}  // namespace
 
 TJson ServiceJson(const SSltService& service)
 {

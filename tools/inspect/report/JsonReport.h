@@ -7,6 +7,7 @@
 #include "base/JsonFwd.h"
 #include "model/Items.h"
 #include "model/ReportWriter.h"
+#include "model/Verdict.h"
 #include "report/Changes.h"
 #include "report/LimitedOutput.h"
 
@@ -15,6 +16,10 @@ namespace vyr::inspect {
 /// The objects of the JSON report that other forms show as well.
 TJson TableJson(const STable& table);
 TJson ServiceJson(const SSltService& service);
+/// A record of the report, with the end of its line.
+std::string JsonLine(const TJson& json);
+TJson VerdictJson(const SSource& source, const SVerdict& verdict);
+TJson FindingJson(const SFinding& finding);
 /// What is compared with the last table of the kind: its content, or the service list with its services. Null: it did
 /// not parse, or its list is cut.
 std::shared_ptr<const TJson> DocumentJson(const STable& table);

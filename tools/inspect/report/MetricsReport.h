@@ -56,7 +56,7 @@ class CMetricsReport : public IReportWriter {
     std::vector<SVerdicts> m_verdicts;  ///< of each input
     std::vector<SDelivery> m_deliveries;
     std::pair<std::size_t, std::size_t> m_inputs;  ///< that both have without the report on the way
-    std::map<ERule, ESeverity> m_severities;  ///< what the run makes of rules
+    std::map<ERule, ESeverity> m_severities;       ///< what the run makes of rules
     std::map<std::pair<std::string, unsigned>, TCertificates> m_certificates;
     std::map<TSession, std::pair<std::uint64_t, double>>
         m_before;  ///< bytes and seconds of sessions at the last report
