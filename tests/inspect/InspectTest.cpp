@@ -279,6 +279,8 @@ std::vector<SGolden> Goldens()
         {"no-slt", "-", 1, CCapture(1).AddLls(systemTime).Bytes()},
         {"link-type", "-", 1, CCapture(105).AddLls(lls).Bytes()},
         {"uncompressed", "pcap/gpac-a3-nozip-split.pcap", 1},
+        {"all-fields", "made/content.xml made/service.xml made/lists.mpd", 0},
+        {"all-fields-json", "--json made/content.xml made/service.xml made/lists.mpd", 0},
         {"protected-json", "--json pcap/gpac-a6-protected.pcap", 0},
         {"session", "--route 239.255.9.1:9000 pcap/gpac-a9-route-only.pcap", 0},
         {"broken-usbd", "--route 225.1.1.0:6000 --route 1.2.3.4:5 pcap/gpac-a13-unescaped-name.pcap", 1},
