@@ -3,6 +3,7 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 #include <pthread.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cstdio>
@@ -228,7 +229,7 @@ void HostError(void* told, const char* /*format*/, ...)
 
 TEST_F(XMLTest, HostSettingsDoNotLeakIn)
 {
-    const std::string path = std::string(testing::TempDir()) + "vyr-entity.txt";
+    const std::string path = testing::TempDir() + "vyr-entity-" + std::to_string(getpid()) + ".txt";
     std::ofstream(path) << "secret";
     xmlSubstituteEntitiesDefault(1);
     xmlKeepBlanksDefault(0);
@@ -252,7 +253,7 @@ TEST_F(XMLTest, HostSettingsDoNotLeakIn)
 
 TEST_F(XMLTest, DumpsAndFiles)
 {
-    const std::string path = std::string(testing::TempDir()) + "vyr-file.xml";
+    const std::string path = testing::TempDir() + "vyr-file-" + std::to_string(getpid()) + ".xml";
     std::ofstream(path) << "<r><c a='1'  b=\"&lt;\">x</c></r>";
     ASSERT_TRUE(m_xml.Create(path.c_str()));
     std::remove(path.c_str());

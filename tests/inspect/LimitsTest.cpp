@@ -241,6 +241,57 @@ TEST(Limits, ServicesAreShownUpToTheirLimit)
     }
 }
 
+/// Of the LCT sessions of a guide the first are followed, and it is told how many are not.
+TEST(Limits, GuideSessionsAreFollowedUpToTheirLimit)
+{
+    for (const unsigned more : {0u, 1u}) {
+        std::string stsid = "<S-TSID><RS>";
+        for (unsigned tsi = 1; tsi <= 256 + more; ++tsi) {
+            stsid += "<LS tsi='" + std::to_string(tsi) +
+                     "'><SrcFlow rt='false'><EFDT><FDT-Instance><File TOI='1' Content-Location='u' "
+                     "Content-Type='application/vnd.oma.bcast.sgdu'/></FDT-Instance></EFDT></SrcFlow></LS>";
+        }
+        stsid += "</RS></S-TSID>\n";
+        CCapture capture(1);
+        capture.AddLls(Slt(MmtService(1, 6001, 1), 1));
+        for (std::size_t at = 0; at < stsid.size(); at += 30000) {
+            capture.AddSession(
+                Lct({1, static_cast<std::uint32_t>(at), static_cast<int>(stsid.size())}, stsid.substr(at, 30000)),
+                6001);
+        }
+        const std::string unit = guide::Unit({{1, guide::k_service2}});
+        capture.AddSession(Lct({1, 0, static_cast<int>(unit.size()), false, 256 + more}, unit), 6001);
+        const json summary = Lines(Inspect("--json -", capture.Bytes()).out).back();
+        EXPECT_EQ(summary["findings"].value("guide-too-large", 0u), more) << summary;
+        EXPECT_EQ(summary["guide"]["fragments"], 1 - more) << "of the last one";
+    }
+}
+
+/// Of more sessions than the library holds something for, each is as it was when it comes again.
+TEST(Limits, SignallingOfSessionsIsKnownBeyondWhatIsHeld)
+{
+    constexpr unsigned k_sessions = 66;
+    std::string list;
+    CCapture capture(1);
+    for (unsigned i = 1; i <= k_sessions; ++i) {
+        list += MmtService(static_cast<int>(i), 6000 + i, 1);
+    }
+    capture.AddLls(Slt(list, 1));
+    for (unsigned round = 1; round <= 3; ++round) {
+        for (unsigned i = 1; i <= k_sessions; ++i) {
+            const std::string usbd = "<BundleDescriptionROUTE><UserServiceDescription serviceId='" + std::to_string(i) +
+                                     "'><Name>" + std::to_string(round / 2) +
+                                     "</Name></UserServiceDescription></BundleDescriptionROUTE>\n";
+            capture.AddSession(Lct({1 + round / 2, 0, static_cast<int>(usbd.size())}, usbd), 6000 + i);
+        }
+    }
+    const json summary = Lines(Inspect("--json -", capture.Bytes()).out).back();
+    EXPECT_EQ(summary["servicesSignalled"], k_sessions);
+    for (const char* status : {"new", "changed", "repeated"}) {
+        EXPECT_EQ(summary["signalling"][status], k_sessions) << status;
+    }
+}
+
 TEST(Limits, FindingsThatAreAlikeAreToldTogether)
 {
     const std::string table = "\x01";  // too short

@@ -1,6 +1,7 @@
 #include "platform/Platform.h"
 
 #include <syslog.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -21,7 +22,7 @@ using PlatformTest = CRecorder;
 // The one setting that is read lets a service through that needs broadband.
 TEST_F(PlatformTest, DefaultSettingsComeFromTheFile)
 {
-    const std::string path = std::string(testing::TempDir()) + "vyr-settings.conf";
+    const std::string path = testing::TempDir() + "vyr-settings-" + std::to_string(getpid()) + ".conf";
     const std::string key = "db/menu/broadcasting/atsc3_bb_option";
     SetLogPriority(LOG_PRIORITY_SILENT);
     SetPlatform(nullptr);
