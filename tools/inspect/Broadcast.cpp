@@ -59,7 +59,7 @@ CBroadcast::CBroadcast(const SOptions& options, const std::string& name, CChanne
       m_report(report),
       m_judge(judge),
       m_guide(report),
-      m_guideSessions(m_guide, report),
+      m_guideSessions(m_guide, report, options.files),
       m_sessions{FollowRoute(options.routeSessions, m_guideSessions, report), FollowMmtp(options.mmtpSessions, report)},
       m_arrivals(report, m_traffic),
       m_source{name, 0, {}},

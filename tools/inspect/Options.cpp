@@ -96,6 +96,16 @@ ESeverity ReadSeverity(const char* option, const std::string& name)
     return *severity;
 }
 
+std::uint64_t ReadSize(const char* option, std::string text)
+{
+    std::uint64_t size = 0;
+    const std::string given = text;
+    if (given.find('-') != std::string::npos || !CLI::AsSizeValue(false)(text).empty() || !ReadNumber(text, size)) {
+        throw CLI::ValidationError(option, "'" + given + "' is no number of bytes");
+    }
+    return size;
+}
+
 /// `changes` are RULE=LEVEL.
 CSeverities ReadSeverities(const std::vector<std::string>& changes, const std::vector<std::string>& ignored)
 {
@@ -161,6 +171,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     std::vector<std::string> settings;
     std::vector<std::string> ignored;
     std::vector<std::string> severities;
+    std::string extractLimit = "1G";
     std::string failOn = SeverityName(options.failOn);
     bool rules = false;
     bool progress = false;
@@ -172,6 +183,17 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     input->required()->type_name("");
     app.add_flag("--json", options.json, "Write one JSON object per line in place of text");
     app.add_option("--html", options.html, "Write the whole report as one HTML page as well")->type_name("FILE");
+    CLI::Option* const extract = app.add_option("--extract", options.extract,
+                                                "Write out what is new or has changed, as it was sent and inflated")
+                                     ->type_name("DIR")
+                                     ->group("Files");
+    app.add_flag("--files", options.files, "Write out the files of all LCT sessions that are not streaming, too")
+        ->needs(extract)
+        ->group("Files");
+    app.add_option("--extract-limit", extractLimit, "Most bytes to write out (1G); k, M, G are 1024 times more")
+        ->type_name("BYTES")
+        ->needs(extract)
+        ->group("Files");
     app.add_flag("--local-time", options.localTime, "Show the guide's times in the machine's time zone, not in UTC");
     app.add_option("--genres", options.genres, "Classification scheme with the names of the guide's genres")
         ->type_name("FILE");
@@ -231,6 +253,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         }
         options.severities = ReadSeverities(severities, ignored);
         options.failOn = ReadSeverity("--fail-on", failOn);
+        options.extractLimit = ReadSize("--extract-limit", extractLimit);
     } catch (const CLI::ParseError& error) {
         *exitStatus = app.exit(error, std::cout, std::cerr) == 0 ? EXIT_FINE : EXIT_FAILED;
         return false;

@@ -20,6 +20,9 @@ struct SOptions {
     std::set<std::pair<std::uint32_t, std::uint16_t>> mmtpSessions;   ///< the same
     std::string commandLine;                                          ///< with quotes where a shell needs them
     std::string html;                                                 ///< file to write the page to; empty: none
+    std::string extract;                                              ///< folder to write out to; empty: none
+    std::uint64_t extractLimit = 0;                                   ///< bytes
+    bool files = false;                                               ///< write out those of other LCT sessions, too
     std::map<std::string, int> settings;
     ELogPriority log = LOG_PRIORITY_SILENT;
     bool strict = false;

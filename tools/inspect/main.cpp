@@ -8,11 +8,13 @@
 #include <cstring>
 #include <ctime>
 #include <exception>
+#include <memory>
 
 #include "Inspector.h"
 #include "Options.h"
 #include "base/Limits.h"
 #include "base/Text.h"
+#include "extract/Extract.h"
 #include "report/HtmlReport.h"
 #include "report/JsonReport.h"
 #include "report/TextReport.h"
@@ -36,6 +38,7 @@ void OpenStandardStreams()
 void WatchSignals()
 {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     struct sigaction action {};
     action.sa_handler = [](int) {
         CInput::Stop();
@@ -85,6 +88,8 @@ int Inspect(int argc, char** argv)
         output.SetOptional();
     }
     CReport report(writer, options.quiet, paged ? &page : nullptr, options.severities);
+    const std::unique_ptr<CExtract> extract =
+        options.extract.empty() ? nullptr : std::make_unique<CExtract>(report, options.extract, options.extractLimit);
     CInspector inspector(options, report, output, progress);
     exitStatus = inspector.Run();
     if (paged) {
@@ -92,6 +97,9 @@ int Inspect(int argc, char** argv)
     }
     if (file.Error() != 0) {
         exitStatus = Failed(options.html, file.Error());
+    }
+    if (extract && extract->Error() != 0) {
+        exitStatus = Failed(options.extract, extract->Error());
     }
     if (output.Error() != 0 && output.Error() != EPIPE) {
         exitStatus = Failed("standard output", output.Error());

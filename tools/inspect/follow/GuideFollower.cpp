@@ -273,6 +273,9 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SView object,
     SGuideRead read = ReadGuideObject(*kind, body, text);
     report.kind = *kind;
     report.content = std::move(read.content);
+    report.sent = object;
+    report.text = text;
+    report.parts = std::move(read.parts);
     m_report.GuideObject(report);
     const std::string title = place ? Title(*place) + ": " : "";
     if (report.status == EStatus::CHANGED_WITHOUT_VERSION) {

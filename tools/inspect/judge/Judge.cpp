@@ -74,12 +74,12 @@ CJudge::CJudge(CReport& report, const std::string& file, bool capture, const SRu
     m_rules.push_back(RatingRules(m_evidence, m_findings));
     m_rules.push_back(SignatureRules(m_evidence, m_findings, settings));
     m_rules.push_back(GuideRules(m_evidence, m_findings));
-    m_report.SetWitness(this);
+    m_report.AddWitness(*this);
 }
 
 CJudge::~CJudge()
 {
-    m_report.SetWitness(nullptr);
+    m_report.RemoveWitness(*this);
 }
 
 void CJudge::Table(const STable& table)

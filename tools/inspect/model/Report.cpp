@@ -1,5 +1,7 @@
 #include "model/Report.h"
 
+#include <algorithm>
+
 #include "base/Limits.h"
 #include "base/Text.h"
 #include "model/Guide.h"
@@ -22,14 +24,9 @@ void CReport::m_Tell(TTell tell)
     }
 }
 
-template <class TItem>
-void CReport::m_Witness(void (IWitness::*tell)(const TItem&), const TItem& item)
+void CReport::RemoveWitness(IWitness& witness)
 {
-    for (IWitness* witness : {m_arrivals, m_witness}) {
-        if (witness != nullptr) {
-            (witness->*tell)(item);
-        }
-    }
+    m_witnesses.erase(std::find(m_witnesses.begin(), m_witnesses.end(), &witness));
 }
 
 void CReport::Received(std::size_t bytes)

@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "model/Items.h"
 #include "model/ReportWriter.h"
@@ -19,10 +20,9 @@ class CReport {
     /// page, if there is one, of everything.
     CReport(IReportWriter& writer, bool quiet, IReportWriter* page = nullptr, CSeverities severities = {});
 
-    /// Is told of everything that follows, as it came; null: nobody is.
-    void SetWitness(IWitness* witness) { m_witness = witness; }
-    /// The same, and before it.
-    void SetArrivals(IWitness* arrivals) { m_arrivals = arrivals; }
+    /// Is told of everything that follows, as it came, until it is removed.
+    void AddWitness(IWitness& witness) { m_witnesses.push_back(&witness); }
+    void RemoveWitness(IWitness& witness);
     /// The input went on by as many bytes.
     void Received(std::size_t bytes);
     void Table(const STable& table);
@@ -30,6 +30,7 @@ class CReport {
     void Message(const SMessage& message);
     void GuideObject(const SGuideObject& object);
     void Guide(const SGuide& guide);
+    void File(const SFile& file) { m_Witness(&IWitness::File, file); }
     /// What was on the air of a capture, at its end.
     void Delivery(const SDelivery& delivery);
     /// Whether the services of an input play, at its end.
@@ -65,7 +66,12 @@ class CReport {
     void m_Tell(TTell tell);
     /// What the witness finds comes behind what it finds it in.
     template <class TItem>
-    void m_Witness(void (IWitness::*tell)(const TItem&), const TItem& item);
+    void m_Witness(void (IWitness::*tell)(const TItem&), const TItem& item)
+    {
+        for (IWitness* witness : m_witnesses) {
+            (witness->*tell)(item);
+        }
+    }
     void m_TellFinding(const SFinding& finding);
     void m_TellHeld(SAlike& alike);
     bool m_Joins(SAlike& alike, const SFinding& finding, std::uint64_t most);
@@ -76,8 +82,7 @@ class CReport {
     IReportWriter* const m_page;
     const bool m_quiet;
     const CSeverities m_severities;
-    IWitness* m_witness = nullptr;
-    IWitness* m_arrivals = nullptr;
+    std::vector<IWitness*> m_witnesses;
     unsigned m_numbers = 0;
     SSummary m_summary;
     SSource m_place;  ///< of the last finding
