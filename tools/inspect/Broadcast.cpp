@@ -62,6 +62,7 @@ CBroadcast::CBroadcast(const SOptions& options, const std::string& name, CChanne
       m_guideSessions(m_guide, report, options.files),
       m_sessions{FollowRoute(options.routeSessions, m_guideSessions, report), FollowMmtp(options.mmtpSessions, report)},
       m_arrivals(report, m_traffic),
+      m_window(options.from, options.until),
       m_source{name, 0, {}},
       m_times{name, {}, {}}
 {
@@ -86,11 +87,15 @@ void CBroadcast::m_Listen(const TEndpoint& stream, CLlsFollower& follower)
     });
 }
 
-void CBroadcast::Next(const std::optional<STime>& time)
+bool CBroadcast::Next(const std::optional<STime>& time)
 {
     ++m_source.packet;
+    if (!m_window.Takes(time)) {
+        return false;
+    }
     m_source.time = time;
     m_times.Add(time);
+    return true;
 }
 
 void CBroadcast::Take(const SDatagram& datagram)

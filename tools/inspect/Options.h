@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "judge/Rules.h"
+#include "model/Choice.h"
 #include "model/Rule.h"
 #include "platform/Platform.h"
 
@@ -33,6 +35,9 @@ struct SOptions {
     bool quiet = false;
     bool noLimit = false;
     bool full = false;
+    SChoices choices;
+    std::optional<CWindow::SBound> from;
+    std::optional<CWindow::SBound> until;
     CSeverities severities;
     SRuleSettings rules;
     ESeverity failOn = ESeverity::ERROR;

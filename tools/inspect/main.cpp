@@ -88,10 +88,14 @@ int Inspect(int argc, char** argv)
         output.SetOptional();
     }
     CReport report(writer, options.quiet, paged ? &page : nullptr, options.severities);
+    report.SetChoice(options.choices);
     const std::unique_ptr<CExtract> extract =
         options.extract.empty() ? nullptr : std::make_unique<CExtract>(report, options.extract, options.extractLimit);
     CInspector inspector(options, report, output, progress);
     exitStatus = inspector.Run();
+    for (const std::string& choice : report.Choice().Unmatched()) {
+        std::fprintf(stderr, "vyr-atsc30-inspect: %s: nothing of it came\n", Printable(choice).c_str());
+    }
     if (paged) {
         file.Write(page.Page());
     }

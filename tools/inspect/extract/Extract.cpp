@@ -95,7 +95,7 @@ struct CExtract::SItem {
 CExtract::CExtract(CReport& report, const std::string& folder, std::uint64_t limit)
     : m_report(report), m_folder(folder), m_limit(limit)
 {
-    m_report.AddWitness(*this);
+    m_report.AddChosenWitness(*this);
 }
 
 CExtract::~CExtract()

@@ -22,7 +22,7 @@ class CExtract : public IWitness {
     static constexpr std::size_t k_mostFiles = 65536;
     static constexpr std::size_t k_mostFolders = 4096;
 
-    /// `limit` is bytes, the index included. The report tells of what comes while there is one, and outlives it.
+    /// `limit` is bytes, the index included. The report tells of what is chosen while there is one, and outlives it.
     /// Throws std::runtime_error when the folder cannot be used.
     CExtract(CReport& report, const std::string& folder, std::uint64_t limit);
     ~CExtract() override;

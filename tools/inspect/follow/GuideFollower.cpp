@@ -446,6 +446,9 @@ void CGuideFollower::m_Finding(ERule rule, const std::string& message, const std
                                const SSource& source)
 {
     SFinding finding = {rule, message + (place ? " (" + place->session + ')' : ""), source};
+    if (place) {
+        finding.about = place->session;
+    }
     if (place && place->services.size() == 1) {
         finding.serviceId = *place->services.begin();
     }

@@ -280,6 +280,7 @@ void CGuideSessions::Finish(const std::string& file)
         const std::string reason = m_Missing(owner);
         if (!reason.empty()) {
             SFinding finding = {ERule::GUIDE_INCOMPLETE, "no guide on " + owner.name + ": " + reason, {file, 0, {}}};
+            finding.about = owner.name;
             if (owner.services.size() == 1) {
                 finding.serviceId = *owner.services.begin();
             }

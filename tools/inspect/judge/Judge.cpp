@@ -12,8 +12,6 @@ namespace vyr::inspect {
 
 namespace {
 
-constexpr std::uint32_t k_noAddress = 0xFFFFFFFF;
-
 /// Remembers the LCT sessions of an S-TSID that another one replaces.
 void KeepEarlier(SPackageFacts& package)
 {
@@ -35,15 +33,6 @@ std::string PackageKey(const std::string& documentKey)
 }
 
 }  // namespace
-
-std::string SessionOf(const SSltService& service)
-{
-    const bool usable = service.hasBroadcastSvcSignaling && service.slsDestinationIpAddress != 0 &&
-                        service.slsDestinationIpAddress != k_noAddress && service.slsDestinationUdpPort > 0 &&
-                        service.slsDestinationUdpPort <= 0xFFFF;
-    return usable ? EndpointText(service.slsDestinationIpAddress, static_cast<unsigned>(service.slsDestinationUdpPort))
-                  : std::string();
-}
 
 std::vector<const SPackageFacts*> SEvidence::Of(const SSltService& service) const
 {

@@ -141,6 +141,8 @@ struct SFile {
 
 /// "224.0.23.60:4937 group 0": tells service lists apart.
 std::string ServiceListName(const std::string& stream, unsigned groupId);
+/// "239.255.7.1:30100": where the list says that the signalling of the service is; empty: nowhere.
+std::string SessionOf(const SSltService& service);
 /// "BundleDescriptionROUTE" and the like: the name of its element.
 const char* DocumentName(ESlsDocument kind);
 /// "new", "changed" or "unchanged".

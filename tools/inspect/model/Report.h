@@ -3,10 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
 
+#include "model/Choice.h"
 #include "model/Items.h"
 #include "model/ReportWriter.h"
 #include "model/Witness.h"
@@ -22,7 +24,14 @@ class CReport {
 
     /// Is told of everything that follows, as it came, until it is removed.
     void AddWitness(IWitness& witness) { m_witnesses.push_back(&witness); }
+    /// The same of what is chosen alone, findings aside.
+    void AddChosenWitness(IWitness& witness) { m_chosenWitnesses.push_back(&witness); }
     void RemoveWitness(IWitness& witness);
+    /// What is told from now on: writers, counts and those who hear of what is chosen alone know of nothing else.
+    void SetChoice(const SChoices& choices) { m_choice.emplace(choices); }
+    const CChoice& Choice() const { return *m_choice; }
+    /// Another input begins.
+    void Begin() { m_choice->Begin(); }
     /// The input went on by as many bytes.
     void Received(std::size_t bytes);
     void Table(const STable& table);
@@ -30,7 +39,7 @@ class CReport {
     void Message(const SMessage& message);
     void GuideObject(const SGuideObject& object);
     void Guide(const SGuide& guide);
-    void File(const SFile& file) { m_Witness(&IWitness::File, file); }
+    void File(const SFile& file);
     /// What was on the air of a capture, at its end.
     void Delivery(const SDelivery& delivery);
     /// Whether the services of an input play, at its end.
@@ -66,9 +75,10 @@ class CReport {
     void m_Tell(TTell tell);
     /// What the witness finds comes behind what it finds it in.
     template <class TItem>
-    void m_Witness(void (IWitness::*tell)(const TItem&), const TItem& item)
+    static void m_Witness(const std::vector<IWitness*>& witnesses, void (IWitness::*tell)(const TItem&),
+                          const TItem& item)
     {
-        for (IWitness* witness : m_witnesses) {
+        for (IWitness* witness : witnesses) {
             (witness->*tell)(item);
         }
     }
@@ -83,6 +93,8 @@ class CReport {
     const bool m_quiet;
     const CSeverities m_severities;
     std::vector<IWitness*> m_witnesses;
+    std::vector<IWitness*> m_chosenWitnesses;
+    std::optional<CChoice> m_choice{std::in_place};
     unsigned m_numbers = 0;
     SSummary m_summary;
     SSource m_place;  ///< of the last finding

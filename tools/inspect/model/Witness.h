@@ -10,7 +10,7 @@ struct SMessage;
 struct SSignalling;
 struct STable;
 
-/// Is told of everything that comes of one input, repeats as well, and judges it.
+/// Is told of everything that comes, repeats as well.
 class IWitness {
   public:
     virtual ~IWitness() = default;
