@@ -60,12 +60,13 @@ CBroadcast::CBroadcast(const SOptions& options, const std::string& name, CChanne
       m_report(report),
       m_judge(judge),
       m_guide(report),
-      m_guideSessions(m_guide, report),
+      m_guideSessions(m_guide, report, options.files),
       m_sessions{FollowRoute(options.routeSessions, m_guideSessions, report), FollowMmtp(options.mmtpSessions, report)},
       m_traffic([&judge](const SServiceSession& session, std::uint64_t tsi, const TToi& toi) {
           return judge.FileLength(session, tsi, toi);
       }),
       m_arrivals(report, m_traffic),
+      m_window(options.from, options.until),
       m_source{name, 0, {}},
       m_times{name, {}, {}}
 {
@@ -90,14 +91,19 @@ void CBroadcast::m_Listen(const TEndpoint& stream, CLlsFollower& follower)
     });
 }
 
-void CBroadcast::Next(const std::optional<STime>& time)
+bool CBroadcast::Next(const std::optional<STime>& time)
 {
-    if (m_options.every != 0) {
+    const bool taken = m_window.Takes(time);
+    if (taken && m_options.every != 0) {
         Now(time);
     }
     ++m_source.packet;
+    if (!taken) {
+        return false;
+    }
     m_source.time = time;
     m_times.Add(time);
+    return true;
 }
 
 void CBroadcast::Now(const std::optional<STime>& time)

@@ -35,8 +35,9 @@ class CBroadcast {
     CBroadcast(const CBroadcast&) = delete;
     CBroadcast& operator=(const CBroadcast&) = delete;
 
-    /// The next packet begins, with its time if it has one.
-    void Next(const std::optional<STime>& time);
+    /// The next packet begins, with its time if it has one. False: it is outside what is looked at, and is to be passed
+    /// over.
+    bool Next(const std::optional<STime>& time);
     /// It is so late, though no packet came: a report on the way may be due.
     void Now(const std::optional<STime>& time);
     /// A datagram that the packet, and those before it, made whole.
@@ -66,6 +67,7 @@ class CBroadcast {
     const std::unique_ptr<CSessionFollower> m_sessions[2];
     CTraffic m_traffic;
     const CArrivals m_arrivals;
+    CWindow m_window;
     SSource m_source;  ///< of the packet under way
     SInputTimes m_times;
     std::map<TEndpoint, std::uint64_t> m_destinations;  ///< datagrams that nothing follows

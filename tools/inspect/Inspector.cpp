@@ -74,6 +74,7 @@ EExitStatus CInspector::Run()
 {
     for (const std::string& name : m_options.inputs) {
         ++m_report.Summary().inputs;
+        m_report.Begin();
         try {
             m_Inspect(name);
         } catch (const CInputError& error) {
@@ -134,9 +135,10 @@ void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge
     SPacket packet;
     try {
         while (!m_output.Ended() && input.Next(packet)) {
-            broadcast.Next(packet.time);
-            m_report.Received(packet.bytes.size);
-            decoder.Decode(packet.bytes, packet.cut);
+            if (broadcast.Next(packet.time)) {
+                m_report.Received(packet.bytes.size);
+                decoder.Decode(packet.bytes, packet.cut);
+            }
             m_progress.Show(name, broadcast.Packets());
         }
     } catch (const CInputError& error) {

@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "ExitStatus.h"
+#include "base/Text.h"
 #include "common/Version.h"
 
 namespace vyr::inspect {
@@ -96,6 +97,40 @@ ESeverity ReadSeverity(const char* option, const std::string& name)
     return *severity;
 }
 
+void ReadChoices(const std::vector<std::string>& tables, const std::vector<std::string>& sessions, SChoices& choices)
+{
+    for (const std::string& text : tables) {
+        const std::optional<unsigned> id = FindTable(text);
+        if (!id) {
+            throw CLI::ValidationError("--table", "'" + text + "' is no LLS table");
+        }
+        choices.tables[*id] = text;
+    }
+    for (const auto& [address, port] : ReadEndpoints("--session", sessions)) {
+        choices.sessions.insert(EndpointText(address, port));
+    }
+}
+
+/// Of no text, none.
+std::optional<CWindow::SBound> ReadTime(const char* option, const std::string& text)
+{
+    const std::optional<CWindow::SBound> bound = CWindow::Read(text);
+    if (!bound && !text.empty()) {
+        throw CLI::ValidationError(option, "'" + text + "' is neither a time nor +SECONDS");
+    }
+    return bound;
+}
+
+std::uint64_t ReadSize(const char* option, std::string text)
+{
+    std::uint64_t size = 0;
+    const std::string given = text;
+    if (given.find('-') != std::string::npos || !CLI::AsSizeValue(false)(text).empty() || !ReadNumber(text, size)) {
+        throw CLI::ValidationError(option, "'" + given + "' is no number of bytes");
+    }
+    return size;
+}
+
 /// `changes` are RULE=LEVEL.
 CSeverities ReadSeverities(const std::vector<std::string>& changes, const std::vector<std::string>& ignored)
 {
@@ -150,6 +185,7 @@ void CheckFiles(const SOptions& options)
 
 bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exitStatus)
 {
+    constexpr char k_choosing[] = "Choosing";
     options.commandLine = CommandLine(argc, argv);
     CLI::App app("Shows the ATSC 3.0 signalling in packet captures and raw files.", "vyr-atsc30-inspect");
     app.footer(k_footer);
@@ -161,9 +197,14 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     std::vector<std::string> streams;
     std::vector<std::string> routeSessions;
     std::vector<std::string> mmtpSessions;
+    std::vector<std::string> tables;
+    std::vector<std::string> sessions;
+    std::string from;
+    std::string until;
     std::vector<std::string> settings;
     std::vector<std::string> ignored;
     std::vector<std::string> severities;
+    std::string extractLimit = "1G";
     std::string failOn = SeverityName(options.failOn);
     bool rules = false;
     bool progress = false;
@@ -187,6 +228,17 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         ->type_name("FILE")
         ->excludes(every);
     app.add_option("--metrics", options.metrics, "Write OpenMetrics as well")->type_name("FILE");
+    CLI::Option* const extract = app.add_option("--extract", options.extract,
+                                                "Write out what is new or has changed, as it was sent and inflated")
+                                     ->type_name("DIR")
+                                     ->group("Files");
+    app.add_flag("--files", options.files, "Write out the files of all LCT sessions that are not streaming, too")
+        ->needs(extract)
+        ->group("Files");
+    app.add_option("--extract-limit", extractLimit, "Most bytes to write out (1G); k, M, G are 1024 times more")
+        ->type_name("BYTES")
+        ->needs(extract)
+        ->group("Files");
     app.add_flag("--local-time", options.localTime, "Show the guide's times in the machine's time zone, not in UTC");
     app.add_option("--genres", options.genres, "Classification scheme with the names of the guide's genres")
         ->type_name("FILE");
@@ -208,6 +260,17 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     app.add_flag("--strict", options.strict,
                  "Drop services that leave out protected, hidden or broadbandAccessRequired");
     addEach("--set", "KEY=VALUE", settings, "Receiver setting that the library asks for; may be repeated");
+    addEach("--service", "ID|CHANNEL|NAME", options.choices.services,
+            "Tell of that service alone (0x7D1, 7.1, NEWS); may be repeated, as those that follow");
+    app.get_option("--service")->group(k_choosing);
+    addEach("--table", "NAME|ID", tables, "Tell of LLS tables of that kind (SLT, AEAT, 0xFE)");
+    app.get_option("--table")->group(k_choosing);
+    addEach("--session", k_endpoint, sessions, "Tell of what is sent there");
+    app.get_option("--session")->group(k_choosing);
+    app.add_option("--from", from, "Look at packets from then on (2026-11-22T10:00:00Z, or +12.5 seconds)")
+        ->type_name("TIME")
+        ->group(k_choosing);
+    app.add_option("--until", until, "Look at packets before then")->type_name("TIME")->group(k_choosing);
     addEach("--ignore", "RULE", ignored, "Say nothing of what breaks the rule; may be repeated");
     addEach("--severity", "RULE=LEVEL", severities, "Make it an error, a warning or a note; may be repeated");
     app.add_option("--fail-on", failOn, "Exit with status 1 from that level on: error (default), warning or note")
@@ -246,6 +309,10 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         }
         options.severities = ReadSeverities(severities, ignored);
         options.failOn = ReadSeverity("--fail-on", failOn);
+        ReadChoices(tables, sessions, options.choices);
+        options.from = ReadTime("--from", from);
+        options.until = ReadTime("--until", until);
+        options.extractLimit = ReadSize("--extract-limit", extractLimit);
     } catch (const CLI::ParseError& error) {
         *exitStatus = app.exit(error, std::cout, std::cerr) == 0 ? EXIT_FINE : EXIT_FAILED;
         return false;

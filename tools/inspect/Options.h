@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "judge/Rules.h"
+#include "model/Choice.h"
 #include "model/Rule.h"
 #include "platform/Platform.h"
 
@@ -24,6 +26,9 @@ struct SOptions {
     std::string output;                                               ///< in place of standard output; empty: that
     std::string baseline;                                             ///< report to compare with; empty: none
     double every = 0;                                                 ///< seconds from report to report; 0: at the end
+    std::string extract;                                              ///< folder to write out to; empty: none
+    std::uint64_t extractLimit = 0;                                   ///< bytes
+    bool files = false;                                               ///< write out those of other LCT sessions, too
     std::map<std::string, int> settings;
     ELogPriority log = LOG_PRIORITY_SILENT;
     bool strict = false;
@@ -34,6 +39,9 @@ struct SOptions {
     bool quiet = false;
     bool noLimit = false;
     bool full = false;
+    SChoices choices;
+    std::optional<CWindow::SBound> from;
+    std::optional<CWindow::SBound> until;
     CSeverities severities;
     SRuleSettings rules;
     ESeverity failOn = ESeverity::ERROR;

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <ctime>
 #include <exception>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -16,6 +17,7 @@
 #include "Options.h"
 #include "base/Limits.h"
 #include "base/Text.h"
+#include "extract/Extract.h"
 #include "report/BaselineReport.h"
 #include "report/HtmlReport.h"
 #include "report/JsonReport.h"
@@ -41,6 +43,7 @@ void OpenStandardStreams()
 void WatchSignals(bool reopening)
 {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     struct sigaction action {};
     action.sa_handler = [](int) {
         CInput::Stop();
@@ -117,12 +120,18 @@ int Inspect(int argc, char** argv)
         others.push_back(&metrics);
     }
     CReport report(writer, options.quiet, others, options.severities);
+    report.SetChoice(options.choices);
     report.SetListener([&] {
         pageFile.Write(page.Page());
         metricsFile.Write(metrics.Page());
     });
+    const std::unique_ptr<CExtract> extract =
+        options.extract.empty() ? nullptr : std::make_unique<CExtract>(report, options.extract, options.extractLimit);
     CInspector inspector(options, report, output, progress);
     exitStatus = inspector.Run();
+    for (const std::string& choice : report.Choice().Unmatched()) {
+        std::fprintf(stderr, "vyr-atsc30-inspect: %s: nothing of it came\n", Printable(choice).c_str());
+    }
     if (compared && exitStatus != EXIT_FAILED) {
         exitStatus = compared->Worse() ? EXIT_FINDINGS : EXIT_FINE;
     }
@@ -130,6 +139,9 @@ int Inspect(int argc, char** argv)
         if (file->Error() != 0) {
             exitStatus = Failed(file->Name(), file->Error());
         }
+    }
+    if (extract && extract->Error() != 0) {
+        exitStatus = Failed(options.extract, extract->Error());
     }
     if (output.Error() != 0 && output.Error() != EPIPE) {
         exitStatus = Failed(options.output.empty() ? "standard output" : options.output, output.Error());

@@ -40,6 +40,11 @@ bool CutValue(TJson& value, std::size_t most, std::size_t& gone)
 
 }  // namespace
 
+std::string JsonLine(const TJson& value)
+{
+    return PlainJson(value.dump(-1, ' ', false, TJson::error_handler_t::replace)) + '\n';
+}
+
 std::string ValueText(const TJson& value)
 {
     constexpr std::size_t k_shown = 8;

@@ -78,6 +78,8 @@ void PutEach(TJson& object, const char* list, const TList& elements, TMake make)
 /// Leaves of every list within no more than its first `most` entries, and of every text about as many lines of it as
 /// that; how much is gone of which stands beside it in "leftOut", in entries and bytes. False: all of it stays.
 bool CutJson(TJson& object, std::size_t most);
+/// The value as a line of JSON Lines; what is not UTF-8 in it is replaced.
+std::string JsonLine(const TJson& value);
 /// A value for people. Long texts and lists are cut short.
 std::string ValueText(const TJson& value);
 /// The fields of an object for people: "packet_id 5, assets (asset_id a, codec_code hev1)".

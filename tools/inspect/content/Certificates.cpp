@@ -204,7 +204,7 @@ ESigned VerifyForm(const SSigned& item, const std::vector<unsigned char>& form, 
 SCertificate ReadCertificate(const std::string& base64)
 {
     SCertificate certificate;
-    const auto der = Decode(base64);
+    auto der = Decode(base64);
     if (!der || der->empty()) {
         certificate.error = "not base64";
         return certificate;
@@ -221,6 +221,7 @@ SCertificate ReadCertificate(const std::string& base64)
     certificate.notBefore = TimeText(X509_get0_notBefore(x509.get()));
     certificate.notAfter = TimeText(X509_get0_notAfter(x509.get()));
     certificate.facts = FactsOf(std::move(x509));
+    certificate.der = std::move(*der);
     return certificate;
 }
 

@@ -17,6 +17,7 @@ struct SCertificate {
     std::string notBefore;  ///< "2027-05-01T00:00:00Z"
     std::string notAfter;
     std::shared_ptr<const SCertificateFacts> facts;  ///< null: it could not be read
+    std::vector<unsigned char> der;
 };
 
 /// The form of a signature.

@@ -204,6 +204,8 @@ class CUnitWalk {
             m_at += 1;
         } else {
             m_Xml(rest[1], rest.From(2).First(length), title, json, line);
+            m_read.parts.push_back(
+                {rest[1], head.fragmentTransportID, head.fragmentVersion, rest.From(2).First(length)});
             m_at += 2 + length;
         }
         Append(m_read.content->json, "fragments", std::move(json));

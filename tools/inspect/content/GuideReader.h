@@ -26,6 +26,7 @@ std::optional<EGuideObject> GuideKind(SView bytes);
 struct SGuideRead {
     COptionalContent content;  ///< none: it did not parse
     std::vector<SGuideFragment> fragments;
+    std::vector<SGuidePart> parts;    ///< of a unit, those of XML; views of its text
     std::vector<std::string> faults;  ///< of fragments, and of the object when it did not parse
 };
 

@@ -339,7 +339,7 @@ SContent ReadCdt(const CParseCDT& parser, SView bytes, STableOutcome& outcome)
     content.headline = Counted(certificates.size(), "certificate") + ", " + Counted(responses.size(), "OCSP response");
     content.json["Certificates"] = TJson::array();
     for (const std::string& base64 : certificates) {
-        const SCertificate certificate = ReadCertificate(base64);
+        SCertificate certificate = ReadCertificate(base64);
         if (!certificate.error.empty()) {
             outcome.faults.emplace_back(ERule::BAD_CERTIFICATE, "a certificate of the table is " + certificate.error);
             content.text += "  certificate: " + certificate.error + '\n';
@@ -350,6 +350,7 @@ SContent ReadCdt(const CParseCDT& parser, SView bytes, STableOutcome& outcome)
         if (certificate.facts && outcome.certificates.size() < k_mostCertificates) {
             outcome.certificates.push_back(certificate.facts);
         }
+        outcome.certificateBytes.push_back(std::move(certificate.der));
         content.text += "  certificate\n" + Line("subject", Printable(certificate.subject)) +
                         Line("issuer", Printable(certificate.issuer)) +
                         Line("valid", certificate.notBefore + " to " + certificate.notAfter);

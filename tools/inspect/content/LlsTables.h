@@ -16,10 +16,11 @@ struct STableOutcome {
     COptionalContent content;
     std::string reason;  ///< why there is none
     std::vector<std::pair<ERule, std::string>> faults;
-    std::vector<std::vector<unsigned char>> inner;  ///< tables within, each behind a header of its own
-    bool cmsSignedData = false;                     ///< it has an element of that name
-    std::shared_ptr<const SSigned> signedBytes;     ///< null: it has no signature that is verified
-    TCertificates certificates;                     ///< that it announces, the first ones
+    std::vector<std::vector<unsigned char>> inner;             ///< tables within, each behind a header of its own
+    bool cmsSignedData = false;                                ///< it has an element of that name
+    std::shared_ptr<const SSigned> signedBytes;                ///< null: it has no signature that is verified
+    TCertificates certificates;                                ///< that it announces, the first ones
+    std::vector<std::vector<unsigned char>> certificateBytes;  ///< of those that can be read, DER
 };
 
 /// Whether ParseTable knows the table id.

@@ -64,6 +64,7 @@ void ReadAtsc3(SMessageHead& head)
     if (content) {
         AddName(head.kind, Uri(head.payload));
     }
+    head.content = content.value_or(SView());
     head.hash = 0;
     Mix(head.hash, head.payload.First(k_version));
     // Of one that is not whole there is no telling the URI from the content.
@@ -104,6 +105,7 @@ bool Read(SView bytes, int depth, SMessageHead& head)
             head.kind.insert(head.kind.end(), wrapped.kind.begin(), wrapped.kind.end());
             head.versions.insert(head.versions.end(), wrapped.versions.begin(), wrapped.versions.end());
             head.hash = wrapped.hash;
+            head.content = wrapped.content;
         }
     }
     return true;

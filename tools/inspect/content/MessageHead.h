@@ -15,6 +15,7 @@ struct SMessageHead {
     SView payload;       ///< what the length spans, as far as it is there
     bool whole = false;  ///< whether all of it is there
     SView trailing;      ///< what stands behind it
+    SView content;       ///< of an ATSC 3.0 message, or of one that a signed message wraps, as it was sent
     /// Whether messages are of one kind, so that one replaces the other: the message id; of an ATSC 3.0
     /// message the service, the content type and the URI, of an MPT message the package; of a signed message
     /// the service and what the message it wraps has.

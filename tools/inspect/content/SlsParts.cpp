@@ -228,7 +228,7 @@ class CPackageReader {
         }
         m_inPart = false;
         const SView body = m_Part(m_begin, end < m_text.size() ? m_WithoutLineEnd(end, m_begin) : end);
-        SPackagePart part = {m_head.type, m_head.location, body.size, {}, {}};
+        SPackagePart part = {m_head.type, m_head.location, body.size, {}, {}, body};
         if (m_Holds(body, m_envelope.data)) {
             part.readAs.emplace_back(k_envelopeName);
             m_package.hasEnvelope = true;

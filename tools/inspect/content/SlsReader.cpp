@@ -131,6 +131,7 @@ std::vector<SSlsDocument> CSlsReader::Read(SView text, const std::vector<SSlsTex
         SSlsDocument& entry = found.emplace_back();
         entry.kind = document.kind;
         entry.size = document.bytes.size;
+        entry.bytes = document.bytes;
         entry.parsed = read.parsed;
         entry.content = std::move(read.content);
         if (!entry.parsed) {

@@ -273,6 +273,9 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SView object,
     SGuideRead read = ReadGuideObject(*kind, body, text);
     report.kind = *kind;
     report.content = std::move(read.content);
+    report.sent = object;
+    report.text = text;
+    report.parts = std::move(read.parts);
     m_report.GuideObject(report);
     const std::string title = place ? Title(*place) + ": " : "";
     if (report.status == EStatus::CHANGED_WITHOUT_VERSION) {
@@ -448,6 +451,9 @@ void CGuideFollower::m_Finding(ERule rule, const std::string& message, const std
                                const SSource& source)
 {
     SFinding finding = {rule, message + (place ? " (" + place->session + ')' : ""), source};
+    if (place) {
+        finding.about = place->session;
+    }
     if (place && place->services.size() == 1) {
         finding.serviceId = *place->services.begin();
     }

@@ -21,12 +21,15 @@ constexpr unsigned short k_noPort = 0xFFFF;
 
 class CGuideSessions::CStream {
   public:
-    CStream(CGuideSessions& sessions, const SServiceSession& session, std::uint64_t tsi, const SOwner& owner)
-        : m_session(session),
+    CStream(CGuideSessions& sessions, const SServiceSession& session, std::uint64_t tsi, const SOwner& owner,
+            bool carriesGuide)
+        : ofGuide(carriesGuide),
+          m_session(session),
           m_tsi(tsi),
           m_sessions(sessions),
           m_owner(owner),
-          m_assembler(sessions.m_memory, [this](const TToi& toi, SView object) { m_Object(toi, object); })
+          m_assembler(carriesGuide ? sessions.m_memory : sessions.m_fileMemory,
+                      [this](const TToi& toi, SView object) { m_Object(toi, object); })
     {
         m_name = EndpointText(session.destination, session.port);
     }
@@ -40,7 +43,8 @@ class CGuideSessions::CStream {
     bool Takes(const SDatagram& datagram) const { return m_session.source == 0 || m_session.source == datagram.source; }
     bool Is(const CStream& other) const
     {
-        return m_tsi == other.m_tsi && !(m_session < other.m_session) && !(other.m_session < m_session);
+        return ofGuide == other.ofGuide && m_tsi == other.m_tsi && !(m_session < other.m_session) &&
+               !(other.m_session < m_session);
     }
 
     const SServiceSession& Session() const { return m_session; }
@@ -52,39 +56,37 @@ class CGuideSessions::CStream {
     void Count(SGuideCounts& counts) const
     {
         SGuideCounts own;
+        if (!ofGuide) {
+            return;
+        }
         own.sessions = followed ? 1 : 0;
         own.packets = m_packets;
         own.objects = m_assembler.Counts();
         AddCounts(counts, own);
     }
-    void SetFiles(const SEFDTInfo* efdt)
-    {
-        files.clear();
-        if (efdt == nullptr || efdt->fdtGlobal == nullptr) {
-            return;
-        }
-        const char* common = efdt->fdtGlobal->contentType;
-        ForEach<SFDTFile>(efdt->fdtGlobal->files, [&](const SFDTFile& file) {
-            if (files.size() < k_maxFiles) {
-                const bool own = !file.contentType.empty() || common == nullptr;
-                files[file.toi] = {file.contentLocation, own ? file.contentType : common};
-            }
-        });
-    }
 
-    std::map<std::uint64_t, SFile> files;  ///< by TOI
+    const bool ofGuide;  ///< not of files alone
+    SFiles files;
     bool followed = false;
 
   private:
     void m_Object(const TToi& toi, SView object)
     {
         SGuidePlace place = {m_name, m_tsi, toi, {}, {}, m_owner.services};
-        const auto file = toi.first == 0 ? files.find(toi.second) : files.end();
-        if (file != files.end()) {
+        const auto file = toi.first == 0 ? files.byToi.find(toi.second) : files.byToi.end();
+        const bool named = file != files.byToi.end();
+        if (named) {
             place.contentLocation = file->second.contentLocation;
             place.contentType = file->second.contentType;
         }
-        m_guides = m_sessions.m_guide.Take(place, object, *m_source) || m_guides;
+        if (ofGuide && m_sessions.m_guide.Take(place, object, *m_source)) {
+            m_guides = true;
+        } else if (m_sessions.m_files) {
+            m_sessions.m_report.File({*m_source, m_name, m_owner.all, m_tsi, toi,
+                                      named ? place.contentLocation : NameByTemplate(files.fileTemplate, toi),
+                                      place.contentType, named ? file->second.contentEncoding : "", object,
+                                      EntityBody(object)});
+        }
     }
 
     const SServiceSession m_session;
@@ -98,7 +100,10 @@ class CGuideSessions::CStream {
     bool m_guides = false;
 };
 
-CGuideSessions::CGuideSessions(CGuideFollower& guide, CReport& report) : m_guide(guide), m_report(report) {}
+CGuideSessions::CGuideSessions(CGuideFollower& guide, CReport& report, bool files)
+    : m_guide(guide), m_report(report), m_files(files)
+{
+}
 
 CGuideSessions::~CGuideSessions() = default;
 
@@ -107,13 +112,14 @@ void CGuideSessions::Signal(const SFollowed& followed, const CSTSID& stsid)
     SOwner& owner = m_owners[followed.session];
     owner.name = followed.name;
     owner.services = {followed.guides.begin(), followed.guides.end()};
+    owner.all = followed.Shown();
     std::vector<std::unique_ptr<CStream>> streams = m_Streams(followed, stsid, owner);
     m_Unlist(owner);
     // What goes on keeps the objects that are under way.
     for (std::unique_ptr<CStream>& stream : streams) {
         for (std::unique_ptr<CStream>& old : owner.streams) {
             if (old->Is(*stream)) {
-                old->files.swap(stream->files);
+                std::swap(old->files, stream->files);
                 stream.swap(old);
                 break;
             }
@@ -128,12 +134,37 @@ void CGuideSessions::Signal(const SFollowed& followed, const CSTSID& stsid)
     }
 }
 
-/// The LCT sessions of the S-TSID that may carry the guide.
+CGuideSessions::SFiles CGuideSessions::m_Files(const SEFDTInfo* efdt)
+{
+    SFiles files;
+    if (efdt == nullptr) {
+        return files;
+    }
+    files.fileTemplate = efdt->fileTemplate != nullptr ? efdt->fileTemplate : "";
+    if (efdt->fdtGlobal == nullptr) {
+        return files;
+    }
+    const SFDTGlobal& instance = *efdt->fdtGlobal;
+    const auto either = [](const std::string& own, const char* common) {
+        return own.empty() && common != nullptr ? common : own;
+    };
+    files.fileTemplate = instance.fileTemplate.empty() ? files.fileTemplate : instance.fileTemplate;
+    ForEach<SFDTFile>(instance.files, [&](const SFDTFile& file) {
+        if (files.byToi.size() < k_maxFiles) {
+            files.byToi[file.toi] = {file.contentLocation, either(file.contentType, instance.contentType),
+                                     either(file.contentEncoding, instance.contentEncoding)};
+        }
+    });
+    return files;
+}
+
+/// The LCT sessions of the S-TSID that may carry the guide, and of files those that have any.
 std::vector<std::unique_ptr<CGuideSessions::CStream>> CGuideSessions::m_Streams(const SFollowed& followed,
                                                                                 const CSTSID& stsid,
                                                                                 const SOwner& owner)
 {
     std::vector<std::unique_ptr<CStream>> streams;
+    std::map<std::pair<SServiceSession, std::uint64_t>, CStream*> ofFiles;  // an S-TSID can describe one twice
     ForEach<CRS>(stsid.State()->routeSessions, [&](const CRS& rs) {
         const CRS::SRS& state = *rs.State();
         SServiceSession session = followed.session;
@@ -145,19 +176,30 @@ std::vector<std::unique_ptr<CGuideSessions::CStream>> CGuideSessions::m_Streams(
             if (lct.tsi == 0 || lct.tsi == k_none) {
                 return;
             }
-            auto stream = std::make_unique<CStream>(*this, session, lct.tsi, owner);
+            SFiles files;
             bool streaming = false;
+            bool flows = false;
             bool guides = !owner.services.empty();
             ForEach<CSrcFlow>(lct.srcFlows, [&](const CSrcFlow& flow) {
+                flows = true;
                 streaming = flow.State()->rt;
-                stream->SetFiles(flow.GetEFDTInfo());
+                files = m_Files(flow.GetEFDTInfo());
             });
-            for (const auto& [toi, file] : stream->files) {
+            for (const auto& [toi, file] : files.byToi) {
                 guides = guides || IsGuideType(file.contentType);
             }
-            if (guides && !streaming) {
-                streams.push_back(std::move(stream));
+            if (streaming || !(guides || (m_files && flows))) {
+                return;
             }
+            CStream*& known = ofFiles[{session, lct.tsi}];
+            if (!guides && known != nullptr) {
+                known->files.byToi.insert(files.byToi.begin(), files.byToi.end());
+                known->files.fileTemplate += known->files.fileTemplate.empty() ? files.fileTemplate : "";
+                return;
+            }
+            streams.push_back(std::make_unique<CStream>(*this, session, lct.tsi, owner, guides));
+            streams.back()->files = std::move(files);
+            known = guides ? known : streams.back().get();
         });
     });
     return streams;
@@ -179,6 +221,7 @@ void CGuideSessions::m_Unlist(const SOwner& owner)
     for (const std::unique_ptr<CStream>& stream : owner.streams) {
         const auto [begin, end] = m_streams.equal_range(stream->Endpoint());
         m_streams.erase(std::find_if(begin, end, [&](const auto& entry) { return entry.second == stream.get(); }));
+        --m_followed[stream->ofGuide ? 1 : 0];
     }
 }
 
@@ -192,12 +235,14 @@ void CGuideSessions::m_Drop(SOwner& owner)
 
 void CGuideSessions::m_Follow(SOwner& owner, std::unique_ptr<CStream> stream)
 {
-    if (m_streams.size() < k_maxStreams) {
+    const std::size_t kind = stream->ofGuide ? 1 : 0;
+    if (m_followed[kind] < (stream->ofGuide ? k_maxStreams : k_maxFileStreams)) {
+        ++m_followed[kind];
         stream->followed = true;
         m_streams.emplace(stream->Endpoint(), stream.get());
         owner.streams.push_back(std::move(stream));
     } else {
-        ++m_notFollowed;
+        ++m_notFollowed[kind];
     }
 }
 
@@ -211,7 +256,7 @@ bool CGuideSessions::Take(const SDatagram& datagram, const SSource& source)
     bool taken = false;
     for (auto stream = begin; stream != end; ++stream) {
         if (stream->second->Tsi() == packet.tsi && stream->second->Takes(datagram)) {
-            taken = true;
+            taken = taken || stream->second->ofGuide;
             if (packet.source && packet.data.size != 0) {
                 stream->second->Take(packet, source);
             }
@@ -223,7 +268,9 @@ bool CGuideSessions::Take(const SDatagram& datagram, const SSource& source)
 void CGuideSessions::Each(const std::function<void(const SServiceSession&, std::uint64_t)>& visit) const
 {
     for (const auto& [endpoint, stream] : m_streams) {
-        visit(stream->Session(), stream->Tsi());
+        if (stream->ofGuide) {
+            visit(stream->Session(), stream->Tsi());
+        }
     }
 }
 
@@ -233,6 +280,7 @@ void CGuideSessions::Finish(const std::string& file) const
         const std::string reason = m_Missing(owner);
         if (!reason.empty()) {
             SFinding finding = {ERule::GUIDE_INCOMPLETE, "no guide on " + owner.name + ": " + reason, {file, 0, {}}};
+            finding.about = owner.name;
             if (owner.services.size() == 1) {
                 finding.serviceId = *owner.services.begin();
             }
@@ -242,10 +290,16 @@ void CGuideSessions::Finish(const std::string& file) const
             stream->Count(m_report.Summary().guide);
         }
     }
-    if (m_notFollowed != 0) {
+    if (m_notFollowed[0] != 0) {
+        m_report.Finding({ERule::EXTRACT_LIMIT,
+                          "files come in more than " + std::to_string(k_maxFileStreams) +
+                              " LCT sessions: " + std::to_string(m_notFollowed[0]) + " were not followed",
+                          {file, 0, {}}});
+    }
+    if (m_notFollowed[1] != 0) {
         m_report.Finding({ERule::GUIDE_TOO_LARGE,
                           "the guide has more than " + std::to_string(k_maxStreams) +
-                              " LCT sessions: " + std::to_string(m_notFollowed) + " were not followed",
+                              " LCT sessions: " + std::to_string(m_notFollowed[1]) + " were not followed",
                           {file, 0, {}}});
     }
 }
@@ -259,7 +313,11 @@ void CGuideSessions::Close()
 /// Why nothing of the guide came in the owner's sessions; empty: something did.
 std::string CGuideSessions::m_Missing(const SOwner& owner) const
 {
-    if (owner.streams.empty()) {
+    const bool any = std::any_of(owner.streams.begin(), owner.streams.end(), [](const auto& s) { return s->ofGuide; });
+    if (!any && owner.services.empty()) {
+        return {};  // it has files alone
+    }
+    if (!any) {
         return "its S-TSID names no LCT session with files";
     }
     SGuideCounts counts;
@@ -269,7 +327,7 @@ std::string CGuideSessions::m_Missing(const SOwner& owner) const
             return {};
         }
         stream->Count(counts);
-        open += stream->Open();
+        open += stream->ofGuide ? stream->Open() : 0;
     }
     const std::string sessions = Counted(counts.sessions, "LCT session");
     if (counts.packets == 0) {

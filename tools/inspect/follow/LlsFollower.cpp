@@ -270,6 +270,7 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseOther(SView bytes, STable& table)
     table.cmsSignedData = parsed.cmsSignedData;
     table.signedBytes = std::move(parsed.signedBytes);
     table.certificates = std::move(parsed.certificates);
+    table.certificateBytes = std::move(parsed.certificateBytes);
     outcome.reason = std::move(parsed.reason);
     outcome.inner = std::move(parsed.inner);
     for (const auto& [code, message] : parsed.faults) {

@@ -35,6 +35,8 @@ void CMessageFollower::Take(const std::optional<std::uint16_t>& packetId, SView 
     message.id = head.id;
     message.version = head.version;
     message.payload = head.payload;
+    message.sent = bytes.First(bytes.size - head.trailing.size);
+    message.carried = head.content;
     std::size_t sizeBefore = 0;
     message.status =
         m_Compare({packetId.value_or(0), head.kind}, {head.versions, head.payload.size, head.hash}, sizeBefore);

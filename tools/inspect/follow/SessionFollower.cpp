@@ -92,13 +92,17 @@ void CSessionFollower::Finish(const std::string& file, bool captured)
         const SSessionCounts& counts = session->Counts();
         const std::string& name = session->followed.name;
         if (counts.malformed != 0) {
-            m_report.Finding({m_protocol.malformed,
-                              std::to_string(counts.malformed) + " of " + Counted(counts.packets, "packet") + " to " +
-                                  name + " are no " + m_protocol.packets,
-                              source});
+            SFinding finding = {m_protocol.malformed,
+                                std::to_string(counts.malformed) + " of " + Counted(counts.packets, "packet") + " to " +
+                                    name + " are no " + m_protocol.packets,
+                                source};
+            finding.about = name;
+            m_report.Finding(finding);
         }
         if (session->pinned && session->followed.services.empty() && !session->Signals()) {
-            m_report.Finding({ERule::NO_SIGNALLING, "no signalling on " + name + ": " + m_Missing(*session), source});
+            SFinding finding = {ERule::NO_SIGNALLING, "no signalling on " + name + ": " + m_Missing(*session), source};
+            finding.about = name;
+            m_report.Finding(finding);
         }
     }
     for (const auto& [group, services] : m_services) {

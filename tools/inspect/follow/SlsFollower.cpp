@@ -83,6 +83,8 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     if (toi) {
         m_objects.Hold(*toi) = now;
     }
+    signalling.sent = object;
+    signalling.text = text;
     signalling.parts.swap(package.parts);
     signalling.moreParts = package.moreParts;
     signalling.partsEnded = package.ended;

@@ -74,7 +74,4 @@ class CFindings {
     const std::string m_file;
 };
 
-/// "239.255.7.1:30100": where the list says that the signalling of the service is; empty: nowhere.
-std::string SessionOf(const SSltService& service);
-
 }  // namespace vyr::inspect

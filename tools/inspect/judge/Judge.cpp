@@ -12,7 +12,6 @@ namespace vyr::inspect {
 
 namespace {
 
-constexpr std::uint32_t k_noAddress = 0xFFFFFFFF;
 const std::vector<SLctFacts> k_noSessions;
 
 /// Remembers the LCT sessions of an S-TSID that another one replaces.
@@ -43,15 +42,6 @@ std::string PackageKey(const std::string& documentKey)
 
 }  // namespace
 
-std::string SessionOf(const SSltService& service)
-{
-    const bool usable = service.hasBroadcastSvcSignaling && service.slsDestinationIpAddress != 0 &&
-                        service.slsDestinationIpAddress != k_noAddress && service.slsDestinationUdpPort > 0 &&
-                        service.slsDestinationUdpPort <= 0xFFFF;
-    return usable ? EndpointText(service.slsDestinationIpAddress, static_cast<unsigned>(service.slsDestinationUdpPort))
-                  : std::string();
-}
-
 std::vector<const SPackageFacts*> SEvidence::Of(const SSltService& service) const
 {
     std::vector<const SPackageFacts*> own;
@@ -81,12 +71,12 @@ CJudge::CJudge(CReport& report, const std::string& file, bool capture, const SRu
     m_rules.push_back(RatingRules(m_evidence, m_findings));
     m_rules.push_back(SignatureRules(m_evidence, m_findings, settings));
     m_rules.push_back(GuideRules(m_evidence, m_findings));
-    m_report.SetWitness(this);
+    m_report.AddWitness(*this);
 }
 
 CJudge::~CJudge()
 {
-    m_report.SetWitness(nullptr);
+    m_report.RemoveWitness(*this);
 }
 
 void CJudge::Table(const STable& table)

@@ -24,28 +24,6 @@ void AddServices(std::vector<unsigned>& services, const std::vector<unsigned>& m
     }
 }
 
-/// Empty: the template makes none.
-std::string NameByTemplate(const SLctFacts& lct, const TToi& toi)
-{
-    const std::string text = OfRepresentation(lct.fileTemplate, lct.repId);
-    const std::size_t begin = text.find("$TOI");
-    const std::size_t end = begin != std::string::npos ? text.find('$', begin + 1) : begin;
-    if (end == std::string::npos || toi.first != 0) {
-        return {};
-    }
-    // "$TOI$", or "$TOI%05d$" with a width of one digit.
-    const std::string format = text.substr(begin + 4, end - begin - 4);
-    std::string number = std::to_string(toi.second);
-    if (format.size() == 4 && format.compare(0, 2, "%0") == 0 && format[2] > '0' && format[2] <= '9' &&
-        format[3] == 'd') {
-        const auto width = static_cast<std::size_t>(format[2] - '0');
-        number.insert(0, width > number.size() ? width - number.size() : 0, '0');
-    } else if (!format.empty()) {
-        return {};
-    }
-    return text.substr(0, begin) + number + text.substr(end + 1);
-}
-
 void NameFlow(SFlowDelivery& flow, const std::vector<unsigned>& services, const std::string& carries)
 {
     AddServices(flow.services, services);
@@ -73,7 +51,9 @@ void NameLct(const SLctSession& lct, SDelivery& delivery)
         for (std::size_t i = 0; flow.objects && i < flow.objects->firstIncomplete.size(); ++i) {
             SIncompleteObject& object = flow.objects->firstIncomplete[i];
             const auto file = files.find(object.toi);
-            object.name = file != files.end() ? *file->second : NameByTemplate(first, object.toi);
+            object.name = file != files.end()
+                              ? *file->second
+                              : NameByTemplate(OfRepresentation(first.fileTemplate, first.repId), object.toi);
         }
     }
 }

@@ -10,12 +10,12 @@ namespace vyr::inspect {
 
 CArrivals::CArrivals(CReport& report, const CTraffic& traffic) : m_report(report), m_traffic(traffic)
 {
-    m_report.SetArrivals(this);
+    m_report.AddWitness(*this);
 }
 
 CArrivals::~CArrivals()
 {
-    m_report.SetArrivals(nullptr);
+    m_report.RemoveWitness(*this);
 }
 
 void CArrivals::Table(const STable& table)

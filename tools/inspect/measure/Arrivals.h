@@ -33,7 +33,6 @@ class CArrivals : public IWitness {
     void Message(const SMessage& message) override;
     void GuideObject(const SGuideObject& object) override;
     void Guide(const SGuide&) override {}
-    void Finding(const SFinding&) override {}
 
     SArrivalLines Result() const;
 

@@ -61,6 +61,14 @@ struct SGuide {
 /// What carries fragments of the guide, or announces them.
 enum class EGuideObject { DELIVERY_UNIT, DELIVERY_DESCRIPTOR, RESPONSE, FRAGMENT };
 
+/// A fragment as it stands in a delivery unit.
+struct SGuidePart {
+    unsigned type = 0;  ///< 1: service, 2: content, 3: schedule
+    unsigned transportId = 0;
+    unsigned version = 0;
+    SView bytes;  ///< good during the report only
+};
+
 /// One object of the guide that is not a repeat.
 struct SGuideObject {
     SSource source;
@@ -73,6 +81,9 @@ struct SGuideObject {
     std::size_t size = 0;  ///< bytes as they were sent
     bool gzip = false;
     COptionalContent content;  ///< none: it did not parse
+    SView sent = {};           ///< good during the report only; none of a repeat
+    SView text = {};           ///< without header fields, inflated
+    std::vector<SGuidePart> parts = {};
 };
 
 /// "SGDU", "ServiceGuideDeliveryDescriptor", "SGResponse" or "fragment".

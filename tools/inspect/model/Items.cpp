@@ -1,8 +1,19 @@
 #include "model/Items.h"
 
+#include "base/Text.h"
 #include "model/Guide.h"
 
 namespace vyr::inspect {
+
+std::string SessionOf(const SSltService& service)
+{
+    constexpr std::uint32_t k_noAddress = 0xFFFFFFFF;
+    const bool usable = service.hasBroadcastSvcSignaling && service.slsDestinationIpAddress != 0 &&
+                        service.slsDestinationIpAddress != k_noAddress && service.slsDestinationUdpPort > 0 &&
+                        service.slsDestinationUdpPort <= 0xFFFF;
+    return usable ? EndpointText(service.slsDestinationIpAddress, static_cast<unsigned>(service.slsDestinationUdpPort))
+                  : std::string();
+}
 
 const char* DocumentName(ESlsDocument kind)
 {

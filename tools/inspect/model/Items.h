@@ -43,9 +43,10 @@ struct STable {
     bool insideMultiTable = false;
     std::optional<SSlt> slt;  ///< when it parsed; another table has a content
     COptionalContent content;
-    bool cmsSignedData = false;                  ///< it has an element of that name
-    std::shared_ptr<const SSigned> signedBytes;  ///< null: it has no signature that is verified
-    TCertificates certificates;                  ///< that it announces, the first ones
+    bool cmsSignedData = false;                                ///< it has an element of that name
+    std::shared_ptr<const SSigned> signedBytes;                ///< null: it has no signature that is verified
+    TCertificates certificates;                                ///< that it announces, the first ones
+    std::vector<std::vector<unsigned char>> certificateBytes;  ///< of those that can be read, DER
 };
 
 /// Documents of the service-layer signalling (SLS) of ROUTE, in the order in which the library parses
@@ -64,7 +65,8 @@ struct SSlsDocument {
     bool parsed = false;
     std::string reason;  ///< why it did not
     COptionalContent content;
-    std::string key;  ///< tells the document apart from all but those that it replaces
+    std::string key;   ///< tells the document apart from all but those that it replaces
+    SView bytes = {};  ///< good during the report only
 };
 
 /// An item of the metadata envelope, as given.
@@ -81,6 +83,7 @@ struct SPackagePart {
     std::size_t size = 0;             ///< bytes, without the header
     std::vector<std::string> readAs;  ///< names of what is read of it; none: nothing is
     std::string root;                 ///< root element of what is not read; empty: it is no XML
+    SView bytes = {};                 ///< without the header, good during the report only
 };
 
 /// One object of a service's signalling that is not a repeat.
@@ -92,6 +95,8 @@ struct SSignalling {
     EStatus status = EStatus::NEW;
     std::size_t size = 0;  ///< bytes as they were sent
     bool gzip = false;
+    SView sent = {};          ///< the object, good during the report only; none of a repeat
+    SView text = {};          ///< the same inflated
     std::string contentType;  ///< of the package; empty: not given
     std::vector<SEnvelopeItem> items;
     std::vector<SPackagePart> parts;  ///< the first ones; none: it is no package
@@ -113,13 +118,31 @@ struct SMessage {
     unsigned id = 0;
     unsigned version = 0;
     EStatus status = EStatus::NEW;
-    SView payload;  ///< behind the header, good during the report only
+    SView payload;       ///< behind the header, good during the report only
+    SView sent = {};     ///< header and payload, good during the report only
+    SView carried = {};  ///< of those, what an ATSC 3.0 message carries, as it was sent
     bool supported = false;
     COptionalContent content;  ///< when it parsed
 };
 
+/// A whole file of an LCT session that is not streaming.
+struct SFile {
+    SSource source;
+    std::string session;             ///< "239.255.7.1:30100"
+    std::vector<unsigned> services;  ///< whose signalling names the LCT session
+    std::uint64_t tsi = 0;
+    TToi toi;
+    std::string contentLocation;  ///< empty: nothing tells
+    std::string contentType;      ///< the same
+    std::string contentEncoding;  ///< the same
+    SView sent;                   ///< good during the report only
+    SView body;                   ///< of those, what stands behind the header fields of entity mode
+};
+
 /// "224.0.23.60:4937 group 0": tells service lists apart.
 std::string ServiceListName(const std::string& stream, unsigned groupId);
+/// "239.255.7.1:30100": where the list says that the signalling of the service is; empty: nowhere.
+std::string SessionOf(const SSltService& service);
 /// "BundleDescriptionROUTE" and the like: the name of its element.
 const char* DocumentName(ESlsDocument kind);
 /// "new", "changed" or "unchanged".

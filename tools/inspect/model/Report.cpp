@@ -1,5 +1,6 @@
 #include "model/Report.h"
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <tuple>
@@ -7,7 +8,9 @@
 
 #include "base/Limits.h"
 #include "base/Text.h"
+#include "model/Delivery.h"
 #include "model/Guide.h"
+#include "model/Verdict.h"
 
 namespace vyr::inspect {
 
@@ -80,13 +83,10 @@ void CReport::m_Tell(TTell tell)
     }
 }
 
-template <class TItem>
-void CReport::m_Witness(void (IWitness::*tell)(const TItem&), const TItem& item)
+void CReport::RemoveWitness(IWitness& witness)
 {
-    for (IWitness* witness : {m_arrivals, m_witness}) {
-        if (witness != nullptr) {
-            (witness->*tell)(item);
-        }
+    for (std::vector<IWitness*>* witnesses : {&m_witnesses, &m_chosenWitnesses}) {
+        witnesses->erase(std::remove(witnesses->begin(), witnesses->end(), &witness), witnesses->end());
     }
 }
 
@@ -98,71 +98,106 @@ void CReport::Received(std::size_t bytes)
     }
 }
 
-void CReport::Table(const STable& table)
+void CReport::Table(const STable& item)
 {
-    STableCounts& counts = m_summary.tables[table.header.tableId];
-    counts.byStatus.Add(table.status);
-    counts.notParsed += table.parserExists && !table.slt && !table.content && table.status != EStatus::REPEATED ? 1 : 0;
-    if (table.interval) {
-        ++counts.intervals;
-        counts.intervalSum += *table.interval;
-    }
-    m_summary.servicesDropped += table.slt ? table.slt->dropped : 0;
-    m_Tell([&](IReportWriter& writer) { writer.Table(table); });
-    m_Witness(&IWitness::Table, table);
-}
-
-void CReport::Signalling(const SSignalling& signalling)
-{
-    m_summary.signalling.byStatus.Add(signalling.status);
-    for (const SSlsDocument& document : signalling.documents) {
-        const bool again = document.status == EDocumentStatus::UNCHANGED;
-        m_summary.signalling.documentsNotParsed += document.parsed || again ? 0 : 1;
-    }
-    if (signalling.status != EStatus::REPEATED) {
-        m_Tell([&](IReportWriter& writer) { writer.Signalling(signalling); });
-    }
-    m_Witness(&IWitness::Signalling, signalling);
-}
-
-void CReport::Message(const SMessage& message)
-{
-    m_summary.messages.byStatus.Add(message.status);
-    if (message.status != EStatus::REPEATED) {
-        m_summary.messages.notSupported += message.supported ? 0 : 1;
-        m_summary.messages.notParsed += message.supported && !message.content ? 1 : 0;
-        m_Tell([&](IReportWriter& writer) { writer.Message(message); });
-    }
-    m_Witness(&IWitness::Message, message);
-}
-
-void CReport::GuideObject(const SGuideObject& object)
-{
-    m_summary.guide.byStatus.Add(object.status);
-    if (object.status != EStatus::REPEATED) {
-        m_Tell([&](IReportWriter& writer) { writer.GuideObject(object); });
-    }
-    m_Witness(&IWitness::GuideObject, object);
-}
-
-void CReport::Guide(const SGuide& guide)
-{
-    m_Tell([&](IReportWriter& writer) { writer.Guide(guide); });
-    m_Witness(&IWitness::Guide, guide);
-}
-
-void CReport::Delivery(const SDelivery& delivery)
-{
-    m_Tell([&](IReportWriter& writer) {
-        if (!m_before || &writer != &m_writer) {
-            writer.Delivery(delivery);
+    std::optional<STable> part;
+    if (const STable* chosen = m_choice->Of(item, part)) {
+        const STable& table = *chosen;
+        STableCounts& counts = m_summary.tables[table.header.tableId];
+        counts.byStatus.Add(table.status);
+        counts.notParsed +=
+            table.parserExists && !table.slt && !table.content && table.status != EStatus::REPEATED ? 1 : 0;
+        if (table.interval) {
+            ++counts.intervals;
+            counts.intervalSum += *table.interval;
         }
-    });
+        m_summary.servicesDropped += table.slt ? table.slt->dropped : 0;
+        m_Tell([&](IReportWriter& writer) { writer.Table(table); });
+        m_Witness(m_chosenWitnesses, &IWitness::Table, table);
+    }
+    m_Witness(m_witnesses, &IWitness::Table, item);
 }
 
-void CReport::Verdicts(const SVerdicts& verdicts)
+void CReport::Signalling(const SSignalling& item)
 {
-    m_Tell([&](IReportWriter& writer) { writer.Verdicts(verdicts); });
+    std::optional<SSignalling> part;
+    if (const SSignalling* signalling = m_choice->Of(item, part)) {
+        m_summary.signalling.byStatus.Add(signalling->status);
+        for (const SSlsDocument& document : signalling->documents) {
+            const bool again = document.status == EDocumentStatus::UNCHANGED;
+            m_summary.signalling.documentsNotParsed += document.parsed || again ? 0 : 1;
+        }
+        if (signalling->status != EStatus::REPEATED) {
+            m_Tell([&](IReportWriter& writer) { writer.Signalling(*signalling); });
+        }
+        m_Witness(m_chosenWitnesses, &IWitness::Signalling, *signalling);
+    }
+    m_Witness(m_witnesses, &IWitness::Signalling, item);
+}
+
+void CReport::Message(const SMessage& item)
+{
+    std::optional<SMessage> part;
+    if (const SMessage* message = m_choice->Of(item, part)) {
+        m_summary.messages.byStatus.Add(message->status);
+        if (message->status != EStatus::REPEATED) {
+            m_summary.messages.notSupported += message->supported ? 0 : 1;
+            m_summary.messages.notParsed += message->supported && !message->content ? 1 : 0;
+            m_Tell([&](IReportWriter& writer) { writer.Message(*message); });
+        }
+        m_Witness(m_chosenWitnesses, &IWitness::Message, *message);
+    }
+    m_Witness(m_witnesses, &IWitness::Message, item);
+}
+
+void CReport::GuideObject(const SGuideObject& item)
+{
+    std::optional<SGuideObject> part;
+    if (const SGuideObject* object = m_choice->Of(item, part)) {
+        m_summary.guide.byStatus.Add(object->status);
+        if (object->status != EStatus::REPEATED) {
+            m_Tell([&](IReportWriter& writer) { writer.GuideObject(*object); });
+        }
+        m_Witness(m_chosenWitnesses, &IWitness::GuideObject, *object);
+    }
+    m_Witness(m_witnesses, &IWitness::GuideObject, item);
+}
+
+void CReport::Guide(const SGuide& item)
+{
+    std::optional<SGuide> part;
+    if (const SGuide* guide = m_choice->Of(item, part)) {
+        m_Tell([&](IReportWriter& writer) { writer.Guide(*guide); });
+    }
+    m_Witness(m_witnesses, &IWitness::Guide, item);
+}
+
+void CReport::File(const SFile& item)
+{
+    std::optional<SFile> part;
+    if (const SFile* file = m_choice->Of(item, part)) {
+        m_Witness(m_chosenWitnesses, &IWitness::File, *file);
+    }
+}
+
+void CReport::Delivery(const SDelivery& item)
+{
+    std::optional<SDelivery> part;
+    if (const SDelivery* delivery = m_choice->Of(item, part)) {
+        m_Tell([&](IReportWriter& writer) {
+            if (!m_before || &writer != &m_writer) {
+                writer.Delivery(*delivery);
+            }
+        });
+    }
+}
+
+void CReport::Verdicts(const SVerdicts& item)
+{
+    std::optional<SVerdicts> part;
+    if (const SVerdicts* verdicts = m_choice->Of(item, part)) {
+        m_Tell([&](IReportWriter& writer) { writer.Verdicts(*verdicts); });
+    }
 }
 
 void CReport::Finding(SFinding finding)
@@ -173,7 +208,10 @@ void CReport::Finding(SFinding finding)
     }
     finding.severity = *severity;
     finding.message = Clipped(finding.message, Limit(k_longestMessage));
-    m_Witness(&IWitness::Finding, finding);
+    m_Witness(m_witnesses, &IWitness::Finding, finding);
+    if (!m_choice->Takes(finding)) {
+        return;
+    }
     ++m_summary.findings[finding.rule];
     std::uint64_t* const counts[] = {&m_summary.notes, &m_summary.warnings, &m_summary.errors};
     ++*counts[static_cast<std::size_t>(finding.severity)];

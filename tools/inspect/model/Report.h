@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "model/Choice.h"
 #include "model/Interim.h"
 #include "model/Items.h"
 #include "model/ReportWriter.h"
@@ -24,10 +25,16 @@ class CReport {
     /// others, which write when there is a summary, of everything.
     CReport(IReportWriter& writer, bool quiet, std::vector<IReportWriter*> others = {}, CSeverities severities = {});
 
-    /// Is told of everything that follows, as it came; null: nobody is.
-    void SetWitness(IWitness* witness) { m_witness = witness; }
-    /// The same, and before it.
-    void SetArrivals(IWitness* arrivals) { m_arrivals = arrivals; }
+    /// Is told of everything that follows, as it came, until it is removed.
+    void AddWitness(IWitness& witness) { m_witnesses.push_back(&witness); }
+    /// The same of what is chosen alone, findings aside.
+    void AddChosenWitness(IWitness& witness) { m_chosenWitnesses.push_back(&witness); }
+    void RemoveWitness(IWitness& witness);
+    /// What is told from now on: writers, counts and those who hear of what is chosen alone know of nothing else.
+    void SetChoice(const SChoices& choices) { m_choice.emplace(choices); }
+    const CChoice& Choice() const { return *m_choice; }
+    /// Another input begins.
+    void Begin() { m_choice->Begin(); }
     /// The input went on by as many bytes.
     void Received(std::size_t bytes);
     void Table(const STable& table);
@@ -35,6 +42,7 @@ class CReport {
     void Message(const SMessage& message);
     void GuideObject(const SGuideObject& object);
     void Guide(const SGuide& guide);
+    void File(const SFile& file);
     /// What was on the air of a capture, at its end.
     void Delivery(const SDelivery& delivery);
     /// Whether the services of an input play, at its end.
@@ -77,7 +85,13 @@ class CReport {
     void m_Tell(TTell tell);
     /// What the witness finds comes behind what it finds it in.
     template <class TItem>
-    void m_Witness(void (IWitness::*tell)(const TItem&), const TItem& item);
+    static void m_Witness(const std::vector<IWitness*>& witnesses, void (IWitness::*tell)(const TItem&),
+                          const TItem& item)
+    {
+        for (IWitness* witness : witnesses) {
+            (witness->*tell)(item);
+        }
+    }
     void m_TellFinding(const SFinding& finding);
     void m_TellHeld(SAlike& alike);
     bool m_Joins(SAlike& alike, const SFinding& finding, std::uint64_t most);
@@ -88,8 +102,9 @@ class CReport {
     const std::vector<IReportWriter*> m_others;
     const bool m_quiet;
     const CSeverities m_severities;
-    IWitness* m_witness = nullptr;
-    IWitness* m_arrivals = nullptr;
+    std::vector<IWitness*> m_witnesses;
+    std::vector<IWitness*> m_chosenWitnesses;
+    std::optional<CChoice> m_choice{std::in_place};
     unsigned m_numbers = 0;
     SSummary m_summary;
     SSource m_place;                   ///< of the last finding

@@ -53,6 +53,9 @@ const std::array<SRule, k_rules> k_ruleTable = {{
     {ERule::ASSERTION, k_input, "assertion", k_error,
      "The receiver's library meets what it did not expect, and passes over it.",
      "Look at the value that the message names.", ""},
+    {ERule::EXTRACT_LIMIT, k_input, "extract-limit", k_warning,
+     "Nothing: it is what --extract writes that lacks what came later.",
+     "Give more room with --extract-limit, or choose what is written with --service, --table or --session.", ""},
 
     {ERule::NO_LLS, k_lls, "no-lls", k_error, "Receivers find no channel at all.",
      "Send the LLS tables to 224.0.23.60:4937, or name their stream with --lls.", "ATSC A/331 6.1"},

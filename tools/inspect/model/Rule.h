@@ -29,6 +29,7 @@ enum class ERule {
     PACKETS_CUT,
     PACKETS_MALFORMED,
     ASSERTION,
+    EXTRACT_LIMIT,
     // LLS tables
     NO_LLS,
     NO_SLT,

@@ -6,6 +6,8 @@
 #include <tuple>
 #include <utility>
 
+#include "base/JsonFwd.h"
+
 namespace vyr::inspect {
 
 struct STime {
@@ -52,5 +54,15 @@ struct SLlsHeader {
 using TToi = std::pair<std::uint64_t, std::uint64_t>;
 /// Decimal up to 64 bits, hexadecimal beyond.
 std::string ToiText(const TToi& toi);
+
+/// The name that a template of files gives the object: "$TOI$", or "$TOI%05d$" with a width of one digit, stands for
+/// its TOI. Empty: the template gives none.
+std::string NameByTemplate(const std::string& fileTemplate, const TToi& toi);
+
+/// "2026-11-21T02:02:23.328000Z".
+std::string TimeJson(const STime& time);
+TJson SourceJson(const SSource& source);
+/// Sets the field "TOI".
+void PutToi(TJson& json, const TToi& toi);
 
 }  // namespace vyr::inspect

@@ -2,6 +2,7 @@
 
 namespace vyr::inspect {
 
+struct SFile;
 struct SFinding;
 struct SGuide;
 struct SGuideObject;
@@ -9,7 +10,7 @@ struct SMessage;
 struct SSignalling;
 struct STable;
 
-/// Is told of everything that comes of one input, repeats as well, and judges it.
+/// Is told of everything that comes, repeats as well.
 class IWitness {
   public:
     virtual ~IWitness() = default;
@@ -19,7 +20,9 @@ class IWitness {
     virtual void GuideObject(const SGuideObject& object) = 0;
     virtual void Guide(const SGuide& guide) = 0;
     /// What it finds itself among them.
-    virtual void Finding(const SFinding& finding) = 0;
+    virtual void Finding(const SFinding&) {}
+    /// A whole file, when files are followed.
+    virtual void File(const SFile&) {}
 };
 
 }  // namespace vyr::inspect

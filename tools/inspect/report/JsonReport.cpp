@@ -30,39 +30,12 @@ TJson Object(const char* type)
     return json;
 }
 
-std::string TimeJson(const STime& time)
-{
-    return InstantText(time.seconds, time.nanoseconds, 6);
-}
-
-TJson SourceJson(const SSource& source)
-{
-    TJson json = TJson::object();
-    json["file"] = source.file;
-    if (source.packet != 0) {
-        json["packet"] = source.packet;
-    }
-    if (source.time) {
-        json["time"] = TimeJson(*source.time);
-    }
-    return json;
-}
-
 void PutHeader(TJson& json, const SLlsHeader& header)
 {
     PutNamed(json, "LLS_table_id", header.tableId, TableName(header.tableId));
     json["LLS_group_id"] = header.groupId;
     json["group_count_minus1"] = header.groupCountMinus1;
     json["LLS_table_version"] = header.version;
-}
-
-void PutToi(TJson& json, const TToi& toi)
-{
-    if (toi.first == 0) {
-        json["TOI"] = toi.second;
-    } else {
-        json["TOI"] = ToiText(toi);
-    }
 }
 
 void PutTime(TJson& json, const char* key, const std::optional<STime>& time)
@@ -248,11 +221,6 @@ bool IdsDiffer(const TJson& services)
 }
 
 }  // namespace
-
-std::string JsonLine(const TJson& json)
-{
-    return PlainJson(json.dump(-1, ' ', false, TJson::error_handler_t::replace)) + '\n';
-}
 
 TJson VerdictJson(const SSource& source, const SVerdict& verdict)
 {

@@ -16,8 +16,6 @@ namespace vyr::inspect {
 /// The objects of the JSON report that other forms show as well.
 TJson TableJson(const STable& table);
 TJson ServiceJson(const SSltService& service);
-/// A record of the report, with the end of its line.
-std::string JsonLine(const TJson& json);
 TJson VerdictJson(const SSource& source, const SVerdict& verdict);
 TJson FindingJson(const SFinding& finding);
 /// What is compared with the last table of the kind: its content, or the service list with its services. Null: it did
