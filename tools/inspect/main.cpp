@@ -84,7 +84,7 @@ int Inspect(int argc, char** argv)
     IReportWriter& writer = options.json ? static_cast<IReportWriter&>(json) : text;
     const bool paged = !options.html.empty();
     CHtmlReport page(options.localTime, {options.commandLine, ReportTime()});
-    if (paged) {
+    if (paged || !options.extract.empty()) {
         output.SetOptional();
     }
     CReport report(writer, options.quiet, paged ? &page : nullptr, options.severities);
