@@ -413,6 +413,9 @@ TEST(Extract, TheLimit)
     const CRoom whole;
     const int status = Inspect("--extract " + whole.Out() + capture).status;
     const std::uint64_t all = whole.ExpectWhole();
+    const CRoom unread;
+    EXPECT_EQ(Inspect("--extract " + unread.Out() + capture + " > /dev/full").status, 2);
+    EXPECT_EQ(unread.ExpectWhole(), all) << "though nobody reads the report";
     const struct {
         std::string limit;
         int findings;

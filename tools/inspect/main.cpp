@@ -97,7 +97,7 @@ int Inspect(int argc, char** argv)
     if (output.Error() != 0) {
         return Failed(options.output, output.Error());
     }
-    if (paged || measured) {
+    if (paged || measured || !options.extract.empty()) {
         output.SetOptional();
     }
     CTextReport text(output, options.localTime, options.full);
