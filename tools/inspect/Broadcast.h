@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Options.h"
 #include "common/ChannelMap.h"
@@ -13,6 +15,7 @@
 #include "follow/SessionFollower.h"
 #include "measure/Arrivals.h"
 #include "measure/Traffic.h"
+#include "model/Reception.h"
 #include "model/Report.h"
 #include "wire/Ipv4Decoder.h"
 
@@ -35,8 +38,11 @@ class CBroadcast {
     void Next(const std::optional<STime>& time);
     /// A datagram that the packet, and those before it, made whole.
     void Take(const SDatagram& datagram);
-    /// The end; `counts` are of all packets. Not `told`: nobody reads the report any more, only the summary counts.
-    void Finish(const SPacketCounts& counts, bool told);
+    /// Time goes on, with packets or without: to be called at least once a second of what is live. Gives the sessions
+    /// that are to be received from now on, those that the user of the tool named first.
+    const std::vector<SServiceSession>& Now(const STime& time);
+    /// The end. Not `told`: nobody reads the report any more, only the summary counts.
+    void Finish(const SReception& reception, bool told);
 
     std::uint64_t Packets() const { return m_source.packet; }
 
@@ -46,7 +52,8 @@ class CBroadcast {
     static constexpr std::size_t k_maxDestinations = 4096;
 
     void m_Listen(const TEndpoint& stream, CLlsFollower& follower);
-    void m_Findings(const SPacketCounts& counts);
+    std::vector<SServiceSession> m_Sessions() const;
+    void m_Findings(const SReception& reception);
 
     const SOptions& m_options;
     CReport& m_report;
@@ -61,6 +68,9 @@ class CBroadcast {
     SInputTimes m_times;
     std::map<TEndpoint, std::uint64_t> m_destinations;  ///< datagrams that nothing follows
     bool m_sessionsCaptured = false;                    ///< something came beside the LLS
+    std::vector<SServiceSession> m_wanted;              ///< sessions to be received
+    std::optional<std::uint64_t> m_wantedFor;           ///< what the judge's changes were then
+    double m_wantedAt = 0;
 };
 
 }  // namespace vyr::inspect

@@ -1,6 +1,9 @@
 #include "Inspector.h"
 
+#include <chrono>
 #include <cstdio>
+#include <ctime>
+#include <memory>
 #include <stdexcept>
 #include <vector>
 
@@ -16,6 +19,7 @@
 #include "follow/SlsFollower.h"
 #include "judge/Judge.h"
 #include "wire/LinkLayer.h"
+#include "wire/Live.h"
 
 namespace vyr::inspect {
 
@@ -31,6 +35,13 @@ bool IsMessageAndNoTable(SView bytes)
     const bool table = ParseTable({bytes[0], bytes[1], bytes[2], bytes[3]}, bytes).content.has_value();
     TakeAssertions();
     return !table;
+}
+
+STime Now()
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return {now.tv_sec, static_cast<std::int32_t>(now.tv_nsec)};
 }
 
 /// Of a text that is nothing which is read by itself.
@@ -95,6 +106,10 @@ EExitStatus CInspector::Run()
 
 void CInspector::m_Inspect(const std::string& name)
 {
+    if (!m_options.live.interface.empty()) {
+        m_Live(name);
+        return;
+    }
     CInput input(name);
     m_report.Received(input.Bytes().size);  // none of a capture
     CJudge judge(m_report, name, input.IsCapture(), m_rules);
@@ -120,14 +135,12 @@ void CInspector::m_Inspect(const std::string& name)
 
 void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge)
 {
-    if (!CPacketDecoder::Knows(input.LinkType())) {
-        throw CInputError(ERule::LINK_TYPE, "packets of link type " + input.LinkTypeText() + " cannot be read");
-    }
+    RequireKnownLinkType(input.LinkType());
     CBroadcast broadcast(m_options, name, m_channelMap, m_report, judge);
     CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) { broadcast.Take(datagram); });
     const auto finish = [&] {
         decoder.Finish();
-        broadcast.Finish(decoder.Counts(), !m_output.Ended());
+        broadcast.Finish({decoder.Counts()}, !m_output.Ended());
     };
     SPacket packet;
     try {
@@ -142,6 +155,43 @@ void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge
         throw CInputError(error.Code(), "behind packet " + std::to_string(broadcast.Packets()) + ": " + error.what());
     }
     finish();
+}
+
+/// Until it is interrupted, or has received enough.
+void CInspector::m_Live(const std::string& name)
+{
+    const SLiveOptions& options = m_options.live;
+    CJudge judge(m_report, name, true, m_rules);
+    CBroadcast broadcast(m_options, name, m_channelMap, m_report, judge);
+    const SLiveSink sink = {[&](const STime& time, std::size_t bytes) {
+                                broadcast.Next(time);
+                                m_report.Received(bytes);
+                            },
+                            [&](const SDatagram& datagram) { broadcast.Take(datagram); },
+                            [&](const std::string& message) {
+                                m_report.Finding({ERule::NOT_JOINED, message, {name, 0, {}}});
+                            }};
+    const std::unique_ptr<CLive> live =
+        options.join ? JoinGroups(options.interface, sink) : CaptureInterface(options.interface, options.filter, sink);
+    ++m_report.Summary().interfaces;
+    const auto begin = std::chrono::steady_clock::now();
+    const std::uint64_t most = options.packets.value_or(~std::uint64_t{0});
+    const auto goesOn = [&] {
+        const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin;
+        return !m_output.Ended() && !CInput::Stopped() && broadcast.Packets() < most &&
+               (!options.seconds || passed.count() < *options.seconds);
+    };
+    try {
+        while (goesOn()) {
+            live->Want(broadcast.Now(Now()));
+            live->Receive(most - broadcast.Packets());
+            m_progress.ShowNow(name, broadcast.Packets());
+        }
+    } catch (const CInputError& error) {
+        broadcast.Finish(live->Finish(), !m_output.Ended());
+        throw CInputError(error.Code(), "behind packet " + std::to_string(broadcast.Packets()) + ": " + error.what());
+    }
+    broadcast.Finish(live->Finish(), !m_output.Ended());
 }
 
 void CInspector::m_RawTable(SView table, const std::string& name)

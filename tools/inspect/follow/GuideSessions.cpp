@@ -227,11 +227,11 @@ void CGuideSessions::Each(const std::function<void(const SServiceSession&, std::
     }
 }
 
-void CGuideSessions::Finish(const std::string& file)
+void CGuideSessions::Finish(const std::string& file, bool whole)
 {
     for (auto& [session, owner] : m_owners) {
         const std::string reason = m_Missing(owner);
-        if (!reason.empty()) {
+        if (!reason.empty() && whole) {
             SFinding finding = {ERule::GUIDE_INCOMPLETE, "no guide on " + owner.name + ": " + reason, {file, 0, {}}};
             if (owner.services.size() == 1) {
                 finding.serviceId = *owner.services.begin();

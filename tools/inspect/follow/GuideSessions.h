@@ -37,8 +37,8 @@ class CGuideSessions {
     bool Take(const SDatagram& datagram, const SSource& source);
     /// Calls with every LCT session that is followed now, and its TSI.
     void Each(const std::function<void(const SServiceSession&, std::uint64_t)>& visit) const;
-    /// The end of the input: adds to the summary, and tells which guides did not come.
-    void Finish(const std::string& file);
+    /// The end of the input: adds to the summary, and tells which guides did not come, if it was received `whole`.
+    void Finish(const std::string& file, bool whole);
 
   private:
     static constexpr std::size_t k_maxStreams = 256;  ///< of all sessions

@@ -90,6 +90,7 @@ void CJudge::Table(const STable& table)
     if (!table.slt) {
         return;
     }
+    ++m_changes;
     const TListKey key = {table.stream, table.header.groupId};
     const auto known = m_evidence.lists.find(key);
     m_services -= known != m_evidence.lists.end() ? known->second.services.size() : 0;
@@ -138,6 +139,7 @@ void CJudge::Signalling(const SSignalling& signalling)
 void CJudge::m_Hold(SPackageFacts& package, const SSlsDocument& document)
 {
     const TJson& json = document.content->json;
+    ++m_changes;
     m_bytes -= package.Bytes();
     const auto hold = [&](auto& held, auto facts) {
         held.reset();
@@ -164,6 +166,7 @@ void CJudge::Message(const SMessage& message)
         rules->Message(message);
     }
     HoldMessage(m_evidence.mmt, message);
+    m_changes += message.status != EStatus::REPEATED ? 1 : 0;
 }
 
 void CJudge::GuideObject(const SGuideObject& object)
@@ -193,6 +196,35 @@ void CJudge::Finding(const SFinding& finding)
     if (ofService && finding.severity != ESeverity::NOTE && m_heard.size() < k_mostHeard &&
         m_heardOf.emplace(finding.rule, finding.serviceId.value_or(k_none), finding.session).second) {
         m_heard.push_back(finding);
+    }
+}
+
+void CJudge::EachSession(const std::set<std::string>& names,
+                         const std::function<void(const std::string&, const std::string&)>& visit) const
+{
+    for (const auto& [key, package] : m_evidence.packages) {
+        if (package.stsid && names.count(package.session) != 0) {
+            for (const SLctFacts& lct : package.stsid->sessions) {
+                const auto& [destination, source, tsi] = KeyOf(package, lct);
+                if (destination != package.session || !source.empty()) {
+                    visit(destination, source);
+                }
+            }
+        }
+    }
+    for (const auto& [session, facts] : m_evidence.mmt) {
+        if (names.count(session) == 0) {
+            continue;
+        }
+        facts.EachTable([&visit](const SMpTableFacts& table) {
+            for (const SAssetFacts& asset : table.assets) {
+                for (const auto& [destination, packetId] : asset.places) {
+                    if (!destination.empty()) {
+                        visit(destination, {});
+                    }
+                }
+            }
+        });
     }
 }
 

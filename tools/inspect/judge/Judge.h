@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -27,6 +29,12 @@ class CJudge : public IWitness {
     void Guide(const SGuide& guide) override;
     void Finding(const SFinding& finding) override;
 
+    /// Goes on whenever signalling changes.
+    std::uint64_t Changes() const { return m_changes; }
+    /// Calls `visit` with every other session ("239.255.7.1:30100", and its source; empty: any) that the signalling which
+    /// came on one of the sessions of these names refers to.
+    void EachSession(const std::set<std::string>& names,
+                     const std::function<void(const std::string&, const std::string&)>& visit) const;
     /// The end of the input. Of a capture, names in `delivery` what signalling names, judges it, and tells of it and of
     /// the verdicts; null for a raw file.
     void Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* delivery);
@@ -42,6 +50,7 @@ class CJudge : public IWitness {
 
     CReport& m_report;
     SEvidence m_evidence;
+    std::uint64_t m_changes = 0;
     std::size_t m_services = 0;
     std::size_t m_bytes = 0;  ///< of the facts of all packages
     CFindings m_findings;
