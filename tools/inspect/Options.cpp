@@ -268,6 +268,9 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         if (input->count() != 0 && duration->count() + packets->count() != 0) {
             throw CLI::ValidationError("--duration and --packets need --interface or --join");
         }
+        if (interface->count() + join->count() != 0 && options.live.interface.empty() && joined.empty()) {
+            throw CLI::ValidationError(interface->count() != 0 ? "--interface" : "--join", "'' is no interface");
+        }
         CheckPage(options.html, options.inputs, options.genres, options.trust);
         options.llsStreams = ReadEndpoints("--lls", streams);
         ReadJoin(joined, options);
