@@ -35,6 +35,7 @@ constexpr std::size_t k_mostHeld = 512;             // datagrams of all sockets,
 constexpr unsigned k_batch = 1024;                  // datagrams that are handed on
 constexpr int k_bufferBytes = 8388608;              // of a socket
 constexpr int k_wait = 100;                         // milliseconds
+constexpr int k_settle = 2;                         // milliseconds until nothing comes that the kernel stamped before
 constexpr double k_mostChanges = 64;                // joins and leaves at once
 constexpr double k_changesPerSecond = 16;           // and in the long run: signalling may change with every packet
 constexpr std::chrono::milliseconds k_often(1000);  // what is joined is looked at
@@ -72,6 +73,20 @@ struct SArrival {
 bool Before(const SArrival& one, const SArrival& other)
 {
     return std::tie(one.time.seconds, one.time.nanoseconds) < std::tie(other.time.seconds, other.time.nanoseconds);
+}
+
+STime Now()
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return {now.tv_sec, static_cast<std::int32_t>(now.tv_nsec)};
+}
+
+/// Whether nothing comes any more that came before; of what seems to come from the future, the clock was set.
+bool IsSettled(const SArrival& arrival, const STime& now)
+{
+    const double age = Seconds(now) - Seconds(arrival.time);
+    return age >= k_settle / 1e3 || age < -1;
 }
 
 /// The socket of one endpoint.
@@ -187,14 +202,15 @@ void CSocket::Read(unsigned interface, std::size_t most, unsigned char* room)
 
 void CSocket::m_Take(const msghdr& message, std::size_t size, const unsigned char* bytes, unsigned interface)
 {
-    timespec time{};
-    clock_gettime(CLOCK_REALTIME, &time);  // that of the kernel comes in its place
+    STime time = Now();  // that of the kernel comes in its place
     bool its = false;
     // The macros of the system's header take what is no const.
     msghdr& walked = const_cast<msghdr&>(message);
     for (cmsghdr* each = CMSG_FIRSTHDR(&walked); each != nullptr; each = CMSG_NXTHDR(&walked, each)) {
         if (each->cmsg_level == SOL_SOCKET && each->cmsg_type == SO_TIMESTAMPNS) {
-            std::memcpy(&time, CMSG_DATA(each), sizeof time);
+            timespec stamp{};
+            std::memcpy(&stamp, CMSG_DATA(each), sizeof stamp);
+            time = {stamp.tv_sec, static_cast<std::int32_t>(stamp.tv_nsec)};
         } else if (each->cmsg_level == SOL_SOCKET && each->cmsg_type == SO_RXQ_OVFL) {
             std::memcpy(&m_dropped, CMSG_DATA(each), sizeof m_dropped);
         } else if (each->cmsg_level == IPPROTO_IP && each->cmsg_type == IP_PKTINFO) {
@@ -207,10 +223,7 @@ void CSocket::m_Take(const msghdr& message, std::size_t size, const unsigned cha
         return;
     }
     const auto& source = *static_cast<const sockaddr_in*>(message.msg_name);
-    held.push_back({{time.tv_sec, static_cast<std::int32_t>(time.tv_nsec)},
-                    ntohl(source.sin_addr.s_addr),
-                    ntohs(source.sin_port),
-                    {bytes, bytes + size}});
+    held.push_back({time, ntohl(source.sin_addr.s_addr), ntohs(source.sin_port), {bytes, bytes + size}});
 }
 
 class CGroups : public CLive {
@@ -426,7 +439,14 @@ void CGroups::Receive(std::uint64_t most)
         }
     }
     epoll_event events[k_mostSockets];
-    const int count = epoll_wait(m_epoll, events, static_cast<int>(k_mostSockets), active.empty() ? k_wait : 0);
+    constexpr int k_most = static_cast<int>(k_mostSockets);
+    if (epoll_wait(m_epoll, events, k_most, active.empty() ? k_wait : k_settle) <= 0 && active.empty()) {
+        m_interface.Watch();
+        return;
+    }
+    // What came before this moment is there; of what comes behind it, something earlier may still come.
+    const STime now = Now();
+    const int count = epoll_wait(m_epoll, events, k_most, 0);
     for (int i = 0; i < count; ++i) {
         auto* const socket = static_cast<CSocket*>(events[i].data.ptr);
         if (socket->held.empty() && !socket->more) {
@@ -441,7 +461,8 @@ void CGroups::Receive(std::uint64_t most)
             if (socket->held.empty() && socket->more) {
                 socket->Read(m_interface.Index(), atOnce, m_room.get());
             }
-            if (!socket->held.empty() && (first == nullptr || Before(socket->held.front(), first->held.front()))) {
+            if (!socket->held.empty() && IsSettled(socket->held.front(), now) &&
+                (first == nullptr || Before(socket->held.front(), first->held.front()))) {
                 first = socket;
             }
         }
