@@ -18,6 +18,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -145,25 +146,18 @@ inline std::vector<SToSend> Datagrams(const std::string& file)
     return all;
 }
 
-/// The groups that somebody has joined, and with how many sources each.
-inline std::map<std::uint32_t, int> Joined()
+/// The groups that somebody has joined.
+inline std::set<std::uint32_t> Joined()
 {
-    std::map<std::uint32_t, int> groups;
+    std::set<std::uint32_t> groups;
     std::ifstream list("/proc/net/igmp");
     for (std::string line; std::getline(list, line);) {
         unsigned group = 0;
         if (line.rfind("\t\t\t\t", 0) == 0 && std::sscanf(line.c_str(), "%X", &group) == 1) {
-            groups[ntohl(group)] = 0;
+            groups.insert(ntohl(group));
         }
     }
     groups.erase(0xE0000001);  // that of every machine
-    std::ifstream filters("/proc/net/mcfilter");
-    for (std::string line; std::getline(filters, line);) {
-        unsigned group = 0;
-        if (std::sscanf(line.c_str(), "%*d %*s 0x%x", &group) == 1) {
-            ++groups[group];
-        }
-    }
     return groups;
 }
 

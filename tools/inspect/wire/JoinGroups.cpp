@@ -37,7 +37,7 @@ constexpr int k_bufferBytes = 8388608;              // of a socket
 constexpr int k_wait = 100;                         // milliseconds
 constexpr int k_settle = 2;                         // milliseconds until nothing comes that the kernel stamped before
 constexpr double k_mostChanges = 64;                // joins and leaves at once
-constexpr double k_changesPerSecond = 16;           // and in the long run: signalling may change with every packet
+constexpr double k_changesPerSecond = 32;           // and in the long run: signalling may change with every packet
 constexpr std::chrono::milliseconds k_often(1000);  // what is joined is looked at
 constexpr std::chrono::milliseconds k_soon(50);     // the same, while changes are left to be made
 constexpr std::chrono::seconds k_retry(10);         // of what failed
