@@ -192,9 +192,11 @@ TEST(Live, JoinsWhatIsNamedNowAndLeavesWhatIsNot)
     object(k_a, 5000, 2, "<S-TSID><RS><LS tsi=\"2\"/></RS></S-TSID>\n");
     ASSERT_TRUE(AreJoined({k_lls, asked, k_a, k_b + 4}));
     // An asset elsewhere, until its service is listed no more.
+    const std::string assets =
+        With(MmtMpTable(0x20), Number(5, 8) + Number(5000, 2), Number(0, 4) + Number(0xEFFF0801, 4) + Number(5000, 2));
     list(SignalledAt(3, "239.255.7.2", 5000, "", 2), 5);
     ASSERT_TRUE(AreJoined({k_lls, asked, k_b}));
-    sender.Send({k_b, 5000, Mmtp({}, MmtMessage(0x20, 16, MmtMpTable(0x20)))});
+    sender.Send({k_b, 5000, Mmtp({}, MmtMessage(0x20, 16, assets))});
     ASSERT_TRUE(AreJoined({k_lls, asked, k_b, 0xEFFF0801}));
     list(SignalledAt(4, "127.0.0.1", 5000) + SignalledAt(5, "127.0.0.1", 53) + SignalledAt(6, "198.51.100.1", 5000) +
              SignalledAt(7, "255.255.255.255", 5000),

@@ -196,15 +196,16 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         "INPUT", options.inputs,
         "pcap or pcapng capture, raw LLS table, ROUTE signalling, raw MMT message, service guide, or - for "
         "standard input");
-    input->type_name("");
+    input->required()->type_name("");
+    const auto inPlace = [input](const std::string&) { input->required(false); };
     constexpr char k_liveGroup[] = "Live input";
     CLI::Option* const interface = app.add_option("--interface", options.live.interface,
                                                   "Capture on it, in place of reading INPUT; needs privileges");
-    interface->type_name("IF")->group(k_liveGroup);
+    interface->type_name("IF")->group(k_liveGroup)->each(inPlace);
     CLI::Option* const join = app.add_option("--join", joined,
                                              "Join the LLS group (ADDRESS in place of 224.0.23.60), and those of the "
                                              "sessions that signalling names; needs no privileges");
-    join->type_name("[ADDRESS%]IF")->group(k_liveGroup);
+    join->type_name("[ADDRESS%]IF")->group(k_liveGroup)->each(inPlace);
     app.add_option("--filter", options.live.filter, "Capture only what passes the filter of libpcap as well")
         ->type_name("EXPR")
         ->needs(interface)
@@ -247,7 +248,12 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         ->type_name("SECONDS")
         ->check(CLI::PositiveNumber);
     app.add_flag_callback(
-        "--rules", [&] { rules = true; }, "List the rules that a broadcast is judged by and end");
+        "--rules",
+        [&] {
+            rules = true;
+            input->required(false);
+        },
+        "List the rules that a broadcast is judged by and end");
     std::string log = "silent";
     app.add_option("--log", log, "Library messages to show on stderr: debug, info, error, silent (default)")
         ->type_name("LEVEL");
@@ -260,10 +266,8 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     try {
         app.parse(argc, argv);
         options.log = ReadLevel(log);
-        const std::size_t sources = (input->count() != 0) + interface->count() + join->count();
-        if (sources != 1 && !rules) {
-            throw CLI::ValidationError(sources == 0 ? "INPUT, --interface or --join is required"
-                                                    : "only one of INPUT, --interface and --join can be given");
+        if ((input->count() != 0 ? 1u : 0u) + interface->count() + join->count() > 1) {
+            throw CLI::ValidationError("only one of INPUT, --interface and --join can be given");
         }
         if (input->count() != 0 && duration->count() + packets->count() != 0) {
             throw CLI::ValidationError("--duration and --packets need --interface or --join");
