@@ -31,8 +31,8 @@ class CJudge : public IWitness {
 
     /// Goes on whenever signalling changes.
     std::uint64_t Changes() const { return m_changes; }
-    /// Calls `visit` with every other session ("239.255.7.1:30100", and its source; empty: any) that the signalling which
-    /// came on one of the sessions of these names refers to.
+    /// Calls `visit` with every other session ("239.255.7.1:30100", and its source; empty: any) that the signalling
+    /// which came on one of the sessions of these names refers to.
     void EachSession(const std::set<std::string>& names,
                      const std::function<void(const std::string&, const std::string&)>& visit) const;
     /// The end of the input. Of a capture, names in `delivery` what signalling names, judges it, and tells of it and of

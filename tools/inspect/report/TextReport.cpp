@@ -587,7 +587,9 @@ void CTextReport::Finding(const SFinding& finding)
 
 void CTextReport::Summary(const SSummary& summary)
 {
-    if (summary.captures + summary.interfaces + summary.rawTables + summary.slsFiles + summary.rawMessages + summary.guideFiles == 0) {
+    if (summary.captures + summary.interfaces + summary.rawTables + summary.slsFiles + summary.rawMessages +
+            summary.guideFiles ==
+        0) {
         return;
     }
     std::vector<TRow> rows = SummaryRows(summary);
