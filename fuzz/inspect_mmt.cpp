@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             1, k_address, 1, static_cast<std::uint16_t>(pick & 3), {payload.data(), payload.size()}};
         packets += follower->Take(datagram, {"fuzz", 1, {}}) ? 1 : 0;
     });
-    follower->Finish("fuzz", true);
+    follower->Finish("fuzz", {}, true);
     const SMmtpCounts& counts = reports.Finish().mmtp;
     Require(counts.packets == packets);
     Require(counts.malformed + counts.signalling + counts.otherVersions + counts.otherTypes == packets);

@@ -49,8 +49,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         guideSessions.Take(datagram, source);
         packets += follower->Take(datagram, source) ? 1 : 0;
     });
-    follower->Finish("fuzz", true);
-    guideSessions.Finish("fuzz");
+    follower->Finish("fuzz", {}, true);
+    guideSessions.Finish("fuzz", true);
     guide.Finish("fuzz", true);
     const SRouteCounts& counts = reports.Finish().route;
     Require(counts.packets >= packets);

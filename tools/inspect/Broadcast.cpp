@@ -1,6 +1,8 @@
 #include "Broadcast.h"
 
 #include <algorithm>
+#include <cmath>
+#include <set>
 #include <vector>
 
 #include "base/Text.h"
@@ -26,6 +28,16 @@ std::string Busiest(const std::map<std::pair<std::uint32_t, std::uint16_t>, std:
         text += (i == 0 ? "" : ", ") + sorted[i].second + " (" + std::to_string(sorted[i].first) + ')';
     }
     return text;
+}
+
+std::string DroppedText(const SPacketCounts& counts)
+{
+    return Joined({counts.dropped != 0 ? Counted(counts.dropped, "packet") + " dropped besides the " +
+                                             std::to_string(counts.packets) + " that were read"
+                                       : std::string(),
+                   counts.lostByInterface != 0
+                       ? Counted(counts.lostByInterface, "packet") + " of whatever kind lost by the interface"
+                       : std::string()});
 }
 
 /// What the user of the tool says of the sessions of a capture.
@@ -54,9 +66,9 @@ void AnnounceServices(const std::vector<SListedService>& services, CTraffic& tra
 }  // namespace
 
 CBroadcast::CBroadcast(const SOptions& options, const std::string& name, CChannelMap& channelMap, CReport& report,
-                       CJudge& judge, TCounts counts)
+                       CJudge& judge, TReception reception)
     : m_options(options),
-      m_counts(std::move(counts)),
+      m_reception(std::move(reception)),
       m_report(report),
       m_judge(judge),
       m_guide(report),
@@ -95,7 +107,7 @@ bool CBroadcast::Next(const std::optional<STime>& time)
 {
     const bool taken = m_window.Takes(time);
     if (taken && m_options.every != 0) {
-        Now(time);
+        m_Tick(time);
     }
     ++m_source.packet;
     if (!taken) {
@@ -106,7 +118,8 @@ bool CBroadcast::Next(const std::optional<STime>& time)
     return true;
 }
 
-void CBroadcast::Now(const std::optional<STime>& time)
+/// A report on the way may be due.
+void CBroadcast::m_Tick(const std::optional<STime>& time)
 {
     const auto every = static_cast<std::int64_t>(m_options.every * CCaptureClock::k_second);
     m_clock.Now(time);
@@ -154,11 +167,50 @@ void CBroadcast::Finish(bool told)
     m_guideSessions.Close();
 }
 
+const std::vector<SServiceSession>& CBroadcast::Now(const STime& time)
+{
+    m_Tick(time);
+    constexpr double k_often = 0.1;  // seconds: signalling may change with every packet
+    const bool late = std::abs(Seconds(time) - m_wantedAt) >= k_often;
+    if (!m_wantedFor || (late && *m_wantedFor != m_judge.Changes())) {
+        m_wantedFor = m_judge.Changes();
+        m_wantedAt = Seconds(time);
+        m_wanted = m_Sessions();
+    }
+    return m_wanted;
+}
+
+/// Those that signalling names, or the user of the tool.
+std::vector<SServiceSession> CBroadcast::m_Sessions() const
+{
+    std::vector<SServiceSession> sessions;
+    for (const auto* asked : {&m_options.llsStreams, &m_options.routeSessions, &m_options.mmtpSessions}) {
+        for (const auto& [destination, port] : *asked) {
+            sessions.push_back({destination, port, 0});
+        }
+    }
+    std::set<std::string> names;
+    for (const auto& protocol : m_sessions) {
+        protocol->Each([&](const SFollowed& followed) {
+            sessions.push_back(followed.session);
+            names.insert(followed.name);
+        });
+    }
+    m_guideSessions.Each([&](const SServiceSession& session, std::uint64_t) { sessions.push_back(session); });
+    m_judge.EachSession(names, [&](const std::string& destination, const std::string& source) {
+        if (const auto endpoint = ReadEndpoint(destination)) {
+            sessions.push_back({endpoint->first, endpoint->second, ReadIpv4(source).value_or(0)});
+        }
+    });
+    return sessions;
+}
+
 /// What there is to say of all that came, at the end or on the way.
 void CBroadcast::m_Result(bool told)
 {
+    const SReception reception = m_reception();
+    const SPacketCounts& counts = reception.counts;
     const std::string& name = m_source.file;
-    const SPacketCounts counts = m_counts();
     SSummary& summary = m_report.Summary();
     if (m_times.first) {
         summary.times.push_back(m_times);
@@ -175,10 +227,11 @@ void CBroadcast::m_Result(bool told)
         [this](const SServiceSession& session, std::uint64_t tsi) { m_traffic.Name(session, tsi, "service guide"); });
     SDelivery delivery = m_traffic.Result({name, 0, {}});
     delivery.packetsCut = counts.cut;
+    delivery.received = reception.Whole();
     delivery.arrivals = m_arrivals.Result();
     const std::uint64_t before = summary.routeServices + summary.mmtpServices;
     for (const auto& protocol : m_sessions) {
-        protocol->Finish(name, m_sessionsCaptured);
+        protocol->Finish(name, reception, m_sessionsCaptured);
     }
     const std::uint64_t services = summary.routeServices + summary.mmtpServices - before;
     if (!m_sessionsCaptured && services != 0) {
@@ -187,21 +240,26 @@ void CBroadcast::m_Result(bool told)
                               Counted(services, "service"),
                           {name, 0, {}}});
     }
-    m_guideSessions.Finish(name);
-    m_guide.Finish(name, true);
-    m_Findings(counts);
+    m_guideSessions.Finish(name, reception.Whole());
+    m_guide.Finish(name, reception.Whole());
+    m_Findings(reception);
     m_judge.Finish(m_times, m_sessionsCaptured, &delivery);
 }
 
 /// What is wrong with a capture as a whole, and why what was expected is missing.
-void CBroadcast::m_Findings(const SPacketCounts& counts)
+void CBroadcast::m_Findings(const SReception& reception)
 {
+    const SPacketCounts& counts = reception.counts;
     const SSource source = {m_source.file, 0, {}};
     if (counts.cut != 0) {
         m_report.Finding({ERule::PACKETS_CUT,
                           std::to_string(counts.cut) + " of " + Counted(counts.packets, "packet") +
                               " cut by the capture: their datagrams are lost",
                           source});
+    }
+    if (reception.Lossy()) {
+        m_report.Finding(
+            {ERule::PACKETS_DROPPED, DroppedText(counts) + ": what is missing may be missing here only", source});
     }
     if (counts.malformed != 0) {
         m_report.Finding({ERule::PACKETS_MALFORMED,
@@ -210,6 +268,9 @@ void CBroadcast::m_Findings(const SPacketCounts& counts)
     }
     for (const auto& [stream, follower] : m_lls) {
         const std::string streamText = EndpointText(stream.first, stream.second);
+        if (reception.missed.count({stream.first, stream.second, 0}) != 0) {
+            continue;
+        }
         if (follower->Tables() == 0 && m_options.routeSessions.empty() && m_options.mmtpSessions.empty()) {
             const std::string busiest = Busiest(m_destinations);
             m_report.Finding({ERule::NO_LLS,

@@ -4,8 +4,10 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Options.h"
 #include "common/ChannelMap.h"
@@ -14,6 +16,7 @@
 #include "follow/SessionFollower.h"
 #include "measure/Arrivals.h"
 #include "measure/Traffic.h"
+#include "model/Reception.h"
 #include "model/Report.h"
 #include "wire/Ipv4Decoder.h"
 
@@ -25,12 +28,12 @@ class CJudge;
 /// what is on the air, and has it judged.
 class CBroadcast {
   public:
-    /// What was counted of all packets up to now.
-    using TCounts = std::function<SPacketCounts()>;
+    /// What came in up to now, and what did not.
+    using TReception = std::function<SReception()>;
 
     /// All but the name outlive it.
     CBroadcast(const SOptions& options, const std::string& name, CChannelMap& channelMap, CReport& report,
-               CJudge& judge, TCounts counts);
+               CJudge& judge, TReception reception);
     ~CBroadcast();
     CBroadcast(const CBroadcast&) = delete;
     CBroadcast& operator=(const CBroadcast&) = delete;
@@ -38,10 +41,11 @@ class CBroadcast {
     /// The next packet begins, with its time if it has one. False: it is outside what is looked at, and is to be passed
     /// over.
     bool Next(const std::optional<STime>& time);
-    /// It is so late, though no packet came: a report on the way may be due.
-    void Now(const std::optional<STime>& time);
     /// A datagram that the packet, and those before it, made whole.
     void Take(const SDatagram& datagram);
+    /// Time goes on, with packets or without: to be called at least once a second of what is live. Gives the sessions
+    /// that are to be received from now on, those that the user of the tool named first.
+    const std::vector<SServiceSession>& Now(const STime& time);
     /// The end. Not `told`: nobody reads the report any more, only the summary counts.
     void Finish(bool told);
 
@@ -52,13 +56,15 @@ class CBroadcast {
 
     static constexpr std::size_t k_maxDestinations = 4096;
 
+    void m_Tick(const std::optional<STime>& time);
     void m_Interim();
     void m_Result(bool told);
     void m_Listen(const TEndpoint& stream, CLlsFollower& follower);
-    void m_Findings(const SPacketCounts& counts);
+    std::vector<SServiceSession> m_Sessions() const;
+    void m_Findings(const SReception& reception);
 
     const SOptions& m_options;
-    const TCounts m_counts;
+    const TReception m_reception;
     CReport& m_report;
     CJudge& m_judge;
     std::map<TEndpoint, std::unique_ptr<CLlsFollower>> m_lls;
@@ -73,7 +79,10 @@ class CBroadcast {
     std::map<TEndpoint, std::uint64_t> m_destinations;  ///< datagrams that nothing follows
     bool m_sessionsCaptured = false;                    ///< something came beside the LLS
     CCaptureClock m_clock;
-    std::int64_t m_due = 0;  ///< when the next report on the way is, as of the clock
+    std::int64_t m_due = 0;                    ///< when the next report on the way is, as of the clock
+    std::vector<SServiceSession> m_wanted;     ///< sessions to be received
+    std::optional<std::uint64_t> m_wantedFor;  ///< what the judge's changes were then
+    double m_wantedAt = 0;
 };
 
 }  // namespace vyr::inspect

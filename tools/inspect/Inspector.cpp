@@ -1,6 +1,9 @@
 #include "Inspector.h"
 
+#include <chrono>
 #include <cstdio>
+#include <ctime>
+#include <memory>
 #include <stdexcept>
 #include <vector>
 
@@ -16,6 +19,7 @@
 #include "follow/SlsFollower.h"
 #include "judge/Judge.h"
 #include "wire/LinkLayer.h"
+#include "wire/Live.h"
 
 namespace vyr::inspect {
 
@@ -31,6 +35,13 @@ bool IsMessageAndNoTable(SView bytes)
     const bool table = ParseTable({bytes[0], bytes[1], bytes[2], bytes[3]}, bytes).content.has_value();
     TakeAssertions();
     return !table;
+}
+
+STime Now()
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return {now.tv_sec, static_cast<std::int32_t>(now.tv_nsec)};
 }
 
 /// Of a text that is nothing which is read by itself.
@@ -96,6 +107,10 @@ EExitStatus CInspector::Run()
 
 void CInspector::m_Inspect(const std::string& name)
 {
+    if (!m_options.live.interface.empty()) {
+        m_Live(name);
+        return;
+    }
     CInput input(name);
     m_report.Received(input.Bytes().size);  // none of a capture
     CJudge judge(m_report, name, input.IsCapture(), m_rules);
@@ -121,12 +136,10 @@ void CInspector::m_Inspect(const std::string& name)
 
 void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge)
 {
-    if (!CPacketDecoder::Knows(input.LinkType())) {
-        throw CInputError(ERule::LINK_TYPE, "packets of link type " + input.LinkTypeText() + " cannot be read");
-    }
+    RequireKnownLinkType(input.LinkType());
     CBroadcast* receiver = nullptr;
     CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) { receiver->Take(datagram); });
-    CBroadcast broadcast(m_options, name, m_channelMap, m_report, judge, [&] { return decoder.Counts(); });
+    CBroadcast broadcast(m_options, name, m_channelMap, m_report, judge, [&] { return SReception{decoder.Counts()}; });
     receiver = &broadcast;
     const auto finish = [&] {
         decoder.Finish();
@@ -140,6 +153,53 @@ void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge
                 decoder.Decode(packet.bytes, packet.cut);
             }
             m_progress.Show(name, broadcast.Packets());
+        }
+    } catch (const CInputError& error) {
+        finish();
+        throw CInputError(error.Code(), "behind packet " + std::to_string(broadcast.Packets()) + ": " + error.what());
+    }
+    finish();
+}
+
+/// Until it is interrupted, or has received enough.
+void CInspector::m_Live(const std::string& name)
+{
+    const SLiveOptions& options = m_options.live;
+    CJudge judge(m_report, name, true, m_rules);
+    std::unique_ptr<CLive> live;
+    CBroadcast broadcast(m_options, name, m_channelMap, m_report, judge, [&] { return live->Reception(); });
+    bool taken = false;
+    const SLiveSink sink = {[&](const STime& time, std::size_t bytes) {
+                                taken = broadcast.Next(time);
+                                m_report.Received(taken ? bytes : 0);
+                            },
+                            [&](const SDatagram& datagram) {
+                                if (taken) {
+                                    broadcast.Take(datagram);
+                                }
+                            },
+                            [&](const std::string& message) {
+                                m_report.Finding({ERule::NOT_JOINED, message, {name, 0, {}}});
+                            }};
+    live =
+        options.join ? JoinGroups(options.interface, sink) : CaptureInterface(options.interface, options.filter, sink);
+    ++m_report.Summary().interfaces;
+    const auto begin = std::chrono::steady_clock::now();
+    const std::uint64_t most = options.packets.value_or(~std::uint64_t{0});
+    const auto goesOn = [&] {
+        const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin;
+        return !m_output.Ended() && !CInput::Stopped() && broadcast.Packets() < most &&
+               (!options.seconds || passed.count() < *options.seconds);
+    };
+    const auto finish = [&] {
+        live->Finish();
+        broadcast.Finish(!m_output.Ended());
+    };
+    try {
+        while (goesOn()) {
+            live->Want(broadcast.Now(Now()));
+            live->Receive(most - broadcast.Packets());
+            m_progress.ShowNow(name, broadcast.Packets());
         }
     } catch (const CInputError& error) {
         finish();

@@ -30,6 +30,7 @@ class CInspector {
   private:
     void m_Inspect(const std::string& name);
     void m_Capture(CInput& input, const std::string& name, CJudge& judge);
+    void m_Live(const std::string& name);
     void m_RawTable(SView table, const std::string& name);
     bool m_GuideFile(SView bytes, const std::string& name);
     void m_SlsFile(SView bytes, const std::string& name);

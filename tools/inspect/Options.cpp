@@ -1,6 +1,5 @@
 #include "Options.h"
 
-#include <arpa/inet.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -25,7 +24,7 @@ constexpr char k_footer[] =
     "Examples:\n"
     "  vyr-atsc30-inspect capture.pcapng\n"
     "  vyr-atsc30-inspect --json capture.pcap | jq 'select(.type == \"service\")'\n"
-    "  tcpdump -i eth1 -w - udp | vyr-atsc30-inspect -";
+    "  vyr-atsc30-inspect --join eth1";
 
 template <typename TNumber>
 bool ReadNumber(const std::string& text, TNumber& number)
@@ -34,24 +33,16 @@ bool ReadNumber(const std::string& text, TNumber& number)
     return error == std::errc() && end == text.data() + text.size();
 }
 
-std::pair<std::uint32_t, std::uint16_t> ReadEndpoint(const char* option, const std::string& text)
-{
-    const std::size_t colon = text.rfind(':');
-    in_addr address{};
-    std::uint16_t port = 0;
-    if (colon == std::string::npos || inet_pton(AF_INET, text.substr(0, colon).c_str(), &address) != 1 ||
-        !ReadNumber(text.substr(colon + 1), port) || port == 0) {
-        throw CLI::ValidationError(option, "'" + text + "' is not ADDRESS:PORT");
-    }
-    return {ntohl(address.s_addr), port};
-}
-
 std::set<std::pair<std::uint32_t, std::uint16_t>> ReadEndpoints(const char* option,
                                                                 const std::vector<std::string>& texts)
 {
     std::set<std::pair<std::uint32_t, std::uint16_t>> endpoints;
     for (const std::string& text : texts) {
-        endpoints.insert(ReadEndpoint(option, text));
+        const auto endpoint = ReadEndpoint(text);
+        if (!endpoint) {
+            throw CLI::ValidationError(option, "'" + text + "' is not ADDRESS:PORT");
+        }
+        endpoints.insert(*endpoint);
     }
     return endpoints;
 }
@@ -163,6 +154,40 @@ std::string CommandLine(int argc, const char* const* argv)
     return line;
 }
 
+constexpr std::uint16_t k_llsPort = 4937;
+
+/// "ADDRESS%IF", or "IF".
+void ReadJoin(const std::string& text, SOptions& options)
+{
+    const std::size_t percent = text.find('%');
+    if (text.empty()) {
+        return;
+    }
+    options.live.join = true;
+    options.live.interface = text.substr(percent == std::string::npos ? 0 : percent + 1);
+    const std::optional<std::uint32_t> address =
+        percent != std::string::npos ? ReadIpv4(text.substr(0, percent)) : std::nullopt;
+    if (options.live.interface.empty() || (percent != std::string::npos && !address)) {
+        throw CLI::ValidationError("--join", "'" + text + "' is not [ADDRESS%]IF");
+    }
+    if (address) {
+        options.llsStreams.insert({*address, k_llsPort});
+        options.inputs = {Ipv4Text(*address) + '%' + options.live.interface};
+    }
+}
+
+/// What the report calls the network, and where the LLS is when nothing else is said.
+void NameLive(SOptions& options)
+{
+    if (options.llsStreams.empty()) {
+        options.llsStreams.insert({0xE000173C, k_llsPort});
+    }
+    if (!options.live.interface.empty() && options.inputs.empty()) {
+        const std::string group = options.live.join ? Ipv4Text(options.llsStreams.begin()->first) + '%' : std::string();
+        options.inputs = {group + options.live.interface};
+    }
+}
+
 /// What is written must not take the place of what is read.
 void CheckFiles(const SOptions& options)
 {
@@ -187,13 +212,14 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
 {
     constexpr char k_choosing[] = "Choosing";
     options.commandLine = CommandLine(argc, argv);
-    CLI::App app("Shows the ATSC 3.0 signalling in packet captures and raw files.", "vyr-atsc30-inspect");
+    CLI::App app("Shows the ATSC 3.0 signalling in packet captures, raw files and networks.", "vyr-atsc30-inspect");
     app.footer(k_footer);
     app.set_help_flag("-h,--help", "Show this help and end");
     app.set_version_flag(
         "--version",
         std::string("vyr-atsc30-inspect " VYR_INSPECT_VERSION "\nlibvyr-atsc30-parser ") + GetLibraryVersion(),
         "Show the versions of the tool and of the library and end");
+    std::string joined;
     std::vector<std::string> streams;
     std::vector<std::string> routeSessions;
     std::vector<std::string> mmtpSessions;
@@ -214,6 +240,24 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         "pcap or pcapng capture, raw LLS table, ROUTE signalling, raw MMT message, service guide, or - for "
         "standard input");
     input->required()->type_name("");
+    const auto inPlace = [input](const std::string&) { input->required(false); };
+    constexpr char k_liveGroup[] = "Live input";
+    CLI::Option* const interface = app.add_option("--interface", options.live.interface,
+                                                  "Capture on it, in place of reading INPUT; needs privileges");
+    interface->type_name("IF")->group(k_liveGroup)->each(inPlace);
+    CLI::Option* const join = app.add_option("--join", joined,
+                                             "Join the LLS group (ADDRESS in place of 224.0.23.60), and those of the "
+                                             "sessions that signalling names; needs no privileges");
+    join->type_name("[ADDRESS%]IF")->group(k_liveGroup)->each(inPlace);
+    app.add_option("--filter", options.live.filter, "Capture only what passes the filter of libpcap as well")
+        ->type_name("EXPR")
+        ->needs(interface)
+        ->group(k_liveGroup);
+    CLI::Option* const duration = app.add_option("--duration", options.live.seconds, "End after that time");
+    duration->type_name("SECONDS")->check(CLI::PositiveNumber)->group(k_liveGroup);
+    CLI::Option* const packets =
+        app.add_option("--packets", options.live.packets, "End after as many packets; with --join, datagrams");
+    packets->type_name("N")->check(CLI::PositiveNumber)->group(k_liveGroup);
     app.add_flag("--json", options.json, "Write one JSON object per line in place of text");
     app.add_option("--html", options.html, "Write the whole report as one HTML page as well")->type_name("FILE");
     app.add_option("--output", options.output, "Write the report to a file in place of standard output")
@@ -299,8 +343,18 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     try {
         app.parse(argc, argv);
         options.log = ReadLevel(log);
+        if ((input->count() != 0 ? 1u : 0u) + interface->count() + join->count() > 1) {
+            throw CLI::ValidationError("only one of INPUT, --interface and --join can be given");
+        }
+        if (input->count() != 0 && duration->count() + packets->count() != 0) {
+            throw CLI::ValidationError("--duration and --packets need --interface or --join");
+        }
+        if (interface->count() + join->count() != 0 && options.live.interface.empty() && joined.empty()) {
+            throw CLI::ValidationError(interface->count() != 0 ? "--interface" : "--join", "'' is no interface");
+        }
         CheckFiles(options);
         options.llsStreams = ReadEndpoints("--lls", streams);
+        ReadJoin(joined, options);
         options.routeSessions = ReadEndpoints("--route", routeSessions);
         options.mmtpSessions = ReadEndpoints("--mmtp", mmtpSessions);
         for (const std::string& text : settings) {
@@ -322,9 +376,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         *exitStatus = EXIT_FINE;
         return false;
     }
-    if (options.llsStreams.empty()) {
-        options.llsStreams.insert({0xE000173C, 4937});
-    }
+    NameLive(options);
     options.progress = !options.quiet && !noProgress && (progress || isatty(STDERR_FILENO) != 0);
     return true;
 }

@@ -15,8 +15,18 @@
 
 namespace vyr::inspect {
 
+/// A network to be read in place of files.
+struct SLiveOptions {
+    std::string interface;  ///< empty: none
+    bool join = false;      ///< receive groups, and do not capture
+    std::string filter;     ///< of libpcap; empty: none
+    std::optional<double> seconds;
+    std::optional<std::uint64_t> packets;  ///< datagrams, of groups
+};
+
 struct SOptions {
-    std::vector<std::string> inputs;
+    std::vector<std::string> inputs;  ///< files, or the name of what is live
+    SLiveOptions live;
     std::set<std::pair<std::uint32_t, std::uint16_t>> llsStreams;     ///< address and port
     std::set<std::pair<std::uint32_t, std::uint16_t>> routeSessions;  ///< to follow besides the announced ones
     std::set<std::pair<std::uint32_t, std::uint16_t>> mmtpSessions;   ///< the same

@@ -3,9 +3,11 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
+#include <system_error>
 
 namespace vyr::inspect {
 
@@ -155,6 +157,26 @@ std::string FourCcText(SView code)
 std::string EndpointText(std::uint32_t address, unsigned port)
 {
     return Ipv4Text(address) + ':' + std::to_string(port);
+}
+
+std::optional<std::uint32_t> ReadIpv4(const std::string& text)
+{
+    in_addr address{};
+    return inet_pton(AF_INET, text.c_str(), &address) == 1 ? std::optional(ntohl(address.s_addr)) : std::nullopt;
+}
+
+std::optional<std::pair<std::uint32_t, std::uint16_t>> ReadEndpoint(const std::string& text)
+{
+    const std::size_t colon = std::min(text.rfind(':'), text.size());
+    const std::optional<std::uint32_t> address = ReadIpv4(text.substr(0, colon));
+    const char* const end = text.data() + text.size();
+    const char* const begin = text.data() + std::min(colon + 1, text.size());
+    std::uint16_t port = 0;
+    const auto [rest, error] = std::from_chars(begin, end, port);
+    if (!address || error != std::errc() || rest != end || port == 0) {
+        return {};
+    }
+    return std::pair(*address, port);
 }
 
 std::string Counted(std::uint64_t count, const std::string& singular, const std::string& plural)

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/Bytes.h"
@@ -25,6 +26,10 @@ std::string Ipv6Text(const unsigned char* address);
 std::string FourCcText(SView code);
 /// "192.0.2.10:4937".
 std::string EndpointText(std::uint32_t address, unsigned port);
+/// What EndpointText makes a text of; none: it is no such text, or its port is 0.
+std::optional<std::pair<std::uint32_t, std::uint16_t>> ReadEndpoint(const std::string& text);
+/// The address that Ipv4Text makes a text of.
+std::optional<std::uint32_t> ReadIpv4(const std::string& text);
 /// "1 service", "2 services"; `plural` where an s does not do.
 std::string Counted(std::uint64_t count, const std::string& singular, const std::string& plural = {});
 

@@ -274,11 +274,11 @@ void CGuideSessions::Each(const std::function<void(const SServiceSession&, std::
     }
 }
 
-void CGuideSessions::Finish(const std::string& file) const
+void CGuideSessions::Finish(const std::string& file, bool whole) const
 {
     for (const auto& [session, owner] : m_owners) {
         const std::string reason = m_Missing(owner);
-        if (!reason.empty()) {
+        if (!reason.empty() && whole) {
             SFinding finding = {ERule::GUIDE_INCOMPLETE, "no guide on " + owner.name + ": " + reason, {file, 0, {}}};
             finding.about = owner.name;
             if (owner.services.size() == 1) {

@@ -39,8 +39,9 @@ class CGuideSessions {
     bool Take(const SDatagram& datagram, const SSource& source);
     /// Calls with every LCT session that is followed now for the guide, and its TSI.
     void Each(const std::function<void(const SServiceSession&, std::uint64_t)>& visit) const;
-    /// The end of the input, or of a part that is reported: adds to the summary, and tells which guides did not come.
-    void Finish(const std::string& file) const;
+    /// The end of the input, or of a part that is reported: adds to the summary, and tells which guides did not come,
+    /// if it was received `whole`.
+    void Finish(const std::string& file, bool whole) const;
     /// Lets go of all sessions, behind Finish().
     void Close();
 

@@ -84,7 +84,14 @@ bool CSessionFollower::Take(const SDatagram& datagram, const SSource& source)
     return taken;
 }
 
-void CSessionFollower::Finish(const std::string& file, bool captured)
+void CSessionFollower::Each(const std::function<void(const SFollowed&)>& visit) const
+{
+    for (const auto& [key, session] : m_sessions) {
+        visit(session->followed);
+    }
+}
+
+void CSessionFollower::Finish(const std::string& file, const SReception& reception, bool captured)
 {
     const SSource source = {file, 0, {}};
     for (const auto& [key, session] : m_sessions) {
@@ -99,7 +106,8 @@ void CSessionFollower::Finish(const std::string& file, bool captured)
             finding.about = name;
             m_report.Finding(finding);
         }
-        if (session->pinned && session->followed.services.empty() && !session->Signals()) {
+        if (session->pinned && session->followed.services.empty() && !session->Signals() &&
+            !reception.Excuses(key, counts.packets)) {
             SFinding finding = {ERule::NO_SIGNALLING, "no signalling on " + name + ": " + m_Missing(*session), source};
             finding.about = name;
             m_report.Finding(finding);
@@ -108,7 +116,7 @@ void CSessionFollower::Finish(const std::string& file, bool captured)
     for (const auto& [group, services] : m_services) {
         for (const SListedService& service : services) {
             if (captured) {
-                m_Judge(group, service, source);
+                m_Judge(group, service, reception, source);
             } else {
                 ++(m_report.Summary().*m_protocol.services);
             }
@@ -117,7 +125,8 @@ void CSessionFollower::Finish(const std::string& file, bool captured)
 }
 
 /// Counts the service, or tells why it was not signalled.
-void CSessionFollower::m_Judge(const TGroup& group, const SListedService& service, const SSource& source)
+void CSessionFollower::m_Judge(const TGroup& group, const SListedService& service, const SReception& reception,
+                               const SSource& source)
 {
     SSummary& summary = m_report.Summary();
     ++(summary.*m_protocol.services);
@@ -130,11 +139,14 @@ void CSessionFollower::m_Judge(const TGroup& group, const SListedService& servic
         if (reason.empty()) {
             ++summary.servicesSignalled;
             const std::string missing = service.IsGuide() ? session.MissingGuide() : std::string();
-            if (!missing.empty()) {
+            if (!missing.empty() && reception.Whole()) {
                 finding.rule = ERule::GUIDE_INCOMPLETE;
                 finding.message = "no guide on " + session.followed.name + ": " + missing;
                 m_report.Finding(finding);
             }
+            return;
+        }
+        if (reception.Excuses(service.session, session.Counts().packets)) {
             return;
         }
     }

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "model/Reception.h"
 #include "model/Report.h"
 #include "model/ServiceSession.h"
 #include "wire/Ipv4Decoder.h"
@@ -68,10 +69,12 @@ class CSessionFollower {
     void Announce(const TGroup& group, std::vector<SListedService> services);
     /// Takes a datagram; false: it belongs to none of the sessions.
     bool Take(const SDatagram& datagram, const SSource& source);
+    /// The sessions that are followed now.
+    void Each(const std::function<void(const SFollowed&)>& visit) const;
     /// The end of the input, or of a part that is reported: adds to the summary, and tells which services were not
-    /// signalled. Not `captured`: the
-    /// input has no sessions at all, and says nothing of their signalling.
-    void Finish(const std::string& file, bool captured);
+    /// signalled, unless the reception was at fault. Not `captured`: the input has no sessions at all, and says nothing
+    /// of their signalling.
+    void Finish(const std::string& file, const SReception& reception, bool captured);
 
   private:
     using TSessions = std::map<SServiceSession, std::unique_ptr<CSession>>;
@@ -82,7 +85,8 @@ class CSessionFollower {
 
     CSession& m_Add(const SServiceSession& key);
     void m_Remove(TSessions::iterator session);
-    void m_Judge(const TGroup& group, const SListedService& service, const SSource& source);
+    void m_Judge(const TGroup& group, const SListedService& service, const SReception& reception,
+                 const SSource& source);
     std::string m_Missing(const CSession& session) const;
 
     const SProtocol m_protocol;

@@ -434,8 +434,7 @@ void CDeliveryRules::m_Intervals()
 
 void CDeliveryRules::Finish(const SDelivery* delivery)
 {
-    if (delivery == nullptr || !t_evidence.first || !t_evidence.last || delivery->clockSet != 0 ||
-        delivery->packetsCut != 0) {
+    if (delivery == nullptr || !t_evidence.first || !t_evidence.last || delivery->clockSet != 0 || !delivery->Whole()) {
         return;
     }
     m_Intervals();

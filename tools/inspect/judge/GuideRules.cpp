@@ -132,7 +132,8 @@ void CGuideRules::GuideObject(const SGuideObject& object)
 /// Whether everything came once more since something was new: only then nothing is still to come.
 bool CGuideRules::m_CameWhole(const SDelivery* delivery) const
 {
-    if (delivery == nullptr || m_tooMany || !m_guide.whole || m_again.size() != m_objects.size()) {
+    if (delivery == nullptr || !delivery->received || m_tooMany || !m_guide.whole ||
+        m_again.size() != m_objects.size()) {
         return false;
     }
     for (const SSessionDelivery& session : delivery->sessions) {

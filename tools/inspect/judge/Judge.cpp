@@ -87,6 +87,7 @@ void CJudge::Table(const STable& table)
     if (!table.slt) {
         return;
     }
+    ++m_changes;
     const TListKey key = {table.stream, table.header.groupId};
     const auto known = m_evidence.lists.find(key);
     m_services -= known != m_evidence.lists.end() ? known->second.services.size() : 0;
@@ -161,6 +162,7 @@ std::optional<std::uint64_t> CJudge::FileLength(const SServiceSession& session, 
 void CJudge::m_Hold(SPackageFacts& package, const SSlsDocument& document)
 {
     const TJson& json = document.content->json;
+    ++m_changes;
     m_bytes -= package.Bytes();
     const auto hold = [&](auto& held, auto facts) {
         held.reset();
@@ -189,6 +191,7 @@ void CJudge::Message(const SMessage& message)
         rules->Message(message);
     }
     HoldMessage(m_evidence.mmt, message);
+    m_changes += message.status != EStatus::REPEATED ? 1 : 0;
 }
 
 void CJudge::GuideObject(const SGuideObject& object)
@@ -231,6 +234,35 @@ void CJudge::EndInterim()
     m_evidence.ended = true;
     for (; m_heard.size() > m_heardBefore; m_heard.pop_back()) {
         m_heardOf.erase(HeardKey(m_heard.back()));
+    }
+}
+
+void CJudge::EachSession(const std::set<std::string>& names,
+                         const std::function<void(const std::string&, const std::string&)>& visit) const
+{
+    for (const auto& [key, package] : m_evidence.packages) {
+        if (package.stsid && names.count(package.session) != 0) {
+            for (const SLctFacts& lct : package.stsid->sessions) {
+                const auto& [destination, source, tsi] = KeyOf(package, lct);
+                if (destination != package.session || !source.empty()) {
+                    visit(destination, source);
+                }
+            }
+        }
+    }
+    for (const auto& [session, facts] : m_evidence.mmt) {
+        if (names.count(session) == 0) {
+            continue;
+        }
+        facts.EachTable([&visit](const SMpTableFacts& table) {
+            for (const SAssetFacts& asset : table.assets) {
+                for (const auto& [destination, packetId] : asset.places) {
+                    if (!destination.empty()) {
+                        visit(destination, {});
+                    }
+                }
+            }
+        });
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -38,6 +40,12 @@ class CJudge : public IWitness {
     void BeginInterim();
     void EndInterim();
 
+    /// Goes on whenever signalling changes.
+    std::uint64_t Changes() const { return m_changes; }
+    /// Calls `visit` with every other session ("239.255.7.1:30100", and its source; empty: any) that the signalling
+    /// which came on one of the sessions of these names refers to.
+    void EachSession(const std::set<std::string>& names,
+                     const std::function<void(const std::string&, const std::string&)>& visit) const;
     /// The end of the input, or of a part that is reported. Of a capture, names in `delivery` what signalling names,
     /// judges it, and tells of it and of the verdicts; null for a raw file.
     void Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* delivery);
@@ -54,6 +62,7 @@ class CJudge : public IWitness {
 
     CReport& m_report;
     SEvidence m_evidence;
+    std::uint64_t m_changes = 0;
     std::size_t m_services = 0;
     std::size_t m_bytes = 0;  ///< of the facts of all packages
     /// LCT sessions with files, of the S-TSIDs that hold, by destination and TSI.

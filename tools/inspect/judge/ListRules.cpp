@@ -305,7 +305,8 @@ void CListRules::m_Intervals(const SDelivery& delivery)
 
 void CListRules::Finish(const SDelivery* delivery)
 {
-    if (delivery != nullptr && delivery->clockSet == 0 && delivery->traffic.first && delivery->traffic.last) {
+    if (delivery != nullptr && delivery->clockSet == 0 && delivery->received && delivery->traffic.first &&
+        delivery->traffic.last) {
         m_Intervals(*delivery);
     }
 }

@@ -224,7 +224,7 @@ void CMmtRules::m_Loss(const SSessionDelivery& session, const SFlowDelivery& flo
 
 void CMmtRules::Finish(const SDelivery* delivery)
 {
-    if (delivery == nullptr || !t_evidence.last || delivery->clockSet != 0 || delivery->packetsCut != 0) {
+    if (delivery == nullptr || !t_evidence.last || delivery->clockSet != 0 || !delivery->Whole()) {
         return;
     }
     m_Look(*delivery);

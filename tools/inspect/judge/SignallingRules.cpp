@@ -392,7 +392,7 @@ void CSignallingRules::m_Mpd(const SPackageFacts& package)
 
 void CSignallingRules::Finish(const SDelivery* delivery)
 {
-    if (delivery != nullptr && (delivery->clockSet != 0 || delivery->packetsCut != 0)) {
+    if (delivery != nullptr && (delivery->clockSet != 0 || !delivery->Whole())) {
         return;
     }
     for (const auto& [key, list] : t_evidence.lists) {

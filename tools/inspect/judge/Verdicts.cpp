@@ -240,6 +240,9 @@ SJudgement CServiceJudge::m_Judge(const SSltService& service) const
     if (judgement.verdict != EVerdict::PLAYS) {
         return judgement;
     }
+    if (!m_delivery.received && m_evidence.Of(service).empty() && m_evidence.mmt.count(m_address) == 0) {
+        return Unknown("not all of it was received, and none of its signalling");
+    }
     if (!m_mediaCaptured) {
         return Unknown("it has signalling alone, and no media of any service");
     }
@@ -248,6 +251,9 @@ SJudgement CServiceJudge::m_Judge(const SSltService& service) const
         judgement = m_Media(service);
     } else if (linear && service.slsProtocol == k_mmtp) {
         judgement = m_Mmt();
+    }
+    if (!m_delivery.received && judgement.verdict != EVerdict::PLAYS) {
+        return Unknown("not all of it was received");
     }
     if (service.isProtected) {
         judgement = Worse(judgement, But("only where it can be unlocked: it is protected"));

@@ -49,10 +49,12 @@ struct SStatusCounts : std::array<std::uint64_t, k_statuses> {
     }
 };
 
-/// What the packets of a capture were.
+/// What the packets of a capture, or of a network, were.
 struct SPacketCounts {
     std::uint64_t packets = 0;
     std::uint64_t cut = 0;                  ///< of which the capture lacks what their headers announce
+    std::uint64_t dropped = 0;              ///< by the kernel, before the tool got them; not of `packets`
+    std::uint64_t lostByInterface = 0;      ///< by the interface, of whatever kind; likewise
     std::uint64_t malformed = 0;            ///< headers that contradict themselves or the packet's length
     std::uint64_t otherProtocol = 0;        ///< not IPv4 over this link, or IPv4 without UDP
     std::uint64_t otherLinkPackets = 0;     ///< link-layer packets of another kind than IPv4
@@ -68,6 +70,8 @@ struct SPacketCounts {
     {
         visit("packets", self.packets);
         visit("packetsCut", self.cut);
+        visit("packetsDropped", self.dropped);
+        visit("packetsLostByInterface", self.lostByInterface);
         visit("packetsMalformed", self.malformed);
         visit("packetsOther", self.otherProtocol);
         visit("linkLayerPacketsOther", self.otherLinkPackets);

@@ -114,12 +114,16 @@ struct SDelivery {
     double seconds = 0;            ///< that the capture lasts, without what its clock was set by
     std::uint64_t clockSet = 0;    ///< times that its clock went back by more than a second, or on by more than an hour
     std::uint64_t packetsCut = 0;  ///< by the capture: what they carried is not here
+    bool received = true;          ///< false: packets were dropped, or sessions not received
     double binSeconds = 1;
     STraffic others;                         ///< of sessions beyond those that are kept
     std::vector<SSessionDelivery> sessions;  ///< by destination, port and source
     SArrivalLines arrivals;                  ///< of tables and signalling, on the axis of the bins
     /// Everything is named that signalling names: a session that nothing names is traffic without signalling.
     bool namesKnown = false;
+
+    /// Whether what is missing is missing on the air.
+    bool Whole() const { return packetsCut == 0 && received; }
 };
 
 }  // namespace vyr::inspect

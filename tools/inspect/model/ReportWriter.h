@@ -24,6 +24,7 @@ struct SInterim;
 struct SSummary {
     std::uint64_t inputs = 0;
     std::uint64_t captures = 0;
+    std::uint64_t interfaces = 0;  ///< that were read live
     std::uint64_t rawTables = 0;
     std::uint64_t slsFiles = 0;
     std::uint64_t rawMessages = 0;
@@ -59,6 +60,7 @@ struct SSummary {
     {
         visit("inputs", inputs);
         visit("captures", captures);
+        visit("interfaces", interfaces);
         visit("rawTables", rawTables);
         visit("slsFiles", slsFiles);
         visit("rawMessages", rawMessages);

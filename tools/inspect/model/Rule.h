@@ -20,6 +20,7 @@ enum class ERule {
     // the input
     INPUT_MISSING,
     INPUT_UNREADABLE,
+    INTERFACE_LOST,
     INPUT_DIRECTORY,
     INPUT_EMPTY,
     INPUT_UNKNOWN,
@@ -27,6 +28,8 @@ enum class ERule {
     CAPTURE_DAMAGED,
     LINK_TYPE,
     PACKETS_CUT,
+    PACKETS_DROPPED,
+    NOT_JOINED,
     PACKETS_MALFORMED,
     ASSERTION,
     EXTRACT_LIMIT,

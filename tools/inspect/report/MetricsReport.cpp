@@ -19,6 +19,8 @@ enum class EFamily {
     BYTES,
     DATAGRAMS,
     PACKETS_CUT,
+    DROPPED,
+    LOST,
     SERVICES,
     SERVICE_STATE,
     FINDINGS,
@@ -49,6 +51,8 @@ constexpr SFamily k_families[] = {
     {"bytes", "counter", "bytes", "input", "Bytes of UDP payloads."},
     {"datagrams", "counter", "", "", "UDP datagrams that were whole."},
     {"packets_cut", "counter", "", "input", "Packets of which the capture lacks a part."},
+    {"packets_dropped", "counter", "", "", "Packets of live input that came and that this machine had no room for."},
+    {"packets_lost_by_interface", "counter", "", "", "Packets that the interface says it lost."},
     {"services", "gauge", "", "input, verdict",
      "Services of the lists that hold, by what is concluded of them: plays, plays-but, does-not-play, cannot-tell."},
     {"service_verdict", "gauge", "", "input, list, service, channel, name, verdict",
@@ -360,6 +364,10 @@ void CMetricsReport::m_Make(const SSummary& summary)
     page.Begin(EFamily::DATAGRAMS);
     page.Add({}, summary.packets.datagrams);
     each(EFamily::PACKETS_CUT, [](const SDelivery& delivery) { return delivery.packetsCut; });
+    page.Begin(EFamily::DROPPED);
+    page.Add({}, summary.packets.dropped);
+    page.Begin(EFamily::LOST);
+    page.Add({}, summary.packets.lostByInterface);
     m_Services(page);
     m_Findings(page, summary);
     m_Sessions(page);

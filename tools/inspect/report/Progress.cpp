@@ -15,7 +15,14 @@ constexpr std::chrono::milliseconds k_interval(170);
 void CProgress::Show(const std::string& file, std::uint64_t packets)
 {
     // The clock is not asked for every packet.
-    if (!m_enabled || packets % 64 != 0) {
+    if (packets % 64 == 0) {
+        ShowNow(file, packets);
+    }
+}
+
+void CProgress::ShowNow(const std::string& file, std::uint64_t packets)
+{
+    if (!m_enabled) {
         return;
     }
     const auto now = std::chrono::steady_clock::now();

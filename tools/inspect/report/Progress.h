@@ -12,6 +12,8 @@ class CProgress {
     explicit CProgress(bool enabled) : m_enabled(enabled) {}
 
     void Show(const std::string& file, std::uint64_t packets);
+    /// The same, for who calls it seldom.
+    void ShowNow(const std::string& file, std::uint64_t packets);
     /// Makes room for other output.
     void Clear();
 

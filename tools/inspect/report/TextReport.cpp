@@ -309,6 +309,8 @@ std::string PacketsText(const SPacketCounts& packets)
     std::string text = std::to_string(packets.packets);
     const CAdder add(text);
     add(packets.cut, "cut by the capture");
+    add(packets.dropped, "more dropped before they were read");
+    add(packets.lostByInterface, "lost by the interface");
     add(packets.malformed, "malformed");
     add(packets.otherProtocol, "not IPv4 and UDP");
     add(packets.otherLinkPackets, "link-layer packets of other kinds");
@@ -389,6 +391,9 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
 {
     std::vector<TRow> rows = {{"inputs", std::to_string(summary.inputs) + ": " + Counted(summary.captures, "capture") +
                                              ", " + Counted(summary.rawTables, "raw table")}};
+    if (summary.interfaces != 0) {
+        rows.back().back() = std::to_string(summary.inputs) + ": " + Counted(summary.interfaces, "interface");
+    }
     if (summary.slsFiles != 0) {
         rows.back().back() += ", " + Counted(summary.slsFiles, "signalling file");
     }
@@ -403,7 +408,7 @@ std::vector<TRow> SummaryRows(const SSummary& summary)
                                     InstantText(times.first->seconds, times.first->nanoseconds) + " to " +
                                     InstantText(times.last->seconds, times.last->nanoseconds)});
     }
-    if (summary.captures != 0) {
+    if (summary.captures + summary.interfaces != 0) {
         rows.push_back({"packets", PacketsText(summary.packets)});
         rows.push_back({"UDP", Counted(summary.packets.datagrams, "datagram") + ", " +
                                    std::to_string(summary.llsDatagrams) + " of them LLS"});
@@ -600,7 +605,9 @@ std::string CTextReport::m_SummaryText(const SSummary& summary) const
 
 void CTextReport::Summary(const SSummary& summary)
 {
-    if (summary.captures + summary.rawTables + summary.slsFiles + summary.rawMessages + summary.guideFiles != 0) {
+    if (summary.captures + summary.interfaces + summary.rawTables + summary.slsFiles + summary.rawMessages +
+            summary.guideFiles !=
+        0) {
         m_output.Always(m_SummaryText(summary));
     }
 }

@@ -14,6 +14,7 @@
 
 #include "base/Gunzip.h"
 #include "base/Names.h"
+#include "wire/LinkLayer.h"
 
 namespace vyr::inspect {
 
@@ -254,10 +255,13 @@ int CInput::LinkType() const
     return pcap_datalink(m_capture);
 }
 
-std::string CInput::LinkTypeText() const
+void RequireKnownLinkType(int linkType)
 {
-    const char* name = pcap_datalink_val_to_name(LinkType());
-    return std::to_string(LinkType()) + " (" + (name != nullptr ? name : "unknown") + ')';
+    if (!CPacketDecoder::Knows(linkType)) {
+        const char* name = pcap_datalink_val_to_name(linkType);
+        throw CInputError(ERule::LINK_TYPE, "packets of link type " + std::to_string(linkType) + " (" +
+                                                (name != nullptr ? name : "unknown") + ") cannot be read");
+    }
 }
 
 bool CInput::Next(SPacket& packet)

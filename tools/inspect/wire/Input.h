@@ -25,6 +25,15 @@ class CInputError : public std::runtime_error {
     ERule m_code;
 };
 
+/// What is wrong with the command line, as far as it shows only now.
+class CUsageError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Throws CInputError unless packets of the link type, a DLT number of libpcap, can be read.
+void RequireKnownLinkType(int linkType);
+
 struct SPacket {
     SView bytes;  ///< good until the next packet
     bool cut = false;
@@ -50,7 +59,6 @@ class CInput {
     bool IsBinary() const { return m_kind == EKind::BINARY; }
     /// DLT number of a capture.
     int LinkType() const;
-    std::string LinkTypeText() const;
     /// Next packet of a capture; false at its end. Throws CInputError for a damaged capture.
     bool Next(SPacket& packet);
     /// Bytes of what is no capture.
