@@ -339,6 +339,11 @@ TEST(Live, Ends)
             EXPECT_EQ(result.status, 0) << result.err;
             EXPECT_EQ(Lines(result.out).back()["udpDatagrams"], test.packets);
         }
+        // Reports on the way come though nothing does.
+        CTool silent({"--json", mode, "lo", "--every", "1", "--duration", "4"});
+        const SResult nothing = silent.Wait();
+        EXPECT_NE(nothing.out.find("\"type\":\"interim\""), std::string::npos) << nothing.err;
+        EXPECT_NE(nothing.out.find("\"rule\":\"no-lls\""), std::string::npos);
         // The interface goes down, and away.
         for (const bool down : {true, false}) {
             SCOPED_TRACE(down ? "down" : "away");

@@ -1,6 +1,7 @@
 #include "Broadcast.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <set>
 #include <vector>
@@ -129,18 +130,23 @@ void CBroadcast::m_Tick(const std::optional<STime>& time)
     if (m_due != 0) {
         m_Interim();
     }
-    m_due = m_clock.End() / every * every + every;
+    // Of what is live, nothing but a tenth of the time goes into reports, however much there is to say.
+    m_due = std::max(m_clock.End() / every * every + every, m_clock.End() + m_costs);
 }
 
 /// What there would be to say if this were the end.
 void CBroadcast::m_Interim()
 {
+    const auto begin = std::chrono::steady_clock::now();
     m_guide.Show(m_source);
     m_judge.BeginInterim();
     m_report.BeginInterim();
     m_Result(true);
     m_report.EndInterim(m_source, static_cast<double>(m_clock.End()) / CCaptureClock::k_second);
     m_judge.EndInterim();
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+    m_costs =
+        m_options.live.interface.empty() ? 0 : static_cast<std::int64_t>(took.count() * 9 * CCaptureClock::k_second);
 }
 
 void CBroadcast::Take(const SDatagram& datagram)

@@ -79,6 +79,7 @@ class CBroadcast {
     std::map<TEndpoint, std::uint64_t> m_destinations;  ///< datagrams that nothing follows
     bool m_sessionsCaptured = false;                    ///< something came beside the LLS
     CCaptureClock m_clock;
+    std::int64_t m_costs = 0;                  ///< time to the next report on the way at least, as of the clock
     std::int64_t m_due = 0;                    ///< when the next report on the way is, as of the clock
     std::vector<SServiceSession> m_wanted;     ///< sessions to be received
     std::optional<std::uint64_t> m_wantedFor;  ///< what the judge's changes were then

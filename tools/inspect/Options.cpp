@@ -258,20 +258,22 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     CLI::Option* const packets =
         app.add_option("--packets", options.live.packets, "End after as many packets; with --join, datagrams");
     packets->type_name("N")->check(CLI::PositiveNumber)->group(k_liveGroup);
-    app.add_flag("--json", options.json, "Write one JSON object per line in place of text");
-    app.add_option("--html", options.html, "Write the whole report as one HTML page as well")->type_name("FILE");
+    constexpr char k_report[] = "Report";
+    constexpr char k_judging[] = "Judging";
+    app.add_flag("--json", options.json, "Write one JSON object per line in place of text")->group(k_report);
     app.add_option("--output", options.output, "Write the report to a file in place of standard output")
-        ->type_name("FILE");
-    app.add_option(
-           "--every", options.every,
-           "Report on the way, too, whenever so much of the input's time has gone by; write pages and metrics anew")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(1.0, 86400.0));
-    CLI::Option* const every = app.get_option("--every");
-    app.add_option("--baseline", options.baseline, "Report only what differs from an earlier report in JSON")
         ->type_name("FILE")
-        ->excludes(every);
-    app.add_option("--metrics", options.metrics, "Write OpenMetrics as well")->type_name("FILE");
+        ->group(k_report);
+    app.add_option("--html", options.html, "Write the whole report as one HTML page as well")
+        ->type_name("FILE")
+        ->group(k_report);
+    app.add_option("--metrics", options.metrics, "Write OpenMetrics as well")->type_name("FILE")->group(k_report);
+    CLI::Option* const every = app.add_option(
+        "--every", options.every, "Report on the way, too, as often in the input's time; write pages and metrics anew");
+    every->type_name("SECONDS")->group(k_report)->check(CLI::Range(1.0, 86400.0).description(""));
+    CLI::Option* const baseline =
+        app.add_option("--baseline", options.baseline, "Report only what differs from an earlier report in JSON");
+    baseline->type_name("FILE")->group(k_report);
     CLI::Option* const extract = app.add_option("--extract", options.extract,
                                                 "Write out what is new or has changed, as it was sent and inflated")
                                      ->type_name("DIR")
@@ -283,63 +285,73 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         ->type_name("BYTES")
         ->needs(extract)
         ->group("Files");
-    app.add_flag("--local-time", options.localTime, "Show the guide's times in the machine's time zone, not in UTC");
+    app.add_flag("--local-time", options.localTime, "Show the guide's times in the machine's time zone, not in UTC")
+        ->group(k_report);
     app.add_option("--genres", options.genres, "Classification scheme with the names of the guide's genres")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->group(k_report);
     app.add_option("--trust", options.trust, "Certificates (PEM) that those of the broadcast are to lead to")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->group(k_judging);
+    constexpr char k_receiver[] = "Receiver";
     const auto addEach = [&app](const char* option, const char* type, std::vector<std::string>& texts,
-                                const char* about) {
+                                const char* about, const char* group) {
         app.add_option(option, texts, about)
             ->type_name(type)
             ->expected(1)
-            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+            ->group(group);
     };
     constexpr char k_endpoint[] = "ADDRESS:PORT";
-    addEach("--lls", k_endpoint, streams, "LLS stream to read in place of 224.0.23.60:4937; may be repeated");
+    addEach("--lls", k_endpoint, streams, "LLS stream to read in place of 224.0.23.60:4937; may be repeated",
+            k_receiver);
     addEach("--route", k_endpoint, routeSessions,
-            "ROUTE session to follow though no service list announces it; may be repeated");
+            "ROUTE session to follow though no service list announces it; may be repeated", k_receiver);
     addEach("--mmtp", k_endpoint, mmtpSessions,
-            "MMTP session to follow though no service list announces it; may be repeated");
+            "MMTP session to follow though no service list announces it; may be repeated", k_receiver);
     app.add_flag("--strict", options.strict,
-                 "Drop services that leave out protected, hidden or broadbandAccessRequired");
-    addEach("--set", "KEY=VALUE", settings, "Receiver setting that the library asks for; may be repeated");
+                 "Drop services that leave out protected, hidden or broadbandAccessRequired")
+        ->group(k_receiver);
+    addEach("--set", "KEY=VALUE", settings, "Receiver setting that the library asks for; may be repeated", k_receiver);
     addEach("--service", "ID|CHANNEL|NAME", options.choices.services,
-            "Tell of that service alone (0x7D1, 7.1, NEWS); may be repeated, as those that follow");
-    app.get_option("--service")->group(k_choosing);
-    addEach("--table", "NAME|ID", tables, "Tell of LLS tables of that kind (SLT, AEAT, 0xFE)");
-    app.get_option("--table")->group(k_choosing);
-    addEach("--session", k_endpoint, sessions, "Tell of what is sent there");
-    app.get_option("--session")->group(k_choosing);
+            "Tell of that service alone (0x7D1, 7.1, NEWS); may be repeated, as those that follow", k_choosing);
+    addEach("--table", "NAME|ID", tables, "Tell of LLS tables of that kind (SLT, AEAT, 0xFE)", k_choosing);
+    addEach("--session", k_endpoint, sessions, "Tell of what is sent there", k_choosing);
     app.add_option("--from", from, "Look at packets from then on (2026-11-22T10:00:00Z, or +12.5 seconds)")
         ->type_name("TIME")
         ->group(k_choosing);
     app.add_option("--until", until, "Look at packets before then")->type_name("TIME")->group(k_choosing);
-    addEach("--ignore", "RULE", ignored, "Say nothing of what breaks the rule; may be repeated");
-    addEach("--severity", "RULE=LEVEL", severities, "Make it an error, a warning or a note; may be repeated");
+    addEach("--ignore", "RULE", ignored, "Say nothing of what breaks the rule; may be repeated", k_judging);
+    addEach("--severity", "RULE=LEVEL", severities, "Make it an error, a warning or a note; may be repeated",
+            k_judging);
     app.add_option("--fail-on", failOn, "Exit with status 1 from that level on: error (default), warning or note")
-        ->type_name("LEVEL");
+        ->type_name("LEVEL")
+        ->group(k_judging);
     app.add_option("--max-interval", options.rules.longestInterval,
                    "Longest time between two service lists of a group, or two rounds of signalling, that is no warning "
                    "(5)")
         ->type_name("SECONDS")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::PositiveNumber)
+        ->group(k_judging);
     app.add_flag_callback(
-        "--rules",
-        [&] {
-            rules = true;
-            input->required(false);
-        },
-        "List the rules that a broadcast is judged by and end");
+           "--rules",
+           [&] {
+               rules = true;
+               input->required(false);
+           },
+           "List the rules that a broadcast is judged by and end")
+        ->group(k_judging);
     std::string log = "silent";
     app.add_option("--log", log, "Library messages to show on stderr: debug, info, error, silent (default)")
-        ->type_name("LEVEL");
+        ->type_name("LEVEL")
+        ->group(k_receiver);
     app.add_flag("--no-limit", options.noLimit,
-                 "Write everything, however long the report becomes for what was received");
-    app.add_flag("--full", options.full, "Show what changed whole, besides what changed of it");
-    app.add_flag("-q,--quiet", options.quiet, "Report errors and warnings only, and show no progress");
-    app.add_flag("--progress", progress, "Show progress even when stderr is not a terminal");
-    app.add_flag("--no-progress", noProgress, "Show no progress");
+                 "Write everything, however long the report becomes for what was received")
+        ->group(k_report);
+    app.add_flag("--full", options.full, "Show what changed whole, besides what changed of it")->group(k_report);
+    app.add_flag("-q,--quiet", options.quiet, "Report errors and warnings only, and show no progress")->group(k_report);
+    app.add_flag("--progress", progress, "Show progress even when stderr is not a terminal")->group(k_report);
+    app.add_flag("--no-progress", noProgress, "Show no progress")->group(k_report);
     try {
         app.parse(argc, argv);
         options.log = ReadLevel(log);
@@ -351,6 +363,9 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         }
         if (interface->count() + join->count() != 0 && options.live.interface.empty() && joined.empty()) {
             throw CLI::ValidationError(interface->count() != 0 ? "--interface" : "--join", "'' is no interface");
+        }
+        if (every->count() != 0 && baseline->count() != 0) {
+            throw CLI::ValidationError("--every and --baseline cannot be given together");
         }
         CheckFiles(options);
         options.llsStreams = ReadEndpoints("--lls", streams);
