@@ -10,6 +10,7 @@
 #include "model/Report.h"
 #include "report/HtmlReport.h"
 #include "report/JsonReport.h"
+#include "report/MetricsReport.h"
 #include "report/Output.h"
 #include "report/Progress.h"
 #include "report/TextReport.h"
@@ -23,7 +24,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 
 namespace vyr::inspect {
 
-/// The inspector's report as text or JSON, and its page.
+/// The inspector's report as text or JSON, its page and its metrics.
 class CFuzzReport {
   public:
     explicit CFuzzReport(bool json, bool localTime = false)
@@ -31,7 +32,7 @@ class CFuzzReport {
           m_text(m_output, localTime),
           m_json(m_output),
           m_page(localTime),
-          m_report(json ? static_cast<IReportWriter&>(m_json) : m_text, false, &m_page)
+          m_report(json ? static_cast<IReportWriter&>(m_json) : m_text, false, {&m_page, &m_metrics})
     {
         InstallPlatform(LOG_PRIORITY_SILENT, {});
     }
@@ -54,6 +55,7 @@ class CFuzzReport {
     CTextReport m_text;
     CJsonReport m_json;
     CHtmlReport m_page;
+    CMetricsReport m_metrics;
     CReport m_report;
 };
 

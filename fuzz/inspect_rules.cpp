@@ -1,6 +1,7 @@
 // The inspector over a made broadcast that is broken: the first bytes pick the form of the report, how long it is, and
-// what is changed in the texts of its tables and documents; then each byte says what becomes of a packet.
-// Sources: tools/inspect/judge/*.cpp tools/inspect/Inspector.cpp
+// what is changed in the texts of its tables and documents; then each byte says what becomes of a packet. Reports
+// on the way change nothing of what is found.
+// Sources: tools/inspect/judge/*.cpp tools/inspect/Inspector.cpp tools/inspect/Broadcast.cpp
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -71,6 +72,13 @@ bool ChangePacket(unsigned step, packets::SSent& sent)
     return true;
 }
 
+SSummary Summary(const SOptions& options, bool json)
+{
+    CFuzzReport reports(json);
+    CInspector(options, reports.Report(), reports.Output(), reports.Progress()).Run();
+    return reports.Report().Summary();
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -88,13 +96,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     SOptions options;
     options.inputs = {FileOf(broadcast.Bytes())};
     options.llsStreams = {{packets::k_lls, 4937}};
-    CFuzzReport reports((form & 1) != 0);
-    CInspector(options, reports.Report(), reports.Output(), reports.Progress()).Run();
+    const SSummary summary = Summary(options, (form & 1) != 0);
     std::uint64_t findings = 0;
-    const SSummary& summary = reports.Report().Summary();
     for (const auto& [rule, count] : summary.findings) {
         findings += count;
     }
     Require(findings == summary.errors + summary.warnings + summary.notes);
+    if ((form & 2) != 0) {
+        options.every = 1 + form / 64;
+        Require(Summary(options, (form & 1) != 0).findings == summary.findings);
+    }
     return 0;
 }
