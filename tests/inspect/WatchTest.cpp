@@ -136,6 +136,8 @@ TEST(Watch, WhatIsFoundSinceAndWhatHoldsNoMore)
     EXPECT_EQ(Rules(interims[0]["begun"]).count("no-signalling"), 1u);
     EXPECT_EQ(interims[0]["verdicts"][0]["verdict"], "does-not-play");
     EXPECT_EQ(Rules(interims[1]["over"]).count("no-signalling"), 1u);
+    EXPECT_EQ(interims[1]["verdictsChanged"][0]["before"], "does-not-play");
+    EXPECT_EQ(interims[2].value("verdictsChanged", nlohmann::json()), nlohmann::json());
     EXPECT_EQ(Rules(interims[2]["over"]), std::set<std::string>());
     EXPECT_EQ(Rules(interims[2]["begun"]), std::set<std::string>());
     EXPECT_EQ(interims[2]["verdicts"][0]["verdict"], "plays") << interims[2];
@@ -203,8 +205,9 @@ TEST(Watch, MetricsAreWellFormed)
     SBroadcast broadcast;
     broadcast.services = With(broadcast.services, "NEWS", "a&quot;b\\&#10;}");
     broadcast.services += With(broadcast.services, "minorChannelNo=\"1\"", "minorChannelNo=\"2\"");
-    const CTemporary metrics;
-    Inspect("--metrics '" + metrics.Name() + "' - pcap/gpac-a2-multi-service.pcap", broadcast.Bytes());
+    const CTemporary metrics, certificates(CCapture(1).AddLls(ReadFile(VYR_TEST_DATA "/lls/openssl-cdt.bin")).Bytes());
+    Inspect("--metrics '" + metrics.Name() + "' - pcap/gpac-a2-multi-service.pcap '" + certificates.Name() + "'",
+            broadcast.Bytes());
     const std::string text = ReadFile(metrics.Name());
     const std::regex line(
         "# (TYPE|UNIT|HELP) vyr_atsc30_[a-z_]+ .+|vyr_atsc30_[a-z_]+"
@@ -219,6 +222,8 @@ TEST(Watch, MetricsAreWellFormed)
     EXPECT_EQ(text.substr(text.size() - 6), "# EOF\n");
     EXPECT_NE(text.find("vyr_atsc30_services{input=\"pcap/gpac-a2-multi-service.pcap\",verdict=\"plays\"} 3\n"),
               std::string::npos)
+        << text;
+    EXPECT_TRUE(std::regex_search(text, std::regex("left_days\\{[^\n]*number=\"2\",subject=[^\n]*SMT[^\n]*\\} 309\\.")))
         << text;
     EXPECT_NE(text.find("session=\"239.255.7.1:30100\",source=\"192.0.2.10\",tsi=\"10\",state=\"whole\"} 4\n"),
               std::string::npos);

@@ -197,6 +197,11 @@ void CReport::Verdicts(const SVerdicts& item)
     std::optional<SVerdicts> part;
     if (const SVerdicts* verdicts = m_choice->Of(item, part)) {
         m_Tell([&](IReportWriter& writer) { writer.Verdicts(*verdicts); });
+        for (const SVerdict& verdict : verdicts->verdicts) {
+            if (m_before) {
+                m_Compare(verdict);
+            }
+        }
     }
 }
 
@@ -313,10 +318,29 @@ void CReport::Finish()
     }
 }
 
+/// Holds the verdict against that of the last report on the way.
+void CReport::m_Compare(const SVerdict& verdict)
+{
+    const std::pair key(verdict.serviceList, verdict.serviceId);
+    const auto last = m_verdicts.find(key);
+    if (last == m_verdicts.end()) {
+        if (m_verdicts.size() < k_mostHolding) {
+            m_verdicts.emplace(key, verdict.judgement);
+        }
+    } else {
+        // Of what goes on, the numbers in the cause change.
+        const SJudgement& now = verdict.judgement;
+        if (now.verdict != last->second.verdict || WithoutNumbers(now.cause) != WithoutNumbers(last->second.cause)) {
+            m_interim.verdicts.push_back({verdict, last->second});
+        }
+        last->second = now;
+    }
+}
+
 void CReport::BeginInterim()
 {
     m_before = m_summary;
-    m_interim = {m_interim.number + 1, {}, 0, {}, {}, 0};
+    m_interim = {m_interim.number + 1, {}, 0, {}, {}, 0, {}};
     m_Tell([](IReportWriter& writer) { writer.BeginInterim(); });
 }
 

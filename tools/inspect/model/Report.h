@@ -67,7 +67,7 @@ class CReport {
 
   private:
     static constexpr std::size_t k_firstFindings = 20;
-    static constexpr std::size_t k_mostHolding = 4096;  ///< findings of a report on the way
+    static constexpr std::size_t k_mostHolding = 4096;  ///< findings, and verdicts, of a report on the way
 
     static constexpr std::uint64_t k_toldAlike = 3;   ///< of faults that say the same, told of alone
     static constexpr std::size_t k_mostAlike = 4096;  ///< kinds of these that are known at a time
@@ -97,6 +97,7 @@ class CReport {
     bool m_Joins(SAlike& alike, const SFinding& finding, std::uint64_t most);
     void m_TellJoined(TAlike& alike);
     void m_Move(const SSource& place);
+    void m_Compare(const SVerdict& verdict);
 
     IReportWriter& m_writer;
     const std::vector<IReportWriter*> m_others;
@@ -113,6 +114,7 @@ class CReport {
     std::optional<SSummary> m_before;  ///< the summary before the report on the way that is made now
     SInterim m_interim;                ///< that report; `begun` has all that hold
     std::vector<SFinding> m_holding;   ///< findings of the last one
+    std::map<std::pair<std::string, unsigned>, SJudgement> m_verdicts;  ///< of services, at the last one
     std::function<void()> m_summaryTold;
 };
 

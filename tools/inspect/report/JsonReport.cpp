@@ -785,6 +785,13 @@ void CJsonReport::Interim(const SInterim& interim, const SSummary& summary)
     };
     put("begun", "begunLeftOut", interim.begun);
     put("over", "overLeftOut", interim.over);
+    for (const SVerdictChange& change : interim.verdicts) {
+        Append(json, "verdictsChanged",
+               {{"serviceList", change.now.serviceList},
+                {"service", change.now.serviceId},
+                {"before", VerdictName(change.before.verdict)},
+                {"now", VerdictName(change.now.judgement.verdict)}});
+    }
     json["verdicts"] = std::move(*m_interim);
     m_interim.reset();
     summary.Each(SPutCount{json["summary"] = TJson::object()});

@@ -630,6 +630,12 @@ void CTextReport::Interim(const SInterim& interim, const SSummary& summary)
     };
     list("found since the last report", interim.begun);
     list("holds no more", interim.over);
+    std::vector<TRow> changed;
+    for (const SVerdictChange& change : interim.verdicts) {
+        changed.push_back({VerdictName(change.before.verdict), "->", VerdictName(change.now.judgement.verdict),
+                           "service " + std::to_string(change.now.serviceId) + ' ' + Quoted(change.now.name)});
+    }
+    text += changed.empty() ? std::string() : "  another verdict\n" + FirstLines(Aligned(changed), Limit(k_most));
     m_output.Always(text + m_SummaryText(summary));
     m_verdicts = std::move(m_verdictsBefore);
 }
