@@ -95,7 +95,7 @@ std::vector<json> Told(const std::vector<json>& report, const std::function<bool
     std::vector<json> found;
     for (auto at = report.begin(); at != report.end(); ++at) {
         if ((*at)["type"] != "service" && is(*at)) {
-            json all = {Content(*at, inflated)};
+            json all = json::array({Content(*at, inflated)});
             for (auto service = at + 1; service != report.end() && (*service)["type"] == "service"; ++service) {
                 all.push_back(Content(*service, inflated));
             }
