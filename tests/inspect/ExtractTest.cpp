@@ -205,6 +205,20 @@ TEST(Extract, WhatIsWrittenSaysTheSame)
     }
 }
 
+TEST(Extract, FilesThatAreTooLargeAreTold)
+{
+    for (const int more : {0, 1}) {
+        CRoom room;
+        SBroadcast broadcast;
+        broadcast.Edit("</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>");
+        broadcast.more = [more](unsigned, CCapture& capture) {
+            capture.AddSession(Lct({1, 0, 8388608 + more, false, 30}, "x"), 7001);
+        };
+        const SResult result = Inspect("--json --files --extract '" + room.Out() + "' -", broadcast.Bytes());
+        EXPECT_EQ(Lines(result.out).back()["findings"].value("extract-limit", 0), more) << result.out;
+    }
+}
+
 TEST(Extract, Certificates)
 {
     const std::string der = CSigner("one", 1800000000, 1900000000).Der();

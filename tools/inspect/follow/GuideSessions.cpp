@@ -52,6 +52,8 @@ class CGuideSessions::CStream {
     std::uint64_t Tsi() const { return m_tsi; }
     const std::string& Name() const { return m_name; }
     bool Guides() const { return m_guides; }
+    /// Packets of files that are too large to be put together.
+    std::uint64_t TooLarge() const { return ofGuide ? 0 : m_assembler.Counts().tooLarge; }
     std::size_t Open() const { return m_assembler.Open().size(); }
     void Count(SGuideCounts& counts) const
     {
@@ -288,6 +290,15 @@ void CGuideSessions::Finish(const std::string& file, bool whole) const
         }
         for (const std::unique_ptr<CStream>& stream : owner.streams) {
             stream->Count(m_report.Summary().guide);
+            if (stream->TooLarge() != 0) {
+                SFinding finding = {ERule::EXTRACT_LIMIT,
+                                    "of TSI " + std::to_string(stream->Tsi()) + " of " + stream->Name() +
+                                        ", files of more than " + std::to_string(CObjectAssembler::k_maxObject) +
+                                        " bytes are not written",
+                                    {file, 0, {}}};
+                finding.about = stream->Name();
+                m_report.Finding(finding);
+            }
         }
     }
     if (m_notFollowed[0] != 0) {
