@@ -33,8 +33,9 @@ struct SSignalling {
     bool hasMpd = false;
 };
 
-/// What one tuner needs. Those of several tuners may have handles on the channel map of their own: it is one for all.
-/// CParseSLT::Start then gives each the mark by which it knows its services again (CChannelMap::Channel).
+/// What one tuner needs, from one tuning to the next: parsers take a header that they know for a repeat, whatever
+/// station it is of. Several tuners may have handles of their own on the channel map, which is one for all; the mark
+/// given to CParseSLT::Start tells whose a service is (CChannelMap::Channel).
 class CReceiver {
   public:
     CReceiver() { m_map.Create(); }
