@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -11,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "inspect/Packets.h"
 #include "support/Gzip.h"
 
 // The examples as their users run them, and the documents that quote them.
@@ -22,6 +24,24 @@ std::string ReadFile(const std::string& name)
     std::ifstream file(name, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), {});
 }
+
+/// A file of the test's own, gone with it.
+class CTemporary {
+  public:
+    explicit CTemporary(const std::string& bytes) : m_name(testing::TempDir() + "vyr-example-XXXXXX")
+    {
+        close(mkstemp(m_name.data()));
+        std::ofstream(m_name, std::ios::binary) << bytes;
+    }
+    ~CTemporary() { std::remove(m_name.c_str()); }
+    CTemporary(const CTemporary&) = delete;
+    CTemporary& operator=(const CTemporary&) = delete;
+
+    const std::string& Name() const { return m_name; }
+
+  private:
+    std::string m_name;
+};
 
 /// What an example prints, and its status when that is not 0.
 std::string Output(const std::string& example)
@@ -58,13 +78,29 @@ bool IsFrom(const std::string& quotation, const std::string& text)
 
 TEST(Examples, PrintWhatIsRecorded)
 {
-    const std::string gzip = testing::TempDir() + "vyr-example-package.gz";
-    std::ofstream(gzip, std::ios::binary)
-        << Gzip(ReadFile(VYR_TEST_DATA "/route/gpac-a2-multi-service-239.255.7.1-30101-sls3.mime"));
     const std::string package = "route/gpac-a2-multi-service-239.255.7.1-30100-sls2.mime";
-    const std::string broken = testing::TempDir() + "vyr-example-package.mime";
-    std::ofstream(broken, std::ios::binary)
-        << std::regex_replace(ReadFile(VYR_TEST_DATA "/" + package), std::regex("</Period>"), "");
+    const auto data = [](const std::string& name) { return ReadFile(VYR_TEST_DATA "/" + name); };
+    const CTemporary gzip(Gzip(data("route/gpac-a2-multi-service-239.255.7.1-30101-sls3.mime")));
+    const CTemporary broken(std::regex_replace(data(package), std::regex("</Period>"), ""));
+    // Two groups by turns, the first one's list a second time, and packets that are not whole, or not for it.
+    const std::string first = data("made/services-1.slt");
+    const std::string second = data("made/services-2.slt");
+    std::string other = first;
+    other[1] = 2;
+    packets::SIpv4 piece;
+    piece.flagsAndOffset = 0x2000;
+    packets::SIpv4 withOptions;
+    withOptions.options = std::string(4, '\1');
+    const CTemporary capture(packets::CCapture(1)
+                                 .AddLls(first)
+                                 .AddLls(other)
+                                 .AddLls(first)
+                                 .Add(packets::Ethernet(packets::Ipv4(packets::Udp(second), piece)))
+                                 .Add(packets::Ethernet(packets::Ipv4(packets::Udp(second))).substr(0, 60))
+                                 .Add(packets::Ethernet(packets::Ipv4(packets::Udp(second, 4938))))
+                                 .AddLls(data("made/services-cut.slt"))
+                                 .Add(packets::Ethernet(packets::Ipv4(packets::Udp(second), withOptions)))
+                                 .Bytes());
     const struct {
         const char* name;  ///< of the record
         std::string command;
@@ -80,9 +116,10 @@ TEST(Examples, PrintWhatIsRecorded)
         {"package", "package made/package-2004.pa made/package-2004-more.mpt made/package-cut.pa made/service.xml"},
 #ifdef VYR_EXAMPLE_RECEIVER
         {"receiver", "receiver pcap/gpac-a2-multi-service.pcap 239.255.7.1:30100=" + package +
-                         " 239.255.7.1:30101=" + gzip + " 239.255.7.1:30100=" + broken +
+                         " 239.255.7.1:30101=" + gzip.Name() + " 239.255.7.1:30100=" + broken.Name() +
                          " 239.255.7.1:30102=route/gpac-a1-single-service-sls3-usbd.xml" +
                          " 239.255.7.1:30102=mpd/eyevinn-thumbnails.mpd"},
+        {"receiver-versions", "receiver " + capture.Name()},
         {"receiver-no-capture", "receiver made/service.xml"},
 #endif
     };
@@ -95,8 +132,6 @@ TEST(Examples, PrintWhatIsRecorded)
         }
         EXPECT_EQ(out, ReadFile(record)) << "VYR_RECORD=1 makes it anew";
     }
-    std::remove(gzip.c_str());
-    std::remove(broken.c_str());
 }
 
 TEST(Examples, AreQuotedAsTheyAre)
