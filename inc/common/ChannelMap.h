@@ -7,7 +7,7 @@
 #include "ATSC3Type.h"
 
 /// Handle on the process-wide store of broadcast services that the SLT parser fills. The first
-/// handle's Create makes the store, the last one's Destroy frees it with every service.
+/// handle's Create makes the store, the last one's Destroy frees it with every service. See docs/using.md.
 ///
 /// It grows with every new service until RemoveService: a transmitter that invents services fills it, unless
 /// CParseSLT::SetReplace lets those that are gone leave.

@@ -11,7 +11,7 @@
 
 /// Parser of service guide delivery units (SGDU; OMA BCAST Service Guide): a table of fragments, and the
 /// fragments. Life: construct, Create, Parse, Destroy, delete; one object for each unit (see Parse). An
-/// object that is not created is asserted ("m"); it is used by one thread at a time.
+/// object that is not created is asserted ("m"); it is used by one thread at a time. See docs/using.md.
 class VYR_API CSGDUParse : public IParse {
   public:
     /// One entry of the fragment table.

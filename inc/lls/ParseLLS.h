@@ -8,7 +8,7 @@
 
 /// Base of the low-level signalling table parsers: reads the four-byte LLS header (ATSC A/331 6.1:
 /// LLS_table_id, LLS_group_id, group_count_minus1, LLS_table_version), drops a table that it has just
-/// seen and hands the payload to the table's parser.
+/// seen and hands the payload to the table's parser. How the parts go together: docs/using.md.
 ///
 /// One object is used by one thread at a time; several may parse on several threads. Out of memory is a failed
 /// Create or Parse, with a line in the log; what was held before is still held. Callbacks of subclasses come

@@ -19,7 +19,7 @@ struct SMPDInfo;
 /// document stands alone: one that is broken is logged, and the others are reported.
 ///
 /// Life: construct, Create, Parse any number of times, Destroy, delete. One thread at a time. Out of memory is a
-/// failed Create, or a document that is not reported, with a line in the log.
+/// failed Create, or a document that is not reported, with a line in the log. See docs/using.md.
 class VYR_API CSLSManager {
   public:
     /// The session that carried a buffer, as its caller knows it. The manager reads `sessionId` and hands

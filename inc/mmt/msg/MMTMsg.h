@@ -6,7 +6,7 @@ class CMMTDesc;
 
 /// Base of the MMT signalling messages (ISO/IEC 23008-1 10.3). An object takes one message, as the factory makes
 /// them: required, what a further Parse finds in most classes joins the lists of the first until the object goes,
-/// so that who reuses one keeps all. Held is 64 bytes at most for each of the message, inflated.
+/// so that who reuses one keeps all. Held is 64 bytes at most for each of the message, inflated. See docs/using.md.
 class VYR_API CMMTMsg : public IMMTParser {
   public:
     /// Which message, as its class tells.
