@@ -74,7 +74,7 @@ std::string Report(const std::string& capture, bool json, std::string* page)
     COutput output(progress);
     CTextReport text(output, false);
     CJsonReport lines(output);
-    CHtmlReport html;
+    CHtmlReport html(false, {"", 0});
     CReport report(json ? static_cast<IReportWriter&>(lines) : text, false,
                    page != nullptr ? std::vector<IReportWriter*>{&html} : std::vector<IReportWriter*>());
     {
