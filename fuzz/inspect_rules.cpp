@@ -1,14 +1,19 @@
 // The inspector over a made broadcast that is broken: the first bytes pick the form of the report, how long it is, and
 // what is changed in the texts of its tables and documents; then each byte says what becomes of a packet. Reports
-// on the way change nothing of what is found.
+// on the way change nothing of what is found, and what is written out has names of the tool's own.
 // Sources: tools/inspect/judge/*.cpp tools/inspect/Inspector.cpp tools/inspect/Broadcast.cpp
+// Sources: tools/inspect/extract/*.cpp
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
 #include <string>
 
 #include "InspectFuzz.h"
 #include "Inspector.h"
+#include "extract/Extract.h"
 #include "inspect/MadeBroadcast.h"
 
 using namespace vyr::inspect;
@@ -72,10 +77,42 @@ bool ChangePacket(unsigned step, packets::SSent& sent)
     return true;
 }
 
+/// A folder to write out to, gone with it. Whatever the broadcast says, what is in it has names of the tool's.
+class CRoom {
+  public:
+    CRoom() : m_name((std::filesystem::temp_directory_path() / "vyr-fuzz-XXXXXX").string())
+    {
+        Require(mkdtemp(m_name.data()) != nullptr);
+    }
+    ~CRoom()
+    {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_name)) {
+            const std::string name = entry.path().filename().string();
+            Require(name.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789.-") == std::string::npos);
+            Require(!entry.is_symlink() && (entry.is_directory() || entry.is_regular_file()));
+        }
+        std::filesystem::remove_all(m_name);
+    }
+    CRoom(const CRoom&) = delete;
+    CRoom& operator=(const CRoom&) = delete;
+    const std::string& Name() const { return m_name; }
+
+  private:
+    std::string m_name;
+};
+
 SSummary Summary(const SOptions& options, bool json)
 {
+    constexpr std::uint64_t k_limit = 65536;
     CFuzzReport reports(json);
+    std::optional<CRoom> room;
+    std::optional<CExtract> extract;
+    if (options.files) {
+        room.emplace();
+        extract.emplace(reports.Report(), room->Name(), k_limit);
+    }
     CInspector(options, reports.Report(), reports.Output(), reports.Progress()).Run();
+    Require(!extract || extract->Error() == 0);
     return reports.Report().Summary();
 }
 
@@ -96,6 +133,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     SOptions options;
     options.inputs = {FileOf(broadcast.Bytes())};
     options.llsStreams = {{packets::k_lls, 4937}};
+    options.files = (form & 4) != 0;
     const SSummary summary = Summary(options, (form & 1) != 0);
     std::uint64_t findings = 0;
     for (const auto& [rule, count] : summary.findings) {
