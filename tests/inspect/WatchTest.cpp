@@ -142,6 +142,12 @@ TEST(Watch, WhatIsFoundSinceAndWhatHoldsNoMore)
     EXPECT_EQ(Rules(interims[2]["begun"]), std::set<std::string>());
     EXPECT_EQ(interims[2]["verdicts"][0]["verdict"], "plays") << interims[2];
     EXPECT_EQ(interims[2]["summary"]["packets"], interims[2]["source"]["packet"]);
+    // Another input has nothing to do with it.
+    const CTemporary other(SBroadcast().Bytes());
+    const std::vector<nlohmann::json> both =
+        Interims(Inspect("--json --every 10 - '" + other.Name() + "'", broadcast.Bytes()).out);
+    ASSERT_EQ(both.size(), 4u);
+    EXPECT_EQ(both[3]["over"].size() + both[3].value("verdictsChanged", nlohmann::json()).size(), 0u);
     const std::string text = Inspect("--every 10 -", broadcast.Bytes()).out;
     EXPECT_NE(text.find("report 2\n  holds no more\n"), std::string::npos) << text;
     EXPECT_EQ(Inspect("-q --every 10 -", broadcast.Bytes()).out.find("report 1"), std::string::npos);

@@ -34,7 +34,12 @@ class CReport {
     void SetChoice(const SChoices& choices) { m_choice.emplace(choices); }
     const CChoice& Choice() const { return *m_choice; }
     /// Another input begins.
-    void Begin() { m_choice->Begin(); }
+    void Begin()
+    {
+        m_choice->Begin();
+        m_holding.clear();
+        m_verdicts.clear();
+    }
     /// The input went on by as many bytes.
     void Received(std::size_t bytes);
     void Table(const STable& table);

@@ -258,7 +258,7 @@ void CMetricsReport::m_Sessions(CPage& page)
     page.Begin(EFamily::SESSION_RATE, k_mostSessions);
     std::map<TSession, std::pair<std::uint64_t, double>> now;
     each([&](const SDelivery& delivery, const SSessionDelivery& session, const CPage::TLabels& labels) {
-        const TSession key = {session.destination, session.port, session.source};
+        const TSession key = {delivery.source.file, session.destination, session.port, session.source};
         const auto before = m_before.find(key);
         const auto [bytes, seconds] = before != m_before.end() ? before->second : std::pair<std::uint64_t, double>();
         const double time = delivery.seconds - seconds;

@@ -43,8 +43,8 @@ class CMetricsReport : public IReportWriter {
 
   private:
     class CPage;
-    /// Destination, port and source of a session.
-    using TSession = std::tuple<std::uint32_t, std::uint16_t, std::uint32_t>;
+    /// Input, destination, port and source of a session.
+    using TSession = std::tuple<std::string, std::uint32_t, std::uint16_t, std::uint32_t>;
 
     void m_Make(const SSummary& summary);
     void m_Services(CPage& page) const;
