@@ -9,6 +9,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "base/Files.h"
 #include "base/Text.h"
 
 namespace vyr::inspect {
@@ -17,18 +18,6 @@ namespace {
 
 constexpr int k_newFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
 constexpr int k_directory = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-
-bool WriteAll(int file, SView bytes)
-{
-    while (bytes.size != 0) {
-        const ssize_t written = write(file, bytes.data, bytes.size);
-        if (written < 0 && errno != EINTR) {
-            return false;
-        }
-        bytes = bytes.From(written > 0 ? static_cast<std::size_t>(written) : 0);
-    }
-    return true;
-}
 
 /// 0, or why the folder is not known to be empty.
 int WhyNotEmpty(int folder)
@@ -91,9 +80,7 @@ bool CFolder::Write(const std::string& folder, const std::string& name, const st
         return m_Failed();
     }
     for (const SView& part : bytes) {
-        if (m_error == 0 && !WriteAll(file, part)) {
-            m_Failed();
-        }
+        m_error = m_error == 0 ? WriteAll(file, part) : m_error;
     }
     if (close(file) != 0 && m_error == 0) {
         m_Failed();
@@ -106,11 +93,11 @@ bool CFolder::Write(const std::string& folder, const std::string& name, const st
 
 bool CFolder::m_Note(const std::string& line)
 {
-    if (WriteAll(m_index, {reinterpret_cast<const unsigned char*>(line.data()), line.size()})) {
+    m_error = WriteAll(m_index, {reinterpret_cast<const unsigned char*>(line.data()), line.size()});
+    if (m_error == 0) {
         m_indexSize += line.size();
         return true;
     }
-    m_Failed();
     // What came of the line goes; where that fails as well, there is nothing more to be done.
     const int ignored = ftruncate(m_index, static_cast<off_t>(m_indexSize));
     static_cast<void>(ignored);

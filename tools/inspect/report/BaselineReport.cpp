@@ -13,7 +13,6 @@ namespace vyr::inspect {
 
 namespace {
 
-constexpr int k_version = 3;  // of the JSON report
 constexpr unsigned k_noService = 0x10000;
 constexpr unsigned k_sltId = 1;
 constexpr EVerdict k_verdicts[] = {EVerdict::PLAYS, EVerdict::PLAYS_BUT, EVerdict::DOES_NOT_PLAY,
@@ -75,8 +74,8 @@ void Take(SReportState& state, const TJson& record)
 {
     const std::string type = Get(record, "type", std::string());
     const std::string list = ServiceListName(Get(record, "stream", std::string()), Get(record, "LLS_group_id", 0u));
-    if (Get(record, "schema_version", 0) != k_version) {
-        throw std::runtime_error("is no report of version " + std::to_string(k_version));
+    if (Get(record, "schema_version", 0) != k_schemaVersion) {
+        throw std::runtime_error("is no report of version " + std::to_string(k_schemaVersion));
     }
     if (type == "table" && Get(record, "LLS_table_id", 0u) == k_sltId && record.contains("services")) {
         state.whole[list] = !record.contains("leftOut");
@@ -187,7 +186,7 @@ void CBaselineReport::m_Tell(const char* what, bool worse, const std::string& te
     ++m_differences;
     m_worse += worse ? 1 : 0;
     if (m_json) {
-        fields["schema_version"] = k_version;
+        fields["schema_version"] = k_schemaVersion;
         fields["type"] = "difference";
         fields["what"] = what;
         fields["worse"] = worse;
@@ -286,7 +285,7 @@ void CBaselineReport::Summary(const SSummary&)
         m_differences == 0 ? "nothing differs"
                            : Counted(m_differences, "difference") + ", " + std::to_string(m_worse) + " of them worse";
     if (m_json) {
-        m_output.Write(JsonLine({{"schema_version", k_version},
+        m_output.Write(JsonLine({{"schema_version", k_schemaVersion},
                                  {"type", "comparison"},
                                  {"baseline", m_baseline},
                                  {"differences", m_differences},

@@ -1,7 +1,6 @@
 #include "report/JsonReport.h"
 
 #include <algorithm>
-#include <cmath>
 #include <set>
 #include <utility>
 
@@ -10,16 +9,15 @@
 #include "base/Names.h"
 #include "base/Text.h"
 #include "model/Content.h"
-#include "model/Delivery.h"
 #include "model/Guide.h"
 #include "model/Interim.h"
 #include "model/Verdict.h"
+#include "report/DeliveryJson.h"
 
 namespace vyr::inspect {
 
 namespace {
 
-constexpr int k_schemaVersion = 3;
 constexpr const char* k_services = "service";  // of a service list, among its members
 
 TJson Object(const char* type)
@@ -36,70 +34,6 @@ void PutHeader(TJson& json, const SLlsHeader& header)
     json["LLS_group_id"] = header.groupId;
     json["group_count_minus1"] = header.groupCountMinus1;
     json["LLS_table_version"] = header.version;
-}
-
-void PutTime(TJson& json, const char* key, const std::optional<STime>& time)
-{
-    if (time) {
-        json[key] = TimeJson(*time);
-    }
-}
-
-void PutTraffic(TJson& json, const STraffic& traffic)
-{
-    const auto rounded = [](double rate) { return std::round(rate * 1e3) / 1e3; };
-    json["packets"] = traffic.packets;
-    json["bytes"] = traffic.bytes;
-    PutTime(json, "firstTime", traffic.first);
-    PutTime(json, "lastTime", traffic.last);
-    PutSeconds(json, "longestGapSeconds", traffic.gap);
-    PutTime(json, "longestGapTime", traffic.gapSince);
-    if (traffic.meanRate) {
-        json["meanRate"] = rounded(*traffic.meanRate);
-    }
-    if (traffic.peakRate) {
-        json["peakRate"] = rounded(*traffic.peakRate);
-    }
-}
-
-TJson ObjectsJson(const SObjectsDelivery& objects)
-{
-    TJson json = {{"begun", objects.begun},
-                  {"whole", objects.whole},
-                  {"repeats", objects.repeats},
-                  {"incomplete", objects.incomplete},
-                  {"bytesMissing", objects.bytesMissing},
-                  {"cut", objects.cut},
-                  {"unknown", objects.unknown}};
-    for (const SIncompleteObject& object : objects.firstIncomplete) {
-        TJson& entry = json["firstIncomplete"].emplace_back(TJson::object());
-        PutToi(entry, object.toi);
-        entry["bytes"] = object.bytes;
-        PutValue(entry, "length", object.length);
-        PutText(entry, "name", object.name);
-    }
-    return json;
-}
-
-TJson FlowJson(const SFlowDelivery& flow)
-{
-    TJson json = TJson::object();
-    json[flow.objects ? "TSI" : "packet_id"] = flow.id;
-    PutTraffic(json, flow.traffic);
-    PutNumber(json, "repairPackets", flow.repairPackets, std::uint64_t{0});
-    PutList(json, "serviceIds", flow.services);
-    PutText(json, "carries", flow.carries);
-    PutValue(json, "type", flow.payloadType);
-    if (flow.objects) {
-        json["objects"] = ObjectsJson(*flow.objects);
-    }
-    if (flow.packets) {
-        json["packetsLost"] = flow.packets->lost;
-        json["packetsRepeated"] = flow.packets->duplicates;
-        json["packetsLate"] = flow.packets->late;
-        json["restarts"] = flow.packets->restarts;
-    }
-    return json;
 }
 
 /// Where and when a table came.
@@ -704,44 +638,16 @@ void CJsonReport::Guide(const SGuide& guide)
 
 void CJsonReport::Delivery(const SDelivery& delivery)
 {
-    const auto head = [&delivery](const STraffic& traffic) {
-        TJson json = Object("delivery");
-        json["source"] = SourceJson(delivery.source);
-        PutTraffic(json, traffic);
-        return json;
-    };
-    m_Write("delivery", [&](bool) {
-        TJson json = head(delivery.traffic);
-        if (delivery.traffic.first) {
-            json["seconds"] = delivery.seconds;
-        }
-        PutNumber(json, "clockSet", delivery.clockSet, std::uint64_t{0});
-        json["sessions"] = delivery.sessions.size();
-        PutNumber(json, "packetsNoSession", delivery.others.packets, std::uint64_t{0});
-        PutNumber(json, "bytesNoSession", delivery.others.bytes, std::uint64_t{0});
-        return json;
-    });
-    for (const SSessionDelivery& session : delivery.sessions) {
+    const auto write = [this](const TJson& fields) {
         m_Write("delivery", [&](bool) {
-            TJson json = head(session.traffic);
-            json["session"] = EndpointText(session.destination, session.port);
-            PutText(json, "sourceAddress", session.source != 0 ? Ipv4Text(session.source) : std::string());
-            PutText(json, "protocol", DeliveryProtocolName(session.protocol));
-            if (session.guessed) {
-                json["protocolGuessed"] = true;
-            }
-            PutList(json, "serviceIds", session.services);
-            PutText(json, "carries", session.carries);
-            if (delivery.namesKnown) {
-                json["named"] = session.Named();
-            }
-            PutNumber(json, "packetsOther", session.otherPackets, std::uint64_t{0});
-            PutNumber(json, "packetsNoFlow", session.packetsNoFlow, std::uint64_t{0});
-            for (const SFlowDelivery& flow : session.flows) {
-                json["flows"].push_back(FlowJson(flow));
-            }
+            TJson json = Object("delivery");
+            json.update(fields);
             return json;
         });
+    };
+    write(DeliveryJson(delivery));
+    for (const SSessionDelivery& session : delivery.sessions) {
+        write(DeliveryJson(delivery, session));
     }
 }
 

@@ -13,6 +13,8 @@
 
 namespace vyr::inspect {
 
+constexpr int k_schemaVersion = 3;
+
 /// The objects of the JSON report that other forms show as well.
 TJson TableJson(const STable& table);
 TJson ServiceJson(const SSltService& service);

@@ -10,6 +10,7 @@
 #include <memory>
 #include <utility>
 
+#include "base/Files.h"
 #include "report/Progress.h"
 
 namespace vyr::inspect {
@@ -18,17 +19,9 @@ namespace {
 
 volatile std::sig_atomic_t g_reopen = 0;
 
-/// 0, or why not all of it is written. An interrupt is none of the reasons.
-int WriteAll(int file, const std::string& bytes)
+int WriteText(int file, const std::string& text)
 {
-    for (std::size_t at = 0; at < bytes.size();) {
-        const ssize_t written = write(file, bytes.data() + at, bytes.size() - at);
-        if (written < 0 && errno != EINTR) {
-            return errno;
-        }
-        at += written > 0 ? static_cast<std::size_t>(written) : 0;
-    }
-    return 0;
+    return WriteAll(file, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
 }
 
 }  // namespace
@@ -70,7 +63,7 @@ void COutput::Write(const std::string& lines)
     }
     if (m_error == 0) {
         m_progress.Clear();
-        m_error = WriteAll(m_file, lines);
+        m_error = WriteText(m_file, lines);
     }
 }
 
@@ -106,7 +99,7 @@ void COutputFile::Write(const std::string& bytes)
         return;
     }
     lseek(m_file, 0, SEEK_SET);
-    m_error = WriteAll(m_file, bytes);
+    m_error = WriteText(m_file, bytes);
 }
 
 /// False: no file can be made beside it, or given its mode.
@@ -119,7 +112,7 @@ bool COutputFile::m_Replace(const std::string& bytes)
         return false;
     }
     const bool alike = fstat(m_file, &about) == 0 && fchmod(file, about.st_mode & 0777) == 0;
-    int error = alike ? WriteAll(file, bytes) : 0;
+    int error = alike ? WriteText(file, bytes) : 0;
     if (alike && error == 0 && rename(next.c_str(), m_path.c_str()) != 0) {
         error = errno;
     }
