@@ -56,6 +56,20 @@ auto Without(unsigned table, unsigned from, unsigned to)
     };
 }
 
+/// The service list in a signed multi-table, but for the rounds between.
+auto Wrapped(unsigned from, unsigned to)
+{
+    return [=](SBroadcast& b) {
+        b.change = [=](SSent& sent) {
+            if (sent.table == 1) {
+                const std::string list = sent.data.substr(4);
+                sent.data = Number(0xFE000001, 4) + Number(0x010101, 3) + Number(list.size(), 2) + list + Number(0, 2);
+            }
+            return sent.table != 1 || sent.round < from || sent.round >= to;
+        };
+    };
+}
+
 TEST(Rules, ServiceLists)
 {
     const auto more = [](const std::string& service) { return [=](SBroadcast& b) { b.services += service; }; };
@@ -111,6 +125,9 @@ TEST(Rules, ServiceLists)
                           With(b.services, "Required=\"false\"", "Required=\"true\"");
          },
          "--set db/menu/broadcasting/atsc3_bb_option=1"},
+        {"broadband, not listed",
+         {{"service-left-out", 1}},
+         List("broadbandAccessRequired=\"false\"", "broadbandAccessRequired=\"true\"")},
         {"long name", {{"name-too-long", 1}}, List("NEWS", "NEWSNEWS")},
         {"seven characters", {}, List("NEWS", "N\xC3\x89WSN\xC3\x89W")},
         {"hidden", {{"hidden-linear", 1}}, List("hidden=\"false\"", "hidden=\"true\"")},
@@ -134,6 +151,11 @@ TEST(Rules, WhenTablesCome)
         {"a gap of another table", {}, Without(3, 3, 10)},
         {"another table once", {{"table-once", 1}}, Without(3, 1, 12)},
         {"another table at the end", {}, Without(3, 0, 8)},
+        {"in a signed table that comes again", {}, Wrapped(0, 0), "--ignore bad-signature --ignore unsigned-sibling"},
+        {"in one that stays away",
+         {{"table-interval", 1}},
+         Wrapped(3, 8),
+         "--ignore bad-signature --ignore unsigned-sibling"},
     });
 }
 

@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::size_t k_header = 4;
 constexpr unsigned k_slt = 1;
+constexpr unsigned k_signedMultiTable = 0xFE;
 constexpr std::uint32_t k_noAddress = 0xFFFFFFFF;
 
 const char* Encoding(SView payload)
@@ -235,6 +236,9 @@ void CLlsFollower::m_Take(SView bytes, const SSource& source, bool insideMultiTa
         outcome = table.header.tableId == k_slt ? m_ParseSlt(bytes, table) : m_ParseOther(bytes, table);
         table.slt = std::move(outcome.slt);
         table.cmsSignedData = table.cmsSignedData || (table.slt && table.slt->cmsSignedData);
+    } else if (table.header.tableId == k_signedMultiTable) {  // the tables in it come again as well
+        STable again = table;
+        outcome.inner = m_ParseOther(bytes, again).inner;
     }
     m_report.Table(table);
     if (table.status == EStatus::CHANGED_WITHOUT_VERSION) {

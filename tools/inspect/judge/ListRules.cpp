@@ -148,7 +148,9 @@ void CListRules::m_Service(const STable& table, const SSltService& service)
                "the name of " + title + " has " + std::to_string(Characters(*service.shortServiceName)) +
                    " characters, more than " + std::to_string(k_longestName));
     }
-    if (service.broadbandAccessRequired && service.svcInetUrl.url.empty() && table.slt->inetUrls.empty()) {
+    // What is not listed was not read to its end.
+    if (service.notListed.empty() && service.broadbandAccessRequired && service.svcInetUrl.url.empty() &&
+        table.slt->inetUrls.empty()) {
         m_Tell(ERule::BROADBAND_WITHOUT_URL, table, &service, title + " needs broadband, and the list has no URL");
     }
     if (service.svcInetUrl.present && service.svcInetUrl.urlType >= 0 &&
