@@ -254,6 +254,7 @@ std::vector<SGolden> Goldens()
     const std::string elsewhere = Ethernet(Ipv4(Udp(lls, 5000)));
     const std::string systemTime = Number(3, 1) + lls.substr(1);
     return {
+        {"broadcast", "broadcast.pcap", 1},
         {"three-services", "pcap/gpac-a2-multi-service.pcap", 0},
         {"three-services-json", "--json pcap/gpac-a2-multi-service.pcap", 0},
         {"accented-name", "pcap/gpac-a12-nonascii-name.pcap", 0},

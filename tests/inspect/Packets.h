@@ -31,14 +31,16 @@ struct SLct {
     bool close = false;
     unsigned tsi = 0;
     unsigned flags = 0x12A0;  ///< version 1, source packet, TSI and TOI of 32 bits
+    unsigned codePoint = 0;
 };
 
 inline std::string Lct(const SLct& fields, const std::string& data)
 {
     const std::string extension =
         fields.length >= 0 ? Number(0xC2000000u | static_cast<unsigned>(fields.length), 4) : "";
-    return Number(fields.flags | (fields.close ? 1 : 0), 2) + Number(4 + extension.size() / 4, 1) + Number(0, 1) +
-           Number(0, 4) + Number(fields.tsi, 4) + Number(fields.toi, 4) + extension + Number(fields.start, 4) + data;
+    return Number(fields.flags | (fields.close ? 1 : 0), 2) + Number(4 + extension.size() / 4, 1) +
+           Number(fields.codePoint, 1) + Number(0, 4) + Number(fields.tsi, 4) + Number(fields.toi, 4) + extension +
+           Number(fields.start, 4) + data;
 }
 
 /// MMTP packet of version 0.
@@ -96,11 +98,17 @@ class CCapture {
                   m_Field(65535, 4) + m_Field(linkType, 4))
     {
     }
+    /// The capture begins at the time, in seconds since 1970, in place of 2027-01-15T08:00:00Z.
+    CCapture& Begin(std::uint64_t time)
+    {
+        m_begin = time;
+        return *this;
+    }
     /// The packet comes a quarter of a second after the one before, unless another time is set.
     CCapture& Add(const std::string& packet)
     {
         const std::string captured = packet.substr(0, m_cutTo);
-        m_bytes += m_Field(1800000000 + m_time / 1000000, 4) + m_Field(m_time % 1000000 * m_unit, 4) +
+        m_bytes += m_Field(m_begin + m_time / 1000000, 4) + m_Field(m_time % 1000000 * m_unit, 4) +
                    m_Field(captured.size(), 4) + m_Field(packet.size(), 4) + captured;
         m_time += m_step;
         return *this;
@@ -114,9 +122,8 @@ class CCapture {
     /// The next packet comes as many seconds after the beginning, and those behind it in steps of microseconds.
     CCapture& At(unsigned second, unsigned step)
     {
-        m_time = second * std::uint64_t{1000000};
         m_step = step;
-        return *this;
+        return At(second * std::uint64_t{1000000});
     }
     CCapture& AddSession(const std::string& packet, unsigned port)
     {
@@ -138,6 +145,7 @@ class CCapture {
     std::uint64_t m_unit;
     bool m_littleEndian;
     std::string m_bytes;
+    std::uint64_t m_begin = 1800000000;
     std::uint64_t m_time = 0;  ///< of the next packet, microseconds
     std::uint64_t m_step = 250000;
 };

@@ -3,6 +3,7 @@
 #include <openssl/bio.h>
 #include <openssl/cms.h>
 #include <openssl/ec.h>
+#include <openssl/ocsp.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
 
@@ -13,9 +14,10 @@
 /// Makes certificates, and signs with them.
 class CSigner {
   public:
-    /// Times are seconds since 1970; without an issuer it is a root.
-    CSigner(const std::string& name, std::int64_t notBefore, std::int64_t notAfter, const CSigner* issuer = nullptr)
-        : m_key(EVP_EC_gen("P-256"), EVP_PKEY_free), m_certificate(X509_new(), X509_free)
+    /// Times are seconds since 1970; without an issuer it is a root. `pem`: the private key, in place of a new one.
+    CSigner(const std::string& name, std::int64_t notBefore, std::int64_t notAfter, const CSigner* issuer = nullptr,
+            const std::string& pem = {})
+        : m_key(pem.empty() ? EVP_EC_gen("P-256") : Key(pem), EVP_PKEY_free), m_certificate(X509_new(), X509_free)
     {
         static long serial = 0;
         X509* x509 = m_certificate.get();
@@ -39,15 +41,43 @@ class CSigner {
         extend(NID_basic_constraints, issuer == nullptr ? "CA:TRUE" : "CA:FALSE");
         X509_sign(x509, issuer != nullptr ? issuer->m_key.get() : m_key.get(), EVP_sha256());
     }
-    /// CMS SignedData over the bytes, DER.
-    std::string Sign(const std::string& bytes, bool withCertificate) const
+    /// CMS SignedData over the bytes, DER; `time`: of the signature, in place of now.
+    std::string Sign(const std::string& bytes, bool withCertificate, std::int64_t time = 0) const
     {
-        const unsigned flags = CMS_DETACHED | CMS_BINARY | (withCertificate ? 0 : CMS_NOCERTS);
+        const unsigned flags =
+            CMS_DETACHED | CMS_BINARY | CMS_PARTIAL | CMS_NOSMIMECAP | (withCertificate ? 0 : CMS_NOCERTS);
         const TBio in(BIO_new_mem_buf(bytes.data(), static_cast<int>(bytes.size())), BIO_free_all);
         const TBio out(BIO_new(BIO_s_mem()), BIO_free_all);
-        CMS_ContentInfo* cms = CMS_sign(m_certificate.get(), m_key.get(), nullptr, in.get(), flags);
+        CMS_ContentInfo* cms = CMS_sign(nullptr, nullptr, nullptr, nullptr, flags);
+        CMS_SignerInfo* signer = CMS_add1_signer(cms, m_certificate.get(), m_key.get(), EVP_sha256(), flags);
+        if (time != 0) {
+            ASN1_TIME* signing = ASN1_TIME_set(nullptr, time);
+            CMS_signed_add1_attr_by_NID(signer, NID_pkcs9_signingTime, signing->type, signing, -1);
+            ASN1_TIME_free(signing);
+        }
+        CMS_final(cms, in.get(), nullptr, flags);
         i2d_CMS_bio(out.get(), cms);
         CMS_ContentInfo_free(cms);
+        return Text(out.get());
+    }
+    /// OCSP response for a day that the certificate of another, which this one has issued, is good. DER.
+    std::string Ocsp(const CSigner& other, std::int64_t time) const
+    {
+        const std::unique_ptr<ASN1_TIME, decltype(&ASN1_TIME_free)> from(ASN1_GENERALIZEDTIME_set(nullptr, time),
+                                                                         ASN1_TIME_free);
+        const std::unique_ptr<ASN1_TIME, decltype(&ASN1_TIME_free)> until(
+            ASN1_GENERALIZEDTIME_set(nullptr, time + 86400), ASN1_TIME_free);
+        OCSP_BASICRESP* basic = OCSP_BASICRESP_new();
+        OCSP_CERTID* id = OCSP_cert_to_id(EVP_sha1(), other.m_certificate.get(), m_certificate.get());
+        OCSP_basic_add1_status(basic, id, V_OCSP_CERTSTATUS_GOOD, 0, nullptr, from.get(), until.get());
+        ASN1_GENERALIZEDTIME_set(const_cast<ASN1_GENERALIZEDTIME*>(OCSP_resp_get0_produced_at(basic)), time);
+        OCSP_basic_sign(basic, m_certificate.get(), m_key.get(), EVP_sha256(), nullptr, OCSP_NOTIME);
+        OCSP_RESPONSE* response = OCSP_response_create(OCSP_RESPONSE_STATUS_SUCCESSFUL, basic);
+        const TBio out(BIO_new(BIO_s_mem()), BIO_free_all);
+        ASN1_i2d_bio_of(OCSP_RESPONSE, i2d_OCSP_RESPONSE, out.get(), response);
+        OCSP_RESPONSE_free(response);
+        OCSP_CERTID_free(id);
+        OCSP_BASICRESP_free(basic);
         return Text(out.get());
     }
     std::string Der() const
@@ -80,6 +110,11 @@ class CSigner {
   private:
     using TBio = std::unique_ptr<BIO, decltype(&BIO_free_all)>;
 
+    static EVP_PKEY* Key(const std::string& pem)
+    {
+        const TBio in(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())), BIO_free_all);
+        return PEM_read_bio_PrivateKey(in.get(), nullptr, nullptr, nullptr);
+    }
     static std::string Text(BIO* bio)
     {
         char* data = nullptr;

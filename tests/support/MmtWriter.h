@@ -47,6 +47,8 @@ class CMmtBuilder {
         }
         return *this;
     }
+    /// Bytes so far, one that is begun included.
+    std::size_t Size() const { return m_bytes.size(); }
     /// The bytes; every length field is closed.
     std::string Bytes() const
     {

@@ -4,6 +4,7 @@
 
 #include "base/Text.h"
 #include "judge/Names.h"
+#include "judge/Read.h"
 #include "judge/Verdicts.h"
 #include "model/Content.h"
 #include "model/Guide.h"
@@ -199,10 +200,15 @@ void CJudge::GuideObject(const SGuideObject& object)
     for (const auto& rules : m_rules) {
         rules->GuideObject(object);
     }
-    if (object.content && object.kind == EGuideObject::DELIVERY_DESCRIPTOR) {
-        m_evidence.guide.Add(object.content->json);
-    } else if (!object.content || object.kind == EGuideObject::RESPONSE) {
-        m_evidence.guide.whole = m_evidence.guide.whole && object.status == EStatus::REPEATED;
+    SGuideFacts& guide = m_evidence.guide;
+    if (!object.content) {
+        guide.whole = guide.whole && object.status == EStatus::REPEATED;
+    } else if (object.kind == EGuideObject::DELIVERY_DESCRIPTOR) {
+        guide.Add(object.content->json);
+    } else if (object.kind == EGuideObject::RESPONSE) {
+        guide.whole = Each(object.content->json, "ServiceGuideDeliveryDescriptor",
+                           [&guide](const TJson& descriptor) { guide.Add(descriptor); }) &&
+                      guide.whole;
     }
 }
 
