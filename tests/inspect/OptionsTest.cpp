@@ -174,7 +174,7 @@ TEST(Inspect, GuideAndManPageKnowEveryOption)
     EXPECT_GE(options, 10);
     const std::string readme = ReadFile(VYR_DOCS "/../README.md");
     // The screen that the README shows: what stands between its lines of dots is what the tool writes.
-    const std::string screen = ReadFile(VYR_TEST_DATA "/inspect/three-services.txt");
+    const std::string screen = ReadFile(VYR_TEST_DATA "/inspect/broadcast.txt");
     const std::string begin = "$ scripts/demo\n";
     std::size_t at = readme.find(begin) + begin.size();
     const std::size_t end = readme.find("```", at);

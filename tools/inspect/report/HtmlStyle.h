@@ -42,7 +42,7 @@ table.delivery tr.flow th{font-weight:400;padding-left:1rem;white-space:nowrap}
 table.delivery tr>:nth-child(n+3):nth-child(-n+7){text-align:right;font-variant-numeric:tabular-nums}
 table.keep bdi{display:inline-block;max-width:16rem;white-space:normal;vertical-align:top}
 dl{margin:.3rem 0;font-size:.875rem}
-dl>div{display:grid;grid-template-columns:minmax(7rem,13rem) minmax(0,1fr);gap:.75rem;padding:.1rem 0}
+dl>div{display:grid;grid-template-columns:minmax(7rem,15rem) minmax(0,1fr);gap:.75rem;padding:.1rem 0}
 dt,.key{color:var(--muted)}
 dd{margin:0;min-width:0}
 dl.members{display:grid;grid-template-columns:repeat(auto-fill,minmax(12rem,1fr));gap:.35rem 1.25rem}
