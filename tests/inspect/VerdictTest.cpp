@@ -70,7 +70,14 @@ TEST(Verdicts, WhetherAServicePlays)
         {"most pieces broken", "does-not-play", "8 of ", Drop([=](const SSent& s) {
              return s.kind == SSent::MEDIA && ofTsi(s, 10) && s.round >= 2 && s.round < 10 && s.lct.start == 0;
          })},
-        {"protected", "plays-but", "only where it can be unlocked", list("protected=\"false\"", "protected=\"true\"")},
+        {"protected", "plays-but", "only where it can be unlocked: it is protected; and receivers say",
+         list("protected=\"false\"", "protected=\"true\"")},
+        {"protected, and no sound", "plays-but",
+         "only where it can be unlocked: it is protected; and there is no sound",
+         [=](SBroadcast& b) {
+             list("protected=\"false\"", "protected=\"true\"")(b);
+             b.change = [=](SSent& s) { return !ofTsi(s, 20); };
+         }},
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.name);

@@ -255,10 +255,12 @@ SJudgement CServiceJudge::m_Judge(const SSltService& service) const
     if (!m_delivery.received && judgement.verdict != EVerdict::PLAYS) {
         return Unknown("not all of it was received");
     }
-    if (service.isProtected) {
-        judgement = Worse(judgement, But("only where it can be unlocked: it is protected"));
+    judgement = Worse(judgement, m_Spoiled(service));
+    if (service.isProtected && judgement.verdict <= EVerdict::PLAYS_BUT) {
+        const std::string locked = "only where it can be unlocked: it is protected";
+        judgement = But(judgement.cause.empty() ? locked : locked + "; and " + judgement.cause, judgement.rule);
     }
-    return Worse(judgement, m_Spoiled(service));
+    return judgement;
 }
 
 SVerdict CServiceJudge::Judge(const std::string& list, const SSltService& service)
