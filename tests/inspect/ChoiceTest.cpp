@@ -179,7 +179,7 @@ TEST(Choice, ExtractionIsOfWhatIsChosen)
     const std::string folder = name.Name() + ".out";
     Inspect("--extract " + folder + " --service 2 --table 4 -", TwoServices());
     std::map<std::string, int> types;
-    for (const json& line : Lines(ReadFile(folder + "/index.jsonl"))) {
+    for (const json& line : Lines(ReadFile(folder + "/index.jsonl"), "extracted")) {
         ++types[line["type"].get<std::string>() + ' ' + line.value("LLS_table_idName", "")];
     }
     EXPECT_EQ(types, (std::map<std::string, int>{{"table SLT", 2}, {"table AEAT", 2}}));

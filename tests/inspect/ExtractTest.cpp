@@ -31,7 +31,7 @@ class CRoom {
     CRoom& operator=(const CRoom&) = delete;
     std::string Name() const { return m_name; }
     std::string Out() const { return m_name + "/out"; }
-    std::vector<json> Index() const { return Lines(ReadFile(Out() + "/index.jsonl")); }
+    std::vector<json> Index() const { return Lines(ReadFile(Out() + "/index.jsonl"), "extracted"); }
     /// Files below `out`, the index aside, with their sizes.
     std::map<std::string, std::uint64_t> Files() const
     {

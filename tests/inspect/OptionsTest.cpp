@@ -12,7 +12,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -159,19 +158,8 @@ TEST(Inspect, UsageErrors)
     EXPECT_NE(Inspect("--version").out.find("libvyr-atsc30-parser"), std::string::npos);
 }
 
-TEST(Inspect, GuideAndManPageKnowEveryOption)
+TEST(Inspect, TheReadmeShowsAScreen)
 {
-    const SResult help = Inspect("--help");
-    EXPECT_EQ(help.status, 0);
-    const std::string guide = ReadFile(VYR_DOCS "/inspect.md");
-    const std::string manual = std::regex_replace(ReadFile(VYR_DOCS "/vyr-atsc30-inspect.1"), std::regex("\\\\-"), "-");
-    const std::regex option("--[a-z-]+");
-    int options = 0;
-    for (std::sregex_iterator at(help.out.begin(), help.out.end(), option), end; at != end; ++at, ++options) {
-        EXPECT_NE(guide.find(at->str()), std::string::npos) << at->str();
-        EXPECT_NE(manual.find(at->str()), std::string::npos) << at->str();
-    }
-    EXPECT_GE(options, 10);
     const std::string readme = ReadFile(VYR_DOCS "/../README.md");
     // The screen that the README shows: what stands between its lines of dots is what the tool writes.
     const std::string screen = ReadFile(VYR_TEST_DATA "/inspect/broadcast.txt");

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "Schema.h"
+
 // The tool as its users run it.
 
 struct SResult {
@@ -49,6 +51,18 @@ inline std::string Command(const std::string& arguments)
     return "cd '" VYR_TEST_DATA "' && exec '" VYR_INSPECT "' " + arguments;
 }
 
+/// The lines, each of which is to be what the schema says (of a file of the index: its definition).
+inline std::vector<nlohmann::json> Lines(const std::string& text, const std::string& definition = {})
+{
+    std::vector<nlohmann::json> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(nlohmann::json::parse(line));
+        EXPECT_EQ(SchemaFaultOfMany(lines.back(), definition), "");
+    }
+    return lines;
+}
+
 /// Runs the tool among the test data, with `input` on standard input.
 inline SResult Inspect(const std::string& arguments, const std::string& input = {})
 {
@@ -63,22 +77,16 @@ inline SResult Inspect(const std::string& arguments, const std::string& input = 
     const int status = pclose(pipe);
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.err = ReadFile(err.Name());
+    constexpr std::size_t k_looked = 4000000;  // longer reports are about their length
+    if (arguments.find("--json") != std::string::npos && result.out.size() < k_looked) {
+        Lines(result.out);
+    }
     return result;
 }
 
 inline std::string Service(int id, const std::string& attributes = {})
 {
     return "<Service serviceId=\"" + std::to_string(id) + "\" serviceCategory=\"4\" " + attributes + "/>";
-}
-
-inline std::vector<nlohmann::json> Lines(const std::string& text)
-{
-    std::vector<nlohmann::json> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(nlohmann::json::parse(line));
-    }
-    return lines;
 }
 
 inline const std::string k_lineup = "lls/lineup-bsid2090-slt.bin";

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <filesystem>
 #include <iostream>
+#include <memory>
 #include <system_error>
 
 #include "ExitStatus.h"
@@ -206,6 +207,17 @@ void CheckFiles(const SOptions& options)
     }
 }
 
+/// INPUT is required unless another option takes its place, which the library has no words for.
+class CFormatter : public CLI::Formatter {
+  public:
+    std::string make_usage(const CLI::App*, std::string) const override
+    {
+        return "Usage: vyr-atsc30-inspect [OPTIONS] INPUT...\n"
+               "       vyr-atsc30-inspect [OPTIONS] --interface IF\n"
+               "       vyr-atsc30-inspect [OPTIONS] --join [ADDRESS%]IF\n";
+    }
+};
+
 }  // namespace
 
 bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exitStatus)
@@ -213,6 +225,8 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     constexpr char k_choosing[] = "Choosing";
     options.commandLine = CommandLine(argc, argv);
     CLI::App app("Shows the ATSC 3.0 signalling in packet captures, raw files and networks.", "vyr-atsc30-inspect");
+    app.formatter(std::make_shared<CFormatter>());
+    app.get_formatter()->label("REQUIRED", "");
     app.footer(k_footer);
     app.set_help_flag("-h,--help", "Show this help and end");
     app.set_version_flag(
@@ -254,10 +268,10 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         ->needs(interface)
         ->group(k_liveGroup);
     CLI::Option* const duration = app.add_option("--duration", options.live.seconds, "End after that time");
-    duration->type_name("SECONDS")->check(CLI::PositiveNumber)->group(k_liveGroup);
+    duration->type_name("SECONDS")->check(CLI::PositiveNumber.description(""))->group(k_liveGroup);
     CLI::Option* const packets =
         app.add_option("--packets", options.live.packets, "End after as many packets; with --join, datagrams");
-    packets->type_name("N")->check(CLI::PositiveNumber)->group(k_liveGroup);
+    packets->type_name("N")->check(CLI::PositiveNumber.description(""))->group(k_liveGroup);
     constexpr char k_report[] = "Report";
     constexpr char k_judging[] = "Judging";
     app.add_flag("--json", options.json, "Write one JSON object per line in place of text")->group(k_report);
@@ -331,7 +345,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
                    "Longest time between two service lists of a group, or two rounds of signalling, that is no warning "
                    "(5)")
         ->type_name("SECONDS")
-        ->check(CLI::PositiveNumber)
+        ->check(CLI::PositiveNumber.description(""))
         ->group(k_judging);
     app.add_flag_callback(
            "--rules",
