@@ -11,7 +11,7 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vyr-atsc30-parser)
 install(EXPORT vyr-atsc30-parser NAMESPACE vyr:: DESTINATION ${package_dir} FILE vyr-atsc30-parser-targets.cmake)
 configure_package_config_file(cmake/vyr-atsc30-parser-config.cmake.in vyr-atsc30-parser-config.cmake
   INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(vyr-atsc30-parser-config-version.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(vyr-atsc30-parser-config-version.cmake COMPATIBILITY SameMajorVersion)
 install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/vyr-atsc30-parser-config.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/vyr-atsc30-parser-config-version.cmake
