@@ -91,7 +91,8 @@ TEST(Schema, KnowsEveryRuleAndTheReferenceEveryField)
     int fields = 0;
     for (const json& record : schema["oneOf"]) {
         const json& definition = schema.at(json::json_pointer(record["$ref"].get<std::string>().substr(1)));
-        for (const auto& [field, _] : definition.value("properties", json::object()).items()) {
+        const json properties = definition.value("properties", json::object());
+        for (const auto& [field, _] : properties.items()) {
             EXPECT_NE(reference.find('`' + field + '`'), std::string::npos) << record << ": " << field;
             ++fields;
         }
