@@ -58,8 +58,8 @@ TEST(Guide, ShowsWhatIsSeen)
     const std::string folder = name.Name() + ".out";
     std::filesystem::create_directories(folder + "/bin");
     std::filesystem::create_symlink(VYR_INSPECT, folder + "/bin/vyr-atsc30-inspect");
-    for (const char* data : {"pcap", "lls", "made"}) {
-        std::filesystem::create_directory_symlink(std::string(VYR_TEST_DATA "/") + data, folder + '/' + data);
+    for (const auto& data : std::filesystem::directory_iterator(VYR_TEST_DATA)) {
+        std::filesystem::create_symlink(data.path(), folder + '/' + data.path().filename().string());
     }
     std::istringstream guide(ReadFile(VYR_DOCS "/inspect.md"));
     int commands = 0;

@@ -78,7 +78,7 @@ TEST(Schema, RefusesWhatIsBroken)
     }
 }
 
-TEST(Schema, KnowsEveryRule)
+TEST(Schema, KnowsEveryRuleAndTheReferenceEveryField)
 {
     const json schema = json::parse(std::ifstream(VYR_DOCS "/report.schema.json"));
     std::set<std::string> rules;
@@ -86,6 +86,18 @@ TEST(Schema, KnowsEveryRule)
         rules.insert(rule.name);
     }
     EXPECT_EQ(schema["definitions"]["rule"]["enum"].get<std::set<std::string>>(), rules);
+
+    const std::string reference = ReadFile(VYR_DOCS "/inspect-reference.md");
+    int fields = 0;
+    for (const json& record : schema["oneOf"]) {
+        const json& definition = schema.at(json::json_pointer(record["$ref"].get<std::string>().substr(1)));
+        const json properties = definition.value("properties", json::object());
+        for (const auto& [field, _] : properties.items()) {
+            EXPECT_NE(reference.find('`' + field + '`'), std::string::npos) << record << ": " << field;
+            ++fields;
+        }
+    }
+    EXPECT_GE(fields, 200);
 }
 
 }  // namespace
