@@ -59,6 +59,9 @@ endif()
 vyr_package(development libvyr-atsc30-parser-dev libdevel "${runtime}" "parser of ATSC 3.0 broadcast signalling - development files
 Headers, CMake package and pkg-config file to build programs with
 libvyr-atsc30-parser, which parses the signalling of ATSC 3.0 broadcasts.")
+if(vyr_library_type STREQUAL "STATIC")
+  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libxml2-dev, zlib1g-dev")
+endif()
 if(VYR_TOOLS)
   vyr_package(tools vyr-atsc30-inspect utils "${runtime}" "shows the ATSC 3.0 signalling in captures and networks
 Tells which services a broadcast announces, what their signalling, guide and
