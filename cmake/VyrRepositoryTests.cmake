@@ -30,9 +30,10 @@ if(NOT VYR_SANITIZE AND vyr_library_type STREQUAL "SHARED")
     COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-install ${PROJECT_BINARY_DIR} ${CMAKE_CXX_COMPILER})
   add_test(NAME installed-variants COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-builds ${CMAKE_CXX_COMPILER})
   set_tests_properties(installed-tree installed-variants PROPERTIES LABELS fresh)  # scripts/test knows when
-  # The description is of this architecture and compiler.
+  # The description is by libabigail 2.2 of what GCC 12 makes for this architecture: by the tools of Debian 12.
   find_program(abidiff abidiff)
-  if(abidiff AND CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  if(abidiff AND CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU"
+      AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     add_test(NAME abi COMMAND ${CMAKE_COMMAND} -E env CXX=${CMAKE_CXX_COMPILER} ${PROJECT_SOURCE_DIR}/scripts/check-abi)
     set_tests_properties(abi PROPERTIES LABELS fresh PROCESSORS 2 TIMEOUT 900)
   endif()
