@@ -34,7 +34,7 @@ namespace live {
 inline bool Until(const std::function<bool()>& condition)
 {
     using namespace std::chrono_literals;
-    const auto end = std::chrono::steady_clock::now() + 10s;
+    const auto end = std::chrono::steady_clock::now() + 30s;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) {
             return false;
