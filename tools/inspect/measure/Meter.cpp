@@ -73,10 +73,10 @@ void CMeter::m_CountBin(std::uint64_t second, std::uint64_t bytes)
         m_traffic.firstBin = bin;
     }
     if (bin < m_traffic.firstBin) {
-        bins.insert(bins.begin(), m_traffic.firstBin - bin, 0);
+        bins.insert(bins.begin(), static_cast<std::size_t>(m_traffic.firstBin - bin), 0);
         m_traffic.firstBin = bin;
     }
-    const std::size_t place = bin - m_traffic.firstBin;
+    const auto place = static_cast<std::size_t>(bin - m_traffic.firstBin);
     if (place >= bins.size()) {
         bins.resize(place + 1);
     }
@@ -88,7 +88,7 @@ void CMeter::m_Widen(STraffic& traffic, unsigned by)
     std::vector<std::uint64_t> bins;
     const std::uint64_t first = traffic.firstBin >> by;
     for (std::size_t i = 0; i < traffic.bins.size(); ++i) {
-        const std::uint64_t place = ((traffic.firstBin + i) >> by) - first;
+        const auto place = static_cast<std::size_t>(((traffic.firstBin + i) >> by) - first);
         if (place >= bins.size()) {
             bins.resize(place + 1);
         }

@@ -118,7 +118,7 @@ class CRates {
     void m_AddBins(SLayer& layer, const STraffic& traffic, double factor) const
     {
         for (std::size_t i = 0; i < traffic.bins.size() && traffic.firstBin + i < m_bins; ++i) {
-            layer.bins[traffic.firstBin + i] += factor * static_cast<double>(traffic.bins[i]);
+            layer.bins[static_cast<std::size_t>(traffic.firstBin + i)] += factor * static_cast<double>(traffic.bins[i]);
         }
     }
 
