@@ -8,6 +8,7 @@
 #include <openssl/x509v3.h>
 
 #include <cstdint>
+#include <ctime>
 #include <memory>
 #include <string>
 
@@ -27,8 +28,8 @@ class CSigner {
         X509_NAME_add_entry_by_txt(X509_get_subject_name(x509), "CN", MBSTRING_ASC, text, -1, -1, 0);
         X509* by = issuer != nullptr ? issuer->m_certificate.get() : x509;
         X509_set_issuer_name(x509, X509_get_subject_name(by));
-        ASN1_TIME_set(X509_getm_notBefore(x509), notBefore);
-        ASN1_TIME_set(X509_getm_notAfter(x509), notAfter);
+        ASN1_TIME_set_string_X509(X509_getm_notBefore(x509), Stamp(notBefore).c_str());
+        ASN1_TIME_set_string_X509(X509_getm_notAfter(x509), Stamp(notAfter).c_str());
         X509_set_pubkey(x509, m_key.get());
         X509V3_CTX context;
         X509V3_set_ctx(&context, by, x509, nullptr, nullptr, 0);
@@ -51,7 +52,8 @@ class CSigner {
         CMS_ContentInfo* cms = CMS_sign(nullptr, nullptr, nullptr, nullptr, flags);
         CMS_SignerInfo* signer = CMS_add1_signer(cms, m_certificate.get(), m_key.get(), EVP_sha256(), flags);
         if (time != 0) {
-            ASN1_TIME* signing = ASN1_TIME_set(nullptr, time);
+            ASN1_TIME* signing = ASN1_TIME_new();
+            ASN1_TIME_set_string_X509(signing, Stamp(time).c_str());
             CMS_signed_add1_attr_by_NID(signer, NID_pkcs9_signingTime, signing->type, signing, -1);
             ASN1_TIME_free(signing);
         }
@@ -63,14 +65,15 @@ class CSigner {
     /// OCSP response for a day that the certificate of another, which this one has issued, is good. DER.
     std::string Ocsp(const CSigner& other, std::int64_t time) const
     {
-        const std::unique_ptr<ASN1_TIME, decltype(&ASN1_TIME_free)> from(ASN1_GENERALIZEDTIME_set(nullptr, time),
-                                                                         ASN1_TIME_free);
-        const std::unique_ptr<ASN1_TIME, decltype(&ASN1_TIME_free)> until(
-            ASN1_GENERALIZEDTIME_set(nullptr, time + 86400), ASN1_TIME_free);
+        const std::unique_ptr<ASN1_TIME, decltype(&ASN1_TIME_free)> from(ASN1_GENERALIZEDTIME_new(), ASN1_TIME_free);
+        const std::unique_ptr<ASN1_TIME, decltype(&ASN1_TIME_free)> until(ASN1_GENERALIZEDTIME_new(), ASN1_TIME_free);
+        ASN1_GENERALIZEDTIME_set_string(from.get(), Stamp(time).c_str());
+        ASN1_GENERALIZEDTIME_set_string(until.get(), Stamp(time + 86400).c_str());
         OCSP_BASICRESP* basic = OCSP_BASICRESP_new();
         OCSP_CERTID* id = OCSP_cert_to_id(EVP_sha1(), other.m_certificate.get(), m_certificate.get());
         OCSP_basic_add1_status(basic, id, V_OCSP_CERTSTATUS_GOOD, 0, nullptr, from.get(), until.get());
-        ASN1_GENERALIZEDTIME_set(const_cast<ASN1_GENERALIZEDTIME*>(OCSP_resp_get0_produced_at(basic)), time);
+        ASN1_GENERALIZEDTIME_set_string(const_cast<ASN1_GENERALIZEDTIME*>(OCSP_resp_get0_produced_at(basic)),
+                                        Stamp(time).c_str());
         OCSP_basic_sign(basic, m_certificate.get(), m_key.get(), EVP_sha256(), nullptr, OCSP_NOTIME);
         OCSP_RESPONSE* response = OCSP_response_create(OCSP_RESPONSE_STATUS_SUCCESSFUL, basic);
         const TBio out(BIO_new(BIO_s_mem()), BIO_free_all);
@@ -110,6 +113,14 @@ class CSigner {
   private:
     using TBio = std::unique_ptr<BIO, decltype(&BIO_free_all)>;
 
+    /// By texts: on machines of 32 bits time_t may be longer here than in libcrypto.
+    static std::string Stamp(std::int64_t seconds)
+    {
+        const auto time = static_cast<std::time_t>(seconds);
+        std::tm fields{};
+        char text[16];
+        return {text, std::strftime(text, sizeof text, "%Y%m%d%H%M%SZ", gmtime_r(&time, &fields))};
+    }
     static EVP_PKEY* Key(const std::string& pem)
     {
         const TBio in(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())), BIO_free_all);

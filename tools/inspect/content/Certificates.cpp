@@ -118,7 +118,9 @@ TCms ReadCms(const std::vector<unsigned char>& der)
 /// Seconds since 1970; of what is no time, none.
 std::optional<std::int64_t> EpochOf(const ASN1_TIME* time)
 {
-    const std::unique_ptr<ASN1_TIME, SFree<ASN1_STRING_free>> epoch(ASN1_TIME_set(nullptr, 0));
+    // By a text: on machines of 32 bits time_t may be longer here than in libcrypto.
+    const std::unique_ptr<ASN1_TIME, SFree<ASN1_STRING_free>> epoch(ASN1_TIME_new());
+    ASN1_TIME_set_string(epoch.get(), "19700101000000Z");
     int days = 0;
     int seconds = 0;
     if (ASN1_TIME_diff(&days, &seconds, epoch.get(), time) != 1) {
