@@ -8,6 +8,7 @@ set(CMAKE_SYSTEM_PROCESSOR ${vyr_processor_${VYR_ARCH}})
 set(vyr_triplet ${CMAKE_SYSTEM_PROCESSOR}-linux-gnu)
 if(VYR_ARCH STREQUAL "armhf")
   set(vyr_triplet arm-linux-gnueabihf)
+  set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)  # what GCC 7.1 changed is no matter where all is built by one compiler
 endif()
 set(CMAKE_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../build/sysroot/${VYR_ARCH})
 set(CMAKE_CXX_COMPILER ${vyr_triplet}-g++)

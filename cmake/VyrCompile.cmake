@@ -38,6 +38,10 @@ if(VYR_HAS_DEBUG_CONTAINERS)
   list(APPEND vyr_standard_library VYR_DEBUG_CONTAINERS)
 endif()
 
+if(VYR_DEVELOPER_MODE)
+  set(CMAKE_COMPILE_WARNING_AS_ERROR ON)
+endif()
+
 # A program is linked anew when a header of the library changed, not whenever its code did.
 set(CMAKE_LINK_DEPENDS_NO_SHARED ${VYR_DEVELOPER_MODE})
 
@@ -51,9 +55,6 @@ endif()
 
 function(vyr_warnings target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
-  if(VYR_DEVELOPER_MODE)
-    target_compile_options(${target} PRIVATE -Werror)
-  endif()
 endfunction()
 
 # Code that is never shipped: what compiles sooner, as the sanitizers make of a test ten times what it was.
@@ -63,4 +64,9 @@ function(vyr_test_code target)
   if(VYR_LIBFUZZER)
     target_compile_options(${target} PRIVATE -fno-sanitize=fuzzer-no-link)
   endif()
+endfunction()
+
+# Those of its sources that a long time of the tests is spent in.
+function(vyr_busy_code)
+  set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O2)
 endfunction()

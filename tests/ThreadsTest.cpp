@@ -1,4 +1,6 @@
 // A parser per thread, and stores that threads share: for the thread sanitizer, and quick without it.
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <thread>
@@ -44,7 +46,7 @@ class ThreadsTest : public CRecorder {
 
 TEST_F(ThreadsTest, AParserPerThreadAndStoresThatAreShared)
 {
-    const std::filesystem::path root = VYR_TEST_SCRATCH "/threads";
+    const std::filesystem::path root = VYR_TEST_SCRATCH "/threads-" + std::to_string(getpid());
     std::filesystem::create_directories(root / "opt/data");
     std::ofstream(root / "opt/data/genre-cs.xml")
         << "<ClassificationScheme><Term termID='1'><Name>One</Name></Term><Term termID='2'><Name>Two</Name></Term>"
@@ -70,6 +72,7 @@ TEST_F(ThreadsTest, AParserPerThreadAndStoresThatAreShared)
         thread.join();
     }
     SetFileRoot(nullptr);
+    std::filesystem::remove_all(root);
     SGenreNameParse::refMap.clear();
     map.Destroy();
     ratings.Destroy();

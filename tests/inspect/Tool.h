@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -9,11 +8,8 @@
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 #include <vector>
-
-#include "Schema.h"
 
 // The tool as its users run it.
 
@@ -46,46 +42,17 @@ class CTemporary {
     std::string m_name;
 };
 
-inline std::string Command(const std::string& arguments)
-{
-    return "cd '" VYR_TEST_DATA "' && exec '" VYR_INSPECT "' " + arguments;
-}
+std::string Command(const std::string& arguments);
 
-constexpr std::size_t k_longReport = 500000;  ///< such are about their length: the schema is not held against them
+/// The lines, each of which is to be what the schema says (of a file of the index: its definition), unless the text is
+/// so long that it is about its length.
+std::vector<nlohmann::json> Lines(const std::string& text, const std::string& definition = {});
 
-/// The lines, each of which is to be what the schema says (of a file of the index: its definition).
-inline std::vector<nlohmann::json> Lines(const std::string& text, const std::string& definition = {})
-{
-    std::vector<nlohmann::json> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(nlohmann::json::parse(line));
-        if (text.size() < k_longReport) {
-            EXPECT_EQ(SchemaFaultOfMany(lines.back(), definition), "");
-        }
-    }
-    return lines;
-}
+/// The last of the lines alone, whatever the schema says.
+nlohmann::json LastLine(const std::string& text);
 
 /// Runs the tool among the test data, with `input` on standard input.
-inline SResult Inspect(const std::string& arguments, const std::string& input = {})
-{
-    const CTemporary in(input);
-    const CTemporary err;
-    SResult result;
-    FILE* pipe = popen(Command(arguments + " < '" + in.Name() + "' 2> '" + err.Name() + "'").c_str(), "r");
-    char chunk[4096];
-    for (std::size_t count = 0; (count = fread(chunk, 1, sizeof chunk, pipe)) > 0;) {
-        result.out.append(chunk, count);
-    }
-    const int status = pclose(pipe);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    result.err = ReadFile(err.Name());
-    if (arguments.find("--json") != std::string::npos && result.out.size() < k_longReport) {
-        Lines(result.out);
-    }
-    return result;
-}
+SResult Inspect(const std::string& arguments, const std::string& input = {});
 
 inline std::string Service(int id, const std::string& attributes = {})
 {

@@ -17,12 +17,6 @@ using namespace packets;
 
 namespace {
 
-nlohmann::json LastLine(const std::string& out)
-{
-    const std::size_t at = out.rfind('\n', out.size() - 2);
-    return nlohmann::json::parse(out.substr(at == std::string::npos ? 0 : at + 1));
-}
-
 std::vector<nlohmann::json> Interims(const std::string& out)
 {
     std::vector<nlohmann::json> interims;
