@@ -3,18 +3,16 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 #include <pthread.h>
-#include <unistd.h>
 
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <random>
 #include <thread>
 
 #include "support/Patience.h"
+#include "support/Programs.h"
 #include "support/Recorder.h"
 
 // What a program around the library may still set for all of libxml2, which calls it old.
@@ -229,14 +227,13 @@ void HostError(void* told, const char* /*format*/, ...)
 
 TEST_F(XMLTest, HostSettingsDoNotLeakIn)
 {
-    const std::string path = testing::TempDir() + "vyr-entity-" + std::to_string(getpid()) + ".txt";
-    std::ofstream(path) << "secret";
+    const CTemporary file("secret");
     xmlSubstituteEntitiesDefault(1);
     xmlKeepBlanksDefault(0);
     xmlLoadExtDtdDefaultValue = 1;
     static int s_told;
     xmlSetGenericErrorFunc(&s_told, HostError);
-    ASSERT_TRUE(Open("<!DOCTYPE r [<!ENTITY e SYSTEM '" + path + "'>]><r> <a/>&e;</r>"));
+    ASSERT_TRUE(Open("<!DOCTYPE r [<!ENTITY e SYSTEM '" + file.Name() + "'>]><r> <a/>&e;</r>"));
     EXPECT_STREQ(m_xml.Name(m_xml.MoveChild(m_root)), "text");
     EXPECT_EQ(m_xml.getStringContent(m_root, nullptr).find("secret"), std::string::npos);
     ASSERT_TRUE(Open("<!DOCTYPE r [<!ENTITY e '<a/>'>]><r>&e;</r>"));
@@ -248,15 +245,11 @@ TEST_F(XMLTest, HostSettingsDoNotLeakIn)
     xmlSubstituteEntitiesDefault(0);
     xmlKeepBlanksDefault(1);
     xmlLoadExtDtdDefaultValue = 0;
-    std::remove(path.c_str());
 }
 
 TEST_F(XMLTest, DumpsAndFiles)
 {
-    const std::string path = testing::TempDir() + "vyr-file-" + std::to_string(getpid()) + ".xml";
-    std::ofstream(path) << "<r><c a='1'  b=\"&lt;\">x</c></r>";
-    ASSERT_TRUE(m_xml.Create(path.c_str()));
-    std::remove(path.c_str());
+    ASSERT_TRUE(m_xml.Create(CTemporary("<r><c a='1'  b=\"&lt;\">x</c></r>").Name().c_str()));
     ASSERT_TRUE(m_xml.MoveRoot(&m_root));
     int size = -1;
     std::unique_ptr<char[]> text(m_xml.NodeDump(m_xml.MoveChild(m_root), &size));

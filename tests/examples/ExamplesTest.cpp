@@ -1,59 +1,24 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
 #include <string>
 #include <vector>
 
 #include "inspect/Packets.h"
 #include "support/Gzip.h"
+#include "support/Programs.h"
 
 // The examples as their users run them, and the documents that quote them.
 
 namespace {
 
-std::string ReadFile(const std::string& name)
-{
-    std::ifstream file(name, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-/// A file of the test's own, gone with it.
-class CTemporary {
-  public:
-    explicit CTemporary(const std::string& bytes) : m_name(testing::TempDir() + "vyr-example-XXXXXX")
-    {
-        close(mkstemp(m_name.data()));
-        std::ofstream(m_name, std::ios::binary) << bytes;
-    }
-    ~CTemporary() { std::remove(m_name.c_str()); }
-    CTemporary(const CTemporary&) = delete;
-    CTemporary& operator=(const CTemporary&) = delete;
-
-    const std::string& Name() const { return m_name; }
-
-  private:
-    std::string m_name;
-};
-
 /// What an example prints, and its status when that is not 0.
 std::string Output(const std::string& example)
 {
-    std::string out;
-    FILE* pipe = popen(("cd '" VYR_TEST_DATA "' && VYR_LOG=silent exec " VYR_EXAMPLES + example).c_str(), "r");
-    char chunk[4096];
-    for (std::size_t count = 0; (count = fread(chunk, 1, sizeof chunk, pipe)) > 0;) {
-        out.append(chunk, count);
-    }
-    const int status = pclose(pipe);
-    return out + (status != 0 ? "status " + std::to_string(WEXITSTATUS(status)) + '\n' : "");
+    const SEnded ended = Shell("cd '" VYR_TEST_DATA "' && VYR_LOG=silent exec " VYR_EXAMPLES + example);
+    return ended.out + (ended.status != 0 ? "status " + std::to_string(ended.status) + '\n' : "");
 }
 
 /// Whether the parts of a quotation, which lines of dots divide, are whole lines of the text, in that order.

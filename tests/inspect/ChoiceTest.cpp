@@ -175,15 +175,13 @@ TEST(Choice, AServiceStaysChosen)
 
 TEST(Choice, ExtractionIsOfWhatIsChosen)
 {
-    const CTemporary name;
-    const std::string folder = name.Name() + ".out";
-    Inspect("--extract " + folder + " --service 2 --table 4 -", TwoServices());
+    const CTemporaryFolder folder;
+    Inspect("--extract " + folder.Of("out") + " --service 2 --table 4 -", TwoServices());
     std::map<std::string, int> types;
-    for (const json& line : Lines(ReadFile(folder + "/index.jsonl"), "extracted")) {
+    for (const json& line : Lines(ReadFile(folder.Of("out/index.jsonl")), "extracted")) {
         ++types[line["type"].get<std::string>() + ' ' + line.value("LLS_table_idName", "")];
     }
     EXPECT_EQ(types, (std::map<std::string, int>{{"table SLT", 2}, {"table AEAT", 2}}));
-    EXPECT_EQ(std::system(("rm -r '" + folder + "'").c_str()), 0);
 }
 
 TEST(Choice, Times)

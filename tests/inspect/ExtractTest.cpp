@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -23,14 +22,9 @@ using nlohmann::json;
 namespace fs = std::filesystem;
 
 /// A folder of the test's own, gone with it; the tool writes to `out` in it.
-class CRoom {
+class CRoom : public CTemporaryFolder {
   public:
-    CRoom() : m_name(testing::TempDir() + "vyr-extract-XXXXXX") { EXPECT_NE(mkdtemp(m_name.data()), nullptr); }
-    ~CRoom() { fs::remove_all(m_name); }
-    CRoom(const CRoom&) = delete;
-    CRoom& operator=(const CRoom&) = delete;
-    std::string Name() const { return m_name; }
-    std::string Out() const { return m_name + "/out"; }
+    std::string Out() const { return Of("out"); }
     std::vector<json> Index() const { return Lines(ReadFile(Out() + "/index.jsonl"), "extracted"); }
     /// Files below `out`, the index aside, with their sizes.
     std::map<std::string, std::uint64_t> Files() const
@@ -55,9 +49,6 @@ class CRoom {
         EXPECT_EQ(told, Files());
         return bytes;
     }
-
-  private:
-    std::string m_name;
 };
 
 /// What is not of the content of a record: where it came, and what only a stream of records tells.

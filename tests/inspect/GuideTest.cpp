@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -16,14 +14,7 @@ namespace {
 std::string Screen(const std::string& folder, const std::string& commands)
 {
     const CTemporary script(commands);
-    const std::string run = "cd '" + folder + "' && PATH=\"$PWD/bin:$PATH\" sh '" + script.Name() + "' 2>&1";
-    std::string out;
-    FILE* pipe = popen(run.c_str(), "r");
-    for (int c = 0; (c = fgetc(pipe)) != EOF;) {
-        out += static_cast<char>(c);
-    }
-    pclose(pipe);
-    return out;
+    return Shell("cd '" + folder + "' && PATH=\"$PWD/bin:$PATH\" sh '" + script.Name() + "' 2>&1").out;
 }
 
 /// What of the quotation is not on the screen, in order; "…" stands for any lines, and without it they follow each
@@ -54,12 +45,11 @@ std::string NotShown(const std::string& quotation, const std::string& screen)
 /// Every block of the guide that begins with a command is what a terminal shows.
 TEST(Guide, ShowsWhatIsSeen)
 {
-    const CTemporary name;
-    const std::string folder = name.Name() + ".out";
-    std::filesystem::create_directories(folder + "/bin");
-    std::filesystem::create_symlink(VYR_INSPECT, folder + "/bin/vyr-atsc30-inspect");
+    const CTemporaryFolder folder;
+    std::filesystem::create_directory(folder.Of("bin"));
+    std::filesystem::create_symlink(VYR_INSPECT, folder.Of("bin/vyr-atsc30-inspect"));
     for (const auto& data : std::filesystem::directory_iterator(VYR_TEST_DATA)) {
-        std::filesystem::create_symlink(data.path(), folder + '/' + data.path().filename().string());
+        std::filesystem::create_symlink(data.path(), folder.Of(data.path().filename()));
     }
     std::istringstream guide(ReadFile(VYR_DOCS "/inspect.md"));
     int commands = 0;
@@ -67,7 +57,7 @@ TEST(Guide, ShowsWhatIsSeen)
     bool fenced = false, shown = false;
     const auto check = [&] {
         if (!command.empty()) {
-            const std::string screen = Screen(folder, command);
+            const std::string screen = Screen(folder.Name(), command);
             EXPECT_EQ(NotShown(quotation, screen), "") << command << screen;
             ++commands;
         }
@@ -90,7 +80,6 @@ TEST(Guide, ShowsWhatIsSeen)
         }
     }
     EXPECT_GE(commands, 15);
-    std::filesystem::remove_all(folder);
     EXPECT_EQ(NotShown("a\n…\nc\n", "a\nb\nc\n"), "");
     EXPECT_EQ(NotShown("a\nc\n", "a\nb\nc\n"), "c\n") << "nothing is left out unsaid";
     EXPECT_EQ(NotShown("a\n…\nc\n", "c\nb\na\n"), "a\n");

@@ -4,8 +4,6 @@
 #include <stdlib.h>
 #include <time.h>
 
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -16,6 +14,7 @@
 #include "model/Content.h"
 #include "report/Html.h"
 #include "report/HtmlGuide.h"
+#include "support/Programs.h"
 
 namespace {
 
@@ -333,17 +332,9 @@ TEST(HtmlGuide, DaysAndLanes)
 /// Pages in a directory of their own, and what a browser measures of them at two widths.
 class HtmlPage : public testing::Test {
   protected:
-    void SetUp() override
-    {
-        std::string name = testing::TempDir() + "vyr-page-XXXXXX";
-        ASSERT_NE(mkdtemp(name.data()), nullptr);
-        m_folder = name;
-    }
-    void TearDown() override { std::filesystem::remove_all(m_folder); }
-
     void m_Write(const std::string& name, const std::string& bytes)
     {
-        std::ofstream(m_folder + '/' + name, std::ios::binary) << bytes;
+        std::ofstream(m_folder.Of(name), std::ios::binary) << bytes;
     }
 
     /// The measurements as JSON; null, and a failed test, without a browser.
@@ -363,16 +354,10 @@ class HtmlPage : public testing::Test {
             "timeout 50 chromium-headless-shell --headless --no-sandbox --disable-gpu --disable-quic --no-first-run "
             "--disable-background-networking --disable-component-update --disable-sync --allow-file-access-from-files "
             "--enable-logging=stderr --virtual-time-budget=5000 --blink-settings=preferredColorScheme=" +
-            std::string(dark ? "0" : "1") + " --user-data-dir='" + m_folder + "/profile' --dump-dom 'file://" +
-            m_folder + "/wrapper.html' 2> '" + m_folder + "/err'";
-        std::string dom;
-        FILE* pipe = popen(command.c_str(), "r");
-        for (int c = 0; (c = fgetc(pipe)) != EOF;) {
-            dom += static_cast<char>(c);
-        }
-        const int status = pclose(pipe);
-        std::ifstream err(m_folder + "/err");
-        const std::string log(std::istreambuf_iterator<char>(err), {});
+            std::string(dark ? "0" : "1") + " --user-data-dir='" + m_folder.Of("profile' --dump-dom 'file://") +
+            m_folder.Of("wrapper.html' 2> '") + m_folder.Of("err'");
+        const auto [dom, status] = Shell(command);
+        const std::string log = ReadFile(m_folder.Of("err"));
         EXPECT_EQ(status, 0) << "is chromium-headless-shell installed? " << log;
         EXPECT_EQ(log.find("CONSOLE"), std::string::npos) << log;
         const std::size_t begin = dom.find("<pre>");
@@ -382,7 +367,7 @@ class HtmlPage : public testing::Test {
                                         : nlohmann::json::parse(dom.substr(begin + 5, end - begin - 5));
     }
 
-    std::string m_folder;
+    const CTemporaryFolder m_folder;
 };
 
 TEST_F(HtmlPage, InABrowser)
@@ -408,10 +393,9 @@ TEST_F(HtmlPage, InABrowser)
     report.Summary(summary);
     EXPECT_EQ(MarkupFault(report.Page()), "");
     m_Write("guide.html", report.Page());
-    const std::string command = std::string("cd '" VYR_TEST_DATA "' && '" VYR_INSPECT "' -q --html '") + m_folder +
-                                "/capture.html' pcap/gpac-a2-multi-service.pcap lls/openssl-cdt.bin > '" + m_folder +
-                                "/text'";
-    ASSERT_EQ(std::system(command.c_str()), 0);
+    const std::string command = std::string("cd '" VYR_TEST_DATA "' && '" VYR_INSPECT "' -q --html '") +
+                                m_folder.Of("capture.html' pcap/gpac-a2-multi-service.pcap lls/openssl-cdt.bin");
+    ASSERT_EQ(Shell(command).status, 0);
     for (const bool dark : {false, true}) {
         const nlohmann::json pages = m_Measure({"guide.html", "capture.html"}, dark);
         ASSERT_EQ(pages.size(), 4u);

@@ -1,13 +1,10 @@
 #include "wire/Input.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cstdio>
-#include <fstream>
 
 #include "Packets.h"
 #include "support/Gzip.h"
+#include "support/Programs.h"
 
 namespace {
 
@@ -17,13 +14,11 @@ using namespace vyr::inspect;
 /// What becomes of a file of these bytes: how many packets, and why no more; or what it is otherwise.
 std::string Read(const std::string& bytes)
 {
-    std::string name = testing::TempDir() + "vyr-input-XXXXXX";
-    close(mkstemp(name.data()));
-    std::ofstream(name, std::ios::binary) << bytes;
+    const CTemporary file(bytes);
     std::string text;
     int packets = 0;
     try {
-        CInput input(name);
+        CInput input(file.Name());
         if (!input.IsCapture()) {
             const SView held = input.Bytes();
             text = std::string(held.data, held.data + held.size) == bytes ? "its bytes" : "other bytes";
@@ -34,7 +29,6 @@ std::string Read(const std::string& bytes)
     } catch (const CInputError& error) {
         text = std::string(RuleName(error.Code())) + ": " + error.what();
     }
-    std::remove(name.c_str());
     return packets != 0 ? std::to_string(packets) + " packets" + (text.empty() ? "" : ", " + text) : text;
 }
 

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -14,18 +12,14 @@ constexpr char k_completion[] = VYR_DOCS "/../tools/inspect/completion/";
 
 std::string Output(const std::string& command)
 {
-    std::string out;
-    FILE* pipe = popen(command.c_str(), "r");
-    for (int c = 0; (c = fgetc(pipe)) != EOF;) {
-        out += static_cast<char>(c);
-    }
-    EXPECT_EQ(pclose(pipe), 0) << command;
-    return out;
+    const SEnded ended = Shell(command);
+    EXPECT_EQ(ended.status, 0) << command;
+    return ended.out;
 }
 
 bool IsThere(const std::string& program)
 {
-    return std::system(("command -v " + program + " >/dev/null").c_str()) == 0;
+    return Shell("command -v " + program).status == 0;
 }
 
 /// What bash makes of the words, of which the last is completed: up to four, each with a blank behind it.
@@ -40,20 +34,17 @@ std::string Completed(const std::string& words)
 /// The script itself demands that --help and the tables name the same options.
 TEST(Manual, IsMadeOfTheReference)
 {
-    const CTemporary name;
-    const std::string folder = name.Name() + ".out/";
-    std::filesystem::create_directory(folder);
-    Output("'" VYR_DOCS "/../scripts/make-manual' '" VYR_INSPECT "' '" + folder + "'");
+    const CTemporaryFolder folder;
+    Output("'" VYR_DOCS "/../scripts/make-manual' '" VYR_INSPECT "' '" + folder.Of("'"));
     for (const auto& [made, kept] : {std::pair<std::string, std::string>("vyr-atsc30-inspect.1", VYR_DOCS "/"),
                                      {"vyr-atsc30-inspect.bash", k_completion},
                                      {"_vyr-atsc30-inspect", k_completion}}) {
-        const std::string text = ReadFile(folder + made);
+        const std::string text = ReadFile(folder.Of(made));
         if (std::getenv("VYR_RECORD") != nullptr) {
             std::ofstream(kept + made) << text;
         }
         EXPECT_EQ(ReadFile(kept + made), text) << "VYR_RECORD=1 makes it anew";
     }
-    std::filesystem::remove_all(folder);
     for (const char* check : {"groff -man -ww -z", "mandoc -Tlint -W warning"}) {
         if (IsThere(std::string(check).substr(0, std::string(check).find(' ')))) {
             EXPECT_EQ(Output(std::string(check) + " '" VYR_DOCS "/vyr-atsc30-inspect.1' 2>&1"), "");

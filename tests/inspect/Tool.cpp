@@ -1,7 +1,5 @@
 #include "Tool.h"
 
-#include <sys/wait.h>
-
 #include <sstream>
 
 #include "Schema.h"
@@ -35,14 +33,7 @@ SResult Inspect(const std::string& arguments, const std::string& input)
 {
     const CTemporary in(input);
     const CTemporary err;
-    SResult result;
-    FILE* pipe = popen(Command(arguments + " < '" + in.Name() + "' 2> '" + err.Name() + "'").c_str(), "r");
-    char chunk[4096];
-    for (std::size_t count = 0; (count = fread(chunk, 1, sizeof chunk, pipe)) > 0;) {
-        result.out.append(chunk, count);
-    }
-    const int status = pclose(pipe);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    SResult result{Shell(Command(arguments + " < '" + in.Name() + "' 2> '" + err.Name() + "'")), {}};
     result.err = ReadFile(err.Name());
     if (arguments.find("--json") != std::string::npos && result.out.size() < k_long) {
         Lines(result.out);

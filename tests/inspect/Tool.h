@@ -1,45 +1,17 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "support/Programs.h"
+
 // The tool as its users run it.
 
-struct SResult {
-    std::string out;
+struct SResult : SEnded {
     std::string err;
-    int status = -1;
-};
-
-inline std::string ReadFile(const std::string& name)
-{
-    std::ifstream file(name, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-/// A file of the test's own, gone with it.
-class CTemporary {
-  public:
-    explicit CTemporary(const std::string& bytes = {}) : m_name(testing::TempDir() + "vyr-inspect-XXXXXX")
-    {
-        close(mkstemp(m_name.data()));
-        std::ofstream(m_name, std::ios::binary) << bytes;
-    }
-    ~CTemporary() { std::remove(m_name.c_str()); }
-    CTemporary(const CTemporary&) = delete;
-    CTemporary& operator=(const CTemporary&) = delete;
-    const std::string& Name() const { return m_name; }
-
-  private:
-    std::string m_name;
 };
 
 std::string Command(const std::string& arguments);

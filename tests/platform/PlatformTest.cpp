@@ -1,18 +1,17 @@
 #include "platform/Platform.h"
 
 #include <syslog.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #include "common/ChannelMap.h"
 #include "common/Version.h"
 #include "common/XML.h"
 #include "esg/SGDUParse.h"
 #include "lls/ParseSLT.h"
+#include "support/Programs.h"
 #include "support/Tables.h"
 
 namespace {
@@ -22,11 +21,11 @@ using PlatformTest = CRecorder;
 // The one setting that is read lets a service through that needs broadband.
 TEST_F(PlatformTest, DefaultSettingsComeFromTheFile)
 {
-    const std::string path = testing::TempDir() + "vyr-settings-" + std::to_string(getpid()) + ".conf";
+    auto file = std::make_unique<CTemporary>();
     const std::string key = "db/menu/broadcasting/atsc3_bb_option";
     SetLogPriority(LOG_PRIORITY_SILENT);
     SetPlatform(nullptr);
-    ASSERT_EQ(setenv("VYR_SETTINGS", path.c_str(), 1), 0);
+    ASSERT_EQ(setenv("VYR_SETTINGS", file->Name().c_str(), 1), 0);
     CChannelMap map;
     map.Create();
     const std::string table =
@@ -47,14 +46,14 @@ TEST_F(PlatformTest, DefaultSettingsComeFromTheFile)
                    {"=4294967297\n", 0},
                    {"=-4294967295\n", 0}};
     for (const auto& c : k_cases) {
-        std::ofstream(path) << "# settings\nother=1\n" << key << c.line;
+        file->Write("# settings\nother=1\n" + key + c.line);
         CParseSLT slt;
         slt.Create(&map, nullptr);
         EXPECT_TRUE(Feed(slt, table));
         EXPECT_EQ(slt.ServiceCount(), c.services) << c.line;
         slt.Destroy();
     }
-    std::remove(path.c_str());
+    file.reset();
     CParseSLT slt;
     slt.Create(&map, nullptr);
     EXPECT_TRUE(Feed(slt, table) && slt.ServiceCount() == 0);  // without a file
@@ -120,13 +119,8 @@ TEST(PlatformStartTest, ThePriorityIsThatOfTheEnvironment)
     for (const auto& c : k_cases) {
         const std::string command = "unset VYR_LOG; VYR_TEST_STARTED=1 " + c.set + " " VYR_TEST_EMULATOR " '" + self +
                                     "' --gtest_filter=PlatformStartTest.*";
-        FILE* const run = popen(command.c_str(), "r");
-        ASSERT_TRUE(run);
-        std::string said;
-        for (char line[512]; std::fgets(line, sizeof line, run);) {
-            said += line;
-        }
-        EXPECT_EQ(pclose(run), 0) << said;
+        const auto [said, status] = Shell(command);
+        EXPECT_EQ(status, 0) << said;
         EXPECT_NE(said.find("shown: " + c.shown + '\n'), std::string::npos) << c.set << '\n' << said;
     }
 }
