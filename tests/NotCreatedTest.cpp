@@ -117,6 +117,7 @@ TEST_F(NotCreatedTest, Tables)
     EAEAPriority priority{};
     ExpectNothing((aeat.Destroy(), 0), aeat.AEACount(), aeat.GetAEAId(0, m_text, m_text), aeat.GetAEAType(0, type),
                   aeat.GetAEAPriority(0, priority), aeat.AEAWakeup(0), aeat.AEAEventDescCount(0), aeat.GetAEA(0));
+    EXPECT_TRUE(Logged("Func:GetAEAType,") == 1 && Logged("Func:GetAEA,") == 1) << "each under its own name";
     CParseCDT cdt;
     long from = 7;
     std::list<std::string> list;
@@ -130,6 +131,7 @@ TEST_F(NotCreatedTest, Tables)
                   rrt.GetRegion(0));
     CParseOnscreenNoti notice;
     ExpectNothing((notice.SetReplace(true), 0), notice.KSCCount(), notice.ServiceIdRange(0), notice.GetKSC(0));
+    EXPECT_EQ(Logged("Func:ServiceIdRange,"), 1);
     CParseSLT slt;
     EATSC3UrlType urlType{};
     void* service = nullptr;

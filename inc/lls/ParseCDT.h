@@ -46,7 +46,7 @@ class VYR_API CParseCDT : public TCParseLLS {
     bool GetCMSSignedData(std::string& data) const;
     /// The ToBeSignedData element as it stood in the document: the bytes under the signature.
     bool GetToBeSignedData(std::string& text) const;
-    /// Text of each Certificates element of the last ToBeSignedData, in order.
+    /// Text of each Certificates element since the last ToBeSignedData began, in order.
     bool GetCertificates(std::list<std::string>& certs) const;
     /// Text of each OCSPResponse element since the last ToBeSignedData began, in order.
     bool GetOCSPResponse(std::list<std::string>& responses) const;

@@ -57,14 +57,15 @@ class VYR_API CSLSManager {
         bool rt;                ///< whether it carries streaming media
     };
 
-    /// Ratings: scheme and value, in document order.
+    /// Ratings: scheme and value, in ascending order, each pair once.
     using TRatings = std::list<std::pair<std::string, std::string>>;
 
     /// The caller's callbacks; one that is null is not called. Records and texts are good during the call,
     /// except where it says longer.
     ///
-    /// They come inside Parse, on its thread, when the document that they tell of is parsed as a whole; those
-    /// behind it in the buffer are not yet. They may call anything of the manager but Parse and Destroy, which
+    /// They come inside Parse, on its thread, when the document that they tell of is parsed as a whole, but for
+    /// cbMPDData and cbAppData, which hand on text as it came; the documents behind it in the buffer are not
+    /// parsed yet. They may call anything of the manager but Parse and Destroy, which
     /// are asserted ("!m->parsing") and do nothing. They may throw: the exception leaves Parse, what it was to
     /// report yet is not reported, and the manager can be used again.
     struct SCallback {

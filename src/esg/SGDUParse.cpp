@@ -235,6 +235,8 @@ bool CSGDUParse::m_ExtractData(IParse::SItem* item)
             }
             return false;
         }
+    } else {
+        inflated.data = std::make_unique<char[]>(0);  // required: it is empty, however much there is
     }
     m->extracted = std::move(inflated.data);
     m->extractedSize = inflated.size;

@@ -179,6 +179,16 @@ bool m_ProcessParseAEAT(SAlerts& m, const CXML& xml, void* root)
     return true;
 }
 
+/// The alert of that index; without the parser's record the caller's failed assertion.
+const SParseAEAT::SAEAInfo* Alert(const SAlerts* m, int index, VYR_CALLER)
+{
+    if (!m) {
+        vyr::AssertFailed(here, "m");
+        return nullptr;
+    }
+    return m->alerts.Get(index);
+}
+
 }  // namespace
 
 struct CParseAEAT::SState : SAlerts {};
@@ -236,60 +246,60 @@ int CParseAEAT::AEACount() const
 
 const SParseAEAT::SAEAInfo* CParseAEAT::GetAEA(int index) const
 {
-    return VYR_ASSERT(m, "m") ? m->alerts.Get(index) : nullptr;
+    return Alert(m, index);
 }
 
 bool CParseAEAT::GetAEAId(int index, std::string& aeaId, std::string& retAEAId) const
 {
-    const SAEAInfo* alert = GetAEA(index);
+    const SAEAInfo* alert = Alert(m, index);
     return alert && vyr::Give(alert->aeaId, aeaId) && vyr::Give(alert->retAEAId, retAEAId);
 }
 
 bool CParseAEAT::GetAEAIssuer(int index, std::string& issuer) const
 {
-    const SAEAInfo* alert = GetAEA(index);
+    const SAEAInfo* alert = Alert(m, index);
     return alert && vyr::Give(alert->issuer, issuer);
 }
 
 bool CParseAEAT::GetAEAAudience(int index, EAEAAudience& audience) const
 {
-    const SAEAInfo* alert = GetAEA(index);
+    const SAEAInfo* alert = Alert(m, index);
     return alert && vyr::Give(alert->audience, audience);
 }
 
 bool CParseAEAT::GetAEAType(int index, EAEAType& type) const
 {
-    const SAEAInfo* alert = GetAEA(index);
+    const SAEAInfo* alert = Alert(m, index);
     return alert && vyr::Give(alert->aeaType, type);
 }
 
 bool CParseAEAT::GetAEAPriority(int index, EAEAPriority& priority) const
 {
-    const SAEAInfo* alert = GetAEA(index);
+    const SAEAInfo* alert = Alert(m, index);
     return alert && vyr::Give(alert->priority, priority);
 }
 
 bool CParseAEAT::AEAWakeup(int index) const
 {
-    const SAEAInfo* alert = GetAEA(index);
+    const SAEAInfo* alert = Alert(m, index);
     return alert && alert->wakeup;
 }
 
 bool CParseAEAT::GetAEATimeInfo(int index, std::string& effective, std::string& expires) const
 {
-    const SAEAInfo* alert = GetAEA(index);
+    const SAEAInfo* alert = Alert(m, index);
     return alert && vyr::Give(alert->effective, effective) && vyr::Give(alert->expires, expires);
 }
 
 bool CParseAEAT::GetAEAEventCode(int index, std::string& eventCode, std::string& eventCodeType) const
 {
-    const SAEAInfo* alert = GetAEA(index);
+    const SAEAInfo* alert = Alert(m, index);
     return alert && vyr::Give(alert->eventCode, eventCode) && vyr::Give(alert->eventCodeType, eventCodeType);
 }
 
 int CParseAEAT::AEAEventDescCount(int index) const
 {
-    const SAEAInfo* alert = GetAEA(index);
+    const SAEAInfo* alert = Alert(m, index);
     return alert ? static_cast<int>(alert->eventDescs.size()) : 0;
 }
 

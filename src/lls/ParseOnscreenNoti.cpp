@@ -46,6 +46,16 @@ bool m_ProcessParseOnscreenNoti(SEntries& m, const CXML& xml, void* root)
     return true;
 }
 
+/// The entry of that index; without the parser's record the caller's failed assertion.
+const CParseOnscreenNoti::SKeepScreenClear* Entry(const SEntries* m, unsigned int index, VYR_CALLER)
+{
+    if (!m) {
+        vyr::AssertFailed(here, "m");
+        return nullptr;
+    }
+    return m->entries.At(index <= INT_MAX ? static_cast<int>(index) : -1);  // required: the array asserts a bad index
+}
+
 }  // namespace
 
 struct CParseOnscreenNoti::SState : SEntries {};
@@ -74,25 +84,24 @@ unsigned int CParseOnscreenNoti::KSCCount() const
 
 const CParseOnscreenNoti::SKeepScreenClear* CParseOnscreenNoti::m_Entry(unsigned int index) const
 {
-    // Required: the array itself asserts a bad index.
-    return VYR_ASSERT(m, "m") ? m->entries.At(index <= INT_MAX ? static_cast<int>(index) : -1) : nullptr;
+    return Entry(m, index);
 }
 
 unsigned short CParseOnscreenNoti::Bsid(unsigned int index) const
 {
-    const SKeepScreenClear* entry = m_Entry(index);
+    const SKeepScreenClear* entry = Entry(m, index);
     return entry ? entry->bsid : 0;
 }
 
 unsigned short CParseOnscreenNoti::ServiceId(unsigned int index) const
 {
-    const SKeepScreenClear* entry = m_Entry(index);
+    const SKeepScreenClear* entry = Entry(m, index);
     return entry ? entry->serviceId : 0;
 }
 
 unsigned short CParseOnscreenNoti::ServiceIdRange(unsigned int index) const
 {
-    const SKeepScreenClear* entry = m_Entry(index);
+    const SKeepScreenClear* entry = Entry(m, index);
     return entry ? entry->serviceIdRange : 0;
 }
 

@@ -63,8 +63,8 @@ bool ParseElements(IParse::SItem* item, unsigned int count, TPtrArray<T>& array,
 }
 
 /// Parses a loop of `length` bytes of descriptors into `array` and puts the cursor behind it, whatever
-/// became of its descriptors: one that is unknown costs nothing that follows the loop. False when a
-/// descriptor made the item invalid, or the loop runs past the data.
+/// became of its descriptors: one that is unknown costs nothing that follows the loop, and of a loop that runs past
+/// the data, as many count as are there. False when a descriptor made the item invalid.
 inline bool ParseDescriptorLoop(IParse::SItem* item, unsigned int length, TPtrArray<CMMTDesc>& array)
 {
     // A descriptor may run past its loop, as a clock relation descriptor of 19 bytes can by 18. Further than
@@ -75,9 +75,9 @@ inline bool ParseDescriptorLoop(IParse::SItem* item, unsigned int length, TPtrAr
     loop.size = item->bitpos / 8 + std::min(left, length + k_overrun);
     loop.bitsize = loop.size * 8;
     CMMTDescFactory::ParseDescriptors(&loop, static_cast<int>(length), &array);
-    item->valid = loop.valid && length <= left;
+    item->valid = loop.valid;
     if (item->valid) {
-        item->bitpos += length * 8;
+        item->bitpos += std::min(length, left) * 8;
     }
     return item->valid;
 }

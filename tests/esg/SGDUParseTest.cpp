@@ -175,7 +175,8 @@ TEST_F(SGDUParseTest, Compressed)
     m_parser.SetCompress(true);
     EXPECT_TRUE(Feed(m_parser, gzip));
     EXPECT_EQ(Kept(), "1Sa2Cb");
-    EXPECT_FALSE(Feed(m_parser, unit));  // not gzip
+    EXPECT_FALSE(Feed(m_parser, unit));  // not gzip: taken for empty
+    EXPECT_TRUE(m_parser.State()->extracted && m_parser.State()->extractedSize == 0);
     EXPECT_FALSE(Feed(m_parser, "\x1F"));
     EXPECT_FALSE(Feed(m_parser, "\x1F\x8B"));
     EXPECT_EQ(Logged("inflate failure"), 0);

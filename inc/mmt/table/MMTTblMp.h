@@ -12,9 +12,9 @@ class VYR_API CMMTTblMp : public CMMTTbl {
     static constexpr unsigned char k_lastTableId = 0x20;  ///< last
     CMMTTblMp() : CMMTTbl(CLASS_TYPE_MP) {}
 
-    /// False: a table_id outside the range, descriptors that run past the data, an asset that does not parse;
-    /// assets before are kept. Required: only table_ids 0x11 and 0x20 have a package id and table
-    /// descriptors, and where the data end in front of the first asset what is missing is empty: true.
+    /// False: a table_id outside the range, a descriptor that is cut, an asset that does not parse; assets before
+    /// are kept. Required: only table_ids 0x11 and 0x20 have a package id and table descriptors, and where the
+    /// data end in front of the first asset, or behind the last descriptor, what is missing is empty: true.
     bool Parse(SItem* item) override;
     void Dump() const override;
     /// The table's own, then each asset's. True; a null callback is asserted: false.
@@ -24,7 +24,7 @@ class VYR_API CMMTTblMp : public CMMTTbl {
 
     /// MP_table_mode, 0 to 3.
     unsigned char Mode() const { return m_mode; }
-    /// MMT_package_id_length.
+    /// Length of PackageId() in bytes: MMT_package_id_length, but 0 when the identifier is cut.
     unsigned char PackageIdLength() const { return static_cast<unsigned char>(m_packageId.Length()); }
     /// MMT_package_id, zero-terminated, the table's own; null when the table has none.
     const char* PackageId() const { return m_packageId.Text(); }

@@ -27,8 +27,8 @@ class VYR_API CLS : public CXmlElement {
 
     /// What was parsed.
     struct SLS {
-        unsigned int tsi = 0xFFFFFFFF;   ///< transport session identifier; 0xFFFFFFFF: not given
-        unsigned int bw = 0xFFFFFFFF;    ///< maximum bandwidth, kbit/s; 0xFFFFFFFF: not given
+        unsigned int tsi = 0;            ///< transport session identifier; 0xFFFFFFFF: not given; 0 before Parse
+        unsigned int bw = 0;             ///< maximum bandwidth, kbit/s; likewise
         long long startTime = -1;        ///< epoch seconds, see TimeUtility::ConvertDateTime2Epoch; -1: not given
         long long endTime = -1;          ///< likewise
         TOwnedArray<CSrcFlow> srcFlows;  ///< the last one counts, the EFDTs of all were reported
@@ -41,7 +41,7 @@ class VYR_API CLS : public CXmlElement {
     /// Copies the record; null takes it back. False before Create.
     bool SetCallback(const SCallback* callback);
 
-    /// Transport session identifier; 0 before Create.
+    /// Transport session identifier; 0xFFFFFFFF: not given; 0 before Parse.
     unsigned int TSI() const;
     /// Copies the content identifier; true. False, with `out` empty: no source flow.
     bool GetContentId(std::string& out) const;

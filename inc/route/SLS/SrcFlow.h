@@ -29,13 +29,13 @@ class VYR_API CSrcFlow : public CXmlElement {
 
     /// What was parsed.
     struct SSrcFlow {
-        bool rt = false;                        ///< whether it carries streaming media
-        unsigned int minBuffSize = 0xFFFFFFFF;  ///< kilobytes to buffer; 0xFFFFFFFF: not given
-        std::string contentId;                  ///< of the content information
-        std::string aeaId;                      ///< of the content information
-        TOwnedArray<CEFDT> efdts;               ///< the last one counts, all were reported
-        TOwned<CContentInfo> contentInfo;       ///< the last one; null: none
-        std::vector<SPayload> payloads;         ///< Payload, in document order
+        bool rt = false;                   ///< whether it carries streaming media
+        unsigned int minBuffSize = 0;      ///< kilobytes to buffer; 0xFFFFFFFF: not given; 0 before Parse
+        std::string contentId;             ///< of the content information
+        std::string aeaId;                 ///< of the content information
+        TOwnedArray<CEFDT> efdts;          ///< the last one counts, all were reported
+        TOwned<CContentInfo> contentInfo;  ///< the last one; null: none
+        std::vector<SPayload> payloads;    ///< Payload, in document order
 
         /// Extension: what "rt" says by XML Schema; empty: not given, or no boolean.
         std::optional<bool> givenRt;

@@ -98,14 +98,13 @@ bool CLocationUnitBase::Parse(SItem* item)
 try {
     vyr::CBitReader reader(item);
     m_ReadAddresses(reader);
+    if (m_Has(FIELD_IPV6) && m_Has(FIELD_MESSAGE_ID) && !reader.Valid()) {
+        return false;  // required of this one alone: what is behind its addresses stays as it was
+    }
     unsigned int slot = m_Slot(0);
     for (unsigned int i = 0; i < NUMBER_COUNT; ++i) {
         if (m_Has(i)) {
             reader.Field(k_numbers[i].bits, m_words[slot++]);
-            // A flow that is cut leaves what is behind it as it was.
-            if (i == FIELD_DST_PORT && !reader.Valid()) {
-                return false;
-            }
         }
     }
     if (m_Has(FIELD_URL) || m_Has(FIELD_PRIVATE_INFO)) {

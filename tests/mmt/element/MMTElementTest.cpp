@@ -123,14 +123,14 @@ TEST_F(MMTElementTest, LocationsOfEveryType)
     }
 }
 
-TEST_F(MMTElementTest, UnitsKeepWhatACutFlowLeavesAndSpeakUnderTheirGettersName)
+TEST_F(MMTElementTest, CutUnitsAndGettersNames)
 {
     const std::string whole("\xC0\xA8\x00\x01\xE0\x00\x17\x3C\x13\x88\x12\x34\x81\x01", 14);
     CLocationUnitA unit;
     EXPECT_EQ(Answers(unit), "packet=0 port=0 msg=0 src4=0 dst4=0");
     EXPECT_TRUE(SFed(unit, whole).result);
     EXPECT_FALSE(SFed(unit, whole.substr(0, 9)).result);
-    EXPECT_EQ(Answers(unit), "packet=1234 port=0 msg=8101 src4=100a8c0 dst4=3c1700e0");
+    EXPECT_EQ(Answers(unit), "packet=0 port=0 msg=0 src4=100a8c0 dst4=3c1700e0");
     EXPECT_FALSE(unit.GetMsgId(nullptr));
     EXPECT_EQ(Logged("GetMsgId("), 1);
     EXPECT_EQ(Logged("ASSERT!, Func:GetMsgId, Line:"), 1);
@@ -146,8 +146,14 @@ TEST_F(MMTElementTest, UnitsKeepWhatACutFlowLeavesAndSpeakUnderTheirGettersName)
         return lines;
     };
     EXPECT_EQ(dumped(unit),
-              "> source [0xc0a80001] destination [0xe000173c]> destination port [0]> packet id [4660]"
-              "> message id [33025]");
+              "> source [0xc0a80001] destination [0xe000173c]> destination port [0]> packet id [0]> message id [0]");
+    CLocationUnitB unit6;
+    for (const bool cut : {false, true}) {
+        EXPECT_NE(SFed(unit6, std::string(cut ? 10 : 38, '\x11')).result, cut);
+        unsigned short port = 0, message = 0;
+        EXPECT_TRUE(unit6.GetDstPort(&port) && unit6.GetMsgId(&message));
+        EXPECT_TRUE(port == 0x1111 && message == 0x1111) << "its numbers stay when its addresses are cut";
+    }
     CLocationUnit4 stream6;
     EXPECT_TRUE(
         SFed(stream6, std::string(15, '\0') + "\1\xFF\x0E" + std::string(14, '\0') + "\x13\x89\xE1\x23").result);

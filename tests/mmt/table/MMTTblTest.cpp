@@ -206,10 +206,12 @@ TEST_F(MMTTblTest, MpTableIds)
         EXPECT_TRUE(SFed(mp, MmtMpTable(id)).result) << id;
         EXPECT_EQ(mp.PackageId() != nullptr, id == 0x11 || id == 0x20);
         EXPECT_EQ(MmtClocks(mp), id == 0x11 || id == 0x20 ? "1 2 " : "2 ");
-        // Required: cut in mode, package id, length of the descriptors (bytes 11 to 29) or number of assets.
+        // Required: cut in mode, package id, length of the descriptors or number of assets, and so early in the
+        // descriptors (bytes 11 to 29) that none has begun.
         const bool package = id == 0x11 || id == 0x20;
-        ExpectNoPrefixParses<CMMTTblMp>(
-            MmtMpTable(id), package ? std::set<std::size_t>{4, 5, 6, 7, 8, 9, 10, 30} : std::set<std::size_t>{4, 5});
+        ExpectNoPrefixParses<CMMTTblMp>(MmtMpTable(id), package
+                                                            ? std::set<std::size_t>{4, 5, 6, 7, 8, 9, 10, 11, 12, 30}
+                                                            : std::set<std::size_t>{4, 5});
     }
     CMMTTblMp mp;
     EXPECT_TRUE(SFed(mp, MmtTable(0x11, std::string("\2\0\0\0\0", 5))).result);
@@ -222,6 +224,14 @@ TEST_F(MMTTblTest, MpTableIds)
         SFed(mp, MmtTable(0x12, "\2\1" + ('\0' + MmtAssetId("")) + "hev1" + std::string("\0\1\x0D", 3))).result);
     EXPECT_GE(Logged("_CHECK FAIL: src/mmt/table/MMTTblMp:84, p_asset->Parse(item)"), 2);
     EXPECT_GE(Logged("_CHECK FAIL: src/mmt/table/MMTTblMpAsset:73, location->Parse(item)"), 1);
+    // The last asset may announce more descriptors than there are; one that another follows may not.
+    const std::string asset = '\0' + MmtAssetId("a") + "hev1" + std::string("\0\0\0\x20", 4) + MmtCri(7);
+    for (const char assets : {'\1', '\2'}) {
+        CMMTTblMp last;
+        EXPECT_EQ(SFed(last, MmtTable(0x12, std::string("\2") + assets + asset)).result, assets == 1);
+        EXPECT_EQ(last.AssetCount(), 1);
+        EXPECT_EQ(MmtClocks(last), "7 ");
+    }
 }
 
 TEST_F(MMTTblTest, DescriptorLoops)
@@ -231,14 +241,18 @@ TEST_F(MMTTblTest, DescriptorLoops)
         unsigned int length;
         bool result;
         const char* clocks;
+        bool cut = false;
     } const k_cases[] = {
         {"", 0, true, ""},
         {MmtCri(1) + MmtCri(2), 38, true, "1 2 "},
         {MmtUnknown() + MmtCri(2), 25, true, ""},
         {std::string("\0\0\0\x1E", 4) + std::string(30, 'x'), 34, true, "0 "},
-        // A clock relation that cannot be makes the item invalid; a loop past the data does not fit.
+        // A clock relation that cannot be makes the item invalid, a loop past the data does not: the number of assets
+        // behind it is missing, which is no failure.
         {std::string("\0\0\0\x0E", 4) + std::string(14, 'x'), 18, false, ""},
-        {MmtCri(1), 20, false, "1 "},
+        {MmtCri(1), 20, true, "1 ", true},
+        {MmtCri(1) + '\0', 24, true, "1 ", true},
+        {MmtCri(1).substr(0, 18), 24, false, "", true},
         // One that runs past its loop costs nothing that follows: a clock relation is taken, what is longer not.
         {MmtCri(1).substr(0, 18) + '\0', 18, true, "1 "},
         {std::string("\0\1\0\x28\0", 5) + std::string(50, 'x'), 4, true, ""},
@@ -248,9 +262,9 @@ TEST_F(MMTTblTest, DescriptorLoops)
         CMmtBuilder b;
         b.Put(8, 0x11).Put(8, 1).Put(16, 0).Put(8, 2).Put(8, 0).Put(16, c.length).Put(c.loop);
         CMMTTblMp mp;
-        const SFed fed(mp, b.Bytes() + (c.result ? std::string(1, '\0') : ""));
+        const SFed fed(mp, b.Bytes() + (c.cut ? "" : std::string(1, '\0')));
         EXPECT_EQ(fed.result, c.result);
-        EXPECT_EQ(fed.item.valid, c.result);
+        EXPECT_EQ(fed.item.valid, c.result && !c.cut);
         EXPECT_EQ(MmtClocks(mp), c.clocks);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "route/SLS/ContentInfo.h"
 #include "route/SLS/EFDT.h"
+#include "route/SLS/LS.h"
 #include "route/SLS/MediaInfo.h"
 #include "route/SLS/RS.h"
 #include "route/SLS/SrcFlow.h"
@@ -60,6 +61,9 @@ TEST_F(STSIDTest, Sessions)
     ASSERT_EQ(flow.payloads.size(), 1u);
     EXPECT_TRUE(flow.payloads[0].codePoint == 128 && *flow.payloads[0].order && !flow.payloads[0].srcFecPayloadId);
     EXPECT_EQ(Logged("[CRS::m_ProcessParseRS] dest ip = [3774939392]"), 1);
+    CLS unread;
+    EXPECT_TRUE(unread.Create() && unread.TSI() == 0);
+    unread.Destroy();
 }
 
 TEST_F(STSIDTest, DefaultsAndQuirks)
