@@ -1,5 +1,5 @@
 // MMT tables in a row, as a PA message carries them.
-// Sources: src/mmt/table src/mmt/element src/mmt/IdentifierUnit
+// Sources: src/mmt/table src/mmt/element src/mmt/IdentifierUnit src/mmt/Elements.h
 #include <memory>
 
 #include "MmtWalk.h"
