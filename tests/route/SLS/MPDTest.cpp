@@ -3,6 +3,9 @@
 #include <nlohmann/json.hpp>
 
 #include "support/ParserTest.h"
+#include "support/Show.h"
+
+SHOW(SMPDSegmentURL, s.media, s.mediaRange, s.index, s.indexRange)
 
 namespace {
 
@@ -134,6 +137,22 @@ TEST_F(MPDTest, TimesProtectionAndPreselections)
     const CMPD::TRatings rating = {{"tag:atsc.org,2016:XMLSchemas/ATSC3/RRT", "1,'TV-14-D-L-S',{0 'TV-14'}{1 'D'}"}};
     EXPECT_EQ(m_ratings, rating);
     EXPECT_EQ(m_reports, 4);
+}
+
+TEST_F(MPDTest, AttributesThatNoSampleHas)
+{
+    ASSERT_TRUE(Parse(
+        "<MPD><Period><AdaptationSet group='1' minBandwidth='2' maxBandwidth='3' minWidth='4' maxWidth='5' "
+        "minHeight='6' maxHeight='7' minFrameRate='8' maxFrameRate='9/2' segmentAlignment='false'><Representation "
+        "qualityRanking='1' dependencyId='b c'><SegmentList><SegmentURL media='m' mediaRange='0-9' index='i' "
+        "indexRange='10-19'/></SegmentList></Representation></AdaptationSet></Period></MPD>"));
+    const SMPDAdaptationSet& set = m_parser.GetMPDInfo()->periods[0].adaptationSets[0];
+    EXPECT_EQ(Join(set.group, set.minBandwidth, set.maxBandwidth, set.minWidth, set.maxWidth, set.minHeight,
+                   set.maxHeight, set.minFrameRate, set.maxFrameRate, set.segmentAlignment),
+              "1|2|3|4|5|6|7|8|9/2|false");
+    const SMPDRepresentation& representation = set.representations[0];
+    EXPECT_EQ(Join(representation.qualityRanking, representation.dependencyId, *representation.segmentList->urls),
+              "1|b c|[m|0-9|i|10-19]");
 }
 
 TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
