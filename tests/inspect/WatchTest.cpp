@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <regex>
 #include <set>
@@ -156,6 +157,7 @@ TEST(Watch, ThePageOfAnInputThatGoesOn)
     SBroadcast broadcast;
     CFed tool("--every 2 --html '" + link + "' --metrics '" + metrics.Name() + "' - > /dev/null");
     const std::string bytes = broadcast.Bytes();
+    const std::ifstream old(page.Name());  // while it is open, no file that follows has its number
     struct stat before {};
     stat(page.Name().c_str(), &before);
     tool.Feed(bytes.substr(0, bytes.size() / 2));
