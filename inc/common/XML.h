@@ -27,7 +27,7 @@ class VYR_API CXML {
         virtual ~CStr();
         CStr(const CStr&) = delete;
         CStr& operator=(const CStr&) = delete;
-        /// The string, or null; it lives until the owner dies or is filled again.
+        /// The string, or null; it lives until the owner dies. Filled again, the owner forgets it without freeing it.
         const char* String() const { return m_str; }
 
       private:
@@ -84,7 +84,8 @@ class VYR_API CXML {
 
     /// Attribute by local name, in any namespace or none.
     char* PropStr(void* node, const char* name, bool* found) const;
-    /// The same without a copy of ours, into `out`; false when absent, `out` untouched.
+    /// The same without a copy of ours, into `out`; false when absent, `out` untouched. A string that `out` held
+    /// before is then the caller's, to be freed with xmlFree.
     bool PeekPropStr(void* node, const char* name, CStr* out) const;
     /// Attribute as decimal number, leading part of the text, cut to 32 bits; absent: -1.
     int PropInt(void* node, const char* name, bool* found) const;

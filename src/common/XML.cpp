@@ -210,8 +210,7 @@ try {
     if (!value) {
         return false;
     }
-    FreeText(out->m_str);
-    out->m_str = value;
+    out->m_str = value;  // required: what it held is overwritten, not freed
     return true;
 } catch (...) {
     return vyr::OutOfMemory(VYR_HERE);

@@ -110,10 +110,13 @@ TEST_F(XMLTest, AttributesAndContent)
     CXML::CStr peeked;
     EXPECT_FALSE(m_xml.PeekPropStr(m_root, "no", &peeked));
     EXPECT_EQ(peeked.String(), nullptr);
-    EXPECT_TRUE(m_xml.PeekPropStr(m_root, "q", &peeked));
+    ASSERT_TRUE(m_xml.PeekPropStr(m_root, "q", &peeked));
+    const std::unique_ptr<char, void (*)(void*)> first(const_cast<char*>(peeked.String()), xmlFree);
     EXPECT_TRUE(m_xml.PeekPropStr(m_root, "t", &peeked));
     EXPECT_FALSE(m_xml.PeekPropStr(m_root, "no", &peeked));
     EXPECT_STREQ(peeked.String(), "true");
+    EXPECT_NE(first.get(), peeked.String());
+    EXPECT_STREQ(first.get(), std::unique_ptr<char[]>(m_xml.PropStr(m_root, "q", nullptr)).get());
 }
 
 TEST_F(XMLTest, EveryNodeIsWalkedAndSafe)
