@@ -16,6 +16,7 @@
 #include "route/SLS/ROUTEUsbd.h"
 #include "route/SLS/STSID.h"
 #include "route/SLSManager.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ struct SFile {
 std::vector<SFile> Files(const std::string& folder, const std::string& end)
 {
     std::vector<SFile> files;
-    for (const auto& entry : std::filesystem::directory_iterator(VYR_TEST_DATA "/" + folder)) {
+    for (const auto& entry : std::filesystem::directory_iterator(DataFile(folder))) {
         const std::string name = entry.path().filename().string();
         if (name != "recompressed-pigz-zlib-slt.bin" && name.size() > end.size() &&
             name.compare(name.size() - end.size(), end.size(), end) == 0) {

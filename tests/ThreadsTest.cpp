@@ -10,6 +10,7 @@
 #include "esg/ESGServiceFragment.h"
 #include "esg/GenreNameParse.h"
 #include "lls/RRTMap.h"
+#include "support/Places.h"
 #include "support/Services.h"
 
 namespace {
@@ -46,7 +47,7 @@ class ThreadsTest : public CRecorder {
 
 TEST_F(ThreadsTest, AParserPerThreadAndStoresThatAreShared)
 {
-    const std::filesystem::path root = VYR_TEST_SCRATCH "/threads-" + std::to_string(getpid());
+    const std::filesystem::path root = BuiltFile("tests/scratch/threads-" + std::to_string(getpid()));
     std::filesystem::create_directories(root / "opt/data");
     std::ofstream(root / "opt/data/genre-cs.xml")
         << "<ClassificationScheme><Term termID='1'><Name>One</Name></Term><Term termID='2'><Name>Two</Name></Term>"

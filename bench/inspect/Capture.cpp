@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "inspect/Packets.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -26,7 +27,7 @@ using namespace packets;
 
 std::string ReadData(const std::string& name)
 {
-    std::ifstream file(VYR_TEST_DATA "/" + name, std::ios::binary);
+    std::ifstream file(DataFile(name), std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
@@ -129,7 +130,7 @@ rusage Used(const TWork& work)
     }
     argv.push_back(nullptr);
     dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-    execv(VYR_INSPECT, argv.data());
+    execv(k_inspect, argv.data());
     _exit(2);
 }
 

@@ -17,6 +17,7 @@
 #include "inspect/Packets.h"
 #include "support/Gzip.h"
 #include "support/MmtWriter.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -183,7 +184,7 @@ bool Run(const std::vector<const char*>& arguments, const std::function<bool(std
         }
         argv.push_back(nullptr);
         if (std::freopen("/dev/null", "w", stdout)) {
-            execv(VYR_INSPECT, argv.data());
+            execv(k_inspect, argv.data());
         }
         _exit(2);
     }

@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "support/Patience.h"
+#include "support/Places.h"
 #include "support/Programs.h"
 #include "support/Recorder.h"
 
@@ -321,8 +322,8 @@ TEST_F(XMLTest, TheSameAsPlainLibxml2)
         "<r>" + std::string(9000, 'x') + "<a/>" + std::string(9000, '\n') + "</r>",
         "<!DOCTYPE r [<!ENTITY e 'f'>]><r a='&e;'>&e;</r>",
         std::string("<r>\0</r>", 8)};
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(VYR_TEST_DATA)) {
-        const std::string name = entry.path().lexically_relative(VYR_TEST_DATA).string();
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(DataFile())) {
+        const std::string name = entry.path().lexically_relative(DataFile()).string();
         const std::string bytes = entry.is_regular_file() && name.find("pcap") == name.npos ? ReadData(name) : "";
         for (std::size_t at = bytes.find("<?xml"); at != bytes.npos && bytes.size() < 65536;
              at = bytes.find("<?xml", at + 1)) {

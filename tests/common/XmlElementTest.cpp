@@ -9,13 +9,14 @@
 #include "route/SLS/RS.h"
 #include "route/SLS/UnicastAppSvc.h"
 #include "support/ParserTest.h"
+#include "support/Places.h"
 
 namespace {
 
 /// A line of a source, from 1; empty: there is none.
 std::string Line(const std::string& source, unsigned int number)
 {
-    std::ifstream file(std::string(VYR_TEST_DATA) + "/../../" + source + ".cpp");
+    std::ifstream file(TreeFile(source + std::string(".cpp")));
     std::string line;
     for (; number > 0 && std::getline(file, line); --number) {
     }

@@ -9,6 +9,7 @@
 #include "esg/Elements.h"
 #include "esg/GenreNameParse.h"
 #include "support/ParserTest.h"
+#include "support/Places.h"
 
 SHOW(CESGServiceFragment::SESGServiceFragment, s.ns, s.id, s.version, s.validFrom, s.validTo, s.globalServiceID,
      s.weight, s.emergency, s.serviceType, s.names, s.descriptions, s.audioLanguages, s.textLanguages,
@@ -27,7 +28,7 @@ class ESGFragmentTest : public CRecorder {
     void SetUp() override
     {
         CRecorder::SetUp();
-        m_root = std::string(VYR_TEST_SCRATCH) + "/esg-" + std::to_string(getpid());
+        m_root = BuiltFile("tests/scratch/esg-" + std::to_string(getpid()));
         SetFileRoot(m_root.c_str());
         SGenreNameParse::refMap.clear();
     }

@@ -8,6 +8,7 @@
 
 #include "inspect/Packets.h"
 #include "support/Gzip.h"
+#include "support/Places.h"
 #include "support/Programs.h"
 
 // The examples as their users run them, and the documents that quote them.
@@ -17,7 +18,8 @@ namespace {
 /// What an example prints, and its status when that is not 0.
 std::string Output(const std::string& example)
 {
-    const SEnded ended = Shell("cd '" VYR_TEST_DATA "' && VYR_LOG=silent exec " VYR_EXAMPLES + example);
+    const SEnded ended = Shell("cd '" + DataFile() + "' && VYR_LOG=silent exec " + k_emulator + " '" +
+                               BuiltFile("examples/example-'") + example);
     return ended.out + (ended.status != 0 ? "status " + std::to_string(ended.status) + '\n' : "");
 }
 
@@ -44,7 +46,7 @@ bool IsFrom(const std::string& quotation, const std::string& text)
 TEST(Examples, PrintWhatIsRecorded)
 {
     const std::string package = "route/gpac-a2-multi-service-239.255.7.1-30100-sls2.mime";
-    const auto data = [](const std::string& name) { return ReadFile(VYR_TEST_DATA "/" + name); };
+    const auto data = [](const std::string& name) { return ReadFile(DataFile(name)); };
     const CTemporary gzip(Gzip(data("route/gpac-a2-multi-service-239.255.7.1-30101-sls3.mime")));
     const CTemporary broken(std::regex_replace(data(package), std::regex("</Period>"), ""));
     // Two groups by turns, the first one's list a second time, and packets that are not whole, or not for it.
@@ -90,7 +92,7 @@ TEST(Examples, PrintWhatIsRecorded)
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.command);
-        const std::string record = std::string(VYR_TEST_DATA "/examples/") + test.name + ".txt";
+        const std::string record = DataFile(std::string("examples/") + test.name + ".txt");
         const std::string out = Output(test.command);
         if (std::getenv("VYR_RECORD") != nullptr) {
             std::ofstream(record, std::ios::binary) << out;
@@ -102,7 +104,7 @@ TEST(Examples, PrintWhatIsRecorded)
 TEST(Examples, AreQuotedAsTheyAre)
 {
     std::vector<std::string> examples;
-    for (const auto& file : std::filesystem::directory_iterator(VYR_ROOT "/examples")) {
+    for (const auto& file : std::filesystem::directory_iterator(TreeFile("examples"))) {
         examples.push_back('\n' + ReadFile(file.path().string()));
     }
     const auto isQuotation = [&examples](const std::string& text) {
@@ -114,7 +116,7 @@ TEST(Examples, AreQuotedAsTheyAre)
         int quotations;  ///< at least
     } cases[] = {{"README.md", 1}, {"docs/using.md", 5}};
     for (const auto& test : cases) {
-        const std::string text = ReadFile(std::string(VYR_ROOT "/") + test.document);
+        const std::string text = ReadFile(TreeFile(test.document));
         const std::string begin = "\n```cpp\n";
         int quotations = 0;
         for (std::size_t at = 0; (at = text.find(begin, at)) != std::string::npos; ++quotations) {
@@ -133,12 +135,12 @@ TEST(Examples, AreQuotedAsTheyAre)
 
 TEST(Documents, UsingKnowsEveryHeader)
 {
-    const std::string guide = ReadFile(VYR_ROOT "/docs/using.md");
+    const std::string guide = ReadFile(TreeFile("docs/using.md"));
     int headers = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(VYR_ROOT "/inc")) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(TreeFile("inc"))) {
         if (entry.path().extension() == ".h") {
             ++headers;
-            const std::string name = entry.path().lexically_relative(VYR_ROOT "/inc").generic_string();
+            const std::string name = entry.path().lexically_relative(TreeFile("inc")).generic_string();
             EXPECT_NE(guide.find('`' + name + '`'), std::string::npos) << name;
         }
     }

@@ -14,6 +14,7 @@
 #include "Signing.h"
 #include "extract/Folder.h"
 #include "support/Gzip.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -138,7 +139,7 @@ TEST(Extract, WhatIsWrittenSaysTheSame)
 {
     std::map<std::string, std::string> samples = {
         {"messages", EveryMessage()}, {"guide", GuideCapture()}, {"made", SBroadcast().Bytes()}};
-    for (const fs::directory_entry& entry : fs::directory_iterator(VYR_TEST_DATA "/pcap")) {
+    for (const fs::directory_entry& entry : fs::directory_iterator(DataFile("pcap"))) {
         samples[entry.path().filename()] = ReadFile(entry.path());
     }
     std::map<std::string, int> same;
@@ -369,7 +370,7 @@ TEST(Extract, TheFolder)
          {"--files", "--extract-limit 5", "--extract x --extract-limit 5q", "--extract x --extract-limit -1"}) {
         EXPECT_EQ(Inspect(usage + (' ' + k_lineup)).status, 2) << usage;
     }
-    EXPECT_FALSE(fs::exists(VYR_TEST_DATA "/x"));
+    EXPECT_FALSE(fs::exists(DataFile("x")));
 }
 
 TEST(Extract, NeverThroughALinkNorOverAFile)

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Tool.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -47,11 +48,11 @@ TEST(Guide, ShowsWhatIsSeen)
 {
     const CTemporaryFolder folder;
     std::filesystem::create_directory(folder.Of("bin"));
-    std::filesystem::create_symlink(VYR_INSPECT, folder.Of("bin/vyr-atsc30-inspect"));
-    for (const auto& data : std::filesystem::directory_iterator(VYR_TEST_DATA)) {
+    std::filesystem::create_symlink(k_inspect, folder.Of("bin/vyr-atsc30-inspect"));
+    for (const auto& data : std::filesystem::directory_iterator(DataFile())) {
         std::filesystem::create_symlink(data.path(), folder.Of(data.path().filename()));
     }
-    std::istringstream guide(ReadFile(VYR_DOCS "/inspect.md"));
+    std::istringstream guide(ReadFile(TreeFile("docs/inspect.md")));
     int commands = 0;
     std::string command, quotation;
     bool fenced = false, shown = false;

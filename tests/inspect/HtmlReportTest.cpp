@@ -14,6 +14,7 @@
 #include "model/Content.h"
 #include "report/Html.h"
 #include "report/HtmlGuide.h"
+#include "support/Places.h"
 #include "support/Programs.h"
 
 namespace {
@@ -347,7 +348,7 @@ class HtmlPage : public testing::Test {
                     "<iframe width=" + std::string(width) + " height=800 style='border:0' src='" + page + "'></iframe>";
             }
         }
-        std::ifstream script(VYR_TESTS "/measure.js");
+        std::ifstream script(TreeFile("tests/inspect/measure.js"));
         m_Write("wrapper.html", "<!DOCTYPE html><meta charset=utf-8><body>" + frames + "<script>" +
                                     std::string(std::istreambuf_iterator<char>(script), {}) + "</script>");
         const std::string command =
@@ -393,7 +394,7 @@ TEST_F(HtmlPage, InABrowser)
     report.Summary(summary);
     EXPECT_EQ(MarkupFault(report.Page()), "");
     m_Write("guide.html", report.Page());
-    const std::string command = std::string("cd '" VYR_TEST_DATA "' && '" VYR_INSPECT "' -q --html '") +
+    const std::string command = "cd '" + DataFile() + "' && '" + k_inspect + "' -q --html '" +
                                 m_folder.Of("capture.html' pcap/gpac-a2-multi-service.pcap lls/openssl-cdt.bin");
     ASSERT_EQ(Shell(command).status, 0);
     for (const bool dark : {false, true}) {

@@ -12,6 +12,7 @@
 #include "Packets.h"
 #include "Tool.h"
 #include "support/Gzip.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -311,7 +312,7 @@ TEST(Inspect, Goldens)
 {
     for (const SGolden& golden : Goldens()) {
         SCOPED_TRACE(golden.name);
-        const std::string file = std::string(VYR_TEST_DATA "/inspect/") + golden.name + ".txt";
+        const std::string file = DataFile(std::string("inspect/") + golden.name + ".txt");
         const SResult result = Inspect(golden.arguments, golden.input);
         EXPECT_EQ(result.status, golden.status);
         EXPECT_EQ(result.err, "");
@@ -424,7 +425,7 @@ TEST(Inspect, EveryInputHasAPage)
         const CTemporary page("left from before");
         const SResult result = Inspect("--html '" + page.Name() + "' " + golden.arguments, golden.input);
         EXPECT_EQ(result.status, golden.status);
-        EXPECT_TRUE(result.out == ReadFile(std::string(VYR_TEST_DATA "/inspect/") + golden.name + ".txt"));
+        EXPECT_TRUE(result.out == ReadFile(DataFile(std::string("inspect/") + golden.name + ".txt")));
         const std::string html = ReadFile(page.Name());
         EXPECT_EQ(html.compare(0, 15, "<!DOCTYPE html>"), 0);
         EXPECT_EQ(MarkupFault(html), "");

@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "Tool.h"
+#include "support/Places.h"
 #include "wire/Input.h"
 #include "wire/LinkLayer.h"
 
@@ -194,12 +195,12 @@ class CTool {
             if (std::freopen(m_err.Name().c_str(), "w", stderr) == nullptr) {
                 _exit(126);
             }
-            std::vector<char*> words = {const_cast<char*>(VYR_INSPECT)};
+            std::vector<char*> words = {const_cast<char*>(k_inspect)};
             for (const std::string& argument : arguments) {
                 words.push_back(const_cast<char*>(argument.c_str()));
             }
             words.push_back(nullptr);
-            execv(VYR_INSPECT, words.data());
+            execv(k_inspect, words.data());
             _exit(127);
         }
     }

@@ -9,6 +9,7 @@
 #include "LiveNetwork.h"
 #include "MadeBroadcast.h"
 #include "MmtCaptures.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -77,10 +78,10 @@ TEST(Live, SaysWhatTheCaptureSays)
         std::string file;
         bool fast;
     } const cases[] = {
-        {"a sample in fast motion", VYR_TEST_DATA "/pcap/gpac-a2-multi-service.pcap", true},
-        {"one with files", VYR_TEST_DATA "/pcap/gpac-a8-nrt-files.pcap", true},
+        {"a sample in fast motion", DataFile("pcap/gpac-a2-multi-service.pcap"), true},
+        {"one with files", DataFile("pcap/gpac-a8-nrt-files.pcap"), true},
         {"a made broadcast, whose service names its source", madeFile.Name(), true},
-        {"a sample as it was", VYR_TEST_DATA "/pcap/gpac-a2-multi-service.pcap", false},
+        {"a sample as it was", DataFile("pcap/gpac-a2-multi-service.pcap"), false},
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.name);

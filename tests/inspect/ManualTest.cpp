@@ -5,10 +5,11 @@
 #include <string>
 
 #include "Tool.h"
+#include "support/Places.h"
 
 namespace {
 
-constexpr char k_completion[] = VYR_DOCS "/../tools/inspect/completion/";
+const std::string k_completion = "tools/inspect/completion/";
 
 std::string Output(const std::string& command)
 {
@@ -25,29 +26,29 @@ bool IsThere(const std::string& program)
 /// What bash makes of the words, of which the last is completed: up to four, each with a blank behind it.
 std::string Completed(const std::string& words)
 {
-    return Output(
-        "cd '" VYR_DOCS "' && bash -c '. ../tools/inspect/completion/vyr-atsc30-inspect.bash; COMP_WORDS=(x " + words +
-        "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _vyr_atsc30_inspect; "
-        "printf \"%s \" \"${COMPREPLY[@]:0:4}\"'");
+    return Output("cd '" + TreeFile("docs") +
+                  "' && bash -c '. ../tools/inspect/completion/vyr-atsc30-inspect.bash; COMP_WORDS=(x " + words +
+                  "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _vyr_atsc30_inspect; "
+                  "printf \"%s \" \"${COMPREPLY[@]:0:4}\"'");
 }
 
 /// The script itself demands that --help and the tables name the same options.
 TEST(Manual, IsMadeOfTheReference)
 {
     const CTemporaryFolder folder;
-    Output("'" VYR_DOCS "/../scripts/make-manual' '" VYR_INSPECT "' '" + folder.Of("'"));
-    for (const auto& [made, kept] : {std::pair<std::string, std::string>("vyr-atsc30-inspect.1", VYR_DOCS "/"),
+    Output("'" + TreeFile("scripts/make-manual' '") + k_inspect + "' '" + folder.Of("'"));
+    for (const auto& [made, kept] : {std::pair<std::string, std::string>("vyr-atsc30-inspect.1", "docs/"),
                                      {"vyr-atsc30-inspect.bash", k_completion},
                                      {"_vyr-atsc30-inspect", k_completion}}) {
         const std::string text = ReadFile(folder.Of(made));
         if (std::getenv("VYR_RECORD") != nullptr) {
-            std::ofstream(kept + made) << text;
+            std::ofstream(TreeFile(kept + made)) << text;
         }
-        EXPECT_EQ(ReadFile(kept + made), text) << "VYR_RECORD=1 makes it anew";
+        EXPECT_EQ(ReadFile(TreeFile(kept + made)), text) << "VYR_RECORD=1 makes it anew";
     }
     for (const char* check : {"groff -man -ww -z", "mandoc -Tlint -W warning"}) {
         if (IsThere(std::string(check).substr(0, std::string(check).find(' ')))) {
-            EXPECT_EQ(Output(std::string(check) + " '" VYR_DOCS "/vyr-atsc30-inspect.1' 2>&1"), "");
+            EXPECT_EQ(Output(std::string(check) + " '" + TreeFile("docs/vyr-atsc30-inspect.1' 2>&1")), "");
         }
     }
 }
@@ -84,12 +85,12 @@ TEST(Manual, Completion)
     for (const auto& test : cases) {
         EXPECT_EQ(Completed(test.words), test.completed) << test.words;
     }
-    const std::string tables = Output("bash -c '. \"" + std::string(k_completion) +
-                                      "vyr-atsc30-inspect.bash\"; COMP_WORDS=(x --table \"\"); COMP_CWORD=2; "
+    const std::string tables = Output("bash -c '. \"" + TreeFile(k_completion + "vyr-atsc30-inspect.bash") +
+                                      "\"; COMP_WORDS=(x --table \"\"); COMP_CWORD=2; "
                                       "_vyr_atsc30_inspect; printf \"%s \" \"${COMPREPLY[@]/#/--table }\"'");
     EXPECT_NE(Inspect(tables + k_lineup).status, 2) << tables;
     if (IsThere("zsh")) {
-        Output("zsh -n '" + std::string(k_completion) + "_vyr-atsc30-inspect'");
+        Output("zsh -n '" + TreeFile(k_completion + "_vyr-atsc30-inspect'"));
     }
 }
 

@@ -21,6 +21,7 @@
 #include "Tool.h"
 #include "model/Rule.h"
 #include "support/Gzip.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -29,7 +30,7 @@ using namespace vyr::inspect;
 
 TEST(Inspect, APageThatCannotBeWritten)
 {
-    const std::string lineup = ReadFile(VYR_TEST_DATA "/" + k_lineup);
+    const std::string lineup = ReadFile(DataFile(k_lineup));
     EXPECT_EQ(Inspect("--html missing/page.html " + k_lineup).status, 2);
     EXPECT_EQ(Inspect("--html missing/page.html " + k_lineup).out, "") << "told before the work";
     EXPECT_EQ(Inspect("--html missing/page.html " + k_lineup).err,
@@ -160,9 +161,9 @@ TEST(Inspect, UsageErrors)
 
 TEST(Inspect, TheReadmeShowsAScreen)
 {
-    const std::string readme = ReadFile(VYR_DOCS "/../README.md");
+    const std::string readme = ReadFile(TreeFile("README.md"));
     // The screen that the README shows: what stands between its lines of dots is what the tool writes.
-    const std::string screen = ReadFile(VYR_TEST_DATA "/inspect/broadcast.txt");
+    const std::string screen = ReadFile(DataFile("inspect/broadcast.txt"));
     const std::string begin = "$ scripts/demo\n";
     std::size_t at = readme.find(begin) + begin.size();
     const std::size_t end = readme.find("```", at);
@@ -188,9 +189,9 @@ TEST(Inspect, Rules)
         EXPECT_EQ(FindRule(k_ruleTable[i].name), k_ruleTable[i].rule) << "its name is its own";
     }
     if (std::getenv("VYR_RECORD") != nullptr) {
-        std::ofstream(VYR_DOCS "/rules.md") << RulesPage();
+        std::ofstream(TreeFile("docs/rules.md")) << RulesPage();
     }
-    EXPECT_EQ(ReadFile(VYR_DOCS "/rules.md"), RulesPage()) << "VYR_RECORD=1 makes it anew";
+    EXPECT_EQ(ReadFile(TreeFile("docs/rules.md")), RulesPage()) << "VYR_RECORD=1 makes it anew";
 
     const SResult list = Inspect("--rules --ignore no-slt --severity bad-address=note");
     EXPECT_EQ(list.status, 0);
@@ -239,7 +240,7 @@ TEST(Inspect, GuideInLocalTimeWithNamesOfGenres)
     EXPECT_NE(local.out.find("Sunday 2026-11-22 (XYZ)\n"), std::string::npos);
     EXPECT_NE(local.out.find("\n      01:30  03:30     Late news"), std::string::npos) << "midnight is elsewhere";
     EXPECT_NE(local.out.find("News at night"), std::string::npos);
-    EXPECT_EQ(utc.out, ReadFile(VYR_TEST_DATA "/inspect/guide-unit.txt"));
+    EXPECT_EQ(utc.out, ReadFile(DataFile("inspect/guide-unit.txt")));
     std::string scheme = ReadFile(genres.Name());
     scheme.insert(scheme.find("</Term>"), 8388608 - scheme.size(), ' ');
     const CTemporary largest(scheme);
@@ -274,9 +275,9 @@ TEST(Inspect, AReaderThatHasGoneIsNoError)
     const CTemporary err;
     const CTemporary status;
     // The reader is gone before the first line is written.
-    const std::string command = "cd '" VYR_TEST_DATA "'; (sleep 0.2; '" VYR_INSPECT
-                                "' pcap/gpac-a2-multi-service.pcap 2> '" +
-                                err.Name() + "'; echo $? > '" + status.Name() + "') | true";
+    const std::string command = "cd '" + DataFile() + "'; (sleep 0.2; '" + k_inspect +
+                                "' pcap/gpac-a2-multi-service.pcap 2> '" + err.Name() + "'; echo $? > '" +
+                                status.Name() + "') | true";
     EXPECT_EQ(std::system(command.c_str()), 0);
     EXPECT_EQ(ReadFile(err.Name()), "");
     EXPECT_EQ(ReadFile(status.Name()), "0\n");
@@ -290,8 +291,8 @@ TEST(Inspect, AStreamIsReportedAsItComes)
     std::remove(fifo.Name().c_str());
     ASSERT_EQ(mkfifo(fifo.Name().c_str(), 0600), 0);
     // One interrupt, to the tool alone: a second one could meet the leak check at its end.
-    const std::string command = "timeout --foreground --preserve-status -s INT 2 '" VYR_INSPECT "' --html '" +
-                                page.Name() + "' - < '" + fifo.Name() + "'";
+    const std::string command = std::string("timeout --foreground --preserve-status -s INT 2 '") + k_inspect +
+                                "' --html '" + page.Name() + "' - < '" + fifo.Name() + "'";
     FILE* out = popen(command.c_str(), "r");
     const int in = open(fifo.Name().c_str(), O_WRONLY);
     const std::string bytes = CCapture(1).AddLls(Slt(Service(1), 1)).Bytes();
@@ -324,7 +325,7 @@ TEST(Inspect, ASecondInterruptEndsTheProgramAtOnceWhateverItDoes)
         const pid_t tool = fork();
         if (tool == 0) {
             dup2(ends[1], STDOUT_FILENO);
-            execl(VYR_INSPECT, VYR_INSPECT, "--json", input.Name().c_str(), nullptr);
+            execl(k_inspect, k_inspect, "--json", input.Name().c_str(), nullptr);
             _exit(127);
         }
         for (int held = 0, before = -1; held == 0 || held != before;) {

@@ -9,6 +9,7 @@
 
 #include "Broadcast.h"
 #include "Tool.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -41,9 +42,11 @@ void ExpectRecorded(const std::string& file, const std::string& bytes)
 TEST(Sample, IsWhatItsDescriptionsSay)
 {
     const CTemporary made;
-    ASSERT_EQ(std::system(("'" VYR_MAKE_BROADCAST "' '" VYR_TEST_DATA "/broadcast' > '" + made.Name() + '\'').c_str()),
-              0);
-    ExpectRecorded(VYR_TEST_DATA "/broadcast.pcap", ReadFile(made.Name()));
+    ASSERT_EQ(
+        std::system(
+            ("'" + std::string(k_makeBroadcast) + "' '" + DataFile("broadcast' > '") + made.Name() + '\'').c_str()),
+        0);
+    ExpectRecorded(DataFile("broadcast.pcap"), ReadFile(made.Name()));
 }
 
 TEST(Sample, HasThePageThatIsShown)
@@ -55,7 +58,7 @@ TEST(Sample, HasThePageThatIsShown)
     std::string html = ReadFile(page.Name());
     const std::size_t name = html.find(page.Name());
     ASSERT_NE(name, std::string::npos);
-    ExpectRecorded(VYR_DOCS "/sample-report.html", html.replace(name, page.Name().size(), "sample-report.html"));
+    ExpectRecorded(TreeFile("docs/sample-report.html"), html.replace(name, page.Name().size(), "sample-report.html"));
 }
 
 TEST(Sample, HoldsEverythingThatIsRead)
@@ -109,7 +112,7 @@ TEST(Sample, HasTheFaultsThatItIsToHaveAndNoOthers)
         {"guide-hole", 1},               // 2005
         {"certificate-ends-soon", 1},
     };
-    const packets::SFound found = packets::FindingsOf(ReadFile(VYR_TEST_DATA "/broadcast.pcap"));
+    const packets::SFound found = packets::FindingsOf(ReadFile(DataFile("broadcast.pcap")));
     EXPECT_EQ(found.rules, faults) << found.text;
 }
 

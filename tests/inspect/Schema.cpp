@@ -8,12 +8,14 @@
 #include <valijson/schema_parser.hpp>
 #include <valijson/validator.hpp>
 
+#include "support/Places.h"
+
 namespace {
 
 struct SSchema {
     explicit SSchema(const std::string& definition)
     {
-        nlohmann::json document = nlohmann::json::parse(std::ifstream(VYR_DOCS "/report.schema.json"));
+        nlohmann::json document = nlohmann::json::parse(std::ifstream(TreeFile("docs/report.schema.json")));
         if (!definition.empty()) {
             document["oneOf"] = {{{"$ref", "#/definitions/" + definition}}};
         }

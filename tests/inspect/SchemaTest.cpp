@@ -10,6 +10,7 @@
 
 #include "Tool.h"
 #include "model/Rule.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -44,7 +45,7 @@ TEST(Schema, RefusesWhatIsBroken)
 {
     std::set<std::string> types;
     int broken = 0;
-    for (const auto& file : std::filesystem::directory_iterator(VYR_TEST_DATA "/inspect")) {
+    for (const auto& file : std::filesystem::directory_iterator(DataFile("inspect"))) {
         const std::string name = file.path().filename().string();
         if (name.find("-json.txt") == std::string::npos) {
             continue;
@@ -80,14 +81,14 @@ TEST(Schema, RefusesWhatIsBroken)
 
 TEST(Schema, KnowsEveryRuleAndTheReferenceEveryField)
 {
-    const json schema = json::parse(std::ifstream(VYR_DOCS "/report.schema.json"));
+    const json schema = json::parse(std::ifstream(TreeFile("docs/report.schema.json")));
     std::set<std::string> rules;
     for (const auto& rule : vyr::inspect::k_ruleTable) {
         rules.insert(rule.name);
     }
     EXPECT_EQ(schema["definitions"]["rule"]["enum"].get<std::set<std::string>>(), rules);
 
-    const std::string reference = ReadFile(VYR_DOCS "/inspect-reference.md");
+    const std::string reference = ReadFile(TreeFile("docs/inspect-reference.md"));
     int fields = 0;
     for (const json& record : schema["oneOf"]) {
         const json& definition = schema.at(json::json_pointer(record["$ref"].get<std::string>().substr(1)));

@@ -8,6 +8,7 @@
 #include "Findings.h"
 #include "MmtCaptures.h"
 #include "Signing.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -174,7 +175,7 @@ TEST(SignatureRules, EachIsBrokenAlone)
 
 TEST(SignatureRules, SamplesVerifyAndTheirNeighboursDoNot)
 {
-    const auto file = [](const char* name) { return ReadFile(std::string(VYR_TEST_DATA "/") + name); };
+    const auto file = [](const char* name) { return ReadFile(DataFile(name)); };
     const std::string table = Number(0x06000001, 4) + file("lls/openssl-cdt.xml");
     for (const auto& [sample, change] :
          {std::pair(file("lls/openssl-signedmultitable.bin"), std::size_t{6}), std::pair(table, table.find("168H")),

@@ -9,6 +9,7 @@
 
 #include "model/Content.h"
 #include "support/Patience.h"
+#include "support/Places.h"
 
 namespace {
 
@@ -77,7 +78,7 @@ TEST(SlsParts, EveryPackage)
 
 TEST(SlsParts, SignaturesAreLookedAtInForm)
 {
-    std::ifstream file(VYR_TEST_DATA "/route/openssl-smime-signed-sls.mime", std::ios::binary);
+    std::ifstream file(DataFile("route/openssl-smime-signed-sls.mime"), std::ios::binary);
     const std::string whole(std::istreambuf_iterator<char>(file), {});
     const auto changed = [&](const std::string& from, const std::string& to) {
         std::string text = whole;

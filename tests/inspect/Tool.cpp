@@ -3,12 +3,13 @@
 #include <sstream>
 
 #include "Schema.h"
+#include "support/Places.h"
 
 constexpr std::size_t k_long = 500000;  // bytes of a report that is about its length
 
 std::string Command(const std::string& arguments)
 {
-    return "cd '" VYR_TEST_DATA "' && exec '" VYR_INSPECT "' " + arguments;
+    return "cd '" + DataFile() + "' && exec '" + k_inspect + "' " + arguments;
 }
 
 std::vector<nlohmann::json> Lines(const std::string& text, const std::string& definition)

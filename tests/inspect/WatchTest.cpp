@@ -13,6 +13,7 @@
 #include "MadeBroadcast.h"
 #include "Tool.h"
 #include "report/MetricsReport.h"
+#include "support/Places.h"
 
 using namespace packets;
 
@@ -106,7 +107,7 @@ bool Soon(const std::function<bool()>& done)
 /// Reports on the way change nothing of what is said at the end.
 TEST(Watch, TheEndIsAsWithoutReportsOnTheWay)
 {
-    for (const auto& entry : std::filesystem::directory_iterator(VYR_TEST_DATA "/pcap")) {
+    for (const auto& entry : std::filesystem::directory_iterator(DataFile("pcap"))) {
         const std::string input = "--json --set db/x=1 '" + entry.path().string() + "'";
         const std::string without = Inspect(input).out;
         const std::string with = Inspect("--every 1 " + input).out;
@@ -207,7 +208,7 @@ TEST(Watch, MetricsAreWellFormed)
     SBroadcast broadcast;
     broadcast.services = With(broadcast.services, "NEWS", "a&quot;b\\&#10;}");
     broadcast.services += With(broadcast.services, "minorChannelNo=\"1\"", "minorChannelNo=\"2\"");
-    const CTemporary metrics, certificates(CCapture(1).AddLls(ReadFile(VYR_TEST_DATA "/lls/openssl-cdt.bin")).Bytes());
+    const CTemporary metrics, certificates(CCapture(1).AddLls(ReadFile(DataFile("lls/openssl-cdt.bin"))).Bytes());
     Inspect("--metrics '" + metrics.Name() + "' - pcap/gpac-a2-multi-service.pcap '" + certificates.Name() + "'",
             broadcast.Bytes());
     const std::string text = ReadFile(metrics.Name());
@@ -234,7 +235,7 @@ TEST(Watch, MetricsAreWellFormed)
 /// docs/metrics.md has the table of the code.
 TEST(Watch, MetricsAreDocumented)
 {
-    const std::string name = VYR_DOCS "/metrics.md";
+    const std::string name = TreeFile("docs/metrics.md");
     const std::string text =
         "# Metrics\n\n`--metrics FILE` writes these in the text format of OpenMetrics 1.0, at the end of the run and, "
         "with "

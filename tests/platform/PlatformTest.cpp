@@ -11,6 +11,7 @@
 #include "common/XML.h"
 #include "esg/SGDUParse.h"
 #include "lls/ParseSLT.h"
+#include "support/Places.h"
 #include "support/Programs.h"
 #include "support/Tables.h"
 
@@ -117,7 +118,7 @@ TEST(PlatformStartTest, ThePriorityIsThatOfTheEnvironment)
     } k_cases[] = {{"VYR_LOG=debug", "763"},  {"VYR_LOG=info", "-63"},  {"VYR_LOG=error", "--3"},
                    {"VYR_LOG=silent", "---"}, {"VYR_LOG=Debug", "-63"}, {"", "-63"}};
     for (const auto& c : k_cases) {
-        const std::string command = "unset VYR_LOG; VYR_TEST_STARTED=1 " + c.set + " " VYR_TEST_EMULATOR " '" + self +
+        const std::string command = "unset VYR_LOG; VYR_TEST_STARTED=1 " + c.set + " " + k_emulator + " '" + self +
                                     "' --gtest_filter=PlatformStartTest.*";
         const auto [said, status] = Shell(command);
         EXPECT_EQ(status, 0) << said;

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "platform/BaseParser.h"
+#include "support/Places.h"
 
 std::vector<std::string> CRecorder::s_log;
 std::vector<SAssertion> CRecorder::s_assertions;
@@ -69,7 +70,7 @@ std::string CRecorder::TakeAssertions()
 
 std::string ReadData(const std::string& name)
 {
-    std::ifstream file(std::string(VYR_TEST_DATA) + "/" + name, std::ios::binary);
+    std::ifstream file(DataFile(name), std::ios::binary);
     EXPECT_TRUE(file) << name;
     return std::string(std::istreambuf_iterator<char>(file), {});
 }
