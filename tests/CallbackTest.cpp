@@ -15,6 +15,7 @@
 #include "support/MmtBuilder.h"
 #include "support/ParserTest.h"
 #include "support/Seed.h"
+#include "support/Show.h"
 #include "support/Tables.h"
 
 namespace {
@@ -189,8 +190,10 @@ TEST_F(CallbackTest, AServiceMayBeRemovedByWhoIsToldOfIt)
     service = m_map.AddService(nullptr, 1, 2, 3, 4, 5, 6, 7, false, nullptr);
     std::string text;
     EXPECT_TRUE(m_map.RemoveService(service));
-    EXPECT_FALSE(m_map.SetServiceName(service, "n", 1) || m_map.GetSvcInetUrl(service, text) ||
-                 m_map.RemoveService(service) || m_map.DeleteClonedService(service) || m_map.CloneService(service));
+    EXPECT_EQ(
+        Each({m_map.SetServiceName(service, "n", 1), m_map.GetSvcInetUrl(service, text), m_map.RemoveService(service),
+              m_map.DeleteClonedService(service), m_map.CloneService(service) != nullptr}),
+        "00000");
     EXPECT_EQ(TakeAssertions(), "obj; obj; obj; obj");
     slt.Destroy();
     m_map.Destroy();
@@ -251,8 +254,9 @@ TEST_F(CallbackTest, OtherCallbacksMayTakeAwayWhatTheyAreGiven)
     CRRTMap ratings;
     ASSERT_TRUE(ratings.Create());
     char text[] = "text";
-    EXPECT_TRUE(ratings.Add(1, 2) && ratings.SetDimension(1, 3, true) && ratings.SetRatingVal(1, 4) &&
-                ratings.SetRatingValAbbrev(1, text, text) && ratings.SetRatingValStr(1, text, text));
+    EXPECT_EQ(Each({ratings.Add(1, 2), ratings.SetDimension(1, 3, true), ratings.SetRatingVal(1, 4),
+                    ratings.SetRatingValAbbrev(1, text, text), ratings.SetRatingValStr(1, text, text)}),
+              "11111");
     EXPECT_TRUE(ratings.GetProgramRating(
         1, 3, text, text, [](void* map, char*) { EXPECT_TRUE(static_cast<CRRTMap*>(map)->Remove(1)); }, &ratings));
     ratings.Destroy();
@@ -295,7 +299,7 @@ TEST_F(CallbackTest, TheLogMayCallBack)
                                 },
                                 nullptr};
     SetPlatform(&platform);
-    ASSERT_TRUE(m_map.Create() && ratings.Create());
+    ASSERT_EQ(Each({m_map.Create(), ratings.Create()}), "11");
     s_inside = false;
     CParseSLT slt;
     ASSERT_TRUE(slt.Create(&m_map, nullptr));

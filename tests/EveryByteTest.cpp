@@ -3,6 +3,7 @@
 #include "entries/Entries.h"
 #include "platform/Platform.h"
 #include "support/Recorder.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -42,13 +43,13 @@ class EveryByteTest : public CRecorder, public testing::WithParamInterface<SEntr
 TEST_P(EveryByteTest, WhateverComesIsReadWithinItsBytesAndLeavesNothing)
 {
     const SEntry fresh = GetParam().make();
-    ASSERT_TRUE(fresh.create() && fresh.parse());
+    ASSERT_EQ(Each({fresh.create(), fresh.parse()}), "11");
     const std::string good = Held(fresh);
     fresh.digest();
     EXPECT_TRUE(s_log.empty()) << "only what is debugged is shown";
     const std::string input = fresh.input();
     fresh.destroy();
-    ASSERT_FALSE(good.empty() || input.empty());
+    ASSERT_EQ(Join(good.empty(), input.empty()), "0|0");
 
     // One object lives through it all, another one takes the one input alone.
     const SEntry lived = GetParam().make();
@@ -81,7 +82,7 @@ TEST_P(EveryByteTest, WhateverComesIsReadWithinItsBytesAndLeavesNothing)
             ASSERT_TRUE(lived.create());
         }
     }
-    EXPECT_TRUE(taken > 0 && (taken < fed || fresh.mayLose)) << taken << " of " << fed;
+    EXPECT_EQ(Join(taken > 0, taken < fed || fresh.mayLose), "1|1") << taken << " of " << fed;
     lived.destroy();
     lived.take(input);
     ASSERT_TRUE(lived.create());

@@ -23,6 +23,7 @@
 #include "route/SLS/ServiceName.h"
 #include "route/SLS/SrcFlow.h"
 #include "support/Recorder.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -96,9 +97,10 @@ TEST_F(NotCreatedTest, Documents)
                   xml.getStringContent(this, nullptr), xml.getStringProp(this, "a", nullptr));
     EXPECT_EQ(root, this);
     ASSERT_TRUE(xml.Create("<r/>", 4, false));
-    EXPECT_FALSE(xml.MoveRoot(nullptr) || xml.MoveChild(nullptr) || xml.MoveNext(nullptr) || xml.Name(nullptr) ||
-                 xml.Ns(nullptr, nullptr) || xml.Compare(nullptr, "r") || xml.PeekPropStr(nullptr, "a", nullptr) ||
-                 xml.NodeDump(nullptr, nullptr));
+    EXPECT_EQ(Each({xml.MoveRoot(nullptr), xml.MoveChild(nullptr) != nullptr, xml.MoveNext(nullptr) != nullptr,
+                    xml.Name(nullptr) != nullptr, xml.Ns(nullptr, nullptr) != nullptr, xml.Compare(nullptr, "r"),
+                    xml.PeekPropStr(nullptr, "a", nullptr), xml.NodeDump(nullptr, nullptr) != nullptr}),
+              "00000000");
     bool found = true;
     EXPECT_STREQ(std::unique_ptr<char[]>(xml.PropStr(nullptr, "a", &found)).get(), "");
     EXPECT_FALSE(found);
@@ -117,7 +119,7 @@ TEST_F(NotCreatedTest, Tables)
     EAEAPriority priority{};
     ExpectNothing((aeat.Destroy(), 0), aeat.AEACount(), aeat.GetAEAId(0, m_text, m_text), aeat.GetAEAType(0, type),
                   aeat.GetAEAPriority(0, priority), aeat.AEAWakeup(0), aeat.AEAEventDescCount(0), aeat.GetAEA(0));
-    EXPECT_TRUE(Logged("Func:GetAEAType,") == 1 && Logged("Func:GetAEA,") == 1) << "each under its own name";
+    EXPECT_EQ(Join(Logged("Func:GetAEAType,"), Logged("Func:GetAEA,")), "1|1") << "each under its own name";
     CParseCDT cdt;
     long from = 7;
     std::list<std::string> list;

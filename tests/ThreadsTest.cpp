@@ -12,6 +12,7 @@
 #include "lls/RRTMap.h"
 #include "support/Places.h"
 #include "support/Services.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ void RunAll(const TEntryKinds& kinds)
 {
     for (const SEntryKind& kind : kinds) {
         const SEntry entry = kind.make();
-        EXPECT_TRUE(entry.create() && entry.parse()) << kind.name;
+        EXPECT_EQ(Each({entry.create(), entry.parse()}), "11") << kind.name;
         entry.digest();
         entry.destroy();
     }
@@ -30,7 +31,7 @@ void Genres()
     const std::string text =
         "<Service id='s'><Genre>urn:x:1</Genre><Genre>urn:x:2.7</Genre><Genre>urn:x:3</Genre></Service>";
     CESGServiceFragment service;
-    ASSERT_TRUE(service.Create() && service.Parse(text.data(), static_cast<unsigned int>(text.size())));
+    ASSERT_EQ(Each({service.Create(), service.Parse(text.data(), static_cast<unsigned int>(text.size()))}), "11");
     const auto& genres = service.State()->genres;
     EXPECT_STREQ(genres[0]->State()->name, "One");
     EXPECT_STREQ(genres[1]->State()->name, "Two");
@@ -57,7 +58,7 @@ TEST_F(ThreadsTest, AParserPerThreadAndStoresThatAreShared)
     SetLogPriority(LOG_PRIORITY_SILENT);  // the recorder itself takes no lock
     CChannelMap map;                      // stores that others share must not end with the first of them
     CRRTMap ratings;
-    ASSERT_TRUE(map.Create() && ratings.Create());
+    ASSERT_EQ(Each({map.Create(), ratings.Create()}), "11");
     static void (*const k_families[])() = {[] { RunAll(LlsEntries()); },   [] { RunAll(RouteEntries()); },
                                            [] { RunAll(MmtEntries()); },   [] { RunAll(GuideEntries()); },
                                            [] { RunAll(StoreEntries()); }, Genres};
@@ -95,7 +96,7 @@ TEST_F(ThreadsTest, TheChannelMapIsShared)
                 map.SetCallback(i % 2 == 0 ? &callback : nullptr);
                 void* own = map.AddService(&map, 1, i, t, 3, 4, 5, 6, false, nullptr);
                 void* shared = map.AddService(nullptr, 1, 7, 3, 4, 5, 6, 7, false, nullptr);
-                EXPECT_TRUE(own && shared && map.SetServiceName(own, "name", 4) && map.SetServiceName(shared, "n", 1));
+                EXPECT_EQ(Each({map.SetServiceName(own, "name", 4), map.SetServiceName(shared, "n", 1)}), "11");
                 EXPECT_FALSE(ServicesOf(map).empty());
                 EXPECT_TRUE(map.RemoveService(own));
             }

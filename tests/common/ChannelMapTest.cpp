@@ -4,6 +4,7 @@
 
 #include "support/ParserTest.h"
 #include "support/Services.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -75,7 +76,8 @@ TEST_F(ChannelMapTest, TheCategorySetterChangesWhatIsMatched)
     EXPECT_TRUE(m_parser.RemoveService(second));
     EXPECT_EQ(Add(m_parser, nine), first);
     EXPECT_TRUE(m_parser.RemoveService(first));
-    EXPECT_FALSE(Add(m_parser, nine, &existed) == nullptr || existed);
+    EXPECT_NE(Add(m_parser, nine, &existed), nullptr);
+    EXPECT_FALSE(existed);
 }
 
 TEST_F(ChannelMapTest, FieldsAndTheirDefaults)
@@ -84,11 +86,12 @@ TEST_F(ChannelMapTest, FieldsAndTheirDefaults)
     EXPECT_EQ(ShowService(m_parser, service), "1|[2 3 4 5 6 7]|4294967295|65535|4294967295|0|0|-1|0|0||||0|");
     EXPECT_TRUE(m_parser.SetDestination(service, 0xE000173C, 4937));
     EXPECT_EQ(Logged("address: 224.0.23.60, port: 4937"), 1);
-    EXPECT_TRUE(m_parser.SetSource(service, 7) && m_parser.SetProtected(service, true) &&
-                m_parser.SetDrmSystemID(service, "drm") && m_parser.SetSvcInetUrl(service, "http://u") &&
-                m_parser.SetProtocolType(service, ATSC3_PROTOCOL_MMTP) &&
-                m_parser.SetSvcInetUrlType(service, ATSC3_URL_ESG_SERVER) &&
-                m_parser.SetServiceCategory(service, 4, true, true));
+    EXPECT_EQ(Each({m_parser.SetSource(service, 7), m_parser.SetProtected(service, true),
+                    m_parser.SetDrmSystemID(service, "drm"), m_parser.SetSvcInetUrl(service, "http://u"),
+                    m_parser.SetProtocolType(service, ATSC3_PROTOCOL_MMTP),
+                    m_parser.SetSvcInetUrlType(service, ATSC3_URL_ESG_SERVER),
+                    m_parser.SetServiceCategory(service, 4, true, true)}),
+              "1111111");
     // A copy keeps all of it after the service is gone.
     void* clone = m_parser.CloneService(service);
     EXPECT_TRUE(m_parser.RemoveService(service));
@@ -209,7 +212,7 @@ TEST_F(ChannelMapTest, TheLastHandleFreesTheStore)
     second.Destroy();
     EXPECT_EQ(Logged("m->refCnt[0]"), 1);
     EXPECT_EQ(Add(m_parser, SNine()), nullptr);
-    EXPECT_FALSE(m_parser.RemoveService(service) || m_parser.SetCallback(nullptr));
+    EXPECT_EQ(Each({m_parser.RemoveService(service), m_parser.SetCallback(nullptr)}), "00");
     m_parser.Destroy();
     EXPECT_EQ(s_assertions.back().file, "src/common/ChannelMap");
     EXPECT_EQ(TakeAssertions(), "m; m; m; m");
@@ -218,8 +221,9 @@ TEST_F(ChannelMapTest, TheLastHandleFreesTheStore)
     EXPECT_FALSE(m_parser.Create());
     EXPECT_EQ(TakeAssertions(), "!m");
     std::string text;
-    EXPECT_FALSE(m_parser.GetDrmSystemID(nullptr, text) || m_parser.RemoveService(nullptr) ||
-                 m_parser.SetProtected(nullptr, true));
+    EXPECT_EQ(Each({m_parser.GetDrmSystemID(nullptr, text), m_parser.RemoveService(nullptr),
+                    m_parser.SetProtected(nullptr, true)}),
+              "000");
     EXPECT_FALSE(m_parser.SetSvcInetUrl(nullptr, "u"));
     EXPECT_EQ(s_assertions.back().file, "src/common/ChannelMapST");
     EXPECT_EQ(TakeAssertions(), "obj; obj; obj");
@@ -264,11 +268,12 @@ TEST_F(ChannelMapTest, NoServiceAndNothingToGive)
     }
     unsigned short length = 3;
     unsigned char name[3];
-    EXPECT_FALSE(m_parser.SetSvcInetUrl(service, nullptr) || m_parser.SetGlobalServiceId(service, nullptr, 0) ||
-                 m_parser.SetGlobalServiceId(service, "i", -1) || m_parser.SetGlobalServiceId(nullptr, "i", 1) ||
-                 m_parser.SetServiceName(service, nullptr, 0) || m_parser.SetServiceName(service, "n", -1) ||
-                 m_parser.SetServiceName(nullptr, "n", 1) || m_parser.GetServiceName(service, nullptr, length) ||
-                 m_parser.GetServiceName(nullptr, name, length) || m_parser.GetServiceList(nullptr, nullptr));
+    EXPECT_EQ(Each({m_parser.SetSvcInetUrl(service, nullptr), m_parser.SetGlobalServiceId(service, nullptr, 0),
+                    m_parser.SetGlobalServiceId(service, "i", -1), m_parser.SetGlobalServiceId(nullptr, "i", 1),
+                    m_parser.SetServiceName(service, nullptr, 0), m_parser.SetServiceName(service, "n", -1),
+                    m_parser.SetServiceName(nullptr, "n", 1), m_parser.GetServiceName(service, nullptr, length),
+                    m_parser.GetServiceName(nullptr, name, length), m_parser.GetServiceList(nullptr, nullptr)}),
+              "0000000000");
     EXPECT_EQ(TakeAssertions(), "url; id; id; obj; name; name; obj; buffer; obj; fn");
 }
 
@@ -309,8 +314,9 @@ TEST_F(ChannelMapTest, RemovalsKeepTheOrder)
     walk.ids.clear();
     m_parser.GetServiceList(visit, &walk);
     EXPECT_EQ(walk.ids, "3 4 10 ");
-    EXPECT_TRUE(m_parser.RemoveService(services[3]) && m_parser.RemoveService(services[4]) &&
-                m_parser.RemoveService(services[10]) && Count(m_parser) == 0);
+    EXPECT_EQ(Each({m_parser.RemoveService(services[3]), m_parser.RemoveService(services[4]),
+                    m_parser.RemoveService(services[10]), Count(m_parser) == 0}),
+              "1111");
     add(11);
     EXPECT_EQ(Count(m_parser), 1u);
     EXPECT_TRUE(m_parser.RemoveService(services[11]));

@@ -10,6 +10,7 @@
 #include "platform/Platform.h"
 #include "support/ParserTest.h"
 #include "support/Patience.h"
+#include "support/Show.h"
 #include "support/Tables.h"
 
 namespace {
@@ -92,7 +93,8 @@ TEST_F(GrowthTest, LongListsEnd)
                  map.Add(std::to_string(i).c_str());
              }
              for (int i = n; i-- > 0;) {
-                 EXPECT_TRUE(map.isExisted(std::to_string(i).c_str()) && map.Remove(std::to_string(i).c_str()));
+                 EXPECT_EQ(Each({map.isExisted(std::to_string(i).c_str()), map.Remove(std::to_string(i).c_str())}),
+                           "11");
              }
          }},
         {"References", 200000,
@@ -139,7 +141,8 @@ TEST_F(GrowthTest, SignedDataInSignedData)
     }
     std::string text;
     std::list<std::string> certificates;
-    EXPECT_TRUE(cdt.GetToBeSignedData(text) && text == signedData && cdt.GetCertificates(certificates));
+    EXPECT_EQ(Join(cdt.GetToBeSignedData(text), text), "1|" + signedData);
+    EXPECT_TRUE(cdt.GetCertificates(certificates));
     EXPECT_EQ(certificates, std::list<std::string>{"d"});
 }
 

@@ -28,8 +28,8 @@ TEST_F(RSATTest, ServicesAndTheirUpdates)
                  "<Update preferred='TRUE' majorChannelNo='7' minorChannelNo='8' frequency='uf' broadcastType='ub' "
                  "validFrom='vf'/><Update/></Service><Service/></RSAT>"));
     std::string text;
-    EXPECT_TRUE(rsat.GetTimestamp(text) && text == "2027");
-    EXPECT_TRUE(rsat.GetRSATInetURL(text) && text == "http://r");
+    EXPECT_EQ(Join(rsat.GetTimestamp(text), text), "1|2027");
+    EXPECT_EQ(Join(rsat.GetRSATInetURL(text), text), "1|http://r");
     ASSERT_EQ(rsat.NumOfService(), 2);
     SRSATServiceInfo service;
     ASSERT_TRUE(rsat.GetServiceInfo(0, &service));
@@ -37,16 +37,18 @@ TEST_F(RSATTest, ServicesAndTheirUpdates)
     SRSATUpdateInfo update;
     ASSERT_TRUE(rsat.GetUpdateInfo(0, 1, &update));
     EXPECT_EQ(Show(update), Show(service.updates.back()));
-    EXPECT_TRUE(rsat.NumOfUpdate(0) == 2 && rsat.NumOfUpdate(1) == 0 && rsat.NumOfUpdate(2) == 0);
-    EXPECT_FALSE(rsat.GetServiceInfo(2, &service) || rsat.GetUpdateInfo(0, 2, &update) ||
-                 rsat.GetUpdateInfo(0, -1, &update) || rsat.GetUpdateInfo(-1, 0, &update));
+    EXPECT_EQ(Join(rsat.NumOfUpdate(0), rsat.NumOfUpdate(1), rsat.NumOfUpdate(2)), "2|0|0");
+    EXPECT_EQ(Join(rsat.GetServiceInfo(2, &service), rsat.GetUpdateInfo(0, 2, &update),
+                   rsat.GetUpdateInfo(0, -1, &update), rsat.GetUpdateInfo(-1, 0, &update)),
+              "0|0|0|0");
     EXPECT_EQ(service.frequency, "f");
-    EXPECT_FALSE(rsat.GetServiceInfo(0, nullptr) || rsat.GetUpdateInfo(0, 1, nullptr));
+    EXPECT_EQ(Join(rsat.GetServiceInfo(0, nullptr), rsat.GetUpdateInfo(0, 1, nullptr)), "0|0");
     EXPECT_EQ(TakeAssertions(), "info; info");
     EXPECT_EQ(Logged("[sm_CbUpdate] 7, 8, vf "), 1);
     EXPECT_FALSE(rsat.Create());
     rsat.Destroy();
-    EXPECT_FALSE(ParseXml(rsat, "<RSAT timestamp='t'/>") || rsat.NumOfService() || rsat.GetTimestamp(text));
+    EXPECT_FALSE(ParseXml(rsat, "<RSAT timestamp='t'/>"));
+    EXPECT_EQ(Join(rsat.NumOfService(), rsat.GetTimestamp(text)), "0|0");
     EXPECT_EQ(TakeAssertions(), "!m; m != nullptr; m; m");
     rsat.Parse(nullptr, 0u);
     EXPECT_EQ(TakeAssertions(), "buffer");

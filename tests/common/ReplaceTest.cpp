@@ -17,6 +17,7 @@
 #include "route/SLS/RS.h"
 #include "route/SLS/STSID.h"
 #include "support/ParserTest.h"
+#include "support/Show.h"
 #include "support/Tables.h"
 
 namespace {
@@ -137,7 +138,8 @@ TEST_F(ReplaceTest, ListsInAlertsAndRegionsHaveAnEndToo)
     // A live broadcast is none of a list, but its names are.
     for (const std::size_t left : {1u, 2u}) {
         FeedXml(aeat, "<AEAT><AEA>" + media.substr(left * 8) + "<LiveMedia><ServiceName/></LiveMedia></AEA></AEAT>");
-        ASSERT_TRUE(aeat.AEACount() == 1 && aeat.GetAEA(0)->liveMedia);
+        ASSERT_EQ(aeat.AEACount(), 1);
+        ASSERT_TRUE(aeat.GetAEA(0)->liveMedia);
         EXPECT_EQ(aeat.GetAEA(0)->liveMedia->serviceNames.size(), left - 1);
     }
     aeat.Destroy();
@@ -181,7 +183,8 @@ TEST_F(ReplaceTest, UnitsAreCutWithTheirOwnOffsets)
     }
     const auto* last = sgdu.State()->arrayFragment.back().get();
     EXPECT_FALSE(Feed(sgdu, unit("<Service id='e'/>", "")));
-    EXPECT_TRUE(sgdu.State()->arrayHead.size() == 2 && sgdu.State()->arrayFragment.back().get() == last);
+    EXPECT_EQ(sgdu.State()->arrayHead.size(), 2u);
+    EXPECT_EQ(sgdu.State()->arrayFragment.back().get(), last);
     sgdu.SetReplace(false);
     Feed(sgdu, unit("<Service id='e'/>", ""));
     EXPECT_EQ(sgdu.State()->arrayHead.size(), 4u);
@@ -195,11 +198,12 @@ TEST_F(ReplaceTest, RatingStoreStartsARegionAnew)
         return map.GetProgramRating(
             1, 0, empty, text, [](void*, char*) {}, nullptr);
     };
-    EXPECT_TRUE(map.Add(1, 7) && map.SetDimension(1, 0, false) && map.SetRatingVal(1, 1) &&
-                map.SetRatingValAbbrev(1, empty, abbreviation) && map.SetRatingValStr(1, empty, text));
-    EXPECT_TRUE(map.Add(1, 8) && rated());
+    EXPECT_EQ(Each({map.Add(1, 7), map.SetDimension(1, 0, false), map.SetRatingVal(1, 1),
+                    map.SetRatingValAbbrev(1, empty, abbreviation), map.SetRatingValStr(1, empty, text)}),
+              "11111");
+    EXPECT_EQ(Each({map.Add(1, 8), rated()}), "11");
     map.SetReplace(true);
-    EXPECT_TRUE(map.Add(1, 9) && !rated());
+    EXPECT_EQ(Each({map.Add(1, 9), rated()}), "10");
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "support/Places.h"
 #include "support/Programs.h"
 #include "support/Recorder.h"
+#include "support/Show.h"
 
 // What a program around the library may still set for all of libxml2, which calls it old.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -244,7 +245,7 @@ TEST_F(XMLTest, HostSettingsDoNotLeakIn)
     EXPECT_STREQ(m_xml.Name(m_xml.MoveChild(m_root)), "e");  // a reference stays one
     EXPECT_FALSE(Open("<r>"));
     EXPECT_EQ(s_told, 0);
-    EXPECT_TRUE(xmlGenericError == HostError && xmlGenericErrorContext == &s_told);
+    EXPECT_EQ(Join(xmlGenericError == HostError, xmlGenericErrorContext == &s_told), "1|1");
     xmlSetGenericErrorFunc(nullptr, nullptr);
     xmlSubstituteEntitiesDefault(0);
     xmlKeepBlanksDefault(1);
@@ -278,7 +279,7 @@ TEST_F(XMLTest, MisuseIsAsserted)
     EXPECT_FALSE(m_xml.Create(static_cast<void*>(nullptr)));
     EXPECT_EQ(TakeAssertions(), "m; docPtr");
     ASSERT_TRUE(Open("<r/>"));
-    EXPECT_FALSE(m_xml.Create("<r/>", 4, false) || m_xml.Create("f") || m_xml.Create(m_xml.Doc()));
+    EXPECT_EQ(Each({m_xml.Create("<r/>", 4, false), m_xml.Create("f"), m_xml.Create(m_xml.Doc())}), "000");
     EXPECT_EQ(TakeAssertions(), "!m; !m; !m");
     EXPECT_FALSE(Open("<r><a></r>"));
     EXPECT_GE(Logged("[Xml Error Info]"), 1);
@@ -468,7 +469,7 @@ TEST_F(XMLTest, NodesOutliveNothing)
     std::thread([&mine, this] {
         static thread_local SLate s_late;
         std::unique_ptr<SLate> last = std::make_unique<SLate>();
-        EXPECT_TRUE(s_late.Open() && last->Open() && Open("<r/>"));
+        EXPECT_EQ(Each({s_late.Open(), last->Open(), Open("<r/>")}), "111");
         mine.xml.Destroy();
         EXPECT_EQ(pthread_setspecific(s_key, last.release()), 0);
     }).join();
@@ -478,7 +479,7 @@ TEST_F(XMLTest, NodesOutliveNothing)
     for (int i = 0; i < 3000; ++i) {
         many += "<e a='1'/>";
     }
-    ASSERT_TRUE(Open(many + "</r>") && Open(many + "</r>"));
+    ASSERT_EQ(Each({Open(many + "</r>"), Open(many + "</r>")}), "11");
 
     // Nodes of one allocator are not freed by another, which gets back all that it gave.
     {

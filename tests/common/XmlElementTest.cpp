@@ -10,6 +10,7 @@
 #include "route/SLS/UnicastAppSvc.h"
 #include "support/ParserTest.h"
 #include "support/Places.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -37,7 +38,7 @@ TEST_F(XmlElementTest, WhatABaseAssertsNamesTheSourceOfTheClassAndALineOfIt)
              CRS rs;
              rs.Destroy();
              EXPECT_FALSE(ParseXml(rs, "<RS/>"));
-             EXPECT_TRUE(rs.Create() && !rs.Create() && rs.State());
+             EXPECT_EQ(Each({rs.Create(), rs.Create(), rs.State() != nullptr}), "101");
              rs.Destroy();
              EXPECT_EQ(rs.State(), nullptr);
          }},

@@ -10,6 +10,7 @@
 #include "esg/GenreNameParse.h"
 #include "support/ParserTest.h"
 #include "support/Places.h"
+#include "support/Show.h"
 
 SHOW(CESGServiceFragment::SESGServiceFragment, s.ns, s.id, s.version, s.validFrom, s.validTo, s.globalServiceID,
      s.weight, s.emergency, s.serviceType, s.names, s.descriptions, s.audioLanguages, s.textLanguages,
@@ -73,11 +74,11 @@ TEST_F(ESGFragmentTest, Service)
     // Required: the next one adds to it; one that fails leaves it.
     ASSERT_TRUE(ParseXml(fragment, "<Service id='z' emergency='0'><ServiceType/><Name/></Service>"));
     EXPECT_EQ(TakeAssertions(), "content != nullptr");
-    EXPECT_TRUE(!s.ns && !s.globalServiceID && !s.emergency && s.names.size() == 3 && s.broadcaseArea);
+    EXPECT_EQ(Join(s.ns, s.globalServiceID, s.emergency, s.names.size(), s.broadcaseArea), "-|-|0|3|{1|-|-|-|-}");
     EXPECT_FALSE(ParseXml(fragment, "<Service id='y'"));
     EXPECT_STREQ(s.id.get(), "z");
     EXPECT_FALSE(ParseXml(fragment, "<Service><Name/></Service>"));
-    EXPECT_TRUE(!s.id && s.names.size() == 3);
+    EXPECT_EQ(Join(s.id, s.names.size()), "-|3");
     EXPECT_EQ(Logged("_CHECK FAIL: src/esg/ESGServiceFragment:"), 2);
 }
 
@@ -96,8 +97,9 @@ TEST_F(ESGFragmentTest, Content)
     EXPECT_EQ(Show(s),
               "-|a|1|2|4294967295|b|c|d|3|[{-|-|e|[]|[]}]|[{-|-|f|[]|[]}]|[{|-} {|-}]|[{|-}]|1800|[{-|0|0|[]|[]}]|"
               "[{-|g}]|[{-|-|4|4|-}]|[{0|h|0|[]|-|-}]|{6|0|0|0}|{0|9}|{-|0|0|0|i|-|[]|[]}");
-    EXPECT_TRUE(Logged("[CPopularity::Destroy]") == 1 && Logged("[CFreshness::Destroy]") == 1 &&
-                Logged("[CContentPrivateExt::Destroy]") == 1);
+    EXPECT_EQ(Join(Logged("[CPopularity::Destroy]"), Logged("[CFreshness::Destroy]"),
+                   Logged("[CContentPrivateExt::Destroy]")),
+              "1|1|1");
 
     ASSERT_TRUE(
         ParseXml(fragment, "<Content id=''><ServiceReference idRef='x'/><ServiceReference weight='1'/></Content>"));
@@ -197,8 +199,7 @@ TEST_F(ESGFragmentTest, MatchCallbacks)
     for (const char* id : {"s2", "s1"}) {
         EXPECT_EQ(CESGContentFragment::sm_CbFragServiceId(&content, id, 2), 0);
         EXPECT_EQ(CESGScheduleFragment::sm_CbFragServiceId(&schedule, id, 2), 0);
-        EXPECT_TRUE(content.State()->serviceMatch == (id[1] == '1') &&
-                    schedule.State()->serviceMatch == (id[1] == '1'));
+        EXPECT_EQ(Join(content.State()->serviceMatch, schedule.State()->serviceMatch), id[1] == '1' ? "1|1" : "0|0");
     }
     EXPECT_EQ(Logged("[CESGScheduleFragment::sm_CbFragServiceId] Unmatch FragServiceId"), 2);
     EXPECT_EQ(CESGContentFragment::sm_CbFragServiceId(nullptr, "a", 1), 0);

@@ -18,7 +18,8 @@
 struct SDocument {
     explicit SDocument(const std::string& text)
     {
-        EXPECT_TRUE(xml.Create(text.data(), static_cast<int>(text.size()), false) && xml.MoveRoot(&root)) << text;
+        EXPECT_EQ(Each({xml.Create(text.data(), static_cast<int>(text.size()), false), xml.MoveRoot(&root)}), "11")
+            << text;
     }
 
     ~SDocument() { xml.Destroy(); }

@@ -4,6 +4,7 @@
 #include "esg/Elements.h"
 #include "esg/SGResponse.h"
 #include "support/ParserTest.h"
+#include "support/Show.h"
 
 SHOW(CSGResponse::SResponseValidity, s.expirationTime, s.timeWindow)
 SHOW(CSGResponse::SSGResponse, s.status, s.lastResponseVersion, s.supportedVersions, s.descriptors, s.responseValidity,
@@ -32,14 +33,15 @@ TEST_F(SGDDParseTest, Descriptor)
     sgdd.SetCompress(true);
     EXPECT_TRUE(ParseXml(sgdd, Gzip(k_sgdd)));
     EXPECT_TRUE(ParseXml(sgdd, "<ServiceGuideDeliveryDescriptor/>"));
-    EXPECT_TRUE(!state.id && !state.ns && state.version == 0 && state.descriptorEntries.size() == 4);
+    EXPECT_EQ(Join(state.id, state.ns, state.version, state.descriptorEntries.size()), "-|-|0|4");
     EXPECT_FALSE(ParseXml(sgdd, "<SGResponse>" + k_sgdd + "</SGResponse>"));
     EXPECT_EQ(TakeAssertions(), "");
 
     CXML outer;
     void* root = nullptr;
     const std::string siblings = "<r> <Other id='x'/>text" + k_sgdd + "<ServiceGuideDeliveryDescriptor/></r>";
-    ASSERT_TRUE(outer.Create(siblings.data(), static_cast<int>(siblings.size()), false) && outer.MoveRoot(&root));
+    ASSERT_EQ(Each({outer.Create(siblings.data(), static_cast<int>(siblings.size()), false), outer.MoveRoot(&root)}),
+              "11");
     EXPECT_TRUE(sgdd.Parse(outer.Doc(), outer.MoveChild(root)));  // begins at white space
     EXPECT_STREQ(state.id.get(), "a");
     EXPECT_FALSE(sgdd.Parse(outer.Doc(), root));
@@ -70,8 +72,9 @@ TEST_F(SGDDParseTest, Response)
     EXPECT_EQ(Show(state), "1|2|[1.0 1.1]|[{u|a|2|[{3|-|{-|4|-|0|0}|[]|[]} {5|-|-|[]|[]}]} {-|b|0|[]}]|3981234567|4|d");
     response.SetCompress(true);
     EXPECT_TRUE(ParseXml(response, Gzip("<SGResponse/>")));
-    EXPECT_TRUE(state.status == 0 && state.lastResponseVersion == 0 && state.supportedVersions.size() == 2 &&
-                state.descriptors.size() == 2 && state.responseValidity && state.privateExt);
+    EXPECT_EQ(Join(state.status, state.lastResponseVersion, state.supportedVersions.size(), state.descriptors.size(),
+                   state.responseValidity, state.privateExt),
+              "0|0|2|2|3981234567|4|d");
     EXPECT_FALSE(ParseXml(response, k_sgdd));
     response.Destroy();
     EXPECT_EQ(Logged("[CSGDDParse::Destroy]"), 2);
@@ -85,18 +88,18 @@ TEST(ESGFragmentMapTest, IsSharedAndCounted)
     CRecorder::s_assertions.clear();
     CESGFragmentMap one;
     CESGFragmentMap other;
-    EXPECT_TRUE(!one.isExisted("a") && !one.Add("a") && !one.Remove("a"));
+    EXPECT_EQ(Each({one.isExisted("a"), one.Add("a"), one.Remove("a")}), "000");
     one.Destroy();
-    EXPECT_TRUE(one.Create() && other.Create() && !one.Create());
+    EXPECT_EQ(Each({one.Create(), other.Create(), one.Create()}), "110");
     EXPECT_EQ(CRecorder::s_assertions.size(), 5u);
     EXPECT_EQ(SESGFragmentMap::refMapCnt, 2);
-    EXPECT_TRUE(one.Add("a") && one.Add("b") && other.Add("a"));
-    EXPECT_TRUE(!one.Add(nullptr) && !one.Remove(nullptr) && !one.isExisted(nullptr) && !one.Remove("c"));
-    EXPECT_TRUE(one.Remove("a") && other.isExisted("a") && one.Remove("a") && !one.isExisted("a"));
+    EXPECT_EQ(Each({one.Add("a"), one.Add("b"), other.Add("a")}), "111");
+    EXPECT_EQ(Each({one.Add(nullptr), one.Remove(nullptr), one.isExisted(nullptr), one.Remove("c")}), "0000");
+    EXPECT_EQ(Each({one.Remove("a"), other.isExisted("a"), one.Remove("a"), one.isExisted("a")}), "1110");
     one.Destroy();
-    EXPECT_TRUE(other.isExisted("b") && !other.isExisted("B"));
+    EXPECT_EQ(Join(other.isExisted("b"), other.isExisted("B")), "1|0");
     other.Destroy();
-    EXPECT_TRUE(other.Create() && !other.isExisted("b"));
+    EXPECT_EQ(Each({other.Create(), other.isExisted("b")}), "10");
     other.Destroy();
     EXPECT_EQ(SESGFragmentMap::refMapCnt, 0);
     EXPECT_FALSE(SESGFragmentMap::refMap.isExisted("b"));

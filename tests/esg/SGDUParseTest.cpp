@@ -6,6 +6,7 @@
 #include "support/MmtWriter.h"
 #include "support/ParserTest.h"
 #include "support/Patience.h"
+#include "support/Show.h"
 #include "support/Tables.h"
 
 namespace {
@@ -72,10 +73,11 @@ TEST_F(SGDUParseTest, EveryField)
 {
     ASSERT_TRUE(Feed(m_parser, Unit({k_schedule, k_service, k_content})));
     const CSGDUParse::SSGDUParse& state = *m_parser.State();
-    EXPECT_TRUE(state.extensionOffset == 0x01020304 && state.reserved == 0x0506 && state.nOServiceGuideFragments == 3);
+    EXPECT_EQ(Join(state.extensionOffset, state.reserved, state.nOServiceGuideFragments), Join(0x01020304, 0x0506, 3));
     ASSERT_EQ(state.arrayHead.size(), 3u);
-    EXPECT_TRUE(state.arrayHead[1]->fragmentTransportID == 220 && state.arrayHead[1]->fragmentVersion == 221 &&
-                state.arrayHead[1]->fragmentOffset == 122);
+    EXPECT_EQ(Join(state.arrayHead[1]->fragmentTransportID, state.arrayHead[1]->fragmentVersion,
+                   state.arrayHead[1]->fragmentOffset),
+              "220|221|122");
     EXPECT_EQ(Kept(), "3Pccc1Sa2Cbb");
     const CSGDUParse::SFragmentSGDU& second = *state.arrayFragment[1];
     EXPECT_EQ(second.length, k_service.text.size());
@@ -83,8 +85,7 @@ TEST_F(SGDUParseTest, EveryField)
     EXPECT_EQ(Logged("[CSGDUParse::Parse] nOServiceGuideFragments=3"), 1);
     EXPECT_EQ(Logged("[CSGDUParse::Parse] m->arrayFragment.push_back() -a[2] "), 1);
     Renew();
-    EXPECT_TRUE(Logged("create SGDU") == 2 && Logged("destroy SGDU") == 1 &&
-                Logged("[CESGContentFragment::Destroy]") == 1);
+    EXPECT_EQ(Join(Logged("create SGDU"), Logged("destroy SGDU"), Logged("[CESGContentFragment::Destroy]")), "2|1|1");
 }
 
 TEST_F(SGDUParseTest, OneBadFragmentCostsNoOther)
@@ -176,7 +177,7 @@ TEST_F(SGDUParseTest, Compressed)
     EXPECT_TRUE(Feed(m_parser, gzip));
     EXPECT_EQ(Kept(), "1Sa2Cb");
     EXPECT_FALSE(Feed(m_parser, unit));  // not gzip: taken for empty
-    EXPECT_TRUE(m_parser.State()->extracted && m_parser.State()->extractedSize == 0);
+    EXPECT_EQ(Join(m_parser.State()->extracted != nullptr, m_parser.State()->extractedSize), "1|0");
     EXPECT_FALSE(Feed(m_parser, "\x1F"));
     EXPECT_FALSE(Feed(m_parser, "\x1F\x8B"));
     EXPECT_EQ(Logged("inflate failure"), 0);
@@ -191,7 +192,7 @@ TEST_F(SGDUParseTest, Compressed)
     std::string damaged = gzip;
     damaged[gzip.size() - 5] ^= 1;  // the checksum
     EXPECT_FALSE(Feed(m_parser, damaged));
-    EXPECT_TRUE(Logged("inflate failure") == 1 && Logged("[CSGDUParse::Parse] Extra Data failed ") == 1);
+    EXPECT_EQ(Join(Logged("inflate failure"), Logged("[CSGDUParse::Parse] Extra Data failed ")), "1|1");
     EXPECT_EQ(m_parser.State()->extracted, nullptr);
 
     // Without a trailer at a step's end: all is read when all is written, and whether that was all shows a step later.

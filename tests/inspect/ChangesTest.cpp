@@ -10,6 +10,7 @@
 #include "inspect/MmtCaptures.h"
 #include "inspect/Tool.h"
 #include "support/Gzip.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -112,20 +113,20 @@ TEST(Changes, WhatWasShownIsKeptWithinALimit)
     CLastShown last(10000);
     last.Keep("1", text(4000), source);
     last.Keep("2", text(4000), source);
-    ASSERT_TRUE(last.Find("1") != nullptr && last.Find("2") != nullptr);
+    const auto has = [&](const char* place) { return last.Find(place) != nullptr; };
+    ASSERT_EQ(Join(has("1"), has("2")), "1|1");
     EXPECT_EQ(last.Find("1")->packet, 7u);
     last.Keep("1", text(4001), source);
-    EXPECT_TRUE(last.Find("1") != nullptr && last.Find("2") != nullptr) << "one in the place of another";
+    EXPECT_EQ(Join(has("1"), has("2")), "1|1") << "one in the place of another";
     last.Keep("3", text(2000), source);
-    EXPECT_TRUE(last.Find("1") != nullptr && last.Find("2") == nullptr && last.Find("3") != nullptr)
-        << "the oldest goes";
+    EXPECT_EQ(Join(has("1"), has("2"), has("3")), "1|0|1") << "the oldest goes";
     last.Keep("1", text(10000), source);
-    EXPECT_TRUE(last.Find("1") == nullptr && last.Find("3") != nullptr) << "too large, and its predecessor is none";
+    EXPECT_EQ(Join(has("1"), has("3")), "0|1") << "too large, and its predecessor is none";
     last.Keep("3", nullptr, source);
     EXPECT_EQ(last.Find("3"), nullptr);
     last.Keep("4", text(1), source);
     last.Keep("5", text(1), {"b", 1, {}});
-    EXPECT_TRUE(last.Find("4") == nullptr && last.Find("5") != nullptr) << "another input";
+    EXPECT_EQ(Join(has("4"), has("5")), "0|1") << "another input";
 }
 
 std::string Mpd(const std::string& id, int bandwidth, const std::string& more = {})
@@ -200,7 +201,7 @@ TEST(Changes, OfADocumentAreShownInPlaceOfIt)
     };
     const std::vector<nlohmann::json> lines = documents(Inspect("--json -", input));
     const std::vector<nlohmann::json> wholes = documents(Inspect("--json --full -", input));
-    ASSERT_TRUE(lines.size() == 6 && wholes.size() == 6);
+    ASSERT_EQ(Join(lines.size(), wholes.size()), "6|6");
     const nlohmann::json::json_pointer path("/changes/0/path");
     EXPECT_EQ(lines[1].value(path, ""), "/Period/0/AdaptationSet/0/Representation/0/bandwidth");
     EXPECT_EQ(lines[2].value(path, ""), lines[1].value(path, "x"));
@@ -261,7 +262,8 @@ TEST(Changes, OfAServiceList)
     };
     ASSERT_EQ(shown.size(), std::size(expected));
     for (std::size_t i = 0; i < shown.size(); ++i) {
-        EXPECT_TRUE(shown[i].unchanged == expected[i].unchanged && shown[i].removed == expected[i].removed) << i;
+        EXPECT_EQ(shown[i].unchanged, expected[i].unchanged) << i;
+        EXPECT_EQ(shown[i].removed, expected[i].removed) << i;
         EXPECT_EQ(shown[i].services, expected[i].services) << i;
     }
 }

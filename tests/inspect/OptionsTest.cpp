@@ -22,6 +22,7 @@
 #include "model/Rule.h"
 #include "support/Gzip.h"
 #include "support/Places.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -49,7 +50,7 @@ TEST(Inspect, NothingIsWrittenIntoAPageThatTookTheNumberOfAClosedStream)
     const std::string command = Command("--log debug --progress --html '" + page.Name() + "' " + k_lineup);
     for (const char* closed : {"<&-", ">&-", "2>&-", "<&- >&- 2>&-"}) {
         const int status = std::system((command + ' ' + closed + " 2>/dev/null >/dev/null " + closed).c_str());
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << closed;
+        EXPECT_EQ(Join(WIFEXITED(status), WEXITSTATUS(status)), "1|0") << closed;
         const std::string html = ReadFile(page.Name());
         EXPECT_EQ(html.compare(0, 15, "<!DOCTYPE html>"), 0) << closed;
         EXPECT_EQ(MarkupFault(html), "") << closed;

@@ -7,6 +7,7 @@
 
 #include "content/LibraryPort.h"
 #include "support/Gzip.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -149,7 +150,7 @@ TEST_F(SlsFollower, RemembersABoundedNumberOfObjects)
     EXPECT_FALSE(m_follower.Has({0, 0}, k_mpd.size() + 1));
     m_Take(64, k_mpd);
     EXPECT_FALSE(m_follower.Has({0, 0}, {}));
-    EXPECT_TRUE(m_follower.Has({0, 1}, {}) && m_follower.Has({0, 64}, {}));
+    EXPECT_EQ(Join(m_follower.Has({0, 1}, {}), m_follower.Has({0, 64}, {})), "1|1");
 }
 
 TEST_F(SlsFollower, InflatesUpTo8MiB)

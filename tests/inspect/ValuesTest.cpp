@@ -9,6 +9,7 @@
 #include "MmtCaptures.h"
 #include "Packets.h"
 #include "Tool.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -155,11 +156,13 @@ TEST(Values, WhatTheBroadcastDoesNotGiveIsNotShown)
                       "<SrcFlow rt='false'><ContentInfo><MediaInfo startUp='0'/></ContentInfo></SrcFlow>"
                       "<SrcFlow><ContentInfo><MediaInfo/></ContentInfo></SrcFlow></LS></RS></S-TSID>")
                   .out)[0]["S-TSID"]["RS"][0]["LS"][0];
-    EXPECT_TRUE(flows["startTime"] == "2027-07-01T10:00:00Z" && flows["endTime"] == "soon");
-    EXPECT_TRUE(flows["SrcFlow"][0]["rt"] == false &&
-                flows["SrcFlow"][0]["ContentInfo"]["MediaInfo"]["startUp"] == false);
-    EXPECT_FALSE(flows["SrcFlow"][1].contains("rt") ||
-                 flows["SrcFlow"][1]["ContentInfo"]["MediaInfo"].contains("startUp"));
+    EXPECT_EQ(flows["startTime"], "2027-07-01T10:00:00Z");
+    EXPECT_EQ(flows["endTime"], "soon");
+    EXPECT_EQ(flows["SrcFlow"][0]["rt"], false);
+    EXPECT_EQ(flows["SrcFlow"][0]["ContentInfo"]["MediaInfo"]["startUp"], false);
+    EXPECT_EQ(
+        Join(flows["SrcFlow"][1].contains("rt"), flows["SrcFlow"][1]["ContentInfo"]["MediaInfo"].contains("startUp")),
+        "0|0");
 }
 
 TEST(Values, AnInstantReadsTheSameEverywhere)

@@ -2,6 +2,7 @@
 
 #include "support/MmtBuilder.h"
 #include "support/ParserTest.h"
+#include "support/Show.h"
 #include "support/Tables.h"
 
 namespace {
@@ -36,7 +37,7 @@ TEST_F(LLSSMTParserTest, PayloadsSignatureAndSignedBlock)
     EXPECT_EQ(State(), "0: sig -");
     m_held = 2;
     const SFed fed(m_parser, k_table);
-    EXPECT_TRUE(fed.result && fed.item.valid && fed.Cursor() == 12) << "behind the signed block";
+    EXPECT_EQ(Join(fed.result, fed.item.valid, fed.Cursor()), "1|1|12") << "behind the signed block";
     EXPECT_EQ(State(), "2: 1=abc 3= sig SIG! block");
     EXPECT_EQ(Logged("[CLLSSMTParser::Parse] SMT ID:1 VER:7 LEN:3"), 1);
     EXPECT_EQ(Logged("[CLLSSMTParser::Parse] signatureLength[4]"), 1);
@@ -48,16 +49,16 @@ TEST_F(LLSSMTParserTest, PayloadsSignatureAndSignedBlock)
     // Nothing in it: the signed block is the count alone.
     EXPECT_TRUE(Feed(m_parser, std::string("\0\0\0", 3)));
     unsigned int length = 9;
-    EXPECT_TRUE(m_parser.GetSignedBlockLength(length) && length == 1);
-    EXPECT_TRUE(m_parser.GetSignatureLength(length) && length == 0);
+    EXPECT_EQ(Join(m_parser.GetSignedBlockLength(length), length), "1|1");
+    EXPECT_EQ(Join(m_parser.GetSignatureLength(length), length), "1|0");
     EXPECT_FALSE(m_parser.GetPayloadLength(0, length));
     EXPECT_EQ(Logged("[CLLSSMTParser::GetPayload] No SMT payload"), 1);
     EXPECT_TRUE(Feed(m_parser, k_table));
     EXPECT_TRUE(Feed(m_parser, k_table, 144));  // nothing behind the cursor
-    EXPECT_TRUE(m_parser.GetSignedBlockLength(length) && length == 12);
+    EXPECT_EQ(Join(m_parser.GetSignedBlockLength(length), length), "1|12");
     EXPECT_FALSE(m_parser.GetPayloadLength(0, length));
     EXPECT_TRUE(Feed(m_parser, k_table));
-    EXPECT_FALSE(m_parser.GetPayloadLength(2, length) || m_parser.GetPayloadLength(-1, length));
+    EXPECT_EQ(Join(m_parser.GetPayloadLength(2, length), m_parser.GetPayloadLength(-1, length)), "0|0");
     EXPECT_EQ(TakeAssertions(), "smtPayload; smtPayload");
     EXPECT_EQ(Logged("ASSERT!, Func:GetPayloadLength, Line:"), 2);
 }
@@ -85,7 +86,7 @@ TEST_F(LLSSMTParserTest, LengthsThatOverrun)
     ASSERT_TRUE(Feed(m_parser, k_table));
     EXPECT_FALSE(Feed(m_parser, std::string("\0\xFF\xFFxx", 5)));
     unsigned int length = 0;
-    EXPECT_TRUE(m_parser.GetSignatureLength(length) && length == 0xFFFF);
+    EXPECT_EQ(Join(m_parser.GetSignatureLength(length), length), "1|65535");
     std::vector<unsigned char> buffer(length, '#');
     EXPECT_TRUE(m_parser.GetSignatureData(buffer.data()));
     EXPECT_EQ(std::string(buffer.begin(), buffer.begin() + 5), "SIG!#");
@@ -95,7 +96,7 @@ TEST_F(LLSSMTParserTest, LengthsThatOverrun)
     EXPECT_FALSE(Feed(m_parser, k_table, 3));
     EXPECT_EQ(TakeAssertions(), "item; item->bitpos % 8 == 0");
     CLLSSMTParser other;
-    EXPECT_FALSE(Feed(other, k_table) || m_parser.Create());
+    EXPECT_EQ(Each({Feed(other, k_table), m_parser.Create()}), "00");
     EXPECT_EQ(Logged("[CLLSSMTParser::Parse] does not exist !!!"), 1);
     EXPECT_EQ(TakeAssertions(), "!m");
 }
@@ -105,10 +106,10 @@ TEST_F(LLSSMTParserTest, RealTable)
     EXPECT_TRUE(Feed(m_parser, ReadData("lls/openssl-signedmultitable.bin"), 32));
     ASSERT_EQ(m_parser.PayloadCount(), 2);
     unsigned int length = 0;
-    EXPECT_TRUE(m_parser.GetPayloadLength(0, length) && length == 454);
-    EXPECT_TRUE(m_parser.GetPayloadLength(1, length) && length == 128);
-    EXPECT_TRUE(m_parser.GetSignedBlockLength(length) && length == 591);
-    EXPECT_TRUE(m_parser.GetSignatureLength(length) && length == 2172);
+    EXPECT_EQ(Join(m_parser.GetPayloadLength(0, length), length), "1|454");
+    EXPECT_EQ(Join(m_parser.GetPayloadLength(1, length), length), "1|128");
+    EXPECT_EQ(Join(m_parser.GetSignedBlockLength(length), length), "1|591");
+    EXPECT_EQ(Join(m_parser.GetSignatureLength(length), length), "1|2172");
 }
 
 }  // namespace

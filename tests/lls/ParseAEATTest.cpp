@@ -39,14 +39,14 @@ TEST_F(ParseAEATTest, EverythingOfAnAlert)
     EAEAAudience audience = AEA_AUDIENCE_UNKNOWN;
     EAEAType type = AEA_TYPE_UNKNOWN;
     EAEAPriority priority{};
-    EXPECT_TRUE(m_parser.GetAEAId(0, a, b) && a == "id" && b == "ret");
-    EXPECT_TRUE(m_parser.GetAEAIssuer(0, a) && a == "is");
-    EXPECT_TRUE(m_parser.GetAEAAudience(0, audience) && audience == AEA_AUDIENCE_PUBLIC);
-    EXPECT_TRUE(m_parser.GetAEAType(0, type) && type == AEA_TYPE_UPDATE);
-    EXPECT_TRUE(m_parser.GetAEAPriority(0, priority) && priority == 4);
+    EXPECT_EQ(Join(m_parser.GetAEAId(0, a, b), a, b), "1|id|ret");
+    EXPECT_EQ(Join(m_parser.GetAEAIssuer(0, a), a), "1|is");
+    EXPECT_EQ(Join(m_parser.GetAEAAudience(0, audience), audience), Join(1, AEA_AUDIENCE_PUBLIC));
+    EXPECT_EQ(Join(m_parser.GetAEAType(0, type), type), Join(1, AEA_TYPE_UPDATE));
+    EXPECT_EQ(Join(m_parser.GetAEAPriority(0, priority), priority), "1|4");
     EXPECT_TRUE(m_parser.AEAWakeup(0));
-    EXPECT_TRUE(m_parser.GetAEATimeInfo(0, a, b) && a == "2027-01-01T00:00:00Z" && b == "later");
-    EXPECT_TRUE(m_parser.GetAEAEventCode(0, a, b) && a == "EVI" && b == "SAME");
+    EXPECT_EQ(Join(m_parser.GetAEATimeInfo(0, a, b), a, b), "1|2027-01-01T00:00:00Z|later");
+    EXPECT_EQ(Join(m_parser.GetAEAEventCode(0, a, b), a, b), "1|EVI|SAME");
     EXPECT_EQ(m_parser.AEAEventDescCount(0), 2);
     EXPECT_EQ(
         Show(Last()),
@@ -75,7 +75,7 @@ TEST_F(ParseAEATTest, WordsAreMatchedByTheirBeginning)
     for (const auto& c : k_cases) {
         SCOPED_TRACE(c.attributes);
         FeedXml(m_parser, std::string("<AEAT><AEA ") + c.attributes + "><Location " + c.location + "/></AEA></AEAT>");
-        EXPECT_TRUE(Last().audience == c.audience && Last().aeaType == c.type && Last().wakeup == c.wakeup);
+        EXPECT_EQ(Join(Last().audience, Last().aeaType, Last().wakeup), Join(c.audience, c.type, c.wakeup));
         EXPECT_EQ(Last().locations.at(0).type, c.kind);
         EXPECT_EQ(Last().priority, 0);
     }
@@ -93,7 +93,7 @@ TEST_F(ParseAEATTest, ElementsOutsideTheirParents)
     std::string ids, id, ret;
     for (int i = 0; m_parser.GetAEAId(i, id, ret); ++i) {
         ids += id + " ";
-        EXPECT_TRUE(m_parser.GetAEA(i)->texts.empty() && !m_parser.GetAEA(i)->liveMedia);
+        EXPECT_EQ(Join(m_parser.GetAEA(i)->texts, m_parser.GetAEA(i)->liveMedia), "[]|-");
     }
     EXPECT_EQ(ids, "inner live nested outer ");
 }
@@ -106,12 +106,13 @@ TEST_F(ParseAEATTest, BadIndexRootAndMisuse)
     std::string a = "kept", b = "kept";
     EAEAAudience audience = AEA_AUDIENCE_PRIVATE;
     for (const int index : {-1, 1}) {
-        EXPECT_FALSE(m_parser.GetAEAId(index, a, b) || m_parser.GetAEAIssuer(index, a) ||
-                     m_parser.GetAEAAudience(index, audience) || m_parser.AEAWakeup(index) ||
-                     m_parser.GetAEATimeInfo(index, a, b) || m_parser.GetAEAEventCode(index, a, b) ||
-                     m_parser.AEAEventDescCount(index) || m_parser.GetAEA(index));
+        EXPECT_EQ(Join(m_parser.GetAEAId(index, a, b), m_parser.GetAEAIssuer(index, a),
+                       m_parser.GetAEAAudience(index, audience), m_parser.AEAWakeup(index),
+                       m_parser.GetAEATimeInfo(index, a, b), m_parser.GetAEAEventCode(index, a, b),
+                       m_parser.AEAEventDescCount(index), m_parser.GetAEA(index)),
+                  "0|0|0|0|0|0|0|-");
     }
-    EXPECT_TRUE(a == "kept" && b == "kept" && audience == AEA_AUDIENCE_PRIVATE);
+    EXPECT_EQ(Join(a, b, audience), Join("kept", "kept", AEA_AUDIENCE_PRIVATE));
     EXPECT_FALSE(m_parser.Create(nullptr));
     EXPECT_EQ(TakeAssertions(), "!m");
 }

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "support/ParserTest.h"
+#include "support/Show.h"
 #include "support/Tables.h"
 
 namespace {
@@ -16,9 +17,10 @@ class ParseCDTTest : public TParserTest<CParseCDT> {
         long from = 0, until = 0;
         int refresh = 0;
         std::list<std::string> certificates, responses;
-        EXPECT_TRUE(m_parser.GetCurrentCert(current) && m_parser.GetCertReplacement(next, from, until) &&
-                    m_parser.GetOCSPRefresh(refresh) && m_parser.GetCMSSignedData(cms) &&
-                    m_parser.GetCertificates(certificates) && m_parser.GetOCSPResponse(responses));
+        EXPECT_EQ(Join(m_parser.GetCurrentCert(current), m_parser.GetCertReplacement(next, from, until),
+                       m_parser.GetOCSPRefresh(refresh), m_parser.GetCMSSignedData(cms),
+                       m_parser.GetCertificates(certificates), m_parser.GetOCSPResponse(responses)),
+                  "1|1|1|1|1|1");
         for (const std::string& text : certificates) {
             all += "c:" + text + " ";
         }
@@ -97,7 +99,8 @@ TEST_F(ParseCDTTest, TimesAsTheyAreGivenInEveryZone)
         {"America/New_York", "2027-07-01T12:00:00Z", "2027-07-01T12:00:00Z=1814443200.000000", 1814446801},
         {"UTC0", "2027-7-1", "2027-7-1=?", 1814400001},
     };
-    EXPECT_TRUE(!m_parser.Given()->nextCertFrom && !m_parser.Given()->ocspRefresh);
+    EXPECT_FALSE(m_parser.Given()->nextCertFrom);
+    EXPECT_FALSE(m_parser.Given()->ocspRefresh);
     for (const auto& test : k_cases) {
         setenv("TZ", test.zone, 1);
         tzset();
@@ -106,7 +109,7 @@ TEST_F(ParseCDTTest, TimesAsTheyAreGivenInEveryZone)
         EXPECT_EQ(Text(m_parser.Given()->nextCertFrom), test.given) << test.zone;
         std::string next;
         long long from = 0, until = 0;
-        EXPECT_TRUE(m_parser.GetCertReplacement(next, from, until) && from == test.required && until == 0) << from;
+        EXPECT_EQ(Join(m_parser.GetCertReplacement(next, from, until), from, until), Join(1, test.required, 0));
     }
     EXPECT_EQ(Text(m_parser.Given()->currentCertUntil), "-");
     static const struct {
@@ -122,7 +125,7 @@ TEST_F(ParseCDTTest, TimesAsTheyAreGivenInEveryZone)
     for (const auto& test : k_refreshes) {
         FeedXml(m_parser, std::string("<CertificationData>") + test.element + "</CertificationData>");
         int seconds = 0;
-        EXPECT_TRUE(m_parser.GetOCSPRefresh(seconds) && seconds == test.seconds) << test.element << seconds;
+        EXPECT_EQ(Join(m_parser.GetOCSPRefresh(seconds), seconds), Join(1, test.seconds)) << test.element;
         EXPECT_EQ(Text(m_parser.Given()->ocspRefresh), test.given);
     }
 }
@@ -153,14 +156,17 @@ TEST_F(ParseCDTTest, RealTable)
     const std::string closing = "</ToBeSignedData>";
     EXPECT_EQ(ToBeSigned(), xml.substr(begin, xml.find(closing) + closing.size() - begin));
     std::list<std::string> certificates, responses;
-    EXPECT_TRUE(m_parser.GetCertificates(certificates) && certificates.size() == 3);
-    EXPECT_TRUE(m_parser.GetOCSPResponse(responses) && responses.size() == 1);
+    ASSERT_TRUE(m_parser.GetCertificates(certificates));
+    EXPECT_EQ(certificates.size(), 3u);
+    ASSERT_TRUE(m_parser.GetOCSPResponse(responses));
+    EXPECT_EQ(responses.size(), 1u);
     std::string next, cms;
     long long from = 0, until = 0;
     int refresh = 0;
-    EXPECT_TRUE(m_parser.GetCertReplacement(next, from, until) && from == 1809129600 + 1 && until == 1810384200 + 1);
-    EXPECT_TRUE(m_parser.GetOCSPRefresh(refresh) && refresh == 604800);
-    EXPECT_TRUE(m_parser.GetCMSSignedData(cms) && cms.size() > 1000);
+    EXPECT_EQ(Join(m_parser.GetCertReplacement(next, from, until), from, until), "1|1809129601|1810384201");
+    EXPECT_EQ(Join(m_parser.GetOCSPRefresh(refresh), refresh), "1|604800");
+    ASSERT_TRUE(m_parser.GetCMSSignedData(cms));
+    EXPECT_GT(cms.size(), 1000u);
 }
 
 }  // namespace

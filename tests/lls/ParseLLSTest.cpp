@@ -1,6 +1,7 @@
 #include "lls/ParseLLS.h"
 
 #include "support/Recorder.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -9,7 +10,7 @@ class CTable : public TCParseLLS {
     void Destroy() override {}
     bool t_Parse(IParse::SItem* item) override
     {
-        EXPECT_TRUE(item->valid && item->bitpos == 0 && item->bitsize == item->size * 8);
+        EXPECT_EQ(Join(item->valid, item->bitpos, item->bitsize), Join(1, 0, item->size * 8));
         m_payloads.emplace_back(item->buffer, item->buffer + item->size);
         return false;  // what the table's parser says does not matter
     }
@@ -73,7 +74,7 @@ TEST_F(ParseLLSTest, SkippedIdsLetRepeatsThrough)
     m_table.SkipCheckVersion(1, 7, true);
     EXPECT_EQ(Logged("[TCParseLLS::SkipCheckVersion] TableId[1] GroupId[7] skip[1]"), 1);
     for (const char* header : {"\1\2\1\1", "\3\7\1\1"}) {
-        EXPECT_TRUE(Parse(header) && Parse(header) && Parse(header));
+        EXPECT_EQ(Each({Parse(header), Parse(header), Parse(header)}), "111");
     }
     EXPECT_TRUE(Parse("\3\2\1\1"));
     EXPECT_FALSE(Parse("\3\2\1\1"));

@@ -1,5 +1,6 @@
 #include "lls/ParseOnscreenNoti.h"
 
+#include "support/Show.h"
 #include "support/Tables.h"
 
 namespace {
@@ -21,9 +22,9 @@ TEST_F(ParseOnscreenNotiTest, EntriesPileUp)
     EXPECT_EQ(Logged(", m_ProcessParseOnscreenNoti(root)"), 1);
     ASSERT_EQ(noti.KSCCount(), 2u);
     const CParseOnscreenNoti::SKeepScreenClear& entry = *noti.GetKSC(0);
-    EXPECT_TRUE(entry.notificationDuration == "PT1M" && entry.kscFlag && entry.version == 44);
-    EXPECT_TRUE(noti.Bsid(0) == 4464 && noti.ServiceId(0) == 2 && noti.ServiceIdRange(0) == 3);
-    EXPECT_TRUE(noti.Bsid(1) == 0 && !noti.GetKSC(1)->kscFlag && noti.GetKSC(1)->notificationDuration.empty());
+    EXPECT_EQ(Join(entry.notificationDuration, entry.kscFlag, entry.version), "PT1M|1|44");
+    EXPECT_EQ(Join(noti.Bsid(0), noti.ServiceId(0), noti.ServiceIdRange(0)), "4464|2|3");
+    EXPECT_EQ(Join(noti.Bsid(1), noti.GetKSC(1)->kscFlag, noti.GetKSC(1)->notificationDuration.empty()), "0|0|1");
     EXPECT_EQ(Logged("[CParseOnscreenNoti::m_DumpKSC]index: 0 , bsid: 4464, serviceId: 2"), 3);
     EXPECT_EQ(Logged("[CParseOnscreenNoti::m_DumpKSC]serviceIdRange: 3 , duration: PT1M"), 3);
     EXPECT_EQ(Logged("[CParseOnscreenNoti::m_DumpKSC]kscFlag: 1 , version: 44"), 3);

@@ -2,6 +2,7 @@
 
 #include "lls/RRTMap.h"
 #include "support/ParserTest.h"
+#include "support/Show.h"
 #include "support/Tables.h"
 
 namespace {
@@ -13,7 +14,7 @@ class ParseRRTTest : public TParserTest<CParseRRT> {
         TParserTest::SetUp();
         const CParseRRT::SCallback callback = {&m_results,
                                                [](void* user, int result) { *static_cast<int*>(user) += result; }};
-        ASSERT_TRUE(m_parser.SetCallback(&callback) && m_parser.Start(this) && m_parser.Stop());
+        ASSERT_EQ(Each({m_parser.SetCallback(&callback), m_parser.Start(this), m_parser.Stop()}), "111");
     }
 
     int m_results = 0;
@@ -37,20 +38,20 @@ TEST_F(ParseRRTTest, RegionsDimensionsAndRatings)
     unsigned int number = 9;
     bool graduated = false;
     std::string text;
-    EXPECT_TRUE(m_parser.GetRegionIdentifier(0, number) && number == 1);
-    EXPECT_TRUE(m_parser.GetRegionIdentifier(1, number) && number == 0);
-    EXPECT_TRUE(m_parser.GetRegionIdText(0, text) && text == "US");
+    EXPECT_EQ(Join(m_parser.GetRegionIdentifier(0, number), number), "1|1");
+    EXPECT_EQ(Join(m_parser.GetRegionIdentifier(1, number), number), "1|0");
+    EXPECT_EQ(Join(m_parser.GetRegionIdText(0, text), text), "1|US");
     EXPECT_EQ(m_parser.numOfDimension(0), 2u);
     EXPECT_EQ(m_parser.numOfDimension(1), 0u);
-    EXPECT_TRUE(m_parser.GetDimensionLevels(0, 0, number) && number == 2);
-    EXPECT_TRUE(m_parser.GetDimensionGraduated(0, 0, graduated) && graduated);
-    EXPECT_TRUE(m_parser.GetDimensionGraduated(0, 1, graduated) && !graduated);
-    EXPECT_TRUE(m_parser.GetDimensionTitle(0, 0, text) && text == "TV");
+    EXPECT_EQ(Join(m_parser.GetDimensionLevels(0, 0, number), number), "1|2");
+    EXPECT_EQ(Join(m_parser.GetDimensionGraduated(0, 0, graduated), graduated), "1|1");
+    EXPECT_EQ(Join(m_parser.GetDimensionGraduated(0, 1, graduated), graduated), "1|0");
+    EXPECT_EQ(Join(m_parser.GetDimensionTitle(0, 0, text), text), "1|TV");
     EXPECT_EQ(m_parser.numOfRating(0, 0), 2u);
     EXPECT_EQ(m_parser.numOfRating(0, 1), 0u);
-    EXPECT_TRUE(m_parser.GetRatingValue(0, 0, 1, number) && number == 0xFFFFFFFE);
-    EXPECT_TRUE(m_parser.GetRatingValueAbbrev(0, 0, 0, text) && text == "G");
-    EXPECT_TRUE(m_parser.GetRatingValueString(0, 0, 1, text) && text == "TV-MA");
+    EXPECT_EQ(Join(m_parser.GetRatingValue(0, 0, 1, number), number), Join(1, 0xFFFFFFFE));
+    EXPECT_EQ(Join(m_parser.GetRatingValueAbbrev(0, 0, 0, text), text), "1|G");
+    EXPECT_EQ(Join(m_parser.GetRatingValueString(0, 0, 1, text), text), "1|TV-MA");
 
     EXPECT_EQ(m_parser.GetRegion(0)->text.lang, "en");  // of the last text, not of the one that said "ko"
     EXPECT_EQ(m_parser.GetRegion(0)->dimensions[0].ratings[1].text.lang, "fr");
@@ -60,7 +61,7 @@ TEST_F(ParseRRTTest, RegionsDimensionsAndRatings)
     ASSERT_TRUE(
         FeedXml(m_parser, "<RatingRegionTables><RatingRegionTable regionIdentifier='5'/></RatingRegionTables>"));
     EXPECT_EQ(m_parser.numOfRatingRegionTable(), 3u);
-    EXPECT_TRUE(m_parser.GetRegionIdentifier(2, number) && number == 5);
+    EXPECT_EQ(Join(m_parser.GetRegionIdentifier(2, number), number), "1|5");
     EXPECT_TRUE(m_parser.SetCallback(nullptr));
     EXPECT_EQ(ChangingPrefixes(m_parser, k_table, [this] { return m_parser.numOfRatingRegionTable(); }), 0);
     EXPECT_EQ(m_results, 2);
@@ -72,19 +73,22 @@ TEST_F(ParseRRTTest, BadIndicesSayWhichLevelFailed)
     unsigned int number = 77;
     std::string text = "kept";
     bool flag = true;
-    EXPECT_FALSE(m_parser.GetRegionIdentifier(2, number) || m_parser.GetRegionIdText(2, text) ||
-                 m_parser.numOfDimension(2));
+    EXPECT_EQ(
+        Join(m_parser.GetRegionIdentifier(2, number), m_parser.GetRegionIdText(2, text), m_parser.numOfDimension(2)),
+        "0|0|0");
     EXPECT_EQ(Logged("[CParseRRT::GetRegionIdentifier] index error rrt index[2] total[2] !!!"), 3);
-    EXPECT_FALSE(m_parser.GetDimensionLevels(0, 5, number) || m_parser.GetDimensionGraduated(0, 5, flag) ||
-                 m_parser.numOfRating(0, 5));
+    EXPECT_EQ(Join(m_parser.GetDimensionLevels(0, 5, number), m_parser.GetDimensionGraduated(0, 5, flag),
+                   m_parser.numOfRating(0, 5)),
+              "0|0|0");
     EXPECT_EQ(Logged("[CParseRRT::GetDimensionLevels] index error dimension index[5] total[2] !!!"), 3);
-    EXPECT_FALSE(m_parser.GetRatingValue(0, 0, 2, number) || m_parser.GetRatingValueString(0, 0, 2, text));
+    EXPECT_EQ(Join(m_parser.GetRatingValue(0, 0, 2, number), m_parser.GetRatingValueString(0, 0, 2, text)), "0|0");
     EXPECT_EQ(Logged("[CParseRRT::GetDimensionLevels] index error rating index[2] total[2] !!!"), 2);
     // All-ones is an unchecked level, and still names nothing.
-    EXPECT_FALSE(m_parser.GetDimensionLevels(0, 0xFFFFFFFF, number) ||
-                 m_parser.GetRatingValue(0, 0, 0xFFFFFFFF, number));
+    EXPECT_EQ(
+        Join(m_parser.GetDimensionLevels(0, 0xFFFFFFFF, number), m_parser.GetRatingValue(0, 0, 0xFFFFFFFF, number)),
+        "0|0");
     EXPECT_EQ(TakeAssertions(), "index < list.size(); index < list.size()");
-    EXPECT_TRUE(number == 77 && text == "kept" && flag);
+    EXPECT_EQ(Join(number, text, flag), "77|kept|1");
 }
 
 TEST_F(ParseRRTTest, MisplacedElementsAndBadRoot)
@@ -120,10 +124,10 @@ TEST_F(RRTMapTest, RatingsAreFoundByDimensionAndBothTexts)
 {
     CRRTMap map;
     CRRTMap second;
-    ASSERT_TRUE(map.Create() && second.Create());
-    EXPECT_TRUE(map.Add(1, 10) && map.Add(1, 99) && map.SetRegionIdText(1, Text("en"), Text("US")));
+    ASSERT_EQ(Each({map.Create(), second.Create()}), "11");
+    EXPECT_EQ(Each({map.Add(1, 10), map.Add(1, 99), map.SetRegionIdText(1, Text("en"), Text("US"))}), "111");
     for (unsigned int dimension = 0; dimension < 2; ++dimension) {
-        EXPECT_TRUE(second.SetDimension(1, dimension, true) && map.SetDimTitle(1, Text("en"), Text("title")));
+        EXPECT_EQ(Each({second.SetDimension(1, dimension, true), map.SetDimTitle(1, Text("en"), Text("title"))}), "11");
         for (unsigned int value = 0; value < 2; ++value) {
             const std::string name = std::to_string(dimension) + std::to_string(value);
             EXPECT_TRUE(map.SetRatingVal(1, value));
@@ -141,7 +145,7 @@ TEST_F(RRTMapTest, RatingsAreFoundByDimensionAndBothTexts)
     for (char*& text : texts) {
         EXPECT_TRUE(map.GetProgramRating(
             1, 1, Text("en"), Text("R11"), [](void* user, char* found) { *static_cast<char**>(user) = found; }, &text));
-        EXPECT_TRUE(map.SetRatingValAbbrev(1, Text("fr"), Text("F")) && map.SetDimension(1, 9, true));
+        EXPECT_EQ(Each({map.SetRatingValAbbrev(1, Text("fr"), Text("F")), map.SetDimension(1, 9, true)}), "11");
         EXPECT_TRUE(map.SetRatingVal(1, 9));
     }
     EXPECT_EQ(texts[0], texts[1]);
@@ -167,14 +171,16 @@ TEST_F(RRTMapTest, PreconditionsAreAsserted)
 {
     CRRTMap map;
     ASSERT_TRUE(map.Create());
-    EXPECT_FALSE(map.Create() || map.SetRegionIdText(3, Text("a"), Text("b")) || map.SetDimension(3, 1, true));
+    EXPECT_EQ(Each({map.Create(), map.SetRegionIdText(3, Text("a"), Text("b")), map.SetDimension(3, 1, true)}), "000");
     EXPECT_EQ(TakeAssertions(), "!m; region; region");
     map.Add(3, 1);
-    EXPECT_FALSE(map.SetDimTitle(3, Text("a"), Text("b")) || map.SetRatingVal(3, 1) ||
-                 map.SetRegionIdText(3, nullptr, Text("b")));
+    EXPECT_EQ(Each({map.SetDimTitle(3, Text("a"), Text("b")), map.SetRatingVal(3, 1),
+                    map.SetRegionIdText(3, nullptr, Text("b"))}),
+              "000");
     EXPECT_EQ(Logged("[CRRTMapST::SetRegionIdText] Fail to add RegionIdText"), 1);
     map.SetDimension(3, 1, true);
-    EXPECT_FALSE(map.SetRatingValAbbrev(3, Text("a"), Text("b")) || map.SetRatingValStr(3, Text("a"), Text("b")));
+    EXPECT_EQ(Each({map.SetRatingValAbbrev(3, Text("a"), Text("b")), map.SetRatingValStr(3, Text("a"), Text("b"))}),
+              "00");
     EXPECT_FALSE(map.GetProgramRating(3, 1, Text("a"), nullptr, nullptr, nullptr));
     EXPECT_EQ(TakeAssertions(), "dimension; dimension; first && second; rating; rating; first && second");
     map.Destroy();

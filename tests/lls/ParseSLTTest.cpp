@@ -1,6 +1,7 @@
 #include "lls/ParseSLT.h"
 
 #include "support/Services.h"
+#include "support/Show.h"
 #include "support/Tables.h"
 
 namespace {
@@ -29,7 +30,7 @@ class ParseSLTTest : public CRecorder {
                     std::to_string(service->serviceId) + ":" + std::to_string(why) + " ";
             }};
         m_slt.SetDropCallback(&drop);
-        ASSERT_TRUE(m_slt.Start(this) && m_slt.Stop());
+        ASSERT_EQ(Each({m_slt.Start(this), m_slt.Stop()}), "11");
         m_slt.SetLenient(lenient);
     }
 
@@ -113,12 +114,12 @@ TEST_F(ParseSLTTest, EveryFieldReachesTheRecordAndTheMap)
     EXPECT_EQ(m_results, 1);
     EXPECT_EQ(m_slt.Bsid(), 801);
     std::string text;
-    EXPECT_TRUE(m_slt.GetSltCapability(text) && text == "cap");
+    EXPECT_EQ(Join(m_slt.GetSltCapability(text), text), "1|cap");
     ASSERT_EQ(m_slt.SltInetUrlCount(), 2);
     EATSC3UrlType type = ATSC3_URL_NONE;
-    EXPECT_TRUE(m_slt.GetSltInetUrl(0, text, type) && text == "http://a" && type == ATSC3_URL_ESG_SERVER);
-    EXPECT_TRUE(m_slt.GetSltInetUrl(1, text, type) && text == "http://b" && type == -1);
-    EXPECT_FALSE(m_slt.GetSltInetUrl(2, text, type) || m_slt.GetSltInetUrl(-1, text, type));
+    EXPECT_EQ(Join(m_slt.GetSltInetUrl(0, text, type), text, type), Join(1, "http://a", ATSC3_URL_ESG_SERVER));
+    EXPECT_EQ(Join(m_slt.GetSltInetUrl(1, text, type), text, type), "1|http://b|-1");
+    EXPECT_EQ(Join(m_slt.GetSltInetUrl(2, text, type), m_slt.GetSltInetUrl(-1, text, type)), "0|0");
     EXPECT_EQ(Logged("[CParseSLT::sm_CbSltInetUrl] sltInetUrl value is not exist !!!"), 1);
     EXPECT_EQ(Logged("[CParseSLT::sm_CbSvcInetUrl] svcInetUrl value is not exist !!!"), 1);
     EXPECT_EQ(Logged("[CParseSLT::sm_CbSvcInetUrl] svcUrl[ ], svcUrlType[4]"), 1);
@@ -126,12 +127,12 @@ TEST_F(ParseSLTTest, EveryFieldReachesTheRecordAndTheMap)
 
     ASSERT_EQ(m_slt.ServiceCount(), 1);
     const SService& s = *m_slt.GetServiceInfo(0);
-    EXPECT_TRUE(s.groupId == 5 && s.serviceId == 4464 && *s.globalServiceId == "tag:x" && s.sltSvcSeqNum == 3 &&
-                s.isProtected && s.hidden && s.broadbandAccessRequired && *s.shortServiceName == "A&B" &&
-                *s.svcCapabilities == "sc" && s.hasBroadcastSvcSignaling && s.slsMajorProtocolVersion == 1 &&
-                s.slsMinorProtocolVersion == 4);
-    EXPECT_TRUE(s.given == 0x1FF && !s.givenProtected && *s.givenHidden && *s.givenBroadband && !*s.hideInGuide &&
-                *s.configuration == "c");
+    EXPECT_EQ(Join(s.groupId, s.serviceId, *s.globalServiceId, s.sltSvcSeqNum, s.isProtected, s.hidden,
+                   s.broadbandAccessRequired, *s.shortServiceName, *s.svcCapabilities, s.hasBroadcastSvcSignaling,
+                   s.slsMajorProtocolVersion, s.slsMinorProtocolVersion),
+              "5|4464|tag:x|3|1|1|1|A&B|sc|1|1|4");
+    EXPECT_EQ(Join(s.given, s.givenProtected, *s.givenHidden, *s.givenBroadband, *s.hideInGuide, *s.configuration),
+              "511|-|1|1|0|c");
     void* service = nullptr;
     ASSERT_TRUE(m_slt.GetService(0, service));
     EXPECT_EQ(service, s.service);
@@ -146,7 +147,8 @@ TEST_F(ParseSLTTest, EveryFieldReachesTheRecordAndTheMap)
             *static_cast<SSeen*>(user) = {entry, i};
         },
         &seen));
-    EXPECT_TRUE(seen.service == service && seen.index == 0);
+    EXPECT_EQ(seen.service, service);
+    EXPECT_EQ(seen.index, 0);
 
     EXPECT_EQ(m_map.Channel(service), this);
     EXPECT_EQ(ShowService(m_map, service),
@@ -156,7 +158,7 @@ TEST_F(ParseSLTTest, EveryFieldReachesTheRecordAndTheMap)
 
     // A second table: the group keeps its first bsid, the list its services.
     Parse("<SLT SLTCapabilities='two' bsid='802'/>");
-    EXPECT_TRUE(m_slt.GetSltCapability(text) && text == "two");
+    EXPECT_EQ(Join(m_slt.GetSltCapability(text), text), "1|two");
     EXPECT_EQ(m_slt.Bsid(), 802);
     EXPECT_EQ(m_slt.GetBsidByLLSGroupID(), (std::map<unsigned char, int>{{5, 801}}));
     EXPECT_EQ(m_slt.ServiceCount(), 1);
@@ -167,20 +169,21 @@ TEST_F(ParseSLTTest, DefaultsOfAbsentAttributes)
     ParseService("globalServiceId='low'");
     const SService& s = *m_slt.GetServiceInfo(0);
     EXPECT_EQ(*s.globalServiceId, "low");
-    EXPECT_TRUE(s.serviceId == 0 && s.sltSvcSeqNum == 0 && s.majorChannelNo == 0 && s.minorChannelNo == 0 &&
-                s.simulcastTsid == 0 && s.serviceCategory == 0 && !s.shortServiceName && !s.svcCapabilities &&
-                s.drmSystemID.empty() && !s.hasBroadcastSvcSignaling && !s.svcInetUrl.present && s.groupId == 0);
-    EXPECT_TRUE(s.given == 0 && !*s.givenProtected && !s.hideInGuide && !s.configuration);
+    EXPECT_EQ(Join(s.serviceId, s.sltSvcSeqNum, s.majorChannelNo, s.minorChannelNo, s.simulcastTsid, s.serviceCategory,
+                   s.shortServiceName, s.svcCapabilities, s.drmSystemID.empty(), s.hasBroadcastSvcSignaling,
+                   s.svcInetUrl.present, s.groupId),
+              "0|0|0|0|0|0|-|-|1|0|0|0");
+    EXPECT_EQ(Join(s.given, *s.givenProtected, s.hideInGuide, s.configuration), "0|0|-|-");
     ParseService("serviceId='1' majorChannelNo='0' serviceCategory='0'");  // given, and equal to the default
     EXPECT_EQ(m_slt.GetServiceInfo(1)->given, unsigned{SService::GIVEN_MAJOR_CHANNEL | SService::GIVEN_CATEGORY});
     // Without signalling the map keeps its own defaults; with an empty one it gets zeros.
     unsigned int address = 0;
     unsigned short port = 0;
-    EXPECT_TRUE(m_map.GetDestination(s.service, &address, &port) && address == 0xFFFFFFFF && port == 0xFFFF);
+    EXPECT_EQ(Join(m_map.GetDestination(s.service, &address, &port), address, port), "1|4294967295|65535");
     Parse("<SLT><Service serviceId='2'" + std::string(k_flags) + "><BroadcastSvcSignaling/></Service></SLT>");
     void* service = nullptr;
     EXPECT_TRUE(m_slt.GetService(2, service));
-    EXPECT_TRUE(m_map.GetDestination(service, &address, &port) && address == 0 && port == 0);
+    EXPECT_EQ(Join(m_map.GetDestination(service, &address, &port), address, port), "1|0|0");
     EXPECT_EQ(m_slt.Bsid(), 0);
 }
 
@@ -350,7 +353,7 @@ TEST_F(ParseSLTTest, MisplacedElementsAndMisuse)
     const CParseSLT::SCallback none = {nullptr, nullptr};
     EXPECT_FALSE(m_slt.Create(&m_map, &none));
     CParseSLT other;
-    EXPECT_FALSE(other.Create(nullptr, nullptr) || m_slt.GetService(nullptr, nullptr));
+    EXPECT_EQ(Each({other.Create(nullptr, nullptr), m_slt.GetService(nullptr, nullptr)}), "00");
     EXPECT_EQ(TakeAssertions(), "!m; channelMap; fn");
 }
 

@@ -1,6 +1,7 @@
 #include "lls/ParseSystemTime.h"
 
 #include "support/ParserTest.h"
+#include "support/Show.h"
 #include "support/Tables.h"
 
 namespace {
@@ -10,7 +11,7 @@ class ParseSystemTimeTest : public TParserTest<CParseSystemTime, 7> {
     void SetUp() override
     {
         TParserTest::SetUp();
-        ASSERT_TRUE(m_parser.Start(this) && m_parser.Stop());
+        ASSERT_EQ(Each({m_parser.Start(this), m_parser.Stop()}), "11");
     }
 
     /// All values after a table of these attributes.
@@ -23,8 +24,8 @@ class ParseSystemTimeTest : public TParserTest<CParseSystemTime, 7> {
     std::string State() const
     {
         const CParseSystemTime::SSystemTime& t = *m_parser.State();
-        EXPECT_TRUE(t.currentUtcOffset == m_parser.CurrUtcOffset() && t.utcLocalOffset == m_parser.UtcLocalOffset() &&
-                    t.dsStatus == m_parser.DsStatus());
+        EXPECT_EQ(Join(t.currentUtcOffset, t.utcLocalOffset, t.dsStatus),
+                  Join(m_parser.CurrUtcOffset(), m_parser.UtcLocalOffset(), m_parser.DsStatus()));
         char text[128];
         std::snprintf(text, sizeof text, "%d ptp %d leap %d%d local %d ds %d day %d hour %d", t.currentUtcOffset,
                       t.ptpPrepend, t.leap59, t.leap61, t.utcLocalOffset, t.dsStatus, t.dsDayOfMonth, t.dsHour);
@@ -107,7 +108,8 @@ TEST_F(ParseSystemTimeTest, FailuresChangeNothing)
 
     CParseSystemTime other;
     EXPECT_EQ(other.State(), nullptr);
-    EXPECT_FALSE(other.DsStatus() || other.CurrUtcOffset() || other.Stop() || !FeedXml(other, "<SystemTime/>"));
+    EXPECT_EQ(Join(other.DsStatus(), other.CurrUtcOffset(), other.Stop()), "0|0|0");
+    EXPECT_TRUE(FeedXml(other, "<SystemTime/>"));
     EXPECT_FALSE(m_parser.Create(1));
     EXPECT_EQ(s_assertions.back().file, "src/lls/ParseSystemTime");
     EXPECT_EQ(TakeAssertions(), "m; m; m; m; !m");

@@ -17,6 +17,7 @@
 #include "platform/BaseParser.h"
 #include "platform/Platform.h"
 #include "route/SLS/ROUTEUsbd.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -106,7 +107,7 @@ TEST_P(OutOfMemoryTest, TheNthAllocationFails)
     std::string good;
     for (int i = 0; i < 2; ++i) {  // what is made once in a process is made in the first
         const SEntry whole = make();
-        ASSERT_TRUE(whole.create() && whole.parse());
+        ASSERT_EQ(Each({whole.create(), whole.parse()}), "11");
         good = Digest(whole);
         memory::Arm(1, true);
         whole.destroy();

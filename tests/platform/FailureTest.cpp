@@ -13,6 +13,7 @@
 #include "support/MmtBuilder.h"
 #include "support/ParserTest.h"
 #include "support/Seed.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -125,7 +126,8 @@ TEST_F(FailureTest, TagsWithoutAClass)
     CMMTMsgAtsc3 message;
     EXPECT_TRUE(SFed(message, b.Bytes()).result);
     const SFailure* failure = LastFailure();
-    ASSERT_TRUE(failure && failure->tags == 1);
+    ASSERT_NE(failure, nullptr);
+    ASSERT_EQ(failure->tags, 1);
     EXPECT_EQ(failure->unknownTags[0], 0x8001U);
     EXPECT_EQ(Told(), "none");
     // The tables of a message share its record, the whole one behind a faulty one included.
@@ -138,7 +140,7 @@ TEST_F(FailureTest, TagsWithoutAClass)
     ASSERT_NE(LastFailure(), nullptr);
     EXPECT_EQ(LastFailure()->unknownTags[0], 0x8002U);
     CEFDT efdt;
-    ASSERT_TRUE(efdt.Create() && efdt.Parse("<EFDT/>", 7));
+    ASSERT_EQ(Each({efdt.Create(), efdt.Parse("<EFDT/>", 7)}), "11");
     EXPECT_EQ(LastFailure(), nullptr);
     efdt.Destroy();
 }

@@ -6,6 +6,8 @@
 #include <thread>
 #include <vector>
 
+#include "support/Show.h"
+
 namespace {
 
 using CRepeats = vyr::CLogRepeats;
@@ -41,14 +43,14 @@ TEST(LogRepeatsTest, TheRestOfASecondIsToldOnce)
     EXPECT_EQ(Shown(s_repeats, Place(1), 4, 4 + 2 * k_second), 0);
     EXPECT_FALSE(s_repeats.TakeSummary(4 + 2 * k_second, summary));
     ASSERT_TRUE(s_repeats.TakeSummary(5 + 2 * k_second, summary));
-    EXPECT_TRUE(summary.place.line == 1 && summary.more == 7);
+    EXPECT_EQ(Join(summary.place.line, summary.more), "1|7");
     EXPECT_FALSE(s_repeats.TakeSummary(5 + 2 * k_second, summary));
     // A second of its own, and the other place's is still told.
     EXPECT_EQ(Shown(s_repeats, Place(1), k_shown + 2, 6 + 2 * k_second), k_shown);
     ASSERT_TRUE(s_repeats.TakeSummary(6 + 2 * k_second, summary));
-    EXPECT_TRUE(summary.place.line == 2 && summary.more == 1);
+    EXPECT_EQ(Join(summary.place.line, summary.more), "2|1");
     ASSERT_TRUE(s_repeats.TakeSummary(INT64_MAX, summary));
-    EXPECT_TRUE(summary.place.line == 1 && summary.more == 2);
+    EXPECT_EQ(Join(summary.place.line, summary.more), "1|2");
     EXPECT_FALSE(s_repeats.TakeSummary(INT64_MAX, summary));
 }
 

@@ -13,6 +13,7 @@
 #include "lls/ParseSLT.h"
 #include "support/Places.h"
 #include "support/Programs.h"
+#include "support/Show.h"
 #include "support/Tables.h"
 
 namespace {
@@ -57,7 +58,7 @@ TEST_F(PlatformTest, DefaultSettingsComeFromTheFile)
     file.reset();
     CParseSLT slt;
     slt.Create(&map, nullptr);
-    EXPECT_TRUE(Feed(slt, table) && slt.ServiceCount() == 0);  // without a file
+    EXPECT_EQ(Each({Feed(slt, table), slt.ServiceCount() == 0}), "11");  // without a file
     slt.Destroy();
     map.Destroy();
     unsetenv("VYR_SETTINGS");
@@ -105,7 +106,7 @@ TEST(PlatformStartTest, ThePriorityIsThatOfTheEnvironment)
             testing::internal::CaptureStderr();
             CSGDUParse unit;
             CXML().Create("", 0, false);
-            EXPECT_TRUE(unit.Create() && !unit.Create());
+            EXPECT_EQ(Each({unit.Create(), unit.Create()}), "10");
             unit.Destroy();
             shown += testing::internal::GetCapturedStderr().empty() ? "-" : std::to_string(level);
         }

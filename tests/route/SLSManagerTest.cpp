@@ -12,6 +12,7 @@
 #include "route/SLS/ROUTEUsbd.h"
 #include "route/SLS/STSID.h"
 #include "support/Recorder.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -154,7 +155,7 @@ TEST_F(SLSManagerTest, OneBufferOfEveryDocumentInTheOrderOfTheKinds)
         EXPECT_EQ(Logged("[CSLSManager::Parse] " + std::string(text) + " not included !!!"), text[0] == 'R' ? 1 : 2)
             << text;
     }
-    EXPECT_TRUE(m_efdt->version == 1 && m_lctEfdt->version == 3 && m_rsat->NumOfService() == 0);
+    EXPECT_EQ(Join(m_efdt->version, m_lctEfdt->version, m_rsat->NumOfService()), "1|3|0");
     EXPECT_EQ(m_manager.Stsid()->NumberOfLctSessions(0), 3);
     EXPECT_EQ(m_manager.Usbd()->ServiceId(), 5);
 }
@@ -288,7 +289,7 @@ TEST_F(SLSManagerTest, Misuse)
     CSLSManager other;
     other.Destroy();
     other.Parse(nullptr, 0, nullptr, false);
-    EXPECT_TRUE(!other.Usbd() && !other.Stsid());
+    EXPECT_EQ(Each({other.Usbd() != nullptr, other.Stsid() != nullptr}), "00");
     EXPECT_EQ(TakeAssertions(), "!m; m; m; m; m");
 
     ASSERT_TRUE(other.Create(nullptr));

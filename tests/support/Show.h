@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <iterator>
 #include <sstream>
 #include <string>
@@ -68,6 +69,16 @@ std::string Join(const T&... values)
     std::string all;
     ((all += "|" + Show(values)), ...);
     return all.substr(1);
+}
+
+/// What each of several steps told, in their order.
+inline std::string Each(std::initializer_list<bool> told)
+{
+    std::string all;
+    for (const bool one : told) {
+        all += one ? '1' : '0';
+    }
+    return all;
 }
 
 /// Defines the text of a record: its values, of `s`.

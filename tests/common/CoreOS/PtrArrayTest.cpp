@@ -1,6 +1,7 @@
 #include "common/CoreOS/PtrArray.h"
 
 #include "support/Recorder.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -130,14 +131,15 @@ TEST_F(PtrArrayTest, LongListsKeepEveryElement)
         for (int i = 0; i < from; ++i) {
             array.Add(&things[static_cast<std::size_t>(i)]);
         }
-        EXPECT_TRUE(array.Set(3000, &things[3000]) && array.Insert(0, &things[4000]) && array.Set(4500, &things[1]));
+        EXPECT_EQ(Each({array.Set(3000, &things[3000]), array.Insert(0, &things[4000]), array.Set(4500, &things[1])}),
+                  "111");
         EXPECT_EQ(array.Size(), 4501);
         EXPECT_EQ(array.ValidCount(), 2);
         for (int i = 0; i < 4501; ++i) {
             const int held = i == 0 ? 4000 : i <= from ? i - 1 : i == 3001 ? 3000 : i == 4500 ? 1 : -1;
             ASSERT_EQ(array.Data(i), held < 0 ? nullptr : &things[static_cast<std::size_t>(held)]) << from << " " << i;
         }
-        EXPECT_TRUE(array.RemoveAll() && array.Add(things.data()) && array.Size() == 1);
+        EXPECT_EQ(Each({array.RemoveAll(), array.Add(things.data()), array.Size() == 1}), "111");
     }
 }
 

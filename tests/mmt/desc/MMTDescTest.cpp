@@ -37,8 +37,8 @@ TEST_F(MMTDescTest, ClockRelationReadsOneRecord)
     CMMTDescCri cri;
     EXPECT_EQ(cri.Tag(), 65535u);
     const SFed fed(cri, MmtDesc(0, CriBody()) + "behind");
-    EXPECT_TRUE(fed.result && fed.item.valid && fed.Cursor() == 19);
-    EXPECT_TRUE(cri.Tag() == 0 && cri.Length() == 15 && cri.ClockRelationId() == 7 && cri.Reserved() == 0x2A);
+    EXPECT_EQ(Join(fed.result, fed.item.valid, fed.Cursor()), "1|1|19");
+    EXPECT_EQ(Join(cri.Tag(), cri.Length(), cri.ClockRelationId(), cri.Reserved()), Join(0, 15, 7, 0x2A));
     EXPECT_EQ(cri.STCSample(), 0x1B2C3D4E5u & 0xFFFFFFFF);
     EXPECT_EQ(cri.NTPTimestampSample(), 0x05060708u);
     cri.Dump();
@@ -84,7 +84,7 @@ TEST_F(MMTDescTest, FactoryTags)
         IParse::SItem item = Item(bytes);
         item.bitpos = 16;
         std::unique_ptr<CMMTDesc> desc(CMMTDescFactory::GenerateDesc(&item));
-        EXPECT_TRUE(item.bitpos == 16 && item.valid && (!desc || desc->Tag() == 65535));
+        EXPECT_EQ(Join(item.bitpos, item.valid, !desc || desc->Tag() == 65535), "16|1|1");
         return desc;
     };
     EXPECT_NE(dynamic_cast<CMMTDescCri*>(made(0).get()), nullptr);
@@ -118,7 +118,7 @@ TEST_F(MMTDescTest, FactoryAtTheEndOfTheData)
         IParse::SItem item = {bytes.data(), c.size, c.size * 8, c.bitpos, true};
         const std::unique_ptr<CMMTDesc> desc(CMMTDescFactory::GenerateDesc(&item));
         EXPECT_EQ(desc != nullptr, c.made) << c.size << " " << c.bitpos;
-        EXPECT_TRUE(item.valid && item.bitpos == c.bitpos);
+        EXPECT_EQ(Join(item.valid, item.bitpos), Join(1, c.bitpos));
     }
     EXPECT_EQ(Logged("[CMMTDescFactory::GenerateDesc] item->bitpos + 16 = 33 > item->size * 8 = 32"), 1);
     EXPECT_EQ(CMMTDescFactory::GenerateDesc(nullptr), nullptr);
@@ -333,7 +333,8 @@ TEST_F(MMTDescTest, WholePayloads)
         const std::vector<unsigned char> bytes = Exact(MmtDesc(c.tag, c.payload + "\x7F") + "behind");
         IParse::SItem item = Item(bytes);
         const std::unique_ptr<CMMTDesc> desc(CMMTDescFactory::GenerateDesc(&item));
-        ASSERT_TRUE(desc && desc->Parse(&item));
+        ASSERT_NE(desc, nullptr);
+        ASSERT_TRUE(desc->Parse(&item));
         EXPECT_EQ(item.bitpos, (4 + c.payload.size() + 1) * 8);
         EXPECT_EQ(desc->Tag(), c.tag);
         EXPECT_EQ(c.fields(*desc), c.expected);
@@ -354,7 +355,8 @@ TEST_F(MMTDescTest, CutPayloadsLoseOnlyTheirEnd)
             const std::vector<unsigned char> bytes = Exact(MmtDesc(c.tag, c.payload.substr(0, size)) + "behind");
             IParse::SItem item = Item(bytes);
             const std::unique_ptr<CMMTDesc> desc(CMMTDescFactory::GenerateDesc(&item));
-            ASSERT_TRUE(desc && desc->Parse(&item) && item.valid);
+            ASSERT_NE(desc, nullptr);
+            ASSERT_EQ(Each({desc->Parse(&item), item.valid}), "11");
             EXPECT_EQ(item.bitpos, (4 + size) * 8);
             const std::string fields = c.fields(*desc);
             EXPECT_EQ(fields, c.expected.substr(0, fields.size()));
@@ -365,7 +367,7 @@ TEST_F(MMTDescTest, CutPayloadsLoseOnlyTheirEnd)
             // Announced whole: the length runs past the item, which stays valid.
             const SFed past(
                 *desc, Head(c.tag, static_cast<unsigned int>(c.payload.size())).Put(c.payload.substr(0, size)).Bytes());
-            EXPECT_TRUE(!past.result && past.item.valid);
+            EXPECT_EQ(Join(past.result, past.item.valid), "0|1");
         }
         EXPECT_GT(told, 0u) << c.name;
     }
@@ -373,7 +375,7 @@ TEST_F(MMTDescTest, CutPayloadsLoseOnlyTheirEnd)
     CMMTDescVsp video;
     EXPECT_FALSE(video.Parse(nullptr));
     EXPECT_EQ(TakeAssertions(), "item");
-    EXPECT_TRUE(!SFed(video, MmtDesc(4, "")).result && !video.RawData());
+    EXPECT_EQ(Each({SFed(video, MmtDesc(4, "")).result, video.RawData() != nullptr}), "00");
     EXPECT_EQ(Logged("[CMMTDescVsp::Parse] Wrong tag : 4"), 1);
 }
 

@@ -6,6 +6,7 @@
 #include "mmt/desc/MMTName.h"
 #include "mmt/desc/MMTRouteComponent.h"
 #include "support/ParserTest.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -43,13 +44,13 @@ TEST_F(MMTUsbdTest, EveryElementAtBothPlaces)
         std::string text;
         unsigned int address = 0;
         unsigned short port = 0;
-        EXPECT_TRUE(m_parser.CheckRouteComponent() && m_parser.GetsTSIDUri(text) && text == "u");
-        EXPECT_TRUE(m_parser.GetRouteComponentDestIp(address) && address == 4026468865u);
-        EXPECT_TRUE(m_parser.GetRouteComponentSrcIp(address) && address == 0x0A010203u);
-        EXPECT_TRUE(m_parser.GetRouteComponentDestPort(port) && port == 5000);
+        EXPECT_EQ(Join(m_parser.CheckRouteComponent(), m_parser.GetsTSIDUri(text), text), "1|1|u");
+        EXPECT_EQ(Join(m_parser.GetRouteComponentDestIp(address), address), "1|4026468865");
+        EXPECT_EQ(Join(m_parser.GetRouteComponentSrcIp(address), address), Join(1, 0x0A010203));
+        EXPECT_EQ(Join(m_parser.GetRouteComponentDestPort(port), port), "1|5000");
         EXPECT_EQ(state.routeComponent->State()->sTSIDMajorProtocolVersion, 1);
         EXPECT_EQ(state.routeComponent->State()->sTSIDMinorProtocolVersion, 2);
-        EXPECT_TRUE(m_parser.CheckBroadbandComponent() && m_parser.GetFullMPDUri(text) && text == "m");
+        EXPECT_EQ(Join(m_parser.CheckBroadbandComponent(), m_parser.GetFullMPDUri(text), text), "1|1|m");
         const CMMTMpuComponent::SMpuComponent& mpu = *state.mpuComponent->State();
         EXPECT_EQ(mpu.mmtPackageId + mpu.contentIdSchemeIdUri + mpu.contentIdValue, "psv");
         EXPECT_EQ(mpu.nextMMTPackageId + mpu.nextContentIdSchemeIdUri + mpu.nextContentIdValue, "npnsnv");
@@ -60,17 +61,18 @@ TEST_F(MMTUsbdTest, EveryElementAtBothPlaces)
         const auto info = [this](int index) {
             unsigned char type = 0, role = 0;
             std::string id, name;
-            EXPECT_TRUE(m_parser.GetComponentType(index, type) && m_parser.GetComponentRole(index, role));
-            EXPECT_TRUE(m_parser.GetComponentId(index, id) && m_parser.GetComponentName(index, name));
+            EXPECT_EQ(Join(m_parser.GetComponentType(index, type), m_parser.GetComponentRole(index, role)), "1|1");
+            EXPECT_EQ(Join(m_parser.GetComponentId(index, id), m_parser.GetComponentName(index, name)), "1|1");
             return std::to_string(type) + std::to_string(role) + (m_parser.ComponentProtectedFlag(index) ? "!" : "") +
                    id + name;
         };
-        EXPECT_TRUE(m_parser.ComponentInfoSize() == 2 && info(0) == "13!aAudio" && info(1) == "00");
+        EXPECT_EQ(Join(m_parser.ComponentInfoSize(), info(0), info(1)), "2|13!aAudio|00");
         char *first = nullptr, *second = nullptr;
-        ASSERT_TRUE(m_parser.LanguageSize() == 2 && m_parser.GetLanguageInfo(0, &first) &&
-                    m_parser.GetLanguageInfo(1, &second));
+        ASSERT_EQ(
+            Join(m_parser.LanguageSize(), m_parser.GetLanguageInfo(0, &first), m_parser.GetLanguageInfo(1, &second)),
+            "2|1|1");
         EXPECT_EQ(std::string(first) + second, "en ");
-        EXPECT_TRUE(m_parser.LinkServiceId() == 7 && m_parser.ServiceCategory() == 2 && m_parser.LinkageType() == 3);
+        EXPECT_EQ(Join(m_parser.LinkServiceId(), m_parser.ServiceCategory(), m_parser.LinkageType()), "7|2|3");
         EXPECT_EQ(std::string(m_parser.ActivationTime()) + m_parser.DeActivationTime(), "ad");
         EXPECT_EQ(m_parser.ServiceId(), described ? 9 : 0);
     }
@@ -95,8 +97,9 @@ TEST_F(MMTUsbdTest, ServiceDescription)
         ASSERT_TRUE(Parse(std::string("<m:bundleDescriptionMMT xmlns:m='u'><m:userServiceDescription ") + c.attributes +
                           "/></m:bundleDescriptionMMT>"));
         EXPECT_STREQ(m_parser.GlobalServiceId(), c.globalServiceId);
-        EXPECT_TRUE(m_parser.ServiceId() == c.serviceId && m_parser.ServiceStatus() == c.status &&
-                    m_parser.State()->givenServiceStatus.value_or(c.status) == (c.serviceId == 3 || c.status));
+        EXPECT_EQ(Join(m_parser.ServiceId(), m_parser.ServiceStatus(),
+                       m_parser.State()->givenServiceStatus.value_or(c.status)),
+                  Join(c.serviceId, c.status, c.serviceId == 3 || c.status));
     }
 }
 
@@ -109,23 +112,27 @@ TEST_F(MMTUsbdTest, NothingGiven)
     unsigned char number = 5;
     char* language = text.data();
     std::vector<std::string> ratings;
-    EXPECT_FALSE(m_parser.CheckRouteComponent() || m_parser.CheckBroadbandComponent() || m_parser.GetsTSIDUri(text) ||
-                 m_parser.GetFullMPDUri(text) || m_parser.GetRouteComponentDestIp(address) ||
-                 m_parser.GetRouteComponentSrcIp(address) || m_parser.GetRouteComponentDestPort(port));
+    EXPECT_EQ(Join(m_parser.CheckRouteComponent(), m_parser.CheckBroadbandComponent(), m_parser.GetsTSIDUri(text),
+                   m_parser.GetFullMPDUri(text), m_parser.GetRouteComponentDestIp(address),
+                   m_parser.GetRouteComponentSrcIp(address), m_parser.GetRouteComponentDestPort(port)),
+              "0|0|0|0|0|0|0");
     for (const int index : {-1, 0}) {
-        EXPECT_FALSE(m_parser.GetComponentType(index, number) || m_parser.GetComponentRole(index, number) ||
-                     m_parser.ComponentProtectedFlag(index) || m_parser.GetComponentId(index, text) ||
-                     m_parser.GetComponentName(index, text) || m_parser.GetLanguageInfo(index, &language));
+        EXPECT_EQ(Join(m_parser.GetComponentType(index, number), m_parser.GetComponentRole(index, number),
+                       m_parser.ComponentProtectedFlag(index), m_parser.GetComponentId(index, text),
+                       m_parser.GetComponentName(index, text), m_parser.GetLanguageInfo(index, &language)),
+                  "0|0|0|0|0|0");
     }
-    EXPECT_TRUE(text == "old" && address == 5 && port == 5 && number == 5 && language == text.data());
-    EXPECT_TRUE(m_parser.LinkServiceId() == -1 && m_parser.ServiceCategory() == -1 && m_parser.LinkageType() == -1 &&
-                !m_parser.ActivationTime() && !m_parser.DeActivationTime());
+    EXPECT_EQ(Join(text, address, port, number, language == text.data()), "old|5|5|5|1");
+    EXPECT_EQ(Join(m_parser.LinkServiceId(), m_parser.ServiceCategory(), m_parser.LinkageType(),
+                   m_parser.ActivationTime(), m_parser.DeActivationTime()),
+              "-1|-1|-1|-|-");
     EXPECT_FALSE(m_parser.GetRatingStringTable(ratings));
     EXPECT_EQ(Logged("[CMMTUsbd::GetRatingStringTable] Content Advisory Data not parsed"), 1);
 
     ASSERT_TRUE(ParseIn("<routeComponent/><broadbandComponent/><mpuComponent nextMmtPackageId='n'/>"));
-    EXPECT_TRUE(m_parser.GetsTSIDUri(text) && text.empty() && m_parser.GetRouteComponentDestIp(address) &&
-                address == 0 && m_parser.GetRouteComponentDestPort(port) && port == 0);
+    EXPECT_EQ(Join(m_parser.GetsTSIDUri(text), text, m_parser.GetRouteComponentDestIp(address), address,
+                   m_parser.GetRouteComponentDestPort(port), port),
+              "1||1|0|1|0");
     EXPECT_EQ(m_parser.State()->mpuComponent->State()->nextMMTPackageId, "n");
 }
 
@@ -134,7 +141,7 @@ TEST_F(MMTUsbdTest, MissingProtectedFlagIsAsserted)
     ASSERT_TRUE(ParseIn("<ComponentInfo componentType='2' componentId='c'/>"));
     EXPECT_EQ(TakeAssertions(), "tempComponentProtectedFlag != nullptr");
     std::string id;
-    EXPECT_TRUE(m_parser.GetComponentId(0, id) && id == "c" && !m_parser.ComponentProtectedFlag(0));
+    EXPECT_EQ(Join(m_parser.GetComponentId(0, id), id, m_parser.ComponentProtectedFlag(0)), "1|c|0");
 }
 
 TEST_F(MMTUsbdTest, WrongRootLeavesEarlierResults)
@@ -145,7 +152,7 @@ TEST_F(MMTUsbdTest, WrongRootLeavesEarlierResults)
         EXPECT_FALSE(Parse(text)) << text;
     }
     std::string uri;
-    EXPECT_TRUE(m_parser.ServiceId() == 9 && m_parser.LanguageSize() == 1 && m_parser.GetsTSIDUri(uri) && uri == "u");
+    EXPECT_EQ(Join(m_parser.ServiceId(), m_parser.LanguageSize(), m_parser.GetsTSIDUri(uri), uri), "9|1|1|u");
 }
 
 TEST_F(MMTUsbdTest, RatingStrings)
@@ -166,7 +173,7 @@ TEST_F(MMTUsbdTest, RatingStrings)
     EXPECT_EQ(first->State()->ratedDimensions, 2);
     EXPECT_EQ(first->State()->descriptions.at(1).lang + first->State()->descriptions.at(1).text, "esotra");
     EXPECT_EQ(first->State()->ratings.at(0).values.at(1).text, "x");
-    EXPECT_FALSE(m_parser.GetLanguageInfo(0, nullptr) || m_parser.Create());
+    EXPECT_EQ(Each({m_parser.GetLanguageInfo(0, nullptr), m_parser.Create()}), "00");
     EXPECT_EQ(TakeAssertions(), "language; !m");
 }
 

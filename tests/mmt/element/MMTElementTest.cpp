@@ -7,6 +7,7 @@
 #include "mmt/element/MMTElementLocation.h"
 #include "mmt/element/MMTElementMime.h"
 #include "support/MmtBuilder.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -46,7 +47,7 @@ std::string Answers(const CLocationUnitBase& unit)
     const auto words = [&](const char* name, auto getter) {
         unsigned short value[9] = {7, 7, 7, 7, 7, 7, 7, 7, 7};
         const bool answered = (unit.*getter)(value);
-        EXPECT_TRUE(value[8] == 7 && (answered || value[0] == 7)) << name;
+        EXPECT_EQ(Join(value[8], answered || value[0] == 7), "7|1") << name;
         EXPECT_FALSE((unit.*getter)(nullptr)) << name;
         std::string text;
         for (int i = 0; i < 8; ++i) {
@@ -107,14 +108,14 @@ TEST_F(MMTElementTest, LocationsOfEveryType)
         const std::string bytes = static_cast<char>(c.type) + c.bytes;
         CMMTElementLocation location;
         const SFed fed(location, bytes + "next");
-        ASSERT_TRUE(fed.result && location.Location());
+        ASSERT_EQ(Join(fed.result, location.Location() != nullptr), "1|1");
         EXPECT_EQ(fed.Cursor(), bytes.size());
         EXPECT_EQ(location.LocationType(), static_cast<unsigned>(c.type));
         EXPECT_EQ(Answers(*location.Location()), c.answers);
         location.Dump();
         for (std::size_t size = 0; size < bytes.size(); ++size) {
             CMMTElementLocation cut;
-            EXPECT_FALSE(SFed(cut, bytes.substr(0, size)).result || cut.Location()) << size;
+            EXPECT_EQ(Each({SFed(cut, bytes.substr(0, size)).result, cut.Location() != nullptr}), "00") << size;
         }
         if (c.answers.find("packet") != std::string::npos) {
             EXPECT_FALSE(location.Location()->GetPacketId(nullptr));
@@ -151,8 +152,8 @@ TEST_F(MMTElementTest, CutUnitsAndGettersNames)
     for (const bool cut : {false, true}) {
         EXPECT_NE(SFed(unit6, std::string(cut ? 10 : 38, '\x11')).result, cut);
         unsigned short port = 0, message = 0;
-        EXPECT_TRUE(unit6.GetDstPort(&port) && unit6.GetMsgId(&message));
-        EXPECT_TRUE(port == 0x1111 && message == 0x1111) << "its numbers stay when its addresses are cut";
+        EXPECT_EQ(Join(unit6.GetDstPort(&port), unit6.GetMsgId(&message)), "1|1");
+        EXPECT_EQ(Join(port, message), Join(0x1111, 0x1111)) << "its numbers stay when its addresses are cut";
     }
     CLocationUnit4 stream6;
     EXPECT_TRUE(
@@ -179,7 +180,9 @@ TEST_F(MMTElementTest, LocationsThatDoNotParse)
 {
     for (const int type : {0x0D, 0xFF}) {
         CMMTElementLocation location;
-        EXPECT_FALSE(SFed(location, static_cast<char>(type) + std::string(80, 'x')).result || location.Location());
+        EXPECT_EQ(Each({SFed(location, static_cast<char>(type) + std::string(80, 'x')).result,
+                        location.Location() != nullptr}),
+                  "00");
         EXPECT_EQ(location.LocationType(), static_cast<unsigned>(type));
     }
     CMMTElementLocation location;
@@ -190,7 +193,7 @@ TEST_F(MMTElementTest, LocationsThatDoNotParse)
     EXPECT_TRUE(SFed(location, std::string("\0cd", 3)).result);
     ExpectAsserted("!m_pLocation", "src/mmt/element/MMTElementLocation", 23);
     EXPECT_EQ(Answers(*location.Location()), "packet=6364");
-    EXPECT_FALSE(SFed(location, "\x0D").result || location.Location());
+    EXPECT_EQ(Each({SFed(location, "\x0D").result, location.Location() != nullptr}), "00");
     ExpectAsserted("!m_pLocation", "src/mmt/element/MMTElementLocation", 23);
     EXPECT_FALSE(location.Parse(nullptr));
     CLocationUnitB unit;
@@ -237,9 +240,10 @@ TEST_F(MMTElementTest, UrlLists)
     const std::string two("\1\0\3\0\3abc\0\0", 10);
     CMMTElementIdentifierMapping mapping;
     const SFed fed(mapping, two);
-    ASSERT_TRUE(fed.result && fed.item.valid);
+    ASSERT_EQ(Join(fed.result, fed.item.valid), "1|1");
     const auto* urls = dynamic_cast<CIdentifierUnit1*>(mapping.Identifier());
-    ASSERT_TRUE(urls && urls->UrlCount() == 2);
+    ASSERT_NE(urls, nullptr);
+    ASSERT_EQ(urls->UrlCount(), 2);
     EXPECT_STREQ(urls->Url(0), "abc");
     EXPECT_STREQ(urls->Url(1), "");
     EXPECT_EQ(urls->Url(2), nullptr);
@@ -251,7 +255,7 @@ TEST_F(MMTElementTest, UrlLists)
     EXPECT_TRUE(SFed(mapping, std::string("\1\0\0", 3)).result);
     EXPECT_TRUE(SFed(mapping, "\1\xFF\xFF").result);
     for (const std::size_t size : {0u, 1u, 2u, 4u, 6u, 7u, 9u}) {
-        EXPECT_FALSE(SFed(mapping, two.substr(0, size)).result || mapping.Identifier()) << size;
+        EXPECT_EQ(Each({SFed(mapping, two.substr(0, size)).result, mapping.Identifier() != nullptr}), "00") << size;
     }
     EXPECT_EQ(Logged("src/mmt/element/MMTElementIdentifierMapping:43, m_identifier->Parse(item)"), 6);
 }
@@ -263,7 +267,7 @@ TEST_F(MMTElementTest, IdentifiersWithALength)
         SCOPED_TRACE(type);
         CMMTElementIdentifierMapping mapping;
         const SFed fed(mapping, static_cast<char>(type) + body + "next");
-        ASSERT_TRUE(fed.result && mapping.IdentifierType() == type && fed.Cursor() == 6);
+        ASSERT_EQ(Join(fed.result, mapping.IdentifierType(), fed.Cursor()), Join(1, type, 6));
         std::string held;
         if (const auto* regex = dynamic_cast<CIdentifierUnit2*>(mapping.Identifier())) {
             held = "2" + std::string(regex->Regex(), regex->RegexLength() + 1u);
@@ -283,11 +287,11 @@ TEST_F(MMTElementTest, IdentifiersWithALength)
     CIdentifierUnit2 regex;
     CIdentifierUnit3 id;
     CIdentifierUnitPriv bytes;
-    EXPECT_TRUE(SFed(regex, body).result && SFed(regex, body).result);
+    EXPECT_EQ(Each({SFed(regex, body).result, SFed(regex, body).result}), "11");
     ExpectAsserted("!m_regex", "src/mmt/IdentifierUnit/IdentifierUnit2", 10);
-    EXPECT_TRUE(SFed(id, body).result && SFed(id, body).result);
+    EXPECT_EQ(Each({SFed(id, body).result, SFed(id, body).result}), "11");
     ExpectAsserted("!m_representationID", "src/mmt/IdentifierUnit/IdentifierUnit3", 14);
-    EXPECT_TRUE(SFed(bytes, body).result && SFed(bytes, body).result);
+    EXPECT_EQ(Each({SFed(bytes, body).result, SFed(bytes, body).result}), "11");
     ExpectAsserted("!m_priv", "src/mmt/IdentifierUnit/IdentifierUnitPriv", 16);
     EXPECT_FALSE(bytes.Parse(nullptr));
     ExpectAsserted("item", "src/mmt/IdentifierUnit/IdentifierUnitPriv", 8);

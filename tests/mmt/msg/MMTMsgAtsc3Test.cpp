@@ -5,6 +5,7 @@
 #include "mmt/desc/MMTUsbd.h"
 #include "mmt/table/MMTTblSi.h"
 #include "support/MmtBuilder.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -68,14 +69,15 @@ class MMTMsgAtsc3Test : public CRecorder {};
 TEST_F(MMTMsgAtsc3Test, Header)
 {
     CMMTMsgAtsc3 message;
-    EXPECT_TRUE(message.ClassType() == CMMTMsg::CLASS_TYPE_ATSC3 && message.SITable()->TableId() == 0xFF &&
-                message.SITable()->ClassType() == 5);
+    EXPECT_EQ(Join(message.ClassType(), message.SITable()->TableId(), message.SITable()->ClassType()),
+              Join(CMMTMsg::CLASS_TYPE_ATSC3, 0xFF, 5));
     const std::string bytes = SMessage{2, "<MPD/>", 1, -1, "uri"}.Bytes();
     const SFed fed(message, bytes + "behind");
-    EXPECT_TRUE(fed.result && fed.Cursor() == bytes.size() && message.Process());
-    EXPECT_TRUE(message.Id() == 0x8100 && message.Version() == 3 && message.Length() == bytes.size() - 7);
-    EXPECT_TRUE(message.ServiceId() == 1001 && message.ContentType() == 2 && message.ContentVersion() == 4 &&
-                message.ContentCompression() == 1 && message.ContentLength() == 6);
+    EXPECT_EQ(Join(fed.result, fed.Cursor(), message.Process()), Join(1, bytes.size(), 1));
+    EXPECT_EQ(Join(message.Id(), message.Version(), message.Length()), Join(0x8100, 3, bytes.size() - 7));
+    EXPECT_EQ(Join(message.ServiceId(), message.ContentType(), message.ContentVersion(), message.ContentCompression(),
+                   message.ContentLength()),
+              "1001|2|4|1|6");
     EXPECT_STREQ(message.Uri(), "uri");
     EXPECT_EQ(Content(message), "<MPD/>");
     EXPECT_EQ(Logged("m_content_type[2], version[3], m_content_version[4]"), 1);
@@ -87,7 +89,7 @@ TEST_F(MMTMsgAtsc3Test, Header)
     EXPECT_TRUE(SFed(message, SMessage{2, "", 1}.Bytes()).result);
     EXPECT_EQ(message.Uri(), nullptr);
     EXPECT_EQ(Content(message), "null 0");
-    EXPECT_FALSE(message.GetContent(nullptr, nullptr) || message.GetDescriptors(nullptr, nullptr));
+    EXPECT_EQ(Join(message.GetContent(nullptr, nullptr), message.GetDescriptors(nullptr, nullptr)), "0|0");
     EXPECT_EQ(TakeAssertions(), "callback; callback");
 }
 
@@ -162,7 +164,7 @@ TEST_F(MMTMsgAtsc3Test, InflationLimit)
         const std::string stream = Gzip(most + (over ? "x" : ""));
         CMMTMsgAtsc3 message;
         const SFed fed(message, SMessage{2, stream, 2}.Bytes());
-        EXPECT_TRUE(fed.result && fed.Cursor() == fed.item.size);
+        EXPECT_EQ(Join(fed.result, fed.Cursor()), Join(1, fed.item.size));
         EXPECT_TRUE(Content(message) == (over ? stream : most)) << over;
     }
 }
@@ -174,7 +176,7 @@ TEST_F(MMTMsgAtsc3Test, Documents)
         ASSERT_TRUE(SFed(message, sent.Bytes()).result);
         char* globalServiceId = nullptr;
         unsigned short serviceId = 0;
-        EXPECT_TRUE(message.GetServiceInfo(&globalServiceId, serviceId) && serviceId == 1001);
+        EXPECT_EQ(Join(message.GetServiceInfo(&globalServiceId, serviceId), serviceId), "1|1001");
         EXPECT_STREQ(globalServiceId, "g");
         EXPECT_EQ(globalServiceId, message.UserServiceBundleDescription()->GlobalServiceId());
         EXPECT_EQ(message.UserServiceBundleDescription()->ServiceId(), 5);

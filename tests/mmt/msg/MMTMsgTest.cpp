@@ -43,7 +43,7 @@ class MMTMsgTest : public CRecorder {
             EXPECT_EQ(fed.Cursor(), fed.block.size() - 4);
             EXPECT_EQ(std::string(msg.Payload(), msg.Payload() + msg.PayloadLength()), payload.substr(0, size));
             msg.Dump();
-            EXPECT_TRUE(msg.Process() && msg.GetDescriptors([](void*, CMMTDesc*) {}, nullptr));
+            EXPECT_EQ(Join(msg.Process(), msg.GetDescriptors([](void*, CMMTDesc*) {}, nullptr)), "1|1");
             use(msg);
         }
     }
@@ -90,7 +90,7 @@ TEST_F(MMTMsgTest, FactoryByMessageId)
             EXPECT_EQ(Logged(c.type < 0 ? std::string("[CMMTMsgFactory::CreateMessage] ") + c.log : "type: 0x"), 1);
             if (msg) {
                 EXPECT_EQ(msg->ClassType(), c.type);
-                EXPECT_TRUE(msg->Id() == 0xFFFF && msg->Version() == 0 && msg->Length() == 0);
+                EXPECT_EQ(Join(msg->Id(), msg->Version(), msg->Length()), "65535|0|0");
                 EXPECT_FALSE(msg->Parse(nullptr));
                 IParse::SItem none = {nullptr, 0, 0, 0, true};
                 EXPECT_FALSE(msg->Parse(&none));
@@ -108,7 +108,7 @@ TEST_F(MMTMsgTest, FactoryWithoutAnId)
     ASSERT_EQ(s_assertions.size(), 1u);
     EXPECT_EQ(s_assertions[0].file + std::to_string(s_assertions[0].line), "src/mmt/msg/MMTMsgFactory77");
     EXPECT_EQ(TakeAssertions(), "data");
-    EXPECT_TRUE(Create(0) && Create(0));
+    EXPECT_EQ(Each({Create(0) != nullptr, Create(0) != nullptr}), "11");
     CMMTMsgFactory::InitializeFactory();
     EXPECT_LE(Logged("[CMMTMsgFactory::InitializeFactory] BEGIN"), 1);
     SetLogPriority(LOG_PRIORITY_SILENT);
@@ -168,7 +168,7 @@ TEST_F(MMTMsgTest, Framing)
         const SFed fed(*whole, bytes + "trail");
         EXPECT_TRUE(fed.result);
         EXPECT_EQ(fed.Cursor(), bytes.size());
-        EXPECT_TRUE(whole->Id() == 0x8234 && whole->Version() == 7 && whole->Length() == c.payload.size());
+        EXPECT_EQ(Join(whole->Id(), whole->Version(), whole->Length()), Join(0x8234, 7, c.payload.size()));
         whole->Dump();
         EXPECT_EQ(whole->Process(), whole->ClassType() != CMMTMsg::CLASS_TYPE_MPI);
         EXPECT_TRUE(SFed(*whole, bytes).result);
@@ -197,33 +197,34 @@ TEST_F(MMTMsgTest, PaCarriesTables)
     const std::string tables = MmtPaTable() + MmtMpTable(0x11) + MmtMpiTable(0x01);
     CMMTMsgPa pa;
     const SFed fed(pa, MmtMessage(0, 32, list + tables));
-    ASSERT_TRUE(fed.result && pa.TableCount() == 3 && pa.Table(2));
+    ASSERT_EQ(Join(fed.result, pa.TableCount(), pa.Table(2) != nullptr), "1|3|1");
     EXPECT_EQ(fed.Cursor(), fed.block.size());
     EXPECT_EQ(MmtClocks(pa), "1 2 4 5 ");
     EXPECT_EQ(Logged("[CMMTMsgPa::Parse] Table ClassType: 2/CLASS_TYPE_MP"), 1);
     // What the list says is kept, whatever the tables are.
     unsigned char id = 0, version = 0;
     unsigned short length = 0;
-    EXPECT_TRUE(pa.GetTableInfo(2, id, version, length) && id == 0x7F && version == 5 && length == 6);
+    EXPECT_EQ(Join(pa.GetTableInfo(2, id, version, length), id, version, length), "1|127|5|6");
     EXPECT_EQ(pa.Table(2)->TableId(), 1);
     ASSERT_EQ(pa.Table(0)->ClassType(), CMMTTbl::CLASS_TYPE_PA);
     int told = 0;
     const CMMTTblPa::SCallback callback = {&told, [](void* user, unsigned char, unsigned char, SLocationInfo*,
                                                      SLocationInfo*) { ++*static_cast<int*>(user); }};
     static_cast<CMMTTblPa*>(pa.Table(0))->SetCallback(&callback);
-    EXPECT_TRUE(pa.Process() && told == 1);
-    EXPECT_TRUE(!pa.Table(3) && !pa.GetTableInfo(-1, id, version, length));
+    EXPECT_EQ(Join(pa.Process(), told), "1|1");
+    EXPECT_EQ(Join(pa.Table(3) != nullptr, pa.GetTableInfo(-1, id, version, length)), "0|0");
     EXPECT_EQ(TakeAssertions(), "0 <= index && index < m_size; 0 <= index && index < m_size");
 
-    EXPECT_TRUE(SFed(pa, MmtMessage(0, 32, std::string(1, '\0'))).result && pa.TableCount() == 0);
+    EXPECT_EQ(Each({SFed(pa, MmtMessage(0, 32, std::string(1, '\0'))).result, pa.TableCount() == 0}), "11");
     EXPECT_FALSE(SFed(pa, MmtMessage(0, 32, list + MmtPaTable())).result);
-    EXPECT_TRUE(pa.TableCount() == 3 && pa.Table(0) && !pa.Table(1) && pa.Process());
+    EXPECT_EQ(Join(pa.TableCount(), pa.Table(0) != nullptr, pa.Table(1) != nullptr, pa.Process()), "3|1|0|1");
     EXPECT_EQ(Logged("_CHECK FAIL: src/mmt/msg/MMTMsgPa:89, p_tbl = CMMTTblFactory::GenerateTbl(item)"), 1);
     EXPECT_FALSE(SFed(pa, MmtMessage(0, 32, list + MmtPaTable() + "\x24")).result);
     EXPECT_EQ(Logged("invalid table id[0x24]"), 1);
-    EXPECT_FALSE(SFed(pa, MmtMessage(0, 32, list + MmtTable(0x12, "\2\1\x9"))).result || pa.Table(0));
+    EXPECT_EQ(Each({SFed(pa, MmtMessage(0, 32, list + MmtTable(0x12, "\2\1\x9"))).result, pa.Table(0) != nullptr}),
+              "00");
     EXPECT_EQ(Logged("_CHECK FAIL: src/mmt/msg/MMTMsgPa:90, p_tbl->Parse(item)"), 1);
-    EXPECT_FALSE(SFed(pa, MmtMessage(0, 32, list.substr(0, 12))).result || pa.Table(0));
+    EXPECT_EQ(Each({SFed(pa, MmtMessage(0, 32, list.substr(0, 12))).result, pa.Table(0) != nullptr}), "00");
     EXPECT_EQ(pa.TableCount(), 2);
 }
 
@@ -231,11 +232,11 @@ TEST_F(MMTMsgTest, MpiAndMpt)
 {
     CMMTMsgMpi mpi;
     ASSERT_TRUE(SFed(mpi, MmtMessage(1, 32, "\xFF" + MmtMpiTable(1) + MmtMpTable(0x20))).result);
-    EXPECT_TRUE(mpi.AssociatedMPTableFlag() && mpi.MPITable()->PiContentCount() == 2);
+    EXPECT_EQ(Join(mpi.AssociatedMPTableFlag(), mpi.MPITable()->PiContentCount()), "1|2");
     EXPECT_EQ(MmtClocks(mpi), "4 5 1 2 ");
     CMMTMsgMpi alone;
     ASSERT_TRUE(SFed(alone, MmtMessage(1, 32, "\xFE" + MmtMpiTable(1) + MmtMpTable(0x20))).result);
-    EXPECT_TRUE(!alone.AssociatedMPTableFlag() && alone.MPTable()->AssetCount() == 0);
+    EXPECT_EQ(Join(alone.AssociatedMPTableFlag(), alone.MPTable()->AssetCount()), "0|0");
     EXPECT_EQ(MmtClocks(alone), "4 5 ");
     CMMTMsgMpi bad;
     EXPECT_FALSE(SFed(bad, MmtMessage(1, 32, "\x1" + MmtMpiTable(1) + MmtMpTable(0x10))).result);
@@ -339,12 +340,12 @@ TEST_F(MMTMsgTest, SignedMessages)
     auto* pa = dynamic_cast<CMMTMsgPa*>(smm.Message().get());
     ASSERT_TRUE(pa);
     static_cast<CMMTTblPa*>(pa->Table(0))->SetCallback(&callback);
-    EXPECT_TRUE(smm.Process() && told == 1);
+    EXPECT_EQ(Join(smm.Process(), told), "1|1");
 
     // What is unsupported, cut or too short is there as bytes.
     for (const std::string& wrapped :
          {MmtMessage(0x20C, 32, "x"), mpt.substr(0, 20), std::string("\0", 1), std::string()}) {
-        EXPECT_TRUE(SFed(smm, MmtMessage(0x8101, 32, Signed(wrapped))).result && !smm.Message());
+        EXPECT_EQ(Each({SFed(smm, MmtMessage(0x8101, 32, Signed(wrapped))).result, smm.Message() != nullptr}), "10");
         EXPECT_EQ(smm.MessageData(), wrapped);
     }
 

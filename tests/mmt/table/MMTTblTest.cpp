@@ -63,7 +63,7 @@ TEST_F(MMTTblTest, FactoryByTableId)
             ASSERT_TRUE(table) << id;
             EXPECT_EQ(table->ClassType(), c.type);
             EXPECT_STREQ(table->ClassString(), c.name);
-            EXPECT_TRUE(table->TableId() == 0xFF && table->Version() == 0 && table->Length() == 0);
+            EXPECT_EQ(Join(table->TableId(), table->Version(), table->Length()), "255|0|0");
             EXPECT_EQ(item.bitpos, 8u);
         }
     }
@@ -93,23 +93,23 @@ TEST_F(MMTTblTest, FlatRecords)
     EXPECT_STREQ(probe.ClassString(), "UNKONWN CLASS TYPE");
     EXPECT_FALSE(probe.Process());
     EXPECT_TRUE(SFed(probe, "\x21\x04\x12\x34").result);
-    EXPECT_TRUE(probe.TableId() == 0x21 && probe.Version() == 4 && probe.Length() == 0x1234);
+    EXPECT_EQ(Join(probe.TableId(), probe.Version(), probe.Length()), Join(0x21, 4, 0x1234));
     EXPECT_EQ(Logged("CMMTTbl version  [4]"), 1);
 
     SLocationInfo info = {77, {78}};
     CMMTElementLocation location;
     EXPECT_FALSE(probe.t_GetMMTGeneralLocationInfo(&info, &location));
-    EXPECT_TRUE(info.locationType == 77 && info.info.packetId == 78);
+    EXPECT_EQ(Join(info.locationType, info.info.packetId), "77|78");
     EXPECT_TRUE(SFed(location, std::string("\0ab", 3)).result);
     EXPECT_TRUE(probe.t_GetMMTGeneralLocationInfo(&info, &location));
-    EXPECT_TRUE(info.locationType == 0 && info.info.packetId == 0x6162);
+    EXPECT_EQ(Join(info.locationType, info.info.packetId), Join(0, 0x6162));
     CMMTElementLocation other;
     EXPECT_TRUE(SFed(other,
                      "\x9"
                      "abcd")
                     .result);
     EXPECT_FALSE(probe.t_GetMMTGeneralLocationInfo(&info, &other));
-    EXPECT_TRUE(info.locationType == 9 && info.info.packetId == 0);
+    EXPECT_EQ(Join(info.locationType, info.info.packetId), "9|0");
     EXPECT_EQ(Logged("location type 0x 9"), 1);
 
     SIdentifier identifier = {};
@@ -122,9 +122,10 @@ TEST_F(MMTTblTest, FlatRecords)
     delete[] identifier.identifier.assetId;
     EXPECT_TRUE(SFed(mapping, std::string("\x3\0\1r", 4)).result);
     EXPECT_FALSE(probe.t_GetIdentifier(&identifier, &mapping));
-    EXPECT_TRUE(identifier.identifierType == 3 && !identifier.identifier.assetId);
+    EXPECT_EQ(Join(identifier.identifierType, identifier.identifier.assetId), "3|-");
     EXPECT_EQ(Logged("SIdentifier type 0x 3"), 1);
-    EXPECT_FALSE(probe.t_GetIdentifier(&identifier, nullptr) || probe.t_GetMMTGeneralLocationInfo(nullptr, &other));
+    EXPECT_EQ(Each({probe.t_GetIdentifier(&identifier, nullptr), probe.t_GetMMTGeneralLocationInfo(nullptr, &other)}),
+              "00");
     EXPECT_EQ(TakeAssertions(), "mapping; out");
 }
 
@@ -134,11 +135,11 @@ TEST_F(MMTTblTest, PaReportsEntriesWithBothLocations)
     s_told.clear();
     CMMTTblPa pa;
     const SFed fed(pa, MmtPaTable() + "next");
-    ASSERT_TRUE(fed.result && pa.InfoCount() == 4);
+    ASSERT_EQ(Join(fed.result, pa.InfoCount()), "1|4");
     EXPECT_EQ(fed.Cursor(), MmtPaTable().size());
     EXPECT_EQ(pa.PrivateFlag(), 1);
-    EXPECT_TRUE(pa.Info(0)->Flag() == 0 && !pa.Info(0)->AlternativeLocation()->Location());
-    EXPECT_TRUE(pa.Info(3)->Flag() == 1 && pa.Info(3)->AlternativeLocation()->LocationType() == 8);
+    EXPECT_EQ(Join(pa.Info(0)->Flag(), pa.Info(0)->AlternativeLocation()->Location() != nullptr), "0|0");
+    EXPECT_EQ(Join(pa.Info(3)->Flag(), pa.Info(3)->AlternativeLocation()->LocationType()), "1|8");
     EXPECT_TRUE(pa.Process());
     int user = 0;
     const CMMTTblPa::SCallback callback = {
@@ -153,7 +154,7 @@ TEST_F(MMTTblTest, PaReportsEntriesWithBothLocations)
     EXPECT_TRUE(pa.Process());
     EXPECT_EQ(s_told, "34 3 0 259 1 260 ");
     pa.SetCallback(nullptr);
-    EXPECT_TRUE(pa.Process() && pa.GetDescriptors(nullptr, nullptr));
+    EXPECT_EQ(Join(pa.Process(), pa.GetDescriptors(nullptr, nullptr)), "1|1");
     EXPECT_EQ(user, 1);
     pa.Dump();
     DumpUnseen(pa);
@@ -161,9 +162,9 @@ TEST_F(MMTTblTest, PaReportsEntriesWithBothLocations)
     // Longer than the data; an entry that does not parse.
     CMMTTblPa cut;
     const SFed tooLong(cut, std::string("\0\1\0\2\0", 5));
-    EXPECT_FALSE(tooLong.result || tooLong.item.valid);
+    EXPECT_EQ(Join(tooLong.result, tooLong.item.valid), "0|0");
     EXPECT_EQ(Logged("[CMMTTblPa::Parse] ERROR"), 1);
-    EXPECT_FALSE(SFed(cut, MmtTable(0, "\1\x11\1\x0D")).result || cut.InfoCount());
+    EXPECT_EQ(Each({SFed(cut, MmtTable(0, "\1\x11\1\x0D")).result, cut.InfoCount() != 0}), "00");
     EXPECT_EQ(Logged("_CHECK FAIL: src/mmt/table/MMTTblPa:75, p_unit->Parse(item)"), 1);
     ExpectNoPrefixParses<CMMTTblPa>(MmtPaTable());
 }
@@ -181,21 +182,21 @@ TEST_F(MMTTblTest, MpAssets)
     EXPECT_EQ(mp.PackageId(), nullptr);
     const std::string bytes = MmtMpTable(0x20);
     const SFed fed(mp, bytes + "next");
-    ASSERT_TRUE(fed.result && mp.AssetCount() == 3 && mp.Process());
+    ASSERT_EQ(Join(fed.result, mp.AssetCount(), mp.Process()), "1|3|1");
     EXPECT_EQ(fed.Cursor(), bytes.size());
-    EXPECT_TRUE(mp.Mode() == 2 && mp.PackageIdLength() == 3 && mp.DescriptorCount() == 1 && mp.Descriptor(0));
+    EXPECT_EQ(Join(mp.Mode(), mp.PackageIdLength(), mp.DescriptorCount(), mp.Descriptor(0) != nullptr), "2|3|1|1");
     EXPECT_STREQ(mp.PackageId(), "pkg");
     EXPECT_EQ(Logged("[CMMTTblMp::Parse] assetNum = 3"), 1);
     EXPECT_EQ(MmtClocks(mp), "1 2 ");
     CMMTTblMpAsset &a = *mp.Asset(0), &b = *mp.Asset(1);
     EXPECT_EQ(ShowAsset(a) + " " + ShowAsset(b) + " " + ShowAsset(*mp.Asset(2)),
               "hev1|1|1|1|9|90000|2|1 mp4a|0|1|0|8|0|0|0 stpp|0|0|0|0|0|0|0");
-    ASSERT_TRUE(a.LocationCount() == 2 && a.AssetDescriptorSize() == 1 && a.AssetDescriptor(0));
+    ASSERT_EQ(Join(a.LocationCount(), a.AssetDescriptorSize(), a.AssetDescriptor(0) != nullptr), "2|1|1");
     unsigned int packet = 0;
-    EXPECT_TRUE(a.Location(1)->Location()->GetPacketId(&packet) && packet == 0x1002);
+    EXPECT_EQ(Join(a.Location(1)->Location()->GetPacketId(&packet), packet), Join(1, 0x1002));
     EXPECT_EQ(a.AssetDescriptor(1), nullptr);
     EXPECT_STREQ(static_cast<CIdentifierUnit1*>(b.Identifier()->Identifier())->Url(1), "url2");
-    EXPECT_TRUE(!mp.Asset(3) && !b.Location(0) && !mp.GetDescriptors(nullptr, nullptr));
+    EXPECT_EQ(Each({mp.Asset(3) != nullptr, b.Location(0) != nullptr, mp.GetDescriptors(nullptr, nullptr)}), "000");
     EXPECT_EQ(TakeAssertions(), "0 <= index && index < m_size; 0 <= index && index < m_size; callback");
 }
 
@@ -216,7 +217,7 @@ TEST_F(MMTTblTest, MpTableIds)
     CMMTTblMp mp;
     EXPECT_TRUE(SFed(mp, MmtTable(0x11, std::string("\2\0\0\0\0", 5))).result);
     EXPECT_STREQ(mp.PackageId(), "");
-    EXPECT_FALSE(SFed(mp, MmtMpTable(0x10)).result || SFed(mp, MmtMpTable(0x21)).result);
+    EXPECT_EQ(Each({SFed(mp, MmtMpTable(0x10)).result, SFed(mp, MmtMpTable(0x21)).result}), "00");
     EXPECT_EQ(Logged("[CMMTTblMp::Parse] Table ID ERROR ID=10"), 1);
     EXPECT_EQ(Logged("[CMMTTblMp::Parse] Table ID ERROR ID=21"), 1);
     EXPECT_FALSE(SFed(mp, MmtTable(0x12, "\2\1\x9")).result);
@@ -275,27 +276,27 @@ TEST_F(MMTTblTest, MpiContents)
         CMMTTblMpi mpi;
         const std::string bytes = MmtMpiTable(id);
         const SFed fed(mpi, bytes + "next");
-        ASSERT_TRUE(fed.result && mpi.PiContentCount() == 2 && !mpi.Process());
+        ASSERT_EQ(Join(fed.result, mpi.PiContentCount(), mpi.Process()), "1|2|0");
         EXPECT_EQ(fed.Cursor(), bytes.size());
-        EXPECT_TRUE(mpi.PiMode() == 1 && mpi.DescriptorCount() == 1 && mpi.Descriptor(0));
+        EXPECT_EQ(Join(mpi.PiMode(), mpi.DescriptorCount(), mpi.Descriptor(0) != nullptr), "1|1|1");
         EXPECT_EQ(MmtClocks(mpi), "4 5 ");
         CMMTTblMpiContent& content = *mpi.PiContent(0);
-        EXPECT_TRUE(content.PiContentTypeLen() == 9 && content.PiContentNameLen() == 1 && content.PiContentLen() == 7);
+        EXPECT_EQ(Join(content.PiContentTypeLen(), content.PiContentNameLen(), content.PiContentLen()), "9|1|7");
         EXPECT_STREQ(content.PiContentType(), "text/html");
         EXPECT_STREQ(content.PiContentName(), "a");
         EXPECT_STREQ(content.PiContent(), "<html/>");
-        EXPECT_TRUE(content.DescriptorCount() == 1 && content.Descriptor(0));
+        EXPECT_EQ(Join(content.DescriptorCount(), content.Descriptor(0) != nullptr), "1|1");
         EXPECT_STREQ(mpi.PiContent(1)->PiContent(), "");
     }
     ExpectNoPrefixParses<CMMTTblMpi>(MmtMpiTable(1));
     CMMTTblMpi mpi;
-    EXPECT_FALSE(SFed(mpi, MmtMpiTable(0)).result || SFed(mpi, MmtMpiTable(0x11)).result);
+    EXPECT_EQ(Each({SFed(mpi, MmtMpiTable(0)).result, SFed(mpi, MmtMpiTable(0x11)).result}), "00");
     EXPECT_EQ(Logged("[CMMTTblMpi::Parse] Table ID ERROR ID="), 2);
     EXPECT_GE(Logged("_CHECK FAIL: src/mmt/table/MMTTblMpi:71, p_content->Parse(item)"), 1);
 
     const std::string body(7, '\0');
     CMMTTblMpiContent content;
-    EXPECT_TRUE(SFed(content, body).result && SFed(content, body).result);
+    EXPECT_EQ(Each({SFed(content, body).result, SFed(content, body).result}), "11");
     std::string places;
     for (const SAssertion& assertion : s_assertions) {
         places += assertion.file + ":" + std::to_string(assertion.line) + " ";
@@ -311,7 +312,7 @@ TEST_F(MMTTblTest, TablesBoundedByTheirLength)
     const std::string two = std::string("\0\0\0\x1E", 4) + std::string(30, 'x');
     const std::string bytes = MmtTable(0x21, "\3" + MmtCri(6) + two + MmtCri(7) + "trail");
     const SFed fed(cri, bytes + "next");
-    EXPECT_TRUE(fed.result && cri.Process() && cri.DescriptorCount() == 3 && cri.Descriptor(2));
+    EXPECT_EQ(Join(fed.result, cri.Process(), cri.DescriptorCount(), cri.Descriptor(2) != nullptr), "1|1|3|1");
     EXPECT_EQ(fed.Cursor(), bytes.size());
     EXPECT_EQ(MmtClocks(cri), "6 0 7 ");
     ASSERT_EQ(cri.PayloadLength(), bytes.size() - 4);
@@ -321,16 +322,16 @@ TEST_F(MMTTblTest, TablesBoundedByTheirLength)
     EXPECT_TRUE(SFed(other, MmtTable(0x21, "\xFF" + MmtCri(1) + MmtUnknown())).result);
     EXPECT_EQ(MmtClocks(other), "1 ");
     const SFed mismatch(other, MmtTable(0x21, std::string("\1\0\0\0\xE", 5) + std::string(14, 'x')));
-    EXPECT_FALSE(mismatch.result || mismatch.item.valid);
+    EXPECT_EQ(Join(mismatch.result, mismatch.item.valid), "0|0");
     EXPECT_FALSE(SFed(other, bytes.substr(0, bytes.size() - 1)).result);
     EXPECT_EQ(Logged("[CMMTTblCri::Parse] ERROR"), 1);
 
     CMMTTblSi si;
     const SFed siFed(si, MmtTable(0x23, MmtCri(8) + MmtUnknown() + MmtCri(9)) + "next");
-    EXPECT_TRUE(siFed.result && siFed.Cursor() == 4 + 19 + 6 + 19 && si.PayloadLength() == 44 && si.Process());
-    EXPECT_TRUE(MmtClocks(si) == "8 " && si.DescriptorCount() == 1 && si.Descriptor(0));
+    EXPECT_EQ(Join(siFed.result, siFed.Cursor(), si.PayloadLength(), si.Process()), "1|48|44|1");
+    EXPECT_EQ(Join(MmtClocks(si), si.DescriptorCount(), si.Descriptor(0) != nullptr), "8 |1|1");
     si.Dump();
-    EXPECT_FALSE(SFed(si, std::string("\x23\1\0\1", 4)).result || si.Parse(nullptr));
+    EXPECT_EQ(Each({SFed(si, std::string("\x23\1\0\1", 4)).result, si.Parse(nullptr)}), "00");
     EXPECT_EQ(TakeAssertions(), "item");
 }
 
@@ -346,7 +347,7 @@ TEST_F(MMTTblTest, DciAssets)
     const std::string body = b.Bytes();
     CMMTTblDci dci;
     const SFed fed(dci, MmtTable(0x22, body + "trail"));
-    ASSERT_TRUE(fed.result && dci.AssetCount() == 4 && dci.Process() && dci.GetDescriptors(nullptr, nullptr));
+    ASSERT_EQ(Join(fed.result, dci.AssetCount(), dci.Process(), dci.GetDescriptors(nullptr, nullptr)), "1|4|1|1");
     EXPECT_EQ(fed.Cursor(), fed.block.size());
     EXPECT_EQ(Join(dci.Asset(0), dci.Asset(1), dci.Asset(2), dci.Asset(3)),
               "v|video/mp4|1|1|2|3840|2160|60|6|-|a|audio/mp4|1|11|12|-|-|-|16|-|f|video/x|0|-|-|-|-|-|-|70000|"
@@ -361,7 +362,7 @@ TEST_F(MMTTblTest, DciAssets)
         EXPECT_LE(assets, cut.AssetCount());
         assets = cut.AssetCount();
         if (size == 1 + 9 + 10 + 1 + 2) {
-            EXPECT_TRUE(assets == 1 && cut.Asset(0)->averageBitrate == 1 && !cut.Asset(0)->maximumBitrate);
+            EXPECT_EQ(Join(assets, cut.Asset(0)->averageBitrate, cut.Asset(0)->maximumBitrate), "1|1|-");
         }
     }
     EXPECT_EQ(assets, 4);

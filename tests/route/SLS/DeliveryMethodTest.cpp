@@ -1,6 +1,7 @@
 #include "route/SLS/DeliveryMethod.h"
 
 #include "support/Recorder.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -18,7 +19,7 @@ TEST_F(DeliveryMethodTest, ServicesAndBasePatterns)
     ASSERT_TRUE(method.Create());
     ASSERT_TRUE(method.XMLBase::Parse(text.data(), static_cast<unsigned>(text.size()), false));
     const CDeliveryMethod::SDeliveryMethod& state = *method.State();
-    ASSERT_TRUE(state.broadcastAppSvcs.Size() == 2 && state.unicastAppSvcs.Size() == 2);
+    ASSERT_EQ(Join(state.broadcastAppSvcs.Size(), state.unicastAppSvcs.Size()), "2|2");
     EXPECT_EQ(state.broadcastAppSvcs.Get(0)->State()->basePatterns, (std::list<std::string>{"b1", "b2"}));
     EXPECT_TRUE(state.broadcastAppSvcs.Last()->State()->basePatterns.empty());
     EXPECT_EQ(state.unicastAppSvcs.Get(0)->State()->basePatterns, std::list<std::string>{"u1"});

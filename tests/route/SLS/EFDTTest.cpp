@@ -48,8 +48,7 @@ TEST_F(EFDTTest, EveryField)
     EXPECT_EQ(m_told, std::vector<SEFDTInfo*>{m_parser.GetEFDTInfo()});
     EXPECT_EQ(Show(m_told[0]), "7|id|2|3|4294967295|t$TOI$|4000000000|text/xml|gzip|9|[a b  c]");
     const SFDTGlobal& global = *m_told[0]->fdtGlobal;
-    EXPECT_TRUE(global.fileTemplate == "n$TOI$" && global.maxExpiresDelta == 0 &&
-                global.maxTransportSize == 4294967296);
+    EXPECT_EQ(Join(global.fileTemplate, global.maxExpiresDelta, global.maxTransportSize), "n$TOI$|0|4294967296");
     // A number too great for 63 bits is the greatest.
     EXPECT_EQ(Files(), "l|9223372036854775807|5|6|ct|ce|[d];|18446744073709551615|-1|-1|||[];");
     EXPECT_EQ(Logged("[CEFDT::sm_CbFile] location[l], exist[1]"), 1);
@@ -65,7 +64,7 @@ TEST_F(EFDTTest, DefaultsOrderAndReplacement)
     EXPECT_EQ(Show(m_parser.GetEFDTInfo()), "4294967295||4294967295|4294967295|4294967295|-|-1|-|-|-1|[]");
     EXPECT_EQ(Files(), "|2|-1|-1|||[];");  // the file before any instance has nothing to join
     const SFDTGlobal& global = *m_parser.GetEFDTInfo()->fdtGlobal;
-    EXPECT_TRUE(global.fileTemplate.empty() && global.maxExpiresDelta == -1 && global.maxTransportSize == -1);
+    EXPECT_EQ(Join(global.fileTemplate.empty(), global.maxExpiresDelta, global.maxTransportSize), "1|-1|-1");
     EXPECT_EQ(Logged("[CEFDT::sm_CbFile] no FDT instance before the file"), 1);
     EXPECT_EQ(Logged("not exist!!"), 4);
     // An instance inside another takes its place, files and all.

@@ -131,7 +131,7 @@ TEST_F(MPDTest, TimesProtectionAndPreselections)
     ASSERT_EQ(period.preselections.size(), 3u);
     EXPECT_STREQ(period.preselections[1].id, "1");
     EXPECT_STREQ(period.preselections[0].preselectionComponents, "0");
-    EXPECT_TRUE(period.preselections[0].roles.size() == 2 && period.preselections[2].roles.empty());
+    EXPECT_EQ(Join(period.preselections[0].roles.size(), period.preselections[2].roles.empty()), "2|1");
 
     ASSERT_TRUE(Parse(ReadData("mpd/gpac-rating-accessibility.mpd")));
     const CMPD::TRatings rating = {{"tag:atsc.org,2016:XMLSchemas/ATSC3/RRT", "1,'TV-14-D-L-S',{0 'TV-14'}{1 'D'}"}};
@@ -161,16 +161,18 @@ TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
     const SMPDAdaptationSet& set = m_parser.GetMPDInfo()->periods[0].adaptationSets[0];
     const SMPDSegmentTemplate& second = *set.representations[1].segmentTemplate;
     EXPECT_STREQ(second.media, "vv2_$Number$.m4s");
-    EXPECT_TRUE(second.timescale == 12800 && second.timeline == set.segmentTemplate->timeline);
+    EXPECT_EQ(second.timescale, 12800);
+    EXPECT_EQ(second.timeline, set.segmentTemplate->timeline);
     EXPECT_EQ(set.segmentTemplate->media, nullptr);
-    EXPECT_TRUE(second.timeline->size() == 1 && second.timeline->front().d == 12800 && second.timeline->front().r == 6);
+    EXPECT_EQ(Join(second.timeline->size(), second.timeline->front().d, second.timeline->front().r), "1|12800|6");
 
     // The list stands behind the representation that has it.
     ASSERT_TRUE(Parse(ReadData("mpd/mpdparser-multiperiod-segment-list.mpd")));
     const SMPDRepresentation& representation = m_parser.GetMPDInfo()->periods[1].adaptationSets[0].representations[0];
-    ASSERT_TRUE(representation.segmentList && representation.segmentList->urls->size() == 2);
+    ASSERT_TRUE(representation.segmentList);
+    ASSERT_EQ(representation.segmentList->urls->size(), 2u);
     EXPECT_STREQ(representation.segmentList->urls->back().media, "low/segment-2.ts");
-    EXPECT_TRUE(representation.segmentList->timescale == 1000 && representation.segmentList->startNumber == 1);
+    EXPECT_EQ(Join(representation.segmentList->timescale, representation.segmentList->startNumber), "1000|1");
     EXPECT_STREQ(m_parser.GetMPDInfo()->baseUrls[0], "https://www.example.com/base");
 
     ASSERT_TRUE(
@@ -189,8 +191,9 @@ TEST_F(MPDTest, SegmentsComeFromTheLevelsAbove)
     const SMPDAdaptationSet& inner = m_parser.GetMPDInfo()->periods[0].adaptationSets[0];
     const SMPDRepresentation& leaf = inner.representations[0];
     ASSERT_EQ(leaf.segmentTemplate, inner.segmentTemplate);
-    EXPECT_TRUE(leaf.segmentTemplate->startNumber == 0 && leaf.segmentTemplate->presentationTimeOffset == 5 &&
-                leaf.segmentTemplate->timescale == 1 && leaf.segmentTemplate->duration == -1);
+    EXPECT_EQ(Join(leaf.segmentTemplate->startNumber, leaf.segmentTemplate->presentationTimeOffset,
+                   leaf.segmentTemplate->timescale, leaf.segmentTemplate->duration),
+              "0|5|1|-1");
     EXPECT_STREQ(leaf.segmentTemplate->media, "p");
     std::vector<long long> starts;
     for (const SMPDSegment& segment : *leaf.segmentTemplate->timeline) {
@@ -228,11 +231,12 @@ TEST_F(MPDTest, AvailabilityTimingAndProperties)
               "AdaptationSet><Preselection><AudioChannelConfiguration value='16'/></Preselection>"
               "</Period></MPD>"));
     const SMPDInfo& info = *m_parser.GetMPDInfo();
-    ASSERT_TRUE(info.utcTimings.size() == 1 && info.supplementalProperties.size() == 1);
+    ASSERT_EQ(Join(info.utcTimings.size(), info.supplementalProperties.size()), "1|1");
     EXPECT_EQ(Text(info.utcTimings[0].schemeIdUri) + info.utcTimings[0].value + info.utcTimings[0].id, "uvi");
     ASSERT_EQ(info.baseUrlAvailabilities.size(), 2u);
-    EXPECT_TRUE(*info.baseUrlAvailabilities[0].timeOffset > 1e300 && !*info.baseUrlAvailabilities[0].timeComplete);
-    EXPECT_FALSE(info.baseUrlAvailabilities[1].timeOffset || info.baseUrlAvailabilities[1].timeComplete);
+    EXPECT_EQ(Join(*info.baseUrlAvailabilities[0].timeOffset > 1e300, *info.baseUrlAvailabilities[0].timeComplete),
+              "1|0");
+    EXPECT_EQ(Join(info.baseUrlAvailabilities[1].timeOffset, info.baseUrlAvailabilities[1].timeComplete), "-|-");
     const SMPDPeriod& period = info.periods[0];
     EXPECT_STREQ(period.supplementalProperties.at(0).value, "p");
     EXPECT_FALSE(period.baseUrlAvailabilities.at(0).timeOffset);
@@ -243,7 +247,7 @@ TEST_F(MPDTest, AvailabilityTimingAndProperties)
     EXPECT_EQ(set.segmentTemplate->availability.timeOffset, 0);
     EXPECT_EQ(set.segmentTemplate->availability.timeComplete, false);  // from above
     const SMPDAvailability& own = set.representations[0].segmentTemplate->availability;
-    EXPECT_TRUE(own.timeOffset == 0 && own.timeComplete == true);
+    EXPECT_EQ(Join(own.timeOffset, own.timeComplete), "0|1");
     EXPECT_STREQ(set.representations[0].audioChannelConfigurations.at(0).value, "6");
     EXPECT_STREQ(period.preselections[0].audioChannelConfigurations.at(0).value, "16");
 }
@@ -258,12 +262,12 @@ TEST_F(MPDTest, ElementsOutOfPlaceAndFailures)
               "<cenc:pssh> </cenc:pssh><laurl/>"
               "</ContentProtection></AdaptationSet></Period></MPD>"));
     const SMPDInfo& info = *m_parser.GetMPDInfo();
-    EXPECT_FALSE(info.dynamic || info.minBufferTime.has_value());
+    EXPECT_EQ(Join(info.dynamic, info.minBufferTime.has_value()), "0|0");
     EXPECT_EQ(Logged("[CMPD] minBufferTime[2s] is no time"), 1);
-    EXPECT_TRUE(info.periods.size() == 1 && info.essentialProperties.size() == 1 && info.baseUrls.size() == 1);
+    EXPECT_EQ(Join(info.periods.size(), info.essentialProperties.size(), info.baseUrls.size()), "1|1|1");
     ASSERT_EQ(info.periods[0].adaptationSets.size(), 1u);
     const SMPDAdaptationSet& set = info.periods[0].adaptationSets[0];
-    ASSERT_TRUE(set.contentProtections.size() == 1 && set.representations.empty());
+    ASSERT_EQ(Join(set.contentProtections.size(), set.representations.empty()), "1|1");
     EXPECT_STREQ(set.contentProtections[0].defaultKid, "k");
     EXPECT_EQ(set.contentProtections[0].licenceUrls.size() + set.contentProtections[0].pssh.size(), 2u);
     EXPECT_STREQ(set.contentProtections[0].licenceUrls.at(0), "l");
@@ -293,7 +297,7 @@ TEST_F(MPDTest, ElementsOutOfPlaceAndFailures)
     }
     EXPECT_EQ(m_reports, 0);
     CMPD fresh;
-    EXPECT_FALSE(fresh.SetCallback(nullptr) || fresh.Parse("<MPD/>", 6, false));
+    EXPECT_EQ(Each({fresh.SetCallback(nullptr), fresh.Parse("<MPD/>", 6, false)}), "00");
     EXPECT_EQ(fresh.GetMPDInfo(), nullptr);
     EXPECT_EQ(TakeAssertions(), "m; m != nullptr; m");
 }

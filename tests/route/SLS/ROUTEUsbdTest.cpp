@@ -4,6 +4,7 @@
 #include "route/SLS/DeliveryMethod.h"
 #include "route/SLS/ServiceName.h"
 #include "support/ParserTest.h"
+#include "support/Show.h"
 
 namespace {
 
@@ -19,12 +20,12 @@ TEST_F(ROUTEUsbdTest, EveryElementInBothCapitalisations)
         "<deliveryMethod/><serviceLinkage serviceId='1'/><ServiceLinkage serviceId='7' serviceCategory='2' "
         "linkageType='3' activationTime='a'/></UserServiceDescription></b:BundleDescriptionROUTE>"));
     EXPECT_STREQ(m_parser.GlobalServiceId(), "ID");
-    EXPECT_TRUE(m_parser.ServiceId() == 1 && m_parser.ServiceStatus() && m_parser.NumOfDeliveryMethod() == 2);
-    EXPECT_TRUE(m_parser.LinkServiceId() == 7 && m_parser.ServiceCategory() == 2 && m_parser.LinkageType() == 3);
+    EXPECT_EQ(Join(m_parser.ServiceId(), m_parser.ServiceStatus(), m_parser.NumOfDeliveryMethod()), "1|1|2");
+    EXPECT_EQ(Join(m_parser.LinkServiceId(), m_parser.ServiceCategory(), m_parser.LinkageType()), "7|2|3");
     EXPECT_STREQ(m_parser.ActivationTime(), "a");
     EXPECT_EQ(m_parser.DeActivationTime(), nullptr);
     const CROUTEUsbd::SROUTEUsbd& state = *m_parser.State();
-    ASSERT_TRUE(state.names.Size() == 3 && state.languages.Size() == 2);
+    ASSERT_EQ(Join(state.names.Size(), state.languages.Size()), "3|2");
     EXPECT_STREQ(static_cast<CServiceName*>(state.names.Data(0))->Lang(), "en");
     EXPECT_EQ(static_cast<CServiceName*>(state.names.Data(1))->Lang(), nullptr);
     EXPECT_STREQ(static_cast<CServiceName*>(state.names.Data(0))->Text(), "N");
@@ -41,16 +42,18 @@ TEST_F(ROUTEUsbdTest, DefaultsAndFailures)
 {
     EXPECT_FALSE(Parse("<bundleDescription><userServiceDescription/></bundleDescription>"));
     ASSERT_TRUE(Parse("<bundleDescriptionROUTE/>"));
-    EXPECT_TRUE(m_parser.ServiceStatus() && m_parser.ServiceId() == 65535 && !m_parser.GlobalServiceId());
-    EXPECT_TRUE(m_parser.LinkServiceId() == -1 && m_parser.ServiceCategory() == -1 && m_parser.LinkageType() == -1 &&
-                !m_parser.ActivationTime());
+    EXPECT_EQ(Join(m_parser.ServiceStatus(), m_parser.ServiceId(), m_parser.GlobalServiceId()), "1|65535|-");
+    EXPECT_EQ(
+        Join(m_parser.LinkServiceId(), m_parser.ServiceCategory(), m_parser.LinkageType(), m_parser.ActivationTime()),
+        "-1|-1|-1|-");
     ASSERT_TRUE(
         Parse("<bundleDescriptionROUTE><userServiceDescription globalServiceId='low'/></bundleDescriptionROUTE>"));
-    EXPECT_TRUE(!m_parser.ServiceStatus() && !m_parser.State()->givenServiceStatus && m_parser.ServiceId() == 65535);
+    EXPECT_EQ(Join(m_parser.ServiceStatus(), m_parser.State()->givenServiceStatus, m_parser.ServiceId()), "0|-|65535");
     EXPECT_STREQ(m_parser.GlobalServiceId(), "low");
     ASSERT_TRUE(
         Parse("<bundleDescriptionROUTE><userServiceDescription serviceStatus='true'/></bundleDescriptionROUTE>"));
-    EXPECT_TRUE(!m_parser.ServiceStatus() && *m_parser.State()->givenServiceStatus && !m_parser.GlobalServiceId());
+    EXPECT_EQ(Join(m_parser.ServiceStatus(), *m_parser.State()->givenServiceStatus, m_parser.GlobalServiceId()),
+              "0|1|-");
     EXPECT_FALSE(m_parser.Create());
     EXPECT_EQ(TakeAssertions(), "!m");
 }

@@ -46,23 +46,23 @@ class STSIDTest : public TParserTest<CSTSID> {
 TEST_F(STSIDTest, Sessions)
 {
     ASSERT_TRUE(Parse(ReadData("route/gpac-a1-single-service-sls3-stsid.xml")));
-    ASSERT_TRUE(m_parser.NumberOfRouteSessions() == 1 && m_parser.NumberOfLctSessions(0) == 2);
+    ASSERT_EQ(Join(m_parser.NumberOfRouteSessions(), m_parser.NumberOfLctSessions(0)), "1|2");
     EXPECT_EQ(m_parser.DIpAddr(0), 0xE1010100u);
     EXPECT_EQ(m_parser.SIpAddr(0), 0xC000020Au);
-    EXPECT_TRUE(m_parser.DPort(0) == 6000 && m_parser.BsId(0) == 65535);
+    EXPECT_EQ(Join(m_parser.DPort(0), m_parser.BsId(0)), "6000|65535");
     EXPECT_EQ(Session(0, 0) + " " + Session(0, 1), "10|1|1||0|- 20|2|1||0|-");
     EXPECT_EQ(m_tsis, (std::vector<unsigned int>{10, 20}));
     EXPECT_EQ(m_parser.GetEFDTInfo(0, 1), m_efdts[1]);
     EXPECT_EQ(m_efdts[0]->fdtGlobal->files.Size(), 1);
     const auto* ls =
         static_cast<const CLS*>(static_cast<const CRS*>(m_parser.State()->routeSessions.Data(0))->State()->ls.Data(0));
-    EXPECT_TRUE(ls->State()->bw == 100 && ls->State()->startTime == -1 && !ls->State()->givenStartTime);
+    EXPECT_EQ(Join(ls->State()->bw, ls->State()->startTime, ls->State()->givenStartTime != nullptr), "100|-1|0");
     const CSrcFlow::SSrcFlow& flow = *ls->State()->srcFlows.Get(0)->State();
     ASSERT_EQ(flow.payloads.size(), 1u);
-    EXPECT_TRUE(flow.payloads[0].codePoint == 128 && *flow.payloads[0].order && !flow.payloads[0].srcFecPayloadId);
+    EXPECT_EQ(Join(flow.payloads[0].codePoint, *flow.payloads[0].order, flow.payloads[0].srcFecPayloadId), "128|1|-");
     EXPECT_EQ(Logged("[CRS::m_ProcessParseRS] dest ip = [3774939392]"), 1);
     CLS unread;
-    EXPECT_TRUE(unread.Create() && unread.TSI() == 0);
+    EXPECT_EQ(Each({unread.Create(), unread.TSI() == 0}), "11");
     unread.Destroy();
 }
 
@@ -77,10 +77,10 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
         "<ContentRating/></MediaInfo></ContentInfo></SrcFlow></LS>"
         "<LS tsi='3'><SrcFlow rt='1'><ContentInfo>t<MediaInfo contentType='subtitles'/></ContentInfo></SrcFlow></LS>"
         "</RS><RS dport='1' dPort='2'/><RS/><rs/></Any>"));
-    ASSERT_TRUE(m_parser.NumberOfRouteSessions() == 3 && m_parser.NumberOfLctSessions(0) == 4);
+    ASSERT_EQ(Join(m_parser.NumberOfRouteSessions(), m_parser.NumberOfLctSessions(0)), "3|4");
     EXPECT_EQ(m_parser.DPort(0) * 10 + m_parser.DPort(1), 40002);
     EXPECT_EQ(m_parser.DPort(2), 65535);
-    EXPECT_TRUE(m_parser.BsId(0) == 65535 && m_parser.SIpAddr(0) == 0xFFFFFFFF && m_parser.DIpAddr(0) == 0xFFFFFFFF);
+    EXPECT_EQ(Join(m_parser.BsId(0), m_parser.SIpAddr(0), m_parser.DIpAddr(0)), "65535|4294967295|4294967295");
     // Without a source flow; with it; and with a representation's id, though it is empty.
     EXPECT_EQ(Session(0, 0), "4294967295||0||0|-");
     EXPECT_FALSE(m_parser.GetEFDTInfo(0, 0));
@@ -88,7 +88,7 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
     EXPECT_EQ(Session(0, 2), "2|r|1|x|2|v");
     EXPECT_EQ(Session(0, 3), "3||0||0|-");
     std::string text = "untouched";
-    EXPECT_TRUE(m_parser.GetContentRating(0, 2, 1, text) && text.empty());
+    EXPECT_EQ(Join(m_parser.GetContentRating(0, 2, 1, text), text), "1|");
     EXPECT_FALSE(m_parser.GetContentRating(0, 2, 2, text));
     EXPECT_EQ(Logged("[CMediaInfo::GetContentRating] ContentRating index:2 not found."), 1);
     EXPECT_EQ(Logged("[CMediaInfo::GetContentRating] No ContentRating Information."), 1);
@@ -100,9 +100,9 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
     unsigned int tsi = 0;
     EXPECT_FALSE(m_parser.GetTSI(0, 4, &tsi));  // told by the result, not asserted
     EXPECT_EQ(TakeAssertions(), "");
-    EXPECT_TRUE(!m_parser.GetRT(0, 4) && m_parser.DPort(3) == 0 && m_parser.NumberOfLctSessions(-1) == 0);
+    EXPECT_EQ(Join(m_parser.GetRT(0, 4), m_parser.DPort(3), m_parser.NumberOfLctSessions(-1)), "0|0|0");
     text = "held";
-    EXPECT_TRUE(!m_parser.GetContentId(3, 0, text) && text.empty());
+    EXPECT_EQ(Join(m_parser.GetContentId(3, 0, text), text), "0|");
     EXPECT_FALSE(TakeAssertions().empty());
 }
 
@@ -115,20 +115,21 @@ TEST_F(STSIDTest, WhatIsGivenAndWhatIsNot)
               "<SrcFlow><ContentInfo><MediaInfo/></ContentInfo></SrcFlow></LS></RS></S-TSID>"));
     const CLS::SLS& ls = *m_parser.State()->routeSessions.Get(0)->State()->ls.Get(0)->State();
     EXPECT_EQ(ls.givenStartTime->seconds, 1814436000);
-    EXPECT_TRUE(ls.givenEndTime->text == "soon" && !ls.givenEndTime->seconds);
+    EXPECT_EQ(Join(ls.givenEndTime->text, ls.givenEndTime->seconds), "soon|-");
     const CSrcFlow::SSrcFlow& flow = *ls.srcFlows.Get(0)->State();
-    EXPECT_TRUE(*flow.givenRt && !flow.rt);
+    EXPECT_EQ(Join(*flow.givenRt, flow.rt), "1|0");
     ASSERT_EQ(flow.payloads.size(), 2u);
     const CSrcFlow::SPayload& payload = flow.payloads[0];
-    EXPECT_TRUE(payload.codePoint == 0 && payload.formatId == 300 && !payload.frag && payload.srcFecPayloadId == 1);
-    EXPECT_TRUE(payload.order.has_value() && !*payload.order && !flow.payloads[1].order.has_value());
+    EXPECT_EQ(Join(payload.codePoint, payload.formatId, payload.frag, payload.srcFecPayloadId), "0|300|-|1");
+    EXPECT_EQ(Join(payload.order.has_value(), *payload.order, flow.payloads[1].order.has_value()), "1|0|0");
     EXPECT_EQ(flow.contentInfo->State()->mediaInfo->State()->givenStartUp, false);
     s_log.clear();
     flow.contentInfo->State()->mediaInfo->Dump();
     EXPECT_EQ(Logged("[CMediaInfo::Dump] contentType["), 1);
     const CSrcFlow::SSrcFlow& silent = *ls.srcFlows.Get(1)->State();
-    EXPECT_TRUE(!silent.givenRt && silent.payloads.empty() &&
-                !silent.contentInfo->State()->mediaInfo->State()->givenStartUp);
+    EXPECT_EQ(
+        Join(silent.givenRt, silent.payloads.empty(), silent.contentInfo->State()->mediaInfo->State()->givenStartUp),
+        "-|1|-");
 }
 
 TEST_F(STSIDTest, EveryReportedEfdtLivesUntilDestroy)
@@ -137,16 +138,17 @@ TEST_F(STSIDTest, EveryReportedEfdtLivesUntilDestroy)
         Parse("<S-TSID><RS><LS tsi='8'><SrcFlow><EFDT tsi='1'/><EFDT tsi='2'/></SrcFlow>"
               "<SrcFlow><ContentInfo>c</ContentInfo><EFDT tsi='3'/></SrcFlow></LS></RS></S-TSID>"));
     ASSERT_EQ(m_tsis, (std::vector<unsigned int>{8, 8, 8}));
-    EXPECT_TRUE(m_efdts[0]->tsi == 1 && m_efdts[1]->tsi == 2);
-    EXPECT_TRUE(m_parser.GetEFDTInfo(0, 0) == m_efdts[2] && m_efdts[2]->tsi == 3);
+    EXPECT_EQ(Join(m_efdts[0]->tsi, m_efdts[1]->tsi), "1|2");
+    EXPECT_EQ(m_parser.GetEFDTInfo(0, 0), m_efdts[2]);
+    EXPECT_EQ(m_efdts[2]->tsi, 3);
     EXPECT_EQ(Session(0, 0).substr(0, 4), "8|c|");
-    EXPECT_FALSE(m_parser.GetTSI(0, 0, nullptr) || m_parser.Create());
+    EXPECT_EQ(Each({m_parser.GetTSI(0, 0, nullptr), m_parser.Create()}), "00");
     EXPECT_EQ(TakeAssertions(), "tsi; !m");
 
     m_parser.SetCallback(nullptr);
     EXPECT_FALSE(Parse("<S-TSID><RS>"));
     ASSERT_TRUE(Parse("<S-TSID><RS><LS><SrcFlow><EFDT/></SrcFlow></LS></RS></S-TSID>"));
-    EXPECT_TRUE(m_tsis.size() == 3 && m_parser.NumberOfRouteSessions() == 2);
+    EXPECT_EQ(Join(m_tsis.size(), m_parser.NumberOfRouteSessions()), "3|2");
 }
 
 }  // namespace
