@@ -1,6 +1,4 @@
 // A parser per thread, and stores that threads share: for the thread sanitizer, and quick without it.
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 #include <thread>
@@ -10,7 +8,7 @@
 #include "esg/ESGServiceFragment.h"
 #include "esg/GenreNameParse.h"
 #include "lls/RRTMap.h"
-#include "support/Places.h"
+#include "support/Programs.h"
 #include "support/Services.h"
 #include "support/Show.h"
 
@@ -48,12 +46,12 @@ class ThreadsTest : public CRecorder {
 
 TEST_F(ThreadsTest, AParserPerThreadAndStoresThatAreShared)
 {
-    const std::filesystem::path root = BuiltFile("tests/scratch/threads-" + std::to_string(getpid()));
-    std::filesystem::create_directories(root / "opt/data");
-    std::ofstream(root / "opt/data/genre-cs.xml")
+    const CTemporaryFolder root;
+    std::filesystem::create_directories(root.Of("opt/data"));
+    std::ofstream(root.Of("opt/data/genre-cs.xml"))
         << "<ClassificationScheme><Term termID='1'><Name>One</Name></Term><Term termID='2'><Name>Two</Name></Term>"
            "</ClassificationScheme>";
-    SetFileRoot(root.c_str());
+    SetFileRoot(root.Name().c_str());
     SGenreNameParse::refMap.clear();
     SetLogPriority(LOG_PRIORITY_SILENT);  // the recorder itself takes no lock
     CChannelMap map;                      // stores that others share must not end with the first of them
@@ -74,7 +72,6 @@ TEST_F(ThreadsTest, AParserPerThreadAndStoresThatAreShared)
         thread.join();
     }
     SetFileRoot(nullptr);
-    std::filesystem::remove_all(root);
     SGenreNameParse::refMap.clear();
     map.Destroy();
     ratings.Destroy();

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 
@@ -9,7 +7,7 @@
 #include "esg/Elements.h"
 #include "esg/GenreNameParse.h"
 #include "support/ParserTest.h"
-#include "support/Places.h"
+#include "support/Programs.h"
 #include "support/Show.h"
 
 SHOW(CESGServiceFragment::SESGServiceFragment, s.ns, s.id, s.version, s.validFrom, s.validTo, s.globalServiceID,
@@ -29,27 +27,26 @@ class ESGFragmentTest : public CRecorder {
     void SetUp() override
     {
         CRecorder::SetUp();
-        m_root = BuiltFile("tests/scratch/esg-" + std::to_string(getpid()));
-        SetFileRoot(m_root.c_str());
+        SetFileRoot(m_root.Name().c_str());
         SGenreNameParse::refMap.clear();
     }
 
     void TearDown() override
     {
         SetFileRoot(nullptr);
-        std::filesystem::remove_all(m_root);
         SGenreNameParse::refMap.clear();
         CRecorder::TearDown();
     }
 
     std::string Write(const std::string& path, const std::string& text)
     {
-        std::filesystem::create_directories(std::filesystem::path(m_root + path).parent_path());
-        std::ofstream(m_root + path) << text;
-        return m_root + path;
+        const std::string file = m_root.Name() + path;
+        std::filesystem::create_directories(std::filesystem::path(file).parent_path());
+        std::ofstream(file) << text;
+        return file;
     }
 
-    std::string m_root;
+    const CTemporaryFolder m_root;
 };
 
 TEST_F(ESGFragmentTest, Service)

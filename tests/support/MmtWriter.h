@@ -1,7 +1,7 @@
 #pragma once
 
-#include <cassert>
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -23,7 +23,7 @@ class CMmtBuilder {
     /// Bytes as they are, at a byte boundary.
     CMmtBuilder& Put(const std::string& bytes)
     {
-        assert(m_bits % 8 == 0);
+        Demand(m_bits % 8 == 0);
         m_bytes += bytes;
         m_bits += bytes.size() * 8;
         return *this;
@@ -32,13 +32,14 @@ class CMmtBuilder {
     CMmtBuilder& Open(unsigned int bits)
     {
         Put(bits, 0);
-        assert(m_bits % 8 == 0);
+        Demand(m_bits % 8 == 0);
         m_open.push_back({m_bytes.size(), bits / 8});
         return *this;
     }
     /// Fills in the length field opened last.
     CMmtBuilder& Close()
     {
+        Demand(!m_open.empty());
         const SOpen open = m_open.back();
         m_open.pop_back();
         std::size_t length = m_bytes.size() - open.begin;
@@ -52,11 +53,18 @@ class CMmtBuilder {
     /// The bytes; every length field is closed.
     std::string Bytes() const
     {
-        assert(m_open.empty() && m_bits % 8 == 0);
+        Demand(m_open.empty() && m_bits % 8 == 0);
         return m_bytes;
     }
 
   private:
+    static void Demand(bool inOrder)
+    {
+        if (!inOrder) {
+            throw std::logic_error("fields out of step");
+        }
+    }
+
     struct SOpen {
         std::size_t begin;
         std::size_t bytes;
