@@ -121,6 +121,8 @@ std::vector<SInput> Messages()
     const std::string presentations =
         std::string(1, '\x1') + Bytes(0, 4) + "ac-4" + '\xFF' + '\0' + std::string(510, '\0');
     inputs.push_back({"presentations", Content(9, Repeat(Descriptor(9, presentations)))});
+    const std::string some = std::string(1, '\x1') + Bytes(0, 4) + "ac-4" + '\x81' + '\0' + std::string(258, '\0');
+    inputs.push_back({"129 presentations", Content(9, Repeat(Descriptor(9, some)))});
     const std::string languages = std::string(1, '\x1') + Bytes(0, 4) + "ac-4" + '\xFF' + '\0' +
                                   Repeat(std::string("\1\4\xFF", 3) + std::string(256, '\0'), 60000);
     inputs.push_back({"languages", Content(9, Descriptor(9, languages))});

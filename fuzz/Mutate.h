@@ -122,6 +122,14 @@ inline void MutateXml(CDraw& draw, std::string& text)
                                                       "1 2 3",
                                                       "YWJj"};
     const auto value = [&] { return draw.OneIn(50) ? std::string(draw.Below(5000), 'x') : draw.Of(k_values); };
+    /// Texts, and what stands among elements and is none: it has another name or no name at all.
+    const auto content = [&] {
+        const std::string inside = value();
+        return !draw.OneIn(4)  ? inside
+               : draw.OneIn(3) ? "<!--" + inside + "-->"
+               : draw.OneIn(2) ? "<![CDATA[" + inside + "]]>"
+                               : "<?" + draw.Of(s_names.elements) + ' ' + inside + "?>";
+    };
     const auto attribute = [&] { return ' ' + draw.Of(s_names.attributes) + "=\"" + value() + '"'; };
     const auto element = [&](const std::string& inside) {
         const std::string& name = draw.Of(s_names.elements);
@@ -148,7 +156,8 @@ inline void MutateXml(CDraw& draw, std::string& text)
         int depth = 0;
         for (std::size_t next = at; (next = text.find('>', next)) != std::string::npos; ++next) {
             const std::size_t open = text.rfind('<', next);
-            depth += text[open + 1] == '/' ? -1 : text[next - 1] == '/' ? 0 : 1;
+            const char kind = text[open + 1];
+            depth += kind == '/' ? -1 : text[next - 1] == '/' || kind == '!' || kind == '?' ? 0 : 1;
             if (depth <= 0) {
                 return next + 1;
             }
@@ -157,19 +166,20 @@ inline void MutateXml(CDraw& draw, std::string& text)
     };
     const std::size_t at = begin();
     if (at == std::string::npos) {
-        text += element(value());
+        text += element(content());
         return;
     }
     const std::size_t tagEnd = std::min(text.find('>', at), text.size() - 1);
     switch (draw.Below(8)) {
         case 0:  // a child, or what becomes one
             if (text[tagEnd - 1] != '/') {
-                text.insert(tagEnd + 1, element(draw.OneIn(3) ? element(value()) : value()));
+                text.insert(tagEnd + 1,
+                            draw.OneIn(3) ? content() : element(draw.OneIn(3) ? element(content()) : content()));
                 break;
             }
             [[fallthrough]];
         case 1:  // a sibling behind it
-            text.insert(end(at), element(value()));
+            text.insert(end(at), element(content()));
             break;
         case 2:
             text.insert(tagEnd - (text[tagEnd - 1] == '/' ? 1 : 0), attribute());
@@ -187,7 +197,7 @@ inline void MutateXml(CDraw& draw, std::string& text)
         }
         case 4: {  // another text
             const std::size_t next = std::min(text.find('<', tagEnd), text.size());
-            text.replace(tagEnd + 1, next > tagEnd ? next - tagEnd - 1 : 0, value());
+            text.replace(tagEnd + 1, next > tagEnd ? next - tagEnd - 1 : 0, content());
             break;
         }
         case 5:

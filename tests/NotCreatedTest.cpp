@@ -71,6 +71,8 @@ TEST_F(NotCreatedTest, Documents)
                   usbd.GetFullMPDUri(m_text), usbd.ComponentInfoSize(), usbd.GetComponentType(0, m_byte),
                   usbd.ComponentProtectedFlag(0), usbd.GetComponentId(0, m_text), usbd.LanguageSize(),
                   usbd.GetLanguageInfo(0, &language), usbd.GetRatingStringTable(ratings));
+    EXPECT_EQ(Join(Logged("Func:GetsTSIDUri,"), Logged("Func:GetFullMPDUri,"), Logged("Func:CheckRouteComponent,")),
+              "1|1|1");
     ExpectNothing(CMMTContentAdvisoryRatings().GetContentRatingString(m_text), CROUTEUsbd().NumOfDeliveryMethod(),
                   CContentRating().GetContentRating(m_text), CServiceName().Lang(), CServiceName().Text());
     const CMediaInfo media;

@@ -12,7 +12,8 @@ struct SXmlChild;
 /// successful Parse to the next Parse or Destroy, unless the class lets go of it. An object is used by one
 /// thread at a time.
 ///
-/// Out of memory is a failed Create or Parse, with a line in the log; what was held before is still held.
+/// Out of memory is a failed Create or Parse, with a line in the log; what was held before is still held, but for
+/// what the document had taken the place of by then.
 /// Callbacks of subclasses come inside Parse, on its thread. They may call anything of the object but Parse
 /// and Destroy, which are asserted there ("!m->parsing") and do nothing, and may throw: the exception leaves
 /// Parse, the document is let go of, and the object can be used again.

@@ -44,7 +44,8 @@ class VYR_API CParseCDT : public TCParseLLS {
     const SGiven* Given() const;
     /// Text of CMSSignedData.
     bool GetCMSSignedData(std::string& data) const;
-    /// The ToBeSignedData element as it stood in the document: the bytes under the signature.
+    /// The ToBeSignedData element as libxml2 writes it, which is what is signed where it was written so: quotes, empty
+    /// elements and references can read otherwise than in the document.
     bool GetToBeSignedData(std::string& text) const;
     /// Text of each Certificates element since the last ToBeSignedData began, in order.
     bool GetCertificates(std::list<std::string>& certs) const;

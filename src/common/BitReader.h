@@ -90,6 +90,7 @@ class CBitReader {
                 rest(list.emplace_back(std::move(entry)));
             }
         }
+        list.shrink_to_fit();  // an entry can be many times its bytes
     }
 
     /// Entries that are read whole at once.

@@ -130,9 +130,12 @@ struct CChannelMapST::SState {
         return found != places.end() && found->second.number == number;
     }
 
-    /// Closes the gaps of the list.
+    /// Closes the gaps of the list where they are most of it, unless a walk is under way.
     void Compact()
     {
+        if (visits > 0 || list.size() <= 2 * places.size()) {
+            return;
+        }
         list.erase(std::remove(list.begin(), list.end(), nullptr), list.end());
         for (std::size_t i = 0; i < list.size(); ++i) {
             places.find(list[i])->second.index = i;
@@ -177,6 +180,7 @@ struct CChannelMapST::SVisit {
     {
         const SState::TLock lock(state.mutex);
         --state.visits;
+        state.Compact();
     }
     SVisit(const SVisit&) = delete;
     SVisit& operator=(const SVisit&) = delete;
@@ -350,9 +354,7 @@ bool CChannelMapST::RemoveService(void* service)
     const std::unique_ptr<SServiceRecord> record(Record(service));
     m->list[place->second.index] = nullptr;
     m->places.erase(place);
-    if (m->visits == 0 && m->list.size() > 2 * m->places.size()) {
-        m->Compact();
-    }
+    m->Compact();
     const auto oldest = m->index.find(record->key);
     SServiceRecord** same = &oldest->second;
     while (*same != record.get()) {

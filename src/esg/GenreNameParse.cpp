@@ -111,13 +111,14 @@ bool CGenreNameParse::t_Process(void* root)
         if (std::strncmp(vyr::NodeName(term), "Term", 4) != 0 || !id.HasText()) {
             continue;
         }
-        void* name = m->xml.MoveChild(term);  // required: the very first node of the term
-        if (!name || std::strncmp(vyr::NodeName(name), "Name", 4) != 0) {
+        void* first = m->xml.MoveChild(term);  // required: the very first node of the term, whatever it is
+        const char* name = first ? vyr::NodeName(first) : nullptr;
+        if (!name || std::strncmp(name, "Name", 4) != 0) {
             continue;
         }
-        std::unique_ptr<char[]>& entry = names[static_cast<int>(std::strtol(id.Text(), nullptr, 10))];
-        if (!entry) {
-            vyr::ReadContent(name, entry);
+        const auto [entry, isNew] = names.try_emplace(static_cast<int>(std::strtol(id.Text(), nullptr, 10)));
+        if (isNew) {
+            entry->second = vyr::NewText(CNodeText::Content(first));
         }
     }
     // Two threads may have read a file at once: the names of the first stay, and are known to others by then.

@@ -223,20 +223,22 @@ static const unsigned char k_nothing = 0;
 /// Points the item to the inflated unit; false: it does not inflate.
 bool CSGDUParse::m_ExtractData(IParse::SItem* item)
 {
-    // The item may still point to what an earlier call inflated.
-    const std::unique_ptr<char[]> old = std::move(m->extracted);
-    const std::size_t oldSize = std::exchange(m->extractedSize, 0);
     vyr::SInflated inflated;
+    const char* failed = nullptr;
     if (vyr::HasGzipMagic(item->buffer, item->size)) {
-        if (const char* failed = vyr::InflateBySteps(item->buffer, item->size, m->inflateLimit, inflated)) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "%s", failed);
-            if (PointsInto(item->buffer, old.get(), oldSize)) {
-                *item = {&k_nothing, 0, 0, 0, false};
-            }
-            return false;
-        }
+        failed = vyr::InflateBySteps(item->buffer, item->size, m->inflateLimit, inflated);
     } else {
         inflated.data = std::make_unique<char[]>(0);  // required: it is empty, however much there is
+    }
+    // The item may still point to what an earlier call inflated.
+    const std::unique_ptr<char[]> old = std::exchange(m->extracted, nullptr);
+    const std::size_t oldSize = std::exchange(m->extractedSize, 0);
+    if (failed) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "%s", failed);
+        if (PointsInto(item->buffer, old.get(), oldSize)) {
+            *item = {&k_nothing, 0, 0, 0, false};
+        }
+        return false;
     }
     m->extracted = std::move(inflated.data);
     m->extractedSize = inflated.size;

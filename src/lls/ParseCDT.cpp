@@ -35,16 +35,18 @@ void sm_CbToBeSignedData(SCertificates* m, void* node);
 
 void sm_CbCertificates(SCertificates* m, void* node)
 {
-    std::string& certificate = m->certificates.emplace_back();
+    std::string certificate;
     vyr::Read(CNodeText::Content(node), certificate);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbCertificates] Certificate[%s]", certificate.c_str());
+    m->certificates.push_back(std::move(certificate));
 }
 
 void sm_CbOCSPResponse(SCertificates* m, void* node)
 {
-    std::string& response = m->ocspResponses.emplace_back();
+    std::string response;
     vyr::Read(CNodeText::Content(node), response);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbOCSPResponse] Response[%s]", response.c_str());
+    m->ocspResponses.push_back(std::move(response));
 }
 
 void sm_CbCurrentCert(SCertificates* m, void* node)

@@ -502,10 +502,12 @@ bool CParseSLT::t_Parse(IParse::SItem* item)
 void CParseSLT::m_PutAside(int services, int urls)
 {
     if (m->replace.Group() != 0) {
-        m->gone.services.reserve(static_cast<std::size_t>(services));
-        m->gone.open = true;
-        m->replace.Drop<SService>(m->services, services);
-        m->gone.open = false;
+        // A table that ended early may have left some.
+        m->gone.services.reserve(m->gone.services.size() + static_cast<std::size_t>(services));
+        {
+            const vyr::CScoped<bool> open(m->gone.open, true, false);
+            m->replace.Drop<SService>(m->services, services);
+        }
         m->replace.Drop<SParseSLT::SSltInetUrl>(m->sltInetUrls, urls);
     }
     m->replace.End("CParseSLT");

@@ -45,10 +45,12 @@ CRRTMapST::SRating* CRRTMapST::m_Rating(unsigned char key)
 
 bool CRRTMapST::Add(unsigned char key, unsigned int regionIdentifier, bool replace)
 {
+    SRatingRegionTable region{regionIdentifier, {}, {}};
     if (replace) {
-        m_rrtMap.erase(key);
+        m_rrtMap.insert_or_assign(key, std::move(region));
+    } else {
+        m_rrtMap.emplace(key, std::move(region));
     }
-    m_rrtMap.emplace(key, SRatingRegionTable{regionIdentifier, {}, {}});
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -32,17 +33,27 @@ class CReplace {
     {
         m_refused = 0;
         m_left = m_on ? TCParseLLS::k_maxPerGroup : 0;
-        m_group = m_on ? m_Number(group) : 0;
+        m_brought = false;
+        m_key = group;
+        const auto known = m_groups.find(group);
+        m_group = m_on && known != m_groups.end() ? known->second : static_cast<unsigned short>(0);
     }
     /// What the records of the table carry; 0: they are never replaced.
     unsigned short Group() const { return m_group; }
     /// Whether the table may bring one record more.
     bool Take()
     {
-        if (m_on && (m_group == 0 || m_left-- <= 0)) {
+        if (!m_on) {
+            return true;
+        }
+        if (m_group == 0) {
+            m_group = m_Number();
+        }
+        if (m_group == 0 || m_left-- <= 0) {
             ++m_refused;
             return false;
         }
+        m_brought = true;
         return true;
     }
 
@@ -84,9 +95,12 @@ class CReplace {
         }
         list.resize(kept);
     }
-    /// The table is over: says how much of it was refused, if any.
-    void End(const char* className, VYR_CALLER) const
+    /// The table is over, and what its group held before is dropped: says how much of it was refused, if any.
+    void End(const char* className, VYR_CALLER)
     {
+        if (m_group != 0 && !m_brought) {
+            m_groups.erase(m_key);  // nothing of it is held: another one may take its place
+        }
         if (m_refused > 0 && LogEnabled(LOG_PRIORITY_INFO)) {
             Print(LOG_PRIORITY_INFO, here, "[%s::t_Parse] %d records dropped: a group holds %d, a channel %d groups",
                   className, m_refused, TCParseLLS::k_maxPerGroup, TCParseLLS::k_maxGroups);
@@ -94,28 +108,29 @@ class CReplace {
     }
 
   private:
-    /// The number of a group; 0: there are too many.
-    unsigned short m_Number(const TGroup& group)
+    /// A number for the table's group, which has none; 0: there are too many.
+    unsigned short m_Number()
     {
-        const auto known = m_groups.find(group);
-        if (known != m_groups.end()) {
-            return known->second;
+        int ofChannel = 0;
+        std::set<unsigned short> taken;
+        for (const auto& [group, number] : m_groups) {
+            ofChannel += std::get<0>(group) == std::get<0>(m_key);
+            taken.insert(number);
         }
-        const void* channel = std::get<0>(group);
-        const auto first = m_groups.lower_bound(TGroup(channel, 0, 0));
-        int count = 0;
-        for (auto it = first; it != m_groups.end() && std::get<0>(it->first) == channel; ++it) {
-            ++count;
-        }
-        if (count >= TCParseLLS::k_maxGroups || m_groups.size() >= 0xFFFF) {
+        if (ofChannel >= TCParseLLS::k_maxGroups || taken.size() >= 0xFFFF) {
             return 0;
         }
-        const auto number = static_cast<unsigned short>(m_groups.size() + 1);
-        m_groups.emplace(group, number);
+        unsigned short number = 1;
+        while (taken.count(number) > 0) {
+            ++number;
+        }
+        m_groups.emplace(m_key, number);
         return number;
     }
 
     bool m_on = false;
+    bool m_brought = false;  ///< the table brought a record
+    TGroup m_key;            ///< of the table
     unsigned short m_group = 0;
     int m_left = 0;
     int m_refused = 0;

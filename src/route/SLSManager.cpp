@@ -6,7 +6,6 @@
 #include <initializer_list>
 #include <map>
 #include <memory>
-#include <new>
 
 #include "common/ElementHandlers.h"
 #include "common/OutOfMemory.h"
@@ -24,6 +23,14 @@
 namespace {
 
 constexpr std::ptrdiff_t k_maxDocument = 0x1FFFF;
+
+/// Null when memory is out, which is told.
+std::unique_ptr<char[]> Room(std::size_t size, VYR_CALLER)
+try {
+    return std::unique_ptr<char[]>(new char[size]);
+} catch (...) {
+    return vyr::OutOfMemory<std::unique_ptr<char[]>>(here);
+}
 
 /// A parser that is kept from one document of its kind to the next.
 template <class TParser>
@@ -215,7 +222,7 @@ void CSLSManager::Parse(const unsigned char* buffer, unsigned int length, const 
         PrintSignalMessage(text, static_cast<int>(length));
         PrintXmlFormat(text, static_cast<int>(length));
     }
-    const std::unique_ptr<char[]> copy(new (std::nothrow) char[std::size_t{length} + 1]);
+    const std::unique_ptr<char[]> copy = Room(std::size_t{length} + 1);
     if (!VYR_CHECK(copy, "copy")) {
         return;
     }
@@ -412,7 +419,7 @@ void CSLSManager::m_ParseRSAT(const char* buffer, unsigned int size)
 /// Required: the callback has a copy of its own, of exactly the document's bytes.
 void CSLSManager::m_HandAppData(const char* buffer, unsigned int size, const SSessionInfo* session) const
 {
-    const std::unique_ptr<char[]> copy(new (std::nothrow) char[size]);
+    const std::unique_ptr<char[]> copy = Room(size);
     if (!VYR_CHECK(copy, "copy")) {
         return;
     }

@@ -1,5 +1,7 @@
 #include "common/ChannelMap.h"
 
+#include <malloc.h>
+
 #include <functional>
 
 #include "support/ParserTest.h"
@@ -78,6 +80,23 @@ TEST_F(ChannelMapTest, TheCategorySetterChangesWhatIsMatched)
     EXPECT_TRUE(m_parser.RemoveService(first));
     EXPECT_NE(Add(m_parser, nine, &existed), nullptr);
     EXPECT_FALSE(existed);
+}
+
+TEST_F(ChannelMapTest, WhatAWalkRemovesLeavesNothing)
+{
+    SetLogPriority(LOG_PRIORITY_SILENT);  // the recorder keeps every line
+    const auto held = [] { return mallinfo2().uordblks + mallinfo2().hblkhd; };
+    std::size_t before = 0;
+    for (int cycle = 0; cycle < 1000; ++cycle) {
+        before = cycle == 100 ? held() : before;
+        for (int i = 0; i < 100; ++i) {
+            m_parser.AddService(nullptr, 1, i, 3, 4, 5, 6, 7, false, nullptr);
+        }
+        m_parser.GetServiceList(
+            [](void* map, void* service) { static_cast<CChannelMap*>(map)->RemoveService(service); }, &m_parser);
+    }
+    EXPECT_LT(held(), before + 100000);
+    EXPECT_EQ(Count(m_parser), 0);
 }
 
 TEST_F(ChannelMapTest, FieldsAndTheirDefaults)

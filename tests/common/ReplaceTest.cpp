@@ -114,6 +114,12 @@ TEST_F(ReplaceTest, PilesUpUntilToldNotTo)
             EXPECT_EQ(Logged("records dropped"), 0);
             EXPECT_EQ(count(many + c.entry + c.close, 1), old + 2 + TCParseLLS::k_maxPerGroup) << one;
             EXPECT_EQ(Logged("records dropped"), 1);
+            for (unsigned char group = 3; group < 40; ++group) {  // with nothing to hold, and cut
+                count(c.open + c.close, group);
+                count(c.open + c.entry, group);
+            }
+            EXPECT_EQ(count(one, 41), old + 3 + TCParseLLS::k_maxPerGroup) << one << " of one group more";
+            EXPECT_EQ(count(c.open + c.close, 41), old + 2 + TCParseLLS::k_maxPerGroup) << one;
         }
         EXPECT_EQ(count(c.open + c.close, 1), c.table ? old + 2 : 0) << one;
         c.setReplace(false);

@@ -214,7 +214,8 @@ TEST_F(ESGFragmentTest, GenreNames)
           "<ClassificationScheme uri='u'>\n <Term termID='3.1'><Name>three</Name>\n  <Name>trois</Name></Term>"
           "<Term termID='3.2'><Name>later</Name></Term><Term><Name>none</Name></Term><Term termID=''><Name>empty"
           "</Name></Term><Term termID='4'><Definition/><Name>four</Name></Term><Term "
-          "termID='5'>\n<Name>five</Name></Term><TermX termID='12'>"
+          "termID='5'>\n<Name>five</Name></Term><Term termID='6'><![CDATA[x]]><Name>six</Name></Term><Term termID='7'>"
+          "<?Name?></Term><Term termID='7'><Name>seven</Name></Term><TermX termID='12'>"
           "<NameX>twelve</NameX></TermX><Other termID='6'><Name>six</Name></Other></ClassificationScheme>");
     SCreated<CESGServiceFragment> fragment;
     ASSERT_TRUE(
@@ -224,7 +225,8 @@ TEST_F(ESGFragmentTest, GenreNames)
     EXPECT_EQ(Show(fragment.State()->genres),
               "[{-|-|urn:cs:3|3|three} {-|-|urn:cs:12|12|twelve} {-|-|12.9|12|twelve} {-|-|12:|0|-} {-|-|:4|4|-} "
               "{-|-||0|-}]");
-    EXPECT_EQ(SGenreNameParse::refMap.size(), 2u);
+    EXPECT_EQ(SGenreNameParse::refMap.size(), 3u);
+    EXPECT_STREQ(SGenreNameParse::refMap.at(7).get(), "");
     EXPECT_EQ(Logged("[CGenre::t_ProcessGenreName] Index = [12], Name = [twelve]"), 2);
     EXPECT_EQ(Logged("[CGenreNameParse::Parse] Genre Map exsits."), 4);  // read once, then found filled
 

@@ -25,6 +25,8 @@ class CRecorder : public testing::Test {
     static std::vector<std::string> s_log;  ///< formatted messages, all priorities
     static std::vector<SAssertion> s_assertions;
     static std::map<std::string, int> s_settings;
+    /// The expressions asserted since the last call, joined with "; ".
+    static std::string TakeAssertions();
 
   protected:
     void SetUp() override;
@@ -32,8 +34,6 @@ class CRecorder : public testing::Test {
 
     /// Number of messages that contain the text.
     static int Logged(const std::string& text);
-    /// The expressions asserted since the last call, joined with "; ".
-    static std::string TakeAssertions();
 };
 
 /// The time zone of the process while it lives.

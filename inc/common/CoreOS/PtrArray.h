@@ -9,7 +9,8 @@
 /// (std::bad_array_new_length).
 class VYR_API CCPtrArray {
   public:
-    /// `cbRemove` is called with `context` and each element that is dropped; it may be null.
+    /// `cbRemove` is called with `context` and each element that is dropped; it may be null. What changes the array is
+    /// asserted inside it ("!calling"), false, and does nothing.
     CCPtrArray(void (*cbRemove)(void* context, void* element), void* context);
     /// RemoveAll, then frees the storage.
     virtual ~CCPtrArray();

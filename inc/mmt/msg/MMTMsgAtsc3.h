@@ -45,7 +45,8 @@ class VYR_API CMMTMsgAtsc3 : public CMMTMsg {
     bool GetDescriptors(void (*callback)(void* user, CMMTDesc* descriptor), void* user) override;
 
     /// Calls `callback(user, data, length)` once with the content, which stays the message's: `data` is null for the
-    /// contents that are not kept, and when the content is empty or not whole. True; a null callback is asserted:
+    /// contents that are not kept, and when the content is empty or not whole. The data are good until the next Parse,
+    /// which is asserted inside the callback ("!m_visiting") and does nothing. True; a null callback is asserted:
     /// false.
     bool GetContent(void (*callback)(void* user, unsigned char* data, unsigned int length), void* user) const;
     /// service_id.

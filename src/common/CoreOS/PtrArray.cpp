@@ -7,6 +7,39 @@
 #include "common/OutOfMemory.h"
 #include "platform/Log.h"
 
+namespace {
+
+/// An array whose callback runs on this thread, and the one whose callback changed that one. No member of the array, as
+/// programs have its layout.
+class CCall {
+  public:
+    explicit CCall(const CCPtrArray* array) : m_array(array), m_outer(s_innermost) { s_innermost = this; }
+    ~CCall() { s_innermost = m_outer; }
+    CCall(const CCall&) = delete;
+    CCall& operator=(const CCall&) = delete;
+
+    /// Whether there is one for the array.
+    static bool Of(const CCPtrArray* array)
+    {
+        for (const CCall* call = s_innermost; call; call = call->m_outer) {
+            if (call->m_array == array) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+  private:
+    static thread_local const CCall* s_innermost;
+
+    const CCPtrArray* m_array;
+    const CCall* m_outer;
+};
+
+thread_local const CCall* CCall::s_innermost = nullptr;
+
+}  // namespace
+
 CCPtrArray::CCPtrArray(void (*cbRemove)(void*, void*), void* context)
     : m_slots(m_inline),
       m_inline{},
@@ -63,7 +96,7 @@ bool CCPtrArray::m_Grow()
 
 bool CCPtrArray::Add(void* p)
 {
-    if (!m_Grow()) {
+    if (!VYR_ASSERT(!CCall::Of(this), "!calling") || !m_Grow()) {
         return false;
     }
     m_slots[m_size++] = p;
@@ -72,10 +105,8 @@ bool CCPtrArray::Add(void* p)
 
 bool CCPtrArray::Insert(int index, void* p)
 {
-    if (!VYR_ASSERT(0 <= index && index <= m_size, "0 <= index && index <= m_size")) {
-        return false;
-    }
-    if (!m_Grow()) {
+    if (!VYR_ASSERT(0 <= index && index <= m_size, "0 <= index && index <= m_size") ||
+        !VYR_ASSERT(!CCall::Of(this), "!calling") || !m_Grow()) {
         return false;
     }
     std::copy_backward(m_slots + index, m_slots + m_size, m_slots + m_size + 1);
@@ -86,7 +117,8 @@ bool CCPtrArray::Insert(int index, void* p)
 
 bool CCPtrArray::Set(int index, void* p)
 {
-    if (!VYR_ASSERT(0 <= index && index <= INT_MAX - k_step, "0 <= index")) {
+    if (!VYR_ASSERT(0 <= index && index <= INT_MAX - k_step, "0 <= index") ||
+        !VYR_ASSERT(!CCall::Of(this), "!calling")) {
         return false;
     }
     if (index >= m_capacity) {
@@ -99,6 +131,7 @@ bool CCPtrArray::Set(int index, void* p)
     if (!old) {
         ++m_validCount;
     } else if (m_callback.cbRemove) {
+        const CCall call(this);
         m_callback.cbRemove(m_context, old);
     }
     m_slots[index] = p;
@@ -127,10 +160,12 @@ void* CCPtrArray::Data(int index) const
 
 bool CCPtrArray::RemoveAt(int index)
 {
-    if (!VYR_ASSERT(0 <= index && index < m_size, "0 <= index && index < m_size")) {
+    if (!VYR_ASSERT(0 <= index && index < m_size, "0 <= index && index < m_size") ||
+        !VYR_ASSERT(!CCall::Of(this), "!calling")) {
         return false;
     }
     if (m_callback.cbRemove) {
+        const CCall call(this);
         m_callback.cbRemove(m_context, m_slots[index]);
     }
     std::copy(m_slots + index + 1, m_slots + m_size, m_slots + index);
@@ -140,6 +175,10 @@ bool CCPtrArray::RemoveAt(int index)
 
 int CCPtrArray::RemoveIf(bool (*drop)(void* user, int index), void* user)
 {
+    if (!VYR_ASSERT(!CCall::Of(this), "!calling")) {
+        return 0;
+    }
+    const CCall call(this);
     int kept = 0;
     for (int i = 0; i < m_size; ++i) {
         if (!drop(user, i)) {
@@ -159,9 +198,10 @@ bool CCPtrArray::RemoveAll()
     if (m_size < 1) {
         return true;
     }
-    if (!VYR_ASSERT(m_callback.cbRemove, "m_callback.cbRemove")) {
+    if (!VYR_ASSERT(m_callback.cbRemove, "m_callback.cbRemove") || !VYR_ASSERT(!CCall::Of(this), "!calling")) {
         return false;
     }
+    const CCall call(this);
     for (int i = 0; i < m_size; ++i) {
         if (m_slots[i]) {
             m_callback.cbRemove(m_context, m_slots[i]);

@@ -28,8 +28,9 @@ class CExactScan {
         if (!m_reason && in.Take("<!DOCTYPE") && m_Type(in)) {
             m_reason = SkipMisc(in);
         }
-        if (!m_reason && m_Content(text, in.At(), true)) {
-            m_Entities();
+        if (!m_reason && m_Content(text, in.At(), true) && m_Entities()) {
+            m_CountWordless(text, "&");
+            m_CountWordless(text, "<?");
         }
         return m_reason;
     }
@@ -71,6 +72,19 @@ class CExactScan {
             m_names.insert(name.substr(colon + 1));
         }
         return m_Within(m_names.size(), k_maxNames, k_names);
+    }
+
+    /// The names behind all such marks: references and instructions, wherever they stand.
+    bool m_CountWordless(TText text, TText mark)
+    {
+        CCursor in(text);
+        while (!m_reason && in.Behind(mark)) {
+            const TText name = in.Name();
+            if (!name.empty() && !m_Count(name)) {
+                return false;
+            }
+        }
+        return !m_reason;
     }
 
     /// A name that is required here; the blanks before it too.
@@ -292,6 +306,12 @@ class CExactScan {
             if (!in.Blanks()) {
                 return m_Refuse(k_malformed);
             }
+            // libxml2 keeps these in front of an element's others, and walks past them for each of those.
+            const std::size_t colon = name.find(':');
+            m_declaredNamespaces += m_IsNamespace(name) || (colon != TText::npos && name.substr(colon + 1) == "xmlns");
+            if (!m_Within(m_declaredNamespaces, k_maxNamespaces, k_namespaces)) {
+                return false;
+            }
             if (in.Take("#REQUIRED") || in.Take("#IMPLIED")) {
                 continue;
             }
@@ -489,7 +509,7 @@ class CExactScan {
     std::unordered_map<TText, SEntity, SNameHash> m_entities;
     std::unordered_set<TText, SNameHash> m_names;
     std::array<TText, 256> m_recent;
-    std::size_t m_namespaces = 0, m_identifiers = 0, m_enumerated = 0, m_defaults = 0;
+    std::size_t m_namespaces = 0, m_declaredNamespaces = 0, m_identifiers = 0, m_enumerated = 0, m_defaults = 0;
     std::uint64_t m_defaulting = 0, m_comparisons = 0, m_maxComparisons = 0;
 };
 

@@ -50,6 +50,9 @@ bool CESGElement::m_Parse()
         return vyr::AssertFailed(here, "m");
     }
     CXML xml;
+    if (!m_node) {
+        xml.Create(static_cast<void*>(m));  // required: the view of the first parse stands in the way of a second
+    }
     if (!xml.Create(m_node ? vyr::NodeDocument(m_node) : nullptr)) {
         return vyr::CheckFailed(here, "m->xml.Create((CXML::TDocPtr)m->pdoc)");
     }

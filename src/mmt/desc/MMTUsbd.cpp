@@ -119,6 +119,14 @@ bool SState::m_ProcessParse(void* root)
     return true;
 }
 
+/// The record of a component that there is one of; null without it.
+template <class T>
+const auto* Component(const CMMTUsbd::SMMTUsbd* values, TOwned<T> CMMTUsbd::SMMTUsbd::*component, VYR_CALLER)
+{
+    const TOwned<T>* const held = values || vyr::AssertFailed(here, "m") ? &(values->*component) : nullptr;
+    return held && *held ? (*held)->State() : nullptr;
+}
+
 /// The record of the index-th component info; null without one.
 const CMMTComponentInfo::SComponentInfo* ComponentInfo(const CMMTUsbd::SMMTUsbd* values, int index, VYR_CALLER)
 {
@@ -141,27 +149,32 @@ bool CMMTUsbd::CheckBroadbandComponent() const
 
 bool CMMTUsbd::GetsTSIDUri(std::string& uri) const
 {
-    return CheckRouteComponent() && vyr::Give(State()->routeComponent->State()->sTSIDUri, uri);
+    const auto* route = Component(State(), &SMMTUsbd::routeComponent);
+    return route && vyr::Give(route->sTSIDUri, uri);
 }
 
 bool CMMTUsbd::GetRouteComponentSrcIp(unsigned int& address) const
 {
-    return CheckRouteComponent() && vyr::Give(State()->routeComponent->State()->sTSIDSourceIpAddress, address);
+    const auto* route = Component(State(), &SMMTUsbd::routeComponent);
+    return route && vyr::Give(route->sTSIDSourceIpAddress, address);
 }
 
 bool CMMTUsbd::GetRouteComponentDestIp(unsigned int& address) const
 {
-    return CheckRouteComponent() && vyr::Give(State()->routeComponent->State()->sTSIDDestinationIpAddress, address);
+    const auto* route = Component(State(), &SMMTUsbd::routeComponent);
+    return route && vyr::Give(route->sTSIDDestinationIpAddress, address);
 }
 
 bool CMMTUsbd::GetRouteComponentDestPort(unsigned short& port) const
 {
-    return CheckRouteComponent() && vyr::Give(State()->routeComponent->State()->sTSIDDestinationUdpPort, port);
+    const auto* route = Component(State(), &SMMTUsbd::routeComponent);
+    return route && vyr::Give(route->sTSIDDestinationUdpPort, port);
 }
 
 bool CMMTUsbd::GetFullMPDUri(std::string& uri) const
 {
-    return CheckBroadbandComponent() && vyr::Give(State()->broadbandComponent->State()->fullMPDUri, uri);
+    const auto* broadband = Component(State(), &SMMTUsbd::broadbandComponent);
+    return broadband && vyr::Give(broadband->fullMPDUri, uri);
 }
 
 int CMMTUsbd::ComponentInfoSize() const
@@ -222,7 +235,10 @@ try {
         return false;
     }
     for (const CMMTContentAdvisoryRatings* rating : parsed) {
-        rating->GetContentRatingString(ratings.emplace_back());
+        if (!rating->GetContentRatingString(ratings.emplace_back())) {
+            ratings.pop_back();
+            return false;
+        }
     }
     return true;
 } catch (...) {

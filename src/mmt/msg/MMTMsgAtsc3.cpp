@@ -33,6 +33,7 @@ struct CMMTMsgAtsc3::SState {
     unsigned char contentVersion = 0;
     unsigned char contentCompression = 0;
     unsigned int contentLength = 0;
+    bool visiting = false;  // a caller has the content
     vyr::CBytes uri;
     vyr::CBytes content;
     TPtrArray<CMMTDesc> audioStreamProperties;
@@ -74,7 +75,8 @@ CMMTMsgAtsc3::~CMMTMsgAtsc3()
 bool CMMTMsgAtsc3::Parse(SItem* item)
 try {
     const vyr::CEntry entry;
-    if (!m_Create() || !t_ParseHeader(item, 32, "[CMMTMsgAtsc3::Parse] Item size ERROR len[%u], length[%u]")) {
+    if (!m_Create() || !VYR_ASSERT(!m->visiting, "!m_visiting") ||
+        !t_ParseHeader(item, 32, "[CMMTMsgAtsc3::Parse] Item size ERROR len[%u], length[%u]")) {
         return false;
     }
     vyr::CBitReader reader(item);
@@ -221,6 +223,7 @@ bool CMMTMsgAtsc3::GetContent(void (*callback)(void* user, unsigned char* data, 
     if (!VYR_ASSERT(callback, "callback") || !VYR_ASSERT(m, "m")) {
         return false;
     }
+    const vyr::CScoped<bool> visiting(m->visiting, true, m->visiting);
     callback(user, const_cast<unsigned char*>(m->content.Data()), m->contentLength);
     return true;
 }

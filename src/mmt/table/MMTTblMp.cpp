@@ -22,7 +22,9 @@ try {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTTblMp::Parse] packageId = %s", m_packageId ? m_packageId.Text() : "");
         const unsigned int length = reader.Value(16);
         // Required: where the data end here, the rest is empty, and the table is good.
-        if (reader.Valid() && !vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
+        if (!reader.Valid()) {
+            CMMTDescFactory::ParseDescriptors(item, 0, &m_arrayDescriptor);
+        } else if (!vyr::ParseDescriptorLoop(item, length, m_arrayDescriptor)) {
             return false;
         }
     }

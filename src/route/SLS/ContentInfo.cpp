@@ -25,7 +25,7 @@ void sm_CbMediaInfo(SState* m, void* node)
     TOwned<CMediaInfo> mediaInfo =
         vyr::BuildXmlChild<CMediaInfo>(*m, node, {"mediaInfo->Create()", "mediaInfo->Parse(root->t_xml.Doc(), cur)"});
     if (mediaInfo) {
-        mediaInfo->GetRepId(values.contentId);
+        values.contentId = mediaInfo->State()->repId;
         values.mediaInfo = std::move(mediaInfo);
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CContentInfo::sm_CbMediaInfo] ContentID[%s]", values.contentId.c_str());
     }

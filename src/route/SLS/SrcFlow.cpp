@@ -24,8 +24,8 @@ void sm_CbContentInfo(SState* m, void* node)
     TOwned<CContentInfo> contentInfo = vyr::BuildXmlChild<CContentInfo>(
         *m, node, {"contentInfo->Create()", "contentInfo->Parse(root->t_xml.Doc(), cur)"});
     if (contentInfo) {
-        contentInfo->GetContentId(values.contentId);
-        values.aeaId = contentInfo->GetAEAId();
+        values.contentId = contentInfo->State()->contentId;
+        values.aeaId = contentInfo->State()->aeaId;
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CSrcFlow::sm_CbContentInfo] contentInfo[%s]", values.contentId.c_str());
         values.contentInfo = std::move(contentInfo);
     }

@@ -143,4 +143,25 @@ TEST_F(PtrArrayTest, LongListsKeepEveryElement)
     }
 }
 
+TEST_F(PtrArrayTest, IsNotChangedByItsOwnCallback)
+{
+    static CCPtrArray* s_array = nullptr;
+    static std::string s_told;
+    s_told.clear();
+    CCPtrArray array(
+        [](void* things, void* element) {
+            s_told += std::to_string(static_cast<char*>(element) - static_cast<char*>(things)) +
+                      Each({s_array->Add(nullptr), s_array->Insert(0, nullptr), s_array->Set(0, nullptr),
+                            s_array->RemoveAt(0), s_array->RemoveAll(), s_array->Data(0) != nullptr}) +
+                      ' ';
+        },
+        m_things);
+    s_array = &array;
+    EXPECT_EQ(Each({array.Add(m_things), array.Add(m_things + 1), array.Add(m_things + 2)}), "111");
+    EXPECT_EQ(Each({array.RemoveAt(1), array.Set(1, m_things + 3), array.Size() == 2, array.RemoveAll()}), "1111");
+    EXPECT_EQ(s_told, "1000001 2000001 0000001 3000001 ");
+    EXPECT_EQ(s_assertions.size(), 4u * 5u);
+    s_assertions.clear();
+}
+
 }  // namespace

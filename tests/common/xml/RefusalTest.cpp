@@ -165,6 +165,12 @@ TEST_F(XmlRefusalTest, LimitsAndWhatIsInnocent)
         // Names, identifiers, catalogs.
         {"<r>" + names + names + "</r>", ""},
         {"<r>" + names + "<r x:a=''/></r>", "more than 16384 names"},
+        {"<r>" + names + "<?r?></r>", ""},
+        {"<r>" + names + "<?s?><?t?></r>", "more than 16384 names"},
+        {"<!DOCTYPE r SYSTEM 'x'><r>" + names + "&s;&t;</r>", "more than 16384 names"},
+        {"<!DOCTYPE r [<!ATTLIST r" + Repeated(256, " x", ":xmlns CDATA #IMPLIED") + ">]><r/>", ""},
+        {"<!DOCTYPE r [<!ATTLIST r" + Repeated(257, " x", ":xmlns CDATA #IMPLIED") + ">]><r/>",
+         "more than 256 namespace declarations"},
         {"<r>" + ids + "</r>", ""},
         {"<r>" + ids + "<n xml:id='j'/></r>", "too many identifiers"},
         {type(idrefs, "<r>" + Repeated(16385, "<n i='a'/>") + "</r>"), "too many identifiers"},

@@ -66,6 +66,23 @@ const std::string k_desc = CMmtBuilder().Put(16, 14).Put(16, 0).Bytes();
 
 class MMTMsgAtsc3Test : public CRecorder {};
 
+TEST_F(MMTMsgAtsc3Test, ContentStaysWhileACallbackHasIt)
+{
+    struct SHost {
+        CMMTMsgAtsc3 message;
+        const std::string bytes = SMessage{2, "<MPD/>", 1, -1, "uri"}.Bytes();
+    } host;
+    ASSERT_TRUE(SFed(host.message, host.bytes).result);
+    const auto parse = [](void* user, unsigned char* data, unsigned int) {
+        SHost& h = *static_cast<SHost*>(user);
+        EXPECT_FALSE(SFed(h.message, h.bytes).result);
+        EXPECT_EQ(data[0], '<');
+    };
+    EXPECT_TRUE(host.message.GetContent(parse, &host));
+    EXPECT_EQ(TakeAssertions(), "!m_visiting");
+    EXPECT_TRUE(SFed(host.message, host.bytes).result);
+}
+
 TEST_F(MMTMsgAtsc3Test, Header)
 {
     CMMTMsgAtsc3 message;

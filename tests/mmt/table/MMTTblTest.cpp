@@ -217,6 +217,9 @@ TEST_F(MMTTblTest, MpTableIds)
     CMMTTblMp mp;
     EXPECT_TRUE(SFed(mp, MmtTable(0x11, std::string("\2\0\0\0\0", 5))).result);
     EXPECT_STREQ(mp.PackageId(), "");
+    s_log.clear();
+    EXPECT_TRUE(SFed(mp, MmtTable(0x11, std::string("\2\5", 2))).result);
+    EXPECT_EQ(Logged("[CMMTDescFactory::ParseDescriptors] item->bitpos:48, max:48"), 1);
     EXPECT_EQ(Each({SFed(mp, MmtMpTable(0x10)).result, SFed(mp, MmtMpTable(0x21)).result}), "00");
     EXPECT_EQ(Logged("[CMMTTblMp::Parse] Table ID ERROR ID=10"), 1);
     EXPECT_EQ(Logged("[CMMTTblMp::Parse] Table ID ERROR ID=21"), 1);
