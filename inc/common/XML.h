@@ -46,9 +46,10 @@ class VYR_API CXML {
     /// Refused, besides what is not well-formed:
     /// - start tags of more than 1,024 attributes, or so many of nearly as many that comparing the attributes
     ///   of each tag with each other would take more than one such tag and 64 comparisons a byte;
-    /// - in the document, more than 256 namespace declarations, 16,384 different names, as many identifiers
-    ///   (`xml:id`, or declared as such) or 1,024 catalogs;
-    /// - in a document type: parameter entities, entities that could expand to more than 524,288 bytes or
+    /// - in the document, more than 256 namespace declarations, 16,384 different names (of references and
+    ///   instructions, too), as many identifiers (`xml:id`, or declared as such) or 1,024 catalogs;
+    /// - in a document type: parameter entities, more than 256 attributes that could declare namespaces, entities that
+    /// could expand to more than 524,288 bytes or
     ///   nest deeper than 64, more than 1,024 enumerated values, more than 1,024 attribute defaults or 4 M
     ///   bytes of them for all elements (each counts 64 more, and one for each of its element's), more than
     ///   8 ID attributes of one element;
