@@ -20,10 +20,10 @@ namespace vyr::xml {
 /// - encodings of which ASCII is no part but UTF-16, and a name that contradicts the byte order; with
 ///   libxml2 2.10 or newer also a name other than UTF-8 behind that one's mark, unless all is ASCII;
 /// - what is not well-formed, where that would make libxml2 read on otherwise than this scan.
-/// But for those names, comments, CDATA sections, instructions and texts count for nothing. The scan is exact because it reads
-/// the characters that libxml2 reads (other encodings are decoded by its own decoders first), and never
-/// beyond something that the two could take for different things. Most documents need far less of it: one
-/// that is too short for any of this is only searched for a document type.
+/// But for those names, comments, CDATA sections, instructions and texts count for nothing. The scan is exact because
+/// it reads the characters that libxml2 reads (other encodings are decoded by its own decoders first), and never beyond
+/// something that the two could take for different things. Most documents need far less of it: one that is too short
+/// for any of this is only searched for a document type.
 ///
 /// `*plain`: whether an accepted document is UTF-8, without document type and without zero byte.
 const char* RefusalOf(const char* data, std::size_t size, bool* plain = nullptr);
