@@ -33,7 +33,7 @@ class CReplace {
     {
         m_refused = 0;
         m_left = m_on ? TCParseLLS::k_maxPerGroup : 0;
-        m_brought = false;
+        m_brought = m_asked = false;
         m_key = group;
         const auto known = m_groups.find(group);
         m_group = m_on && known != m_groups.end() ? known->second : static_cast<unsigned short>(0);
@@ -46,7 +46,8 @@ class CReplace {
         if (!m_on) {
             return true;
         }
-        if (m_group == 0) {
+        if (m_group == 0 && !m_asked) {  // once, as a table may bring thousands
+            m_asked = true;
             m_group = m_Number();
         }
         if (m_group == 0 || m_left-- <= 0) {
@@ -130,6 +131,7 @@ class CReplace {
 
     bool m_on = false;
     bool m_brought = false;  ///< the table brought a record
+    bool m_asked = false;    ///< a number was looked for
     TGroup m_key;            ///< of the table
     unsigned short m_group = 0;
     int m_left = 0;

@@ -29,8 +29,8 @@ class CExactScan {
             m_reason = SkipMisc(in);
         }
         if (!m_reason && m_Content(text, in.At(), true) && m_Entities()) {
-            m_CountWordless(text, "&");
-            m_CountWordless(text, "<?");
+            m_CountBehind(text, "&");
+            m_CountBehind(text, "<?");
         }
         return m_reason;
     }
@@ -75,7 +75,7 @@ class CExactScan {
     }
 
     /// The names behind all such marks: references and instructions, wherever they stand.
-    bool m_CountWordless(TText text, TText mark)
+    bool m_CountBehind(TText text, TText mark)
     {
         CCursor in(text);
         while (!m_reason && in.Behind(mark)) {
