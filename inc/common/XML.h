@@ -48,11 +48,10 @@ class VYR_API CXML {
     ///   of each tag with each other would take more than one such tag and 64 comparisons a byte;
     /// - in the document, more than 256 namespace declarations, 16,384 different names (of references and
     ///   instructions, too), as many identifiers (`xml:id`, or declared as such) or 1,024 catalogs;
-    /// - in a document type: parameter entities, more than 256 attributes that could declare namespaces, entities that
-    /// could expand to more than 524,288 bytes or
-    ///   nest deeper than 64, more than 1,024 enumerated values, more than 1,024 attribute defaults or 4 M
-    ///   bytes of them for all elements (each counts 64 more, and one for each of its element's), more than
-    ///   8 ID attributes of one element;
+    /// - in a document type: parameter entities, more than 256 attributes that could declare namespaces,
+    ///   entities that could expand to more than 524,288 bytes or nest deeper than 64, more than 1,024
+    ///   enumerated values, more than 1,024 attribute defaults or 4 M bytes of them for all elements (each
+    ///   counts 64 more, and one for each of its element's), more than 8 ID attributes of one element;
     /// - documents whose attributes and texts expand to more than 524,288 bytes through entities;
     /// - encodings that do not include ASCII, but for UTF-16.
     ///

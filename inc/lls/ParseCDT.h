@@ -32,8 +32,8 @@ class VYR_API CParseCDT : public TCParseLLS {
 
     /// Text of CurrentCert.
     bool GetCurrentCert(std::string& cert) const;
-    /// Attributes of CertReplacement; the times are epoch seconds (0: never given), one second late
-    /// (required).
+    /// Attributes of CertReplacement; the times are epoch seconds (0: never given; -1: no date, or behind 4,096 of
+    /// them in a table), one second late (required).
     bool GetCertReplacement(std::string& nextCert, long long& nextCertFrom, long long& currentCertUntil) const;
     /// The same; where a `long` has 32 bits, times that it cannot hold are its greatest or least.
     bool GetCertReplacement(std::string& nextCert, long& nextCertFrom, long& currentCertUntil) const;

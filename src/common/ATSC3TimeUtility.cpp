@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "common/EpochTime.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 unsigned int g_tai = 0;
@@ -105,3 +106,13 @@ long long g_EpochTime(const char* dateTime)
     const long long local = std::mktime(&calendar);
     return local + static_cast<std::int32_t>(calendar.tm_gmtoff);
 }
+
+namespace vyr {
+
+long long LocalEpoch(const char* dateTime, long long (*convert)(const char*))
+{
+    thread_local CBudget t_dates(4096, "dates in local time");
+    return t_dates.Take() ? convert(dateTime) : -1;
+}
+
+}  // namespace vyr

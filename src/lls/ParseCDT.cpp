@@ -4,7 +4,6 @@
 #include <climits>
 #include <memory>
 
-#include "common/ATSC3TimeUtility.h"
 #include "common/EpochTime.h"
 #include "common/Give.h"
 #include "common/XmlRead.h"
@@ -67,12 +66,12 @@ void sm_CbCertReplacement(SCertificates* m, void* node)
     vyr::ReadAttribute(node, "NextCert", m->nextCert);
     const CNodeText from = CNodeText::Attribute(node, "NextCertFrom");
     if (from.Found()) {
-        m->nextCertFrom = g_EpochTime(from.Text());
+        m->nextCertFrom = vyr::LocalEpoch(from.Text(), g_EpochTime);
         m->given.nextCertFrom = vyr::GivenTime(from, vyr::ReadDateTime);
     }
     const CNodeText until = CNodeText::Attribute(node, "CurrentCertUntil");
     if (until.Found()) {
-        m->currentCertUntil = g_EpochTime(until.Text());
+        m->currentCertUntil = vyr::LocalEpoch(until.Text(), g_EpochTime);
         m->given.currentCertUntil = vyr::GivenTime(until, vyr::ReadDateTime);
     }
 }

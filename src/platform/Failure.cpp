@@ -21,6 +21,7 @@ struct SKept {
     SFailure failures[std::size(k_documents)];
 };
 thread_local SKept t_kept;
+thread_local unsigned long long t_calls;  ///< outermost ones, of each thread
 
 SFailure& Current()
 {
@@ -43,9 +44,30 @@ std::size_t Document(const char* name)
 
 CEntry::CEntry() : m_depth(t_kept.depth)
 {
-    if (m_depth++ == 0 && t_kept.any) {
+    if (m_depth++ > 0) {
+        return;
+    }
+    ++t_calls;
+    if (t_kept.any) {
         t_kept = {1, false, 0, {}};
     }
+}
+
+bool CBudget::Take(const SHere& here)
+{
+    if (m_call != t_calls) {
+        m_call = t_calls;
+        m_left = m_most;
+    }
+    if (m_left > 0) {
+        --m_left;
+        return true;
+    }
+    if (m_left == 0 && LogEnabled(LOG_PRIORITY_ERROR)) {
+        Print(LOG_PRIORITY_ERROR, here, "more than %d %s: the others are left out", m_most, m_what);
+    }
+    m_left = -1;
+    return false;
 }
 
 CDocumentOfPackage::CDocumentOfPackage(const char* name)

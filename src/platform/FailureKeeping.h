@@ -1,10 +1,9 @@
 #pragma once
 
 #include "platform/Failure.h"
+#include "platform/Log.h"
 
 namespace vyr {
-
-struct SHere;
 
 /// A call from outside, for its life: the outermost of a thread forgets what failed in the one before. Every public
 /// entry that LastFailure speaks of has one.
@@ -17,6 +16,21 @@ class CEntry {
 
   private:
     int& m_depth;  ///< how many of the thread there are, one in the other
+};
+
+/// What one outermost call from outside may spend of something; a thread_local object of each thread.
+class CBudget {
+  public:
+    /// `what`: in words, in the plural.
+    constexpr CBudget(int most, const char* what) : m_most(most), m_left(most), m_what(what) {}
+    /// Whether there was one more. The first time that there is none, a log line at error priority tells.
+    bool Take(VYR_CALLER);
+
+  private:
+    int m_most;
+    int m_left;
+    const char* m_what;
+    unsigned long long m_call = 0;  ///< the one that it is left of
 };
 
 /// What fails from now on, for its life, belongs to a document of a package.

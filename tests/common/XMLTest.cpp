@@ -260,6 +260,10 @@ TEST_F(XMLTest, DumpsAndFiles)
     std::unique_ptr<char[]> text(m_xml.NodeDump(m_xml.MoveChild(m_root), &size));
     EXPECT_STREQ(text.get(), "<c a=\"1\" b=\"&lt;\">x</c>");
     EXPECT_EQ(size, 23);
+    const std::unique_ptr<xmlNode, void (*)(xmlNodePtr)> nothing(xmlNewText(nullptr), xmlFreeNode);
+    text.reset(m_xml.NodeDump(nothing.get(), &size));
+    EXPECT_STREQ(text.get(), "");
+    EXPECT_EQ(size, 0);
     text.reset(CXML().Dump(m_xml.Doc(), &size));
     EXPECT_STREQ(text.get(), "<?xml version=\"1.0\"?>\n<r><c a=\"1\" b=\"&lt;\">x</c></r>\n");
     EXPECT_EQ(size, 53);

@@ -8,7 +8,7 @@
 #include "../../platform/Api.h"
 
 /// One file of an extended FDT: the File element (RFC 6726 3.4.2, ATSC A/331 annex A.3.3). Numbers that
-/// are not given are -1 (all bits set), texts empty.
+/// are not given are -1 (all bits set), texts empty. Lists of applications are cut behind 65,536 in all of a parse.
 struct VYR_API SFDTFile {
     virtual ~SFDTFile() = default;
 

@@ -27,10 +27,11 @@ class VYR_API CLS : public CXmlElement {
 
     /// What was parsed.
     struct SLS {
-        unsigned int tsi = 0;            ///< transport session identifier; 0xFFFFFFFF: not given; 0 before Parse
-        unsigned int bw = 0;             ///< maximum bandwidth, kbit/s; likewise
-        long long startTime = -1;        ///< epoch seconds, see TimeUtility::ConvertDateTime2Epoch; -1: not given
-        long long endTime = -1;          ///< likewise
+        unsigned int tsi = 0;      ///< transport session identifier; 0xFFFFFFFF: not given; 0 before Parse
+        unsigned int bw = 0;       ///< maximum bandwidth, kbit/s; likewise
+        long long startTime = -1;  ///< epoch seconds, see TimeUtility::ConvertDateTime2Epoch; -1: not given, or behind
+                                   ///< 4,096 times of a parse
+        long long endTime = -1;    ///< likewise
         TOwnedArray<CSrcFlow> srcFlows;  ///< the last one counts, the EFDTs of all were reported
 
         // Extension: the times as they are given.

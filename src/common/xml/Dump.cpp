@@ -161,7 +161,7 @@ char* DumpNode(void* node, int* size, const SHere& here)
     const xmlChar* text = out->error ? nullptr : xmlOutputBufferGetContent(out);
     const std::size_t bytes = text ? xmlOutputBufferGetSize(out) : 0;
     char* copy = nullptr;
-    if (bytes > 0 && bytes <= INT_MAX) {
+    if (text && bytes <= INT_MAX) {
         copy = NewCopy(AsText(text), bytes);
         *size = copy ? static_cast<int>(bytes) : 0;
     }

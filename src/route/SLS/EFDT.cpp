@@ -6,17 +6,21 @@
 
 #include "common/XmlParser.h"
 #include "common/XmlRead.h"
+#include "platform/FailureKeeping.h"
 #include "platform/Log.h"
 
 using vyr::CNodeText;
 
 namespace {
 
+/// Each takes 64 bytes, and a document type can give the same list to thousands of files.
+thread_local vyr::CBudget t_contexts(65536, "application contexts");
+
 /// The tokens of a text, set apart by single spaces.
 std::list<std::string> Split(const char* text)
 {
     std::list<std::string> tokens;
-    while (*text) {
+    while (*text && t_contexts.Take()) {
         const char* space = std::strchr(text, ' ');
         tokens.emplace_back(text, space ? space : text + std::strlen(text));
         text = space ? space + 1 : text + std::strlen(text);

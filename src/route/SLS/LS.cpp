@@ -1,6 +1,7 @@
 #include "route/SLS/LS.h"
 
 #include "common/ATSC3TimeUtility.h"
+#include "common/EpochTime.h"
 #include "common/XmlParser.h"
 #include "common/XmlRead.h"
 #include "common/XsTime.h"
@@ -45,12 +46,12 @@ bool SState::m_ProcessParse(void* root)
             static_cast<int>(values.bw));
     const CNodeText startTime = CNodeText::Attribute(root, "startTime");
     if (startTime.Found()) {
-        values.startTime = TimeUtility::ConvertDateTime2Epoch(startTime.Text());
+        values.startTime = vyr::LocalEpoch(startTime.Text(), TimeUtility::ConvertDateTime2Epoch);
         values.givenStartTime = std::make_unique<SGivenTime>(*vyr::GivenTime(startTime, vyr::ReadDateTime));
     }
     const CNodeText endTime = CNodeText::Attribute(root, "endTime");
     if (endTime.Found()) {
-        values.endTime = TimeUtility::ConvertDateTime2Epoch(endTime.Text());
+        values.endTime = vyr::LocalEpoch(endTime.Text(), TimeUtility::ConvertDateTime2Epoch);
         values.givenEndTime = std::make_unique<SGivenTime>(*vyr::GivenTime(endTime, vyr::ReadDateTime));
     }
     vyr::DispatchChildren(this, k_handlers, root);

@@ -82,4 +82,18 @@ TEST_F(EFDTTest, DefaultsOrderAndReplacement)
     EXPECT_EQ(m_told.size(), 2u);
 }
 
+TEST_F(EFDTTest, ApplicationContextsHaveAMost)
+{
+    const auto kept = [this](std::size_t contexts) {  // of no character each, before those of the files
+        EXPECT_TRUE(Parse("<E><FDT-Instance appContextIdList='" + std::string(contexts, ' ') +
+                          "'><File appContextIdList='a b'/><File appContextIdList='c'/></FDT-Instance></E>"));
+        return Join(m_parser.GetEFDTInfo()->fdtGlobal->appContextIdList.size(), Files());
+    };
+    const std::string file = "|18446744073709551615|-1|-1||";
+    EXPECT_EQ(kept(65534), "65534|" + file + "|[a b];" + file + "|[];");
+    EXPECT_EQ(kept(65533), "65533|" + file + "|[a b];" + file + "|[c];");  // each parse counts its own
+    EXPECT_EQ(kept(65538), "65536|" + file + "|[];" + file + "|[];");
+    EXPECT_EQ(Logged("more than 65536 application contexts: the others are left out"), 2);
+}
+
 }  // namespace

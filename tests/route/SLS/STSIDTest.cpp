@@ -106,6 +106,23 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
     EXPECT_FALSE(TakeAssertions().empty());
 }
 
+TEST_F(STSIDTest, TimesInLocalTimeHaveAMost)
+{
+    std::string sessions;
+    for (int i = 0; i < 2049; ++i) {
+        sessions += "<LS startTime='2027-01-02T00:00:00Z' endTime='2027-01-02T00:00:01Z'/>";
+    }
+    for (int parse = 1; parse <= 2; ++parse) {  // each counts its own
+        ASSERT_TRUE(Parse("<S-TSID><RS>" + sessions + "</RS></S-TSID>"));
+        const CCPtrArray& held = static_cast<const CRS*>(m_parser.State()->routeSessions.Last())->State()->ls;
+        const CLS::SLS& before = *static_cast<const CLS*>(held.Data(2047))->State();
+        const CLS::SLS& last = *static_cast<const CLS*>(held.Data(2048))->State();
+        EXPECT_EQ(before.endTime - before.startTime, 1);
+        EXPECT_EQ(Join(last.startTime, last.endTime, last.givenEndTime->text), "-1|-1|2027-01-02T00:00:01Z");
+        EXPECT_EQ(Logged("more than 4096 dates in local time: the others are left out"), parse);
+    }
+}
+
 TEST_F(STSIDTest, WhatIsGivenAndWhatIsNot)
 {
     ASSERT_TRUE(
