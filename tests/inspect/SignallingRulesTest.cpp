@@ -48,6 +48,20 @@ const std::vector<SBreach> k_signalling = {
     {"the USBD of another service",
      [](SBroadcast& b) { b.usbd.replace(b.usbd.find("serviceId='1'"), 13, "serviceId='2'"); },
      {"no-signalling"}},
+    {"no signalling for 5 s", All(Lasts(6), Keep([](const SPart& part) { return part.tsi != 0; })), {"no-signalling"}},
+    {"too short to tell", All(Lasts(5), Keep([](const SPart& part) { return part.tsi != 0; })), {}},
+    {"another service, listed at the end",
+     [](SBroadcast& b) {
+         b.change = [](unsigned second, SBroadcast& now) {
+             if (second == 8) {
+                 now.services +=
+                     "<Service serviceId='2' serviceCategory='4'><BroadcastSvcSignaling slsProtocol='1' "
+                     "slsDestinationIpAddress='239.255.7.1' slsDestinationUdpPort='7009'/></Service>";
+                 now.listVersion = 2;
+             }
+         };
+     },
+     {}},
     {"no S-TSID",
      [](SBroadcast& b) {
          b.stsid = "";

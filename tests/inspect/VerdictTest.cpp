@@ -46,11 +46,13 @@ TEST(Verdicts, WhetherAServicePlays)
         {"no signalling", "does-not-play",
          "the channel is listed and shows nothing (no signalling of service 1: none of",
          Drop([](const SSent& s) { return s.kind == SSent::SIGNALLING; })},
-        {"no signalling, in 4 s", "cannot-tell", "it is 3.",
+        {"no signalling, in 4 s", "cannot-tell", "it ends too soon behind the service list",
          [](SBroadcast& b) {
              b.rounds = 4;
              b.change = [](SSent& s) { return s.kind != SSent::SIGNALLING; };
          }},
+        {"no signalling, listed 4 s before the end", "cannot-tell", "it ends too soon behind the service list",
+         Drop([](const SSent& s) { return s.kind == SSent::SIGNALLING || (s.table == 1 && s.round < 8); })},
         {"signalling alone", "cannot-tell", "it has signalling alone",
          Drop([](const SSent& s) { return s.kind >= SSent::INIT; })},
         {"ends behind the signalling", "cannot-tell", "it ends too soon",

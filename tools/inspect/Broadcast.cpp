@@ -98,7 +98,7 @@ void CBroadcast::m_Listen(const TEndpoint& stream, CLlsFollower& follower)
     follower.SetServiceListener([this, stream](unsigned char groupId, const std::vector<SListedService>& services) {
         AnnounceServices(services, m_traffic);
         for (const auto& protocol : m_sessions) {
-            protocol->Announce({stream, groupId}, services);
+            protocol->Announce({stream, groupId}, services, m_source.time);
         }
         m_guide.Announce({stream, groupId}, services);
     });
@@ -237,7 +237,7 @@ void CBroadcast::m_Result(bool told)
     delivery.arrivals = m_arrivals.Result();
     const std::uint64_t before = summary.routeServices + summary.mmtpServices;
     for (const auto& protocol : m_sessions) {
-        protocol->Finish(name, reception, m_sessionsCaptured);
+        protocol->Finish(m_times, reception, m_sessionsCaptured, m_options.rules.longestInterval, delivery.awaited);
     }
     const std::uint64_t services = summary.routeServices + summary.mmtpServices - before;
     if (!m_sessionsCaptured && services != 0) {
