@@ -266,8 +266,8 @@ void CBroadcast::m_Result(bool told)
                               Counted(services, "service"),
                           {name, 0, {}}});
     }
-    m_guideSessions.Finish(name, reception.Whole());
-    m_guide.Finish(name, reception.Whole());
+    m_guideSessions.Finish(m_times, reception.Whole());
+    m_guide.Finish(name);
     m_Findings(reception);
     m_judge.Finish(m_times, captured, &delivery);
 }
