@@ -119,6 +119,20 @@ const std::vector<SBreach> k_signalling = {
          Unicast(b, "es-");
      },
      {}},
+    {"in a period to come", Edits({{"</Period>", "</Period><Period start='PT60S'>" + More("es")}}), {}},
+    {"in one that begins about now", Edits({{"</Period>", "</Period><Period start='PT12S'>" + More("es")}}), {}},
+    {"in one that is over",
+     All(Lasts(30),
+         Edits({{"<Period id='1'>", "<Period start='PT0S'>" + More("es") + "<Period id='1' start='PT15S'>"}})),
+     {}},
+    {"in that which is on air",
+     All(Lasts(30), Edits({{"<Period id='1'>", "<Period start='PT0S' duration='PT2S'/><Period id='1'>"},
+                           {"</Period></MPD>", More("es") + "</MPD>"}})),
+     {"representation-not-carried"}},
+    {"in one of two without a time", Edits({{"</Period>", "</Period><Period>" + More("es")}}), {}},
+    {"in both",
+     Edits({{"</Period></MPD>", More("es") + "<Period>" + More("es") + "</MPD>"}}),
+     {"representation-not-carried"}},
     {"not of this unicast",
      [](SBroadcast& b) {
          b.Edit("</Period>", More("es-$Number$.m4s"));
