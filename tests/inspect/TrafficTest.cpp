@@ -220,12 +220,32 @@ TEST(Traffic, Objects)
          "1 whole 1 again"},
         {"another object under the TOI", {{0, 1, 0, 5, 10}, {1, 1, 0, 5, 11}, {1, 1, 5, 11, 11}}, "1 whole 1 unknown"},
         {"another, shorter than what came", {{0, 1, 0, 9}, {1, 1, 0, 5, -1, true}}, "1 whole 1 unknown"},
+        {"another, of which some may have been taken for the one before",
+         {{0, 1, 0, 5}, {0, 1, 6, 10, -1, true}, {1, 1, 0, 5}, {1, 1, 5, 12, -1, true}},
+         "2 unknown"},
+        {"and nothing can have been",
+         {{0, 1, 0, 5, 10}, {0, 1, 6, 10, 10}, {1, 1, 5, 12, 12, true}},
+         "1 incomplete 5 missing 1 unknown"},
+        {"each packet twice",
+         {{0, 1, 0, 5},
+          {0, 1, 0, 5},
+          {0, 1, 5, 9, -1, true},
+          {0, 1, 5, 9, -1, true},
+          {1, 1, 0, 4},
+          {1, 1, 4, 12, -1, true}},
+         "1 whole"},
         {"under way when the capture begins", {{0, 1, 5, 10, 10, true}}, "1 cut"},
         {"the same behind another", {first, {1, 2, 5, 10, 10, true}}, "1 whole 1 incomplete 5 missing"},
         {"at this rate, it was under way", {first, {1, 2, 60, 80, 100}, {2, 2, 80, 100, 100, true}}, "1 whole 1 cut"},
         {"later, it was not",
          {first, {3, 2, 60, 80, 100}, {4, 2, 80, 100, 100, true}},
          "1 whole 1 incomplete 60 missing"},
+        {"its last packet, and others take as long",
+         {first, {3, 2, 80, 100, 100}, {4, 3, 0, 50, 99}, {7, 3, 50, 99, 99}},
+         "2 whole 1 cut"},
+        {"and others take less",
+         {first, {3, 2, 80, 100, 100}, {4, 3, 0, 50, 99}, {6, 3, 50, 99, 99}},
+         "2 whole 1 incomplete 80 missing"},
         {"when it ends", {first, {1, 2, 0, 5, 10}}, "1 whole 1 cut"},
         {"its last byte just came", {first, {1, 2, 6, 10, 10}}, "1 whole 1 cut"},
         {"and others since",
@@ -238,6 +258,12 @@ TEST(Traffic, Objects)
         {"and longer",
          {first, {1, 2, 0, 4, 10}, {3, 2, 4, 5, 10}, {11.1, 3, 0, 1, 1}},
          "2 whole 1 incomplete 5 missing"},
+        {"silent for as long as others have been",
+         {{0, 1, 0, 5, 10}, {2, 1, 5, 10, 10}, {3, 2, 0, 4, 10}, {3, 2, 4, 5, 10}, {11, 3, 0, 1, 1}},
+         "2 whole 1 cut"},
+        {"until they came again",
+         {{0, 1, 0, 5, 11}, {0, 1, 5, 10, 11}, {9, 1, 0, 5, 11}, {9, 2, 0, 4, 9}, {9, 2, 4, 5, 9}, {19, 3, 0, 1, 1}},
+         "1 whole 1 incomplete 4 missing 1 cut"},
         {"one packet alone", {first, {1, 2, 0, 4, 10}, {31, 3, 0, 1, 1}}, "2 whole 1 cut"},
         {"and half a minute", {first, {1, 2, 0, 4, 10}, {31.1, 3, 0, 1, 1}}, "2 whole 1 incomplete 6 missing"},
         {"without times, nothing is long", {{k_noTime, 1, 0, 5, 10}, {k_noTime, 2, 0, 1, 1}}, "1 whole 1 cut"},
@@ -259,7 +285,8 @@ TEST(Traffic, Objects)
         return toi.second == 2 ? std::optional<std::uint64_t>(10) : std::nullopt;
     };
     EXPECT_EQ(Show(Objects({{0, 2, 0, 10}, {0, 3, 0, 10}}, ten)), "1 whole 1 cut");
-    EXPECT_EQ(Show(Objects({{0, 2, 0, 11}, {0, 2, 11, 12, -1, true}}, ten)), "1 whole 1 unknown");
+    EXPECT_EQ(Show(Objects({{0, 2, 0, 11}, {0, 2, 11, 12, -1, true}}, ten)), "1 whole");
+    EXPECT_EQ(Show(Objects({{0, 2, 0, 8}, {0, 2, 9, 10}, {0, 2, 10, 12, -1, true}}, ten)), "1 incomplete 1 missing");
 }
 
 TEST(Traffic, ObjectsBeyondTheLimits)

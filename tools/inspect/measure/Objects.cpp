@@ -56,27 +56,43 @@ void CObjects::Take(const SLctPacket& packet, const SMoment& moment, const TLeng
         return;
     }
     SObject* object = known ? &m_open[m_last] : &m_Open(packet.toi, moment, length);
+    if (object->signalled && (end > *object->length || told.value_or(*object->length) != *object->length)) {
+        object->length.reset();  // the packets know it better
+        object->signalled = object->lastCame = false;
+    }
     const bool differs = object->length && told && *object->length != *told;
     if (differs || object->bytes.End() > told.value_or(object->bytes.End()) || end > object->length.value_or(end)) {
-        // The sender has another object under the TOI now.
-        m_counts.unknown += object->again ? 0 : 1;
-        ++m_counts.begun;
+        // The sender has another object under the TOI now. Where packets do not say the length, some of it may have
+        // been taken for the one before.
+        const bool again = object->again;
+        const bool mixed = object->unsaid && begin != 0;
+        m_counts.unknown += again ? 0 : 1;
+        m_counts.begun += again ? 0 : 1;
         m_kept.parts -= object->bytes.Parts();
         *object = {};
         m_Begin(*object, packet.toi, moment, {});
+        object->again = again;
+        object->mixed = mixed;
     }
     object->length = told ? told : object->length;
+    object->signalled = object->signalled && !told;
+    object->unsaid = object->unsaid || !packet.transferLength;
+    const bool wasDone = object->lastCame || object->closed;
     if (object->packets == 0) {
         object->firstOffset = begin;
         object->first = moment;
     } else if (moment.time && object->last.time) {
-        object->silence = std::max(object->silence, moment.at - object->last.at);
+        const std::int64_t silence = moment.at - object->last.at;
+        object->silence = std::max(object->silence, silence);
+        if (!wasDone && begin >= object->bytes.End() && object->first.time) {  // it goes on, and does not come again
+            m_silence = std::max(m_silence, silence);
+            m_longest = std::max(m_longest, moment.at - object->first.at);
+        }
     }
     object->last = moment;
     ++object->packets;
     object->used = m_packets;
     m_Add(*object, begin, end);
-    const bool wasDone = object->lastCame || object->closed;
     object->lastCame = object->lastCame || (object->length && end == *object->length);
     object->closed = object->closed || packet.closeObject;
     m_done += !wasDone && (object->lastCame || object->closed) ? 1 : 0;
@@ -122,6 +138,7 @@ void CObjects::m_Begin(SObject& object, const TToi& toi, const SMoment& moment, 
     object.first = moment;
     object.doneBefore = m_done;
     object.length = length ? length(toi) : std::nullopt;
+    object.signalled = object.length.has_value();
 }
 
 void CObjects::m_Add(SObject& object, std::uint64_t begin, std::uint64_t end)
@@ -162,7 +179,7 @@ void CObjects::m_Remove(std::size_t place)
 }
 
 /// Whether no more of the object is to be expected: its sender said so, or has sent its last byte and gone on, or has
-/// sent others since for longer than it ever let this one wait.
+/// sent others since for longer than it ever let an object of the session wait.
 bool CObjects::m_IsOver(const SObject& object, std::int64_t now) const
 {
     constexpr std::int64_t k_least = 2 * CCaptureClock::k_second;
@@ -170,11 +187,13 @@ bool CObjects::m_IsOver(const SObject& object, std::int64_t now) const
     const bool others = m_done > object.doneSince;
     const std::int64_t silence = object.last.time ? now - object.last.at : 0;
     return object.closed || (object.lastCame && (others || silence > CCaptureClock::k_second)) ||
-           (others && silence > std::max(4 * object.silence, object.packets > 1 ? k_least : k_leastOfOne));
+           (others &&
+            silence > std::max(4 * std::max(object.silence, m_silence), object.packets > 1 ? k_least : k_leastOfOne));
 }
 
-/// Whether the object was under way before the first packet of its session: its begin is missing, and came before, at
-/// the rate at which the rest came, or nothing of the session had been sent to its end.
+/// Whether the object was under way before the first packet of its session, or may have been: its begin is missing, and
+/// came before, at the rate at which the rest came; or objects of the session take as long; or nothing of the session
+/// had been sent to its end.
 bool CObjects::m_BeganBefore(const SObject& object) const
 {
     if (object.bytes.Begin() == 0) {
@@ -186,9 +205,13 @@ bool CObjects::m_BeganBefore(const SObject& object) const
     if (!object.first.time || !object.last.time || !m_begun) {
         return false;
     }
+    const std::int64_t behind = object.first.at - *m_begun;
+    if (behind <= m_longest + m_longest / 4) {
+        return true;
+    }
     const auto came = static_cast<double>(object.bytes.End() - std::min(object.firstOffset, object.bytes.End() - 1));
     const auto lasted = static_cast<double>(object.last.at - object.first.at);
-    return static_cast<double>(object.first.at - *m_begun) <= lasted * static_cast<double>(object.firstOffset) / came;
+    return static_cast<double>(behind) <= lasted * static_cast<double>(object.firstOffset) / came;
 }
 
 /// Counts an object of which bytes may be missing, at the capture's end or when it has to go.
@@ -197,7 +220,7 @@ void CObjects::m_Judge(const SObject& object, std::int64_t now, bool atEnd, SObj
     if (object.again) {
         return;  // it was counted when it was whole
     }
-    if (object.lost) {
+    if (object.lost || object.mixed) {
         ++counts.unknown;
         return;
     }

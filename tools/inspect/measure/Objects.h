@@ -58,10 +58,13 @@ class CObjects {
         std::uint64_t doneBefore = 0;  ///< objects of the session that were sent to their end before its first packet
         std::uint64_t doneSince = 0;   ///< and until its last one
         std::uint64_t used = 0;
-        bool again = false;     ///< it was whole before
-        bool lastCame = false;  ///< its last byte came
-        bool closed = false;    ///< the sender says that no more comes
-        bool lost = false;      ///< of too many pieces: nothing can be said
+        bool again = false;      ///< it was whole before
+        bool signalled = false;  ///< its length is signalling's
+        bool unsaid = false;     ///< a packet came that does not say its length
+        bool mixed = false;      ///< bytes of it may be gone with another of its TOI
+        bool lastCame = false;   ///< its last byte came
+        bool closed = false;     ///< the sender says that no more comes
+        bool lost = false;       ///< of too many pieces: nothing can be said
     };
 
     bool m_Find(const TToi& toi);
@@ -82,6 +85,8 @@ class CObjects {
     std::optional<std::int64_t> m_begun;
     std::uint64_t m_packets = 0;
     std::uint64_t m_done = 0;
+    std::int64_t m_silence = 0;  ///< the longest between two packets of an object
+    std::int64_t m_longest = 0;  ///< that an object took, as far as it was seen
     SObjectsDelivery m_counts;
 };
 
