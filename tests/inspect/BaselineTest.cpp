@@ -27,11 +27,19 @@ bool NoAudio(const SSent& sent)
 TEST(Baseline, TellsWhatDiffersAndWhatIsWorse)
 {
     const auto silent = [](SSent& sent) { return NoAudio(sent); };
+    // Subtitles that never come, and another component that does not either.
+    const auto subtitled = [](unsigned missing) {
+        return [missing](SBroadcast& b) {
+            b.stsid = With(b.stsid, "</RS>", SBroadcast::Lct(30, "s", "subtitles", "", 5) + "</RS>");
+            b.change = [missing](SSent& sent) { return sent.lct.tsi == 0 || sent.lct.tsi != missing; };
+        };
+    };
     const struct {
         const char* what;
         std::function<void(SBroadcast&)> before, now;
         std::vector<std::string> told;  ///< "what", and "worse" where it is
         const char* options = "";
+        const char* optionsBefore = "";
     } cases[] = {
         {"nothing", [](SBroadcast&) {}, [](SBroadcast&) {}, {}},
         {"longer", [](SBroadcast&) {}, [](SBroadcast& b) { b.rounds = 20; }, {}},
@@ -65,13 +73,28 @@ TEST(Baseline, TellsWhatDiffersAndWhatIsWorse)
          [](SBroadcast& b) { b.services = With(b.services, "NEWS", "TOOLONGNAME"); },
          {"service-changed", "verdict worse", "finding-new worse"},
          "--fail-on warning"},
+        {"quietly", [](SBroadcast&) {}, [](SBroadcast&) {}, {}, "-q"},
+        {"no sound now, quietly",
+         [](SBroadcast&) {},
+         [=](SBroadcast& b) { b.change = silent; },
+         {"verdict worse", "finding-new worse"},
+         "-q"},
+        {"no subtitles", subtitled(0), subtitled(0), {}},
+        {"no sound besides", subtitled(0), subtitled(20), {"verdict worse"}},
+        {"one service", [](SBroadcast&) {}, [](SBroadcast&) {}, {}, "--service NEWS", "--service NEWS"},
+        {"another one is gone",
+         [](SBroadcast&) {},
+         [](SBroadcast& b) { b.services = SBroadcast().services; },
+         {},
+         "--service NEWS",
+         "--service NEWS"},
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.what);
         SBroadcast before = Sound(), now = Sound();
         test.before(before);
         test.now(now);
-        const CTemporary report(Inspect("--json -", before.Bytes()).out);
+        const CTemporary report(Inspect("--json " + std::string(test.optionsBefore) + " -", before.Bytes()).out);
         const std::string options = std::string(test.options) + " --baseline '" + report.Name() + "' -";
         const SResult result = Inspect("--json " + options, now.Bytes());
         std::vector<std::string> told;
@@ -119,7 +142,9 @@ TEST(Baseline, AReportThatIsNoneOrCut)
     for (const std::string& bytes :
          {std::string(), std::string("\n"), whole.substr(0, whole.size() - 10), whole.substr(0, whole.find('\n') + 1),
           other, std::string("{\"schema_version\":3,\"type\":\"service\",\"serviceId\":\"x\"}\n") + whole,
-          whole + "{\"schema_version\":3,\"type\":\"summary\",\"leftOut\":{\"service\":1}}\n", std::string("[]\n")}) {
+          whole + "{\"schema_version\":3,\"type\":\"summary\",\"leftOut\":{\"service\":1}}\n", std::string("[]\n"),
+          Inspect("--json -q pcap/gpac-a6-protected.pcap").out,
+          Inspect("--json --table SLT pcap/gpac-a6-protected.pcap").out}) {
         const CTemporary report(bytes);
         const SResult result = Inspect("--baseline '" + report.Name() + "' pcap/gpac-a6-protected.pcap");
         EXPECT_EQ(result.status, 2) << bytes.substr(0, 100);
@@ -129,5 +154,6 @@ TEST(Baseline, AReportThatIsNoneOrCut)
     EXPECT_EQ(Inspect("--baseline /nowhere pcap/gpac-a6-protected.pcap").status, 2);
     const CTemporary report(whole);
     EXPECT_EQ(Inspect("--every 1 --baseline '" + report.Name() + "' pcap/gpac-a6-protected.pcap").status, 2);
+    EXPECT_EQ(Inspect("--service 1 --baseline '" + report.Name() + "' pcap/gpac-a6-protected.pcap").status, 2);
     EXPECT_EQ(Inspect("--baseline '" + report.Name() + "' pcap/gpac-a6-protected.pcap").status, 0);
 }

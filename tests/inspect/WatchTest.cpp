@@ -149,6 +149,39 @@ TEST(Watch, WhatIsFoundSinceAndWhatHoldsNoMore)
     EXPECT_EQ(Inspect("-q --every 10 -", broadcast.Bytes()).out.find("report 1"), std::string::npos);
 }
 
+/// What goes on with other numbers is neither begun nor over; the same of something else is begun.
+TEST(Watch, NumbersThatChangeAreNoNews)
+{
+    SBroadcast broadcast;
+    broadcast.rounds = 151;
+    broadcast.change = [](SSent& sent) {
+        const bool cut = sent.kind == SSent::MEDIA && sent.lct.start != 0;
+        return !cut || sent.round % 5 == 3 || (sent.lct.tsi == 20 && sent.round < 60);
+    };
+    const std::string bytes = broadcast.Bytes();
+    const std::vector<nlohmann::json> interims = Interims(Inspect("--json --every 30 -", bytes).out);
+    ASSERT_EQ(interims.size(), 5u);
+    std::string messages;
+    for (const nlohmann::json& interim : interims) {
+        for (const char* list : {"begun", "over"}) {
+            for (const nlohmann::json& finding : interim[list]) {
+                const std::string message = finding["message"];
+                messages += finding["rule"] == "many-objects-incomplete"
+                                ? std::to_string(interim["number"].get<int>()) + ' ' + list + ' ' +
+                                      message.substr(0, message.find(" of")) + '\n'
+                                : "";
+            }
+        }
+    }
+    EXPECT_EQ(messages, "2 begun TSI 10\n4 begun TSI 20\n");
+    EXPECT_NE(
+        Inspect("--every 30 -", bytes)
+            .out.find("  service 1 \"NEWS\"  does not play: 24 of 37 pieces of its video arrive broken; before: "
+                      "plays\n"),
+        std::string::npos);
+    EXPECT_EQ(interims[1]["verdictsChanged"][0]["causeNow"], "24 of 37 pieces of its video arrive broken");
+}
+
 /// The page is replaced as a whole while the input goes on, and loads itself again until the end.
 TEST(Watch, ThePageOfAnInputThatGoesOn)
 {

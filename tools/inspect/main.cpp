@@ -104,7 +104,7 @@ int Inspect(int argc, char** argv)
     CJsonReport json(output, options.full);
     std::optional<CBaselineReport> compared;
     if (!options.baseline.empty()) {
-        compared.emplace(output, options.baseline, options.json, options.failOn);
+        compared.emplace(output, options.baseline, options.json, options.failOn, options.choices.Options());
     }
     IReportWriter& writer = compared       ? static_cast<IReportWriter&>(*compared)
                             : options.json ? static_cast<IReportWriter&>(json)
@@ -119,7 +119,8 @@ int Inspect(int argc, char** argv)
     if (measured) {
         others.push_back(&metrics);
     }
-    CReport report(writer, options.quiet, others, options.severities);
+    // What is compared is everything, however little of it is told.
+    CReport report(writer, options.quiet && !compared, others, options.severities);
     report.SetChoice(options.choices);
     report.SetListener([&] {
         pageFile.Write(page.Page());

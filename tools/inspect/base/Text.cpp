@@ -276,6 +276,19 @@ std::string Clipped(const std::string& text, std::size_t bytes)
     return end < text.size() ? text.substr(0, end) + "\u2026" : text;
 }
 
+std::string WithoutNumbers(const std::string& text)
+{
+    const auto digit = [&text](std::size_t at) { return at < text.size() && text[at] >= '0' && text[at] <= '9'; };
+    std::string without;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        without += digit(i) ? '#' : text[i];
+        while (digit(i) && (digit(i + 1) || (i + 2 < text.size() && text[i + 1] == '.' && digit(i + 2)))) {
+            i += digit(i + 1) ? 1 : 2;
+        }
+    }
+    return without;
+}
+
 std::string MoreText(const char* indent, std::uint64_t count, std::uint64_t shown)
 {
     return count > shown ? indent + ("and " + std::to_string(count - shown)) + " more\n" : std::string();

@@ -45,6 +45,8 @@ std::string Short(const std::string& text);
 std::size_t ClippedSize(const std::string& text, std::size_t bytes);
 /// The text, or its first bytes with "…" behind them.
 std::string Clipped(const std::string& text, std::size_t bytes);
+/// The text with '#' for each of its numbers, decimals included: of what goes on, they change.
+std::string WithoutNumbers(const std::string& text);
 /// A line that tells that of `count` only `shown` are there; nothing when all are.
 std::string MoreText(const char* indent, std::uint64_t count, std::uint64_t shown);
 /// The text, or those of its lines that fit into as many bytes, and a line that tells how many more there are; nothing

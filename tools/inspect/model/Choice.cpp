@@ -119,6 +119,22 @@ std::optional<unsigned> FindTable(const std::string& text)
     return names == 1 ? found : std::nullopt;
 }
 
+std::vector<std::string> SChoices::Options() const
+{
+    const std::set<std::string> sorted(services.begin(), services.end());
+    std::vector<std::string> options;
+    for (const std::string& given : sorted) {
+        options.push_back("--service " + given);
+    }
+    for (const auto& [id, given] : tables) {
+        options.push_back("--table " + given);
+    }
+    for (const std::string& session : sessions) {
+        options.push_back("--session " + session);
+    }
+    return options;
+}
+
 CChoice::CChoice(SChoices choices)
     : m_choices(std::move(choices)),
       m_all(m_choices.services.empty() && m_choices.tables.empty() && m_choices.sessions.empty())
@@ -327,21 +343,8 @@ bool CChoice::Takes(const SFinding& finding) const
 
 std::vector<std::string> CChoice::Unmatched() const
 {
-    std::vector<std::string> unmatched;
-    const auto look = [&](const std::string& choice) {
-        if (m_matched.count(choice) == 0) {
-            unmatched.push_back(choice);
-        }
-    };
-    for (const std::string& given : m_choices.services) {
-        look("--service " + given);
-    }
-    for (const auto& [id, given] : m_choices.tables) {
-        look("--table " + given);
-    }
-    for (const std::string& session : m_choices.sessions) {
-        look("--session " + session);
-    }
+    std::vector<std::string> unmatched = m_choices.Options();
+    Keep(unmatched, [this](const std::string& choice) { return m_matched.count(choice) == 0; });
     return unmatched;
 }
 

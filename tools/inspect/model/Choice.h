@@ -29,6 +29,9 @@ struct SChoices {
     std::vector<std::string> services;       ///< number of a service, "7.1" or "7-1", or name
     std::map<unsigned, std::string> tables;  ///< LLS_table_id, and what was given for it
     std::set<std::string> sessions;          ///< "239.255.7.1:30100"
+
+    /// All of them as options, "--service NEWS", in an order that does not depend on how they were given.
+    std::vector<std::string> Options() const;
 };
 
 /// The id of an LLS table, given as a number or by its name in the JSON report, or a part of it that no other has:

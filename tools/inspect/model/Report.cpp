@@ -16,19 +16,6 @@ namespace vyr::inspect {
 
 namespace {
 
-/// The message without its numbers: of what goes on, they change.
-std::string WithoutNumbers(const std::string& message)
-{
-    std::string text;
-    for (const char c : message) {
-        const bool digit = c >= '0' && c <= '9';
-        if (!digit || text.empty() || text.back() != '#') {
-            text += digit ? '#' : c;
-        }
-    }
-    return text;
-}
-
 /// What is of `now` and not of `before`. What says the same, whatever its numbers, is the same, as often as it is said.
 std::vector<SFinding> New(const std::vector<SFinding>& now, const std::vector<SFinding>& before)
 {

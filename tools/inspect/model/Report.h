@@ -31,7 +31,11 @@ class CReport {
     void AddChosenWitness(IWitness& witness) { m_chosenWitnesses.push_back(&witness); }
     void RemoveWitness(IWitness& witness);
     /// What is told from now on: writers, counts and those who hear of what is chosen alone know of nothing else.
-    void SetChoice(const SChoices& choices) { m_choice.emplace(choices); }
+    void SetChoice(const SChoices& choices)
+    {
+        m_choice.emplace(choices);
+        m_summary.chosen = choices.Options();
+    }
     const CChoice& Choice() const { return *m_choice; }
     /// Another input begins.
     void Begin()

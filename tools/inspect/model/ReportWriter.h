@@ -22,6 +22,7 @@ struct SInterim;
 
 /// What a run found, by the names of the JSON report.
 struct SSummary {
+    std::vector<std::string> chosen;  ///< by which options what is told was chosen; none: it is everything
     std::uint64_t inputs = 0;
     std::uint64_t captures = 0;
     std::uint64_t interfaces = 0;  ///< that were read live

@@ -1,5 +1,6 @@
 #include "report/BaselineReport.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -8,6 +9,7 @@
 #include "base/Text.h"
 #include "report/Changes.h"
 #include "report/JsonReport.h"
+#include "report/VerdictText.h"
 
 namespace vyr::inspect {
 
@@ -69,6 +71,37 @@ void Hold(SReportState& state, const std::string& list, TJson entry)
     service.entry = std::move(entry);
 }
 
+/// A judgement of a verdict's record.
+SJudgement Judgement(const TJson& record)
+{
+    SJudgement judgement = {EVerdict::CANNOT_TELL, Get(record, "cause", std::string()),
+                            Get(record, "rule", std::string())};
+    for (const EVerdict verdict : k_verdicts) {
+        if (Get(record, "verdict", std::string()) == VerdictName(verdict)) {
+            judgement.verdict = verdict;
+        }
+    }
+    return judgement;
+}
+
+/// A summary counts what was left out, too.
+void CheckWhole(const SReportState& state, const TJson& summary)
+{
+    const TJson leftOut = Get(summary, "leftOut", TJson(TJson::object()));
+    for (const auto& [kind, count] : leftOut.items()) {
+        if (kind == "table" || kind == "service" || kind == "verdict" || kind == "finding") {
+            throw std::runtime_error("left out records of the kind " + kind +
+                                     ": it cannot be compared with; make it with --no-limit");
+        }
+    }
+    const bool noted = std::any_of(state.findings.begin(), state.findings.end(),
+                                   [](const auto& each) { return each.second.severity == ESeverity::NOTE; });
+    if ((!state.tables && !Get(summary, "tables", TJson(TJson::array())).empty()) ||
+        (!noted && Get(summary, "notes", std::uint64_t{0}) != 0)) {
+        throw std::runtime_error("has errors and warnings alone: it cannot be compared with; make it without -q");
+    }
+}
+
 /// Takes one record of a report.
 void Take(SReportState& state, const TJson& record)
 {
@@ -77,6 +110,7 @@ void Take(SReportState& state, const TJson& record)
     if (Get(record, "schema_version", 0) != k_schemaVersion) {
         throw std::runtime_error("is no report of version " + std::to_string(k_schemaVersion));
     }
+    state.tables = state.tables || type == "table";
     if (type == "table" && Get(record, "LLS_table_id", 0u) == k_sltId && record.contains("services")) {
         state.whole[list] = !record.contains("leftOut");
         if (!record.contains("servicesUnchanged")) {
@@ -88,14 +122,10 @@ void Take(SReportState& state, const TJson& record)
     } else if (type == "service") {
         Hold(state, list, Entry(record));
     } else if (type == "verdict") {
-        SReportState::SService& service =
-            state.services[{Get(record, "serviceList", std::string()), Get(record, "service", 0u)}];
-        for (const EVerdict verdict : k_verdicts) {
-            if (Get(record, "verdict", std::string()) == VerdictName(verdict)) {
-                service.verdict = static_cast<int>(verdict);
-            }
-        }
-        service.verdictText = Get(record, "text", std::string());
+        SVerdict& verdict =
+            state.services[{Get(record, "serviceList", std::string()), Get(record, "service", 0u)}].verdict.emplace();
+        verdict.judgement = Judgement(record);
+        verdict.withoutBroadband = Judgement(Get(record, "withoutBroadband", record));
     } else if (type == "finding") {
         SReportState::SFindings& findings =
             state.findings[{Get(record, "rule", std::string()), Get(record, "service", k_noService),
@@ -104,13 +134,8 @@ void Take(SReportState& state, const TJson& record)
         findings.message = findings.count == 0 ? Get(record, "message", std::string()) : findings.message;
         findings.count += Get(record, "count", std::uint64_t{1});
     } else if (type == "summary") {
-        const TJson leftOut = Get(record, "leftOut", TJson(TJson::object()));
-        for (const auto& [kind, count] : leftOut.items()) {
-            if (kind == "table" || kind == "service" || kind == "verdict" || kind == "finding") {
-                throw std::runtime_error("left out records of the kind " + kind +
-                                         ": it cannot be compared with; make it with --no-limit");
-            }
-        }
+        CheckWhole(state, record);
+        state.chosen = Get(record, "chosen", std::set<std::string>());
     }
 }
 
@@ -139,18 +164,48 @@ SReportState ReadState(const std::string& name)
 }
 
 /// How bad it is; what cannot be told is no judgement.
-int Weight(int verdict)
+int Weight(EVerdict verdict)
 {
-    return verdict == static_cast<int>(EVerdict::CANNOT_TELL) ? -1 : verdict;
+    return verdict == EVerdict::CANNOT_TELL ? -1 : static_cast<int>(verdict);
+}
+
+/// Of what goes on, the words change, but not the rule; where there is none, the numbers.
+bool SameCause(const SJudgement& one, const SJudgement& other)
+{
+    return one.rule.empty() && other.rule.empty() ? WithoutNumbers(one.cause) == WithoutNumbers(other.cause)
+                                                  : one.rule == other.rule;
+}
+
+bool Same(const SJudgement& one, const SJudgement& other)
+{
+    return one.verdict == other.verdict && SameCause(one, other);
+}
+
+/// A service that plays with another fault than before is worse: what it had may be there still, below the new one.
+bool IsWorse(const SJudgement& now, const SJudgement& before)
+{
+    return now.verdict == before.verdict ? now.verdict == EVerdict::PLAYS_BUT && !SameCause(now, before)
+                                         : Weight(now.verdict) > 0 && Weight(now.verdict) > Weight(before.verdict);
+}
+
+std::string Choices(const std::set<std::string>& chosen)
+{
+    return chosen.empty() ? "no choice" : Printable(Joined({chosen.begin(), chosen.end()}));
 }
 
 }  // namespace
 
-CBaselineReport::CBaselineReport(COutput& output, const std::string& baseline, bool json, ESeverity failOn)
+CBaselineReport::CBaselineReport(COutput& output, const std::string& baseline, bool json, ESeverity failOn,
+                                 const std::vector<std::string>& chosen)
     : m_output(output), m_baseline(baseline), m_json(json), m_failOn(failOn)
 {
     try {
         m_before = ReadState(baseline);
+        const std::set<std::string> now(chosen.begin(), chosen.end());
+        if (m_before.chosen != now) {
+            throw std::runtime_error("was made with " + Choices(m_before.chosen) +
+                                     ": it cannot be compared with what is told with " + Choices(now));
+        }
     } catch (const std::runtime_error& error) {
         throw std::runtime_error(Printable(baseline) + ' ' + error.what());
     }
@@ -200,16 +255,18 @@ void CBaselineReport::m_Tell(const char* what, bool worse, const std::string& te
 void CBaselineReport::m_Verdict(const SReportState::TService& key, const SReportState::SService& before,
                                 const SReportState::SService& now)
 {
-    if (before.verdict == now.verdict || before.verdict < 0 || now.verdict < 0) {
+    if (!before.verdict || !now.verdict) {
         return;
     }
-    const bool worse = Weight(now.verdict) > 0 && Weight(now.verdict) > Weight(before.verdict);
-    m_Tell("verdict", worse,
-           now.title + " " + Printable(now.verdictText) + "; before, it " + Printable(before.verdictText),
-           {{"serviceList", key.first},
-            {"service", key.second},
-            {"before", VerdictName(k_verdicts[before.verdict])},
-            {"now", VerdictName(k_verdicts[now.verdict])}});
+    const SVerdict &old = *before.verdict, &verdict = *now.verdict;
+    if (Same(old.judgement, verdict.judgement) && Same(old.withoutBroadband, verdict.withoutBroadband)) {
+        return;
+    }
+    TJson fields = {{"serviceList", key.first}, {"service", key.second}};
+    PutChange(fields, old.judgement, verdict.judgement);
+    m_Tell("verdict",
+           IsWorse(verdict.judgement, old.judgement) || IsWorse(verdict.withoutBroadband, old.withoutBroadband),
+           now.title + " " + VerdictText(verdict) + "; before: " + VerdictText(old), std::move(fields));
 }
 
 void CBaselineReport::m_Services()

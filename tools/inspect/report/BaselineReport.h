@@ -3,9 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 #include "base/Json.h"
 #include "model/Items.h"
@@ -21,8 +24,7 @@ struct SReportState {
     struct SService {
         TJson entry;  ///< its fields in the list; null: its list does not have it
         std::string title;
-        int verdict = -1;  ///< EVerdict; -1: none was given
-        std::string verdictText;
+        std::optional<SVerdict> verdict;  ///< its judgements alone; none was given
     };
     struct SFindings {
         ESeverity severity = ESeverity::NOTE;
@@ -35,15 +37,19 @@ struct SReportState {
     std::map<TService, SService> services;
     std::map<TPlace, SFindings> findings;
     std::map<std::string, bool> whole;  ///< by service list: it was told of without leaving any service out
+    std::set<std::string> chosen;       ///< the options that chose what it tells of
+    bool tables = false;                ///< any was told of
 };
 
 /// In place of a report, what is different from an earlier one: services that are gone, new or changed, verdicts, and
 /// rules that are broken now.
 class CBaselineReport : public IReportWriter {
   public:
-    /// Reads the earlier report, in JSON Lines. Throws std::runtime_error where it is none, or is cut. From `failOn`
-    /// on, a rule that was not broken is worse. The output outlives this.
-    CBaselineReport(COutput& output, const std::string& baseline, bool json, ESeverity failOn);
+    /// Reads the earlier report, in JSON Lines. Throws std::runtime_error where it is none, is cut, or is of other
+    /// choices than `chosen`, by which this run tells. From `failOn` on, a rule that was not broken is worse. The
+    /// output outlives this.
+    CBaselineReport(COutput& output, const std::string& baseline, bool json, ESeverity failOn,
+                    const std::vector<std::string>& chosen);
 
     void Table(const STable& table) override;
     void Signalling(const SSignalling&) override {}

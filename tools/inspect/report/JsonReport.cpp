@@ -177,6 +177,14 @@ TJson VerdictJson(const SSource& source, const SVerdict& verdict)
     return json;
 }
 
+void PutChange(TJson& json, const SJudgement& before, const SJudgement& now)
+{
+    json["before"] = VerdictName(before.verdict);
+    PutText(json, "causeBefore", before.cause);
+    json["now"] = VerdictName(now.verdict);
+    PutText(json, "causeNow", now.cause);
+}
+
 TJson FindingJson(const SFinding& finding)
 {
     TJson json = Object("finding");
@@ -692,11 +700,9 @@ void CJsonReport::Interim(const SInterim& interim, const SSummary& summary)
     put("begun", "begunLeftOut", interim.begun);
     put("over", "overLeftOut", interim.over);
     for (const SVerdictChange& change : interim.verdicts) {
-        Append(json, "verdictsChanged",
-               {{"serviceList", change.now.serviceList},
-                {"service", change.now.serviceId},
-                {"before", VerdictName(change.before.verdict)},
-                {"now", VerdictName(change.now.judgement.verdict)}});
+        TJson entry = {{"serviceList", change.now.serviceList}, {"service", change.now.serviceId}};
+        PutChange(entry, change.before, change.now.judgement);
+        Append(json, "verdictsChanged", std::move(entry));
     }
     json["verdicts"] = std::move(*m_interim);
     m_interim.reset();
@@ -707,6 +713,7 @@ void CJsonReport::Interim(const SInterim& interim, const SSummary& summary)
 void CJsonReport::Summary(const SSummary& summary)
 {
     TJson json = Object("summary");
+    PutList(json, "chosen", summary.chosen);
     summary.Each(SPutCount{json});
     PutList(json, "leftOut", m_output.LeftOut());
     m_output.Always(JsonLine(json));

@@ -19,6 +19,8 @@ constexpr int k_schemaVersion = 3;
 TJson TableJson(const STable& table);
 TJson ServiceJson(const SSltService& service);
 TJson VerdictJson(const SSource& source, const SVerdict& verdict);
+/// What the verdict was and is, and why.
+void PutChange(TJson& json, const SJudgement& before, const SJudgement& now);
 TJson FindingJson(const SFinding& finding);
 /// What is compared with the last table of the kind: its content, or the service list with its services. Null: it did
 /// not parse, or its list is cut.

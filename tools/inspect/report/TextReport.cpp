@@ -632,8 +632,8 @@ void CTextReport::Interim(const SInterim& interim, const SSummary& summary)
     list("holds no more", interim.over);
     std::vector<TRow> changed;
     for (const SVerdictChange& change : interim.verdicts) {
-        changed.push_back({VerdictName(change.before.verdict), "->", VerdictName(change.now.judgement.verdict),
-                           "service " + std::to_string(change.now.serviceId) + ' ' + Quoted(change.now.name)});
+        changed.push_back({"service " + std::to_string(change.now.serviceId) + ' ' + Quoted(change.now.name),
+                           JudgementText(change.now.judgement) + "; before: " + JudgementText(change.before)});
     }
     text += changed.empty() ? std::string() : "  another verdict\n" + FirstLines(Aligned(changed), Limit(k_most));
     m_output.Always(text + m_SummaryText(summary));

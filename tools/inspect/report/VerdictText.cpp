@@ -2,13 +2,18 @@
 
 namespace vyr::inspect {
 
-std::string VerdictText(const SVerdict& verdict)
+std::string JudgementText(const SJudgement& judgement)
 {
     constexpr std::size_t k_longest = 400;
-    const std::string text = Printable(Clipped(verdict.judgement.Text(), k_longest));
+    return Printable(Clipped(judgement.Text(), k_longest));
+}
+
+std::string VerdictText(const SVerdict& verdict)
+{
+    const std::string text = JudgementText(verdict.judgement);
     return verdict.withoutBroadband == verdict.judgement
                ? text
-               : text + "; without broadband " + Printable(Clipped(verdict.withoutBroadband.Text(), k_longest));
+               : text + "; without broadband " + JudgementText(verdict.withoutBroadband);
 }
 
 std::vector<TRow> VerdictRows(const SVerdicts& verdicts)

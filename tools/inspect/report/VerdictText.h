@@ -8,6 +8,8 @@
 
 namespace vyr::inspect {
 
+/// "plays, but there is no sound", printable and clipped.
+std::string JudgementText(const SJudgement& judgement);
 /// "plays; without broadband does not play: it needs the internet".
 std::string VerdictText(const SVerdict& verdict);
 /// Id, channel, name, and verdict of each service, below their titles.
