@@ -77,6 +77,9 @@ void Take(SReportState& state, const TJson& record)
     if (Get(record, "schema_version", 0) != k_schemaVersion) {
         throw std::runtime_error("is no report of version " + std::to_string(k_schemaVersion));
     }
+    for (const unsigned group : Get(record, "groupsGone", std::vector<unsigned>())) {
+        Forget(state, ServiceListName(Get(record, "stream", std::string()), group));
+    }
     if (type == "table" && Get(record, "LLS_table_id", 0u) == k_sltId && record.contains("services")) {
         state.whole[list] = !record.contains("leftOut");
         if (!record.contains("servicesUnchanged")) {
@@ -158,6 +161,9 @@ CBaselineReport::CBaselineReport(COutput& output, const std::string& baseline, b
 
 void CBaselineReport::Table(const STable& table)
 {
+    for (const unsigned group : table.groupsGone) {
+        Forget(m_now, ServiceListName(table.stream, group));
+    }
     if (!table.slt || table.status == EStatus::REPEATED) {
         return;
     }
