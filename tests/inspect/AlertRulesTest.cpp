@@ -49,6 +49,7 @@ TEST(AlertRules, EachIsBrokenAlone)
         {"alert-expired", Alert(alert)},
         {"alert-expired", Alert(alert, "2027-01-15T10:00:00.9+02:00")},
         {"", Alert(alert, "2027-01-15T08:00:01Z")},
+        {"", Alert(alert), SAlertCase().service, {}, Alert(alert, "2027-01-15T09:00:00Z")},
         {"", Alert(alert, "2027-01-15T08:00:00")},
         {"", Alert(alert, "2027-01-15T03:00:01-05:00")},
         {"", Alert("aeaId='a' aeaType='cancel'")},

@@ -21,6 +21,30 @@ bool NoAudio(const SPart& part)
     return !IsAudio(part);
 }
 
+/// Between these seconds, the list has no service.
+std::function<void(SBroadcast&)> SignsOff(unsigned from, unsigned to)
+{
+    return [=](SBroadcast& broadcast) {
+        const std::string services = broadcast.services;
+        broadcast.change = [=](unsigned second, SBroadcast& now) {
+            now.services = second < from || second >= to ? services : "";
+            now.listVersion = second < from ? 1 : second < to ? 2 : 3;
+        };
+    };
+}
+
+/// Replaces texts of the documents from a second on.
+std::function<void(SBroadcast&)> From(unsigned from, const std::vector<std::pair<std::string, std::string>>& edits)
+{
+    return [=](SBroadcast& broadcast) {
+        broadcast.change = [=](unsigned second, SBroadcast& now) {
+            for (std::size_t i = 0; second == from && i < edits.size(); ++i) {
+                now.Edit(edits[i].first, edits[i].second);
+            }
+        };
+    };
+}
+
 /// Sends an object of TSI 30 in every second.
 void SendMore(unsigned second, CCapture& capture)
 {
@@ -85,6 +109,13 @@ const std::vector<SBreach> k_delivery = {
     {"files that do not come", Edits({{"</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>"}}), {"files-not-sent"}},
     {"files that do", All(Edits({{"</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>"}}), More(SendMore)), {}},
     {"a TSI that nothing announces", More(SendMore), {"session-not-announced"}},
+    {"one that has just begun",
+     More([](unsigned second, CCapture& capture) {
+         if (second >= 7) {
+             SendMore(second, capture);
+         }
+     }),
+     {}},
     {"that the S-TSID before announced",
      [](SBroadcast& b) {
          b.Edit("</RS>", "<LS tsi='30'><SrcFlow rt='false'/></LS></RS>");
@@ -112,6 +143,10 @@ const std::vector<SBreach> k_delivery = {
     {"more than it has announced", Edits({{"bw='10'", "bw='7'"}}), {"rate-above-bandwidth"}},
     {"within the margin", Edits({{"bw='10'", "bw='8'"}}), {}},
     {"no bandwidth announced", Edits({{"bw='10'", ""}}), {}},
+    {"a bandwidth that has just been announced", From(8, {{"bw='10'", "bw='7'"}}), {}},
+    {"one that was announced a while ago",
+     All(From(3, {{"bw='10'", "bw='7'"}}), Lasts(12)),
+     {"rate-above-bandwidth"}},
     {"past its end",
      Edits({{"<LS tsi='10'", "<LS endTime='2027-01-15T07:59:50Z' tsi='10'"}}),
      {"session-outside-time"}},
@@ -119,10 +154,21 @@ const std::vector<SBreach> k_delivery = {
     {"before its begin",
      Edits({{"<LS tsi='10'", "<LS startTime='2027-01-15T08:01:00Z' tsi='10'"}}),
      {"session-outside-time"}},
+    {"until its end, when it was announced anew",
+     All(Lasts(30), Edits({{"<LS tsi='10'", "<LS endTime='2027-01-15T08:00:10Z' tsi='10'"}}),
+         From(9, {{"endTime='2027-01-15T08:00:10Z'", "startTime='2027-01-15T08:00:11Z'"}})),
+     {}},
+    {"past its end, and something else was announced anew",
+     All(Lasts(30), Edits({{"<LS tsi='10'", "<LS endTime='2027-01-15T08:00:10Z' tsi='10'"}}),
+         From(9, {{"bw='10'", "bw='11'"}})),
+     {"session-outside-time"}},
     {"not sent before its begin",
      All(Edits({{"<LS tsi='20'", "<LS startTime='2027-01-15T08:01:00Z' tsi='20'"}}), Keep(NoAudio)),
      {}},
     {"an EFDT of yesterday", Edits({{"4294944000", "4008902400"}}), {"efdt-expired"}},
+    {"one from whose day on each file has a time of its own",
+     Edits({{"4294944000'", "4008902400' maxExpiresDelta='60'"}}),
+     {}},
     {"one of today", Edits({{"4294944000", "4008988805"}}), {}},
     {"one that never expires", Edits({{"4294944000", "4294967295"}}), {}},
     {"no initialization", Keep([](const SPart& part) { return !IsInitialization(part); }), {"no-initialization"}},
@@ -152,9 +198,20 @@ const std::vector<SBreach> k_delivery = {
      {"signalling-interval"}},
     {"for 5 s", Keep([](const SPart& part) { return part.tsi != 0 || part.second < 2 || part.second > 5; }), {}},
     {"at the end", Keep([](const SPart& part) { return part.tsi != 0 || part.second < 6; }), {"signalling-interval"}},
+    {"until no list has the service any more",
+     All(Keep([](const SPart& part) { return part.second < 3; }), SignsOff(3, 12)),
+     {}},
+    {"until one has it again",
+     All(Keep([](const SPart& part) { return part.second < 3 || part.second >= 10; }), SignsOff(3, 10)),
+     {}},
+    {"and it stays away then",
+     All(Lasts(20), Keep([](const SPart& part) { return part.second < 3; }), SignsOff(3, 5)),
+     {"no-signalling", "signalling-interval"}},
     {"a rate that is not the MPD's", Edits({{"'9000'", "'39000'"}}), {"rate-unlike-mpd"}},
     {"a fifth of it", Edits({{"'9000'", "'38000'"}}), {}},
     {"too short for it", All(Edits({{"'9000'", "'39000'"}}), Lasts(10)), {}},
+    {"its MPD has just come", From(9, {{"'9000'", "'39000'"}}), {}},
+    {"its MPD came long ago", All(Lasts(30), From(9, {{"'9000'", "'39000'"}})), {"rate-unlike-mpd"}},
 };
 
 TEST(DeliveryRules, EachHasItsBreachAndItsNearMiss)

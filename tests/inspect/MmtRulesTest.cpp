@@ -9,7 +9,8 @@ struct SAsset {
     std::string id;
     std::string type;
     unsigned packetId;
-    unsigned port = 0;  ///< of 239.255.7.1, other than the session's
+    unsigned port = 0;    ///< of 239.255.7.1, other than the session's
+    unsigned source = 0;  ///< of 192.0.2.0
 };
 
 /// A sound broadcast of one service by MMTP on 239.255.7.1:6001: in every second the service list, USBD, MP table and
@@ -45,7 +46,7 @@ struct SMmtBroadcast : SJudged {
             if (asset.port == 0) {
                 b.Put(8, 0);
             } else {
-                b.Put(8, 1).Put(32, 0xC000020A).Put(32, packets::k_session).Put(16, asset.port);
+                b.Put(8, 1).Put(32, 0xC0000200 + asset.source).Put(32, packets::k_session).Put(16, asset.port);
             }
             b.Put(16, asset.packetId).Put(16, 0);
         }
@@ -138,6 +139,18 @@ const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
          b.assets.push_back({"w", "hev1", 10, 6002});
      },
      {}},
+    {"of two sources",
+     [](SMmtBroadcast& b) {
+         b.assets.push_back({"w", "hev1", 30, 6002, 7});
+         b.assets.push_back({"x", "hev1", 30, 6002, 8});
+     },
+     {}},
+    {"of one source",
+     [](SMmtBroadcast& b) {
+         b.assets.push_back({"w", "hev1", 30, 6002, 7});
+         b.assets.push_back({"x", "hev1", 30, 6002, 7});
+     },
+     {"packet-id-twice"}},
     {"of one asset, twice",
      [](SMmtBroadcast& b) {
          b.assets.push_back({"v", "hev1", 10});

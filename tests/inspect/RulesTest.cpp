@@ -49,6 +49,26 @@ auto OtherList(const std::string& attributes)
     };
 }
 
+/// A list of group 1 in place of the system time, until that round: service 2 is in the list of group 0 from one round
+/// on, and in that of group 1 until another.
+auto TwoLists(unsigned comes, unsigned leaves, unsigned gone = 99, unsigned groupsLeft = 0)
+{
+    return [=](SBroadcast& b) {
+        const std::string first = b.services;
+        const std::string second = Another("serviceId=\"2\" serviceCategory=\"4\"");
+        const std::string third = Another("serviceId=\"3\" serviceCategory=\"4\"", 5003);
+        b.change = [=](SSent& sent) {
+            const bool changed = sent.round >= (sent.table == 1 ? comes : leaves);
+            const std::string list = sent.table == 1 ? first + (changed ? second : "") : changed ? third : second;
+            if (sent.kind == SSent::LLS) {
+                sent.data = Number(1, 1) + Number(sent.table / 2, 1) + Number(sent.round < gone ? 1 : groupsLeft, 1) +
+                            Number(changed ? 2 : 1, 1) + "<SLT bsid=\"5\">" + list + "</SLT>";
+            }
+            return sent.table != 3 || sent.round < gone;
+        };
+    };
+}
+
 auto Without(unsigned table, unsigned from, unsigned to)
 {
     return [=](SBroadcast& b) {
@@ -86,6 +106,11 @@ TEST(Rules, ServiceLists)
          more(Another("serviceId=\"2\" majorChannelNo=\"7\" minorChannelNo=\"2\" serviceCategory=\"1\"")),
          quiet},
         {"an id in two lists", {{"service-id-twice", 1}}, OtherList("serviceId=\"1\" serviceCategory=\"4\""), quiet},
+        {"a service that goes over to another list", {}, TwoLists(6, 6), quiet},
+        {"that is in both for a while", {{"service-id-twice", 1}}, TwoLists(6, 8), quiet},
+        {"that is in both from the begin", {{"service-id-twice", 1}}, TwoLists(0, 99), quiet},
+        {"that goes over, and there is no other group any more", {}, TwoLists(3, 99, 3), quiet},
+        {"and there is, by the tables", {{"table-interval", 1}}, TwoLists(3, 99, 3, 1), quiet},
         {"two lists", {}, OtherList("serviceId=\"2\" serviceCategory=\"4\""), quiet},
         {"a channel twice",
          {{"channel-twice", 1}},
@@ -99,6 +124,11 @@ TEST(Rules, ServiceLists)
         {"two protocols",
          {{"session-two-protocols", 1}, {"mmtp-malformed", 1}},
          more(Another("serviceId=\"2\" serviceCategory=\"4\"", 5000, 2)),
+         quiet},
+        {"two protocols of two sources",
+         {},
+         more(With(Another("serviceId=\"2\" serviceCategory=\"4\"", 5000, 2), "slsProtocol",
+                   "slsSourceIpAddress=\"192.0.2.11\" slsProtocol")),
          quiet},
         {"one session",
          {{"session-shared", 1}},

@@ -169,6 +169,12 @@ const std::vector<SBreach> k_signalling = {
     {"both codes of German",
      Edits({{"contentType='audio' repId", "contentType='audio' lang='ger' repId"}, {"lang='en'", "lang='deu'"}}),
      {}},
+    {"a language and the group that it is of",
+     Edits({{"contentType='audio' repId", "contentType='audio' lang='nb' repId"}, {"lang='en'", "lang='no'"}}),
+     {}},
+    {"two of the group",
+     Edits({{"contentType='audio' repId", "contentType='audio' lang='nb' repId"}, {"lang='en'", "lang='nn'"}}),
+     {"media-info-contradicts"}},
     {"another type", Edits({{"contentType='audio' repId", "contentType='video' repId"}}), {"media-info-contradicts"}},
     {"a type that says little",
      [](SBroadcast& b) {
@@ -180,6 +186,16 @@ const std::vector<SBreach> k_signalling = {
     {"by the MPD alone",
      Edits({{"<Representation id='v'", "<ContentProtection schemeIdUri='s'/><Representation id='v'"}}),
      {"protection-unannounced"}},
+    {"by the MPD, of a component that can be done without",
+     [](SBroadcast& b) {
+         b.Edit("</RS>", SBroadcast::Lct("30", "audio", "b") + "</RS>");
+         b.Edit("</Period>", More("es-$Number$.m4s"));
+         b.Edit("<Representation id='b'", "<ContentProtection schemeIdUri='s'/><Representation id='b'");
+         b.more = [](unsigned second, packets::CCapture& capture) {
+             capture.AddSession(packets::Lct({second + (second == 2 ? 97 : 0), 0, 1, false, 30}, "m"), 7001);
+         };
+     },
+     {}},
     {"by both",
      Edits({{"protected='false'", "protected='true'"},
             {"<Representation id='v'", "<ContentProtection schemeIdUri='s'/><Representation id='v'"}}),

@@ -52,7 +52,7 @@ double Between(const STime& from, const STime& to)
 
 unsigned Key(const SLlsHeader& header)
 {
-    return unsigned{header.tableId} << 8 | header.groupId;
+    return unsigned{header.groupId} << 8 | header.tableId;
 }
 
 std::string Title(const SLlsHeader& header)
@@ -230,6 +230,7 @@ void CLlsFollower::m_Take(SView bytes, const SSource& source, bool insideMultiTa
     const auto known = m_states.find(Key(table.header));
     const std::size_t sizeBefore = known != m_states.end() ? known->second.size : 0;
     table.status = m_Compare(table.header, table.payload, table, source);
+    m_heard[table.header.groupId] = source.time;
 
     SOutcome outcome;
     if (table.parserExists && table.status != EStatus::REPEATED) {
@@ -239,6 +240,9 @@ void CLlsFollower::m_Take(SView bytes, const SSource& source, bool insideMultiTa
     } else if (table.header.tableId == k_signedMultiTable) {  // the tables in it come again as well
         STable again = table;
         outcome.inner = m_ParseOther(bytes, again).inner;
+    }
+    if (table.header.tableId == k_slt) {
+        table.groupsGone = m_DropGroups(table.header, source.time);
     }
     m_report.Table(table);
     if (table.status == EStatus::CHANGED_WITHOUT_VERSION) {
@@ -438,6 +442,31 @@ void CLlsFollower::m_Release(unsigned char groupId)
     }
     m_current.erase(current);
     m_groups.remove(groupId);
+}
+
+/// Lets go of what groups held that are no more: as many as there are came lately, and these did not.
+std::vector<unsigned char> CLlsFollower::m_DropGroups(const SLlsHeader& header, const std::optional<STime>& now)
+{
+    constexpr double k_lately = 5;  // seconds in which each group's service list is due
+    std::vector<unsigned char> silent;
+    for (const auto& [groupId, last] : m_heard) {
+        if (now && last && Between(*last, *now) > k_lately) {
+            silent.push_back(groupId);
+        }
+    }
+    if (m_heard.size() - silent.size() <= header.groupCountMinus1) {
+        return {};
+    }
+    for (const unsigned char groupId : silent) {
+        if (m_current.count(groupId) != 0) {
+            m_serviceListener(groupId, {});
+            m_Release(groupId);
+        }
+        const unsigned begin = Key({0, groupId, 0, 0});
+        m_states.erase(m_states.lower_bound(begin), m_states.lower_bound(begin + 0x100));
+        m_heard.erase(groupId);
+    }
+    return silent;
 }
 
 }  // namespace vyr::inspect

@@ -66,13 +66,15 @@ class CLlsFollower {
     void m_Read(CParseSLT& parser, SView bytes, const STable& table, SOutcome& outcome);
     void m_Hold(unsigned char groupId, std::unique_ptr<SCurrentSlt> current, const STable& table, SOutcome& outcome);
     void m_Release(unsigned char groupId);
+    std::vector<unsigned char> m_DropGroups(const SLlsHeader& header, const std::optional<STime>& now);
 
     const std::string m_stream;
     const bool m_lenient;
     CChannelMap& m_channelMap;
     CReport& m_report;
     TServiceListener m_serviceListener = [](unsigned char, const std::vector<SListedService>&) {};
-    std::map<unsigned, SState> m_states;  ///< by table id and group id
+    std::map<unsigned, SState> m_states;                    ///< by group id and table id
+    std::map<unsigned char, std::optional<STime>> m_heard;  ///< when something of the group came last
     std::map<unsigned char, std::unique_ptr<SCurrentSlt>> m_current;
     std::list<unsigned char> m_groups;  ///< of m_current, oldest list first
     std::uint64_t m_taken = 0;

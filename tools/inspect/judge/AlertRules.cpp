@@ -116,7 +116,7 @@ void CAlertRules::m_Hold(const STable& table, STableAlerts& held)
         }
         SAlert alert = ReadAlert(json, table.source);
         SAlert& known = m_alerts[key];
-        alert.late = known.late;
+        alert.late = alert.expires == known.expires ? known.late : std::nullopt;
         known = std::move(alert);
         held.ids.push_back(id);
     });
@@ -126,6 +126,9 @@ void CAlertRules::m_Hold(const STable& table, STableAlerts& held)
 void CAlertRules::Table(const STable& table)
 {
     constexpr std::int64_t k_grace = 60;  // clocks are not the same, and tables are changed by people
+    for (const unsigned group : table.groupsGone) {
+        m_tables.erase({table.stream, group});
+    }
     const TListKey key = {table.stream, table.header.groupId};
     if (table.header.tableId != k_alertTable || (m_tables.size() == k_mostTables && m_tables.count(key) == 0)) {
         return;

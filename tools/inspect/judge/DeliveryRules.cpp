@@ -36,6 +36,42 @@ bool IsMedia(const SSessionDelivery& session, const SFlowDelivery& flow)
     return session.protocol == EDeliveryProtocol::ROUTE && !session.guessed && flow.id != 0 && flow.objects;
 }
 
+std::optional<STime> Later(const std::optional<STime>& one, const std::optional<STime>& other)
+{
+    return !one || (other && Seconds(*other) > Seconds(*one)) ? other : one;
+}
+
+/// kbit/s, and of how many seconds they are.
+struct SRates {
+    double mean = 0;
+    double peak = 0;
+    double seconds = 0;
+};
+
+/// What came of the flow since something else was announced of its rate: `grace` seconds later it has that.
+SRates RatesSince(const SDelivery& delivery, const STraffic& traffic, const std::optional<STime>& since, double grace)
+{
+    constexpr double k_bitsOfKilobit = 1000.0 / 8;
+    if (!traffic.meanRate || !traffic.peakRate || !traffic.first || !traffic.last || !delivery.traffic.first) {
+        return {};
+    }
+    if (!since) {
+        return {*traffic.meanRate, *traffic.peakRate, Seconds(*traffic.last) - Seconds(*traffic.first)};
+    }
+    const double from = (Seconds(*since) + grace - Seconds(*delivery.traffic.first)) / delivery.binSeconds;
+    SRates rates;
+    for (std::size_t i = 0; i + 1 < traffic.bins.size(); ++i) {  // the last is not whole
+        if (static_cast<double>(traffic.firstBin + i) >= from) {
+            const double rate = static_cast<double>(traffic.bins[i]) / k_bitsOfKilobit / delivery.binSeconds;
+            rates.mean += rate * delivery.binSeconds;
+            rates.peak = std::max(rates.peak, rate);
+            rates.seconds += delivery.binSeconds;
+        }
+    }
+    rates.mean /= std::max(rates.seconds, 1.0);
+    return rates;
+}
+
 /// What signalling announces against what is on the air.
 class CDeliveryRules : public CRules {
   public:
@@ -93,10 +129,16 @@ template <class TItem>
 void CDeliveryRules::m_Arrived(const std::string& session, const TItem& item)
 {
     constexpr std::size_t k_mostSessions = 4096;
-    if (!session.empty() && (m_rounds.size() < k_mostSessions || m_rounds.count(session) != 0)) {
-        m_rounds[session].arrivals.Add(item.source);
-        m_rounds[session].services = item.services;
+    if (session.empty() || (m_rounds.size() == k_mostSessions && m_rounds.count(session) == 0)) {
+        return;
     }
+    SRounds& rounds = m_rounds[session];
+    const std::optional<STime>& last = rounds.arrivals.last.time;
+    const auto listed = t_evidence.listed.find(session);
+    rounds.arrivals.ended = listed != t_evidence.listed.end() && listed->second.since && last &&
+                            Seconds(*listed->second.since) > Seconds(*last);
+    rounds.arrivals.Add(item.source);
+    rounds.services = item.services;
 }
 
 void CDeliveryRules::m_Tell(ERule rule, const SCase& one, const std::string& message) const
@@ -191,6 +233,7 @@ void CDeliveryRules::m_Rate(const SCase& one, const SFlowDelivery& flow)
     constexpr double k_margin = 1.05;
     std::map<const SPackageFacts*, std::uint64_t> sums;
     std::uint64_t bandwidth = 0;
+    std::optional<STime> since;
     for (const SLctSession::SAnnouncement& each : one.lct.by) {
         if (!each.facts->bandwidth) {
             return;
@@ -198,12 +241,13 @@ void CDeliveryRules::m_Rate(const SCase& one, const SFlowDelivery& flow)
         std::uint64_t& sum = sums[each.package];
         sum += *each.facts->bandwidth;
         bandwidth = std::max(bandwidth, sum);
+        since = Later(since, each.facts->rateSince);
     }
-    if (bandwidth != 0 && flow.traffic.peakRate && *flow.traffic.peakRate > static_cast<double>(bandwidth) * k_margin) {
+    const SRates rates = RatesSince(one.delivery, flow.traffic, since, m_settings.longestInterval);
+    if (bandwidth != 0 && rates.peak > static_cast<double>(bandwidth) * k_margin) {
         m_Tell(ERule::RATE_ABOVE_BANDWIDTH, one,
-               one.Title() + ": " + RateText(*flow.traffic.peakRate) + " in a second, " +
-                   RateText(flow.traffic.meanRate.value_or(0)) + " on average, and the S-TSID has " +
-                   std::to_string(bandwidth) + " kbit/s");
+               one.Title() + ": " + RateText(rates.peak) + " in a second, " + RateText(rates.mean) +
+                   " on average, and the S-TSID has " + std::to_string(bandwidth) + " kbit/s");
     }
 }
 
@@ -213,17 +257,19 @@ void CDeliveryRules::m_Bandwidth(const SCase& one, const SFlowDelivery& flow)
     constexpr double k_enough = 10;
     constexpr double k_small = 32;
     const SPackageFacts& package = *one.first.package;
-    if (!package.mpd || one.first.facts->repId.empty() || !flow.traffic.meanRate || !flow.traffic.last ||
-        Seconds(*flow.traffic.last) - Seconds(*flow.traffic.first) < k_enough) {
-        return;
-    }
-    const double rate = *flow.traffic.meanRate;
-    for (const SRepresentationFacts& each : package.mpd->representations) {
+    for (std::size_t i = 0; package.mpd && i < package.mpd->representations.size(); ++i) {
+        const SRepresentationFacts& each = package.mpd->representations[i];
         const double bandwidth = static_cast<double>(each.bandwidth) / 1000;
-        if (each.id != one.first.facts->repId || bandwidth == 0 || std::max(rate, bandwidth) < k_small) {
+        if (each.id.empty() || each.id != one.first.facts->repId || bandwidth == 0) {
             continue;
         }
-        if (rate > 2 * bandwidth || rate < bandwidth / 5) {
+        const std::optional<STime> since = Later(one.first.facts->rateSince, each.bandwidthSince);
+        const SRates rates = RatesSince(one.delivery, flow.traffic, since, m_settings.longestInterval);
+        const double rate = rates.mean;
+        if (std::max(rate, bandwidth) < k_small) {
+            continue;
+        }
+        if (rates.seconds >= k_enough && (rate > 2 * bandwidth || rate < bandwidth / 5)) {
             m_Tell(ERule::RATE_UNLIKE_MPD, one,
                    one.Title() + " has " + RateText(rate) + " on average, and the MPD gives it " + RateText(bandwidth));
         }
@@ -244,9 +290,12 @@ void CDeliveryRules::m_Times(const SCase& one, const SFlowDelivery& flow)
     for (const SLctSession::SAnnouncement& each : one.lct.by) {
         const std::optional<double> start = Instant(each.facts->startTime);
         const std::optional<double> end = Instant(each.facts->endTime);
-        outside = outside && ((start && first < *start - k_clocksApart) || (end && last > *end + k_clocksApart));
-        constexpr std::uint64_t k_never = 0xFFFFFFFF;
-        expiry = expiry && each.facts->expires.value_or(k_never) < k_never;
+        // What was sent while another window was announced may be right by that.
+        const std::optional<STime>& since = each.facts->windowSince;
+        const bool early = start && first < *start - k_clocksApart && (!since || first >= Seconds(*since));
+        const bool late = end && last > *end + k_clocksApart && (!since || last > Seconds(*since) + k_clocksApart);
+        outside = outside && (early || late);
+        expiry = expiry && each.facts->expires.value_or(k_neverExpires) < k_neverExpires;
         if (expiry) {
             const double at = static_cast<double>(NtpSeconds(static_cast<std::uint32_t>(*each.facts->expires)));
             expires = std::max(expires.value_or(at), at);
@@ -350,7 +399,7 @@ void CDeliveryRules::m_Objects(const SSessionDelivery& session, const SFlowDeliv
                     FirstService(session, flow), SessionText(session));
 }
 
-/// TSIs without name on addresses that S-TSIDs have, while these hold.
+/// TSIs without name on addresses that S-TSIDs have, while these hold and so long that a new one was due.
 void CDeliveryRules::m_NotAnnounced(const SDelivery& delivery)
 {
     std::map<std::string, double> announced;  ///< destinations, and when the last S-TSID of them came
@@ -370,7 +419,8 @@ void CDeliveryRules::m_NotAnnounced(const SDelivery& delivery)
         const auto known = announced.find(SessionText(session));
         for (const SFlowDelivery& flow : session.flows) {
             if (known != announced.end() && IsMedia(session, flow) && flow.carries.empty() && flow.services.empty() &&
-                flow.traffic.packets > 1 && flow.traffic.last && Seconds(*flow.traffic.last) > known->second) {
+                flow.traffic.packets > 1 && flow.traffic.last && Seconds(*flow.traffic.last) > known->second &&
+                Seconds(*flow.traffic.last) - Seconds(*flow.traffic.first) > m_settings.longestInterval) {
                 t_findings.Tell(
                     ERule::SESSION_NOT_ANNOUNCED,
                     "TSI " + std::to_string(flow.id) + " of " + known->first + ": " +
@@ -412,6 +462,7 @@ void CDeliveryRules::m_Unsignalled(const SDelivery& delivery)
     }
 }
 
+/// A session that lists had and have no more is over.
 void CDeliveryRules::m_Intervals()
 {
     const double limit = m_settings.longestInterval;
@@ -419,12 +470,16 @@ void CDeliveryRules::m_Intervals()
         const SArrivals& arrivals = rounds.arrivals;
         const std::optional<unsigned> service =
             rounds.services.empty() ? std::nullopt : std::optional<unsigned>(rounds.services.front());
-        const double after = arrivals.last.time ? Seconds(*t_evidence.last) - Seconds(*arrivals.last.time) : 0;
+        const auto listed = t_evidence.listed.find(session);
+        const bool over = service && listed == t_evidence.listed.end();
+        const std::optional<STime> since =
+            listed != t_evidence.listed.end() ? Later(arrivals.last.time, listed->second.since) : arrivals.last.time;
+        const double after = since ? Seconds(*t_evidence.last) - Seconds(*since) : 0;
         if (arrivals.longest > limit) {
             t_findings.Tell(ERule::SIGNALLING_INTERVAL,
                             NumberText(arrivals.longest) + " s without signalling on " + session, arrivals.longestEnd,
                             service, session);
-        } else if (after > limit) {
+        } else if (after > limit && !over) {
             t_findings.Tell(ERule::SIGNALLING_INTERVAL,
                             "no signalling on " + session + " in the last " + NumberText(after) + " s of the capture",
                             arrivals.last, service, session);

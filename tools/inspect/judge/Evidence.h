@@ -29,6 +29,12 @@ struct SListFacts {
 /// Where a list, or another table, stands: its stream and its LLS group.
 using TListKey = std::pair<std::string, unsigned>;
 
+/// A session that the lists which hold give for the signalling of services.
+struct SListedSession {
+    std::size_t services = 0;    ///< how many have it
+    std::optional<STime> since;  ///< when the first of them came to have it
+};
+
 /// All that is known of one input, for the rules.
 struct SEvidence {
     std::string file;
@@ -38,6 +44,7 @@ struct SEvidence {
     std::optional<STime> first;     ///< of the capture's packets, the earliest and the latest
     std::optional<STime> last;
     std::map<TListKey, SListFacts> lists;
+    std::map<std::string, SListedSession> listed;   ///< by session
     std::map<std::string, SPackageFacts> packages;  ///< by what tells the documents of one service from others
 
     SGuideFacts guide;

@@ -64,6 +64,9 @@ void ReadEfdt(const TJson& efdt, SLctFacts& lct, bool& whole)
     const TJson& instance = Field(efdt, "FDT-Instance");
     const std::optional<std::uint64_t> expires = Unsigned(instance, "Expires");
     lct.expires = expires ? std::max(lct.expires.value_or(0), *expires) : lct.expires;
+    if (Unsigned(efdt, "maxExpiresDelta") || Unsigned(instance, "maxExpiresDelta")) {
+        lct.expires = k_neverExpires;  // but so long behind the arrival of each file
+    }
     lct.fileTemplate = Either(Either(Text(instance, "fileTemplate"), Text(efdt, "fileTemplate")), lct.fileTemplate);
     whole = Each(instance, "File",
                  [&](const TJson& file) {
@@ -185,6 +188,7 @@ SMpdFacts MpdFacts(const TJson& mpd)
                  whole =
                      Add(facts.periods, {Number(periodJson, "startSeconds"), Number(periodJson, "durationSeconds")}) &&
                      whole;
+                 std::map<std::string, bool> locked;  ///< types, and whether nothing of them is clear
                  whole = Each(periodJson, "AdaptationSet",
                               [&](const TJson& setJson) {
                                   const SLevel set = period.Below(setJson);
@@ -194,6 +198,8 @@ SMpdFacts MpdFacts(const TJson& mpd)
                                            [&](const TJson& json) {
                                                const SLevel level = set.Below(json);
                                                facts.isProtected = facts.isProtected || level.isProtected;
+                                               bool& all = locked.try_emplace(level.contentType, true).first->second;
+                                               all = all && level.isProtected;
                                                const auto located = [&level](const std::string& url) {
                                                    return url.empty() || url.find("://") != std::string::npos
                                                               ? url
@@ -209,6 +215,12 @@ SMpdFacts MpdFacts(const TJson& mpd)
                                       whole;
                               }) &&
                          whole;
+                 // Without any type, nothing tells what can be done without.
+                 const auto is = [&locked](const char* type) {
+                     const auto found = locked.find(type);
+                     return found != locked.end() && found->second;
+                 };
+                 facts.isLocked = facts.isLocked || is("video") || is("audio") || (locked.size() == 1 && is(""));
              }) &&
         whole;
     return facts;
@@ -261,7 +273,7 @@ std::size_t SMpdFacts::Bytes() const
 
 void SArrivals::Add(const SSource& source)
 {
-    if (count != 0 && source.time && last.time) {
+    if (count != 0 && !ended && source.time && last.time) {
         const double since = Seconds(*source.time) - Seconds(*last.time);
         if (since > longest) {
             longest = since;
@@ -270,6 +282,7 @@ void SArrivals::Add(const SSource& source)
     }
     first = count == 0 ? source : first;
     last = source;
+    ended = false;
     ++count;
 }
 

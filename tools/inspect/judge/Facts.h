@@ -36,6 +36,8 @@ struct SFileFacts {
     std::optional<std::uint64_t> length;  ///< as it is sent
 };
 
+constexpr std::uint64_t k_neverExpires = 0xFFFFFFFF;
+
 /// An LCT session of an S-TSID.
 struct SLctFacts {
     std::string destination;  ///< "239.255.7.1:30100"; what is not given of it is that of the session of the S-TSID
@@ -55,6 +57,9 @@ struct SLctFacts {
     std::vector<SFileFacts> files;
     std::optional<std::uint64_t> expires;  ///< of the EFDT, NTP seconds: the latest
     bool hasEfdt = false;
+    // Since when S-TSIDs have said the same of it; none: for as long as any came.
+    std::optional<STime> rateSince;    ///< bandwidth and repId
+    std::optional<STime> windowSince;  ///< startTime and endTime
 };
 
 struct SStsidFacts {
@@ -80,6 +85,7 @@ struct SRepresentationFacts {
     std::string media;  ///< templates, with their base URL
     std::string initialization;
     std::size_t period = 0;  ///< its number
+    std::optional<STime> bandwidthSince = {};  ///< MPDs have given it this bandwidth; none: for as long as any came
 };
 
 struct SMpdFacts {
@@ -90,6 +96,7 @@ struct SMpdFacts {
     std::vector<SPeriodFacts> periods;
     std::vector<SRepresentationFacts> representations;
     bool isProtected = false;  ///< something of it is
+    bool isLocked = false;     ///< in a period all video is, or all audio
     bool whole = true;
 
     std::size_t Bytes() const;
@@ -115,6 +122,7 @@ struct SArrivals {
     SSource last;
     double longest = 0;  ///< seconds between two of them
     SSource longestEnd;  ///< the second of the two
+    bool ended = false;  ///< no more of it is due, unless it begins anew
 
     void Add(const SSource& source);
 };

@@ -29,6 +29,40 @@ void KeepEarlier(SPackageFacts& package)
     }
 }
 
+/// Says of what an S-TSID announces since when it has been announced like this.
+void Date(const SPackageFacts& package, SStsidFacts& stsid, const std::optional<STime>& now)
+{
+    std::map<TLctKey, const SLctFacts*> before;
+    for (const SLctFacts& lct : package.stsid ? package.stsid->sessions : k_noSessions) {
+        before.emplace(KeyOf(package, lct), &lct);
+    }
+    for (SLctFacts& lct : stsid.sessions) {
+        const auto known = before.find(KeyOf(package, lct));
+        const SLctFacts* last = known != before.end() ? known->second : nullptr;
+        const auto since = [&](bool same, const std::optional<STime> SLctFacts::*of) {
+            return !package.stsid ? std::nullopt : last != nullptr && same ? last->*of : now;
+        };
+        lct.rateSince = since(last != nullptr && last->bandwidth == lct.bandwidth && last->repId == lct.repId,
+                              &SLctFacts::rateSince);
+        lct.windowSince = since(last != nullptr && last->startTime == lct.startTime && last->endTime == lct.endTime,
+                                &SLctFacts::windowSince);
+    }
+}
+
+/// The same of the bandwidths of an MPD.
+void Date(const SPackageFacts& package, SMpdFacts& mpd, const std::optional<STime>& now)
+{
+    std::map<std::pair<std::string, std::uint64_t>, std::optional<STime>> before;
+    for (std::size_t i = 0; package.mpd && i < package.mpd->representations.size(); ++i) {
+        const SRepresentationFacts& each = package.mpd->representations[i];
+        before.emplace(std::pair(each.id, each.bandwidth), each.bandwidthSince);
+    }
+    for (SRepresentationFacts& each : mpd.representations) {
+        const auto known = before.find({each.id, each.bandwidth});
+        each.bandwidthSince = !package.mpd ? std::nullopt : known != before.end() ? known->second : now;
+    }
+}
+
 std::tuple<ERule, unsigned, std::string> HeardKey(const SFinding& finding)
 {
     constexpr unsigned k_none = 0x10000;
@@ -85,26 +119,67 @@ void CJudge::Table(const STable& table)
     for (const auto& rules : m_rules) {
         rules->Table(table);
     }
-    if (!table.slt) {
-        return;
+    for (const unsigned group : table.groupsGone) {
+        m_Drop({table.stream, group}, table.source);
     }
+    if (table.slt) {
+        m_HoldList(table);
+    }
+}
+
+/// Takes the list in place of the last one of its group.
+void CJudge::m_HoldList(const STable& table)
+{
     ++m_changes;
     const TListKey key = {table.stream, table.header.groupId};
     const auto known = m_evidence.lists.find(key);
-    m_services -= known != m_evidence.lists.end() ? known->second.services.size() : 0;
-    const std::size_t count = std::min({table.slt->services.size(), k_mostJudged, k_mostServices - m_services});
     if (known == m_evidence.lists.end() && m_evidence.lists.size() == k_mostLists) {
         return;
     }
-    SListFacts& list = m_evidence.lists[key];
-    list = {table.source,
-            table.header,
-            table.slt->bsid,
-            !table.slt->inetUrls.empty(),
-            {},
-            table.slt->leftOut == 0 && count == table.slt->services.size()};
+    m_services -= known != m_evidence.lists.end() ? known->second.services.size() : 0;
+    const std::size_t count = std::min({table.slt->services.size(), k_mostJudged, k_mostServices - m_services});
+    SListFacts list = {table.source,
+                       table.header,
+                       table.slt->bsid,
+                       !table.slt->inetUrls.empty(),
+                       {},
+                       table.slt->leftOut == 0 && count == table.slt->services.size()};
     list.services.assign(table.slt->services.begin(), table.slt->services.begin() + static_cast<std::ptrdiff_t>(count));
     m_services += count;
+    m_CountSessions(list, table.source, true);  // first: a session of both lists stays what it is
+    SListFacts& held = m_evidence.lists[key];
+    m_CountSessions(held, table.source, false);
+    held = std::move(list);
+}
+
+/// Enters the sessions that the list gives its services, or takes them out.
+void CJudge::m_CountSessions(const SListFacts& list, const SSource& source, bool held)
+{
+    for (const SSltService& service : list.services) {
+        const std::string session = service.notListed.empty() ? SessionOf(service) : std::string();
+        if (session.empty()) {
+            continue;
+        }
+        const auto [entry, isNew] = m_evidence.listed.try_emplace(session);
+        if (isNew) {
+            entry->second.since = source.time;
+        }
+        entry->second.services += held ? 1 : 0;
+        if (!held && --entry->second.services == 0) {
+            m_evidence.listed.erase(entry);
+        }
+    }
+}
+
+void CJudge::m_Drop(const TListKey& key, const SSource& source)
+{
+    const auto known = m_evidence.lists.find(key);
+    if (known != m_evidence.lists.end()) {
+        ++m_changes;
+        m_services -= known->second.services.size();
+        m_CountSessions(known->second, source, false);
+        m_evidence.lists.erase(known);
+    }
 }
 
 void CJudge::Signalling(const SSignalling& signalling)
@@ -176,12 +251,16 @@ void CJudge::m_Hold(SPackageFacts& package, const SSlsDocument& document)
     if (document.kind == ESlsDocument::USBD) {
         hold(package.usbd, UsbdFacts(json));
     } else if (document.kind == ESlsDocument::STSID) {
+        SStsidFacts facts = StsidFacts(json);
+        Date(package, facts, package.documentSource[document.kind].time);
         KeepEarlier(package);
         m_Index(package, false);
-        hold(package.stsid, StsidFacts(json));
+        hold(package.stsid, std::move(facts));
         m_Index(package, true);
     } else if (document.kind == ESlsDocument::MPD) {
-        hold(package.mpd, MpdFacts(json));
+        SMpdFacts facts = MpdFacts(json);
+        Date(package, facts, package.documentSource[document.kind].time);
+        hold(package.mpd, std::move(facts));
     }
     m_bytes += package.Bytes();
 }

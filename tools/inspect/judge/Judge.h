@@ -57,6 +57,9 @@ class CJudge : public IWitness {
     static constexpr std::size_t k_mostPackages = 4096;
     static constexpr std::size_t k_mostBytes = 33554432;  ///< of the facts of all packages, about
 
+    void m_HoldList(const STable& table);
+    void m_CountSessions(const SListFacts& list, const SSource& source, bool held);
+    void m_Drop(const TListKey& key, const SSource& source);
     void m_Index(const SPackageFacts& package, bool held);
     void m_Hold(SPackageFacts& package, const SSlsDocument& document);
 

@@ -67,16 +67,24 @@ class CListRules : public CRules {
         std::string title;
         TListKey list;
         int protocol = 0;
-        std::uint32_t source = 0;
     };
     template <class TKey>
     using TIndex = std::multimap<TKey, SEntry>;
     using TChannel = std::pair<int, int>;
+    using TSession = std::pair<std::string, std::uint32_t>;  ///< address and source; 0: any
+    /// What a list says against another one, which may be about to change as well.
+    struct SDoubt {
+        TListKey list;
+        unsigned number = 0;  ///< of the list's lists
+        SFinding finding;
+    };
     /// Where the services of one list are in the indexes.
     struct SHeld {
+        unsigned number = 0;         ///< counts the group's lists
+        std::vector<SDoubt> doubts;  ///< that other lists have raised since this one came last
         std::vector<TIndex<unsigned>::iterator> ids;
         std::vector<TIndex<TChannel>::iterator> channels;
-        std::vector<TIndex<std::string>::iterator> sessions;
+        std::vector<TIndex<TSession>::iterator> sessions;
     };
 
     static constexpr std::size_t k_mostLists = 256;
@@ -85,36 +93,112 @@ class CListRules : public CRules {
     static const SEntry* m_Enter(TIndex<TKey>& index, const TKey& key, const SEntry& entry, SHeld& held,
                                  std::vector<typename TIndex<TKey>::iterator> SHeld::*places);
     void m_Forget(SHeld& held);
-    void m_Tell(ERule rule, const STable& table, const SSltService* service, const std::string& message);
+    void m_Drop(const std::string& stream, unsigned group);
+    void m_Settle(SHeld& held);
+    bool m_Holds(const SDoubt& doubt) const
+    {
+        const auto held = m_held.find(doubt.list);
+        return held != m_held.end() && held->second.number == doubt.number;
+    }
+    static SFinding m_Finding(ERule rule, const STable& table, const SSltService* service, const std::string& message);
+    void m_Tell(ERule rule, const STable& table, const SSltService* service, const std::string& message)
+    {
+        t_findings.Tell(m_Finding(rule, table, service, message));
+    }
+    void m_Contradict(ERule rule, const STable& table, const SSltService& service, const std::string& begin,
+                      const SEntry& other, const std::string& end = {});
     void m_Service(const STable& table, const SSltService& service);
     void m_Together(const STable& table, SHeld& held);
+    void m_Session(const STable& table, const SSltService& service, const SEntry& entry, SHeld& held, bool another);
     void m_Changes(const STable& table);
     void m_Intervals(const SDelivery& delivery);
 
     const SRuleSettings m_settings;
     TIndex<unsigned> m_ids;
     TIndex<TChannel> m_channels;
-    TIndex<std::string> m_sessions;  ///< by address
+    TIndex<TSession> m_sessions;
     std::map<TListKey, SHeld> m_held;
-    std::map<std::tuple<std::string, unsigned, unsigned>, SArrivals> m_arrivals;  ///< by stream, table and group
+    std::map<std::tuple<std::string, unsigned, unsigned>, SArrivals> m_arrivals;  ///< by stream, group and table
 };
 
-void CListRules::m_Tell(ERule rule, const STable& table, const SSltService* service, const std::string& message)
+SFinding CListRules::m_Finding(ERule rule, const STable& table, const SSltService* service, const std::string& message)
 {
     SFinding finding = {rule, message, table.source, table.header};
     if (service != nullptr) {
         finding.serviceId = service->serviceId;
         finding.session = SessionOf(*service);
     }
-    t_findings.Tell(finding);
+    return finding;
+}
+
+/// Between two lists, it is a contradiction only where it stays when the older one comes again, or the next of its
+/// group.
+void CListRules::m_Contradict(ERule rule, const STable& table, const SSltService& service, const std::string& begin,
+                              const SEntry& other, const std::string& end)
+{
+    constexpr std::size_t k_mostDoubts = 64;
+    const TListKey key = {table.stream, table.header.groupId};
+    const SHeld& own = m_held[key];
+    const std::string title = other.title + (other.list == key ? "" : " (of another list)");
+    const SFinding finding = m_Finding(rule, table, &service, begin + title + end);
+    const auto stays = [&](const SDoubt& doubt) {
+        const SFinding& before = doubt.finding;
+        const bool same =
+            before.serviceId == finding.serviceId || (!finding.session.empty() && before.session == finding.session);
+        return doubt.list == other.list && before.rule == rule && same && m_Holds(doubt);
+    };
+    if (other.list == key || std::any_of(own.doubts.begin(), own.doubts.end(), stays)) {
+        t_findings.Tell(finding);
+        return;
+    }
+    std::vector<SDoubt>& doubts = m_held[other.list].doubts;
+    if (doubts.size() == k_mostDoubts) {
+        const auto over = [this](const SDoubt& doubt) { return !m_Holds(doubt); };
+        doubts.erase(std::remove_if(doubts.begin(), doubts.end(), over), doubts.end());
+    }
+    if (doubts.size() < k_mostDoubts) {
+        doubts.push_back({key, own.number, finding});
+    }
+}
+
+/// The list comes again as it is.
+void CListRules::m_Settle(SHeld& held)
+{
+    for (const SDoubt& doubt : held.doubts) {
+        if (m_Holds(doubt)) {
+            t_findings.Tell(doubt.finding);
+        }
+    }
+    held.doubts.clear();
+}
+
+void CListRules::m_Drop(const std::string& stream, unsigned group)
+{
+    if (const auto held = m_held.find({stream, group}); held != m_held.end()) {
+        m_Forget(held->second);
+        ++held->second.number;
+        held->second.doubts.clear();
+    }
+    const auto end = m_arrivals.lower_bound({stream, group + 1, 0});
+    for (auto arrivals = m_arrivals.lower_bound({stream, group, 0}); arrivals != end; ++arrivals) {
+        arrivals->second.ended = true;
+    }
 }
 
 void CListRules::Table(const STable& table)
 {
     constexpr std::size_t k_mostTables = 4096;
-    const std::tuple key(table.stream, unsigned{table.header.tableId}, unsigned{table.header.groupId});
+    for (const unsigned group : table.groupsGone) {
+        m_Drop(table.stream, group);
+    }
+    const std::tuple key(table.stream, unsigned{table.header.groupId}, unsigned{table.header.tableId});
     if (m_arrivals.size() < k_mostTables || m_arrivals.count(key) != 0) {
         m_arrivals[key].Add(table.source);
+    }
+    const TListKey list = {table.stream, table.header.groupId};
+    const auto held = m_held.find(list);
+    if (table.header.tableId == k_slt && table.status == EStatus::REPEATED && held != m_held.end()) {
+        m_Settle(held->second);
     }
     if (!table.slt) {
         return;
@@ -122,8 +206,7 @@ void CListRules::Table(const STable& table)
     for (std::size_t i = 0; i < Count(table); ++i) {
         m_Service(table, table.slt->services[i]);
     }
-    const TListKey list = {table.stream, table.header.groupId};
-    if (m_held.size() < k_mostLists || m_held.count(list) != 0) {
+    if (m_held.size() < k_mostLists || held != m_held.end()) {
         m_Together(table, m_held[list]);
     }
     m_Changes(table);
@@ -205,6 +288,7 @@ void CListRules::m_Forget(SHeld& held)
 void CListRules::m_Together(const STable& table, SHeld& held)
 {
     m_Forget(held);
+    ++held.number;
     const TListKey key = {table.stream, table.header.groupId};
     for (std::size_t i = 0; i < Count(table); ++i) {
         const SSltService& service = table.slt->services[i];
@@ -212,36 +296,48 @@ void CListRules::m_Together(const STable& table, SHeld& held)
             continue;  // it was told why, which may be just this
         }
         const std::string title = Title(service);
-        const auto other = [&](const SEntry& entry) {
-            return entry.title + (entry.list == key ? "" : " (of another list)");
-        };
-        const SEntry entry = {title, key, service.slsProtocol, service.slsSourceIpAddress};
+        const SEntry entry = {title, key, service.slsProtocol};
         const SEntry* sameId = m_Enter(m_ids, unsigned{service.serviceId}, entry, held, &SHeld::ids);
         if (sameId != nullptr) {
-            m_Tell(ERule::SERVICE_ID_TWICE, table, &service, title + " has the serviceId of " + other(*sameId));
+            m_Contradict(ERule::SERVICE_ID_TWICE, table, service, title + " has the serviceId of ", *sameId);
         }
         if (service.majorChannelNo > 0 && service.minorChannelNo > 0) {
             const SEntry* same =
                 m_Enter(m_channels, {service.majorChannelNo, service.minorChannelNo}, entry, held, &SHeld::channels);
             if (same != nullptr && sameId == nullptr) {
-                m_Tell(ERule::CHANNEL_TWICE, table, &service,
-                       title + " has channel " + ChannelText(service) + ", as " + other(*same));
+                m_Contradict(ERule::CHANNEL_TWICE, table, service,
+                             title + " has channel " + ChannelText(service) + ", as ", *same);
             }
         }
-        const std::string address = SessionOf(service);
-        const SEntry* same = address.empty() ? nullptr : m_Enter(m_sessions, address, entry, held, &SHeld::sessions);
-        if (same == nullptr || sameId != nullptr) {
-            continue;
-        }
-        const bool apart = entry.source != same->source && entry.source != 0 && same->source != 0;
-        if (entry.protocol != same->protocol) {
-            m_Tell(ERule::SESSION_TWO_PROTOCOLS, table, &service,
-                   title + " and " + other(*same) + " are signalled on " + address + " by different protocols");
-        } else if (entry.protocol == k_route && !apart) {
-            m_Tell(ERule::SESSION_SHARED, table, &service,
-                   title + " and " + other(*same) + " are signalled on the same session, " + address);
+        m_Session(table, service, entry, held, sameId == nullptr);
+    }
+    held.doubts.clear();
+}
+
+/// Sessions from two sources are two.
+void CListRules::m_Session(const STable& table, const SSltService& service, const SEntry& entry, SHeld& held,
+                           bool another)
+{
+    const std::string address = SessionOf(service);
+    if (address.empty()) {
+        return;
+    }
+    const std::uint32_t source = service.slsSourceIpAddress;
+    auto same = m_sessions.lower_bound({address, source});
+    if (source != 0 && (same == m_sessions.end() || same->first != TSession(address, source))) {
+        same = m_sessions.find({address, 0});
+    }
+    if (another && same != m_sessions.end() && same->first.first == address) {
+        const SEntry& other = same->second;
+        if (entry.protocol != other.protocol) {
+            m_Contradict(ERule::SESSION_TWO_PROTOCOLS, table, service, entry.title + " and ", other,
+                         " are signalled on " + address + " by different protocols");
+        } else if (entry.protocol == k_route) {
+            m_Contradict(ERule::SESSION_SHARED, table, service, entry.title + " and ", other,
+                         " are signalled on the same session, " + address);
         }
     }
+    m_Enter(m_sessions, {address, source}, entry, held, &SHeld::sessions);
 }
 
 /// Holds the list against the last one of its group.
@@ -282,13 +378,14 @@ void CListRules::m_Intervals(const SDelivery& delivery)
 {
     const double limit = m_settings.longestInterval;
     for (const auto& [key, arrivals] : m_arrivals) {
-        const auto& [stream, tableId, group] = key;
+        const auto& [stream, group, tableId] = key;
         const char* name = TableName(tableId);
         const std::string title =
             (name != nullptr ? name : "table " + std::to_string(tableId)) + " of group " + std::to_string(group);
         const double before =
             arrivals.first.time ? Seconds(*arrivals.first.time) - Seconds(*delivery.traffic.first) : 0;
-        const double after = arrivals.last.time ? Seconds(*delivery.traffic.last) - Seconds(*arrivals.last.time) : 0;
+        const double after =
+            arrivals.last.time && !arrivals.ended ? Seconds(*delivery.traffic.last) - Seconds(*arrivals.last.time) : 0;
         if (tableId == k_slt && arrivals.longest > limit) {
             t_findings.Tell(ERule::TABLE_INTERVAL,
                             title + ": " + NumberText(arrivals.longest) + " s between two of them",

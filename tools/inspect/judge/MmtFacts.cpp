@@ -38,6 +38,7 @@ bool ReadAsset(const TJson& json, SAssetFacts& asset)
                                                       : Text(location, "ipv4_dst_addr") + ':' +
                                                             std::to_string(Unsigned(location, "dst_port").value_or(0)),
                                                   *packetId);
+                        asset.sources.push_back(Text(location, "ipv4_src_addr"));
                     }
                 }) &&
            whole;

@@ -19,7 +19,8 @@ struct SAssetFacts {
     std::string type;  ///< "hev1"
     /// Destination ("239.255.8.1:30200"; empty: the session of the MP table) and packet_id.
     std::vector<std::pair<std::string, std::uint64_t>> places;
-    bool elsewhere = false;  ///< at places of other kinds, too
+    std::vector<std::string> sources;  ///< of each of these the address that it is sent from; empty: not given
+    bool elsewhere = false;            ///< at places of other kinds, too
 };
 
 struct SMpTableFacts {

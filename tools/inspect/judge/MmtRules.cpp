@@ -149,20 +149,22 @@ void CMmtRules::m_Usbd(const std::string& session, const SMmtFacts& facts, const
     }
 }
 
-/// Packages may share an asset.
+/// Packages may share an asset; what two sources send is not one.
 void CMmtRules::m_Assets(const std::string& session, const SMmtFacts& facts)
 {
     struct SUser {
         const SMpTableFacts* table;
         const SAssetFacts* asset;
     };
-    std::map<TPlace, SUser> users;
-    std::set<TPlace> told;
+    using TPlaceFrom = std::pair<TPlace, std::string>;
+    std::map<TPlaceFrom, SUser> users;
+    std::set<TPlaceFrom> told;
     facts.EachTable([&](const SMpTableFacts& table) {
         for (const SAssetFacts& asset : table.assets) {
             m_Asset(session, facts, table, asset);
-            for (const auto& [destination, packetId] : asset.places) {
-                const TPlace place = {destination.empty() ? session : destination, packetId};
+            for (std::size_t i = 0; i < asset.places.size(); ++i) {
+                const auto& [destination, packetId] = asset.places[i];
+                const TPlaceFrom place = {{destination.empty() ? session : destination, packetId}, asset.sources[i]};
                 const auto [user, isFirst] = users.try_emplace(place, SUser{&table, &asset});
                 const SAssetFacts& other = *user->second.asset;
                 const bool settled =
@@ -171,7 +173,7 @@ void CMmtRules::m_Assets(const std::string& session, const SMmtFacts& facts)
                 if (!isFirst && settled && !asset.id.empty() && !other.id.empty() && asset.id != other.id &&
                     told.insert(place).second) {
                     m_Tell(ERule::PACKET_ID_TWICE, session, facts, table.source,
-                           "packet_id " + std::to_string(packetId) + " of " + place.first + " is that of asset " +
+                           "packet_id " + std::to_string(packetId) + " of " + place.first.first + " is that of asset " +
                                Quoted(other.id) + " and of asset " + Quoted(asset.id));
                 }
             }

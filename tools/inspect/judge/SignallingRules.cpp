@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 #include "base/Text.h"
@@ -44,6 +45,43 @@ bool MayMatch(const std::string& pattern, const std::string& name)
                                        : Contains(file, part) && part.size() < pattern.size());
 }
 
+/// Whether one code stands for a group of languages, and the other for one of these.
+bool AreGroupAndMember(const std::string& a, const std::string& b)
+{
+    constexpr std::pair<const char*, const char*> k_groups[] = {
+        {" no ", " nb nn "},
+        {" nor ", " nob nno "},
+        {" sh ", " bs hr sr "},
+        {" hbs ", " bos hrv srp cnr "},
+        {" ak ", " tw "},
+        {" aka ", " twi fat "},
+        {" ara ", " arb arz ary arq aeb ayl apc ajp acm afb ars apd acw acx adf ayn ayp "},
+        {" zho chi ", " cmn yue nan wuu hak hsn gan cdo cjy cpx cnp csp czh czo lzh mnp "},
+        {" fas per ", " pes prs "},
+        {" msa may ", " zsm zlm ind min bjn mfa "},
+        {" est ", " ekk vro "},
+        {" lav ", " lvs ltg "},
+        {" sqi alb ", " als aln aae aat "},
+        {" aze ", " azj azb "},
+        {" kur ", " kmr ckb sdh "},
+        {" mon ", " khk mvf "},
+        {" nep ", " npi dty "},
+        {" ori ", " ory spv "},
+        {" orm ", " gaz gax hae orc "},
+        {" pus ", " pbt pbu pst "},
+        {" swa ", " swh swc "},
+        {" uzb ", " uzn uzs "},
+        {" yid ", " ydd yih "},
+        {" mlg ", " plt "},
+        {" grn ", " gug gui gun "},
+        {" kok ", " knn gom "}};
+    const auto both = [](const auto& group, const std::string& whole, const std::string& part) {
+        return Contains(group.first, ' ' + whole + ' ') && Contains(group.second, ' ' + part + ' ');
+    };
+    return std::any_of(std::begin(k_groups), std::end(k_groups),
+                       [&](const auto& group) { return both(group, a, b) || both(group, b, a); });
+}
+
 /// Languages that are not the same one; different forms of a code are not compared.
 bool AreOthers(const std::string& first, const std::string& second)
 {
@@ -64,7 +102,8 @@ bool AreOthers(const std::string& first, const std::string& second)
         return (code.size() == 2 || code.size() == 3) && code != "und" && code != "mul" && code != "zxx" &&
                code != "mis";
     };
-    return says(a) && says(b) && a.size() == b.size() && a != b && !(Contains(k_twice, a) && Contains(k_twice, b));
+    return says(a) && says(b) && a.size() == b.size() && a != b && !(Contains(k_twice, a) && Contains(k_twice, b)) &&
+           !AreGroupAndMember(a, b);
 }
 
 /// "text" may be an application's, too.
@@ -223,9 +262,10 @@ void CSignallingRules::m_Service(const SSltService& service, const SPackageFacts
     if (isProtected && !package.mpd->isProtected) {
         m_Tell(ERule::PROTECTION_MISSING, package, ESlsDocument::MPD,
                name + " is protected by the service list, and its MPD names no protection", id);
-    } else if (!isProtected && package.mpd->isProtected) {
+    } else if (!isProtected && package.mpd->isLocked) {
         m_Tell(ERule::PROTECTION_UNANNOUNCED, package, ESlsDocument::MPD,
-               name + " is not protected by the service list, and its MPD names protection", id);
+               name + " is not protected by the service list, and its MPD names protection of all video or all audio",
+               id);
     }
 }
 

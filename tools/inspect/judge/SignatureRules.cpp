@@ -115,10 +115,12 @@ void CSignatureRules::Table(const STable& table)
         (m_tables.size() < k_mostPlaces || m_tables.count(key) != 0)) {
         SForms& forms = m_tables[key];
         forms.cms = table.status == EStatus::REPEATED ? forms.cms : table.cmsSignedData;
-        // Of a multi-table that is repeated, its tables are not told of.
         ++(table.insideMultiTable || id == k_multiTable || forms.cms ? forms.withSignature : forms.without);
         forms.source = table.source;
         forms.header = table.header;
+    }
+    for (const unsigned group : table.groupsGone) {
+        m_announced.erase({table.stream, group});
     }
     if (id == k_certificateTable && table.status != EStatus::REPEATED) {
         m_Announce(table);

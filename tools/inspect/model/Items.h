@@ -47,6 +47,7 @@ struct STable {
     std::shared_ptr<const SSigned> signedBytes;                ///< null: it has no signature that is verified
     TCertificates certificates;                                ///< that it announces, the first ones
     std::vector<std::vector<unsigned char>> certificateBytes;  ///< of those that can be read, DER
+    std::vector<unsigned char> groupsGone;                     ///< LLS groups whose tables hold no more from here on
 };
 
 /// Documents of the service-layer signalling (SLS) of ROUTE, in the order in which the library parses

@@ -255,7 +255,8 @@ const std::array<SRule, k_rules> k_ruleTable = {{
      "Look for loss on the way to the transmitter, and in the capture itself.", ""},
     {ERule::EFDT_EXPIRED, k_delivery, "efdt-expired", k_warning,
      "Receivers drop the description of the files, and with it the files.",
-     "Give Expires a time to come, in NTP seconds, and renew it in time.", "RFC 6726 3.3"},
+     "Give Expires a time to come, in NTP seconds, and renew it in time, or give maxExpiresDelta.",
+     "RFC 6726 3.3, RFC 9223"},
 
     {ERule::NO_MP_TABLE, k_mmt, "no-mp-table", k_error,
      "The channel is listed and shows nothing: receivers do not learn what carries it.",

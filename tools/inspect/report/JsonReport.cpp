@@ -314,6 +314,7 @@ TJson TableHeadJson(const STable& table)
     if (table.interval) {
         json["intervalSeconds"] = *table.interval;
     }
+    PutList(json, "groupsGone", table.groupsGone);
     if (table.status == EStatus::REPEATED) {
         return json;
     }

@@ -168,6 +168,9 @@ void CMetricsReport::BeginInterim()
 void CMetricsReport::Table(const STable& table)
 {
     constexpr std::size_t k_mostTables = 64;
+    for (const unsigned group : table.groupsGone) {
+        m_certificates.erase({table.stream, group});
+    }
     const std::pair key(table.stream, unsigned{table.header.groupId});
     if (!table.certificates.empty() && (m_certificates.size() < k_mostTables || m_certificates.count(key) != 0)) {
         m_certificates[key] = table.certificates;

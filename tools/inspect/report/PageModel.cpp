@@ -101,9 +101,11 @@ const TJson& Elements(const TJson& object, const char* key)
     return value != object.end() && value->is_array() ? *value : k_none;
 }
 
+constexpr const char* k_signed = " signed";
+
 std::string GroupText(const STable& table)
 {
-    return ServiceListName(table.stream, table.header.groupId) + (table.insideMultiTable ? " signed" : "");
+    return ServiceListName(table.stream, table.header.groupId) + (table.insideMultiTable ? k_signed : "");
 }
 
 }  // namespace
@@ -219,6 +221,10 @@ std::size_t CPageModel::m_See(const SSource& source)
 void CPageModel::Table(const STable& table)
 {
     const std::size_t file = m_See(table.source);
+    for (const unsigned group : table.groupsGone) {
+        m_Drop(file, ServiceListName(table.stream, group));
+        m_Drop(file, ServiceListName(table.stream, group) + k_signed);
+    }
     if (table.status == EStatus::REPEATED) {
         return;
     }
@@ -279,6 +285,19 @@ void CPageModel::m_Slt(const STable& table, const TKey& key)
         list->services.push_back(std::move(listed));
     }
     t_left += table.slt->leftOut;
+}
+
+/// What holds no more with its group.
+void CPageModel::m_Drop(std::size_t file, const std::string& group)
+{
+    const auto list = t_lists.find({file, group, std::to_string(k_sltId)});
+    if (list != t_lists.end()) {
+        m_bytes -= list->second.bytes;
+        t_lists.erase(list);
+    }
+    for (auto& [id, alert] : t_alerts) {
+        alert.current = alert.current && (std::get<0>(alert.table) != file || std::get<1>(alert.table) != group);
+    }
 }
 
 void CPageModel::m_Alerts(const STable& table, const TKey& key)

@@ -142,6 +142,7 @@ class CPageModel : public IReportWriter {
     std::string m_ServiceTitle(std::size_t file, unsigned serviceId) const;
     void m_Slt(const STable& table, const TKey& key);
     void m_Alerts(const STable& table, const TKey& key);
+    void m_Drop(std::size_t file, const std::string& group);
     void m_Certificates(const STable& table, const TKey& key);
 
     /// What a report on the way does not change.
