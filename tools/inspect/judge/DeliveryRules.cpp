@@ -4,6 +4,7 @@
 
 #include "base/Text.h"
 #include "judge/Names.h"
+#include "judge/OnAir.h"
 #include "judge/Read.h"
 #include "judge/Rules.h"
 
@@ -103,8 +104,6 @@ class CDeliveryRules : public CRules {
     void m_Arrived(const std::string& session, const TItem& item);
     void m_Tell(ERule rule, const SCase& one, const std::string& message) const;
     double m_Since(const SPackageFacts& package) const;
-    void m_Look(const SDelivery& delivery);
-    bool m_WouldBeCaptured(const SCase& one);
     void m_NotSent(const SCase& one);
     void m_Rate(const SCase& one, const SFlowDelivery& flow);
     void m_Bandwidth(const SCase& one, const SFlowDelivery& flow);
@@ -118,11 +117,7 @@ class CDeliveryRules : public CRules {
     void m_Intervals();
 
     const SRuleSettings m_settings;
-    std::map<std::string, SRounds> m_rounds;           ///< of signalling, by session
-    std::set<std::string> m_captured;                  ///< destinations
-    std::set<std::string> m_unclear;                   ///< destinations of which not all LCT sessions are known
-    std::set<std::string> m_came;                      ///< destinations of media of which objects went by
-    std::map<const SPackageFacts*, bool> m_elsewhere;  ///< whether media came beside the session of the signalling
+    std::map<std::string, SRounds> m_rounds;  ///< of signalling, by session
 };
 
 template <class TItem>
@@ -152,78 +147,21 @@ void CDeliveryRules::m_Tell(ERule rule, const SCase& one, const std::string& mes
 double CDeliveryRules::m_Since(const SPackageFacts& package) const
 {
     const auto source = package.documentSource.find(ESlsDocument::STSID);
-    return source != package.documentSource.end() && source->second.time && t_evidence.last
-               ? Seconds(*t_evidence.last) - Seconds(*source->second.time)
-               : 0;
+    return source != package.documentSource.end() ? SecondsBehind(t_evidence, source->second) : 0;
 }
 
-void CDeliveryRules::m_Look(const SDelivery& delivery)
-{
-    m_captured.clear();
-    m_unclear.clear();
-    m_came.clear();
-    m_elsewhere.clear();
-    for (const SSessionDelivery& session : delivery.sessions) {
-        if (session.traffic.packets == 0) {
-            continue;
-        }
-        const std::string destination = SessionText(session);
-        m_captured.insert(destination);
-        if (session.packetsNoFlow != 0 || session.protocol != EDeliveryProtocol::ROUTE) {
-            m_unclear.insert(destination);
-        }
-        for (const SFlowDelivery& flow : session.flows) {
-            if (IsMedia(session, flow) && flow.objects->whole + flow.objects->repeats > 1) {
-                m_came.insert(destination);
-            }
-        }
-    }
-}
-
-/// Whether packets of the LCT session would be in the capture: its address is, or others that nothing but a capture of
-/// everything would have beside the signalling.
-bool CDeliveryRules::m_WouldBeCaptured(const SCase& one)
-{
-    const std::string& destination = std::get<0>(one.key);
-    if (m_captured.count(destination) != 0) {
-        return m_unclear.count(destination) == 0;
-    }
-    if (one.delivery.others.packets != 0) {
-        return false;
-    }
-    const std::string address = destination.substr(0, destination.find(':') + 1);
-    const auto same = m_came.lower_bound(address);
-    if (same != m_came.end() && same->compare(0, address.size(), address) == 0) {
-        return true;
-    }
-    const SPackageFacts& package = *one.first.package;
-    const auto [known, isNew] = m_elsewhere.try_emplace(&package, false);
-    if (isNew) {
-        known->second =
-            std::any_of(package.stsid->sessions.begin(), package.stsid->sessions.end(), [&](const SLctFacts& lct) {
-                const std::string other = std::get<0>(KeyOf(package, lct));
-                return other != package.session && m_came.count(other) != 0;
-            });
-    }
-    return known->second;
-}
-
-/// Nothing came of it, though it would have.
+/// Nothing came of it, though it would have, or nothing comes any more.
 void CDeliveryRules::m_NotSent(const SCase& one)
 {
-    constexpr double k_enough = 2;
-    constexpr double k_enoughOfFew = 10;  // of subtitles and files not so many packets come
-    const SLctFacts& facts = *one.first.facts;
-    const bool steady = facts.realTime && (facts.contentType == "audio" || facts.contentType == "video");
-    const double since = m_Since(*one.first.package);
-    const std::optional<double> start = Instant(facts.startTime);
-    const std::optional<double> end = Instant(facts.endTime);
-    const double last = Seconds(*t_evidence.last);
-    const bool due = facts.bandwidth != std::uint64_t{0} && !(start && *start > last - since - k_clocksApart) &&
-                     !(end && *end < last + k_clocksApart);
-    if (due && !m_came.empty() && since >= (steady ? k_enough : k_enoughOfFew) && m_WouldBeCaptured(one)) {
-        m_Tell(facts.realTime ? ERule::SESSION_NOT_SENT : ERule::FILES_NOT_SENT, one,
-               one.Title() + " is announced, and no packet of it came in " + NumberText(std::floor(since)) + " s");
+    const SPresence presence = t_evidence.onAir->Of(*one.first.package, *one.first.facts);
+    if (presence.state == SPresence::ABSENT) {
+        m_Tell(one.first.facts->realTime ? ERule::SESSION_NOT_SENT : ERule::FILES_NOT_SENT, one,
+               one.Title() + " is announced, and no packet of it came in " + NumberText(std::floor(presence.seconds)) +
+                   " s");
+    } else if (presence.state == SPresence::STOPPED) {
+        m_Tell(ERule::SESSION_NOT_SENT, one,
+               one.Title() + " is announced, and no packet of it came in the last " +
+                   NumberText(std::floor(presence.seconds)) + " s");
     }
 }
 
@@ -376,9 +314,7 @@ void CDeliveryRules::m_Objects(const SSessionDelivery& session, const SFlowDeliv
     if (objects.incomplete == 0) {
         return;
     }
-    const bool repair = std::any_of(session.flows.begin(), session.flows.end(), [](const SFlowDelivery& each) {
-        return each.repairPackets != 0 || each.carries == "repair";
-    });
+    const bool repair = COnAir::HasRepair(session);
     const double share =
         static_cast<double>(objects.incomplete) / static_cast<double>(objects.incomplete + objects.whole);
     std::string names;
@@ -493,18 +429,14 @@ void CDeliveryRules::Finish(const SDelivery* delivery)
         return;
     }
     m_Intervals();
-    m_Look(*delivery);
-    for (const auto& [key, lct] : LctSessions(t_evidence, *delivery)) {
+    for (const auto& [key, lct] : t_evidence.onAir->Announced()) {
         const auto first = std::find_if(lct.by.begin(), lct.by.end(),
                                         [](const SLctSession::SAnnouncement& each) { return each.facts->sourceFlow; });
         if (first == lct.by.end() || std::get<2>(key) == 0) {
             continue;
         }
         const SCase one = {*delivery, key, lct, *first};
-        if (lct.flows.empty()) {
-            m_NotSent(one);
-            continue;
-        }
+        m_NotSent(one);
         const std::map<std::uint64_t, std::string> initialization = m_InitializationFiles(one);
         for (const auto& [session, place] : lct.flows) {
             const SFlowDelivery& flow = delivery->sessions[session].flows[place];

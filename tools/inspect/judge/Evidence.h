@@ -14,6 +14,8 @@
 
 namespace vyr::inspect {
 
+class COnAir;
+
 constexpr std::size_t k_mostJudged = 1000;  ///< services of a list
 
 /// The service list that an LLS group has now.
@@ -49,6 +51,7 @@ struct SEvidence {
 
     SGuideFacts guide;
     std::map<std::string, SMmtFacts> mmt;  ///< by session
+    const COnAir* onAir = nullptr;         ///< while a capture is judged
 
     /// The packages whose signalling is that of the service.
     std::vector<const SPackageFacts*> Of(const SSltService& service) const;

@@ -4,6 +4,7 @@
 
 #include "base/Text.h"
 #include "judge/Names.h"
+#include "judge/OnAir.h"
 #include "judge/Read.h"
 #include "judge/Verdicts.h"
 #include "model/Content.h"
@@ -13,6 +14,7 @@ namespace vyr::inspect {
 
 namespace {
 
+constexpr unsigned k_slt = 1;
 const std::vector<SLctFacts> k_noSessions;
 
 /// Remembers the LCT sessions of an S-TSID that another one replaces.
@@ -63,10 +65,17 @@ void Date(const SPackageFacts& package, SMpdFacts& mpd, const std::optional<STim
     }
 }
 
-std::tuple<ERule, unsigned, std::string> HeardKey(const SFinding& finding)
+/// Whether it is wrong with a message, or an object of signalling, until another one takes its place.
+bool IsOfMessage(const SFinding& finding)
+{
+    return finding.rule == ERule::MESSAGE_NOT_PARSED || finding.rule == ERule::DOCUMENT_NOT_PARSED ||
+           finding.rule == ERule::OBJECT_NOT_READ || finding.rule == ERule::CHANGED_WITHOUT_VERSION;
+}
+
+std::tuple<ERule, unsigned, std::string, std::string> HeardKey(const SFinding& finding)
 {
     constexpr unsigned k_none = 0x10000;
-    return {finding.rule, finding.serviceId.value_or(k_none), finding.session};
+    return {finding.rule, finding.serviceId.value_or(k_none), finding.session, finding.serviceList};
 }
 
 /// What tells the documents of one service from those of others: the key without the kind.
@@ -114,8 +123,50 @@ CJudge::~CJudge()
     m_report.RemoveWitness(*this);
 }
 
+/// Does not hold against a service any more what successors have mended.
+template <class TWhich>
+void CJudge::m_Forget(TWhich which)
+{
+    const auto end = std::remove_if(m_heard.begin(), m_heard.end(), [&](const SFinding& finding) {
+        return which(finding) && m_heardOf.erase(HeardKey(finding)) != 0;
+    });
+    m_heard.erase(end, m_heard.end());
+}
+
+/// What was wrong with the documents that the object has in its package is over when all of the package parse.
+void CJudge::m_ForgetMended(const SSignalling& signalling)
+{
+    const bool broken =
+        std::any_of(signalling.documents.begin(), signalling.documents.end(), [this](const SSlsDocument& document) {
+            const auto package = m_evidence.packages.find(PackageKey(document.key));
+            return package == m_evidence.packages.end() ||
+                   std::any_of(package->second.broken.begin(), package->second.broken.end(),
+                               [](const auto& kind) { return kind.second; });
+        });
+    if (!broken && !signalling.documents.empty()) {
+        m_Forget(
+            [&](const SFinding& finding) { return finding.session == signalling.session && IsOfMessage(finding); });
+    }
+}
+
+/// The same of messages: what is wrong with this one is told behind it.
+void CJudge::m_ForgetMended(const SMessage& message)
+{
+    m_message = {message.session, message.key};
+    m_faulty.erase(m_message);
+    const auto other = m_faulty.lower_bound({message.session, {}});
+    if (other == m_faulty.end() || other->first != message.session) {
+        m_Forget([&](const SFinding& finding) { return finding.session == message.session && IsOfMessage(finding); });
+    }
+}
+
 void CJudge::Table(const STable& table)
 {
+    if (table.slt) {
+        m_stream = table.stream;
+        const std::string list = ServiceListName(table.stream, table.header.groupId);
+        m_Forget([&](const SFinding& finding) { return finding.header && finding.serviceList == list; });
+    }
     for (const auto& rules : m_rules) {
         rules->Table(table);
     }
@@ -206,6 +257,9 @@ void CJudge::Signalling(const SSignalling& signalling)
         package.documentSource[document.kind] = signalling.source;
         m_Hold(package, document);
     }
+    if (signalling.status != EStatus::REPEATED) {
+        m_ForgetMended(signalling);
+    }
 }
 
 /// Enters the files of an S-TSID, or lets go of them.
@@ -271,6 +325,9 @@ void CJudge::Message(const SMessage& message)
         rules->Message(message);
     }
     HoldMessage(m_evidence.mmt, message);
+    if (message.status != EStatus::REPEATED) {
+        m_ForgetMended(message);
+    }
     m_changes += message.status != EStatus::REPEATED ? 1 : 0;
 }
 
@@ -302,9 +359,18 @@ void CJudge::Guide(const SGuide& guide)
 void CJudge::Finding(const SFinding& finding)
 {
     const bool ofService = finding.serviceId || !finding.session.empty();
-    if (ofService && finding.severity != ESeverity::NOTE && m_heard.size() < k_mostHeard &&
-        m_heardOf.insert(HeardKey(finding)).second) {
-        m_heard.push_back(finding);
+    if (ofService && finding.session == m_message.first && IsOfMessage(finding) && m_faulty.size() < k_mostHeard) {
+        m_faulty.insert(m_message);
+    }
+    if (!ofService || (finding.severity == ESeverity::NOTE && !Stops(finding.rule)) || m_heard.size() >= k_mostHeard) {
+        return;
+    }
+    SFinding heard = finding;
+    if (heard.header && heard.header->tableId == k_slt) {
+        heard.serviceList = ServiceListName(m_stream, heard.header->groupId);
+    }
+    if (m_heardOf.insert(HeardKey(heard)).second) {
+        m_heard.push_back(std::move(heard));
     }
 }
 
@@ -356,21 +422,21 @@ void CJudge::Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* 
     m_evidence.first = times.first;
     m_evidence.last = times.last;
     m_evidence.sessionsCaptured = sessionsCaptured;
+    std::optional<COnAir> onAir;
     if (delivery != nullptr) {
         NameDelivery(m_evidence, *delivery);
+        m_evidence.onAir = &onAir.emplace(m_evidence, *delivery);
     }
     for (const auto& rules : m_rules) {
         rules->Finish(delivery);
     }
-    if (delivery == nullptr) {
-        return;
-    }
-    if (delivery->traffic.packets != 0) {
+    if (delivery != nullptr && delivery->traffic.packets != 0) {
         m_report.Delivery(*delivery);
     }
     if (!m_evidence.lists.empty()) {
         m_report.Verdicts(Verdicts(m_evidence, *delivery, m_heard));
     }
+    m_evidence.onAir = nullptr;
 }
 
 }  // namespace vyr::inspect

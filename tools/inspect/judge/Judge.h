@@ -61,6 +61,10 @@ class CJudge : public IWitness {
     void m_CountSessions(const SListFacts& list, const SSource& source, bool held);
     void m_Drop(const TListKey& key, const SSource& source);
     void m_Index(const SPackageFacts& package, bool held);
+    template <class TWhich>
+    void m_Forget(TWhich which);
+    void m_ForgetMended(const SSignalling& signalling);
+    void m_ForgetMended(const SMessage& message);
     void m_Hold(SPackageFacts& package, const SSlsDocument& document);
 
     CReport& m_report;
@@ -72,8 +76,12 @@ class CJudge : public IWitness {
     std::map<std::pair<std::string, std::uint64_t>, const SLctFacts*> m_files;
     CFindings m_findings;
     std::vector<SFinding> m_heard;  ///< errors and warnings that may concern a service, one of those that are alike
-    std::set<std::tuple<ERule, unsigned, std::string>> m_heardOf;  ///< the same, by rule, service and session
-    std::size_t m_heardBefore = 0;                                 ///< the report on the way
+    /// The same, by rule, service, session and list.
+    std::set<std::tuple<ERule, unsigned, std::string, std::string>> m_heardOf;
+    std::string m_stream;                                    ///< of the last list: findings come behind it
+    std::pair<std::string, std::string> m_message;           ///< the last one of MMTP, by session and key
+    std::set<std::pair<std::string, std::string>> m_faulty;  ///< messages of which something is wrong
+    std::size_t m_heardBefore = 0;                           ///< the report on the way
     std::vector<std::unique_ptr<CRules>> m_rules;
 };
 

@@ -4,6 +4,7 @@
 
 #include "base/Text.h"
 #include "judge/Names.h"
+#include "judge/OnAir.h"
 #include "judge/Rules.h"
 
 namespace vyr::inspect {
@@ -30,7 +31,6 @@ class CMmtRules : public CRules {
 
     void m_Tell(ERule rule, const std::string& session, const SMmtFacts& facts, const SSource& source,
                 const std::string& message, std::optional<unsigned> service = {});
-    void m_Look(const SDelivery& delivery);
     double m_Since(const SSource& source) const;
     void m_Service(const SSltService& service);
     void m_Usbd(const std::string& session, const SMmtFacts& facts, const SMmtUsbdFacts& usbd);
@@ -40,9 +40,6 @@ class CMmtRules : public CRules {
     void m_Loss(const SSessionDelivery& session, const SFlowDelivery& flow);
 
     const SRuleSettings m_settings;
-    std::set<TPlace> m_came;
-    std::set<std::string> m_sessions;  ///< destinations of which all packet ids are known
-    bool m_media = false;              ///< something else than signalling came
 };
 
 void CMmtRules::m_Tell(ERule rule, const std::string& session, const SMmtFacts& facts, const SSource& source,
@@ -52,37 +49,10 @@ void CMmtRules::m_Tell(ERule rule, const std::string& session, const SMmtFacts& 
                     session);
 }
 
-void CMmtRules::m_Look(const SDelivery& delivery)
-{
-    constexpr unsigned k_media = 0;  // MPU
-    std::set<std::string> unclear;
-    m_came.clear();
-    m_sessions.clear();
-    m_media = false;
-    for (const SSessionDelivery& session : delivery.sessions) {
-        const std::string destination = SessionText(session);
-        if (session.traffic.packets == 0) {
-            continue;
-        }
-        if (session.protocol != EDeliveryProtocol::MMTP || session.guessed || session.packetsNoFlow != 0) {
-            unclear.insert(destination);
-            continue;
-        }
-        m_sessions.insert(destination);
-        for (const SFlowDelivery& flow : session.flows) {
-            m_came.emplace(destination, flow.id);
-            m_media = m_media || (flow.payloadType == k_media && flow.traffic.packets > 1);
-        }
-    }
-    for (const std::string& destination : unclear) {
-        m_sessions.erase(destination);
-    }
-}
-
 /// For how many seconds the capture goes on.
 double CMmtRules::m_Since(const SSource& source) const
 {
-    return source.time && t_evidence.last ? Seconds(*t_evidence.last) - Seconds(*source.time) : 0;
+    return SecondsBehind(t_evidence, source);
 }
 
 /// Without any MP table, nothing that a USBD says is of use.
@@ -184,25 +154,16 @@ void CMmtRules::m_Assets(const std::string& session, const SMmtFacts& facts)
 void CMmtRules::m_Asset(const std::string& session, const SMmtFacts& facts, const SMpTableFacts& table,
                         const SAssetFacts& asset)
 {
-    constexpr double k_enough = 2;
-    constexpr double k_enoughOfFew = 10;  // of subtitles not so many packets come
-    constexpr const char* k_few[] = {"stpp", "wvtt", "tx3g", "urim", "mett", "metx"};
-    const bool few = std::find(std::begin(k_few), std::end(k_few), asset.type) != std::end(k_few);
-    if (!m_media || asset.places.empty() || asset.elsewhere ||
-        m_Since(table.source) < (few ? k_enoughOfFew : k_enough)) {
+    const SPresence presence = t_evidence.onAir->Of(session, table, asset);
+    if (presence.state != SPresence::ABSENT && presence.state != SPresence::STOPPED) {
         return;
-    }
-    for (const auto& [destination, packetId] : asset.places) {
-        const std::string& where = destination.empty() ? session : destination;
-        if (m_sessions.count(where) == 0 || m_came.count({where, packetId}) != 0) {
-            return;
-        }
     }
     const auto& [destination, packetId] = asset.places.front();
     m_Tell(ERule::ASSET_NOT_SENT, session, facts, table.source,
            "asset " + Quoted(asset.id) + " (" + Printable(asset.type) + "): no packet of packet_id " +
-               std::to_string(packetId) + " came to " + (destination.empty() ? session : destination) + " in " +
-               NumberText(std::floor(m_Since(table.source))) + " s");
+               std::to_string(packetId) + " came to " + (destination.empty() ? session : destination) +
+               (presence.state == SPresence::STOPPED ? " in the last " : " in ") +
+               NumberText(std::floor(presence.seconds)) + " s");
 }
 
 /// What is lost may be repaired where there are repair packets.
@@ -229,7 +190,6 @@ void CMmtRules::Finish(const SDelivery* delivery)
     if (delivery == nullptr || !t_evidence.last || delivery->clockSet != 0 || !delivery->Whole()) {
         return;
     }
-    m_Look(*delivery);
     for (const auto& [key, list] : t_evidence.lists) {
         for (const SSltService& service : list.services) {
             if (service.notListed.empty() && service.slsProtocol == k_mmtp) {

@@ -354,7 +354,10 @@ void CSignallingRules::m_Representations(const SPackageFacts& package)
         }
         m_MediaInfo(package, lct, representations);
     }
-    if (carried.empty() || !package.usbd || !package.usbd->whole) {
+    const bool noneNamed =
+        carried.empty() && std::any_of(package.stsid->sessions.begin(), package.stsid->sessions.end(),
+                                       [](const SLctFacts& lct) { return lct.sourceFlow; });
+    if (noneNamed || !package.usbd || !package.usbd->whole) {
         return;
     }
     const SElsewhere elsewhere(package);

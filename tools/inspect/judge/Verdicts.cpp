@@ -1,13 +1,14 @@
 #include "judge/Verdicts.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <iterator>
 #include <map>
-#include <tuple>
 
 #include "base/Limits.h"
 #include "base/Text.h"
+#include "judge/OnAir.h"
 
 namespace vyr::inspect {
 
@@ -20,11 +21,16 @@ constexpr int k_mmtp = 2;
 constexpr unsigned k_mmtSignalling = 2;  // payload type
 
 /// Rules that end a service where they are found, in the order of what has to work first.
-constexpr ERule k_stops[] = {ERule::SERVICE_DROPPED, ERule::BAD_ADDRESS, ERule::PROTOCOL_UNKNOWN, ERule::NO_SIGNALLING,
-                             ERule::NO_STSID,        ERule::NO_MPD,      ERule::NO_MP_TABLE};
+constexpr ERule k_stops[] = {ERule::BAD_ADDRESS, ERule::PROTOCOL_UNKNOWN, ERule::NO_SIGNALLING,
+                             ERule::NO_STSID,    ERule::NO_MPD,           ERule::NO_MP_TABLE};
 /// Rules that are against the standard where viewers see nothing of it.
 constexpr ERule k_unseen[] = {ERule::RATE_ABOVE_BANDWIDTH, ERule::SESSION_NOT_ANNOUNCED, ERule::GLOBAL_SERVICE_ID,
                               ERule::SEQUENCE_UNCHANGED, ERule::TSI_TWICE};
+
+/// Types of components that viewers miss.
+constexpr const char* k_types[] = {"audio", "subtitles", "video"};
+
+constexpr const char* k_tooSoon = "it ends too soon behind the service's signalling";
 
 SJudgement But(const std::string& cause, const std::string& rule = {})
 {
@@ -58,18 +64,50 @@ SJudgement Worse(const SJudgement& one, const SJudgement& other)
     return weight(other) > weight(one) ? other : one;
 }
 
-/// What came of one kind of component.
-struct SComponentDelivery {
-    unsigned announced = 0;
-    unsigned came = 0;  ///< of which something could be used
+/// What came of the components of one type, or of several.
+struct SComponents {
+    std::array<unsigned, SPresence::k_states> states = {};  ///< how many there are of each
     std::uint64_t whole = 0;
     std::uint64_t broken = 0;
+    bool repair = false;  ///< which may mend what is broken
+
+    bool Has(SPresence::EState state) const { return states[state] != 0; }
+    bool Comes() const { return Has(SPresence::COMES); }
+    bool Missing() const { return Has(SPresence::ABSENT) || Has(SPresence::STOPPED); }
+    bool Unsure() const { return Has(SPresence::UNKNOWN) || Has(SPresence::TOO_SOON); }
+    void Add(const SComponents& other)
+    {
+        for (std::size_t i = 0; i < states.size(); ++i) {
+            states[i] += other.states[i];
+        }
+        whole += other.whole;
+        broken += other.broken;
+        repair = repair || other.repair;
+    }
 };
+
+/// "any more" of what came before.
+std::string AnyMore(const SComponents& components)
+{
+    return components.Has(SPresence::STOPPED) ? " any more" : "";
+}
+
+/// Of picture and sound, of which nothing came.
+SJudgement Neither(const SComponents& media)
+{
+    return media.Missing() ? Not("neither picture nor sound is sent" + AnyMore(media))
+                           : Unknown("picture and sound are announced for another time");
+}
 
 /// What a viewer misses without a component of the type.
 std::string Missing(const std::string& type)
 {
     return type == "video" ? "there is no picture" : type == "audio" ? "there is no sound" : "there are no subtitles";
+}
+
+std::string Name(const std::string& type)
+{
+    return type == "video" ? "picture" : "sound";
 }
 
 std::string Broken(const std::string& type)
@@ -79,42 +117,47 @@ std::string Broken(const std::string& type)
                              : "subtitles are missing in places";
 }
 
+/// Whether representations are all to come in LCT sessions, and none is announced.
+bool CarriesNothing(const SStsidFacts& stsid, const SMpdFacts& mpd)
+{
+    const auto carries = [](const SLctFacts& lct) { return lct.sourceFlow; };
+    const auto away = [](const SRepresentationFacts& one) { return one.media.find("://") != std::string::npos; };
+    return stsid.whole && mpd.whole && !mpd.representations.empty() &&
+           std::none_of(stsid.sessions.begin(), stsid.sessions.end(), carries) &&
+           std::none_of(mpd.representations.begin(), mpd.representations.end(), away);
+}
+
 class CServiceJudge {
   public:
     CServiceJudge(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings)
         : m_evidence(evidence), m_delivery(delivery), m_findings(findings)
     {
         for (const SSessionDelivery& session : delivery.sessions) {
-            const std::string address = EndpointText(session.destination, session.port);
-            m_sessions.emplace(address, &session);
-            for (const SFlowDelivery& flow : session.flows) {
-                const bool signalling = session.protocol == EDeliveryProtocol::ROUTE
-                                            ? flow.id == 0
-                                            : flow.payloadType && *flow.payloadType == k_mmtSignalling;
-                m_mediaCaptured = m_mediaCaptured || !signalling;
-                m_flows.emplace(std::tuple(address, flow.id, std::string()), &flow);
-                m_flows.emplace(std::tuple(address, flow.id, Ipv4Text(session.source)), &flow);
-            }
+            m_sessions.emplace(EndpointText(session.destination, session.port), &session);
         }
     }
 
     SVerdict Judge(const std::string& list, const SSltService& service);
 
   private:
-    SJudgement m_Judge(const std::string& list, const SSltService& service) const;
+    SJudgement m_Judge(const std::string& list, const SSltService& service);
     bool m_Concerns(const SFinding& finding, const SSltService& service) const;
     SJudgement m_Stopped(const SSltService& service) const;
-    SJudgement m_Media(const SSltService& service) const;
-    SJudgement m_Mmt() const;
+    SJudgement m_Undescribed(const SSltService& service) const;
+    using TTypes = std::map<std::string, SComponents>;
+    const TTypes& m_TypesOf(const SPackageFacts& package);
+    SJudgement m_Media(const SSltService& service);
+    SJudgement m_Unsure(const std::string& what, const SComponents& of) const;
+    SJudgement m_Missing(const TTypes& types) const;
+    bool m_SignalsAlone() const;
+    SJudgement m_Mmt(const SSltService& service) const;
     SJudgement m_Spoiled(const SSltService& service) const;
     const SEvidence& m_evidence;
     const SDelivery& m_delivery;
     const std::vector<SFinding>& m_findings;
     std::map<std::string, const SSessionDelivery*> m_sessions;  ///< by address
-    std::map<std::tuple<std::string, std::uint64_t, std::string>, const SFlowDelivery*>
-        m_flows;                   ///< by address, TSI, and source or none
-    bool m_mediaCaptured = false;  ///< of whatever service
-    std::string m_address;         ///< of the signalling of the service that is judged
+    std::map<const SPackageFacts*, TTypes> m_types;             ///< of those that were asked for
+    std::string m_address;                                      ///< of the signalling of the service that is judged
 };
 
 bool CServiceJudge::m_Concerns(const SFinding& finding, const SSltService& service) const
@@ -137,67 +180,177 @@ SJudgement CServiceJudge::m_Stopped(const SSltService& service) const
     return {};
 }
 
-/// What came of the components that the S-TSID announces.
-SJudgement CServiceJudge::m_Media(const SSltService& service) const
+/// That the documents which a linear service cannot do without lead to nothing: they never parsed, or the S-TSID
+/// announces nothing at all.
+SJudgement CServiceJudge::m_Undescribed(const SSltService& service) const
+{
+    SJudgement judgement;
+    for (const SPackageFacts* package : m_evidence.Of(service)) {
+        const auto never = [package](ESlsDocument kind, bool held) {
+            const auto broken = package->broken.find(kind);
+            return !held && broken != package->broken.end() && broken->second;
+        };
+        const bool alone = package->usbd && package->usbd->whole && package->usbd->unicast.empty();
+        const bool stsid = never(ESlsDocument::STSID, package->stsid.has_value());
+        const bool mpd = never(ESlsDocument::MPD, package->mpd.has_value()) && alone;
+        if (stsid || mpd) {
+            judgement =
+                Not(std::string("receivers go on without its ") + (stsid ? "S-TSID" : "MPD") + ", which does not parse",
+                    RuleName(ERule::DOCUMENT_NOT_PARSED));
+        } else if (alone && package->stsid && package->mpd && CarriesNothing(*package->stsid, *package->mpd)) {
+            judgement = Not("its S-TSID announces no LCT session, and its MPD has nothing by broadband",
+                            RuleName(ERule::REPRESENTATION_NOT_CARRIED));
+        } else {
+            return {};
+        }
+    }
+    return judgement;
+}
+
+/// What came of the components that the S-TSID announces, by their type.
+const CServiceJudge::TTypes& CServiceJudge::m_TypesOf(const SPackageFacts& package)
+{
+    const auto [known, isNew] = m_types.try_emplace(&package);
+    TTypes& types = known->second;
+    for (std::size_t i = 0; isNew && package.stsid && i < package.stsid->sessions.size(); ++i) {
+        const SLctFacts& lct = package.stsid->sessions[i];
+        const std::string type = m_evidence.onAir->TypeOf(package, lct);
+        if (!lct.realTime || std::find(std::begin(k_types), std::end(k_types), type) == std::end(k_types)) {
+            continue;
+        }
+        SComponents component;
+        bool useless = false;
+        for (const auto& [place, number] : m_evidence.onAir->Announced().at(KeyOf(package, lct)).flows) {
+            const SSessionDelivery& session = m_delivery.sessions[place];
+            const std::optional<SObjectsDelivery>& objects = session.flows[number].objects;
+            component.whole += objects ? objects->whole : 0;
+            component.broken += objects ? objects->incomplete : 0;
+            component.repair = component.repair || COnAir::HasRepair(session);
+            useless = component.whole == 0 && component.broken != 0 && !component.repair;
+        }
+        ++component.states[useless ? SPresence::ABSENT : m_evidence.onAir->Of(package, lct).state];
+        types[type].Add(component);
+    }
+    return types;
+}
+
+/// What came of the picture, the sound and the subtitles of the service.
+SJudgement CServiceJudge::m_Media(const SSltService& service)
 {
     constexpr double k_leastSeconds = 2;  // of the capture behind the S-TSID
-    constexpr std::uint64_t k_half = 2;
-    std::map<std::string, SComponentDelivery> components;
+    TTypes types;
     for (const SPackageFacts* package : m_evidence.Of(service)) {
         if (!package->stsid || !package->stsid->whole) {
             continue;
         }
         const auto since = package->documentSource.find(ESlsDocument::STSID);
-        const bool timed = since != package->documentSource.end() && since->second.time && m_delivery.traffic.last;
-        if (timed && Seconds(*m_delivery.traffic.last) - Seconds(*since->second.time) < k_leastSeconds) {
-            return Unknown("it ends too soon behind the service's signalling");
+        const bool timed = since != package->documentSource.end() && since->second.time && package->earlier.empty();
+        if (timed && SecondsBehind(m_evidence, since->second) < k_leastSeconds) {
+            return Unknown(k_tooSoon);
         }
-        for (const SLctFacts& lct : package->stsid->sessions) {
-            if (!lct.realTime || lct.contentType.empty()) {
-                continue;
-            }
-            SComponentDelivery& component = components[lct.contentType];
-            const auto found = m_flows.find({lct.destination, lct.tsi, lct.source});
-            const SFlowDelivery* flow = found != m_flows.end() ? found->second : nullptr;
-            ++component.announced;
-            const bool told = flow != nullptr && flow->objects;
-            const bool useless = told && flow->objects->whole == 0 && flow->objects->incomplete != 0;
-            component.came += flow != nullptr && !useless ? 1 : 0;
-            component.whole += told ? flow->objects->whole : 0;
-            component.broken += told ? flow->objects->incomplete : 0;
+        for (const auto& [type, components] : m_TypesOf(*package)) {
+            types[type].Add(components);
         }
     }
-    SJudgement judgement;
-    bool anything = false;
-    for (const auto& [type, component] : components) {
-        anything = anything || (component.came != 0 && (type == "video" || type == "audio"));
-        if (component.came == 0) {
-            judgement = Worse(judgement, But(Missing(type)));
-        } else if (component.broken != 0) {
-            const std::uint64_t all = component.broken + component.whole;
-            const std::string share = std::to_string(component.broken) + " of " + std::to_string(all) +
-                                      " pieces of its " + type + " arrive broken";
-            judgement =
-                Worse(judgement, component.broken * k_half >= all ? Not(share) : But(Broken(type) + ": " + share));
+    SJudgement judgement = m_Missing(types);
+    for (const auto& [type, component] : types) {
+        constexpr std::uint64_t k_half = 2;
+        if (!component.Comes() || component.broken == 0) {
+            continue;
+        }
+        const std::uint64_t all = component.broken + component.whole;
+        const std::string share = std::to_string(component.broken) + " of " + std::to_string(all) + " pieces of its " +
+                                  type + " arrive broken";
+        const bool most = component.broken * k_half >= all;
+        if (component.repair && most) {
+            judgement = Worse(judgement, Unknown(share + ", before repair"));
+        } else if (!component.repair) {
+            judgement = Worse(judgement, most ? Not(share) : But(Broken(type) + ": " + share));
         }
     }
-    const bool media = components.count("video") + components.count("audio") != 0;
-    return media && !anything ? Not("neither picture nor sound is sent") : judgement;
+    return judgement;
 }
 
-/// What came besides the signalling of a service that MMTP carries.
-SJudgement CServiceJudge::m_Mmt() const
+/// That nothing is known of picture or sound, which may be sent all the same.
+SJudgement CServiceJudge::m_Unsure(const std::string& what, const SComponents& of) const
+{
+    return Unknown(m_delivery.clockSet != 0 ? "its clock was set"
+                   : of.Has(SPresence::TOO_SOON)
+                       ? k_tooSoon
+                       : "the service's " + what + " may be among what was not captured or kept");
+}
+
+/// What a viewer misses of it, if that can be told.
+SJudgement CServiceJudge::m_Missing(const TTypes& types) const
+{
+    SComponents media;
+    SComponents unsure;
+    std::string names;
+    SJudgement judgement;
+    for (const auto& [type, component] : types) {
+        const bool subtitles = type == "subtitles";
+        media.Add(subtitles ? SComponents() : component);
+        if (component.Comes()) {
+            continue;
+        }
+        if (component.Unsure() && !subtitles) {
+            names = Name(type) + (names.empty() ? "" : " and " + names);
+            unsure.Add(component);
+        } else if (component.Missing() && !component.Unsure()) {
+            judgement = Worse(judgement, But(Missing(type) + AnyMore(component)));
+        }
+    }
+    if (!names.empty()) {
+        return m_Unsure(names, unsure);
+    }
+    const bool any = types.count("video") + types.count("audio") != 0;
+    return any && !media.Comes() ? Neither(media) : judgement;
+}
+
+/// Whether nothing but signalling came on the session of a service that MMTP carries.
+bool CServiceJudge::m_SignalsAlone() const
 {
     const auto found = m_sessions.find(m_address);
-    if (found == m_sessions.end() || found->second->packetsNoFlow != 0 || found->second->guessed) {
+    return found != m_sessions.end() && found->second->packetsNoFlow == 0 && !found->second->guessed &&
+           std::all_of(found->second->flows.begin(), found->second->flows.end(), [](const SFlowDelivery& flow) {
+               return flow.payloadType && *flow.payloadType == k_mmtSignalling;
+           });
+}
+
+/// What came of the assets of a service that MMTP carries.
+SJudgement CServiceJudge::m_Mmt(const SSltService& service) const
+{
+    const auto found = m_evidence.mmt.find(m_address);
+    if (found == m_evidence.mmt.end()) {
         return {};
     }
-    const std::vector<SFlowDelivery>& flows = found->second->flows;
-    const bool media = std::any_of(flows.begin(), flows.end(), [](const SFlowDelivery& flow) {
-        return !flow.payloadType || *flow.payloadType != k_mmtSignalling;
+    const SMmtFacts& facts = found->second;
+    std::string package;
+    bool elsewhere = !facts.whole;
+    for (const auto& [key, usbd] : facts.usbds) {
+        if (usbd.serviceId == unsigned{service.serviceId}) {
+            package = usbd.package;
+            elsewhere = elsewhere || usbd.route || usbd.broadband;
+        }
+    }
+    SComponents media;
+    bool any = false;
+    facts.EachTable([&](const SMpTableFacts& table) {
+        const bool its = package.empty() || table.package.empty() || table.package == package;
+        for (std::size_t i = 0; its && i < table.assets.size(); ++i) {
+            if (COnAir::IsSteady(table.assets[i])) {
+                ++media.states[m_evidence.onAir->Of(m_address, table, table.assets[i]).state];
+                any = true;
+            }
+        }
     });
-    // Assets may be on sessions of their own, which nothing here knows.
-    return media || m_delivery.sessions.size() > 2 ? SJudgement() : But("nothing but signalling is on its session");
+    if (!any) {
+        return m_SignalsAlone() ? Unknown("it has signalling alone of the service, and no MP table that names more")
+                                : SJudgement();
+    }
+    return media.Comes()                 ? SJudgement()
+           : elsewhere || media.Unsure() ? m_Unsure("picture and sound", media)
+                                         : Neither(media);
 }
 
 /// The first of what spoils it, errors first.
@@ -207,7 +360,7 @@ SJudgement CServiceJudge::m_Spoiled(const SSltService& service) const
     std::size_t count = 0;
     for (const SFinding& finding : m_findings) {
         const bool seen = std::find(std::begin(k_unseen), std::end(k_unseen), finding.rule) == std::end(k_unseen);
-        if (seen && m_Concerns(finding, service)) {
+        if (seen && finding.severity != ESeverity::NOTE && m_Concerns(finding, service)) {
             first = first == nullptr || finding.severity > first->severity ? &finding : first;
             ++count;
         }
@@ -219,7 +372,7 @@ SJudgement CServiceJudge::m_Spoiled(const SSltService& service) const
                RuleName(first->rule));
 }
 
-SJudgement CServiceJudge::m_Judge(const std::string& list, const SSltService& service) const
+SJudgement CServiceJudge::m_Judge(const std::string& list, const SSltService& service)
 {
     if (!service.notListed.empty()) {
         return Not("receivers do not list it: " + service.notListed);
@@ -243,14 +396,17 @@ SJudgement CServiceJudge::m_Judge(const std::string& list, const SSltService& se
     if (!m_delivery.received && m_evidence.Of(service).empty() && m_evidence.mmt.count(m_address) == 0) {
         return Unknown("not all of it was received, and none of its signalling");
     }
-    if (!m_mediaCaptured) {
-        return Unknown("it has signalling alone, and no media of any service");
-    }
     const bool linear = service.serviceCategory == k_linear || service.serviceCategory == k_linearAudio;
     if (linear && service.slsProtocol == k_route) {
-        judgement = m_Media(service);
+        judgement = m_Undescribed(service);
+    }
+    if (judgement.verdict == EVerdict::PLAYS && !m_evidence.onAir->Media()) {
+        return Unknown("it has signalling alone, and no media of any service");
+    }
+    if (linear && service.slsProtocol == k_route) {
+        judgement = Worse(judgement, m_Media(service));
     } else if (linear && service.slsProtocol == k_mmtp) {
-        judgement = m_Mmt();
+        judgement = m_Mmt(service);
     }
     if (!m_delivery.received && judgement.verdict != EVerdict::PLAYS) {
         return Unknown("not all of it was received");
@@ -282,6 +438,11 @@ SVerdict CServiceJudge::Judge(const std::string& list, const SSltService& servic
 }
 
 }  // namespace
+
+bool Stops(ERule rule)
+{
+    return std::find(std::begin(k_stops), std::end(k_stops), rule) != std::end(k_stops);
+}
 
 SVerdicts Verdicts(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings)
 {

@@ -7,8 +7,10 @@
 
 namespace vyr::inspect {
 
+/// Whether the rule ends a service where it is broken, whatever the run makes of it.
+bool Stops(ERule rule);
 /// Says of each service of the lists that hold whether it plays. `findings` are those of the input that may concern
-/// services: errors and warnings.
+/// services: errors, warnings, and what stops.
 SVerdicts Verdicts(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings);
 
 }  // namespace vyr::inspect

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <set>
@@ -125,6 +126,16 @@ struct SDelivery {
     /// Everything is named that signalling names: a session that nothing names is traffic without signalling.
     bool namesKnown = false;
 
+    /// For how many seconds before the end nothing came of it, if that is long: more than a second, and twice its
+    /// longest gap.
+    std::optional<double> Silence(const STraffic& of) const
+    {
+        if (!of.last || !traffic.last || clockSet != 0) {
+            return {};
+        }
+        const double silence = Seconds(*traffic.last) - Seconds(*of.last);
+        return silence > std::max(1.0, 2 * of.gap.value_or(0)) ? std::optional<double>(silence) : std::nullopt;
+    }
     /// Whether what is missing is missing on the air.
     bool Whole() const { return packetsCut == 0 && received; }
 };

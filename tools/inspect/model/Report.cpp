@@ -195,13 +195,10 @@ void CReport::Verdicts(const SVerdicts& item)
 void CReport::Finding(SFinding finding)
 {
     const std::optional<ESeverity>& severity = m_severities.Of(finding.rule);
-    if (!severity) {
-        return;
-    }
-    finding.severity = *severity;
+    finding.severity = severity.value_or(ESeverity::NOTE);
     finding.message = Clipped(finding.message, Limit(k_longestMessage));
     m_Witness(m_witnesses, &IWitness::Finding, finding);
-    if (!m_choice->Takes(finding)) {
+    if (!severity || !m_choice->Takes(finding)) {
         return;
     }
     ++m_summary.findings[finding.rule];

@@ -19,7 +19,7 @@ class IWitness {
     virtual void Message(const SMessage& message) = 0;
     virtual void GuideObject(const SGuideObject& object) = 0;
     virtual void Guide(const SGuide& guide) = 0;
-    /// What it finds itself among them.
+    /// What it finds itself among them; of a rule that is ignored, as a note.
     virtual void Finding(const SFinding&) {}
     /// A whole file, when files are followed.
     virtual void File(const SFile&) {}

@@ -54,15 +54,10 @@ std::string ServicesText(const std::vector<unsigned>& services)
     return shown.empty() ? std::string() : (services.size() == 1 ? "service " : "services ") + Joined(shown);
 }
 
-/// That the last packet came long before the last one of the capture.
 std::string SilenceText(const STraffic& traffic, const SDelivery& delivery)
 {
-    if (!traffic.last || !delivery.traffic.last || delivery.clockSet != 0) {
-        return {};
-    }
-    const double silence = Seconds(*delivery.traffic.last) - Seconds(*traffic.last);
-    return silence > std::max(1.0, 2 * traffic.gap.value_or(0)) ? "silent for the last " + Decimal(silence, 1) + " s"
-                                                                : std::string();
+    const std::optional<double> silence = delivery.Silence(traffic);
+    return silence ? "silent for the last " + Decimal(*silence, 1) + " s" : std::string();
 }
 
 void AddObjects(CParts& parts, const SObjectsDelivery& objects)
