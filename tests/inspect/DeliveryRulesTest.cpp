@@ -58,6 +58,8 @@ const std::vector<SBreach> k_delivery = {
          b.keep = NoAudio;
      },
      {"packets-cut"}},
+    {"in one that cuts the signalling", [](SBroadcast& b) { b.cutTo = 1000; }, {"packets-cut"}},
+    {"and the service list", [](SBroadcast& b) { b.cutTo = 300; }, {"packets-cut"}},
     {"in one whose clock was set",
      All(More([](unsigned second, CCapture& capture) {
              capture.At(second + (second == 6 ? 3700 : 0), 40000).AddSession("?", 7001);

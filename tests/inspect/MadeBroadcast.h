@@ -59,6 +59,7 @@ struct SBroadcast {
         "minBufferTime=\"PT1S\"><Period id=\"p\" start=\"PT0S\">" +
         Set("v", "video", "", 16000) + Set("a", "audio", " lang=\"en\"", 8000) + "</Period></MPD>";
     unsigned rounds = 12;
+    std::size_t cutTo = 65535;  ///< what is captured of a packet
     /// Told each packet before it is sent; false: it is not.
     std::function<bool(SSent&)> change = [](SSent&) { return true; };
 
@@ -143,7 +144,7 @@ struct SBroadcast {
     }
     std::string Bytes() const
     {
-        CCapture capture(1);
+        CCapture capture(1, cutTo);
         for (unsigned round = 0; round < rounds; ++round) {
             Round(capture, round);
         }

@@ -70,6 +70,12 @@ TEST(Verdicts, WhetherAServicePlays)
         {"most pieces broken", "does-not-play", "8 of ", Drop([=](const SSent& s) {
              return s.kind == SSent::MEDIA && ofTsi(s, 10) && s.round >= 2 && s.round < 10 && s.lct.start == 0;
          })},
+        {"pieces cut by the capture", "cannot-tell", "packets of it were cut", [](SBroadcast& b) { b.cutTo = 1000; }},
+        {"cut, and not listed", "does-not-play", "receivers do not list it: minorChannelNo 1000",
+         [=](SBroadcast& b) {
+             list("ChannelNo=\"1\"", "ChannelNo=\"1000\"")(b);
+             b.cutTo = 1000;
+         }},
         {"protected", "plays-but", "only where it can be unlocked: it is protected; and receivers say",
          list("protected=\"false\"", "protected=\"true\"")},
         {"protected, and no sound", "plays-but",

@@ -274,7 +274,7 @@ void CBroadcast::m_Findings(const SReception& reception)
     }
     for (const auto& [stream, follower] : m_lls) {
         const std::string streamText = EndpointText(stream.first, stream.second);
-        if (reception.missed.count({stream.first, stream.second, 0}) != 0) {
+        if (reception.Excuses({stream.first, stream.second, 0}, follower->Tables())) {
             continue;
         }
         if (follower->Tables() == 0 && m_options.routeSessions.empty() && m_options.mmtpSessions.empty()) {

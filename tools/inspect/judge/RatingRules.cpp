@@ -152,9 +152,10 @@ void CRatingRules::GuideObject(const SGuideObject& object)
     }
 }
 
-void CRatingRules::Finish(const SDelivery* /*delivery*/)
+void CRatingRules::Finish(const SDelivery* delivery)
 {
-    const bool allRegions = m_whole && !m_regions.empty() && ListsWhole(t_evidence);
+    const bool received = delivery == nullptr || delivery->received;
+    const bool allRegions = received && m_whole && !m_regions.empty() && ListsWhole(t_evidence);
     for (const auto& [name, place] : m_names) {
         const auto& [region, dimension] = name;
         const auto known = m_regions.find(region);

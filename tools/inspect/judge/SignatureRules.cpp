@@ -350,7 +350,9 @@ void CSignatureRules::Finish(const SDelivery* delivery)
     if (delivery->clockSet == 0 && t_evidence.first && t_evidence.last) {
         m_Validity(m_Used(known, signers));
     }
-    m_NotAnnounced();
+    if (delivery->received) {
+        m_NotAnnounced();
+    }
     m_UnsignedTables();
     m_UnsignedPackages();
 }

@@ -240,6 +240,9 @@ SJudgement CServiceJudge::m_Judge(const SSltService& service) const
     if (judgement.verdict != EVerdict::PLAYS) {
         return judgement;
     }
+    if (m_delivery.packetsCut != 0) {
+        return Unknown("packets of it were cut, and what they carried is missing");
+    }
     if (!m_delivery.received && m_evidence.Of(service).empty() && m_evidence.mmt.count(m_address) == 0) {
         return Unknown("not all of it was received, and none of its signalling");
     }

@@ -16,11 +16,12 @@ struct SReception {
     /// Whether packets that were sent may be missing here, and here only.
     bool Lossy() const { return counts.dropped != 0 || counts.lostByInterface != 0; }
     /// Whether all came in that was to.
-    bool Whole() const { return !Lossy() && missed.empty(); }
-    /// Whether it can be the tool's own fault that nothing could be read of a session, of which so many packets came.
+    bool Whole() const { return !Lossy() && counts.cut == 0 && missed.empty(); }
+    /// Whether it can be the fault of the tool or of the capture that nothing could be read of a session, of which so
+    /// many packets came. Packets are cut for their size: it can be all of them.
     bool Excuses(const SServiceSession& session, std::uint64_t packets) const
     {
-        return missed.count(session) != 0 || (Lossy() && packets != 0);
+        return missed.count(session) != 0 || counts.cut != 0 || (Lossy() && packets != 0);
     }
 };
 
