@@ -150,7 +150,7 @@ void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge
         while (!m_output.Ended() && input.Next(packet)) {
             if (broadcast.Next(packet.time)) {
                 m_report.Received(packet.bytes.size);
-                decoder.Decode(packet.bytes, packet.cut);
+                decoder.Decode(packet.bytes, packet.cut, packet.time);
             }
             m_progress.Show(name, broadcast.Packets());
         }

@@ -61,6 +61,7 @@ struct SPacketCounts {
     std::uint64_t fragments = 0;            ///< IPv4 and link-layer pieces
     std::uint64_t incompleteDatagrams = 0;  ///< pieces that never became whole
     std::uint64_t datagrams = 0;            ///< whole UDP datagrams
+    std::uint64_t copies = 0;               ///< of datagrams, which the capture has more than once; not of `datagrams`
 
     /// A packet ends before its headers say; `captureCut`: the capture holds less of it than there was.
     void Short(bool captureCut) { ++(captureCut ? cut : malformed); }
@@ -78,6 +79,7 @@ struct SPacketCounts {
         visit("fragments", self.fragments);
         visit("datagramsIncomplete", self.incompleteDatagrams);
         visit("udpDatagrams", self.datagrams);
+        visit("udpDatagramsCopied", self.copies);
     }
 };
 

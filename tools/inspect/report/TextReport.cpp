@@ -316,6 +316,7 @@ std::string PacketsText(const SPacketCounts& packets)
     add(packets.otherLinkPackets, "link-layer packets of other kinds");
     add(packets.fragments, "fragments");
     add(packets.incompleteDatagrams, "of them never whole");
+    add(packets.copies, "datagrams captured again, and not counted");
     return text;
 }
 

@@ -158,9 +158,9 @@ void CCapture::Receive(std::uint64_t most)
     const unsigned char* bytes = nullptr;
     int result = 1;
     for (std::uint64_t i = 0; i < most && i < k_batch && (result = pcap_next_ex(m_pcap, &header, &bytes)) == 1; ++i) {
-        m_sink.packet({header->ts.tv_sec, static_cast<std::int32_t>(header->ts.tv_usec) * m_nanoseconds},
-                      header->caplen);
-        m_decoder->Decode({bytes, header->caplen}, header->caplen < header->len);
+        const STime time = {header->ts.tv_sec, static_cast<std::int32_t>(header->ts.tv_usec) * m_nanoseconds};
+        m_sink.packet(time, header->caplen);
+        m_decoder->Decode({bytes, header->caplen}, header->caplen < header->len, time);
     }
     if (m_interface) {
         m_interface->Watch(result == PCAP_ERROR);

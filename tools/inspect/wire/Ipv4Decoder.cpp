@@ -1,6 +1,7 @@
 #include "wire/Ipv4Decoder.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <utility>
 
@@ -20,9 +21,14 @@ CIpv4Decoder::CIpv4Decoder(SPacketCounts& counts, std::function<void(const SData
 {
 }
 
+void CIpv4Decoder::Now(const std::optional<STime>& time)
+{
+    m_now.seconds = time ? Seconds(*time) : m_now.seconds;
+}
+
 void CIpv4Decoder::Decode(SView packet, bool cut)
 {
-    ++m_decoded;
+    ++m_now.packets;
     if (packet.size < 20) {
         m_counts.Short(cut);
         return;
@@ -49,6 +55,8 @@ void CIpv4Decoder::Decode(SView packet, bool cut)
     const unsigned flagsAndOffset = packet.Be16(6);
     if ((flagsAndOffset & (k_moreFragments | k_offsetMask)) != 0) {
         m_Fragment(packet, data, flagsAndOffset);
+    } else if (m_IsCopy(packet, data)) {
+        ++m_counts.copies;
     } else {
         m_Udp(packet.Be32(12), packet.Be32(16), data);
     }
@@ -59,6 +67,38 @@ void CIpv4Decoder::Finish()
     while (!m_open.empty()) {
         m_Drop(m_open.begin());
     }
+}
+
+bool CIpv4Decoder::m_Within(const SPlace& distance, const SPlace& since) const
+{
+    return m_now.packets - since.packets <= distance.packets &&
+           std::abs(m_now.seconds - since.seconds) <= distance.seconds;
+}
+
+/// Whether a datagram came before: sent again, it would have another id. That is known of senders alone that count
+/// them. The bytes guard against two senders behind one address; those behind the first are in the UDP checksum.
+bool CIpv4Decoder::m_IsCopy(SView packet, SView data)
+{
+    const std::uint16_t id = packet.Be16(4);
+    if (id == 0) {
+        return false;
+    }
+    const std::uint32_t source = packet.Be32(12);
+    const std::uint32_t destination = packet.Be32(16);
+    const std::size_t size = std::min(data.size, k_copyBytes);
+    SCame& came = m_came[id % m_came.size()];
+    const bool again = came.id == id && came.source == source && m_Within(k_copyDistance, came.place);
+    if (again && !came.idStays && came.destination == destination &&
+        std::memcmp(came.begin.data(), data.data, size) == 0) {
+        return true;
+    }
+    came.source = source;
+    came.destination = destination;
+    came.id = id;
+    came.idStays = again;
+    std::memcpy(came.begin.data(), data.data, size);
+    came.place = m_now;
+    return false;
 }
 
 void CIpv4Decoder::m_Fragment(SView packet, SView data, unsigned flagsAndOffset)
@@ -76,19 +116,21 @@ void CIpv4Decoder::m_Fragment(SView packet, SView data, unsigned flagsAndOffset)
     auto assembly = std::find_if(m_open.begin(), m_open.end(), [&](const SAssembly& open) {
         return open.id == id && open.source == source && open.destination == destination;
     });
-    if (assembly != m_open.end() && assembly->completedAt != 0) {
-        // A capture point that sees both directions has every packet twice.
-        if (m_decoded - assembly->completedAt <= k_duplicateDistance && offset + data.size <= assembly->total &&
-            std::memcmp(assembly->bytes.data() + offset, data.data, data.size) == 0) {
-            return;
-        }
-        m_open.erase(assembly);
+    if (assembly != m_open.end() && assembly->whole && m_Within(k_copyDistance, assembly->last) &&
+        offset + data.size <= assembly->total &&
+        std::memcmp(assembly->bytes.data() + offset, data.data, data.size) == 0) {
+        m_counts.copies += assembly->copied ? 0 : 1;
+        assembly->copied = true;
+        return;
+    }
+    if (assembly != m_open.end() && (assembly->whole || !m_Within(k_lifetime, assembly->last))) {
+        m_Drop(assembly);
         assembly = m_open.end();
     }
     if (assembly == m_open.end()) {
         if (m_open.size() == k_maxOpen) {
             const auto done =
-                std::find_if(m_open.begin(), m_open.end(), [](const SAssembly& open) { return open.completedAt != 0; });
+                std::find_if(m_open.begin(), m_open.end(), [](const SAssembly& open) { return open.whole; });
             m_Drop(done != m_open.end() ? done : m_open.begin());
         }
         assembly = m_open.insert(m_open.end(), SAssembly{source, destination, id, {}, {}});
@@ -98,10 +140,11 @@ void CIpv4Decoder::m_Fragment(SView packet, SView data, unsigned flagsAndOffset)
         m_Drop(assembly);
         return;
     }
+    assembly->last = m_now;
     const std::size_t blocks = (assembly->total + k_block - 1) / k_block;
     if (assembly->total != 0 && assembly->blocks.size() == blocks &&
         std::find(assembly->blocks.begin(), assembly->blocks.end(), false) == assembly->blocks.end()) {
-        assembly->completedAt = m_decoded;
+        assembly->whole = true;
         m_Udp(source, destination, {assembly->bytes.data(), assembly->total});
     }
 }
@@ -143,7 +186,7 @@ void CIpv4Decoder::m_Udp(std::uint32_t source, std::uint32_t destination, SView 
 
 void CIpv4Decoder::m_Drop(std::list<SAssembly>::iterator assembly)
 {
-    m_counts.incompleteDatagrams += assembly->completedAt == 0 ? 1 : 0;
+    m_counts.incompleteDatagrams += assembly->whole ? 0 : 1;
     m_open.erase(assembly);
 }
 

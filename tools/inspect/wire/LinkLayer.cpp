@@ -42,9 +42,10 @@ bool CPacketDecoder::Knows(int linkType)
     }
 }
 
-void CPacketDecoder::Decode(SView packet, bool cut)
+void CPacketDecoder::Decode(SView packet, bool cut, const std::optional<STime>& time)
 {
     ++m_counts.packets;
+    m_ipv4.Now(time);
     std::size_t header = 0;
     std::size_t typeAt = 0;
     switch (m_linkType) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "base/Bytes.h"
@@ -19,7 +20,8 @@ class CPacketDecoder {
 
     static bool Knows(int linkType);
 
-    void Decode(SView packet, bool cut);
+    /// `time`: when it came.
+    void Decode(SView packet, bool cut, const std::optional<STime>& time = {});
     /// No more packets come.
     void Finish();
     const SPacketCounts& Counts() const { return m_counts; }
