@@ -110,13 +110,10 @@ void Take(SReportState& state, const TJson& record)
     if (Get(record, "schema_version", 0) != k_schemaVersion) {
         throw std::runtime_error("is no report of version " + std::to_string(k_schemaVersion));
     }
-<<<<<<< HEAD
     state.tables = state.tables || type == "table";
-=======
     for (const unsigned group : Get(record, "groupsGone", std::vector<unsigned>())) {
         Forget(state, ServiceListName(Get(record, "stream", std::string()), group));
     }
->>>>>>> fix2
     if (type == "table" && Get(record, "LLS_table_id", 0u) == k_sltId && record.contains("services")) {
         state.whole[list] = !record.contains("leftOut");
         if (!record.contains("servicesUnchanged")) {
