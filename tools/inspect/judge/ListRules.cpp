@@ -119,6 +119,7 @@ class CListRules : public CRules {
     TIndex<TSession> m_sessions;
     std::map<TListKey, SHeld> m_held;
     std::map<std::tuple<std::string, unsigned, unsigned>, SArrivals> m_arrivals;  ///< by stream, group and table
+    std::map<std::string, unsigned> m_groups;  ///< how many the last table of the stream says that there are
 };
 
 SFinding CListRules::m_Finding(ERule rule, const STable& table, const SSltService* service, const std::string& message)
@@ -194,6 +195,7 @@ void CListRules::Table(const STable& table)
     const std::tuple key(table.stream, unsigned{table.header.groupId}, unsigned{table.header.tableId});
     if (m_arrivals.size() < k_mostTables || m_arrivals.count(key) != 0) {
         m_arrivals[key].Add(table.source);
+        m_groups[table.stream] = table.header.groupCountMinus1 + 1u;
     }
     const TListKey list = {table.stream, table.header.groupId};
     const auto held = m_held.find(list);
@@ -364,7 +366,7 @@ void CListRules::m_Changes(const STable& table)
         if (sameNumber && !same) {
             m_Tell(ERule::SEQUENCE_UNCHANGED, table, &service,
                    Title(service) + " changed, and its sltSvcSeqNum is still " + std::to_string(service.sltSvcSeqNum));
-        } else if (!sameNumber && same) {
+        } else if (!sameNumber && same && service.text != 0 && service.text == known->second->text) {
             m_Tell(ERule::SEQUENCE_CHANGED, table, &service,
                    "the sltSvcSeqNum of " + Title(service) + " went from " +
                        std::to_string(known->second->sltSvcSeqNum) + " to " + std::to_string(service.sltSvcSeqNum) +
@@ -377,15 +379,26 @@ void CListRules::m_Changes(const STable& table)
 void CListRules::m_Intervals(const SDelivery& delivery)
 {
     const double limit = m_settings.longestInterval;
+    std::map<std::string, std::map<unsigned, double>> lasts;  // of all tables of a group, by stream
+    for (const auto& [key, arrivals] : m_arrivals) {
+        double& last = lasts[std::get<0>(key)][std::get<1>(key)];
+        last = std::max(last, arrivals.last.time ? Seconds(*arrivals.last.time) : 0);
+    }
     for (const auto& [key, arrivals] : m_arrivals) {
         const auto& [stream, group, tableId] = key;
+        const std::map<unsigned, double>& groups = lasts[stream];
+        const double last = groups.at(group);
+        // Where as many groups as there are came behind it, it is none of them.
+        const auto later =
+            std::count_if(groups.begin(), groups.end(), [last](const auto& one) { return one.second > last; });
+        const bool over = arrivals.ended || static_cast<std::size_t>(later) >= m_groups.at(stream);
         const char* name = TableName(tableId);
         const std::string title =
             (name != nullptr ? name : "table " + std::to_string(tableId)) + " of group " + std::to_string(group);
         const double before =
             arrivals.first.time ? Seconds(*arrivals.first.time) - Seconds(*delivery.traffic.first) : 0;
         const double after =
-            arrivals.last.time && !arrivals.ended ? Seconds(*delivery.traffic.last) - Seconds(*arrivals.last.time) : 0;
+            arrivals.last.time && !over ? Seconds(*delivery.traffic.last) - Seconds(*arrivals.last.time) : 0;
         if (tableId == k_slt && arrivals.longest > limit) {
             t_findings.Tell(ERule::TABLE_INTERVAL,
                             title + ": " + NumberText(arrivals.longest) + " s between two of them",
