@@ -119,6 +119,19 @@ TEST(Rules, ServiceLists)
          },
          quiet},
         {"and there is, by the tables", {{"table-interval", 1}}, TwoLists(3, 99, 3, 1), quiet},
+        {"another group that there was not before",
+         {},
+         [](SBroadcast& b) {
+             TwoLists(99, 99)(b);
+             b.change = [both = b.change](SSent& sent) {
+                 const bool is = both(sent) && (sent.table != 3 || sent.round >= 7);
+                 if (sent.kind == SSent::LLS && sent.round < 7) {
+                     sent.data[2] = 0;
+                 }
+                 return is;
+             };
+         },
+         quiet},
         {"two lists", {}, OtherList("serviceId=\"2\" serviceCategory=\"4\""), quiet},
         {"a channel twice",
          {{"channel-twice", 1}},
