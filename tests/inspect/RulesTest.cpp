@@ -22,10 +22,11 @@ auto List(const std::string& part, const std::string& other)
 }
 
 /// Another list from the sixth round on.
-auto NextList(const std::string& part, const std::string& other)
+auto NextList(const std::string& part, const std::string& other, const std::string& part2 = {},
+              const std::string& other2 = {})
 {
     return [=](SBroadcast& b) {
-        const std::string next = "<SLT bsid=\"5\">" + With(b.services, part, other) + "</SLT>";
+        const std::string next = "<SLT bsid=\"5\">" + With(With(b.services, part, other), part2, other2) + "</SLT>";
         b.change = [next](SSent& sent) {
             if (sent.table == 1 && sent.round >= 6) {
                 sent.data = sent.data.substr(0, 3) + Number(2, 1) + next;
@@ -110,7 +111,27 @@ TEST(Rules, ServiceLists)
         {"that is in both for a while", {{"service-id-twice", 1}}, TwoLists(6, 8), quiet},
         {"that is in both from the begin", {{"service-id-twice", 1}}, TwoLists(0, 99), quiet},
         {"that goes over, and there is no other group any more", {}, TwoLists(3, 99, 3), quiet},
+        {"5 s before the end",
+         {},
+         [](SBroadcast& b) {
+             TwoLists(3, 99, 3)(b);
+             b.rounds = 8;
+         },
+         quiet},
         {"and there is, by the tables", {{"table-interval", 1}}, TwoLists(3, 99, 3, 1), quiet},
+        {"another group that there was not before",
+         {},
+         [](SBroadcast& b) {
+             TwoLists(99, 99)(b);
+             b.change = [both = b.change](SSent& sent) {
+                 const bool is = both(sent) && (sent.table != 3 || sent.round >= 7);
+                 if (sent.kind == SSent::LLS && sent.round < 7) {
+                     sent.data[2] = 0;
+                 }
+                 return is;
+             };
+         },
+         quiet},
         {"two lists", {}, OtherList("serviceId=\"2\" serviceCategory=\"4\""), quiet},
         {"a channel twice",
          {{"channel-twice", 1}},
@@ -166,6 +187,12 @@ TEST(Rules, ServiceLists)
          {},
          NextList("sltSvcSeqNum=\"1\" protected=\"false\"", "sltSvcSeqNum=\"2\" protected=\"true\""),
          "--ignore no-signalling --ignore protection-missing"},
+        {"next number, for an element that is not read",
+         {},
+         [](SBroadcast& b) {
+             b.services = With(b.services, "</Service>", "<OtherBsid type=\"1\">7</OtherBsid></Service>");
+             NextList("\"1\" protected=\"false\"", "\"2\" protected=\"false\"", ">7<", ">8<")(b);
+         }},
         {"next number alone", {{"sequence-changed", 1}}, NextList("sltSvcSeqNum=\"1\"", "sltSvcSeqNum=\"2\"")},
     });
 }

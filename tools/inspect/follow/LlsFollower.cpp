@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <set>
+#include <string_view>
 #include <utility>
 
 #include "base/Gunzip.h"
@@ -179,6 +180,47 @@ void HearDrop(void* userData, const SParseSLT::SService* service, CParseSLT::EDr
         {IsReceiversRule(*service, reason) ? ERule::SERVICE_LEFT_OUT : ERule::SERVICE_DROPPED,
          "service " + std::to_string(service->serviceId) + name + " is not listed by receivers: " + why,
          drops.table.source, drops.table.header, service->serviceId, attribute ? attribute : ""});
+}
+
+/// Takes an attribute out of the text of an element; its value.
+std::string TakeAttribute(std::string& element, const std::string& name)
+{
+    const std::size_t at = element.find(name);
+    const std::size_t quote = at != std::string::npos ? element.find_first_of("\"'", at) : at;
+    const std::size_t end = quote != std::string::npos ? element.find(element[quote], quote + 1) : quote;
+    if (end == std::string::npos) {
+        return {};
+    }
+    const std::string value = element.substr(quote + 1, end - quote - 1);
+    element.erase(at, end + 1 - at);
+    return value;
+}
+
+/// Notes of each service what tells its element from another, also by what nothing here reads.
+void ReadTexts(SView payload, std::vector<SSltService>& services)
+{
+    constexpr std::size_t k_longestList = 8388608;
+    constexpr const char* k_begin = "<Service";
+    std::vector<unsigned char> inflated;
+    if (IsGzip(payload) && Gunzip(payload, k_longestList, inflated)) {
+        payload = {inflated.data(), inflated.size()};
+    }
+    const std::string_view list(reinterpret_cast<const char*>(payload.data), payload.size);
+    std::map<unsigned, std::uint64_t> texts;
+    for (std::size_t at = list.find(k_begin); at != std::string_view::npos;) {
+        const std::size_t next = list.find(k_begin, at + 1);
+        std::string element(list.substr(at, next - at));
+        element.resize(std::min(element.find("</Service>"), element.size()));
+        TakeAttribute(element, "sltSvcSeqNum");
+        const std::string id = TakeAttribute(element, "serviceId");
+        std::uint64_t& text = texts[std::strtoul(id.c_str(), nullptr, 10) & 0xFFFF];
+        text = text * 31 + ContentHash({reinterpret_cast<const unsigned char*>(element.data()), element.size()});
+        at = next;
+    }
+    for (SSltService& service : services) {
+        const auto text = texts.find(service.serviceId);
+        service.text = text != texts.end() ? text->second : 0;
+    }
 }
 
 void HearParsed(void* userData, int)
@@ -368,6 +410,7 @@ CLlsFollower::SOutcome CLlsFollower::m_ParseSlt(SView bytes, const STable& table
         slt.services.insert(slt.services.end(), drops.services.begin(), drops.services.end());
         slt.services.resize(std::min(slt.services.size(), MostEntries()));
         slt.leftOut = all - slt.services.size();
+        ReadTexts(table.payload, slt.services);
         m_Hold(table.header.groupId, std::move(current), table, outcome);
         m_serviceListener(table.header.groupId, std::move(services));
     } else {

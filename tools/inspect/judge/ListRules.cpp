@@ -87,6 +87,13 @@ class CListRules : public CRules {
         std::vector<TIndex<TSession>::iterator> sessions;
     };
 
+    /// The LLS groups of a stream.
+    struct SGroups {
+        unsigned count = 0;                              ///< that there are, by the last table
+        std::optional<STime> since;                      ///< when there came to be as many; none: when it began
+        std::map<unsigned, std::optional<STime>> dueAt;  ///< since when each that came was due; none: from the begin
+    };
+
     static constexpr std::size_t k_mostLists = 256;
 
     template <class TKey>
@@ -119,6 +126,7 @@ class CListRules : public CRules {
     TIndex<TSession> m_sessions;
     std::map<TListKey, SHeld> m_held;
     std::map<std::tuple<std::string, unsigned, unsigned>, SArrivals> m_arrivals;  ///< by stream, group and table
+    std::map<std::string, SGroups> m_groups;                                      ///< by stream
 };
 
 SFinding CListRules::m_Finding(ERule rule, const STable& table, const SSltService* service, const std::string& message)
@@ -194,6 +202,14 @@ void CListRules::Table(const STable& table)
     const std::tuple key(table.stream, unsigned{table.header.groupId}, unsigned{table.header.tableId});
     if (m_arrivals.size() < k_mostTables || m_arrivals.count(key) != 0) {
         m_arrivals[key].Add(table.source);
+        SGroups& groups = m_groups[table.stream];
+        const unsigned count = table.header.groupCountMinus1 + 1u;
+        groups.since = groups.count != 0 && groups.count != count ? table.source.time : groups.since;
+        groups.count = count;
+        const auto [due, isNew] = groups.dueAt.try_emplace(table.header.groupId, groups.since);
+        if (isNew && groups.dueAt.size() > count) {
+            due->second = table.source.time;
+        }
     }
     const TListKey list = {table.stream, table.header.groupId};
     const auto held = m_held.find(list);
@@ -364,7 +380,7 @@ void CListRules::m_Changes(const STable& table)
         if (sameNumber && !same) {
             m_Tell(ERule::SEQUENCE_UNCHANGED, table, &service,
                    Title(service) + " changed, and its sltSvcSeqNum is still " + std::to_string(service.sltSvcSeqNum));
-        } else if (!sameNumber && same) {
+        } else if (!sameNumber && same && service.text != 0 && service.text == known->second->text) {
             m_Tell(ERule::SEQUENCE_CHANGED, table, &service,
                    "the sltSvcSeqNum of " + Title(service) + " went from " +
                        std::to_string(known->second->sltSvcSeqNum) + " to " + std::to_string(service.sltSvcSeqNum) +
@@ -377,15 +393,27 @@ void CListRules::m_Changes(const STable& table)
 void CListRules::m_Intervals(const SDelivery& delivery)
 {
     const double limit = m_settings.longestInterval;
+    std::map<std::string, std::map<unsigned, double>> lasts;  // of all tables of a group, by stream
+    for (const auto& [key, arrivals] : m_arrivals) {
+        double& last = lasts[std::get<0>(key)][std::get<1>(key)];
+        last = std::max(last, arrivals.last.time ? Seconds(*arrivals.last.time) : 0);
+    }
     for (const auto& [key, arrivals] : m_arrivals) {
         const auto& [stream, group, tableId] = key;
+        const std::map<unsigned, double>& all = lasts[stream];
+        const double last = all.at(group);
+        const SGroups& groups = m_groups.at(stream);
+        // Where as many groups as there are came behind it, it is none of them.
+        const auto later = std::count_if(all.begin(), all.end(), [last](const auto& one) { return one.second > last; });
+        const bool over = arrivals.ended || static_cast<std::size_t>(later) >= groups.count;
         const char* name = TableName(tableId);
         const std::string title =
             (name != nullptr ? name : "table " + std::to_string(tableId)) + " of group " + std::to_string(group);
+        const std::optional<STime>& due = groups.dueAt.at(group);
         const double before =
-            arrivals.first.time ? Seconds(*arrivals.first.time) - Seconds(*delivery.traffic.first) : 0;
+            arrivals.first.time ? Seconds(*arrivals.first.time) - Seconds(due ? *due : *delivery.traffic.first) : 0;
         const double after =
-            arrivals.last.time && !arrivals.ended ? Seconds(*delivery.traffic.last) - Seconds(*arrivals.last.time) : 0;
+            arrivals.last.time && !over ? Seconds(*delivery.traffic.last) - Seconds(*arrivals.last.time) : 0;
         if (tableId == k_slt && arrivals.longest > limit) {
             t_findings.Tell(ERule::TABLE_INTERVAL,
                             title + ": " + NumberText(arrivals.longest) + " s between two of them",
@@ -393,7 +421,8 @@ void CListRules::m_Intervals(const SDelivery& delivery)
         } else if (tableId == k_slt && std::max(before, after) > limit) {
             t_findings.Tell(ERule::TABLE_INTERVAL,
                             title + ": none in the " + (after > limit ? "last " : "first ") +
-                                NumberText(after > limit ? after : before) + " s of the capture",
+                                NumberText(after > limit ? after : before) + " s " +
+                                (after > limit || !due ? "of the capture" : "of as many groups"),
                             after > limit ? arrivals.last : arrivals.first);
         } else if (arrivals.count < 2 && after > limit) {
             t_findings.Tell(ERule::TABLE_ONCE, title + " came once, and not again for " + NumberText(after) + " s",

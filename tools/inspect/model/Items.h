@@ -17,6 +17,8 @@ namespace vyr::inspect {
 /// A service of the service list table; its channel map handle is not to be used.
 struct SSltService : SParseSLT::SService {
     std::string notListed;  ///< why a receiver does not list it, and read no more of it; empty: it does
+    /// Tells apart what stands in the list of the service, but for its sltSvcSeqNum; 0: not known.
+    std::uint64_t text = 0;
 };
 
 /// What the service list table holds.
