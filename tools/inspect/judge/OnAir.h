@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "judge/Evidence.h"
 #include "judge/Names.h"
@@ -63,10 +65,13 @@ class COnAir {
         double last = k_never;
         bool allFlows = true;  ///< false: not all that came there is known
     };
-    using TTimes = std::map<std::string, double>;  ///< of what came last, by destination
+    using TTimes = std::map<std::string, double>;  ///< by destination
     using TPlace = std::pair<std::string, std::uint64_t>;
 
     void m_Count(const SSessionDelivery& session, const std::set<std::string>& addresses);
+    /// For how many seconds the lists have services at the session, if its signalling is that of services; none: they
+    /// have none any more.
+    std::optional<double> m_Listed(const std::string& session, const std::vector<unsigned>& announced) const;
     const SLook& m_LookAt(const SPackageFacts& package) const;
     double m_Since(const SSource& source) const;
     bool m_Stopped(const STraffic& traffic) const;
@@ -79,7 +84,8 @@ class COnAir {
     const TLctSessions m_lct;
     bool m_media = false;
     bool m_mmtMedia = false;
-    TTimes m_came;  ///< media of which objects went by
+    TTimes m_listed;  ///< sessions of the services of the lists that hold, and since how many seconds these do
+    TTimes m_came;    ///< media of which objects went by
     std::map<std::string, SCaptured> m_route;
     std::map<std::string, SCaptured> m_mmt;
     std::map<TPlace, const SFlowDelivery*> m_packets;  ///< of packet_ids, those that came last
