@@ -91,6 +91,9 @@ const std::vector<SBreach> k_delivery = {
          Keep(NoAudio)),
      {"lct-malformed"}},
     {"audio comes once", Keep([](const SPart& part) { return !IsAudio(part) || part.second == 3; }), {}},
+    {"audio stops",
+     All(Lasts(30), Keep([](const SPart& part) { return !IsAudio(part) || part.second < 10; })),
+     {"session-not-sent"}},
     {"too short to tell", All(Lasts(2), Keep(NoAudio)), {}},
     {"no media was captured at all", Keep([](const SPart& part) { return part.tsi == 0; }), {}},
     {"subtitles may be silent for longer",
@@ -217,6 +220,17 @@ const std::vector<SBreach> k_delivery = {
 TEST(DeliveryRules, EachHasItsBreachAndItsNearMiss)
 {
     ExpectBroken(k_delivery);
+}
+
+TEST(DeliveryRules, NothingIsDueOfAServiceThatIsListedNoMore)
+{
+    SBroadcast broadcast;
+    broadcast.seconds = 30;
+    broadcast.keep = [](const SPart& part) { return part.second < 10; };
+    broadcast.more = [](unsigned, CCapture& capture) { capture.AddSession(packets::Lct({1, 0, -1}, "x"), 7001); };
+    broadcast.change = [](unsigned second, SBroadcast& now) { now.services = second < 10 ? now.services : ""; };
+    const TRules broken = broadcast.Broken();
+    EXPECT_EQ(std::count(broken.begin(), broken.end(), "session-not-sent"), 0) << broadcast.Findings();
 }
 
 TEST(DeliveryRules, NamesOfSessionsFlowsAndObjects)

@@ -36,6 +36,7 @@ struct SMmtBroadcast : SJudged {
     std::function<bool(unsigned packetId, unsigned sequence)> keep = [](unsigned, unsigned) { return true; };
     std::function<void(unsigned second, SMmtBroadcast&)> change = [](unsigned, SMmtBroadcast&) {};
     bool repair = false;
+    bool route = false;  ///< media by ROUTE on 239.255.7.1:7001
 
     std::string MpTable() const
     {
@@ -76,6 +77,9 @@ struct SMmtBroadcast : SJudged {
             for (unsigned i = 0; i < 8; ++i) {
                 send(10 + 10 * (i % 2), 0, "media", ports[i % 2]);
             }
+            if (route) {
+                capture.AddSession(packets::Lct({second + 1, 0, 20, false, 30}, std::string(20, 'x')), 7001);
+            }
             if (repair) {
                 capture.AddSession(packets::Mmtp({second, 0, 40, 0x1000, 3}, "repair"), 6001);
             }
@@ -107,6 +111,18 @@ const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
      {}},
     {"an MP table, no USBD", [](SMmtBroadcast& b) { b.usbd = ""; }, {}},
     {"no packet of an asset", Keep([](unsigned id, unsigned) { return id != 20; }), {"asset-not-sent"}},
+    {"an asset that stops",
+     [](SMmtBroadcast& b) {
+         b.seconds = 30;
+         b.keep = [](unsigned id, unsigned number) { return id != 20 || number < 40; };
+     },
+     {"asset-not-sent"}},
+    {"for as long as a segment may be",
+     [](SMmtBroadcast& b) {
+         b.seconds = 20;
+         b.keep = [](unsigned id, unsigned number) { return id != 20 || number < 40; };
+     },
+     {}},
     {"one packet", Keep([](unsigned id, unsigned number) { return id != 20 || number == 5; }), {}},
     {"no media at all", Keep([](unsigned id, unsigned) { return id < 10; }), {}},
     {"subtitles may be silent for longer",
@@ -204,6 +220,50 @@ const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
 TEST(MmtRules, EachHasItsBreachAndItsNearMiss)
 {
     ExpectBroken(k_mmt);
+}
+
+/// Media of other services show that the capture is not one of signalling alone.
+TEST(MmtRules, VerdictOnWhatIsSent)
+{
+    const struct {
+        const char* what;
+        const char* verdict;
+        std::function<void(SMmtBroadcast&)> change;
+    } cases[] = {
+        {"sound", "plays", [](SMmtBroadcast&) {}},
+        {"no media", "does-not-play", Keep([](unsigned id, unsigned) { return id < 10; })},
+        {"that may come by broadband", "cannot-tell",
+         [](SMmtBroadcast& b) {
+             b.keep = [](unsigned id, unsigned) { return id < 10; };
+             b.usbd.insert(b.usbd.find("<ComponentInfo"), "<BroadbandComponent fullMPDUri='m'/>");
+         }},
+        {"on an address that was not captured", "cannot-tell",
+         [](SMmtBroadcast& b) {
+             b.keep = [](unsigned id, unsigned) { return id < 10; };
+             b.assets[0].port = b.assets[1].port = 6002;
+         }},
+        {"one asset of two", "plays-but", Keep([](unsigned id, unsigned) { return id != 20; })},
+        {"no MP table either", "cannot-tell",
+         [](SMmtBroadcast& b) {
+             b.keep = [](unsigned id, unsigned) { return id < 10; };
+             b.tables = 0;
+             b.seconds = 5;
+         }},
+    };
+    for (const auto& test : cases) {
+        SMmtBroadcast broadcast;
+        broadcast.route = true;
+        broadcast.services +=
+            "<Service serviceId='2' serviceCategory='4'><BroadcastSvcSignaling slsProtocol='1' "
+            "slsDestinationIpAddress='239.255.7.1' slsDestinationUdpPort='7001'/></Service>";
+        test.change(broadcast);
+        broadcast.Broken();
+        for (const nlohmann::json& line : broadcast.lines) {
+            if (line["type"] == "verdict" && line["service"] == 1) {
+                EXPECT_EQ(line["verdict"], test.verdict) << test.what << line;
+            }
+        }
+    }
 }
 
 }  // namespace

@@ -110,6 +110,9 @@ const std::vector<SBreach> k_signalling = {
          };
      },
      {"rep-id-unknown"}},
+    {"an S-TSID that announces nothing",
+     [](SBroadcast& b) { b.stsid = "<S-TSID><RS dIpAddr='239.255.7.1'/></S-TSID>\n"; },
+     {"representation-not-carried", "session-not-announced"}},
     {"a representation that nothing carries",
      [](SBroadcast& b) { b.Edit("</Period>", More("es-$Number$.m4s")); },
      {"representation-not-carried"}},

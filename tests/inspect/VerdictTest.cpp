@@ -14,6 +14,37 @@ void AddSecond(SBroadcast& b)
         "Port=\"5000\"", "Port=\"5001\"");
 }
 
+/// Sends another service list in the first two rounds.
+auto FirstList(const std::string& part, const std::string& other)
+{
+    return [=](SBroadcast& b) {
+        b.change = [=](SSent& sent) {
+            if (sent.round < 2 && sent.kind == SSent::LLS && sent.table == 1) {
+                sent.data = With(sent.data, part, other);
+                sent.data[3] = '\0';  // LLS_table_version
+            }
+            return true;
+        };
+    };
+}
+
+/// Sends signalling with another text in the first two rounds.
+auto FirstSignalling(const std::string& part, const std::string& other)
+{
+    return [=](SBroadcast& b) {
+        b.change = [object = Gzip(With(b.Package(), part, other))](SSent& sent) {
+            if (sent.round < 2 && sent.kind == SSent::SIGNALLING) {
+                sent.lct.toi = 7;
+                sent.lct.length = static_cast<int>(object.size());
+                sent.lct.close = true;
+                sent.data = object;
+                return sent.lct.start == 0;
+            }
+            return true;
+        };
+    };
+}
+
 auto Drop(std::function<bool(const SSent&)> which)
 {
     return [=](SBroadcast& b) { b.change = [=](SSent& sent) { return !which(sent); }; };
@@ -97,6 +128,73 @@ TEST(Verdicts, WhetherAServicePlays)
              list("ChannelNo=\"1\"", "ChannelNo=\"1000\"")(b);
              b.cutTo = 1000;
          }},
+        {"no address of the media", "plays", "",
+         [](SBroadcast& b) { b.stsid = With(b.stsid, " dIpAddr=\"239.255.7.1\" dPort=\"5000\"", ""); }},
+        {"no port", "plays", "", [](SBroadcast& b) { b.stsid = With(b.stsid, " dPort=\"5000\"", ""); }},
+        {"on an address that was not captured", "cannot-tell", "the service's picture and sound may be among",
+         [](SBroadcast& b) { b.stsid = With(b.stsid, "239.255.7.1", "239.255.9.9"); }},
+        {"nothing but what is of no broadcast", "cannot-tell", "it has signalling alone",
+         [=](SBroadcast& b) {
+             b.change = [=](SSent& s) {
+                 s.destination = ofTsi(s, 10) ? k_session + 0x100 : s.destination;
+                 return !ofTsi(s, 20);
+             };
+         }},
+        {"sound for later", "plays", "",
+         [=](SBroadcast& b) {
+             b.stsid = With(b.stsid, "<LS tsi=\"20\"", "<LS startTime=\"2027-01-15T10:00:00Z\" tsi=\"20\"");
+             b.change = [=](SSent& s) { return !ofTsi(s, 20); };
+         }},
+        {"sound stops", "plays-but", "there is no sound any more",
+         [=](SBroadcast& b) {
+             b.rounds = 30;
+             b.change = [=](SSent& s) { return !ofTsi(s, 20) || s.round < 10; };
+         }},
+        {"for as long as a segment may be", "plays", "",
+         [=](SBroadcast& b) {
+             b.rounds = 20;
+             b.change = [=](SSent& s) { return !ofTsi(s, 20) || s.round < 10; };
+         }},
+        {"picture and sound stop", "does-not-play", "neither picture nor sound is sent any more",
+         [=](SBroadcast& b) {
+             b.rounds = 30;
+             b.change = [=](SSent& s) { return s.kind < SSent::INIT || s.round < 10; };
+         }},
+        {"of which something may come late", "plays", "",
+         [=](SBroadcast& b) {
+             b.rounds = 30;
+             b.change = [=](SSent& s) { return !ofTsi(s, 20) || s.round < 2 || s.round == 20; };
+         }},
+        {"other sound in its place", "plays", "",
+         [=](SBroadcast& b) {
+             b.rounds = 30;
+             b.stsid = With(b.stsid, "</RS>", SBroadcast::Lct(21, "a", "audio", " lang=\"en\"", 50) + "</RS>");
+             b.change = [=](SSent& s) {
+                 s.lct.tsi = ofTsi(s, 20) && s.round >= 10 ? 21 : s.lct.tsi;
+                 return true;
+             };
+         }},
+        {"an S-TSID that never parses", "does-not-play", "receivers go on without its S-TSID",
+         [](SBroadcast& b) { b.stsid = With(b.stsid, "</RS>", ""); }},
+        {"an MPD that never parses", "does-not-play", "receivers go on without its MPD",
+         [](SBroadcast& b) { b.mpd = With(b.mpd, "</Period>", ""); }},
+        {"no LCT session", "does-not-play", "its S-TSID announces no LCT session",
+         [](SBroadcast& b) { b.stsid = "<S-TSID><RS/></S-TSID>"; }},
+        {"none, and broadband", "plays", "",
+         [](SBroadcast& b) {
+             b.stsid = "<S-TSID><RS/></S-TSID>";
+             b.usbd = With(b.usbd, "</DeliveryMethod>",
+                           "<UnicastAppService><BasePattern>v</BasePattern><BasePattern>a</BasePattern>"
+                           "</UnicastAppService></DeliveryMethod>");
+         }},
+        {"no signalling, and nobody wants to hear it", "does-not-play", "the channel is listed and shows nothing",
+         Drop([](const SSent& s) { return s.kind == SSent::SIGNALLING; }), "", "--ignore no-signalling"},
+        {"or takes it for a note", "does-not-play", "the channel is listed and shows nothing",
+         Drop([](const SSent& s) { return s.kind == SSent::SIGNALLING; }), "", "--severity no-signalling=note"},
+        {"not listed, mended", "plays", "", FirstList("ChannelNo=\"1\"", "ChannelNo=\"1000\"")},
+        {"of no protocol, mended", "plays", "", FirstList("slsProtocol=\"1\"", "slsProtocol=\"7\"")},
+        {"a long name, mended", "plays", "", FirstList("NEWS", "NEWSNEWS")},
+        {"a document that does not parse, mended", "plays", "", FirstSignalling("</Period>", "")},
         {"protected", "plays-but", "only where it can be unlocked: it is protected; and receivers say",
          list("protected=\"false\"", "protected=\"true\"")},
         {"protected, and no sound", "plays-but",

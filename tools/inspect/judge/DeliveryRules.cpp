@@ -104,7 +104,7 @@ class CDeliveryRules : public CRules {
     void m_Arrived(const std::string& session, const TItem& item);
     void m_Tell(ERule rule, const SCase& one, const std::string& message) const;
     double m_Since(const SPackageFacts& package) const;
-    void m_NotSent(const SCase& one);
+    void m_NotSent(const SCase& one) const;
     void m_Rate(const SCase& one, const SFlowDelivery& flow);
     void m_Bandwidth(const SCase& one, const SFlowDelivery& flow);
     void m_Times(const SCase& one, const SFlowDelivery& flow);
@@ -151,17 +151,18 @@ double CDeliveryRules::m_Since(const SPackageFacts& package) const
 }
 
 /// Nothing came of it, though it would have, or nothing comes any more.
-void CDeliveryRules::m_NotSent(const SCase& one)
+void CDeliveryRules::m_NotSent(const SCase& one) const
 {
-    const SPresence presence = t_evidence.onAir->Of(*one.first.package, *one.first.facts);
-    if (presence.state == SPresence::ABSENT) {
-        m_Tell(one.first.facts->realTime ? ERule::SESSION_NOT_SENT : ERule::FILES_NOT_SENT, one,
-               one.Title() + " is announced, and no packet of it came in " + NumberText(std::floor(presence.seconds)) +
-                   " s");
-    } else if (presence.state == SPresence::STOPPED) {
-        m_Tell(ERule::SESSION_NOT_SENT, one,
-               one.Title() + " is announced, and no packet of it came in the last " +
-                   NumberText(std::floor(presence.seconds)) + " s");
+    for (const SLctSession::SAnnouncement& each : one.lct.by) {
+        const SPresence presence = t_evidence.onAir->Of(*each.package, *each.facts);
+        const bool stopped = presence.state == SPresence::STOPPED;
+        if (each.facts->sourceFlow && (stopped || presence.state == SPresence::ABSENT)) {
+            const SCase its = {one.delivery, one.key, one.lct, each};
+            m_Tell(each.facts->realTime ? ERule::SESSION_NOT_SENT : ERule::FILES_NOT_SENT, its,
+                   its.Title() + " is announced, and no packet of it came in " + (stopped ? "the last " : "") +
+                       NumberText(std::floor(presence.seconds)) + " s");
+            return;
+        }
     }
 }
 

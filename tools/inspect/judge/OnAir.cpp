@@ -50,6 +50,12 @@ double SecondsBehind(const SEvidence& evidence, const SSource& source)
 COnAir::COnAir(const SEvidence& evidence, const SDelivery& delivery)
     : m_evidence(evidence), m_delivery(delivery), m_lct(LctSessions(evidence, delivery))
 {
+    for (const auto& [key, list] : evidence.lists) {
+        for (const SSltService& service : list.services) {
+            double& since = m_listed.emplace(SessionOf(service), k_never).first->second;
+            since = std::max(since, SecondsBehind(evidence, list.source));
+        }
+    }
     const std::set<std::string> addresses = Addresses(evidence);
     for (const SSessionDelivery& session : delivery.sessions) {
         if (session.traffic.packets != 0) {
@@ -85,6 +91,14 @@ void COnAir::m_Count(const SSessionDelivery& session, const std::set<std::string
             later(m_came.emplace(destination, k_never).first->second, LastOf(flow.traffic, k_never));
         }
     }
+}
+
+std::optional<double> COnAir::m_Listed(const std::string& session, const std::vector<unsigned>& announced) const
+{
+    const auto listed = m_listed.find(session);
+    return announced.empty()          ? std::numeric_limits<double>::infinity()
+           : listed != m_listed.end() ? std::optional<double>(listed->second)
+                                      : std::nullopt;
 }
 
 /// What is asked of every LCT session of the package.
@@ -187,12 +201,14 @@ SPresence COnAir::Of(const SPackageFacts& package, const SLctFacts& lct) const
     const double end = m_evidence.last ? Seconds(*m_evidence.last) : 0;
     const std::optional<double> startTime = Instant(lct.startTime);
     const std::optional<double> endTime = Instant(lct.endTime);
-    const bool due = lct.bandwidth != std::uint64_t{0} && !(startTime && *startTime > end - since - k_clocksApart) &&
+    const std::optional<double> listed = m_Listed(package.session, package.announced);
+    const bool due = listed && lct.bandwidth != std::uint64_t{0} &&
+                     !(startTime && *startTime > end - since - k_clocksApart) &&
                      !(endTime && *endTime < end + k_clocksApart);
     const TLctKey key = KeyOf(package, lct);
     const SLctSession& session = m_lct.at(key);
     if (!session.flows.empty()) {
-        return due ? m_OfFlows(package, lct, session, since) : SPresence{SPresence::COMES};
+        return due ? m_OfFlows(package, lct, session, std::min(since, *listed)) : SPresence{SPresence::COMES};
     }
     if (!due) {
         return {SPresence::NOT_DUE};
@@ -212,6 +228,10 @@ SPresence COnAir::Of(const SPackageFacts& package, const SLctFacts& lct) const
 SPresence COnAir::Of(const std::string& session, const SMpTableFacts& table, const SAssetFacts& asset) const
 {
     const double since = SecondsBehind(m_evidence, table.source);
+    const std::optional<double> listed = m_Listed(session, m_evidence.mmt.at(session).announced);
+    if (!listed) {
+        return {SPresence::NOT_DUE};
+    }
     if (asset.places.empty() || asset.elsewhere) {
         return {SPresence::UNKNOWN};
     }
@@ -229,7 +249,7 @@ SPresence COnAir::Of(const std::string& session, const SMpTableFacts& table, con
             continue;
         }
         const STraffic& traffic = flow->second->traffic;
-        if (!steady || since < k_stopped || !m_Stopped(traffic)) {
+        if (!steady || std::min(since, *listed) < k_stopped || !m_Stopped(traffic)) {
             return {SPresence::COMES};
         }
         const double silent = *m_delivery.Silence(traffic);

@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "judge/Evidence.h"
 #include "judge/Names.h"
@@ -19,7 +21,7 @@ struct SPresence {
         COMES,
         STOPPED,   ///< it came, and comes no more
         ABSENT,    ///< it is due, would be in the capture, and is not
-        NOT_DUE,   ///< it is announced for another time, or others took its place
+        NOT_DUE,   ///< it is announced for another time, others took its place, or no list has its service any more
         TOO_SOON,  ///< it was announced too shortly before the end to tell
         UNKNOWN    ///< it may have been sent, and not captured
     };
@@ -58,17 +60,19 @@ class COnAir {
         std::map<std::string, std::string> types;  ///< of the MPD's representations
         std::map<std::string, double> begun;       ///< when the latest LCT session of a type began
     };
-    /// A destination from which packets came, by its protocol.
+    /// What came to a destination, as far as one protocol is concerned.
     struct SCaptured {
         double last = k_never;
         bool allFlows = true;  ///< false: not all that came there is known
     };
-    using TTimes = std::map<std::string, double>;  ///< of what came last, by destination
+    using TTimes = std::map<std::string, double>;  ///< by destination
     using TPlace = std::pair<std::string, std::uint64_t>;
 
     void m_Count(const SSessionDelivery& session, const std::set<std::string>& addresses);
+    /// For how many seconds the lists have services at the session, if its signalling is that of services; none: they
+    /// have none any more.
+    std::optional<double> m_Listed(const std::string& session, const std::vector<unsigned>& announced) const;
     const SLook& m_LookAt(const SPackageFacts& package) const;
-    double m_Since(const SSource& source) const;
     bool m_Stopped(const STraffic& traffic) const;
     bool m_WouldBeCaptured(const SPackageFacts& package, const std::string& destination, double after) const;
     SPresence m_OfFlows(const SPackageFacts& package, const SLctFacts& lct, const SLctSession& session,
@@ -79,8 +83,9 @@ class COnAir {
     const TLctSessions m_lct;
     bool m_media = false;
     bool m_mmtMedia = false;
-    TTimes m_came;  ///< media of which objects went by
-    std::map<std::string, SCaptured> m_route;
+    TTimes m_listed;  ///< sessions of the services of the lists that hold, and since how many seconds these do
+    TTimes m_came;    ///< when media of which objects went by came last
+    std::map<std::string, SCaptured> m_route;  ///< by destination
     std::map<std::string, SCaptured> m_mmt;
     std::map<TPlace, const SFlowDelivery*> m_packets;  ///< of packet_ids, those that came last
     mutable std::map<const SPackageFacts*, SLook> m_looks;
