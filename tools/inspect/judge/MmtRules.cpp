@@ -130,6 +130,9 @@ void CMmtRules::m_Assets(const std::string& session, const SMmtFacts& facts)
     std::map<TPlaceFrom, SUser> users;
     std::set<TPlaceFrom> told;
     facts.EachTable([&](const SMpTableFacts& table) {
+        if (!facts.Holds(table, m_settings.longestInterval)) {
+            return;
+        }
         for (const SAssetFacts& asset : table.assets) {
             m_Asset(session, facts, table, asset);
             for (std::size_t i = 0; i < asset.places.size(); ++i) {
