@@ -356,6 +356,9 @@ TEST(Traffic, PacketLoss)
         {"the sender began anew", {1000, 1002, 5, 6, 8}, 2, 0, 0, 1},
         {"far on", {1, 70000, 70001}, 0, 0, 0, 1},
         {"a straggler is none", {1000, 5, 1001, 6, 1002}},
+        {"nor are two", {1000, 1002, 905, 906, 1003, 1004, 906, 907, 1006}, 2},
+        {"nor is an old one", {1000, 1002, 5, 6, 1001, 1002, 7}, 0, 1, 1, 1},
+        {"numbers that it had before", {100, 1, 2, 50, 98, 101, 103}, 97, 0, 0, 1},
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.name);

@@ -19,11 +19,18 @@ class CPacketLoss {
     std::uint64_t InOrder() const { return m_inOrder; }
 
   private:
-    void m_Begin(std::uint32_t number);
+    /// Numbers that follow each other.
+    struct SRun {
+        std::uint32_t highest = 0;
+        std::uint64_t seen = ~std::uint64_t{0};  ///< bit n: the one n before the highest came, or nobody waits for it
+    };
+
+    bool m_TakeBehind(SRun& run, std::uint32_t number);
+    void m_Restart(std::uint32_t number);
 
     bool m_begun = false;
-    std::uint32_t m_highest = 0;
-    std::uint64_t m_seen = 0;                  ///< bit n: the one n before the highest came, or nobody waits for it
+    SRun m_run;
+    std::optional<SRun> m_before;              ///< before the sender seemed to begin anew
     std::optional<std::uint32_t> m_elsewhere;  ///< a number far off, which the next one may follow
     std::uint64_t m_inOrder = 0;
     SPacketsDelivery m_counts;
