@@ -35,6 +35,7 @@ struct SMmtBroadcast : SJudged {
     std::function<bool(unsigned packetId, unsigned sequence)> keep = [](unsigned, unsigned) { return true; };
     std::function<void(unsigned second, SMmtBroadcast&)> change = [](unsigned, SMmtBroadcast&) {};
     bool repair = false;
+    unsigned otherVersion = ~0u;  ///< packets from this packet_id on are of MMTP version 1
 
     std::string MpTable() const
     {
@@ -58,7 +59,8 @@ struct SMmtBroadcast : SJudged {
         const auto send = [&](unsigned packetId, unsigned type, const std::string& data, unsigned port = 6001) {
             const unsigned sequence = sequences[packetId]++;
             if (keep(packetId, sequence)) {
-                capture.AddSession(packets::Mmtp({sequence, 0, packetId, 0, type}, data), port);
+                capture.AddSession(
+                    packets::Mmtp({sequence, 0, packetId, packetId < otherVersion ? 0 : 0x4000u, type}, data), port);
             }
         };
         for (unsigned second = 0; second < seconds; ++second) {
@@ -106,6 +108,8 @@ const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
      {}},
     {"an MP table, no USBD", [](SMmtBroadcast& b) { b.usbd = ""; }, {}},
     {"no packet of an asset", Keep([](unsigned id, unsigned) { return id != 20; }), {"asset-not-sent"}},
+    {"they are of another version", [](SMmtBroadcast& b) { b.otherVersion = 20; }, {"mmtp-version"}},
+    {"all packets are", [](SMmtBroadcast& b) { b.otherVersion = 0; }, {"mmtp-version"}},
     {"one packet", Keep([](unsigned id, unsigned number) { return id != 20 || number == 5; }), {}},
     {"no media at all", Keep([](unsigned id, unsigned) { return id < 10; }), {}},
     {"subtitles may be silent for longer",
@@ -191,6 +195,23 @@ const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
 TEST(MmtRules, EachHasItsBreachAndItsNearMiss)
 {
     ExpectBroken(k_mmt);
+}
+
+TEST(MmtRules, WhetherAServicePlays)
+{
+    const struct {
+        unsigned otherVersion;
+        const char* verdict;
+    } cases[] = {{~0u, "plays"}, {10, "cannot-tell"}, {0, "cannot-tell"}};
+    for (const auto& test : cases) {
+        SMmtBroadcast broadcast;
+        broadcast.otherVersion = test.otherVersion;
+        broadcast.Broken();
+        const auto verdict = std::find_if(broadcast.lines.begin(), broadcast.lines.end(),
+                                          [](const nlohmann::json& line) { return line["type"] == "verdict"; });
+        ASSERT_NE(verdict, broadcast.lines.end());
+        EXPECT_EQ((*verdict)["verdict"], test.verdict) << *verdict;
+    }
 }
 
 }  // namespace

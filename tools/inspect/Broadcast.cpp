@@ -235,12 +235,14 @@ void CBroadcast::m_Result(bool told)
     delivery.packetsCut = counts.cut;
     delivery.received = reception.Whole();
     delivery.arrivals = m_arrivals.Result();
+    // Of packets that could not be read, nobody knows the session.
+    const bool sessionsCaptured = m_sessionsCaptured || reception.Unread();
     const std::uint64_t before = summary.routeServices + summary.mmtpServices;
     for (const auto& protocol : m_sessions) {
-        protocol->Finish(name, reception, m_sessionsCaptured);
+        protocol->Finish(name, reception, sessionsCaptured);
     }
     const std::uint64_t services = summary.routeServices + summary.mmtpServices - before;
-    if (!m_sessionsCaptured && services != 0) {
+    if (!sessionsCaptured && services != 0) {
         m_report.Finding({ERule::NO_SESSIONS,
                           "no session was captured beside the LLS: nothing can be said of the signalling of " +
                               Counted(services, "service"),
@@ -249,7 +251,7 @@ void CBroadcast::m_Result(bool told)
     m_guideSessions.Finish(name, reception.Whole());
     m_guide.Finish(name, reception.Whole());
     m_Findings(reception);
-    m_judge.Finish(m_times, m_sessionsCaptured, &delivery);
+    m_judge.Finish(m_times, sessionsCaptured, &delivery);
 }
 
 /// What is wrong with a capture as a whole, and why what was expected is missing.
@@ -266,6 +268,12 @@ void CBroadcast::m_Findings(const SReception& reception)
     if (reception.Lossy()) {
         m_report.Finding(
             {ERule::PACKETS_DROPPED, DroppedText(counts) + ": what is missing may be missing here only", source});
+    }
+    if (counts.compressed != 0) {
+        m_report.Finding({ERule::PACKETS_COMPRESSED,
+                          std::to_string(counts.compressed) + " of " + Counted(counts.packets, "link-layer packet") +
+                              " with compressed headers, which are not read",
+                          source});
     }
     if (counts.malformed != 0) {
         m_report.Finding({ERule::PACKETS_MALFORMED,

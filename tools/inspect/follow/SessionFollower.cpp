@@ -106,7 +106,15 @@ void CSessionFollower::Finish(const std::string& file, const SReception& recepti
             finding.about = name;
             m_report.Finding(finding);
         }
-        if (session->pinned && session->followed.services.empty() && !session->Signals() &&
+        if (counts.otherVersions != 0) {
+            SFinding finding = {ERule::MMTP_VERSION,
+                                std::to_string(counts.otherVersions) + " of " + Counted(counts.packets, "packet") +
+                                    " to " + name + " are of a version of MMTP that is not read",
+                                source};
+            finding.about = name;
+            m_report.Finding(finding);
+        }
+        if (session->pinned && session->followed.services.empty() && !session->Signals() && !counts.Unread() &&
             !reception.Excuses(key, counts.packets)) {
             SFinding finding = {ERule::NO_SIGNALLING, "no signalling on " + name + ": " + m_Missing(*session), source};
             finding.about = name;
@@ -146,7 +154,7 @@ void CSessionFollower::m_Judge(const TGroup& group, const SListedService& servic
             }
             return;
         }
-        if (reception.Excuses(service.session, session.Counts().packets)) {
+        if (session.Counts().Unread() || reception.Excuses(service.session, session.Counts().packets)) {
             return;
         }
     }

@@ -64,7 +64,8 @@ void CMmtRules::m_Look(const SDelivery& delivery)
         if (session.traffic.packets == 0) {
             continue;
         }
-        if (session.protocol != EDeliveryProtocol::MMTP || session.guessed || session.packetsNoFlow != 0) {
+        if (session.protocol != EDeliveryProtocol::MMTP || session.guessed || session.packetsNoFlow != 0 ||
+            session.otherVersions != 0) {
             unclear.insert(destination);
             continue;
         }

@@ -106,6 +106,7 @@ class CServiceJudge {
     bool m_Concerns(const SFinding& finding, const SSltService& service) const;
     SJudgement m_Stopped(const SSltService& service) const;
     SJudgement m_Media(const SSltService& service) const;
+    static bool m_HasMedia(const SSessionDelivery& session);
     SJudgement m_Mmt() const;
     SJudgement m_Spoiled(const SSltService& service) const;
     const SEvidence& m_evidence;
@@ -191,6 +192,14 @@ SJudgement CServiceJudge::m_Media(const SSltService& service) const
     return media && !anything ? Not("neither picture nor sound is sent") : judgement;
 }
 
+/// Whether packets came of a session of MMTP that are not of its signalling.
+bool CServiceJudge::m_HasMedia(const SSessionDelivery& session)
+{
+    return std::any_of(session.flows.begin(), session.flows.end(), [](const SFlowDelivery& flow) {
+        return !flow.payloadType || *flow.payloadType != k_mmtSignalling;
+    });
+}
+
 /// What came besides the signalling of a service that MMTP carries.
 SJudgement CServiceJudge::m_Mmt() const
 {
@@ -198,12 +207,10 @@ SJudgement CServiceJudge::m_Mmt() const
     if (found == m_sessions.end() || found->second->packetsNoFlow != 0 || found->second->guessed) {
         return {};
     }
-    const std::vector<SFlowDelivery>& flows = found->second->flows;
-    const bool media = std::any_of(flows.begin(), flows.end(), [](const SFlowDelivery& flow) {
-        return !flow.payloadType || *flow.payloadType != k_mmtSignalling;
-    });
     // Assets may be on sessions of their own, which nothing here knows.
-    return media || m_delivery.sessions.size() > 2 ? SJudgement() : But("nothing but signalling is on its session");
+    return m_HasMedia(*found->second) || m_delivery.sessions.size() > 2
+               ? SJudgement()
+               : But("nothing but signalling is on its session");
 }
 
 /// The first of what spoils it, errors first.
@@ -245,6 +252,10 @@ SJudgement CServiceJudge::m_Judge(const SSltService& service) const
     }
     if (!m_delivery.received && m_evidence.Of(service).empty() && m_evidence.mmt.count(m_address) == 0) {
         return Unknown("not all of it was received, and none of its signalling");
+    }
+    if (const auto found = m_sessions.find(m_address);
+        found != m_sessions.end() && found->second->otherVersions != 0 && !m_HasMedia(*found->second)) {
+        return Unknown("its packets are of a version of MMTP that the tool does not read");
     }
     if (!m_mediaCaptured) {
         return Unknown("it has signalling alone, and no media of any service");
