@@ -280,6 +280,7 @@ std::vector<SGolden> Goldens()
         {"other-stream", "--lls 224.0.23.60:5000 --lls 224.0.23.60:5001 -", 1, CCapture(1).Add(elsewhere).Bytes()},
         {"no-slt", "-", 1, CCapture(1).AddLls(systemTime).Bytes()},
         {"link-type", "-", 1, CCapture(105).AddLls(lls).Bytes()},
+        {"link-types", "-", 1, PcapNg(Ethernet(Ipv4(Udp(lls))), {1, 113})},
         {"uncompressed", "pcap/gpac-a3-nozip-split.pcap", 1},
         {"all-fields", "made/content.xml made/service.xml made/lists.mpd", 0},
         {"all-fields-json", "--json made/content.xml made/service.xml made/lists.mpd", 0},

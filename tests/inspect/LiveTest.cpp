@@ -390,9 +390,9 @@ TEST(Live, CapturesDatagramsAndTheirFragmentsBehindTags)
     SIpv4 elsewhere;
     elsewhere.destination = k_session;
     const std::vector<std::string> frames = {
-        Ethernet(Ipv4(udp)),
-        Ethernet(Ipv4(udp), {0x8100, 0x0800}),
-        Ethernet(Ipv4(udp), {0x88A8, 0x8100, 0x0800}),
+        Ethernet(Ipv4(udp, {1})),
+        Ethernet(Ipv4(udp, {2}), {0x8100, 0x0800}),
+        Ethernet(Ipv4(udp, {3}), {0x88A8, 0x8100, 0x0800}),
         Ethernet(Ipv4(udp.substr(0, 16), first)),
         Ethernet(Ipv4(udp.substr(16), last)),
         Ethernet(Ipv4(udp, tcp)),

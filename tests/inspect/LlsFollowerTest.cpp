@@ -7,6 +7,7 @@
 
 #include "Packets.h"
 #include "common/ChannelMap.h"
+#include "support/Gzip.h"
 
 namespace {
 
@@ -97,6 +98,18 @@ TEST_F(LlsFollower, HoldsABoundedNumberOfServices)
     m_TakeSlt(follower, 2, 2, 0, 17000);
     EXPECT_EQ(follower.Services(), 17000u) << "a single list is held whole";
     EXPECT_EQ(m_InMap().size(), 17000u);
+}
+
+TEST_F(LlsFollower, HowATableIsCompressedIsNoContent)
+{
+    CLlsFollower follower("stream", true, m_channelMap, m_report);
+    const std::string list = "<SLT bsid='1'/>";
+    for (const std::string& payload : {list, Gzip(list), Gzip(list + ' '), list + ' ', list}) {
+        m_Take(follower, std::string("\x01\x00\x00\x01", 4) + payload);
+    }
+    EXPECT_EQ(m_writer.statuses,
+              std::vector<EStatus>({EStatus::NEW, EStatus::REPEATED, EStatus::CHANGED_WITHOUT_VERSION,
+                                    EStatus::REPEATED, EStatus::CHANGED_WITHOUT_VERSION}));
 }
 
 TEST_F(LlsFollower, TheTimeStampOfGzipIsNoContent)

@@ -37,6 +37,7 @@ struct SSent {
     std::string datagram = {};  ///< in place of what is made of the data
     std::uint32_t destination = k_session;
     unsigned port = 5000;
+    bool compressed = false;  ///< its headers are, where the broadcast is captured on its own link layer
 };
 
 /// One service on ROUTE, with video (TSI 10) and audio (TSI 20), from 2027-01-15T08:00:00Z on: a round of everything
@@ -61,6 +62,7 @@ struct SBroadcast {
         Set("v", "video", "", 16000) + Set("a", "audio", " lang=\"en\"", 8000) + "</Period></MPD>";
     unsigned rounds = 12;
     std::size_t cutTo = 65535;  ///< what is captured of a packet
+    bool alp = false;           ///< captured on the link layer of ATSC 3.0
     /// Told each packet before it is sent; false: it is not.
     std::function<bool(SSent&)> change = [](SSent&) { return true; };
 
@@ -111,7 +113,9 @@ struct SBroadcast {
                 const std::string payload = !sent.datagram.empty()    ? sent.datagram
                                             : sent.kind == SSent::LLS ? sent.data
                                                                       : packets::Lct(sent.lct, sent.data);
-                capture.At(sent.at).Add(Ethernet(Ipv4(Udp(payload, sent.port), ip)));
+                const std::string packet = Ipv4(Udp(payload, sent.port), ip);
+                const unsigned type = sent.compressed ? 0x4000 : 0;
+                capture.At(sent.at).Add(alp ? Number(type | packet.size(), 2) + packet : Ethernet(packet));
             }
         };
         const auto table = [&](unsigned id, const std::string& text) {
@@ -147,7 +151,7 @@ struct SBroadcast {
     }
     std::string Bytes() const
     {
-        CCapture capture(1, cutTo);
+        CCapture capture(alp ? 289 : 1, cutTo);
         for (unsigned round = 0; round < rounds; ++round) {
             Round(capture, round);
         }

@@ -39,6 +39,7 @@ struct SMmtBroadcast : SJudged {
     std::function<void(unsigned second, SMmtBroadcast&)> change = [](unsigned, SMmtBroadcast&) {};
     bool repair = false;
     bool route = false;  ///< media by ROUTE on 239.255.7.1:7001
+    unsigned otherVersion = ~0u;  ///< packets from this packet_id on are of MMTP version 1
 
     static std::string MpTable(const std::string& package, const std::vector<SAsset>& assets)
     {
@@ -62,7 +63,8 @@ struct SMmtBroadcast : SJudged {
         const auto send = [&](unsigned packetId, unsigned type, const std::string& data, unsigned port = 6001) {
             const unsigned sequence = sequences[packetId]++;
             if (keep(packetId, sequence)) {
-                capture.AddSession(packets::Mmtp({sequence, 0, packetId, 0, type}, data), port);
+                capture.AddSession(
+                    packets::Mmtp({sequence, 0, packetId, packetId < otherVersion ? 0 : 0x4000u, type}, data), port);
             }
         };
         for (unsigned second = 0; second < seconds; ++second) {
@@ -144,6 +146,8 @@ const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
          b.keep = [](unsigned id, unsigned number) { return id != 20 || number < 40; };
      },
      {}},
+    {"they are of another version", [](SMmtBroadcast& b) { b.otherVersion = 20; }, {"mmtp-version"}},
+    {"all packets are", [](SMmtBroadcast& b) { b.otherVersion = 0; }, {"mmtp-version"}},
     {"one packet", Keep([](unsigned id, unsigned number) { return id != 20 || number == 5; }), {}},
     {"no media at all", Keep([](unsigned id, unsigned) { return id < 10; }), {}},
     {"subtitles may be silent for longer",
@@ -278,6 +282,8 @@ TEST(MmtRules, VerdictOnWhatIsSent)
              b.assets[0].port = b.assets[1].port = 6002;
          }},
         {"one asset of two", "plays-but", Keep([](unsigned id, unsigned) { return id != 20; })},
+        {"packets of another version", "cannot-tell", [](SMmtBroadcast& b) { b.otherVersion = 0; }},
+        {"media of another version", "cannot-tell", [](SMmtBroadcast& b) { b.otherVersion = 10; }},
         {"no MP table either", "cannot-tell",
          [](SMmtBroadcast& b) {
              b.keep = [](unsigned id, unsigned) { return id < 10; };

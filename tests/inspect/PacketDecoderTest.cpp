@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,11 +26,11 @@ struct SRun {
           })
     {
     }
-    SRun& Take(const std::string& packet, bool cut = false)
+    SRun& Take(const std::string& packet, bool cut = false, const std::optional<vyr::inspect::STime>& time = {})
     {
         const std::unique_ptr<unsigned char[]> block(new unsigned char[packet.size()]);
         std::copy(packet.begin(), packet.end(), block.get());
-        decoder.Decode({block.get(), packet.size()}, cut);
+        decoder.Decode({block.get(), packet.size()}, cut, time);
         return *this;
     }
     const SPacketCounts& Finish()
@@ -208,6 +209,76 @@ TEST(Fragments, TheSecondCopyOfADatagramIsNoSecondDatagram)
     }
     EXPECT_EQ(run.payloads, TTexts({k_long.substr(8), other.substr(8)})) << "another datagram may use the id again";
     EXPECT_EQ(run.Finish().incompleteDatagrams, 0u);
+    EXPECT_EQ(run.Finish().copies, 1u);
+}
+
+vyr::inspect::STime After(unsigned milliseconds)
+{
+    return {1800000000 + milliseconds / 1000, static_cast<std::int32_t>(milliseconds % 1000 * 1000000)};
+}
+
+TEST(Fragments, ThoseOfAnIdThatComesAgainAreNotMixed)
+{
+    const struct {
+        unsigned others;
+        unsigned milliseconds;
+        unsigned datagrams;
+    } cases[] = {{4095, 0, 1}, {4096, 0, 0}, {0, 15000, 1}, {0, 15001, 0}};
+    for (const auto& test : cases) {
+        SRun run(DLT_RAW);
+        run.Take(Fragment(k_long, 0, 32), false, After(0));
+        for (unsigned i = 0; i < test.others; ++i) {
+            run.Take(Ipv4("tcp", {8, 0, 6}), false, After(0));
+        }
+        run.Take(Fragment(k_long, 32, 16), false, After(test.milliseconds));
+        EXPECT_EQ(run.payloads.size(), test.datagrams) << test.others << ' ' << test.milliseconds;
+        EXPECT_EQ(run.Finish().incompleteDatagrams, test.datagrams == 1 ? 0u : 2u);
+    }
+}
+
+TEST(Datagrams, TheSecondCopyOfOneIsNoSecondOne)
+{
+    const auto packet = [](unsigned id, const std::string& text, std::uint32_t destination = k_lls) {
+        return Ipv4(Udp(text), {id, 0, 17, "", destination});
+    };
+    const TTexts others(63, Ipv4("tcp", {8, 0, 6}));
+    const auto around = [&](const TTexts& between) {
+        TTexts packets = {packet(1, "a")};
+        packets.insert(packets.end(), between.begin(), between.end());
+        packets.push_back(packets.front());
+        return packets;
+    };
+    TTexts more = others;
+    more.push_back(others.front());
+    const struct {
+        const char* name;
+        TTexts packets;
+        unsigned datagrams;
+        unsigned milliseconds = 0;  ///< between two of them
+    } cases[] = {
+        {"each twice", {packet(1, "a"), packet(1, "a"), packet(2, "a"), packet(2, "a")}, 2},
+        {"all twice", {packet(1, "a"), packet(2, "a"), packet(3, "b"), packet(1, "a"), packet(2, "a")}, 3},
+        {"sent twice", {packet(1, "a"), packet(2, "a")}, 2},
+        {"without an id", {packet(0, "a"), packet(0, "a")}, 2},
+        {"an id that stays", {packet(1, "a"), packet(1, "b"), packet(1, "b")}, 3},
+        {"to two addresses", {packet(1, "a"), packet(1, "a", k_session)}, 2},
+        {"63 packets between", around(others), 1},
+        {"64 packets between", around(more), 2},
+        {"0.1 s between", {packet(1, "a"), packet(1, "a")}, 1, 100},
+        {"more", {packet(1, "a"), packet(1, "a")}, 2, 101},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        SRun run(DLT_RAW);
+        unsigned now = 0;
+        for (const std::string& one : test.packets) {
+            run.Take(one, false, After(now));
+            now += test.milliseconds;
+        }
+        EXPECT_EQ(run.payloads.size(), test.datagrams);
+        const SPacketCounts& counts = run.Finish();
+        EXPECT_EQ(counts.datagrams + counts.copies + counts.otherProtocol, test.packets.size());
+    }
 }
 
 TEST(Fragments, MissingOnesCostTheirDatagramOnly)
@@ -293,7 +364,7 @@ std::string AlpConcatenation(const TTexts& components)
 
 TEST(Alp, JoinsSegments)
 {
-    const std::string packet = Ipv4(Udp(k_text));
+    const std::string packet = Ipv4(Udp(k_text), {0});
     const std::string parts[] = {AlpSegment(packet.substr(0, 20), 0, false),
                                  AlpSegment(packet.substr(20, 20), 1, false), AlpSegment(packet.substr(40), 2, true)};
     const struct {
@@ -351,7 +422,8 @@ TEST(Alp, CountsOtherPackets)
     for (unsigned type = 1; type < 8; ++type) {
         run.Take(Number(type << 13 | 4, 2) + "data");
     }
-    EXPECT_EQ(run.Finish().otherLinkPackets, 7u);
+    EXPECT_EQ(run.Finish().otherLinkPackets, 6u);
+    EXPECT_EQ(run.Finish().compressed, 1u);
 }
 
 }  // namespace

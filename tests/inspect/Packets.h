@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 /// Builders of packets; all numbers big-endian.
 namespace packets {
@@ -150,15 +151,18 @@ class CCapture {
     std::uint64_t m_step = 250000;
 };
 
-/// Capture in pcapng form of one packet, two seconds after 1970 in microseconds.
-inline std::string PcapNg(const std::string& packet)
+/// Capture in pcapng form of one packet, two seconds after 1970 in microseconds, on the first of some interfaces.
+inline std::string PcapNg(const std::string& packet, const std::vector<unsigned>& linkTypes = {1})
 {
     const auto block = [](unsigned type, const std::string& body) {
         const std::string padded = body + std::string((4 - body.size() % 4) % 4, '\0');
         return Number(type, 4) + Number(padded.size() + 12, 4) + padded + Number(padded.size() + 12, 4);
     };
-    return block(0x0A0D0D0A, Number(0x1A2B3C4D, 4) + Number(1, 2) + Number(0, 2) + Number(~0ull, 8)) +
-           block(1, Number(1, 2) + Number(0, 2) + Number(65535, 4)) +
+    std::string interfaces;
+    for (const unsigned linkType : linkTypes) {
+        interfaces += block(1, Number(linkType, 2) + Number(0, 2) + Number(65535, 4));
+    }
+    return block(0x0A0D0D0A, Number(0x1A2B3C4D, 4) + Number(1, 2) + Number(0, 2) + Number(~0ull, 8)) + interfaces +
            block(6, Number(0, 4) + Number(2000000, 8) + Number(packet.size(), 4) + Number(packet.size(), 4) + packet);
 }
 

@@ -148,9 +148,10 @@ TEST_F(SlsFollower, RemembersABoundedNumberOfObjects)
     }
     EXPECT_TRUE(m_follower.Has({0, 0}, k_mpd.size()));
     EXPECT_FALSE(m_follower.Has({0, 0}, k_mpd.size() + 1));
+    m_Take(0, k_mpd);
     m_Take(64, k_mpd);
-    EXPECT_FALSE(m_follower.Has({0, 0}, {}));
-    EXPECT_EQ(Join(m_follower.Has({0, 1}, {}), m_follower.Has({0, 64}, {})), "1|1");
+    EXPECT_FALSE(m_follower.Has({0, 1}, {})) << "the one that came longest ago";
+    EXPECT_EQ(Join(m_follower.Has({0, 0}, {}), m_follower.Has({0, 2}, {}), m_follower.Has({0, 64}, {})), "1|1|1");
 }
 
 TEST_F(SlsFollower, InflatesUpTo8MiB)

@@ -123,6 +123,16 @@ TEST(Verdicts, WhetherAServicePlays)
              return s.kind == SSent::MEDIA && ofTsi(s, 10) && s.round >= 2 && s.round < 10 && s.lct.start == 0;
          })},
         {"pieces cut by the capture", "cannot-tell", "packets of it were cut", [](SBroadcast& b) { b.cutTo = 1000; }},
+        {"in packets with compressed headers", "cannot-tell", "not all of it was received",
+         [](SBroadcast& b) {
+             b.alp = true;
+             b.change = [](SSent& s) { return s.compressed = s.kind != SSent::LLS, true; };
+         }},
+        {"while something else is in such", "plays", "",
+         [](SBroadcast& b) {
+             b.alp = true;
+             b.change = [](SSent& s) { return s.compressed = s.table == 3, true; };
+         }},
         {"cut, and not listed", "does-not-play", "receivers do not list it: minorChannelNo 1000",
          [=](SBroadcast& b) {
              list("ChannelNo=\"1\"", "ChannelNo=\"1000\"")(b);

@@ -254,7 +254,8 @@ void CBroadcast::m_Result(bool told)
     delivery.packetsCut = counts.cut;
     delivery.received = reception.Whole();
     delivery.arrivals = m_arrivals.Result();
-    const bool captured = m_sessionsCaptured || SessionsCaptured(delivery);
+    // Of packets that could not be read, nobody knows the session.
+    const bool captured = m_sessionsCaptured || reception.Unread() || SessionsCaptured(delivery);
     const std::uint64_t before = summary.routeServices + summary.mmtpServices;
     for (const auto& protocol : m_sessions) {
         protocol->Finish(m_times, reception, captured, m_options.rules.longestInterval, delivery.awaited);
@@ -286,6 +287,12 @@ void CBroadcast::m_Findings(const SReception& reception)
     if (reception.Lossy()) {
         m_report.Finding(
             {ERule::PACKETS_DROPPED, DroppedText(counts) + ": what is missing may be missing here only", source});
+    }
+    if (counts.compressed != 0) {
+        m_report.Finding({ERule::PACKETS_COMPRESSED,
+                          std::to_string(counts.compressed) + " of " + Counted(counts.packets, "link-layer packet") +
+                              " with compressed headers, which are not read",
+                          source});
     }
     if (counts.malformed != 0) {
         m_report.Finding({ERule::PACKETS_MALFORMED,

@@ -141,9 +141,9 @@ void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge
     CPacketDecoder decoder(input.LinkType(), [&](const SDatagram& datagram) { receiver->Take(datagram); });
     CBroadcast broadcast(m_options, name, m_channelMap, m_report, judge, [&] { return SReception{decoder.Counts()}; });
     receiver = &broadcast;
-    const auto finish = [&] {
+    const auto finish = [&](bool told) {
         decoder.Finish();
-        broadcast.Finish(!m_output.Ended());
+        broadcast.Finish(told && !m_output.Ended());
     };
     SPacket packet;
     try {
@@ -155,10 +155,10 @@ void CInspector::m_Capture(CInput& input, const std::string& name, CJudge& judge
             m_progress.Show(name, broadcast.Packets());
         }
     } catch (const CInputError& error) {
-        finish();
+        finish(broadcast.Packets() != 0);
         throw CInputError(error.Code(), "behind packet " + std::to_string(broadcast.Packets()) + ": " + error.what());
     }
-    finish();
+    finish(true);
 }
 
 /// Until it is interrupted, or has received enough.

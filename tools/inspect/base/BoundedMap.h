@@ -3,10 +3,11 @@
 #include <cstddef>
 #include <list>
 #include <map>
+#include <utility>
 
 namespace vyr::inspect {
 
-/// A map of the newest entries: when there are too many, the one that was made first goes.
+/// A map of the newest entries: when there are too many, the one goes that was held longest ago.
 template <class TKey, class TValue>
 class CBoundedMap {
   public:
@@ -16,7 +17,7 @@ class CBoundedMap {
     const TValue* Find(const TKey& key) const
     {
         const auto entry = m_entries.find(key);
-        return entry != m_entries.end() ? &entry->second : nullptr;
+        return entry != m_entries.end() ? &entry->second.first : nullptr;
     }
     /// The entry of the key, an empty one if there was none. `letGo` is called with key and entry of the one that
     /// goes for it.
@@ -24,16 +25,19 @@ class CBoundedMap {
     TValue& Hold(const TKey& key, TLetGo letGo)
     {
         const auto [entry, isNew] = m_entries.try_emplace(key);
-        if (isNew) {
-            m_order.push_back(key);
-            if (m_order.size() > m_most) {
-                const auto oldest = m_entries.find(m_order.front());
-                letGo(oldest->first, oldest->second);
-                m_entries.erase(oldest);
-                m_order.pop_front();
-            }
+        auto& [value, place] = entry->second;
+        if (!isNew) {
+            m_order.splice(m_order.end(), m_order, place);
+            return value;
         }
-        return entry->second;
+        place = m_order.insert(m_order.end(), key);
+        if (m_order.size() > m_most) {
+            const auto oldest = m_entries.find(m_order.front());
+            letGo(oldest->first, oldest->second.first);
+            m_entries.erase(oldest);
+            m_order.pop_front();
+        }
+        return value;
     }
     TValue& Hold(const TKey& key)
     {
@@ -42,8 +46,8 @@ class CBoundedMap {
 
   private:
     const std::size_t m_most;
-    std::map<TKey, TValue> m_entries;
-    std::list<TKey> m_order;  ///< of m_entries, the first one made first
+    std::map<TKey, std::pair<TValue, typename std::list<TKey>::iterator>> m_entries;
+    std::list<TKey> m_order;  ///< of m_entries, the first to go first
 };
 
 }  // namespace vyr::inspect

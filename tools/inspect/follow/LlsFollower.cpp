@@ -355,6 +355,14 @@ void CLlsFollower::m_AddAssertions(const std::vector<SAssertion>& assertions, co
     }
 }
 
+/// Of what it says, however it was compressed; as sent, if it does not inflate.
+std::uint64_t CLlsFollower::m_TextHash(SView payload, std::uint64_t hash)
+{
+    std::vector<unsigned char> inflated;
+    return IsGzip(payload) && Gunzip(payload, k_maxTable, inflated) ? ContentHash({inflated.data(), inflated.size()})
+                                                                    : hash;
+}
+
 EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SView payload, STable& table, const SSource& source)
 {
     const std::uint64_t hash = ContentHash(payload);
@@ -363,10 +371,12 @@ EStatus CLlsFollower::m_Compare(const SLlsHeader& header, SView payload, STable&
     if (source.time && state.lastSeen && Between(*state.lastSeen, *source.time) >= 0) {
         table.interval = Between(*state.lastSeen, *source.time);
     }
-    const bool sameContent = state.size == payload.size && state.hash == hash;
+    const bool asSent = state.size == payload.size && state.hash == hash;
+    const std::uint64_t textHash = asSent ? state.textHash : m_TextHash(payload, hash);
+    const bool sameContent = asSent || (!isNew && state.textHash == textHash);
     const bool sameVersion = state.header.version == header.version;
     const bool sameCount = state.header.groupCountMinus1 == header.groupCountMinus1;
-    state = {header, payload.size, hash, source.time};
+    state = {header, payload.size, hash, textHash, source.time};
     // A table in another number of parts is another one.
     return StatusOf(isNew, sameVersion && sameCount, sameContent && (sameCount || !sameVersion));
 }

@@ -39,6 +39,7 @@ class CLlsFollower {
 
   private:
     static constexpr std::size_t k_maxServices = 16384;
+    static constexpr std::size_t k_maxTable = 1048576;  ///< bytes of an inflated table
 
     /// The services of one list; its address is their channel in the channel map.
     struct SCurrentSlt {
@@ -47,7 +48,8 @@ class CLlsFollower {
     struct SState {
         SLlsHeader header;
         std::size_t size = 0;
-        std::uint64_t hash = 0;
+        std::uint64_t hash = 0;      ///< as sent
+        std::uint64_t textHash = 0;  ///< inflated
         std::optional<STime> lastSeen;
     };
     struct SOutcome {
@@ -59,6 +61,7 @@ class CLlsFollower {
 
     void m_Take(SView table, const SSource& source, bool insideMultiTable);
     SOutcome m_ParseOther(SView bytes, STable& table);
+    static std::uint64_t m_TextHash(SView payload, std::uint64_t hash);
     EStatus m_Compare(const SLlsHeader& header, SView payload, STable& table, const SSource& source);
     static void m_Explain(const STable& table, SOutcome& outcome);
     static void m_AddAssertions(const std::vector<SAssertion>& assertions, const STable& table, SOutcome& outcome);

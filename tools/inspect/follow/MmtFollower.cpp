@@ -68,7 +68,6 @@ void CMmtSession::Count(SSummary& summary) const
 
 std::string CMmtSession::Missing() const
 {
-    const std::string none = "none of " + Counted(m_counts.packets, "packet") + " to " + followed.name;
     const SMessageCounts messages = m_assembler.Counts();
     if (messages.complete != 0) {
         return m_follower.LastFinding();
@@ -77,10 +76,7 @@ std::string CMmtSession::Missing() const
         return messages.lost != 0 ? Counted(messages.lost, "message") + " incomplete, and none whole"
                                   : "its messages are larger than the tool takes";
     }
-    if (m_counts.otherVersions + m_counts.malformed == m_counts.packets) {
-        return none + " is an MMTP packet of version 0";
-    }
-    return none + " carries signalling";
+    return "none of " + Counted(m_counts.packets, "packet") + " to " + followed.name + " carries signalling";
 }
 
 }  // namespace

@@ -117,7 +117,15 @@ void CSessionFollower::Finish(const SInputTimes& times, const SReception& recept
             finding.about = name;
             m_report.Finding(finding);
         }
-        if (session->pinned && session->followed.services.empty() && !session->Signals() &&
+        if (counts.otherVersions != 0) {
+            SFinding finding = {ERule::MMTP_VERSION,
+                                std::to_string(counts.otherVersions) + " of " + Counted(counts.packets, "packet") +
+                                    " to " + name + " are of a version of MMTP that is not read",
+                                source};
+            finding.about = name;
+            m_report.Finding(finding);
+        }
+        if (session->pinned && session->followed.services.empty() && !session->Signals() && !counts.Unread() &&
             !reception.Excuses(key, counts.packets)) {
             SFinding finding = {ERule::NO_SIGNALLING, "no signalling on " + name + ": " + m_Missing(*session), source};
             finding.about = name;
@@ -163,7 +171,7 @@ bool CSessionFollower::m_Judge(const TGroup& group, const SListedService& servic
         if (pending) {
             return false;
         }
-        if (reception.Excuses(service.session, session.Counts().packets)) {
+        if (session.Counts().Unread() || reception.Excuses(service.session, session.Counts().packets)) {
             return true;
         }
     }

@@ -40,6 +40,7 @@ bool CSlsFollower::Take(const std::optional<TToi>& toi, SView object, const SSou
     // One that came before and whose documents were replaced since changes what holds.
     const bool stands = sameToi && m_Stands(before);
     if (stands && before.size == now.size && before.hash == now.hash && !m_readAgain) {
+        m_objects.Hold(*toi);
         return m_Repeated(signalling);
     }
     std::vector<unsigned char> inflated;

@@ -74,7 +74,7 @@ void COnAir::m_Count(const SSessionDelivery& session, const std::set<std::string
     for (const bool mmt : {false, true}) {
         SCaptured& captured = (mmt ? m_mmt : m_route)[destination];
         later(captured.last, LastOf(session.traffic, k_never));
-        captured.allFlows = captured.allFlows && session.packetsNoFlow == 0 &&
+        captured.allFlows = captured.allFlows && session.packetsNoFlow == 0 && session.otherVersions == 0 &&
                             (mmt ? isMmt : session.protocol == EDeliveryProtocol::ROUTE);
     }
     const bool known = !session.guessed || addresses.count(AddressOf(destination)) != 0;

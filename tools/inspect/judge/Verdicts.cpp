@@ -127,6 +127,14 @@ bool CarriesNothing(const SStsidFacts& stsid, const SMpdFacts& mpd)
            std::none_of(mpd.representations.begin(), mpd.representations.end(), away);
 }
 
+/// Whether packets came of a session of MMTP that are not of its signalling.
+bool HasMedia(const SSessionDelivery& session)
+{
+    return std::any_of(session.flows.begin(), session.flows.end(), [](const SFlowDelivery& flow) {
+        return !flow.payloadType || *flow.payloadType != k_mmtSignalling;
+    });
+}
+
 class CServiceJudge {
   public:
     CServiceJudge(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings)
@@ -312,9 +320,7 @@ bool CServiceJudge::m_SignalsAlone() const
 {
     const auto found = m_sessions.find(m_address);
     return found != m_sessions.end() && found->second->packetsNoFlow == 0 && !found->second->guessed &&
-           std::all_of(found->second->flows.begin(), found->second->flows.end(), [](const SFlowDelivery& flow) {
-               return flow.payloadType && *flow.payloadType == k_mmtSignalling;
-           });
+           !HasMedia(*found->second);
 }
 
 /// What came of the assets of a service that MMTP carries.
@@ -395,6 +401,10 @@ SJudgement CServiceJudge::m_Judge(const std::string& list, const SSltService& se
     }
     if (!m_delivery.received && m_evidence.Of(service).empty() && m_evidence.mmt.count(m_address) == 0) {
         return Unknown("not all of it was received, and none of its signalling");
+    }
+    if (const auto found = m_sessions.find(m_address);
+        found != m_sessions.end() && found->second->otherVersions != 0 && !HasMedia(*found->second)) {
+        return Unknown("its packets are of a version of MMTP that the tool does not read");
     }
     const bool linear = service.serviceCategory == k_linear || service.serviceCategory == k_linearAudio;
     if (linear && service.slsProtocol == k_route) {

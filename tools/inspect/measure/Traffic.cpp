@@ -165,6 +165,7 @@ void CTraffic::m_Read(SSession& session, EDeliveryProtocol protocol)
     session.flows.clear();
     session.ids.clear();
     session.otherPackets = 0;
+    session.otherVersions = 0;
     session.packetsNoFlow = 0;
     session.read = protocol;
 }
@@ -229,8 +230,10 @@ bool CTraffic::m_TakeLct(SSession& session, SView payload, const SMoment& moment
 bool CTraffic::m_TakeMmtp(SSession& session, SView payload, const SMoment& moment)
 {
     SMmtpPacket packet;
-    if (ReadMmtp(payload, packet) != EMmtp::FINE) {
-        return false;
+    const EMmtp read = ReadMmtp(payload, packet);
+    if (read != EMmtp::FINE) {
+        session.otherVersions += read == EMmtp::OTHER_VERSION ? 1 : 0;
+        return read == EMmtp::OTHER_VERSION;
     }
     if (SFlow* flow = m_Flow(session, packet.packetId)) {
         flow->meter.Count(payload.size, moment);
@@ -295,6 +298,7 @@ SSessionDelivery CTraffic::m_Result(const SSession& session) const
         result.protocol = session.read;
         result.guessed = !announced;
         result.otherPackets = session.otherPackets;
+        result.otherVersions = session.otherVersions;
         result.packetsNoFlow = session.packetsNoFlow;
         for (const std::unique_ptr<SFlow>& flow : session.flows) {
             result.flows.push_back(m_Result(session, *flow));

@@ -78,6 +78,7 @@ class CTraffic {
         std::uint64_t lct = 0;                                ///< packets that look like it
         std::uint64_t mmtp = 0;
         std::uint64_t otherPackets = 0;
+        std::uint64_t otherVersions = 0;
         std::uint64_t packetsNoFlow = 0;
         std::vector<std::uint64_t> ids;  ///< of the flows
         std::vector<std::unique_ptr<SFlow>> flows;

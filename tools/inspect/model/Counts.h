@@ -57,7 +57,8 @@ struct SPacketCounts {
     std::uint64_t lostByInterface = 0;      ///< by the interface, of whatever kind; likewise
     std::uint64_t malformed = 0;            ///< headers that contradict themselves or the packet's length
     std::uint64_t otherProtocol = 0;        ///< not IPv4 over this link, or IPv4 without UDP
-    std::uint64_t otherLinkPackets = 0;     ///< link-layer packets of another kind than IPv4
+    std::uint64_t compressed = 0;           ///< link-layer packets of IP with compressed headers, which are not read
+    std::uint64_t otherLinkPackets = 0;     ///< link-layer packets of another kind
     std::uint64_t fragments = 0;            ///< IPv4 and link-layer pieces
     std::uint64_t incompleteDatagrams = 0;  ///< pieces that never became whole
     std::uint64_t datagrams = 0;            ///< whole UDP datagrams
@@ -75,6 +76,7 @@ struct SPacketCounts {
         visit("packetsLostByInterface", self.lostByInterface);
         visit("packetsMalformed", self.malformed);
         visit("packetsOther", self.otherProtocol);
+        visit("linkLayerPacketsCompressed", self.compressed);
         visit("linkLayerPacketsOther", self.otherLinkPackets);
         visit("fragments", self.fragments);
         visit("datagramsIncomplete", self.incompleteDatagrams);
@@ -122,7 +124,11 @@ struct SSessionCounts {
     std::uint64_t sessions = 0;
     std::uint64_t packets = 0;  ///< to these sessions, whatever they carry
     std::uint64_t malformed = 0;
-    std::uint64_t signalling = 0;  ///< ROUTE: of TSI 0, with source data
+    std::uint64_t otherVersions = 0;  ///< packets of versions that are not read
+    std::uint64_t signalling = 0;     ///< ROUTE: of TSI 0, with source data
+
+    /// Whether it may be for their version that nothing could be read.
+    bool Unread() const { return otherVersions != 0 && otherVersions + malformed == packets; }
 };
 
 /// What came on the sessions that carry signalling by ROUTE.
@@ -146,8 +152,7 @@ struct SRouteCounts : SSessionCounts {
 
 /// What came on the sessions that carry signalling by MMTP.
 struct SMmtpCounts : SSessionCounts {
-    std::uint64_t otherVersions = 0;  ///< packets of versions that are not read
-    std::uint64_t otherTypes = 0;     ///< packets that carry something else than signalling
+    std::uint64_t otherTypes = 0;  ///< packets that carry something else than signalling
     SMessageCounts messages;
 
     template <class TSelf, class TVisit>

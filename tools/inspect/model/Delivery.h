@@ -101,6 +101,7 @@ struct SSessionDelivery {
     std::vector<unsigned> services = {};  ///< that name it
     std::string carries = {};
     std::uint64_t otherPackets = 0;   ///< that are none of the protocol
+    std::uint64_t otherVersions = 0;  ///< packets of versions of MMTP that are not read
     std::uint64_t packetsNoFlow = 0;  ///< of flows beyond those that are kept
     std::vector<SFlowDelivery> flows = {};
 

@@ -110,6 +110,7 @@ TJson DeliveryJson(const SDelivery& delivery, const SSessionDelivery& session)
         json["named"] = session.Named();
     }
     PutNumber(json, "packetsOther", session.otherPackets, std::uint64_t{0});
+    PutNumber(json, "packetsOtherVersions", session.otherVersions, std::uint64_t{0});
     PutNumber(json, "packetsNoFlow", session.packetsNoFlow, std::uint64_t{0});
     for (const SFlowDelivery& flow : session.flows) {
         json["flows"].push_back(FlowJson(flow));

@@ -141,6 +141,7 @@ TRow SessionRow(const SSessionDelivery& session, bool showSource, const SDeliver
         parts.Add(Counted(session.otherPackets, mmtp ? "is no MMTP packet" : "is no LCT packet of ROUTE",
                           mmtp ? "are no MMTP packets" : "are no LCT packets of ROUTE"));
     }
+    parts.Add(session.otherVersions, "of other versions");
     parts.Add(session.packetsNoFlow, "of further flows");
     parts.Add(SilenceText(session.traffic, delivery));
     return Row(EndpointText(session.destination, session.port) +

@@ -313,10 +313,11 @@ std::string PacketsText(const SPacketCounts& packets)
     add(packets.lostByInterface, "lost by the interface");
     add(packets.malformed, "malformed");
     add(packets.otherProtocol, "not IPv4 and UDP");
+    add(packets.compressed, "with compressed headers, not read");
     add(packets.otherLinkPackets, "link-layer packets of other kinds");
     add(packets.fragments, "fragments");
     add(packets.incompleteDatagrams, "of them never whole");
-    add(packets.copies, "datagrams captured again, and not counted");
+    add(packets.copies, "captured again, and not counted");
     return text;
 }
 

@@ -270,7 +270,10 @@ bool CInput::Next(SPacket& packet)
     const unsigned char* bytes = nullptr;
     const int result = g_stop == 0 ? pcap_next_ex(m_capture, &header, &bytes) : PCAP_ERROR_BREAK;
     if (result == PCAP_ERROR && g_stop == 0) {
-        throw CInputError(m_Unreadable(), m_file->error.empty() ? pcap_geterr(m_capture) : m_file->error);
+        const std::string error = m_file->error.empty() ? pcap_geterr(m_capture) : m_file->error;
+        // libpcap reads no file whose interfaces differ: it has one link type for all.
+        const bool mixed = error.find("different from the type of the first interface") != std::string::npos;
+        throw CInputError(mixed ? ERule::LINK_TYPE : m_Unreadable(), error);
     }
     if (result != 1) {
         return false;

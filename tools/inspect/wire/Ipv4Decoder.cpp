@@ -87,15 +87,15 @@ bool CIpv4Decoder::m_IsCopy(SView packet, SView data)
     const std::uint32_t destination = packet.Be32(16);
     const std::size_t size = std::min(data.size, k_copyBytes);
     SCame& came = m_came[id % m_came.size()];
-    const bool again = came.id == id && came.source == source && m_Within(k_copyDistance, came.place);
-    if (again && !came.idStays && came.destination == destination &&
+    const bool sameId = came.id == id && came.source == source;
+    if (sameId && !came.idStays && came.destination == destination && m_Within(k_copyDistance, came.place) &&
         std::memcmp(came.begin.data(), data.data, size) == 0) {
         return true;
     }
     came.source = source;
     came.destination = destination;
     came.id = id;
-    came.idStays = again;
+    came.idStays = sameId;
     std::memcpy(came.begin.data(), data.data, size);
     came.place = m_now;
     return false;

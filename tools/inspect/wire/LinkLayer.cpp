@@ -10,7 +10,9 @@ namespace {
 
 constexpr unsigned k_etherIpv4 = 0x0800;
 constexpr int k_maxVlanTags = 8;
-constexpr int k_linkTypeRaw = 101;  // the number in files; libpcap's own differs by platform
+constexpr unsigned k_alpIpv4 = 0;        // packet_type
+constexpr unsigned k_alpCompressed = 2;  // IP packets whose headers are compressed
+constexpr int k_linkTypeRaw = 101;       // the number in files; libpcap's own differs by platform
 
 bool IsVlanTag(unsigned etherType)
 {
@@ -124,8 +126,8 @@ void CPacketDecoder::m_Alp(SView packet, bool cut)
         m_counts.Short(cut);
         return;
     }
-    if (packet[0] >> 5 != 0) {
-        ++m_counts.otherLinkPackets;
+    if (const unsigned type = packet[0] >> 5; type != k_alpIpv4) {
+        ++(type == k_alpCompressed ? m_counts.compressed : m_counts.otherLinkPackets);
         return;
     }
     const bool severalOrPart = (packet[0] & 0x10) != 0;
