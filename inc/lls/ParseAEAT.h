@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -102,6 +103,11 @@ class VYR_API CParseAEAT : public TCParseLLS {
         void (*fn)(void* userData, int result);  ///< of the caller
     };
 
+    /// Extension: what attributes of an alert say by XML Schema; empty: not given, or no boolean.
+    struct SGiven {
+        std::optional<bool> wakeup;  ///< wakes receivers
+    };
+
     CParseAEAT();
     /// Destroy comes first, else that is asserted.
     ~CParseAEAT() override;
@@ -138,6 +144,8 @@ class VYR_API CParseAEAT : public TCParseLLS {
     /// All of the index-th alert, null outside the list; good until Destroy, or with SetReplace until
     /// the next Parse.
     const SParseAEAT::SAEAInfo* GetAEA(int index) const;
+    /// Extension: what the index-th alert gives; likewise.
+    const SGiven* Given(int index) const;
 
   protected:
     bool t_Parse(IParse::SItem* item) override;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "../platform/Api.h"
@@ -18,6 +19,16 @@ class VYR_API CParseOnscreenNoti : public TCParseLLS {
         std::string notificationDuration;  ///< xs:duration as it stands
         bool kscFlag;                      ///< keep the screen clear
         unsigned char version;             ///< of the entry, low 8 bits
+    };
+
+    /// Extension: what the attributes of an entry say by XML Schema, whatever the range; empty: not given, or no
+    /// number, no boolean.
+    struct SGiven {
+        std::optional<long long> bsid;            ///< broadcast stream of the services
+        std::optional<long long> serviceId;       ///< first of them
+        std::optional<long long> serviceIdRange;  ///< how many further service ids it is for
+        std::optional<bool> kscFlag;              ///< keep the screen clear
+        std::optional<long long> version;         ///< of the entry
     };
 
     CParseOnscreenNoti();
@@ -44,6 +55,8 @@ class VYR_API CParseOnscreenNoti : public TCParseLLS {
     /// All of the index-th entry, null outside the range; good until Destroy, or with SetReplace
     /// until the next Parse.
     const SKeepScreenClear* GetKSC(unsigned int index) const;
+    /// Extension: what the index-th entry gives; likewise.
+    const SGiven* Given(unsigned int index) const;
 
   protected:
     bool t_Parse(IParse::SItem* item) override;

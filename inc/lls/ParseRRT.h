@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,11 @@ class VYR_API CParseRRT : public TCParseLLS {
         void (*fn)(void* userData, int result);  ///< null: nobody is told
     };
 
+    /// Extension: what attributes of a dimension say by XML Schema; empty: not given, or no boolean.
+    struct SGiven {
+        std::optional<bool> dimensionGraduated;  ///< whether higher values include lower ones
+    };
+
     CParseRRT();
     /// Destroy comes first, else "!m" is asserted.
     ~CParseRRT() override;
@@ -95,6 +101,8 @@ class VYR_API CParseRRT : public TCParseLLS {
     bool GetRatingValueString(unsigned int r, unsigned int d, unsigned int k, std::string& text) const;
     /// All of region r, languages included, null outside the range; good until the next Parse or Destroy.
     const SParseRRT::SRegion* GetRegion(unsigned int r) const;
+    /// Extension: what dimension d of region r gives; likewise.
+    const SGiven* Given(unsigned int r, unsigned int d) const;
 
   protected:
     bool t_Parse(IParse::SItem* item) override;

@@ -15,7 +15,12 @@ using vyr::CNodeText;
 namespace {
 
 typedef SParseAEAT::SAEAInfo SAEAInfo;
-typedef vyr::THeld<SAEAInfo> SHeld;
+
+struct SAlert : SAEAInfo {
+    CParseAEAT::SGiven given;
+};
+
+typedef vyr::THeld<SAlert> SHeld;
 
 /// The number of the first word, counted from 1, that the attribute begins with; 0: none, or absent.
 template <class TEnum, std::size_t N>
@@ -143,6 +148,7 @@ void sm_CbAEA(SAlerts* m, void* node)
     alert->retAEAId = Attribute(node, "retAEAId");
     alert->priority = static_cast<EAEAPriority>(CNodeText::Attribute(node, "priority").Int(0));
     alert->wakeup = CNodeText::Attribute(node, "wakeup").Bool();
+    vyr::ReadAttribute(node, "wakeup", alert->given.wakeup);
     {
         const vyr::CScoped<SAEAInfo*> current(m->current, alert.get(), nullptr);
         vyr::DispatchChildren(m, k_handlers, node, "[CParseAEAT::sm_CbAEA] %s");
@@ -180,7 +186,7 @@ bool m_ProcessParseAEAT(SAlerts& m, const CXML& xml, void* root)
 }
 
 /// The alert of that index; without the parser's record the caller's failed assertion.
-const SParseAEAT::SAEAInfo* Alert(const SAlerts* m, int index, VYR_CALLER)
+const SAlert* Alert(const SAlerts* m, int index, VYR_CALLER)
 {
     if (!m) {
         vyr::AssertFailed(here, "m");
@@ -232,7 +238,7 @@ bool CParseAEAT::t_Parse(IParse::SItem* item)
                                  [this](const CXML& xml, void* root) { return m_ProcessParseAEAT(*m, xml, root); })) {
         return false;
     }
-    m->replace.Drop<SAEAInfo>(m->alerts, held);
+    m->replace.Drop<SAlert>(m->alerts, held);
     m->replace.End("CParseAEAT");
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseAEAT::t_Parse] AEA Table size[%d]", m->alerts.Size());
     m_DumpAEAT();
@@ -247,6 +253,12 @@ int CParseAEAT::AEACount() const
 const SParseAEAT::SAEAInfo* CParseAEAT::GetAEA(int index) const
 {
     return Alert(m, index);
+}
+
+const CParseAEAT::SGiven* CParseAEAT::Given(int index) const
+{
+    const SAlert* alert = Alert(m, index);
+    return alert ? &alert->given : nullptr;
 }
 
 bool CParseAEAT::GetAEAId(int index, std::string& aeaId, std::string& retAEAId) const

@@ -12,7 +12,11 @@ using vyr::CNodeText;
 
 namespace {
 
-typedef vyr::THeld<CParseOnscreenNoti::SKeepScreenClear> SHeld;
+struct SEntry : CParseOnscreenNoti::SKeepScreenClear {
+    CParseOnscreenNoti::SGiven given;
+};
+
+typedef vyr::THeld<SEntry> SHeld;
 
 struct SEntries {
     TPtrArray<SHeld> entries;
@@ -32,6 +36,12 @@ void sm_CbKSC(SEntries* m, void* node)
     vyr::ReadAttribute(node, "notificationDuration", entry->notificationDuration);
     entry->kscFlag = CNodeText::Attribute(node, "kscFlag").Bool();
     vyr::ReadAttribute(node, "version", entry->version);
+    CParseOnscreenNoti::SGiven& given = entry->given;
+    vyr::ReadAttribute(node, "bsid", given.bsid);
+    vyr::ReadAttribute(node, "serviceId", given.serviceId);
+    vyr::ReadAttribute(node, "serviceIdRange", given.serviceIdRange);
+    vyr::ReadAttribute(node, "kscFlag", given.kscFlag);
+    vyr::ReadAttribute(node, "version", given.version);
     m->entries.Append(std::move(entry));
 }
 
@@ -110,6 +120,11 @@ const CParseOnscreenNoti::SKeepScreenClear* CParseOnscreenNoti::GetKSC(unsigned 
     return index < KSCCount() ? m_Entry(index) : nullptr;
 }
 
+const CParseOnscreenNoti::SGiven* CParseOnscreenNoti::Given(unsigned int index) const
+{
+    return index < KSCCount() ? &m->entries.At(static_cast<int>(index))->given : nullptr;
+}
+
 void CParseOnscreenNoti::SetReplace(bool replace)
 {
     if (VYR_ASSERT(m, "m")) {
@@ -130,7 +145,7 @@ bool CParseOnscreenNoti::t_Parse(IParse::SItem* item)
             [this](const CXML& xml, void* root) { return m_ProcessParseOnscreenNoti(*m, xml, root); })) {
         return false;
     }
-    m->replace.Drop<SKeepScreenClear>(m->entries, held);
+    m->replace.Drop<SEntry>(m->entries, held);
     m->replace.End("CParseOnscreenNoti");
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::t_Parse] array size[%d]", m->entries.Size());
     m_DumpKSC();

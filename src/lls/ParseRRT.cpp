@@ -18,6 +18,10 @@ typedef SParseRRT::SRating SRating;
 typedef SParseRRT::SDimension SDimension;
 typedef SParseRRT::SRegion SRegion;
 
+struct SHeldRegion : SRegion {
+    std::vector<CParseRRT::SGiven> given;  // of each dimension
+};
+
 constexpr unsigned int k_unchecked = 0xFFFFFFFF;
 
 /// The element, or null after the assertion of an index that was left unchecked.
@@ -55,15 +59,15 @@ void ReadText(STextType& text, void* node)
 }
 
 struct SRegions {
-    std::vector<vyr::THeld<SRegion>> regions;
-    SRegion* region = nullptr;
+    std::vector<vyr::THeld<SHeldRegion>> regions;
+    SHeldRegion* region = nullptr;
     SDimension* dimension = nullptr;
     SRating* rating = nullptr;
     void* channel = nullptr;
     CParseRRT::SCallback callback{};
     vyr::CReplace replace;
 
-    const SRegion* Region(unsigned int r, VYR_CALLER) const { return At(regions, r, here); }
+    const SHeldRegion* Region(unsigned int r, VYR_CALLER) const { return At(regions, r, here); }
 
     const SDimension* Dimension(unsigned int r, unsigned int d, VYR_CALLER) const
     {
@@ -125,11 +129,11 @@ void sm_CbRatingRegionTable(SRegions* m, void* node)
     if (!m->replace.Take()) {
         return;
     }
-    vyr::THeld<SRegion> region;
+    vyr::THeld<SHeldRegion> region;
     region.group = m->replace.Group();
     vyr::ReadAttribute(node, "regionIdentifier", region.regionIdentifier);
     {
-        const vyr::CScoped<SRegion*> current(m->region, &region, nullptr);
+        const vyr::CScoped<SHeldRegion*> current(m->region, &region, nullptr);
         vyr::DispatchChildren(m, k_handlers, node);
     }
     m->regions.push_back(std::move(region));
@@ -137,7 +141,7 @@ void sm_CbRatingRegionTable(SRegions* m, void* node)
 
 void sm_CbDimension(SRegions* m, void* node)
 {
-    SRegion* region = m->region;
+    SHeldRegion* region = m->region;
     if (!VYR_ASSERT(region, "m->region") || !m->replace.Take()) {
         return;
     }
@@ -150,6 +154,7 @@ void sm_CbDimension(SRegions* m, void* node)
         vyr::DispatchChildren(m, k_handlers, node);
     }
     region->dimensions.push_back(std::move(dimension));
+    vyr::ReadAttribute(node, "dimensionGraduated", region->given.emplace_back().dimensionGraduated);
 }
 
 void sm_CbRating(SRegions* m, void* node)
@@ -330,4 +335,10 @@ bool CParseRRT::GetRatingValueString(unsigned int r, unsigned int d, unsigned in
 const SParseRRT::SRegion* CParseRRT::GetRegion(unsigned int r) const
 {
     return r < numOfRatingRegionTable() ? m->Region(r) : nullptr;
+}
+
+const CParseRRT::SGiven* CParseRRT::Given(unsigned int r, unsigned int d) const
+{
+    const SHeldRegion* region = r < numOfRatingRegionTable() ? m->Region(r) : nullptr;
+    return region && d < region->given.size() ? &region->given[d] : nullptr;
 }

@@ -55,6 +55,8 @@ TEST(AlertRules, EachIsBrokenAlone)
         {"", Alert("aeaId='a' aeaType='cancel'")},
         {"alert-without-wakeup", Alert(alert + "priority='4'", "")},
         {"", Alert(alert + "priority='4' wakeup='true'", "") + Alert("aeaId='b' priority='3'", "")},
+        {"", Alert(alert + "priority='4' wakeup='1'", "")},
+        {"alert-without-wakeup", Alert(alert + "priority='4' wakeup='0'", "")},
         {"", Alert("aeaId='a' aeaType='cancel' priority='4'", "")},
         {"alert-reference-unknown", Alert("aeaId='b' aeaType='update' retAEAId='z'", "") + first},
         {"alert-reference-unknown",

@@ -226,6 +226,7 @@ TEST(Extract, Certificates)
     const std::vector<json> index = room.Index();
     ASSERT_EQ(index.size(), 3u);
     EXPECT_EQ(index[2]["form"], "certificate");
+    EXPECT_NE(index[2]["path"].get<std::string>().find("-certificate1.der"), std::string::npos);
     EXPECT_EQ(ReadFile(room.Out() + '/' + index[2]["path"].get<std::string>()), der);
 }
 

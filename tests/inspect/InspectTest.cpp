@@ -81,7 +81,8 @@ std::string OtherTables()
         "dsDayOfMonth='14' dsHour='2'/>";
     const std::string screen =
         "<OnscreenMessageNotification><KeepScreenClear bsid='5' serviceId='2' serviceIdRange='3' "
-        "notificationDuration='PT1M' kscFlag='true' version='1'/><KeepScreenClear/>"
+        "notificationDuration='PT1M' kscFlag='true' version='1'/><KeepScreenClear/><KeepScreenClear serviceId='7' "
+        "kscFlag='1'/>"
         "</OnscreenMessageNotification>";
     const std::string certificates =
         "<CertificationData><ToBeSignedData OCSPRefresh='PT1H'><Certificates>!</Certificates>"

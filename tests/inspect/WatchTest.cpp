@@ -174,11 +174,10 @@ TEST(Watch, NumbersThatChangeAreNoNews)
         }
     }
     EXPECT_EQ(messages, "2 begun TSI 10\n4 begun TSI 20\n");
-    EXPECT_NE(
-        Inspect("--every 30 -", bytes)
-            .out.find("  service 1 \"NEWS\"  does not play: 24 of 37 pieces of its video arrive broken; before: "
-                      "plays\n"),
-        std::string::npos);
+    EXPECT_NE(Inspect("--every 30 -", bytes)
+                  .out.find("  service 1 \"NEWS\"  does not play: 24 of 37 pieces of its video arrive broken; before: "
+                            "plays\n"),
+              std::string::npos);
     EXPECT_EQ(interims[1]["verdictsChanged"][0]["causeNow"], "24 of 37 pieces of its video arrive broken");
 }
 
@@ -263,6 +262,35 @@ TEST(Watch, MetricsAreWellFormed)
         << text;
     EXPECT_NE(text.find("session=\"239.255.7.1:30100\",source=\"192.0.2.10\",tsi=\"10\",state=\"whole\"} 4\n"),
               std::string::npos);
+}
+
+/// Packets that come late are missing for a while; a counter never gets less.
+TEST(Watch, TheCounterOfLostPacketsNeverGetsLess)
+{
+    CCapture capture(1);
+    for (unsigned second = 0; second < 10; ++second) {
+        for (const unsigned number : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}) {
+            // Of the fifth second, they come in the sixth; two of the first never do.
+            const unsigned sequence = second * 10 + number;
+            if (second == 5) {
+                capture.At(5000000 + number * 1000).AddSession(Mmtp({sequence - 10, 0, 100, 0, 0}, "x"), 7000);
+            }
+            if (second != 4 && (second != 0 || number != 5)) {
+                capture.At(second * 1000000 + 500000 + number * 1000)
+                    .AddSession(Mmtp({sequence, 0, 100, 0, 0}, "x"), 7000);
+            }
+        }
+    }
+    const CTemporary input(capture.Bytes()), written;
+    Inspect("--mmtp 239.255.7.1:7000 --every 1 --output /dev/null --metrics /dev/stdout '" + input.Name() +
+            "' | cat > '" + written.Name() + "'; true");
+    const std::string pages = ReadFile(written.Name());
+    const std::regex line("\nvyr_atsc30_session_packets_lost_total\\{[^\n]*\\} ([0-9]+)");
+    std::string lost;
+    for (std::sregex_iterator at(pages.begin(), pages.end(), line), end; at != end; ++at) {
+        lost += (*at)[1].str() + ' ';
+    }
+    EXPECT_EQ(lost, "0 0 0 0 0 0 1 1 1 1 ");
 }
 
 /// docs/metrics.md has the table of the code.

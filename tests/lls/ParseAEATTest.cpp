@@ -72,13 +72,17 @@ TEST_F(ParseAEATTest, WordsAreMatchedByTheirBeginning)
                    {"audience='restricted' aeaType='alerted' wakeup='trueX'", "type='FIPS'", 2, 1, 1, true},
                    {"audience='private' aeaType='cancel' wakeup='1'", "type='polygon'", 3, 3, 3, false},
                    {"audience='publi' aeaType='Alert' wakeup='True'", "type='fips'", 0, 0, 0, false}};
+    std::string given;
     for (const auto& c : k_cases) {
         SCOPED_TRACE(c.attributes);
         FeedXml(m_parser, std::string("<AEAT><AEA ") + c.attributes + "><Location " + c.location + "/></AEA></AEAT>");
         EXPECT_EQ(Join(Last().audience, Last().aeaType, Last().wakeup), Join(c.audience, c.type, c.wakeup));
         EXPECT_EQ(Last().locations.at(0).type, c.kind);
         EXPECT_EQ(Last().priority, 0);
+        given += Join(m_parser.Given(m_parser.AEACount() - 1)->wakeup) + ' ';
     }
+    EXPECT_EQ(given, "- - 1 - ");
+    EXPECT_EQ(m_parser.Given(4), nullptr);
     EXPECT_EQ(m_parser.AEACount(), 4);  // tables pile up
 }
 

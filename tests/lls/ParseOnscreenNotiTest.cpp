@@ -25,6 +25,13 @@ TEST_F(ParseOnscreenNotiTest, EntriesPileUp)
     EXPECT_EQ(Join(entry.notificationDuration, entry.kscFlag, entry.version), "PT1M|1|44");
     EXPECT_EQ(Join(noti.Bsid(0), noti.ServiceId(0), noti.ServiceIdRange(0)), "4464|2|3");
     EXPECT_EQ(Join(noti.Bsid(1), noti.GetKSC(1)->kscFlag, noti.GetKSC(1)->notificationDuration.empty()), "0|0|1");
+    const auto given = [&noti](unsigned index) {
+        const CParseOnscreenNoti::SGiven& g = *noti.Given(index);
+        return Join(g.bsid, g.serviceId, g.serviceIdRange, g.kscFlag, g.version);
+    };
+    EXPECT_EQ(given(0), "70000|2|3|1|300");
+    EXPECT_EQ(given(1), "-|-|-|-|-");
+    EXPECT_EQ(noti.Given(2), nullptr);
     EXPECT_EQ(Logged("[CParseOnscreenNoti::m_DumpKSC]index: 0 , bsid: 4464, serviceId: 2"), 3);
     EXPECT_EQ(Logged("[CParseOnscreenNoti::m_DumpKSC]serviceIdRange: 3 , duration: PT1M"), 3);
     EXPECT_EQ(Logged("[CParseOnscreenNoti::m_DumpKSC]kscFlag: 1 , version: 44"), 3);

@@ -56,6 +56,9 @@ TEST_F(ParseRRTTest, RegionsDimensionsAndRatings)
     EXPECT_EQ(m_parser.GetRegion(0)->text.lang, "en");  // of the last text, not of the one that said "ko"
     EXPECT_EQ(m_parser.GetRegion(0)->dimensions[0].ratings[1].text.lang, "fr");
     EXPECT_EQ(m_parser.GetRegion(2), nullptr);
+    EXPECT_EQ(Join(m_parser.Given(0, 0)->dimensionGraduated, m_parser.Given(0, 1)->dimensionGraduated), "1|1");
+    EXPECT_EQ(Join(m_parser.Given(0, 2) == nullptr, m_parser.Given(1, 0) == nullptr, m_parser.Given(2, 0) == nullptr),
+              "1|1|1");
 
     // The next table adds its regions.
     ASSERT_TRUE(

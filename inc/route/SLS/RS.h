@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "../../common/Owned.h"
 #include "../../common/XmlElement.h"
 #include "../../platform/Api.h"
@@ -18,11 +20,18 @@ class VYR_API CRS : public CXmlElement {
         TOwnedArray<CLS> ls;                ///< in document order
     };
 
+    /// Extension: what the element gives by XML Schema; empty: not given, or no number.
+    struct SGiven {
+        std::optional<long long> bsid;  ///< broadcast stream of the session; not given: that of the S-TSID
+    };
+
     /// Copies the record that each LCT session is given; null takes it back. False (asserted) before
     /// Create.
     bool SetCallback(const CLS::SCallback* callback);
     /// What was parsed; null before Create, good until Destroy.
     const SRS* State() const { return t_Values<SRS>(); }
+    /// Extension: what the element gives; likewise.
+    const SGiven* Given() const;
 
   private:
     vyr::SXmlKind t_Kind() const override;

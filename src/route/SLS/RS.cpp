@@ -10,6 +10,7 @@ namespace {
 
 struct SState : vyr::TXmlState<CRS::SRS> {
     CLS::SCallback callback{};
+    CRS::SGiven given;
 
     bool m_ProcessParse(void* root) override;
 };
@@ -26,6 +27,7 @@ bool SState::m_ProcessParse(void* root)
 {
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CRS::m_ProcessParseRS] process RS");
     vyr::Renew(*this);
+    vyr::ReadAttribute(root, "bsid", given.bsid);
     vyr::ReadIpv4(CNodeText::Attribute(root, "sIpAddr"), values.sIpAddr);
     const CNodeText destination = CNodeText::Attribute(root, "dIpAddr");
     if (vyr::ReadIpv4(destination, values.dIpAddr)) {
@@ -44,6 +46,12 @@ bool SState::m_ProcessParse(void* root)
 bool CRS::SetCallback(const CLS::SCallback* callback)
 {
     return vyr::SetCallback(t_State<SState>(), callback);
+}
+
+const CRS::SGiven* CRS::Given() const
+{
+    const SState* state = t_State<SState>();
+    return state ? &state->given : nullptr;
 }
 
 vyr::SXmlKind CRS::t_Kind() const

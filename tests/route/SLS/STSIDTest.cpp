@@ -81,6 +81,9 @@ TEST_F(STSIDTest, DefaultsAndQuirks)
     EXPECT_EQ(m_parser.DPort(0) * 10 + m_parser.DPort(1), 40002);
     EXPECT_EQ(m_parser.DPort(2), 65535);
     EXPECT_EQ(Join(m_parser.BsId(0), m_parser.SIpAddr(0), m_parser.DIpAddr(0)), "65535|4294967295|4294967295");
+    EXPECT_EQ(Join(m_parser.State()->routeSessions.Get(0)->Given()->bsid,
+                   m_parser.State()->routeSessions.Get(1)->Given()->bsid, CRS().Given() == nullptr),
+              "7|-|1");
     // Without a source flow; with it; and with a representation's id, though it is empty.
     EXPECT_EQ(Session(0, 0), "4294967295||0||0|-");
     EXPECT_FALSE(m_parser.GetEFDTInfo(0, 0));

@@ -111,6 +111,13 @@ void ReadEach(SContent& content, const char* list, std::size_t count, TRead read
     content.text += MoreText("  ", count, most);
 }
 
+/// What a flag says; where a receiver reads it as the other, that too. "-": it is not given, or is no boolean.
+std::string FlagText(const std::optional<bool>& given, bool read, const char* on, const char* off)
+{
+    const std::string text = !given ? "-" : *given ? on : off;
+    return text + (given && *given != read ? std::string(" (to a receiver ") + (read ? on : off) + ')' : "");
+}
+
 TJson TextJson(const SParseRRT::STextType& text)
 {
     return {{"lang", text.lang}, {"text", text.text}};
@@ -128,9 +135,11 @@ SContent ReadRrt(const CParseRRT& parser)
                       {"RegionIdText", TextJson(region.text)},
                       {"Dimension", TJson::array()}};
         std::vector<TRow> rows = {{"  dimension", "levels", "graduated", "value", "abbreviation", "meaning"}};
-        for (const SParseRRT::SDimension& dimension : region.dimensions) {
+        for (unsigned d = 0; d < region.dimensions.size(); ++d) {
+            const SParseRRT::SDimension& dimension = region.dimensions[d];
+            const std::optional<bool>& graduated = parser.Given(static_cast<unsigned>(r), d)->dimensionGraduated;
             TRow row = {"  " + Printable(dimension.title.text), std::to_string(dimension.dimensionLevels),
-                        dimension.dimensionGraduated ? "yes" : "no"};
+                        FlagText(graduated, dimension.dimensionGraduated, "yes", "no")};
             TJson ratings = TJson::array();
             for (const SParseRRT::SRating& rating : dimension.ratings) {
                 row.insert(row.end(), {std::to_string(rating.ratingValue), Printable(rating.abbreviation.text),
@@ -144,11 +153,11 @@ SContent ReadRrt(const CParseRRT& parser)
             if (dimension.ratings.empty()) {
                 rows.push_back(row);
             }
-            Append(json, "Dimension",
-                   {{"DimensionTitle", TextJson(dimension.title)},
-                    {"dimensionLevels", dimension.dimensionLevels},
-                    {"dimensionGraduated", dimension.dimensionGraduated},
-                    {"Rating", std::move(ratings)}});
+            TJson entry = {{"DimensionTitle", TextJson(dimension.title)},
+                           {"dimensionLevels", dimension.dimensionLevels}};
+            PutValue(entry, "dimensionGraduated", graduated);
+            entry["Rating"] = std::move(ratings);
+            Append(json, "Dimension", std::move(entry));
         }
         if (rows.size() > 1) {
             content.text += Aligned(rows);
@@ -167,7 +176,7 @@ TJson TextsJson(const std::vector<SParseAEAT::SText>& texts)
     return json;
 }
 
-void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
+void ReadAlert(const SParseAEAT::SAEAInfo& alert, const CParseAEAT::SGiven& given, SContent& content)
 {
     std::string headline;
     for (const SParseAEAT::SText& desc : alert.eventDescs) {
@@ -179,7 +188,10 @@ void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
     text += "  " + (headline.empty() ? "alert " + Quoted(alert.aeaId) : headline) + '\n';
     text += Line("alert", Quoted(alert.aeaId) + (type ? std::string(", ") + type : "") +
                               (alert.retAEAId.empty() ? "" : " of " + Quoted(alert.retAEAId)) + ", priority " +
-                              std::to_string(alert.priority) + (alert.wakeup ? ", wakes receivers" : ""));
+                              std::to_string(alert.priority) +
+                              (given.wakeup.value_or(false)
+                                   ? ", " + FlagText(given.wakeup, alert.wakeup, "wakes receivers", "off")
+                                   : ""));
     text += Line("issuer", Printable(alert.issuer));
     text += Line("audience", audience ? audience : "");
     if (!alert.effective.empty() || !alert.expires.empty()) {
@@ -190,21 +202,22 @@ void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
         text += Line("event", Printable(alert.eventCode) +
                                   (alert.eventCodeType.empty() ? "" : " (" + Printable(alert.eventCodeType) + ')'));
     }
-    TJson json = {{"aeaId", alert.aeaId},
-                  {"issuer", alert.issuer},
-                  {"audience", alert.audience},
-                  {"aeaType", alert.aeaType},
-                  {"retAEAId", alert.retAEAId},
-                  {"priority", alert.priority},
-                  {"wakeup", alert.wakeup},
-                  {"effective", alert.effective},
-                  {"expires", alert.expires},
-                  {"eventCode", alert.eventCode},
-                  {"eventCodeType", alert.eventCodeType},
-                  {"EventDesc", TextsJson(alert.eventDescs)},
-                  {"AEAText", TextsJson(alert.texts)},
-                  {"Location", TJson::array()},
-                  {"Media", TJson::array()}};
+    TJson json = TJson::object();
+    PutText(json, "aeaId", alert.aeaId);
+    PutText(json, "issuer", alert.issuer);
+    json["audience"] = alert.audience;
+    json["aeaType"] = alert.aeaType;
+    PutText(json, "retAEAId", alert.retAEAId);
+    json["priority"] = alert.priority;
+    PutValue(json, "wakeup", given.wakeup);
+    PutText(json, "effective", alert.effective);
+    PutText(json, "expires", alert.expires);
+    PutText(json, "eventCode", alert.eventCode);
+    PutText(json, "eventCodeType", alert.eventCodeType);
+    json["EventDesc"] = TextsJson(alert.eventDescs);
+    json["AEAText"] = TextsJson(alert.texts);
+    json["Location"] = TJson::array();
+    json["Media"] = TJson::array();
     json["audienceName"] = audience ? audience : "unknown";
     json["aeaTypeName"] = type ? type : "unknown";
     for (const SParseAEAT::SLocation& location : alert.locations) {
@@ -219,27 +232,33 @@ void ReadAlert(const SParseAEAT::SAEAInfo& alert, SContent& content)
     }
     for (const SParseAEAT::SMedia& media : alert.media) {
         text += Line("media", Joined({Printable(media.mediaDesc), Printable(media.contentType),
-                                      Counted(media.contentLength, "byte"), Printable(media.url)}) +
+                                      media.contentLength != 0 ? Counted(media.contentLength, "byte") : "",
+                                      Printable(media.url)}) +
                                   InLanguage(media.lang));
-        Append(json, "Media",
-               {{"lang", media.lang},
-                {"mediaType", media.mediaDesc},
-                {"url", media.url},
-                {"alternateUrl", media.alternateUrl},
-                {"contentType", media.contentType},
-                {"contentLength", media.contentLength},
-                {"mediaAssoc", media.mediaAssoc}});
+        TJson entry = TJson::object();
+        PutText(entry, "lang", media.lang);
+        PutText(entry, "mediaType", media.mediaDesc);
+        PutText(entry, "url", media.url);
+        PutText(entry, "alternateUrl", media.alternateUrl);
+        PutText(entry, "contentType", media.contentType);
+        PutNumber(entry, "contentLength", media.contentLength, 0u);
+        PutText(entry, "mediaAssoc", media.mediaAssoc);
+        Append(json, "Media", std::move(entry));
     }
     if (alert.liveMedia) {
         std::string names;
-        for (const SParseAEAT::SText& name : alert.liveMedia->serviceNames) {
+        // The library reads an attribute; names that are the elements' texts are not there.
+        std::vector<SParseAEAT::SText> liveNames;
+        std::copy_if(alert.liveMedia->serviceNames.begin(), alert.liveMedia->serviceNames.end(),
+                     std::back_inserter(liveNames), [](const SParseAEAT::SText& name) { return !name.text.empty(); });
+        for (const SParseAEAT::SText& name : liveNames) {
             names += (names.empty() ? ": " : ", ") + Quoted(name.text) + InLanguage(name.lang);
         }
         text += Line("live", "service " + std::to_string(alert.liveMedia->serviceId) + " of bsid " +
                                  std::to_string(alert.liveMedia->bsid) + names);
         json["LiveMedia"] = {{"bsid", alert.liveMedia->bsid},
                              {"serviceId", alert.liveMedia->serviceId},
-                             {"ServiceName", TextsJson(alert.liveMedia->serviceNames)}};
+                             {"ServiceName", TextsJson(liveNames)}};
     }
     Append(content.json, "AEA", std::move(json));
 }
@@ -249,7 +268,7 @@ SContent ReadAeat(const CParseAEAT& parser)
     SContent content;
     content.headline = Counted(static_cast<std::uint64_t>(parser.AEACount()), "alert");
     ReadEach(content, "AEA", static_cast<std::size_t>(parser.AEACount()),
-             [&](int i) { ReadAlert(*parser.GetAEA(i), content); });
+             [&](int i) { ReadAlert(*parser.GetAEA(i), *parser.Given(i), content); });
     return content;
 }
 
@@ -257,21 +276,29 @@ SContent ReadOnscreen(const CParseOnscreenNoti& parser)
 {
     SContent content;
     content.headline = Counted(parser.KSCCount(), "entry", "entries");
-    ReadEach(content, "KeepScreenClear", parser.KSCCount(), [&](int i) {
-        const CParseOnscreenNoti::SKeepScreenClear& entry = *parser.GetKSC(static_cast<unsigned>(i));
-        const unsigned last = entry.serviceId + entry.serviceIdRange;
-        content.text += std::string("  ") + (entry.kscFlag ? "keep clear" : "release") + ": bsid " +
-                        std::to_string(entry.bsid) + ", service " + std::to_string(entry.serviceId) +
-                        (entry.serviceIdRange != 0 ? " to " + std::to_string(last) : "") +
-                        (entry.notificationDuration.empty() ? "" : ", for " + Printable(entry.notificationDuration)) +
-                        ", version " + std::to_string(entry.version) + '\n';
-        Append(content.json, "KeepScreenClear",
-               {{"bsid", entry.bsid},
-                {"serviceId", entry.serviceId},
-                {"serviceIdRange", entry.serviceIdRange},
-                {"notificationDuration", entry.notificationDuration},
-                {"kscFlag", entry.kscFlag},
-                {"version", entry.version}});
+    ReadEach(content, "KeepScreenClear", parser.KSCCount(), [&](int e) {
+        const CParseOnscreenNoti::SKeepScreenClear& entry = *parser.GetKSC(static_cast<unsigned>(e));
+        const CParseOnscreenNoti::SGiven& given = *parser.Given(static_cast<unsigned>(e));
+        constexpr long long k_lastId = 65535;
+        std::string services = given.serviceId ? "service " + std::to_string(*given.serviceId) : "all services";
+        if (const long long range = given.serviceIdRange.value_or(0);
+            given.serviceId && *given.serviceId <= k_lastId && range > 0 && range <= k_lastId) {
+            services += " to " + std::to_string(*given.serviceId + range);
+        }
+        content.text +=
+            "  " + (given.kscFlag ? FlagText(given.kscFlag, entry.kscFlag, "keep clear", "release") : "entry") + ": " +
+            Joined({given.bsid ? "bsid " + std::to_string(*given.bsid) : "", services,
+                    entry.notificationDuration.empty() ? "" : "for " + Printable(entry.notificationDuration),
+                    given.version ? "version " + std::to_string(*given.version) : ""}) +
+            '\n';
+        TJson json = TJson::object();
+        PutValue(json, "bsid", given.bsid);
+        PutValue(json, "serviceId", given.serviceId);
+        PutValue(json, "serviceIdRange", given.serviceIdRange);
+        PutText(json, "notificationDuration", entry.notificationDuration);
+        PutValue(json, "kscFlag", given.kscFlag);
+        PutValue(json, "version", given.version);
+        Append(content.json, "KeepScreenClear", std::move(json));
     });
     return content;
 }

@@ -369,6 +369,7 @@ SContent StsidContent(const CSTSID& stsid)
         const CRS::SRS& state = *rs.State();
         const bool addressed = state.dIpAddr != k_none;
         TJson json = TJson::object();
+        PutValue(json, "bsid", rs.Given()->bsid);
         if (addressed) {
             json["dIpAddr"] = Ipv4Text(state.dIpAddr);
         }

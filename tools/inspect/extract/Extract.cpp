@@ -142,8 +142,9 @@ void CExtract::Table(const STable& table)
     } else if (std::strcmp(table.encoding, "XML") == 0) {
         item.pieces.push_back({"inflated", ".xml", {}, {table.payload}});
     }
+    unsigned count = 0;
     for (const std::vector<unsigned char>& der : table.certificateBytes) {
-        const std::string number = std::to_string(item.pieces.size());
+        const std::string number = std::to_string(++count);
         item.pieces.push_back({"certificate", "-certificate" + number + ".der", {}, {{der.data(), der.size()}}});
     }
     m_Write(item);

@@ -15,6 +15,8 @@ class CPacketLoss {
 
     void Take(std::uint32_t number);
     SPacketsDelivery Result() const;
+    /// Those lost that can come no more.
+    std::uint64_t Gone() const { return m_counts.lost; }
     /// Packets whose number followed the one before.
     std::uint64_t InOrder() const { return m_inOrder; }
 

@@ -256,6 +256,7 @@ SFlowDelivery CTraffic::m_Result(const SSession& session, const SFlow& flow) con
         signalling = flow.id == 0;
     } else {
         result.packets = flow.loss.Result();
+        result.packets->gone = flow.loss.Gone();
         if ((flow.types & (flow.types - 1)) == 0) {
             unsigned type = 0;
             while (flow.types >> type != 1) {

@@ -63,6 +63,7 @@ struct SPacketsDelivery {
     std::uint64_t duplicates = 0;  ///< came before
     std::uint64_t late = 0;        ///< came behind a later one
     std::uint64_t restarts = 0;    ///< the numbers began anew
+    std::uint64_t gone = 0;        ///< of `lost`, those that can come no more: they never get fewer
 };
 
 enum class EDeliveryProtocol { UNKNOWN, LLS, ROUTE, MMTP };

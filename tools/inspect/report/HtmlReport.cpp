@@ -328,7 +328,13 @@ std::string CHtmlReport::m_Certificates() const
     for (const auto& [key, part] : t_certificates) {
         html += m_Fold(part, "class=\"item\" open");
     }
-    return html.empty() ? html : "<p class=\"muted\">Signatures are looked at for their form, not verified.</p>" + html;
+    return html.empty()
+               ? html
+               : "<p class=\"muted\">Signatures of multi-tables, certification data and packages are verified where "
+                 "the "
+                 "signer's certificate came: what does not verify is among the problems. Others are looked at for "
+                 "their form.</p>" +
+                     html;
 }
 
 std::string CHtmlReport::m_Problems(const SSummary& summary) const

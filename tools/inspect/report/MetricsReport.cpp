@@ -64,7 +64,7 @@ constexpr SFamily k_families[] = {
     {"session_rate_bytes_per_second", "gauge", "", "input, session, source, protocol",
      "Mean rate since the report before, or since the input began."},
     {"session_packets_lost", "counter", "", "input, session, source, packet_id",
-     "MMTP packets that are missing by their sequence numbers."},
+     "MMTP packets that are missing by their sequence numbers; before the end, those that can come no more."},
     {"session_objects", "gauge", "", "input, session, source, tsi, state",
      "Objects of an LCT session since the run began: whole, incomplete, cut (begun before it, or under way), unknown."},
     {"arrivals", "counter", "", "input, kind, place, id, group",
@@ -189,14 +189,14 @@ void CMetricsReport::Verdicts(const SVerdicts& verdicts)
 
 void CMetricsReport::Interim(const SInterim&, const SSummary& summary)
 {
-    m_Make(summary);
+    m_Make(summary, false);
     m_verdicts.resize(m_inputs.first);
     m_deliveries.resize(m_inputs.second);
 }
 
 void CMetricsReport::Summary(const SSummary& summary)
 {
-    m_Make(summary);
+    m_Make(summary, true);
 }
 
 void CMetricsReport::m_Services(CPage& page) const
@@ -236,7 +236,7 @@ void CMetricsReport::m_Findings(CPage& page, const SSummary& summary) const
     }
 }
 
-void CMetricsReport::m_Sessions(CPage& page)
+void CMetricsReport::m_Sessions(CPage& page, bool ended)
 {
     const auto each = [this](const auto& visit) {
         for (const SDelivery& delivery : m_deliveries) {
@@ -283,7 +283,7 @@ void CMetricsReport::m_Sessions(CPage& page)
     page.Begin(EFamily::PACKETS_LOST, k_mostFlows);
     eachFlow("packet_id", [&](const SFlowDelivery& flow, const CPage::TLabels& labels) {
         if (flow.packets) {
-            page.Add(labels, flow.packets->lost);
+            page.Add(labels, ended ? flow.packets->lost : flow.packets->gone);
         }
     });
     page.Begin(EFamily::OBJECTS, k_mostFlows);
@@ -350,7 +350,7 @@ void CMetricsReport::m_Certificates(CPage& page) const
     }
 }
 
-void CMetricsReport::m_Make(const SSummary& summary)
+void CMetricsReport::m_Make(const SSummary& summary, bool ended)
 {
     CPage page;
     page.Begin(EFamily::REPORTS);
@@ -373,7 +373,7 @@ void CMetricsReport::m_Make(const SSummary& summary)
     page.Add({}, summary.packets.lostByInterface);
     m_Services(page);
     m_Findings(page, summary);
-    m_Sessions(page);
+    m_Sessions(page, ended);
     m_Arrivals(page);
     m_Certificates(page);
     each(EFamily::LAST_PACKET,

@@ -46,10 +46,10 @@ class CMetricsReport : public IReportWriter {
     /// Input, destination, port and source of a session.
     using TSession = std::tuple<std::string, std::uint32_t, std::uint16_t, std::uint32_t>;
 
-    void m_Make(const SSummary& summary);
+    void m_Make(const SSummary& summary, bool ended);
     void m_Services(CPage& page) const;
     void m_Findings(CPage& page, const SSummary& summary) const;
-    void m_Sessions(CPage& page);
+    void m_Sessions(CPage& page, bool ended);
     void m_Arrivals(CPage& page) const;
     void m_Certificates(CPage& page) const;
 
