@@ -211,14 +211,13 @@ void CMmtRules::m_Loss(const SSessionDelivery& session, const SFlowDelivery& flo
     }
     const bool repair = std::any_of(session.flows.begin(), session.flows.end(),
                                     [](const SFlowDelivery& each) { return each.repairPackets != 0; });
-    const std::uint64_t sent = flow.traffic.packets - flow.packets->duplicates + flow.packets->lost;
-    const double share = static_cast<double>(flow.packets->lost) / static_cast<double>(sent);
+    const double share = flow.ShareLost();
     t_findings.Tell(
         share >= k_many && flow.packets->lost > 1 && !repair ? ERule::MANY_PACKETS_LOST : ERule::PACKETS_LOST,
         "packet_id " + std::to_string(flow.id) + " of " + SessionText(session) +
             (flow.carries.empty() ? "" : " (" + Printable(flow.carries) + ')') + ": " +
             NumberText(std::round(share * 1000) / 10) + " %, " + std::to_string(flow.packets->lost) + " of " +
-            Counted(sent, "packet") + ", lost" + (repair ? ", before repair" : ""),
+            Counted(flow.PacketsSent(), "packet") + ", lost" + (repair ? ", before repair" : ""),
         FirstService(session, flow), SessionText(session));
 }
 

@@ -81,6 +81,10 @@ struct SFlowDelivery {
     std::optional<SObjectsDelivery> objects = std::nullopt;  ///< of an LCT session
     std::optional<SPacketsDelivery> packets = std::nullopt;  ///< of a packet_id
     std::optional<unsigned> payloadType = std::nullopt;      ///< of a packet_id, if it has but one
+
+    /// Of a packet_id: those that came, each once, and those that are lost.
+    std::uint64_t PacketsSent() const { return traffic.packets - packets->duplicates + packets->lost; }
+    double ShareLost() const { return static_cast<double>(packets->lost) / static_cast<double>(PacketsSent()); }
 };
 
 /// What came to one address and port from one source; of what is announced, nothing, too.

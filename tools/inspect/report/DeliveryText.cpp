@@ -85,11 +85,11 @@ void AddObjects(CParts& parts, const SObjectsDelivery& objects)
     parts.Add(objects.unknown, "of which nothing can be said");
 }
 
-void AddPackets(CParts& parts, const SPacketsDelivery& packets, std::uint64_t came)
+void AddPackets(CParts& parts, const SFlowDelivery& flow)
 {
+    const SPacketsDelivery& packets = *flow.packets;
     if (packets.lost != 0) {
-        const double share = 100 * static_cast<double>(packets.lost) / static_cast<double>(packets.lost + came);
-        parts.Add(std::to_string(packets.lost) + " lost (" + Decimal(share, 2) + " %)");
+        parts.Add(std::to_string(packets.lost) + " lost (" + Decimal(100 * flow.ShareLost(), 2) + " %)");
     }
     parts.Add(packets.duplicates, packets.duplicates == 1 ? "duplicate" : "duplicates");
     parts.Add(packets.late, "out of order");
@@ -124,7 +124,7 @@ TRow FlowRow(const SFlowDelivery& flow, const SSessionDelivery& session, bool si
         AddObjects(parts, *flow.objects);
     }
     if (flow.packets) {
-        AddPackets(parts, *flow.packets, flow.traffic.packets);
+        AddPackets(parts, flow);
     }
     parts.Add(flow.repairPackets, "of repair");
     parts.Add(silent ? std::string() : SilenceText(flow.traffic, delivery));
