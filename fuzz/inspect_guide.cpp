@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             guide.Take(place, {object.data(), object.size()}, source);
         });
     }
-    guide.Finish("fuzz", true);
+    guide.Finish("fuzz");
     const SGuideCounts& counts = reports.Finish().guide;
     Require(counts.fragments <= limits.fragments);
     Require((counts.fragments != 0) == guide.Holds());

@@ -31,17 +31,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::vector<SListedService> services = {{1, 2, {k_address, 1, 0}}, {2, 2, {k_address, 2, 0}}, {3, 2, {}}};
     const auto follower = FollowMmtp({{k_address, 0}}, reports.Report());
     const CSessionFollower::TGroup group = {{1, 1}, 0};
-    follower->Announce(group, services);
+    follower->Announce(group, services, {});
     std::uint64_t packets = 0;
     ForEachPacket(rest, [&](unsigned pick, const std::vector<unsigned char>& payload) {
         if (pick & 0x80) {
-            follower->Announce(group, pick & 0x40 ? services : std::vector<SListedService>());
+            follower->Announce(group, pick & 0x40 ? services : std::vector<SListedService>(), {});
         }
         const SDatagram datagram = {
             1, k_address, 1, static_cast<std::uint16_t>(pick & 3), {payload.data(), payload.size()}};
         packets += follower->Take(datagram, {"fuzz", 1, {}}) ? 1 : 0;
     });
-    follower->Finish("fuzz", {}, true);
+    std::set<TListedId> awaited;
+    follower->Finish({"fuzz", {}, {}}, {}, true, 5, awaited);
     const SMmtpCounts& counts = reports.Finish().mmtp;
     Require(counts.packets == packets);
     Require(counts.malformed + counts.signalling + counts.otherVersions + counts.otherTypes == packets);

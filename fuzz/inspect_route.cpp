@@ -34,12 +34,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CGuideSessions guideSessions(guide, report);
     const auto follower = FollowRoute({{k_address, 0}}, guideSessions, report);
     const CSessionFollower::TGroup group = {{1, 1}, 0};
-    follower->Announce(group, services);
+    follower->Announce(group, services, {});
     std::uint64_t packets = 0;
     const SSource source = {"fuzz", 1, {}};
     ForEachPacket(rest, [&](unsigned pick, const std::vector<unsigned char>& payload) {
         if (pick & 0x80) {
-            follower->Announce(group, pick & 0x40 ? services : std::vector<SListedService>());
+            follower->Announce(group, pick & 0x40 ? services : std::vector<SListedService>(), {});
         }
         const SDatagram datagram = {pick & 4 ? 1 : k_source,
                                     k_address,
@@ -49,9 +49,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         guideSessions.Take(datagram, source);
         packets += follower->Take(datagram, source) ? 1 : 0;
     });
-    follower->Finish("fuzz", {}, true);
-    guideSessions.Finish("fuzz", true);
-    guide.Finish("fuzz", true);
+    std::set<TListedId> awaited;
+    follower->Finish({"fuzz", {}, {}}, {}, true, 5, awaited);
+    guideSessions.Finish({"fuzz", {}, {}}, true);
+    guide.Finish("fuzz");
     const SRouteCounts& counts = reports.Finish().route;
     Require(counts.packets >= packets);
     Require(counts.malformed + counts.signalling <= counts.packets);
