@@ -113,6 +113,16 @@ TEST_F(ESGFragmentTest, Schedule)
                          "<ContentReference idRef='d'/><TermsOfUse id='e'/></Schedule>"));
     const auto& s = *fragment.State();
     EXPECT_EQ(Show(s), "-|a|1|2|3|b|[{c|-|[{-|3981234567|0|0|0|0}]} {d|-|[]}]|[{0|e|0|[]|-|-}]");
+    const auto duration = [](const auto& reference) {
+        return Show(reference->State()->presentationWindows.front()->Given()->duration);
+    };
+    EXPECT_EQ(duration(s.contentRefs.front()), "-");
+    ASSERT_TRUE(
+        ParseXml(fragment,
+                 "<Schedule id='a'><ServiceReference idRef='b'/><ContentReference idRef='c'><PresentationWindow "
+                 "duration=' 60 '/>"
+                 "</ContentReference></Schedule>"));
+    EXPECT_EQ(duration(fragment.State()->contentRefs.back()), "60");
     ASSERT_TRUE(ParseXml(fragment, "<Schedule id='a'><ServiceReference/></Schedule>"));
     EXPECT_EQ(Logged("[CESGScheduleFragment::sm_CbServiceReferenceEntry] serviceRef Id is NULL!!"), 1);
 }

@@ -133,3 +133,29 @@ TEST(GuideRules, EachIsBrokenAlone)
 }
 
 }  // namespace
+
+/// An hour, however the window says it; of two, the attribute holds.
+TEST(GuideRules, AProgrammeLastsByItsAttributeOrItsElement)
+{
+    const std::string start = "<PresentationWindow startTime='" + std::to_string(guide::k_evening) + "'";
+    for (const auto& [window, end] :
+         {std::pair(" duration='3600'/>", "2026-11-21T23:30:00Z"),
+          {"><Duration>3600</Duration></PresentationWindow>", "2026-11-21T23:30:00Z"},
+          {" duration='3600'><Duration>60</Duration></PresentationWindow>", "2026-11-21T23:30:00Z"},
+          {" duration='1 h'/>", ""},
+          {"/>", ""}}) {
+        const std::string unit =
+            guide::Unit({{1, guide::k_service1},
+                         {2, guide::k_content2},
+                         {3, guide::Fragment("Schedule", "t", 1,
+                                             guide::Reference("Service", "s1") +
+                                                 guide::Reference("Content", "c2", start + window))}});
+        std::string told = "no guide";
+        for (const nlohmann::json& line : Lines(Inspect("--json -", unit).out)) {
+            if (line["type"] == "guide") {
+                told = line["services"][0]["programmes"][0].value("end", "");
+            }
+        }
+        EXPECT_EQ(told, end) << window;
+    }
+}

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "ESGElement.h"
 
 /// A time at which a content is presented: the PresentationWindow element. Times are NTP seconds (Unix seconds
@@ -16,8 +18,15 @@ class VYR_API CPresentationWindow : public CESGElement {
         unsigned int duration = 0;          ///< Duration, text, seconds
     };
 
+    /// Extension: what else the element gives by XML Schema; empty: not given, or no number.
+    struct SGiven {
+        std::optional<long long> duration;  ///< duration, the attribute, seconds
+    };
+
     /// The record; null before Create.
     const SPresentationWindow* State() const { return static_cast<const SPresentationWindow*>(t_State()); }
+    /// Extension: what the record does not have; likewise.
+    const SGiven* Given() const;
 
   private:
     const vyr::SESGKind& t_Kind() const override;

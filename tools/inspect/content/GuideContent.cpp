@@ -309,15 +309,15 @@ void PutSchedule(TJson& json, const TSchedule& state)
         TJson entry = TJson::object();
         PutText(entry, "idRef", content.idRef.get());
         PutText(entry, "contentLocation", content.contentLocation.get());
-        PutStates(entry, "PresentationWindow", content.presentationWindows,
-                  [](const CPresentationWindow::SPresentationWindow& window) {
-                      TJson one = TJson::object();
-                      PutText(one, "id", window.id.get());
-                      PutNtp(one, "startTime", window.startTime != 0 ? window.startTime : window.startTimeElement);
-                      PutNtp(one, "endTime", window.endTime != 0 ? window.endTime : window.endTimeElement);
-                      PutCount(one, "DurationSeconds", window.duration);
-                      return one;
-                  });
+        PutEach(entry, "PresentationWindow", content.presentationWindows, [](const auto& element) {
+            const CPresentationWindow::SPresentationWindow& window = *element->State();
+            TJson one = TJson::object();
+            PutText(one, "id", window.id.get());
+            PutNtp(one, "startTime", window.startTime != 0 ? window.startTime : window.startTimeElement);
+            PutNtp(one, "endTime", window.endTime != 0 ? window.endTime : window.endTimeElement);
+            PutCount(one, "DurationSeconds", Duration(*element));
+            return one;
+        });
         return entry;
     });
     PutStates(json, "TermsOfUse", state.termsOfUses, TermsJson);

@@ -81,12 +81,13 @@ std::vector<std::string> Ratings(const TOwnedList<CContentAdvRatings>& list)
     return all;
 }
 
-SGuideWindow Window(const CPresentationWindow::SPresentationWindow& window)
+SGuideWindow Window(const CPresentationWindow& element)
 {
+    const CPresentationWindow::SPresentationWindow& window = *element.State();
     SGuideWindow times = {FromNtp(window.startTime != 0 ? window.startTime : window.startTimeElement),
                           FromNtp(window.endTime != 0 ? window.endTime : window.endTimeElement)};
-    if (times.start && !times.end && window.duration != 0) {
-        times.end = *times.start + window.duration;
+    if (const unsigned duration = Duration(element); times.start && !times.end && duration != 0) {
+        times.end = *times.start + duration;
     }
     return times;
 }
@@ -99,7 +100,7 @@ std::vector<SGuideReference> References(const TSchedule& state)
         SGuideReference& reference = references.emplace_back();
         reference.contentId = Text(content.idRef);
         for (const auto& window : content.presentationWindows) {
-            reference.windows.push_back(Window(*window->State()));
+            reference.windows.push_back(Window(*window));
         }
         if (reference.windows.empty()) {
             reference.windows.emplace_back();
