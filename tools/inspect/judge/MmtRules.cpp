@@ -42,6 +42,7 @@ class CMmtRules : public CRules {
     const SRuleSettings m_settings;
     std::set<TPlace> m_came;
     std::set<std::string> m_sessions;  ///< destinations of which all packet ids are known
+    std::set<std::string> m_unread;    ///< destinations of packets of other versions, which may carry anything
     bool m_media = false;              ///< something else than signalling came
 };
 
@@ -58,11 +59,15 @@ void CMmtRules::m_Look(const SDelivery& delivery)
     std::set<std::string> unclear;
     m_came.clear();
     m_sessions.clear();
+    m_unread.clear();
     m_media = false;
     for (const SSessionDelivery& session : delivery.sessions) {
         const std::string destination = SessionText(session);
         if (session.traffic.packets == 0) {
             continue;
+        }
+        if (session.otherVersions != 0) {
+            m_unread.insert(destination);
         }
         if (session.protocol != EDeliveryProtocol::MMTP || session.guessed || session.packetsNoFlow != 0 ||
             session.otherVersions != 0) {
@@ -117,7 +122,8 @@ void CMmtRules::m_Service(const SSltService& service)
     });
     const std::optional<STime>& first = facts.messages.first.time;
     const std::optional<STime>& last = facts.messages.last.time;
-    if (!its && facts.whole && first && last && Seconds(*last) - Seconds(*first) >= m_settings.longestInterval) {
+    if (!its && facts.whole && m_unread.count(session) == 0 && first && last &&
+        Seconds(*last) - Seconds(*first) >= m_settings.longestInterval) {
         m_Tell(ERule::NO_MP_TABLE, session, facts, facts.messages.last,
                name + ": " + Counted(facts.messages.count, "message") + " came, and no MP table" +
                    (package.empty() ? "" : " of package " + Quoted(package)),
