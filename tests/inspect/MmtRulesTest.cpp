@@ -147,6 +147,7 @@ const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
      },
      {}},
     {"they are of another version", [](SMmtBroadcast& b) { b.otherVersion = 20; }, {"mmtp-version"}},
+    {"the MP table is, too", [](SMmtBroadcast& b) { b.otherVersion = 1; }, {"mmtp-version"}},
     {"all packets are", [](SMmtBroadcast& b) { b.otherVersion = 0; }, {"mmtp-version"}},
     {"one packet", Keep([](unsigned id, unsigned number) { return id != 20 || number == 5; }), {}},
     {"no media at all", Keep([](unsigned id, unsigned) { return id < 10; }), {}},

@@ -242,6 +242,7 @@ bool CGuideFollower::Take(const std::optional<SGuidePlace>& place, SView object,
             before = *known;
         }
         if (before.size == now.size && before.hash == now.hash) {
+            m_objects.Hold({place->session, place->tsi, place->toi});
             return m_Repeated(before, report);
         }
     }

@@ -40,6 +40,7 @@ class CMmtRules : public CRules {
     void m_Loss(const SSessionDelivery& session, const SFlowDelivery& flow);
 
     const SRuleSettings m_settings;
+    std::set<std::string> m_unread;  ///< destinations of packets of other versions, which may carry anything
 };
 
 void CMmtRules::m_Tell(ERule rule, const std::string& session, const SMmtFacts& facts, const SSource& source,
@@ -86,7 +87,8 @@ void CMmtRules::m_Service(const SSltService& service)
     });
     const std::optional<STime>& first = facts.messages.first.time;
     const std::optional<STime>& last = facts.messages.last.time;
-    if (!its && facts.whole && first && last && Seconds(*last) - Seconds(*first) >= m_settings.longestInterval) {
+    if (!its && facts.whole && m_unread.count(session) == 0 && first && last &&
+        Seconds(*last) - Seconds(*first) >= m_settings.longestInterval) {
         m_Tell(ERule::NO_MP_TABLE, session, facts, facts.messages.last,
                name + ": " + Counted(facts.messages.count, "message") + " came, and no MP table" +
                    (package.empty() ? "" : " of package " + Quoted(package)),
@@ -191,6 +193,12 @@ void CMmtRules::Finish(const SDelivery* delivery)
 {
     if (delivery == nullptr || !t_evidence.last || delivery->clockSet != 0 || !delivery->Whole()) {
         return;
+    }
+    m_unread.clear();
+    for (const SSessionDelivery& session : delivery->sessions) {
+        if (session.otherVersions != 0) {
+            m_unread.insert(SessionText(session));
+        }
     }
     for (const auto& [key, list] : t_evidence.lists) {
         for (const SSltService& service : list.services) {
