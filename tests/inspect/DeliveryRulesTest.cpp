@@ -27,6 +27,12 @@ void SendMore(unsigned second, CCapture& capture)
     capture.AddSession(packets::Lct({second + 1, 0, 20, false, 30}, std::string(20, 'x')), 7001);
 }
 
+/// Sends audio in one packet of an object, without start_offset: 24 is the size of its first box.
+void SendWithoutOffset(unsigned second, CCapture& capture)
+{
+    capture.AddSession(packets::Lct({second + 1, 24, -1, true, 20}, "styp" + std::string(800, 'm')), 7001);
+}
+
 /// A guide beside the media, whose descriptor names the port; something goes to 7005.
 void Guide(SBroadcast& broadcast, const std::string& port)
 {
@@ -145,6 +151,11 @@ const std::vector<SBreach> k_delivery = {
              capture.AddSession(packets::Lct({second + 1, 0, -1, false, 30, 0x10A0}, "repair"), 7001);
          })),
      {"objects-incomplete"}},
+    {"the begin of every one", All(Keep(NoAudio), More(SendWithoutOffset)), {"many-objects-incomplete"}},
+    {"no start_offset",
+     All(Keep(NoAudio), More(SendWithoutOffset),
+         Edits({{"repId='a'/></ContentInfo>", "repId='a'/></ContentInfo><Payload srcFecPayloadId='0'/>"}})),
+     {}},
     {"signalling stays away",
      Keep([](const SPart& part) { return part.tsi != 0 || part.second < 2 || part.second > 6; }),
      {"signalling-interval"}},
@@ -187,18 +198,22 @@ TEST(DeliveryRules, FilesAreAsLongAsTheEfdtSays)
     const struct {
         const char* attributes;
         std::string objects;
+        const char* payload = "";
     } cases[] = {{"Transfer-Length='40'", "2 whole, 10 again"},
                  {"Content-Length='40'", "2 whole, 10 again"},
                  {"Content-Length='41'", "0 whole, 0 again"},
                  {"Content-Length='41' Transfer-Length='40'", "2 whole, 10 again"},
-                 {"Content-Length='41' Content-Encoding='gzip'", "0 whole, 0 again"}};
+                 {"Content-Length='41' Content-Encoding='gzip'", "0 whole, 0 again"},
+                 {"Content-Length='40'", "2 whole, 10 again", "<Payload formatId='1' srcFecPayloadId='1'/>"},
+                 {"Content-Length='40'", "0 whole, 0 again", "<Payload formatId='2'/>"},
+                 {"Content-Length='39' Transfer-Length='40'", "2 whole, 10 again", "<Payload formatId='2'/>"}};
     for (const auto& test : cases) {
         SBroadcast broadcast;
         const auto file = [&](const char* toi) {
             return "<File TOI='" + std::string(toi) + "' Content-Location='f' " + test.attributes + "/>";
         };
         broadcast.Edit("</RS>", "<LS tsi='30'><SrcFlow rt='false'><EFDT><FDT-Instance>" + file("2") + file("3") +
-                                    "</FDT-Instance></EFDT></SrcFlow></LS></RS>");
+                                    "</FDT-Instance></EFDT>" + test.payload + "</SrcFlow></LS></RS>");
         broadcast.more = [](unsigned second, CCapture& capture) {
             capture.AddSession(packets::Lct({2 + second % 2, 0, -1, false, 30}, std::string(40, 'x')), 7001);
         };
@@ -211,7 +226,7 @@ TEST(DeliveryRules, FilesAreAsLongAsTheEfdtSays)
                 objects += all.is_null() ? "" : count("whole") + " whole, " + count("repeats") + " again";
             }
         }
-        EXPECT_EQ(objects, test.objects) << test.attributes;
+        EXPECT_EQ(objects, test.objects) << test.attributes << test.payload;
     }
 }
 

@@ -58,6 +58,20 @@ bool PatternsOf(const TJson& method, const char* service, std::vector<std::strin
     return whole;
 }
 
+/// What the packets of a source flow carry.
+void ReadPayloads(const TJson& flow, SLctFacts& lct, bool& whole)
+{
+    constexpr std::uint64_t k_entity = 2;
+    constexpr std::uint64_t k_startOffset = 1;
+    whole = Each(flow, "Payload",
+                 [&](const TJson& payload) {
+                     const std::uint64_t id = Unsigned(payload, "srcFecPayloadId").value_or(k_startOffset);
+                     lct.entities = lct.entities || Unsigned(payload, "formatId") == k_entity;
+                     lct.otherPayloadId = lct.otherPayloadId || id != k_startOffset;
+                 }) &&
+            whole;
+}
+
 void ReadEfdt(const TJson& efdt, SLctFacts& lct, bool& whole)
 {
     lct.hasEfdt = true;
@@ -69,7 +83,8 @@ void ReadEfdt(const TJson& efdt, SLctFacts& lct, bool& whole)
                  [&](const TJson& file) {
                      const std::optional<std::uint64_t> toi = Unsigned(file, "TOI");
                      std::optional<std::uint64_t> sent = Unsigned(file, "Transfer-Length");
-                     if (!sent && Either(Text(file, "Content-Encoding"), Text(instance, "Content-Encoding")).empty()) {
+                     if (!sent && !lct.entities &&
+                         Either(Text(file, "Content-Encoding"), Text(instance, "Content-Encoding")).empty()) {
                          sent = Unsigned(file, "Content-Length");
                      }
                      if (toi) {
@@ -148,6 +163,7 @@ SStsidFacts StsidFacts(const TJson& stsid)
                                                [&](const TJson& flow) {
                                                    const TJson& content = Field(flow, "ContentInfo");
                                                    const TJson& media = Field(content, "MediaInfo");
+                                                   ReadPayloads(flow, lct, whole);
                                                    lct.sourceFlow = true;
                                                    lct.realTime = lct.realTime || Flag(flow, "rt").value_or(false);
                                                    lct.contentId = Text(content, "contentId");

@@ -47,6 +47,8 @@ struct SLctFacts {
     // Of its source flow:
     bool sourceFlow = false;
     bool realTime = false;
+    bool entities = false;        ///< header fields go before the files
+    bool otherPayloadId = false;  ///< packets may have no start_offset
     std::string contentId;
     std::string contentType;
     std::string lang;

@@ -37,8 +37,10 @@ void NameLct(const SLctSession& lct, SDelivery& delivery)
     }
     std::vector<unsigned> services;
     std::map<TToi, const std::string*> files;
+    bool readable = true;
     for (const SLctSession::SAnnouncement& one : lct.by) {
         AddServices(services, ServicesOf(*one.package));
+        readable = readable && !one.facts->otherPayloadId;
         for (const SFileFacts& file : one.facts->files) {
             files.emplace(file.toi, &file.name);
         }
@@ -48,6 +50,12 @@ void NameLct(const SLctSession& lct, SDelivery& delivery)
     for (const auto& [session, place] : lct.flows) {
         SFlowDelivery& flow = delivery.sessions[session].flows[place];
         NameFlow(flow, services, carries);
+        if (flow.objects && !readable) {
+            // They were read as if all packets had a start_offset.
+            const std::uint64_t begun = flow.objects->begun;
+            *flow.objects = {};
+            flow.objects->begun = flow.objects->unknown = begun;
+        }
         for (std::size_t i = 0; flow.objects && i < flow.objects->firstIncomplete.size(); ++i) {
             SIncompleteObject& object = flow.objects->firstIncomplete[i];
             const auto file = files.find(object.toi);
