@@ -59,13 +59,17 @@ bool PatternsOf(const TJson& method, const char* service, std::vector<std::strin
 }
 
 /// What the packets of a source flow carry.
-void ReadPayload(const TJson& payload, SLctFacts& lct)
+void ReadPayloads(const TJson& flow, SLctFacts& lct, bool& whole)
 {
     constexpr std::uint64_t k_entity = 2;
     constexpr std::uint64_t k_startOffset = 1;
-    lct.entities = lct.entities || Unsigned(payload, "formatId") == k_entity;
-    lct.otherPayloadId =
-        lct.otherPayloadId || Unsigned(payload, "srcFecPayloadId").value_or(k_startOffset) != k_startOffset;
+    whole = Each(flow, "Payload",
+                 [&](const TJson& payload) {
+                     const std::uint64_t id = Unsigned(payload, "srcFecPayloadId").value_or(k_startOffset);
+                     lct.entities = lct.entities || Unsigned(payload, "formatId") == k_entity;
+                     lct.otherPayloadId = lct.otherPayloadId || id != k_startOffset;
+                 }) &&
+            whole;
 }
 
 void ReadEfdt(const TJson& efdt, SLctFacts& lct, bool& whole)
@@ -148,38 +152,36 @@ SStsidFacts StsidFacts(const TJson& stsid)
                  [&](const TJson& route) {
                      const std::string address = Text(route, "dIpAddr");
                      const std::optional<std::uint64_t> port = Unsigned(route, "dPort");
-                     whole =
-                         Each(route, "LS",
-                              [&](const TJson& ls) {
-                                  SLctFacts lct;
-                                  lct.destination = address + ':' + (port ? std::to_string(*port) : std::string());
-                                  lct.source = Text(route, "sIpAddr");
-                                  lct.tsi = Unsigned(ls, "tsi").value_or(0);
-                                  lct.bandwidth = Unsigned(ls, "bw");
-                                  lct.startTime = Text(ls, "startTime");
-                                  lct.endTime = Text(ls, "endTime");
-                                  whole =
-                                      Each(ls, "SrcFlow",
-                                           [&](const TJson& flow) {
-                                               const TJson& content = Field(flow, "ContentInfo");
-                                               const TJson& media = Field(content, "MediaInfo");
-                                               lct.sourceFlow = true;
-                                               whole = Each(flow, "Payload",
-                                                            [&](const TJson& payload) { ReadPayload(payload, lct); }) &&
-                                                       whole;
-                                               lct.realTime = lct.realTime || Flag(flow, "rt").value_or(false);
-                                               lct.contentId = Text(content, "contentId");
-                                               lct.contentType = Text(media, "contentType");
-                                               lct.lang = Text(media, "lang");
-                                               lct.repId = Text(media, "repId");
-                                               whole = Each(flow, "EFDT",
+                     whole = Each(route, "LS",
+                                  [&](const TJson& ls) {
+                                      SLctFacts lct;
+                                      lct.destination = address + ':' + (port ? std::to_string(*port) : std::string());
+                                      lct.source = Text(route, "sIpAddr");
+                                      lct.tsi = Unsigned(ls, "tsi").value_or(0);
+                                      lct.bandwidth = Unsigned(ls, "bw");
+                                      lct.startTime = Text(ls, "startTime");
+                                      lct.endTime = Text(ls, "endTime");
+                                      whole =
+                                          Each(ls, "SrcFlow",
+                                               [&](const TJson& flow) {
+                                                   const TJson& content = Field(flow, "ContentInfo");
+                                                   const TJson& media = Field(content, "MediaInfo");
+                                                   ReadPayloads(flow, lct, whole);
+                                                   lct.sourceFlow = true;
+                                                   lct.realTime = lct.realTime || Flag(flow, "rt").value_or(false);
+                                                   lct.contentId = Text(content, "contentId");
+                                                   lct.contentType = Text(media, "contentType");
+                                                   lct.lang = Text(media, "lang");
+                                                   lct.repId = Text(media, "repId");
+                                                   whole =
+                                                       Each(flow, "EFDT",
                                                             [&](const TJson& efdt) { ReadEfdt(efdt, lct, whole); }) &&
                                                        whole;
-                                           }) &&
-                                      whole;
-                                  whole = Add(facts.sessions, std::move(lct)) && whole;
-                              }) &&
-                         whole;
+                                               }) &&
+                                          whole;
+                                      whole = Add(facts.sessions, std::move(lct)) && whole;
+                                  }) &&
+                             whole;
                  }) &&
             whole;
     return facts;
