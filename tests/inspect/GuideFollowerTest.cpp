@@ -58,7 +58,7 @@ class GuideFollower : public testing::Test {
     TLines m_Finish()
     {
         m_writer.lines.clear();
-        m_follower.Finish("file", false);
+        m_follower.Finish("file");
         return m_writer.lines;
     }
 

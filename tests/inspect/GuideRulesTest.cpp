@@ -56,6 +56,7 @@ struct SGuideCase {
         "minorChannelNo='3'/>";
     unsigned groups = 1;
     int rounds = 2;
+    unsigned seconds = 0;  ///< that the capture lasts at least
 };
 
 std::string Capture(const SGuideCase& one)
@@ -76,6 +77,9 @@ std::string Capture(const SGuideCase& one)
         for (const std::string& schedule : one.again) {
             capture.AddSession(Lct({++toi, 0, -1, true, 20}, guide::Unit({{3, schedule}})), 6004);
         }
+    }
+    if (one.seconds != 0) {
+        capture.At(one.seconds, 0);
     }
     return capture.AddLls(Slt(one.list + MmtService(4, 6004, 1), 1, 0, one.groups)).Bytes();
 }
@@ -103,6 +107,10 @@ TEST(GuideRules, EachIsBrokenAlone)
         {"", Service(), Schedule(0, -24 * 3600 + 1)},
         {"guide-without-content", Service(), Schedule(0), {Content("c1")}},
         {"", Service(), Schedule(0), {Content("c1")}, {}, {}, 1, 1},
+        {"guide-incomplete", "<Service id='s8" + Service().substr(14)},
+        {"", "<Service id='s8" + Service().substr(14), Schedule(0), {Content("c1"), Content("c2")}, {}, {}, 1, 1},
+        {"", Service(), Schedule(0), {Content("c1"), Content("c2")}, {}, {}, 1, 0, 600},
+        {"guide-incomplete", Service(), Schedule(0), {Content("c1"), Content("c2")}, {}, {}, 1, 0, 601},
         {"guide-expired", Service("urn:x:2", before)},
         {"", Service("urn:x:2", after)},
         {"guide-expired", Service(), Schedule(0), {Content("c1"), Content("c2", es + Text("Name", "en", "T"), before)}},

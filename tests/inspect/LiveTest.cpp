@@ -143,7 +143,7 @@ TEST(Live, JoinsWhatIsNamedNowAndLeavesWhatIsNot)
 {
     VYR_NETWORK_OR_SKIP();
     CSender sender;
-    CTool tool({"--json", "--join", "lo", "--progress", "--mmtp", "239.255.7.3:5003"});
+    CTool tool({"--json", "--join", "lo", "--progress", "--mmtp", "239.255.7.3:5003", "--max-interval", "1e-9"});
     const auto list = [&](const std::string& services, unsigned version) {
         sender.Send({k_lls, 4937, Slt(services, version)});
     };

@@ -34,6 +34,7 @@ struct SSent {
     unsigned table = 0;    ///< LLS_table_id
     SLct lct = {};
     std::string data = {};
+    std::string datagram = {};  ///< in place of what is made of the data
     std::uint32_t destination = k_session;
     unsigned port = 5000;
     bool compressed = false;  ///< its headers are, where the broadcast is captured on its own link layer
@@ -109,7 +110,9 @@ struct SBroadcast {
             if (change(sent)) {
                 SIpv4 ip;
                 ip.destination = sent.destination;
-                const std::string payload = sent.kind == SSent::LLS ? sent.data : packets::Lct(sent.lct, sent.data);
+                const std::string payload = !sent.datagram.empty()    ? sent.datagram
+                                            : sent.kind == SSent::LLS ? sent.data
+                                                                      : packets::Lct(sent.lct, sent.data);
                 const std::string packet = Ipv4(Udp(payload, sent.port), ip);
                 const unsigned type = sent.compressed ? 0x4000 : 0;
                 capture.At(sent.at).Add(alp ? Number(type | packet.size(), 2) + packet : Ethernet(packet));

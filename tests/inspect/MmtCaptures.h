@@ -212,7 +212,8 @@ inline std::string NoMessages()
     capture.AddSession(Mmtp({1, 0, 0, 0, 0}, mpt), 6006).AddSession(Mmtp({2, 0x8000}, mpt), 6007);
     capture.AddSession(Mmtp({}, MmtMessage(0x203, 16, "?")), 6008);
     capture.AddSession(Mmtp({}, MmtMessage(0x20, 16, "?")), 6009).AddSession(Mmtp({}, "?"), 6010);
-    return capture.AddSession(Mmtp({}, MmtMessage(0x8100, 32, MmtAtsc3(6, ""))), 6011).Bytes();
+    capture.AddSession(Mmtp({}, MmtMessage(0x8100, 32, MmtAtsc3(6, ""))), 6011);
+    return capture.At(5250000).AddLls(Slt(services, 1)).Bytes();
 }
 
 }  // namespace packets

@@ -29,7 +29,9 @@ struct SMmtBroadcast : SJudged {
     std::string package = "pkg";
     std::vector<SAsset> assets = {{"v", "hev1", 10}, {"a", "mp4a", 20}};
     unsigned tables = 1;
-    char version = 7;                  ///< of their messages
+    char version = 7;  ///< of their messages
+    unsigned usbdVersion = 1;
+    std::string ahead = {};            ///< another package, whose MP table has the asset "w" of packet_id 11
     unsigned ports[2] = {6001, 6001};  ///< that the packets of the assets go to
     unsigned seconds = 12;
     std::function<bool(unsigned packetId, unsigned sequence)> keep = [](unsigned, unsigned) { return true; };
@@ -37,7 +39,7 @@ struct SMmtBroadcast : SJudged {
     bool repair = false;
     unsigned otherVersion = ~0u;  ///< packets from this packet_id on are of MMTP version 1
 
-    std::string MpTable() const
+    static std::string MpTable(const std::string& package, const std::vector<SAsset>& assets)
     {
         CMmtBuilder b;
         b.Put(8, 0xFC).Open(8).Put(package).Close().Put(16, 0).Put(8, assets.size());
@@ -67,12 +69,15 @@ struct SMmtBroadcast : SJudged {
             change(second, *this);
             capture.At(second, 40000).AddLls(packets::Slt(services, 1));
             if (!usbd.empty()) {
-                send(0, 2, MmtMessage(0x8100, 32, packets::MmtAtsc3(1, usbd)));
+                send(0, 2, MmtMessage(0x8100, 32, packets::MmtAtsc3(1, usbd, usbdVersion)));
             }
             for (unsigned i = 0; i < tables; ++i) {
-                std::string message = MmtMessage(0x20, 16, MpTable());
+                std::string message = MmtMessage(0x20, 16, MpTable(package, assets));
                 message[2] = version;
                 send(1, 2, message);
+            }
+            if (!ahead.empty()) {
+                send(1, 2, MmtMessage(0x20, 16, MpTable(ahead, {{"w", "hev1", 11}})));
             }
             for (unsigned i = 0; i < 8; ++i) {
                 send(10 + 10 * (i % 2), 0, "media", ports[i % 2]);
@@ -84,6 +89,22 @@ struct SMmtBroadcast : SJudged {
         return capture.Bytes();
     }
 };
+
+/// Another package with the packet_ids of the last one begins.
+void ChangePackage(unsigned second, SMmtBroadcast& now)
+{
+    if (second == 6) {
+        now.package = "next";
+        now.assets = {{"v2", "hev1", 10}, {"a2", "mp4a", 20}};
+        ++now.version;
+        ++now.usbdVersion;
+        if (!now.usbd.empty()) {
+            now.usbd =
+                "<BundleDescriptionMMT><UserServiceDescription globalServiceID='urn:g' serviceId='1'>"
+                "<MPUComponent mmtPackageId='next'/></UserServiceDescription></BundleDescriptionMMT>";
+        }
+    }
+}
 
 std::function<void(SMmtBroadcast&)> Keep(const std::function<bool(unsigned id, unsigned number)>& keep)
 {
@@ -148,6 +169,20 @@ const std::vector<SBreachOf<SMmtBroadcast>> k_mmt = {
          b.assets.push_back({"v", "hev1", 10});
      },
      {}},
+    {"of a package and the next one", [](SMmtBroadcast& b) { b.change = ChangePackage; }, {}},
+    {"without a USBD",
+     [](SMmtBroadcast& b) {
+         b.change = ChangePackage;
+         b.usbd = "";
+     },
+     {}},
+    {"a table ahead of its package", [](SMmtBroadcast& b) { b.ahead = "next"; }, {}},
+    {"of a package beside the other",
+     [](SMmtBroadcast& b) {
+         b.ahead = "other";
+         b.usbd = "";
+     },
+     {"asset-not-sent"}},
     {"a component that is no asset", [](SMmtBroadcast& b) { b.assets[1].id = "b"; }, {"component-without-asset"}},
     {"that may come by broadband",
      [](SMmtBroadcast& b) {

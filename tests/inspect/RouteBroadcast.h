@@ -31,6 +31,7 @@ struct SBroadcast : SJudged {
         "<MPD xmlns='urn:mpeg:dash:schema:mpd:2011' type='dynamic' publishTime='2027-01-15T08:00:00Z' "
         "availabilityStartTime='2027-01-15T08:00:00Z'><Period id='1'>" +
         Set("video", "v", "") + Set("audio", "a", "lang='en'") + "</Period></MPD>\n";
+    unsigned listVersion = 1;
     unsigned seconds = 12;
     unsigned cutTo = 65535;            ///< what is captured of a packet
     unsigned ports[2] = {7001, 7001};  ///< of the LCT sessions
@@ -76,7 +77,7 @@ struct SBroadcast : SJudged {
             toi += now != package ? 1 : 0;
             package = now;
             capture.At(second, 40000);
-            capture.AddLls(packets::Number(0x01000001, 4) + "<SLT bsid='5'>" + services + "</SLT>");
+            capture.AddLls(packets::Number(0x01000000 + listVersion, 4) + "<SLT bsid='5'>" + services + "</SLT>");
             m_Send(capture, {second, 0, toi, 0}, 7001, package, 1);
             for (unsigned i = 0; i < 2; ++i) {
                 m_Send(capture, {second, 10 + 10 * i, 99, 0}, ports[i], std::string(40, 'i'), 1);

@@ -48,6 +48,20 @@ const std::vector<SBreach> k_signalling = {
     {"the USBD of another service",
      [](SBroadcast& b) { b.usbd.replace(b.usbd.find("serviceId='1'"), 13, "serviceId='2'"); },
      {"no-signalling"}},
+    {"no signalling for 5 s", All(Lasts(6), Keep([](const SPart& part) { return part.tsi != 0; })), {"no-signalling"}},
+    {"too short to tell", All(Lasts(5), Keep([](const SPart& part) { return part.tsi != 0; })), {}},
+    {"another service, listed at the end",
+     [](SBroadcast& b) {
+         b.change = [](unsigned second, SBroadcast& now) {
+             if (second == 8) {
+                 now.services +=
+                     "<Service serviceId='2' serviceCategory='4'><BroadcastSvcSignaling slsProtocol='1' "
+                     "slsDestinationIpAddress='239.255.7.1' slsDestinationUdpPort='7009'/></Service>";
+                 now.listVersion = 2;
+             }
+         };
+     },
+     {}},
     {"no S-TSID",
      [](SBroadcast& b) {
          b.stsid = "";
@@ -105,6 +119,20 @@ const std::vector<SBreach> k_signalling = {
          Unicast(b, "es-");
      },
      {}},
+    {"in a period to come", Edits({{"</Period>", "</Period><Period start='PT60S'>" + More("es")}}), {}},
+    {"in one that begins about now", Edits({{"</Period>", "</Period><Period start='PT12S'>" + More("es")}}), {}},
+    {"in one that is over",
+     All(Lasts(30),
+         Edits({{"<Period id='1'>", "<Period start='PT0S'>" + More("es") + "<Period id='1' start='PT15S'>"}})),
+     {}},
+    {"in that which is on air",
+     All(Lasts(30), Edits({{"<Period id='1'>", "<Period start='PT0S' duration='PT2S'/><Period id='1'>"},
+                           {"</Period></MPD>", More("es") + "</MPD>"}})),
+     {"representation-not-carried"}},
+    {"in one of two without a time", Edits({{"</Period>", "</Period><Period>" + More("es")}}), {}},
+    {"in both",
+     Edits({{"</Period></MPD>", More("es") + "<Period>" + More("es") + "</MPD>"}}),
+     {"representation-not-carried"}},
     {"not of this unicast",
      [](SBroadcast& b) {
          b.Edit("</Period>", More("es-$Number$.m4s"));

@@ -43,14 +43,35 @@ TEST(Verdicts, WhetherAServicePlays)
          list("239.255.7.1", "none")},
         {"the LLS alone", "cannot-tell", "it has the LLS alone",
          Drop([](const SSent& s) { return s.kind != SSent::LLS; })},
+        {"the LLS, and the network's own traffic", "cannot-tell", "it has the LLS alone",
+         [](SBroadcast& b) {
+             b.change = [](SSent& s) {
+                 if (s.kind != SSent::LLS) {  // discovery of devices
+                     s.datagram = "M-SEARCH * HTTP/1.1\r\n\r\n";
+                     s.destination = 0xEFFFFFFA;
+                     s.port = 1900;
+                 }
+                 return true;
+             };
+         }},
+        {"all to other addresses", "does-not-play",
+         "the channel is listed and shows nothing (no signalling of service 1: no packets",
+         [](SBroadcast& b) {
+             b.change = [](SSent& s) {
+                 s.port += s.kind != SSent::LLS ? 1 : 0;
+                 return true;
+             };
+         }},
         {"no signalling", "does-not-play",
          "the channel is listed and shows nothing (no signalling of service 1: none of",
          Drop([](const SSent& s) { return s.kind == SSent::SIGNALLING; })},
-        {"no signalling, in 4 s", "cannot-tell", "it is 3.",
+        {"no signalling, in 4 s", "cannot-tell", "it ends too soon behind the service list",
          [](SBroadcast& b) {
              b.rounds = 4;
              b.change = [](SSent& s) { return s.kind != SSent::SIGNALLING; };
          }},
+        {"no signalling, listed 4 s before the end", "cannot-tell", "it ends too soon behind the service list",
+         Drop([](const SSent& s) { return s.kind == SSent::SIGNALLING || (s.table == 1 && s.round < 8); })},
         {"signalling alone", "cannot-tell", "it has signalling alone",
          Drop([](const SSent& s) { return s.kind >= SSent::INIT; })},
         {"ends behind the signalling", "cannot-tell", "it ends too soon",

@@ -64,6 +64,25 @@ void AnnounceServices(const std::vector<SListedService>& services, CTraffic& tra
     }
 }
 
+/// Whether anything came of the sessions of services: to an address that is announced, or what looks like it to another
+/// one. Other traffic of the network that the capture was made in is none.
+bool SessionsCaptured(const SDelivery& delivery)
+{
+    constexpr std::uint32_t k_localMulticast = 0xE00000;  // 224.0.0.x
+    std::set<std::pair<std::uint32_t, std::uint16_t>> announced;
+    for (const SSessionDelivery& session : delivery.sessions) {
+        if (session.Named()) {
+            announced.emplace(session.destination, session.port);
+        }
+    }
+    return std::any_of(delivery.sessions.begin(), delivery.sessions.end(), [&](const SSessionDelivery& session) {
+        const bool multicast = session.destination >> 28 == 0xE && session.destination >> 8 != k_localMulticast;
+        return session.traffic.packets != 0 && session.protocol != EDeliveryProtocol::LLS &&
+               (announced.count({session.destination, session.port}) != 0 ||
+                (multicast && session.protocol != EDeliveryProtocol::UNKNOWN));
+    });
+}
+
 }  // namespace
 
 CBroadcast::CBroadcast(const SOptions& options, const std::string& name, CChannelMap& channelMap, CReport& report,
@@ -98,7 +117,7 @@ void CBroadcast::m_Listen(const TEndpoint& stream, CLlsFollower& follower)
     follower.SetServiceListener([this, stream](unsigned char groupId, const std::vector<SListedService>& services) {
         AnnounceServices(services, m_traffic);
         for (const auto& protocol : m_sessions) {
-            protocol->Announce({stream, groupId}, services);
+            protocol->Announce({stream, groupId}, services, m_source.time);
         }
         m_guide.Announce({stream, groupId}, services);
     });
@@ -157,11 +176,11 @@ void CBroadcast::Take(const SDatagram& datagram)
         follower->second->Take(datagram.payload, m_source);
         return;
     }
-    m_sessionsCaptured = true;
     bool taken = m_guideSessions.Take(datagram, m_source);
     for (const auto& protocol : m_sessions) {
         taken = protocol->Take(datagram, m_source) || taken;
     }
+    m_sessionsCaptured = m_sessionsCaptured || taken;
     if (!taken && (m_destinations.size() < k_maxDestinations || m_destinations.count(endpoint) != 0)) {
         ++m_destinations[endpoint];
     }
@@ -236,22 +255,22 @@ void CBroadcast::m_Result(bool told)
     delivery.received = reception.Whole();
     delivery.arrivals = m_arrivals.Result();
     // Of packets that could not be read, nobody knows the session.
-    const bool sessionsCaptured = m_sessionsCaptured || reception.Unread();
+    const bool captured = m_sessionsCaptured || reception.Unread() || SessionsCaptured(delivery);
     const std::uint64_t before = summary.routeServices + summary.mmtpServices;
     for (const auto& protocol : m_sessions) {
-        protocol->Finish(name, reception, sessionsCaptured);
+        protocol->Finish(m_times, reception, captured, m_options.rules.longestInterval, delivery.awaited);
     }
     const std::uint64_t services = summary.routeServices + summary.mmtpServices - before;
-    if (!sessionsCaptured && services != 0) {
+    if (!captured && services != 0) {
         m_report.Finding({ERule::NO_SESSIONS,
                           "no session was captured beside the LLS: nothing can be said of the signalling of " +
                               Counted(services, "service"),
                           {name, 0, {}}});
     }
-    m_guideSessions.Finish(name, reception.Whole());
-    m_guide.Finish(name, reception.Whole());
+    m_guideSessions.Finish(m_times, reception.Whole());
+    m_guide.Finish(name);
     m_Findings(reception);
-    m_judge.Finish(m_times, sessionsCaptured, &delivery);
+    m_judge.Finish(m_times, captured, &delivery);
 }
 
 /// What is wrong with a capture as a whole, and why what was expected is missing.

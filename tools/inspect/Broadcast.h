@@ -77,7 +77,7 @@ class CBroadcast {
     SSource m_source;  ///< of the packet under way
     SInputTimes m_times;
     std::map<TEndpoint, std::uint64_t> m_destinations;  ///< datagrams that nothing follows
-    bool m_sessionsCaptured = false;                    ///< something came beside the LLS
+    bool m_sessionsCaptured = false;                    ///< something of the sessions that are followed came
     CCaptureClock m_clock;
     std::int64_t m_costs = 0;                  ///< time to the next report on the way at least, as of the clock
     std::int64_t m_due = 0;                    ///< when the next report on the way is, as of the clock

@@ -223,7 +223,7 @@ bool CInspector::m_GuideFile(SView bytes, const std::string& name)
         return false;
     }
     ++m_report.Summary().guideFiles;
-    guide.Finish(name, false);
+    guide.Finish(name);
     return true;
 }
 

@@ -416,8 +416,6 @@ void CGuideFollower::m_Show(const SSource& source)
     m_allowance.Spend(join.Cost());
     m_shownServices = join.guide.services.size() + join.guide.leftOut;
     m_shownProgrammes = join.programmes;
-    m_shown = std::move(join.guide);
-    m_shown.services.clear();
     if (join.leftOut != 0 && !m_toldCut) {
         m_toldCut = true;
         m_Finding(ERule::GUIDE_TOO_LARGE,
@@ -434,18 +432,13 @@ void CGuideFollower::Show(const SSource& source)
     }
 }
 
-void CGuideFollower::Finish(const std::string& file, bool capture)
+void CGuideFollower::Finish(const std::string& file)
 {
-    const SSource source = {file, 0, {}};
-    Show(source);
+    Show({file, 0, {}});
     SGuideCounts& counts = m_report.Summary().guide;
     counts.fragments += m_fragments.size();
     counts.services += m_shownServices;
     counts.programmes += m_shownProgrammes;
-    if (capture && m_shown.missingServices != 0) {
-        m_Finding(ERule::GUIDE_INCOMPLETE,
-                  "the guide names what did not come: " + Counted(m_shown.missingServices, "service"), {}, source);
-    }
 }
 
 void CGuideFollower::m_Finding(ERule rule, const std::string& message, const std::optional<SGuidePlace>& place,

@@ -50,9 +50,8 @@ class CGuideFollower {
     /// The services that the list of an LLS group, known by its stream and id, announces from now on.
     using TGroup = std::pair<std::pair<std::uint32_t, std::uint16_t>, unsigned char>;
     void Announce(const TGroup& group, const std::vector<SListedService>& services);
-    /// The end of the input: shows the guide unless it was shown as it stands, and adds to the summary. Of a
-    /// `capture`, what the guide lacks is told of.
-    void Finish(const std::string& file, bool capture);
+    /// The end of the input: shows the guide unless it was shown as it stands, and adds to the summary.
+    void Finish(const std::string& file);
     /// Tells of the guide as it is now, if it is not what was told last.
     void Show(const SSource& source);
     /// Whether any fragment has come.
@@ -101,7 +100,6 @@ class CGuideFollower {
     bool m_changed = false;               ///< since the guide was shown
     bool m_toldFull = false;
     bool m_toldCut = false;
-    SGuide m_shown;  ///< without its services
     std::size_t m_shownServices = 0;
     std::size_t m_shownProgrammes = 0;
 };

@@ -67,11 +67,34 @@ class CGuideSessions::CStream {
         AddCounts(counts, own);
     }
 
+    /// Whether what did not come will not come: objects are sent for another time, or it is too long ago that the
+    /// session was announced.
+    bool Settled(const std::optional<STime>& last) const
+    {
+        return (!m_objects.empty() && m_again.size() == m_objects.size()) ||
+               (since && last && Seconds(*last) - Seconds(*since) >= k_longestRound);
+    }
+
     const bool ofGuide;  ///< not of files alone
     SFiles files;
     bool followed = false;
+    std::optional<STime> since;  ///< when it was announced
 
   private:
+    static constexpr std::size_t k_mostObjects = 256;
+
+    /// Notes which objects came again since the last that was new.
+    void m_Again(const TToi& toi)
+    {
+        if (m_objects.count(toi) != 0) {
+            m_again.insert(toi);
+            return;
+        }
+        m_again.clear();
+        if (m_objects.size() < k_mostObjects) {
+            m_objects.insert(toi);
+        }
+    }
     void m_Object(const TToi& toi, SView object)
     {
         SGuidePlace place = {m_name, m_tsi, toi, {}, {}, m_owner.services};
@@ -80,6 +103,9 @@ class CGuideSessions::CStream {
         if (named) {
             place.contentLocation = file->second.contentLocation;
             place.contentType = file->second.contentType;
+        }
+        if (ofGuide && !m_guides) {
+            m_Again(toi);
         }
         if (ofGuide && m_sessions.m_guide.Take(place, object, *m_source)) {
             m_guides = true;
@@ -100,6 +126,8 @@ class CGuideSessions::CStream {
     const SSource* m_source = nullptr;
     std::uint64_t m_packets = 0;
     bool m_guides = false;
+    std::set<TToi> m_objects;  ///< the first of those that came before anything of the guide did
+    std::set<TToi> m_again;    ///< of these
 };
 
 CGuideSessions::CGuideSessions(CGuideFollower& guide, CReport& report, bool files)
@@ -109,7 +137,7 @@ CGuideSessions::CGuideSessions(CGuideFollower& guide, CReport& report, bool file
 
 CGuideSessions::~CGuideSessions() = default;
 
-void CGuideSessions::Signal(const SFollowed& followed, const CSTSID& stsid)
+void CGuideSessions::Signal(const SFollowed& followed, const CSTSID& stsid, const SSource& source)
 {
     SOwner& owner = m_owners[followed.session];
     owner.name = followed.name;
@@ -119,6 +147,7 @@ void CGuideSessions::Signal(const SFollowed& followed, const CSTSID& stsid)
     m_Unlist(owner);
     // What goes on keeps the objects that are under way.
     for (std::unique_ptr<CStream>& stream : streams) {
+        stream->since = source.time;
         for (std::unique_ptr<CStream>& old : owner.streams) {
             if (old->Is(*stream)) {
                 std::swap(old->files, stream->files);
@@ -276,10 +305,11 @@ void CGuideSessions::Each(const std::function<void(const SServiceSession&, std::
     }
 }
 
-void CGuideSessions::Finish(const std::string& file, bool whole) const
+void CGuideSessions::Finish(const SInputTimes& times, bool whole) const
 {
+    const std::string& file = times.file;
     for (const auto& [session, owner] : m_owners) {
-        const std::string reason = m_Missing(owner);
+        const std::string reason = m_Missing(owner, times.last);
         if (!reason.empty() && whole) {
             SFinding finding = {ERule::GUIDE_INCOMPLETE, "no guide on " + owner.name + ": " + reason, {file, 0, {}}};
             finding.about = owner.name;
@@ -321,8 +351,8 @@ void CGuideSessions::Close()
     m_owners.clear();
 }
 
-/// Why nothing of the guide came in the owner's sessions; empty: something did.
-std::string CGuideSessions::m_Missing(const SOwner& owner) const
+/// Why nothing of the guide came in the owner's sessions; empty: something did, or it may still come.
+std::string CGuideSessions::m_Missing(const SOwner& owner, const std::optional<STime>& last) const
 {
     const bool any = std::any_of(owner.streams.begin(), owner.streams.end(), [](const auto& s) { return s->ofGuide; });
     if (!any && owner.services.empty()) {
@@ -334,7 +364,7 @@ std::string CGuideSessions::m_Missing(const SOwner& owner) const
     SGuideCounts counts;
     std::size_t open = 0;
     for (const std::unique_ptr<CStream>& stream : owner.streams) {
-        if (stream->Guides()) {
+        if (stream->Guides() || (stream->ofGuide && !stream->Settled(last))) {
             return {};
         }
         stream->Count(counts);

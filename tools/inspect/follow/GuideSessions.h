@@ -31,8 +31,8 @@ class CGuideSessions {
     CGuideSessions(const CGuideSessions&) = delete;
     CGuideSessions& operator=(const CGuideSessions&) = delete;
 
-    /// The S-TSID that holds from now on in the session.
-    void Signal(const SFollowed& followed, const CSTSID& stsid);
+    /// The S-TSID that holds in the session from now on, which `source` says.
+    void Signal(const SFollowed& followed, const CSTSID& stsid, const SSource& source);
     /// The session is followed no longer.
     void Release(const SServiceSession& session);
     /// Takes a datagram; false: it belongs to none of the sessions of the guide.
@@ -41,7 +41,7 @@ class CGuideSessions {
     void Each(const std::function<void(const SServiceSession&, std::uint64_t)>& visit) const;
     /// The end of the input, or of a part that is reported: adds to the summary, and tells which guides did not come,
     /// if it was received `whole`.
-    void Finish(const std::string& file, bool whole) const;
+    void Finish(const SInputTimes& times, bool whole) const;
     /// Lets go of all sessions, behind Finish().
     void Close();
 
@@ -49,6 +49,7 @@ class CGuideSessions {
     static constexpr std::size_t k_maxStreams = 256;       ///< of all sessions
     static constexpr std::size_t k_maxFileStreams = 1024;  ///< of all sessions, of files alone
     static constexpr std::size_t k_maxFiles = 4096;        ///< of an LCT session
+    static constexpr double k_longestRound = 600;          ///< seconds, of a guide that is sent again and again
 
     using TEndpoint = std::pair<std::uint32_t, std::uint16_t>;
     struct SNamedFile {
@@ -76,7 +77,7 @@ class CGuideSessions {
     void m_Drop(SOwner& owner);
     void m_Follow(SOwner& owner, std::unique_ptr<CStream> stream);
     static SFiles m_Files(const SEFDTInfo* efdt);
-    std::string m_Missing(const SOwner& owner) const;
+    std::string m_Missing(const SOwner& owner, const std::optional<STime>& last) const;
 
     CGuideFollower& m_guide;
     CReport& m_report;

@@ -75,7 +75,7 @@ void CRouteSession::m_Signal(const CSTSID& stsid)
 {
     m_signalled = true;
     m_guides = followed.guides;
-    m_shared->guide.Signal(followed, stsid);
+    m_shared->guide.Signal(followed, stsid, *m_source);
 }
 
 /// A service that becomes a guide has the sessions of the S-TSID that came before.

@@ -22,14 +22,21 @@ CSessionFollower::CSessionFollower(const SProtocol& protocol, const std::set<TEn
     }
 }
 
-void CSessionFollower::Announce(const TGroup& group, std::vector<SListedService> services)
+void CSessionFollower::Announce(const TGroup& group, std::vector<SListedService> services,
+                                const std::optional<STime>& now)
 {
     const auto foreign = [this](const SListedService& service) {
         return service.slsProtocol != m_protocol.slsProtocol;
     };
     services.erase(std::remove_if(services.begin(), services.end(), foreign), services.end());
+    std::map<std::pair<unsigned, SServiceSession>, std::optional<STime>> since;
+    for (const SListedService& service : m_services[group]) {
+        since.emplace(std::pair(service.serviceId, service.session), service.since);
+    }
     // The new ones come first: a session of both lists goes on.
-    for (const SListedService& service : services) {
+    for (SListedService& service : services) {
+        const auto before = since.find({service.serviceId, service.session});
+        service.since = before != since.end() ? before->second : now;
         if (service.session.destination != 0) {
             SFollowed& followed = m_Add(service.session).followed;
             followed.services.insert(service.serviceId);
@@ -91,9 +98,13 @@ void CSessionFollower::Each(const std::function<void(const SFollowed&)>& visit) 
     }
 }
 
-void CSessionFollower::Finish(const std::string& file, const SReception& reception, bool captured)
+void CSessionFollower::Finish(const SInputTimes& times, const SReception& reception, bool captured, double longest,
+                              std::set<TListedId>& awaited)
 {
-    const SSource source = {file, 0, {}};
+    const SSource source = {times.file, 0, {}};
+    const auto pending = [&](const std::optional<STime>& since) {
+        return since && times.last && Seconds(*times.last) - Seconds(*since) < longest;
+    };
     for (const auto& [key, session] : m_sessions) {
         session->Count(m_report.Summary());
         const SSessionCounts& counts = session->Counts();
@@ -123,21 +134,24 @@ void CSessionFollower::Finish(const std::string& file, const SReception& recepti
     }
     for (const auto& [group, services] : m_services) {
         for (const SListedService& service : services) {
-            if (captured) {
-                m_Judge(group, service, reception, source);
-            } else {
-                ++(m_report.Summary().*m_protocol.services);
+            ++(m_report.Summary().*m_protocol.services);
+            if (captured && !m_Judge(group, service, reception, pending(service.since), source)) {
+                awaited.emplace(m_ListName(group), service.serviceId);
             }
         }
     }
 }
 
-/// Counts the service, or tells why it was not signalled.
-void CSessionFollower::m_Judge(const TGroup& group, const SListedService& service, const SReception& reception,
-                               const SSource& source)
+std::string CSessionFollower::m_ListName(const TGroup& group)
 {
-    SSummary& summary = m_report.Summary();
-    ++(summary.*m_protocol.services);
+    const auto& [stream, groupId] = group;
+    return ServiceListName(EndpointText(stream.first, stream.second), groupId);
+}
+
+/// Counts the service, or tells why it was not signalled. False: that is still `pending`.
+bool CSessionFollower::m_Judge(const TGroup& group, const SListedService& service, const SReception& reception,
+                               bool pending, const SSource& source)
+{
     std::string reason = "the service list gives no address that can be followed";
     SFinding finding = {ERule::NO_SIGNALLING, {}, source};
     finding.serviceId = service.serviceId;
@@ -145,23 +159,26 @@ void CSessionFollower::m_Judge(const TGroup& group, const SListedService& servic
         const CSession& session = *entry->second;
         reason = session.Signals() ? session.Missing(service.serviceId) : m_Missing(session);
         if (reason.empty()) {
-            ++summary.servicesSignalled;
+            ++m_report.Summary().servicesSignalled;
             const std::string missing = service.IsGuide() ? session.MissingGuide() : std::string();
-            if (!missing.empty() && reception.Whole()) {
+            if (!missing.empty() && reception.Whole() && !pending) {
                 finding.rule = ERule::GUIDE_INCOMPLETE;
                 finding.message = "no guide on " + session.followed.name + ": " + missing;
                 m_report.Finding(finding);
             }
-            return;
+            return true;
+        }
+        if (pending) {
+            return false;
         }
         if (session.Counts().Unread() || reception.Excuses(service.session, session.Counts().packets)) {
-            return;
+            return true;
         }
     }
     finding.message = "no signalling of service " + std::to_string(service.serviceId) + ": " + reason;
-    const auto& [stream, groupId] = group;
-    finding.serviceList = ServiceListName(EndpointText(stream.first, stream.second), groupId);
+    finding.serviceList = m_ListName(group);
     m_report.Finding(finding);
+    return true;
 }
 
 CSession& CSessionFollower::m_Add(const SServiceSession& key)

@@ -66,15 +66,17 @@ class CSessionFollower {
 
     /// The services that the list of an LLS group, known by its stream and id, announces from now on; those of
     /// other protocols do not count. Sessions that no list names any more are let go.
-    void Announce(const TGroup& group, std::vector<SListedService> services);
+    void Announce(const TGroup& group, std::vector<SListedService> services, const std::optional<STime>& now);
     /// Takes a datagram; false: it belongs to none of the sessions.
     bool Take(const SDatagram& datagram, const SSource& source);
     /// The sessions that are followed now.
     void Each(const std::function<void(const SFollowed&)>& visit) const;
     /// The end of the input, or of a part that is reported: adds to the summary, and tells which services were not
-    /// signalled, unless the reception was at fault. Not `captured`: the input has no sessions at all, and says nothing
-    /// of their signalling.
-    void Finish(const std::string& file, const SReception& reception, bool captured);
+    /// signalled within so many seconds, unless the reception was at fault. Not `captured`: the input has no sessions
+    /// at all, and says nothing of their signalling. Adds to `awaited`, by list and id, those that were not signalled
+    /// and have not been listed for so long.
+    void Finish(const SInputTimes& times, const SReception& reception, bool captured, double longest,
+                std::set<TListedId>& awaited);
 
   private:
     using TSessions = std::map<SServiceSession, std::unique_ptr<CSession>>;
@@ -85,8 +87,9 @@ class CSessionFollower {
 
     CSession& m_Add(const SServiceSession& key);
     void m_Remove(TSessions::iterator session);
-    void m_Judge(const TGroup& group, const SListedService& service, const SReception& reception,
+    bool m_Judge(const TGroup& group, const SListedService& service, const SReception& reception, bool pending,
                  const SSource& source);
+    static std::string m_ListName(const TGroup& group);
     std::string m_Missing(const CSession& session) const;
 
     const SProtocol m_protocol;

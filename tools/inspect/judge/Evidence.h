@@ -34,7 +34,7 @@ struct SEvidence {
     std::string file;
     bool capture = false;           ///< a capture, not a raw file
     bool ended = true;              ///< false: it is judged on the way, and more is to come
-    bool sessionsCaptured = false;  ///< something came beside the LLS
+    bool sessionsCaptured = false;  ///< something of the sessions of services came
     std::optional<STime> first;     ///< of the capture's packets, the earliest and the latest
     std::optional<STime> last;
     std::map<TListKey, SListFacts> lists;

@@ -177,11 +177,15 @@ SMpdFacts MpdFacts(const TJson& mpd)
     facts.availabilityStartTime = Text(mpd, "availabilityStartTime");
     facts.updatePeriod = Number(mpd, "minimumUpdatePeriodSeconds");
     const SLevel root = SLevel().Below(mpd);
-    whole = Each(mpd, "Period",
-                 [&](const TJson& periodJson) {
-                     const SLevel period = root.Below(periodJson);
-                     whole =
-                         Each(periodJson, "AdaptationSet",
+    whole =
+        Each(mpd, "Period",
+             [&](const TJson& periodJson) {
+                 const SLevel period = root.Below(periodJson);
+                 const std::size_t number = facts.periods.size();
+                 whole =
+                     Add(facts.periods, {Number(periodJson, "startSeconds"), Number(periodJson, "durationSeconds")}) &&
+                     whole;
+                 whole = Each(periodJson, "AdaptationSet",
                               [&](const TJson& setJson) {
                                   const SLevel set = period.Below(setJson);
                                   facts.isProtected = facts.isProtected || set.isProtected;
@@ -195,17 +199,18 @@ SMpdFacts MpdFacts(const TJson& mpd)
                                                               ? url
                                                               : level.base.substr(0, level.base.rfind('/') + 1) + url;
                                                };
-                                               whole = Add(facts.representations,
-                                                           {Text(json, "id"), level.contentType, level.lang,
-                                                            Unsigned(json, "bandwidth").value_or(0), level.isProtected,
-                                                            located(level.media), located(level.initialization)}) &&
-                                                       whole;
+                                               whole =
+                                                   Add(facts.representations,
+                                                       {Text(json, "id"), level.contentType, level.lang,
+                                                        Unsigned(json, "bandwidth").value_or(0), level.isProtected,
+                                                        located(level.media), located(level.initialization), number}) &&
+                                                   whole;
                                            }) &&
                                       whole;
                               }) &&
                          whole;
-                 }) &&
-            whole;
+             }) &&
+        whole;
     return facts;
 }
 
@@ -246,7 +251,7 @@ std::size_t SStsidFacts::Bytes() const
 
 std::size_t SMpdFacts::Bytes() const
 {
-    std::size_t bytes = sizeof *this;
+    std::size_t bytes = sizeof *this + periods.size() * sizeof(SPeriodFacts);
     for (const SRepresentationFacts& one : representations) {
         bytes += sizeof one + one.id.size() + one.contentType.size() + one.lang.size() + one.media.size() +
                  one.initialization.size();

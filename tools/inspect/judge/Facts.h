@@ -64,6 +64,12 @@ struct SStsidFacts {
     std::size_t Bytes() const;
 };
 
+/// A period of an MPD; seconds from its begin.
+struct SPeriodFacts {
+    std::optional<double> start;
+    std::optional<double> duration;
+};
+
 /// A representation of an MPD, with what it has from the levels above.
 struct SRepresentationFacts {
     std::string id;
@@ -73,6 +79,7 @@ struct SRepresentationFacts {
     bool isProtected = false;
     std::string media;  ///< templates, with their base URL
     std::string initialization;
+    std::size_t period = 0;  ///< its number
 };
 
 struct SMpdFacts {
@@ -80,6 +87,7 @@ struct SMpdFacts {
     std::string publishTime;
     std::string availabilityStartTime;
     std::optional<double> updatePeriod;  ///< minimumUpdatePeriod, seconds
+    std::vector<SPeriodFacts> periods;
     std::vector<SRepresentationFacts> representations;
     bool isProtected = false;  ///< something of it is
     bool whole = true;

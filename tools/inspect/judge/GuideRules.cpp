@@ -259,6 +259,10 @@ void CGuideRules::Finish(const SDelivery* delivery)
         m_now = t_evidence.first->seconds;
         m_end = t_evidence.last->seconds;
     }
+    if (m_whole && m_guide.missingServices != 0) {
+        t_findings.Tell(ERule::GUIDE_INCOMPLETE,
+                        "the guide names what did not come: " + Counted(m_guide.missingServices, "service"));
+    }
     const bool lists = ListsWhole(t_evidence);
     for (const SGuideService& service : m_guide.services) {
         if (lists) {

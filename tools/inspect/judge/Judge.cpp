@@ -59,7 +59,7 @@ std::vector<const SPackageFacts*> SEvidence::Of(const SSltService& service) cons
 }
 
 CJudge::CJudge(CReport& report, const std::string& file, bool capture, const SRuleSettings& settings)
-    : m_report(report), m_findings(report, file), m_settings(settings)
+    : m_report(report), m_findings(report, file)
 {
     m_evidence.file = file;
     m_evidence.capture = capture;
@@ -290,7 +290,7 @@ void CJudge::Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* 
         m_report.Delivery(*delivery);
     }
     if (!m_evidence.lists.empty()) {
-        m_report.Verdicts(Verdicts(m_evidence, *delivery, m_heard, m_settings));
+        m_report.Verdicts(Verdicts(m_evidence, *delivery, m_heard));
     }
 }
 

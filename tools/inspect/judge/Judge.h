@@ -71,7 +71,6 @@ class CJudge : public IWitness {
     std::vector<SFinding> m_heard;  ///< errors and warnings that may concern a service, one of those that are alike
     std::set<std::tuple<ERule, unsigned, std::string>> m_heardOf;  ///< the same, by rule, service and session
     std::size_t m_heardBefore = 0;                                 ///< the report on the way
-    const SRuleSettings m_settings;
     std::vector<std::unique_ptr<CRules>> m_rules;
 };
 

@@ -49,7 +49,7 @@ void ReadMpTable(const TJson& json, const SSource& source, std::vector<SMpTableF
     if (id < k_firstMpTable || id > k_mpTable || Field(json, "assets").is_null()) {
         return;
     }
-    SMpTableFacts table = {Text(json, "MMT_package_id"), static_cast<unsigned>(id), {}, source};
+    SMpTableFacts table = {Text(json, "MMT_package_id"), static_cast<unsigned>(id), {}, source, source.time};
     facts.whole = Each(json, "assets",
                        [&](const TJson& assetJson) {
                            SAssetFacts asset;
@@ -108,6 +108,18 @@ void Drop(SMmtFacts& facts, const std::string& key)
 
 }  // namespace
 
+bool SMmtFacts::Holds(const SMpTableFacts& table, double longest) const
+{
+    const std::optional<STime>& now = messages.last.time;
+    bool named = table.package.empty();
+    bool names = false;
+    for (const auto& [key, usbd] : usbds) {
+        named = named || usbd.package == table.package;
+        names = names || !usbd.package.empty();
+    }
+    return (named || !names) && !(now && table.last && Seconds(*now) - Seconds(*table.last) > longest);
+}
+
 void HoldMessage(std::map<std::string, SMmtFacts>& sessions, const SMessage& message)
 {
     if (message.session.empty() || (sessions.size() == k_mostSessions && sessions.count(message.session) == 0)) {
@@ -117,6 +129,11 @@ void HoldMessage(std::map<std::string, SMmtFacts>& sessions, const SMessage& mes
     facts.announced = message.services;
     facts.messages.Add(message.source);
     if (message.status == EStatus::REPEATED) {
+        if (const auto tables = facts.mpTables.find(message.key); tables != facts.mpTables.end()) {
+            for (SMpTableFacts& table : tables->second) {
+                table.last = message.source.time;
+            }
+        }
         return;
     }
     Drop(facts, message.key);

@@ -27,6 +27,7 @@ struct SMpTableFacts {
     unsigned tableId = 0;  ///< 32: the complete table
     std::vector<SAssetFacts> assets;
     SSource source;
+    std::optional<STime> last;  ///< when it came last
 };
 
 struct SMmtUsbdFacts {
@@ -50,6 +51,9 @@ struct SMmtFacts {
     std::size_t entries = 0;             ///< assets and components
     bool whole = true;                   ///< false: messages, or something of them, were left out
 
+    /// Whether what the MP table says is so now. One of a package that is over is sent no more, for `longest` seconds
+    /// of signalling at least; of the next package it may be sent ahead, until a USBD names the package.
+    bool Holds(const SMpTableFacts& table, double longest) const;
     /// Calls `visit` with each MP table.
     template <class TVisit>
     void EachTable(TVisit visit) const

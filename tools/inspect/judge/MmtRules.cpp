@@ -166,6 +166,9 @@ void CMmtRules::m_Assets(const std::string& session, const SMmtFacts& facts)
     std::map<TPlace, SUser> users;
     std::set<TPlace> told;
     facts.EachTable([&](const SMpTableFacts& table) {
+        if (!facts.Holds(table, m_settings.longestInterval)) {
+            return;
+        }
         for (const SAssetFacts& asset : table.assets) {
             m_Asset(session, facts, table, asset);
             for (const auto& [destination, packetId] : asset.places) {

@@ -273,6 +273,31 @@ struct SElsewhere {
     bool anything = false;
 };
 
+/// Which periods may be on air at that time: one that is over can be kept for those who go back, and one to come be
+/// announced ahead. Without a start, and of an MPD of another time, any may be.
+std::vector<bool> OnAir(const SMpdFacts& mpd, const std::optional<STime>& now)
+{
+    std::vector<bool> onAir(mpd.periods.size(), true);
+    const std::optional<double> begin = Instant(mpd.availabilityStartTime);
+    if (!mpd.dynamic || !begin || !now) {
+        return onAir;
+    }
+    const double at = Seconds(*now) - *begin;
+    std::optional<double> start;
+    std::optional<double> end;  // of the one before, by its duration
+    for (std::size_t i = 0; i < mpd.periods.size(); ++i) {
+        const SPeriodFacts& period = mpd.periods[i];
+        start = period.start ? period.start : end;
+        end = start && period.duration ? std::optional<double>(*start + *period.duration) : std::nullopt;
+        if (i != 0 && start && *start < at - k_clocksApart) {
+            onAir[i - 1] = false;
+        }
+        onAir[i] = !(start && *start > at + k_clocksApart) && !(end && *end < at - k_clocksApart);
+    }
+    const bool any = std::find(onAir.begin(), onAir.end(), true) != onAir.end();
+    return any ? onAir : std::vector<bool>(onAir.size(), true);
+}
+
 void CSignallingRules::m_Representations(const SPackageFacts& package)
 {
     constexpr std::size_t k_mostPairs = 65536;  // to be held against each other
@@ -296,13 +321,26 @@ void CSignallingRules::m_Representations(const SPackageFacts& package)
     if ((elsewhere.unicast.size() + elsewhere.names.size()) * representations.size() > k_mostPairs) {
         return;
     }
-    for (const auto& [id, representation] : representations) {
-        if (!id.empty() && carried.insert(id).second && !elsewhere.MayHave(*representation)) {
-            m_Tell(
-                ERule::REPRESENTATION_NOT_CARRIED, package, ESlsDocument::MPD,
-                "Representation " + Quoted(id) +
-                    (representation->contentType.empty() ? "" : " (" + Printable(representation->contentType) + ')') +
-                    " of the MPD: no LCT session of the S-TSID has its id, and no unicast pattern fits it");
+    // Whichever of the periods is on air: it is missing where it is of all that may be.
+    const std::vector<bool> onAir = OnAir(*package.mpd, t_evidence.last);
+    const auto least = static_cast<std::size_t>(package.mpd->dynamic ? std::count(onAir.begin(), onAir.end(), true)
+                                                                     : std::ptrdiff_t{1});
+    for (auto one = representations.begin(), next = one; one != representations.end(); one = next) {
+        const auto& [id, representation] = *one;
+        next = representations.upper_bound(id);
+        std::set<std::size_t> periods;
+        bool mayCome = id.empty() || carried.count(id) != 0;
+        for (auto each = one; each != next && !mayCome; ++each) {
+            if (onAir[each->second->period]) {
+                periods.insert(each->second->period);
+                mayCome = elsewhere.MayHave(*each->second);
+            }
+        }
+        if (!mayCome && periods.size() >= least) {
+            const std::string& type = representation->contentType;
+            m_Tell(ERule::REPRESENTATION_NOT_CARRIED, package, ESlsDocument::MPD,
+                   "Representation " + Quoted(id) + (type.empty() ? "" : " (" + Printable(type) + ')') +
+                       " of the MPD: no LCT session of the S-TSID has its id, and no unicast pattern fits it");
         }
     }
 }

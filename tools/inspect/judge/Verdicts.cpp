@@ -81,9 +81,8 @@ std::string Broken(const std::string& type)
 
 class CServiceJudge {
   public:
-    CServiceJudge(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings,
-                  const SRuleSettings& settings)
-        : m_evidence(evidence), m_delivery(delivery), m_findings(findings), m_settings(settings)
+    CServiceJudge(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings)
+        : m_evidence(evidence), m_delivery(delivery), m_findings(findings)
     {
         for (const SSessionDelivery& session : delivery.sessions) {
             const std::string address = EndpointText(session.destination, session.port);
@@ -102,7 +101,7 @@ class CServiceJudge {
     SVerdict Judge(const std::string& list, const SSltService& service);
 
   private:
-    SJudgement m_Judge(const SSltService& service) const;
+    SJudgement m_Judge(const std::string& list, const SSltService& service) const;
     bool m_Concerns(const SFinding& finding, const SSltService& service) const;
     SJudgement m_Stopped(const SSltService& service) const;
     SJudgement m_Media(const SSltService& service) const;
@@ -112,7 +111,6 @@ class CServiceJudge {
     const SEvidence& m_evidence;
     const SDelivery& m_delivery;
     const std::vector<SFinding>& m_findings;
-    const SRuleSettings& m_settings;
     std::map<std::string, const SSessionDelivery*> m_sessions;  ///< by address
     std::map<std::tuple<std::string, std::uint64_t, std::string>, const SFlowDelivery*>
         m_flows;                   ///< by address, TSI, and source or none
@@ -133,10 +131,6 @@ SJudgement CServiceJudge::m_Stopped(const SSltService& service) const
         for (const SFinding& finding : m_findings) {
             if (finding.rule != rule || !m_Concerns(finding, service)) {
                 continue;
-            }
-            if (rule == ERule::NO_SIGNALLING && m_delivery.seconds < m_settings.longestInterval) {
-                return Unknown("it is " + NumberText(m_delivery.seconds) +
-                               " s long, and its signalling may come later");
             }
             return Not(Words(finding), RuleName(rule));
         }
@@ -232,7 +226,7 @@ SJudgement CServiceJudge::m_Spoiled(const SSltService& service) const
                RuleName(first->rule));
 }
 
-SJudgement CServiceJudge::m_Judge(const SSltService& service) const
+SJudgement CServiceJudge::m_Judge(const std::string& list, const SSltService& service) const
 {
     if (!service.notListed.empty()) {
         return Not("receivers do not list it: " + service.notListed);
@@ -246,6 +240,9 @@ SJudgement CServiceJudge::m_Judge(const SSltService& service) const
     SJudgement judgement = m_Stopped(service);
     if (judgement.verdict != EVerdict::PLAYS) {
         return judgement;
+    }
+    if (m_delivery.awaited.count({list, service.serviceId}) != 0) {
+        return Unknown("it ends too soon behind the service list, and the signalling may come later");
     }
     if (m_delivery.packetsCut != 0) {
         return Unknown("packets of it were cut, and what they carried is missing");
@@ -287,7 +284,7 @@ SVerdict CServiceJudge::Judge(const std::string& list, const SSltService& servic
                           ? std::to_string(service.majorChannelNo) + '.' + std::to_string(service.minorChannelNo)
                           : std::string();
     verdict.name = service.shortServiceName.value_or("");
-    verdict.judgement = m_Judge(service);
+    verdict.judgement = m_Judge(list, service);
     verdict.withoutBroadband =
         service.broadbandAccessRequired || (!service.hasBroadcastSvcSignaling && service.notListed.empty())
             ? Worse(Not("it needs the internet"), verdict.judgement)
@@ -297,12 +294,11 @@ SVerdict CServiceJudge::Judge(const std::string& list, const SSltService& servic
 
 }  // namespace
 
-SVerdicts Verdicts(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings,
-                   const SRuleSettings& settings)
+SVerdicts Verdicts(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings)
 {
     SVerdicts verdicts;
     verdicts.source = {evidence.file, 0, {}};
-    CServiceJudge judge(evidence, delivery, findings, settings);
+    CServiceJudge judge(evidence, delivery, findings);
     for (const auto& [key, list] : evidence.lists) {
         for (const SSltService& service : list.services) {
             if (verdicts.verdicts.size() < MostEntries()) {

@@ -9,7 +9,6 @@ namespace vyr::inspect {
 
 /// Says of each service of the lists that hold whether it plays. `findings` are those of the input that may concern
 /// services: errors and warnings.
-SVerdicts Verdicts(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings,
-                   const SRuleSettings& settings);
+SVerdicts Verdicts(const SEvidence& evidence, const SDelivery& delivery, const std::vector<SFinding>& findings);
 
 }  // namespace vyr::inspect

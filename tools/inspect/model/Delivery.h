@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "model/Arrivals.h"
+#include "model/ServiceSession.h"
 #include "model/Source.h"
 
 // What was on the air of one capture, whether signalling names it or not. Bytes are those of UDP payloads, and times
@@ -120,6 +122,7 @@ struct SDelivery {
     STraffic others;                         ///< of sessions beyond those that are kept
     std::vector<SSessionDelivery> sessions;  ///< by destination, port and source
     SArrivalLines arrivals;                  ///< of tables and signalling, on the axis of the bins
+    std::set<TListedId> awaited;             ///< services that were listed too late to miss their signalling
     /// Everything is named that signalling names: a session that nothing names is traffic without signalling.
     bool namesKnown = false;
 

@@ -154,7 +154,9 @@ const std::array<SRule, k_rules> k_ruleTable = {{
      "Set wakeup, unless it is meant not to wake people.", "ATSC A/331 6.5"},
     {ERule::ALERT_REFERENCE_UNKNOWN, k_alerts, "alert-reference-unknown", k_note,
      "Receivers that missed the first alert do not know what is updated or cancelled.",
-     "Nothing, if the alert was sent before the capture; else name an alert that was sent.", "ATSC A/331 6.5"},
+     "Nothing, if the alert was sent before the capture; else name an alert that was sent. The library reads the "
+     "reference as retAEAId: of one in refAEAId, nothing is said.",
+     "ATSC A/331 6.5"},
 
     {ERule::RATING_DIMENSION_UNKNOWN, k_ratings, "rating-dimension-unknown", k_warning,
      "Parental controls cannot weigh the rating: the programme is shown, or blocked, for everybody.",

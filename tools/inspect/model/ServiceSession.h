@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "model/Finding.h"
@@ -31,9 +33,13 @@ struct SListedService {
     std::string globalServiceId = {};
     int majorChannelNo = 0;  ///< 0: none
     int minorChannelNo = 0;
+    std::optional<STime> since = {};  ///< when its group's list first had it with this session
 
     bool IsGuide() const { return category == 4; }
 };
+
+/// A service by its list, as ServiceListName has it, and its serviceId.
+using TListedId = std::pair<std::string, unsigned>;
 
 /// A session that is followed, as the report names it. A raw file has none of this.
 struct SFollowed {
