@@ -433,7 +433,7 @@ void CJudge::Finish(const SInputTimes& times, bool sessionsCaptured, SDelivery* 
     if (delivery != nullptr && delivery->traffic.packets != 0) {
         m_report.Delivery(*delivery);
     }
-    if (!m_evidence.lists.empty()) {
+    if (delivery != nullptr && !m_evidence.lists.empty()) {
         m_report.Verdicts(Verdicts(m_evidence, *delivery, m_heard));
     }
     m_evidence.onAir = nullptr;
