@@ -38,7 +38,7 @@ struct SMmtBroadcast : SJudged {
     std::function<bool(unsigned packetId, unsigned sequence)> keep = [](unsigned, unsigned) { return true; };
     std::function<void(unsigned second, SMmtBroadcast&)> change = [](unsigned, SMmtBroadcast&) {};
     bool repair = false;
-    bool route = false;  ///< media by ROUTE on 239.255.7.1:7001
+    bool route = false;           ///< media by ROUTE on 239.255.7.1:7001
     unsigned otherVersion = ~0u;  ///< packets from this packet_id on are of MMTP version 1
 
     static std::string MpTable(const std::string& package, const std::vector<SAsset>& assets)

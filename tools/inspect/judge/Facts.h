@@ -86,7 +86,7 @@ struct SRepresentationFacts {
     bool isProtected = false;
     std::string media;  ///< templates, with their base URL
     std::string initialization;
-    std::size_t period = 0;  ///< its number
+    std::size_t period = 0;                    ///< its number
     std::optional<STime> bandwidthSince = {};  ///< MPDs have given it this bandwidth; none: for as long as any came
 };
 

@@ -57,7 +57,7 @@ class CIpv4Decoder {
         std::vector<unsigned char> bytes;
         std::vector<bool> blocks;  ///< which 8-byte blocks are there
         std::size_t total = 0;     ///< 0 until the last fragment has come
-        SPlace last = {};  ///< of the last fragment; of the last one that was missing, once it is whole
+        SPlace last = {};          ///< of the last fragment; of the last one that was missing, once it is whole
         bool whole = false;
         bool copied = false;
     };
