@@ -269,7 +269,7 @@ TEST(Watch, TheCounterOfLostPacketsNeverGetsLess)
 {
     CCapture capture(1);
     for (unsigned second = 0; second < 10; ++second) {
-        for (const unsigned number : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}) {
+        for (unsigned number = 1; number <= 10; ++number) {
             // Of the fifth second, they come in the sixth; two of the first never do.
             const unsigned sequence = second * 10 + number;
             if (second == 5) {
