@@ -79,8 +79,9 @@ bool CIpv4Decoder::m_Within(const SPlace& distance, const SPlace& since) const
 /// them. The bytes guard against two senders behind one address; those behind the first are in the UDP checksum.
 bool CIpv4Decoder::m_IsCopy(SView packet, SView data)
 {
+    constexpr std::size_t k_udpHeader = 8;
     const std::uint16_t id = packet.Be16(4);
-    if (id == 0) {
+    if (id == 0 || data.size < k_udpHeader) {
         return false;
     }
     const std::uint32_t source = packet.Be32(12);
