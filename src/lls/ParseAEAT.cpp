@@ -322,39 +322,34 @@ void CParseAEAT::m_DumpAEAT() const
     }
     for (int i = 0; i < m->alerts.Size(); ++i) {
         const SAEAInfo& alert = *GetAEA(i);
-        VYR_LOG(LOG_PRIORITY_DEBUG, "AEA Info ID[%s], ISSUER[%s]", alert.aeaId.c_str(), alert.issuer.c_str());
-        VYR_LOG(LOG_PRIORITY_DEBUG, "AEA Info AUDIENCE[%d], AEATYPE[%d]", alert.audience, alert.aeaType);
-        VYR_LOG(LOG_PRIORITY_DEBUG, "AEA Info RET ID[%s], PRIORITY[%d], WAKEUP[%d]", alert.retAEAId.c_str(),
-                alert.priority, alert.wakeup);
-        VYR_LOG(LOG_PRIORITY_DEBUG, "------------AEA HEADER----------------------");
-        VYR_LOG(LOG_PRIORITY_DEBUG, "EFFECTIVE[%s], EXPIRES[%s]", alert.effective.c_str(), alert.expires.c_str());
-        VYR_LOG(LOG_PRIORITY_DEBUG, "EVENTCODE[%s], EVENTCODETYPE[%s]", alert.eventCode.c_str(),
-                alert.eventCodeType.c_str());
+        VYR_DUMP("AEA Info ID[%s], ISSUER[%s]", alert.aeaId.c_str(), alert.issuer.c_str());
+        VYR_DUMP("AEA Info AUDIENCE[%d], AEATYPE[%d]", alert.audience, alert.aeaType);
+        VYR_DUMP("AEA Info RET ID[%s], PRIORITY[%d], WAKEUP[%d]", alert.retAEAId.c_str(), alert.priority, alert.wakeup);
+        VYR_DUMP("------------AEA HEADER----------------------");
+        VYR_DUMP("EFFECTIVE[%s], EXPIRES[%s]", alert.effective.c_str(), alert.expires.c_str());
+        VYR_DUMP("EVENTCODE[%s], EVENTCODETYPE[%s]", alert.eventCode.c_str(), alert.eventCodeType.c_str());
         for (const auto& desc : alert.eventDescs) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "EVENTDESC[%s], EVENTDESCLANG[%s]", desc.text.c_str(), desc.lang.c_str());
+            VYR_DUMP("EVENTDESC[%s], EVENTDESCLANG[%s]", desc.text.c_str(), desc.lang.c_str());
         }
         for (const auto& location : alert.locations) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "LOCATION[%s], LOCATIONTYPE[%d]", location.location.c_str(), location.type);
+            VYR_DUMP("LOCATION[%s], LOCATIONTYPE[%d]", location.location.c_str(), location.type);
         }
-        VYR_LOG(LOG_PRIORITY_DEBUG, "------------AEA TEXT size[%d]----------------------",
-                static_cast<int>(alert.texts.size()));
+        VYR_DUMP("------------AEA TEXT size[%d]----------------------", static_cast<int>(alert.texts.size()));
         for (const auto& text : alert.texts) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "AEATEXT[%s], TEXTLANG[%s]", text.text.c_str(), text.lang.c_str());
+            VYR_DUMP("AEATEXT[%s], TEXTLANG[%s]", text.text.c_str(), text.lang.c_str());
         }
-        VYR_LOG(LOG_PRIORITY_DEBUG, "------------Media Size[%d]----------------------",
-                static_cast<int>(alert.media.size()));
+        VYR_DUMP("------------Media Size[%d]----------------------", static_cast<int>(alert.media.size()));
         for (const auto& media : alert.media) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "mediaLang[%s], mediaType[%s], url[%s]", media.lang.c_str(),
-                    media.mediaType.c_str(), media.url.c_str());
-            VYR_LOG(LOG_PRIORITY_DEBUG, "alternateUrl[%s], contentType[%s], length[%u], ASSOC[%s]",
-                    media.alternateUrl.c_str(), media.contentType.c_str(), media.contentLength,
-                    media.mediaAssoc.c_str());
+            VYR_DUMP("mediaLang[%s], mediaType[%s], url[%s]", media.lang.c_str(), media.mediaType.c_str(),
+                     media.url.c_str());
+            VYR_DUMP("alternateUrl[%s], contentType[%s], length[%u], ASSOC[%s]", media.alternateUrl.c_str(),
+                     media.contentType.c_str(), media.contentLength, media.mediaAssoc.c_str());
         }
         if (alert.liveMedia) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "------------LiveMedia----------------------");
-            VYR_LOG(LOG_PRIORITY_DEBUG, "BSID[%d], SERVICEID[%d]", alert.liveMedia->bsid, alert.liveMedia->serviceId);
+            VYR_DUMP("------------LiveMedia----------------------");
+            VYR_DUMP("BSID[%d], SERVICEID[%d]", alert.liveMedia->bsid, alert.liveMedia->serviceId);
             for (const auto& name : alert.liveMedia->serviceNames) {
-                VYR_LOG(LOG_PRIORITY_DEBUG, "NAME[%s], LANG[%s]", name.text.c_str(), name.lang.c_str());
+                VYR_DUMP("NAME[%s], LANG[%s]", name.text.c_str(), name.lang.c_str());
             }
         }
     }

@@ -250,12 +250,11 @@ void CParseCDT::m_DumpCDT() const
     if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
         return;
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::m_DumpCDT] Start Dump !!!");
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::m_DumpCDT] CurrentCert[%s], NextCert[%s]", m->currentCert.c_str(),
-            m->nextCert.c_str());
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::m_DumpCDT] NextCertFrom[%lld], CurrentCertUntil[%lld], OCSPRefresh[%d]",
-            m->nextCertFrom, m->currentCertUntil, m->ocspRefresh);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::m_DumpCDT] Certificates[%zu], OCSPResponses[%zu]", m->certificates.size(),
-            m->ocspResponses.size());
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::m_DumpCDT] End Dump !!!");
+    VYR_DUMP("[CParseCDT::m_DumpCDT] Start Dump !!!");
+    VYR_DUMP("[CParseCDT::m_DumpCDT] CurrentCert[%s], NextCert[%s]", m->currentCert.c_str(), m->nextCert.c_str());
+    VYR_DUMP("[CParseCDT::m_DumpCDT] NextCertFrom[%lld], CurrentCertUntil[%lld], OCSPRefresh[%d]", m->nextCertFrom,
+             m->currentCertUntil, m->ocspRefresh);
+    VYR_DUMP("[CParseCDT::m_DumpCDT] Certificates[%zu], OCSPResponses[%zu]", m->certificates.size(),
+             m->ocspResponses.size());
+    VYR_DUMP("[CParseCDT::m_DumpCDT] End Dump !!!");
 }

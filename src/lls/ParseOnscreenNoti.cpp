@@ -159,12 +159,11 @@ void CParseOnscreenNoti::m_DumpKSC() const
     }
     for (int i = 0; i < m->entries.Size(); ++i) {
         const SHeld* entry = m->entries.At(i);
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC]index: %d , bsid: %d, serviceId: %d", i,
-                entry->bsid, entry->serviceId);
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC]serviceIdRange: %d , duration: %s",
-                entry->serviceIdRange, entry->notificationDuration.c_str());
-        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC]kscFlag: %d , version: %d", entry->kscFlag,
-                entry->version);
+        VYR_DUMP("[CParseOnscreenNoti::m_DumpKSC]index: %d , bsid: %d, serviceId: %d", i, entry->bsid,
+                 entry->serviceId);
+        VYR_DUMP("[CParseOnscreenNoti::m_DumpKSC]serviceIdRange: %d , duration: %s", entry->serviceIdRange,
+                 entry->notificationDuration.c_str());
+        VYR_DUMP("[CParseOnscreenNoti::m_DumpKSC]kscFlag: %d , version: %d", entry->kscFlag, entry->version);
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseOnscreenNoti::m_DumpKSC] End Dump !!!");
+    VYR_DUMP("[CParseOnscreenNoti::m_DumpKSC] End Dump !!!");
 }

@@ -615,8 +615,8 @@ void CParseSLT::m_DumpSLT() const
     if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
         return;
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseSLT::m_DumpSLT] bsid[%d], capabilities[%s], services[%d], urls[%d]", m->bsid,
-            m->capabilities.c_str(), m->services.Size(), m->sltInetUrls.Size());
+    VYR_DUMP("[CParseSLT::m_DumpSLT] bsid[%d], capabilities[%s], services[%d], urls[%d]", m->bsid,
+             m->capabilities.c_str(), m->services.Size(), m->sltInetUrls.Size());
     for (int i = 0; i < m->services.Size(); ++i) {
         const SService* service = m->Service(i);
         VYR_LOG(LOG_PRIORITY_DEBUG,

@@ -109,6 +109,9 @@ bool GetSetting(const char* key, int* value);
         }                                                  \
     } while (0)
 
+// The same of a dump, which has asked LogEnabled once for all its lines.
+#define VYR_DUMP(...) ::vyr::Print(LOG_PRIORITY_DEBUG, VYR_HERE, __VA_ARGS__)
+
 #define VYR_CHECK(expression, text) ((expression) ? true : ::vyr::CheckFailed(VYR_HERE, text))
 
 #define VYR_ASSERT(expression, text) ((expression) ? true : ::vyr::AssertFailed(VYR_HERE, text))

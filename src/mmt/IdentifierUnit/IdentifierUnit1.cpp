@@ -32,7 +32,7 @@ void CIdentifierUnit1::Dump() const
         return;
     }
     for (unsigned short i = 0; i < UrlCount(); ++i) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "URL [%s]", Url(i));
+        VYR_DUMP("URL [%s]", Url(i));
     }
 }
 

@@ -119,19 +119,18 @@ void CMMTDescAsp::Dump() const
     if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
         return;
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "******ASP Descriptor******");
+    VYR_DUMP("******ASP Descriptor******");
     CMMTDesc::Dump();
     for (const SAsset& asset : m_assets) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "asset id[%.*s] codec[%.*s]", static_cast<int>(asset.assetId.size()),
-                asset.assetId.data(), static_cast<int>(asset.codecCode.size()), asset.codecCode.data());
+        VYR_DUMP("asset id[%.*s] codec[%.*s]", static_cast<int>(asset.assetId.size()), asset.assetId.data(),
+                 static_cast<int>(asset.codecCode.size()), asset.codecCode.data());
         for (const SPresentation& presentation : asset.presentations) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "presentation[%u] channel config[%u] languages[%zu] label[%.*s]",
-                    presentation.id, presentation.audioChannelConfig.value_or(0), presentation.languages.size(),
-                    static_cast<int>(presentation.label.size()), presentation.label.data());
+            VYR_DUMP("presentation[%u] channel config[%u] languages[%zu] label[%.*s]", presentation.id,
+                     presentation.audioChannelConfig.value_or(0), presentation.languages.size(),
+                     static_cast<int>(presentation.label.size()), presentation.label.data());
         }
         if (asset.multiStream) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "stream[%u] bundle[%u]", asset.multiStream->thisStreamId,
-                    asset.multiStream->bundleId);
+            VYR_DUMP("stream[%u] bundle[%u]", asset.multiStream->thisStreamId, asset.multiStream->bundleId);
         }
     }
 }

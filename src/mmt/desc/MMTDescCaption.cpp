@@ -21,11 +21,11 @@ void CMMTDescCaption::Dump() const
     if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
         return;
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "******Caption Asset Descriptor******");
+    VYR_DUMP("******Caption Asset Descriptor******");
     CMMTDesc::Dump();
     for (const SAsset& asset : m_assets) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "asset id[%.*s] language[%.*s] role[%d] aspect ratio[%d]",
-                static_cast<int>(asset.assetId.size()), asset.assetId.data(), static_cast<int>(asset.language.size()),
-                asset.language.data(), asset.role.value_or(0), asset.aspectRatio.value_or(0));
+        VYR_DUMP("asset id[%.*s] language[%.*s] role[%d] aspect ratio[%d]", static_cast<int>(asset.assetId.size()),
+                 asset.assetId.data(), static_cast<int>(asset.language.size()), asset.language.data(),
+                 asset.role.value_or(0), asset.aspectRatio.value_or(0));
     }
 }

@@ -17,9 +17,9 @@ void CMMTDescDependency::Dump() const
     if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
         return;
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "******Dependency Descriptor******");
+    VYR_DUMP("******Dependency Descriptor******");
     CMMTDesc::Dump();
     for (const SAsset& asset : m_assets) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "asset id[%.*s]", static_cast<int>(asset.assetId.size()), asset.assetId.data());
+        VYR_DUMP("asset id[%.*s]", static_cast<int>(asset.assetId.size()), asset.assetId.data());
     }
 }

@@ -20,10 +20,10 @@ void CMMTDescMpuTimestamp::Dump() const
     if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
         return;
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "******MPU Timestamp Descriptor******");
+    VYR_DUMP("******MPU Timestamp Descriptor******");
     CMMTDesc::Dump();
     for (const STimestamp& timestamp : m_timestamps) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "mpu sequence number[%u] presentation time[0x%016llx]", timestamp.mpuSequenceNumber,
-                timestamp.presentationTime);
+        VYR_DUMP("mpu sequence number[%u] presentation time[0x%016llx]", timestamp.mpuSequenceNumber,
+                 timestamp.presentationTime);
     }
 }

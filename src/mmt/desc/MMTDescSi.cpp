@@ -20,10 +20,9 @@ void CMMTDescSi::Dump() const
     if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
         return;
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "******SI Descriptor******");
+    VYR_DUMP("******SI Descriptor******");
     CMMTDesc::Dump();
     for (const SSystem& system : m_systems) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "security system: key ids[%zu] data length[%zu]", system.keyIds.size(),
-                system.data.size());
+        VYR_DUMP("security system: key ids[%zu] data length[%zu]", system.keyIds.size(), system.data.size());
     }
 }

@@ -37,15 +37,15 @@ void CMMTDescSp::Dump() const
     if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
         return;
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "******SP Descriptor******");
+    VYR_DUMP("******SP Descriptor******");
     CMMTDesc::Dump();
     for (const SAsset& asset : m_assets) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "asset id[%.*s] scheme[%.*s] systems[%zu]", static_cast<int>(asset.assetId.size()),
-                asset.assetId.data(), static_cast<int>(asset.schemeCode.size()), asset.schemeCode.data(),
-                asset.systems.size());
+        VYR_DUMP("asset id[%.*s] scheme[%.*s] systems[%zu]", static_cast<int>(asset.assetId.size()),
+                 asset.assetId.data(), static_cast<int>(asset.schemeCode.size()), asset.schemeCode.data(),
+                 asset.systems.size());
         for (const SLicenseUrl& license : asset.licenseUrls) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "license type[%u] url[%.*s]", license.type,
-                    static_cast<int>(license.url.size()), license.url.data());
+            VYR_DUMP("license type[%u] url[%.*s]", license.type, static_cast<int>(license.url.size()),
+                     license.url.data());
         }
     }
 }

@@ -188,26 +188,26 @@ void CMMTDescVsp::Dump() const
     if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
         return;
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "******VSP Descriptor******");
+    VYR_DUMP("******VSP Descriptor******");
     CMMTDesc::Dump();
     for (const SAsset& asset : m_assets) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "asset id[%.*s] codec[%.*s]", static_cast<int>(asset.assetId.size()),
-                asset.assetId.data(), static_cast<int>(asset.codecCode.size()), asset.codecCode.data());
+        VYR_DUMP("asset id[%.*s] codec[%.*s]", static_cast<int>(asset.assetId.size()), asset.assetId.data(),
+                 static_cast<int>(asset.codecCode.size()), asset.codecCode.data());
         if (asset.temporalScalability) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "sub-layers[%u]", asset.temporalScalability->maxSubLayersInstream);
+            VYR_DUMP("sub-layers[%u]", asset.temporalScalability->maxSubLayersInstream);
         }
         if (asset.resolution) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "width[%u] height[%u]", asset.resolution->width, asset.resolution->height);
+            VYR_DUMP("width[%u] height[%u]", asset.resolution->width, asset.resolution->height);
         }
         for (const SPictureRate& rate : asset.pictureRates) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "picture rate code[%u] average[%d]", rate.code, rate.average.value_or(0));
+            VYR_DUMP("picture rate code[%u] average[%d]", rate.code, rate.average.value_or(0));
         }
         for (const SBitRate& rate : asset.bitRates) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "bit rate average[%u] maximum[%u]", rate.average, rate.maximum);
+            VYR_DUMP("bit rate average[%u] maximum[%u]", rate.average, rate.maximum);
         }
         if (asset.profileTierLevel) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "profile[%u] level[%u]", asset.profileTierLevel->profile.profileIdc,
-                    asset.profileTierLevel->levelIdc);
+            VYR_DUMP("profile[%u] level[%u]", asset.profileTierLevel->profile.profileIdc,
+                     asset.profileTierLevel->levelIdc);
         }
     }
 }

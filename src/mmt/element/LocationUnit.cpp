@@ -126,24 +126,23 @@ void CLocationUnitBase::Dump() const
         return;
     }
     if (m_Has(FIELD_IPV4)) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "source [0x%04x%04x] destination [0x%04x%04x]", m_words[0], m_words[1], m_words[2],
-                m_words[3]);
+        VYR_DUMP("source [0x%04x%04x] destination [0x%04x%04x]", m_words[0], m_words[1], m_words[2], m_words[3]);
     } else if (m_Has(FIELD_IPV6)) {
         for (const unsigned int first : {0u, k_ipv6Words}) {
             const auto word = [this, first](unsigned int i) { return Word(m_bytes, first + i); };
-            VYR_LOG(LOG_PRIORITY_DEBUG, "%s [%x:%x:%x:%x:%x:%x:%x:%x]", first == 0 ? "source" : "destination", word(0),
-                    word(1), word(2), word(3), word(4), word(5), word(6), word(7));
+            VYR_DUMP("%s [%x:%x:%x:%x:%x:%x:%x:%x]", first == 0 ? "source" : "destination", word(0), word(1), word(2),
+                     word(3), word(4), word(5), word(6), word(7));
         }
     }
     for (unsigned int i = 0; i < NUMBER_COUNT; ++i) {
         if (m_Has(i)) {
-            VYR_LOG(LOG_PRIORITY_DEBUG, "%s [%u]", k_numbers[i].name, m_Number(i));
+            VYR_DUMP("%s [%u]", k_numbers[i].name, m_Number(i));
         }
     }
     if (m_Has(FIELD_URL)) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "URL [%s]", m_bytes ? m_bytes.Text() : "");
+        VYR_DUMP("URL [%s]", m_bytes ? m_bytes.Text() : "");
     } else if (m_Has(FIELD_PRIVATE_INFO)) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "private location info, bytes [%u]", m_bytes.Length());
+        VYR_DUMP("private location info, bytes [%u]", m_bytes.Length());
     }
 }
 

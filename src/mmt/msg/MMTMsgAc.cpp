@@ -35,8 +35,8 @@ void CMMTMsgAc::Dump() const
         return;
     }
     for (const SEntry& entry : m_entries) {
-        VYR_LOG(LOG_PRIORITY_DEBUG, "packet id [%u] window timeout [%u] address of %u bytes, port [%u]", entry.packetId,
-                entry.windowTimeout.value_or(0), static_cast<unsigned int>(entry.serverAddress.size()),
-                entry.serverPort.value_or(0));
+        VYR_DUMP("packet id [%u] window timeout [%u] address of %u bytes, port [%u]", entry.packetId,
+                 entry.windowTimeout.value_or(0), static_cast<unsigned int>(entry.serverAddress.size()),
+                 entry.serverPort.value_or(0));
     }
 }

@@ -191,10 +191,9 @@ void CMMTMsgAtsc3::Dump() const
     if (!m) {
         return;
     }
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Dump] service id[%u] content type[%u] version[%u] compression[%u]",
-            m->serviceId, m->contentType, m->contentVersion, m->contentCompression);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CMMTMsgAtsc3::Dump] URI[%s] content length[%u]", m->uri ? m->uri.Text() : "",
-            m->contentLength);
+    VYR_DUMP("[CMMTMsgAtsc3::Dump] service id[%u] content type[%u] version[%u] compression[%u]", m->serviceId,
+             m->contentType, m->contentVersion, m->contentCompression);
+    VYR_DUMP("[CMMTMsgAtsc3::Dump] URI[%s] content length[%u]", m->uri ? m->uri.Text() : "", m->contentLength);
     for (const TPtrArray<CMMTDesc>* array : m->arrays) {
         vyr::DumpElements(*array);
     }

@@ -34,6 +34,6 @@ void CMMTMsgLicence::Dump() const
     }
     for (int i = 0; i < LicenceCount(); ++i) {
         Licence(i)->assetId.Dump();
-        VYR_LOG(LOG_PRIORITY_DEBUG, "licence of %u bytes", Licence(i)->data.Length());
+        VYR_DUMP("licence of %u bytes", Licence(i)->data.Length());
     }
 }

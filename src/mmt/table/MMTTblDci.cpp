@@ -50,10 +50,9 @@ void CMMTTblDci::Dump() const
         const SAsset& a = *Asset(i);
         a.assetId.Dump();
         a.mimeType.Dump();
-        VYR_LOG(LOG_PRIORITY_DEBUG, "bitrate [%u, %u] resolution [%u x %u, %u] buffer [%u] storage [%u]",
-                a.averageBitrate.value_or(0), a.maximumBitrate.value_or(0), a.horizontalResolution.value_or(0),
-                a.verticalResolution.value_or(0), a.temporalResolution.value_or(0), a.minimumBufferSize.value_or(0),
-                a.requiredStorage.value_or(0));
+        VYR_DUMP("bitrate [%u, %u] resolution [%u x %u, %u] buffer [%u] storage [%u]", a.averageBitrate.value_or(0),
+                 a.maximumBitrate.value_or(0), a.horizontalResolution.value_or(0), a.verticalResolution.value_or(0),
+                 a.temporalResolution.value_or(0), a.minimumBufferSize.value_or(0), a.requiredStorage.value_or(0));
     }
 }
 

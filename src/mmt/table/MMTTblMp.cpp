@@ -41,8 +41,7 @@ void CMMTTblMp::Dump() const
         return;
     }
     CMMTTbl::Dump();
-    VYR_LOG(LOG_PRIORITY_DEBUG, "reserved [%u] mode [%u] package id [%s]", m_reserved, m_mode,
-            m_packageId ? m_packageId.Text() : "");
+    VYR_DUMP("reserved [%u] mode [%u] package id [%s]", m_reserved, m_mode, m_packageId ? m_packageId.Text() : "");
     vyr::DumpElements(m_arrayDescriptor);
     vyr::DumpElements(m_arrayAsset);
 }

@@ -47,10 +47,10 @@ void CMMTTblMpAsset::Dump() const
         return;
     }
     m_identifier.Dump();
-    VYR_LOG(LOG_PRIORITY_DEBUG, "asset type [%02x%02x%02x%02x] reserved [%u] default [%d]", m_assetType[0],
-            m_assetType[1], m_assetType[2], m_assetType[3], m_reserved, m_defaultAssetFlag);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "clock relation [%d] id [%u] timescale [%d] [%u]", m_assetClockRelationFlag,
-            m_assetClockRelationId, m_assetTimeScaleFlag, m_assetTimeScale);
+    VYR_DUMP("asset type [%02x%02x%02x%02x] reserved [%u] default [%d]", m_assetType[0], m_assetType[1], m_assetType[2],
+             m_assetType[3], m_reserved, m_defaultAssetFlag);
+    VYR_DUMP("clock relation [%d] id [%u] timescale [%d] [%u]", m_assetClockRelationFlag, m_assetClockRelationId,
+             m_assetTimeScaleFlag, m_assetTimeScale);
     vyr::DumpElements(m_arrayLocation);
     vyr::DumpElements(m_arrayDescriptor);
 }

@@ -33,8 +33,7 @@ void CMMTTblMpi::Dump() const
         return;
     }
     CMMTTbl::Dump();
-    VYR_LOG(LOG_PRIORITY_DEBUG, "reserved [%u] PI mode [%u] reserved [%u]", m_reservedBeforeMode, m_piMode,
-            m_reservedBehindMode);
+    VYR_DUMP("reserved [%u] PI mode [%u] reserved [%u]", m_reservedBeforeMode, m_piMode, m_reservedBehindMode);
     vyr::DumpElements(m_arrayDescriptor);
     vyr::DumpElements(m_arrayPiContent);
 }

@@ -30,7 +30,7 @@ void CMMTTblPa::Dump() const
     }
     CMMTTbl::Dump();
     vyr::DumpElements(m_arrayTable);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "reserved [%u] private extension [%u]", m_reserved, m_privateFlag);
+    VYR_DUMP("reserved [%u] private extension [%u]", m_reserved, m_privateFlag);
 }
 
 bool CMMTTblPa::GetDescriptors(void (* /*callback*/)(void* user, CMMTDesc* descriptor), void* /*user*/)
