@@ -76,12 +76,12 @@ try {
         }
     }
     TDocument doc;
-    bool plain = false;
-    if (const char* reason = vyr::xml::RefusalOf(text, size, &plain)) {
+    vyr::xml::ETextForm form{};
+    if (const char* reason = vyr::xml::RefusalOf(text, size, &form)) {
         VYR_LOG(LOG_PRIORITY_DEBUG, "[CXML::Create] refused: %s", reason);
         vyr::KeepFailure(std::strcmp(reason, "not well-formed") == 0 ? FAILURE_XML : FAILURE_LIMIT, reason);
     } else {
-        doc = vyr::xml::ParseText(text, size, plain, text != buf);
+        doc = vyr::xml::ParseText(text, size, form, text != buf);
     }
     return m_Adopt(doc.release(), "m->pdoc = xmlParseMemory((const char*)buf, size)");
 } catch (...) {
@@ -287,14 +287,11 @@ char* CXML::NodeDump(void* node, int* size) const
 
 void XmlError(void* /*ctx*/, const char* format, ...)
 {
-    if (!vyr::LogEnabled(LOG_PRIORITY_DEBUG)) {
-        return;
-    }
     char text[512];
     va_list arguments;
     va_start(arguments, format);
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    vyr::xml::HearPiece(text);
+    vyr::xml::HearPiece(format, text);
     VYR_LOG(LOG_PRIORITY_DEBUG, "[Xml Error Info]%s", text);
 }

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <array>
+#include <memory>
 #include <numeric>
 #include <set>
 
@@ -85,6 +88,70 @@ std::string Digest(const SXml& xml)
     return xml.getStringContent(root, nullptr) + xml.getStringProp(root, "a", nullptr);
 }
 
+/// A document, and all that was read of it.
+struct SText : CXML {
+    std::array<std::unique_ptr<char[]>, 5> texts;
+};
+
+bool CreateOf(SText& xml, const TBytes& text)
+{
+    return xml.Create(text.data(), static_cast<int>(text.size()), false);
+}
+
+bool ReadAll(SText& xml, TBytes& /*input*/)
+{
+    void* root = nullptr;
+    int size = 0;
+    if (!xml.MoveRoot(&root)) {
+        return false;
+    }
+    xml.texts[0].reset(xml.Dump(xml.Doc(), &size));
+    xml.texts[1].reset(xml.NodeDump(root, &size));
+    xml.texts[2].reset(xml.Content(root, nullptr));
+    xml.texts[3].reset(xml.PropStr(root, "a", nullptr));
+    xml.texts[4].reset(xml.Ns(xml.MoveChild(root), nullptr));
+    return std::all_of(xml.texts.begin(), xml.texts.end(), [](const auto& text) { return text != nullptr; });
+}
+
+SEntryKind XmlKind(const char* name, const std::string& text)
+{
+    SEntryKind kind = EntryKind<SText>(name, 0, CreateOf, ReadAll, [](const SText& xml) {
+        std::string all;
+        for (const auto& one : xml.texts) {
+            all += TextOf(one.get()) + '|';
+        }
+        return all;
+    });
+    kind.make = [of = kind.makeOf, text] { return of(text); };
+    return kind;
+}
+
+std::string InTwoBytes(const std::string& text)
+{
+    std::string wide = "\xFE\xFF";
+    for (const char c : text) {
+        wide += '\0';
+        wide += c;
+    }
+    return wide;
+}
+
+TEntryKinds XmlKinds()
+{
+    const std::string type = "<!DOCTYPE r [<!ENTITY e 'entity'><!ATTLIST r c CDATA 'd'>]>";
+    const std::string root = "<r a='1 &amp; &#50;'>text <b xmlns='urn:b'>of<c/></b><![CDATA[ it]]><!-- all --></r>";
+    const std::string typed = type + "<r a='1&e;'>&e;<b xmlns='urn:b'>text<c/>&e;</b></r>";
+    return {
+        XmlKind("xml plain", root),
+        XmlKind("xml with a type", typed),
+        XmlKind("xml in UTF-16", InTwoBytes(root)),
+        XmlKind("xml with a type in 20 kB", type + "<r a='" + std::string(10000, 'x') + "&e;'>" + root +
+                                                typed.substr(type.size()) + std::string(10000, 'x') + "</r>"),
+        XmlKind("xml in Latin 1", "<?xml version='1.0' encoding='ISO-8859-1'?>" + typed),
+        XmlKind("xml in 10 kB", "<r a='" + std::string(10000, 'x') + "'>" + root + "</r>"),
+    };
+}
+
 struct SSignedTable : CParseSystemTime {
     bool Create() { return true; }
     void Destroy() override {}
@@ -127,19 +194,23 @@ bool Fill(SContainers& both, TBytes& /*input*/)
 
 TEntryKinds StoreEntries()
 {
-    return {
-        EntryKind<CChannelMap>("channel map", 0, CreatePlainly<CChannelMap>, Fill, Services),
-        EntryKind<CRRTMap>("rating map", 0, CreatePlainly<CRRTMap>, Fill, Digest),
-        EntryKind<CESGFragmentMap>(
-            "fragment map", 0, CreatePlainly<CESGFragmentMap>,
-            [](CESGFragmentMap& map, TBytes&) { return map.Add(k_text); },
-            [](const CESGFragmentMap& map) {
-                return std::to_string(const_cast<CESGFragmentMap&>(map).isExisted(k_text));
-            }),
-        EntryKind<SXml>("CXML", 0, CreatePlainly<SXml>, Write, Digest),
-        EntryKind<SSignedTable>("CheckCMS", 0, CreatePlainly<SSignedTable>, Separate,
-                                [](const SSignedTable&) { return std::string("none"); }),
-        EntryKind<SContainers>("containers", 0, CreatePlainly<SContainers>, Fill,
-                               [](const SContainers& both) { return std::to_string(both.array.Size()); }),
-    };
+    TEntryKinds kinds = XmlKinds();
+    for (const SEntryKind& kind : TEntryKinds{
+             EntryKind<CChannelMap>("channel map", 0, CreatePlainly<CChannelMap>, Fill, Services),
+             EntryKind<CRRTMap>("rating map", 0, CreatePlainly<CRRTMap>, Fill, Digest),
+             EntryKind<CESGFragmentMap>(
+                 "fragment map", 0, CreatePlainly<CESGFragmentMap>,
+                 [](CESGFragmentMap&map, TBytes&) { return map.Add(k_text); },
+                 [](const CESGFragmentMap&map) {
+                     return std::to_string(const_cast<CESGFragmentMap&>(map).isExisted(k_text));
+                 }),
+             EntryKind<SXml>("CXML", 0, CreatePlainly<SXml>, Write, Digest),
+             EntryKind<SSignedTable>("CheckCMS", 0, CreatePlainly<SSignedTable>, Separate,
+                                     [](const SSignedTable&) { return std::string("none"); }),
+             EntryKind<SContainers>("containers", 0, CreatePlainly<SContainers>, Fill,
+                                    [](const SContainers&both) { return std::to_string(both.array.Size()); }),
+         }) {
+        kinds.push_back(kind);
+    }
+    return kinds;
 }

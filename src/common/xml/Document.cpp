@@ -32,15 +32,20 @@ constexpr std::size_t k_maxOnStack = 8191;
 // Larger ones are parsed from libxml2's own copy.
 constexpr std::size_t k_maxInPlace = 1048576;
 
-struct SContextDeleter {
+struct SDeleter {
     void operator()(xmlParserCtxtPtr context) const { xmlFreeParserCtxt(context); }
+    void operator()(xmlCharEncodingHandlerPtr decoder) const { xmlCharEncCloseFunc(decoder); }
+    void operator()(xmlBufferPtr buffer) const { xmlBufferFree(buffer); }
 };
-using TContext = std::unique_ptr<xmlParserCtxt, SContextDeleter>;
+using TContext = std::unique_ptr<xmlParserCtxt, SDeleter>;
+using TDecoder = std::unique_ptr<xmlCharEncodingHandler, SDeleter>;
+using TBuffer = std::unique_ptr<xmlBuffer, SDeleter>;
 
 /// The first fault that libxml2 tells of a document. It is why a document is not taken; one that is may have some.
 struct SFault {
     int line;
-    bool next;  // its words come next
+    bool next;    // its words come next
+    bool memory;  // one of them is that memory is out, which others may follow
     char text[160];
 
     void Hear(const char* words, int inLine)
@@ -57,7 +62,6 @@ thread_local SFault t_fault;
 TContext NewContext()
 {
     xmlInitParser();
-    xmlResetLastError();
     TContext context(Allocated(xmlNewParserCtxt()));
     // The defaults of the process leak into these, and options only ever add to them.
     context->options = 0;
@@ -71,6 +75,7 @@ TContext NewContext()
         // Faults are shown at debug priority only; else nobody need put their place in the text into pieces.
         if (!LogEnabled(LOG_PRIORITY_DEBUG)) {
             context->sax->serror = [](void*, auto* error) {
+                t_fault.memory |= error->code == XML_ERR_NO_MEMORY;
                 if (error->level >= XML_ERR_ERROR) {
                     t_fault.Hear(error->message ? error->message : "", error->line);
                 }
@@ -82,11 +87,11 @@ TContext NewContext()
 
 /// Parses text with a zero byte behind it where it lies. xmlCtxtReadMemory makes a copy, and asks that for more
 /// at every turn near its end.
-TDocument ParseInPlace(xmlParserCtxtPtr context, const char* text, std::size_t size)
+TDocument ParseInPlace(xmlParserCtxtPtr context, const char* text, std::size_t size, bool typed)
 {
     xmlCtxtUseOptions(context, XML_PARSE_COMPACT);
     // Nobody asks for elements by their xml:id. (With a document type this would load external subsets.)
-    context->loadsubset = XML_SKIP_IDS;
+    context->loadsubset = typed ? 0 : XML_SKIP_IDS;
 #if LIBXML_VERSION >= 21400
     const xmlParserInputFlags flags =
         static_cast<xmlParserInputFlags>(XML_INPUT_BUF_STATIC | XML_INPUT_BUF_ZERO_TERMINATED);
@@ -104,9 +109,13 @@ TDocument ParseInPlace(xmlParserCtxtPtr context, const char* text, std::size_t s
         xmlFreeInputStream(input);
         return nullptr;
     }
-    LendNodes(context);
-    xmlParseDocument(context);
-    TakeBackNodes(context);
+    if (typed) {
+        xmlParseDocument(context);
+    } else {
+        LendNodes(context);
+        xmlParseDocument(context);
+        TakeBackNodes(context);
+    }
     TDocument doc(std::exchange(context->myDoc, nullptr));
     if (!context->wellFormed) {
         doc = nullptr;
@@ -115,12 +124,17 @@ TDocument ParseInPlace(xmlParserCtxtPtr context, const char* text, std::size_t s
 #endif
 }
 
-/// The document; throws when memory was out on the way, as it may be cut then. libxml2 tells it in one place or
-/// the other.
-TDocument Whole(xmlParserCtxtPtr context, TDocument doc)
+/// libxml2 2.9 reads at null when memory is out at the moment in which it makes its own buffer of a text larger, so
+/// what that can take is asked for before. Not a new expression, which compilers may leave out.
+void CheckRoom(std::size_t size)
 {
-    const auto* error = xmlGetLastError();
-    if (context->errNo == XML_ERR_NO_MEMORY || (error && error->code == XML_ERR_NO_MEMORY)) {
+    ::operator delete(::operator new(4 * size + 65536));
+}
+
+/// The document; throws when memory was out on the way.
+TDocument Whole(const CErrorsToLog& errors, xmlParserCtxtPtr context, TDocument doc)
+{
+    if (context->errNo == XML_ERR_NO_MEMORY || errors.MemoryOut()) {
         throw std::bad_alloc();
     }
     if (!doc && t_fault.text[0]) {
@@ -139,8 +153,9 @@ CErrorsToLog::CErrorsToLog()
     m_handler = xmlGenericError;
     m_context = xmlGenericErrorContext;
     xmlSetGenericErrorFunc(nullptr, XmlError);
+    xmlResetLastError();
     t_fault.text[0] = 0;
-    t_fault.next = false;
+    t_fault.next = t_fault.memory = false;
 }
 
 CErrorsToLog::~CErrorsToLog()
@@ -148,9 +163,16 @@ CErrorsToLog::~CErrorsToLog()
     xmlSetGenericErrorFunc(m_context, m_handler);
 }
 
-/// "Entity: line 3: ", "parser ", "error : ", the words, and where they are.
-void HearPiece(const char* piece)
+bool CErrorsToLog::MemoryOut() const
 {
+    const auto* error = xmlGetLastError();
+    return t_fault.memory || (error && error->code == XML_ERR_NO_MEMORY);
+}
+
+/// "Entity: line 3: ", "parser ", "error : ", the words, and where they are: a line of the text, by "%s\n".
+void HearPiece(const char* format, const char* piece)
+{
+    t_fault.memory |= std::strncmp(piece, "Memory allocation failed", 24) == 0 && std::strcmp(format, "%s") == 0;
     if (t_fault.next) {
         t_fault.Hear(piece, t_fault.line);
     } else if (t_fault.text[0] == 0 && std::strncmp(piece, "Entity: line ", 13) == 0) {
@@ -165,12 +187,13 @@ void SFreeDocument::operator()(void* document) const
     xmlFreeDoc(AsDoc(document));
 }
 
-TDocument ParseText(const char* text, std::size_t size, bool plain, bool zeroBehind)
+TDocument ParseText(const char* text, std::size_t size, ETextForm form, bool zeroBehind)
 {
     const CErrorsToLog errors;
     const TContext holder = NewContext();
     const xmlParserCtxtPtr context = holder.get();
-    if (!VYR_XML_IN_PLACE || !plain || size > k_maxInPlace) {
+    if (!VYR_XML_IN_PLACE || form == TEXT_OTHER || size > k_maxInPlace) {
+        CheckRoom(size);
         const auto parse = [context, text](std::size_t length) {
             return TDocument(
                 xmlCtxtReadMemory(context, text, static_cast<int>(length), nullptr, nullptr, XML_PARSE_COMPACT));
@@ -181,54 +204,52 @@ TDocument ParseText(const char* text, std::size_t size, bool plain, bool zeroBeh
         if (zero && text[0] != 0 && static_cast<unsigned char>(text[0]) < 0xFE && text[1] != 0) {
             doc = parse(static_cast<std::size_t>(static_cast<const char*>(zero) - text));
         }
-        return Whole(context, std::move(doc));
+        return Whole(errors, context, std::move(doc));
     }
+    const bool typed = form == TEXT_TYPED;
     if (zeroBehind) {
-        return Whole(context, ParseInPlace(context, text, size));
+        return Whole(errors, context, ParseInPlace(context, text, size, typed));
     }
     if (size > k_maxOnStack) {
         const std::unique_ptr<char[]> copy(new char[size + 1]);
         std::memcpy(copy.get(), text, size);
         copy[size] = 0;
-        return Whole(context, ParseInPlace(context, copy.get(), size));
+        return Whole(errors, context, ParseInPlace(context, copy.get(), size, typed));
     }
     char copy[k_maxOnStack + 1];
     std::memcpy(copy, text, size);
     copy[size] = 0;
-    return Whole(context, ParseInPlace(context, copy, size));
+    return Whole(errors, context, ParseInPlace(context, copy, size, typed));
 }
 
 TDocument ParseFile(const char* name)
 {
     const CErrorsToLog errors;
     const TContext context = NewContext();
-    return Whole(context.get(), TDocument(xmlCtxtReadFile(context.get(), name, nullptr, XML_PARSE_COMPACT)));
+    CheckRoom(0);
+    return Whole(errors, context.get(), TDocument(xmlCtxtReadFile(context.get(), name, nullptr, XML_PARSE_COMPACT)));
 }
 
 bool DecodeXml(const char* encoding, const char* data, std::size_t size, std::string* out)
 {
     const CErrorsToLog errors;
-    xmlCharEncodingHandlerPtr decoder = xmlFindCharEncodingHandler(encoding);
+    const TDecoder decoder(xmlFindCharEncodingHandler(encoding));
     if (!decoder) {
         return false;
     }
     // It may do less than everything at a time, and stops for good before what it cannot decode.
     // A copy: for its message it reads four bytes from the wrong one on.
-    const xmlBufferPtr text = xmlBufferCreate();
-    const xmlBufferPtr rest = xmlBufferCreateSize(size + 4);
-    if (rest) {
-        xmlBufferAdd(rest, reinterpret_cast<const xmlChar*>(data), static_cast<int>(size));
+    const TBuffer text(Allocated(xmlBufferCreate()));
+    const TBuffer rest(Allocated(xmlBufferCreateSize(size + 4)));
+    xmlBufferAdd(rest.get(), reinterpret_cast<const xmlChar*>(data), static_cast<int>(size));
+    for (int before = INT_MAX; xmlBufferLength(rest.get()) > 0 && xmlBufferLength(rest.get()) < before;) {
+        before = xmlBufferLength(rest.get());
+        xmlCharEncInFunc(decoder.get(), text.get(), rest.get());
     }
-    for (int before = INT_MAX; text && rest && xmlBufferLength(rest) > 0 && xmlBufferLength(rest) < before;) {
-        before = xmlBufferLength(rest);
-        xmlCharEncInFunc(decoder, text, rest);
+    if (errors.MemoryOut()) {
+        throw std::bad_alloc();
     }
-    if (text && xmlBufferContent(text)) {
-        out->assign(AsText(xmlBufferContent(text)), static_cast<std::size_t>(xmlBufferLength(text)));
-    }
-    xmlBufferFree(text);
-    xmlBufferFree(rest);
-    xmlCharEncCloseFunc(decoder);
+    out->assign(AsText(xmlBufferContent(text.get())), static_cast<std::size_t>(xmlBufferLength(text.get())));
     return true;
 }
 

@@ -136,7 +136,7 @@ char* DumpDocument(void* document, int* size)
     xmlChar* block = nullptr;
     int length = 0;
     xmlDocDumpMemory(AsDoc(document), &block, &length);
-    char* copy = block ? NewCopy(AsText(block), static_cast<std::size_t>(length)) : nullptr;
+    char* copy = block && !errors.MemoryOut() ? NewCopy(AsText(block), static_cast<std::size_t>(length)) : nullptr;
     xmlFree(block);
     *size = copy ? length : 0;
     return copy;
@@ -158,7 +158,7 @@ char* DumpNode(void* node, int* size, const SHere& here)
         return nullptr;
     }
     xmlNodeDumpOutput(out, nullptr, AsNode(node), 0, 0, nullptr);
-    const xmlChar* text = out->error ? nullptr : xmlOutputBufferGetContent(out);
+    const xmlChar* text = out->error || errors.MemoryOut() ? nullptr : xmlOutputBufferGetContent(out);
     const std::size_t bytes = text ? xmlOutputBufferGetSize(out) : 0;
     char* copy = nullptr;
     if (text && bytes <= INT_MAX) {

@@ -31,12 +31,16 @@ inline const char* AsText(const xmlChar* text)
 }
 
 /// While it lives libxml2 reports the calling thread's errors to XmlError; afterwards to whom it did before.
+/// It tells many a failed allocation in no other way.
 class CErrorsToLog {
   public:
     CErrorsToLog();
     ~CErrorsToLog();
     CErrorsToLog(const CErrorsToLog&) = delete;
     CErrorsToLog& operator=(const CErrorsToLog&) = delete;
+
+    /// Whether one of them was that memory is out: what libxml2 made may be cut then.
+    bool MemoryOut() const;
 
   private:
     xmlGenericErrorFunc m_handler;

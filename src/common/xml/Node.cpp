@@ -31,7 +31,7 @@ void AppendValue(xmlBufferPtr out, xmlDocPtr doc, const xmlNode* node)
     }
 }
 
-/// The value of an attribute of several nodes, to be freed with xmlFree; null when memory is out.
+/// The value of an attribute of several nodes; null when memory is out.
 xmlChar* AttributeValue(const xmlAttr* attribute)
 {
     xmlBufferPtr buffer = xmlBufferCreate();
@@ -43,6 +43,19 @@ xmlChar* AttributeValue(const xmlAttr* attribute)
     xmlChar* value = xmlBufferDetach(buffer);
     xmlBufferFree(buffer);
     return value ? value : xmlStrdup(AsName(""));
+}
+
+/// A text that `make` has libxml2 make, to be freed with xmlFree; throws when memory was out on the way.
+template <class TMake>
+const char* Made(TMake make)
+{
+    const xml::CErrorsToLog errors;
+    xmlChar* text = make();
+    if (errors.MemoryOut()) {
+        xmlFree(text);
+        throw std::bad_alloc();
+    }
+    return AsText(text);
 }
 
 }  // namespace
@@ -64,12 +77,12 @@ CNodeText CNodeText::Attribute(void* node, const char* name)
         if (!value->next && value->type == XML_TEXT_NODE && value->content) {
             return {AsText(value->content), false};
         }
-        return {AsText(Allocated(AttributeValue(attribute))), true};
+        return {Made([&] { return AttributeValue(attribute); }), true};
     }
     if (!element->doc || !element->doc->intSubset) {
         return {nullptr, false};
     }
-    return {AsText(xmlGetProp(element, AsName(name))), true};
+    return {Made([&] { return xmlGetProp(element, AsName(name)); }), true};
 }
 
 CNodeText CNodeText::Content(void* node)
@@ -86,9 +99,8 @@ CNodeText CNodeText::Content(void* node)
         if (!value->next && value->content && (value->type == XML_TEXT_NODE || value->type == XML_CDATA_SECTION_NODE)) {
             return {AsText(value->content), false};
         }
-        return {AsText(Allocated(xmlNodeGetContent(element))), true};
     }
-    return {AsText(xmlNodeGetContent(element)), true};
+    return {Made([&] { return xmlNodeGetContent(element); }), true};
 }
 
 CNodeText::~CNodeText()
@@ -188,7 +200,9 @@ void* NextSibling(void* node)
 
 char* NewText(const char* text)
 {
-    return reinterpret_cast<char*>(xmlStrdup(AsName(text)));
+    const std::size_t size = std::strlen(text) + 1;
+    void* copy = xmlMalloc(size);  // xmlStrdup would write to the standard error stream when memory is out
+    return copy ? static_cast<char*>(std::memcpy(copy, text, size)) : nullptr;
 }
 
 void FreeText(char* text)

@@ -118,7 +118,7 @@ bool IsSuspicious(TText text, std::size_t begin)
     return comparisons > k_comparisons;
 }
 
-const char* Refusal(TText text, bool* plain)
+const char* Refusal(TText text, ETextForm* form)
 {
     const auto byte = [text](std::size_t i) {
         return i < text.size() ? static_cast<unsigned>(static_cast<unsigned char>(text[i])) : 0u;
@@ -167,18 +167,18 @@ const char* Refusal(TText text, bool* plain)
     if (!reason && (typed || IsSuspicious(text, in.At()))) {
         reason = ScanExactly(LegalPart(text), begin);
     }
-    *plain = !reason && !typed && !big && !little && encoding.empty();
+    *form = big || little || !encoding.empty() ? TEXT_OTHER : typed ? TEXT_TYPED : TEXT_UNTYPED;
     return reason;
 }
 
 }  // namespace
 
-const char* RefusalOf(const char* data, std::size_t size, bool* plain)
+const char* RefusalOf(const char* data, std::size_t size, ETextForm* form)
 {
-    bool isPlain = false;
-    const char* reason = Refusal(TText(data, size), &isPlain);
-    if (plain) {
-        *plain = isPlain && !std::memchr(data, 0, size);
+    ETextForm found = TEXT_OTHER;
+    const char* reason = Refusal(TText(data, size), &found);
+    if (form) {
+        *form = std::memchr(data, 0, size) ? TEXT_OTHER : found;
     }
     return reason;
 }

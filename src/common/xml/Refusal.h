@@ -4,6 +4,9 @@
 
 namespace vyr::xml {
 
+/// What an accepted document is like: UTF-8 without a zero byte, with or without document type, or anything else.
+enum ETextForm { TEXT_UNTYPED, TEXT_TYPED, TEXT_OTHER };
+
 /// Looks for what would cost libxml2 far more time or memory than its bytes are worth, before libxml2
 /// sees it. Null: the document may be parsed. Else the reason it is refused, for the log:
 /// - a start tag of more than 1,024 attributes (each is compared with each), or more comparisons of
@@ -24,8 +27,6 @@ namespace vyr::xml {
 /// it reads the characters that libxml2 reads (other encodings are decoded by its own decoders first), and never beyond
 /// something that the two could take for different things. Most documents need far less of it: one that is too short
 /// for any of this is only searched for a document type.
-///
-/// `*plain`: whether an accepted document is UTF-8, without document type and without zero byte.
-const char* RefusalOf(const char* data, std::size_t size, bool* plain = nullptr);
+const char* RefusalOf(const char* data, std::size_t size, ETextForm* form = nullptr);
 
 }  // namespace vyr::xml

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "common/xml/Refusal.h"
 #include "platform/Log.h"
 
 // What the rest of the library has of this folder, which alone knows libxml2. Documents and nodes are untyped
@@ -20,13 +21,13 @@ using TDocument = std::unique_ptr<void, SFreeDocument>;
 // Parsing does what libxml2 does by default, whatever the process has set globally, and reports errors to XmlError.
 // Null: the document is not well-formed. Memory that is out throws, as the document may be cut then.
 
-/// Parses a document in memory; `plain` as RefusalOf tells, `zeroBehind` when a zero byte is behind it.
-TDocument ParseText(const char* text, std::size_t size, bool plain, bool zeroBehind);
+/// Parses a document in memory; `form` as RefusalOf tells, `zeroBehind` when a zero byte is behind it.
+TDocument ParseText(const char* text, std::size_t size, ETextForm form, bool zeroBehind);
 TDocument ParseFile(const char* name);
 
 /// Hears a message of libxml2's, of which several make the first fault of a document: LastFailure tells it when the
 /// document is not taken.
-void HearPiece(const char* piece);
+void HearPiece(const char* format, const char* piece);
 
 /// Decodes a document from a named encoding to UTF-8 as libxml2 would, up to the first byte it cannot.
 /// False when the encoding is not known.

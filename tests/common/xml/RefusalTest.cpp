@@ -223,18 +223,18 @@ TEST_F(XmlRefusalTest, Encodings)
 
     static const struct {
         std::string text;
-        bool plain;
-    } k_plain[] = {{"<r/>", true},
-                   {Labelled("UTF8", "<r>") + Repeated(3000, "<a b='\xC3\xA9'/>") + "</r>", true},
-                   {Labelled("us-ascii", "<r/>"), false},
-                   {Wide("<r/>", true), false},
-                   {"<!DOCTYPE r><r/>", false},
-                   {std::string("<r/>\0", 5), false},
-                   {Labelled("UTF-7", "<r/>"), false}};
-    for (const auto& c : k_plain) {
-        bool plain = !c.plain;
-        vyr::xml::RefusalOf(c.text.data(), c.text.size(), &plain);
-        EXPECT_EQ(plain, c.plain) << c.text.substr(0, 60);
+        vyr::xml::ETextForm form;
+    } k_forms[] = {{"<r/>", vyr::xml::TEXT_UNTYPED},
+                   {Labelled("UTF8", "<r>") + Repeated(3000, "<a b='\xC3\xA9'/>") + "</r>", vyr::xml::TEXT_UNTYPED},
+                   {"<!DOCTYPE r><r/>", vyr::xml::TEXT_TYPED},
+                   {Labelled("us-ascii", "<r/>"), vyr::xml::TEXT_OTHER},
+                   {Wide("<r/>", true), vyr::xml::TEXT_OTHER},
+                   {std::string("<r/>\0", 5), vyr::xml::TEXT_OTHER},
+                   {Labelled("UTF-7", "<r/>"), vyr::xml::TEXT_OTHER}};
+    for (const auto& c : k_forms) {
+        auto form = c.form == vyr::xml::TEXT_TYPED ? vyr::xml::TEXT_OTHER : vyr::xml::TEXT_TYPED;
+        vyr::xml::RefusalOf(c.text.data(), c.text.size(), &form);
+        EXPECT_EQ(form, c.form) << c.text.substr(0, 60);
     }
 }
 
