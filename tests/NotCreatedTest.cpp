@@ -5,6 +5,8 @@
 #include "common/ServiceLinkage.h"
 #include "common/Version.h"
 #include "common/XML.h"
+#include "entries/Entries.h"
+#include "esg/ESGFragmentMapST.h"
 #include "lls/LLSSMTParser.h"
 #include "lls/ParseAEAT.h"
 #include "lls/ParseCDT.h"
@@ -146,8 +148,28 @@ TEST_F(NotCreatedTest, Tables)
                   slt.GetServiceInfo(0), slt.GetLLSGroupIDs(), slt.GetBsidByLLSGroupID());
 }
 
+TEST_F(NotCreatedTest, TablesThatAreFed)
+{
+    const std::string table = "\x04\x01\x01\x01<AEAT/>";
+    const TBytes bytes(table.begin(), table.end());
+    CParseAEAT aeat;
+    CParseCDT cdt;
+    CParseOnscreenNoti notice;
+    ExpectNothing((FeedItem(aeat, bytes), 0), (FeedItem(cdt, bytes), 0), (FeedItem(notice, bytes), 0));
+}
+
 TEST_F(NotCreatedTest, Maps)
 {
+    CESGFragmentMapST fragments;
+    ExpectNothing((fragments.Destroy(), 0), fragments.Add("f"), fragments.Remove("f"));
+    EXPECT_FALSE(fragments.isExisted("f"));
+    EXPECT_EQ(TakeAssertions(), "m != nullptr");
+    EXPECT_EQ(Each({fragments.Create(), fragments.Create(), fragments.Add(nullptr), fragments.Remove(nullptr),
+                    fragments.isExisted(nullptr), fragments.Add("f"), fragments.Add("f"), fragments.Remove("f"),
+                    fragments.isExisted("f"), fragments.Remove("f"), fragments.isExisted("f"), fragments.Remove("f")}),
+              "100001111100");
+    EXPECT_EQ(TakeAssertions(), "!m");
+    fragments.Destroy();
     CRRTMap ratings;
     ExpectNothing((ratings.Destroy(), 0), (ratings.SetReplace(true), 0), ratings.Add(1, 1), ratings.Remove(1),
                   ratings.SetRegionIdText(1, nullptr, nullptr), ratings.SetDimension(1, 1, true),

@@ -6,17 +6,27 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <set>
 #include <sstream>
 #include <string>
 
 #include "entries/Entries.h"
 #include "esg/GenreNameParse.h"
+#include "lls/ParseAEAT.h"
 #include "memory/FailingAllocator.h"
 #include "mmt/desc/MMTUsbd.h"
+#include "mmt/msg/MMTMsgAtsc3.h"
 #include "platform/BaseParser.h"
 #include "platform/Platform.h"
+#include "route/SLS/ContentInfo.h"
+#include "route/SLS/ContentRating.h"
+#include "route/SLS/LS.h"
+#include "route/SLS/MediaInfo.h"
 #include "route/SLS/ROUTEUsbd.h"
+#include "route/SLS/RS.h"
+#include "route/SLS/STSID.h"
+#include "route/SLS/SrcFlow.h"
 #include "support/Show.h"
 
 namespace {
@@ -183,6 +193,101 @@ TEST(OutOfMemoryAgainTest, IdsOfDescriptionsStayReadable)
 {
     ReadIdAgain<CROUTEUsbd>("BundleDescriptionROUTE");
     ReadIdAgain<CMMTUsbd>("BundleDescriptionMMT");
+}
+
+/// Gives its output a text that must be allocated.
+using TGetter = std::function<bool(std::string& out)>;
+
+template <class T>
+void ParsePlainly(T& parser, const std::string& text)
+{
+    XMLBase& base = parser;
+    ASSERT_TRUE(base.Parse(text.data(), static_cast<unsigned int>(text.size()), false));
+}
+
+TEST(OutOfMemoryAgainTest, GettersLeaveTheirOutput)
+{
+    memory::Install();
+    const std::string v = "longer than what a string holds in itself";
+    CParseAEAT aeat;
+    CMMTUsbd usbd;
+    CSTSID stsid;
+    ASSERT_TRUE(aeat.Create(nullptr) && usbd.Create() && stsid.Create());
+    const std::string alert = "\x04\x01\x01\x01<AEAT><AEA aeaId='" + v + "' retAEAId='" + v + "' issuer='" + v +
+                              "'><Header effective='" + v + "' expires='" + v + "'><EventCode type='" + v + "'>" + v +
+                              "</EventCode></Header></AEA></AEAT>";
+    ASSERT_TRUE(FeedItem(aeat, TBytes(alert.begin(), alert.end())) && aeat.AEACount() == 1);
+    ParsePlainly(usbd, "<BundleDescriptionMMT><UserServiceDescription><ROUTEComponent sTSIDUri='" + v +
+                           "'/><BroadbandComponent fullMPDUri='" + v +
+                           "'/><ComponentInfo componentProtectedFlag='true'"
+                           " componentId='" +
+                           v + "' componentName='" + v +
+                           "'/></UserServiceDescription>"
+                           "</BundleDescriptionMMT>");
+    ParsePlainly(stsid, "<S-TSID><RS><LS tsi='1'><SrcFlow><ContentInfo><AEAMedia AEAId='" + v +
+                            "'/><MediaInfo repId='" + v + "'><ContentRating value='" + v +
+                            "'/></MediaInfo></ContentInfo></SrcFlow></LS></RS></S-TSID>");
+    const CSrcFlow& flow = *stsid.State()->routeSessions.Get(0)->State()->ls.Get(0)->State()->srcFlows.Get(0);
+    const CContentInfo& content = *flow.State()->contentInfo;
+    const CMediaInfo& media = *content.State()->mediaInfo;
+    std::string other;
+    const TGetter k_getters[] = {
+        [&](std::string& out) { return aeat.GetAEAId(0, out, other); },
+        [&](std::string& out) { return aeat.GetAEAId(0, other, out); },
+        [&](std::string& out) { return aeat.GetAEAIssuer(0, out); },
+        [&](std::string& out) { return aeat.GetAEATimeInfo(0, out, other); },
+        [&](std::string& out) { return aeat.GetAEATimeInfo(0, other, out); },
+        [&](std::string& out) { return aeat.GetAEAEventCode(0, out, other); },
+        [&](std::string& out) { return aeat.GetAEAEventCode(0, other, out); },
+        [&](std::string& out) { return usbd.GetsTSIDUri(out); },
+        [&](std::string& out) { return usbd.GetFullMPDUri(out); },
+        [&](std::string& out) { return usbd.GetComponentId(0, out); },
+        [&](std::string& out) { return usbd.GetComponentName(0, out); },
+        [&](std::string& out) { return stsid.GetContentRating(0, 0, 0, out); },
+        [&](std::string& out) { return flow.GetContentId(out); },
+        [&](std::string& out) { return content.GetContentId(out); },
+        [&](std::string& out) { return media.GetRepId(out); },
+        [&](std::string& out) { return media.GetContentRating(0, out); },
+        [&](std::string& out) { return media.State()->contentRatings.Get(0)->GetContentRating(out); },
+    };
+    for (const TGetter& get : k_getters) {
+        SCOPED_TRACE(testing::Message() << "getter " << &get - k_getters);
+        std::string out = "kept";
+        other = v;  // has room
+        memory::Arm(1, false);
+        const bool got = get(out);
+        const long hit = memory::Disarm();
+        EXPECT_EQ(Join(got, hit, out), "0|1|kept");
+        EXPECT_TRUE(get(out));
+        EXPECT_EQ(out, v);
+    }
+    memory::Arm(1, false);
+    const std::string ids = stsid.GetAEAId(0, 0);
+    EXPECT_EQ(Join(memory::Disarm(), ids, stsid.GetAEAId(0, 0)), "1||" + v);
+    aeat.Destroy();
+    usbd.Destroy();
+    stsid.Destroy();
+}
+
+/// A message that had no memory for its state is one without content, and has its state when it is parsed.
+TEST(OutOfMemoryAgainTest, AMessageWithoutState)
+{
+    memory::Install();
+    memory::Arm(1, true);
+    CMMTMsgAtsc3 message;
+    EXPECT_GT(memory::Disarm(), 0);
+    char* id = nullptr;
+    unsigned short service = 7;
+    const auto visit = [](void*, CMMTDesc*) {};
+    const auto take = [](void*, unsigned char*, unsigned int) {};
+    message.Dump();
+    EXPECT_EQ(Join(message.ServiceId(), message.ContentType(), message.ContentVersion(), message.ContentCompression(),
+                   message.Uri(), message.ContentLength(), message.UserServiceBundleDescription() != nullptr,
+                   message.RSAT() != nullptr, message.SITable() != nullptr, message.GetDescriptors(visit, nullptr),
+                   message.GetContent(take, nullptr), message.GetServiceInfo(&id, service), service),
+              "0|0|0|0|-|0|0|0|0|0|0|0|7");
+    const std::string bytes = Seed("mmt_message/atsc-usbd-gzip", 0);
+    EXPECT_TRUE(FeedItem(message, TBytes(bytes.begin(), bytes.end())) && message.GetServiceInfo(&id, service) && id);
 }
 
 }  // namespace
