@@ -216,6 +216,15 @@ TEST_F(ESGFragmentTest, MatchCallbacks)
     EXPECT_EQ(TakeAssertions(), "fragment; fragment; id; length >= 0");
     ASSERT_TRUE(ParseXml(service, "<Service id='a'/>"));
     EXPECT_FALSE(service.State()->sltMatch);
+    CESGServiceFragment empty;  // never created: nothing to note anything in
+    CESGScheduleFragment bare;
+    CESGServiceFragment::sm_CbGetSltService(&service, &empty);
+    CESGScheduleFragment::sm_CbGetSltService(&service, &bare);
+    EXPECT_EQ(Join(CESGServiceFragment::sm_CbGlobalServiceId(&empty, "u", 1),
+                   CESGScheduleFragment::sm_CbFragServiceId(&bare, "s", 1)),
+              "0|0");
+    EXPECT_EQ(Each({!empty.State(), !bare.State(), !CPresentationWindow().Given()}), "111");
+    EXPECT_EQ(TakeAssertions(), "m; m");
 }
 
 TEST_F(ESGFragmentTest, GenreNames)
