@@ -11,6 +11,7 @@
 #include <random>
 #include <thread>
 
+#include "platform/Failure.h"
 #include "support/Patience.h"
 #include "support/Places.h"
 #include "support/Programs.h"
@@ -446,6 +447,37 @@ TEST_F(XMLTest, OutOfMemoryOfLibxml2)
         }
         EXPECT_TRUE(whole);
     }
+
+    // One that is decoded only to be refused.
+    std::string wide = "\xFE\xFF";
+    for (const char c : "<!DOCTYPE r [<!ENTITY % p ''>]><r>" + std::string(5000, 'x') + "</r>") {
+        wide += {'\0', c};
+    }
+    std::string causes;
+    g_failsOnce = true;
+    for (bool failed = true; failed && causes.size() < 1000;) {
+        const SAllocators allocators;
+        const int blocks = g_blocks;
+        g_untilFailure = static_cast<int>(causes.size());
+        EXPECT_FALSE(m_xml.Create(wide.data(), static_cast<int>(wide.size()), false));
+        causes += LastFailure()->cause == FAILURE_MEMORY ? 'm' : LastFailure()->cause == FAILURE_LIMIT ? 'l' : '?';
+        xmlResetLastError();
+        EXPECT_EQ(g_blocks, blocks) << causes;
+        failed = g_untilFailure < 0;
+    }
+    EXPECT_GT(causes.size(), 3u);
+    EXPECT_EQ(causes, std::string(causes.size() - 1, 'm') + 'l');
+}
+
+/// A text that reads like libxml2's own words.
+TEST_F(XMLTest, WordsOfTheDocumentAreNoFailureOfMemory)
+{
+    for (const ELogPriority priority : {LOG_PRIORITY_DEBUG, LOG_PRIORITY_ERROR}) {
+        SetLogPriority(priority);
+        EXPECT_FALSE(Open("<r>\nMemory allocation failed : <"));
+        EXPECT_EQ(LastFailure()->cause, FAILURE_XML);
+    }
+    SetLogPriority(LOG_PRIORITY_DEBUG);
 }
 
 /// A document that is let go of late.

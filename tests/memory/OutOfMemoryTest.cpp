@@ -261,9 +261,12 @@ TEST(OutOfMemoryAgainTest, GettersLeaveTheirOutput)
         EXPECT_TRUE(get(out));
         EXPECT_EQ(out, v);
     }
-    memory::Arm(1, false);
-    const std::string ids = stsid.GetAEAId(0, 0);
-    EXPECT_EQ(Join(memory::Disarm(), ids, stsid.GetAEAId(0, 0)), "1||" + v);
+    for (const std::function<std::string()>& get : {std::function<std::string()>([&] { return stsid.GetAEAId(0, 0); }),
+                                                    std::function<std::string()>([&] { return content.GetAEAId(); })}) {
+        memory::Arm(1, false);
+        const std::string id = get();
+        EXPECT_EQ(Join(memory::Disarm(), id, get()), "1||" + v);
+    }
     aeat.Destroy();
     usbd.Destroy();
     stsid.Destroy();

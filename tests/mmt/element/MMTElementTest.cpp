@@ -279,6 +279,7 @@ TEST_F(MMTElementTest, IdentifiersWithALength)
         EXPECT_EQ(held, (type > 3 ? "p" : std::to_string(type)) + std::string("a\0c\0", 4));
         mapping.Dump();
         DumpUnseen(mapping);
+        DumpUnseen(*mapping.Identifier());
         for (std::size_t size = 1; size <= body.size(); ++size) {
             EXPECT_FALSE(SFed(mapping, static_cast<char>(type) + body.substr(0, size - 1)).result);
             EXPECT_EQ(mapping.Identifier(), nullptr);

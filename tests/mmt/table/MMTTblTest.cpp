@@ -158,6 +158,7 @@ TEST_F(MMTTblTest, PaReportsEntriesWithBothLocations)
     EXPECT_EQ(user, 1);
     pa.Dump();
     DumpUnseen(pa);
+    DumpUnseen(*pa.Info(3));
 
     // Longer than the data; an entry that does not parse.
     CMMTTblPa cut;
@@ -290,6 +291,7 @@ TEST_F(MMTTblTest, MpiContents)
         EXPECT_STREQ(content.PiContent(), "<html/>");
         EXPECT_EQ(Join(content.DescriptorCount(), content.Descriptor(0) != nullptr), "1|1");
         EXPECT_STREQ(mpi.PiContent(1)->PiContent(), "");
+        DumpUnseen(content);
     }
     ExpectNoPrefixParses<CMMTTblMpi>(MmtMpiTable(1));
     CMMTTblMpi mpi;
@@ -357,6 +359,7 @@ TEST_F(MMTTblTest, DciAssets)
               "t|text/x|1|-|-|-|-|-|-|-");
     dci.Dump();
     DumpUnseen(dci);
+    DumpUnseen(dci.Asset(0)->mimeType);
     // Cut anywhere, under a length that says so: what fits is there.
     int assets = 0;
     for (std::size_t size = 0; size <= body.size(); ++size) {
