@@ -288,6 +288,9 @@ TEST_F(MMTElementTest, IdentifiersWithALength)
     CIdentifierUnit2 regex;
     CIdentifierUnit3 id;
     CIdentifierUnitPriv bytes;
+    regex.Dump();  // of nothing yet
+    id.Dump();
+    EXPECT_EQ(Logged("[]"), 2);
     EXPECT_EQ(Each({SFed(regex, body).result, SFed(regex, body).result}), "11");
     ExpectAsserted("!m_regex", "src/mmt/IdentifierUnit/IdentifierUnit2", 10);
     EXPECT_EQ(Each({SFed(id, body).result, SFed(id, body).result}), "11");

@@ -234,6 +234,8 @@ TEST_F(MMTMsgTest, MpiAndMpt)
     ASSERT_TRUE(SFed(mpi, MmtMessage(1, 32, "\xFF" + MmtMpiTable(1) + MmtMpTable(0x20))).result);
     EXPECT_EQ(Join(mpi.AssociatedMPTableFlag(), mpi.MPITable()->PiContentCount()), "1|2");
     EXPECT_EQ(MmtClocks(mpi), "4 5 1 2 ");
+    EXPECT_FALSE(mpi.GetDescriptors(nullptr, nullptr));
+    EXPECT_EQ(TakeAssertions(), "callback");
     CMMTMsgMpi alone;
     ASSERT_TRUE(SFed(alone, MmtMessage(1, 32, "\xFE" + MmtMpiTable(1) + MmtMpTable(0x20))).result);
     EXPECT_EQ(Join(alone.AssociatedMPTableFlag(), alone.MPTable()->AssetCount()), "0|0");
