@@ -358,6 +358,13 @@ TEST_F(XMLTest, TheSameAsPlainLibxml2)
         }
         texts.push_back(text);
     }
+    for (const std::string type : {"", "<!DOCTYPE r [<!ENTITY e 'f'>]>"}) {
+        std::string large = type + "<r>\n";
+        while (large.size() < 2000000) {
+            large += "<e a='" + std::to_string(large.size()) + "'>" + (type.empty() ? "" : "&e;") + "text\r\n</e>\n";
+        }
+        texts.insert(texts.end(), {large + "</r>", large + "</e>"});
+    }
     int accepted = 0;
     for (const std::string& text : texts) {
         std::string nodes;

@@ -29,8 +29,8 @@ namespace {
 
 // Documents up to this size are copied to the stack to be zero-terminated.
 constexpr std::size_t k_maxOnStack = 8191;
-// Larger ones are parsed from libxml2's own copy.
-constexpr std::size_t k_maxInPlace = 1048576;
+// Larger ones are parsed from libxml2's own copy, in which it looks no further.
+constexpr std::size_t k_maxInPlace = XML_MAX_LOOKUP_LIMIT;
 
 struct SDeleter {
     void operator()(xmlParserCtxtPtr context) const { xmlFreeParserCtxt(context); }
