@@ -118,9 +118,12 @@ STraffic CMeter::Result(std::int64_t end) const
     const bool cut = m_second == Second(end);
     const std::uint64_t seconds = m_second - m_firstSecond + (cut ? 0 : 1);
     if (m_gap >= 0 && seconds != 0) {  // a packet alone has no rate
-        traffic.meanRate =
+        const double mean =
             static_cast<double>(m_timedBytes - (cut ? m_inSecond : 0)) / k_bitsOfKilobit / static_cast<double>(seconds);
-        traffic.peakRate = static_cast<double>(std::max({m_most, m_inSecond, m_inSecondBefore})) / k_bitsOfKilobit;
+        const double peak = static_cast<double>(std::max({m_most, m_inSecond, m_inSecondBefore})) / k_bitsOfKilobit;
+        traffic.meanRate = mean;
+        // What comes later than a second after its own is in no second's sum; the largest is at least the mean.
+        traffic.peakRate = std::max(mean, peak);
     }
     return traffic;
 }
