@@ -127,9 +127,9 @@ TEST_F(NotCreatedTest, Tables)
     CParseCDT cdt;
     long from = 7;
     std::list<std::string> list;
-    ExpectNothing((cdt.Destroy(), 0), cdt.Given(), cdt.GetCurrentCert(m_text), cdt.GetToBeSignedData(m_text),
-                  cdt.GetCertReplacement(m_text, from, from), cdt.GetOCSPRefresh(m_int), cdt.GetCMSSignedData(m_text),
-                  cdt.GetCertificates(list), cdt.GetOCSPResponse(list));
+    ExpectNothing((cdt.Destroy(), 0), (cdt.SetReplace(true), 0), cdt.Given(), cdt.GetCurrentCert(m_text),
+                  cdt.GetToBeSignedData(m_text), cdt.GetCertReplacement(m_text, from, from), cdt.GetOCSPRefresh(m_int),
+                  cdt.GetCMSSignedData(m_text), cdt.GetCertificates(list), cdt.GetOCSPResponse(list));
     CParseRRT rrt;
     ExpectNothing(rrt.SetCallback(nullptr), rrt.Start(nullptr), rrt.Stop(), (rrt.SetReplace(true), 0),
                   rrt.numOfRatingRegionTable(), rrt.GetRegionIdentifier(0, m_number), rrt.numOfDimension(0),

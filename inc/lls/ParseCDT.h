@@ -11,7 +11,8 @@
 /// Parser of the certification data table (CDT, LLS_table_id 6; ATSC A/331, over A/360): signing
 /// certificates, their replacement, OCSP data and the signature over them. Signatures are not verified
 /// here: the exact signed bytes are handed out for it. Certificates, responses and signature are base64
-/// texts as they stand. An object that is not created is asserted ("m"); getters then give false.
+/// texts as they stand. Those outside of a ToBeSignedData join those held, until Destroy; see SetReplace. An
+/// object that is not created is asserted ("m"); getters then give false.
 class VYR_API CParseCDT : public TCParseLLS {
   public:
     /// Extension: times as the tables give them; empty: never given.
@@ -29,6 +30,10 @@ class VYR_API CParseCDT : public TCParseLLS {
     bool Create();
     /// Frees all that was parsed; the object can be created anew.
     void Destroy() override;
+
+    /// Extension, off by default: the certificates and responses that a table brings take the place of what the last
+    /// table of its group left, see TCParseLLS. A ToBeSignedData begins the lists anew, with or without.
+    void SetReplace(bool replace);
 
     /// Text of CurrentCert.
     bool GetCurrentCert(std::string& cert) const;

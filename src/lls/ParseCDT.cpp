@@ -3,17 +3,32 @@
 #include <algorithm>
 #include <climits>
 #include <memory>
+#include <vector>
 
 #include "common/EpochTime.h"
 #include "common/Give.h"
 #include "common/XmlRead.h"
 #include "common/XsTime.h"
+#include "lls/Replace.h"
 #include "lls/TableDocument.h"
 #include "platform/Log.h"
 
 using vyr::CNodeText;
 
 namespace {
+
+/// Texts of an element that a table may have any number of.
+struct STexts {
+    std::vector<vyr::THeld<std::string>> list;
+    std::size_t held = 0;  // those that are older than the table
+
+    void Clear()
+    {
+        list.clear();
+        held = 0;
+    }
+    explicit operator std::list<std::string>() const { return {list.begin(), list.end()}; }
+};
 
 struct SCertificates {
     std::string currentCert;
@@ -24,28 +39,40 @@ struct SCertificates {
     CParseCDT::SGiven given;
     std::string toBeSigned;
     std::string cmsSignedData;
-    std::list<std::string> certificates;
-    std::list<std::string> ocspResponses;
+    STexts certificates;
+    STexts ocspResponses;
+    vyr::CReplace replace;
     const CXML* xml = nullptr;  // the document, while it is parsed
     bool inToBeSigned = false;  // set while the children of a ToBeSignedData are read
 };
 
 void sm_CbToBeSignedData(SCertificates* m, void* node);
 
+/// Keeps the element's text, if the table may bring one more: the text, else null.
+const char* Add(STexts& texts, vyr::CReplace& replace, void* node)
+{
+    if (!replace.Take()) {
+        return nullptr;
+    }
+    vyr::THeld<std::string> text;
+    text.group = replace.Group();
+    vyr::Read(CNodeText::Content(node), static_cast<std::string&>(text));
+    texts.list.push_back(std::move(text));
+    return texts.list.back().c_str();
+}
+
 void sm_CbCertificates(SCertificates* m, void* node)
 {
-    std::string certificate;
-    vyr::Read(CNodeText::Content(node), certificate);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbCertificates] Certificate[%s]", certificate.c_str());
-    m->certificates.push_back(std::move(certificate));
+    if (const char* certificate = Add(m->certificates, m->replace, node)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbCertificates] Certificate[%s]", certificate);
+    }
 }
 
 void sm_CbOCSPResponse(SCertificates* m, void* node)
 {
-    std::string response;
-    vyr::Read(CNodeText::Content(node), response);
-    VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbOCSPResponse] Response[%s]", response.c_str());
-    m->ocspResponses.push_back(std::move(response));
+    if (const char* response = Add(m->ocspResponses, m->replace, node)) {
+        VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::sm_CbOCSPResponse] Response[%s]", response);
+    }
 }
 
 void sm_CbCurrentCert(SCertificates* m, void* node)
@@ -126,8 +153,9 @@ void m_DumpToBeSigendData(SCertificates* m, void* node)
 
 void sm_CbToBeSignedData(SCertificates* m, void* node)
 {
-    m->certificates.clear();
-    m->ocspResponses.clear();
+    m->certificates.Clear();  // required, whatever the group of what is held
+    m->ocspResponses.Clear();
+    m->replace.Forget();
     const bool outermost = !m->inToBeSigned;
     m->inToBeSigned = true;
     m_OnToBeSigendData(m, node);
@@ -171,16 +199,32 @@ void CParseCDT::Destroy()
     vyr::DestroyState(m, "[CParseCDT::Destroy]");
 }
 
+void CParseCDT::SetReplace(bool replace)
+{
+    if (VYR_ASSERT(m, "m")) {
+        m->replace.Set(replace);
+    }
+}
+
 bool CParseCDT::t_Parse(IParse::SItem* item)
 {
     if (!VYR_ASSERT(m, "m")) {
         return false;
     }
     VYR_LOG(LOG_PRIORITY_DEBUG, "[CParseCDT::t_Parse]");
+    STexts* const all[] = {&m->certificates, &m->ocspResponses};
+    for (STexts* texts : all) {
+        texts->held = texts->list.size();
+    }
+    m->replace.Begin({nullptr, t_GroupId(), 0});
     if (!vyr::ParseTableDocument(item, t_DecompressLLS(), "m_ProcessParseCDT(root)",
                                  [this](const CXML& xml, void* root) { return m_ProcessParseCDT(*m, xml, root); })) {
         return false;
     }
+    for (STexts* texts : all) {
+        m->replace.Drop(texts->list, texts->held);
+    }
+    m->replace.End("CParseCDT");
     m_DumpCDT();
     return true;
 }
@@ -254,7 +298,7 @@ void CParseCDT::m_DumpCDT() const
     VYR_DUMP("[CParseCDT::m_DumpCDT] CurrentCert[%s], NextCert[%s]", m->currentCert.c_str(), m->nextCert.c_str());
     VYR_DUMP("[CParseCDT::m_DumpCDT] NextCertFrom[%lld], CurrentCertUntil[%lld], OCSPRefresh[%d]", m->nextCertFrom,
              m->currentCertUntil, m->ocspRefresh);
-    VYR_DUMP("[CParseCDT::m_DumpCDT] Certificates[%zu], OCSPResponses[%zu]", m->certificates.size(),
-             m->ocspResponses.size());
+    VYR_DUMP("[CParseCDT::m_DumpCDT] Certificates[%zu], OCSPResponses[%zu]", m->certificates.list.size(),
+             m->ocspResponses.list.size());
     VYR_DUMP("[CParseCDT::m_DumpCDT] End Dump !!!");
 }

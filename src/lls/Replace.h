@@ -38,6 +38,13 @@ class CReplace {
         const auto known = m_groups.find(group);
         m_group = m_on && known != m_groups.end() ? known->second : static_cast<unsigned short>(0);
     }
+    /// Nothing is held any more, of any group; the table goes on.
+    void Forget()
+    {
+        m_groups.clear();
+        m_group = 0;
+        m_brought = m_asked = false;
+    }
     /// What the records of the table carry; 0: they are never replaced.
     unsigned short Group() const { return m_group; }
     /// Whether the table may bring one record more.

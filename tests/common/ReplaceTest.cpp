@@ -8,6 +8,7 @@
 #include "esg/SGDUParse.h"
 #include "esg/SGResponse.h"
 #include "lls/ParseAEAT.h"
+#include "lls/ParseCDT.h"
 #include "lls/ParseOnscreenNoti.h"
 #include "lls/ParseRRT.h"
 #include "lls/RRTMap.h"
@@ -69,6 +70,13 @@ TEST_F(ReplaceTest, PilesUpUntilToldNotTo)
                                     "</OnscreenMessageNotification>"),
         Subject<CParseRRT>([](CParseRRT& p) { return static_cast<int>(p.numOfRatingRegionTable()); },
                            "<RatingRegionTables>", "<RatingRegionTable/>", "</RatingRegionTables>"),
+        Subject<CParseCDT>(
+            [](CParseCDT& p) {
+                std::list<std::string> certificates, responses;
+                EXPECT_EQ(Join(p.GetCertificates(certificates), p.GetOCSPResponse(responses)), "1|1");
+                return static_cast<int>(certificates.size() + responses.size());
+            },
+            "<CertificationData>", "<Certificates/>", "</CertificationData>"),
         Subject<CRSAT>([](CRSAT& p) { return p.NumOfService(); }, "<RSAT timestamp='t'>",
                        "<Service><Update/></Service>", "</RSAT>"),
         Subject<CSTSID>([](CSTSID& p) { return p.NumberOfRouteSessions(); }, "<S-TSID>", "<RS><LS/></RS>", "</S-TSID>"),
@@ -166,6 +174,38 @@ TEST_F(ReplaceTest, ListsInAlertsAndRegionsHaveAnEndToo)
     EXPECT_TRUE(TakeAssertions().empty());
     aeat.SetReplace(true);
     EXPECT_EQ(TakeAssertions(), "m");
+}
+
+/// They count together, and a ToBeSignedData begins both anew in the midst of a table, whatever the groups.
+TEST_F(ReplaceTest, CertificatesAndResponsesOfCdt)
+{
+    SCreated<CParseCDT> cdt;
+    cdt.SetReplace(true);
+    const auto texts = [&cdt](const std::string& content, char group = 1) {
+        static char s_version = 0;
+        Feed(cdt, std::string({6, group, 0, ++s_version}) + "<CertificationData>" + content + "</CertificationData>");
+        std::list<std::string> certificates, responses;
+        EXPECT_EQ(Join(cdt.GetCertificates(certificates), cdt.GetOCSPResponse(responses)), "1|1");
+        std::string all;
+        for (const auto* list : {&certificates, &responses}) {
+            for (const std::string& text : *list) {
+                all += text + ' ';
+            }
+        }
+        return all;
+    };
+    const std::string c = "<Certificates>c</Certificates>", r = "<OCSPResponse>r</OCSPResponse>";
+    EXPECT_EQ(texts(c + c + r), "c c r ");
+    EXPECT_EQ(texts(r), "r ");
+    EXPECT_EQ(texts(c + r + "<ToBeSignedData>" + r + "</ToBeSignedData>" + c), "c r ");
+    EXPECT_EQ(texts(""), "");
+    std::string held;
+    for (char group = 1; group <= TCParseLLS::k_maxGroups; ++group) {
+        EXPECT_EQ(texts(c, group), held += "c ");
+    }
+    EXPECT_EQ(texts(c, TCParseLLS::k_maxGroups + 1), held);
+    EXPECT_EQ(texts("<ToBeSignedData>" + c + "</ToBeSignedData>", TCParseLLS::k_maxGroups + 1), "c ");
+    EXPECT_EQ(texts(c, 1), "c c ");
 }
 
 TEST_F(ReplaceTest, UnitsAreCutWithTheirOwnOffsets)
