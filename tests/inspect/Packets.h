@@ -19,9 +19,9 @@ inline std::string Number(std::uint64_t value, int bytes)
 constexpr std::uint32_t k_lls = 0xE000173C;
 constexpr std::uint32_t k_session = 0xEFFF0701;  // 239.255.7.1
 
-inline std::string Udp(const std::string& payload, unsigned port = 4937)
+inline std::string Udp(const std::string& payload, unsigned port = 4937, unsigned sourcePort = 40000)
 {
-    return Number(40000, 2) + Number(port, 2) + Number(payload.size() + 8, 2) + Number(0, 2) + payload;
+    return Number(sourcePort, 2) + Number(port, 2) + Number(payload.size() + 8, 2) + Number(0, 2) + payload;
 }
 
 /// LCT packet of a ROUTE session.
@@ -66,6 +66,7 @@ struct SIpv4 {
     unsigned protocol = 17;
     std::string options = {};
     std::uint32_t destination = k_lls;
+    std::uint32_t source = 0xC000020A;
 };
 
 inline std::string Ipv4(const std::string& data, const SIpv4& fields = {})
@@ -73,7 +74,7 @@ inline std::string Ipv4(const std::string& data, const SIpv4& fields = {})
     const std::size_t header = 20 + fields.options.size();
     return Number(0x40 | header / 4, 1) + Number(0, 1) + Number(header + data.size(), 2) + Number(fields.id, 2) +
            Number(fields.flagsAndOffset, 2) + Number(64, 1) + Number(fields.protocol, 1) + Number(0, 2) +
-           Number(0xC000020A, 4) + Number(fields.destination, 4) + fields.options + data;
+           Number(fields.source, 4) + Number(fields.destination, 4) + fields.options + data;
 }
 
 /// Ethernet frame with the types of its VLAN tags and of what it carries.

@@ -103,24 +103,28 @@ CBroadcast::CBroadcast(const SOptions& options, const std::string& name, CChanne
       m_times{name, {}, {}}
 {
     AnnounceOptions(options, m_traffic);
+    const auto make = [this, &channelMap](const std::string& stream, std::size_t mostServices) {
+        auto follower = std::make_unique<CLlsFollower>(stream, !m_options.strict, channelMap, m_report, mostServices);
+        m_Listen(*follower);
+        return follower;
+    };
     for (const TEndpoint& stream : options.llsStreams) {
-        m_lls[stream] = std::make_unique<CLlsFollower>(EndpointText(stream.first, stream.second), !options.strict,
-                                                       channelMap, report);
-        m_Listen(stream, *m_lls[stream]);
+        m_lls.try_emplace(stream, EndpointText(stream.first, stream.second), make, report);
     }
 }
 
 CBroadcast::~CBroadcast() = default;
 
-void CBroadcast::m_Listen(const TEndpoint& stream, CLlsFollower& follower)
+void CBroadcast::m_Listen(CLlsFollower& follower)
 {
-    follower.SetServiceListener([this, stream](unsigned char groupId, const std::vector<SListedService>& services) {
-        AnnounceServices(services, m_traffic);
-        for (const auto& protocol : m_sessions) {
-            protocol->Announce({stream, groupId}, services, m_source.time);
-        }
-        m_guide.Announce({stream, groupId}, services);
-    });
+    follower.SetServiceListener(
+        [this, stream = follower.Stream()](unsigned char groupId, const std::vector<SListedService>& services) {
+            AnnounceServices(services, m_traffic);
+            for (const auto& protocol : m_sessions) {
+                protocol->Announce({stream, groupId}, services, m_source.time);
+            }
+            m_guide.Announce({stream, groupId}, services);
+        });
 }
 
 bool CBroadcast::Next(const std::optional<STime>& time)
@@ -172,8 +176,8 @@ void CBroadcast::Take(const SDatagram& datagram)
 {
     const TEndpoint endpoint = {datagram.destination, datagram.destinationPort};
     m_traffic.Take(datagram, m_source.time);
-    if (const auto follower = m_lls.find(endpoint); follower != m_lls.end()) {
-        follower->second->Take(datagram.payload, m_source);
+    if (const auto stream = m_lls.find(endpoint); stream != m_lls.end()) {
+        stream->second.Take(datagram, m_source);
         return;
     }
     bool taken = m_guideSessions.Take(datagram, m_source);
@@ -241,9 +245,10 @@ void CBroadcast::m_Result(bool told)
         summary.times.push_back(m_times);
     }
     AddCounts(summary.packets, counts);
-    for (const auto& [stream, follower] : m_lls) {
-        summary.llsDatagrams += follower->Tables();
-        summary.services += follower->Services();
+    for (auto& [endpoint, stream] : m_lls) {
+        stream.Finish();
+        summary.llsDatagrams += stream.Tables();
+        summary.services += stream.Services();
     }
     if (!told) {
         return;
@@ -299,21 +304,20 @@ void CBroadcast::m_Findings(const SReception& reception)
                           std::to_string(counts.malformed) + " of " + Counted(counts.packets, "packet") + " malformed",
                           source});
     }
-    for (const auto& [stream, follower] : m_lls) {
-        const std::string streamText = EndpointText(stream.first, stream.second);
-        if (reception.Excuses({stream.first, stream.second, 0}, follower->Tables())) {
+    for (const auto& [endpoint, stream] : m_lls) {
+        const std::string streamText = EndpointText(endpoint.first, endpoint.second);
+        if (reception.Excuses({endpoint.first, endpoint.second, 0}, stream.Tables())) {
             continue;
         }
-        if (follower->Tables() == 0 && m_options.routeSessions.empty() && m_options.mmtpSessions.empty()) {
+        if (stream.Tables() == 0 && m_options.routeSessions.empty() && m_options.mmtpSessions.empty()) {
             const std::string busiest = Busiest(m_destinations);
             m_report.Finding({ERule::NO_LLS,
                               "no LLS: none of " + Counted(counts.datagrams, "UDP datagram") + " goes to " +
                                   streamText + (busiest.empty() ? "" : "; the busiest destinations are " + busiest),
                               source});
-        } else if (follower->Tables() != 0 && !follower->SawSlt()) {
-            m_report.Finding({ERule::NO_SLT,
-                              "no SLT among " + Counted(follower->Tables(), "LLS table") + " on " + streamText,
-                              source});
+        } else if (stream.Tables() != 0 && !stream.SawSlt()) {
+            m_report.Finding(
+                {ERule::NO_SLT, "no SLT among " + Counted(stream.Tables(), "LLS table") + " on " + streamText, source});
         }
     }
 }

@@ -12,7 +12,7 @@
 #include "Options.h"
 #include "common/ChannelMap.h"
 #include "follow/GuideSessions.h"
-#include "follow/LlsFollower.h"
+#include "follow/LlsStream.h"
 #include "follow/SessionFollower.h"
 #include "measure/Arrivals.h"
 #include "measure/Traffic.h"
@@ -59,7 +59,7 @@ class CBroadcast {
     void m_Tick(const std::optional<STime>& time);
     void m_Interim();
     void m_Result(bool told);
-    void m_Listen(const TEndpoint& stream, CLlsFollower& follower);
+    void m_Listen(CLlsFollower& follower);
     std::vector<SServiceSession> m_Sessions() const;
     void m_Findings(const SReception& reception);
 
@@ -67,7 +67,7 @@ class CBroadcast {
     const TReception m_reception;
     CReport& m_report;
     CJudge& m_judge;
-    std::map<TEndpoint, std::unique_ptr<CLlsFollower>> m_lls;
+    std::map<TEndpoint, CLlsStream> m_lls;
     CGuideFollower m_guide;
     CGuideSessions m_guideSessions;
     const std::unique_ptr<CSessionFollower> m_sessions[2];

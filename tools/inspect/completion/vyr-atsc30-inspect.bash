@@ -9,16 +9,16 @@ _vyr_atsc30_inspect()
     local rules="input-missing input-unreadable interface-lost input-directory input-empty input-unknown
         input-too-large capture-damaged link-type packets-cut packets-dropped packets-compressed not-joined
         packets-malformed assertion extract-limit no-lls no-slt table-too-short table-not-parsed
-        changed-without-version too-many-services service-dropped service-left-out bad-address not-multicast
-        service-id-twice channel-twice session-two-protocols session-shared category-unknown protocol-unknown
-        protocol-version-unknown url-type-unknown broadband-without-url name-too-long hidden-linear sequence-unchanged
-        sequence-changed table-interval table-once system-time tai-offset utc-offset daylight-saving alert-expired
-        alert-media-missing alert-without-wakeup alert-reference-unknown rating-dimension-unknown
-        rating-region-unknown no-signalling no-sessions lct-malformed mmtp-malformed mmtp-version object-not-read
-        object-passed-over document-not-parsed message-not-parsed item-without-part part-without-item
-        global-service-id no-s-tsid no-mpd tsi-twice rep-id-unknown representation-not-carried base-pattern-unmatched
-        media-info-contradicts protection-missing protection-unannounced mpd-in-future mpd-not-updated
-        publish-time-back signalling-interval session-not-sent files-not-sent session-not-announced
+        changed-without-version too-many-services several-broadcasts service-dropped service-left-out bad-address
+        not-multicast service-id-twice channel-twice session-two-protocols session-shared category-unknown
+        protocol-unknown protocol-version-unknown url-type-unknown broadband-without-url name-too-long hidden-linear
+        sequence-unchanged sequence-changed table-interval table-once system-time tai-offset utc-offset
+        daylight-saving alert-expired alert-media-missing alert-without-wakeup alert-reference-unknown
+        rating-dimension-unknown rating-region-unknown no-signalling no-sessions lct-malformed mmtp-malformed
+        mmtp-version object-not-read object-passed-over document-not-parsed message-not-parsed item-without-part
+        part-without-item global-service-id no-s-tsid no-mpd tsi-twice rep-id-unknown representation-not-carried
+        base-pattern-unmatched media-info-contradicts protection-missing protection-unannounced mpd-in-future
+        mpd-not-updated publish-time-back signalling-interval session-not-sent files-not-sent session-not-announced
         unsignalled-traffic rate-above-bandwidth rate-unlike-mpd session-outside-time no-initialization
         objects-incomplete many-objects-incomplete efdt-expired no-mp-table asset-not-sent packet-id-twice
         component-without-asset packets-lost many-packets-lost bad-certificate bad-signature signature-wrong

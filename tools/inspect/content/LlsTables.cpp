@@ -13,6 +13,7 @@
 #include "base/Limits.h"
 #include "base/Names.h"
 #include "base/Text.h"
+#include "common/XML.h"
 #include "content/Certificates.h"
 #include "content/LibraryPort.h"
 #include "lls/LLSSMTParser.h"
@@ -530,6 +531,20 @@ const STableReader* Find(unsigned tableId)
 bool HasParser(unsigned tableId)
 {
     return Find(tableId) != nullptr;
+}
+
+std::optional<unsigned> ListBsid(SView payload)
+{
+    CXML xml;
+    void* root = nullptr;
+    bool found = false;
+    int bsid = 0;
+    if (xml.Create(reinterpret_cast<const char*>(payload.data), static_cast<int>(payload.size), true)) {
+        bsid = xml.MoveRoot(&root) ? xml.PropInt(root, "bsid", &found) : 0;
+        xml.Destroy();
+    }
+    TakeAssertions();
+    return found ? std::optional<unsigned>(bsid & 0xFFFF) : std::nullopt;
 }
 
 STableOutcome ParseTable(const SLlsHeader& header, SView bytes)

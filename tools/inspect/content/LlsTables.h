@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,6 +26,8 @@ struct STableOutcome {
 
 /// Whether ParseTable knows the table id.
 bool HasParser(unsigned tableId);
+/// The broadcast stream (bsid) of a service list, by its payload; none: it has no root element that gives one.
+std::optional<unsigned> ListBsid(SView payload);
 /// Hands a whole LLS table that has a parser, header included, to it and reads what it found.
 STableOutcome ParseTable(const SLlsHeader& header, SView bytes);
 

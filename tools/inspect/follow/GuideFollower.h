@@ -48,7 +48,7 @@ class CGuideFollower {
     /// Takes one whole object, from a session or a raw file. False: it is nothing of the guide.
     bool Take(const std::optional<SGuidePlace>& place, SView object, const SSource& source);
     /// The services that the list of an LLS group, known by its stream and id, announces from now on.
-    using TGroup = std::pair<std::pair<std::uint32_t, std::uint16_t>, unsigned char>;
+    using TGroup = TListKey;
     void Announce(const TGroup& group, const std::vector<SListedService>& services);
     /// The end of the input: shows the guide unless it was shown as it stands, and adds to the summary.
     void Finish(const std::string& file);

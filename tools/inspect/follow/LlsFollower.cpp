@@ -230,8 +230,13 @@ void HearParsed(void* userData, int)
 
 }  // namespace
 
-CLlsFollower::CLlsFollower(std::string stream, bool lenient, CChannelMap& channelMap, CReport& report)
-    : m_stream(std::move(stream)), m_lenient(lenient), m_channelMap(channelMap), m_report(report)
+CLlsFollower::CLlsFollower(std::string stream, bool lenient, CChannelMap& channelMap, CReport& report,
+                           std::size_t mostServices)
+    : m_stream(std::move(stream)),
+      m_lenient(lenient),
+      m_mostServices(mostServices),
+      m_channelMap(channelMap),
+      m_report(report)
 {
 }
 
@@ -284,8 +289,9 @@ void CLlsFollower::m_Take(SView bytes, const SSource& source, bool insideMultiTa
         outcome.inner = m_ParseOther(bytes, again).inner;
     }
     if (table.header.tableId == k_slt) {
-        table.groupsGone = m_DropGroups(table.header, source.time);
+        m_DropGroups(table.header, source.time);
     }
+    table.listsGone.swap(m_gone);
     m_report.Table(table);
     if (table.status == EStatus::CHANGED_WITHOUT_VERSION) {
         m_report.Finding({ERule::CHANGED_WITHOUT_VERSION,
@@ -470,9 +476,9 @@ void CLlsFollower::m_Hold(unsigned char groupId, std::unique_ptr<SCurrentSlt> cu
     m_Release(groupId);
     m_current[groupId] = std::move(current);
     m_groups.push_back(groupId);
-    while (m_groups.size() > 1 && Services() > k_maxServices) {
+    while (m_groups.size() > 1 && Services() > m_mostServices) {
         outcome.findings.push_back({ERule::TOO_MANY_SERVICES,
-                                    "more than " + std::to_string(k_maxServices) +
+                                    "more than " + std::to_string(m_mostServices) +
                                         " services are announced: those of LLS group " +
                                         std::to_string(m_groups.front()) + " are let go",
                                     table.source, table.header});
@@ -498,7 +504,7 @@ void CLlsFollower::m_Release(unsigned char groupId)
 }
 
 /// Lets go of what groups held that are no more: as many as there are came lately, and these did not.
-std::vector<unsigned char> CLlsFollower::m_DropGroups(const SLlsHeader& header, const std::optional<STime>& now)
+void CLlsFollower::m_DropGroups(const SLlsHeader& header, const std::optional<STime>& now)
 {
     constexpr double k_lately = 5;  // seconds in which each group's service list is due
     std::vector<unsigned char> silent;
@@ -508,7 +514,7 @@ std::vector<unsigned char> CLlsFollower::m_DropGroups(const SLlsHeader& header, 
         }
     }
     if (m_heard.size() - silent.size() <= header.groupCountMinus1) {
-        return {};
+        return;
     }
     for (const unsigned char groupId : silent) {
         if (m_current.count(groupId) != 0) {
@@ -518,8 +524,23 @@ std::vector<unsigned char> CLlsFollower::m_DropGroups(const SLlsHeader& header, 
         const unsigned begin = Key({0, groupId, 0, 0});
         m_states.erase(m_states.lower_bound(begin), m_states.lower_bound(begin + 0x100));
         m_heard.erase(groupId);
+        m_gone.emplace_back(m_stream, groupId);
     }
-    return silent;
+}
+
+std::vector<TListKey> CLlsFollower::End()
+{
+    while (!m_groups.empty()) {
+        m_serviceListener(m_groups.front(), {});
+        m_Release(m_groups.front());
+    }
+    std::vector<TListKey> gone;
+    for (const auto& [groupId, last] : m_heard) {
+        gone.emplace_back(m_stream, groupId);
+    }
+    m_heard.clear();
+    m_states.clear();
+    return gone;
 }
 
 }  // namespace vyr::inspect

@@ -15,19 +15,31 @@
 
 namespace vyr::inspect {
 
-/// Follows one LLS stream: tells of each table what is new about it, and keeps the services of the
+/// Follows the LLS of one broadcast: tells of each table what is new about it, and keeps the services of the
 /// current service list of each LLS group in the channel map.
 class CLlsFollower {
   public:
-    /// `stream` names the stream in the report; all references outlive the follower.
-    CLlsFollower(std::string stream, bool lenient, CChannelMap& channelMap, CReport& report);
+    static constexpr std::size_t k_maxServices = 16384;
+
+    /// `stream` names the stream in the report; all references outlive the follower. So many services are held at
+    /// most.
+    CLlsFollower(std::string stream, bool lenient, CChannelMap& channelMap, CReport& report,
+                 std::size_t mostServices = k_maxServices);
     /// Takes its services out of the channel map.
     ~CLlsFollower();
     CLlsFollower(const CLlsFollower&) = delete;
     CLlsFollower& operator=(const CLlsFollower&) = delete;
 
-    /// Takes one LLS table: one UDP payload of the stream.
-    void Take(SView table, const SSource& source) { m_Take(table, source, false); }
+    /// Takes one LLS table: one UDP payload of the stream. With it, what others had at `gone` holds no more.
+    void Take(SView table, const SSource& source, const std::vector<TListKey>& gone = {})
+    {
+        m_gone = gone;
+        m_Take(table, source, false);
+    }
+    /// No more comes: lets go of all services. The places of all tables that came.
+    std::vector<TListKey> End();
+
+    const std::string& Stream() const { return m_stream; }
 
     std::uint64_t Tables() const { return m_taken; }
     bool SawSlt() const { return m_sawSlt; }
@@ -38,7 +50,6 @@ class CLlsFollower {
     void SetServiceListener(TServiceListener listener) { m_serviceListener = std::move(listener); }
 
   private:
-    static constexpr std::size_t k_maxServices = 16384;
     static constexpr std::size_t k_maxTable = 1048576;  ///< bytes of an inflated table
 
     /// The services of one list; its address is their channel in the channel map.
@@ -69,10 +80,11 @@ class CLlsFollower {
     void m_Read(CParseSLT& parser, SView bytes, const STable& table, SOutcome& outcome);
     void m_Hold(unsigned char groupId, std::unique_ptr<SCurrentSlt> current, const STable& table, SOutcome& outcome);
     void m_Release(unsigned char groupId);
-    std::vector<unsigned char> m_DropGroups(const SLlsHeader& header, const std::optional<STime>& now);
+    void m_DropGroups(const SLlsHeader& header, const std::optional<STime>& now);
 
     const std::string m_stream;
     const bool m_lenient;
+    const std::size_t m_mostServices;
     CChannelMap& m_channelMap;
     CReport& m_report;
     TServiceListener m_serviceListener = [](unsigned char, const std::vector<SListedService>&) {};
@@ -80,6 +92,7 @@ class CLlsFollower {
     std::map<unsigned char, std::optional<STime>> m_heard;  ///< when something of the group came last
     std::map<unsigned char, std::unique_ptr<SCurrentSlt>> m_current;
     std::list<unsigned char> m_groups;  ///< of m_current, oldest list first
+    std::vector<TListKey> m_gone;       ///< to be told with the next table
     std::uint64_t m_taken = 0;
     bool m_sawSlt = false;
 };

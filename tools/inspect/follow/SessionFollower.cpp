@@ -136,16 +136,10 @@ void CSessionFollower::Finish(const SInputTimes& times, const SReception& recept
         for (const SListedService& service : services) {
             ++(m_report.Summary().*m_protocol.services);
             if (captured && !m_Judge(group, service, reception, pending(service.since), source)) {
-                awaited.emplace(m_ListName(group), service.serviceId);
+                awaited.emplace(ServiceListName(group.first, group.second), service.serviceId);
             }
         }
     }
-}
-
-std::string CSessionFollower::m_ListName(const TGroup& group)
-{
-    const auto& [stream, groupId] = group;
-    return ServiceListName(EndpointText(stream.first, stream.second), groupId);
 }
 
 /// Counts the service, or tells why it was not signalled. False: that is still `pending`.
@@ -176,7 +170,7 @@ bool CSessionFollower::m_Judge(const TGroup& group, const SListedService& servic
         }
     }
     finding.message = "no signalling of service " + std::to_string(service.serviceId) + ": " + reason;
-    finding.serviceList = m_ListName(group);
+    finding.serviceList = ServiceListName(group.first, group.second);
     m_report.Finding(finding);
     return true;
 }

@@ -57,7 +57,7 @@ struct SProtocol {
 class CSessionFollower {
   public:
     using TEndpoint = std::pair<std::uint32_t, std::uint16_t>;
-    using TGroup = std::pair<TEndpoint, unsigned char>;
+    using TGroup = TListKey;
     using TMake = std::function<std::unique_ptr<CSession>(const SServiceSession&)>;
 
     /// `endpoints` are followed whether they are announced or not; `make` makes the sessions; the report
@@ -89,7 +89,6 @@ class CSessionFollower {
     void m_Remove(TSessions::iterator session);
     bool m_Judge(const TGroup& group, const SListedService& service, const SReception& reception, bool pending,
                  const SSource& source);
-    static std::string m_ListName(const TGroup& group);
     std::string m_Missing(const CSession& session) const;
 
     const SProtocol m_protocol;

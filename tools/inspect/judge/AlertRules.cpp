@@ -126,8 +126,8 @@ void CAlertRules::m_Hold(const STable& table, STableAlerts& held)
 void CAlertRules::Table(const STable& table)
 {
     constexpr std::int64_t k_grace = 60;  // clocks are not the same, and tables are changed by people
-    for (const unsigned group : table.groupsGone) {
-        m_tables.erase({table.stream, group});
+    for (const TListKey& gone : table.listsGone) {
+        m_tables.erase(gone);
     }
     const TListKey key = {table.stream, table.header.groupId};
     if (table.header.tableId != k_alertTable || (m_tables.size() == k_mostTables && m_tables.count(key) == 0)) {

@@ -28,9 +28,6 @@ struct SListFacts {
     bool whole = true;  ///< false: services of it were left out
 };
 
-/// Where a list, or another table, stands: its stream and its LLS group.
-using TListKey = std::pair<std::string, unsigned>;
-
 /// A session that the lists which hold give for the signalling of services.
 struct SListedSession {
     std::size_t services = 0;    ///< how many have it

@@ -170,8 +170,8 @@ void CJudge::Table(const STable& table)
     for (const auto& rules : m_rules) {
         rules->Table(table);
     }
-    for (const unsigned group : table.groupsGone) {
-        m_Drop({table.stream, group}, table.source);
+    for (const TListKey& gone : table.listsGone) {
+        m_Drop(gone, table.source);
     }
     if (table.slt) {
         m_HoldList(table);

@@ -68,10 +68,12 @@ class CListRules : public CRules {
         TListKey list;
         int protocol = 0;
     };
+    /// The first of each key is the bsid: what two broadcasts have in common is no contradiction.
     template <class TKey>
     using TIndex = std::multimap<TKey, SEntry>;
-    using TChannel = std::pair<int, int>;
-    using TSession = std::pair<std::string, std::uint32_t>;  ///< address and source; 0: any
+    using TId = std::pair<int, unsigned>;
+    using TChannel = std::tuple<int, int, int>;
+    using TSession = std::tuple<int, std::string, std::uint32_t>;  ///< address and source; 0: any
     /// What a list says against another one, which may be about to change as well.
     struct SDoubt {
         TListKey list;
@@ -82,7 +84,7 @@ class CListRules : public CRules {
     struct SHeld {
         unsigned number = 0;         ///< counts the group's lists
         std::vector<SDoubt> doubts;  ///< that other lists have raised since this one came last
-        std::vector<TIndex<unsigned>::iterator> ids;
+        std::vector<TIndex<TId>::iterator> ids;
         std::vector<TIndex<TChannel>::iterator> channels;
         std::vector<TIndex<TSession>::iterator> sessions;
     };
@@ -100,7 +102,7 @@ class CListRules : public CRules {
     static const SEntry* m_Enter(TIndex<TKey>& index, const TKey& key, const SEntry& entry, SHeld& held,
                                  std::vector<typename TIndex<TKey>::iterator> SHeld::*places);
     void m_Forget(SHeld& held);
-    void m_Drop(const std::string& stream, unsigned group);
+    void m_Drop(const TListKey& list);
     void m_Settle(SHeld& held);
     bool m_Holds(const SDoubt& doubt) const
     {
@@ -121,7 +123,7 @@ class CListRules : public CRules {
     void m_Intervals(const SDelivery& delivery);
 
     const SRuleSettings m_settings;
-    TIndex<unsigned> m_ids;
+    TIndex<TId> m_ids;
     TIndex<TChannel> m_channels;
     TIndex<TSession> m_sessions;
     std::map<TListKey, SHeld> m_held;
@@ -180,9 +182,10 @@ void CListRules::m_Settle(SHeld& held)
     held.doubts.clear();
 }
 
-void CListRules::m_Drop(const std::string& stream, unsigned group)
+void CListRules::m_Drop(const TListKey& list)
 {
-    if (const auto held = m_held.find({stream, group}); held != m_held.end()) {
+    const auto& [stream, group] = list;
+    if (const auto held = m_held.find(list); held != m_held.end()) {
         m_Forget(held->second);
         ++held->second.number;
         held->second.doubts.clear();
@@ -196,8 +199,8 @@ void CListRules::m_Drop(const std::string& stream, unsigned group)
 void CListRules::Table(const STable& table)
 {
     constexpr std::size_t k_mostTables = 4096;
-    for (const unsigned group : table.groupsGone) {
-        m_Drop(table.stream, group);
+    for (const TListKey& gone : table.listsGone) {
+        m_Drop(gone);
     }
     const std::tuple key(table.stream, unsigned{table.header.groupId}, unsigned{table.header.tableId});
     if (m_arrivals.size() < k_mostTables || m_arrivals.count(key) != 0) {
@@ -305,6 +308,7 @@ void CListRules::m_Together(const STable& table, SHeld& held)
 {
     m_Forget(held);
     ++held.number;
+    const int bsid = table.slt->bsid;
     const TListKey key = {table.stream, table.header.groupId};
     for (std::size_t i = 0; i < Count(table); ++i) {
         const SSltService& service = table.slt->services[i];
@@ -313,13 +317,13 @@ void CListRules::m_Together(const STable& table, SHeld& held)
         }
         const std::string title = Title(service);
         const SEntry entry = {title, key, service.slsProtocol};
-        const SEntry* sameId = m_Enter(m_ids, unsigned{service.serviceId}, entry, held, &SHeld::ids);
+        const SEntry* sameId = m_Enter(m_ids, {bsid, service.serviceId}, entry, held, &SHeld::ids);
         if (sameId != nullptr) {
             m_Contradict(ERule::SERVICE_ID_TWICE, table, service, title + " has the serviceId of ", *sameId);
         }
         if (service.majorChannelNo > 0 && service.minorChannelNo > 0) {
-            const SEntry* same =
-                m_Enter(m_channels, {service.majorChannelNo, service.minorChannelNo}, entry, held, &SHeld::channels);
+            const SEntry* same = m_Enter(m_channels, {bsid, service.majorChannelNo, service.minorChannelNo}, entry,
+                                         held, &SHeld::channels);
             if (same != nullptr && sameId == nullptr) {
                 m_Contradict(ERule::CHANNEL_TWICE, table, service,
                              title + " has channel " + ChannelText(service) + ", as ", *same);
@@ -338,12 +342,14 @@ void CListRules::m_Session(const STable& table, const SSltService& service, cons
     if (address.empty()) {
         return;
     }
+    const int bsid = table.slt->bsid;
     const std::uint32_t source = service.slsSourceIpAddress;
-    auto same = m_sessions.lower_bound({address, source});
-    if (source != 0 && (same == m_sessions.end() || same->first != TSession(address, source))) {
-        same = m_sessions.find({address, 0});
+    auto same = m_sessions.lower_bound({bsid, address, source});
+    if (source != 0 && (same == m_sessions.end() || same->first != TSession(bsid, address, source))) {
+        same = m_sessions.find({bsid, address, 0});
     }
-    if (another && same != m_sessions.end() && same->first.first == address) {
+    if (another && same != m_sessions.end() &&
+        std::tie(bsid, address) == std::tie(std::get<0>(same->first), std::get<1>(same->first))) {
         const SEntry& other = same->second;
         if (entry.protocol != other.protocol) {
             m_Contradict(ERule::SESSION_TWO_PROTOCOLS, table, service, entry.title + " and ", other,
@@ -353,7 +359,7 @@ void CListRules::m_Session(const STable& table, const SSltService& service, cons
                          " are signalled on the same session, " + address);
         }
     }
-    m_Enter(m_sessions, {address, source}, entry, held, &SHeld::sessions);
+    m_Enter(m_sessions, {bsid, address, source}, entry, held, &SHeld::sessions);
 }
 
 /// Holds the list against the last one of its group.
@@ -361,7 +367,7 @@ void CListRules::m_Changes(const STable& table)
 {
     using SService = SParseSLT::SService;
     const auto last = t_evidence.lists.find({table.stream, table.header.groupId});
-    if (last == t_evidence.lists.end()) {
+    if (last == t_evidence.lists.end() || last->second.bsid != table.slt->bsid) {
         return;
     }
     std::map<unsigned, const SSltService*> before;

@@ -119,8 +119,8 @@ void CSignatureRules::Table(const STable& table)
         forms.source = table.source;
         forms.header = table.header;
     }
-    for (const unsigned group : table.groupsGone) {
-        m_announced.erase({table.stream, group});
+    for (const TListKey& gone : table.listsGone) {
+        m_announced.erase(gone);
     }
     if (id == k_certificateTable && table.status != EStatus::REPEATED) {
         m_Announce(table);

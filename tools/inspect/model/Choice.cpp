@@ -215,7 +215,7 @@ const STable* CChoice::Of(const STable& table, std::optional<STable>& part)
     if (m_Table(id)) {
         m_matched.insert("--table " + m_choices.tables.at(id));
     }
-    if (m_Table(id) || m_Session(table.stream)) {
+    if (m_Table(id) || m_Session(table.stream.substr(0, table.stream.find(' ')))) {
         return &table;
     }
     if (!listed || !table.slt) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/Bytes.h"
@@ -32,10 +33,14 @@ struct SSlt {
     bool cmsSignedData = false;
 };
 
+/// Where a service list, or another LLS table, stands: its stream and its LLS group.
+using TListKey = std::pair<std::string, unsigned>;
+
 /// One LLS table that came.
 struct STable {
     SSource source;
-    std::string stream;  ///< "224.0.23.60:4937"; empty for a raw file
+    /// "224.0.23.60:4937", of another broadcast there "224.0.23.60:4937 bsid 2049"; empty for a raw file.
+    std::string stream;
     SLlsHeader header;
     EStatus status = EStatus::NEW;
     SView payload;  ///< behind the header, good during the report only
@@ -49,7 +54,7 @@ struct STable {
     std::shared_ptr<const SSigned> signedBytes;                ///< null: it has no signature that is verified
     TCertificates certificates;                                ///< that it announces, the first ones
     std::vector<std::vector<unsigned char>> certificateBytes;  ///< of those that can be read, DER
-    std::vector<unsigned char> groupsGone;                     ///< LLS groups whose tables hold no more from here on
+    std::vector<TListKey> listsGone;                           ///< whose tables all hold no more from here on
 };
 
 /// Documents of the service-layer signalling (SLS) of ROUTE, in the order in which the library parses

@@ -84,6 +84,9 @@ const std::array<SRule, k_rules> k_ruleTable = {{
      "Count the version (of an object, the TOI) up with every change.", "ATSC A/331 6.2"},
     {ERule::TOO_MANY_SERVICES, k_lls, "too-many-services", k_error, "Receivers run out of room for channels as well.",
      "Look at why so many services are announced.", ""},
+    {ERule::SEVERAL_BROADCASTS, k_lls, "several-broadcasts", k_note,
+     "Nothing: each is judged for itself. A receiver has one of them at a time.",
+     "Nothing, where it was meant; else look for the other sender, which the message names.", "ATSC A/331 6.3"},
 
     {ERule::SERVICE_DROPPED, k_list, "service-dropped", k_error, "The channel is missing from the channel list.",
      "Mend the attribute that the message names.", "ATSC A/331 6.3"},

@@ -41,6 +41,7 @@ enum class ERule {
     TABLE_NOT_PARSED,
     CHANGED_WITHOUT_VERSION,
     TOO_MANY_SERVICES,
+    SEVERAL_BROADCASTS,
     // the service list
     SERVICE_DROPPED,
     SERVICE_LEFT_OUT,

@@ -114,6 +114,9 @@ void Take(SReportState& state, const TJson& record)
     for (const unsigned group : Get(record, "groupsGone", std::vector<unsigned>())) {
         Forget(state, ServiceListName(Get(record, "stream", std::string()), group));
     }
+    for (const TJson& gone : Get(record, "listsGone", std::vector<TJson>())) {
+        Forget(state, ServiceListName(Get(gone, "stream", std::string()), Get(gone, "LLS_group_id", 0u)));
+    }
     if (type == "table" && Get(record, "LLS_table_id", 0u) == k_sltId && record.contains("services")) {
         state.whole[list] = !record.contains("leftOut");
         if (!record.contains("servicesUnchanged")) {
@@ -216,8 +219,8 @@ CBaselineReport::CBaselineReport(COutput& output, const std::string& baseline, b
 
 void CBaselineReport::Table(const STable& table)
 {
-    for (const unsigned group : table.groupsGone) {
-        Forget(m_now, ServiceListName(table.stream, group));
+    for (const auto& [stream, group] : table.listsGone) {
+        Forget(m_now, ServiceListName(stream, group));
     }
     if (!table.slt || table.status == EStatus::REPEATED) {
         return;

@@ -314,7 +314,13 @@ TJson TableHeadJson(const STable& table)
     if (table.interval) {
         json["intervalSeconds"] = *table.interval;
     }
-    PutList(json, "groupsGone", table.groupsGone);
+    for (const auto& [stream, group] : table.listsGone) {
+        if (stream == table.stream) {
+            json["groupsGone"].push_back(group);
+        } else {
+            json["listsGone"].push_back({{"stream", stream}, {"LLS_group_id", group}});
+        }
+    }
     if (table.status == EStatus::REPEATED) {
         return json;
     }

@@ -168,8 +168,8 @@ void CMetricsReport::BeginInterim()
 void CMetricsReport::Table(const STable& table)
 {
     constexpr std::size_t k_mostTables = 64;
-    for (const unsigned group : table.groupsGone) {
-        m_certificates.erase({table.stream, group});
+    for (const TListKey& gone : table.listsGone) {
+        m_certificates.erase(gone);
     }
     const std::pair key(table.stream, unsigned{table.header.groupId});
     if (!table.certificates.empty() && (m_certificates.size() < k_mostTables || m_certificates.count(key) != 0)) {

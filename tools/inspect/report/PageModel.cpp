@@ -221,9 +221,9 @@ std::size_t CPageModel::m_See(const SSource& source)
 void CPageModel::Table(const STable& table)
 {
     const std::size_t file = m_See(table.source);
-    for (const unsigned group : table.groupsGone) {
-        m_Drop(file, ServiceListName(table.stream, group));
-        m_Drop(file, ServiceListName(table.stream, group) + k_signed);
+    for (const auto& [stream, group] : table.listsGone) {
+        m_Drop(file, ServiceListName(stream, group));
+        m_Drop(file, ServiceListName(stream, group) + k_signed);
     }
     if (table.status == EStatus::REPEATED) {
         return;

@@ -339,6 +339,8 @@ std::string Headline(const STable& table)
         // Group ids are names, not places in a row.
         text += " (" + Counted(table.header.groupCountMinus1 + 1u, "group") + " in all)";
     }
+    const std::size_t endpoint = table.stream.find(' ');
+    text += endpoint != std::string::npos ? " of" + table.stream.substr(endpoint) : "";
     text += table.insideMultiTable ? ", in a signed multi-table" : "";
     text += std::string(": ") + StatusText(table.status);
     if (table.slt) {

@@ -1,0 +1,146 @@
+// Several broadcasts on one address of LLS: which table is taken for whose, and what is said of it.
+#include <gtest/gtest.h>
+
+#include "Packets.h"
+#include "Tool.h"
+
+namespace {
+
+using namespace packets;
+
+/// One table of LLS, in version 1 always: what is of another broadcast breaks rules where it is taken for the same.
+struct SEvent {
+    unsigned second;
+    char sender;
+    unsigned port;
+    unsigned bsid;  ///< of a list; 0: a system time, by which senders differ
+};
+
+std::string Capture(const std::vector<SEvent>& events)
+{
+    CCapture capture(1);
+    for (const SEvent& event : events) {
+        const std::string bsid = std::to_string(event.bsid);
+        const std::string table =
+            event.bsid == 0 ? "<SystemTime currentUtcOffset=\"37\" utcLocalOffset=\"-PT" +
+                                  std::to_string(event.sender - 'a' + 5) + "H\" dsStatus=\"false\"/>"
+                            : "<SLT bsid=\"" + bsid +
+                                  "\"><Service serviceId=\"1\" sltSvcSeqNum=\"0\" protected=\"false\" hidden=\"false\" "
+                                  "broadbandAccessRequired=\"false\" majorChannelNo=\"7\" minorChannelNo=\"1\" "
+                                  "serviceCategory=\"1\" shortServiceName=\"S" +
+                                  bsid +
+                                  "\"><BroadcastSvcSignaling slsProtocol=\"1\" slsDestinationIpAddress=\"239.255.7.1\" "
+                                  "slsDestinationUdpPort=\"5000\"/></Service></SLT>";
+        SIpv4 fields;
+        fields.source = 0x0A000000u + static_cast<unsigned char>(event.sender);
+        const std::string lls = Number(event.bsid == 0 ? 3 : 1, 1) + Number(0, 1) + Number(0, 1) + Number(1, 1) + table;
+        capture.At(event.second, 1000).Add(Ethernet(Ipv4(Udp(lls, 4937, event.port), fields)));
+    }
+    return capture.Bytes();
+}
+
+/// Each table with its stream behind the address, and the first letter of its status; what is gone with it; and
+/// findings of rules that compare.
+std::string Told(const std::string& capture)
+{
+    const std::map<std::string, std::string> k_rules = {
+        {"several-broadcasts", "several"},  {"changed-without-version", "WITHOUT"}, {"daylight-saving", "DAYLIGHT"},
+        {"sequence-unchanged", "SEQUENCE"}, {"service-id-twice", "TWICE"},          {"session-shared", "SHARED"},
+    };
+    const auto stream = [](const nlohmann::json& record) {
+        const std::string name = record["stream"];
+        return name.substr(std::min(name.find(' '), name.size()));
+    };
+    std::string told;
+    for (const nlohmann::json& line : Lines(Inspect("--json -", capture).out)) {
+        if (line["type"] == "table") {
+            told += (line["LLS_table_id"] == 1 ? "L" : "T") + stream(line) + ' ' +
+                    line["status"].get<std::string>().substr(0, 1) + ", ";
+            for (const nlohmann::json& gone : line.value("listsGone", nlohmann::json::array())) {
+                told += "gone" + stream(gone) + ", ";
+            }
+        } else if (line["type"] == "finding" && k_rules.count(line["rule"]) != 0) {
+            told += k_rules.at(line["rule"]) + ", ";
+        }
+    }
+    return told;
+}
+
+TEST(LlsStream, EachBroadcastIsForItself)
+{
+    const struct {
+        const char* name;
+        std::vector<SEvent> events;
+        const char* told;
+    } k_cases[] = {
+        {"one", {{0, 'a', 1, 5}, {0, 'a', 1, 0}, {1, 'a', 1, 5}, {1, 'a', 1, 0}}, "L n, T n, L r, T r, "},
+        {"one that sends each table from a port of its own",
+         {{0, 'a', 9, 0}, {0, 'a', 1, 5}, {1, 'a', 9, 0}, {1, 'a', 8, 5}},
+         "T n, L n, T r, L r, "},
+        {"one whose time another machine sends: it waits for that one's list, and no longer than it is due",
+         {{0, 'a', 1, 5}, {0, 'b', 1, 0}, {3, 'a', 1, 5}, {4, 'b', 1, 0}, {6, 'a', 1, 5}, {6, 'b', 1, 0}},
+         "L n, L r, L r, T n, T r, T r, "},
+        {"the same, at the end of the input", {{0, 'a', 1, 5}, {0, 'b', 1, 0}}, "L n, T n, "},
+        {"one from two machines",
+         {{0, 'a', 1, 5}, {0, 'b', 1, 5}, {1, 'b', 1, 0}, {2, 'a', 1, 5}, {2, 'b', 1, 0}},
+         "L n, L r, T n, L r, T r, "},
+        {"one whose time comes first, from a machine that has its list as well",
+         {{0, 'b', 1, 0}, {0, 'a', 1, 5}, {1, 'b', 1, 5}, {1, 'b', 1, 0}, {2, 'b', 1, 0}},
+         "T n, L bsid 5 n, L bsid 5 r, gone, T bsid 5 n, T bsid 5 r, "},
+        {"one that gets another bsid, and another",
+         {{0, 'a', 1, 5}, {1, 'a', 1, 6}, {2, 'a', 1, 6}, {3, 'a', 1, 7}},
+         "L n, L c, WITHOUT, L r, L c, WITHOUT, "},
+        {"two",
+         {{0, 'a', 1, 5},
+          {0, 'b', 1, 6},
+          {0, 'a', 1, 0},
+          {0, 'b', 1, 0},
+          {1, 'a', 1, 5},
+          {1, 'b', 1, 6},
+          {1, 'a', 2, 0},
+          {1, 'b', 2, 0}},
+         "L n, L bsid 6 n, T n, T bsid 6 n, several, L r, L bsid 6 r, T r, T bsid 6 r, "},
+        {"two, whose times come before their lists",
+         {{0, 'b', 1, 0}, {0, 'a', 1, 5}, {0, 'a', 1, 0}, {1, 'b', 1, 6}, {1, 'b', 1, 0}, {2, 'a', 1, 5}},
+         "T n, L bsid 5 n, T bsid 5 n, L n, T r, several, L bsid 5 r, "},
+        {"two, and the time of the second between their lists",
+         {{0, 'a', 1, 5}, {0, 'a', 1, 0}, {0, 'b', 1, 0}, {1, 'b', 1, 6}, {1, 'b', 1, 0}},
+         "L n, T n, L bsid 6 n, T bsid 6 n, T bsid 6 r, "},
+        {"three",
+         {{0, 'a', 1, 5}, {0, 'b', 1, 6}, {0, 'c', 1, 7}, {1, 'a', 1, 5}, {1, 'b', 1, 6}, {1, 'c', 1, 7}},
+         "L n, L bsid 6 n, L bsid 7 n, several, L r, several, L bsid 6 r, L bsid 7 r, "},
+        {"two from one socket, once the first comes again",
+         {{0, 'a', 1, 5}, {1, 'a', 1, 6}, {2, 'a', 1, 5}, {3, 'a', 1, 6}, {4, 'a', 1, 5}},
+         "L n, L c, WITHOUT, several, L c, WITHOUT, L bsid 6 n, L r, "},
+        {"two, the second of which has a list after its time has waited long enough",
+         {{0, 'a', 1, 5}, {0, 'b', 1, 0}, {6, 'a', 1, 5}, {7, 'b', 1, 6}, {7, 'b', 1, 0}, {8, 'a', 1, 5}},
+         "L n, L r, T n, L bsid 6 n, T bsid 6 n, several, L r, "},
+        {"one after another: the first is over when three of its lists are missing",
+         {{0, 'a', 1, 5}, {0, 'a', 1, 0}, {1, 'b', 1, 6}, {15, 'b', 1, 6}, {16, 'b', 1, 6}, {17, 'a', 1, 5}},
+         "L n, T n, L bsid 6 n, L bsid 6 r, several, L bsid 6 r, gone, L n, "},
+    };
+    for (const auto& test : k_cases) {
+        EXPECT_EQ(Told(Capture(test.events)), test.told) << test.name;
+    }
+}
+
+/// Behind the eighth, lists are taken for those of the first: no sender makes followers without end.
+TEST(LlsStream, HoldsABoundedNumberOfBroadcasts)
+{
+    std::vector<SEvent> events;
+    std::string told;
+    for (unsigned bsid = 1; bsid <= 9; ++bsid) {
+        events.push_back({0, static_cast<char>('a' + bsid), 1, bsid});
+        told += bsid == 1 ? "L n, " : bsid == 9 ? "several, L c, WITHOUT, " : "L bsid " + std::to_string(bsid) + " n, ";
+    }
+    EXPECT_EQ(Told(Capture(events)), told);
+    // As many tables of senders without a list wait.
+    events = {{0, 'a', 1, 5}};
+    for (unsigned i = 0; i < 17; ++i) {
+        events.push_back({1, static_cast<char>('c' + i % 3), i, 0});
+    }
+    events.push_back({1, 'a', 1, 5});
+    EXPECT_EQ(Told(Capture(events)).substr(0, 15), "L n, T n, L r, ");
+}
+
+}  // namespace
