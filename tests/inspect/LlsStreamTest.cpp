@@ -143,4 +143,17 @@ TEST(LlsStream, HoldsABoundedNumberOfBroadcasts)
     EXPECT_EQ(Told(Capture(events)).substr(0, 15), "L n, T n, L r, ");
 }
 
+/// What is over is gone from a report that is compared with, too.
+TEST(LlsStream, AReportIsReadAsItWasWritten)
+{
+    const std::string capture = Capture({{0, 'a', 1, 5}, {1, 'b', 1, 6}, {16, 'b', 1, 6}});
+    const CTemporary before(Inspect("--json -", capture).out);
+    EXPECT_NE(ReadFile(before.Name()).find("listsGone"), std::string::npos);
+    std::string told;
+    for (const nlohmann::json& line : Lines(Inspect("--json --baseline '" + before.Name() + "' -", capture).out)) {
+        told += line["type"] == "difference" ? line.dump() : "";
+    }
+    EXPECT_EQ(told, "");
+}
+
 }  // namespace
