@@ -36,6 +36,7 @@ struct SSent {
     std::string data = {};
     std::string datagram = {};  ///< in place of what is made of the data
     std::uint32_t destination = k_session;
+    std::uint32_t source = SIpv4().source;
     unsigned port = 5000;
     bool compressed = false;  ///< its headers are, where the broadcast is captured on its own link layer
 };
@@ -110,6 +111,7 @@ struct SBroadcast {
             if (change(sent)) {
                 SIpv4 ip;
                 ip.destination = sent.destination;
+                ip.source = sent.source;
                 const std::string payload = !sent.datagram.empty()    ? sent.datagram
                                             : sent.kind == SSent::LLS ? sent.data
                                                                       : packets::Lct(sent.lct, sent.data);

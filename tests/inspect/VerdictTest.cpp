@@ -245,4 +245,32 @@ TEST(Verdicts, EachServiceHasItsOwn)
               "239.255.7.1:5001 from 192.0.2.10)\n");
 }
 
+/// Two services on one address and port, with the same TSIs: what another source sends is none of theirs.
+TEST(Verdicts, SourcesOfOneAddressAreApart)
+{
+    SBroadcast first;
+    const std::string other = With(With(With(first.services, "serviceId=\"1\"", "serviceId=\"2\""),
+                                        "minorChannelNo=\"1\"", "minorChannelNo=\"2\""),
+                                   "192.0.2.10", "192.0.2.11");
+    first.services += other;
+    SBroadcast second;
+    second.usbd = With(second.usbd, "serviceId=\"1\"", "serviceId=\"2\"");
+    second.stsid = With(second.stsid, "192.0.2.10", "192.0.2.11");
+    second.change = [](SSent& sent) {
+        sent.source = 0xC000020B;
+        return sent.kind != SSent::LLS && sent.lct.tsi != 20;
+    };
+    CCapture capture(1);
+    for (unsigned round = 0; round < first.rounds; ++round) {
+        first.Round(capture, round);
+        second.Round(capture, round);
+    }
+    const SResult result = Inspect("-", capture.Bytes());
+    EXPECT_EQ(result.out.substr(result.out.rfind("\n\n") + 2),
+              "-: services\n"
+              "  id  channel  name  verdict\n"
+              "  1   7.1      NEWS  plays\n"
+              "  2   7.2      NEWS  plays, but there is no sound\n");
+}
+
 }  // namespace
