@@ -14,6 +14,7 @@ struct SEvent {
     char sender;
     unsigned port;
     unsigned bsid;  ///< of a list; 0: a system time, by which senders differ
+    bool isSigned = false;
 };
 
 std::string Capture(const std::vector<SEvent>& events)
@@ -33,7 +34,10 @@ std::string Capture(const std::vector<SEvent>& events)
                                   "slsDestinationUdpPort=\"5000\"/></Service></SLT>";
         SIpv4 fields;
         fields.source = 0x0A000000u + static_cast<unsigned char>(event.sender);
-        const std::string lls = Number(event.bsid == 0 ? 3 : 1, 1) + Number(0, 1) + Number(0, 1) + Number(1, 1) + table;
+        const std::string id = Number(event.bsid == 0 ? 3 : 1, 1);
+        const std::string inside = Number(1, 1) + id + Number(1, 1) + Number(table.size(), 2) + table + Number(0, 2);
+        const std::string lls =
+            (event.isSigned ? Number(0xFE, 1) : id) + Number(0, 2) + Number(1, 1) + (event.isSigned ? inside : table);
         capture.At(event.second, 1000).Add(Ethernet(Ipv4(Udp(lls, 4937, event.port), fields)));
     }
     return capture.Bytes();
@@ -54,8 +58,10 @@ std::string Told(const std::string& capture)
     std::string told;
     for (const nlohmann::json& line : Lines(Inspect("--json -", capture).out)) {
         if (line["type"] == "table") {
-            told += (line["LLS_table_id"] == 1 ? "L" : "T") + stream(line) + ' ' +
-                    line["status"].get<std::string>().substr(0, 1) + ", ";
+            told += (line["LLS_table_id"] == 1   ? "L"
+                     : line["LLS_table_id"] == 3 ? "T"
+                                                 : "S") +
+                    stream(line) + ' ' + line["status"].get<std::string>().substr(0, 1) + ", ";
             for (const nlohmann::json& gone : line.value("listsGone", nlohmann::json::array())) {
                 told += "gone" + stream(gone) + ", ";
             }
@@ -106,6 +112,9 @@ TEST(LlsStream, EachBroadcastIsForItself)
         {"two, and the time of the second between their lists",
          {{0, 'a', 1, 5}, {0, 'a', 1, 0}, {0, 'b', 1, 0}, {1, 'b', 1, 6}, {1, 'b', 1, 0}},
          "L n, T n, L bsid 6 n, T bsid 6 n, T bsid 6 r, "},
+        {"two whose lists are signed",
+         {{0, 'a', 1, 5, true}, {0, 'b', 1, 6, true}, {1, 'a', 1, 5, true}, {1, 'b', 1, 6, true}},
+         "S n, L n, S bsid 6 n, L bsid 6 n, several, S r, L r, S bsid 6 r, L bsid 6 r, "},
         {"three",
          {{0, 'a', 1, 5}, {0, 'b', 1, 6}, {0, 'c', 1, 7}, {1, 'a', 1, 5}, {1, 'b', 1, 6}, {1, 'c', 1, 7}},
          "L n, L bsid 6 n, L bsid 7 n, several, L r, several, L bsid 6 r, L bsid 7 r, "},

@@ -29,6 +29,8 @@ namespace vyr::inspect {
 namespace {
 
 constexpr std::size_t k_header = 4;
+constexpr unsigned k_sltId = 1;
+constexpr unsigned k_multiTableId = 0xFE;
 
 /// "UTC-5", "UTC+5:30", "UTC+5:30:01".
 std::string ZoneText(int seconds)
@@ -517,7 +519,21 @@ struct STableReader {
 
 constexpr STableReader k_tables[] = {{2, Read<CParseRRT, ReadRrt>},   {3, Read<CParseSystemTime, ReadSystemTime>},
                                      {4, Read<CParseAEAT, ReadAeat>}, {5, Read<CParseOnscreenNoti, ReadOnscreen>},
-                                     {6, Read<CParseCDT, ReadCdt>},   {0xFE, ReadMultiTable}};
+                                     {6, Read<CParseCDT, ReadCdt>},   {k_multiTableId, ReadMultiTable}};
+
+/// The bsid of a service list, by its payload.
+std::optional<unsigned> ListBsid(SView payload)
+{
+    CXML xml;
+    void* root = nullptr;
+    bool found = false;
+    int bsid = 0;
+    if (xml.Create(reinterpret_cast<const char*>(payload.data), static_cast<int>(payload.size), true)) {
+        bsid = xml.MoveRoot(&root) ? xml.PropInt(root, "bsid", &found) : 0;
+        xml.Destroy();
+    }
+    return found ? std::optional<unsigned>(bsid & 0xFFFF) : std::nullopt;
+}
 
 const STableReader* Find(unsigned tableId)
 {
@@ -533,18 +549,28 @@ bool HasParser(unsigned tableId)
     return Find(tableId) != nullptr;
 }
 
-std::optional<unsigned> ListBsid(SView payload)
+std::optional<unsigned> TableBsid(SView table)
 {
-    CXML xml;
-    void* root = nullptr;
-    bool found = false;
-    int bsid = 0;
-    if (xml.Create(reinterpret_cast<const char*>(payload.data), static_cast<int>(payload.size), true)) {
-        bsid = xml.MoveRoot(&root) ? xml.PropInt(root, "bsid", &found) : 0;
-        xml.Destroy();
+    const unsigned id = table.size > k_header ? table[0] : 0u;
+    std::optional<unsigned> bsid = id == k_sltId ? ListBsid(table.From(k_header)) : std::nullopt;
+    if (id == k_multiTableId) {
+        CLLSSMTParser parser;
+        parser.Create();
+        IParse::SItem item = {table.data, static_cast<unsigned>(table.size), static_cast<unsigned>(table.size) * 8,
+                              k_header * 8, true};
+        const int count = parser.Parse(&item) ? parser.PayloadCount() : 0;
+        for (int i = 0; i < count && !bsid; ++i) {
+            unsigned inner = 0;
+            unsigned length = 0;
+            parser.GetPayloadLength(i, length);
+            std::vector<unsigned char> payload(length);
+            parser.GetPayload(i, inner, payload.data());
+            bsid = inner == k_sltId ? ListBsid({payload.data(), payload.size()}) : std::nullopt;
+        }
+        parser.Destroy();
     }
     TakeAssertions();
-    return found ? std::optional<unsigned>(bsid & 0xFFFF) : std::nullopt;
+    return bsid;
 }
 
 STableOutcome ParseTable(const SLlsHeader& header, SView bytes)

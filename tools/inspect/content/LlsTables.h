@@ -26,8 +26,9 @@ struct STableOutcome {
 
 /// Whether ParseTable knows the table id.
 bool HasParser(unsigned tableId);
-/// The broadcast stream (bsid) of a service list, by its payload; none: it has no root element that gives one.
-std::optional<unsigned> ListBsid(SView payload);
+/// The broadcast stream (bsid) of a whole LLS table, header included: a service list, or a signed multi-table that has
+/// one. None: it is neither, or does not say.
+std::optional<unsigned> TableBsid(SView table);
 /// Hands a whole LLS table that has a parser, header included, to it and reads what it found.
 STableOutcome ParseTable(const SLlsHeader& header, SView bytes);
 

@@ -11,9 +11,6 @@ namespace vyr::inspect {
 
 namespace {
 
-constexpr unsigned char k_slt = 1;
-constexpr std::size_t k_header = 4;
-
 std::string Title(unsigned bsid, const std::pair<std::uint32_t, std::uint16_t>& sender)
 {
     return "bsid " + std::to_string(bsid) + " from " + EndpointText(sender.first, sender.second);
@@ -22,7 +19,7 @@ std::string Title(unsigned bsid, const std::pair<std::uint32_t, std::uint16_t>& 
 }  // namespace
 
 CLlsStream::CLlsStream(std::string name, TMake make, CReport& report)
-    : m_name(std::move(name)), m_make(std::move(make)), m_report(report), m_bsids(k_mostLists)
+    : m_name(std::move(name)), m_make(std::move(make)), m_report(report), m_bsids(k_mostTables)
 {
     m_broadcasts.push_back({m_make(m_name, CLlsFollower::k_maxServices), {}});
 }
@@ -42,11 +39,11 @@ std::size_t CLlsStream::Services() const
     return count;
 }
 
-std::optional<unsigned> CLlsStream::m_Bsid(SView payload)
+std::optional<unsigned> CLlsStream::m_Bsid(SView table)
 {
-    const std::uint64_t hash = ContentHash(payload);
+    const std::uint64_t hash = ContentHash(table);
     const std::optional<unsigned>* const known = m_bsids.Find(hash);
-    return known != nullptr ? *known : m_bsids.Hold(hash) = ListBsid(payload);
+    return known != nullptr ? *known : m_bsids.Hold(hash) = TableBsid(table);
 }
 
 /// The broadcast whose list came.
@@ -221,9 +218,7 @@ void CLlsStream::Take(const SDatagram& datagram, const SSource& source)
     if (m_taken++ == 0) {
         m_broadcasts.front().sender = sender;
     }
-    const std::optional<unsigned> bsid =
-        table.size > k_header && table[0] == k_slt ? m_Bsid(table.From(k_header)) : std::nullopt;
-    if (bsid) {
+    if (const std::optional<unsigned> bsid = m_Bsid(table)) {
         m_TakeList(m_Listed(*bsid, sender, source), datagram, source);
     } else if (const std::optional<TBroadcast> broadcast = m_Of(sender)) {
         (*broadcast)->follower->Take(table, source);

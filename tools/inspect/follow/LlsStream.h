@@ -62,10 +62,10 @@ class CLlsStream {
 
     static constexpr std::size_t k_mostBroadcasts = 8;
     static constexpr std::size_t k_mostSenders = 64;
-    static constexpr std::size_t k_mostLists = 64;
+    static constexpr std::size_t k_mostTables = 64;
     static constexpr std::size_t k_mostWaiting = 16;
 
-    std::optional<unsigned> m_Bsid(SView payload);
+    std::optional<unsigned> m_Bsid(SView table);
     TBroadcast m_Listed(unsigned bsid, const TSender& sender, const SSource& source);
     void m_Rename(SBroadcast& broadcast, unsigned bsid, const SSource& source);
     std::optional<TBroadcast> m_Of(const TSender& sender);
@@ -82,7 +82,7 @@ class CLlsStream {
     CReport& m_report;
     std::list<SBroadcast> m_broadcasts;  ///< one at least
     std::map<TSender, SSends> m_senders;
-    CBoundedMap<std::uint64_t, std::optional<unsigned>> m_bsids;  ///< of lists, by their hash
+    CBoundedMap<std::uint64_t, std::optional<unsigned>> m_bsids;  ///< of tables, by their hash
     std::list<SWaiting> m_waiting;
     SBroadcast* m_lastListed = nullptr;  ///< whose list came last
     std::uint64_t m_taken = 0;
