@@ -165,4 +165,15 @@ TEST(LlsStream, AReportIsReadAsItWasWritten)
     EXPECT_EQ(told, "");
 }
 
+/// A list is looked at for its bsid before it is parsed: the library's log has each thing once.
+TEST(LlsStream, TheLogTellsOfAListOnce)
+{
+    CCapture capture(1);
+    capture.AddLls("\1" + std::string(2, '\0') + "\1<SLT bsid='5'><Service/>");
+    const std::string log = Inspect("--log debug -", capture.Bytes()).err;
+    const std::size_t told = log.find("Premature end of data");
+    EXPECT_NE(told, std::string::npos);
+    EXPECT_EQ(log.find("Premature end of data", told + 1), std::string::npos) << log;
+}
+
 }  // namespace

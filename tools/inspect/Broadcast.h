@@ -24,7 +24,7 @@ namespace vyr::inspect {
 
 class CJudge;
 
-/// One broadcast, as a capture or a network brings it: gives each stream it finds to that stream's follower, counts
+/// What is broadcast, as a capture or a network brings it: gives each stream it finds to that stream's follower, counts
 /// what is on the air, and has it judged.
 class CBroadcast {
   public:

@@ -88,6 +88,19 @@ std::vector<SAssertion> TakeAssertions()
     return taken;
 }
 
+CUnheard::CUnheard() : m_log(g_lowest), m_assertions(TakeAssertions())
+{
+    g_lowest = LOG_PRIORITY_SILENT;
+    SetLogPriority(g_lowest);
+}
+
+CUnheard::~CUnheard()
+{
+    g_lowest = m_log;
+    SetLogPriority(g_lowest);
+    g_assertions.swap(m_assertions);
+}
+
 std::string AssertionText(const SAssertion& assertion)
 {
     return "the library asserts \"" + assertion.expression + "\" at " + assertion.place;

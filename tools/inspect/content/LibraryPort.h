@@ -30,4 +30,17 @@ std::string AssertionText(const SAssertion& assertion);
 /// Assertions of the library since the last call; few are kept when there are very many.
 std::vector<SAssertion> TakeAssertions();
 
+/// While there is one, the library says nothing: of bytes that it is to be given again.
+class CUnheard {
+  public:
+    CUnheard();
+    ~CUnheard();
+    CUnheard(const CUnheard&) = delete;
+    CUnheard& operator=(const CUnheard&) = delete;
+
+  private:
+    const ELogPriority m_log;
+    std::vector<SAssertion> m_assertions;  ///< what it asserted before
+};
+
 }  // namespace vyr::inspect

@@ -551,6 +551,7 @@ bool HasParser(unsigned tableId)
 
 std::optional<unsigned> TableBsid(SView table)
 {
+    const CUnheard guard;
     const unsigned id = table.size > k_header ? table[0] : 0u;
     std::optional<unsigned> bsid = id == k_sltId ? ListBsid(table.From(k_header)) : std::nullopt;
     if (id == k_multiTableId) {
@@ -569,7 +570,6 @@ std::optional<unsigned> TableBsid(SView table)
         }
         parser.Destroy();
     }
-    TakeAssertions();
     return bsid;
 }
 
