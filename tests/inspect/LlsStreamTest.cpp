@@ -152,6 +152,18 @@ TEST(LlsStream, HoldsABoundedNumberOfBroadcasts)
     EXPECT_EQ(Told(Capture(events)).substr(0, 15), "L n, T n, L r, ");
 }
 
+/// Their ids and channels may be the same.
+TEST(LlsStream, VerdictsSayOfWhichListTheyAre)
+{
+    const std::string text = Inspect("-", Capture({{0, 'a', 1, 5}, {0, 'b', 1, 6}})).out;
+    const std::string why = "cannot be told from this capture: it has the LLS alone, and no session of a service\n";
+    EXPECT_EQ(text.substr(text.rfind("\n\n") + 2),
+              "-: services\n"
+              "  id  channel  name  list                             verdict\n"
+              "  1   7.1      S5    224.0.23.60:4937 group 0         " +
+                  why + "  1   7.1      S6    224.0.23.60:4937 bsid 6 group 0  " + why);
+}
+
 /// What is over is gone from a report that is compared with, too.
 TEST(LlsStream, AReportIsReadAsItWasWritten)
 {
