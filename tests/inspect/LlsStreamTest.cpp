@@ -1,7 +1,7 @@
 // Several broadcasts on one address of LLS: which table is taken for whose, and what is said of it.
 #include <gtest/gtest.h>
 
-#include "Packets.h"
+#include "MadeBroadcast.h"
 #include "Tool.h"
 
 namespace {
@@ -162,6 +162,62 @@ TEST(LlsStream, VerdictsSayOfWhichListTheyAre)
               "  id  channel  name  list                             verdict\n"
               "  1   7.1      S5    224.0.23.60:4937 group 0         " +
                   why + "  1   7.1      S6    224.0.23.60:4937 bsid 6 group 0  " + why);
+}
+
+/// Two whole broadcasts, whose services have the same id and channel: what is wrong with the one of the second concerns
+/// no other.
+TEST(LlsStream, FaultsAreThoseOfOneBroadcast)
+{
+    const struct {
+        const char* name;
+        std::function<void(SBroadcast&)> change;
+        std::function<bool(const SSent&)> sent;
+        const char* verdict;
+    } k_cases[] = {
+        {"sound", [](SBroadcast&) {}, [](const SSent&) { return true; }, "plays"},
+        {"no MPD", [](SBroadcast& b) { b.mpd.clear(); }, [](const SSent&) { return true; },
+         "does not play: the channel is listed and shows nothing: receivers do not learn what to play (service 1 has a "
+         "USBD and an S-TSID, and no MPD)"},
+        {"no signalling", [](SBroadcast&) {}, [](const SSent& sent) { return sent.kind != SSent::SIGNALLING; },
+         "does not play: the channel is listed and shows nothing (no signalling of service 1: none of 96 packets to "
+         "239.255.7.2:5000 carries source data of TSI 0)"},
+        {"no sound", [](SBroadcast&) {}, [](const SSent& sent) { return sent.lct.tsi != 20; },
+         "plays, but there is no sound"},
+        {"a channel that there is not",
+         [](SBroadcast& b) { b.services = With(b.services, "ChannelNo=\"1\"", "ChannelNo=\"1000\""); },
+         [](const SSent&) { return true; }, nullptr},
+    };
+    for (const auto& test : k_cases) {
+        SBroadcast first;
+        SBroadcast second;
+        second.services = With(With(second.services, "NEWS", "ESG"), "239.255.7.1", "239.255.7.2");
+        second.stsid = With(second.stsid, "239.255.7.1", "239.255.7.2");
+        test.change(second);
+        second.change = [&test](SSent& sent) {
+            sent.source = 0xC000020B;
+            if (sent.table == 1) {
+                sent.data = With(With(sent.data, "bsid=\"5\"", "bsid=\"6\""), "192.0.2.10", "192.0.2.11");
+            }
+            sent.destination = sent.kind == SSent::LLS ? k_lls : k_session + 1;
+            return test.sent(sent);
+        };
+        second.stsid = With(second.stsid, "192.0.2.10", "192.0.2.11");
+        CCapture capture(1);
+        for (unsigned round = 0; round < first.rounds; ++round) {
+            first.Round(capture, round);
+            second.Round(capture, round);
+        }
+        const std::string text = Inspect("-", capture.Bytes()).out;
+        const std::string verdicts = text.substr(text.rfind("\n\n") + 2);
+        EXPECT_NE(verdicts.find("NEWS  224.0.23.60:4937 group 0         plays\n"), std::string::npos)
+            << test.name << '\n'
+            << verdicts;
+        EXPECT_EQ(verdicts.find("NEWS  224.0.23.60:4937 group 0         plays, "), std::string::npos) << test.name;
+        const std::string other = test.verdict != nullptr ? test.verdict : "does not play: receivers do not list it";
+        EXPECT_NE(verdicts.find("ESG   224.0.23.60:4937 bsid 6 group 0  " + other), std::string::npos)
+            << test.name << '\n'
+            << verdicts;
+    }
 }
 
 /// What is over is gone from a report that is compared with, too.

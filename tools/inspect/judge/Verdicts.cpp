@@ -5,6 +5,8 @@
 #include <cctype>
 #include <iterator>
 #include <map>
+#include <set>
+#include <utility>
 
 #include "base/Limits.h"
 #include "base/Text.h"
@@ -143,6 +145,13 @@ class CServiceJudge {
         for (const SSessionDelivery& session : delivery.sessions) {
             m_sessions.emplace(EndpointText(session.destination, session.port), &session);
         }
+        for (const auto& [key, list] : evidence.lists) {
+            for (const SSltService& service : list.services) {
+                if (const std::string address = SessionOf(service); !address.empty()) {
+                    m_addresses.emplace(service.serviceId, address);
+                }
+            }
+        }
     }
 
     SVerdict Judge(const std::string& list, const SSltService& service);
@@ -165,13 +174,19 @@ class CServiceJudge {
     const std::vector<SFinding>& m_findings;
     std::map<std::string, const SSessionDelivery*> m_sessions;  ///< by address
     std::map<const SPackageFacts*, TTypes> m_types;             ///< of those that were asked for
-    std::string m_address;                                      ///< of the signalling of the service that is judged
+    std::set<std::pair<unsigned, std::string>> m_addresses;     ///< of signalling, behind the ids of the services
+    std::string m_list;                                         ///< of the service that is judged
+    std::string m_address;                                      ///< of its signalling
 };
 
+/// Services of several broadcasts can have one id: then a finding is of the one whose list or address it names.
 bool CServiceJudge::m_Concerns(const SFinding& finding, const SSltService& service) const
 {
-    return finding.serviceId ? *finding.serviceId == service.serviceId
-                             : !finding.session.empty() && finding.session == m_address;
+    if (!finding.serviceId) {
+        return !finding.session.empty() && finding.session == m_address;
+    }
+    return *finding.serviceId == service.serviceId && (finding.serviceList.empty() || finding.serviceList == m_list) &&
+           (finding.session == m_address || m_addresses.count({service.serviceId, finding.session}) == 0);
 }
 
 /// The first cause that ends the service.
@@ -432,6 +447,7 @@ SJudgement CServiceJudge::m_Judge(const std::string& list, const SSltService& se
 SVerdict CServiceJudge::Judge(const std::string& list, const SSltService& service)
 {
     SVerdict verdict;
+    m_list = list;
     m_address = SessionOf(service);
     verdict.serviceId = service.serviceId;
     verdict.serviceList = list;
