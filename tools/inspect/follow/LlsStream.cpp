@@ -11,6 +11,14 @@ namespace vyr::inspect {
 
 namespace {
 
+constexpr int k_silent = 15;  // seconds
+
+/// Whether as much time went by that three lists are due.
+bool Silent(const std::optional<STime>& since, const std::optional<STime>& now)
+{
+    return since && now && Seconds(*now) - Seconds(*since) > k_silent;
+}
+
 std::string Title(unsigned bsid, const std::pair<std::uint32_t, std::uint16_t>& sender)
 {
     return "bsid " + std::to_string(bsid) + " from " + EndpointText(sender.first, sender.second);
@@ -77,15 +85,16 @@ CLlsStream::TBroadcast CLlsStream::m_Listed(unsigned bsid, const TSender& sender
     return std::prev(m_broadcasts.end());
 }
 
-/// What one socket sends is one broadcast, which may get another bsid, until its old one comes again: then they are
-/// two.
+/// What one socket sends is one broadcast, which may get another bsid, until its old one comes again soon: then they
+/// are two.
 void CLlsStream::m_Rename(SBroadcast& broadcast, unsigned bsid, const SSource& source)
 {
-    if (broadcast.bsidBefore == bsid) {
+    if (broadcast.bsidBefore == bsid && !Silent(broadcast.lastBefore, source.time)) {
         broadcast.told = true;
         m_Tell(Title(bsid, broadcast.sender), Title(*broadcast.bsid, broadcast.sender), source);
     }
     broadcast.bsidBefore = broadcast.bsid;
+    broadcast.lastBefore = broadcast.lastListed;
     broadcast.bsid = bsid;
 }
 
@@ -122,11 +131,9 @@ CLlsStream::TBroadcast CLlsStream::m_End(TBroadcast broadcast, std::vector<TList
 /// of what they had.
 std::vector<TListKey> CLlsStream::m_EndOthers(TBroadcast listed, const SSource& source)
 {
-    constexpr double k_silent = 15;  // seconds, in which three lists are due
     std::vector<TListKey> gone;
     for (auto one = m_broadcasts.begin(); one != m_broadcasts.end();) {
-        const bool silent =
-            source.time && one->lastListed && Seconds(*source.time) - Seconds(*one->lastListed) > k_silent;
+        const bool silent = Silent(one->lastListed, source.time);
         const bool same = !one->bsid && one->sender.first == listed->sender.first;
         if (one == listed || (!silent && !same)) {
             ++one;
@@ -135,7 +142,7 @@ std::vector<TListKey> CLlsStream::m_EndOthers(TBroadcast listed, const SSource& 
         if (silent) {
             m_report.Finding({ERule::SEVERAL_BROADCASTS,
                               "no service list of " + Title(*one->bsid, one->sender) + " came on " + m_name + " for " +
-                                  std::to_string(static_cast<int>(k_silent)) + " s, and those of " +
+                                  std::to_string(k_silent) + " s, and those of " +
                                   Title(*listed->bsid, listed->sender) + " do: its services are let go",
                               source});
         }

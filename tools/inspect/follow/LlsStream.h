@@ -46,7 +46,8 @@ class CLlsStream {
         std::optional<unsigned> bsidBefore = {};  ///< what it was, if its sender gave it another one
         TSender sender = {};                      ///< of the last list; before there is one, of the first table
         std::optional<STime> lastListed = {};
-        bool told = false;  ///< that it is one of several
+        std::optional<STime> lastBefore = {};  ///< when a list of bsidBefore came last
+        bool told = false;                     ///< that it is one of several
     };
     using TBroadcast = std::list<SBroadcast>::iterator;
     struct SSends {
