@@ -62,6 +62,8 @@ TEST_F(FailureTest, WhatFailedFirstAndWhy)
         {"taken", [&] { xml("<RSAT timestamp='1'/>"); }, ""},
         {"not well-formed", [&] { xml("<RSAT>\n<a>\n</b></RSAT>"); },
          "xml: Opening and ending tag mismatch: a line 2 and b (3)" + create},
+        {"a prefix that is not bound is not why", [&] { xml("<p:RSAT>\n<q:>\n</c></p:RSAT>"); },
+         "xml: Opening and ending tag mismatch: q: line 2 and c (3)" + create},
         {"a fault of a document that is taken, but for its root", [&] { xml("<p:RSAT/>"); },
          "kind | m_ProcessParse(root) at src/common/ParseXML"},
         {"taken again", [&] { xml("<RSAT timestamp='1'/>"); }, ""},

@@ -42,8 +42,10 @@ using TDecoder = std::unique_ptr<xmlCharEncodingHandler, SDeleter>;
 using TBuffer = std::unique_ptr<xmlBuffer, SDeleter>;
 
 /// The first fault that libxml2 tells of a document. It is why a document is not taken; one that is may have some.
+/// A prefix that is not bound, or a colon astray, is never why.
 struct SFault {
     int line;
+    bool spaces;  // what comes next is of namespaces
     bool next;    // its words come next
     bool memory;  // one of them is that memory is out, which others may follow
     char text[160];
@@ -76,7 +78,7 @@ TContext NewContext()
         if (!LogEnabled(LOG_PRIORITY_DEBUG)) {
             context->sax->serror = [](void*, auto* error) {
                 t_fault.memory |= error->code == XML_ERR_NO_MEMORY;
-                if (error->level >= XML_ERR_ERROR) {
+                if (error->level >= XML_ERR_ERROR && error->domain != XML_FROM_NAMESPACE) {
                     t_fault.Hear(error->message ? error->message : "", error->line);
                 }
             };
@@ -154,8 +156,7 @@ CErrorsToLog::CErrorsToLog()
     m_context = xmlGenericErrorContext;
     xmlSetGenericErrorFunc(nullptr, XmlError);
     xmlResetLastError();
-    t_fault.text[0] = 0;
-    t_fault.next = t_fault.memory = false;
+    t_fault = {};
 }
 
 CErrorsToLog::~CErrorsToLog()
@@ -169,7 +170,8 @@ bool CErrorsToLog::MemoryOut() const
     return t_fault.memory || (error && error->code == XML_ERR_NO_MEMORY);
 }
 
-/// "Entity: line 3: ", "parser ", "error : ", the words, and where they are: a line of the text, by "%s\n".
+/// "Entity: line 3: " (of namespaces without), "parser ", "error : ", the words, and where they are: a line of the
+/// text, by "%s\n".
 void HearPiece(const char* format, const char* piece)
 {
     t_fault.memory |= std::strncmp(piece, "Memory allocation failed", 24) == 0 && std::strcmp(format, "%s") == 0;
@@ -178,7 +180,8 @@ void HearPiece(const char* format, const char* piece)
     } else if (t_fault.text[0] == 0 && std::strncmp(piece, "Entity: line ", 13) == 0) {
         t_fault.line = std::atoi(piece + 13);
     }
-    t_fault.next = std::strcmp(piece, "error : ") == 0;
+    t_fault.next = std::strcmp(piece, "error : ") == 0 && !t_fault.spaces;
+    t_fault.spaces = std::strcmp(piece, "namespace ") == 0;
 }
 
 void SFreeDocument::operator()(void* document) const
