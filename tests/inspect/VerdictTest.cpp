@@ -245,6 +245,22 @@ TEST(Verdicts, EachServiceHasItsOwn)
               "239.255.7.1:5001 from 192.0.2.10)\n");
 }
 
+/// What came in packets with compressed headers may be of any session.
+TEST(Verdicts, NothingCameOrNothingThatCanBeRead)
+{
+    for (const bool compressed : {true, false}) {
+        SBroadcast broadcast;
+        broadcast.alp = true;
+        broadcast.change = [=](SSent& sent) {
+            sent.compressed = compressed && sent.kind != SSent::LLS;
+            return compressed || sent.kind == SSent::LLS;
+        };
+        const std::string text = Inspect("-", broadcast.Bytes()).out;
+        EXPECT_EQ(text.find("nothing that can be read") != text.npos, compressed) << text;
+        EXPECT_EQ(text.find("nothing came") != text.npos, !compressed) << text;
+    }
+}
+
 /// Two services on one address and port, with the same TSIs: what another source sends is none of theirs.
 TEST(Verdicts, SourcesOfOneAddressAreApart)
 {

@@ -257,6 +257,7 @@ void CBroadcast::m_Result(bool told)
         [this](const SServiceSession& session, std::uint64_t tsi) { m_traffic.Name(session, tsi, "service guide"); });
     SDelivery delivery = m_traffic.Result({name, 0, {}});
     delivery.packetsCut = counts.cut;
+    delivery.unread = reception.Unread();
     delivery.received = reception.Whole();
     delivery.arrivals = m_arrivals.Result();
     // Of packets that could not be read, nobody knows the session.

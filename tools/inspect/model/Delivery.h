@@ -123,6 +123,7 @@ struct SDelivery {
     double seconds = 0;            ///< that the capture lasts, without what its clock was set by
     std::uint64_t clockSet = 0;    ///< times that its clock went back by more than a second, or on by more than an hour
     std::uint64_t packetsCut = 0;  ///< by the capture: what they carried is not here
+    bool unread = false;           ///< packets came whose session nobody knows: cut, or with compressed headers
     bool received = true;          ///< false: packets were dropped or cut, or sessions not received
     double binSeconds = 1;
     STraffic others;                         ///< of sessions beyond those that are kept

@@ -135,7 +135,9 @@ TRow SessionRow(const SSessionDelivery& session, bool showSource, const SDeliver
     carries.Add(Short(Printable(session.carries)));
     carries.Add(delivery.namesKnown && !session.Named() ? "nothing names it" : "");
     CParts parts;
-    parts.Add(session.traffic.packets == 0 ? "nothing came" : "");
+    if (session.traffic.packets == 0) {
+        parts.Add(delivery.unread ? "nothing that can be read" : "nothing came");
+    }
     if (session.otherPackets != 0) {
         const bool mmtp = session.protocol == EDeliveryProtocol::MMTP;
         parts.Add(Counted(session.otherPackets, mmtp ? "is no MMTP packet" : "is no LCT packet of ROUTE",
