@@ -101,11 +101,13 @@ void CCapture::m_Activate(const std::string& interface)
     if (CInterface::Exists(interface)) {
         m_interface.emplace(interface);
     }
-    pcap_set_snaplen(m_pcap, k_wholePackets);
-    pcap_set_promisc(m_pcap, 1);
-    pcap_set_timeout(m_pcap, k_wait);
-    pcap_set_buffer_size(m_pcap, k_bufferBytes);
-    pcap_set_tstamp_precision(m_pcap, PCAP_TSTAMP_PRECISION_NANO);
+    for (const int refused : {pcap_set_snaplen(m_pcap, k_wholePackets), pcap_set_promisc(m_pcap, 1),
+                              pcap_set_timeout(m_pcap, k_wait), pcap_set_buffer_size(m_pcap, k_bufferBytes)}) {
+        if (refused != 0) {
+            throw CInputError(ERule::INPUT_UNREADABLE, pcap_statustostr(refused));
+        }
+    }
+    const bool fine = pcap_set_tstamp_precision(m_pcap, PCAP_TSTAMP_PRECISION_NANO) == 0;
     const int result = pcap_activate(m_pcap);
     const bool forbidden = result == PCAP_ERROR_PERM_DENIED || result == PCAP_ERROR_PROMISC_PERM_DENIED;
     if (result == PCAP_ERROR_NO_SUCH_DEVICE || (forbidden && single && !m_interface)) {
@@ -121,7 +123,7 @@ void CCapture::m_Activate(const std::string& interface)
         throw CInputError(ERule::INPUT_UNREADABLE, *why != '\0' ? why : pcap_statustostr(result));
     }
     RequireKnownLinkType(pcap_datalink(m_pcap));
-    m_nanoseconds = pcap_get_tstamp_precision(m_pcap) == PCAP_TSTAMP_PRECISION_NANO ? 1 : 1000;
+    m_nanoseconds = fine && pcap_get_tstamp_precision(m_pcap) == PCAP_TSTAMP_PRECISION_NANO ? 1 : 1000;
 }
 
 /// That of the user is tried alone, so that it cannot end the parentheses, and comes first: what is behind a VLAN tag
