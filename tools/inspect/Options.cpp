@@ -226,8 +226,10 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     options.commandLine = CommandLine(argc, argv);
     CLI::App app("Shows the ATSC 3.0 signalling in packet captures, raw files and networks.", "vyr-atsc30-inspect");
     app.formatter(std::make_shared<CFormatter>());
-    app.get_formatter()->label("REQUIRED", "");
     app.footer(k_footer);
+#if CLI11_VERSION_MAJOR * 100 + CLI11_VERSION_MINOR >= 206
+    app.get_formatter()->enable_footer_formatting(false);  // the examples are lines of their own
+#endif
     app.set_help_flag("-h,--help", "Show this help and end");
     app.set_version_flag(
         "--version",
@@ -253,16 +255,15 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         "INPUT", options.inputs,
         "pcap or pcapng capture, raw LLS table, ROUTE signalling, raw MMT message, service guide, or - for "
         "standard input");
-    input->required()->type_name("");
-    const auto inPlace = [input](const std::string&) { input->required(false); };
+    input->type_name("");
     constexpr char k_liveGroup[] = "Live input";
     CLI::Option* const interface = app.add_option("--interface", options.live.interface,
                                                   "Capture on it, in place of reading INPUT; needs privileges");
-    interface->type_name("IF")->group(k_liveGroup)->each(inPlace);
+    interface->type_name("IF")->group(k_liveGroup);
     CLI::Option* const join = app.add_option("--join", joined,
                                              "Join the LLS group (ADDRESS in place of 224.0.23.60), and those of the "
                                              "sessions that signalling names; needs no privileges");
-    join->type_name("[ADDRESS%]IF")->group(k_liveGroup)->each(inPlace);
+    join->type_name("[ADDRESS%]IF")->group(k_liveGroup);
     app.add_option("--filter", options.live.filter, "Capture only what passes the filter of libpcap as well")
         ->type_name("EXPR")
         ->needs(interface)
@@ -313,6 +314,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         app.add_option(option, texts, about)
             ->type_name(type)
             ->expected(1)
+            ->allow_extra_args(false)
             ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
             ->group(group);
     };
@@ -347,14 +349,7 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
         ->type_name("SECONDS")
         ->check(CLI::PositiveNumber.description(""))
         ->group(k_judging);
-    app.add_flag_callback(
-           "--rules",
-           [&] {
-               rules = true;
-               input->required(false);
-           },
-           "List the rules that a broadcast is judged by and end")
-        ->group(k_judging);
+    app.add_flag("--rules", rules, "List the rules that a broadcast is judged by and end")->group(k_judging);
     std::string log = "silent";
     app.add_option("--log", log, "Library messages to show on stderr: debug, info, error, silent (default)")
         ->type_name("LEVEL")
@@ -369,7 +364,11 @@ bool ReadOptions(int argc, const char* const* argv, SOptions& options, int* exit
     try {
         app.parse(argc, argv);
         options.log = ReadLevel(log);
-        if ((input->count() != 0 ? 1u : 0u) + interface->count() + join->count() > 1) {
+        const std::size_t ways = (input->count() != 0 ? 1u : 0u) + interface->count() + join->count();
+        if (ways == 0 && !rules) {
+            throw CLI::RequiredError("INPUT");
+        }
+        if (ways > 1) {
             throw CLI::ValidationError("only one of INPUT, --interface and --join can be given");
         }
         if (input->count() != 0 && duration->count() + packets->count() != 0) {
