@@ -236,20 +236,35 @@ TDocument ParseFile(const char* name)
 bool DecodeXml(const char* encoding, const char* data, std::size_t size, std::string* out)
 {
     const CErrorsToLog errors;
+#if LIBXML_VERSION >= 21400
+    // It says nothing when memory is out, but returns it.
+    constexpr int k_memoryOut = XML_ENC_ERR_MEMORY;
+    xmlCharEncodingHandlerPtr found = nullptr;
+    bool memoryOut = xmlOpenCharEncodingHandler(encoding, 0, &found) == XML_ERR_NO_MEMORY;
+    const TDecoder decoder(found);
+#else
+    constexpr int k_memoryOut = INT_MIN;
+    bool memoryOut = false;
     const TDecoder decoder(xmlFindCharEncodingHandler(encoding));
+#endif
     if (!decoder) {
+        if (memoryOut) {
+            throw std::bad_alloc();
+        }
         return false;
     }
     // It may do less than everything at a time, and stops for good before what it cannot decode.
     // A copy: for its message it reads four bytes from the wrong one on.
     const TBuffer text(Allocated(xmlBufferCreate()));
     const TBuffer rest(Allocated(xmlBufferCreateSize(size + 4)));
-    xmlBufferAdd(rest.get(), reinterpret_cast<const xmlChar*>(data), static_cast<int>(size));
+    memoryOut = xmlBufferAdd(rest.get(), reinterpret_cast<const xmlChar*>(data), static_cast<int>(size)) != 0;
     for (int before = INT_MAX; xmlBufferLength(rest.get()) > 0 && xmlBufferLength(rest.get()) < before;) {
         before = xmlBufferLength(rest.get());
-        xmlCharEncInFunc(decoder.get(), text.get(), rest.get());
+        // It makes room as well, and would cut the text in silence where there is none.
+        memoryOut |= xmlBufferGrow(text.get(), 2 * static_cast<unsigned>(before) + 2) < 0;
+        memoryOut |= xmlCharEncInFunc(decoder.get(), text.get(), rest.get()) == k_memoryOut;
     }
-    if (errors.MemoryOut()) {
+    if (memoryOut || errors.MemoryOut()) {
         throw std::bad_alloc();
     }
     out->assign(AsText(xmlBufferContent(text.get())), static_cast<std::size_t>(xmlBufferLength(text.get())));

@@ -14,21 +14,29 @@ using xml::AsText;
 
 namespace {
 
-/// Appends what the nodes of an attribute's value stand for. xmlGetProp copies all that it has for every
-/// entity reference anew, which makes a value of many references quadratic.
-void AppendValue(xmlBufferPtr out, xmlDocPtr doc, const xmlNode* node)
+/// False when memory is out.
+bool Append(xmlBufferPtr out, const xmlChar* text)
 {
-    for (; node; node = node->next) {
+    return !text || xmlBufferCat(out, text) == 0;
+}
+
+/// Appends what the nodes of an attribute's value stand for. xmlGetProp copies all that it has for every
+/// entity reference anew, which makes a value of many references quadratic. False when memory is out.
+bool AppendValue(xmlBufferPtr out, xmlDocPtr doc, const xmlNode* node)
+{
+    bool whole = true;
+    for (; node && whole; node = node->next) {
         if (node->type != XML_ENTITY_REF_NODE) {
             if (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE) {
-                xmlBufferCat(out, node->content);
+                whole = Append(out, node->content);
             }
         } else if (const xmlEntityPtr entity = xmlGetDocEntity(doc, node->name)) {
-            AppendValue(out, doc, entity->children);
+            whole = AppendValue(out, doc, entity->children);
         } else {
-            xmlBufferCat(out, node->content);
+            whole = Append(out, node->content);
         }
     }
+    return whole;
 }
 
 /// The value of an attribute of several nodes; null when memory is out.
@@ -39,19 +47,20 @@ xmlChar* AttributeValue(const xmlAttr* attribute)
         return nullptr;
     }
     xmlBufferSetAllocationScheme(buffer, XML_BUFFER_ALLOC_DOUBLEIT);
-    AppendValue(buffer, attribute->doc, attribute->children);
-    xmlChar* value = xmlBufferDetach(buffer);
+    const bool whole = AppendValue(buffer, attribute->doc, attribute->children);
+    xmlChar* value = whole ? xmlBufferDetach(buffer) : nullptr;
     xmlBufferFree(buffer);
-    return value ? value : xmlStrdup(AsName(""));
+    return value || !whole ? value : xmlStrdup(AsName(""));
 }
 
-/// A text that `make` has libxml2 make, to be freed with xmlFree; throws when memory was out on the way.
+/// A text that `make` has libxml2 make, to be freed with xmlFree; throws when memory was out on the way. Newer
+/// libxml2 has no word of that, but null in place of a text that must be.
 template <class TMake>
-const char* Made(TMake make)
+const char* Made(bool mustBe, TMake make)
 {
     const xml::CErrorsToLog errors;
     xmlChar* text = make();
-    if (errors.MemoryOut()) {
+    if (errors.MemoryOut() || (mustBe && !text)) {
         xmlFree(text);
         throw std::bad_alloc();
     }
@@ -77,12 +86,15 @@ CNodeText CNodeText::Attribute(void* node, const char* name)
         if (!value->next && value->type == XML_TEXT_NODE && value->content) {
             return {AsText(value->content), false};
         }
-        return {Made([&] { return AttributeValue(attribute); }), true};
+        return {Made(true, [&] { return AttributeValue(attribute); }), true};
     }
     if (!element->doc || !element->doc->intSubset) {
         return {nullptr, false};
     }
-    return {Made([&] { return xmlGetProp(element, AsName(name)); }), true};
+    // What its declaration says.
+    const xmlAttr* declared = xmlHasProp(element, AsName(name));
+    const bool hasDefault = declared && declared->type == XML_ATTRIBUTE_DECL;
+    return {hasDefault ? AsText(reinterpret_cast<const xmlAttribute*>(declared)->defaultValue) : nullptr, false};
 }
 
 CNodeText CNodeText::Content(void* node)
@@ -100,7 +112,7 @@ CNodeText CNodeText::Content(void* node)
             return {AsText(value->content), false};
         }
     }
-    return {Made([&] { return xmlNodeGetContent(element); }), true};
+    return {Made(element->type == XML_ELEMENT_NODE, [&] { return xmlNodeGetContent(element); }), true};
 }
 
 CNodeText::~CNodeText()
