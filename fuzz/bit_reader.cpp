@@ -1,5 +1,5 @@
 // A script of reads over random bytes, against a reader that takes one bit at a time.
-// Sources: src/common/BitReader.h
+// Sources: src/common/Parse.cpp
 #include <cstring>
 #include <memory>
 

@@ -1,6 +1,7 @@
 // Documents of the service guide: the first byte picks the parser, and what follows are up to four
 // documents in a row on it.
-// Sources: src/esg
+// Sources: src/esg/ESGElement src/esg/ESGC*.cpp src/esg/ESGF*Base.cpp src/esg/ESGKind.h src/esg/ESGS*.cpp
+// Sources: src/esg/GenreNameParse.cpp src/esg/SGDDParse.cpp src/esg/SGResponse.cpp
 #include "Fuzz.h"
 #include "Mutate.h"
 #include "esg/ESGContentFragment.h"

@@ -1,7 +1,7 @@
 // The inspector's way from the guide's objects to its report: the first byte picks text or JSON, the limits,
 // and a raw file or objects of a session; these follow, each behind its 16-bit length and a byte that is its
 // TOI, or renames the services of the service list.
-// Sources: tools/inspect/follow/GuideFollower.cpp tools/inspect/content/Guide*.cpp tools/inspect/report
+// Sources: tools/inspect/follow/Guide*.cpp tools/inspect/content/Guide*.cpp tools/inspect/report/*Guide*.cpp
 #include "InspectFuzz.h"
 #include "follow/GuideFollower.h"
 

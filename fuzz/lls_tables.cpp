@@ -1,6 +1,7 @@
 // Every LLS table but the SLT: the first byte picks the parser, and what follows are up to eight tables
 // in a row on it, each looked at through every getter.
-// Sources: src/lls
+// Sources: src/lls/LLSSMTParser.cpp src/lls/ParseA*.cpp src/lls/ParseC*.cpp src/lls/ParseLLS.cpp src/lls/ParseO*.cpp
+// Sources: src/lls/ParseR*.cpp src/lls/ParseSystemTime.cpp src/lls/*.h
 #include <list>
 #include <string>
 

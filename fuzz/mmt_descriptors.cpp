@@ -1,5 +1,5 @@
 // A loop of MMT descriptors: the first two bytes are how much shorter than the input the loop's length is.
-// Sources: src/mmt/desc
+// Sources: src/mmt/desc/MMTDesc*.cpp
 #include <string_view>
 
 #include "Fuzz.h"

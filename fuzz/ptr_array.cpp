@@ -1,5 +1,5 @@
 // A script of calls on CCPtrArray, against std::vector.
-// Sources: src/common/CoreOS
+// Sources: src/common/CoreOS/PtrArray.cpp
 #include "Fuzz.h"
 #include "common/CoreOS/PtrArray.h"
 #include "platform/Platform.h"

@@ -1,6 +1,6 @@
 // Documents of ROUTE service-layer signalling: the first byte picks the parser, and what follows are up
 // to four documents in a row on it.
-// Sources: src/route/SLS src/common/RSAT.cpp src/common/ServiceLinkage.cpp
+// Sources: src/route/SLS/[!M]*.cpp src/route/SLS/MediaInfo.cpp src/common/RSAT.cpp src/common/ServiceLinkage.cpp
 #include <string>
 
 #include "Fuzz.h"

@@ -1,6 +1,6 @@
 // A script of calls on CCStringHash, against std::unordered_multimap for what it holds and a vector
 // for the order of its list.
-// Sources: src/common/CoreOS
+// Sources: src/common/CoreOS/StringHash.cpp
 #include <algorithm>
 #include <string>
 #include <unordered_map>
